@@ -1,0 +1,115 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace ovik {
+
+/// A space-partitioning tree over the points of an embedding, for forces in O(N log N).
+///
+/// Cells are cubes of the embedding space whose side halves from level to level: a quadtree in two
+/// dimensions, an octree in three, and so on for any number of dimensions. Levels at which all
+/// points of a cell lie in the same child are skipped, and points at the same place share one leaf,
+/// so that the depth is bounded by the resolution of `double` and never by the number of points.
+/// Where points are too close for the 32 levels of one grid, a finer grid is laid over them.
+///
+/// Opening criterion: seen from a point, a cell counts as one point at its centre of mass if
+///
+///     side < theta * distance,
+///
+/// where `side` is the side of the smallest cube of the grid that holds the cell's points and
+/// `distance` is that from the point to the cell's centre of mass. A cell that holds the point
+/// itself is always opened, and a leaf never needs to be. A `theta` that is zero, negative or NaN
+/// opens every cell, which gives the all-pairs sums.
+///
+/// NaN and infinite coordinates are accepted and carry over into the sums that they take part in.
+///
+/// The tree reads the points and does not own them: they must outlive it unchanged.
+/// Queries are const, do not allocate, and may run on several threads at once.
+///
+/// @par Source Barnes and Hut, "A hierarchical O(N log N) force-calculation algorithm",
+/// Nature 324:446, 1986
+class SPTree {
+  public:
+    /// Builds the tree.
+    ///
+    /// @param D     output dimensions, at least 1
+    /// @param data  row-major, N x D
+    /// @param N     number of points; 0 gives an empty tree
+    /// @throws std::bad_alloc if memory is exhausted
+    /// @complexity O(N log N)
+    SPTree(unsigned int D, const double* data, unsigned int N);
+
+    /// Adds the attractive forces along the entries of a sparse similarity matrix.
+    ///
+    /// For every entry (n, m, p), in order, row n of `pos_f` grows by p * q * (Y_n - Y_m), with
+    /// q = 1 / (1 + squared distance of Y_n and Y_m). Rows are spread over the cores.
+    ///
+    /// @param row_P  N + 1 row starts
+    /// @param col_P  column of each entry
+    /// @param val_P  similarity of each entry
+    /// @param N      number of rows, as in the constructor
+    /// @param pos_f  row-major, N x D
+    void computeEdgeForces(const unsigned int* row_P,
+                           const unsigned int* col_P,
+                           const double* val_P,
+                           int N,
+                           double* pos_f) const;
+
+    /// Adds the repulsive force on one point, and its share of the normalisation.
+    ///
+    /// With q = 1 / (1 + squared distance) and c the number of points in a cell, `neg_f` grows by
+    /// c * q^2 * (Y_point - centre) for every cell or leaf that is taken as one point, and `*sum_Q`
+    /// by the sum of all c * q, which is formed first and added once. The point itself is left out.
+    ///
+    /// @param point  row of the point
+    /// @param theta  accuracy; see the opening criterion
+    /// @param neg_f  D values
+    void computeNonEdgeForces(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
+
+  private:
+    /// A cell; the nodes stand in depth-first order, each before its children.
+    struct Node {
+        double squared_side;
+        /// Its points are `order_[first]` to `order_[last - 1]`.
+        std::uint32_t first;
+        std::uint32_t last;
+        /// The node that follows its subtree; of a leaf, the next one.
+        std::uint32_t next;
+    };
+
+    /// Points of a cell that is not built yet, and the side of the grid that their codes belong to.
+    struct PendingCell {
+        std::uint32_t first;
+        std::uint32_t last;
+        double grid_side;
+    };
+
+    void buildNodes();
+    double layGrid(std::uint32_t first, std::uint32_t last);
+    void pushChildren(const PendingCell& cell, int bit, std::vector<PendingCell>& pending) const;
+    void linkAndWeigh();
+
+    [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] bool inSameChild(std::uint32_t a, std::uint32_t b, int bit) const;
+    [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
+
+    template <std::size_t kDims>
+    void addRepulsion(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
+
+    std::size_t dims_;
+    std::uint32_t point_count_;
+    const double* data_;
+    /// Grid cell of each point, N x D; only the build needs it.
+    std::vector<std::uint32_t> codes_;
+    /// Points in Morton order, and the position of each point in it.
+    std::vector<std::uint32_t> order_;
+    std::vector<std::uint32_t> rank_;
+    std::vector<Node> nodes_;
+    /// Centre of mass of each node.
+    std::vector<double> centres_;
+};
+
+}  // namespace ovik

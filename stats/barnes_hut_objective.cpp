@@ -1,0 +1,63 @@
+#include "stats/barnes_hut_objective.h"
+
+#include "stats/barnes_hut_forces.h"
+#include "stats/elementwise.h"
+#include "util/format.h"
+
+namespace ovik {
+
+namespace {
+
+int neighbour_count(double perplexity, std::size_t N) {
+    const double wanted = 3.0 * perplexity;
+    const double available = static_cast<double>(N - 1);
+    // Compared before it is truncated: a huge or NaN perplexity has no int.
+    if (wanted <= 0.0) {
+        return 0;
+    }
+    return static_cast<int>(wanted < available ? wanted : available);
+}
+
+}  // namespace
+
+BarnesHutObjective::BarnesHutObjective(const double* X,
+                                       std::size_t N,
+                                       std::size_t D,
+                                       std::size_t out_dims,
+                                       double perplexity,
+                                       double theta)
+    : N_(N), out_dims_(out_dims), theta_(theta) {
+    const SparseMatrix conditional =
+        neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N));
+    P_ = symmetrized(
+        conditional.row_P.get(), conditional.col_P.get(), conditional.val_P.get(), N);
+    divide_by_sum(P_.val_P.get(), entryCount());
+}
+
+void BarnesHutObjective::exaggerate(double factor) {
+    multiply_all(P_.val_P.get(), entryCount(), factor);
+}
+
+void BarnesHutObjective::relax(double factor) {
+    divide_all(P_.val_P.get(), entryCount(), factor);
+}
+
+void BarnesHutObjective::gradient(const double* Y, double* dY) {
+    barnes_hut_gradient(
+        P_.row_P.get(), P_.col_P.get(), P_.val_P.get(), Y, N_, out_dims_, dY, theta_);
+}
+
+double BarnesHutObjective::cost(const double* Y) {
+    return barnes_hut_cost(
+        P_.row_P.get(), P_.col_P.get(), P_.val_P.get(), Y, N_, out_dims_, theta_);
+}
+
+std::string BarnesHutObjective::report(std::clock_t elapsed) const {
+    const auto rows = static_cast<double>(N_);
+    const double density = static_cast<double>(entryCount()) / (rows * rows);
+    const float seconds = static_cast<float>(elapsed) / 1000000.0F;
+    return "Got sparsity " + num2string(density, 6) + " for input similarities in " +
+           num2string(seconds) + " seconds!";
+}
+
+}  // namespace ovik

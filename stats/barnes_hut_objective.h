@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+
+#include "stats/objective.h"
+#include "stats/sparse_affinities.h"
+
+namespace ovik {
+
+/// The Barnes-Hut method: similarities to the nearest neighbours, approximate repulsive forces.
+class BarnesHutObjective : public Objective {
+  public:
+    /// Computes the joint similarities of the rows of X, which sum to 1, from the 3 * perplexity
+    /// nearest neighbours of each (truncated; the N - 1 that there are if it asks for more).
+    /// Failures as for `neighbour_affinities` and `symmetrized`.
+    ///
+    /// @param X         row-major, N x D, N at least 1; read here only
+    /// @param out_dims  dimensions of the embedding
+    /// @param theta     accuracy; see `SPTree`
+    BarnesHutObjective(const double* X,
+                       std::size_t N,
+                       std::size_t D,
+                       std::size_t out_dims,
+                       double perplexity,
+                       double theta);
+
+    void exaggerate(double factor) override;
+    void relax(double factor) override;
+    void gradient(const double* Y, double* dY) override;
+    [[nodiscard]] double cost(const double* Y) override;
+
+    /// Gives the density of the similarity matrix and fractions of a second.
+    [[nodiscard]] std::string report(std::clock_t elapsed) const override;
+
+  private:
+    [[nodiscard]] std::size_t entryCount() const { return P_.row_P[N_]; }
+
+    std::size_t N_;
+    std::size_t out_dims_;
+    double theta_;
+    SparseMatrix P_;
+};
+
+}  // namespace ovik

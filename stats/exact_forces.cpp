@@ -1,0 +1,87 @@
+#include "stats/exact_forces.h"
+
+#include <cfloat>
+#include <cmath>
+
+#include "stats/pairwise_distances.h"
+#include "util/malloc_array.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+/// The unnormalised similarities of point n to all points; the one at n is set to `diagonal`.
+void fill_similarities(const PointColumns& columns, std::size_t n, double diagonal, double* q) {
+    columns.squaredDistancesFrom(n, q);
+    for (std::size_t m = 0; m < columns.pointCount(); ++m) {
+        q[m] = 1.0 / (q[m] + 1.0);
+    }
+    q[n] = diagonal;
+}
+
+/// `start` plus the similarities of all pairs, row after row.
+double sum_similarities(const PointColumns& columns, double start) {
+    const std::size_t N = columns.pointCount();
+    return ordered_sum(start, N, N, [&](std::size_t n, double* q) {
+        // Zero on the diagonal: adding it changes no bit of a sum of positive numbers.
+        fill_similarities(columns, n, 0.0, q);
+        return N;
+    });
+}
+
+/// The sum over m != n, in order, of (Y_n - Y_m) * multipliers[m] in one dimension.
+double weighted_offset_sum(const double* coordinates,
+                           std::size_t n,
+                           std::size_t N,
+                           const double* multipliers) {
+    const double own = coordinates[n];
+    double sum = 0.0;
+    for (std::size_t m = 0; m < n; ++m) {
+        sum += (own - coordinates[m]) * multipliers[m];
+    }
+    for (std::size_t m = n + 1; m < N; ++m) {
+        sum += (own - coordinates[m]) * multipliers[m];
+    }
+    return sum;
+}
+
+}  // namespace
+
+void exact_gradient(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient) {
+    const PointColumns columns(Y, N, dims);
+    const double sum_Q = sum_similarities(columns, 0.0);
+    const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
+    exit_unless_allocated(buffers);
+    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+        double* const multipliers = buffers.get() + worker * N;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            fill_similarities(columns, n, 0.0, multipliers);
+            for (std::size_t m = 0; m < N; ++m) {
+                const double q = multipliers[m];
+                multipliers[m] = q * (P[n * N + m] - q / sum_Q);
+            }
+            for (std::size_t d = 0; d < dims; ++d) {
+                gradient[n * dims + d] =
+                    weighted_offset_sum(columns.column(d), n, N, multipliers);
+            }
+        }
+    });
+}
+
+double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims) {
+    const PointColumns columns(Y, N, dims);
+    const double sum_Q = sum_similarities(columns, DBL_MIN);
+    return ordered_sum(0.0, N, N, [&](std::size_t n, double* terms) {
+        fill_similarities(columns, n, DBL_MIN, terms);
+        for (std::size_t m = 0; m < N; ++m) {
+            const double p = P[n * N + m];
+            const double Q = terms[m] / sum_Q;
+            terms[m] = p * std::log((p + DBL_MIN) / (Q + DBL_MIN));
+        }
+        return N;
+    });
+}
+
+}  // namespace ovik

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+
+namespace ovik {
+
+/// The t-SNE gradient over all pairs of points.
+///
+/// Row n is the sum over m, in order, of (Y_n - Y_m) * Q_nm * (P_nm - Q_nm / sum_Q), where Q_nm is
+/// 1 / (1 + squared distance) and sum_Q the sum of all Q_nm, row after row. The usual factor of 4 is
+/// left to the learning rate. Ends the process with "Memory allocation failed!" if its work arrays,
+/// O(N) per thread, do not fit in memory.
+///
+/// @param P         row-major, N x N; the diagonal is not read
+/// @param Y         row-major, N x dims
+/// @param gradient  row-major, N x dims, written
+/// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008,
+/// equation 5
+void exact_gradient(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient);
+
+/// The Kullback-Leibler divergence of the similarities of an embedding from P, over all pairs.
+///
+/// The sum over all entries, in order, of P * log((P + DBL_MIN) / (Q / sum_Q + DBL_MIN)); the diagonal
+/// takes part with Q = DBL_MIN. Failure of memory as for `exact_gradient`.
+///
+/// @param P  row-major, N x N
+/// @param Y  row-major, N x dims
+double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
+
+}  // namespace ovik

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+
+#include "util/malloc_array.h"
+
+namespace ovik {
+
+/// Gradient descent with momentum and an adaptive gain per element; the learning rate is 200.
+///
+/// @par Source Jacobs, "Increased rates of convergence through learning rate adaptation",
+/// Neural Networks 1:295, 1988
+class GradientDescent {
+  public:
+    /// Starts with no velocity and gains of 1 for an embedding of `count` elements.
+    /// Ends the process with "Memory allocation failed!" if the arrays do not fit in memory.
+    explicit GradientDescent(std::size_t count);
+
+    /// Where the caller writes the gradient of the next step.
+    [[nodiscard]] double* gradient() { return gradient_.get(); }
+
+    /// Moves the embedding one step against the gradient.
+    ///
+    /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor of
+    /// 0.8 where they agree, not below 0.01. The velocity becomes
+    /// velocity * momentum - (gain * 200) * gradient and is added to Y.
+    ///
+    /// @param Y  `count` elements, modified
+    void step(double* Y, double momentum);
+
+  private:
+    std::size_t count_;
+    MallocArray<double> gradient_;
+    MallocArray<double> velocity_;
+    MallocArray<double> gains_;
+};
+
+}  // namespace ovik

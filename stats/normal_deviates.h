@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+
+namespace ovik {
+
+/// One standard normal deviate by the polar method, from the process-wide `rand` stream.
+///
+/// Each trial takes two values of `rand`; the second deviate of an accepted pair is discarded.
+///
+/// @par Source Marsaglia and Bray, "A convenient method for generating normal variables",
+/// SIAM Review 6:260, 1964
+double normal_deviate();
+
+/// Starts an embedding: sets every element, in index order, to a normal deviate times 0.0001.
+void draw_initial_embedding(double* Y, std::size_t count);
+
+}  // namespace ovik

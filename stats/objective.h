@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ctime>
+#include <string>
+
+namespace ovik {
+
+/// What gradient descent needs of a method: the input similarities that it holds, and the gradient
+/// and cost of an embedding against them. An embedding is row-major, N x output dimensions.
+class Objective {
+  public:
+    Objective() = default;
+    Objective(const Objective&) = delete;
+    Objective& operator=(const Objective&) = delete;
+    virtual ~Objective() = default;
+
+    /// Multiplies the similarities (early exaggeration).
+    virtual void exaggerate(double factor) = 0;
+
+    /// Divides the similarities, which ends early exaggeration.
+    virtual void relax(double factor) = 0;
+
+    /// Writes the gradient at embedding Y, of the same shape.
+    virtual void gradient(const double* Y, double* dY) = 0;
+
+    /// The Kullback-Leibler divergence of embedding Y, against the similarities as they stand.
+    [[nodiscard]] virtual double cost(const double* Y) = 0;
+
+    /// The message about the similarities.
+    ///
+    /// @param elapsed  processor time that they took
+    [[nodiscard]] virtual std::string report(std::clock_t elapsed) const = 0;
+};
+
+}  // namespace ovik

@@ -1,0 +1,186 @@
+#include "stats/sparse_affinities.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <stdexcept>
+#include <vector>
+
+#include "neighbours/data_point.h"
+#include "neighbours/euclidean_distance.h"
+#include "neighbours/vptree.h"
+#include "stats/bandwidth_search.h"
+#include "util/console.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+constexpr int kBandwidthAttempts = 200;
+
+using NeighbourTree = VpTree<DataPoint<double>, &euclidean_distance>;
+
+void check_entry_count(std::size_t entries) {
+    if (entries > std::numeric_limits<unsigned int>::max()) {
+        throw std::length_error("the similarity matrix has more than 2^32 - 1 entries (" +
+                                std::to_string(entries) + "): lower the perplexity");
+    }
+}
+
+std::vector<DataPoint<double>> point_list(const double* points, std::size_t N, std::size_t dims) {
+    std::vector<DataPoint<double>> list;
+    list.reserve(N);
+    for (std::size_t n = 0; n < N; ++n) {
+        list.emplace_back(
+            static_cast<std::int32_t>(dims), static_cast<std::int32_t>(n), points + n * dims);
+    }
+    return list;
+}
+
+/// What one worker needs to calibrate row after row.
+struct RowScratch {
+    NeighbourTree::Query query;
+    std::vector<double> squared_distances;
+};
+
+/// Fills the row of point n: columns nearest first, and their similarities.
+void fill_row(const NeighbourTree& tree,
+              const DataPoint<double>& point,
+              double perplexity,
+              std::size_t K,
+              RowScratch& scratch,
+              unsigned int* columns,
+              double* similarities) {
+    const std::size_t wanted = std::min(K, tree.items.size()) + 1;
+    tree.search(point, static_cast<int>(wanted), scratch.query);
+    const auto& nearest = scratch.query.neighbours;
+    const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
+    for (std::size_t m = 0; m < count; ++m) {
+        const double distance = nearest[m + 1].dist;
+        scratch.squared_distances[m] = distance * distance;
+        columns[m] = static_cast<unsigned int>(
+            tree.items[static_cast<std::size_t>(nearest[m + 1].index)].index);
+    }
+    const auto fill = [&](double beta) {
+        for (std::size_t m = 0; m < count; ++m) {
+            const double distance = nearest[m + 1].dist;
+            similarities[m] = std::exp(((-beta) * distance) * distance);
+        }
+    };
+    calibrate_similarities(scratch.squared_distances.data(),
+                           similarities,
+                           count,
+                           perplexity,
+                           kBandwidthAttempts,
+                           fill);
+    std::fill(columns + count, columns + K, static_cast<unsigned int>(point.index));
+    std::fill(similarities + count, similarities + K, 0.0);
+}
+
+constexpr std::size_t kNotStored = static_cast<std::size_t>(-1);
+
+/// The entry of row `row` whose column is `column`, the last one if there are several.
+std::size_t find_entry(const unsigned int* row_P,
+                       const unsigned int* col_P,
+                       std::size_t row,
+                       std::size_t column) {
+    for (std::size_t i = row_P[row + 1]; i-- > row_P[row];) {
+        if (col_P[i] == column) {
+            return i;
+        }
+    }
+    return kNotStored;
+}
+
+}  // namespace
+
+SparseMatrix neighbour_affinities(const double* points,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double perplexity,
+                                  int K) {
+    if (perplexity > static_cast<double>(K)) {
+        std::fputs("Perplexity should be lower than K!\n", stderr);
+    }
+    const auto row_length = static_cast<std::size_t>(std::max(K, 0));
+    check_entry_count(N * row_length);
+    SparseMatrix matrix{malloc_array<unsigned int>(N + 1),
+                        calloc_array<unsigned int>(N * row_length),
+                        calloc_array<double>(N * row_length)};
+    exit_unless_allocated(matrix.row_P, matrix.col_P, matrix.val_P);
+    for (std::size_t n = 0; n <= N; ++n) {
+        matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
+    }
+    const auto list = point_list(points, N, dims);
+    NeighbourTree tree;
+    tree.create(list);
+    print_info("Building tree ...");
+    std::vector<RowScratch> scratch(static_cast<std::size_t>(worker_count(N)));
+    for (RowScratch& worker : scratch) {
+        worker.squared_distances.resize(row_length);
+    }
+    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            fill_row(tree,
+                     list[n],
+                     perplexity,
+                     row_length,
+                     scratch[worker],
+                     matrix.col_P.get() + n * row_length,
+                     matrix.val_P.get() + n * row_length);
+        }
+    });
+    return matrix;
+}
+
+SparseMatrix symmetrized(const unsigned int* row_P,
+                         const unsigned int* col_P,
+                         const double* val_P,
+                         std::size_t N) {
+    const auto row_counts = calloc_array<unsigned int>(N);
+    exit_unless_allocated(row_counts);
+    std::size_t entries = 0;
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t i = row_P[n]; i < row_P[n + 1]; ++i) {
+            const std::size_t j = col_P[i];
+            const bool both = find_entry(row_P, col_P, j, n) != kNotStored;
+            row_counts[n] += 1;
+            row_counts[j] += both ? 0 : 1;
+            entries += both ? 1 : 2;
+        }
+    }
+    check_entry_count(entries);
+    SparseMatrix result{malloc_array<unsigned int>(N + 1),
+                        malloc_array<unsigned int>(entries),
+                        malloc_array<double>(entries)};
+    exit_unless_allocated(result.row_P, result.col_P, result.val_P);
+    result.row_P[0] = 0;
+    for (std::size_t n = 0; n < N; ++n) {
+        result.row_P[n + 1] = result.row_P[n] + row_counts[n];
+    }
+    const auto offset = calloc_array<unsigned int>(N);
+    exit_unless_allocated(offset);
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t i = row_P[n]; i < row_P[n + 1]; ++i) {
+            const std::size_t j = col_P[i];
+            const std::size_t mirror = find_entry(row_P, col_P, j, n);
+            if (mirror != kNotStored && n > j) {
+                continue;  // written with row j
+            }
+            const double value = mirror == kNotStored ? val_P[i] : val_P[i] + val_P[mirror];
+            const std::size_t own_slot = result.row_P[n] + offset[n];
+            const std::size_t mirror_slot = result.row_P[j] + offset[j];
+            result.col_P[own_slot] = static_cast<unsigned int>(j);
+            result.col_P[mirror_slot] = static_cast<unsigned int>(n);
+            result.val_P[own_slot] = value * 0.5;
+            result.val_P[mirror_slot] = value * 0.5;
+            offset[n] += 1;
+            offset[j] += j != n ? 1 : 0;
+        }
+    }
+    return result;
+}
+
+}  // namespace ovik

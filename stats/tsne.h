@@ -1,0 +1,181 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ovik {
+
+/// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
+extern char gInstantiationGuardTSNE;
+
+/// t-SNE: embeds the rows of a matrix in a few dimensions so that close rows stay close.
+///
+/// Use: construct, `init`, set `theta` if need be, `actuate`, `finish`. One run per object is the
+/// intended use. Called from one thread; the work is spread over OpenMP's threads, and the results are
+/// the same for any number of them. Both instantiations, `float` and `double`, compute in `double`;
+/// T is the precision in which results are handed out.
+///
+/// The seed is fixed (11, the process-wide `rand` stream), as are early exaggeration (12), learning
+/// rate (200), momentum (0.5, then 0.8) and the scale of the random start (0.0001).
+///
+/// Messages go to standard output, remarks to standard error. Work arrays that do not fit in memory
+/// end the process with "Memory allocation failed!" and status 1; other allocations throw
+/// std::bad_alloc. The exact method logs its perplexity through glog, which this library leaves to
+/// the application to initialise.
+///
+/// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
+/// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
+template <typename T>
+class TSNE {
+  public:
+    std::string out_dir;
+    std::string out_name;
+    /// `out_dir` and `out_name` joined as they stand: results are named after it.
+    std::string out_base;
+    /// Appended to the stem of the result table.
+    std::string out_suffix;
+    /// What the data are, in the run log.
+    std::string data_title;
+    /// Iterations run from 0 to `max_iter` inclusive.
+    int max_iter = 0;
+    /// Rows (points).
+    int N = 0;
+    /// Columns (measurements).
+    int D = 0;
+    /// One name per row.
+    std::vector<std::string> row_names;
+    /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`.
+    double* X = nullptr;
+    /// Embedding, row-major, N x no_dims, from array `new`.
+    double* Y = nullptr;
+    /// Effective number of neighbours; 20 after `init`, then the argument of `actuate`.
+    double perplexity = 0.0;
+    /// Accuracy of the Barnes-Hut method, 0.5 after `init`; exactly 0.0 selects the exact method.
+    double theta = 0.0;
+
+    /// @param out_dir     directory of the results, with its separator at the end
+    /// @param out_name    start of their file names
+    /// @param out_suffix  end of the table's file name, before ".csv"
+    /// @param data_title  what the data are, for the run log
+    TSNE(std::string out_dir,
+         std::string out_name,
+         std::string out_suffix,
+         std::string data_title);
+
+    TSNE(const TSNE&) = delete;
+    TSNE& operator=(const TSNE&) = delete;
+
+    /// Does not release `X` and `Y`: `finish` does.
+    ~TSNE();
+
+    /// Reads the matrix (see `read_matrix_w_index`; one header line) and sets the defaults.
+    ///
+    /// Values beyond the length of the first row are dropped. Called again, it appends the new names
+    /// to `row_names` and works on the new rows alone; the arrays it replaces live until `finish`.
+    ///
+    /// @param path       the file; if it cannot be opened, the console says so
+    /// @param max_iter   last iteration of the run
+    /// @param delimiter  the character between fields
+    /// @throws InputError if there is no row, or if a row is shorter than the first: `row_names`, `N`,
+    /// `D` and `X` are then as before
+    void init(std::string path, int max_iter, char delimiter);
+
+    /// Embeds the rows and writes the results: the table `out_base` + "_tsne_" + perplexity +
+    /// `out_suffix` + ".csv" and a record in the log `out_base` + ".log".
+    ///
+    /// A second run starts from the input as the first left it; the embedding that it replaces lives
+    /// until `finish`.
+    ///
+    /// @param no_dims          output dimensions, at least 2 for the table to have rows
+    /// @param perplexity       effective number of neighbours; if 3 * perplexity > N - 1 the console
+    ///                         says so, and the run goes on
+    /// @param labels           reserved for the plots: one per row, or empty
+    /// @param stop_lying_iter  iteration at which early exaggeration ends
+    /// @param mom_switch_iter  iteration after which the momentum is 0.8
+    void actuate(int no_dims,
+                 double perplexity,
+                 std::vector<std::string> labels,
+                 int stop_lying_iter,
+                 int mom_switch_iter);
+
+    /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
+    void finish();
+
+    /// Whether the last `actuate` wrote its result table.
+    [[nodiscard]] bool resultsWritten() const { return results_written_; }
+
+    // The steps of a run, for callers that want them one by one.
+
+    /// Fills DD, N x N, with squared distances. See `squared_distance_matrix`.
+    static void computeSquaredEuclideanDistance(const double* X, int N, int D, double* DD);
+
+    /// Fills P, N x N, with conditional similarities. See `dense_conditional_affinities`.
+    static void computeGaussianPerplexity(
+        const double* X, int N, int D, double* P, double perplexity);
+
+    /// Stores conditional similarities to the K nearest neighbours: three blocks from `malloc`, which
+    /// the caller frees. See `neighbour_affinities`.
+    static void computeGaussianPerplexity(const double* X,
+                                          int N,
+                                          int D,
+                                          unsigned int** row_P,
+                                          unsigned int** col_P,
+                                          double** val_P,
+                                          double perplexity,
+                                          int K);
+
+    /// Replaces the three blocks, which are freed, by those of the symmetric matrix. See `symmetrized`.
+    static void symmetrizeMatrix(unsigned int** row_P,
+                                 unsigned int** col_P,
+                                 double** val_P,
+                                 int N);
+
+    /// Barnes-Hut gradient into dC, N x D. The first argument is not used. See `barnes_hut_gradient`.
+    static void computeGradient(const double* P,
+                                const unsigned int* row_P,
+                                const unsigned int* col_P,
+                                const double* val_P,
+                                const double* Y,
+                                int N,
+                                int D,
+                                double* dC,
+                                double theta);
+
+    /// Exact gradient into dC, N x D. See `exact_gradient`.
+    static void computeExactGradient(const double* P, const double* Y, int N, int D, double* dC);
+
+    /// Exact cost. See `exact_cost`.
+    static double evaluateError(const double* P, const double* Y, int N, int D);
+
+    /// Barnes-Hut cost. See `barnes_hut_cost`.
+    static double evaluateError(const unsigned int* row_P,
+                                const unsigned int* col_P,
+                                const double* val_P,
+                                const double* Y,
+                                int N,
+                                int D,
+                                double theta);
+
+    /// Centres the columns of an N x D matrix. See `zero_mean`.
+    static void zeroMean(double* X, int N, int D);
+
+    /// A standard normal deviate from the `rand` stream. See `normal_deviate`.
+    static double randn();
+
+  private:
+    void replaceArray(double*& member, double*& released, double* fresh);
+    void writeResults(int no_dims);
+
+    /// Where the names of the current rows begin in `row_names`.
+    std::size_t first_row_name_ = 0;
+    /// What `finish` released, so that it is neither released nor kept again.
+    double* released_X_ = nullptr;
+    double* released_Y_ = nullptr;
+    /// Arrays that a later `init` or `actuate` replaced.
+    std::vector<std::unique_ptr<double[]>> replaced_;
+    bool results_written_ = false;
+};
+
+}  // namespace ovik

@@ -1,0 +1,344 @@
+#include "tests/plain/plain_tsne.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace plain {
+
+Matrix read_tab_separated(const std::string& path, std::size_t most_rows) {
+    std::ifstream file(path);
+    if (!file) {
+        throw std::runtime_error("cannot open " + path);
+    }
+    Matrix matrix;
+    std::string line;
+    std::getline(file, line);
+    while (matrix.rows < most_rows && std::getline(file, line)) {
+        std::istringstream fields(line);
+        std::string field;
+        std::getline(fields, field, '\t');
+        matrix.names.push_back(field);
+        while (std::getline(fields, field, '\t')) {
+            matrix.values.push_back(std::strtod(field.c_str(), nullptr));
+        }
+        ++matrix.rows;
+    }
+    matrix.columns = matrix.values.size() / matrix.rows;
+    return matrix;
+}
+
+void centre_columns(std::vector<double>& values, std::size_t rows, std::size_t columns) {
+    for (std::size_t d = 0; d < columns; ++d) {
+        double mean = 0.0;
+        for (std::size_t n = 0; n < rows; ++n) {
+            mean += values[n * columns + d];
+        }
+        mean = mean * (1.0 / static_cast<double>(rows));
+        for (std::size_t n = 0; n < rows; ++n) {
+            values[n * columns + d] -= mean;
+        }
+    }
+}
+
+void normalise_input(std::vector<double>& values, std::size_t rows, std::size_t columns) {
+    centre_columns(values, rows, columns);
+    double largest = 0.0;
+    for (const double value : values) {
+        largest = std::max(largest, std::abs(value));
+    }
+    const double reciprocal = 1.0 / largest;
+    for (double& value : values) {
+        value *= reciprocal;
+    }
+}
+
+std::vector<double> squared_distances(const std::vector<double>& points,
+                                      std::size_t N,
+                                      std::size_t dims) {
+    std::vector<double> distances(N * N, 0.0);
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = n + 1; m < N; ++m) {
+            double sum = 0.0;
+            for (std::size_t d = 0; d < dims; ++d) {
+                const double difference = points[n * dims + d] - points[m * dims + d];
+                sum += difference * difference;
+            }
+            distances[n * N + m] = sum;
+            distances[m * N + n] = sum;
+        }
+    }
+    return distances;
+}
+
+std::vector<double> conditional_similarities(const std::vector<double>& points,
+                                             std::size_t N,
+                                             std::size_t dims,
+                                             double perplexity) {
+    const std::vector<double> distances = squared_distances(points, N, dims);
+    std::vector<double> P(N * N);
+    for (std::size_t n = 0; n < N; ++n) {
+        double beta = 1.0;
+        double min_beta = -DBL_MAX;
+        double max_beta = DBL_MAX;
+        double sum_P = 0.0;
+        for (int left = 500; left > 0; --left) {
+            for (std::size_t m = 0; m < N; ++m) {
+                P[n * N + m] = std::exp((-beta) * distances[n * N + m]);
+            }
+            P[n * N + n] = DBL_MIN;
+            sum_P = DBL_MIN;
+            for (std::size_t m = 0; m < N; ++m) {
+                sum_P += P[n * N + m];
+            }
+            double H = 0.0;
+            for (std::size_t m = 0; m < N; ++m) {
+                H += P[n * N + m] * distances[n * N + m] * beta;
+            }
+            H = H / sum_P + std::log(sum_P);
+            const double difference = H - std::log(perplexity);
+            if (difference < 1e-5 && difference > -1e-5) {
+                break;
+            }
+            if (difference > 0) {
+                min_beta = beta;
+                beta = max_beta == DBL_MAX || max_beta == -DBL_MAX ? beta + beta
+                                                                   : 0.5 * (beta + max_beta);
+            } else {
+                max_beta = beta;
+                beta = min_beta == DBL_MAX || min_beta == -DBL_MAX ? beta * 0.5
+                                                                   : 0.5 * (beta + min_beta);
+            }
+        }
+        for (std::size_t m = 0; m < N; ++m) {
+            P[n * N + m] /= sum_P;
+        }
+    }
+    return P;
+}
+
+void symmetrise_and_normalise(std::vector<double>& P, std::size_t N) {
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = n + 1; m < N; ++m) {
+            P[n * N + m] += P[m * N + n];
+            P[m * N + n] = P[n * N + m];
+        }
+    }
+    double total = 0.0;
+    for (const double p : P) {
+        total += p;
+    }
+    for (double& p : P) {
+        p /= total;
+    }
+}
+
+std::vector<double> gradient(const std::vector<double>& P,
+                             const std::vector<double>& Y,
+                             std::size_t N,
+                             std::size_t dims) {
+    std::vector<double> Q = squared_distances(Y, N, dims);
+    double sum_Q = 0.0;
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = 0; m < N; ++m) {
+            if (m != n) {
+                Q[n * N + m] = 1.0 / (Q[n * N + m] + 1.0);
+                sum_Q += Q[n * N + m];
+            }
+        }
+    }
+    std::vector<double> dC(N * dims, 0.0);
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = 0; m < N; ++m) {
+            if (m != n) {
+                const double mult = Q[n * N + m] * (P[n * N + m] - Q[n * N + m] / sum_Q);
+                for (std::size_t d = 0; d < dims; ++d) {
+                    dC[n * dims + d] += (Y[n * dims + d] - Y[m * dims + d]) * mult;
+                }
+            }
+        }
+    }
+    return dC;
+}
+
+double cost(const std::vector<double>& P,
+            const std::vector<double>& Y,
+            std::size_t N,
+            std::size_t dims) {
+    std::vector<double> Q = squared_distances(Y, N, dims);
+    double sum_Q = DBL_MIN;
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = 0; m < N; ++m) {
+            if (m == n) {
+                Q[n * N + n] = DBL_MIN;
+            } else {
+                Q[n * N + m] = 1.0 / (Q[n * N + m] + 1.0);
+                sum_Q += Q[n * N + m];
+            }
+        }
+    }
+    double sum = 0.0;
+    for (std::size_t i = 0; i < N * N; ++i) {
+        sum += P[i] * std::log((P[i] + DBL_MIN) / (Q[i] / sum_Q + DBL_MIN));
+    }
+    return sum;
+}
+
+SparseRows neighbour_similarities(const std::vector<double>& points,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double perplexity,
+                                  std::size_t K) {
+    const std::vector<double> squares = squared_distances(points, N, dims);
+    SparseRows rows(N);
+    for (std::size_t n = 0; n < N; ++n) {
+        std::vector<std::pair<double, std::size_t>> others;
+        for (std::size_t m = 0; m < N; ++m) {
+            if (m != n) {
+                others.emplace_back(std::sqrt(squares[n * N + m]), m);
+            }
+        }
+        std::sort(others.begin(), others.end());
+        others.resize(K);
+        std::vector<double> cur_P(K);
+        double beta = 1.0;
+        double min_beta = -DBL_MAX;
+        double max_beta = DBL_MAX;
+        double sum_P = 0.0;
+        for (int left = 200; left > 0; --left) {
+            for (std::size_t m = 0; m < K; ++m) {
+                cur_P[m] = std::exp(((-beta) * others[m].first) * others[m].first);
+            }
+            sum_P = DBL_MIN;
+            for (std::size_t m = 0; m < K; ++m) {
+                sum_P += cur_P[m];
+            }
+            double H = 0.0;
+            for (std::size_t m = 0; m < K; ++m) {
+                H += others[m].first * others[m].first * cur_P[m] * beta;
+            }
+            H = H / sum_P + std::log(sum_P);
+            const double difference = H - std::log(perplexity);
+            if (difference < 1e-5 && difference > -1e-5) {
+                break;
+            }
+            if (difference > 0) {
+                min_beta = beta;
+                beta = max_beta == DBL_MAX || max_beta == -DBL_MAX ? beta + beta
+                                                                   : 0.5 * (beta + max_beta);
+            } else {
+                max_beta = beta;
+                beta = min_beta == DBL_MAX || min_beta == -DBL_MAX ? beta * 0.5
+                                                                   : 0.5 * (beta + min_beta);
+            }
+        }
+        for (std::size_t m = 0; m < K; ++m) {
+            rows[n].emplace_back(others[m].second, cur_P[m] / sum_P);
+        }
+    }
+    return rows;
+}
+
+SparseRows symmetrise(const SparseRows& conditional) {
+    SparseRows rows(conditional.size());
+    for (std::size_t n = 0; n < conditional.size(); ++n) {
+        for (const auto& [j, value] : conditional[n]) {
+            bool found = false;
+            double sum = value;
+            for (const auto& [column, mirror_value] : conditional[j]) {
+                if (column == n) {
+                    found = true;
+                    sum = value + mirror_value;
+                }
+            }
+            if (found && n > j) {
+                continue;
+            }
+            rows[n].emplace_back(j, sum);
+            if (j != n) {
+                rows[j].emplace_back(n, sum);
+            }
+        }
+    }
+    for (auto& row : rows) {
+        for (auto& entry : row) {
+            entry.second *= 0.5;
+        }
+    }
+    return rows;
+}
+
+std::size_t tree_draws(std::size_t point_count) {
+    if (point_count < 2) {
+        return 0;
+    }
+    // One point is the vantage point; those from the middle on go right.
+    const std::size_t right = point_count - point_count / 2;
+    return 1 + tree_draws(point_count - 1 - right) + tree_draws(right);
+}
+
+double normal_deviate() {
+    double x = 0.0;
+    double y = 0.0;
+    double r = 0.0;
+    do {
+        x = static_cast<double>(rand()) * std::pow(2.0, -31.0);
+        x = x + x - 1.0;
+        y = static_cast<double>(rand()) * std::pow(2.0, -31.0);
+        y = y + y - 1.0;
+        r = y * y + x * x;
+    } while (r >= 1.0 || r == 0.0);
+    return x * std::sqrt((std::log(r) * -2.0) / r);
+}
+
+std::vector<double> embed_exactly(const Matrix& input,
+                                  std::size_t no_dims,
+                                  double perplexity,
+                                  const Schedule& schedule,
+                                  std::vector<double>* costs) {
+    const std::size_t N = input.rows;
+    std::vector<double> X = input.values;
+    normalise_input(X, N, input.columns);
+    std::vector<double> P = conditional_similarities(X, N, input.columns, perplexity);
+    symmetrise_and_normalise(P, N);
+    for (double& p : P) {
+        p *= 12.0;
+    }
+    srand(11);
+    std::vector<double> Y(N * no_dims);
+    for (double& y : Y) {
+        y = normal_deviate() * 0.0001;
+    }
+    std::vector<double> uY(N * no_dims, 0.0);
+    std::vector<double> gains(N * no_dims, 1.0);
+    const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
+    double momentum = 0.5;
+    for (int iter = 0; iter <= schedule.max_iter; ++iter) {
+        const std::vector<double> dY = gradient(P, Y, N, no_dims);
+        for (std::size_t i = 0; i < Y.size(); ++i) {
+            gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
+            gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
+            uY[i] = uY[i] * momentum - (gains[i] * 200.0) * dY[i];
+            Y[i] += uY[i];
+        }
+        centre_columns(Y, N, no_dims);
+        if (iter == schedule.stop_lying_iter) {
+            for (double& p : P) {
+                p /= 12.0;
+            }
+        }
+        if (iter == schedule.mom_switch_iter) {
+            momentum = 0.8;
+        }
+        if (costs != nullptr) {
+            costs->push_back(cost(P, Y, N, no_dims));
+        }
+    }
+    return Y;
+}
+
+}  // namespace plain

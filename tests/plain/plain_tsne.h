@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// t-SNE as a plain one-thread program, written straight from the formulas: the yardstick for the
+/// engine, with which it shares no code. Every function is as slow and as clear as its formula.
+/// Matrices are row-major.
+namespace plain {
+
+struct Matrix {
+    std::vector<std::string> names;
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    std::vector<double> values;
+};
+
+/// Reads tab-separated text: a header line, then a name and values per line.
+///
+/// @param most_rows  further rows are left out
+Matrix read_tab_separated(const std::string& path, std::size_t most_rows);
+
+void centre_columns(std::vector<double>& values, std::size_t rows, std::size_t columns);
+
+/// Centres the columns and divides by the largest absolute value, through its reciprocal.
+void normalise_input(std::vector<double>& values, std::size_t rows, std::size_t columns);
+
+/// Squared distances of all pairs, N x N.
+std::vector<double> squared_distances(const std::vector<double>& points,
+                                      std::size_t N,
+                                      std::size_t dims);
+
+/// Conditional similarities of all pairs, N x N.
+std::vector<double> conditional_similarities(const std::vector<double>& points,
+                                             std::size_t N,
+                                             std::size_t dims,
+                                             double perplexity);
+
+/// Sum of the conditional similarities of both directions, divided by their total.
+void symmetrise_and_normalise(std::vector<double>& P, std::size_t N);
+
+std::vector<double> gradient(const std::vector<double>& P,
+                             const std::vector<double>& Y,
+                             std::size_t N,
+                             std::size_t dims);
+
+double cost(const std::vector<double>& P,
+            const std::vector<double>& Y,
+            std::size_t N,
+            std::size_t dims);
+
+/// Rows of (column, value), in the order in which entries are stored.
+using SparseRows = std::vector<std::vector<std::pair<std::size_t, double>>>;
+
+/// Conditional similarities to the K nearest others, found by comparing all pairs, nearest first.
+SparseRows neighbour_similarities(const std::vector<double>& points,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double perplexity,
+                                  std::size_t K);
+
+SparseRows symmetrise(const SparseRows& conditional);
+
+/// How many values of `rand` the build of a vantage-point tree takes.
+std::size_t tree_draws(std::size_t point_count);
+
+double normal_deviate();
+
+struct Schedule {
+    int max_iter;
+    int stop_lying_iter;
+    int mom_switch_iter;
+};
+
+/// The whole exact method on an input matrix.
+///
+/// @param costs  if not null, the cost of each iteration is appended
+/// @return the embedding, N x no_dims
+std::vector<double> embed_exactly(const Matrix& input,
+                                  std::size_t no_dims,
+                                  double perplexity,
+                                  const Schedule& schedule,
+                                  std::vector<double>* costs);
+
+}  // namespace plain

@@ -1,0 +1,144 @@
+#include "tools/input_checks.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "util/input_error.h"
+
+namespace ovik::tool {
+
+namespace {
+
+std::string counted(std::size_t count, const std::string& one, const std::string& many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string place(const std::string& path, const FieldPlace& place) {
+    return path + ":" + std::to_string(place.line) + ": field " + std::to_string(place.field) +
+           " of row \"" + place.row + "\"";
+}
+
+[[noreturn]] void refuse_ragged(const std::string& path, const MatrixReport& report) {
+    const RaggedRow& first = report.first_ragged_rows.front();
+    if (first.lost_name) {
+        throw InputError(path + ":" + std::to_string(first.line) +
+                         ": the row has no name: the line opens with the delimiter, and \"" +
+                         first.name +
+                         "\" would be taken for the name\nGive the row a name, or take it out.");
+    }
+    std::string message = path + ":" + std::to_string(first.line) + ": row \"" + first.name +
+                          "\" has " + counted(first.values, "value", "values") +
+                          ", but the first row has " + std::to_string(report.columns);
+    if (report.ragged_rows > 1) {
+        message += " (" + std::to_string(report.ragged_rows) + " such rows, also";
+        for (std::size_t i = 1; i < report.first_ragged_rows.size(); ++i) {
+            message += " line " + std::to_string(report.first_ragged_rows[i].line);
+        }
+        message += report.ragged_rows > report.first_ragged_rows.size() ? ", ...)" : ")";
+    }
+    throw InputError(message +
+                     "\nEvery row needs the same number of values: fill in those that are missing "
+                     "(empty fields at the end of a line do not count), or check the delimiter.");
+}
+
+}  // namespace
+
+void check_matrix(const std::string& path, const MatrixReport& report) {
+    if (report.rows > 0 && report.numbers == 0) {
+        throw InputError(path +
+                         ": holds no numbers\nEvery line behind the first should be a name and its "
+                         "values; --delimiter says what stands between them.");
+    }
+    if (report.ragged_rows > 0) {
+        refuse_ragged(path, report);
+    }
+    if (report.rows < 3) {
+        throw InputError(path + ": has " + counted(report.rows, "row", "rows") +
+                         ", and an embedding needs at least 3\nThe first line is taken as the "
+                         "header; lines that are empty or open with # are skipped.");
+    }
+    if (report.not_finite.count > 0) {
+        const FieldPlace& first = report.not_finite.first;
+        throw InputError(place(path, first) + " is \"" + first.text +
+                         "\", which is not a finite number (" +
+                         counted(report.not_finite.count, "such field", "such fields") +
+                         ")\nReplace such values, for example by the mean of their row, or take "
+                         "the rows out.");
+    }
+    if (report.rows_all_equal) {
+        throw InputError(path +
+                         ": all rows hold the same values, so there is nothing to embed\nCheck that "
+                         "the columns are the measurements, and the delimiter.");
+    }
+}
+
+std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report) {
+    std::vector<std::string> warnings;
+    if (report.empty.count > 0) {
+        warnings.push_back(place(path, report.empty.first) + " is empty and read as 0 (" +
+                           counted(report.empty.count, "empty field", "empty fields") + " in all)");
+    }
+    if (report.not_numbers.count > 0) {
+        const FieldPlace& first = report.not_numbers.first;
+        warnings.push_back(place(path, first) + " is \"" + first.text +
+                           "\", which is not a number, and read as 0 (" +
+                           counted(report.not_numbers.count, "such field", "such fields") +
+                           " in all)");
+    }
+    if (report.with_text_behind.count > 0) {
+        const FieldPlace& first = report.with_text_behind.first;
+        warnings.push_back(
+            place(path, first) + " is \"" + first.text +
+            "\": the text behind the number is ignored (" +
+            counted(report.with_text_behind.count, "such field", "such fields") + " in all)");
+    }
+    if (report.unnamed.count > 0) {
+        warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +
+                           ": the row has no name (" +
+                           counted(report.unnamed.count, "such row", "such rows") + " in all)");
+    }
+    if (report.duplicate_names > 0) {
+        std::string names;
+        for (const std::string& name : report.first_duplicate_names) {
+            names += (names.empty() ? "\"" : ", \"") + name + "\"";
+        }
+        warnings.push_back(path + ": " +
+                           counted(report.duplicate_names, "row repeats", "rows repeat") +
+                           " the name of an earlier one (" + names +
+                           (report.duplicate_names > report.first_duplicate_names.size() ? ", ...)"
+                                                                                         : ")"));
+    }
+    if (report.header_looks_like_data) {
+        warnings.push_back(path +
+                           ":1: the first line looks like a row, but it is taken as the header and "
+                           "not embedded; put a header line above it if it is one");
+    }
+    return warnings;
+}
+
+std::vector<std::string> read_labels(const std::string& path, std::size_t row_count) {
+    errno = 0;
+    std::ifstream file(path);
+    if (!file.is_open() || std::filesystem::is_directory(path)) {
+        throw InputError(path + ": the labels cannot be read (" +
+                         std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
+    }
+    std::vector<std::string> labels;
+    std::string line;
+    while (std::getline(file, line)) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        labels.push_back(line);
+    }
+    if (labels.size() != row_count) {
+        throw InputError(path + ": holds " + counted(labels.size(), "label", "labels") +
+                         ", but the matrix has " + counted(row_count, "row", "rows") +
+                         "\nGive one label per line, in the order of the rows, without a header.");
+    }
+    return labels;
+}
+
+}  // namespace ovik::tool

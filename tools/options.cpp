@@ -1,0 +1,152 @@
+#include "tools/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+
+#include "tools/exit_status.h"
+
+namespace ovik::tool {
+
+namespace {
+
+constexpr const char* kDescription =
+    "Embeds the rows of a matrix (genes) in two dimensions with t-SNE, so that rows with similar\n"
+    "values come to lie close to each other, and writes an annotated table.";
+
+constexpr const char* kFooter =
+    "Example:\n"
+    "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
+    "  writes results/yeast_tsne_30_0.csv and appends a record to results/yeast.log\n"
+    "\n"
+    "MATRIX is delimited text: one header line, then a name and its values per line.\n"
+    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input.";
+
+/// A number above (or from) a bound; unlike the ready-made ranges it refuses NaN and infinity.
+CLI::Validator finite_number(double low, bool low_included) {
+    const std::string range = std::string(low_included ? "at least " : "above ") +
+                              CLI::detail::to_string(low);
+    return {[=](std::string& text) -> std::string {
+                double value = 0.0;
+                const bool is_number = CLI::detail::lexical_cast(text, value);
+                const bool fits = low_included ? value >= low : value > low;
+                return is_number && std::isfinite(value) && fits
+                           ? ""
+                           : "should be a number " + range + ", not " + text;
+            },
+            "NUMBER"};
+}
+
+/// A text that becomes part of a file name.
+CLI::Validator file_name_part() {
+    return {[](std::string& text) -> std::string {
+                return text.find('/') == std::string::npos
+                           ? ""
+                           : "should not contain a slash (the directory goes into --out-dir)";
+            },
+            "TEXT"};
+}
+
+char parse_delimiter(const std::string& text) {
+    static const std::map<std::string, char> kNames = {
+        {"tab", '\t'}, {"\\t", '\t'}, {"comma", ','}, {"semicolon", ';'}, {"space", ' '}};
+    const auto name = kNames.find(text);
+    if (name != kNames.end()) {
+        return name->second;
+    }
+    if (text.size() != 1 || text == "\n" || text == "\r") {
+        throw CLI::ValidationError(
+            "--delimiter", "should be tab, comma, semicolon, space or one character, not " + text);
+    }
+    return text.front();
+}
+
+void add_output_options(CLI::App& app, Options& options) {
+    app.add_option("-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)");
+    app.add_option("-n,--name",
+                   options.name,
+                   "Start of the result files' names (the name of MATRIX without extension)")
+        ->check(file_name_part());
+    app.add_option("--suffix", options.suffix, "Text behind the table's name, before .csv (none)")
+        ->check(file_name_part());
+    app.add_option("--title", options.title, "What the data are, for the run log (the name)");
+    app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
+}
+
+void add_method_options(CLI::App& app, Options& options) {
+    app.add_option("-p,--perplexity",
+                   options.perplexity,
+                   "Effective number of neighbours of a row (20, less for under 61 rows)")
+        ->check(finite_number(0.0, false));
+    app.add_option("-t,--theta",
+                   options.theta,
+                   "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
+        ->check(finite_number(0.0, true));
+    app.add_option("-d,--dims", options.dims, "Dimensions of the embedding, 2 to 50 (2)")
+        ->check(CLI::Range(2, 50));
+    app.add_option("-i,--max-iter", options.max_iter, "Last iteration, at least 1 (1000)")
+        ->check(CLI::Range(1, 1000000000));
+    app.add_option("--stop-lying-iter",
+                   options.stop_lying_iter,
+                   "Iteration at which early exaggeration ends (250)")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--mom-switch-iter",
+                   options.mom_switch_iter,
+                   "Iteration after which the momentum is 0.8 (250)")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--precision", options.precision, "Of the coordinates: double or float (double)")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, Precision>{
+            {"double", Precision::kDouble}, {"float", Precision::kFloat}}));
+    app.add_option("-j,--threads", options.threads, "Threads, 0 for one per core (0)")
+        ->check(CLI::Range(0, 1024));
+}
+
+void add_input_options(CLI::App& app, Options& options) {
+    app.add_option("MATRIX", options.matrix, "The matrix file")->required();
+    app.add_option_function<std::string>(
+        "--delimiter",
+        [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
+        "Between fields: tab, comma, semicolon, space or a character (guessed)");
+    app.add_option("--labels", options.labels_file, "File with one label per row, for the plots");
+}
+
+void fill_in_defaults(Options& options) {
+    if (options.name.empty()) {
+        options.name = std::filesystem::path(options.matrix).stem().string();
+    }
+    if (options.title.empty()) {
+        options.title = options.name;
+    }
+    // The engine joins directory and name as they stand.
+    if (options.out_dir.empty()) {
+        options.out_dir = ".";
+    }
+    if (options.out_dir.back() != '/') {
+        options.out_dir += '/';
+    }
+}
+
+}  // namespace
+
+ParsedCommand parse_command_line(int argc, const char* const* argv) {
+    CLI::App app(kDescription, "ovik-tsne");
+    app.set_version_flag("--version", "ovik-tsne " OVIK_VERSION);
+    app.footer(kFooter);
+    app.get_formatter()->column_width(32);
+    ParsedCommand command;
+    add_input_options(app, command.options);
+    add_output_options(app, command.options);
+    add_method_options(app, command.options);
+    try {
+        app.parse(argc, argv);
+        fill_in_defaults(command.options);
+    } catch (const CLI::ParseError& error) {
+        command.exit_status = app.exit(error) == 0 ? kSuccess : kBadInput;
+    }
+    return command;
+}
+
+}  // namespace ovik::tool

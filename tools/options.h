@@ -1,0 +1,46 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace ovik::tool {
+
+enum class Precision { kDouble, kFloat };
+
+/// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
+struct Options {
+    std::string matrix;
+    /// With its separator at the end.
+    std::string out_dir = "./";
+    /// Empty: the file name of the matrix without its extension.
+    std::string name;
+    std::string suffix;
+    /// Empty: the name.
+    std::string title;
+    /// Not given: 20, or what a small matrix allows.
+    std::optional<double> perplexity;
+    double theta = 0.5;
+    int dims = 2;
+    int max_iter = 1000;
+    int stop_lying_iter = 250;
+    int mom_switch_iter = 250;
+    /// Not given: guessed from the file.
+    std::optional<char> delimiter;
+    /// Empty: no labels.
+    std::string labels_file;
+    Precision precision = Precision::kDouble;
+    /// 0: all cores.
+    int threads = 0;
+    bool quiet = false;
+};
+
+/// What the command line asks for: a run, or an end with this status (help, version, bad usage), for
+/// which everything has been printed.
+struct ParsedCommand {
+    Options options;
+    std::optional<int> exit_status;
+};
+
+ParsedCommand parse_command_line(int argc, const char* const* argv);
+
+}  // namespace ovik::tool

@@ -1,0 +1,135 @@
+#include <glog/logging.h>
+#include <omp.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "stats/result_table.h"
+#include "stats/tsne.h"
+#include "tools/exit_status.h"
+#include "tools/input_checks.h"
+#include "tools/options.h"
+#include "util/console.h"
+#include "util/format.h"
+#include "util/input_error.h"
+
+/// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
+
+namespace ovik::tool {
+
+namespace {
+
+constexpr double kDefaultPerplexity = 20.0;
+
+void complain(const std::string& message) {
+    std::fprintf(stderr, "ovik-tsne: %s\n", message.c_str());
+}
+
+/// The command's log lines go to standard error, never to files of their own.
+void start_logging(bool quiet) {
+    FLAGS_logtostderr = true;
+    FLAGS_minloglevel = quiet ? google::GLOG_WARNING : google::GLOG_INFO;
+    google::InitGoogleLogging("ovik-tsne");
+}
+
+/// The perplexity of the run: as given, or 20, or the largest that few rows allow.
+double choose_perplexity(const Options& options, std::size_t rows) {
+    if (options.perplexity) {
+        return *options.perplexity;
+    }
+    const double available = static_cast<double>(rows - 1);
+    if (3.0 * kDefaultPerplexity <= available) {
+        return kDefaultPerplexity;
+    }
+    double largest = available / 3.0;
+    while (3.0 * largest > available) {
+        largest = std::nextafter(largest, 0.0);
+    }
+    print_info("Perplexity " + num2string(largest, 2) + ", the largest that " +
+               std::to_string(rows) + " rows allow (the usual 20 needs 61)");
+    return largest;
+}
+
+/// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there
+void prepare_directory(const std::string& directory) {
+    std::filesystem::create_directories(directory);
+    if (access(directory.c_str(), W_OK) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot write in " + directory);
+    }
+}
+
+template <typename T>
+ExitStatus embed(const Options& options,
+                 char delimiter,
+                 double perplexity,
+                 const std::vector<std::string>& labels) {
+    TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
+    tsne.init(options.matrix, options.max_iter, delimiter);
+    tsne.theta = options.theta;
+    tsne.actuate(
+        options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
+    tsne.finish();
+    if (!tsne.resultsWritten()) {
+        complain("the result table could not be written");
+        return kFailedRun;
+    }
+    print_info("Result table: " + tsne.out_base + "_" +
+               result_table_stem(perplexity, options.suffix) + ".csv");
+    print_info("Run log: " + tsne.out_base + ".log");
+    return kSuccess;
+}
+
+ExitStatus run(const Options& options) {
+    const char delimiter =
+        options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
+    const MatrixReport report = inspect_matrix(options.matrix, delimiter);
+    check_matrix(options.matrix, report);
+    for (const std::string& warning : matrix_warnings(options.matrix, report)) {
+        complain("warning: " + warning);
+    }
+    std::vector<std::string> labels;
+    if (!options.labels_file.empty()) {
+        labels = read_labels(options.labels_file, report.rows);
+    }
+    if (options.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) {
+        throw std::system_error(errno, std::generic_category(), "cannot silence standard output");
+    }
+    if (options.threads > 0) {
+        omp_set_num_threads(options.threads);
+    }
+    start_logging(options.quiet);
+    prepare_directory(options.out_dir);
+    const double perplexity = choose_perplexity(options, report.rows);
+    return options.precision == Precision::kFloat
+               ? embed<float>(options, delimiter, perplexity, labels)
+               : embed<double>(options, delimiter, perplexity, labels);
+}
+
+}  // namespace
+
+}  // namespace ovik::tool
+
+int main(int argc, char** argv) {
+    using namespace ovik::tool;
+    try {
+        const ParsedCommand command = parse_command_line(argc, argv);
+        return command.exit_status ? *command.exit_status : run(command.options);
+    } catch (const ovik::InputError& error) {
+        complain(error.what());
+        return kBadInput;
+    } catch (const std::bad_alloc&) {
+        complain("the matrix and its embedding do not fit in memory");
+    } catch (const std::exception& error) {
+        complain(error.what());
+    }
+    return kFailedRun;
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+/// The console lines of the toolkit.
+/// Everything that the user reads on standard output opens with the marker "-- ".
+
+namespace ovik {
+
+/// Prints "-- " and one message, then the end character. Does not flush.
+///
+/// @param message  the text, printed up to its first NUL
+/// @param colour   1 red, 2 green, 3 yellow, 4 blue; any other value prints without escape sequences
+/// @param end      written last; a blank leaves the cursor on the line
+/// @return what `putchar` returned for `end`
+static inline int print_text(std::string message, int colour = -1, char end = '\n') {
+    if (colour >= 1 && colour <= 4) {
+        std::printf("-- \x1b[%dm%s\x1b[0m", 30 + colour, message.c_str());
+    } else {
+        std::printf("-- %s", message.c_str());
+    }
+    return std::putchar(end);
+}
+
+/// Prints one informational message: `print_text` without colour.
+///
+/// The unnamed argument is reserved; every value prints plainly.
+static inline void print_info(std::string message, int /*reserved*/ = -1, char end = '\n') {
+    print_text(message, -1, end);
+}
+
+/// Prints, in bold red, that an operation on a file failed, and names the file.
+///
+/// @param failure  the sentence up to the path, such as "I cannot open file"
+static inline void print_file_error(const char* failure, const std::string& path) {
+    std::printf("\n-- \033[1;31m");
+    std::printf("Error: %s: %s\n", failure, path.c_str());
+    std::puts("\033[0m");
+}
+
+/// Redraws the one-line progress bar in place; the caller ends the line after the last call.
+///
+/// The bar is 27 characters wide. The fraction is computed in `T`. A `total` of 0 has no fraction:
+/// the count of filled characters is then what the x86 conversion of a NaN to `int` gives
+/// (`INT_MIN`), which `printf` cannot draw, so the line stops at the bar.
+///
+/// @param message  drawn before the counter
+/// @param current  steps done
+/// @param total    steps in all
+/// @param unit     drawn behind the counter when not empty
+///
+/// The two unnamed arguments are reserved: the width and the factor 100 of the percentage are fixed.
+template <typename T>
+static inline void progress_bar(std::string message,
+                                int current,
+                                int total,
+                                std::string unit,
+                                T /*reserved*/ = T(),
+                                int /*reserved*/ = 0) {
+    static const std::string progress_bar_ = "===========================";
+    std::fflush(stdout);
+    const int width = static_cast<int>(progress_bar_.size());
+    const T fraction = static_cast<T>(static_cast<double>(current) / static_cast<double>(total));
+    const T filled_width = fraction * static_cast<T>(width);
+    const bool drawable = std::fabs(filled_width) < static_cast<T>(2147483648.0);
+    const int filled = drawable ? static_cast<int>(filled_width) : INT_MIN;
+    // Unsigned, so that the difference wraps as the processor's does.
+    const int empty = static_cast<int>(static_cast<unsigned>(width) - static_cast<unsigned>(filled));
+    const double percent = static_cast<double>(fraction * static_cast<T>(100));
+    if (unit.empty()) {
+        std::printf("\r-- %s (%d/%d) [%.*s%*s] %.2f%% completed ",
+                    message.c_str(),
+                    current,
+                    total,
+                    filled,
+                    progress_bar_.c_str(),
+                    empty,
+                    "",
+                    percent);
+    } else {
+        std::printf("\r-- %s (%d/%d %s) [%.*s%*s] %.2f%% completed ",
+                    message.c_str(),
+                    current,
+                    total,
+                    unit.c_str(),
+                    filled,
+                    progress_bar_.c_str(),
+                    empty,
+                    "",
+                    percent);
+    }
+    std::fflush(stdout);
+}
+
+}  // namespace ovik

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+
+/// Work arrays from `malloc` and `calloc`, and the one way in which running out of them ends.
+
+namespace ovik {
+
+struct FreeDeleter {
+    void operator()(void* block) const noexcept { std::free(block); }
+};
+
+/// An array from `malloc` or `calloc`, released with `free`.
+template <typename T>
+using MallocArray = std::unique_ptr<T[], FreeDeleter>;
+
+/// `count` elements, not initialised; null only if the memory could not be had, also for count 0.
+template <typename T>
+[[nodiscard]] MallocArray<T> malloc_array(std::size_t count) {
+    if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
+        return nullptr;
+    }
+    return MallocArray<T>(static_cast<T*>(std::malloc((count == 0 ? 1 : count) * sizeof(T))));
+}
+
+/// `count` zeroed elements; null only if the memory could not be had, also for count 0.
+template <typename T>
+[[nodiscard]] MallocArray<T> calloc_array(std::size_t count) {
+    return MallocArray<T>(static_cast<T*>(std::calloc(count == 0 ? 1 : count, sizeof(T))));
+}
+
+/// Writes "Memory allocation failed!\n" to standard error and ends the process with status 1.
+[[noreturn]] void exit_out_of_memory();
+
+/// Ends the process as above if one of the arrays is null.
+template <typename... Arrays>
+void exit_unless_allocated(const Arrays&... arrays) {
+    if ((... || (arrays == nullptr))) {
+        exit_out_of_memory();
+    }
+}
+
+}  // namespace ovik

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <omp.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <numeric>
+
+#include "util/malloc_array.h"
+
+/// The parallel loops of the toolkit. Results never depend on the number of threads: workers write
+/// disjoint elements, and sums are formed in index order.
+
+namespace ovik {
+
+/// A half-open range of indices.
+struct IndexRange {
+    std::size_t begin;
+    std::size_t end;
+};
+
+/// The contiguous share of one worker: with q = count / workers and r = count mod workers, the first
+/// r workers take q + 1 indices each, the others q.
+inline IndexRange static_share(std::size_t count, std::size_t workers, std::size_t worker) {
+    const std::size_t quotient = count / workers;
+    const std::size_t remainder = count % workers;
+    const std::size_t begin = worker * quotient + std::min(worker, remainder);
+    return {begin, begin + quotient + (worker < remainder ? 1 : 0)};
+}
+
+/// How many workers a loop over `count` indices gets: the threads that OpenMP offers, at least one
+/// and at most one per `grain` indices. Capped, because the runtime does not survive a request for
+/// far more threads than there are processors.
+inline int worker_count(std::size_t count, std::size_t grain = 1) {
+    const int cap = std::min(4 * omp_get_num_procs(), 1024);
+    const std::size_t offered = static_cast<std::size_t>(std::min(omp_get_max_threads(), cap));
+    return static_cast<int>(std::max<std::size_t>(1, std::min(offered, count / grain)));
+}
+
+/// Runs `body(worker, range)` for contiguous shares of the indices 0 to `count` - 1, one per worker.
+///
+/// @param grain  fewest indices for which another thread is worth its start
+/// @throws what a worker threw: one of the exceptions, after all workers have ended
+template <typename Body>
+void parallel_for(std::size_t count, std::size_t grain, const Body& body) {
+    const int workers = worker_count(count, grain);
+    if (workers == 1) {
+        body(0, IndexRange{0, count});
+        return;
+    }
+    std::exception_ptr failure;
+#pragma omp parallel num_threads(workers) default(none) shared(count, body, failure)
+    {
+        const auto worker = static_cast<std::size_t>(omp_get_thread_num());
+        const auto team = static_cast<std::size_t>(omp_get_num_threads());
+        // An exception that leaves an OpenMP region ends the process.
+        try {
+            body(worker, static_share(count, team, worker));
+        } catch (...) {
+#pragma omp critical(ovik_parallel_for_failure)
+            failure = std::current_exception();
+        }
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+/// Runs `body(i)` for every i from 0 to `count` - 1, spread over the cores.
+template <typename Body>
+void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
+    parallel_for(count, grain, [&body](std::size_t /*worker*/, IndexRange range) {
+        for (std::size_t i = range.begin; i < range.end; ++i) {
+            body(i);
+        }
+    });
+}
+
+/// Adds the terms of all blocks to `start`, one after the other in index order.
+///
+/// Blocks are computed in parallel, each into a buffer; the one running sum takes them in turn, so
+/// that the result is that of a plain loop for any number of threads.
+///
+/// @param block_count     number of blocks
+/// @param block_capacity  largest number of terms in a block
+/// @param fill_block      `fill_block(block, terms)` writes the terms and returns their number; it
+///                        must not throw
+/// Ends the process as `exit_unless_allocated` does if the buffers cannot be had.
+template <typename FillBlock>
+double ordered_sum(double start,
+                   std::size_t block_count,
+                   std::size_t block_capacity,
+                   const FillBlock& fill_block) {
+    const int workers = worker_count(block_count);
+    const auto buffers = malloc_array<double>(static_cast<std::size_t>(workers) * block_capacity);
+    exit_unless_allocated(buffers);
+    double sum = start;
+#pragma omp parallel num_threads(workers) default(none) \
+    shared(block_count, block_capacity, fill_block, buffers, sum)
+    {
+        double* const terms =
+            buffers.get() + static_cast<std::size_t>(omp_get_thread_num()) * block_capacity;
+#pragma omp for ordered schedule(static, 1)
+        for (std::size_t block = 0; block < block_count; ++block) {
+            const std::size_t term_count = fill_block(block, terms);
+#pragma omp ordered
+            sum = std::accumulate(terms, terms + term_count, sum);
+        }
+    }
+    return sum;
+}
+
+}  // namespace ovik
