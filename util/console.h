@@ -1,6 +1,5 @@
 #pragma once
 
-#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -44,8 +43,7 @@ static inline void print_file_error(const char* failure, const std::string& path
 /// Redraws the one-line progress bar in place; the caller ends the line after the last call.
 ///
 /// The bar is 27 characters wide. The fraction is computed in `T`. A `total` of 0 has no fraction:
-/// the count of filled characters is then what the x86 conversion of a NaN to `int` gives
-/// (`INT_MIN`), which `printf` cannot draw, so the line stops at the bar.
+/// the bar is then empty and the percentage a NaN.
 ///
 /// @param message  drawn before the counter
 /// @param current  steps done
@@ -65,10 +63,9 @@ static inline void progress_bar(std::string message,
     const int width = static_cast<int>(progress_bar_.size());
     const T fraction = static_cast<T>(static_cast<double>(current) / static_cast<double>(total));
     const T filled_width = fraction * static_cast<T>(width);
-    const bool drawable = std::fabs(filled_width) < static_cast<T>(2147483648.0);
-    const int filled = drawable ? static_cast<int>(filled_width) : INT_MIN;
-    // Unsigned, so that the difference wraps as the processor's does.
-    const int empty = static_cast<int>(static_cast<unsigned>(width) - static_cast<unsigned>(filled));
+    // No int holds a NaN; what the processor would make of it is a bar of two billion blanks.
+    const int filled = std::isnan(filled_width) ? 0 : static_cast<int>(filled_width);
+    const int empty = width - filled;
     const double percent = static_cast<double>(fraction * static_cast<T>(100));
     if (unit.empty()) {
         std::printf("\r-- %s (%d/%d) [%.*s%*s] %.2f%% completed ",

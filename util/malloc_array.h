@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -16,10 +17,14 @@ struct FreeDeleter {
 template <typename T>
 using MallocArray = std::unique_ptr<T[], FreeDeleter>;
 
+/// Most elements of T that an array can have: their bytes, and differences of pointers, have to fit.
+template <typename T>
+constexpr std::size_t kLargestCount = static_cast<std::size_t>(PTRDIFF_MAX) / sizeof(T);
+
 /// `count` elements, not initialised; null only if the memory could not be had, also for count 0.
 template <typename T>
 [[nodiscard]] MallocArray<T> malloc_array(std::size_t count) {
-    if (count > static_cast<std::size_t>(-1) / sizeof(T)) {
+    if (count > kLargestCount<T>) {
         return nullptr;
     }
     return MallocArray<T>(static_cast<T*>(std::malloc((count == 0 ? 1 : count) * sizeof(T))));
@@ -28,6 +33,9 @@ template <typename T>
 /// `count` zeroed elements; null only if the memory could not be had, also for count 0.
 template <typename T>
 [[nodiscard]] MallocArray<T> calloc_array(std::size_t count) {
+    if (count > kLargestCount<T>) {
+        return nullptr;
+    }
     return MallocArray<T>(static_cast<T*>(std::calloc(count == 0 ? 1 : count, sizeof(T))));
 }
 

@@ -1,0 +1,345 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/support/command.h"
+#include "tests/support/engine_run.h"
+#include "tests/support/temporary_directory.h"
+
+/// The real program on real files.
+
+namespace ovik {
+namespace {
+
+using test::CommandOutcome;
+
+constexpr int kSuccess = 0;
+constexpr int kFailedRun = 1;
+constexpr int kBadInput = 2;
+
+std::size_t line_count(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+class Command : public testing::Test {
+  protected:
+    CommandOutcome run(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), OVIK_TSNE_COMMAND);
+        return test::run_command(arguments);
+    }
+
+    /// Runs on a matrix given as text, results in a directory that the command is to make.
+    CommandOutcome run_on(const std::string& content, std::vector<std::string> options = {}) {
+        options.insert(options.begin(),
+                       {directory_.write("m.txt", content), "--out-dir", results_, "-i", "5"});
+        return run(options);
+    }
+
+    /// What the command says about a matrix that it refuses; nothing may have been written.
+    std::string refusal(const std::string& content, const std::vector<std::string>& options = {}) {
+        const CommandOutcome outcome = run_on(content, options);
+        EXPECT_EQ(outcome.exit_status, kBadInput);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_FALSE(std::filesystem::exists(results_));
+        return outcome.err;
+    }
+
+    [[nodiscard]] std::string result(const std::string& name) const {
+        return test::read_file(results_ + "/" + name);
+    }
+
+    [[nodiscard]] std::string matrix_path() const { return directory_.file("m.txt"); }
+
+    test::TemporaryDirectory directory_;
+    std::string results_ = directory_.file("made/results");
+};
+
+std::string grid_matrix(int rows, char delimiter = '\t') {
+    std::string content = "gene" + std::string(1, delimiter) + "a" + delimiter + "b\n";
+    for (int n = 0; n < rows; ++n) {
+        content += "G" + std::to_string(n) + delimiter + std::to_string(n % 7) + delimiter +
+                   std::to_string(n * n % 11) + ".5\n";
+    }
+    return content;
+}
+
+TEST_F(Command, EmbedsARealMatrix) {
+    const std::string matrix = test::first_rows(directory_, "brauer2008_chemostat.tsv", 200);
+    const CommandOutcome outcome =
+        run({matrix, "-o", results_, "--name", "yeast", "--title", "Yeast genes", "-i", "50"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out.find("-- Random seed:  11\n"
+                               "-- Launching t-SNE at perplexity = 20.00 and theta = 0.50\n"),
+              0U);
+    EXPECT_NE(outcome.out.find("-- Result table: " + results_ + "/yeast_tsne_20_0.csv\n"
+                               "-- Run log: " + results_ + "/yeast.log\n"),
+              std::string::npos);
+    EXPECT_EQ(line_count(result("yeast_tsne_20_0.csv")), 201U);
+    EXPECT_EQ(result("yeast_tsne_20_0.csv").find(
+                  "name,data in xaxis,data in yaxis,psize,group,function\nSFB2,"),
+              0U);
+    EXPECT_EQ(result("yeast.log").find("1-1-1-0\nYeast genes using t-SNE method"), 0U);
+}
+
+TEST_F(Command, WritesTheSameBytesAsTheLibraryForAnyNumberOfThreads) {
+    const std::string matrix = test::first_rows(directory_, "brauer2008_chemostat.tsv", 120);
+    const std::string expected =
+        test::run_engine(matrix, {.perplexity = 12.5, .max_iter = 300}).table;
+    for (const char* threads : {"1", "2", "3", "8", "64"}) {
+        const CommandOutcome outcome = run(
+            {matrix, "-o", results_, "-n", "y", "-p", "12.5", "-i", "300", "--threads", threads});
+        EXPECT_EQ(outcome.exit_status, kSuccess);
+        EXPECT_EQ(result("y_tsne_12_5.csv"), expected) << threads << " threads";
+    }
+}
+
+TEST_F(Command, NamesResultsAfterTheMatrixByDefault) {
+    EXPECT_EQ(run_on(grid_matrix(70)).exit_status, kSuccess);
+    EXPECT_NE(result("m_tsne_20_0.csv"), "");
+    EXPECT_EQ(result("m.log").find("1-1-1-0\nm using t-SNE method"), 0U);
+}
+
+TEST_F(Command, TakesSuffixDimensionsAndPrecision) {
+    const CommandOutcome outcome = run_on(
+        grid_matrix(70), {"--suffix", "_3d", "--dims", "3", "--precision", "float", "-p", "7.25"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(line_count(result("m_tsne_7_2_3d.csv")), 1U + 3 * 70);
+}
+
+TEST_F(Command, RunsTheExactMethodForAThetaOfZero) {
+    const CommandOutcome outcome = run_on(grid_matrix(70), {"--theta", "0"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err.find("Exact?"), 0U);
+    EXPECT_NE(outcome.err.find("tsne:639] 20\n"), std::string::npos);
+    EXPECT_NE(outcome.err.find("tsne:641] 20\n"), std::string::npos);
+    EXPECT_NE(outcome.err.find("Symmetrizing...\n"), std::string::npos);
+}
+
+TEST_F(Command, TakesWhatPerplexityASmallMatrixAllowsAndSaysSo) {
+    const CommandOutcome outcome = run_on(grid_matrix(31));
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.out.find("-- Perplexity 10.00, the largest that 31 rows allow (the usual 20 "
+                               "needs 61)\n-- Random seed:  11\n-- Launching"),
+              0U);
+    EXPECT_NE(result("m_tsne_10_0.csv"), "");
+    for (int rows = 3; rows < 61; rows += 4) {
+        const CommandOutcome small = run_on(grid_matrix(rows));
+        EXPECT_EQ(small.exit_status, kSuccess);
+        EXPECT_EQ(small.out.find("Error"), std::string::npos);
+    }
+    EXPECT_EQ(run_on(grid_matrix(61)).out.find("-- Random seed"), 0U);
+}
+
+TEST_F(Command, WarnsOfAGivenPerplexityThatIsTooLargeAndRunsOn) {
+    const CommandOutcome outcome = run_on(grid_matrix(31), {"--perplexity", "10.5"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_NE(outcome.out.find("It should be <= 9.9\x1b[0m\n"), std::string::npos);
+    EXPECT_NE(result("m_tsne_10_5.csv"), "");
+}
+
+TEST_F(Command, GuessesOrTakesTheDelimiter) {
+    EXPECT_EQ(run_on(grid_matrix(20, '\t')).exit_status, kSuccess);
+    const std::string expected = result("m_tsne_6_3.csv");
+    EXPECT_EQ(line_count(expected), 21U);
+    for (const char delimiter : {',', ';', ' '}) {
+        std::filesystem::remove_all(results_);
+        EXPECT_EQ(run_on(grid_matrix(20, delimiter)).exit_status, kSuccess);
+        EXPECT_EQ(result("m_tsne_6_3.csv"), expected);
+    }
+    for (const auto& [delimiter, name] : {std::pair{'\t', "tab"}, std::pair{',', "comma"},
+                                          std::pair{';', "semicolon"}, std::pair{' ', "space"},
+                                          std::pair{'|', "|"}}) {
+        std::filesystem::remove_all(results_);
+        EXPECT_EQ(run_on(grid_matrix(20, delimiter), {"--delimiter", name}).exit_status, kSuccess);
+        EXPECT_EQ(result("m_tsne_6_3.csv"), expected);
+    }
+}
+
+TEST_F(Command, PrintsNothingWhenQuiet) {
+    for (const char* theta : {"0", "0.5"}) {
+        const CommandOutcome outcome = run_on(grid_matrix(70), {"--quiet", "--theta", theta});
+        EXPECT_EQ(outcome.exit_status, kSuccess);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err.find("639"), std::string::npos);
+        EXPECT_NE(result("m_tsne_20_0.csv"), "");
+    }
+}
+
+TEST_F(Command, ChecksTheNumberOfLabels) {
+    const std::string three = directory_.write("labels", "a\r\nb\nc");
+    EXPECT_EQ(run_on(grid_matrix(3), {"--labels", three}).exit_status, kSuccess);
+    std::filesystem::remove_all(directory_.file("made"));
+    EXPECT_EQ(refusal(grid_matrix(4), {"--labels", three}),
+              "ovik-tsne: " + three + ": holds 3 labels, but the matrix has 4 rows\n"
+              "Give one label per line, in the order of the rows, without a header.\n");
+    EXPECT_NE(refusal(grid_matrix(4), {"--labels", "no/labels"}).find("cannot be read"),
+              std::string::npos);
+    EXPECT_NE(refusal(grid_matrix(4), {"--labels", "/"}).find("cannot be read"), std::string::npos);
+}
+
+TEST_F(Command, ShowsHelpWithAnExampleAndItsVersion) {
+    const CommandOutcome help = run({"--help"});
+    EXPECT_EQ(help.exit_status, kSuccess);
+    EXPECT_NE(help.out.find("Example:\n  ovik-tsne expression.tsv --perplexity 30"),
+              std::string::npos);
+    for (const char* option :
+         {"--out-dir", "--name", "--suffix", "--title", "--perplexity", "--theta", "--dims",
+          "--max-iter", "--stop-lying-iter", "--mom-switch-iter", "--delimiter", "--labels",
+          "--precision", "--threads", "--quiet", "--version", "--help"}) {
+        EXPECT_NE(help.out.find(option), std::string::npos) << option;
+    }
+    const CommandOutcome version = run({"--version"});
+    EXPECT_EQ(version.exit_status, kSuccess);
+    EXPECT_EQ(version.out.find("ovik-tsne "), 0U);
+}
+
+TEST_F(Command, RefusesBadUsage) {
+    const std::string matrix = directory_.write("m.txt", grid_matrix(70));
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{},
+                                               {matrix, "--no-such-option"},
+                                               {matrix, "second"},
+                                               {matrix, "--perplexity", "0"},
+                                               {matrix, "--perplexity", "nan"},
+                                               {matrix, "--perplexity", "ten"},
+                                               {matrix, "--theta", "-1"},
+                                               {matrix, "--theta", "inf"},
+                                               {matrix, "--dims", "1"},
+                                               {matrix, "--dims", "2.5"},
+                                               {matrix, "--max-iter", "0"},
+                                               {matrix, "--stop-lying-iter", "-1"},
+                                               {matrix, "--precision", "half"},
+                                               {matrix, "--threads", "-2"},
+                                               {matrix, "--delimiter", "ab"},
+                                               {matrix, "--name", "a/b"},
+                                               {matrix, "--suffix", "a/b"}}) {
+        std::vector<std::string> with_directory = arguments;
+        with_directory.insert(with_directory.end(), {"--out-dir", results_});
+        const CommandOutcome outcome = run(with_directory);
+        EXPECT_EQ(outcome.exit_status, kBadInput) << testing::PrintToString(arguments);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_NE(outcome.err, "");
+        EXPECT_FALSE(std::filesystem::exists(results_));
+    }
+}
+
+TEST_F(Command, RefusesFilesThatItCannotRead) {
+    const CommandOutcome missing = run({"no/such/file.tsv", "-o", results_});
+    EXPECT_EQ(missing.exit_status, kBadInput);
+    EXPECT_EQ(missing.err, "ovik-tsne: no/such/file.tsv: there is no such file\n");
+    const CommandOutcome directory = run({directory_.prefix(), "-o", results_});
+    EXPECT_EQ(directory.exit_status, kBadInput);
+    EXPECT_NE(directory.err.find("this is a directory"), std::string::npos);
+}
+
+TEST_F(Command, RefusesAMatrixWithoutNumbers) {
+    EXPECT_NE(refusal("h\nG1\tx\nG2\ty\nG3\tz\n").find("found no numbers"), std::string::npos);
+    EXPECT_NE(refusal("h\nG1\tx\nG2\ty\nG3\tz\n", {"--delimiter", "tab"}).find("holds no numbers"),
+              std::string::npos);
+}
+
+TEST_F(Command, RefusesRaggedRowsByLine) {
+    EXPECT_EQ(refusal("h\nG1\t1\t2\nG2\t3\nG3\t1\t2\t3\nG4\t1\t2\n"),
+              "ovik-tsne: " + matrix_path() +
+                  ":3: row \"G2\" has 1 value, but the first row has 2 (2 such rows, also line 4)\n"
+                  "Every row needs the same number of values: fill in those that are missing (empty "
+                  "fields at the end of a line do not count), or check the delimiter.\n");
+    EXPECT_EQ(refusal("h\nG1\t1\t2\n\t3\t4\nG3\t1\t2\n"),
+              "ovik-tsne: " + matrix_path() +
+                  ":3: the row has no name: the line opens with the delimiter, and \"3\" would be "
+                  "taken for the name\nGive the row a name, or take it out.\n");
+}
+
+TEST_F(Command, RefusesTooFewRows) {
+    EXPECT_NE(refusal("h\nG1\t1\nG2\t2\n").find("has 2 rows, and an embedding needs at least 3"),
+              std::string::npos);
+    EXPECT_NE(refusal("h\n", {"--delimiter", "tab"}).find("has 0 rows"), std::string::npos);
+    EXPECT_EQ(run_on("h\nG1\t1\nG2\t2\nG3\t4\n").exit_status, kSuccess);
+}
+
+TEST_F(Command, RefusesValuesThatAreNotFinite) {
+    EXPECT_EQ(refusal("h\nG1\t1\t2\nG2\t3\tinf\nG3\tnan\t2\n"),
+              "ovik-tsne: " + matrix_path() +
+                  ":3: field 3 of row \"G2\" is \"inf\", which is not a finite number (2 such "
+                  "fields)\nReplace such values, for example by the mean of their row, or take the "
+                  "rows out.\n");
+}
+
+TEST_F(Command, RefusesRowsThatAreAllEqual) {
+    EXPECT_NE(refusal("h\nG1\t1\t2\nG2\t1\t2\nG3\t1\t2\n").find("all rows hold the same values"),
+              std::string::npos);
+}
+
+TEST_F(Command, WarnsOfFieldsThatReadAsZeroAndRunsOn) {
+    const CommandOutcome outcome =
+        run_on("h,a,b,c\nG1,1,,NA\nG2,3,4,x\nG1,5,6.5kg,7\n", {"--delimiter", "comma"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err,
+              "ovik-tsne: warning: " + matrix_path() +
+                  ":2: field 3 of row \"G1\" is empty and read as 0 (1 empty field in all)\n"
+                  "ovik-tsne: warning: " + matrix_path() +
+                  ":2: field 4 of row \"G1\" is \"NA\", which is not a number, and read as 0 (2 such "
+                  "fields in all)\n"
+                  "ovik-tsne: warning: " + matrix_path() +
+                  ":4: field 3 of row \"G1\" is \"6.5kg\": the text behind the number is ignored (1 "
+                  "such field in all)\n"
+                  "ovik-tsne: warning: " + matrix_path() +
+                  ": 1 row repeats the name of an earlier one (\"G1\")\n");
+}
+
+TEST_F(Command, WarnsOfAHeaderThatLooksLikeARow) {
+    const CommandOutcome outcome = run_on("G0\t0.5\t-1\nG1\t1\t2\nG2\t2\t2\nG3\t3\t1\n");
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_NE(outcome.err.find(":1: the first line looks like a row"), std::string::npos);
+}
+
+TEST_F(Command, LeavesEarlierResultsUntouchedOnBadInput) {
+    EXPECT_EQ(run_on(grid_matrix(70)).exit_status, kSuccess);
+    const std::string table = result("m_tsne_20_0.csv");
+    const std::string log = result("m.log");
+    EXPECT_EQ(run_on("h\nG1\t1\nG2\n").exit_status, kBadInput);
+    EXPECT_EQ(result("m_tsne_20_0.csv"), table);
+    EXPECT_EQ(result("m.log"), log);
+}
+
+TEST_F(Command, AppendsToTheLogAndReplacesTheTable) {
+    EXPECT_EQ(run_on(grid_matrix(70)).exit_status, kSuccess);
+    const std::string table = result("m_tsne_20_0.csv");
+    EXPECT_EQ(run_on(grid_matrix(70)).exit_status, kSuccess);
+    EXPECT_EQ(result("m_tsne_20_0.csv"), table);
+    EXPECT_EQ(line_count(result("m.log")), 8U);
+}
+
+TEST_F(Command, FailsWhereResultsCannotBeWritten) {
+    const std::string occupied = directory_.write("occupied", "a file");
+    const CommandOutcome outcome =
+        run({directory_.write("m.txt", grid_matrix(70)), "-o", occupied + "/results"});
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_NE(outcome.err.find(occupied), std::string::npos);
+    EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(Command, LeavesNothingHalfWrittenWhenTheTableCannotBePlaced) {
+    std::filesystem::create_directories(results_ + "/m_tsne_20_0.csv/occupied");
+    const CommandOutcome outcome = run_on(grid_matrix(70));
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_NE(outcome.err.find("the result table could not be written"), std::string::npos);
+    // The directory that stood in the way and the log.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 2);
+}
+
+TEST_F(Command, TakesPathsWithBlanksQuotesAndPercentSigns) {
+    const std::string odd = directory_.file("a 'b' %s \"c\"");
+    const std::string matrix = directory_.write("m %d.tsv", grid_matrix(70));
+    const CommandOutcome outcome = run({matrix, "-o", odd, "-i", "3", "--title", "%s 'x'"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(line_count(test::read_file(odd + "/m %d_tsne_20_0.csv")), 71U);
+    EXPECT_EQ(test::read_file(odd + "/m %d.log").find("1-1-1-0\n%s 'x' using"), 0U);
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,161 @@
+#include "stats/barnes_hut_forces.h"
+
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <vector>
+
+#include "stats/exact_forces.h"
+#include "stats/tsne.h"
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+/// A sparse matrix in which every point has its next three as neighbours, and its dense form.
+struct Ring {
+    explicit Ring(std::size_t N) : dense(N * N, 0.0), row_P{0} {
+        for (std::size_t n = 0; n < N; ++n) {
+            for (std::size_t step = 1; step <= 3; ++step) {
+                const std::size_t m = (n + step) % N;
+                const double p = 1.0 / static_cast<double>(N * 3 * step);
+                col_P.push_back(static_cast<unsigned int>(m));
+                val_P.push_back(p);
+                dense[n * N + m] = p;
+            }
+            row_P.push_back(static_cast<unsigned int>(col_P.size()));
+        }
+    }
+
+    std::vector<double> dense;
+    std::vector<unsigned int> row_P;
+    std::vector<unsigned int> col_P;
+    std::vector<double> val_P;
+};
+
+std::vector<double> gradient(const Ring& ring,
+                             const std::vector<double>& Y,
+                             int N,
+                             int dims,
+                             double theta) {
+    std::vector<double> dC(Y.size(), -7.0);
+    TSNE<double>::computeGradient(nullptr,
+                                  ring.row_P.data(),
+                                  ring.col_P.data(),
+                                  ring.val_P.data(),
+                                  Y.data(),
+                                  N,
+                                  dims,
+                                  dC.data(),
+                                  theta);
+    return dC;
+}
+
+TEST(BarnesHutGradient, AgreesWithTheExactOneForAVanishingTheta) {
+    constexpr int kCount = 400;
+    const Ring ring(kCount);
+    for (int dims = 1; dims <= 5; ++dims) {
+        const std::vector<double> Y =
+            test::random_values(static_cast<std::size_t>(kCount * dims), 30, 3.0);
+        std::vector<double> expected(Y.size());
+        exact_gradient(ring.dense.data(),
+                       Y.data(),
+                       kCount,
+                       static_cast<std::size_t>(dims),
+                       expected.data());
+        const std::vector<double> actual = gradient(ring, Y, kCount, dims, 1e-12);
+        double error = 0.0;
+        double scale = 0.0;
+        for (std::size_t i = 0; i < Y.size(); ++i) {
+            error += std::pow(actual[i] - expected[i], 2);
+            scale += std::pow(expected[i], 2);
+        }
+        EXPECT_LE(std::sqrt(error / scale), 1e-12) << dims << " dimensions";
+    }
+}
+
+TEST(BarnesHutGradient, IsTheSameForAnyNumberOfThreads) {
+    constexpr int kCount = 1000;
+    const Ring ring(kCount);
+    const std::vector<double> Y = test::random_values(2 * kCount, 31, 5.0);
+    std::vector<double> first;
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        const std::vector<double> dC = gradient(ring, Y, kCount, 2, 0.5);
+        first = first.empty() ? dC : first;
+        EXPECT_EQ(dC, first);
+    }
+}
+
+TEST(BarnesHutCost, EqualsTheDivergenceOverStoredEntries) {
+    constexpr std::size_t kCount = 150;
+    const Ring ring(kCount);
+    const std::vector<double> Y = test::random_values(2 * kCount, 32, 2.0);
+    double sum_Q = 0.0;
+    const auto q = [&](std::size_t n, std::size_t m) {
+        const double dx = Y[2 * n] - Y[2 * m];
+        const double dy = Y[2 * n + 1] - Y[2 * m + 1];
+        return 1.0 / (1.0 + dx * dx + dy * dy);
+    };
+    for (std::size_t n = 0; n < kCount; ++n) {
+        for (std::size_t m = 0; m < kCount; ++m) {
+            sum_Q += m == n ? 0.0 : q(n, m);
+        }
+    }
+    double expected = 0.0;
+    for (std::size_t n = 0; n < kCount; ++n) {
+        for (std::size_t i = ring.row_P[n]; i < ring.row_P[n + 1]; ++i) {
+            expected += ring.val_P[i] * std::log(ring.val_P[i] / (q(n, ring.col_P[i]) / sum_Q));
+        }
+    }
+    double first = 0.0;
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        const double actual = TSNE<double>::evaluateError(
+            ring.row_P.data(), ring.col_P.data(), ring.val_P.data(), Y.data(), kCount, 2, 1e-12);
+        EXPECT_NEAR(actual, expected, 1e-12 * std::fabs(expected));
+        first = threads == 1 ? actual : first;
+        EXPECT_EQ(actual, first);
+    }
+}
+
+TEST(BarnesHutCost, GivesZeroEntriesNoWeight) {
+    const unsigned int row_P[] = {0, 1, 2};
+    const unsigned int col_P[] = {1, 0};
+    const double val_P[] = {0.0, 0.0};
+    const double Y[] = {0.0, 3.0};
+    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+}
+
+TEST(BarnesHutCost, AddsTheGuardBehindTheDivision) {
+    // Two points so far apart that q / sum_Q is a half all the same.
+    const unsigned int row_P[] = {0, 1, 2};
+    const unsigned int col_P[] = {1, 0};
+    const double val_P[] = {0.5, 0.5};
+    const double Y[] = {0.0, 1e150};
+    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+    // q underflows: the guards decide.
+    const double beyond[] = {0.0, 0.0, 1e200};
+    const unsigned int rows[] = {0, 1, 1, 1};
+    const unsigned int columns[] = {2};
+    const double values[] = {1.0};
+    EXPECT_EQ(barnes_hut_cost(rows, columns, values, beyond, 3, 1, 0.5),
+              std::log((1.0 + DBL_MIN) / DBL_MIN));
+}
+
+TEST(BarnesHutCost, IsZeroWithoutPoints) {
+    EXPECT_EQ(TSNE<double>::evaluateError(nullptr, nullptr, nullptr, nullptr, 0, 2, 0.5), 0.0);
+}
+
+TEST(BarnesHutCost, TakesCoincidentPointsAtFullSimilarity) {
+    const unsigned int row_P[] = {0, 1, 2};
+    const unsigned int col_P[] = {1, 0};
+    const double val_P[] = {0.5, 0.5};
+    const double Y[] = {4.0, 4.0};
+    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,148 @@
+#include "stats/dense_affinities.h"
+
+#include <glog/logging.h>
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "stats/tsne.h"
+#include "tests/plain/plain_tsne.h"
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+std::vector<double> affinities(const std::vector<double>& points, int N, int D, double perplexity) {
+    std::vector<double> P(static_cast<std::size_t>(N) * static_cast<std::size_t>(N), -1.0);
+    TSNE<double>::computeGaussianPerplexity(points.data(), N, D, P.data(), perplexity);
+    return P;
+}
+
+TEST(DenseAffinities, EqualThePlainProgramBitForBit) {
+    constexpr std::size_t kCount = 120;
+    const std::vector<double> points = test::random_values(kCount * 5, 2);
+    const std::vector<double> expected = plain::conditional_similarities(points, kCount, 5, 17.5);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        EXPECT_EQ(affinities(points, kCount, 5, 17.5), expected);
+    }
+}
+
+TEST(DenseAffinities, SumToOneWithTheWantedEntropy) {
+    constexpr std::size_t kCount = 80;
+    const std::vector<double> P = affinities(test::random_values(kCount * 3, 3), kCount, 3, 10.0);
+    for (std::size_t n = 0; n < kCount; ++n) {
+        double sum = 0.0;
+        double entropy = 0.0;
+        for (std::size_t m = 0; m < kCount; ++m) {
+            const double p = P[n * kCount + m];
+            sum += p;
+            entropy -= p * std::log(p);
+        }
+        EXPECT_NEAR(sum, 1.0, 1e-12);
+        EXPECT_NEAR(entropy, std::log(10.0), 1.1e-5);
+        EXPECT_GT(P[n * kCount + n], 0.0);
+        EXPECT_LT(P[n * kCount + n], 1e-300);
+    }
+}
+
+TEST(DenseAffinities, OfOnePointAreAHalf) {
+    EXPECT_EQ(affinities({1.0, 2.0}, 1, 2, 5.0), std::vector<double>{0.5});
+}
+
+TEST(DenseAffinities, OfIdenticalPointsAreEqual) {
+    const std::vector<double> P = affinities(std::vector<double>(8, 3.0), 4, 2, 2.0);
+    for (std::size_t n = 0; n < 4; ++n) {
+        for (std::size_t m = 0; m < 4; ++m) {
+            if (m != n) {
+                EXPECT_DOUBLE_EQ(P[n * 4 + m], 1.0 / 3.0);
+            }
+        }
+    }
+}
+
+TEST(DenseAffinities, AreFiniteForAnImpossiblePerplexity) {
+    const std::vector<double> points = test::random_values(40, 4);
+    for (const double perplexity : {0.0, -3.0, std::nan(""), 1e9}) {
+        const std::vector<double> actual = affinities(points, 20, 2, perplexity);
+        EXPECT_EQ(actual, plain::conditional_similarities(points, 20, 2, perplexity));
+        for (const double p : actual) {
+            EXPECT_TRUE(std::isfinite(p));
+        }
+    }
+}
+
+/// Keeps what is logged.
+class RecordingSink : public google::LogSink {
+  public:
+    struct Line {
+        google::LogSeverity severity;
+        std::string file;
+        int line;
+        std::string message;
+    };
+
+    RecordingSink() { google::AddLogSink(this); }
+
+    RecordingSink(const RecordingSink&) = delete;
+    RecordingSink& operator=(const RecordingSink&) = delete;
+
+    ~RecordingSink() override { google::RemoveLogSink(this); }
+
+    using google::LogSink::send;
+
+    void send(google::LogSeverity severity,
+              const char* full_filename,
+              const char* /*base_filename*/,
+              int line,
+              const google::LogMessageTime& /*time*/,
+              const char* message,
+              std::size_t length) override {
+        lines.push_back({severity, full_filename, line, std::string(message, length)});
+    }
+
+    std::vector<Line> lines;
+};
+
+void expect_two_lines(const RecordingSink& sink, const std::string& message) {
+    ASSERT_EQ(sink.lines.size(), 2U);
+    for (const auto& line : sink.lines) {
+        EXPECT_EQ(line.severity, google::GLOG_INFO);
+        EXPECT_EQ(line.file, "stats/tsne");
+        EXPECT_EQ(line.message, message);
+    }
+    EXPECT_EQ(sink.lines[0].line, 639);
+    EXPECT_EQ(sink.lines[1].line, 641);
+}
+
+TEST(DenseAffinities, LogTheBarePerplexityTwice) {
+    const RecordingSink sink;
+    affinities(test::random_values(20, 5), 10, 2, 2.5);
+    expect_two_lines(sink, "2.5");
+}
+
+TEST(DenseAffinities, OnlyLogWithoutPoints) {
+    const RecordingSink sink;
+    affinities({}, 0, 2, 30.0);
+    expect_two_lines(sink, "30");
+}
+
+TEST(DenseAffinitiesDeathTest, EndTheProcessWhenTheDistancesDoNotFit) {
+    EXPECT_EXIT(TSNE<double>::computeGaussianPerplexity(nullptr, 2147483647, 2, nullptr, 30.0),
+                testing::ExitedWithCode(1),
+                "Memory allocation failed!\n$");
+}
+
+TEST(AddTranspose, SumsBothDirections) {
+    std::vector<double> P = {1.0, 2.0, 3.0, 10.0, 20.0, 30.0, 100.0, 200.0, 300.0};
+    add_transpose(P.data(), 3);
+    EXPECT_EQ(P, (std::vector<double>{1.0, 12.0, 103.0, 12.0, 20.0, 230.0, 103.0, 230.0, 300.0}));
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "stats/tsne.h"
+#include "tests/support/temporary_directory.h"
+
+namespace ovik::test {
+
+struct RunSettings {
+    int no_dims = 2;
+    double perplexity = 20.0;
+    double theta = 0.5;
+    int max_iter = 1000;
+    int stop_lying_iter = 250;
+    int mom_switch_iter = 250;
+};
+
+/// What a run of the engine leaves behind.
+struct RunOutcome {
+    std::vector<double> Y;
+    std::string out;
+    std::string err;
+    std::string table;
+    std::string log;
+};
+
+/// Runs the engine on a tab-separated matrix file, results in a directory of their own.
+template <typename T = double>
+RunOutcome run_engine(const std::string& path, const RunSettings& settings) {
+    const TemporaryDirectory directory;
+    RunOutcome outcome;
+    TSNE<T> tsne(directory.prefix(), "run", "_x", "Title");
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    tsne.init(path, settings.max_iter, '\t');
+    tsne.theta = settings.theta;
+    tsne.actuate(settings.no_dims,
+                 settings.perplexity,
+                 {},
+                 settings.stop_lying_iter,
+                 settings.mom_switch_iter);
+    outcome.out = testing::internal::GetCapturedStdout();
+    outcome.err = testing::internal::GetCapturedStderr();
+    outcome.Y.assign(tsne.Y, tsne.Y + tsne.N * settings.no_dims);
+    for (const auto& entry : std::filesystem::directory_iterator(directory.prefix())) {
+        (entry.path().extension() == ".csv" ? outcome.table : outcome.log) =
+            read_file(entry.path().string());
+    }
+    tsne.finish();
+    return outcome;
+}
+
+/// Writes the first `rows` rows of a file of the data directory, header included.
+inline std::string first_rows(const TemporaryDirectory& directory,
+                              const std::string& data_file,
+                              int rows) {
+    std::ifstream source(std::string(OVIK_DATA_DIR "/") + data_file);
+    std::string content;
+    std::string line;
+    for (int n = 0; n <= rows && std::getline(source, line); ++n) {
+        content += line + "\n";
+    }
+    return directory.write("first_rows.tsv", content);
+}
+
+}  // namespace ovik::test

@@ -1,0 +1,48 @@
+#include "util/malloc_array.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace ovik {
+namespace {
+
+constexpr std::size_t kImpossible = std::numeric_limits<std::size_t>::max();
+
+TEST(MallocArray, IsNullForWhatCannotBeHad) {
+    EXPECT_EQ(malloc_array<double>(kImpossible), nullptr);
+    EXPECT_EQ(malloc_array<double>(kImpossible / 16), nullptr);
+    EXPECT_EQ(calloc_array<double>(kImpossible), nullptr);
+}
+
+TEST(MallocArray, IsNotNullForNoElements) {
+    EXPECT_NE(malloc_array<double>(0), nullptr);
+    EXPECT_NE(calloc_array<double>(0), nullptr);
+}
+
+TEST(CallocArray, IsZeroed) {
+    const auto zeros = calloc_array<unsigned int>(100);
+    for (std::size_t i = 0; i < 100; ++i) {
+        EXPECT_EQ(zeros[i], 0U);
+    }
+}
+
+TEST(ExitUnlessAllocatedDeathTest, EndsWithTheMessageAndStatusOne) {
+    const auto one = malloc_array<double>(1);
+    EXPECT_EXIT(exit_unless_allocated(one, malloc_array<double>(kImpossible)),
+                testing::ExitedWithCode(1),
+                "^Memory allocation failed!\n$");
+}
+
+TEST(ExitUnlessAllocatedDeathTest, GoesOnWithAllArrays) {
+    EXPECT_EXIT(
+        {
+            exit_unless_allocated(malloc_array<double>(1), calloc_array<int>(2));
+            std::exit(7);
+        },
+        testing::ExitedWithCode(7),
+        "^$");
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,155 @@
+#include "util/matrix_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "tests/support/temporary_directory.h"
+
+namespace ovik {
+namespace {
+
+using Rows = std::vector<std::vector<double>>;
+using Names = std::vector<std::string>;
+
+class MatrixReader : public testing::Test {
+  protected:
+    void read(const std::string& content, char delimiter = '\t', int header = 1) {
+        read_matrix_w_index<double>(
+            rows_, names_, directory_.write("matrix.txt", content), header, delimiter);
+    }
+
+    test::TemporaryDirectory directory_;
+    Rows rows_;
+    Names names_;
+};
+
+TEST_F(MatrixReader, ReadsNamesAndValuesInFileOrder) {
+    read("gene\ta\tb\nG1\t1\t-2.5\nG2\t3e2\t.5");
+    EXPECT_EQ(names_, (Names{"G1", "G2"}));
+    EXPECT_EQ(rows_, (Rows{{1.0, -2.5}, {300.0, 0.5}}));
+}
+
+TEST_F(MatrixReader, DiscardsTheFirstLineWhateverItHolds) {
+    read("G0\t7\nG1\t1\n");
+    EXPECT_EQ(names_, Names{"G1"});
+}
+
+TEST_F(MatrixReader, DiscardsAsManyLinesAsHeaderSays) {
+    read("G0\t7\nG1\t1\nG2\t2\n", '\t', 0);
+    EXPECT_EQ(names_, (Names{"G0", "G1", "G2"}));
+    names_.clear();
+    read("G0\t7\nG1\t1\nG2\t2\n", '\t', 2);
+    EXPECT_EQ(names_, (Names{"G2"}));
+}
+
+TEST_F(MatrixReader, SkipsCommentsAndEmptyLines) {
+    read("h\n# note\n  # note\n\n\t \r\nG1\t1\n");
+    EXPECT_EQ(names_, Names{"G1"});
+}
+
+TEST_F(MatrixReader, TakesACarriageReturnBeforeAHashAsAName) {
+    read("h\n\r#x\t1\n");
+    EXPECT_EQ(names_, Names{"\r#x"});
+    EXPECT_EQ(rows_, (Rows{{1.0}}));
+}
+
+TEST_F(MatrixReader, ReadsEmptyFieldsAsZeroAndIgnoresAFinalDelimiter) {
+    read("h\nG1,,2\nG1,2,\n", ',');
+    EXPECT_EQ(rows_, (Rows{{0.0, 2.0}, {2.0}}));
+}
+
+TEST_F(MatrixReader, ReadsCarriageReturnLineEndsTheSame) {
+    read("h\ta\r\nG1\t1\t2\r\nG2\t3\t4\r\n");
+    EXPECT_EQ(names_, (Names{"G1", "G2"}));
+    EXPECT_EQ(rows_, (Rows{{1.0, 2.0}, {3.0, 4.0}}));
+}
+
+TEST_F(MatrixReader, ReadsALineOfOnlyANameAsAnEmptyRow) {
+    read("h\nG1\n");
+    EXPECT_EQ(names_, Names{"G1"});
+    EXPECT_EQ(rows_, Rows{{}});
+}
+
+TEST_F(MatrixReader, LosesAnEmptyNameBeforeATab) {
+    read("h\n\t1\t2\n");
+    EXPECT_EQ(names_, Names{"1"});
+    EXPECT_EQ(rows_, (Rows{{2.0}}));
+}
+
+TEST_F(MatrixReader, LosesEmptyFieldsBeforeTheEndWithTabs) {
+    read("h\nG1\t1\t\t\n");
+    EXPECT_EQ(rows_, (Rows{{1.0}}));
+}
+
+TEST_F(MatrixReader, KeepsAnEmptyNameBeforeAComma) {
+    read("h\n,1\n", ',');
+    EXPECT_EQ(names_, Names{""});
+    EXPECT_EQ(rows_, (Rows{{1.0}}));
+}
+
+TEST_F(MatrixReader, DoesNotTrimTheName) {
+    read("h\nG 1 ,1\n", ',');
+    EXPECT_EQ(names_, Names{"G 1 "});
+}
+
+TEST_F(MatrixReader, ConvertsFieldsAsStrtodDoes) {
+    read("h\nG1,1.5abc,abc, 2,0x10,+1,1e999,nan,-inf,-\n", ',');
+    ASSERT_EQ(rows_.size(), 1U);
+    const std::vector<double>& row = rows_[0];
+    EXPECT_EQ(row[0], 1.5);
+    EXPECT_EQ(row[1], 0.0);
+    EXPECT_EQ(row[2], 2.0);
+    EXPECT_EQ(row[3], 16.0);
+    EXPECT_EQ(row[4], 1.0);
+    EXPECT_EQ(row[5], std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(std::isnan(row[6]));
+    EXPECT_EQ(row[7], -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(row[8], 0.0);
+}
+
+TEST_F(MatrixReader, DoesNotReadAcrossABlankDelimiter) {
+    read("h\nG1  2 3\n", ' ');
+    EXPECT_EQ(rows_, (Rows{{0.0, 2.0, 3.0}}));
+}
+
+TEST_F(MatrixReader, EndsALineAtANulByte) {
+    read(std::string("h\nG1\t1\t2\0\t3\nG2\t4\n", 17));
+    EXPECT_EQ(rows_, (Rows{{1.0, 2.0}, {4.0}}));
+}
+
+TEST_F(MatrixReader, AppendsToWhatIsThere) {
+    read("h\nG1\t1\n");
+    read("h\nG2\t2\t3\n");
+    EXPECT_EQ(names_, (Names{"G1", "G2"}));
+    EXPECT_EQ(rows_, (Rows{{1.0}, {2.0, 3.0}}));
+}
+
+TEST_F(MatrixReader, ReadsNothingFromFilesWithoutRows) {
+    read("");
+    read("header only");
+    read("h\n# note\n\n");
+    EXPECT_TRUE(names_.empty());
+    EXPECT_TRUE(rows_.empty());
+}
+
+TEST_F(MatrixReader, ReadsIntoFloats) {
+    std::vector<std::vector<float>> rows;
+    read_matrix_w_index<float>(rows, names_, directory_.write("f", "h\nG1\t0.1\n"), 1, '\t');
+    EXPECT_EQ(rows, (std::vector<std::vector<float>>{{0.1F}}));
+}
+
+TEST_F(MatrixReader, ReportsAFileThatCannotBeOpened) {
+    testing::internal::CaptureStdout();
+    read_matrix_w_index<double>(rows_, names_, "no/such/file", 1, '\t');
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "\n-- \033[1;31mError: I cannot open file: no/such/file\n\033[0m\n");
+    EXPECT_TRUE(names_.empty());
+    EXPECT_TRUE(rows_.empty());
+}
+
+}  // namespace
+}  // namespace ovik
