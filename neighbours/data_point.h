@@ -26,7 +26,9 @@ struct DataPoint {
     ///
     /// @throws std::bad_alloc if memory is exhausted
     DataPoint(std::int32_t dimension, std::int32_t index, const T* source)
-        : index(index), coordinates(copy_of(source, dimension)), dimension(dimension) {}
+        : index(index),
+          coordinates(copyOf(source, dimension)),
+          dimension(dimension) {}
 
     DataPoint(const DataPoint& other)
         : DataPoint(other.dimension, other.index, other.coordinates) {}
@@ -53,7 +55,7 @@ struct DataPoint {
     ~DataPoint() { std::free(coordinates); }
 
   private:
-    static T* copy_of(const T* source, std::int32_t count) {
+    static T* copyOf(const T* source, std::int32_t count) {
         if (count <= 0) {
             return nullptr;
         }

@@ -235,10 +235,10 @@ void SPTree::computeNonEdgeForces(unsigned int point,
 
 /// The walk of `computeNonEdgeForces`.
 ///
-/// @tparam kDims  the number of dimensions where it is known to the compiler, else 0
-template <std::size_t kDims>
+/// @tparam Dims  the number of dimensions where it is known to the compiler, else 0
+template <std::size_t Dims>
 void SPTree::addRepulsion(unsigned int point, double theta, double* neg_f, double* sum_Q) const {
-    const std::size_t dims = kDims > 0 ? kDims : dims_;
+    const std::size_t dims = Dims > 0 ? Dims : dims_;
     const double* const own = data_ + point * dims;
     const std::uint32_t rank = rank_[point];
     const double squared_theta = theta > 0.0 ? theta * theta : 0.0;

@@ -96,7 +96,7 @@ class SPTree {
     [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
 
-    template <std::size_t kDims>
+    template <std::size_t Dims>
     void addRepulsion(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
 
     std::size_t dims_;

@@ -15,15 +15,16 @@ namespace ovik {
 /// A vantage-point tree: finds the nearest of a fixed list of points under a metric.
 ///
 /// Every node holds one point, the vantage point, and the median of the distances of the points
-/// below it; the nearer half goes left, the farther half right. Vantage points are drawn with `rand`
-/// from the process-wide stream, one draw per node with at least two points: the number of draws
-/// depends on the number of points alone, and so do the results, but for points at equal distance.
+/// below it; the nearer half goes left, the farther half right. Vantage points are drawn with
+/// `rand` from the process-wide stream, one draw per node with at least two points: the number of
+/// draws depends on the number of points alone, and so do the results, but for points at equal
+/// distance.
 ///
 /// @tparam T         a point; copied into the tree
-/// @tparam distance  a metric. Points at a distance of NaN or infinity are never neighbours.
+/// @tparam Distance  a metric. Points at a distance of NaN or infinity are never neighbours.
 /// @par Source Yianilos, "Data structures and algorithms for nearest neighbor search in general
 /// metric spaces", SODA 1993
-template <typename T, double (*distance)(const T&, const T&)>
+template <typename T, double (*Distance)(const T&, const T&)>
 class VpTree {
   public:
     struct Node {
@@ -58,7 +59,7 @@ class VpTree {
         const T& reference;
 
         bool operator()(const T& a, const T& b) const {
-            return distance(reference, a) < distance(reference, b);
+            return Distance(reference, a) < Distance(reference, b);
         }
     };
 
@@ -115,7 +116,7 @@ class VpTree {
                          items.begin() + median,
                          items.begin() + upper,
                          DistanceComparator{items[position(lower)]});
-        node->threshold = distance(items[position(lower)], items[position(median)]);
+        node->threshold = Distance(items[position(lower)], items[position(median)]);
         node->left = buildFromPoints(lower + 1, median);
         node->right = buildFromPoints(median, upper);
         return node.release();
@@ -123,17 +124,14 @@ class VpTree {
 
     /// Finds the `k` nearest points, nearest first; all points if there are fewer than `k`.
     ///
-    /// A point at exactly the distance of the farthest of `k` candidates is not admitted: of equals,
-    /// those stay that were met first. Not thread-safe, since the radius lives in the tree.
+    /// A point at exactly the distance of the farthest of `k` candidates is not admitted: of
+    /// equals, those stay that were met first. Not thread-safe, since the radius lives in the tree.
     ///
     /// @param k          below 1 gives empty results
     /// @param results    replaced by copies of the points
     /// @param distances  replaced by their distances
     /// @complexity O(log n) expected distances where the metric prunes well
-    void search(const T& target,
-                int k,
-                std::vector<T>* results,
-                std::vector<double>* distances) {
+    void search(const T& target, int k, std::vector<T>* results, std::vector<double>* distances) {
         tau = DBL_MAX;
         std::priority_queue<HeapItem> heap;
         search(root, target, k, heap);
@@ -181,7 +179,7 @@ class VpTree {
         if (node == nullptr) {
             return;
         }
-        const double dist = distance(items[position(node->index)], target);
+        const double dist = Distance(items[position(node->index)], target);
         if (dist < radius) {
             if (heap.size() == k) {
                 heap.pop();

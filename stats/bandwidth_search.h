@@ -37,9 +37,9 @@ class BandwidthSearch {
 
 /// Conditional similarities of one point to others, calibrated to a perplexity.
 ///
-/// Searches the bandwidth for which the entropy of the similarities is log(perplexity), then divides
-/// them by their sum. If the attempts run out, the last trial stands. A perplexity of 0 or less or
-/// NaN uses up all attempts.
+/// Searches the bandwidth for which the entropy of the similarities is log(perplexity), then
+/// divides them by their sum. If the attempts run out, the last trial stands. A perplexity of 0 or
+/// less or NaN uses up all attempts.
 ///
 /// @param squared_distances  count values
 /// @param similarities       count values, written

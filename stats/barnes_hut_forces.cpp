@@ -34,15 +34,37 @@ double add_repulsive_forces(
     return std::accumulate(shares.get(), shares.get() + N, 0.0);
 }
 
+/// Writes the cost terms of the entries of some rows.
+///
+/// @return their number
+std::size_t fill_cost_terms(const SparseMatrixView& P,
+                            const double* Y,
+                            std::size_t dims,
+                            IndexRange rows,
+                            double sum_Q,
+                            double* terms) {
+    double* term = terms;
+    for (std::size_t n = rows.begin; n < rows.end; ++n) {
+        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+            double squared_distance = 0.0;
+            for (std::size_t d = 0; d < dims; ++d) {
+                const double difference = Y[n * dims + d] - Y[P.col_P[i] * dims + d];
+                squared_distance += difference * difference;
+            }
+            const double Q = 1.0 / (squared_distance + 1.0) / sum_Q + DBL_MIN;
+            *term++ = P.val_P[i] * std::log((P.val_P[i] + DBL_MIN) / Q);
+        }
+    }
+    return static_cast<std::size_t>(term - terms);
+}
+
 SPTree tree_of(const double* Y, std::size_t N, std::size_t dims) {
     return {static_cast<unsigned int>(dims), Y, static_cast<unsigned int>(N)};
 }
 
 }  // namespace
 
-void barnes_hut_gradient(const unsigned int* row_P,
-                         const unsigned int* col_P,
-                         const double* val_P,
+void barnes_hut_gradient(const SparseMatrixView& P,
                          const double* Y,
                          std::size_t N,
                          std::size_t dims,
@@ -52,20 +74,15 @@ void barnes_hut_gradient(const unsigned int* row_P,
     const auto pos_f = calloc_array<double>(N * dims);
     const auto neg_f = calloc_array<double>(N * dims);
     exit_unless_allocated(pos_f, neg_f);
-    tree.computeEdgeForces(row_P, col_P, val_P, static_cast<int>(N), pos_f.get());
+    tree.computeEdgeForces(P.row_P, P.col_P, P.val_P, static_cast<int>(N), pos_f.get());
     const double sum_Q = add_repulsive_forces(tree, N, dims, theta, neg_f.get());
     parallel_for_each(N * dims, kElementwiseGrain, [&](std::size_t i) {
         gradient[i] = pos_f[i] - neg_f[i] / sum_Q;
     });
 }
 
-double barnes_hut_cost(const unsigned int* row_P,
-                       const unsigned int* col_P,
-                       const double* val_P,
-                       const double* Y,
-                       std::size_t N,
-                       std::size_t dims,
-                       double theta) {
+double barnes_hut_cost(
+    const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta) {
     if (N == 0) {
         return 0.0;
     }
@@ -75,8 +92,8 @@ double barnes_hut_cost(const unsigned int* row_P,
     const double sum_Q = add_repulsive_forces(tree, N, dims, theta, discarded_forces.get());
 
     const std::size_t block_count = (N + kCostBlock - 1) / kCostBlock;
-    const auto block_start = [=](std::size_t block) {
-        return std::size_t{row_P[std::min(block * kCostBlock, N)]};
+    const auto block_start = [&P, N](std::size_t block) {
+        return std::size_t{P.row_P[std::min(block * kCostBlock, N)]};
     };
     std::size_t block_capacity = 0;
     for (std::size_t block = 0; block < block_count; ++block) {
@@ -84,20 +101,8 @@ double barnes_hut_cost(const unsigned int* row_P,
     }
     return ordered_sum(0.0, block_count, block_capacity, [&](std::size_t block, double* terms) {
         const std::size_t first_row = block * kCostBlock;
-        const std::size_t last_row = std::min(first_row + kCostBlock, N);
-        double* term = terms;
-        for (std::size_t n = first_row; n < last_row; ++n) {
-            for (std::size_t i = row_P[n]; i < row_P[n + 1]; ++i) {
-                double squared_distance = 0.0;
-                for (std::size_t d = 0; d < dims; ++d) {
-                    const double difference = Y[n * dims + d] - Y[col_P[i] * dims + d];
-                    squared_distance += difference * difference;
-                }
-                const double Q = 1.0 / (squared_distance + 1.0) / sum_Q + DBL_MIN;
-                *term++ = val_P[i] * std::log((val_P[i] + DBL_MIN) / Q);
-            }
-        }
-        return block_start(block + 1) - block_start(block);
+        const IndexRange rows{first_row, std::min(first_row + kCostBlock, N)};
+        return fill_cost_terms(P, Y, dims, rows, sum_Q, terms);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "stats/barnes_hut_forces.h"
 #include "stats/elementwise.h"
+#include "stats/sparse_affinities.h"
 #include "util/format.h"
 
 namespace ovik {
@@ -26,11 +27,12 @@ BarnesHutObjective::BarnesHutObjective(const double* X,
                                        std::size_t out_dims,
                                        double perplexity,
                                        double theta)
-    : N_(N), out_dims_(out_dims), theta_(theta) {
+    : N_(N),
+      out_dims_(out_dims),
+      theta_(theta) {
     const SparseMatrix conditional =
         neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N));
-    P_ = symmetrized(
-        conditional.row_P.get(), conditional.col_P.get(), conditional.val_P.get(), N);
+    P_ = symmetrized(conditional.view(), N);
     divide_by_sum(P_.val_P.get(), entryCount());
 }
 
@@ -43,13 +45,11 @@ void BarnesHutObjective::relax(double factor) {
 }
 
 void BarnesHutObjective::gradient(const double* Y, double* dY) {
-    barnes_hut_gradient(
-        P_.row_P.get(), P_.col_P.get(), P_.val_P.get(), Y, N_, out_dims_, dY, theta_);
+    barnes_hut_gradient(P_.view(), Y, N_, out_dims_, dY, theta_);
 }
 
 double BarnesHutObjective::cost(const double* Y) {
-    return barnes_hut_cost(
-        P_.row_P.get(), P_.col_P.get(), P_.val_P.get(), Y, N_, out_dims_, theta_);
+    return barnes_hut_cost(P_.view(), Y, N_, out_dims_, theta_);
 }
 
 std::string BarnesHutObjective::report(std::clock_t elapsed) const {

@@ -3,7 +3,7 @@
 #include <cstddef>
 
 #include "stats/objective.h"
-#include "stats/sparse_affinities.h"
+#include "stats/sparse_matrix.h"
 
 namespace ovik {
 

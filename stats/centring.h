@@ -6,8 +6,9 @@ namespace ovik {
 
 /// Centres every column of a matrix on 0.
 ///
-/// Column sums run in row order; a mean is the sum times 1.0 / rows, which rounds otherwise than the
-/// quotient. Ends the process with "Memory allocation failed!" if the means do not fit in memory.
+/// Column sums run in row order; a mean is the sum times 1.0 / rows, which rounds otherwise than
+/// the quotient. Ends the process with "Memory allocation failed!" if the means do not fit in
+/// memory.
 ///
 /// @param X  row-major, rows x columns, modified
 void zero_mean(double* X, std::size_t rows, std::size_t columns);

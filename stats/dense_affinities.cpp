@@ -1,9 +1,9 @@
 #include "stats/dense_affinities.h"
 
-#include <glog/logging.h>
-
 #include <cfloat>
 #include <cmath>
+
+#include <glog/logging.h>
 
 #include "stats/bandwidth_search.h"
 #include "stats/pairwise_distances.h"
@@ -24,11 +24,8 @@ void log_perplexity(int line, double perplexity) {
 
 }  // namespace
 
-void dense_conditional_affinities(const double* points,
-                                  std::size_t point_count,
-                                  std::size_t dims,
-                                  double* P,
-                                  double perplexity) {
+void dense_conditional_affinities(
+    const double* points, std::size_t point_count, std::size_t dims, double* P, double perplexity) {
     const auto distances = malloc_array<double>(point_count * point_count);
     exit_unless_allocated(distances);
     log_perplexity(639, perplexity);

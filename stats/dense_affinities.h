@@ -5,18 +5,16 @@
 namespace ovik {
 
 /// Conditional similarities P(m|n) of all pairs of points, each row calibrated to a perplexity
-/// (at most 500 attempts) and normalised to sum 1. The diagonal is a tiny positive number, not zero.
+/// (at most 500 attempts) and normalised to sum 1. The diagonal is a tiny positive number, not
+/// zero.
 ///
-/// Rows are spread over the cores. The perplexity is logged twice at severity INFO. Ends the process
-/// with "Memory allocation failed!" if the matrix of distances does not fit in memory.
+/// Rows are spread over the cores. The perplexity is logged twice at severity INFO. Ends the
+/// process with "Memory allocation failed!" if the matrix of distances does not fit in memory.
 ///
 /// @param points  row-major, point_count x dims
 /// @param P       row-major, point_count x point_count, written
-void dense_conditional_affinities(const double* points,
-                                  std::size_t point_count,
-                                  std::size_t dims,
-                                  double* P,
-                                  double perplexity);
+void dense_conditional_affinities(
+    const double* points, std::size_t point_count, std::size_t dims, double* P, double perplexity);
 
 /// Replaces both of the entries (n, m) and (m, n) of a square matrix by their sum.
 void add_transpose(double* P, std::size_t point_count);

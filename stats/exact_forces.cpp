@@ -63,8 +63,7 @@ void exact_gradient(
                 multipliers[m] = q * (P[n * N + m] - q / sum_Q);
             }
             for (std::size_t d = 0; d < dims; ++d) {
-                gradient[n * dims + d] =
-                    weighted_offset_sum(columns.column(d), n, N, multipliers);
+                gradient[n * dims + d] = weighted_offset_sum(columns.column(d), n, N, multipliers);
             }
         }
     });

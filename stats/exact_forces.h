@@ -7,9 +7,9 @@ namespace ovik {
 /// The t-SNE gradient over all pairs of points.
 ///
 /// Row n is the sum over m, in order, of (Y_n - Y_m) * Q_nm * (P_nm - Q_nm / sum_Q), where Q_nm is
-/// 1 / (1 + squared distance) and sum_Q the sum of all Q_nm, row after row. The usual factor of 4 is
-/// left to the learning rate. Ends the process with "Memory allocation failed!" if its work arrays,
-/// O(N) per thread, do not fit in memory.
+/// 1 / (1 + squared distance) and sum_Q the sum of all Q_nm, row after row. The usual factor of 4
+/// is left to the learning rate. Ends the process with "Memory allocation failed!" if its work
+/// arrays, O(N) per thread, do not fit in memory.
 ///
 /// @param P         row-major, N x N; the diagonal is not read
 /// @param Y         row-major, N x dims
@@ -21,8 +21,8 @@ void exact_gradient(
 
 /// The Kullback-Leibler divergence of the similarities of an embedding from P, over all pairs.
 ///
-/// The sum over all entries, in order, of P * log((P + DBL_MIN) / (Q / sum_Q + DBL_MIN)); the diagonal
-/// takes part with Q = DBL_MIN. Failure of memory as for `exact_gradient`.
+/// The sum over all entries, in order, of P * log((P + DBL_MIN) / (Q / sum_Q + DBL_MIN)); the
+/// diagonal takes part with Q = DBL_MIN. Failure of memory as for `exact_gradient`.
 ///
 /// @param P  row-major, N x N
 /// @param Y  row-major, N x dims

@@ -11,7 +11,8 @@ namespace ovik {
 
 ExactObjective::ExactObjective(
     const double* X, std::size_t N, std::size_t D, std::size_t out_dims, double perplexity)
-    : N_(N), out_dims_(out_dims) {
+    : N_(N),
+      out_dims_(out_dims) {
     std::fputs("Exact?", stderr);
     P_ = malloc_array<double>(N * N);
     exit_unless_allocated(P_);

@@ -21,9 +21,9 @@ class GradientDescent {
 
     /// Moves the embedding one step against the gradient.
     ///
-    /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor of
-    /// 0.8 where they agree, not below 0.01. The velocity becomes
-    /// velocity * momentum - (gain * 200) * gradient and is added to Y.
+    /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor
+    /// of 0.8 where they agree, not below 0.01. The velocity becomes velocity * momentum - (gain *
+    /// 200) * gradient and is added to Y.
     ///
     /// @param Y  `count` elements, modified
     void step(double* Y, double momentum);

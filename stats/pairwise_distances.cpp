@@ -7,7 +7,9 @@
 namespace ovik {
 
 PointColumns::PointColumns(const double* points, std::size_t point_count, std::size_t dims)
-    : point_count_(point_count), dims_(dims), columns_(malloc_array<double>(point_count * dims)) {
+    : point_count_(point_count),
+      dims_(dims),
+      columns_(malloc_array<double>(point_count * dims)) {
     exit_unless_allocated(columns_);
     for (std::size_t n = 0; n < point_count; ++n) {
         for (std::size_t d = 0; d < dims; ++d) {

@@ -98,13 +98,13 @@ bool write_result_table(const std::string& path, const ResultTable<T>& table) {
     return true;
 }
 
-#define OVIK_INSTANTIATE_RESULT_TABLE(T)                                                        \
-    template struct ResultTable<T>;                                                             \
-    template ResultTable<T> make_result_table(const double*,                                    \
-                                              std::size_t,                                      \
-                                              std::size_t,                                      \
-                                              const std::string*,                               \
-                                              std::map<std::string, std::string>&);             \
+#define OVIK_INSTANTIATE_RESULT_TABLE(T)                                            \
+    template struct ResultTable<T>;                                                 \
+    template ResultTable<T> make_result_table(const double*,                        \
+                                              std::size_t,                          \
+                                              std::size_t,                          \
+                                              const std::string*,                   \
+                                              std::map<std::string, std::string>&); \
     template bool write_result_table(const std::string&, const ResultTable<T>&);
 
 OVIK_INSTANTIATE_RESULT_TABLE(float)

@@ -33,8 +33,8 @@ ResultTable<T> make_result_table(const double* Y,
                                  const std::string* names,
                                  std::map<std::string, std::string>& functions);
 
-/// The stem of the table's file: "tsne_", the perplexity cut to one digit with "_" for its point, and
-/// the suffix. Perplexity 12.75 gives "tsne_12_7".
+/// The stem of the table's file: "tsne_", the perplexity cut to one digit with "_" for its point,
+/// and the suffix. Perplexity 12.75 gives "tsne_12_7".
 std::string result_table_stem(double perplexity, const std::string& suffix);
 
 /// Writes the table as comma-separated text under a header line.

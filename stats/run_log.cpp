@@ -8,8 +8,8 @@ namespace ovik {
 std::string run_log_record(const std::string& data_title,
                            double perplexity,
                            const std::string& table_stem) {
-    const std::string sentence = data_title + " using t-SNE method (perplexity = " +
-                                 num2string(perplexity, 1) + ").";
+    const std::string sentence =
+        data_title + " using t-SNE method (perplexity = " + num2string(perplexity, 1) + ").";
     return "1-1-1-0\n" + sentence + "\n" + sentence +
            " The darker color means that there are overlaps.\n" + table_stem + "\n";
 }

@@ -82,25 +82,45 @@ void fill_row(const NeighbourTree& tree,
 constexpr std::size_t kNotStored = static_cast<std::size_t>(-1);
 
 /// The entry of row `row` whose column is `column`, the last one if there are several.
-std::size_t find_entry(const unsigned int* row_P,
-                       const unsigned int* col_P,
-                       std::size_t row,
-                       std::size_t column) {
-    for (std::size_t i = row_P[row + 1]; i-- > row_P[row];) {
-        if (col_P[i] == column) {
+std::size_t find_entry(const SparseMatrixView& P, std::size_t row, std::size_t column) {
+    for (std::size_t i = P.row_P[row + 1]; i-- > P.row_P[row];) {
+        if (P.col_P[i] == column) {
             return i;
         }
     }
     return kNotStored;
 }
 
+/// An empty symmetric matrix with room for the entries of both directions in each row.
+SparseMatrix allocate_symmetrized(const SparseMatrixView& P, std::size_t N) {
+    const auto row_counts = calloc_array<unsigned int>(N);
+    exit_unless_allocated(row_counts);
+    std::size_t entries = 0;
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+            const std::size_t j = P.col_P[i];
+            const bool both = find_entry(P, j, n) != kNotStored;
+            row_counts[n] += 1;
+            row_counts[j] += both ? 0 : 1;
+            entries += both ? 1 : 2;
+        }
+    }
+    check_entry_count(entries);
+    SparseMatrix result{malloc_array<unsigned int>(N + 1),
+                        malloc_array<unsigned int>(entries),
+                        malloc_array<double>(entries)};
+    exit_unless_allocated(result.row_P, result.col_P, result.val_P);
+    result.row_P[0] = 0;
+    for (std::size_t n = 0; n < N; ++n) {
+        result.row_P[n + 1] = result.row_P[n] + row_counts[n];
+    }
+    return result;
+}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
+
 }  // namespace
 
-SparseMatrix neighbour_affinities(const double* points,
-                                  std::size_t N,
-                                  std::size_t dims,
-                                  double perplexity,
-                                  int K) {
+SparseMatrix neighbour_affinities(
+    const double* points, std::size_t N, std::size_t dims, double perplexity, int K) {
     if (perplexity > static_cast<double>(K)) {
         std::fputs("Perplexity should be lower than K!\n", stderr);
     }
@@ -133,49 +153,26 @@ SparseMatrix neighbour_affinities(const double* points,
         }
     });
     return matrix;
-}
+}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
-SparseMatrix symmetrized(const unsigned int* row_P,
-                         const unsigned int* col_P,
-                         const double* val_P,
-                         std::size_t N) {
-    const auto row_counts = calloc_array<unsigned int>(N);
-    exit_unless_allocated(row_counts);
-    std::size_t entries = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = row_P[n]; i < row_P[n + 1]; ++i) {
-            const std::size_t j = col_P[i];
-            const bool both = find_entry(row_P, col_P, j, n) != kNotStored;
-            row_counts[n] += 1;
-            row_counts[j] += both ? 0 : 1;
-            entries += both ? 1 : 2;
-        }
-    }
-    check_entry_count(entries);
-    SparseMatrix result{malloc_array<unsigned int>(N + 1),
-                        malloc_array<unsigned int>(entries),
-                        malloc_array<double>(entries)};
-    exit_unless_allocated(result.row_P, result.col_P, result.val_P);
-    result.row_P[0] = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        result.row_P[n + 1] = result.row_P[n] + row_counts[n];
-    }
+SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
+    SparseMatrix result = allocate_symmetrized(P, N);
     const auto offset = calloc_array<unsigned int>(N);
     exit_unless_allocated(offset);
     for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = row_P[n]; i < row_P[n + 1]; ++i) {
-            const std::size_t j = col_P[i];
-            const std::size_t mirror = find_entry(row_P, col_P, j, n);
+        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+            const std::size_t j = P.col_P[i];
+            const std::size_t mirror = find_entry(P, j, n);
             if (mirror != kNotStored && n > j) {
                 continue;  // written with row j
             }
-            const double value = mirror == kNotStored ? val_P[i] : val_P[i] + val_P[mirror];
+            const double sum = mirror == kNotStored ? P.val_P[i] : P.val_P[i] + P.val_P[mirror];
             const std::size_t own_slot = result.row_P[n] + offset[n];
             const std::size_t mirror_slot = result.row_P[j] + offset[j];
             result.col_P[own_slot] = static_cast<unsigned int>(j);
             result.col_P[mirror_slot] = static_cast<unsigned int>(n);
-            result.val_P[own_slot] = value * 0.5;
-            result.val_P[mirror_slot] = value * 0.5;
+            result.val_P[own_slot] = sum * 0.5;
+            result.val_P[mirror_slot] = sum * 0.5;
             offset[n] += 1;
             offset[j] += j != n ? 1 : 0;
         }

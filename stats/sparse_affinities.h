@@ -1,51 +1,33 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 
-#include "util/malloc_array.h"
+#include "stats/sparse_matrix.h"
 
 namespace ovik {
-
-/// A sparse similarity matrix in compressed-row form.
-struct SparseMatrix {
-    /// First entry of each row; N + 1 values, the last one the number of entries.
-    MallocArray<unsigned int> row_P;
-    /// Column of each entry.
-    MallocArray<unsigned int> col_P;
-    /// Value of each entry.
-    MallocArray<double> val_P;
-};
 
 /// Conditional similarities of every point to its nearest neighbours, each row calibrated to a
 /// perplexity (at most 200 attempts) and normalised to sum 1.
 ///
 /// The K + 1 nearest are asked of a vantage-point tree and the first, taken to be the point itself,
-/// is skipped. Where a point has fewer neighbours (K is not below N, or distances are not finite) the
-/// rest of its row points at the point itself with similarity 0.0. Queries are spread over the cores.
-/// Prints "Perplexity should be lower than K!" on standard error if so, and goes on. Ends the process
-/// with "Memory allocation failed!" if the matrix does not fit in memory.
+/// is skipped. Where a point has fewer neighbours (K is not below N, or distances are not finite)
+/// the rest of its row points at the point itself with similarity 0.0. Queries are spread over the
+/// cores. Prints "Perplexity should be lower than K!" on standard error if so, and goes on. Ends
+/// the process with "Memory allocation failed!" if the matrix does not fit in memory.
 ///
 /// @param points  row-major, N x dims
 /// @param K       entries per row; 0 or less gives empty rows
 /// @throws std::length_error if N * K exceeds the 32 bits of a row start
-SparseMatrix neighbour_affinities(const double* points,
-                                  std::size_t N,
-                                  std::size_t dims,
-                                  double perplexity,
-                                  int K);
+SparseMatrix neighbour_affinities(
+    const double* points, std::size_t N, std::size_t dims, double perplexity, int K);
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///
 /// Row n lists, in the order in which rows 0, 1, ... bring them up, its own entries and those of
 /// other rows that point at n.
 ///
-/// @param row_P  N + 1 row starts
-/// @param col_P  columns, distinct within a row
+/// @param P  columns are distinct within a row
 /// @throws std::length_error if the result has more entries than a 32-bit row start can count
-SparseMatrix symmetrized(const unsigned int* row_P,
-                         const unsigned int* col_P,
-                         const double* val_P,
-                         std::size_t N);
+SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N);
 
 }  // namespace ovik

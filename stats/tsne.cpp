@@ -80,7 +80,7 @@ template <typename T>
 void TSNE<T>::finish() {
     for (auto [member, released] : {std::pair{&X, &released_X_}, std::pair{&Y, &released_Y_}}) {
         if (*member != *released) {
-            delete[] *member;
+            delete[] * member;
             *released = *member;
         }
     }

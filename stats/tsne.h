@@ -13,9 +13,9 @@ extern char gInstantiationGuardTSNE;
 /// t-SNE: embeds the rows of a matrix in a few dimensions so that close rows stay close.
 ///
 /// Use: construct, `init`, set `theta` if need be, `actuate`, `finish`. One run per object is the
-/// intended use. Called from one thread; the work is spread over OpenMP's threads, and the results are
-/// the same for any number of them. Both instantiations, `float` and `double`, compute in `double`;
-/// T is the precision in which results are handed out.
+/// intended use. Called from one thread; the work is spread over OpenMP's threads, and the results
+/// are the same for any number of them. Both instantiations, `float` and `double`, compute in
+/// `double`; T is the precision in which results are handed out.
 ///
 /// The seed is fixed (11, the process-wide `rand` stream), as are early exaggeration (12), learning
 /// rate (200), momentum (0.5, then 0.8) and the scale of the random start (0.0001).
@@ -59,10 +59,7 @@ class TSNE {
     /// @param out_name    start of their file names
     /// @param out_suffix  end of the table's file name, before ".csv"
     /// @param data_title  what the data are, for the run log
-    TSNE(std::string out_dir,
-         std::string out_name,
-         std::string out_suffix,
-         std::string data_title);
+    TSNE(std::string out_dir, std::string out_name, std::string out_suffix, std::string data_title);
 
     TSNE(const TSNE&) = delete;
     TSNE& operator=(const TSNE&) = delete;
@@ -72,24 +69,26 @@ class TSNE {
 
     /// Reads the matrix (see `read_matrix_w_index`; one header line) and sets the defaults.
     ///
-    /// Values beyond the length of the first row are dropped. Called again, it appends the new names
-    /// to `row_names` and works on the new rows alone; the arrays it replaces live until `finish`.
+    /// Values beyond the length of the first row are dropped. Called again, it appends the new
+    /// names to `row_names` and works on the new rows alone; the arrays it replaces live until
+    /// `finish`.
     ///
     /// @param path       the file; if it cannot be opened, the console says so
     /// @param max_iter   last iteration of the run
     /// @param delimiter  the character between fields
-    /// @throws InputError if there is no row, or if a row is shorter than the first: `row_names`, `N`,
-    /// `D` and `X` are then as before
+    /// @throws InputError if there is no row, or if a row is shorter than the first: `row_names`,
+    /// `N`, `D` and `X` are then as before
     void init(std::string path, int max_iter, char delimiter);
 
     /// Embeds the rows and writes the results: the table `out_base` + "_tsne_" + perplexity +
     /// `out_suffix` + ".csv" and a record in the log `out_base` + ".log".
     ///
-    /// A second run starts from the input as the first left it; the embedding that it replaces lives
-    /// until `finish`.
+    /// A second run starts from the input as the first left it; the embedding that it replaces
+    /// lives until `finish`.
     ///
     /// @param no_dims          output dimensions, at least 2 for the table to have rows
-    /// @param perplexity       effective number of neighbours; if 3 * perplexity > N - 1 the console
+    /// @param perplexity       effective number of neighbours; if 3 * perplexity > N - 1 the
+    /// console
     ///                         says so, and the run goes on
     /// @param labels           reserved for the plots: one per row, or empty
     /// @param stop_lying_iter  iteration at which early exaggeration ends
@@ -115,8 +114,8 @@ class TSNE {
     static void computeGaussianPerplexity(
         const double* X, int N, int D, double* P, double perplexity);
 
-    /// Stores conditional similarities to the K nearest neighbours: three blocks from `malloc`, which
-    /// the caller frees. See `neighbour_affinities`.
+    /// Stores conditional similarities to the K nearest neighbours: three blocks from `malloc`,
+    /// which the caller frees. See `neighbour_affinities`.
     static void computeGaussianPerplexity(const double* X,
                                           int N,
                                           int D,
@@ -126,13 +125,12 @@ class TSNE {
                                           double perplexity,
                                           int K);
 
-    /// Replaces the three blocks, which are freed, by those of the symmetric matrix. See `symmetrized`.
-    static void symmetrizeMatrix(unsigned int** row_P,
-                                 unsigned int** col_P,
-                                 double** val_P,
-                                 int N);
+    /// Replaces the three blocks, which are freed, by those of the symmetric matrix. See
+    /// `symmetrized`.
+    static void symmetrizeMatrix(unsigned int** row_P, unsigned int** col_P, double** val_P, int N);
 
-    /// Barnes-Hut gradient into dC, N x D. The first argument is not used. See `barnes_hut_gradient`.
+    /// Barnes-Hut gradient into dC, N x D. The first argument is not used. See
+    /// `barnes_hut_gradient`.
     static void computeGradient(const double* P,
                                 const unsigned int* row_P,
                                 const unsigned int* col_P,

@@ -91,7 +91,8 @@ void optimise(Objective& objective,
         if (iter == schedule.mom_switch_iter) {
             momentum = kFinalMomentum;
         }
-        // Until exaggeration ends the cost is that against the exaggerated similarities, on purpose.
+        // Until exaggeration ends the cost is that against the exaggerated similarities, on
+        // purpose.
         report_progress<T>(objective.cost(Y), iter, schedule.max_iter);
     }
     std::putchar('\n');
@@ -111,7 +112,8 @@ void TSNE<T>::actuate(int no_dims,
     const auto columns = static_cast<std::size_t>(std::max(D, 0));
     const auto out_dims = static_cast<std::size_t>(std::max(no_dims, 0));
     const std::size_t count = rows * out_dims;
-    replaceArray(Y, released_Y_, create_vec_malloc<double>(static_cast<std::ptrdiff_t>(count), 0.0));
+    replaceArray(
+        Y, released_Y_, create_vec_malloc<double>(static_cast<std::ptrdiff_t>(count), 0.0));
 
     seed_random_stream();
     check_perplexity(perplexity, N);
@@ -126,8 +128,8 @@ void TSNE<T>::actuate(int no_dims,
     if (theta == 0.0) {
         objective = std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
     } else {
-        objective = std::make_unique<BarnesHutObjective>(
-            X, rows, columns, out_dims, perplexity, theta);
+        objective =
+            std::make_unique<BarnesHutObjective>(X, rows, columns, out_dims, perplexity, theta);
     }
     std::clock_t end = std::clock();
     objective->exaggerate(kEarlyExaggeration);

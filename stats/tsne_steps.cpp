@@ -22,10 +22,7 @@ std::size_t size(int count) {
     return static_cast<std::size_t>(std::max(count, 0));
 }
 
-void hand_over(SparseMatrix& matrix,
-               unsigned int** row_P,
-               unsigned int** col_P,
-               double** val_P) {
+void hand_over(SparseMatrix& matrix, unsigned int** row_P, unsigned int** col_P, double** val_P) {
     *row_P = matrix.row_P.release();
     *col_P = matrix.col_P.release();
     *val_P = matrix.val_P.release();
@@ -45,6 +42,7 @@ void TSNE<T>::computeGaussianPerplexity(
 }
 
 template <typename T>
+// NOLINTNEXTLINE(readability-function-size): the published signature
 void TSNE<T>::computeGaussianPerplexity(const double* X,
                                         int N,
                                         int D,
@@ -58,11 +56,8 @@ void TSNE<T>::computeGaussianPerplexity(const double* X,
 }
 
 template <typename T>
-void TSNE<T>::symmetrizeMatrix(unsigned int** row_P,
-                               unsigned int** col_P,
-                               double** val_P,
-                               int N) {
-    SparseMatrix matrix = symmetrized(*row_P, *col_P, *val_P, size(N));
+void TSNE<T>::symmetrizeMatrix(unsigned int** row_P, unsigned int** col_P, double** val_P, int N) {
+    SparseMatrix matrix = symmetrized({*row_P, *col_P, *val_P}, size(N));
     std::free(*row_P);
     std::free(*col_P);
     std::free(*val_P);
@@ -70,6 +65,7 @@ void TSNE<T>::symmetrizeMatrix(unsigned int** row_P,
 }
 
 template <typename T>
+// NOLINTNEXTLINE(readability-function-size): the published signature
 void TSNE<T>::computeGradient(const double* /*P*/,
                               const unsigned int* row_P,
                               const unsigned int* col_P,
@@ -79,7 +75,7 @@ void TSNE<T>::computeGradient(const double* /*P*/,
                               int D,
                               double* dC,
                               double theta) {
-    barnes_hut_gradient(row_P, col_P, val_P, Y, size(N), size(D), dC, theta);
+    barnes_hut_gradient({row_P, col_P, val_P}, Y, size(N), size(D), dC, theta);
 }
 
 template <typename T>
@@ -100,7 +96,7 @@ double TSNE<T>::evaluateError(const unsigned int* row_P,
                               int N,
                               int D,
                               double theta) {
-    return barnes_hut_cost(row_P, col_P, val_P, Y, size(N), size(D), theta);
+    return barnes_hut_cost({row_P, col_P, val_P}, Y, size(N), size(D), theta);
 }
 
 template <typename T>
@@ -113,39 +109,26 @@ double TSNE<T>::randn() {
     return normal_deviate();
 }
 
-#define OVIK_INSTANTIATE_STEPS(T)                                                             \
-    template void TSNE<T>::computeSquaredEuclideanDistance(const double*, int, int, double*); \
-    template void TSNE<T>::computeGaussianPerplexity(                                         \
-        const double*, int, int, double*, double);                                            \
-    template void TSNE<T>::computeGaussianPerplexity(const double*,                           \
-                                                     int,                                     \
-                                                     int,                                     \
-                                                     unsigned int**,                          \
-                                                     unsigned int**,                          \
-                                                     double**,                                \
-                                                     double,                                  \
-                                                     int);                                    \
-    template void TSNE<T>::symmetrizeMatrix(unsigned int**, unsigned int**, double**, int);   \
-    template void TSNE<T>::computeGradient(const double*,                                     \
-                                           const unsigned int*,                               \
-                                           const unsigned int*,                               \
-                                           const double*,                                     \
-                                           const double*,                                     \
-                                           int,                                               \
-                                           int,                                               \
-                                           double*,                                           \
-                                           double);                                           \
-    template void TSNE<T>::computeExactGradient(                                              \
-        const double*, const double*, int, int, double*);                                     \
-    template double TSNE<T>::evaluateError(const double*, const double*, int, int);           \
-    template double TSNE<T>::evaluateError(const unsigned int*,                               \
-                                           const unsigned int*,                               \
-                                           const double*,                                     \
-                                           const double*,                                     \
-                                           int,                                               \
-                                           int,                                               \
-                                           double);                                           \
-    template void TSNE<T>::zeroMean(double*, int, int);                                       \
+#define OVIK_INSTANTIATE_STEPS(T)                                                                  \
+    template void TSNE<T>::computeSquaredEuclideanDistance(const double*, int, int, double*);      \
+    template void TSNE<T>::computeGaussianPerplexity(const double*, int, int, double*, double);    \
+    template void TSNE<T>::computeGaussianPerplexity(                                              \
+        const double*, int, int, unsigned int**, unsigned int**, double**, double, int);           \
+    template void TSNE<T>::symmetrizeMatrix(unsigned int**, unsigned int**, double**, int);        \
+    template void TSNE<T>::computeGradient(const double*,                                          \
+                                           const unsigned int*,                                    \
+                                           const unsigned int*,                                    \
+                                           const double*,                                          \
+                                           const double*,                                          \
+                                           int,                                                    \
+                                           int,                                                    \
+                                           double*,                                                \
+                                           double);                                                \
+    template void TSNE<T>::computeExactGradient(const double*, const double*, int, int, double*);  \
+    template double TSNE<T>::evaluateError(const double*, const double*, int, int);                \
+    template double TSNE<T>::evaluateError(                                                        \
+        const unsigned int*, const unsigned int*, const double*, const double*, int, int, double); \
+    template void TSNE<T>::zeroMean(double*, int, int);                                            \
     template double TSNE<T>::randn();
 
 OVIK_INSTANTIATE_STEPS(float)

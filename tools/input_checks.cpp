@@ -68,9 +68,10 @@ void check_matrix(const std::string& path, const MatrixReport& report) {
                          "the rows out.");
     }
     if (report.rows_all_equal) {
-        throw InputError(path +
-                         ": all rows hold the same values, so there is nothing to embed\nCheck that "
-                         "the columns are the measurements, and the delimiter.");
+        throw InputError(
+            path +
+            ": all rows hold the same values, so there is nothing to embed\nCheck that "
+            "the columns are the measurements, and the delimiter.");
     }
 }
 
@@ -89,10 +90,10 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
     }
     if (report.with_text_behind.count > 0) {
         const FieldPlace& first = report.with_text_behind.first;
-        warnings.push_back(
-            place(path, first) + " is \"" + first.text +
-            "\": the text behind the number is ignored (" +
-            counted(report.with_text_behind.count, "such field", "such fields") + " in all)");
+        warnings.push_back(place(path, first) + " is \"" + first.text +
+                           "\": the text behind the number is ignored (" +
+                           counted(report.with_text_behind.count, "such field", "such fields") +
+                           " in all)");
     }
     if (report.unnamed.count > 0) {
         warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +
@@ -104,11 +105,10 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
         for (const std::string& name : report.first_duplicate_names) {
             names += (names.empty() ? "\"" : ", \"") + name + "\"";
         }
-        warnings.push_back(path + ": " +
-                           counted(report.duplicate_names, "row repeats", "rows repeat") +
-                           " the name of an earlier one (" + names +
-                           (report.duplicate_names > report.first_duplicate_names.size() ? ", ...)"
-                                                                                         : ")"));
+        warnings.push_back(
+            path + ": " + counted(report.duplicate_names, "row repeats", "rows repeat") +
+            " the name of an earlier one (" + names +
+            (report.duplicate_names > report.first_duplicate_names.size() ? ", ...)" : ")"));
     }
     if (report.header_looks_like_data) {
         warnings.push_back(path +

@@ -10,8 +10,8 @@ namespace ovik::tool {
 
 /// Refuses a matrix that cannot be embedded.
 ///
-/// @throws InputError with the first line, row and cure: no numbers, rows of unequal length, fewer than
-/// 3 rows, values that are not finite, rows all equal
+/// @throws InputError with the first line, row and cure: no numbers, rows of unequal length, fewer
+/// than 3 rows, values that are not finite, rows all equal
 void check_matrix(const std::string& path, const MatrixReport& report);
 
 /// What the user should know of a matrix that can be embedded, a text each: fields that read as 0,

@@ -1,11 +1,11 @@
 #include "tools/options.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
+
+#include <CLI/CLI.hpp>
 
 #include "tools/exit_status.h"
 
@@ -27,8 +27,8 @@ constexpr const char* kFooter =
 
 /// A number above (or from) a bound; unlike the ready-made ranges it refuses NaN and infinity.
 CLI::Validator finite_number(double low, bool low_included) {
-    const std::string range = std::string(low_included ? "at least " : "above ") +
-                              CLI::detail::to_string(low);
+    const std::string range =
+        std::string(low_included ? "at least " : "above ") + CLI::detail::to_string(low);
     return {[=](std::string& text) -> std::string {
                 double value = 0.0;
                 const bool is_number = CLI::detail::lexical_cast(text, value);
@@ -65,7 +65,8 @@ char parse_delimiter(const std::string& text) {
 }
 
 void add_output_options(CLI::App& app, Options& options) {
-    app.add_option("-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)");
+    app.add_option(
+        "-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)");
     app.add_option("-n,--name",
                    options.name,
                    "Start of the result files' names (the name of MATRIX without extension)")
@@ -99,7 +100,7 @@ void add_method_options(CLI::App& app, Options& options) {
         ->check(CLI::NonNegativeNumber);
     app.add_option("--precision", options.precision, "Of the coordinates: double or float (double)")
         ->transform(CLI::CheckedTransformer(std::map<std::string, Precision>{
-            {"double", Precision::kDouble}, {"float", Precision::kFloat}}));
+            {"double", Precision::Double}, {"float", Precision::Float}}));
     app.add_option("-j,--threads", options.threads, "Threads, 0 for one per core (0)")
         ->check(CLI::Range(0, 1024));
 }
@@ -144,7 +145,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         app.parse(argc, argv);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
-        command.exit_status = app.exit(error) == 0 ? kSuccess : kBadInput;
+        command.exit_status = app.exit(error) == 0 ? Success : BadInput;
     }
     return command;
 }

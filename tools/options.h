@@ -5,7 +5,7 @@
 
 namespace ovik::tool {
 
-enum class Precision { kDouble, kFloat };
+enum class Precision { Double, Float };
 
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
@@ -28,14 +28,14 @@ struct Options {
     std::optional<char> delimiter;
     /// Empty: no labels.
     std::string labels_file;
-    Precision precision = Precision::kDouble;
+    Precision precision = Precision::Double;
     /// 0: all cores.
     int threads = 0;
     bool quiet = false;
 };
 
-/// What the command line asks for: a run, or an end with this status (help, version, bad usage), for
-/// which everything has been printed.
+/// What the command line asks for: a run, or an end with this status (help, version, bad usage),
+/// for which everything has been printed.
 struct ParsedCommand {
     Options options;
     std::optional<int> exit_status;

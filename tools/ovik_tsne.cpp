@@ -1,7 +1,3 @@
-#include <glog/logging.h>
-#include <omp.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -9,18 +5,23 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <omp.h>
 #include <string>
 #include <system_error>
+#include <unistd.h>
 #include <vector>
+
+#include <glog/logging.h>
 
 #include "stats/result_table.h"
 #include "stats/tsne.h"
-#include "tools/exit_status.h"
-#include "tools/input_checks.h"
-#include "tools/options.h"
 #include "util/console.h"
 #include "util/format.h"
 #include "util/input_error.h"
+
+#include "tools/exit_status.h"
+#include "tools/input_checks.h"
+#include "tools/options.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -80,17 +81,16 @@ ExitStatus embed(const Options& options,
     tsne.finish();
     if (!tsne.resultsWritten()) {
         complain("the result table could not be written");
-        return kFailedRun;
+        return FailedRun;
     }
     print_info("Result table: " + tsne.out_base + "_" +
                result_table_stem(perplexity, options.suffix) + ".csv");
     print_info("Run log: " + tsne.out_base + ".log");
-    return kSuccess;
+    return Success;
 }
 
 ExitStatus run(const Options& options) {
-    const char delimiter =
-        options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
+    const char delimiter = options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
     const MatrixReport report = inspect_matrix(options.matrix, delimiter);
     check_matrix(options.matrix, report);
     for (const std::string& warning : matrix_warnings(options.matrix, report)) {
@@ -109,9 +109,25 @@ ExitStatus run(const Options& options) {
     start_logging(options.quiet);
     prepare_directory(options.out_dir);
     const double perplexity = choose_perplexity(options, report.rows);
-    return options.precision == Precision::kFloat
+    return options.precision == Precision::Float
                ? embed<float>(options, delimiter, perplexity, labels)
                : embed<double>(options, delimiter, perplexity, labels);
+}
+
+/// The whole command; what goes wrong is explained on standard error.
+int run_command(int argc, const char* const* argv) {
+    try {
+        const ParsedCommand command = parse_command_line(argc, argv);
+        return command.exit_status ? *command.exit_status : run(command.options);
+    } catch (const InputError& error) {
+        complain(error.what());
+        return BadInput;
+    } catch (const std::bad_alloc&) {
+        complain("the matrix and its embedding do not fit in memory");
+    } catch (const std::exception& error) {
+        complain(error.what());
+    }
+    return FailedRun;
 }
 
 }  // namespace
@@ -119,17 +135,5 @@ ExitStatus run(const Options& options) {
 }  // namespace ovik::tool
 
 int main(int argc, char** argv) {
-    using namespace ovik::tool;
-    try {
-        const ParsedCommand command = parse_command_line(argc, argv);
-        return command.exit_status ? *command.exit_status : run(command.options);
-    } catch (const ovik::InputError& error) {
-        complain(error.what());
-        return kBadInput;
-    } catch (const std::bad_alloc&) {
-        complain("the matrix and its embedding do not fit in memory");
-    } catch (const std::exception& error) {
-        complain(error.what());
-    }
-    return kFailedRun;
+    return ovik::tool::run_command(argc, argv);
 }

@@ -12,7 +12,8 @@ namespace ovik {
 /// Prints "-- " and one message, then the end character. Does not flush.
 ///
 /// @param message  the text, printed up to its first NUL
-/// @param colour   1 red, 2 green, 3 yellow, 4 blue; any other value prints without escape sequences
+/// @param colour   1 red, 2 green, 3 yellow, 4 blue; any other value prints without escape
+/// sequences
 /// @param end      written last; a blank leaves the cursor on the line
 /// @return what `putchar` returned for `end`
 static inline int print_text(std::string message, int colour = -1, char end = '\n') {
@@ -50,7 +51,8 @@ static inline void print_file_error(const char* failure, const std::string& path
 /// @param total    steps in all
 /// @param unit     drawn behind the counter when not empty
 ///
-/// The two unnamed arguments are reserved: the width and the factor 100 of the percentage are fixed.
+/// The two unnamed arguments are reserved: the width and the factor 100 of the percentage are
+/// fixed.
 template <typename T>
 static inline void progress_bar(std::string message,
                                 int current,

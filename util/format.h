@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -20,11 +22,12 @@ namespace ovik {
 /// Messages of whole seconds show this, and readers of old logs rely on it.
 static inline std::string to_str(std::string text, int digits, std::string separator) {
     const int position = static_cast<int>(text.find('.'));
-    const std::string integral = text.substr(0, static_cast<std::size_t>(position));
+    std::string integral = text.substr(0, static_cast<std::size_t>(position));
     if (digits == 0) {
         return integral;
     }
-    const auto fraction_start = static_cast<std::size_t>(position + 1);
+    // Position -1 makes this 0: the start of the text.
+    const std::size_t fraction_start = static_cast<std::size_t>(position) + 1;
     return integral + separator + text.substr(fraction_start, static_cast<std::size_t>(digits));
 }
 
@@ -48,6 +51,10 @@ static inline std::string num2string(T value,
 /// @throws std::bad_alloc if memory is exhausted
 template <typename T>
 T* create_vec_malloc(std::ptrdiff_t count, T value) {
+    // Compilers differ in what a length that `new` refuses throws.
+    if (count < 0 || static_cast<std::size_t>(count) > PTRDIFF_MAX / sizeof(T)) {
+        throw std::bad_array_new_length();
+    }
     T* const array = new T[static_cast<std::size_t>(count)];
     std::fill_n(array, count, value);
     return array;

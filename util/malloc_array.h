@@ -17,7 +17,8 @@ struct FreeDeleter {
 template <typename T>
 using MallocArray = std::unique_ptr<T[], FreeDeleter>;
 
-/// Most elements of T that an array can have: their bytes, and differences of pointers, have to fit.
+/// Most elements of T that an array can have: their bytes, and differences of pointers, have to
+/// fit.
 template <typename T>
 constexpr std::size_t kLargestCount = static_cast<std::size_t>(PTRDIFF_MAX) / sizeof(T);
 

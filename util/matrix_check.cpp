@@ -32,7 +32,8 @@ void check_first_bytes(const std::string& path, std::string_view bytes) {
         refuse(path, "this is a gzip archive: unpack it first (gunzip)");
     }
     if (bytes.starts_with("PK\x03\x04")) {
-        refuse(path, "this is a zip archive or a spreadsheet: save the sheet as tab-separated text");
+        refuse(path,
+               "this is a zip archive or a spreadsheet: save the sheet as tab-separated text");
     }
     if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
         refuse(path, "this is UTF-16 text: save it as UTF-8 or plain ASCII");
@@ -50,7 +51,8 @@ std::ifstream open_matrix(const std::string& path) {
         refuse(path, "this is a directory: name the matrix file in it");
     }
     if (!std::filesystem::is_regular_file(status)) {
-        refuse(path, "this is no regular file, and the matrix is read twice: save it to a file first");
+        refuse(path,
+               "this is no regular file, and the matrix is read twice: save it to a file first");
     }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
@@ -65,24 +67,23 @@ std::ifstream open_matrix(const std::string& path) {
     return file;
 }
 
-enum class FieldKind { kNumber, kEmpty, kNotNumber, kTextBehind, kNotFinite };
+enum class FieldKind { Number, Empty, NotNumber, TextBehind, NotFinite };
 
 FieldKind classify(const char* field, double& value) {
     constexpr const char* kBlanks = " \t\v\f\r";
     char* end = nullptr;
     value = std::strtod(field, &end);
     if (end == field) {
-        return field[std::strspn(field, kBlanks)] == '\0' ? FieldKind::kEmpty
-                                                          : FieldKind::kNotNumber;
+        return field[std::strspn(field, kBlanks)] == '\0' ? FieldKind::Empty : FieldKind::NotNumber;
     }
     if (!std::isfinite(value)) {
-        return FieldKind::kNotFinite;
+        return FieldKind::NotFinite;
     }
-    return end[std::strspn(end, kBlanks)] == '\0' ? FieldKind::kNumber : FieldKind::kTextBehind;
+    return end[std::strspn(end, kBlanks)] == '\0' ? FieldKind::Number : FieldKind::TextBehind;
 }
 
-/// Whether a discarded first line is more likely a row: all its values are numbers, and they are not
-/// what measurements are headed with, which is whole or rising numbers (time points, doses).
+/// Whether a discarded first line is more likely a row: all its values are numbers, and they are
+/// not what measurements are headed with, which is whole or rising numbers (time points, doses).
 bool looks_like_data(std::string line, char delimiter) {
     trim_matrix_line(line);
     if (!is_matrix_row(line)) {
@@ -93,7 +94,7 @@ bool looks_like_data(std::string line, char delimiter) {
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field) {
         double value = 0.0;
-        all_numbers = all_numbers && (at_name || classify(field, value) == FieldKind::kNumber);
+        all_numbers = all_numbers && (at_name || classify(field, value) == FieldKind::Number);
         if (!at_name) {
             values.push_back(value);
         }
@@ -155,14 +156,14 @@ class Inspection {
         double value = 0.0;
         const FieldKind kind = classify(field, value);
         values_.push_back(value);
-        report_.numbers += kind != FieldKind::kEmpty && kind != FieldKind::kNotNumber ? 1 : 0;
-        if (kind == FieldKind::kEmpty) {
+        report_.numbers += kind != FieldKind::Empty && kind != FieldKind::NotNumber ? 1 : 0;
+        if (kind == FieldKind::Empty) {
             note(report_.empty, field);
-        } else if (kind == FieldKind::kNotNumber) {
+        } else if (kind == FieldKind::NotNumber) {
             note(report_.not_numbers, field);
-        } else if (kind == FieldKind::kTextBehind) {
+        } else if (kind == FieldKind::TextBehind) {
             note(report_.with_text_behind, field);
-        } else if (kind == FieldKind::kNotFinite) {
+        } else if (kind == FieldKind::NotFinite) {
             note(report_.not_finite, field);
         }
     }
@@ -213,7 +214,7 @@ std::size_t count_numbers(std::string line, char delimiter) {
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field) {
         double value = 0.0;
-        numbers += !at_name && classify(field, value) == FieldKind::kNumber ? 1 : 0;
+        numbers += !at_name && classify(field, value) == FieldKind::Number ? 1 : 0;
         at_name = false;
     });
     return numbers;
@@ -249,10 +250,11 @@ char guess_delimiter(const std::string& path) {
     }
     const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));
     if (*most == 0) {
-        refuse(path,
-               "found no numbers behind the first line, with tab, comma, semicolon or blank between "
-               "the fields: every line should be a name and its values (another delimiter can be "
-               "given with --delimiter)");
+        refuse(
+            path,
+            "found no numbers behind the first line, with tab, comma, semicolon or blank between "
+            "the fields: every line should be a name and its values (another delimiter can be "
+            "given with --delimiter)");
     }
     return kCandidates[most - std::begin(numbers)];
 }

@@ -28,8 +28,8 @@ struct RaggedRow {
     std::size_t line = 0;
     std::string name;
     std::size_t values = 0;
-    /// Whether the line opens with a blank delimiter, which is trimmed away with the empty name: the
-    /// first value has then become the name.
+    /// Whether the line opens with a blank delimiter, which is trimmed away with the empty name:
+    /// the first value has then become the name.
     bool lost_name = false;
 };
 
@@ -68,8 +68,8 @@ struct MatrixReport {
 /// @throws InputError if the file is missing or unreadable, no regular file, or no plain text
 MatrixReport inspect_matrix(const std::string& path, char delimiter);
 
-/// The delimiter under which the first rows of a file hold the most numbers: tab, comma, semicolon or
-/// blank, in this order among equals.
+/// The delimiter under which the first rows of a file hold the most numbers: tab, comma, semicolon
+/// or blank, in this order among equals.
 ///
 /// @throws InputError as `inspect_matrix`, and if none of them parts a number from the name
 char guess_delimiter(const std::string& path);

@@ -37,7 +37,8 @@ inline bool is_matrix_row(const std::string& trimmed_line) {
     return !trimmed_line.empty() && trimmed_line.front() != '#';
 }
 
-/// Splits a trimmed line at every delimiter and calls `visit(const char*)` with each field in order.
+/// Splits a trimmed line at every delimiter and calls `visit(const char*)` with each field in
+/// order.
 ///
 /// Empty fields between delimiters are visited; a delimiter at the very end adds no field.
 /// The delimiters of `line` are overwritten with NUL, so that each field ends where it should for

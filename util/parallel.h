@@ -1,11 +1,10 @@
 #pragma once
 
-#include <omp.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <numeric>
+#include <omp.h>
 
 #include "util/malloc_array.h"
 
@@ -20,8 +19,8 @@ struct IndexRange {
     std::size_t end;
 };
 
-/// The contiguous share of one worker: with q = count / workers and r = count mod workers, the first
-/// r workers take q + 1 indices each, the others q.
+/// The contiguous share of one worker: with q = count / workers and r = count mod workers, the
+/// first r workers take q + 1 indices each, the others q.
 inline IndexRange static_share(std::size_t count, std::size_t workers, std::size_t worker) {
     const std::size_t quotient = count / workers;
     const std::size_t remainder = count % workers;
@@ -38,7 +37,8 @@ inline int worker_count(std::size_t count, std::size_t grain = 1) {
     return static_cast<int>(std::max<std::size_t>(1, std::min(offered, count / grain)));
 }
 
-/// Runs `body(worker, range)` for contiguous shares of the indices 0 to `count` - 1, one per worker.
+/// Runs `body(worker, range)` for contiguous shares of the indices 0 to `count` - 1, one per
+/// worker.
 ///
 /// @param grain  fewest indices for which another thread is worth its start
 /// @throws what a worker threw: one of the exceptions, after all workers have ended

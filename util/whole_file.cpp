@@ -1,7 +1,6 @@
 #include "util/whole_file.h"
 
 #include <unistd.h>
-
 #include <utility>
 
 namespace ovik {
@@ -20,12 +19,11 @@ WholeFile::~WholeFile() {
 
 bool WholeFile::commit() {
     // A full disk may show only now, so every step counts.
-    const bool written = std::ferror(stream_) == 0 && std::fflush(stream_) == 0 &&
-                         fsync(fileno(stream_)) == 0;
+    const bool written =
+        std::ferror(stream_) == 0 && std::fflush(stream_) == 0 && fsync(fileno(stream_)) == 0;
     const bool closed = std::fclose(stream_) == 0;
     stream_ = nullptr;
-    const bool placed =
-        written && closed && std::rename(partial_path_.c_str(), path_.c_str()) == 0;
+    const bool placed = written && closed && std::rename(partial_path_.c_str(), path_.c_str()) == 0;
     if (!placed) {
         std::remove(partial_path_.c_str());
     }

@@ -7,8 +7,8 @@ namespace ovik {
 
 /// A file that appears under its name whole or not at all.
 ///
-/// It is written beside its place under a name of its own and takes the place, and that of an earlier
-/// file, when it is complete. Without `commit` the earlier file stays as it was.
+/// It is written beside its place under a name of its own and takes the place, and that of an
+/// earlier file, when it is complete. Without `commit` the earlier file stays as it was.
 class WholeFile {
   public:
     /// Opens the file beside `path` for writing; `stream` is null if that fails.

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/command.h"
 #include "tests/support/engine_run.h"
@@ -75,12 +75,14 @@ TEST_F(Command, EmbedsARealMatrix) {
     EXPECT_EQ(outcome.out.find("-- Random seed:  11\n"
                                "-- Launching t-SNE at perplexity = 20.00 and theta = 0.50\n"),
               0U);
-    EXPECT_NE(outcome.out.find("-- Result table: " + results_ + "/yeast_tsne_20_0.csv\n"
-                               "-- Run log: " + results_ + "/yeast.log\n"),
+    EXPECT_NE(outcome.out.find("-- Result table: " + results_ +
+                               "/yeast_tsne_20_0.csv\n"
+                               "-- Run log: " +
+                               results_ + "/yeast.log\n"),
               std::string::npos);
     EXPECT_EQ(line_count(result("yeast_tsne_20_0.csv")), 201U);
-    EXPECT_EQ(result("yeast_tsne_20_0.csv").find(
-                  "name,data in xaxis,data in yaxis,psize,group,function\nSFB2,"),
+    EXPECT_EQ(result("yeast_tsne_20_0.csv")
+                  .find("name,data in xaxis,data in yaxis,psize,group,function\nSFB2,"),
               0U);
     EXPECT_EQ(result("yeast.log").find("1-1-1-0\nYeast genes using t-SNE method"), 0U);
 }
@@ -150,8 +152,10 @@ TEST_F(Command, GuessesOrTakesTheDelimiter) {
         EXPECT_EQ(run_on(grid_matrix(20, delimiter)).exit_status, kSuccess);
         EXPECT_EQ(result("m_tsne_6_3.csv"), expected);
     }
-    for (const auto& [delimiter, name] : {std::pair{'\t', "tab"}, std::pair{',', "comma"},
-                                          std::pair{';', "semicolon"}, std::pair{' ', "space"},
+    for (const auto& [delimiter, name] : {std::pair{'\t', "tab"},
+                                          std::pair{',', "comma"},
+                                          std::pair{';', "semicolon"},
+                                          std::pair{' ', "space"},
                                           std::pair{'|', "|"}}) {
         std::filesystem::remove_all(results_);
         EXPECT_EQ(run_on(grid_matrix(20, delimiter), {"--delimiter", name}).exit_status, kSuccess);
@@ -174,8 +178,9 @@ TEST_F(Command, ChecksTheNumberOfLabels) {
     EXPECT_EQ(run_on(grid_matrix(3), {"--labels", three}).exit_status, kSuccess);
     std::filesystem::remove_all(directory_.file("made"));
     EXPECT_EQ(refusal(grid_matrix(4), {"--labels", three}),
-              "ovik-tsne: " + three + ": holds 3 labels, but the matrix has 4 rows\n"
-              "Give one label per line, in the order of the rows, without a header.\n");
+              "ovik-tsne: " + three +
+                  ": holds 3 labels, but the matrix has 4 rows\n"
+                  "Give one label per line, in the order of the rows, without a header.\n");
     EXPECT_NE(refusal(grid_matrix(4), {"--labels", "no/labels"}).find("cannot be read"),
               std::string::npos);
     EXPECT_NE(refusal(grid_matrix(4), {"--labels", "/"}).find("cannot be read"), std::string::npos);
@@ -186,10 +191,23 @@ TEST_F(Command, ShowsHelpWithAnExampleAndItsVersion) {
     EXPECT_EQ(help.exit_status, kSuccess);
     EXPECT_NE(help.out.find("Example:\n  ovik-tsne expression.tsv --perplexity 30"),
               std::string::npos);
-    for (const char* option :
-         {"--out-dir", "--name", "--suffix", "--title", "--perplexity", "--theta", "--dims",
-          "--max-iter", "--stop-lying-iter", "--mom-switch-iter", "--delimiter", "--labels",
-          "--precision", "--threads", "--quiet", "--version", "--help"}) {
+    for (const char* option : {"--out-dir",
+                               "--name",
+                               "--suffix",
+                               "--title",
+                               "--perplexity",
+                               "--theta",
+                               "--dims",
+                               "--max-iter",
+                               "--stop-lying-iter",
+                               "--mom-switch-iter",
+                               "--delimiter",
+                               "--labels",
+                               "--precision",
+                               "--threads",
+                               "--quiet",
+                               "--version",
+                               "--help"}) {
         EXPECT_NE(help.out.find(option), std::string::npos) << option;
     }
     const CommandOutcome version = run({"--version"});
@@ -243,11 +261,12 @@ TEST_F(Command, RefusesAMatrixWithoutNumbers) {
 }
 
 TEST_F(Command, RefusesRaggedRowsByLine) {
-    EXPECT_EQ(refusal("h\nG1\t1\t2\nG2\t3\nG3\t1\t2\t3\nG4\t1\t2\n"),
-              "ovik-tsne: " + matrix_path() +
-                  ":3: row \"G2\" has 1 value, but the first row has 2 (2 such rows, also line 4)\n"
-                  "Every row needs the same number of values: fill in those that are missing (empty "
-                  "fields at the end of a line do not count), or check the delimiter.\n");
+    EXPECT_EQ(
+        refusal("h\nG1\t1\t2\nG2\t3\nG3\t1\t2\t3\nG4\t1\t2\n"),
+        "ovik-tsne: " + matrix_path() +
+            ":3: row \"G2\" has 1 value, but the first row has 2 (2 such rows, also line 4)\n"
+            "Every row needs the same number of values: fill in those that are missing (empty "
+            "fields at the end of a line do not count), or check the delimiter.\n");
     EXPECT_EQ(refusal("h\nG1\t1\t2\n\t3\t4\nG3\t1\t2\n"),
               "ovik-tsne: " + matrix_path() +
                   ":3: the row has no name: the line opens with the delimiter, and \"3\" would be "
@@ -278,17 +297,20 @@ TEST_F(Command, WarnsOfFieldsThatReadAsZeroAndRunsOn) {
     const CommandOutcome outcome =
         run_on("h,a,b,c\nG1,1,,NA\nG2,3,4,x\nG1,5,6.5kg,7\n", {"--delimiter", "comma"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
-    EXPECT_EQ(outcome.err,
-              "ovik-tsne: warning: " + matrix_path() +
-                  ":2: field 3 of row \"G1\" is empty and read as 0 (1 empty field in all)\n"
-                  "ovik-tsne: warning: " + matrix_path() +
-                  ":2: field 4 of row \"G1\" is \"NA\", which is not a number, and read as 0 (2 such "
-                  "fields in all)\n"
-                  "ovik-tsne: warning: " + matrix_path() +
-                  ":4: field 3 of row \"G1\" is \"6.5kg\": the text behind the number is ignored (1 "
-                  "such field in all)\n"
-                  "ovik-tsne: warning: " + matrix_path() +
-                  ": 1 row repeats the name of an earlier one (\"G1\")\n");
+    EXPECT_EQ(
+        outcome.err,
+        "ovik-tsne: warning: " + matrix_path() +
+            ":2: field 3 of row \"G1\" is empty and read as 0 (1 empty field in all)\n"
+            "ovik-tsne: warning: " +
+            matrix_path() +
+            ":2: field 4 of row \"G1\" is \"NA\", which is not a number, and read as 0 (2 such "
+            "fields in all)\n"
+            "ovik-tsne: warning: " +
+            matrix_path() +
+            ":4: field 3 of row \"G1\" is \"6.5kg\": the text behind the number is ignored (1 "
+            "such field in all)\n"
+            "ovik-tsne: warning: " +
+            matrix_path() + ": 1 row repeats the name of an earlier one (\"G1\")\n");
 }
 
 TEST_F(Command, WarnsOfAHeaderThatLooksLikeARow) {

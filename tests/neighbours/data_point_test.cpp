@@ -1,8 +1,8 @@
 #include "neighbours/data_point.h"
 
-#include <gtest/gtest.h>
-
 #include <utility>
+
+#include <gtest/gtest.h>
 
 namespace ovik {
 namespace {

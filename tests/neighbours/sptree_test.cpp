@@ -1,12 +1,12 @@
 #include "neighbours/sptree.h"
 
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "tests/support/random_points.h"
 
@@ -53,8 +53,7 @@ Forces through_tree(const std::vector<double>& data, std::size_t dims, double th
 }
 
 double norm(const std::vector<double>& values) {
-    return std::sqrt(
-        std::inner_product(values.begin(), values.end(), values.begin(), 0.0));
+    return std::sqrt(std::inner_product(values.begin(), values.end(), values.begin(), 0.0));
 }
 
 double relative_error(const std::vector<double>& actual, const std::vector<double>& expected) {

@@ -1,16 +1,17 @@
 #include "neighbours/vptree.h"
 
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <vector>
 
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
 #include "neighbours/data_point.h"
 #include "neighbours/euclidean_distance.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 
@@ -44,7 +45,9 @@ Answer ask(Tree& tree, const DataPoint<double>& target, int k) {
     return answer;
 }
 
-std::vector<double> nearest_distances(const Points& points, const DataPoint<double>& target, int k) {
+std::vector<double> nearest_distances(const Points& points,
+                                      const DataPoint<double>& target,
+                                      int k) {
     std::vector<double> distances;
     for (const auto& point : points) {
         distances.push_back(euclidean_distance(point, target));
@@ -188,8 +191,8 @@ RC_GTEST_PROP(VpTree, FindsTheDistancesOfBruteForce, ()) {
     const int count = *rc::gen::inRange(1, 80);
     const int k = *rc::gen::inRange(1, 90);
     // Few distinct values, so that ties and duplicates are common.
-    const auto grid = *rc::gen::container<std::vector<int>>(
-        static_cast<std::size_t>(count * dims), rc::gen::inRange(-3, 4));
+    const auto grid = *rc::gen::container<std::vector<int>>(static_cast<std::size_t>(count * dims),
+                                                            rc::gen::inRange(-3, 4));
     const std::vector<double> values(grid.begin(), grid.end());
     const Points points = points_of(values, dims);
     Tree tree;
@@ -207,8 +210,8 @@ RC_GTEST_PROP(VpTree, FindsTheDistancesOfBruteForce, ()) {
 RC_GTEST_PROP(VpTree, AnswersTheSameThroughTheThreadSafeQuery, ()) {
     const int count = *rc::gen::inRange(0, 60);
     const int k = *rc::gen::inRange(0, 70);
-    const auto grid = *rc::gen::container<std::vector<int>>(
-        static_cast<std::size_t>(count * 2), rc::gen::inRange(-3, 4));
+    const auto grid = *rc::gen::container<std::vector<int>>(static_cast<std::size_t>(count * 2),
+                                                            rc::gen::inRange(-3, 4));
     const std::vector<double> values(grid.begin(), grid.end());
     const Points points = points_of(values, 2);
     Tree tree;

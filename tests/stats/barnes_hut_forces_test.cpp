@@ -1,13 +1,14 @@
 #include "stats/barnes_hut_forces.h"
 
-#include <gtest/gtest.h>
-
 #include <cfloat>
 #include <cmath>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/exact_forces.h"
 #include "stats/tsne.h"
+
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 
@@ -35,11 +36,8 @@ struct Ring {
     std::vector<double> val_P;
 };
 
-std::vector<double> gradient(const Ring& ring,
-                             const std::vector<double>& Y,
-                             int N,
-                             int dims,
-                             double theta) {
+std::vector<double> gradient(
+    const Ring& ring, const std::vector<double>& Y, int N, int dims, double theta) {
     std::vector<double> dC(Y.size(), -7.0);
     TSNE<double>::computeGradient(nullptr,
                                   ring.row_P.data(),
@@ -60,11 +58,8 @@ TEST(BarnesHutGradient, AgreesWithTheExactOneForAVanishingTheta) {
         const std::vector<double> Y =
             test::random_values(static_cast<std::size_t>(kCount * dims), 30, 3.0);
         std::vector<double> expected(Y.size());
-        exact_gradient(ring.dense.data(),
-                       Y.data(),
-                       kCount,
-                       static_cast<std::size_t>(dims),
-                       expected.data());
+        exact_gradient(
+            ring.dense.data(), Y.data(), kCount, static_cast<std::size_t>(dims), expected.data());
         const std::vector<double> actual = gradient(ring, Y, kCount, dims, 1e-12);
         double error = 0.0;
         double scale = 0.0;
@@ -126,7 +121,7 @@ TEST(BarnesHutCost, GivesZeroEntriesNoWeight) {
     const unsigned int col_P[] = {1, 0};
     const double val_P[] = {0.0, 0.0};
     const double Y[] = {0.0, 3.0};
-    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+    EXPECT_EQ(barnes_hut_cost({row_P, col_P, val_P}, Y, 2, 1, 0.5), 0.0);
 }
 
 TEST(BarnesHutCost, AddsTheGuardBehindTheDivision) {
@@ -135,13 +130,13 @@ TEST(BarnesHutCost, AddsTheGuardBehindTheDivision) {
     const unsigned int col_P[] = {1, 0};
     const double val_P[] = {0.5, 0.5};
     const double Y[] = {0.0, 1e150};
-    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+    EXPECT_EQ(barnes_hut_cost({row_P, col_P, val_P}, Y, 2, 1, 0.5), 0.0);
     // q underflows: the guards decide.
     const double beyond[] = {0.0, 0.0, 1e200};
     const unsigned int rows[] = {0, 1, 1, 1};
     const unsigned int columns[] = {2};
     const double values[] = {1.0};
-    EXPECT_EQ(barnes_hut_cost(rows, columns, values, beyond, 3, 1, 0.5),
+    EXPECT_EQ(barnes_hut_cost({rows, columns, values}, beyond, 3, 1, 0.5),
               std::log((1.0 + DBL_MIN) / DBL_MIN));
 }
 
@@ -154,7 +149,7 @@ TEST(BarnesHutCost, TakesCoincidentPointsAtFullSimilarity) {
     const unsigned int col_P[] = {1, 0};
     const double val_P[] = {0.5, 0.5};
     const double Y[] = {4.0, 4.0};
-    EXPECT_EQ(barnes_hut_cost(row_P, col_P, val_P, Y, 2, 1, 0.5), 0.0);
+    EXPECT_EQ(barnes_hut_cost({row_P, col_P, val_P}, Y, 2, 1, 0.5), 0.0);
 }
 
 }  // namespace

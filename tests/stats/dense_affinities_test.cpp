@@ -1,15 +1,16 @@
 #include "stats/dense_affinities.h"
 
-#include <glog/logging.h>
-#include <gtest/gtest.h>
-
 #include <cfloat>
 #include <cmath>
 #include <numeric>
 #include <string>
 #include <vector>
 
+#include <glog/logging.h>
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"

@@ -1,13 +1,14 @@
 #include "stats/exact_forces.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"

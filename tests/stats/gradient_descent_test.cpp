@@ -1,10 +1,10 @@
 #include "stats/gradient_descent.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/threads.h"
 

@@ -1,12 +1,13 @@
 #include "stats/normal_deviates.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/threads.h"
 

@@ -1,11 +1,12 @@
 #include "stats/pairwise_distances.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"

@@ -1,10 +1,10 @@
 #include "stats/result_table.h"
 
-#include <gtest/gtest.h>
-
 #include <map>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
 
@@ -78,9 +78,9 @@ TEST(WriteResultTable, WritesTheDocumentedRow) {
 }
 
 TEST(WriteResultTable, PrintsOnlyExactZerosWithoutDigits) {
-    EXPECT_EQ(written(table_of({0.0004, -1.5, -0.0, 0.0}, 2, {"A", "B"})),
-              std::string(kHeader) + "A,0.000,-1.500,1,Group:1:2,\"\"\n" +
-                  "B,-0,0,1,Group:1:2,\"\"\n");
+    EXPECT_EQ(
+        written(table_of({0.0004, -1.5, -0.0, 0.0}, 2, {"A", "B"})),
+        std::string(kHeader) + "A,0.000,-1.500,1,Group:1:2,\"\"\n" + "B,-0,0,1,Group:1:2,\"\"\n");
 }
 
 TEST(WriteResultTable, HoldsOnlyTheHeaderWithoutRows) {

@@ -36,8 +36,9 @@ TEST(AppendRunLog, LeavesOneRecordPerRun) {
     const std::string base = directory.file("yeast");
     append_run_log(base, "Yeast", 30.0, "tsne_30_0");
     append_run_log(base, "Yeast", 5.0, "tsne_5_0");
-    EXPECT_EQ(test::read_file(base + ".log"),
-              run_log_record("Yeast", 30.0, "tsne_30_0") + run_log_record("Yeast", 5.0, "tsne_5_0"));
+    EXPECT_EQ(
+        test::read_file(base + ".log"),
+        run_log_record("Yeast", 30.0, "tsne_30_0") + run_log_record("Yeast", 5.0, "tsne_5_0"));
 }
 
 TEST(AppendRunLog, IsSilentWhereItCannotWrite) {

@@ -1,8 +1,5 @@
 #include "stats/sparse_affinities.h"
 
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -10,7 +7,11 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -7,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/temporary_directory.h"
@@ -57,30 +58,32 @@ std::string masked(std::string text, const std::string& before, const std::strin
 }
 
 TEST_F(Driver, ReportsABarnesHutRunLineByLine) {
-    const RunOutcome run = test::run_engine(
-        matrix(40), {.perplexity = 5.0, .theta = 0.5, .max_iter = 1});
+    const RunOutcome run =
+        test::run_engine(matrix(40), {.perplexity = 5.0, .theta = 0.5, .max_iter = 1});
     std::string out = masked(run.out, "for input similarities in ", " seconds!");
     out = masked(out, "Performed fitting in ", "s\n");
     out = masked(out, "Got sparsity ", " for");
     out = masked(out, "Got error of ", " at iteration (0");
-    out = masked(out, "(0/1) [                           ] 0.00% completed \r-- Got error of ",
+    out = masked(out,
+                 "(0/1) [                           ] 0.00% completed \r-- Got error of ",
                  " at iteration (1");
-    EXPECT_EQ(out,
-              "-- Random seed:  11\n"
-              "-- Launching t-SNE at perplexity = 5.00 and theta = 0.50\n"
-              "-- Computing similarities between inputs\n"
-              "-- Building tree ...\n"
-              "-- Got sparsity * for input similarities in * seconds!\n"
-              "\r-- Got error of * at iteration (0/1) [                           ] 0.00% completed "
-              "\r-- Got error of * at iteration (1/1) [===========================] 100.00% "
-              "completed \n"
-              "-- Performed fitting in *s\n");
+    EXPECT_EQ(
+        out,
+        "-- Random seed:  11\n"
+        "-- Launching t-SNE at perplexity = 5.00 and theta = 0.50\n"
+        "-- Computing similarities between inputs\n"
+        "-- Building tree ...\n"
+        "-- Got sparsity * for input similarities in * seconds!\n"
+        "\r-- Got error of * at iteration (0/1) [                           ] 0.00% completed "
+        "\r-- Got error of * at iteration (1/1) [===========================] 100.00% "
+        "completed \n"
+        "-- Performed fitting in *s\n");
     EXPECT_EQ(run.err, "");
 }
 
 TEST_F(Driver, ReportsAnExactRunLineByLine) {
-    const RunOutcome run = test::run_engine(
-        matrix(40), {.perplexity = 12.75, .theta = 0.0, .max_iter = -1});
+    const RunOutcome run =
+        test::run_engine(matrix(40), {.perplexity = 12.75, .theta = 0.0, .max_iter = -1});
     const std::string out = masked(run.out, "Performed fitting in ", "s\n");
     // Less than a second: the whole seconds are 0, given their deliberate fraction.
     EXPECT_EQ(out,
@@ -100,8 +103,7 @@ TEST_F(Driver, ReportsDensityWithSixDigitsAndSecondsWithTwo) {
     std::vector<double> X = input.values;
     plain::normalise_input(X, 40, 4);
     std::size_t entries = 0;
-    for (const auto& row :
-         plain::symmetrise(plain::neighbour_similarities(X, 40, 4, 5.0, 15))) {
+    for (const auto& row : plain::symmetrise(plain::neighbour_similarities(X, 40, 4, 5.0, 15))) {
         entries += row.size();
     }
     const std::string density =
@@ -134,9 +136,9 @@ TEST_F(Driver, TakesOnlyAThetaOfExactlyZeroForTheExactMethod) {
                   .err.find("Exact?"),
               std::string::npos);
     for (const double theta : {1e-12, -0.5, std::nan("")}) {
-        EXPECT_EQ(test::run_engine(matrix(20), {.perplexity = 3.0, .theta = theta, .max_iter = 0})
-                      .err,
-                  "");
+        EXPECT_EQ(
+            test::run_engine(matrix(20), {.perplexity = 3.0, .theta = theta, .max_iter = 0}).err,
+            "");
     }
 }
 
@@ -182,8 +184,8 @@ TEST_F(Driver, EndsForPerplexitiesWithoutMeaning) {
 TEST_F(Driver, EndsForFewRows) {
     for (const double theta : {0.0, 0.5}) {
         for (const int rows : {1, 2, 3}) {
-            const RunOutcome run = test::run_engine(
-                matrix(rows), {.perplexity = 1.0, .theta = theta, .max_iter = 5});
+            const RunOutcome run =
+                test::run_engine(matrix(rows), {.perplexity = 1.0, .theta = theta, .max_iter = 5});
             EXPECT_EQ(count_of(run.out, "Got error of"), 6U);
             EXPECT_EQ(count_of(run.table, "\n"), static_cast<std::size_t>(rows) + 1);
         }
@@ -209,7 +211,8 @@ TEST_F(Driver, TurnsEqualRowsIntoNan) {
 std::vector<std::string> costs_of(const std::string& out) {
     const std::string before = "\r-- Got error of ";
     std::vector<std::string> costs;
-    for (std::size_t at = out.find(before); at != std::string::npos; at = out.find(before, at + 1)) {
+    for (std::size_t at = out.find(before); at != std::string::npos;
+         at = out.find(before, at + 1)) {
         const std::size_t start = at + before.size();
         costs.push_back(out.substr(start, out.find(' ', start) - start));
     }
@@ -219,15 +222,17 @@ std::vector<std::string> costs_of(const std::string& out) {
 TEST_F(Driver, ShowsTheCostsOfThePlainProgramAroundTheChanges) {
     const std::string path = matrix(50);
     const plain::Matrix input = plain::read_tab_separated(path, 50);
+
     struct Case {
         int stop_lying_iter;
         int mom_switch_iter;
     };
+
     // Both changes in the same iteration, apart, and never.
     for (const Case& c : {Case{10, 10}, Case{5, 12}, Case{1000, 1000}, Case{-1, 0}}) {
         std::vector<double> costs;
-        const std::vector<double> Y = plain::embed_exactly(
-            input, 2, 8.0, {20, c.stop_lying_iter, c.mom_switch_iter}, &costs);
+        const std::vector<double> Y =
+            plain::embed_exactly(input, 2, 8.0, {20, c.stop_lying_iter, c.mom_switch_iter}, &costs);
         const RunOutcome run = test::run_engine(path,
                                                 {.perplexity = 8.0,
                                                  .theta = 0.0,

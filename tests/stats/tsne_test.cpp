@@ -1,13 +1,14 @@
 #include "stats/tsne.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include "util/input_error.h"
+
 #include "tests/support/temporary_directory.h"
 #include "tests/support/threads.h"
-#include "util/input_error.h"
 
 namespace ovik {
 namespace {

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
@@ -33,8 +33,7 @@ TEST(WholeExactRun, EqualsThePlainProgramBitForBit) {
     const plain::Matrix input = plain::read_tab_separated(path, 160);
     ASSERT_EQ(input.rows, 160U);
     std::vector<double> costs;
-    const std::vector<double> Y =
-        plain::embed_exactly(input, 2, 20.0, {1000, 250, 250}, &costs);
+    const std::vector<double> Y = plain::embed_exactly(input, 2, 20.0, {1000, 250, 250}, &costs);
     char last_cost[64];
     std::snprintf(last_cost, sizeof last_cost, "%f", costs.back());
     for (const int threads : test::kThreadCounts) {
@@ -42,9 +41,9 @@ TEST(WholeExactRun, EqualsThePlainProgramBitForBit) {
         const RunOutcome run = test::run_engine(path, {.perplexity = 20.0, .theta = 0.0});
         EXPECT_EQ(run.Y, Y) << threads << " threads";
         EXPECT_EQ(run.table, expected_table(input, Y));
-        EXPECT_NE(run.out.find("Got error of " + std::string(last_cost) +
-                               " at iteration (1000/1000)"),
-                  std::string::npos);
+        EXPECT_NE(
+            run.out.find("Got error of " + std::string(last_cost) + " at iteration (1000/1000)"),
+            std::string::npos);
     }
 }
 

@@ -2,10 +2,9 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/wait.h>
-
 #include <stdexcept>
 #include <string>
+#include <sys/wait.h>
 #include <vector>
 
 #include "tests/support/temporary_directory.h"

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "stats/tsne.h"
+
 #include "tests/support/temporary_directory.h"
 
 namespace ovik::test {

@@ -1,10 +1,10 @@
 #include "util/console.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace ovik {
 namespace {
@@ -65,8 +65,7 @@ std::string bar(int current, int total, const std::string& unit = "") {
 }
 
 TEST(ProgressBar, DrawsAQuarterAsSixOf27) {
-    EXPECT_EQ(bar(50, 200),
-              "\r-- work (50/200) [======                     ] 25.00% completed ");
+    EXPECT_EQ(bar(50, 200), "\r-- work (50/200) [======                     ] 25.00% completed ");
 }
 
 TEST(ProgressBar, IsFullAtTheTotal) {

@@ -1,11 +1,11 @@
 #include "util/format.h"
 
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <limits>
 #include <memory>
 #include <new>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 namespace ovik {
 namespace {

@@ -1,8 +1,8 @@
 #include "util/malloc_array.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
+
+#include <gtest/gtest.h>
 
 namespace ovik {
 namespace {

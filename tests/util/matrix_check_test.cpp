@@ -1,11 +1,12 @@
 #include "util/matrix_check.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 
-#include "tests/support/temporary_directory.h"
+#include <gtest/gtest.h>
+
 #include "util/input_error.h"
+
+#include "tests/support/temporary_directory.h"
 
 namespace ovik {
 namespace {
@@ -121,8 +122,7 @@ TEST_F(MatrixCheck, RefusesWhatIsNoReadableTextFile) {
 
 TEST_F(MatrixCheck, RefusesNulBytesWithTheirLine) {
     const std::string path = directory_.write("a", std::string("h\nG1\t1\nG\0\t2\n", 12));
-    EXPECT_EQ(refusal(path),
-              path + ":3: the line holds a NUL byte, so this is no text file");
+    EXPECT_EQ(refusal(path), path + ":3: the line holds a NUL byte, so this is no text file");
 }
 
 TEST_F(MatrixCheck, GuessesTheDelimiter) {

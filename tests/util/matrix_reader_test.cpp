@@ -1,11 +1,11 @@
 #include "util/matrix_reader.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
 

@@ -1,10 +1,10 @@
 #include "util/parallel.h"
 
-#include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <stdexcept>
 #include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"

@@ -1,8 +1,8 @@
 #include "util/whole_file.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
 
