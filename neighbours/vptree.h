@@ -108,7 +108,7 @@ class VpTree {
             return node.release();
         }
         // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the tree
-        const double draw = static_cast<double>(rand()) / 2147483647.0;
+        const double draw = static_cast<double>(std::rand()) / 2147483647.0;
         const int vantage = static_cast<int>(draw * static_cast<double>(upper - lower - 1)) + lower;
         std::swap(items[position(lower)], items[position(vantage)]);
         const int median = (upper + lower) / 2;

@@ -11,7 +11,7 @@ namespace {
 double draw_coordinate() {
     constexpr double kTwoToMinus31 = 4.656612873077393e-10;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread draws, in a fixed order
-    const double draw = static_cast<double>(rand()) * kTwoToMinus31;
+    const double draw = static_cast<double>(std::rand()) * kTwoToMinus31;
     return draw + draw - 1.0;
 }
 

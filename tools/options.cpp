@@ -22,8 +22,7 @@ constexpr const char* kFooter =
     "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
     "  writes results/yeast_tsne_30_0.csv and appends a record to results/yeast.log\n"
     "\n"
-    "MATRIX is delimited text: one header line, then a name and its values per line.\n"
-    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input.";
+    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input.\n";
 
 /// A number above (or from) a bound; unlike the ready-made ranges it refuses NaN and infinity.
 CLI::Validator finite_number(double low, bool low_included) {
@@ -66,14 +65,18 @@ char parse_delimiter(const std::string& text) {
 
 void add_output_options(CLI::App& app, Options& options) {
     app.add_option(
-        "-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)");
+           "-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)")
+        ->option_text("DIR");
     app.add_option("-n,--name",
                    options.name,
-                   "Start of the result files' names (the name of MATRIX without extension)")
+                   "Start of the result files' names (that of MATRIX without its extension)")
+        ->option_text("TEXT")
         ->check(file_name_part());
-    app.add_option("--suffix", options.suffix, "Text behind the table's name, before .csv (none)")
+    app.add_option("--suffix", options.suffix, "Put behind the table's name, before .csv (nothing)")
+        ->option_text("TEXT")
         ->check(file_name_part());
-    app.add_option("--title", options.title, "What the data are, for the run log (the name)");
+    app.add_option("--title", options.title, "What the data are, for the run log (the name)")
+        ->option_text("TEXT");
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
@@ -81,37 +84,55 @@ void add_method_options(CLI::App& app, Options& options) {
     app.add_option("-p,--perplexity",
                    options.perplexity,
                    "Effective number of neighbours of a row (20, less for under 61 rows)")
+        ->option_text("NUMBER")
         ->check(finite_number(0.0, false));
     app.add_option("-t,--theta",
                    options.theta,
                    "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
+        ->option_text("NUMBER")
         ->check(finite_number(0.0, true));
     app.add_option("-d,--dims", options.dims, "Dimensions of the embedding, 2 to 50 (2)")
+        ->option_text("COUNT")
         ->check(CLI::Range(2, 50));
     app.add_option("-i,--max-iter", options.max_iter, "Last iteration, at least 1 (1000)")
+        ->option_text("COUNT")
         ->check(CLI::Range(1, 1000000000));
     app.add_option("--stop-lying-iter",
                    options.stop_lying_iter,
                    "Iteration at which early exaggeration ends (250)")
+        ->option_text("COUNT")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--mom-switch-iter",
                    options.mom_switch_iter,
                    "Iteration after which the momentum is 0.8 (250)")
+        ->option_text("COUNT")
         ->check(CLI::NonNegativeNumber);
-    app.add_option("--precision", options.precision, "Of the coordinates: double or float (double)")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, Precision>{
-            {"double", Precision::Double}, {"float", Precision::Float}}));
+    app.add_option_function<std::string>(
+           "--precision",
+           [&options](const std::string& text) {
+               options.precision = text == "float" ? Precision::Float : Precision::Double;
+           },
+           "Of the coordinates: double or float (double)")
+        ->option_text("TYPE")
+        ->check(CLI::IsMember({"double", "float"}));
     app.add_option("-j,--threads", options.threads, "Threads, 0 for one per core (0)")
+        ->option_text("COUNT")
         ->check(CLI::Range(0, 1024));
 }
 
 void add_input_options(CLI::App& app, Options& options) {
-    app.add_option("MATRIX", options.matrix, "The matrix file")->required();
+    app.add_option("MATRIX",
+                   options.matrix,
+                   "Delimited text: one header line, then a name and its values per line")
+        ->option_text(" ")
+        ->required();
     app.add_option_function<std::string>(
-        "--delimiter",
-        [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
-        "Between fields: tab, comma, semicolon, space or a character (guessed)");
-    app.add_option("--labels", options.labels_file, "File with one label per row, for the plots");
+           "--delimiter",
+           [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
+           "Between fields: tab, comma, semicolon, space or a character (guessed)")
+        ->option_text("TEXT");
+    app.add_option("--labels", options.labels_file, "One label per line and row, for the plots")
+        ->option_text("FILE");
 }
 
 void fill_in_defaults(Options& options) {
@@ -137,6 +158,9 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     app.set_version_flag("--version", "ovik-tsne " OVIK_VERSION);
     app.footer(kFooter);
     app.get_formatter()->column_width(32);
+    app.failure_message([](const CLI::App* /*app*/, const CLI::Error& error) {
+        return std::string("ovik-tsne: ") + error.what() + "\nRun with --help for the options.\n";
+    });
     ParsedCommand command;
     add_input_options(app, command.options);
     add_output_options(app, command.options);

@@ -10,6 +10,34 @@
 
 namespace plain {
 
+namespace {
+
+/// The precision of a Gaussian under search, and its bounds.
+struct Bandwidth {
+    double beta = 1.0;
+    double min_beta = -DBL_MAX;
+    double max_beta = DBL_MAX;
+
+    /// Whether the entropy is near enough; otherwise moves on.
+    bool fits(double difference) {
+        if (difference < 1e-5 && difference > -1e-5) {
+            return true;
+        }
+        if (difference > 0) {
+            min_beta = beta;
+            beta =
+                max_beta == DBL_MAX || max_beta == -DBL_MAX ? beta + beta : 0.5 * (beta + max_beta);
+        } else {
+            max_beta = beta;
+            beta =
+                min_beta == DBL_MAX || min_beta == -DBL_MAX ? beta * 0.5 : 0.5 * (beta + min_beta);
+        }
+        return false;
+    }
+};
+
+}  // namespace
+
 Matrix read_tab_separated(const std::string& path, std::size_t most_rows) {
     std::ifstream file(path);
     if (!file) {
@@ -82,11 +110,10 @@ std::vector<double> conditional_similarities(const std::vector<double>& points,
     const std::vector<double> distances = squared_distances(points, N, dims);
     std::vector<double> P(N * N);
     for (std::size_t n = 0; n < N; ++n) {
-        double beta = 1.0;
-        double min_beta = -DBL_MAX;
-        double max_beta = DBL_MAX;
+        Bandwidth bandwidth;
         double sum_P = 0.0;
         for (int left = 500; left > 0; --left) {
+            const double beta = bandwidth.beta;
             for (std::size_t m = 0; m < N; ++m) {
                 P[n * N + m] = std::exp((-beta) * distances[n * N + m]);
             }
@@ -100,18 +127,8 @@ std::vector<double> conditional_similarities(const std::vector<double>& points,
                 H += P[n * N + m] * distances[n * N + m] * beta;
             }
             H = H / sum_P + std::log(sum_P);
-            const double difference = H - std::log(perplexity);
-            if (difference < 1e-5 && difference > -1e-5) {
+            if (bandwidth.fits(H - std::log(perplexity))) {
                 break;
-            }
-            if (difference > 0) {
-                min_beta = beta;
-                beta = max_beta == DBL_MAX || max_beta == -DBL_MAX ? beta + beta
-                                                                   : 0.5 * (beta + max_beta);
-            } else {
-                max_beta = beta;
-                beta = min_beta == DBL_MAX || min_beta == -DBL_MAX ? beta * 0.5
-                                                                   : 0.5 * (beta + min_beta);
             }
         }
         for (std::size_t m = 0; m < N; ++m) {
@@ -205,11 +222,10 @@ SparseRows neighbour_similarities(const std::vector<double>& points,
         std::sort(others.begin(), others.end());
         others.resize(K);
         std::vector<double> cur_P(K);
-        double beta = 1.0;
-        double min_beta = -DBL_MAX;
-        double max_beta = DBL_MAX;
+        Bandwidth bandwidth;
         double sum_P = 0.0;
         for (int left = 200; left > 0; --left) {
+            const double beta = bandwidth.beta;
             for (std::size_t m = 0; m < K; ++m) {
                 cur_P[m] = std::exp(((-beta) * others[m].first) * others[m].first);
             }
@@ -222,18 +238,8 @@ SparseRows neighbour_similarities(const std::vector<double>& points,
                 H += others[m].first * others[m].first * cur_P[m] * beta;
             }
             H = H / sum_P + std::log(sum_P);
-            const double difference = H - std::log(perplexity);
-            if (difference < 1e-5 && difference > -1e-5) {
+            if (bandwidth.fits(H - std::log(perplexity))) {
                 break;
-            }
-            if (difference > 0) {
-                min_beta = beta;
-                beta = max_beta == DBL_MAX || max_beta == -DBL_MAX ? beta + beta
-                                                                   : 0.5 * (beta + max_beta);
-            } else {
-                max_beta = beta;
-                beta = min_beta == DBL_MAX || min_beta == -DBL_MAX ? beta * 0.5
-                                                                   : 0.5 * (beta + min_beta);
             }
         }
         for (std::size_t m = 0; m < K; ++m) {
