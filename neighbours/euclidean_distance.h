@@ -1,20 +1,13 @@
 #pragma once
 
-#include <cmath>
-#include <cstdint>
-
 #include "neighbours/data_point.h"
 
 namespace ovik {
 
 /// The Euclidean distance of two points of equal dimension, the squares summed in coordinate order.
-inline double euclidean_distance(const DataPoint<double>& a, const DataPoint<double>& b) {
-    double squared_distance = 0.0;
-    for (std::int32_t d = 0; d < a.dimension; ++d) {
-        const double difference = a.coordinates[d] - b.coordinates[d];
-        squared_distance += difference * difference;
-    }
-    return std::sqrt(squared_distance);
-}
+///
+/// Compiled in the library alone, so that its last bit does not depend on a caller's compiler
+/// flags.
+double euclidean_distance(const DataPoint<double>& a, const DataPoint<double>& b);
 
 }  // namespace ovik

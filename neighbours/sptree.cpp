@@ -133,7 +133,7 @@ void SPTree::linkAndWeigh() {
     centres_.assign(node_count * dims_, 0.0);
     for (std::uint32_t i = node_count; i-- > 0;) {
         Node& node = nodes_[i];
-        double* const sum = &centres_[i * dims_];
+        double* const sum = centres_.data() + i * dims_;
         std::uint32_t child = i + 1;
         while (child < node_count && nodes_[child].first < node.last) {
             const auto weight = static_cast<double>(nodes_[child].last - nodes_[child].first);
@@ -246,7 +246,7 @@ void SPTree::addRepulsion(unsigned int point, double theta, double* neg_f, doubl
     double share = 0.0;
     for (std::uint32_t i = 0; i < node_count;) {
         const Node& node = nodes_[i];
-        const double* const centre = &centres_[i * dims];
+        const double* const centre = centres_.data() + i * dims;
         const bool is_leaf = node.next == i + 1;
         const bool holds_point = rank >= node.first && rank < node.last;
         double squared_distance = 0.0;

@@ -3,7 +3,7 @@
 cd "$(dirname "$0")/.."
 
 build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev"
-test_packages="libgtest-dev libgmock-dev librapidcheck-dev
+test_packages="libgtest-dev libgmock-dev librapidcheck-dev python3
   clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"
 
 # quietly WHAT COMMAND...: says what is done; the output of the command shows only if it fails.

@@ -11,9 +11,9 @@ namespace {
 
 int neighbour_count(double perplexity, std::size_t N) {
     const double wanted = 3.0 * perplexity;
-    const double available = static_cast<double>(N - 1);
+    const double available = static_cast<double>(N) - 1.0;
     // Compared before it is truncated: a huge or NaN perplexity has no int.
-    if (wanted <= 0.0) {
+    if (wanted <= 0.0 || available <= 0.0) {
         return 0;
     }
     return static_cast<int>(wanted < available ? wanted : available);

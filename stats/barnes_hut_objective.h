@@ -14,7 +14,7 @@ class BarnesHutObjective : public Objective {
     /// nearest neighbours of each (truncated; the N - 1 that there are if it asks for more).
     /// Failures as for `neighbour_affinities` and `symmetrized`.
     ///
-    /// @param X         row-major, N x D, N at least 1; read here only
+    /// @param X         row-major, N x D; read here only
     /// @param out_dims  dimensions of the embedding
     /// @param theta     accuracy; see `SPTree`
     BarnesHutObjective(const double* X,

@@ -14,17 +14,17 @@ std::string run_log_record(const std::string& data_title,
            " The darker color means that there are overlaps.\n" + table_stem + "\n";
 }
 
-void append_run_log(const std::string& out_base,
+bool append_run_log(const std::string& out_base,
                     const std::string& data_title,
                     double perplexity,
                     const std::string& table_stem) {
-    write_string(out_base + ".log",
-                 run_log_record(data_title, perplexity, table_stem),
-                 "",
-                 "a+",
-                 "",
-                 "#",
-                 "\n");
+    return write_string(out_base + ".log",
+                        run_log_record(data_title, perplexity, table_stem),
+                        "",
+                        "a+",
+                        "",
+                        "#",
+                        "\n");
 }
 
 }  // namespace ovik

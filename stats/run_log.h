@@ -12,7 +12,9 @@ std::string run_log_record(const std::string& data_title,
 
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
 /// reported: the log never costs a run its other results.
-void append_run_log(const std::string& out_base,
+///
+/// @return whether the whole record was written
+bool append_run_log(const std::string& out_base,
                     const std::string& data_title,
                     double perplexity,
                     const std::string& table_stem);

@@ -20,7 +20,13 @@ namespace {
 
 constexpr int kBandwidthAttempts = 200;
 
-using NeighbourTree = VpTree<DataPoint<double>, &euclidean_distance>;
+double row_distance(const DataPoint<double>& a, const DataPoint<double>& b) {
+    return euclidean_distance(a, b);
+}
+
+/// On a function of this file, so that a caller's own tree, built with other compiler flags, is
+/// never linked in its place.
+using NeighbourTree = VpTree<DataPoint<double>, &row_distance>;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {

@@ -20,7 +20,8 @@ using Rows = std::vector<std::vector<double>>;
 void check_shape(const std::string& path, const Rows& rows, const std::string* names) {
     if (rows.empty()) {
         throw InputError("\"" + path +
-                         "\" holds no rows: the first line is taken as the header, and every "
+                         "\" cannot be opened or holds no rows: the first line is taken as the "
+                         "header, and every "
                          "further line that is neither empty nor a comment should be a row");
     }
     const std::size_t columns = rows.front().size();

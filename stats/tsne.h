@@ -87,12 +87,13 @@ class TSNE {
     /// lives until `finish`.
     ///
     /// @param no_dims          output dimensions, at least 2 for the table to have rows
-    /// @param perplexity       effective number of neighbours; if 3 * perplexity > N - 1 the
-    /// console
-    ///                         says so, and the run goes on
+    /// /// @param perplexity       effective number of neighbours; the console says if it is too
+    /// large
+    ///                         for N (3 * perplexity > N - 1), and the run goes on
     /// @param labels           reserved for the plots: one per row, or empty
     /// @param stop_lying_iter  iteration at which early exaggeration ends
-    /// @param mom_switch_iter  iteration after which the momentum is 0.8
+    /// /// @param mom_switch_iter  iteration after which the momentum is 0.8
+    /// @throws std::logic_error if `finish` has released the input
     void actuate(int no_dims,
                  double perplexity,
                  std::vector<std::string> labels,
@@ -102,8 +103,11 @@ class TSNE {
     /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
     void finish();
 
-    /// Whether the last `actuate` wrote its result table.
-    [[nodiscard]] bool resultsWritten() const { return results_written_; }
+    /// /// Whether the last `actuate` wrote its result table.
+    [[nodiscard]] bool tableWritten() const { return table_written_; }
+
+    /// Whether the last `actuate` wrote its record in the run log.
+    [[nodiscard]] bool logWritten() const { return log_written_; }
 
     // The steps of a run, for callers that want them one by one.
 
@@ -173,7 +177,8 @@ class TSNE {
     double* released_Y_ = nullptr;
     /// Arrays that a later `init` or `actuate` replaced.
     std::vector<std::unique_ptr<double[]>> replaced_;
-    bool results_written_ = false;
+    bool table_written_ = false;
+    bool log_written_ = false;
 };
 
 }  // namespace ovik

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "annotation/gene_func_map.h"
@@ -107,7 +108,11 @@ void TSNE<T>::actuate(int no_dims,
                       int stop_lying_iter,
                       int mom_switch_iter) {
     this->perplexity = perplexity;
-    results_written_ = false;
+    if (X != nullptr && X == released_X_) {
+        throw std::logic_error("the input was released by finish: call init before actuate");
+    }
+    table_written_ = false;
+    log_written_ = false;
     const auto rows = static_cast<std::size_t>(std::max(N, 0));
     const auto columns = static_cast<std::size_t>(std::max(D, 0));
     const auto out_dims = static_cast<std::size_t>(std::max(no_dims, 0));
@@ -156,8 +161,8 @@ void TSNE<T>::writeResults(int no_dims) {
                                             static_cast<std::size_t>(std::max(no_dims, 0)),
                                             row_names.data() + first_row_name_,
                                             gene_func_map);
-    results_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
-    append_run_log(out_base, data_title, perplexity, stem);
+    table_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
+    log_written_ = append_run_log(out_base, data_title, perplexity, stem);
 }
 
 template void TSNE<float>::actuate(int, double, std::vector<std::string>, int, int);

@@ -22,12 +22,6 @@ std::string place(const std::string& path, const FieldPlace& place) {
 
 [[noreturn]] void refuse_ragged(const std::string& path, const MatrixReport& report) {
     const RaggedRow& first = report.first_ragged_rows.front();
-    if (first.lost_name) {
-        throw InputError(path + ":" + std::to_string(first.line) +
-                         ": the row has no name: the line opens with the delimiter, and \"" +
-                         first.name +
-                         "\" would be taken for the name\nGive the row a name, or take it out.");
-    }
     std::string message = path + ":" + std::to_string(first.line) + ": row \"" + first.name +
                           "\" has " + counted(first.values, "value", "values") +
                           ", but the first row has " + std::to_string(report.columns);
@@ -43,9 +37,29 @@ std::string place(const std::string& path, const FieldPlace& place) {
                      "(empty fields at the end of a line do not count), or check the delimiter.");
 }
 
+/// The engine adds up columns and divides by the largest deviation from their means: both have to
+/// be numbers that `double` can hold.
+void check_scale(const std::string& path, const MatrixReport& report) {
+    constexpr double kLargest = 1e300;
+    if (report.largest_magnitude > kLargest || report.widest_range < 1.0 / kLargest) {
+        throw InputError(path + ": the values are too " +
+                         (report.largest_magnitude > kLargest ? "large" : "close to one another") +
+                         " to be computed with\nBring them to a common scale, for example by "
+                         "logarithms.");
+    }
+}
+
 }  // namespace
 
 void check_matrix(const std::string& path, const MatrixReport& report) {
+    if (report.lost_names.count > 0) {
+        const FieldPlace& first = report.lost_names.first;
+        throw InputError(path + ":" + std::to_string(first.line) +
+                         ": the row has no name: the line opens with the delimiter, and \"" +
+                         first.row + "\" would be taken for the name (" +
+                         counted(report.lost_names.count, "such row", "such rows") +
+                         ")\nGive the row a name, or take it out.");
+    }
     if (report.rows > 0 && report.numbers == 0) {
         throw InputError(path +
                          ": holds no numbers\nEvery line behind the first should be a name and its "
@@ -73,6 +87,7 @@ void check_matrix(const std::string& path, const MatrixReport& report) {
             ": all rows hold the same values, so there is nothing to embed\nCheck that "
             "the columns are the measurements, and the delimiter.");
     }
+    check_scale(path, report);
 }
 
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report) {
@@ -90,10 +105,13 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
     }
     if (report.with_text_behind.count > 0) {
         const FieldPlace& first = report.with_text_behind.first;
-        warnings.push_back(place(path, first) + " is \"" + first.text +
-                           "\": the text behind the number is ignored (" +
-                           counted(report.with_text_behind.count, "such field", "such fields") +
-                           " in all)");
+        warnings.push_back(
+            place(path, first) + " is \"" + first.text +
+            "\": the text behind the number is ignored" +
+            (first.text.find(',') != std::string::npos ? "; a decimal comma should be a point"
+                                                       : "") +
+            " (" + counted(report.with_text_behind.count, "such field", "such fields") +
+            " in all)");
     }
     if (report.unnamed.count > 0) {
         warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +

@@ -1,6 +1,7 @@
 #include "tools/options.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -18,23 +19,25 @@ constexpr const char* kDescription =
     "values come to lie close to each other, and writes an annotated table.";
 
 constexpr const char* kFooter =
-    "Example:\n"
+    "Examples:\n"
     "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
     "  writes results/yeast_tsne_30_0.csv and appends a record to results/yeast.log\n"
+    "  ovik-tsne --gene CDC28\n"
+    "  prints what the gene does\n"
     "\n"
     "Exit status: 0 success, 1 failed run, 2 bad usage or bad input.\n";
 
-/// A number above (or from) a bound; unlike the ready-made ranges it refuses NaN and infinity.
-CLI::Validator finite_number(double low, bool low_included) {
-    const std::string range =
-        std::string(low_included ? "at least " : "above ") + CLI::detail::to_string(low);
+/// A finite number within a range; unlike the ready-made check it refuses NaN and infinity.
+///
+/// @param range  the range in words
+/// @param fits   whether a number lies within it
+CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
     return {[=](std::string& text) -> std::string {
-                double value = 0.0;
-                const bool is_number = CLI::detail::lexical_cast(text, value);
-                const bool fits = low_included ? value >= low : value > low;
-                return is_number && std::isfinite(value) && fits
-                           ? ""
-                           : "should be a number " + range + ", not " + text;
+                char* end = nullptr;
+                const double value = std::strtod(text.c_str(), &end);
+                const bool is_number = !text.empty() && *end == '\0' && std::isfinite(value);
+                return is_number && fits(value) ? ""
+                                                : "should be a number " + range + ", not " + text;
             },
             "NUMBER"};
 }
@@ -85,12 +88,13 @@ void add_method_options(CLI::App& app, Options& options) {
                    options.perplexity,
                    "Effective number of neighbours of a row (20, less for under 61 rows)")
         ->option_text("NUMBER")
-        ->check(finite_number(0.0, false));
+        ->check(
+            finite_number("above 0, at most 1e9", [](double p) { return p > 0.0 && p <= 1e9; }));
     app.add_option("-t,--theta",
                    options.theta,
                    "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
         ->option_text("NUMBER")
-        ->check(finite_number(0.0, true));
+        ->check(finite_number("at least 0", [](double theta) { return theta >= 0.0; }));
     app.add_option("-d,--dims", options.dims, "Dimensions of the embedding, 2 to 50 (2)")
         ->option_text("COUNT")
         ->check(CLI::Range(2, 50));
@@ -124,13 +128,20 @@ void add_input_options(CLI::App& app, Options& options) {
     app.add_option("MATRIX",
                    options.matrix,
                    "Delimited text: one header line, then a name and its values per line")
-        ->option_text(" ")
-        ->required();
+        ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
            [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
            "Between fields: tab, comma, semicolon, space or a character (guessed)")
         ->option_text("TEXT");
+    app.add_option_function<std::string>(
+           "--names",
+           [&options](const std::string& text) { options.standard_names = text == "standard"; },
+           "Of the rows: file, as they are, or standard, for systematic gene names (file)")
+        ->option_text("KIND")
+        ->check(CLI::IsMember({"file", "standard"}));
+    app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
+        ->option_text("NAME");
     app.add_option("--labels", options.labels_file, "One label per line and row, for the plots")
         ->option_text("FILE");
 }
@@ -167,6 +178,9 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_method_options(app, command.options);
     try {
         app.parse(argc, argv);
+        if (command.options.matrix.empty() && command.options.gene.empty()) {
+            throw CLI::RequiredError("MATRIX");
+        }
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;

@@ -9,6 +9,7 @@ enum class Precision { Double, Float };
 
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
+    /// Empty only with `gene`.
     std::string matrix;
     /// With its separator at the end.
     std::string out_dir = "./";
@@ -26,6 +27,10 @@ struct Options {
     int mom_switch_iter = 250;
     /// Not given: guessed from the file.
     std::optional<char> delimiter;
+    /// Whether rows get standard gene names for systematic ones before the run.
+    bool standard_names = false;
+    /// Not empty: a gene to look up, instead of a run.
+    std::string gene;
     /// Empty: no labels.
     std::string labels_file;
     Precision precision = Precision::Double;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -20,6 +21,7 @@
 #include "util/input_error.h"
 
 #include "tools/exit_status.h"
+#include "tools/gene_report.h"
 #include "tools/input_checks.h"
 #include "tools/options.h"
 
@@ -60,11 +62,35 @@ double choose_perplexity(const Options& options, std::size_t rows) {
     return largest;
 }
 
+/// /// @throws InputError if the name of the file itself is too long for a directory to hold
+void check_file_name(const std::string& path) {
+    constexpr std::size_t kLongestName = 255;
+    const std::string name = std::filesystem::path(path).filename().string();
+    if (name.size() > kLongestName) {
+        throw InputError("the name of the result table is too long: " + name +
+                         "\nGive a shorter one with --name and --suffix.");
+    }
+}
+
 /// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there
 void prepare_directory(const std::string& directory) {
     std::filesystem::create_directories(directory);
     if (access(directory.c_str(), W_OK) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot write in " + directory);
+    }
+}
+
+std::string table_path(const Options& options, double perplexity) {
+    return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix) +
+           ".csv";
+}
+
+/// Says where a result is, or that it is missing.
+void report_file(const std::string& what, const std::string& path, bool written) {
+    if (written) {
+        print_info(what + ": " + path);
+    } else {
+        complain(what + " could not be written: " + path);
     }
 }
 
@@ -76,20 +102,26 @@ ExitStatus embed(const Options& options,
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
     tsne.init(options.matrix, options.max_iter, delimiter);
     tsne.theta = options.theta;
+    if (options.standard_names) {
+        rename_to_standard(tsne.row_names);
+    }
+    const std::string names_warning = systematic_names_warning(tsne.row_names);
+    if (!names_warning.empty()) {
+        complain("warning: " + names_warning);
+    }
     tsne.actuate(
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
     tsne.finish();
-    if (!tsne.resultsWritten()) {
-        complain("the result table could not be written");
-        return FailedRun;
-    }
-    print_info("Result table: " + tsne.out_base + "_" +
-               result_table_stem(perplexity, options.suffix) + ".csv");
-    print_info("Run log: " + tsne.out_base + ".log");
-    return Success;
+    report_file("Result table", table_path(options, perplexity), tsne.tableWritten());
+    report_file("Run log", tsne.out_base + ".log", tsne.logWritten());
+    print_info(found_genes_line(tsne.row_names));
+    return tsne.tableWritten() && tsne.logWritten() ? Success : FailedRun;
 }
 
 ExitStatus run(const Options& options) {
+    if (!options.gene.empty()) {
+        return show_gene(options.gene);
+    }
     const char delimiter = options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
     const MatrixReport report = inspect_matrix(options.matrix, delimiter);
     check_matrix(options.matrix, report);
@@ -107,8 +139,9 @@ ExitStatus run(const Options& options) {
         omp_set_num_threads(options.threads);
     }
     start_logging(options.quiet);
-    prepare_directory(options.out_dir);
     const double perplexity = choose_perplexity(options, report.rows);
+    check_file_name(table_path(options, perplexity));
+    prepare_directory(options.out_dir);
     return options.precision == Precision::Float
                ? embed<float>(options, delimiter, perplexity, labels)
                : embed<double>(options, delimiter, perplexity, labels);
@@ -116,6 +149,8 @@ ExitStatus run(const Options& options) {
 
 /// The whole command; what goes wrong is explained on standard error.
 int run_command(int argc, const char* const* argv) {
+    // A file that outgrows its limit is then reported like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const ParsedCommand command = parse_command_line(argc, argv);
         return command.exit_status ? *command.exit_status : run(command.options);

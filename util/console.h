@@ -44,7 +44,7 @@ static inline void print_file_error(const char* failure, const std::string& path
 /// Redraws the one-line progress bar in place; the caller ends the line after the last call.
 ///
 /// The bar is 27 characters wide. The fraction is computed in `T`. A `total` of 0 has no fraction:
-/// the bar is then empty and the percentage a NaN.
+/// the bar is then empty and the percentage no number.
 ///
 /// @param message  drawn before the counter
 /// @param current  steps done
@@ -65,8 +65,9 @@ static inline void progress_bar(std::string message,
     const int width = static_cast<int>(progress_bar_.size());
     const T fraction = static_cast<T>(static_cast<double>(current) / static_cast<double>(total));
     const T filled_width = fraction * static_cast<T>(width);
-    // No int holds a NaN; what the processor would make of it is a bar of two billion blanks.
-    const int filled = std::isnan(filled_width) ? 0 : static_cast<int>(filled_width);
+    // No int holds a NaN or an infinity; what the processor makes of them is a bar of two billion
+    // blanks.
+    const int filled = std::isfinite(filled_width) ? static_cast<int>(filled_width) : 0;
     const int empty = width - filled;
     const double percent = static_cast<double>(fraction * static_cast<T>(100));
     if (unit.empty()) {

@@ -120,9 +120,9 @@ class Inspection {
             report_.header_looks_like_data = looks_like_data(line, delimiter_);
             return;
         }
-        lost_name_ = line.starts_with(delimiter_);
+        opens_with_delimiter_ = line.starts_with(delimiter_);
         trim_matrix_line(line);
-        lost_name_ = lost_name_ && !line.starts_with(delimiter_);
+        opens_with_delimiter_ = opens_with_delimiter_ && !line.starts_with(delimiter_);
         if (is_matrix_row(line)) {
             addRow(line);
         }
@@ -150,6 +150,7 @@ class Inspection {
         report_.rows_all_equal = report_.rows_all_equal && values_ == first_row_;
         noteName();
         noteLength();
+        noteScale();
     }
 
     void addValue(const char* field) {
@@ -176,8 +177,12 @@ class Inspection {
     }
 
     void noteName() {
+        double value = 0.0;
+        field_ = 1;
+        if (opens_with_delimiter_ && classify(name_.c_str(), value) == FieldKind::Number) {
+            note(report_.lost_names, "");
+        }
         if (name_.empty()) {
-            field_ = 1;
             note(report_.unnamed, "");
         } else if (!names_.insert(name_).second) {
             ++report_.duplicate_names;
@@ -191,9 +196,22 @@ class Inspection {
         if (values_.size() != report_.columns) {
             ++report_.ragged_rows;
             if (report_.first_ragged_rows.size() < kListed) {
-                report_.first_ragged_rows.push_back(
-                    {line_number_, name_, values_.size(), lost_name_});
+                report_.first_ragged_rows.push_back({line_number_, name_, values_.size()});
             }
+        }
+    }
+
+    void noteScale() {
+        const std::size_t columns = std::min(values_.size(), first_row_.size());
+        if (report_.rows == 1) {
+            lowest_ = values_;
+            highest_ = values_;
+        }
+        for (std::size_t d = 0; d < columns; ++d) {
+            lowest_[d] = std::min(lowest_[d], values_[d]);
+            highest_[d] = std::max(highest_[d], values_[d]);
+            report_.largest_magnitude = std::max(report_.largest_magnitude, std::fabs(values_[d]));
+            report_.widest_range = std::max(report_.widest_range, highest_[d] - lowest_[d]);
         }
     }
 
@@ -201,11 +219,14 @@ class Inspection {
     char delimiter_;
     MatrixReport report_;
     std::size_t line_number_ = 0;
-    bool lost_name_ = false;
+    bool opens_with_delimiter_ = false;
     std::string name_;
     std::size_t field_ = 0;
     std::vector<double> values_;
     std::vector<double> first_row_;
+    /// Of each column.
+    std::vector<double> lowest_;
+    std::vector<double> highest_;
     std::unordered_set<std::string> names_;
 };
 
@@ -214,7 +235,11 @@ std::size_t count_numbers(std::string line, char delimiter) {
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field) {
         double value = 0.0;
-        numbers += !at_name && classify(field, value) == FieldKind::Number ? 1 : 0;
+        const FieldKind kind = classify(field, value);
+        // Decimal commas leave text behind every number; they are more likely than values that
+        // are parted by them.
+        const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
+        numbers += !at_name && counts ? 1 : 0;
         at_name = false;
     });
     return numbers;
@@ -234,7 +259,7 @@ MatrixReport inspect_matrix(const std::string& path, char delimiter) {
 
 char guess_delimiter(const std::string& path) {
     std::ifstream file = open_matrix(path);
-    constexpr char kCandidates[] = {'\t', ',', ';', ' '};
+    constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
     std::string line;
     std::getline(file, line);

@@ -28,9 +28,7 @@ struct RaggedRow {
     std::size_t line = 0;
     std::string name;
     std::size_t values = 0;
-    /// Whether the line opens with a blank delimiter, which is trimmed away with the empty name:
-    /// the first value has then become the name.
-    bool lost_name = false;
+    ///
 };
 
 /// What `read_matrix_w_index` would read from a file, and what it would pass over in silence.
@@ -51,12 +49,19 @@ struct MatrixReport {
     std::size_t ragged_rows = 0;
     /// The first few of them.
     std::vector<RaggedRow> first_ragged_rows;
+    /// /// Rows whose line opens with a blank delimiter, which is trimmed away with the empty name
+    /// in front of it, so that a number has become the name.
+    FieldFindings lost_names;
     /// Rows whose name is empty.
     FieldFindings unnamed;
     /// Rows whose name stood above already.
     std::size_t duplicate_names = 0;
     /// The first few of these names.
     std::vector<std::string> first_duplicate_names;
+    /// /// Largest absolute value.
+    double largest_magnitude = 0.0;
+    /// Largest difference of two values of a column.
+    double widest_range = 0.0;
     /// Whether all rows hold the same values.
     bool rows_all_equal = true;
     /// Whether the first line, which is discarded, looks like a row of data.
@@ -68,7 +73,7 @@ struct MatrixReport {
 /// @throws InputError if the file is missing or unreadable, no regular file, or no plain text
 MatrixReport inspect_matrix(const std::string& path, char delimiter);
 
-/// The delimiter under which the first rows of a file hold the most numbers: tab, comma, semicolon
+/// The delimiter under which the first rows of a file hold the most numbers: tab, semicolon, comma
 /// or blank, in this order among equals.
 ///
 /// @throws InputError as `inspect_matrix`, and if none of them parts a number from the name

@@ -1,14 +1,28 @@
 #include "util/whole_file.h"
 
+#include <atomic>
 #include <unistd.h>
 #include <utility>
 
 namespace ovik {
 
+namespace {
+
+/// A name of its own in the same directory; short, so that it fits where the final one does.
+std::string partial_path_for(const std::string& path) {
+    static std::atomic<unsigned int> count = 0;
+    const std::size_t slash = path.rfind('/');
+    const std::string directory = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+    return directory + ".ovik-" + std::to_string(getpid()) + "-" + std::to_string(++count) +
+           ".part";
+}
+
+}  // namespace
+
 WholeFile::WholeFile(std::string path)
     : path_(std::move(path)),
-      partial_path_(path_ + "." + std::to_string(getpid()) + ".part"),
-      stream_(std::fopen(partial_path_.c_str(), "w")) {}
+      partial_path_(partial_path_for(path_)),
+      stream_(std::fopen(partial_path_.c_str(), "wx")) {}
 
 WholeFile::~WholeFile() {
     if (stream_ != nullptr) {

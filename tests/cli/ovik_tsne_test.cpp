@@ -189,7 +189,7 @@ TEST_F(Command, ChecksTheNumberOfLabels) {
 TEST_F(Command, ShowsHelpWithAnExampleAndItsVersion) {
     const CommandOutcome help = run({"--help"});
     EXPECT_EQ(help.exit_status, kSuccess);
-    EXPECT_NE(help.out.find("Example:\n  ovik-tsne expression.tsv --perplexity 30"),
+    EXPECT_NE(help.out.find("Examples:\n  ovik-tsne expression.tsv --perplexity 30"),
               std::string::npos);
     for (const char* option : {"--out-dir",
                                "--name",
@@ -206,6 +206,8 @@ TEST_F(Command, ShowsHelpWithAnExampleAndItsVersion) {
                                "--precision",
                                "--threads",
                                "--quiet",
+                               "--names",
+                               "--gene",
                                "--version",
                                "--help"}) {
         EXPECT_NE(help.out.find(option), std::string::npos) << option;
@@ -224,6 +226,7 @@ TEST_F(Command, RefusesBadUsage) {
                                                {matrix, "--perplexity", "0"},
                                                {matrix, "--perplexity", "nan"},
                                                {matrix, "--perplexity", "ten"},
+                                               {matrix, "--perplexity", "1e10"},
                                                {matrix, "--theta", "-1"},
                                                {matrix, "--theta", "inf"},
                                                {matrix, "--dims", "1"},
@@ -234,6 +237,8 @@ TEST_F(Command, RefusesBadUsage) {
                                                {matrix, "--threads", "-2"},
                                                {matrix, "--delimiter", "ab"},
                                                {matrix, "--name", "a/b"},
+                                               {matrix, "--name", std::string(250, 'n')},
+                                               {matrix, "--names", "latin"},
                                                {matrix, "--suffix", "a/b"}}) {
         std::vector<std::string> with_directory = arguments;
         with_directory.insert(with_directory.end(), {"--out-dir", results_});
@@ -270,7 +275,7 @@ TEST_F(Command, RefusesRaggedRowsByLine) {
     EXPECT_EQ(refusal("h\nG1\t1\t2\n\t3\t4\nG3\t1\t2\n"),
               "ovik-tsne: " + matrix_path() +
                   ":3: the row has no name: the line opens with the delimiter, and \"3\" would be "
-                  "taken for the name\nGive the row a name, or take it out.\n");
+                  "taken for the name (1 such row)\nGive the row a name, or take it out.\n");
 }
 
 TEST_F(Command, RefusesTooFewRows) {
@@ -349,9 +354,89 @@ TEST_F(Command, LeavesNothingHalfWrittenWhenTheTableCannotBePlaced) {
     std::filesystem::create_directories(results_ + "/m_tsne_20_0.csv/occupied");
     const CommandOutcome outcome = run_on(grid_matrix(70));
     EXPECT_EQ(outcome.exit_status, kFailedRun);
-    EXPECT_NE(outcome.err.find("the result table could not be written"), std::string::npos);
+    EXPECT_NE(
+        outcome.err.find("Result table could not be written: " + results_ + "/m_tsne_20_0.csv"),
+        std::string::npos);
     // The directory that stood in the way and the log.
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 2);
+}
+
+TEST_F(Command, KeepsTheTableWhenTheLogCannotBeWritten) {
+    std::filesystem::create_directories(results_ + "/m.log");
+    const CommandOutcome outcome = run_on(grid_matrix(70));
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_EQ(outcome.err, "ovik-tsne: Run log could not be written: " + results_ + "/m.log\n");
+    EXPECT_EQ(line_count(result("m_tsne_20_0.csv")), 71U);
+}
+
+TEST_F(Command, ReportsAFileSizeLimitAndLeavesNoPartOfTheTable) {
+    const std::string matrix = directory_.write("m.txt", grid_matrix(700));
+    const CommandOutcome outcome =
+        test::run_command({"/bin/sh",
+                           "-c",
+                           "ulimit -f 8; exec \"$0\" \"$1\" --quiet -i 2 -o \"$2\"",
+                           OVIK_TSNE_COMMAND,
+                           matrix,
+                           results_});
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_NE(outcome.err.find("Result table could not be written"), std::string::npos);
+    // The log alone.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 1);
+}
+
+TEST_F(Command, RefusesValuesBeyondComputation) {
+    EXPECT_NE(refusal("h\nG1\t1e307\nG2\t2e307\nG3\t0\n").find("too large"), std::string::npos);
+    EXPECT_NE(refusal("h\nG1\t1e-310\nG2\t2e-310\nG3\t0\n").find("too close to one another"),
+              std::string::npos);
+}
+
+TEST_F(Command, ExplainsDecimalCommas) {
+    const CommandOutcome outcome = run_on("h\nG1\t0,17\t1,5\nG2\t1,2\t2,5\nG3\t2,2\t0,1\n");
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err,
+              "ovik-tsne: warning: " + matrix_path() +
+                  ":2: field 2 of row \"G1\" is \"0,17\": the text behind the number is ignored; a "
+                  "decimal comma should be a point (6 such fields in all)\n");
+}
+
+TEST_F(Command, LooksGenesUp) {
+    const CommandOutcome known = run({"--gene", "CDC28"});
+    EXPECT_EQ(known.exit_status, kSuccess);
+    EXPECT_EQ(known.out, "CDC28: Cyclin-dependent kinase (CDK) catalytic subunit\n");
+    const CommandOutcome systematic = run({"--gene", "ybr160w"});
+    EXPECT_EQ(systematic.exit_status, kBadInput);
+    EXPECT_EQ(systematic.out, "");
+    EXPECT_EQ(systematic.err,
+              "ovik-tsne: there is no gene \"ybr160w\" in the table\nDid you mean CDC28?\n");
+    const CommandOutcome unknown = run({"--gene", "nonsense"});
+    EXPECT_EQ(unknown.exit_status, kBadInput);
+    EXPECT_EQ(unknown.err, "ovik-tsne: there is no gene \"nonsense\" in the table\n");
+}
+
+TEST_F(Command, SaysHowManyRowsTheGeneTableHolds) {
+    const CommandOutcome some = run_on("h\nCDC28\t1\nX1\t2\nRPL3\t3\nX2\t4\nX3\t6\nX4\t6\n");
+    EXPECT_NE(some.out.find("\n-- Gene table: 2 of 6 rows found; not found: X1, X2, X3, ...\n"),
+              std::string::npos);
+    const CommandOutcome all = run_on("h\nCDC28\t1\nTUB1\t2\nRPL3\t3\n");
+    EXPECT_NE(all.out.find("\n-- Gene table: 3 of 3 rows found\n"), std::string::npos);
+    EXPECT_NE(result("m_tsne_0_6.csv").find(",\"Alpha-tubulin\"\n"), std::string::npos);
+}
+
+TEST_F(Command, OffersStandardNamesForSystematicOnes) {
+    const std::string systematic = "h\nYBR160W\t1\nYML085C\t2\nYAL069W\t3\n";
+    const CommandOutcome as_they_are = run_on(systematic);
+    EXPECT_EQ(as_they_are.exit_status, kSuccess);
+    EXPECT_EQ(as_they_are.err,
+              "ovik-tsne: warning: 2 of 3 rows carry systematic names of genes that the gene table "
+              "lists under standard ones; to see what they do, add --names standard\n");
+    EXPECT_NE(result("m_tsne_0_6.csv").find("\nYBR160W,"), std::string::npos);
+    const CommandOutcome renamed = run_on(systematic, {"--names", "standard"});
+    EXPECT_EQ(renamed.err, "");
+    EXPECT_NE(renamed.out.find("-- Gene table: 3 of 3 rows found\n"), std::string::npos);
+    const std::string table = result("m_tsne_0_6.csv");
+    EXPECT_NE(table.find("\nCDC28,"), std::string::npos);
+    EXPECT_NE(table.find("\nTUB1,"), std::string::npos);
+    EXPECT_NE(table.find("\nYAL069W,"), std::string::npos);
 }
 
 TEST_F(Command, TakesPathsWithBlanksQuotesAndPercentSigns) {

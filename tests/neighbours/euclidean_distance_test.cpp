@@ -1,5 +1,7 @@
 #include "neighbours/euclidean_distance.h"
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 namespace ovik {

@@ -144,6 +144,13 @@ TEST(BarnesHutCost, IsZeroWithoutPoints) {
     EXPECT_EQ(TSNE<double>::evaluateError(nullptr, nullptr, nullptr, nullptr, 0, 2, 0.5), 0.0);
 }
 
+TEST(BarnesHutCost, TakesPointsWithoutDimensionsAsCoincident) {
+    const unsigned int row_P[] = {0, 1, 2};
+    const unsigned int col_P[] = {1, 0};
+    const double val_P[] = {0.5, 0.5};
+    EXPECT_EQ(barnes_hut_cost({row_P, col_P, val_P}, nullptr, 2, 0, 0.5), 0.0);
+}
+
 TEST(BarnesHutCost, TakesCoincidentPointsAtFullSimilarity) {
     const unsigned int row_P[] = {0, 1, 2};
     const unsigned int col_P[] = {1, 0};

@@ -294,6 +294,13 @@ TEST_F(Driver, WritesSinglePrecisionCoordinatesForFloat) {
 
 TEST_F(Driver, ServesOneToFiveOutputDimensions) {
     for (const double theta : {0.0, 0.5}) {
+        // No dimensions at all leave only the header, without harm.
+        EXPECT_EQ(count_of(test::run_engine(
+                               matrix(30),
+                               {.no_dims = 0, .perplexity = 5.0, .theta = theta, .max_iter = 2})
+                               .table,
+                           "\n"),
+                  1U);
         for (int no_dims = 1; no_dims <= 5; ++no_dims) {
             const RunOutcome run = test::run_engine(
                 matrix(30),
@@ -327,17 +334,40 @@ TEST_F(Driver, NeitherLeaksNorCorruptsWhenRepeated) {
     EXPECT_NE(table.find("\nD,"), std::string::npos);
 }
 
+TEST_F(Driver, RefusesToRunOnAReleasedInput) {
+    testing::internal::CaptureStdout();
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.init(matrix(10), 2, '\t');
+    tsne.finish();
+    EXPECT_THROW(tsne.actuate(2, 3.0, {}, 250, 250), std::logic_error);
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(Driver, RunsOnNothingBeforeAnyInput) {
+    for (const double theta : {0.0, 0.5}) {
+        testing::internal::CaptureStdout();
+        TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+        tsne.theta = theta;
+        tsne.actuate(2, 1e10, {}, 250, 250);
+        EXPECT_TRUE(tsne.tableWritten());
+        tsne.finish();
+        testing::internal::GetCapturedStdout();
+    }
+}
+
 TEST_F(Driver, TellsWhetherTheTableWasWritten) {
     testing::internal::CaptureStdout();
     TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
-    EXPECT_FALSE(tsne.resultsWritten());
+    EXPECT_FALSE(tsne.tableWritten());
     tsne.init(matrix(10), 2, '\t');
     tsne.actuate(2, 3.0, {}, 250, 250);
-    EXPECT_TRUE(tsne.resultsWritten());
+    EXPECT_TRUE(tsne.tableWritten());
+    EXPECT_TRUE(tsne.logWritten());
     // A table that cannot be written costs the run nothing else.
     tsne.out_base = directory_.file("missing/run");
     tsne.actuate(2, 3.0, {}, 250, 250);
-    EXPECT_FALSE(tsne.resultsWritten());
+    EXPECT_FALSE(tsne.tableWritten());
+    EXPECT_FALSE(tsne.logWritten());
     tsne.finish();
     const std::string out = testing::internal::GetCapturedStdout();
     EXPECT_NE(out.find("\n-- \033[1;31mError: I cannot open file: " +

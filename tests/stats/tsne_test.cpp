@@ -115,7 +115,7 @@ TEST_F(Loading, RefusesAShorterRowByName) {
 TEST_F(Loading, RefusesAFileWithoutRows) {
     for (const char* content : {"", "header\n", "h\n# note\n\n"}) {
         const std::string path = write(content);
-        EXPECT_EQ(refusal(path).find("\"" + path + "\" holds no rows"), 0U);
+        EXPECT_EQ(refusal(path).find("\"" + path + "\" cannot be opened or holds no rows"), 0U);
     }
     testing::internal::CaptureStdout();
     EXPECT_NE(refusal("no/such/file"), "");

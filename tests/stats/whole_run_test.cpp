@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "annotation/gene_table.h"
+
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/temporary_directory.h"
@@ -18,11 +20,13 @@ using test::RunOutcome;
 
 /// The table that an embedding in two dimensions should have.
 std::string expected_table(const plain::Matrix& input, const std::vector<double>& Y) {
+    auto functions = make_gene_table();
     std::string table = "name,data in xaxis,data in yaxis,psize,group,function\n";
     for (std::size_t n = 0; n < input.rows; ++n) {
         char coordinates[128];
         std::snprintf(coordinates, sizeof coordinates, "%.3f,%.3f", Y[2 * n], Y[2 * n + 1]);
-        table += input.names[n] + "," + coordinates + ",1,Group:1:2,\"\"\n";
+        table += input.names[n] + "," + coordinates + ",1,Group:1:2,\"" +
+                 functions[input.names[n]] + "\"\n";
     }
     return table;
 }
@@ -51,15 +55,18 @@ TEST(WholeExactRun, EqualsThePlainProgramInThreeDimensions) {
     const test::TemporaryDirectory directory;
     const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", 90);
     const plain::Matrix input = plain::read_tab_separated(path, 90);
-    const std::vector<double> Y = plain::embed_exactly(input, 3, 10.0, {400, 100, 150}, nullptr);
-    const RunOutcome run = test::run_engine(path,
-                                            {.no_dims = 3,
-                                             .perplexity = 10.0,
-                                             .theta = 0.0,
-                                             .max_iter = 400,
-                                             .stop_lying_iter = 100,
-                                             .mom_switch_iter = 150});
-    EXPECT_EQ(run.Y, Y);
+    const std::vector<double> Y = plain::embed_exactly(input, 3, 10.0, {1000, 100, 150}, nullptr);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        const RunOutcome run = test::run_engine(path,
+                                                {.no_dims = 3,
+                                                 .perplexity = 10.0,
+                                                 .theta = 0.0,
+                                                 .max_iter = 1000,
+                                                 .stop_lying_iter = 100,
+                                                 .mom_switch_iter = 150});
+        EXPECT_EQ(run.Y, Y) << threads << " threads";
+    }
 }
 
 TEST(WholeBarnesHutRun, IsTheSameForAnyNumberOfThreads) {

@@ -96,6 +96,7 @@ TEST(ProgressBar, IsEmptyWithoutATotal) {
     // The sign of the NaN is the processor's.
     EXPECT_THAT(bar(0, 0),
                 testing::MatchesRegex("\r-- work \\(0/0\\) \\[ {27}\\] -?nan% completed "));
+    EXPECT_EQ(bar(1, 0), "\r-- work (1/0) [                           ] inf% completed ");
 }
 
 }  // namespace

@@ -75,15 +75,24 @@ TEST_F(MatrixCheck, ListsRaggedRows) {
     EXPECT_EQ(report.first_ragged_rows[0].line, 3U);
     EXPECT_EQ(report.first_ragged_rows[0].name, "G2");
     EXPECT_EQ(report.first_ragged_rows[0].values, 1U);
-    EXPECT_FALSE(report.first_ragged_rows[0].lost_name);
     EXPECT_EQ(report.first_ragged_rows[1].values, 3U);
 }
 
-TEST_F(MatrixCheck, TellsOfANameThatIsTrimmedAway) {
-    const MatrixReport report = inspect("h\nG1\t1\t2\n\t3\t4\n");
-    ASSERT_EQ(report.first_ragged_rows.size(), 1U);
-    EXPECT_TRUE(report.first_ragged_rows[0].lost_name);
-    EXPECT_EQ(report.first_ragged_rows[0].name, "3");
+TEST_F(MatrixCheck, TellsOfNamesThatAreTrimmedAway) {
+    const MatrixReport ragged = inspect("h\nG1\t1\t2\n\t3\t4\n");
+    EXPECT_EQ(ragged.lost_names.count, 1U);
+    EXPECT_EQ(ragged.lost_names.first.line, 3U);
+    EXPECT_EQ(ragged.lost_names.first.row, "3");
+    EXPECT_EQ(inspect("h\n\t1\t2\n\t3\t4\n").lost_names.count, 2U);
+    // A line that is only indented has its name.
+    EXPECT_EQ(inspect("h\n\tG1\t1\n\tG2\t3\n").lost_names.count, 0U);
+    EXPECT_EQ(inspect("h\n,1,2\n", ',').lost_names.count, 0U);
+}
+
+TEST_F(MatrixCheck, MeasuresTheScale) {
+    const MatrixReport report = inspect("h\nG1\t1\t-20\nG2\t4\t-19\n");
+    EXPECT_EQ(report.largest_magnitude, 20.0);
+    EXPECT_EQ(report.widest_range, 3.0);
 }
 
 TEST_F(MatrixCheck, CountsRowsWithoutName) {
@@ -131,6 +140,8 @@ TEST_F(MatrixCheck, GuessesTheDelimiter) {
     EXPECT_EQ(guess("h\nG1;1;2\n"), ';');
     EXPECT_EQ(guess("h\nG1 1 2\n"), ' ');
     EXPECT_EQ(guess("h\nADE5,7\t1\t2\n"), '\t');
+    EXPECT_EQ(guess("h\nG1\t0,17\t0,33\n"), '\t');
+    EXPECT_EQ(guess("h\nG1;0,17;0,33\n"), ';');
     EXPECT_EQ(guess("h h\n# 1,2,3\nG1;1.5;2\n"), ';');
 }
 

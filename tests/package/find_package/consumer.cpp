@@ -1,5 +1,4 @@
 #include <cstdio>
-
 #include <ovik/neighbours/sptree.h>
 #include <ovik/stats/tsne.h>
 #include <ovik/util/console.h>

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <span>
+
+namespace ovik {
+
+/// A gene of budding yeast.
+struct GeneEntry {
+    /// Systematic name, such as YBR160W.
+    const char* systematic;
+    /// The name it is listed under: its standard name, such as CDC28, else its systematic one. At
+    /// most 9 characters.
+    const char* name;
+    /// What its product does, at most 70 characters; "NULL" if there is no description.
+    const char* function;
+};
+
+/// A further standard name of a gene.
+struct GeneAlias {
+    const char* alias;
+    /// The name the gene is listed under.
+    const char* name;
+};
+
+/// All genes in genome order: chromosome I left arm first, mitochondrial genes last. The two
+/// mating-factor genes are both listed as "MF".
+std::span<const GeneEntry> gene_list();
+
+/// Standard names of other releases of the annotation, in byte order.
+std::span<const GeneAlias> gene_aliases();
+
+}  // namespace ovik

@@ -1,0 +1,47 @@
+#include "annotation/gene_names.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(FindGene, TakesTheExactNameOnly) {
+    ASSERT_NE(find_gene("CDC28"), nullptr);
+    EXPECT_STREQ(find_gene("CDC28")->systematic, "YBR160W");
+    EXPECT_EQ(find_gene("cdc28"), nullptr);
+    EXPECT_EQ(find_gene("YBR160W"), nullptr);
+    EXPECT_EQ(find_gene(""), nullptr);
+}
+
+TEST(FindGene, TakesTheFirstOfEqualNames) {
+    EXPECT_STREQ(find_gene("MF")->systematic, "YGL089C");
+}
+
+TEST(StandardGeneName, IsThatOfTheSystematicName) {
+    EXPECT_EQ(standard_gene_name("YBR160W"), "CDC28");
+    EXPECT_EQ(standard_gene_name("YAL069W"), "");
+    EXPECT_EQ(standard_gene_name("CDC28"), "");
+    EXPECT_EQ(standard_gene_name("nonsense"), "");
+}
+
+TEST(SuggestGeneNames, KnowsOtherCaseSystematicNamesAndAliases) {
+    EXPECT_EQ(suggest_gene_names("cdc28"), Names{"CDC28"});
+    EXPECT_EQ(suggest_gene_names("YBR160W"), Names{"CDC28"});
+    EXPECT_EQ(suggest_gene_names("ybr160w"), Names{"CDC28"});
+    EXPECT_EQ(suggest_gene_names("yal069w"), Names{"YAL069W"});
+    EXPECT_EQ(suggest_gene_names("DFP3"), Names{"YCR007C"});
+    EXPECT_EQ(suggest_gene_names("MF(ALPHA)1"), Names{"MF"});
+}
+
+TEST(SuggestGeneNames, HasNothingForTheNameItselfAndForNonsense) {
+    EXPECT_EQ(suggest_gene_names("CDC28"), Names{});
+    EXPECT_EQ(suggest_gene_names("nonsense"), Names{});
+}
+
+}  // namespace
+}  // namespace ovik
