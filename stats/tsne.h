@@ -87,12 +87,11 @@ class TSNE {
     /// lives until `finish`.
     ///
     /// @param no_dims          output dimensions, at least 2 for the table to have rows
-    /// /// @param perplexity       effective number of neighbours; the console says if it is too
-    /// large
-    ///                         for N (3 * perplexity > N - 1), and the run goes on
+    /// @param perplexity       effective number of neighbours; the console tells of one that
+    ///                         is too large (3 * perplexity > N - 1), and the run goes on
     /// @param labels           reserved for the plots: one per row, or empty
     /// @param stop_lying_iter  iteration at which early exaggeration ends
-    /// /// @param mom_switch_iter  iteration after which the momentum is 0.8
+    /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
     void actuate(int no_dims,
                  double perplexity,
@@ -103,7 +102,7 @@ class TSNE {
     /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
     void finish();
 
-    /// /// Whether the last `actuate` wrote its result table.
+    /// Whether the last `actuate` wrote its result table.
     [[nodiscard]] bool tableWritten() const { return table_written_; }
 
     /// Whether the last `actuate` wrote its record in the run log.

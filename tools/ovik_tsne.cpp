@@ -62,7 +62,7 @@ double choose_perplexity(const Options& options, std::size_t rows) {
     return largest;
 }
 
-/// /// @throws InputError if the name of the file itself is too long for a directory to hold
+/// @throws InputError if the name of the file itself is too long for a directory to hold
 void check_file_name(const std::string& path) {
     constexpr std::size_t kLongestName = 255;
     const std::string name = std::filesystem::path(path).filename().string();

@@ -12,8 +12,7 @@ namespace ovik {
 /// Prints "-- " and one message, then the end character. Does not flush.
 ///
 /// @param message  the text, printed up to its first NUL
-/// @param colour   1 red, 2 green, 3 yellow, 4 blue; any other value prints without escape
-/// sequences
+/// @param colour   1 red, 2 green, 3 yellow, 4 blue; others print without escape sequences
 /// @param end      written last; a blank leaves the cursor on the line
 /// @return what `putchar` returned for `end`
 static inline int print_text(std::string message, int colour = -1, char end = '\n') {

@@ -28,7 +28,6 @@ struct RaggedRow {
     std::size_t line = 0;
     std::string name;
     std::size_t values = 0;
-    ///
 };
 
 /// What `read_matrix_w_index` would read from a file, and what it would pass over in silence.
@@ -49,7 +48,7 @@ struct MatrixReport {
     std::size_t ragged_rows = 0;
     /// The first few of them.
     std::vector<RaggedRow> first_ragged_rows;
-    /// /// Rows whose line opens with a blank delimiter, which is trimmed away with the empty name
+    /// Rows whose line opens with a blank delimiter, which is trimmed away with the empty name
     /// in front of it, so that a number has become the name.
     FieldFindings lost_names;
     /// Rows whose name is empty.
@@ -58,7 +57,7 @@ struct MatrixReport {
     std::size_t duplicate_names = 0;
     /// The first few of these names.
     std::vector<std::string> first_duplicate_names;
-    /// /// Largest absolute value.
+    /// Largest absolute value.
     double largest_magnitude = 0.0;
     /// Largest difference of two values of a column.
     double widest_range = 0.0;

@@ -17,12 +17,18 @@ std::string partial_path_for(const std::string& path) {
            ".part";
 }
 
+/// Opens a file that is not there yet; what a killed process of the same number left is in the way.
+std::FILE* open_anew(const std::string& path) {
+    std::remove(path.c_str());
+    return std::fopen(path.c_str(), "wx");
+}
+
 }  // namespace
 
 WholeFile::WholeFile(std::string path)
     : path_(std::move(path)),
       partial_path_(partial_path_for(path_)),
-      stream_(std::fopen(partial_path_.c_str(), "wx")) {}
+      stream_(open_anew(partial_path_)) {}
 
 WholeFile::~WholeFile() {
     if (stream_ != nullptr) {

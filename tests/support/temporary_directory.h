@@ -13,7 +13,8 @@ namespace ovik::test {
 class TemporaryDirectory {
   public:
     TemporaryDirectory() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ovik-XXXXXX").string();
+        std::string pattern =
+            std::filesystem::temp_directory_path().string() + "/ovik-" + std::string(6, 'X');
         if (mkdtemp(pattern.data()) == nullptr) {
             throw std::runtime_error("cannot make a temporary directory");
         }
