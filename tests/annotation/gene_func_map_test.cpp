@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "annotation/gene_list.h"
@@ -20,11 +20,9 @@ class GeneFuncMap : public testing::Test {
     std::map<std::string, std::string> table_ = make_gene_table();
 
     [[nodiscard]] std::size_t keysLike(const char* pattern) const {
-        const std::regex form(pattern);
-        return static_cast<std::size_t>(
-            std::count_if(table_.begin(), table_.end(), [&](const auto& gene) {
-                return std::regex_match(gene.first, form);
-            }));
+        const auto has_form = testing::Matches(testing::MatchesRegex(pattern));
+        return static_cast<std::size_t>(std::count_if(
+            table_.begin(), table_.end(), [&](const auto& gene) { return has_form(gene.first); }));
     }
 
     [[nodiscard]] std::size_t genesThat(const std::string& function) const {
