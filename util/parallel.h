@@ -79,33 +79,36 @@ void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
 
 /// Adds the terms of all blocks to `start`, one after the other in index order.
 ///
-/// Blocks are computed in parallel, each into a buffer; the one running sum takes them in turn, so
-/// that the result is that of a plain loop for any number of threads.
+/// Many blocks at a time are computed in parallel, each into a buffer of its own; then one running
+/// sum takes their terms in turn, so that the result is that of a plain loop for any number of
+/// threads.
 ///
 /// @param block_count     number of blocks
 /// @param block_capacity  largest number of terms in a block
-/// @param fill_block      `fill_block(block, terms)` writes the terms and returns their number; it
-///                        must not throw
+/// @param fill_block      `fill_block(block, terms)` writes the terms and returns their number
 /// Ends the process as `exit_unless_allocated` does if the buffers cannot be had.
 template <typename FillBlock>
 double ordered_sum(double start,
                    std::size_t block_count,
                    std::size_t block_capacity,
                    const FillBlock& fill_block) {
-    const int workers = worker_count(block_count);
-    const auto buffers = malloc_array<double>(static_cast<std::size_t>(workers) * block_capacity);
-    exit_unless_allocated(buffers);
+    // Large enough that threads seldom wait for one another, small enough for the caches.
+    constexpr std::size_t kBufferedTerms = std::size_t{1} << 18U;
+    const std::size_t wanted = kBufferedTerms / std::max<std::size_t>(1, block_capacity);
+    const std::size_t batch =
+        std::max<std::size_t>(wanted, static_cast<std::size_t>(worker_count(block_count)));
+    const auto buffers = malloc_array<double>(batch * block_capacity);
+    const auto term_counts = malloc_array<std::size_t>(batch);
+    exit_unless_allocated(buffers, term_counts);
     double sum = start;
-#pragma omp parallel num_threads(workers) default(none) \
-    shared(block_count, block_capacity, fill_block, buffers, sum)
-    {
-        double* const terms =
-            buffers.get() + static_cast<std::size_t>(omp_get_thread_num()) * block_capacity;
-#pragma omp for ordered schedule(static, 1)
-        for (std::size_t block = 0; block < block_count; ++block) {
-            const std::size_t term_count = fill_block(block, terms);
-#pragma omp ordered
-            sum = std::accumulate(terms, terms + term_count, sum);
+    for (std::size_t first = 0; first < block_count; first += batch) {
+        const std::size_t count = std::min(batch, block_count - first);
+        parallel_for_each(count, 1, [&](std::size_t i) {
+            term_counts[i] = fill_block(first + i, buffers.get() + i * block_capacity);
+        });
+        for (std::size_t i = 0; i < count; ++i) {
+            const double* const terms = buffers.get() + i * block_capacity;
+            sum = std::accumulate(terms, terms + term_counts[i], sum);
         }
     }
     return sum;
