@@ -1,0 +1,29 @@
+/** Genes as comma-separated text. */
+
+import { nameOf } from './dataset.js';
+
+const COLUMNS = ['name', 'label', 'group', 'x', 'y', 'function'];
+
+function field(value) {
+  const text = String(value);
+  return /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
+}
+
+/**
+ * A header line and a line per gene (RFC 4180, lines end in LF). Coordinates have all their digits and
+ * are empty where there are none; texts are as in the data.
+ */
+export function toCsv(model, state, genes) {
+  const { dataset } = model;
+  const pair = model.pairOf(state);
+  const number = (value) => (Number.isFinite(value) ? value : '');
+  const lines = Array.from(genes, (gene) => [
+    nameOf(dataset, gene),
+    dataset.labels[gene] ?? '',
+    pair?.group ?? '',
+    number(pair?.x[gene]),
+    number(pair?.y[gene]),
+    dataset.functions[gene] ?? '',
+  ].map(field).join(','));
+  return `${[COLUMNS.join(','), ...lines].join('\n')}\n`;
+}

@@ -1,0 +1,51 @@
+/** The panel that says everything about the focused gene. */
+
+import { button, dataText, el } from './dom.js';
+import { coordinatesText, databaseAddress } from './gene_text.js';
+import { functionText } from './format.js';
+import { nameOf } from './dataset.js';
+import { includes, toggled } from './sets.js';
+
+function databaseLink(address) {
+  return el('p', {}, el('a', { href: address, target: '_blank', rel: 'noopener noreferrer' },
+    'Public database page', el('span', { class: 'unseen' }, ' (opens a new tab)')));
+}
+
+/** Fills the panel and keeps it true. */
+export function showDetails(element, model, store) {
+  const heading = el('h2', {}, 'Gene');
+  const body = el('div');
+  element.append(heading, body);
+
+  function entry(term, text) {
+    return [el('dt', {}, term), el('dd', {}, dataText(text))];
+  }
+
+  function describe(state, gene) {
+    const { dataset } = model;
+    const label = dataset.labels[gene] ?? '';
+    const address = databaseAddress(dataset, gene);
+    const chosen = includes(state.selection, gene);
+    return [
+      el('p', { class: 'gene-name' }, dataText(nameOf(dataset, gene))),
+      el('p', { class: 'gene-function' }, dataText(functionText(dataset.functions[gene] ?? ''))),
+      el('dl', {},
+        ...(label === '' ? [] : entry('Label', label)),
+        ...entry('Group', model.pairOf(state)?.group ?? ''),
+        ...entry('Place', coordinatesText(model, state, gene))),
+      ...(address === '' ? [] : [databaseLink(address)]),
+      button(chosen ? 'Remove from selection' : 'Add to selection',
+        () => store.set({ selection: toggled(store.get().selection, gene) })),
+    ];
+  }
+
+  function update(state) {
+    const hint = el('p', { class: 'hint' }, 'Click a point, or press an arrow key in the chart, to see what the gene does.');
+    const hadFocus = body.contains(document.activeElement);
+    body.replaceChildren(...(state.focus >= 0 ? describe(state, state.focus) : [hint]));
+    if (hadFocus) body.querySelector('button')?.focus();
+  }
+
+  store.listen(['focus', 'pair', 'selection'], update);
+  update(store.get());
+}

@@ -1,0 +1,64 @@
+import assert from 'node:assert/strict';
+import { execFile } from 'node:child_process';
+import { createHash } from 'node:crypto';
+import { readdir, readFile } from 'node:fs/promises';
+import { join } from 'node:path';
+import { test } from 'node:test';
+import { promisify } from 'node:util';
+import { PAGE_FOLDER } from './support.mjs';
+
+const run = promisify(execFile);
+const committedPage = () => readFile(join(PAGE_FOLDER, 'page.html'), 'utf8');
+
+test('the committed page is what the sources give', async () => {
+  await assert.doesNotReject(run(process.execPath, [join(PAGE_FOLDER, 'build.mjs'), '--check']));
+});
+
+test('the page holds each placeholder once, and they stand where they belong', async () => {
+  const page = await committedPage();
+  assert.equal(page.split('{{page-title}}').length, 2);
+  assert.equal(page.split('{{chart-data}}').length, 2);
+  assert.match(page, /<title>\{\{page-title\}\}<\/title>/);
+  assert.match(page, /<script type="application\/json" id="chart-data">\{\{chart-data\}\}<\/script>/);
+});
+
+test('the policy allows the one script and the one style sheet by hash, and nothing else', async () => {
+  const page = await committedPage();
+  const policy = page.match(/http-equiv="Content-Security-Policy" content="([^"]*)"/)[1];
+  const hashOf = (text) => `'sha256-${createHash('sha256').update(text).digest('base64')}'`;
+  const scripts = [...page.matchAll(/<script>([^]*?)<\/script>/g)];
+  const styles = [...page.matchAll(/<style>([^]*?)<\/style>/g)];
+  assert.equal(scripts.length, 1);
+  assert.equal(styles.length, 1);
+  assert.deepEqual(policy.split('; '), [
+    "default-src 'none'",
+    'img-src data: blob:',
+    `script-src ${hashOf(scripts[0][1])}`,
+    `style-src ${hashOf(styles[0][1])}`,
+    "base-uri 'none'",
+    "form-action 'none'",
+  ]);
+});
+
+test('the page carries the notices of the libraries in it', async () => {
+  const page = await committedPage();
+  for (const owner of ['The Apache Software Foundation', 'Baidu Inc.', 'Mike Bostock', 'Microsoft Corporation']) {
+    assert.ok(page.includes(owner), owner);
+  }
+});
+
+test('no source writes markup or runs text', async () => {
+  const folder = join(PAGE_FOLDER, 'src');
+  const files = await readdir(folder);
+  assert.ok(files.length > 10);
+  for (const file of files) {
+    const text = await readFile(join(folder, file), 'utf8');
+    const found = text.match(/innerHTML|outerHTML|insertAdjacentHTML|document\.write|\beval\(|new Function|Math\.random|Date\b/);
+    assert.equal(found, null, `${file} holds ${found}`);
+  }
+});
+
+test('the lock file names no host', async () => {
+  const lock = await readFile(join(PAGE_FOLDER, 'package-lock.json'), 'utf8');
+  assert.doesNotMatch(lock, /:\/\/|"resolved"/);
+});

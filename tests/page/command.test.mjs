@@ -1,0 +1,100 @@
+import assert from 'node:assert/strict';
+import { execFile } from 'node:child_process';
+import { readFile, writeFile } from 'node:fs/promises';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { promisify } from 'node:util';
+import { startBrowser } from './support.mjs';
+
+/** Pages as the command writes them; `OVIK_TSNE` is its path. */
+
+const run = promisify(execFile);
+
+const NAMES = [
+  '</script><img src=x onerror=alert(1)>',
+  "'; system(\"x\")",
+  'ADE5,7',
+  'CDC28',
+  '"quoted", twice',
+  '`back` $tick %d \\n',
+  'gr\u00fc\u00df\u20ac \u{1f9ec}',
+  'not a gene',
+];
+
+let browser;
+
+before(async () => {
+  browser = await startBrowser();
+});
+
+after(() => browser.close());
+
+/** Runs the command on one row per name, results in a folder of that name. */
+async function runCommand(folder, options) {
+  const rows = NAMES.map((name, row) => `${name}\t${row % 3}\t${row * row}\t${5 - row}`);
+  const matrix = join(browser.folder, 'matrix.tsv');
+  await writeFile(matrix, `gene\ta\tb\tc\n${rows.join('\n')}\n`);
+  const labels = join(browser.folder, 'labels');
+  await writeFile(labels, `${NAMES.join('\n')}\n`);
+  const results = join(browser.folder, folder);
+  await run(process.env.OVIK_TSNE, [
+    matrix, '--quiet', '--max-iter', '20', '--labels', labels, '--out-dir', results, ...options,
+  ]);
+  return results;
+}
+
+/** Searches for each name; what the page then says about the match. */
+async function detailsOfNames(page) {
+  const details = [];
+  for (const name of NAMES) {
+    await page.locator('#find input').fill(name);
+    await page.locator('#find input').press('Enter');
+    details.push(await page.locator('#details').textContent());
+  }
+  return details;
+}
+
+test('hostile names and labels are shown as they are and run nothing', async () => {
+  const results = await runCommand('hostile', ['--perplexity', '2', '--name', 'm', '--title', NAMES[0]]);
+  const page = await browser.openFile(join(results, 'm_tsne_2_0.html'));
+  assert.equal(await page.title(), NAMES[0]);
+  const details = await detailsOfNames(page);
+  NAMES.forEach((name, row) => assert.ok(details[row].includes(name), `${name}: ${details[row]}`));
+  assert.match(details[3], /cyclin-dependent/i);
+  const legend = await page.locator('#legend').textContent();
+  for (const name of NAMES) {
+    assert.ok(legend.includes(name), `${name}: ${legend}`);
+  }
+  assert.deepEqual(page.problems, []);
+  assert.deepEqual(page.requests.filter((request) => request !== page.address && !request.startsWith('blob:')), []);
+});
+
+test('the parameters of the run stand at the foot', async () => {
+  const results = await runCommand('foot', ['--perplexity', '1.5', '--theta', '0.25', '--name', 'm']);
+  const page = await browser.openFile(join(results, 'm_tsne_1_5.html'));
+  const foot = await page.locator('#foot').textContent();
+  for (const words of [/Perplexity\s*1\.5/, /Theta\s*0\.25/, /8 rows, 3 columns/, /Last iteration\s*20/, /Random seed\s*11/]) {
+    assert.match(foot, words);
+  }
+});
+
+test('three components are three pairs to choose from', async () => {
+  const results = await runCommand('three', ['--perplexity', '2', '--dims', '3', '--name', 'm']);
+  const page = await browser.openFile(join(results, 'm_tsne_2_0.html'));
+  const pairs = await page.locator('#toolbar select option').allTextContents();
+  assert.deepEqual(pairs, ['Component 2 against Component 1', 'Component 3 against Component 1', 'Component 3 against Component 2']);
+});
+
+test('odd file names work, and the same input gives the same page', async () => {
+  const options = ['--perplexity', '2'];
+  const folder = await runCommand('plain', [...options, '--name', 'm']);
+  const wanted = await readFile(join(folder, 'm_tsne_2_0.html'), 'utf8');
+  await runCommand('plain', [...options, '--name', 'm']);
+  assert.equal(await readFile(join(folder, 'm_tsne_2_0.html'), 'utf8'), wanted);
+  for (const name of ['a b', "it's", 'two\nlines', '100%41 #?', 'gr\u00fc\u00df', '"quoted"']) {
+    const results = await runCommand('odd', [...options, '--name', name]);
+    const page = await browser.openFile(join(results, `${name}_tsne_2_0.html`));
+    assert.equal(await page.title(), name.replace('\n', ' '));
+    assert.deepEqual(page.problems, []);
+  }
+});

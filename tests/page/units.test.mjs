@@ -1,0 +1,185 @@
+import assert from 'node:assert/strict';
+import { describe, test } from 'node:test';
+import { findCategories, MOST_CATEGORIES } from '../../plots/page/src/categories.js';
+import { categoryStyles } from '../../plots/page/src/palette.js';
+import { drawableText, fileStem, formatCoordinate, formatCount, formatTick } from '../../plots/page/src/format.js';
+import { drawnGenes, genesInPolygon, genesInWindow, nearestGene, nextGene } from '../../plots/page/src/points.js';
+import { includes, toggled, union } from '../../plots/page/src/sets.js';
+import { between, fitWindow, fromPercent, toPercent, windowAt } from '../../plots/page/src/windows.js';
+import { readDataset } from '../../plots/page/src/dataset.js';
+import { createNumbers, smallData } from './support.mjs';
+
+const perPixel = (view, width, height) => [(view.x1 - view.x0) / width, (view.y1 - view.y0) / height];
+
+describe('windows', () => {
+  test('a fitted window holds its extent, and a unit is as long on both axes', () => {
+    const extent = { x0: -3, x1: 5, y0: 10, y1: 11 };
+    const view = fitWindow(extent, 700, 300);
+    const [across, up] = perPixel(view, 700, 300);
+    assert.ok(Math.abs(across - up) < 1e-12);
+    assert.ok(view.x0 < -3 && view.x1 > 5 && view.y0 < 10 && view.y1 > 11);
+  });
+
+  test('no extent, a single point and overflowing extents give finite windows', () => {
+    const point = { x0: 2, x1: 2, y0: 3, y1: 3 };
+    const huge = { x0: -1.7e308, x1: 1.7e308, y0: 0, y1: 0 };
+    for (const extent of [null, point, huge]) {
+      const view = fitWindow(extent, 200, 100);
+      assert.ok(Object.values(view).every(Number.isFinite), JSON.stringify(view));
+      assert.ok(view.x1 > view.x0 && view.y1 > view.y0);
+    }
+  });
+
+  test('percent ranges lead back to the window', () => {
+    const whole = { x0: -10, x1: 30, y0: 0, y1: 20 };
+    const view = { x0: 0, x1: 4, y0: 5, y1: 7 };
+    const back = fromPercent(whole, toPercent(whole, view));
+    for (const side of Object.keys(view)) assert.ok(Math.abs(back[side] - view[side]) < 1e-12);
+  });
+
+  test('a window at the edge is moved into the whole', () => {
+    const whole = { x0: 0, x1: 100, y0: 0, y1: 50 };
+    assert.deepEqual(windowAt(whole, 99, -10, 0.1), { x0: 90, x1: 100, y0: 0, y1: 5 });
+    assert.deepEqual(windowAt(whole, 7, 7, 3), whole);
+  });
+
+  test('a flight starts and ends where it should', () => {
+    const whole = { x0: 0, x1: 100, y0: 0, y1: 50 };
+    const to = windowAt(whole, 70, 30, 0.05);
+    const close = (one, other) => Object.keys(one).every((side) => Math.abs(one[side] - other[side]) < 1e-9);
+    assert.ok(close(between(whole, whole, to, 0), whole));
+    assert.ok(close(between(whole, whole, to, 1), to));
+    assert.ok(close(between(whole, to, to, 0.5), to));
+  });
+});
+
+describe('points', () => {
+  const points = {
+    x: Float64Array.of(0, 10, 0, -10, 0, 0, NaN),
+    y: Float64Array.of(0, 1, 10, 0, -10, 0, 0),
+    genes: Int32Array.of(0, 1, 2, 3, 4, 5),
+  };
+
+  test('the nearest is the nearest of all, within reach', () => {
+    const next = createNumbers(3);
+    const x = Float64Array.from({ length: 200 }, next);
+    const y = Float64Array.from({ length: 200 }, next);
+    const genes = Int32Array.from({ length: 200 }, (_, gene) => gene);
+    for (let trial = 0; trial < 50; trial += 1) {
+      const [atX, atY] = [next(), next()];
+      const distances = Array.from(genes, (gene) => Math.hypot(x[gene] - atX, y[gene] - atY));
+      assert.equal(nearestGene({ x, y, genes }, atX, atY), distances.indexOf(Math.min(...distances)));
+    }
+    assert.equal(nearestGene(points, 5, 5, 1), -1);
+    assert.equal(nearestGene(points, 0.1, 0), 5, 'of equals, the one drawn on top');
+  });
+
+  test('steps lead to the next gene in each direction, or nowhere', () => {
+    assert.equal(nextGene(points, 5, 1, 0), 1);
+    assert.equal(nextGene(points, 5, 0, 1), 2);
+    assert.equal(nextGene(points, 0, -1, 0), 3);
+    assert.equal(nextGene(points, 0, 0, -1), 4);
+    assert.equal(nextGene(points, 1, 1, 0), -1);
+  });
+
+  test('genes on the same place are reached one after the other', () => {
+    assert.equal(nextGene(points, 0, 1, 0), 5);
+    assert.equal(nextGene(points, 5, -1, 0), 0);
+  });
+
+  test('polygons and windows hold what lies in them', () => {
+    const triangle = [[-1, -1], [11, -1], [-1, 11]];
+    assert.deepEqual([...genesInPolygon(points, triangle)], [0, 2, 5]);
+    assert.deepEqual([...genesInWindow(points, { x0: -1, x1: 11, y0: -1, y1: 2 })], [0, 1, 5]);
+  });
+
+  test('genes without a position or with a hidden label are not drawn', () => {
+    const pair = { x: Float64Array.of(1, NaN, 3), y: Float64Array.of(1, 2, 3), placed: 2 };
+    const categories = { of: Uint16Array.of(0, 0, 1) };
+    assert.deepEqual([...drawnGenes(pair, categories, Uint8Array.of(1, 1))], [0, 2]);
+    assert.deepEqual([...drawnGenes(pair, categories, Uint8Array.of(1, 0))], [0]);
+  });
+});
+
+test('sets of genes', () => {
+  const genes = Int32Array.of(2, 5, 9);
+  assert.deepEqual([0, 2, 3, 9, 10].map((gene) => includes(genes, gene)), [false, true, false, true, false]);
+  assert.deepEqual([...union(genes, [10, 5, 1])], [1, 2, 5, 9, 10]);
+  assert.deepEqual([...toggled(genes, 5)], [2, 9]);
+  assert.deepEqual([...toggled(genes, 7)], [2, 5, 7, 9]);
+});
+
+describe('categories', () => {
+  test('the stated order comes first, the rest as it appears', () => {
+    const { list, of, labelled } = findCategories(['b', 'a', '', 'b'], ['z', 'a'], 4);
+    assert.ok(labelled);
+    assert.deepEqual(list, [{ text: 'a', count: 1 }, { text: 'b', count: 2 }, { text: '(no label)', count: 1 }]);
+    assert.deepEqual([...of], [1, 0, 2, 1]);
+  });
+
+  test('no labels are one category', () => {
+    assert.equal(findCategories(['', ''], [], 2).labelled, false);
+    assert.equal(findCategories([], [], 2).list.length, 1);
+  });
+
+  test('too many labels share the last entry', () => {
+    const labels = Array.from({ length: 1000 }, (_, index) => `label ${index}`);
+    const { list, of } = findCategories(labels, [], 1000);
+    assert.equal(list.length, MOST_CATEGORIES);
+    assert.deepEqual(list.at(-1), { text: '501 other labels', count: 501 });
+    assert.equal(of[999], MOST_CATEGORIES - 1);
+  });
+
+  test('the first 64 styles differ, invalid colours are ignored', () => {
+    const styles = categoryStyles(70, { scheme: '', own: ['red', '#12AB9f', 'url(x)'], theme: 'light' });
+    assert.equal(new Set(styles.slice(0, 64).map(({ colour, shape }) => colour + shape.name)).size, 64);
+    assert.equal(new Set(styles.slice(0, 8).map(({ shape }) => shape.name)).size, 8);
+    assert.equal(styles[0].colour, '#0072b2');
+    assert.equal(styles[1].colour, '#12ab9f');
+  });
+
+  test('schemes', () => {
+    const colours = (scheme, count) => categoryStyles(count, { scheme, own: [], theme: 'light' }).map(({ colour }) => colour);
+    assert.deepEqual(colours('dark2', 2), ['#1b9e77', '#d95f02']);
+    assert.deepEqual(colours('viridis', 3), ['#440154', '#25858d', '#bdde2e']);
+    assert.deepEqual(colours('no such scheme', 1), ['#0072b2']);
+  });
+});
+
+describe('texts', () => {
+  test('counts and coordinates', () => {
+    assert.equal(formatCount(1234567), '1,234,567');
+    assert.equal(formatCoordinate(-2.62), '-2.620');
+    assert.equal(formatCoordinate(1e300), '1.000e+300');
+    assert.equal(formatCoordinate(NaN), 'none');
+  });
+
+  test('ticks have the wanted decimals, more only where they would lie', () => {
+    assert.equal(formatTick(20, 0), '20');
+    assert.equal(formatTick(0.25, 0), '0.25');
+    assert.equal(formatTick(20, 2), '20.00');
+    assert.equal(formatTick(-0, 0), '0');
+    assert.equal(formatTick(0.1 + 0.2, 0), '0.3');
+  });
+
+  test('drawable texts and file names hold nothing harmful', () => {
+    assert.equal(drawableText('a\u0000b\u202ec\ud800d\u{1f9ec}'), 'a\ufffdb\ufffdc\ufffdd\u{1f9ec}');
+    assert.equal(drawableText('x'.repeat(300)).length, 200);
+    assert.equal(fileStem('../a/b:c'), '__a_b_c');
+    assert.equal(fileStem(''), 'genes');
+  });
+});
+
+test('the data are read, whatever is missing or wrong', () => {
+  const data = readDataset(JSON.stringify(smallData()));
+  assert.equal(data.count, 7);
+  assert.equal(data.pairs[0].placed, 7);
+  assert.deepEqual(data.pairs[0].extent, { x0: -30, x1: 30, y0: -30, y1: 30 });
+  const odd = readDataset('{"pointCount":2,"pairs":[{"x":[1,null],"y":["2"]}],"names":["a"],"layout":{"margins":[1,"x"],"grid":0}}');
+  assert.equal(odd.pairs[0].placed, 0);
+  assert.equal(odd.pairs[0].extent, null);
+  assert.deepEqual(odd.names, []);
+  assert.deepEqual(odd.layout.margins, [1, 180, 75, 120]);
+  assert.equal(odd.layout.grid, true);
+  assert.throws(() => readDataset('no JSON'), SyntaxError);
+});
