@@ -9,7 +9,6 @@ namespace ovik {
 
 namespace {
 
-constexpr double kLearningRate = 200.0;
 constexpr double kGainIncrease = 0.2;
 constexpr double kGainDecay = 0.8;
 constexpr double kSmallestGain = 0.01;

@@ -6,6 +6,8 @@
 
 namespace ovik {
 
+constexpr double kLearningRate = 200.0;
+
 /// Gradient descent with momentum and an adaptive gain per element; the learning rate is 200.
 ///
 /// @par Source Jacobs, "Increased rates of convergence through learning rate adaptation",

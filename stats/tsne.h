@@ -7,6 +7,8 @@
 
 namespace ovik {
 
+struct RunCaption;
+
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
 extern char gInstantiationGuardTSNE;
 
@@ -54,6 +56,8 @@ class TSNE {
     double perplexity = 0.0;
     /// Accuracy of the Barnes-Hut method, 0.5 after `init`; exactly 0.0 selects the exact method.
     double theta = 0.0;
+    /// Whether `actuate` draws the chart page and the figure.
+    bool draw_plots = true;
 
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names
@@ -81,7 +85,9 @@ class TSNE {
     void init(std::string path, int max_iter, char delimiter);
 
     /// Embeds the rows and writes the results: the table `out_base` + "_tsne_" + perplexity +
-    /// `out_suffix` + ".csv" and a record in the log `out_base` + ".log".
+    /// `out_suffix` + ".csv", a record in the log `out_base` + ".log", and, named as the table, the
+    /// chart page (".html", see `Javas`) and the figure (".png", ".svg" and the script ".gp", see
+    /// `Gnuplot`).
     ///
     /// A second run starts from the input as the first left it; the embedding that it replaces
     /// lives until `finish`.
@@ -89,7 +95,7 @@ class TSNE {
     /// @param no_dims          output dimensions, at least 2 for the table to have rows
     /// @param perplexity       effective number of neighbours; the console tells of one that
     ///                         is too large (3 * perplexity > N - 1), and the run goes on
-    /// @param labels           reserved for the plots: one per row, or empty
+    /// @param labels           one per row, or empty: they colour the points of the plots
     /// @param stop_lying_iter  iteration at which early exaggeration ends
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
@@ -167,7 +173,7 @@ class TSNE {
 
   private:
     void replaceArray(double*& member, double*& released, double* fresh);
-    void writeResults(int no_dims);
+    void writeResults(int no_dims, const RunCaption& caption);
 
     /// Where the names of the current rows begin in `row_names`.
     std::size_t first_row_name_ = 0;

@@ -6,13 +6,17 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "annotation/gene_func_map.h"
+#include "plots/run_caption.h"
 #include "stats/barnes_hut_objective.h"
 #include "stats/centring.h"
 #include "stats/exact_objective.h"
 #include "stats/gradient_descent.h"
 #include "stats/normal_deviates.h"
+#include "stats/plot_columns.h"
+#include "stats/plot_hand_off.h"
 #include "stats/result_table.h"
 #include "stats/run_log.h"
 #include "stats/tsne.h"
@@ -74,14 +78,17 @@ void report_progress(double cost, long iter, int max_iter) {
 }
 
 /// Gradient descent from the random start to the final embedding.
+///
+/// @return the cost of the final embedding; 0 if there was no iteration
 template <typename T>
-void optimise(Objective& objective,
-              GradientDescent& descent,
-              double* Y,
-              std::size_t N,
-              std::size_t no_dims,
-              const Schedule& schedule) {
+double optimise(Objective& objective,
+                GradientDescent& descent,
+                double* Y,
+                std::size_t N,
+                std::size_t no_dims,
+                const Schedule& schedule) {
     double momentum = kInitialMomentum;
+    double cost = 0.0;
     for (long iter = 0; iter <= schedule.max_iter; ++iter) {
         objective.gradient(Y, descent.gradient());
         descent.step(Y, momentum);
@@ -94,9 +101,18 @@ void optimise(Objective& objective,
         }
         // Until exaggeration ends the cost is that against the exaggerated similarities, on
         // purpose.
-        report_progress<T>(objective.cost(Y), iter, schedule.max_iter);
+        cost = objective.cost(Y);
+        report_progress<T>(cost, iter, schedule.max_iter);
     }
     std::putchar('\n');
+    return cost;
+}
+
+/// A number as a reader writes it: 30, 12.75.
+std::string plain_number(double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%g", value);
+    return text;
 }
 
 }  // namespace
@@ -104,7 +120,7 @@ void optimise(Objective& objective,
 template <typename T>
 void TSNE<T>::actuate(int no_dims,
                       double perplexity,
-                      std::vector<std::string> /*labels*/,
+                      std::vector<std::string> labels,
                       int stop_lying_iter,
                       int mom_switch_iter) {
     this->perplexity = perplexity;
@@ -142,27 +158,51 @@ void TSNE<T>::actuate(int no_dims,
     print_info(objective->report(end - start));
 
     start = std::clock();
-    optimise<T>(
-        *objective, *descent, Y, rows, out_dims, {max_iter, stop_lying_iter, mom_switch_iter});
+    const Schedule schedule{max_iter, stop_lying_iter, mom_switch_iter};
+    const double cost = optimise<T>(*objective, *descent, Y, rows, out_dims, schedule);
     end = std::clock();
     descent.reset();
     objective.reset();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
 
-    writeResults(no_dims);
+    RunCaption caption{data_title, {}, std::move(labels)};
+    caption.parameters = {
+        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
+        {"Perplexity", plain_number(perplexity)},
+        {"Theta", plain_number(theta)},
+        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
+        {"Output dimensions", std::to_string(no_dims)},
+        {"Last iteration", std::to_string(max_iter)},
+        {"Early exaggeration",
+         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
+        {"Momentum",
+         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
+             " " + plain_number(kFinalMomentum)},
+        {"Learning rate", plain_number(kLearningRate)},
+        {"Random seed", std::to_string(kRandomSeed)},
+        {"Final cost", plain_number(cost)}};
+    writeResults(no_dims, caption);
 }
 
-/// Writes the result table, then the record in the run log.
+/// Writes the result table, then the record in the run log, then draws the plots.
 template <typename T>
-void TSNE<T>::writeResults(int no_dims) {
+void TSNE<T>::writeResults(int no_dims, const RunCaption& caption) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
-    const auto table = make_result_table<T>(Y,
-                                            static_cast<std::size_t>(N),
-                                            static_cast<std::size_t>(std::max(no_dims, 0)),
-                                            row_names.data() + first_row_name_,
-                                            gene_func_map);
+    auto table = make_result_table<T>(Y,
+                                      static_cast<std::size_t>(N),
+                                      static_cast<std::size_t>(std::max(no_dims, 0)),
+                                      row_names.data() + first_row_name_,
+                                      gene_func_map);
+    const PlotColumns<T> columns(table.coordinates);
     table_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
     log_written_ = append_run_log(out_base, data_title, perplexity, stem);
+    if (draw_plots) {
+        const CaptionScope scope(caption);
+        hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
+                         std::move(table.coordinates),
+                         columns,
+                         caption.labels);
+    }
 }
 
 template void TSNE<float>::actuate(int, double, std::vector<std::string>, int, int);

@@ -4,6 +4,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "util/console.h"
+
 namespace ovik {
 
 namespace {
@@ -48,6 +50,20 @@ bool WholeFile::commit() {
         std::remove(partial_path_.c_str());
     }
     return placed;
+}
+
+bool write_whole_file(const std::string& path, std::string_view text) {
+    WholeFile file(path);
+    if (file.stream() == nullptr) {
+        print_file_error("I cannot open file", path);
+        return false;
+    }
+    std::fwrite(text.data(), 1, text.size(), file.stream());
+    if (!file.commit()) {
+        print_file_error("I cannot write file", path);
+        return false;
+    }
+    return true;
 }
 
 }  // namespace ovik

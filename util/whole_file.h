@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace ovik {
 
@@ -32,5 +33,10 @@ class WholeFile {
     std::string partial_path_;
     std::FILE* stream_;
 };
+
+/// Writes a text as a `WholeFile`.
+///
+/// @return false if the file could not be written; the console then says so in bold red
+bool write_whole_file(const std::string& path, std::string_view text);
 
 }  // namespace ovik

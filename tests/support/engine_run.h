@@ -39,6 +39,7 @@ RunOutcome run_engine(const std::string& path, const RunSettings& settings) {
     testing::internal::CaptureStderr();
     tsne.init(path, settings.max_iter, '\t');
     tsne.theta = settings.theta;
+    tsne.draw_plots = false;
     tsne.actuate(settings.no_dims,
                  settings.perplexity,
                  {},

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "plots/result_rows.h"
+
+namespace ovik {
+
+/// Where the parts of a chart page go.
+struct ChartLayout {
+    /// Room around the plot in pixels: top, right, bottom, left.
+    std::vector<int> margins;
+    /// Pixels.
+    int legend_width = 0;
+    /// Degrees by which tick labels of the x axis are turned.
+    int x_tick_turn = 0;
+    /// Degrees by which the title of the y axis is turned.
+    int y_title_turn = 0;
+    /// Decimals of tick labels.
+    int tick_decimals = 0;
+    bool grid = true;
+};
+
+/// What a chart page shows. All texts are data: any bytes, escaped where they land.
+struct Chart {
+    std::string title;
+    /// What downloads from the page are named after.
+    std::string name;
+    std::string x_title;
+    std::string y_title;
+    /// Shown under the title where not empty.
+    std::vector<std::string> texts;
+    ChartLayout layout;
+    /// Whether labels stand beside the points.
+    bool show_labels = false;
+    /// Empty for the default.
+    std::string colour_scheme;
+    /// Labels in the order of the legend; others follow.
+    std::vector<std::string> category_order;
+    /// "#rrggbb" for each category; empty for those of the scheme.
+    std::vector<std::string> colours;
+    /// Files and addresses that the page refers to.
+    std::vector<std::string> links;
+    /// One per point, or empty.
+    std::vector<std::string> labels;
+    /// Coordinates of all rows; what is not finite is not drawn.
+    std::vector<double> x;
+    std::vector<double> y;
+    /// Names, groups and functions of the rows, as many as there are coordinates; nothing if they
+    /// are not known. The rows of one group follow one another, point by point, group by group.
+    std::optional<std::vector<ResultRow>> rows;
+};
+
+/// The chart as a page of its own, which needs nothing but itself. The same chart gives the same
+/// page.
+std::string chart_page(const Chart& chart);
+
+}  // namespace ovik

@@ -1,0 +1,275 @@
+#include "plots/gnuplot_script.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numeric>
+#include <string_view>
+
+#include "plots/plain_text.h"
+
+namespace ovik {
+
+namespace {
+
+/// The colours of Okabe and Ito, which colour-blind readers can tell apart; black comes last, and
+/// the yellow is darkened to show on white.
+constexpr std::array<const char*, 8> kColours = {
+    "0072B2", "D55E00", "009E73", "CC79A7", "E69F00", "56B4E9", "B8A800", "000000"};
+
+/// Circle, square, triangle, diamond: the shapes of the first eight labels, the next eight, ...
+constexpr std::array<int, 4> kShapes = {7, 5, 9, 13};
+
+/// Shortest form that reads back as the same number, in every locale.
+std::string number(double value) {
+    char text[32];
+    const auto result = std::to_chars(text, text + sizeof text, value);
+    return {text, result.ptr};
+}
+
+/// A text, byte for byte, as an expression: pieces in single quotes, inside which gnuplot
+/// substitutes nothing. What would end a piece is spelt out, since gnuplot takes a doubled quote at
+/// the start of a piece for its end.
+std::string quoted(std::string_view text) {
+    std::string result = "'";
+    for (const char c : text) {
+        const auto code = static_cast<unsigned char>(c);
+        if (code < 0x20U || c == '\'') {
+            result += "'.sprintf('%c'," + std::to_string(code) + ").'";
+        } else {
+            result += c;
+        }
+    }
+    return result + "'";
+}
+
+/// A text from the data, shortened and in quotes.
+std::string quoted_line(const std::string& text, std::size_t length) {
+    return quoted(shortened(one_line_utf8(text), length));
+}
+
+/// Panels stand in rows of equal length, the last one filled as far as they go.
+struct PanelGrid {
+    explicit PanelGrid(std::size_t panel_count)
+        : columns(static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panel_count))))),
+          rows((panel_count + columns - 1) / columns) {}
+
+    std::size_t columns;
+    std::size_t rows;
+};
+
+/// How the legend fits into the room at the right of the axes.
+struct Legend {
+    Legend(const Figure& figure, const FigureStyle& style) {
+        constexpr double kCharacterWidth = 0.75;  // pixels per point of the font, on average
+        constexpr double kMarkerWidth = 44;
+        constexpr double kLineHeight = 1.9;
+        constexpr int kSmallestFont = 11;
+        std::size_t longest = 1;
+        for (const std::string& label : figure.labels) {
+            longest = std::max(longest, character_count(one_line_utf8(label)));
+        }
+        const double room = std::max(0.0, (1.0 - style.right) * style.width - kMarkerWidth);
+        const double wanted = room / (kCharacterWidth * static_cast<double>(longest));
+        const double largest = std::max<double>(kSmallestFont, 0.7 * style.font_size);
+        font_size = static_cast<int>(std::clamp<double>(wanted, kSmallestFont, largest));
+        characters = static_cast<std::size_t>(std::max(1.0, room / (kCharacterWidth * font_size)));
+        const double height = std::max(0.0, (style.top - style.bottom) * style.height);
+        lines = static_cast<std::size_t>(std::max(2.0, height / (kLineHeight * font_size)));
+    }
+
+    int font_size;
+    /// What fits into a line.
+    std::size_t characters;
+    std::size_t lines;
+};
+
+/// A label as the legend shows it.
+std::string legend_title(const std::string& label, const Legend& legend) {
+    return quoted_line(label.empty() ? "(no label)" : label, legend.characters);
+}
+
+std::string colour(std::size_t label) {
+    return std::string("0x") + kColours[label % kColours.size()];
+}
+
+std::string shape(std::size_t label) {
+    return std::to_string(kShapes[label / kColours.size() % kShapes.size()]);
+}
+
+std::string block_name(std::size_t panel, std::size_t label) {
+    return "$panel" + std::to_string(panel + 1) + "_label" + std::to_string(label + 1);
+}
+
+/// Smaller points for larger crowds.
+std::string point_size(const FigurePanel& panel, const PanelGrid& grid) {
+    std::size_t count = 0;
+    for (const auto& points : panel.points) {
+        count += points.size();
+    }
+    constexpr double kFew = 1.5;
+    constexpr double kHalvingCount = 4000;
+    const double size = kFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
+    return number(std::round(100 * size / std::sqrt(static_cast<double>(grid.columns))) / 100);
+}
+
+std::string point_blocks(const Figure& figure) {
+    std::string script;
+    for (std::size_t panel = 0; panel < figure.panels.size(); ++panel) {
+        const auto& lists = figure.panels[panel].points;
+        for (std::size_t label = 0; label < lists.size(); ++label) {
+            script += block_name(panel, label) + " << END_OF_POINTS\n";
+            for (const auto& [x, y] : lists[label]) {
+                script += number(x) + " " + number(y) + "\n";
+            }
+            script += "END_OF_POINTS\n";
+        }
+    }
+    return script;
+}
+
+/// What is the same for every panel: where they stand, and which part of the plane they show.
+std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& legend) {
+    const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
+    const std::string columns = number(static_cast<double>(grid.columns));
+    const std::string rows = number(static_cast<double>(grid.rows));
+    return "set encoding utf8\n"
+           "gap_x = 0.18 / " +
+           columns + "\ngap_y = 0.18 / " + columns + "\npanel_width = (right_edge - left_edge - (" +
+           columns + " - 1) * gap_x) / " + columns +
+           "\npanel_height = (top_edge - bottom_edge - (" + rows + " - 1) * gap_y) / " + rows +
+           "\n\n# One unit is as long on both axes, and the outermost points are whole.\n"
+           "min_x = " +
+           number(min_x) + "\nmax_x = " + number(max_x) + "\nmin_y = " + number(min_y) +
+           "\nmax_y = " + number(max_y) +
+           "\nunit_x = (max_x - min_x) / (panel_width * figure_width)\n"
+           "unit_y = (max_y - min_y) / (panel_height * figure_height)\n"
+           "unit = 1.05 * (unit_x > unit_y ? unit_x : unit_y)\n"
+           "unit = unit > 0 ? unit : 1.0 / figure_width\n"
+           "half_x = unit * panel_width * figure_width / 2\n"
+           "half_y = unit * panel_height * figure_height / 2\n"
+           "set xrange [(min_x + max_x) / 2 - half_x : (min_x + max_x) / 2 + half_x]\n"
+           "set yrange [(min_y + max_y) / 2 - half_y : (min_y + max_y) / 2 + half_y]\n"
+           "set format '%g'\n"
+           "set tics out nomirror scale 0.6\n"
+           "set xtics offset 0,0.3\n"
+           "set ytics offset 0.5,0\n"
+           "set key at screen right_edge + 0.012,top_edge left top Left reverse noenhanced "
+           "samplen 0.5 width -2 font 'Sans," +
+           std::to_string(legend.font_size) + "'\n";
+}
+
+/// One line per label, in full colour; what does not fit is counted in the last one.
+std::string legend_entries(const Figure& figure, const Legend& legend) {
+    const std::size_t count = figure.labels.size();
+    const std::size_t shown = count <= legend.lines ? count : legend.lines - 1;
+    std::string entries;
+    for (std::size_t label = 0; label < shown; ++label) {
+        entries += ", \\\n  keyentry with points pointtype " + shape(label) +
+                   " pointsize 1.5 linecolor rgb " + colour(label) + " title " +
+                   legend_title(figure.labels[label], legend);
+    }
+    if (shown < count) {
+        entries += ", \\\n  keyentry with points pointtype 7 pointsize 0 title " +
+                   quoted("and " + std::to_string(count - shown) + " more");
+    }
+    return entries;
+}
+
+/// Large groups first, so that they do not bury small ones.
+std::vector<std::size_t> drawing_order(const FigurePanel& panel) {
+    std::vector<std::size_t> order(panel.points.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&panel](std::size_t a, std::size_t b) {
+        return panel.points[a].size() > panel.points[b].size();
+    });
+    return order;
+}
+
+std::string draw_panel(const Figure& figure,
+                       std::size_t position,
+                       const PanelGrid& grid,
+                       const Legend& legend) {
+    constexpr std::size_t kTitleLength = 60;
+    const FigurePanel& panel = figure.panels[position];
+    const auto steps = [](std::size_t count) { return number(static_cast<double>(count)); };
+    const std::string left =
+        "left_edge + " + steps(position % grid.columns) + " * (panel_width + gap_x)";
+    const std::string top =
+        "top_edge - " + steps(position / grid.columns) + " * (panel_height + gap_y)";
+    std::string script =
+        "set lmargin at screen " + left + "\nset rmargin at screen " + left +
+        " + panel_width\nset tmargin at screen " + top + "\nset bmargin at screen " + top +
+        " - panel_height\nset xlabel " + quoted_line(panel.x_title, kTitleLength) +
+        " offset 0,0.4 noenhanced\nset ylabel " + quoted_line(panel.y_title, kTitleLength) +
+        " offset 1.5,0 noenhanced\n"
+        // Something to draw, so that a panel without points has its axes.
+        "plot NaN notitle";
+    for (const std::size_t label : drawing_order(panel)) {
+        if (!panel.points[label].empty()) {
+            script += ", \\\n  " + block_name(position, label) +
+                      " using 1:2 with points pointtype " + shape(label) + " pointsize " +
+                      point_size(panel, grid) + " linecolor rgb (transparency * 0x1000000 + " +
+                      colour(label) + ") notitle";
+        }
+    }
+    return script + (position == 0 ? legend_entries(figure, legend) : "") + "\n";
+}
+
+/// The drawing itself, to one of the files.
+std::string draw(const Figure& figure,
+                 const std::string& terminal,
+                 const std::string& extension,
+                 const PanelGrid& grid,
+                 const Legend& legend) {
+    const bool several = figure.panels.size() > 1;
+    const std::string font =
+        several ? "font_size / " + number(std::sqrt(grid.columns) * 1.15) + std::string()
+                : "font_size";
+    std::string script = "\nset terminal " + terminal +
+                         " size figure_width,figure_height background 'white' font "
+                         "sprintf('Sans,%d', " +
+                         font + ") noenhanced\nset output " +
+                         quoted("./" + figure.stem + extension) + "\n";
+    if (several) {
+        script += "set multiplot\n";
+    }
+    for (std::size_t position = 0; position < figure.panels.size(); ++position) {
+        script += draw_panel(figure, position, grid, legend);
+    }
+    if (several) {
+        script += "unset multiplot\n";
+    }
+    return script + "unset output\n";
+}
+
+}  // namespace
+
+std::string figure_settings(const FigureStyle& style) {
+    return "# Pixels, fractions of the canvas, points; transparency from 0 to 255.\n"
+           "figure_width = " +
+           number(style.width) + "\nfigure_height = " + number(style.height) +
+           "\nright_edge = " + number(style.right) + "\nleft_edge = " + number(style.left) +
+           "\nbottom_edge = " + number(style.bottom) + "\ntop_edge = " + number(style.top) +
+           "\nfont_size = " + std::to_string(style.font_size) +
+           "\ntransparency = " + (style.overlap ? "128" : "0") + "\n";
+}
+
+std::string gnuplot_script(const Figure& figure,
+                           const std::string& settings,
+                           const FigureStyle& style) {
+    constexpr std::size_t kTitleLength = 80;
+    const PanelGrid grid(std::max<std::size_t>(figure.panels.size(), 1));
+    const Legend legend(figure, style);
+    std::string script =
+        "# Draws the figure anew, as .png and .svg, into the current directory:\n"
+        "# run gnuplot on this file there.\n\n" +
+        settings + "\n" + point_blocks(figure) + "\n" + frame(figure, grid, legend);
+    if (!figure.title.empty()) {
+        script += "set title " + quoted_line(figure.title, kTitleLength) + " noenhanced\n";
+    }
+    return script + draw(figure, "pngcairo", ".png", grid, legend) +
+           draw(figure, "svg", ".svg", grid, legend);
+}
+
+}  // namespace ovik

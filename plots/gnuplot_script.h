@@ -1,0 +1,61 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace ovik {
+
+/// Size and edges of a figure.
+struct FigureStyle {
+    /// Pixels.
+    double width = 1200;
+    double height = 1200;
+    /// Where the axes end, as fractions of the canvas from its left and bottom.
+    double right = 0.85;
+    double left = 0.1;
+    double bottom = 0.1;
+    double top = 0.9;
+    /// Points.
+    int font_size = 21;
+    /// Translucent points, so that darker means overlaps.
+    bool overlap = true;
+};
+
+/// One pair of axes with its points.
+struct FigurePanel {
+    std::string x_title;
+    std::string y_title;
+    /// The finite points of each label, x and y; a single list if there are no labels.
+    std::vector<std::vector<std::array<double, 2>>> points;
+};
+
+/// A scatter figure. All texts are data: any bytes, escaped where they land.
+struct Figure {
+    /// File name of the pictures without directory and extension.
+    std::string stem;
+    /// Shown above the axes; empty for none.
+    std::string title;
+    /// The legend; empty for points without labels.
+    std::vector<std::string> labels;
+    std::vector<FigurePanel> panels;
+    /// What all panels show: minimum x, maximum x, minimum y, maximum y.
+    std::array<double, 4> bounds{};
+};
+
+/// The settings at the top of a figure's script: variables that a reader may change.
+std::string figure_settings(const FigureStyle& style);
+
+/// The gnuplot script that draws a figure to "./" + stem + ".png" and ".svg". It holds the points
+/// and needs no other file. The same figure gives the same script.
+///
+/// Both axes have the same scale: the shorter one shows more than its bounds, and both a little,
+/// so that the outermost points are whole.
+///
+/// @param settings  as `figure_settings` gives them
+/// @param style     what they were made from, for the room that the legend has
+std::string gnuplot_script(const Figure& figure,
+                           const std::string& settings,
+                           const FigureStyle& style);
+
+}  // namespace ovik

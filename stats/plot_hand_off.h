@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "plots/gnuplot.h"
+#include "plots/javas.h"
+#include "stats/plot_columns.h"
+
+/// The last step of a run: its embedding goes to the chart page and to the figure.
+
+namespace ovik {
+
+/// What the files of the plots are named after.
+struct PlotNames {
+    std::string out_dir;
+    std::string out_name;
+    /// `out_base` + "_" + stem, the path of the result table without its extension.
+    std::string base;
+    /// The stem of the result table.
+    std::string stem;
+};
+
+/// Draws the chart page from the coordinates, then the figure from the result table on the disk.
+///
+/// @param coordinates  of all rows of the table; released after the page
+/// @param columns      of the same coordinates
+/// @param labels       one per point, or empty
+/// @tparam Chart, Figure  the plotting classes
+template <typename T,
+          template <typename> class Chart = Javas,
+          template <typename> class Figure = Gnuplot>
+void hand_to_plots(const PlotNames& names,
+                   std::vector<std::array<T, 2>> coordinates,
+                   const PlotColumns<T>& columns,
+                   const std::vector<std::string>& labels) {
+    std::vector<T*> rows;
+    rows.reserve(coordinates.size());
+    for (std::array<T, 2>& row : coordinates) {
+        rows.push_back(row.data());
+    }
+    Chart<T> chart(names.out_dir, names.out_name);
+    chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
+    chart.set_postfix(names.stem);
+    // Margins (top, right, bottom, left), width of the legend, turns of x ticks and y title,
+    // decimals, grid.
+    auto parameters = std::unique_ptr<int[]>(new int[9]{30, 180, 75, 120, 130, 90, -90, 0, 1});
+    chart.plotting("scatter",
+                   rows.data(),
+                   {"", "Component 1", "Component 2", "", "", "", ""},
+                   {},
+                   {},
+                   {"false", ""},
+                   parameters.get(),
+                   {"", ""},
+                   labels);
+    parameters.reset();
+    coordinates = {};
+    rows = {};
+
+    Figure<T> figure;
+    figure.open(false);
+    std::string style;
+    figure.style(style,
+                 static_cast<T>(1200),
+                 static_cast<T>(1200),
+                 static_cast<T>(0.85),
+                 static_cast<T>(0.1),
+                 static_cast<T>(0.1),
+                 static_cast<T>(0.9),
+                 21,
+                 true);
+    figure.plotting(names.base,
+                    style,
+                    style,
+                    columns.bounds,
+                    {"Component 1", "Component 2"},
+                    "scatter",
+                    "",
+                    "",
+                    {2, 3},
+                    {});
+    figure.close();
+}
+
+}  // namespace ovik

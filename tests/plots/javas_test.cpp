@@ -1,0 +1,271 @@
+#include "plots/javas.h"
+
+#include <array>
+#include <filesystem>
+#include <limits>
+#include <stdexcept>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "plots/chart_page.h"
+#include "plots/page_template.h"
+#include "plots/run_caption.h"
+#include "stats/result_table.h"
+
+#include "tests/support/temporary_directory.h"
+#include <nlohmann/json.hpp>
+
+namespace ovik {
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+/// The data of a page, as its script would read them.
+json data_of(const std::string& page) {
+    const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
+    const std::size_t start = page.find(opening) + opening.size();
+    return json::parse(page.substr(start, page.find("</script>", start) - start));
+}
+
+std::size_t count(const std::string& text, const std::string& part) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
+std::string title_of(const std::string& page) {
+    const std::size_t start = page.find("<title>") + 7;
+    return page.substr(start, page.find("</title>", start) - start);
+}
+
+class ChartPage : public testing::Test {
+  protected:
+    /// The calls of a run on some coordinates.
+    template <typename T>
+    std::string page(std::vector<std::array<T, 2>> coordinates,
+                     const std::vector<std::string>& labels = {},
+                     const std::vector<std::string>& options = {"false", ""}) {
+        std::vector<T*> rows;
+        for (auto& row : coordinates) {
+            rows.push_back(row.data());
+        }
+        Javas<T> chart(directory_.prefix(), "yeast");
+        chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
+        chart.set_postfix("tsne_30_0");
+        int parameters[] = {30, 180, 75, 120, 130, 90, -90, 0, 1};
+        chart.plotting("scatter",
+                       rows.data(),
+                       {"", "Component 1", "Component 2", "", "", "", ""},
+                       {},
+                       {},
+                       options,
+                       parameters,
+                       {"", ""},
+                       labels);
+        const std::string path = directory_.file("yeast_tsne_30_0.html");
+        return std::filesystem::is_regular_file(path) ? test::read_file(path) : "";
+    }
+
+    void writeTable(const std::vector<std::array<double, 2>>& coordinates,
+                    const std::vector<std::string>& names,
+                    const std::vector<std::string>& groups,
+                    const std::vector<std::string>& functions) {
+        const ResultTable<double> table{coordinates, names, groups, functions};
+        ASSERT_TRUE(write_result_table(directory_.file("yeast_tsne_30_0.csv"), table));
+    }
+
+    test::TemporaryDirectory directory_;
+};
+
+TEST_F(ChartPage, HoldsWhatTheCallsSay) {
+    const json data = data_of(page<double>({{1.5, -2}, {0, 4}}, {"a", "b"}));
+    EXPECT_EQ(data["type"], "scatter");
+    EXPECT_EQ(data["name"], "yeast_tsne_30_0");
+    EXPECT_EQ(data["title"], "yeast_tsne_30_0");
+    EXPECT_EQ(data["texts"], json({"", "", "", ""}));
+    EXPECT_EQ(data["layout"],
+              json({{"margins", {30, 180, 75, 120}},
+                    {"legendWidth", 130},
+                    {"xTickTurn", 90},
+                    {"yTitleTurn", -90},
+                    {"tickDecimals", 0},
+                    {"grid", true}}));
+    EXPECT_EQ(data["showLabels"], false);
+    EXPECT_EQ(data["links"], json::array());
+    EXPECT_EQ(data["pointCount"], 2);
+    EXPECT_EQ(data["labels"], json({"a", "b"}));
+    EXPECT_EQ(data["pairs"],
+              json::array({{{"group", ""},
+                            {"xTitle", "Component 1"},
+                            {"yTitle", "Component 2"},
+                            {"x", {1.5, 0.0}},
+                            {"y", {-2.0, 4.0}}}}));
+}
+
+TEST_F(ChartPage, TakesNamesAndFunctionsFromTheTable) {
+    writeTable({{1.5004, -2}, {0, 4}},
+               {"ADE5,7", "\"x\""},
+               {"Group:1:2", "Group:1:2"},
+               {"Enzyme, of \"some\" kind", ""});
+    const json data = data_of(page<double>({{1.5004, -2}, {0, 4}}));
+    EXPECT_EQ(data["names"], json({"ADE5,7", "\"x\""}));
+    EXPECT_EQ(data["functions"], json({"Enzyme, of \"some\" kind", ""}));
+    EXPECT_EQ(data["pairs"][0]["group"], "Group:1:2");
+}
+
+TEST_F(ChartPage, HasATabForEachPairOfComponents) {
+    const std::vector<std::array<double, 2>> coordinates = {{1, 2}, {3, 4}, {1, 5}, {3, 6}};
+    writeTable(coordinates,
+               {"A", "B", "A", "B"},
+               {"Group:1:2", "Group:1:2", "Group:1:3", "Group:1:3"},
+               {"f", "g", "f", "g"});
+    const json data = data_of(page<double>(coordinates, {"a", "b"}));
+    EXPECT_EQ(data["pointCount"], 2);
+    EXPECT_EQ(data["names"], json({"A", "B"}));
+    EXPECT_EQ(data["labels"], json({"a", "b"}));
+    ASSERT_EQ(data["pairs"].size(), 2U);
+    EXPECT_EQ(data["pairs"][1]["yTitle"], "Component 3");
+    EXPECT_EQ(data["pairs"][1]["y"], json({5.0, 6.0}));
+    // A label per row is as good.
+    EXPECT_EQ(data_of(page<double>(coordinates, {"a", "b", "a", "b"}))["labels"], json({"a", "b"}));
+    EXPECT_EQ(data_of(page<double>(coordinates, {"a", "b", "c"}))["labels"], json::array());
+}
+
+TEST_F(ChartPage, DoesNotTakeTheTableOfAnotherRun) {
+    writeTable({{1.5, -2}, {9, 9}}, {"A", "B"}, {"Group:1:2", "Group:1:2"}, {"f", "g"});
+    EXPECT_EQ(data_of(page<double>({{1.5, -2}, {0, 4}}))["names"], json::array());
+    EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
+}
+
+TEST_F(ChartPage, ShowsTheCaption) {
+    const RunCaption caption{"Yeast & <friends>", {{"Perplexity", "30"}}, {}};
+    const CaptionScope scope(caption);
+    const std::string html = page<float>({{1.5F, 2.0F}});
+    EXPECT_EQ(title_of(html), "Yeast &amp; &lt;friends&gt;");
+    EXPECT_EQ(data_of(html)["title"], caption.title);
+    EXPECT_EQ(data_of(html)["parameters"], json::array({{"Perplexity", "30"}}));
+}
+
+TEST_F(ChartPage, IsTheSameForTheSameInput) {
+    const std::string first = page<double>({{1.5, -2}, {0, 4}}, {"a", "b"});
+    EXPECT_EQ(page<double>({{1.5, -2}, {0, 4}}, {"a", "b"}), first);
+}
+
+TEST_F(ChartPage, HasNoNumbersThatAreNone) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    const json data = data_of(page<double>({{nan, 1}, {inf, -inf}}));
+    EXPECT_EQ(data["pairs"][0]["x"], json({nullptr, nullptr}));
+    EXPECT_EQ(data["pairs"][0]["y"], json({1.0, nullptr}));
+}
+
+TEST_F(ChartPage, CanBeEmpty) {
+    const json data = data_of(page<double>({}));
+    EXPECT_EQ(data["pointCount"], 0);
+    EXPECT_EQ(data["pairs"], json::array());
+}
+
+TEST_F(ChartPage, ReadsItsOptions) {
+    EXPECT_EQ(data_of(page<double>({}, {}, {"true", "viridis"}))["showLabels"], true);
+    EXPECT_EQ(data_of(page<double>({}, {}, {"true", "viridis"}))["colourScheme"], "viridis");
+    EXPECT_EQ(data_of(page<double>({}, {}, {}))["showLabels"], false);
+}
+
+TEST_F(ChartPage, IsAScatterOnly) {
+    Javas<double> chart(directory_.prefix(), "n");
+    EXPECT_EQ(chart.base_path, directory_.prefix() + "n");
+    EXPECT_THAT(chart.sides, testing::ElementsAre("top", "right", "bottom", "left"));
+    int parameters[9] = {};
+    EXPECT_THROW(chart.plotting("pie", nullptr, {}, {}, {}, {}, parameters, {}, {}),
+                 std::invalid_argument);
+}
+
+TEST_F(ChartPage, SaysThatItCannotBeWritten) {
+    std::filesystem::create_directory(directory_.file("yeast_tsne_30_0.html"));
+    testing::internal::CaptureStdout();
+    page<double>({{1, 2}});
+    EXPECT_THAT(
+        testing::internal::GetCapturedStdout(),
+        HasSubstr("Error: I cannot write file: " + directory_.file("yeast_tsne_30_0.html")));
+}
+
+/// Tags and scripts of the page as it is built; data must not add to them.
+void expect_no_markup_from_data(const std::string& html) {
+    const std::string empty = chart_page(Chart{});
+    for (const char* markup : {"<", ">", "<script", "</script", "<img"}) {
+        ASSERT_EQ(count(html, markup), count(empty, markup)) << markup;
+    }
+}
+
+TEST(ChartPageEscapes, EveryTextForWhereItLands) {
+    const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
+    Chart chart;
+    chart.title = chart.name = chart.x_title = chart.y_title = hostile;
+    chart.texts = chart.category_order = chart.colours = chart.links = chart.labels = {hostile};
+    chart.colour_scheme = hostile;
+    chart.x = chart.y = {1.0};
+    chart.rows = {{hostile, 1.0, 1.0, "Group:<1>:2", hostile}};
+    const RunCaption caption{hostile, {{hostile, hostile}}, {}};
+    const CaptionScope scope(caption);
+    const std::string html = chart_page(chart);
+    expect_no_markup_from_data(html);
+    const std::string shown =
+        "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xEF\xBF\xBD\n";
+    const json data = data_of(html);
+    EXPECT_EQ(data["names"][0], shown);
+    EXPECT_EQ(data["functions"][0], shown);
+    EXPECT_EQ(data["labels"][0], shown);
+    EXPECT_EQ(data["title"], shown);
+    EXPECT_EQ(data["parameters"][0][1], shown);
+    EXPECT_EQ(title_of(html),
+              "&lt;/script&gt;&lt;img src=x onerror=alert(1)&gt; &amp; &quot; &#39; "
+              "\xE2\x80\xA8 \xEF\xBF\xBD ");
+}
+
+RC_GTEST_PROP(ChartPageEscapes, AnyBytes, (const std::string& text)) {
+    Chart chart;
+    chart.title = text;
+    chart.labels = {text};
+    chart.x = chart.y = {0.0};
+    chart.rows = {{text, 0.0, 0.0, text, text}};
+    const std::string html = chart_page(chart);
+    expect_no_markup_from_data(html);
+    const json data = data_of(html);
+    RC_ASSERT(data["labels"].size() == 1U);
+    RC_ASSERT(data["names"][0] == data["functions"][0]);
+}
+
+TEST(PageTemplate, HasItsTwoPlacesInOrder) {
+    const std::string page(page_template());
+    EXPECT_EQ(count(page, "{{page-title}}"), 1U);
+    EXPECT_EQ(count(page, "{{chart-data}}"), 1U);
+    EXPECT_LT(page.find("{{page-title}}"), page.find("{{chart-data}}"));
+    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+    EXPECT_THAT(page, Not(HasSubstr("unsafe-")));
+}
+
+TEST(CaptionScope, NestsAndEnds) {
+    EXPECT_EQ(current_caption().title, "");
+    const RunCaption outer{"outer", {}, {}};
+    const RunCaption inner{"inner", {}, {}};
+    {
+        const CaptionScope outer_scope(outer);
+        {
+            const CaptionScope inner_scope(inner);
+            EXPECT_EQ(current_caption().title, "inner");
+        }
+        EXPECT_EQ(current_caption().title, "outer");
+    }
+    EXPECT_EQ(current_caption().title, "");
+}
+
+}  // namespace
+
+}  // namespace ovik
