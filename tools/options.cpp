@@ -16,12 +16,14 @@ namespace {
 
 constexpr const char* kDescription =
     "Embeds the rows of a matrix (genes) in two dimensions with t-SNE, so that rows with similar\n"
-    "values come to lie close to each other, and writes an annotated table.";
+    "values come to lie close to each other, and writes an annotated table, a chart page and a "
+    "figure.";
 
 constexpr const char* kFooter =
     "Examples:\n"
     "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
-    "  writes results/yeast_tsne_30_0.csv and appends a record to results/yeast.log\n"
+    "  writes results/yeast_tsne_30_0.csv (table), .html (chart page), .png, .svg and .gp\n"
+    "  (figure and its script), and appends a record to results/yeast.log\n"
     "  ovik-tsne --gene CDC28\n"
     "  prints what the gene does\n"
     "\n"
@@ -75,11 +77,13 @@ void add_output_options(CLI::App& app, Options& options) {
                    "Start of the result files' names (that of MATRIX without its extension)")
         ->option_text("TEXT")
         ->check(file_name_part());
-    app.add_option("--suffix", options.suffix, "Put behind the table's name, before .csv (nothing)")
+    app.add_option("--suffix", options.suffix, "Put behind the files' names, before .csv (nothing)")
         ->option_text("TEXT")
         ->check(file_name_part());
-    app.add_option("--title", options.title, "What the data are, for the run log (the name)")
+    app.add_option("--title", options.title, "What the data are, for run log and plots (the name)")
         ->option_text("TEXT");
+    app.add_flag_callback(
+        "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
@@ -142,7 +146,8 @@ void add_input_options(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"file", "standard"}));
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
         ->option_text("NAME");
-    app.add_option("--labels", options.labels_file, "One label per line and row, for the plots")
+    app.add_option(
+           "--labels", options.labels_file, "One label per line and row, which colours the plots")
         ->option_text("FILE");
 }
 

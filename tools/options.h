@@ -33,6 +33,8 @@ struct Options {
     std::string gene;
     /// Empty: no labels.
     std::string labels_file;
+    /// Whether the chart page and the figure are drawn.
+    bool plots = true;
     Precision precision = Precision::Double;
     /// 0: all cores.
     int threads = 0;

@@ -21,6 +21,7 @@
 #include "util/input_error.h"
 
 #include "tools/exit_status.h"
+#include "tools/file_state.h"
 #include "tools/gene_report.h"
 #include "tools/input_checks.h"
 #include "tools/options.h"
@@ -62,12 +63,13 @@ double choose_perplexity(const Options& options, std::size_t rows) {
     return largest;
 }
 
-/// @throws InputError if the name of the file itself is too long for a directory to hold
-void check_file_name(const std::string& path) {
+/// @param base  path of the results without their extensions
+/// @throws InputError if the longest of their names is too long for a directory to hold
+void check_file_name(const std::string& base) {
     constexpr std::size_t kLongestName = 255;
-    const std::string name = std::filesystem::path(path).filename().string();
+    const std::string name = std::filesystem::path(base + ".html").filename().string();
     if (name.size() > kLongestName) {
-        throw InputError("the name of the result table is too long: " + name +
+        throw InputError("the name of a result is too long: " + name +
                          "\nGive a shorter one with --name and --suffix.");
     }
 }
@@ -80,9 +82,9 @@ void prepare_directory(const std::string& directory) {
     }
 }
 
-std::string table_path(const Options& options, double perplexity) {
-    return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix) +
-           ".csv";
+/// The path of table and plots without their extensions.
+std::string result_base(const Options& options, double perplexity) {
+    return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix);
 }
 
 /// Says where a result is, or that it is missing.
@@ -102,6 +104,7 @@ ExitStatus embed(const Options& options,
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
     tsne.init(options.matrix, options.max_iter, delimiter);
     tsne.theta = options.theta;
+    tsne.draw_plots = options.plots;
     if (options.standard_names) {
         rename_to_standard(tsne.row_names);
     }
@@ -109,13 +112,23 @@ ExitStatus embed(const Options& options,
     if (!names_warning.empty()) {
         complain("warning: " + names_warning);
     }
+    const std::string base = result_base(options, perplexity);
+    const FileState page(base + ".html");
+    const FileState figure(base + ".png");
     tsne.actuate(
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
     tsne.finish();
-    report_file("Result table", table_path(options, perplexity), tsne.tableWritten());
+    report_file("Result table", base + ".csv", tsne.tableWritten());
     report_file("Run log", tsne.out_base + ".log", tsne.logWritten());
+    if (options.plots) {
+        report_file("Chart page", page.path(), page.isNew());
+    }
+    if (figure.isNew()) {
+        print_info("Figure: " + figure.path() + " (also .svg, and the script .gp)");
+    }
     print_info(found_genes_line(tsne.row_names));
-    return tsne.tableWritten() && tsne.logWritten() ? Success : FailedRun;
+    const bool page_written = !options.plots || page.isNew();
+    return tsne.tableWritten() && tsne.logWritten() && page_written ? Success : FailedRun;
 }
 
 ExitStatus run(const Options& options) {
@@ -140,7 +153,7 @@ ExitStatus run(const Options& options) {
     }
     start_logging(options.quiet);
     const double perplexity = choose_perplexity(options, report.rows);
-    check_file_name(table_path(options, perplexity));
+    check_file_name(result_base(options, perplexity));
     prepare_directory(options.out_dir);
     return options.precision == Precision::Float
                ? embed<float>(options, delimiter, perplexity, labels)

@@ -7,6 +7,7 @@
 
 #include "tests/support/command.h"
 #include "tests/support/engine_run.h"
+#include "tests/support/path_variable.h"
 #include "tests/support/temporary_directory.h"
 
 /// The real program on real files.
@@ -357,8 +358,67 @@ TEST_F(Command, LeavesNothingHalfWrittenWhenTheTableCannotBePlaced) {
     EXPECT_NE(
         outcome.err.find("Result table could not be written: " + results_ + "/m_tsne_20_0.csv"),
         std::string::npos);
-    // The directory that stood in the way and the log.
+    EXPECT_NE(outcome.err.find("m_tsne_20_0.png was not drawn: "), std::string::npos);
+    // The directory that stood in the way, the log and the page.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 3);
+}
+
+TEST_F(Command, DrawsPageAndFigure) {
+    const CommandOutcome outcome = run_on(grid_matrix(70));
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err, "");
+    const std::string base = results_ + "/m_tsne_20_0";
+    EXPECT_NE(outcome.out.find("-- Chart page: " + base + ".html\n-- Figure: " + base +
+                               ".png (also .svg, and the script .gp)\n"),
+              std::string::npos);
+    EXPECT_EQ(result("m_tsne_20_0.html").rfind("<!doctype html>", 0), 0U);
+    EXPECT_EQ(result("m_tsne_20_0.png").rfind("\x89PNG", 0), 0U);
+    EXPECT_NE(result("m_tsne_20_0.svg").find("</svg>"), std::string::npos);
+    EXPECT_NE(result("m_tsne_20_0.gp").find("set output './m_tsne_20_0.png'"), std::string::npos);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 6);
+}
+
+TEST_F(Command, DrawsTheSameForAnyNumberOfThreads) {
+    const std::vector<const char*> endings = {".html", ".png", ".svg", ".gp"};
+    std::vector<std::string> first;
+    for (const char* threads : {"1", "2", "3", "8"}) {
+        EXPECT_EQ(run_on(grid_matrix(70), {"--threads", threads}).exit_status, kSuccess);
+        for (std::size_t i = 0; i < endings.size(); ++i) {
+            const std::string drawn = result(std::string("m_tsne_20_0") + endings[i]);
+            if (first.size() <= i) {
+                first.push_back(drawn);
+            }
+            EXPECT_EQ(drawn, first[i]) << threads << endings[i];
+        }
+    }
+}
+
+TEST_F(Command, DrawsNothingWithNoPlots) {
+    EXPECT_EQ(run_on(grid_matrix(70), {"--no-plots"}).exit_status, kSuccess);
+    // Table and log.
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 2);
+}
+
+TEST_F(Command, EndsWellWithoutGnuplot) {
+    const test::PathVariable path(directory_.prefix(), true);
+    const CommandOutcome outcome = run_on(grid_matrix(70), {"--quiet"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(line_count(outcome.err), 1U);
+    EXPECT_NE(outcome.err.find("apt-get install gnuplot-nox"), std::string::npos);
+    EXPECT_NE(result("m_tsne_20_0.html"), "");
+    EXPECT_NE(result("m_tsne_20_0.gp"), "");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(results_), {}), 4);
+}
+
+TEST_F(Command, FailsWhenThePageCannotBeWrittenAndKeepsTheRest) {
+    std::filesystem::create_directories(results_ + "/m_tsne_20_0.html");
+    const CommandOutcome outcome = run_on(grid_matrix(70));
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_EQ(outcome.err,
+              "ovik-tsne: Chart page could not be written: " + results_ + "/m_tsne_20_0.html\n");
+    EXPECT_EQ(line_count(result("m_tsne_20_0.csv")), 71U);
+    EXPECT_NE(result("m_tsne_20_0.png"), "");
 }
 
 TEST_F(Command, KeepsTheTableWhenTheLogCannotBeWritten) {
