@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,6 +13,7 @@
 
 #include "util/input_error.h"
 #include "util/matrix_line.h"
+#include "util/number_field.h"
 
 namespace ovik {
 
@@ -69,17 +69,18 @@ std::ifstream open_matrix(const std::string& path) {
 
 enum class FieldKind { Number, Empty, NotNumber, TextBehind, NotFinite };
 
-FieldKind classify(const char* field, double& value) {
+FieldKind classify(const char* field, const char* end, double& value) {
     constexpr const char* kBlanks = " \t\v\f\r";
-    char* end = nullptr;
-    value = std::strtod(field, &end);
-    if (end == field) {
+    static const NumberReader kNumbers;
+    const char* rest = nullptr;
+    value = kNumbers.read(field, end, rest);
+    if (rest == field) {
         return field[std::strspn(field, kBlanks)] == '\0' ? FieldKind::Empty : FieldKind::NotNumber;
     }
     if (!std::isfinite(value)) {
         return FieldKind::NotFinite;
     }
-    return end[std::strspn(end, kBlanks)] == '\0' ? FieldKind::Number : FieldKind::TextBehind;
+    return rest[std::strspn(rest, kBlanks)] == '\0' ? FieldKind::Number : FieldKind::TextBehind;
 }
 
 /// Whether a discarded first line is more likely a row: all its values are numbers, and they are
@@ -92,9 +93,9 @@ bool looks_like_data(std::string line, char delimiter) {
     std::vector<double> values;
     bool all_numbers = true;
     bool at_name = true;
-    for_each_matrix_field(line, delimiter, [&](const char* field) {
+    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        all_numbers = all_numbers && (at_name || classify(field, value) == FieldKind::Number);
+        all_numbers = all_numbers && (at_name || classify(field, end, value) == FieldKind::Number);
         if (!at_name) {
             values.push_back(value);
         }
@@ -134,12 +135,12 @@ class Inspection {
     void addRow(std::string& line) {
         values_.clear();
         field_ = 0;
-        for_each_matrix_field(line, delimiter_, [&](const char* field) {
+        for_each_matrix_field(line, delimiter_, [&](const char* field, const char* end) {
             ++field_;
             if (field_ == 1) {
-                name_ = field;
+                name_.assign(field, end);
             } else {
-                addValue(field);
+                addValue(field, end);
             }
         });
         if (report_.rows == 0) {
@@ -153,9 +154,9 @@ class Inspection {
         noteScale();
     }
 
-    void addValue(const char* field) {
+    void addValue(const char* field, const char* end) {
         double value = 0.0;
-        const FieldKind kind = classify(field, value);
+        const FieldKind kind = classify(field, end, value);
         values_.push_back(value);
         report_.numbers += kind != FieldKind::Empty && kind != FieldKind::NotNumber ? 1 : 0;
         if (kind == FieldKind::Empty) {
@@ -179,7 +180,8 @@ class Inspection {
     void noteName() {
         double value = 0.0;
         field_ = 1;
-        if (opens_with_delimiter_ && classify(name_.c_str(), value) == FieldKind::Number) {
+        if (opens_with_delimiter_ &&
+            classify(name_.c_str(), name_.c_str() + name_.size(), value) == FieldKind::Number) {
             note(report_.lost_names, "");
         }
         if (name_.empty()) {
@@ -233,9 +235,9 @@ class Inspection {
 std::size_t count_numbers(std::string line, char delimiter) {
     std::size_t numbers = 0;
     bool at_name = true;
-    for_each_matrix_field(line, delimiter, [&](const char* field) {
+    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        const FieldKind kind = classify(field, value);
+        const FieldKind kind = classify(field, end, value);
         // Decimal commas leave text behind every number; they are more likely than values that
         // are parted by them.
         const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;

@@ -37,8 +37,8 @@ inline bool is_matrix_row(const std::string& trimmed_line) {
     return !trimmed_line.empty() && trimmed_line.front() != '#';
 }
 
-/// Splits a trimmed line at every delimiter and calls `visit(const char*)` with each field in
-/// order.
+/// Splits a trimmed line at every delimiter and calls `visit(field, end)` with each field in order:
+/// two `const char*`, `*end` being a NUL.
 ///
 /// Empty fields between delimiters are visited; a delimiter at the very end adds no field.
 /// The delimiters of `line` are overwritten with NUL, so that each field ends where it should for
@@ -49,7 +49,7 @@ void for_each_matrix_field(std::string& line, char delimiter, const Visit& visit
     while (start < line.size()) {
         const std::size_t end = std::min(line.find(delimiter, start), line.size());
         line[end] = '\0';  // at end() this rewrites the terminator with itself
-        visit(line.c_str() + start);
+        visit(line.c_str() + start, line.c_str() + end);
         start = end + 1;
     }
 }

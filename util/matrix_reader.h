@@ -1,21 +1,59 @@
 #pragma once
 
-#include <cstdlib>
+#include <cstddef>
 #include <fstream>
+#include <iterator>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "util/console.h"
+#include "util/line_blocks.h"
 #include "util/matrix_line.h"
+#include "util/number_field.h"
+#include "util/parallel.h"
 
 namespace ovik {
+
+/// Rows of a matrix file and their names.
+template <typename T>
+struct MatrixRows {
+    std::vector<std::vector<T>> values;
+    std::vector<std::string> names;
+
+    /// Appends a line, if it is a row.
+    void add(std::string_view text, char delimiter, const NumberReader& numbers) {
+        line_ = text;
+        trim_matrix_line(line_);
+        if (!is_matrix_row(line_)) {
+            return;
+        }
+        bool at_name = true;
+        row_.clear();
+        for_each_matrix_field(line_, delimiter, [&](const char* field, const char* end) {
+            if (at_name) {
+                names.emplace_back(field, end);
+                at_name = false;
+            } else {
+                row_.push_back(static_cast<T>(numbers.read(field, end)));
+            }
+        });
+        values.push_back(row_);
+    }
+
+  private:
+    std::string line_;
+    std::vector<T> row_;
+};
 
 /// Reads a delimited text file in which every line is one row of a matrix, led by the row's name.
 ///
 /// Lines end at "\n"; `trim_matrix_line` cuts their ends. Empty lines and lines that open with "#"
 /// are skipped. Field 0 is the name, kept as it stands; the others are converted with `strtod`: a
 /// field that is not a number reads as 0.0 and text behind a number is ignored, without a message.
-/// Rows may differ in length. A file that cannot be opened is reported on the console in bold red.
+/// Rows may differ in length. The lines are spread over the cores. A file that cannot be opened is
+/// reported on the console in bold red.
 ///
 /// @param matrix     one vector per row is appended, in file order
 /// @param row_names  the name of each row is appended, in file order
@@ -29,7 +67,7 @@ void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
                          std::string path,
                          int header,
                          char delimiter) {
-    std::ifstream file(path);
+    std::ifstream file(path, std::ios::binary);
     if (!file.is_open()) {
         print_file_error("I cannot open file", path);
         return;
@@ -38,23 +76,22 @@ void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
     for (int discarded = 0; discarded < header; ++discarded) {
         std::getline(file, line);
     }
-    std::vector<T> row;
-    while (std::getline(file, line)) {
-        trim_matrix_line(line);
-        if (!is_matrix_row(line)) {
-            continue;
-        }
-        bool at_name = true;
-        row.clear();
-        for_each_matrix_field(line, delimiter, [&](const char* field) {
-            if (at_name) {
-                row_names.emplace_back(field);
-                at_name = false;
-            } else {
-                row.push_back(static_cast<T>(std::strtod(field, nullptr)));
-            }
+    constexpr std::size_t kBlockBytes = std::size_t{1} << 24U;
+    const NumberReader numbers;
+    LineBlocks blocks(file, kBlockBytes);
+    std::string block;
+    while (blocks.next(block)) {
+        const auto pieces =
+            share_lines(block, static_cast<std::size_t>(worker_count(block.size())));
+        std::vector<MatrixRows<T>> parsed(pieces.size());
+        parallel_for_each(pieces.size(), 1, [&](std::size_t i) {
+            for_each_line(pieces[i],
+                          [&](std::string_view text) { parsed[i].add(text, delimiter, numbers); });
         });
-        matrix.push_back(row);
+        for (MatrixRows<T>& rows : parsed) {
+            std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
+            std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
+        }
     }
 }
 

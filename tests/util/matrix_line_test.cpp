@@ -60,7 +60,9 @@ TEST(IsMatrixRow, RefusesEmptyLinesAndComments) {
 
 std::vector<std::string> fields(std::string line, char delimiter) {
     std::vector<std::string> result;
-    for_each_matrix_field(line, delimiter, [&](const char* field) { result.emplace_back(field); });
+    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
+        result.emplace_back(field, end);
+    });
     return result;
 }
 
