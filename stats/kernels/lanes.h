@@ -27,6 +27,12 @@ OVIK_INLINE Lanes load(const double* values) {
     return lanes;
 }
 
+/// Asks for memory `bytes` behind an address, which need not exist.
+OVIK_INLINE void prefetch(const double* values, std::size_t bytes) {
+    __builtin_prefetch(
+        reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(values) + bytes));
+}
+
 OVIK_INLINE void store(double* values, Lanes lanes) {
     __builtin_memcpy(values, &lanes, sizeof lanes);
 }

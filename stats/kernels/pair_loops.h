@@ -272,14 +272,14 @@ class ForceLanes {
 
     /// Adds what point m does. At the point itself this is zero, and so no exception is made.
     OVIK_INLINE void addForce(std::size_t m) {
-        addForce(m, Y_.reciprocalSimilarity(first_row_, m), load(P_ + m * kPanelWidth));
+        addForce(m, Y_.reciprocalSimilarity(first_row_, m), inputSimilarities(m));
     }
 
     /// @param count  turns similarities into those whose pairs count for the cost
     template <typename Count>
     OVIK_INLINE void addForceAndCost(std::size_t m, const Count& count) {
         const Lanes w = Y_.reciprocalSimilarity(first_row_, m);
-        const Lanes p = load(P_ + m * kPanelWidth);
+        const Lanes p = inputSimilarities(m);
         addForce(m, w, p);
         cost_ += count(p) * natural_logarithm(((p + kSmallestNormal) * sum_Q_) * w);
     }
@@ -294,6 +294,14 @@ class ForceLanes {
     [[nodiscard]] OVIK_INLINE std::size_t firstRow() const { return first_row_; }
 
   private:
+    /// Entries of P of the rows and point m.
+    [[nodiscard]] OVIK_INLINE Lanes inputSimilarities(std::size_t m) const {
+        // Processors do not look ahead beyond a page of memory.
+        constexpr std::size_t kPage = 4096;
+        prefetch(P_ + m * kPanelWidth, kPage);
+        return load(P_ + m * kPanelWidth);
+    }
+
     OVIK_INLINE void addForce(std::size_t m, Lanes w, Lanes p) {
         const Lanes q = reciprocal(w);
         const Lanes multiplier = q * (p - normalise_(q));
