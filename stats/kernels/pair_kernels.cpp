@@ -9,7 +9,7 @@ namespace ovik {
 namespace {
 
 const PairKernels& fastest() {
-    for (const InstructionSet set : {InstructionSet::kAvx512, InstructionSet::kAvx2}) {
+    for (const InstructionSet set : {InstructionSet::Avx512, InstructionSet::Avx2}) {
         if (const PairKernels* const kernels = pair_kernels(set)) {
             return *kernels;
         }
@@ -24,12 +24,12 @@ std::atomic<const PairKernels*> selected = nullptr;
 
 const PairKernels* pair_kernels(InstructionSet set) {
     switch (set) {
-        case InstructionSet::kPortable:
+        case InstructionSet::Portable:
             return &kPortablePairKernels;
 #ifdef OVIK_X86_KERNELS
-        case InstructionSet::kAvx2:
+        case InstructionSet::Avx2:
             return __builtin_cpu_supports("avx2") ? &kAvx2PairKernels : nullptr;
-        case InstructionSet::kAvx512:
+        case InstructionSet::Avx512:
             return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq")
                        ? &kAvx512PairKernels
                        : nullptr;

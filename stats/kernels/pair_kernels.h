@@ -89,7 +89,7 @@ struct PairKernels {
     void (*quotients)(const double* values, std::size_t count, double divisor, double* results);
 };
 
-enum class InstructionSet { kPortable, kAvx2, kAvx512 };
+enum class InstructionSet { Portable, Avx2, Avx512 };
 
 /// The version for an instruction set, or null if this processor or this build is without it.
 const PairKernels* pair_kernels(InstructionSet set);

@@ -1,5 +1,5 @@
 #define OVIK_LANES 4
-#include "stats/kernels/pair_loops.h"
+#include "stats/kernels/pair_loops.inc"
 #include "stats/kernels/versions.h"
 
 namespace ovik {

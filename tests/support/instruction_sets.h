@@ -20,7 +20,7 @@ namespace ovik::test {
 inline std::vector<InstructionSet> instruction_sets() {
     std::vector<InstructionSet> sets;
     for (const InstructionSet set :
-         {InstructionSet::kPortable, InstructionSet::kAvx2, InstructionSet::kAvx512}) {
+         {InstructionSet::Portable, InstructionSet::Avx2, InstructionSet::Avx512}) {
         if (pair_kernels(set) != nullptr) {
             sets.push_back(set);
         }

@@ -90,7 +90,7 @@ TEST_P(PairKernelsTest, LogarithmsAreCloseAndTheSameForEveryInstructionSet) {
     std::vector<double> actual(x.size());
     std::vector<double> portable(x.size());
     kernels.logarithms(x.data(), x.size(), actual.data());
-    pair_kernels(InstructionSet::kPortable)->logarithms(x.data(), x.size(), portable.data());
+    pair_kernels(InstructionSet::Portable)->logarithms(x.data(), x.size(), portable.data());
     EXPECT_EQ(actual, portable);
     for (std::size_t i = 0; i < x.size(); ++i) {
         const double expected = std::log(x[i]);
@@ -134,8 +134,8 @@ TEST_P(PairKernelsTest, RoundedSumsRefuseWhatCannotBeRounded) {
 TEST(PairKernels, AreTheFastestUnlessSelected) {
     EXPECT_EQ(&pair_kernels(), test::all_pair_kernels().back());
     {
-        const test::SelectedInstructionSet scope(InstructionSet::kPortable);
-        EXPECT_EQ(&pair_kernels(), pair_kernels(InstructionSet::kPortable));
+        const test::SelectedInstructionSet scope(InstructionSet::Portable);
+        EXPECT_EQ(&pair_kernels(), pair_kernels(InstructionSet::Portable));
     }
     EXPECT_EQ(&pair_kernels(), test::all_pair_kernels().back());
 }
