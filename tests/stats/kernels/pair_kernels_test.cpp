@@ -1,6 +1,7 @@
 #include "stats/kernels/pair_kernels.h"
 
 #include <cmath>
+#include <cstdint>
 #include <random>
 #include <vector>
 
@@ -74,6 +75,41 @@ TEST_P(PairKernelsTest, QuotientsAreThoseOfDivision) {
         kernels.quotients(x.data(), kDividends, divisor, actual.data());
         for (std::size_t i = 0; i < kDividends; ++i) {
             ASSERT_EQ(actual[i], x[i] / divisor) << std::hexfloat << x[i] << " / " << divisor;
+        }
+    }
+}
+
+/// Numbers whose quotients by an odd whole number of 53 bits are as close to the middle between two
+/// numbers as can be: 2^k times such a number is an odd multiple of the divisor but for 1, 3, ...
+std::vector<double> hardest_dividends(std::uint64_t divisor) {
+    std::vector<double> dividends;
+    for (const int k : {53, 54}) {
+        for (std::uint64_t rest = 1; rest < 64; ++rest) {
+            std::uint64_t x = rest % 2 == 1 ? rest : divisor - (rest - 1);
+            for (int i = 0; i < k; ++i) {
+                x = x % 2 == 0 ? x / 2 : (x + divisor) / 2;
+            }
+            x += k == 53 ? divisor : 0;
+            if (x >= std::uint64_t{1} << 52 && x < std::uint64_t{1} << 53) {
+                dividends.push_back(static_cast<double>(x));
+            }
+        }
+    }
+    return dividends;
+}
+
+TEST_P(PairKernelsTest, QuotientsNextToTheMiddleOfTwoNumbersAreThoseOfDivision) {
+    std::mt19937_64 generator(104);
+    std::uniform_int_distribution<std::uint64_t> whole(std::uint64_t{1} << 52,
+                                                       (std::uint64_t{1} << 53) - 1);
+    for (int i = 0; i < 20000; ++i) {
+        const std::uint64_t divisor = whole(generator) | 1U;
+        const std::vector<double> x = hardest_dividends(divisor);
+        std::vector<double> actual(x.size());
+        kernels.quotients(x.data(), x.size(), static_cast<double>(divisor), actual.data());
+        for (std::size_t j = 0; j < x.size(); ++j) {
+            ASSERT_EQ(actual[j], x[j] / static_cast<double>(divisor))
+                << std::hexfloat << x[j] << " / " << divisor;
         }
     }
 }
