@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 
 #include "stats/kernels/pair_kernels.h"
@@ -32,22 +33,29 @@ inline std::size_t panel_worker_count(std::size_t point_count) {
         worker_count(padded_to_panels(point_count) / kPanelWidth, kGrain));
 }
 
-/// Calls `body(panel)` for the panels of one worker: one from the front for one from the back,
-/// since the work of a panel may grow or shrink from one to the next.
-template <typename Body>
-void for_panels_of(std::size_t worker,
-                   std::size_t workers,
-                   std::size_t point_count,
-                   const Body& body) {
-    const std::size_t panels = padded_to_panels(point_count) / kPanelWidth;
-    const IndexRange share = static_share((panels + 1) / 2, workers, worker);
-    for (std::size_t panel = share.begin; panel < share.end; ++panel) {
-        body(panel);
-        const std::size_t opposite = panels - 1 - panel;
-        if (opposite != panel) {
-            body(opposite);
+/// The panels of a loop, for the workers to take: whoever is free takes the next, so that a core
+/// that is busy with something else holds nobody up. For loops whose results do not depend on who
+/// does what.
+class PanelQueue {
+  public:
+    explicit PanelQueue(std::size_t point_count)
+        : panel_count_(padded_to_panels(point_count) / kPanelWidth) {}
+
+    /// Calls `body(panel)` for panels that nobody has taken, until none is left.
+    template <typename Body>
+    void work(const Body& body) {
+        for (;;) {
+            const std::size_t panel = next_.fetch_add(1, std::memory_order_relaxed);
+            if (panel >= panel_count_) {
+                return;
+            }
+            body(panel);
         }
     }
-}
+
+  private:
+    std::size_t panel_count_;
+    std::atomic<std::size_t> next_ = 0;
+};
 
 }  // namespace ovik

@@ -33,12 +33,13 @@ SimilaritySum::SimilaritySum(std::size_t point_count, const PairKernels& kernels
 
 void SimilaritySum::addRoundedRows(const EmbeddingColumns& Y) {
     const RowRounding rounding = {shifts_.get(), half_units_.get()};
+    PanelQueue panels(point_count_);
     parallel_for_each(worker_count_, 1, [&](std::size_t worker) {
         const RoundedRowSums sums = {row_sums_.get() + worker * padded_count_,
                                      row_ties_.get() + worker * padded_count_};
         std::fill_n(sums.sum, padded_count_, 0.0);
         std::fill_n(sums.tie, padded_count_, false);
-        for_panels_of(worker, worker_count_, point_count_, [&](std::size_t panel) {
+        panels.work([&](std::size_t panel) {
             kernels_.add_rounded_similarities(Y, panel, rounding, sums);
         });
     });

@@ -31,7 +31,7 @@ class SimilaritySum {
     const PairKernels& kernels_;
     std::size_t point_count_;
     std::size_t padded_count_;
-    /// Each has sums and ties of its own for all rows.
+    /// Each has sums and ties of its own for all rows; exact, whoever adds which.
     std::size_t worker_count_;
     MallocArray<double> shifts_;
     MallocArray<double> half_units_;

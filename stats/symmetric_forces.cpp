@@ -60,8 +60,9 @@ double SymmetricForces::addPanels(const double* P, const Kernel& kernel) {
     const EmbeddingColumns Y = columns();
     const double sum_Q = similarity_sum_(Y);
     const std::size_t force_size = dims_ * kPanelWidth;
-    parallel_for_each(worker_count_, 1, [&](std::size_t worker) {
-        for_panels_of(worker, worker_count_, point_count_, [&](std::size_t panel) {
+    PanelQueue panels(point_count_);
+    parallel_for_each(worker_count_, 1, [&](std::size_t /*worker*/) {
+        panels.work([&](std::size_t panel) {
             double* const force = forces_.get() + panel * force_size;
             std::fill_n(force, force_size, 0.0);
             kernel(Y,

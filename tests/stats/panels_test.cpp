@@ -1,5 +1,6 @@
 #include "stats/panels.h"
 
+#include <atomic>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -33,14 +34,18 @@ TEST(Panels, HoldColumnsOfEightRowsAndComeBackAsRows) {
     }
 }
 
-TEST(ForPanelsOf, GivesEveryPanelToOneWorker) {
-    for (std::size_t N = 0; N <= 200; ++N) {
-        for (std::size_t workers = 1; workers <= 8; ++workers) {
-            std::vector<int> seen(padded_to_panels(N) / kPanelWidth, 0);
-            for (std::size_t worker = 0; worker < workers; ++worker) {
-                for_panels_of(worker, workers, N, [&](std::size_t panel) { ++seen.at(panel); });
+TEST(PanelQueue, GivesEveryPanelToOneWorker) {
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        for (std::size_t N = 0; N <= 200; N += 5) {
+            std::vector<std::atomic<int>> seen(padded_to_panels(N) / kPanelWidth);
+            PanelQueue queue(N);
+            parallel_for_each(static_cast<std::size_t>(threads), 1, [&](std::size_t /*worker*/) {
+                queue.work([&](std::size_t panel) { ++seen.at(panel); });
+            });
+            for (const auto& times : seen) {
+                EXPECT_EQ(times, 1);
             }
-            EXPECT_EQ(seen, std::vector<int>(seen.size(), 1));
         }
     }
 }
