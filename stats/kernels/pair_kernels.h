@@ -46,8 +46,8 @@ struct PanelTask {
     double sum_Q;     ///< the sum of all similarities
     const double* P;  ///< point_count x kPanelWidth: the panel's columns of a symmetric matrix
     double* force;    ///< dims x kPanelWidth, zeros, which become the gradient
-    /// kPanelWidth values, written: the cost of the pairs of each row with later rows, counted
-    /// twice.
+    /// kPanelWidth values, written for the rows of points: the cost of the pairs of each row with
+    /// later rows, counted twice.
     double* cost;
 };
 
