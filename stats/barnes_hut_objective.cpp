@@ -48,6 +48,11 @@ void BarnesHutObjective::gradient(const double* Y, double* dY) {
     barnes_hut_gradient(P_.view(), Y, N_, out_dims_, dY, theta_);
 }
 
+double BarnesHutObjective::costAndGradient(const double* Y, double* dY) {
+    gradient(Y, dY);
+    return cost(Y);
+}
+
 double BarnesHutObjective::cost(const double* Y) {
     return barnes_hut_cost(P_.view(), Y, N_, out_dims_, theta_);
 }

@@ -27,6 +27,7 @@ class BarnesHutObjective : public Objective {
     void exaggerate(double factor) override;
     void relax(double factor) override;
     void gradient(const double* Y, double* dY) override;
+    double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
 
     /// Gives the density of the similarity matrix and fractions of a second.

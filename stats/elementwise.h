@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <numeric>
 
+#include "stats/sum_in_order.h"
 #include "util/parallel.h"
 
 /// Operations on every element of an array, spread over the cores.
@@ -24,7 +24,7 @@ inline void divide_all(double* values, std::size_t count, double divisor) {
 
 /// Divides every element by the sum of all, which is formed in index order.
 inline void divide_by_sum(double* values, std::size_t count) {
-    divide_all(values, count, std::accumulate(values, values + count, 0.0));
+    divide_all(values, count, sum_in_order(0.0, values, count));
 }
 
 }  // namespace ovik

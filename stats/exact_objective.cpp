@@ -1,6 +1,8 @@
 #include "stats/exact_objective.h"
 
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
@@ -9,32 +11,92 @@
 
 namespace ovik {
 
+namespace {
+
+/// Fewest points for the quick way; with fewer the cost may be 0, and printed with its sign.
+constexpr std::size_t kFewestInPanels = 64;
+
+}  // namespace
+
 ExactObjective::ExactObjective(
     const double* X, std::size_t N, std::size_t D, std::size_t out_dims, double perplexity)
     : N_(N),
-      out_dims_(out_dims) {
+      out_dims_(out_dims),
+      in_panels_(false),
+      diagonal_(malloc_array<double>(N)),
+      forces_(N, out_dims) {
     std::fputs("Exact?", stderr);
-    P_ = malloc_array<double>(N * N);
-    exit_unless_allocated(P_);
+    P_ = malloc_array<double>(panel_matrix_size(N));
+    exit_unless_allocated(P_, diagonal_);
     dense_conditional_affinities(X, N, D, P_.get(), perplexity);
     std::fputs("Symmetrizing...\n", stderr);
     add_transpose(P_.get(), N);
     divide_by_sum(P_.get(), N * N);
+    // One sum divides all entries, so that a NaN among them has made all of them NaN.
+    if (N >= kFewestInPanels && out_dims > 0 && std::isfinite(P_[0])) {
+        movePIntoPanels();
+    }
+}
+
+void ExactObjective::movePIntoPanels() {
+    for (std::size_t n = 0; n < N_; ++n) {
+        diagonal_[n] = std::exchange(P_[n * N_ + n], 0.0);
+    }
+    rows_to_panels(P_.get(), N_);
+    in_panels_ = true;
+}
+
+void ExactObjective::movePIntoRows() {
+    panels_to_rows(P_.get(), N_);
+    for (std::size_t n = 0; n < N_; ++n) {
+        P_[n * N_ + n] = diagonal_[n];
+    }
+    in_panels_ = false;
 }
 
 void ExactObjective::exaggerate(double factor) {
-    multiply_all(P_.get(), N_ * N_, factor);
+    multiply_all(P_.get(), entryCount(), factor);
+    if (in_panels_) {
+        multiply_all(diagonal_.get(), N_, factor);
+    }
 }
 
 void ExactObjective::relax(double factor) {
-    divide_all(P_.get(), N_ * N_, factor);
+    divide_all(P_.get(), entryCount(), factor);
+    if (in_panels_) {
+        divide_all(diagonal_.get(), N_, factor);
+    }
+}
+
+/// Hands the embedding over to the quick way. An embedding that has left the range of that for once
+/// will not be back: P is brought into rows, and the general way takes over.
+bool ExactObjective::takeForPanels(const double* Y) {
+    if (in_panels_ && !forces_.take(Y)) {
+        movePIntoRows();
+    }
+    return in_panels_;
 }
 
 void ExactObjective::gradient(const double* Y, double* dY) {
+    if (takeForPanels(Y)) {
+        forces_.gradient(P_.get(), dY);
+    } else {
+        exact_gradient(P_.get(), Y, N_, out_dims_, dY);
+    }
+}
+
+double ExactObjective::costAndGradient(const double* Y, double* dY) {
+    if (takeForPanels(Y)) {
+        return forces_.cost(P_.get(), diagonal_.get(), dY);
+    }
     exact_gradient(P_.get(), Y, N_, out_dims_, dY);
+    return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 
 double ExactObjective::cost(const double* Y) {
+    if (takeForPanels(Y)) {
+        return forces_.cost(P_.get(), diagonal_.get(), nullptr);
+    }
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 

@@ -3,6 +3,8 @@
 #include <cstddef>
 
 #include "stats/objective.h"
+#include "stats/panels.h"
+#include "stats/symmetric_forces.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -22,15 +24,31 @@ class ExactObjective : public Objective {
     void exaggerate(double factor) override;
     void relax(double factor) override;
     void gradient(const double* Y, double* dY) override;
+    double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
 
     /// Gives whole seconds.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
 
   private:
+    void movePIntoPanels();
+    void movePIntoRows();
+    bool takeForPanels(const double* Y);
+
+    /// Elements that P has, be they of points or of padding.
+    [[nodiscard]] std::size_t entryCount() const {
+        return in_panels_ ? panel_matrix_size(N_) : N_ * N_;
+    }
+
     std::size_t N_;
     std::size_t out_dims_;
+    /// By panels with a diagonal of 0 (see `rows_to_panels`) or, for embeddings that
+    /// `SymmetricForces` does not take, row-major.
     MallocArray<double> P_;
+    bool in_panels_;
+    /// That of P, while P is in panels.
+    MallocArray<double> diagonal_;
+    SymmetricForces forces_;
 };
 
 }  // namespace ovik

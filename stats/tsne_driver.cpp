@@ -89,8 +89,10 @@ double optimise(Objective& objective,
                 const Schedule& schedule) {
     double momentum = kInitialMomentum;
     double cost = 0.0;
-    for (long iter = 0; iter <= schedule.max_iter; ++iter) {
+    if (schedule.max_iter >= 0) {
         objective.gradient(Y, descent.gradient());
+    }
+    for (long iter = 0; iter <= schedule.max_iter; ++iter) {
         descent.step(Y, momentum);
         zero_mean(Y, N, no_dims);
         if (iter == schedule.stop_lying_iter) {
@@ -101,7 +103,8 @@ double optimise(Objective& objective,
         }
         // Until exaggeration ends the cost is that against the exaggerated similarities, on
         // purpose.
-        cost = objective.cost(Y);
+        cost = iter < schedule.max_iter ? objective.costAndGradient(Y, descent.gradient())
+                                        : objective.cost(Y);
         report_progress<T>(cost, iter, schedule.max_iter);
     }
     std::putchar('\n');

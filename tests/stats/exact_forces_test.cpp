@@ -51,6 +51,22 @@ TEST(ExactGradient, EqualsThePlainProgramBitForBit) {
     }
 }
 
+TEST(ExactGradient, ReadsTheRowsOfSimilaritiesThatAreNotSymmetric) {
+    constexpr std::size_t kCount = 97;
+    std::vector<double> P = test::random_values(kCount * kCount, 24);
+    for (double& p : P) {
+        p = p * p;
+    }
+    const std::vector<double> Y = test::random_values(kCount * 2, 25);
+    const std::vector<double> expected = plain::gradient(P, Y, kCount, 2);
+    const double cost = plain::cost(P, Y, kCount, 2);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        EXPECT_EQ(gradient(P, Y, kCount), expected);
+        EXPECT_EQ(exact_cost(P.data(), Y.data(), kCount, 2), cost);
+    }
+}
+
 TEST(ExactGradient, IsAQuarterOfTheSlopeOfTheCost) {
     constexpr std::size_t kCount = 30;
     const std::vector<double> P = joint_similarities(kCount);

@@ -8,6 +8,7 @@
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
+#include "tests/support/instruction_sets.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/threads.h"
 
@@ -66,6 +67,31 @@ TEST(WholeExactRun, EqualsThePlainProgramInThreeDimensions) {
                                                  .stop_lying_iter = 100,
                                                  .mom_switch_iter = 150});
         EXPECT_EQ(run.Y, Y) << threads << " threads";
+    }
+}
+
+TEST(WholeExactRun, EqualsThePlainProgramForEveryInstructionSet) {
+    const test::TemporaryDirectory directory;
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", 203);
+    const plain::Matrix input = plain::read_tab_separated(path, 203);
+    std::vector<double> costs;
+    const std::vector<double> Y = plain::embed_exactly(input, 2, 15.0, {600, 100, 150}, &costs);
+    std::vector<RunOutcome> runs;
+    for (const InstructionSet set : test::instruction_sets()) {
+        const test::SelectedInstructionSet selected(set);
+        runs.push_back(test::run_engine(path,
+                                        {.no_dims = 2,
+                                         .perplexity = 15.0,
+                                         .theta = 0.0,
+                                         .max_iter = 600,
+                                         .stop_lying_iter = 100,
+                                         .mom_switch_iter = 150}));
+        EXPECT_EQ(runs.back().Y, Y) << testing::PrintToString(set);
+        for (const double cost : costs) {
+            char text[64];
+            std::snprintf(text, sizeof text, "Got error of %f at iteration", cost);
+            EXPECT_NE(runs.back().out.find(text), std::string::npos) << text;
+        }
     }
 }
 

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+
+#include "stats/kernels/pair_kernels.h"
+#include "util/parallel.h"
+
+/// Square matrices by panels of `kPanelWidth` rows: the entries of a panel are stored column after
+/// column, so that rows can be treated side by side.
+
+namespace ovik {
+
+/// Elements of a matrix by panels; the last panel is padded with rows of zeros.
+constexpr std::size_t panel_matrix_size(std::size_t point_count) {
+    return padded_to_panels(point_count) * point_count;
+}
+
+/// Brings a row-major matrix into panels, in place.
+///
+/// @param matrix  room for panel_matrix_size(point_count) elements
+/// Ends the process with "Memory allocation failed!" if a panel per thread does not fit in memory.
+void rows_to_panels(double* matrix, std::size_t point_count);
+
+/// Undoes `rows_to_panels`.
+void panels_to_rows(double* matrix, std::size_t point_count);
+
+/// How many workers loops over panels of pairs get.
+inline std::size_t panel_worker_count(std::size_t point_count) {
+    // Panels for which another thread pays.
+    constexpr std::size_t kGrain = 8;
+    return static_cast<std::size_t>(
+        worker_count(padded_to_panels(point_count) / kPanelWidth, kGrain));
+}
+
+/// The panels of a loop, for the workers to take: whoever is free takes the next, so that a core
+/// that is busy with something else holds nobody up. For loops whose results do not depend on who
+/// does what.
+class PanelQueue {
+  public:
+    explicit PanelQueue(std::size_t point_count)
+        : panel_count_(padded_to_panels(point_count) / kPanelWidth) {}
+
+    /// Calls `body(panel)` for panels that nobody has taken, until none is left.
+    template <typename Body>
+    void work(const Body& body) {
+        for (;;) {
+            const std::size_t panel = next_.fetch_add(1, std::memory_order_relaxed);
+            if (panel >= panel_count_) {
+                return;
+            }
+            body(panel);
+        }
+    }
+
+  private:
+    std::size_t panel_count_;
+    std::atomic<std::size_t> next_ = 0;
+};
+
+}  // namespace ovik

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+
+#include "stats/kernels/pair_kernels.h"
+#include "stats/similarity_sum.h"
+#include "util/malloc_array.h"
+
+namespace ovik {
+
+/// The gradient and cost of `exact_gradient` and `exact_cost` for symmetric similarities P and an
+/// embedding that changes from one iteration to the next; several times as fast.
+///
+/// The gradient is that of `exact_gradient` bit for bit. The cost agrees with `exact_cost` to about
+/// 1e-13 times the sum of P: it adds up in another order and takes each pair once. Both are the
+/// same for any number of threads and on any processor.
+class SymmetricForces {
+  public:
+    /// For at least 2 points in at least 1 dimension. Ends the process with "Memory allocation
+    /// failed!" if the arrays, O(point_count), do not fit in memory.
+    SymmetricForces(std::size_t point_count,
+                    std::size_t dims,
+                    const PairKernels& kernels = pair_kernels());
+
+    /// Takes over an embedding, row-major, point_count x dims, for the calls below.
+    ///
+    /// @return whether that could be done: whether all coordinates are finite, and not larger than
+    /// `kLargestCoordinate`
+    [[nodiscard]] bool take(const double* Y);
+
+    /// @param P         symmetric, finite, by panels (see `rows_to_panels`); the diagonal is 0
+    /// @param gradient  row-major, point_count x dims, written
+    void gradient(const double* P, double* gradient);
+
+    /// @param diagonal  that of P, point_count values
+    /// @param gradient  written as well, unless it is null
+    double cost(const double* P, const double* diagonal, double* gradient);
+
+  private:
+    template <typename Kernel>
+    double addPanels(const double* P, const Kernel& kernel);
+    [[nodiscard]] EmbeddingColumns columns() const;
+    void copyGradient(double* gradient) const;
+
+    const PairKernels& kernels_;
+    std::size_t point_count_;
+    std::size_t dims_;
+    std::size_t worker_count_;
+    SimilaritySum similarity_sum_;
+    MallocArray<double> coordinates_;
+    MallocArray<double> forces_;
+    MallocArray<double> costs_;
+};
+
+}  // namespace ovik
