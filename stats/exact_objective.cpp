@@ -38,6 +38,11 @@ double ExactObjective::cost(const double* Y) {
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 
+double ExactObjective::costAndGradient(const double* Y, double* dY) {
+    gradient(Y, dY);
+    return cost(Y);
+}
+
 std::string ExactObjective::report(std::clock_t elapsed) const {
     const long seconds = elapsed / 1000000;
     return "Got input similarities in " + num2string<long>(seconds) + " seconds!";

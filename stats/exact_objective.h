@@ -23,6 +23,7 @@ class ExactObjective : public Objective {
     void relax(double factor) override;
     void gradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
+    double costAndGradient(const double* Y, double* dY) override;
 
     /// Gives whole seconds.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;

@@ -26,6 +26,9 @@ class Objective {
     /// The Kullback-Leibler divergence of embedding Y, against the similarities as they stand.
     [[nodiscard]] virtual double cost(const double* Y) = 0;
 
+    /// The cost at Y, and the gradient there, which the next iteration needs.
+    virtual double costAndGradient(const double* Y, double* dY) = 0;
+
     /// The message about the similarities.
     ///
     /// @param elapsed  processor time that they took

@@ -82,8 +82,10 @@ void optimise(Objective& objective,
               std::size_t no_dims,
               const Schedule& schedule) {
     double momentum = kInitialMomentum;
-    for (long iter = 0; iter <= schedule.max_iter; ++iter) {
+    if (schedule.max_iter >= 0) {
         objective.gradient(Y, descent.gradient());
+    }
+    for (long iter = 0; iter <= schedule.max_iter; ++iter) {
         descent.step(Y, momentum);
         zero_mean(Y, N, no_dims);
         if (iter == schedule.stop_lying_iter) {
@@ -94,7 +96,10 @@ void optimise(Objective& objective,
         }
         // Until exaggeration ends the cost is that against the exaggerated similarities, on
         // purpose.
-        report_progress<T>(objective.cost(Y), iter, schedule.max_iter);
+        const double cost = iter < schedule.max_iter
+                                ? objective.costAndGradient(Y, descent.gradient())
+                                : objective.cost(Y);
+        report_progress<T>(cost, iter, schedule.max_iter);
     }
     std::putchar('\n');
 }

@@ -1,0 +1,39 @@
+#include "util/instruction_set.h"
+
+#include <algorithm>
+
+namespace ovik {
+
+namespace {
+
+InstructionSet best_of_processor() {
+#ifdef OVIK_X86_KERNELS
+    __builtin_cpu_init();
+    if (__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+        __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0) {
+        return InstructionSet::kAvx512;
+    }
+    if (__builtin_cpu_supports("avx2") != 0) {
+        return InstructionSet::kAvx2;
+    }
+#endif
+    return InstructionSet::kScalar;
+}
+
+InstructionSet& allowed() {
+    static InstructionSet best = InstructionSet::kAvx512;
+    return best;
+}
+
+}  // namespace
+
+InstructionSet instruction_set() {
+    static const InstructionSet of_processor = best_of_processor();
+    return std::min(of_processor, allowed());
+}
+
+void limit_instruction_set(InstructionSet best) {
+    allowed() = best;
+}
+
+}  // namespace ovik

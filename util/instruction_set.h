@@ -1,0 +1,21 @@
+#pragma once
+
+namespace ovik {
+
+/// What the vector kernels are built for, each a superset of the one before. All of them compute
+/// the same results to the last bit.
+enum class InstructionSet {
+    kScalar,
+    kAvx2,
+    /// AVX-512 F, DQ and VL.
+    kAvx512,
+};
+
+/// The instruction set that the kernels use: the best of this build that the processor has and that
+/// is allowed.
+InstructionSet instruction_set();
+
+/// Allows no instruction set beyond `best`, for tests. Not while another thread computes.
+void limit_instruction_set(InstructionSet best);
+
+}  // namespace ovik
