@@ -12,6 +12,7 @@ namespace {
 
 /// Fewest points for which another thread pays.
 constexpr std::size_t kEdgeForceGrain = 64;
+constexpr std::size_t kBuildGrain = 1024;
 
 /// A `theta` that opens every cell becomes 0.
 double square_of(double theta) {
@@ -20,15 +21,31 @@ double square_of(double theta) {
 
 }  // namespace
 
-SPTree::SPTree(unsigned int D, unsigned int N) : dims_(D), builder_(D, N) {}
+SPTree::SPTree(unsigned int D, unsigned int N) : dims_(D), point_count_(N), builder_(D, N) {}
 
 SPTree::SPTree(unsigned int D, const double* data, unsigned int N) : SPTree(D, N) {
     rebuild(data);
 }
 
 void SPTree::rebuild(const double* data) {
+    const std::size_t parts = prepareRebuild(data);
+    parallel_deal(parts, worker_count(point_count_, kBuildGrain), [this](std::size_t part) {
+        builder_.buildPart(part);
+    });
+    builder_.join();
+}
+
+std::size_t SPTree::prepareRebuild(const double* data) {
     data_ = data;
-    builder_.build(data);
+    return builder_.prepare(data);
+}
+
+void SPTree::rebuildPart(std::size_t part) {
+    builder_.buildPart(part);
+}
+
+void SPTree::finishRebuild() {
+    builder_.join();
 }
 
 void SPTree::computeEdgeForces(const unsigned int* row_P,

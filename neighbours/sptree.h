@@ -47,6 +47,13 @@ class SPTree {
     /// Builds the tree anew over as many points as before.
     void rebuild(const double* data);
 
+    /// `rebuild` in steps, for callers with other work to spread over the cores meanwhile:
+    /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
+    /// thread, and `finishRebuild` puts them together.
+    std::size_t prepareRebuild(const double* data);
+    void rebuildPart(std::size_t part);
+    void finishRebuild();
+
     /// Adds the attractive forces along the entries of a sparse similarity matrix.
     ///
     /// For every entry (n, m, p), in order, row n of `pos_f` grows by p * q * (Y_n - Y_m), with
@@ -89,6 +96,7 @@ class SPTree {
     void addRepulsion(unsigned int point, double squared_theta, double* neg_f, double* sum_Q) const;
 
     std::size_t dims_;
+    std::size_t point_count_;
     const double* data_ = nullptr;
     TreeBuilder builder_;
 };

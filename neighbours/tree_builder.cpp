@@ -18,7 +18,7 @@ constexpr int kGridBits = 32;
 constexpr int kBucketBits = 12;
 
 /// Fewest points for which another thread pays.
-constexpr std::size_t kBuildGrain = 1024;
+constexpr std::size_t kPointGrain = 16384;
 
 // Between neighbours in Morton order that no level parts.
 constexpr std::int8_t kSameCell = -1;
@@ -153,18 +153,15 @@ TreeView TreeBuilder::view() const {
             whole_.centres.data() + first_cell_ * dims_};
 }
 
-void TreeBuilder::build(const double* data) {
-    if (point_count_ == 0) {
-        return;
-    }
+std::size_t TreeBuilder::prepare(const double* data) {
     data_ = data;
-    fillKeys();
-    fillBuckets();
-    listSegments();
-    parallel_deal(segments_.size(), worker_count(point_count_, kBuildGrain), [this](std::size_t i) {
-        buildSegment(segments_[i]);
-    });
-    joinSegments();
+    segments_.clear();
+    if (point_count_ > 0) {
+        fillKeys();
+        fillBuckets();
+        listSegments();
+    }
+    return segments_.size();
 }
 
 /// Lays a grid over all points.
@@ -176,7 +173,7 @@ void TreeBuilder::fillKeys() {
         low_[d] = low;
         side_ = wider(side_, low, high);
     }
-    parallel_for_each(point_count_, kBuildGrain, [this](std::size_t row) {
+    parallel_for_each(point_count_, kPointGrain, [this](std::size_t row) {
         for (std::size_t d = 0; d < dims_; ++d) {
             codes_[row * dims_ + d] = grid_code(data_[row * dims_ + d], low_[d], side_);
         }
@@ -218,7 +215,6 @@ void TreeBuilder::fillBuckets() {
 }
 
 void TreeBuilder::listSegments() {
-    segments_.clear();
     const std::size_t step = cellsOf(bucket_levels_ - segment_levels_);
     for (std::size_t bucket = 0; bucket + 1 < bucket_starts_.size(); bucket += step) {
         const std::uint32_t first = bucket_starts_[bucket];
@@ -229,7 +225,8 @@ void TreeBuilder::listSegments() {
     }
 }
 
-void TreeBuilder::buildSegment(Segment& segment) {
+void TreeBuilder::buildPart(std::size_t part) {
+    Segment& segment = segments_[part];
     std::size_t bucket = segment.bucket;
     for (std::uint32_t first = segment.first; first < segment.last; ++bucket) {
         sortBucket(first, bucket_starts_[bucket + 1]);
@@ -337,8 +334,7 @@ double TreeBuilder::refineGrid(std::uint32_t first, std::uint32_t last) {
     return side;
 }
 
-/// Puts the segments, and the coarse cells around them, into one array.
-void TreeBuilder::joinSegments() {
+void TreeBuilder::join() {
     std::size_t end = whole_.cells.size();
     Assembler assembler(whole_, side_);
     coarse_cells_.clear();
@@ -352,7 +348,7 @@ void TreeBuilder::joinSegments() {
                              [this](std::size_t cell) { coarse_cells_.push_back(cell); });
     }
     first_cell_ = end;
-    parallel_deal(segments_.size(), worker_count(point_count_, kBuildGrain), [this](std::size_t i) {
+    parallel_deal(segments_.size(), worker_count(point_count_, kPointGrain), [this](std::size_t i) {
         const Segment& segment = segments_[i];
         const std::size_t from = 2 * std::size_t{segment.last} - segment.cell_count;
         std::copy_n(

@@ -20,8 +20,17 @@ class TreeBuilder {
   public:
     TreeBuilder(std::size_t dims, std::size_t point_count);
 
-    /// @param data  row-major, point_count x dims; read by this call only
-    void build(const double* data);
+    /// Begins to build the tree: sorts the points into parts that can be built side by side.
+    ///
+    /// @param data  row-major, point_count x dims; read until `join` has ended
+    /// @return the number of parts
+    std::size_t prepare(const double* data);
+
+    /// Builds one part; other threads may build others.
+    void buildPart(std::size_t part);
+
+    /// Puts the parts, and the coarse cells around them, together. After that, the tree is there.
+    void join();
 
     /// The tree that was built last; `data` is null.
     [[nodiscard]] TreeView view() const;
@@ -68,7 +77,6 @@ class TreeBuilder {
     [[nodiscard]] std::uint64_t keyOf(std::size_t row) const;
     void fillBuckets();
     void listSegments();
-    void buildSegment(Segment& segment);
     void sortBucket(std::uint32_t first, std::uint32_t last);
     void sortByCode(std::uint32_t first, std::uint32_t last);
     void markPartings(std::uint32_t first, std::uint32_t last);
@@ -76,7 +84,6 @@ class TreeBuilder {
         std::uint32_t first, std::uint32_t last, int within, double side, std::size_t end);
     std::size_t emitUnit(std::uint32_t first, std::uint32_t last, std::size_t end);
     double refineGrid(std::uint32_t first, std::uint32_t last);
-    void joinSegments();
     void weigh(CellArray& array, std::size_t cell) const;
 
     [[nodiscard]] std::pair<double, double> bounds(std::uint32_t first,

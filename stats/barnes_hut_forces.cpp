@@ -79,20 +79,29 @@ EdgeView BarnesHutForces::edgesOf(const SparseMatrixView& P, const double* Y) co
 /// Lets every point walk the tree and every row pass its entries: the repulsive forces and their
 /// shares are there afterwards, and the attractive forces and sums of the cost if wanted.
 void BarnesHutForces::visit(const EdgeView& edges, double theta, double* pos_f, RowCost* costs) {
-    tree_.rebuild(edges.Y);
     const EdgePass pass = edge_pass(instruction_set(), dims_);
-    const std::size_t shares = (N_ + kTaskRows - 1) / kTaskRows;
-    parallel_deal(2 * shares, worker_count(N_, kForceGrain), [&](std::size_t task) {
-        const std::size_t begin = task % shares * kTaskRows;
-        const std::size_t end = std::min(begin + kTaskRows, N_);
-        if (task < shares) {
-            tree_.computeRepulsion(begin, end, theta, neg_f_.get(), shares_.get());
+    const std::size_t tasks = (N_ + kTaskRows - 1) / kTaskRows;
+    const auto rows_of = [this](std::size_t task) {
+        return IndexRange{task * kTaskRows, std::min((task + 1) * kTaskRows, N_)};
+    };
+    const int workers = worker_count(N_, kForceGrain);
+    const std::size_t parts = tree_.prepareRebuild(edges.Y);
+    // The entries do not need the tree: both at once leave one pause fewer at which threads wait.
+    parallel_deal(parts + tasks, workers, [&](std::size_t i) {
+        if (i < parts) {
+            tree_.rebuildPart(i);
             return;
         }
+        const IndexRange rows = rows_of(i - parts);
         if (pos_f != nullptr) {
-            std::fill(pos_f + begin * dims_, pos_f + end * dims_, 0.0);
+            std::fill(pos_f + rows.begin * dims_, pos_f + rows.end * dims_, 0.0);
         }
-        pass(edges, begin, end, pos_f, costs);
+        pass(edges, rows.begin, rows.end, pos_f, costs);
+    });
+    tree_.finishRebuild();
+    parallel_deal(tasks, workers, [&](std::size_t i) {
+        const IndexRange points = rows_of(i);
+        tree_.computeRepulsion(points.begin, points.end, theta, neg_f_.get(), shares_.get());
     });
 }
 

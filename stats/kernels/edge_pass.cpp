@@ -53,13 +53,7 @@ class Row {
         for (std::size_t part = 0; part < kParts; ++part) {
             const std::size_t first = part * kLanes;
             Lanes offsets[Dims > 0 ? Dims : 1];
-            Lanes squared_distance = broadcast(0.0);
-            for (std::size_t d = 0; d < dims_; ++d) {
-                const Lanes other = gather(Y_ + d, columns + first, dims_);
-                const Lanes offset = subtract(broadcast(own_[d]), other);
-                squared_distance = add(squared_distance, multiply(offset, offset));
-                offsets[Dims > 0 ? d : 0] = offset;
-            }
+            const Lanes squared_distance = squaredDistances(columns + first, offsets);
             const Lanes one = broadcast(1.0);
             const Lanes inverse_q = add(one, squared_distance);
             const Lanes p = load(values + first);
@@ -100,6 +94,22 @@ class Row {
     }
 
   private:
+    /// Of the row's point and those of some columns; also writes the offsets if `Dims` is not 0.
+    Lanes squaredDistances(const unsigned int* columns, Lanes* offsets) const {
+        if constexpr (Dims == 2) {
+            gather_pairs(Y_, columns, offsets);
+        }
+        Lanes squared_distance = broadcast(0.0);
+        for (std::size_t d = 0; d < dims_; ++d) {
+            const Lanes other = Dims == 2 ? offsets[d] : gather(Y_ + d, columns, dims_);
+            const Lanes offset = subtract(broadcast(own_[d]), other);
+            const Lanes square = multiply(offset, offset);
+            squared_distance = d == 0 ? square : add(squared_distance, square);
+            offsets[Dims > 0 ? d : 0] = offset;
+        }
+        return squared_distance;
+    }
+
     void takeCost(std::size_t part, Lanes p, Lanes inverse_q) {
         const Lanes argument = multiply(add(p, broadcast(kSmallestNormal)), inverse_q);
         const Mask small = both(less(inverse_q, broadcast(kLargestDistance)),

@@ -69,13 +69,27 @@ inline Lanes add_where(Mask mask, Lanes a, Lanes b) {
     return _mm512_mask_add_pd(a, mask, a, b);
 }
 
+// The processor's own gather instructions are slow where they are mended against reading stale
+// data; these are loads.
+
 /// base[stride * indices[lane]]
 inline Lanes gather(const double* base, const std::uint32_t* indices, std::uint64_t stride) {
-    const __m512i wide =
-        _mm512_cvtepu32_epi64(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(indices)));
-    const __m512i offsets =
-        _mm512_mul_epu32(wide, _mm512_set1_epi64(static_cast<long long>(stride)));
-    return _mm512_mask_i64gather_pd(_mm512_setzero_pd(), 0xFF, offsets, base, 8);
+    const auto at = [=](std::size_t lane) { return base[indices[lane] * stride]; };
+    return _mm512_setr_pd(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7));
+}
+
+/// pairs[2 * indices[lane]] and the value after it.
+inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
+    const auto two = [=](std::size_t lane) {
+        return _mm256_insertf128_pd(
+            _mm256_castpd128_pd256(_mm_loadu_pd(pairs + 2 * std::size_t{indices[lane]})),
+            _mm_loadu_pd(pairs + 2 * std::size_t{indices[lane + 1]}),
+            1);
+    };
+    const __m512d low = _mm512_insertf64x4(_mm512_castpd256_pd512(two(0)), two(2), 1);
+    const __m512d high = _mm512_insertf64x4(_mm512_castpd256_pd512(two(4)), two(6), 1);
+    both[0] = _mm512_permutex2var_pd(low, _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14), high);
+    both[1] = _mm512_permutex2var_pd(low, _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15), high);
 }
 
 inline Integers broadcast_integer(std::int64_t x) {
@@ -221,6 +235,17 @@ inline Lanes gather(const double* base, const std::uint32_t* indices, std::uint6
                           base[indices[3] * stride]);
 }
 
+inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
+    const auto two = [=](std::size_t lane) {
+        return _mm256_insertf128_pd(
+            _mm256_castpd128_pd256(_mm_loadu_pd(pairs + 2 * std::size_t{indices[lane]})),
+            _mm_loadu_pd(pairs + 2 * std::size_t{indices[lane + 2]}),
+            1);
+    };
+    both[0] = _mm256_unpacklo_pd(two(0), two(1));
+    both[1] = _mm256_unpackhi_pd(two(0), two(1));
+}
+
 inline Integers broadcast_integer(std::int64_t x) {
     return _mm256_set1_epi64x(x);
 }
@@ -354,6 +379,11 @@ inline Lanes add_where(Mask mask, Lanes a, Lanes b) {
 
 inline Lanes gather(const double* base, const std::uint32_t* indices, std::uint64_t stride) {
     return base[indices[0] * stride];
+}
+
+inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
+    both[0] = pairs[2 * std::size_t{indices[0]}];
+    both[1] = pairs[2 * std::size_t{indices[0]} + 1];
 }
 
 inline Integers broadcast_integer(std::int64_t x) {

@@ -46,6 +46,11 @@ constexpr double kLogarithms[16] = {
     0x1.52a2d265bc5abp-1,
 };
 
+/// c0 + c1 * r
+inline Lanes pair(Lanes r, double c0, double c1) {
+    return add(broadcast(c0), multiply(broadcast(c1), r));
+}
+
 /// The logarithms of normal positive numbers, to about 2e-16 absolute or relative, whichever is
 /// more; exactly 0 for 1. What other numbers give has no meaning.
 ///
@@ -60,11 +65,14 @@ inline Lanes logarithm(Lanes x) {
     const Integers scale = shift_left<52>(subtract(exponent, broadcast_integer(1023)));
     const Lanes mantissa = from_bits(subtract(bits(x), scale));
     const Lanes r = subtract(multiply(mantissa, look_up(kReciprocals, j)), broadcast(1.0));
-    Lanes series = broadcast(-1.0 / 10);
-    for (int n = 9; n >= 2; --n) {
-        series = add(multiply(series, r), broadcast((n % 2 == 0 ? -1.0 : 1.0) / n));
-    }
-    const Lanes log_mantissa = add(r, multiply(multiply(r, r), series));
+    // From r^2 on, in pairs of terms: short chains of operations that can run side by side.
+    const Lanes r2 = multiply(r, r);
+    const Lanes r4 = multiply(r2, r2);
+    const Lanes low = add(pair(r, -1.0 / 2, 1.0 / 3), multiply(r2, pair(r, -1.0 / 4, 1.0 / 5)));
+    const Lanes high = add(pair(r, -1.0 / 6, 1.0 / 7), multiply(r2, pair(r, -1.0 / 8, 1.0 / 9)));
+    const Lanes last = multiply(multiply(r4, r4), broadcast(-1.0 / 10));
+    const Lanes series = add(low, add(multiply(r4, high), last));
+    const Lanes log_mantissa = add(r, multiply(r2, series));
     // The exponent as the low bits of 2^52 + exponent.
     constexpr std::int64_t kTwoTo52 = 0x4330000000000000;
     const Lanes k = subtract(from_bits(bit_or(exponent, broadcast_integer(kTwoTo52))),
