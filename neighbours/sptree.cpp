@@ -29,9 +29,9 @@ SPTree::SPTree(unsigned int D, const double* data, unsigned int N) : SPTree(D, N
 
 void SPTree::rebuild(const double* data) {
     const std::size_t parts = prepareRebuild(data);
-    parallel_deal(parts, worker_count(point_count_, kBuildGrain), [this](std::size_t part) {
-        builder_.buildPart(part);
-    });
+    parallel_deal(parts,
+                  worker_count(point_count_, kBuildGrain),
+                  [this](std::size_t part, std::size_t /*worker*/) { builder_.buildPart(part); });
     builder_.join();
 }
 

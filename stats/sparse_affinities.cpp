@@ -7,9 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "neighbours/data_point.h"
-#include "neighbours/euclidean_distance.h"
-#include "neighbours/vptree.h"
+#include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
 #include "util/console.h"
 #include "util/parallel.h"
@@ -19,14 +17,7 @@ namespace ovik {
 namespace {
 
 constexpr int kBandwidthAttempts = 200;
-
-double row_distance(const DataPoint<double>& a, const DataPoint<double>& b) {
-    return euclidean_distance(a, b);
-}
-
-/// On a function of this file, so that a caller's own tree, built with other compiler flags, is
-/// never linked in its place.
-using NeighbourTree = VpTree<DataPoint<double>, &row_distance>;
+constexpr std::size_t kQueriesPerTask = 32;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {
@@ -35,43 +26,33 @@ void check_entry_count(std::size_t entries) {
     }
 }
 
-std::vector<DataPoint<double>> point_list(const double* points, std::size_t N, std::size_t dims) {
-    std::vector<DataPoint<double>> list;
-    list.reserve(N);
-    for (std::size_t n = 0; n < N; ++n) {
-        list.emplace_back(
-            static_cast<std::int32_t>(dims), static_cast<std::int32_t>(n), points + n * dims);
-    }
-    return list;
-}
-
 /// What one worker needs to calibrate row after row.
 struct RowScratch {
-    NeighbourTree::Query query;
+    NeighbourIndex::Query query;
     std::vector<double> squared_distances;
 };
 
 /// Fills the row of point n: columns nearest first, and their similarities.
-void fill_row(const NeighbourTree& tree,
-              const DataPoint<double>& point,
+void fill_row(const NeighbourIndex& index,
+              const double* point,
+              std::size_t n,
               double perplexity,
               std::size_t K,
               RowScratch& scratch,
-              unsigned int* columns,
-              double* similarities) {
-    const std::size_t wanted = std::min(K, tree.items.size()) + 1;
-    tree.search(point, static_cast<int>(wanted), scratch.query);
+              SparseMatrix& matrix) {
+    unsigned int* const columns = matrix.col_P.get() + n * K;
+    double* const similarities = matrix.val_P.get() + n * K;
+    index.search(point, K + 1, scratch.query);
     const auto& nearest = scratch.query.neighbours;
     const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
     for (std::size_t m = 0; m < count; ++m) {
-        const double distance = nearest[m + 1].dist;
+        const double distance = nearest[m + 1].distance;
         scratch.squared_distances[m] = distance * distance;
-        columns[m] = static_cast<unsigned int>(
-            tree.items[static_cast<std::size_t>(nearest[m + 1].index)].index);
+        columns[m] = index.rowAt(nearest[m + 1].position);
     }
     const auto fill = [&](double beta) {
         for (std::size_t m = 0; m < count; ++m) {
-            const double distance = nearest[m + 1].dist;
+            const double distance = nearest[m + 1].distance;
             similarities[m] = std::exp(((-beta) * distance) * distance);
         }
     };
@@ -81,7 +62,7 @@ void fill_row(const NeighbourTree& tree,
                            perplexity,
                            kBandwidthAttempts,
                            fill);
-    std::fill(columns + count, columns + K, static_cast<unsigned int>(point.index));
+    std::fill(columns + count, columns + K, static_cast<unsigned int>(n));
     std::fill(similarities + count, similarities + K, 0.0);
 }
 
@@ -139,23 +120,21 @@ SparseMatrix neighbour_affinities(
     for (std::size_t n = 0; n <= N; ++n) {
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
-    const auto list = point_list(points, N, dims);
-    NeighbourTree tree;
-    tree.create(list);
+    const NeighbourIndex index(points, N, dims);
     print_info("Building tree ...");
-    std::vector<RowScratch> scratch(static_cast<std::size_t>(worker_count(N)));
+    // Queries in tree order: near points look at the same blocks.
+    const std::size_t tasks = (N + kQueriesPerTask - 1) / kQueriesPerTask;
+    const int workers = worker_count(tasks);
+    std::vector<RowScratch> scratch(static_cast<std::size_t>(workers));
     for (RowScratch& worker : scratch) {
         worker.squared_distances.resize(row_length);
+        worker.query.neighbours.reserve(std::min(row_length, N) + 1);
     }
-    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
-        for (std::size_t n = rows.begin; n < rows.end; ++n) {
-            fill_row(tree,
-                     list[n],
-                     perplexity,
-                     row_length,
-                     scratch[worker],
-                     matrix.col_P.get() + n * row_length,
-                     matrix.val_P.get() + n * row_length);
+    parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
+        const std::size_t begin = task * kQueriesPerTask;
+        for (std::size_t i = begin; i < std::min(begin + kQueriesPerTask, N); ++i) {
+            const std::size_t n = index.rowAt(i);
+            fill_row(index, points + n * dims, n, perplexity, row_length, scratch[worker], matrix);
         }
     });
     return matrix;
