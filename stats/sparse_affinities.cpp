@@ -4,7 +4,10 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "neighbours/neighbour_index.h"
@@ -66,43 +69,135 @@ void fill_row(const NeighbourIndex& index,
     std::fill(similarities + count, similarities + K, 0.0);
 }
 
-constexpr std::size_t kNotStored = static_cast<std::size_t>(-1);
+constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
 
-/// The entry of row `row` whose column is `column`, the last one if there are several.
-std::size_t find_entry(const SparseMatrixView& P, std::size_t row, std::size_t column) {
-    for (std::size_t i = P.row_P[row + 1]; i-- > P.row_P[row];) {
-        if (P.col_P[i] == column) {
-            return i;
+/// Fewest rows for which another thread pays, and most threads: each has counters for all columns.
+constexpr std::size_t kRowGrain = 512;
+constexpr int kMostCounters = 16;
+
+/// An entry seen from its column: the row that holds it, and its place there.
+struct Arrival {
+    unsigned int row;
+    unsigned int entry;
+};
+
+/// The entries of a matrix column by column, those of a column by row and then by place.
+class Transposed {
+  public:
+    Transposed(const SparseMatrixView& P, std::size_t N)
+        : starts_(calloc_array<std::size_t>(N + 1)),
+          arrivals_(malloc_array<Arrival>(P.row_P[N])) {
+        const int workers = std::min(worker_count(N, kRowGrain), kMostCounters);
+        const auto team = static_cast<std::size_t>(workers);
+        const auto next = calloc_array<unsigned int>(team * N);
+        exit_unless_allocated(starts_, arrivals_, next);
+        // Each worker's rows come before the next one's in every column.
+        for_each_entry(P, N, workers, [&](std::size_t worker, Arrival arrival) {
+            ++next[worker * N + P.col_P[arrival.entry]];
+        });
+        unsigned int start = 0;
+        for (std::size_t column = 0; column < N; ++column) {
+            starts_[column] = start;
+            for (std::size_t worker = 0; worker < team; ++worker) {
+                start += std::exchange(next[worker * N + column], start);
+            }
+        }
+        starts_[N] = start;
+        for_each_entry(P, N, workers, [&](std::size_t worker, Arrival arrival) {
+            arrivals_[next[worker * N + P.col_P[arrival.entry]]++] = arrival;
+        });
+    }
+
+    [[nodiscard]] const Arrival* begin(std::size_t column) const {
+        return arrivals_.get() + starts_[column];
+    }
+
+    [[nodiscard]] const Arrival* end(std::size_t column) const { return begin(column + 1); }
+
+    /// The arrival from a row in a column, the last one if there are several; null if there is
+    /// none.
+    [[nodiscard]] const Arrival* find(std::size_t row, std::size_t column) const {
+        const Arrival* const behind = std::upper_bound(
+            begin(column), end(column), row, [](std::size_t key, const Arrival& arrival) {
+                return key < arrival.row;
+            });
+        return behind != begin(column) && behind[-1].row == row ? behind - 1 : nullptr;
+    }
+
+  private:
+    template <typename Visit>
+    static void for_each_entry(const SparseMatrixView& P,
+                               std::size_t N,
+                               int workers,
+                               const Visit& visit) {
+        parallel_for(static_cast<std::size_t>(workers), 1, [&](std::size_t, IndexRange shares) {
+            for (std::size_t share = shares.begin; share < shares.end; ++share) {
+                const IndexRange rows = static_share(N, static_cast<std::size_t>(workers), share);
+                for (std::size_t n = rows.begin; n < rows.end; ++n) {
+                    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+                        visit(share, Arrival{static_cast<unsigned int>(n), i});
+                    }
+                }
+            }
+        });
+    }
+
+    MallocArray<std::size_t> starts_;
+    MallocArray<Arrival> arrivals_;
+};
+
+/// Calls `emit(column, value)` for every entry of row n of the symmetric form, in the order in
+/// which rows 0, 1, ... bring them up: what earlier rows store about n, then its own entries, then
+/// what later rows store and n does not.
+///
+/// @param mirrors  scratch
+template <typename Emit>
+void for_each_symmetric_entry(const SparseMatrixView& P,
+                              const Transposed& transposed,
+                              std::size_t n,
+                              std::vector<unsigned int>& mirrors,
+                              const Emit& emit) {
+    const Arrival* const arrivals = transposed.begin(n);
+    const auto arrival_count = static_cast<std::size_t>(transposed.end(n) - arrivals);
+    // Which entry of row n goes back where an arrival came from.
+    mirrors.assign(arrival_count, kNotStored);
+    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+        if (const Arrival* const mirror = transposed.find(P.col_P[i], n)) {
+            mirrors[static_cast<std::size_t>(mirror - arrivals)] = i;
         }
     }
-    return kNotStored;
+    std::size_t a = 0;
+    for (; a < arrival_count && arrivals[a].row < n; ++a) {
+        const double value = P.val_P[arrivals[a].entry];
+        const double sum = mirrors[a] == kNotStored ? value : value + P.val_P[mirrors[a]];
+        emit(arrivals[a].row, sum * 0.5);
+    }
+    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+        const unsigned int j = P.col_P[i];
+        const Arrival* const mirror = transposed.find(j, n);
+        if (mirror == nullptr) {
+            emit(j, P.val_P[i] * 0.5);
+        } else if (n <= j) {
+            emit(j, (P.val_P[i] + P.val_P[mirror->entry]) * 0.5);
+        }
+    }
+    for (; a < arrival_count; ++a) {
+        if (arrivals[a].row > n && mirrors[a] == kNotStored) {
+            emit(arrivals[a].row, P.val_P[arrivals[a].entry] * 0.5);
+        }
+    }
 }
 
-/// An empty symmetric matrix with room for the entries of both directions in each row.
-SparseMatrix allocate_symmetrized(const SparseMatrixView& P, std::size_t N) {
-    const auto row_counts = calloc_array<unsigned int>(N);
-    exit_unless_allocated(row_counts);
-    std::size_t entries = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-            const std::size_t j = P.col_P[i];
-            const bool both = find_entry(P, j, n) != kNotStored;
-            row_counts[n] += 1;
-            row_counts[j] += both ? 0 : 1;
-            entries += both ? 1 : 2;
+/// Runs `visit(n, mirrors)` for every row, spread over the cores.
+template <typename Visit>
+void for_each_row(std::size_t N, const Visit& visit) {
+    parallel_for(N, kRowGrain, [&](std::size_t /*worker*/, IndexRange rows) {
+        std::vector<unsigned int> mirrors;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            visit(n, mirrors);
         }
-    }
-    check_entry_count(entries);
-    SparseMatrix result{malloc_array<unsigned int>(N + 1),
-                        malloc_array<unsigned int>(entries),
-                        malloc_array<double>(entries)};
-    exit_unless_allocated(result.row_P, result.col_P, result.val_P);
-    result.row_P[0] = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        result.row_P[n + 1] = result.row_P[n] + row_counts[n];
-    }
-    return result;
-}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
+    });
+}
 
 }  // namespace
 
@@ -141,27 +236,31 @@ SparseMatrix neighbour_affinities(
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
 SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
-    SparseMatrix result = allocate_symmetrized(P, N);
-    const auto offset = calloc_array<unsigned int>(N);
-    exit_unless_allocated(offset);
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-            const std::size_t j = P.col_P[i];
-            const std::size_t mirror = find_entry(P, j, n);
-            if (mirror != kNotStored && n > j) {
-                continue;  // written with row j
-            }
-            const double sum = mirror == kNotStored ? P.val_P[i] : P.val_P[i] + P.val_P[mirror];
-            const std::size_t own_slot = result.row_P[n] + offset[n];
-            const std::size_t mirror_slot = result.row_P[j] + offset[j];
-            result.col_P[own_slot] = static_cast<unsigned int>(j);
-            result.col_P[mirror_slot] = static_cast<unsigned int>(n);
-            result.val_P[own_slot] = sum * 0.5;
-            result.val_P[mirror_slot] = sum * 0.5;
-            offset[n] += 1;
-            offset[j] += j != n ? 1 : 0;
-        }
-    }
+    const Transposed transposed(P, N);
+    const auto row_counts = malloc_array<unsigned int>(N);
+    auto row_P = malloc_array<unsigned int>(N + 1);
+    exit_unless_allocated(row_counts, row_P);
+    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
+        unsigned int count = 0;
+        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int, double) { ++count; });
+        row_counts[n] = count;
+    });
+    const std::size_t entries =
+        std::accumulate(row_counts.get(), row_counts.get() + N, std::size_t{0});
+    check_entry_count(entries);
+    row_P[0] = 0;
+    std::partial_sum(row_counts.get(), row_counts.get() + N, row_P.get() + 1);
+    SparseMatrix result{
+        std::move(row_P), malloc_array<unsigned int>(entries), malloc_array<double>(entries)};
+    exit_unless_allocated(result.col_P, result.val_P);
+    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
+        std::size_t slot = result.row_P[n];
+        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int column, double value) {
+            result.col_P[slot] = column;
+            result.val_P[slot] = value;
+            ++slot;
+        });
+    });
     return result;
 }
 
