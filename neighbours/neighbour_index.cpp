@@ -5,6 +5,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 
 #include "util/parallel.h"
@@ -21,6 +22,11 @@ constexpr std::size_t kSubtrees = 64;
 
 /// Fewest distances for which another thread pays.
 constexpr std::size_t kDistanceGrain = 256;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+/// Bounds of a block: two for each pivot.
+constexpr std::size_t kBounds = 2 * kPivots;
 
 /// Of a distance; the rounding errors of a sum over a million coordinates are below it.
 constexpr double kRoundingMargin = 1e-9;
@@ -175,7 +181,7 @@ void NeighbourIndex::choosePivots(const double* points) {
         pivot = static_cast<std::size_t>(std::max_element(to_nearest.begin(), to_nearest.end()) -
                                          to_nearest.begin());
     }
-    bounds_.resize(block_count_ * 2 * kPivots);
+    bounds_.resize(block_count_ * kBounds);
     fillBounds(distances.data(), {0, N}, 0);
 }
 
@@ -186,17 +192,21 @@ void NeighbourIndex::fillBounds(const double* distances, Range range, int levels
         return;
     }
     if (levels == 0) {
-        double* const least = bounds_.data() + blocks_[range.lower] * 2 * kPivots;
+        double* const least = bounds_.data() + blocks_[range.lower] * kBounds;
         double* const greatest = least + kPivots;
-        std::fill_n(least, kPivots, HUGE_VAL);
-        std::fill_n(greatest, kPivots, -HUGE_VAL);
+        std::fill_n(least, kPivots, kInfinity);
+        std::fill_n(greatest, kPivots, -kInfinity);
         for (std::size_t i = range.lower * kPivots; i < range.upper * kPivots; ++i) {
-            // A distance that is not finite bounds nothing.
-            const bool is_finite = std::isfinite(distances[i]);
             double& low = least[i % kPivots];
             double& high = greatest[i % kPivots];
-            low = std::min(low, is_finite ? distances[i] : -HUGE_VAL);
-            high = std::max(high, is_finite ? distances[i] : HUGE_VAL);
+            if (std::isfinite(distances[i])) {
+                low = std::min(low, distances[i]);
+                high = std::max(high, distances[i]);
+            } else {
+                // It bounds nothing.
+                low = -kInfinity;
+                high = kInfinity;
+            }
         }
         levels = levelsInBlock(range.size());
     }
@@ -237,9 +247,8 @@ void NeighbourIndex::visit(
     if (levels == 0) {
         // Far above what rounding adds to a distance.
         const double radius = query.radius + kRoundingMargin * (query.radius + query.margin);
-        if (kernels_.is_beyond(bounds_.data() + blocks_[range.lower] * 2 * kPivots,
-                               query.pivot_distances,
-                               radius)) {
+        if (kernels_.is_beyond(
+                bounds_.data() + blocks_[range.lower] * kBounds, query.pivot_distances, radius)) {
             // None of them would be admitted, so that the query goes on as if it had seen them.
             return;
         }
@@ -294,9 +303,9 @@ OVIK_DECLARE_BLOCK_KERNELS(avx512)
 BlockKernels block_kernels(InstructionSet instructions) {
     switch (instructions) {
 #ifdef OVIK_X86_KERNELS
-        case InstructionSet::kAvx512:
+        case InstructionSet::Avx512:
             return {&avx512::measure_block, &avx512::is_beyond_radius};
-        case InstructionSet::kAvx2:
+        case InstructionSet::Avx2:
             return {&avx2::measure_block, &avx2::is_beyond_radius};
 #endif
         default:

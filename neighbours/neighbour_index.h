@@ -31,12 +31,12 @@ class NeighbourIndex {
     struct Query {
         /// The result: nearest first.
         std::vector<Neighbour> neighbours;
-        double radius;
-        std::size_t wanted;
-        const double* target;
-        double pivot_distances[kPivots];
+        double radius = 0.0;
+        std::size_t wanted = 0;
+        const double* target = nullptr;
+        double pivot_distances[kPivots] = {};
         /// The largest of them.
-        double margin;
+        double margin = 0.0;
     };
 
     /// Builds the tree, subtrees side by side.

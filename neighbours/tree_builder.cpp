@@ -118,7 +118,7 @@ class TreeBuilder::Assembler {
     CellArray& array_;
     double grid_side_;
     /// Levels fall from the outermost to the innermost.
-    OpenCell open_[kGridBits + 1];
+    OpenCell open_[kGridBits + 1] = {};
     std::size_t depth_ = 0;
 };
 

@@ -20,9 +20,9 @@ template <std::size_t Dims>
 TreeWalk walk_in(InstructionSet instructions) {
     switch (instructions) {
 #ifdef OVIK_X86_KERNELS
-        case InstructionSet::kAvx512:
+        case InstructionSet::Avx512:
             return &avx512::walk_tree<Dims>;
-        case InstructionSet::kAvx2:
+        case InstructionSet::Avx2:
             return &avx2::walk_tree<Dims>;
 #endif
         default:

@@ -27,7 +27,6 @@ BarnesHutObjective::BarnesHutObjective(const double* X,
                                        double perplexity,
                                        double theta)
     : N_(N),
-      out_dims_(out_dims),
       theta_(theta) {
     const SparseMatrix conditional =
         neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N));

@@ -39,7 +39,6 @@ class BarnesHutObjective : public Objective {
     [[nodiscard]] std::size_t entryCount() const { return P_.row_P[N_]; }
 
     std::size_t N_;
-    std::size_t out_dims_;
     double theta_;
     SparseMatrix P_;
     /// Made once the similarities are there, which need the memory first.

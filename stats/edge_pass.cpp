@@ -20,9 +20,9 @@ template <std::size_t Dims>
 EdgePass pass_in(InstructionSet instructions) {
     switch (instructions) {
 #ifdef OVIK_X86_KERNELS
-        case InstructionSet::kAvx512:
+        case InstructionSet::Avx512:
             return &avx512::pass_edges<Dims>;
-        case InstructionSet::kAvx2:
+        case InstructionSet::Avx2:
             return &avx2::pass_edges<Dims>;
 #endif
         default:

@@ -81,18 +81,36 @@ struct Arrival {
     unsigned int entry;
 };
 
+/// Runs `visit(share, arrival)` for the entries of one of several shares of the rows, in order; the
+/// shares side by side.
+template <typename Visit>
+void for_each_entry(const SparseMatrixView& P,
+                    std::size_t N,
+                    std::size_t share_count,
+                    const Visit& visit) {
+    const auto visit_share = [&](std::size_t share) {
+        const IndexRange rows = static_share(N, share_count, share);
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+                visit(share, Arrival{static_cast<unsigned int>(n), i});
+            }
+        }
+    };
+    parallel_for_each(share_count, 1, visit_share);
+}
+
 /// The entries of a matrix column by column, those of a column by row and then by place.
 class Transposed {
   public:
     Transposed(const SparseMatrixView& P, std::size_t N)
         : starts_(calloc_array<std::size_t>(N + 1)),
           arrivals_(malloc_array<Arrival>(P.row_P[N])) {
-        const int workers = std::min(worker_count(N, kRowGrain), kMostCounters);
-        const auto team = static_cast<std::size_t>(workers);
+        const auto team =
+            static_cast<std::size_t>(std::min(worker_count(N, kRowGrain), kMostCounters));
         const auto next = calloc_array<unsigned int>(team * N);
         exit_unless_allocated(starts_, arrivals_, next);
         // Each worker's rows come before the next one's in every column.
-        for_each_entry(P, N, workers, [&](std::size_t worker, Arrival arrival) {
+        for_each_entry(P, N, team, [&](std::size_t worker, Arrival arrival) {
             ++next[worker * N + P.col_P[arrival.entry]];
         });
         unsigned int start = 0;
@@ -103,7 +121,7 @@ class Transposed {
             }
         }
         starts_[N] = start;
-        for_each_entry(P, N, workers, [&](std::size_t worker, Arrival arrival) {
+        for_each_entry(P, N, team, [&](std::size_t worker, Arrival arrival) {
             arrivals_[next[worker * N + P.col_P[arrival.entry]]++] = arrival;
         });
     }
@@ -125,23 +143,6 @@ class Transposed {
     }
 
   private:
-    template <typename Visit>
-    static void for_each_entry(const SparseMatrixView& P,
-                               std::size_t N,
-                               int workers,
-                               const Visit& visit) {
-        parallel_for(static_cast<std::size_t>(workers), 1, [&](std::size_t, IndexRange shares) {
-            for (std::size_t share = shares.begin; share < shares.end; ++share) {
-                const IndexRange rows = static_share(N, static_cast<std::size_t>(workers), share);
-                for (std::size_t n = rows.begin; n < rows.end; ++n) {
-                    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-                        visit(share, Arrival{static_cast<unsigned int>(n), i});
-                    }
-                }
-            }
-        });
-    }
-
     MallocArray<std::size_t> starts_;
     MallocArray<Arrival> arrivals_;
 };
@@ -262,6 +263,6 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
         });
     });
     return result;
-}
+}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
 }  // namespace ovik

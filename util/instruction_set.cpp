@@ -11,17 +11,17 @@ InstructionSet best_of_processor() {
     __builtin_cpu_init();
     if (__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
         __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0) {
-        return InstructionSet::kAvx512;
+        return InstructionSet::Avx512;
     }
     if (__builtin_cpu_supports("avx2") != 0) {
-        return InstructionSet::kAvx2;
+        return InstructionSet::Avx2;
     }
 #endif
-    return InstructionSet::kScalar;
+    return InstructionSet::Scalar;
 }
 
 InstructionSet& allowed() {
-    static InstructionSet best = InstructionSet::kAvx512;
+    static InstructionSet best = InstructionSet::Avx512;
     return best;
 }
 

@@ -5,10 +5,10 @@ namespace ovik {
 /// What the vector kernels are built for, each a superset of the one before. All of them compute
 /// the same results to the last bit.
 enum class InstructionSet {
-    kScalar,
-    kAvx2,
+    Scalar,
+    Avx2,
     /// AVX-512 F, DQ and VL.
-    kAvx512,
+    Avx512,
 };
 
 /// The instruction set that the kernels use: the best of this build that the processor has and that

@@ -41,40 +41,8 @@ class Batch {
 
     void walk(const TreeView& tree, double squared_theta) {
         const Lanes theta2 = broadcast(squared_theta);
-        const auto cell_count = static_cast<std::int64_t>(tree.cell_count);
-        for (std::int64_t i = 0; i < cell_count;) {
-            const TreeCell& cell = tree.cells[i];
-            const double* const centre = tree.centres + static_cast<std::size_t>(i) * Dims;
-            const std::int64_t behind = i + cell.skip;
-            const auto cell_end = cell.first + static_cast<std::uint32_t>(cell.weight);
-            const bool holds_any = cell.first < end_ && cell_end > begin_;
-            bool opened = false;
-            for (std::size_t v = 0; v < kVectors; ++v) {
-                Lanes offset[Dims];
-                Lanes squared_distance = offsets(v, centre, offset);
-                const Mask waits = greater(resume_[v], broadcast_integer(i));
-                Mask far = less(broadcast(cell.squared_side), multiply(theta2, squared_distance));
-                Lanes weight = broadcast(cell.weight);
-                if (holds_any) {
-                    const Mask holds = holding(v, cell.first, cell_end);
-                    far = cell.skip == 1 ? all() : but_not(far, holds);
-                    if (cell.skip == 1) {
-                        weight = add_where(holds, weight, broadcast(-1.0));
-                        if (cell.weight == 1.0) {
-                            far = but_not(far, holds);
-                        }
-                    }
-                } else if (cell.skip == 1) {
-                    far = all();
-                }
-                const Mask taken = but_not(far, waits);
-                opened = opened || (cell.skip != 1 && any(but_not(but_not(all(), far), waits)));
-                if (any(taken)) {
-                    take(v, taken, weight, squared_distance, offset);
-                    resume_[v] = select(taken, broadcast_integer(behind), resume_[v]);
-                }
-            }
-            i = opened ? i + 1 : behind;
+        for (std::size_t i = 0; i < tree.cell_count;) {
+            i += visit(tree, i, theta2) ? 1 : tree.cells[i].skip;
         }
     }
 
@@ -97,6 +65,59 @@ class Batch {
     }
 
   private:
+    /// Lets all lanes that do not wait look at a cell.
+    ///
+    /// @return whether one of them opens it
+    bool visit(const TreeView& tree, std::size_t i, Lanes theta2) {
+        const TreeCell& cell = tree.cells[i];
+        const double* const centre = tree.centres + i * Dims;
+        const auto here = static_cast<std::int64_t>(i);
+        bool is_opened = false;
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            Lanes offset[Dims];
+            const Lanes squared_distance = offsets(v, centre, offset);
+            Lanes weight = broadcast(cell.weight);
+            const Mask passes = cell.skip == 1 ? passesLeaf(v, cell, weight)
+                                               : passesCell(v, cell, theta2, squared_distance);
+            const Mask waits = greater(resume_[v], broadcast_integer(here));
+            const Mask taken = but_not(passes, waits);
+            is_opened = is_opened || any(but_not(but_not(all(), passes), waits));
+            if (any(taken)) {
+                take(v, taken, weight, squared_distance, offset);
+                resume_[v] = select(taken, broadcast_integer(here + cell.skip), resume_[v]);
+            }
+        }
+        // A leaf has nothing to open: a lane that does not take it goes on behind it.
+        return is_opened && cell.skip != 1;
+    }
+
+    /// Which lanes take a cell with children as one point.
+    [[nodiscard]] Mask passesCell(std::size_t v,
+                                  const TreeCell& cell,
+                                  Lanes theta2,
+                                  Lanes squared_distance) const {
+        const Mask far = less(broadcast(cell.squared_side), multiply(theta2, squared_distance));
+        return holdsAny(cell) ? but_not(far, holding(v, cell)) : far;
+    }
+
+    /// Which lanes take a leaf, and how many points it is for them: all but the lane's own.
+    Mask passesLeaf(std::size_t v, const TreeCell& cell, Lanes& weight) const {
+        if (!holdsAny(cell)) {
+            return all();
+        }
+        const Mask holds = holding(v, cell);
+        weight = add_where(holds, weight, broadcast(-1.0));
+        return cell.weight == 1.0 ? but_not(all(), holds) : all();
+    }
+
+    static std::uint32_t endOf(const TreeCell& cell) {
+        return cell.first + static_cast<std::uint32_t>(cell.weight);
+    }
+
+    [[nodiscard]] bool holdsAny(const TreeCell& cell) const {
+        return cell.first < end_ && endOf(cell) > begin_;
+    }
+
     /// Writes the offsets of the points from a centre.
     ///
     /// @return the squared distances
@@ -110,15 +131,15 @@ class Batch {
         return squared_distance;
     }
 
-    /// Which lanes stand for points at `first` to `last` - 1 in Morton order.
-    Mask holding(std::size_t v, std::uint32_t first, std::uint32_t last) const {
+    /// Which lanes stand for points of a cell.
+    [[nodiscard]] Mask holding(std::size_t v, const TreeCell& cell) const {
         std::int64_t positions[kLanes];
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
             positions[lane] = begin_ + static_cast<std::int64_t>(v * kLanes + lane);
         }
         const Integers position = load_integers(positions);
-        return both(greater(position, broadcast_integer(static_cast<std::int64_t>(first) - 1)),
-                    greater(broadcast_integer(last), position));
+        return both(greater(position, broadcast_integer(std::int64_t{cell.first} - 1)),
+                    greater(broadcast_integer(endOf(cell)), position));
     }
 
     void take(
@@ -135,11 +156,11 @@ class Batch {
 
     std::uint32_t begin_;
     std::uint32_t end_;
-    Lanes own_[kVectors][Dims];
-    Lanes force_[kVectors][Dims];
-    Lanes share_[kVectors];
+    Lanes own_[kVectors][Dims]{};
+    Lanes force_[kVectors][Dims]{};
+    Lanes share_[kVectors]{};
     /// The cell at which each lane goes on.
-    Integers resume_[kVectors];
+    Integers resume_[kVectors]{};
 };
 
 }  // namespace

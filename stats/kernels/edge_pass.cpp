@@ -26,8 +26,8 @@ struct PaddedBlock {
         }
     }
 
-    unsigned int columns[kBlock];
-    double values[kBlock];
+    unsigned int columns[kBlock] = {};
+    double values[kBlock] = {};
 };
 
 /// The sums of one row. With `Dims` 0 the number of dimensions is known only when it runs.
@@ -38,13 +38,7 @@ class Row {
         : Y_(edges.Y),
           dims_(Dims > 0 ? Dims : edges.dims),
           own_(edges.Y + row * dims_),
-          force_(force) {
-        for (std::size_t part = 0; part < kParts; ++part) {
-            log_sums_[part] = broadcast(0.0);
-            weight_sums_[part] = broadcast(0.0);
-            irregular_[part] = none();
-        }
-    }
+          force_(force) {}
 
     /// Takes a block of entries, of which the first `count` exert a force.
     void take(const unsigned int* columns, const double* values, std::size_t count) {
@@ -73,7 +67,7 @@ class Row {
         }
     }
 
-    RowCost cost() const {
+    [[nodiscard]] RowCost cost() const {
         double log_sum[kBlock];
         double weight_sum[kBlock];
         bool is_irregular = false;
@@ -137,13 +131,13 @@ class Row {
         }
     }
 
+    Lanes log_sums_[kParts]{};
+    Lanes weight_sums_[kParts]{};
     const double* Y_;
     std::size_t dims_;
     const double* own_;
     double* force_;
-    Lanes log_sums_[kParts];
-    Lanes weight_sums_[kParts];
-    Mask irregular_[kParts];
+    Mask irregular_[kParts]{};
 };
 
 template <std::size_t Dims, bool WithForces, bool WithCost>

@@ -7,7 +7,7 @@ namespace ovik::test {
 /// The instruction sets for which results are to be the same; those beyond the processor's own
 /// repeat the best that it has.
 constexpr InstructionSet kInstructionSets[] = {
-    InstructionSet::kScalar, InstructionSet::kAvx2, InstructionSet::kAvx512};
+    InstructionSet::Scalar, InstructionSet::Avx2, InstructionSet::Avx512};
 
 /// Limits the instruction set for a scope.
 class InstructionLimit {
@@ -17,7 +17,7 @@ class InstructionLimit {
     InstructionLimit(const InstructionLimit&) = delete;
     InstructionLimit& operator=(const InstructionLimit&) = delete;
 
-    ~InstructionLimit() { limit_instruction_set(InstructionSet::kAvx512); }
+    ~InstructionLimit() { limit_instruction_set(InstructionSet::Avx512); }
 };
 
 }  // namespace ovik::test
