@@ -72,15 +72,14 @@ int main(int argc, char** argv) {
     const Input input = make_input(N);
     std::printf(
         "| %zu points | 1 thread | %d threads | ratio |\n|---|---|---|---|\n", N, processors);
-    for (const ovik::InstructionSet set : {ovik::InstructionSet::Portable,
-                                           ovik::InstructionSet::Avx2,
-                                           ovik::InstructionSet::Avx512}) {
-        const ovik::PairKernels* const kernels = ovik::pair_kernels(set);
-        if (kernels == nullptr) {
+    for (const ovik::InstructionSet set :
+         {ovik::InstructionSet::Scalar, ovik::InstructionSet::Avx2, ovik::InstructionSet::Avx512}) {
+        if (set > ovik::best_instruction_set()) {
             continue;
         }
-        const double one = shortest(input, *kernels, 1, repeats);
-        const double all = shortest(input, *kernels, processors, repeats);
+        const ovik::PairKernels& kernels = ovik::pair_kernels(set);
+        const double one = shortest(input, kernels, 1, repeats);
+        const double all = shortest(input, kernels, processors, repeats);
         std::printf("| %s | %.2f ms | %.2f ms | %.2f |\n",
                     kSets[static_cast<int>(set)],
                     one,

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <vector>
+
+#include "neighbours/tree_builder.h"
 
 namespace ovik {
 
@@ -41,6 +41,19 @@ class SPTree {
     /// @complexity O(N log N)
     SPTree(unsigned int D, const double* data, unsigned int N);
 
+    /// A tree for N points that are not there yet: it is empty until `rebuild`.
+    SPTree(unsigned int D, unsigned int N);
+
+    /// Builds the tree anew over as many points as before.
+    void rebuild(const double* data);
+
+    /// `rebuild` in steps, for callers with other work to spread over the cores meanwhile:
+    /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
+    /// thread, and `finishRebuild` puts them together.
+    std::size_t prepareRebuild(const double* data);
+    void rebuildPart(std::size_t part);
+    void finishRebuild();
+
     /// Adds the attractive forces along the entries of a sparse similarity matrix.
     ///
     /// For every entry (n, m, p), in order, row n of `pos_f` grows by p * q * (Y_n - Y_m), with
@@ -68,48 +81,24 @@ class SPTree {
     /// @param neg_f  D values
     void computeNonEdgeForces(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
 
+    /// The repulsive forces on many points, and their shares of the normalisation: what
+    /// `computeNonEdgeForces` adds for each, to zero.
+    ///
+    /// @param begin   the points stand at `begin` to `end` - 1 in the tree's own order, in which
+    ///                near points stand together: all points are those from 0 to N - 1
+    /// @param neg_f   row-major, N x D; the rows of these points are written
+    /// @param shares  N values; those of these points are written
+    void computeRepulsion(
+        std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const;
+
   private:
-    /// A cell; the nodes stand in depth-first order, each before its children.
-    struct Node {
-        double squared_side;
-        /// Its points are `order_[first]` to `order_[last - 1]`.
-        std::uint32_t first;
-        std::uint32_t last;
-        /// The node that follows its subtree; of a leaf, the next one.
-        std::uint32_t next;
-    };
-
-    /// Points of a cell that is not built yet, and the side of the grid that their codes belong to.
-    struct PendingCell {
-        std::uint32_t first;
-        std::uint32_t last;
-        double grid_side;
-    };
-
-    void buildNodes();
-    double layGrid(std::uint32_t first, std::uint32_t last);
-    void pushChildren(const PendingCell& cell, int bit, std::vector<PendingCell>& pending) const;
-    void linkAndWeigh();
-
-    [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
-    [[nodiscard]] bool inSameChild(std::uint32_t a, std::uint32_t b, int bit) const;
-    [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
-    [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
-
     template <std::size_t Dims>
-    void addRepulsion(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
+    void addRepulsion(unsigned int point, double squared_theta, double* neg_f, double* sum_Q) const;
 
     std::size_t dims_;
-    std::uint32_t point_count_;
-    const double* data_;
-    /// Grid cell of each point, N x D; only the build needs it.
-    std::vector<std::uint32_t> codes_;
-    /// Points in Morton order, and the position of each point in it.
-    std::vector<std::uint32_t> order_;
-    std::vector<std::uint32_t> rank_;
-    std::vector<Node> nodes_;
-    /// Centre of mass of each node.
-    std::vector<double> centres_;
+    std::size_t point_count_;
+    const double* data_ = nullptr;
+    TreeBuilder builder_;
 };
 
 }  // namespace ovik

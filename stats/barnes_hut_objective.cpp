@@ -1,6 +1,5 @@
 #include "stats/barnes_hut_objective.h"
 
-#include "stats/barnes_hut_forces.h"
 #include "stats/elementwise.h"
 #include "stats/sparse_affinities.h"
 #include "util/format.h"
@@ -28,12 +27,12 @@ BarnesHutObjective::BarnesHutObjective(const double* X,
                                        double perplexity,
                                        double theta)
     : N_(N),
-      out_dims_(out_dims),
       theta_(theta) {
     const SparseMatrix conditional =
         neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N));
     P_ = symmetrized(conditional.view(), N);
     divide_by_sum(P_.val_P.get(), entryCount());
+    forces_.emplace(N, out_dims);
 }
 
 void BarnesHutObjective::exaggerate(double factor) {
@@ -45,16 +44,15 @@ void BarnesHutObjective::relax(double factor) {
 }
 
 void BarnesHutObjective::gradient(const double* Y, double* dY) {
-    barnes_hut_gradient(P_.view(), Y, N_, out_dims_, dY, theta_);
-}
-
-double BarnesHutObjective::costAndGradient(const double* Y, double* dY) {
-    gradient(Y, dY);
-    return cost(Y);
+    forces_->gradient(P_.view(), Y, theta_, dY);
 }
 
 double BarnesHutObjective::cost(const double* Y) {
-    return barnes_hut_cost(P_.view(), Y, N_, out_dims_, theta_);
+    return forces_->cost(P_.view(), Y, theta_);
+}
+
+double BarnesHutObjective::costAndGradient(const double* Y, double* dY) {
+    return forces_->costAndGradient(P_.view(), Y, theta_, dY);
 }
 
 std::string BarnesHutObjective::report(std::clock_t elapsed) const {

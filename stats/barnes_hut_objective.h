@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
+#include "stats/barnes_hut_forces.h"
 #include "stats/objective.h"
 #include "stats/sparse_matrix.h"
 
@@ -27,8 +29,8 @@ class BarnesHutObjective : public Objective {
     void exaggerate(double factor) override;
     void relax(double factor) override;
     void gradient(const double* Y, double* dY) override;
-    double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
+    double costAndGradient(const double* Y, double* dY) override;
 
     /// Gives the density of the similarity matrix and fractions of a second.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
@@ -37,9 +39,10 @@ class BarnesHutObjective : public Objective {
     [[nodiscard]] std::size_t entryCount() const { return P_.row_P[N_]; }
 
     std::size_t N_;
-    std::size_t out_dims_;
     double theta_;
     SparseMatrix P_;
+    /// Made once the similarities are there, which need the memory first.
+    std::optional<BarnesHutForces> forces_;
 };
 
 }  // namespace ovik

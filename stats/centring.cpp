@@ -1,6 +1,7 @@
 #include "stats/centring.h"
 
 #include <cmath>
+#include <iterator>
 
 #include "stats/elementwise.h"
 #include "util/malloc_array.h"
@@ -9,8 +10,15 @@
 namespace ovik {
 
 void zero_mean(double* X, std::size_t rows, std::size_t columns) {
-    const auto mean = calloc_array<double>(columns);
-    exit_unless_allocated(mean);
+    // Every iteration comes here: an embedding's few columns need no memory of their own.
+    double few_means[8] = {};
+    MallocArray<double> many_means;
+    double* mean = few_means;
+    if (columns > std::size(few_means)) {
+        many_means = calloc_array<double>(columns);
+        exit_unless_allocated(many_means);
+        mean = many_means.get();
+    }
     for (std::size_t n = 0; n < rows; ++n) {
         for (std::size_t d = 0; d < columns; ++d) {
             mean[d] += X[n * columns + d];

@@ -23,11 +23,11 @@ class Objective {
     /// Writes the gradient at embedding Y, of the same shape.
     virtual void gradient(const double* Y, double* dY) = 0;
 
-    /// The cost of embedding Y, and the gradient there, which the next iteration needs.
-    virtual double costAndGradient(const double* Y, double* dY) = 0;
-
     /// The Kullback-Leibler divergence of embedding Y, against the similarities as they stand.
     [[nodiscard]] virtual double cost(const double* Y) = 0;
+
+    /// The cost at Y, and the gradient there, which the next iteration needs.
+    virtual double costAndGradient(const double* Y, double* dY) = 0;
 
     /// The message about the similarities.
     ///

@@ -18,7 +18,8 @@ class SimilaritySum {
   public:
     /// For embeddings of `point_count` points. Ends the process with "Memory allocation failed!" if
     /// the arrays, O(point_count) per thread, do not fit in memory.
-    explicit SimilaritySum(std::size_t point_count, const PairKernels& kernels = pair_kernels());
+    explicit SimilaritySum(std::size_t point_count,
+                           const PairKernels& kernels = pair_kernels(instruction_set()));
 
     /// The sum for an embedding of the number of points that the constructor got.
     double operator()(const EmbeddingColumns& Y);

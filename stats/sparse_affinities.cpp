@@ -4,12 +4,13 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
+#include <string>
+#include <utility>
 #include <vector>
 
-#include "neighbours/data_point.h"
-#include "neighbours/euclidean_distance.h"
-#include "neighbours/vptree.h"
+#include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
 #include "util/console.h"
 #include "util/parallel.h"
@@ -19,14 +20,7 @@ namespace ovik {
 namespace {
 
 constexpr int kBandwidthAttempts = 200;
-
-double row_distance(const DataPoint<double>& a, const DataPoint<double>& b) {
-    return euclidean_distance(a, b);
-}
-
-/// On a function of this file, so that a caller's own tree, built with other compiler flags, is
-/// never linked in its place.
-using NeighbourTree = VpTree<DataPoint<double>, &row_distance>;
+constexpr std::size_t kQueriesPerTask = 32;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {
@@ -35,43 +29,33 @@ void check_entry_count(std::size_t entries) {
     }
 }
 
-std::vector<DataPoint<double>> point_list(const double* points, std::size_t N, std::size_t dims) {
-    std::vector<DataPoint<double>> list;
-    list.reserve(N);
-    for (std::size_t n = 0; n < N; ++n) {
-        list.emplace_back(
-            static_cast<std::int32_t>(dims), static_cast<std::int32_t>(n), points + n * dims);
-    }
-    return list;
-}
-
 /// What one worker needs to calibrate row after row.
 struct RowScratch {
-    NeighbourTree::Query query;
+    NeighbourIndex::Query query;
     std::vector<double> squared_distances;
 };
 
 /// Fills the row of point n: columns nearest first, and their similarities.
-void fill_row(const NeighbourTree& tree,
-              const DataPoint<double>& point,
+void fill_row(const NeighbourIndex& index,
+              const double* point,
+              std::size_t n,
               double perplexity,
               std::size_t K,
               RowScratch& scratch,
-              unsigned int* columns,
-              double* similarities) {
-    const std::size_t wanted = std::min(K, tree.items.size()) + 1;
-    tree.search(point, static_cast<int>(wanted), scratch.query);
+              SparseMatrix& matrix) {
+    unsigned int* const columns = matrix.col_P.get() + n * K;
+    double* const similarities = matrix.val_P.get() + n * K;
+    index.search(point, K + 1, scratch.query);
     const auto& nearest = scratch.query.neighbours;
     const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
     for (std::size_t m = 0; m < count; ++m) {
-        const double distance = nearest[m + 1].dist;
+        const double distance = nearest[m + 1].distance;
         scratch.squared_distances[m] = distance * distance;
-        columns[m] = static_cast<unsigned int>(
-            tree.items[static_cast<std::size_t>(nearest[m + 1].index)].index);
+        columns[m] = index.rowAt(nearest[m + 1].position);
     }
     const auto fill = [&](double beta) {
         for (std::size_t m = 0; m < count; ++m) {
-            const double distance = nearest[m + 1].dist;
+            const double distance = nearest[m + 1].distance;
             similarities[m] = std::exp(((-beta) * distance) * distance);
         }
     };
@@ -81,47 +65,140 @@ void fill_row(const NeighbourTree& tree,
                            perplexity,
                            kBandwidthAttempts,
                            fill);
-    std::fill(columns + count, columns + K, static_cast<unsigned int>(point.index));
+    std::fill(columns + count, columns + K, static_cast<unsigned int>(n));
     std::fill(similarities + count, similarities + K, 0.0);
 }
 
-constexpr std::size_t kNotStored = static_cast<std::size_t>(-1);
+constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
 
-/// The entry of row `row` whose column is `column`, the last one if there are several.
-std::size_t find_entry(const SparseMatrixView& P, std::size_t row, std::size_t column) {
-    for (std::size_t i = P.row_P[row + 1]; i-- > P.row_P[row];) {
-        if (P.col_P[i] == column) {
-            return i;
+/// Fewest rows for which another thread pays, and most threads: each has counters for all columns.
+constexpr std::size_t kRowGrain = 512;
+constexpr int kMostCounters = 16;
+
+/// An entry seen from its column: the row that holds it, and its place there.
+struct Arrival {
+    unsigned int row;
+    unsigned int entry;
+};
+
+/// Runs `visit(share, arrival)` for the entries of one of several shares of the rows, in order; the
+/// shares side by side.
+template <typename Visit>
+void for_each_entry(const SparseMatrixView& P,
+                    std::size_t N,
+                    std::size_t share_count,
+                    const Visit& visit) {
+    const auto visit_share = [&](std::size_t share) {
+        const IndexRange rows = static_share(N, share_count, share);
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+                visit(share, Arrival{static_cast<unsigned int>(n), i});
+            }
         }
-    }
-    return kNotStored;
+    };
+    parallel_for_each(share_count, 1, visit_share);
 }
 
-/// An empty symmetric matrix with room for the entries of both directions in each row.
-SparseMatrix allocate_symmetrized(const SparseMatrixView& P, std::size_t N) {
-    const auto row_counts = calloc_array<unsigned int>(N);
-    exit_unless_allocated(row_counts);
-    std::size_t entries = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-            const std::size_t j = P.col_P[i];
-            const bool both = find_entry(P, j, n) != kNotStored;
-            row_counts[n] += 1;
-            row_counts[j] += both ? 0 : 1;
-            entries += both ? 1 : 2;
+/// The entries of a matrix column by column, those of a column by row and then by place.
+class Transposed {
+  public:
+    Transposed(const SparseMatrixView& P, std::size_t N)
+        : starts_(calloc_array<std::size_t>(N + 1)),
+          arrivals_(malloc_array<Arrival>(P.row_P[N])) {
+        const auto team =
+            static_cast<std::size_t>(std::min(worker_count(N, kRowGrain), kMostCounters));
+        const auto next = calloc_array<unsigned int>(team * N);
+        exit_unless_allocated(starts_, arrivals_, next);
+        // Each worker's rows come before the next one's in every column.
+        for_each_entry(P, N, team, [&](std::size_t worker, Arrival arrival) {
+            ++next[worker * N + P.col_P[arrival.entry]];
+        });
+        unsigned int start = 0;
+        for (std::size_t column = 0; column < N; ++column) {
+            starts_[column] = start;
+            for (std::size_t worker = 0; worker < team; ++worker) {
+                start += std::exchange(next[worker * N + column], start);
+            }
+        }
+        starts_[N] = start;
+        for_each_entry(P, N, team, [&](std::size_t worker, Arrival arrival) {
+            arrivals_[next[worker * N + P.col_P[arrival.entry]]++] = arrival;
+        });
+    }
+
+    [[nodiscard]] const Arrival* begin(std::size_t column) const {
+        return arrivals_.get() + starts_[column];
+    }
+
+    [[nodiscard]] const Arrival* end(std::size_t column) const { return begin(column + 1); }
+
+    /// The arrival from a row in a column, the last one if there are several; null if there is
+    /// none.
+    [[nodiscard]] const Arrival* find(std::size_t row, std::size_t column) const {
+        const Arrival* const behind = std::upper_bound(
+            begin(column), end(column), row, [](std::size_t key, const Arrival& arrival) {
+                return key < arrival.row;
+            });
+        return behind != begin(column) && behind[-1].row == row ? behind - 1 : nullptr;
+    }
+
+  private:
+    MallocArray<std::size_t> starts_;
+    MallocArray<Arrival> arrivals_;
+};
+
+/// Calls `emit(column, value)` for every entry of row n of the symmetric form, in the order in
+/// which rows 0, 1, ... bring them up: what earlier rows store about n, then its own entries, then
+/// what later rows store and n does not.
+///
+/// @param mirrors  scratch
+template <typename Emit>
+void for_each_symmetric_entry(const SparseMatrixView& P,
+                              const Transposed& transposed,
+                              std::size_t n,
+                              std::vector<unsigned int>& mirrors,
+                              const Emit& emit) {
+    const Arrival* const arrivals = transposed.begin(n);
+    const auto arrival_count = static_cast<std::size_t>(transposed.end(n) - arrivals);
+    // Which entry of row n goes back where an arrival came from.
+    mirrors.assign(arrival_count, kNotStored);
+    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+        if (const Arrival* const mirror = transposed.find(P.col_P[i], n)) {
+            mirrors[static_cast<std::size_t>(mirror - arrivals)] = i;
         }
     }
-    check_entry_count(entries);
-    SparseMatrix result{malloc_array<unsigned int>(N + 1),
-                        malloc_array<unsigned int>(entries),
-                        malloc_array<double>(entries)};
-    exit_unless_allocated(result.row_P, result.col_P, result.val_P);
-    result.row_P[0] = 0;
-    for (std::size_t n = 0; n < N; ++n) {
-        result.row_P[n + 1] = result.row_P[n] + row_counts[n];
+    std::size_t a = 0;
+    for (; a < arrival_count && arrivals[a].row < n; ++a) {
+        const double value = P.val_P[arrivals[a].entry];
+        const double sum = mirrors[a] == kNotStored ? value : value + P.val_P[mirrors[a]];
+        emit(arrivals[a].row, sum * 0.5);
     }
-    return result;
-}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
+    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
+        const unsigned int j = P.col_P[i];
+        const Arrival* const mirror = transposed.find(j, n);
+        if (mirror == nullptr) {
+            emit(j, P.val_P[i] * 0.5);
+        } else if (n <= j) {
+            emit(j, (P.val_P[i] + P.val_P[mirror->entry]) * 0.5);
+        }
+    }
+    for (; a < arrival_count; ++a) {
+        if (arrivals[a].row > n && mirrors[a] == kNotStored) {
+            emit(arrivals[a].row, P.val_P[arrivals[a].entry] * 0.5);
+        }
+    }
+}
+
+/// Runs `visit(n, mirrors)` for every row, spread over the cores.
+template <typename Visit>
+void for_each_row(std::size_t N, const Visit& visit) {
+    parallel_for(N, kRowGrain, [&](std::size_t /*worker*/, IndexRange rows) {
+        std::vector<unsigned int> mirrors;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            visit(n, mirrors);
+        }
+    });
+}
 
 }  // namespace
 
@@ -139,51 +216,53 @@ SparseMatrix neighbour_affinities(
     for (std::size_t n = 0; n <= N; ++n) {
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
-    const auto list = point_list(points, N, dims);
-    NeighbourTree tree;
-    tree.create(list);
+    const NeighbourIndex index(points, N, dims);
     print_info("Building tree ...");
-    std::vector<RowScratch> scratch(static_cast<std::size_t>(worker_count(N)));
+    // Queries in tree order: near points look at the same blocks.
+    const std::size_t tasks = (N + kQueriesPerTask - 1) / kQueriesPerTask;
+    const int workers = worker_count(tasks);
+    std::vector<RowScratch> scratch(static_cast<std::size_t>(workers));
     for (RowScratch& worker : scratch) {
         worker.squared_distances.resize(row_length);
+        worker.query.neighbours.reserve(std::min(row_length, N) + 1);
     }
-    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
-        for (std::size_t n = rows.begin; n < rows.end; ++n) {
-            fill_row(tree,
-                     list[n],
-                     perplexity,
-                     row_length,
-                     scratch[worker],
-                     matrix.col_P.get() + n * row_length,
-                     matrix.val_P.get() + n * row_length);
+    parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
+        const std::size_t begin = task * kQueriesPerTask;
+        for (std::size_t i = begin; i < std::min(begin + kQueriesPerTask, N); ++i) {
+            const std::size_t n = index.rowAt(i);
+            fill_row(index, points + n * dims, n, perplexity, row_length, scratch[worker], matrix);
         }
     });
     return matrix;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
 SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
-    SparseMatrix result = allocate_symmetrized(P, N);
-    const auto offset = calloc_array<unsigned int>(N);
-    exit_unless_allocated(offset);
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-            const std::size_t j = P.col_P[i];
-            const std::size_t mirror = find_entry(P, j, n);
-            if (mirror != kNotStored && n > j) {
-                continue;  // written with row j
-            }
-            const double sum = mirror == kNotStored ? P.val_P[i] : P.val_P[i] + P.val_P[mirror];
-            const std::size_t own_slot = result.row_P[n] + offset[n];
-            const std::size_t mirror_slot = result.row_P[j] + offset[j];
-            result.col_P[own_slot] = static_cast<unsigned int>(j);
-            result.col_P[mirror_slot] = static_cast<unsigned int>(n);
-            result.val_P[own_slot] = sum * 0.5;
-            result.val_P[mirror_slot] = sum * 0.5;
-            offset[n] += 1;
-            offset[j] += j != n ? 1 : 0;
-        }
-    }
+    const Transposed transposed(P, N);
+    const auto row_counts = malloc_array<unsigned int>(N);
+    auto row_P = malloc_array<unsigned int>(N + 1);
+    exit_unless_allocated(row_counts, row_P);
+    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
+        unsigned int count = 0;
+        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int, double) { ++count; });
+        row_counts[n] = count;
+    });
+    const std::size_t entries =
+        std::accumulate(row_counts.get(), row_counts.get() + N, std::size_t{0});
+    check_entry_count(entries);
+    row_P[0] = 0;
+    std::partial_sum(row_counts.get(), row_counts.get() + N, row_P.get() + 1);
+    SparseMatrix result{
+        std::move(row_P), malloc_array<unsigned int>(entries), malloc_array<double>(entries)};
+    exit_unless_allocated(result.col_P, result.val_P);
+    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
+        std::size_t slot = result.row_P[n];
+        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int column, double value) {
+            result.col_P[slot] = column;
+            result.val_P[slot] = value;
+            ++slot;
+        });
+    });
     return result;
-}
+}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
 }  // namespace ovik

@@ -44,6 +44,6 @@ class RoundingUnit {
 double sum_in_order(double start,
                     const double* values,
                     std::size_t count,
-                    const PairKernels& kernels = pair_kernels());
+                    const PairKernels& kernels = pair_kernels(instruction_set()));
 
 }  // namespace ovik

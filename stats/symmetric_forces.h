@@ -20,7 +20,7 @@ class SymmetricForces {
     /// failed!" if the arrays, O(point_count), do not fit in memory.
     SymmetricForces(std::size_t point_count,
                     std::size_t dims,
-                    const PairKernels& kernels = pair_kernels());
+                    const PairKernels& kernels = pair_kernels(instruction_set()));
 
     /// Takes over an embedding, row-major, point_count x dims, for the calls below.
     ///

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <exception>
 #include <numeric>
@@ -73,6 +74,21 @@ void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
     parallel_for(count, grain, [&body](std::size_t /*worker*/, IndexRange range) {
         for (std::size_t i = range.begin; i < range.end; ++i) {
             body(i);
+        }
+    });
+}
+
+/// Runs `body(i, worker)` for every i from 0 to `count` - 1. The workers take one index after the
+/// other, for tasks that differ in length and cores that are busy with other programs.
+///
+/// @param workers  as `worker_count` gives them; no more than `count` are used
+template <typename Body>
+void parallel_deal(std::size_t count, int workers, const Body& body) {
+    std::atomic<std::size_t> next{0};
+    const std::size_t team = std::min(count, static_cast<std::size_t>(workers));
+    parallel_for(team, 1, [&](std::size_t worker, IndexRange /*share*/) {
+        for (std::size_t i = next.fetch_add(1); i < count; i = next.fetch_add(1)) {
+            body(i, worker);
         }
     });
 }

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/instruction_set.h"
+
 /// The inner loops over all pairs of points, compiled once per instruction set and chosen when the
 /// program runs. Every version gives the same bits: lanes hold independent rows or exact sums, and
 /// no product and sum share a rounding unless the result is proven to be that of a division.
@@ -89,15 +91,7 @@ struct PairKernels {
     void (*quotients)(const double* values, std::size_t count, double divisor, double* results);
 };
 
-enum class InstructionSet { Portable, Avx2, Avx512 };
-
-/// The version for an instruction set, or null if this processor or this build is without it.
-const PairKernels* pair_kernels(InstructionSet set);
-
-/// The fastest version that this processor has.
-const PairKernels& pair_kernels();
-
-/// Makes one version that of `pair_kernels()`, for tests. The processor has to have it.
-void select_pair_kernels(InstructionSet set);
+/// The version for an instruction set of this build.
+const PairKernels& pair_kernels(InstructionSet instructions);
 
 }  // namespace ovik

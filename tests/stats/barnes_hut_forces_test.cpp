@@ -2,6 +2,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,8 @@
 #include "stats/exact_forces.h"
 #include "stats/tsne.h"
 
+#include "tests/plain/plain_sptree.h"
+#include "tests/support/instruction_sets.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 
@@ -28,6 +31,10 @@ struct Ring {
             }
             row_P.push_back(static_cast<unsigned int>(col_P.size()));
         }
+    }
+
+    [[nodiscard]] SparseMatrixView view() const {
+        return {row_P.data(), col_P.data(), val_P.data()};
     }
 
     std::vector<double> dense;
@@ -138,6 +145,84 @@ TEST(BarnesHutCost, AddsTheGuardBehindTheDivision) {
     const double values[] = {1.0};
     EXPECT_EQ(barnes_hut_cost({rows, columns, values}, beyond, 3, 1, 0.5),
               std::log((1.0 + DBL_MIN) / DBL_MIN));
+}
+
+plain::SparseRows rows_of(const Ring& ring) {
+    plain::SparseRows rows(ring.row_P.size() - 1);
+    for (std::size_t n = 0; n < rows.size(); ++n) {
+        for (std::size_t i = ring.row_P[n]; i < ring.row_P[n + 1]; ++i) {
+            rows[n].emplace_back(ring.col_P[i], ring.val_P[i]);
+        }
+    }
+    return rows;
+}
+
+TEST(BarnesHutForces, EqualThePlainProgram) {
+    constexpr std::size_t kCount = 700;
+    const Ring ring(kCount);
+    const plain::SparseRows rows = rows_of(ring);
+    for (const std::size_t dims : {1U, 2U, 3U, 5U}) {
+        const std::vector<double> Y = test::random_values(dims * kCount, 33, 5.0);
+        const std::vector<double> expected = plain::barnes_hut_gradient(rows, Y, dims, 0.5);
+        const double expected_cost = plain::barnes_hut_cost(rows, Y, dims, 0.5);
+        double first_cost = 0.0;
+        for (const int threads : test::kThreadCounts) {
+            const test::ThreadCount scope(threads);
+            for (const InstructionSet instructions : test::kInstructionSets) {
+                const test::InstructionLimit limit(instructions);
+                BarnesHutForces forces(kCount, dims);
+                std::vector<double> dY(Y.size());
+                forces.gradient(ring.view(), Y.data(), 0.5, dY.data());
+                EXPECT_EQ(dY, expected);
+                const double cost = forces.cost(ring.view(), Y.data(), 0.5);
+                EXPECT_NEAR(cost, expected_cost, 1e-13 * std::fabs(expected_cost));
+                first_cost = first_cost == 0.0 ? cost : first_cost;
+                EXPECT_EQ(cost, first_cost);
+                dY.assign(dY.size(), -7.0);
+                EXPECT_EQ(forces.costAndGradient(ring.view(), Y.data(), 0.5, dY.data()), cost);
+                EXPECT_EQ(dY, expected);
+            }
+        }
+    }
+}
+
+/// The cost of one entry of weight p between points at a squared distance, beside a third point
+/// that makes the normalisation.
+double cost_of_entry(double p, double squared_distance) {
+    const unsigned int row_P[] = {0, 1, 1, 1};
+    const unsigned int col_P[] = {1};
+    const double Y[] = {0.0, std::sqrt(squared_distance), -1.0};
+    return barnes_hut_cost({row_P, col_P, &p}, Y, 3, 1, 0.0);
+}
+
+double expected_cost_of_entry(double p, double squared_distance) {
+    const plain::SparseRows rows = {{{1, p}}, {}, {}};
+    return plain::barnes_hut_cost(rows, {0.0, std::sqrt(squared_distance), -1.0}, 1, 0.0);
+}
+
+TEST(BarnesHutCost, HasAccurateLogarithmsOverTheWholeRange) {
+    for (const InstructionSet instructions : test::kInstructionSets) {
+        const test::InstructionLimit limit(instructions);
+        for (int exponent = -330; exponent <= 300; ++exponent) {
+            for (const double mantissa : {1.0, 1.03, 1.97, 3.1, 7.77}) {
+                const double x = mantissa * std::pow(10.0, exponent);
+                for (const auto& [p, d] : {std::pair(x, 2.0), std::pair(0.01, x)}) {
+                    const double expected = expected_cost_of_entry(p, d);
+                    EXPECT_NEAR(cost_of_entry(p, d),
+                                expected,
+                                2e-15 * std::fabs(expected) + 4e-16 * p + 1e-323)
+                        << p << " " << d;
+                }
+            }
+        }
+    }
+}
+
+TEST(BarnesHutCost, IsNanWhereItsNumbersAre) {
+    EXPECT_TRUE(std::isnan(cost_of_entry(std::nan(""), 1.0)));
+    EXPECT_TRUE(std::isnan(cost_of_entry(-1.0, 1.0)));
+    EXPECT_TRUE(std::isnan(cost_of_entry(0.5, std::nan(""))));
+    EXPECT_EQ(cost_of_entry(0.0, 1.0), 0.0);
 }
 
 TEST(BarnesHutCost, IsZeroWithoutPoints) {

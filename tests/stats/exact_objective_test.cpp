@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/plain/plain_tsne.h"
-#include "tests/support/instruction_sets.h"
+#include "tests/support/pair_kernels.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 
@@ -60,8 +60,8 @@ TEST(ExactObjective, EqualsThePlainProgramBelowAndAboveTheSizeForPanels) {
     for (const std::size_t N : {1U, 2U, 3U, 40U, 63U, 64U, 65U, 131U, 200U}) {
         const std::vector<double> X = test::random_values(N * kColumns, 71);
         const std::vector<double> P = joint_similarities(X, N);
-        for (const InstructionSet set : test::instruction_sets()) {
-            const test::SelectedInstructionSet selected(set);
+        for (const InstructionSet set : test::available_instruction_sets()) {
+            const test::InstructionLimit selected(set);
             for (const int threads : test::kThreadCounts) {
                 const test::ThreadCount scope(threads);
                 ExactObjective objective(X.data(), N, kColumns, 2, 5.0);

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/plain/plain_tsne.h"
-#include "tests/support/instruction_sets.h"
+#include "tests/support/pair_kernels.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 

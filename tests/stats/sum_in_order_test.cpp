@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "tests/support/instruction_sets.h"
+#include "tests/support/pair_kernels.h"
 #include "tests/support/random_points.h"
 
 namespace ovik {

@@ -9,7 +9,7 @@
 #include "stats/exact_forces.h"
 #include "stats/panels.h"
 
-#include "tests/support/instruction_sets.h"
+#include "tests/support/pair_kernels.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 
@@ -70,7 +70,7 @@ void expect_exact_values(const std::vector<double>& P,
     std::vector<double> gradient(Y.size());
     exact_gradient(P.data(), Y.data(), N, dims, gradient.data());
     const double cost = exact_cost(P.data(), Y.data(), N, dims);
-    SymmetricForces portable(N, dims, *pair_kernels(InstructionSet::Portable));
+    SymmetricForces portable(N, dims, pair_kernels(InstructionSet::Scalar));
     const Result expected = result(portable, P, Y, N);
     EXPECT_EQ(expected.gradient, gradient) << N << " x " << dims;
     EXPECT_NEAR(expected.cost, cost, 1e-12) << N << " x " << dims;

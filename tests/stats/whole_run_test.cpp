@@ -6,6 +6,7 @@
 
 #include "annotation/gene_table.h"
 
+#include "tests/plain/plain_sptree.h"
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/instruction_sets.h"
@@ -77,8 +78,8 @@ TEST(WholeExactRun, EqualsThePlainProgramForEveryInstructionSet) {
     std::vector<double> costs;
     const std::vector<double> Y = plain::embed_exactly(input, 2, 15.0, {600, 100, 150}, &costs);
     std::vector<RunOutcome> runs;
-    for (const InstructionSet set : test::instruction_sets()) {
-        const test::SelectedInstructionSet selected(set);
+    for (const InstructionSet set : test::kInstructionSets) {
+        const test::InstructionLimit limit(set);
         runs.push_back(test::run_engine(path,
                                         {.no_dims = 2,
                                          .perplexity = 15.0,
@@ -86,11 +87,43 @@ TEST(WholeExactRun, EqualsThePlainProgramForEveryInstructionSet) {
                                          .max_iter = 600,
                                          .stop_lying_iter = 100,
                                          .mom_switch_iter = 150}));
-        EXPECT_EQ(runs.back().Y, Y) << testing::PrintToString(set);
+        EXPECT_EQ(runs.back().Y, Y) << static_cast<int>(set);
         for (const double cost : costs) {
             char text[64];
             std::snprintf(text, sizeof text, "Got error of %f at iteration", cost);
             EXPECT_NE(runs.back().out.find(text), std::string::npos) << text;
+        }
+    }
+}
+
+TEST(WholeBarnesHutRun, EqualsThePlainProgramBitForBit) {
+    const test::TemporaryDirectory directory;
+    // Among the first 170 genes no two neighbours of one are at the same distance.
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", 170);
+    const plain::Matrix input = plain::read_tab_separated(path, 170);
+    ASSERT_EQ(input.rows, 170U);
+    for (const int no_dims : {2, 3}) {
+        std::vector<double> costs;
+        const std::vector<double> Y = plain::embed_with_tree(
+            input, static_cast<std::size_t>(no_dims), 20.0, 0.5, {400, 120, 130}, &costs);
+        char last_cost[64];
+        std::snprintf(last_cost, sizeof last_cost, "%f", costs.back());
+        for (const int threads : test::kThreadCounts) {
+            const test::ThreadCount scope(threads);
+            for (const InstructionSet instructions : test::kInstructionSets) {
+                const test::InstructionLimit limit(instructions);
+                const RunOutcome run = test::run_engine(path,
+                                                        {.no_dims = no_dims,
+                                                         .perplexity = 20.0,
+                                                         .max_iter = 400,
+                                                         .stop_lying_iter = 120,
+                                                         .mom_switch_iter = 130});
+                EXPECT_EQ(run.Y, Y)
+                    << threads << " threads, instruction set " << static_cast<int>(instructions);
+                EXPECT_NE(run.out.find("Got error of " + std::string(last_cost) +
+                                       " at iteration (400/400)"),
+                          std::string::npos);
+            }
         }
     }
 }

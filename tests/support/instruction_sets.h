@@ -1,14 +1,16 @@
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <ostream>
 #include <vector>
 
-#include "stats/kernels/pair_kernels.h"
+#include "util/instruction_set.h"
 
 namespace ovik {
 
 inline void PrintTo(InstructionSet set, std::ostream* out) {
-    constexpr const char* kNames[] = {"portable", "AVX2", "AVX-512"};
+    constexpr const char* kNames[] = {"scalar", "AVX2", "AVX-512"};
     *out << kNames[static_cast<int>(set)];
 }
 
@@ -16,36 +18,30 @@ inline void PrintTo(InstructionSet set, std::ostream* out) {
 
 namespace ovik::test {
 
-/// The instruction sets of this processor for which there are kernels.
-inline std::vector<InstructionSet> instruction_sets() {
+/// The instruction sets for which results are to be the same; those beyond the processor's own
+/// repeat the best that it has.
+constexpr InstructionSet kInstructionSets[] = {
+    InstructionSet::Scalar, InstructionSet::Avx2, InstructionSet::Avx512};
+
+/// Those of them that the processor has.
+inline std::vector<InstructionSet> available_instruction_sets() {
     std::vector<InstructionSet> sets;
-    for (const InstructionSet set :
-         {InstructionSet::Portable, InstructionSet::Avx2, InstructionSet::Avx512}) {
-        if (pair_kernels(set) != nullptr) {
-            sets.push_back(set);
-        }
-    }
+    std::copy_if(std::begin(kInstructionSets),
+                 std::end(kInstructionSets),
+                 std::back_inserter(sets),
+                 [](InstructionSet set) { return set <= best_instruction_set(); });
     return sets;
 }
 
-/// The kernels for each of them.
-inline std::vector<const PairKernels*> all_pair_kernels() {
-    std::vector<const PairKernels*> kernels;
-    for (const InstructionSet set : instruction_sets()) {
-        kernels.push_back(pair_kernels(set));
-    }
-    return kernels;
-}
-
-/// Holds the engine to one instruction set for a scope.
-class SelectedInstructionSet {
+/// Limits the instruction set for a scope.
+class InstructionLimit {
   public:
-    explicit SelectedInstructionSet(InstructionSet set) { select_pair_kernels(set); }
+    explicit InstructionLimit(InstructionSet best) { limit_instruction_set(best); }
 
-    SelectedInstructionSet(const SelectedInstructionSet&) = delete;
-    SelectedInstructionSet& operator=(const SelectedInstructionSet&) = delete;
+    InstructionLimit(const InstructionLimit&) = delete;
+    InstructionLimit& operator=(const InstructionLimit&) = delete;
 
-    ~SelectedInstructionSet() { select_pair_kernels(instruction_sets().back()); }
+    ~InstructionLimit() { limit_instruction_set(InstructionSet::Avx512); }
 };
 
 }  // namespace ovik::test

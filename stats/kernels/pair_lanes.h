@@ -1,8 +1,18 @@
-// Vectors of doubles for the kernels. Included once by each version of them, which defines
-// OVIK_LANES: the number of doubles side by side (2 for any processor, 4 for AVX2, 8 for AVX-512).
-//
-// Nothing here may be visible to other units, and no header with inline functions may be included:
-// the linker could put code for one processor in the place of code for all.
+#pragma once
+
+/// Vectors of doubles for the loops over pairs, on the compiler's vector types. Only sources that
+/// are compiled once per instruction set include this.
+///
+/// Nothing here may be visible to other units, and no header with inline functions may be included:
+/// the linker could put code for one processor in the place of code for all.
+
+#if defined(__AVX512F__)
+    #define OVIK_LANES 8
+#elif defined(__AVX2__)
+    #define OVIK_LANES 4
+#else
+    #define OVIK_LANES 2
+#endif
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,5 @@
-// The loops of `PairKernels`; see there, and lanes.inc for how this file is included.
-
-#include "stats/kernels/lanes.inc"
 #include "stats/kernels/pair_kernels.h"
+#include "stats/kernels/pair_lanes.h"
 
 namespace ovik {
 namespace {
@@ -425,7 +423,13 @@ void quotients(const double* values, std::size_t count, double divisor, double* 
             return loop<0>(Y, __VA_ARGS__); \
     }
 
-constexpr PairKernels kPairKernels = {
+}  // namespace
+
+namespace OVIK_KERNELS {
+
+extern const PairKernels kPairKernels;
+
+const PairKernels kPairKernels = {
     [](const EmbeddingColumns& Y, std::size_t n, double* q) {
         OVIK_FOR_DIMS(similarities, Y, n, q)
     },
@@ -446,5 +450,6 @@ constexpr PairKernels kPairKernels = {
     reciprocals,
     quotients};
 
-}  // namespace
+}  // namespace OVIK_KERNELS
+
 }  // namespace ovik

@@ -1,0 +1,316 @@
+#include "neighbours/neighbour_index.h"
+
+#include <algorithm>
+#include <bit>
+#include <cfloat>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+/// Levels of a whole block: one lane is left over.
+constexpr int kBlockLevels = std::bit_width(kBlockPoints) - 1;
+
+/// Subtrees that are dealt out to threads, for each thread that there may be.
+constexpr std::size_t kSubtrees = 64;
+
+/// Fewest distances for which another thread pays.
+constexpr std::size_t kDistanceGrain = 256;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+/// Bounds of a block: two for each pivot.
+constexpr std::size_t kBounds = 2 * kPivots;
+
+/// Of a distance; the rounding errors of a sum over a million coordinates are below it.
+constexpr double kRoundingMargin = 1e-9;
+
+double distance_of(const double* a, const double* b, std::size_t dims) {
+    double squared_distance = 0.0;
+    for (std::size_t d = 0; d < dims; ++d) {
+        const double difference = a[d] - b[d];
+        squared_distance += difference * difference;
+    }
+    return std::sqrt(squared_distance);
+}
+
+}  // namespace
+
+NeighbourIndex::NeighbourIndex(const double* points, std::size_t N, std::size_t dims)
+    : dims_(dims),
+      items_(N),
+      thresholds_(N),
+      blocks_(N),
+      kernels_(block_kernels(instruction_set())) {
+    for (std::size_t n = 0; n < N; ++n) {
+        items_[n].row = static_cast<std::uint32_t>(n);
+    }
+    drawVantagePoints({0, N});
+    // Level by level until there are subtrees enough; from then on each is built by one thread.
+    std::vector<Range> ranges{{0, N}};
+    while (ranges.size() < kSubtrees && ranges.front().size() > kSubtrees) {
+        std::vector<Range> halves;
+        for (const Range range : ranges) {
+            split(points, range);
+            halves.push_back(range.left());
+            halves.push_back(range.right());
+        }
+        ranges = std::move(halves);
+    }
+    parallel_deal(ranges.size(),
+                  worker_count(N, kDistanceGrain),
+                  [&](std::size_t i, std::size_t /*worker*/) { buildSubtree(points, ranges[i]); });
+    numberBlocks({0, N}, 0);
+    // Vectors that lie across two cache lines take twice the time.
+    constexpr std::size_t kCacheLine = 64 / sizeof(double);
+    coordinates_.resize(block_count_ * dims * kBlockPoints + kCacheLine);
+    void* start = coordinates_.data();
+    std::size_t space = coordinates_.size() * sizeof(double);
+    first_block_ = static_cast<double*>(std::align(64, sizeof(double), start, space));
+    fillBlocks(points, {0, N}, 0, nullptr, 0);
+    choosePivots(points);
+}
+
+/// Draws where each vantage point comes from, in the order in which one thread would build.
+void NeighbourIndex::drawVantagePoints(Range range) {
+    if (range.size() < 2) {
+        return;
+    }
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the tree
+    thresholds_[range.lower] = static_cast<double>(std::rand()) / 2147483647.0;
+    drawVantagePoints(range.left());
+    drawVantagePoints(range.right());
+}
+
+/// Puts the vantage point first, the nearer half of the others behind it, then the farther half.
+void NeighbourIndex::split(const double* points, Range range) {
+    if (range.size() < 2) {
+        return;
+    }
+    const double draw = thresholds_[range.lower];
+    const auto offset = static_cast<int>(draw * static_cast<double>(range.size() - 1));
+    std::swap(items_[range.lower], items_[range.lower + static_cast<std::size_t>(offset)]);
+    const double* const vantage = points + items_[range.lower].row * dims_;
+    parallel_for_each(range.size() - 1, kDistanceGrain, [&](std::size_t i) {
+        Item& item = items_[range.lower + 1 + i];
+        item.distance = distance_of(vantage, points + item.row * dims_, dims_);
+    });
+    const auto begin = items_.begin();
+    std::nth_element(begin + static_cast<std::ptrdiff_t>(range.lower) + 1,
+                     begin + static_cast<std::ptrdiff_t>(range.median()),
+                     begin + static_cast<std::ptrdiff_t>(range.upper),
+                     [](const Item& a, const Item& b) { return a.distance < b.distance; });
+    thresholds_[range.lower] = items_[range.median()].distance;
+}
+
+void NeighbourIndex::buildSubtree(const double* points, Range range) {
+    if (range.size() < 2) {
+        return;
+    }
+    split(points, range);
+    buildSubtree(points, range.left());
+    buildSubtree(points, range.right());
+}
+
+int NeighbourIndex::levelsInBlock(std::size_t size) {
+    // Whole blocks at the bottom, where most of them are; the one at the top takes what is left.
+    return (static_cast<int>(std::bit_width(size)) - 1) % kBlockLevels + 1;
+}
+
+/// @param levels  how many levels of the range stand in the block of its parent
+void NeighbourIndex::numberBlocks(Range range, int levels) {
+    if (range.size() == 0) {
+        return;
+    }
+    if (levels == 0) {
+        blocks_[range.lower] = block_count_++;
+        levels = levelsInBlock(range.size());
+    }
+    if (range.size() > 1) {
+        numberBlocks(range.left(), levels - 1);
+        numberBlocks(range.right(), levels - 1);
+    }
+}
+
+/// @param block  that of the parent
+/// @param lane   of the range's vantage point in it
+void NeighbourIndex::fillBlocks(
+    const double* points, Range range, int levels, double* block, std::size_t lane) {
+    if (range.size() == 0) {
+        return;
+    }
+    if (levels == 0) {
+        block = first_block_ + blocks_[range.lower] * dims_ * kBlockPoints;
+        levels = levelsInBlock(range.size());
+        lane = 0;
+    }
+    for (std::size_t d = 0; d < dims_; ++d) {
+        block[d * kBlockPoints + lane] = points[items_[range.lower].row * dims_ + d];
+    }
+    if (range.size() > 1) {
+        fillBlocks(points, range.left(), levels - 1, block, 2 * lane + 1);
+        fillBlocks(points, range.right(), levels - 1, block, 2 * lane + 2);
+    }
+}
+
+/// Chooses pivots far from one another, so that groups of points that keep apart have different
+/// ones, and fills in the distances of every block's points from them.
+void NeighbourIndex::choosePivots(const double* points) {
+    const std::size_t N = items_.size();
+    if (N == 0) {
+        return;
+    }
+    std::vector<double> distances(N * kPivots);
+    std::vector<double> to_nearest(N, DBL_MAX);
+    std::size_t pivot = 0;
+    for (std::size_t p = 0; p < kPivots; ++p) {
+        const double* const coordinates = points + items_[pivot].row * dims_;
+        pivots_.insert(pivots_.end(), coordinates, coordinates + dims_);
+        parallel_for_each(N, kDistanceGrain, [&](std::size_t i) {
+            const double* const point = points + items_[i].row * dims_;
+            const double distance = distance_of(coordinates, point, dims_);
+            distances[i * kPivots + p] = distance;
+            to_nearest[i] = distance < to_nearest[i] ? distance : to_nearest[i];
+        });
+        pivot = static_cast<std::size_t>(std::max_element(to_nearest.begin(), to_nearest.end()) -
+                                         to_nearest.begin());
+    }
+    bounds_.resize(block_count_ * kBounds);
+    fillBounds(distances.data(), {0, N}, 0);
+}
+
+/// @param distances  of the points in tree order from the pivots
+/// @param levels     how many levels of the range stand in the block of its parent
+void NeighbourIndex::fillBounds(const double* distances, Range range, int levels) {
+    if (range.size() == 0) {
+        return;
+    }
+    if (levels == 0) {
+        double* const least = bounds_.data() + blocks_[range.lower] * kBounds;
+        double* const greatest = least + kPivots;
+        std::fill_n(least, kPivots, kInfinity);
+        std::fill_n(greatest, kPivots, -kInfinity);
+        for (std::size_t i = range.lower * kPivots; i < range.upper * kPivots; ++i) {
+            double& low = least[i % kPivots];
+            double& high = greatest[i % kPivots];
+            if (std::isfinite(distances[i])) {
+                low = std::min(low, distances[i]);
+                high = std::max(high, distances[i]);
+            } else {
+                // It bounds nothing.
+                low = -kInfinity;
+                high = kInfinity;
+            }
+        }
+        levels = levelsInBlock(range.size());
+    }
+    if (range.size() > 1) {
+        fillBounds(distances, range.left(), levels - 1);
+        fillBounds(distances, range.right(), levels - 1);
+    }
+}
+
+void NeighbourIndex::search(const double* target, std::size_t count, Query& query) const {
+    query.neighbours.clear();
+    query.neighbours.reserve(std::min(count, items_.size()) + 1);
+    query.radius = DBL_MAX;
+    query.wanted = count;
+    query.target = target;
+    query.margin = 0.0;
+    for (std::size_t p = 0; p < kPivots && !items_.empty(); ++p) {
+        query.pivot_distances[p] = distance_of(pivots_.data() + p * dims_, target, dims_);
+        query.margin = std::max(query.margin, query.pivot_distances[p]);
+    }
+    if (count > 0) {
+        visit({0, items_.size()}, 0, nullptr, 0, query);
+    }
+    std::sort_heap(query.neighbours.begin(), query.neighbours.end());
+}
+
+/// Offers the points of a range to the query, narrowing its radius.
+///
+/// @param levels     how many levels of the range stand in the block of its parent
+/// @param distances  of that block
+/// @param lane       of the range's vantage point in it
+void NeighbourIndex::visit(
+    Range range, int levels, const double* distances, std::size_t lane, Query& query) const {
+    if (range.size() == 0) {
+        return;
+    }
+    double own_distances[kBlockPoints];
+    if (levels == 0) {
+        // Far above what rounding adds to a distance.
+        const double radius = query.radius + kRoundingMargin * (query.radius + query.margin);
+        if (kernels_.is_beyond(
+                bounds_.data() + blocks_[range.lower] * kBounds, query.pivot_distances, radius)) {
+            // None of them would be admitted, so that the query goes on as if it had seen them.
+            return;
+        }
+        kernels_.measure(first_block_ + blocks_[range.lower] * dims_ * kBlockPoints,
+                         query.target,
+                         dims_,
+                         own_distances);
+        levels = levelsInBlock(range.size());
+        distances = own_distances;
+        lane = 0;
+    }
+    const double distance = distances[lane];
+    if (distance < query.radius) {
+        auto& heap = query.neighbours;
+        if (heap.size() == query.wanted) {
+            std::pop_heap(heap.begin(), heap.end());
+            heap.pop_back();
+        }
+        heap.push_back({static_cast<std::uint32_t>(range.lower), distance});
+        std::push_heap(heap.begin(), heap.end());
+        if (heap.size() == query.wanted) {
+            query.radius = heap.front().distance;
+        }
+    }
+    if (range.size() < 2) {
+        return;
+    }
+    const double threshold = thresholds_[range.lower];
+    const bool is_inside = distance < threshold;
+    for (const bool goes_left : {is_inside, !is_inside}) {
+        if (goes_left && distance - query.radius <= threshold) {
+            visit(range.left(), levels - 1, distances, 2 * lane + 1, query);
+        }
+        if (!goes_left && distance + query.radius >= threshold) {
+            visit(range.right(), levels - 1, distances, 2 * lane + 2, query);
+        }
+    }
+}
+
+#define OVIK_DECLARE_BLOCK_KERNELS(instructions)                            \
+    namespace instructions {                                                \
+    void measure_block(const double*, const double*, std::size_t, double*); \
+    bool is_beyond_radius(const double*, const double*, double);            \
+    }
+
+OVIK_DECLARE_BLOCK_KERNELS(scalar)
+#ifdef OVIK_X86_KERNELS
+OVIK_DECLARE_BLOCK_KERNELS(avx2)
+OVIK_DECLARE_BLOCK_KERNELS(avx512)
+#endif
+
+BlockKernels block_kernels(InstructionSet instructions) {
+    switch (instructions) {
+#ifdef OVIK_X86_KERNELS
+        case InstructionSet::Avx512:
+            return {&avx512::measure_block, &avx512::is_beyond_radius};
+        case InstructionSet::Avx2:
+            return {&avx2::measure_block, &avx2::is_beyond_radius};
+#endif
+        default:
+            return {&scalar::measure_block, &scalar::is_beyond_radius};
+    }
+}
+
+}  // namespace ovik

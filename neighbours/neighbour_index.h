@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "neighbours/kernels/block_distances.h"
+
+namespace ovik {
+
+/// A vantage-point tree over the rows of a matrix under the Euclidean distance: `VpTree` in a form
+/// for very many queries.
+///
+/// It draws from `rand` as `VpTree` does, builds the same tree, and gives the same neighbours in
+/// the same order, to the last of those at equal distance. A subtree is a range of positions, and
+/// its halves follow from the range, so that there are no nodes; a few levels of the tree at a time
+/// stand in a block, whose distances from a target are computed together. Blocks that hold nothing
+/// near enough, by the distances of their points from a few pivots, are passed over.
+class NeighbourIndex {
+  public:
+    /// A row, and its distance from the target.
+    struct Neighbour {
+        /// Position in tree order.
+        std::uint32_t position;
+        double distance;
+
+        bool operator<(const Neighbour& other) const { return distance < other.distance; }
+    };
+
+    /// The state of one query; used again, it does not allocate anew.
+    struct Query {
+        /// The result: nearest first.
+        std::vector<Neighbour> neighbours;
+        double radius = 0.0;
+        std::size_t wanted = 0;
+        const double* target = nullptr;
+        double pivot_distances[kPivots] = {};
+        /// The largest of them.
+        double margin = 0.0;
+    };
+
+    /// Builds the tree, subtrees side by side.
+    ///
+    /// @param points  row-major, N x dims; copied
+    /// @complexity O(N log N) distances
+    NeighbourIndex(const double* points, std::size_t N, std::size_t dims);
+
+    NeighbourIndex(const NeighbourIndex&) = delete;
+    NeighbourIndex& operator=(const NeighbourIndex&) = delete;
+
+    /// The row at a position of the tree order. Near rows often have near positions.
+    [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
+
+    /// Finds the `count` nearest rows, nearest first; all if there are fewer. Rows at a distance of
+    /// NaN or infinity are never found. Several threads may ask at once.
+    ///
+    /// @param target  dims values
+    void search(const double* target, std::size_t count, Query& query) const;
+
+  private:
+    /// A row, and its distance from the vantage point that is considered in the build.
+    struct Item {
+        double distance;
+        std::uint32_t row;
+    };
+
+    /// Positions `lower` to `upper` - 1; the vantage point is the first.
+    struct Range {
+        std::size_t lower;
+        std::size_t upper;
+
+        [[nodiscard]] std::size_t size() const { return upper - lower; }
+
+        [[nodiscard]] std::size_t median() const { return (lower + upper) / 2; }
+
+        [[nodiscard]] Range left() const { return {lower + 1, median()}; }
+
+        [[nodiscard]] Range right() const { return {median(), upper}; }
+    };
+
+    /// Levels of a subtree that stand in the block of its root.
+    static int levelsInBlock(std::size_t size);
+
+    void drawVantagePoints(Range range);
+    void split(const double* points, Range range);
+    void buildSubtree(const double* points, Range range);
+    void numberBlocks(Range range, int levels);
+    void fillBlocks(const double* points, Range range, int levels, double* block, std::size_t lane);
+    void choosePivots(const double* points);
+    void fillBounds(const double* distances, Range range, int levels);
+    void visit(
+        Range range, int levels, const double* distances, std::size_t lane, Query& query) const;
+
+    std::size_t dims_;
+    std::vector<Item> items_;
+    /// Of the vantage point at each position: what was drawn for it, then the median distance of
+    /// the points below.
+    std::vector<double> thresholds_;
+    /// Of each position that is the root of a block: the block's number.
+    std::vector<std::uint32_t> blocks_;
+    std::uint32_t block_count_ = 0;
+    /// Holds the blocks, each dims x kBlockPoints.
+    std::vector<double> coordinates_;
+    double* first_block_ = nullptr;
+    /// Pivots, kPivots x dims, and for each block the bounds that `BeyondRadius` takes, over all
+    /// points from the block's root downwards.
+    std::vector<double> pivots_;
+    std::vector<double> bounds_;
+    BlockKernels kernels_;
+};
+
+}  // namespace ovik

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "neighbours/kernels/tree_walk.h"
+
+namespace ovik {
+
+/// Builds the cells of a space-partitioning tree, again and again over the same number of points;
+/// after the first time it does not allocate.
+///
+/// The points are sorted in Morton order: that of the interleaved bits of their cells on a grid.
+/// Two neighbours in that order are parted at some level of the grid, and those levels alone decide
+/// the tree, in one pass from the last point to the first. The cells of a few coarse levels are
+/// built side by side and then put together; the tree is the same for any number of threads.
+class TreeBuilder {
+  public:
+    TreeBuilder(std::size_t dims, std::size_t point_count);
+
+    /// Begins to build the tree: sorts the points into parts that can be built side by side.
+    ///
+    /// @param data  row-major, point_count x dims; read until `join` has ended
+    /// @return the number of parts
+    std::size_t prepare(const double* data);
+
+    /// Builds one part; other threads may build others.
+    void buildPart(std::size_t part);
+
+    /// Puts the parts, and the coarse cells around them, together. After that, the tree is there.
+    void join();
+
+    /// The tree that was built last; `data` is null.
+    [[nodiscard]] TreeView view() const;
+
+    /// The position of each point in Morton order.
+    [[nodiscard]] const std::uint32_t* rank() const { return rank_.data(); }
+
+  private:
+    /// The leading bits of a point's Morton code.
+    struct Key {
+        std::uint64_t bits;
+        std::uint32_t row;
+
+        bool operator<(const Key& other) const {
+            return bits != other.bits ? bits < other.bits : row < other.row;
+        }
+    };
+
+    /// Part of the tree: the points of one coarse cell.
+    struct Segment {
+        std::uint32_t first;
+        std::uint32_t last;
+        /// The first of its buckets.
+        std::size_t bucket;
+        std::size_t cell_count;
+        /// Where its cells begin in the whole tree.
+        std::size_t place;
+    };
+
+    /// Cells that are written back to front, each behind its children.
+    struct CellArray {
+        std::vector<TreeCell> cells;
+        std::vector<double> centres;
+    };
+
+    class Assembler;
+
+    /// The number of grid cells after some levels.
+    [[nodiscard]] std::size_t cellsOf(int levels) const {
+        return std::size_t{1} << dims_ * static_cast<std::size_t>(levels);
+    }
+
+    void fillKeys();
+    [[nodiscard]] std::uint64_t keyOf(std::size_t row) const;
+    void fillBuckets();
+    void listSegments();
+    void sortBucket(std::uint32_t first, std::uint32_t last);
+    void sortByCode(std::uint32_t first, std::uint32_t last);
+    void markPartings(std::uint32_t first, std::uint32_t last);
+    std::size_t emitRange(
+        std::uint32_t first, std::uint32_t last, int within, double side, std::size_t end);
+    std::size_t emitUnit(std::uint32_t first, std::uint32_t last, std::size_t end);
+    double refineGrid(std::uint32_t first, std::uint32_t last);
+    void weigh(CellArray& array, std::size_t cell) const;
+
+    [[nodiscard]] std::pair<double, double> bounds(std::uint32_t first,
+                                                   std::uint32_t last,
+                                                   std::size_t d) const;
+    [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] int partingOfKeys(const Key& a, const Key& b) const;
+    [[nodiscard]] int partingOfRows(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
+
+    std::size_t dims_;
+    std::size_t point_count_;
+    /// Bits of each dimension in a key.
+    int key_bits_;
+    /// Grid levels that the buckets tell apart, and the segments.
+    int bucket_levels_;
+    int segment_levels_;
+    const double* data_ = nullptr;
+    double side_ = 0.0;
+    std::vector<double> low_;
+    /// Grid cell of each point, N x dims.
+    std::vector<std::uint32_t> codes_;
+    std::vector<Key> unsorted_;
+    std::vector<Key> keys_;
+    std::vector<std::uint32_t> bucket_starts_;
+    std::vector<std::uint32_t> order_;
+    std::vector<std::uint32_t> rank_;
+    /// The level that parts the points at i and i + 1 in Morton order, or one of the constants.
+    std::vector<std::int8_t> parting_;
+    std::vector<Segment> segments_;
+    /// The cells above them, children first.
+    std::vector<std::size_t> coarse_cells_;
+    /// The segments, each at twice the position of its first point and aligned to its end.
+    CellArray parts_;
+    /// The tree, from `first_cell_` to the end.
+    CellArray whole_;
+    std::size_t first_cell_ = 0;
+};
+
+}  // namespace ovik

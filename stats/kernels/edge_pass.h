@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+
+#include "util/instruction_set.h"
+
+namespace ovik {
+
+/// The entries of a sparse similarity matrix and an embedding, as a pass over the entries reads
+/// them.
+struct EdgeView {
+    const unsigned int* row_P;
+    const unsigned int* col_P;
+    const double* val_P;
+    /// Row-major, N x dims.
+    const double* Y;
+    std::size_t dims;
+};
+
+/// Two sums over the entries of a row, from which its part of the cost follows:
+///
+///     log_sum + log(normalisation) * weight_sum.
+///
+/// Each is formed in eight strands, of every eighth entry, which are then added in order.
+struct RowCost {
+    /// Of p * log((p + DBL_MIN) * (1 + squared distance)); NaN if the embedding is so wide or the
+    /// similarities so far from their range that the guard of the cost's denominator may matter.
+    double log_sum;
+    /// Of p.
+    double weight_sum;
+};
+
+/// Adds the attractive forces on some rows, and writes the sums of their cost.
+///
+/// @param begin  the rows are `begin` to `end` - 1
+/// @param pos_f  row-major, N x dims; each row grows by p * q * (Y_n - Y_m) for entry after entry,
+///               with q = 1 / (1 + squared distance); null if no forces are wanted
+/// @param costs  N values; null if none are wanted
+using EdgePass = void (*)(
+    const EdgeView& edges, std::size_t begin, std::size_t end, double* pos_f, RowCost* costs);
+
+EdgePass edge_pass(InstructionSet instructions, std::size_t dims);
+
+}  // namespace ovik

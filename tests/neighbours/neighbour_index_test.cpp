@@ -1,0 +1,146 @@
+#include "neighbours/neighbour_index.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "neighbours/data_point.h"
+#include "neighbours/euclidean_distance.h"
+#include "neighbours/vptree.h"
+
+#include "tests/support/instruction_sets.h"
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+
+/// The index for many queries against the vantage-point tree: the same neighbours, the same order,
+/// the same distances to the last bit.
+
+namespace ovik {
+namespace {
+
+struct Answer {
+    std::vector<int> rows;
+    std::vector<double> distances;
+
+    bool operator==(const Answer&) const = default;
+};
+
+struct Answers {
+    std::vector<Answer> of_rows;
+    int next_draw = 0;
+
+    bool operator==(const Answers&) const = default;
+};
+
+Answers of_tree(const std::vector<double>& points, std::size_t dims, int k) {
+    std::vector<DataPoint<double>> list;
+    for (std::size_t n = 0; n < points.size() / dims; ++n) {
+        list.emplace_back(static_cast<int>(dims), static_cast<int>(n), points.data() + n * dims);
+    }
+    std::srand(5);
+    VpTree<DataPoint<double>, &euclidean_distance> tree;
+    tree.create(list);
+    Answers answers{{}, std::rand()};
+    for (const auto& target : list) {
+        std::vector<DataPoint<double>> results;
+        Answer answer;
+        tree.search(target, k, &results, &answer.distances);
+        for (const auto& result : results) {
+            answer.rows.push_back(result.index);
+        }
+        answers.of_rows.push_back(answer);
+    }
+    return answers;
+}
+
+Answers of_index(const std::vector<double>& points, std::size_t dims, int k) {
+    const std::size_t N = points.size() / dims;
+    std::srand(5);
+    const NeighbourIndex index(points.data(), N, dims);
+    Answers answers{{}, std::rand()};
+    NeighbourIndex::Query query;
+    for (std::size_t n = 0; n < N; ++n) {
+        index.search(points.data() + n * dims, static_cast<std::size_t>(k), query);
+        Answer answer;
+        for (const auto& neighbour : query.neighbours) {
+            answer.rows.push_back(static_cast<int>(index.rowAt(neighbour.position)));
+            answer.distances.push_back(neighbour.distance);
+        }
+        answers.of_rows.push_back(answer);
+    }
+    return answers;
+}
+
+void expect_the_same(const std::vector<double>& points, std::size_t dims, int k) {
+    const Answers expected = of_tree(points, dims, k);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        for (const InstructionSet instructions : test::kInstructionSets) {
+            const test::InstructionLimit limit(instructions);
+            ASSERT_TRUE(of_index(points, dims, k) == expected)
+                << threads << " threads, instruction set " << static_cast<int>(instructions);
+        }
+    }
+}
+
+TEST(NeighbourIndex, AnswersAsTheTreeDoes) {
+    expect_the_same(test::random_values(600 * 7, 61), 7, 31);
+    expect_the_same(test::random_values(400 * 50, 62), 50, 10);
+    expect_the_same(test::random_values(900, 63), 1, 5);
+}
+
+TEST(NeighbourIndex, AnswersAsTheTreeDoesOnClustersFarApart) {
+    std::vector<double> points = test::random_values(800 * 4, 64, 1e-3);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i] += static_cast<double>(i / 4 % 23 * 100);
+    }
+    expect_the_same(points, 4, 20);
+}
+
+TEST(NeighbourIndex, AnswersAsTheTreeDoesOnTiesAndDuplicates) {
+    std::vector<double> points = test::random_values(800 * 3, 65, 1.5);
+    for (double& value : points) {
+        value = std::round(value);
+    }
+    expect_the_same(points, 3, 12);
+    expect_the_same(std::vector<double>(200, 1.0), 2, 9);
+}
+
+TEST(NeighbourIndex, AnswersAsTheTreeDoesOnNumbersThatAreNotFinite) {
+    std::vector<double> points = test::random_values(300 * 2, 66);
+    const double inf = std::numeric_limits<double>::infinity();
+    points[31] = std::nan("");
+    points[100] = inf;
+    points[101] = -inf;
+    points[207] = inf;
+    points[208] = 1e200;
+    expect_the_same(points, 2, 7);
+}
+
+TEST(NeighbourIndex, AnswersAsTheTreeDoesForEveryNumberOfPoints) {
+    for (std::size_t N = 0; N <= 67; ++N) {
+        expect_the_same(test::random_values(N * 2, 67), 2, 6);
+    }
+}
+
+TEST(NeighbourIndex, FindsNothingWhenNothingIsWanted) {
+    expect_the_same(test::random_values(40, 68), 2, 0);
+}
+
+RC_GTEST_PROP(NeighbourIndex, AnswersAsTheTreeDoesOnAnyPoints, ()) {
+    const auto dims = *rc::gen::inRange<std::size_t>(1, 5);
+    const auto count = *rc::gen::inRange<std::size_t>(0, 150);
+    const auto k = *rc::gen::inRange(0, 40);
+    const auto range = *rc::gen::element(3, 10, 1000);
+    const auto grid =
+        *rc::gen::container<std::vector<int>>(count * dims, rc::gen::inRange(-range, range));
+    const std::vector<double> points(grid.begin(), grid.end());
+    RC_ASSERT(of_index(points, dims, k) == of_tree(points, dims, k));
+}
+
+}  // namespace
+}  // namespace ovik

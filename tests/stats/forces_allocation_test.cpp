@@ -1,0 +1,75 @@
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "stats/barnes_hut_forces.h"
+
+#include "tests/support/random_points.h"
+
+/// Counts what is allocated while embeddings are evaluated one after the other. A program of its
+/// own: it takes the place of the allocation functions.
+
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+}  // namespace
+
+// The library's operator new calls malloc.
+extern "C" void* malloc(std::size_t size) {
+    ++allocations;
+    return __libc_malloc(size);
+}
+
+extern "C" void* calloc(std::size_t count, std::size_t size) {
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+
+namespace ovik {
+namespace {
+
+TEST(AllocationCount, SeesAllocations) {
+    const long before = allocations;
+    const std::vector<double> some(100);
+    EXPECT_GT(allocations, before);
+    EXPECT_EQ(some[99], 0.0);
+}
+
+TEST(BarnesHutForces, AllocateNothingAfterTheFirstEmbedding) {
+    constexpr std::size_t kCount = 40000;
+    std::vector<unsigned int> row_P;
+    std::vector<unsigned int> col_P;
+    for (unsigned int n = 0; n <= kCount; ++n) {
+        row_P.push_back(n);
+        col_P.push_back((n + 1) % kCount);
+    }
+    const std::vector<double> val_P(kCount, 1.0 / kCount);
+    const SparseMatrixView P{row_P.data(), col_P.data(), val_P.data()};
+    const std::vector<double> Y = test::random_values(2 * kCount, 71, 10.0);
+    // Coincident points, and some too near for one grid.
+    std::vector<double> other(2 * kCount, 1.0);
+    other[7] = 1e9;
+    other[8] = 1.0 + 1e-15;
+    std::vector<double> dY(2 * kCount);
+    BarnesHutForces forces(kCount, 2);
+    double cost = forces.costAndGradient(P, Y.data(), 0.5, dY.data());
+    const long before = allocations;
+    for (int i = 0; i < 10; ++i) {
+        cost += forces.costAndGradient(P, i % 2 == 0 ? other.data() : Y.data(), 0.5, dY.data());
+        forces.gradient(P, Y.data(), 0.5, dY.data());
+        cost += forces.cost(P, Y.data(), 0.5);
+    }
+    EXPECT_EQ(allocations, before);
+    EXPECT_GT(cost, 0.0);
+}
+
+}  // namespace
+}  // namespace ovik
