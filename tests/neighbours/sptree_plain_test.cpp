@@ -152,6 +152,18 @@ TEST(PlainSPTree, HasTheSameForcesOnEveryNumberOfPointsThatFillsLanesInPart) {
     }
 }
 
+TEST(PlainSPTree, HasTheSameForcesOnPointsEnoughForEveryThread) {
+    // So many that the sorting and the putting together are spread over threads, too.
+    constexpr std::size_t kCount = 40000;
+    const std::vector<double> data = test::random_values(2 * kCount, 59, 30.0);
+    const Bits expected = plain_repulsion(data, 2, 1.0);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        const SPTree tree(2, data.data(), kCount);
+        EXPECT_EQ(together(tree, kCount, 2, 1.0), expected) << threads << " threads";
+    }
+}
+
 RC_GTEST_PROP(PlainSPTree, HasTheSameForcesOnAnyPoints, ()) {
     const auto dims = *rc::gen::inRange<std::size_t>(1, 6);
     const auto count = *rc::gen::inRange<std::size_t>(1, 80);

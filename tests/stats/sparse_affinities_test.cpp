@@ -179,6 +179,42 @@ TEST(Symmetrized, KeepsTheValueOfASelfEntryInOneSlot) {
     EXPECT_EQ(blocks.rows(), (plain::SparseRows{{{0, 0.75}, {1, 0.25}}, {{0, 0.25}, {1, 0.25}}}));
 }
 
+TEST(Symmetrized, EqualsThePlainProgramForAnyNumberOfThreads) {
+    // Enough rows for every thread to count some; one column that all rows point at.
+    constexpr std::size_t kCount = 5000;
+    plain::SparseRows conditional(kCount);
+    for (std::size_t n = 0; n < kCount; ++n) {
+        conditional[n].emplace_back(77, 0.5 / static_cast<double>(n + 1));
+        for (std::size_t step = 1; step < 9; ++step) {
+            const std::size_t column = (n + step * step * 31) % kCount;
+            if (column != 77) {
+                conditional[n].emplace_back(column, 1.0 / static_cast<double>(n * step + 3));
+            }
+            if (step < 5 && column != 77) {
+                conditional[column].emplace_back(n, 1.0 / static_cast<double>(n + step));
+            }
+        }
+    }
+    for (auto& row : conditional) {
+        std::vector<bool> is_taken(kCount, false);
+        plain::SparseRows::value_type distinct;
+        for (const auto& entry : row) {
+            if (!is_taken[entry.first]) {
+                distinct.push_back(entry);
+            }
+            is_taken[entry.first] = true;
+        }
+        row = distinct;
+    }
+    const plain::SparseRows expected = plain::symmetrise(conditional);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        Blocks blocks(conditional);
+        blocks.symmetrise();
+        EXPECT_TRUE(blocks.rows() == expected) << threads << " threads";
+    }
+}
+
 RC_GTEST_PROP(Symmetrized, EqualsThePlainProgramOnAnyRows, ()) {
     const auto count = *rc::gen::inRange<std::size_t>(1, 25);
     plain::SparseRows conditional(count);
