@@ -24,7 +24,7 @@
 namespace ovik {
 namespace {
 
-constexpr std::size_t kLanes = OVIK_LANES;
+inline constexpr std::size_t kLanes = OVIK_LANES;
 
 typedef double Lanes __attribute__((vector_size(kLanes * sizeof(double))));
 typedef std::uint64_t Bits __attribute__((vector_size(kLanes * sizeof(double))));

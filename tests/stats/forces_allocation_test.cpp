@@ -2,12 +2,14 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "stats/barnes_hut_forces.h"
 
+#include "tests/support/engine_run.h"
 #include "tests/support/random_points.h"
 
 /// Counts what is allocated while embeddings are evaluated one after the other. A program of its
@@ -69,6 +71,29 @@ TEST(BarnesHutForces, AllocateNothingAfterTheFirstEmbedding) {
     }
     EXPECT_EQ(allocations, before);
     EXPECT_GT(cost, 0.0);
+}
+
+/// Allocations of a whole run.
+long allocations_of_run(const std::string& matrix, double theta, int max_iter) {
+    const long before = allocations;
+    test::run_engine(matrix, {.perplexity = 20.0, .theta = theta, .max_iter = max_iter});
+    return allocations - before;
+}
+
+TEST(WholeRun, AllocatesPerIterationForItsMessageAlone) {
+    const test::TemporaryDirectory directory;
+    const std::string matrix = test::first_rows(directory, "brauer2008_chemostat.tsv", 150);
+    constexpr int kFew = 20;
+    constexpr int kMany = 220;
+    // The texts that the message is joined from, and what grows with the captured output.
+    constexpr long kPerIteration = 5;
+    for (const double theta : {0.0, 0.5}) {
+        allocations_of_run(matrix, theta, kFew);
+        const long few = allocations_of_run(matrix, theta, kFew);
+        const long many = allocations_of_run(matrix, theta, kMany);
+        EXPECT_LE(many - few, kPerIteration * (kMany - kFew)) << theta;
+        EXPECT_GE(many, few);
+    }
 }
 
 }  // namespace
