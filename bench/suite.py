@@ -98,6 +98,11 @@ def reading(matrix):
     return f"{', '.join(lines)}; peak memory {memory / values:.2f} times the doubles"
 
 
+def stage_memory(matrix, theta):
+    _, _, output = run(BUILD / "bench/stage_memory", matrix, theta)
+    return ", ".join(re.findall(r"^\w+ \d+ MB$", output, flags=re.M))
+
+
 def first_line(runs, folder):
     """Seconds until the command has written a byte, with a tiny matrix."""
     times = []
@@ -159,6 +164,9 @@ def measure(runs, sizes, folder):
         note(f"Barnes-Hut, {int(size)} x 50",
              f"similarities {similarities:.2f} s; an iteration with cost {both:.2f} ms, "
              f"{one / both:.2f} times faster than on one core")
+    clustered = write_matrix(folder, 50000, 50)
+    note("peak memory by stage, exact, 5537 x 36", stage_memory(BRAUER, 0))
+    note("peak memory by stage, Barnes-Hut, 50000 x 50", stage_memory(clustered, 0.5))
     note("reading 1,000,000 x 50", reading(write_matrix(folder, 1000000, 50)))
     note("start to first byte", first_line(max(runs, 21), folder))
     return table, rows

@@ -1,14 +1,10 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <istream>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
-
-#include "util/parallel.h"
 
 namespace ovik {
 
@@ -48,32 +44,13 @@ class LineBlocks {
     std::string remainder_;
 };
 
-/// Parts a block of lines into one piece of whole lines per worker, of about equal length; some may
-/// be empty.
-inline std::vector<std::string_view> share_lines(std::string_view block, std::size_t workers) {
-    std::vector<std::string_view> pieces;
-    std::size_t begin = 0;
-    for (std::size_t worker = 0; worker < workers; ++worker) {
-        const std::size_t wanted = static_share(block.size(), workers, worker).end;
-        std::size_t end = block.size();
-        if (wanted < block.size()) {
-            end = std::max(begin, wanted);
-            const std::size_t line_break = block.find('\n', end);
-            end = line_break == std::string_view::npos ? block.size() : line_break + 1;
-        }
-        pieces.push_back(block.substr(begin, end - begin));
-        begin = end;
-    }
-    return pieces;
-}
-
-/// Calls `visit(line)` with each line of a piece, without its "\n".
+/// Calls `visit(line)` with each line of a text, without its "\n".
 template <typename Visit>
-void for_each_line(std::string_view piece, const Visit& visit) {
-    while (!piece.empty()) {
-        const std::size_t line_break = piece.find('\n');
-        visit(piece.substr(0, line_break));
-        piece.remove_prefix(line_break == std::string_view::npos ? piece.size() : line_break + 1);
+void for_each_line(std::string_view text, const Visit& visit) {
+    while (!text.empty()) {
+        const std::size_t line_break = text.find('\n');
+        visit(text.substr(0, line_break));
+        text.remove_prefix(line_break == std::string_view::npos ? text.size() : line_break + 1);
     }
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <fstream>
 #include <iterator>
+#include <mutex>
+#include <omp.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -76,22 +79,27 @@ void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
     for (int discarded = 0; discarded < header; ++discarded) {
         std::getline(file, line);
     }
-    constexpr std::size_t kBlockBytes = std::size_t{1} << 24U;
+    // Long enough to be worth taking turns for, short enough for the caches.
+    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
     const NumberReader numbers;
     LineBlocks blocks(file, kBlockBytes);
-    std::string block;
-    while (blocks.next(block)) {
-        const auto pieces =
-            share_lines(block, static_cast<std::size_t>(worker_count(block.size())));
-        std::vector<MatrixRows<T>> parsed(pieces.size());
-        parallel_for_each(pieces.size(), 1, [&](std::size_t i) {
-            for_each_line(pieces[i],
-                          [&](std::string_view text) { parsed[i].add(text, delimiter, numbers); });
-        });
-        for (MatrixRows<T>& rows : parsed) {
-            std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
-            std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
+    // Those of each block, in file order; their places stay while others are added.
+    std::deque<MatrixRows<T>> parsed;
+    std::mutex turn;
+    const auto fetch = [&](std::string& block) -> MatrixRows<T>* {
+        const std::lock_guard lock(turn);
+        return blocks.next(block) ? &parsed.emplace_back() : nullptr;
+    };
+    parallel_for(static_cast<std::size_t>(omp_get_max_threads()), 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
+        std::string block;
+        while (MatrixRows<T>* const rows = fetch(block)) {
+            for_each_line(block,
+                          [&](std::string_view text) { rows->add(text, delimiter, numbers); });
         }
+    });
+    for (MatrixRows<T>& rows : parsed) {
+        std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
+        std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
     }
 }
 

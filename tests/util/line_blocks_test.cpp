@@ -45,20 +45,6 @@ RC_GTEST_PROP(LineBlocks, HoldTheTextWhateverTheirSize, ()) {
     }
 }
 
-RC_GTEST_PROP(ShareLines, PartsNoLine, ()) {
-    const auto text = *rc::gen::container<std::string>(rc::gen::elementOf(std::string("ab\n")));
-    for (std::size_t workers = 1; workers < 9; ++workers) {
-        const auto pieces = share_lines(text, workers);
-        RC_ASSERT(pieces.size() == workers);
-        std::string joined;
-        for (const std::string_view piece : pieces) {
-            RC_ASSERT(joined.empty() || joined.back() == '\n' || piece.empty());
-            joined += piece;
-        }
-        RC_ASSERT(joined == text);
-    }
-}
-
 TEST(ForEachLine, VisitsLinesWithoutTheirBreaks) {
     std::vector<std::string> lines;
     for_each_line("a\n\nb\nc", [&](std::string_view line) { lines.emplace_back(line); });

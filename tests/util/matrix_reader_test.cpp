@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
+#include "tests/support/threads.h"
 
 namespace ovik {
 namespace {
@@ -140,6 +141,26 @@ TEST_F(MatrixReader, ReadsIntoFloats) {
     std::vector<std::vector<float>> rows;
     read_matrix_w_index<float>(rows, names_, directory_.write("f", "h\nG1\t0.1\n"), 1, '\t');
     EXPECT_EQ(rows, (std::vector<std::vector<float>>{{0.1F}}));
+}
+
+TEST_F(MatrixReader, ReadsManyBlocksInFileOrderWithAnyNumberOfThreads) {
+    // A line a byte longer than the one before: breaks between blocks fall anywhere.
+    std::string content = "h\n";
+    for (int row = 0; row < 3000; ++row) {
+        content += "G" + std::to_string(row) + std::string(static_cast<std::size_t>(row), '_') +
+                   "\t" + std::to_string(row) + "\n";
+    }
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        rows_.clear();
+        names_.clear();
+        read(content);
+        ASSERT_EQ(rows_.size(), 3000U);
+        for (std::size_t row = 0; row < rows_.size(); ++row) {
+            ASSERT_EQ(rows_[row], std::vector<double>{static_cast<double>(row)});
+            ASSERT_EQ(names_[row], "G" + std::to_string(row) + std::string(row, '_'));
+        }
+    }
 }
 
 TEST_F(MatrixReader, ReportsAFileThatCannotBeOpened) {
