@@ -14,8 +14,11 @@ namespace ovik {
 
 namespace {
 
-/// Levels of a whole block: one lane is left over.
+/// Levels of a block that has others below it: one lane is left over.
 constexpr int kBlockLevels = std::bit_width(kBlockPoints) - 1;
+
+/// Levels of a block that holds all of a subtree: more than that has.
+constexpr int kWholeSubtree = kBlockLevels + static_cast<int>(kBlockPoints);
 
 /// Subtrees that are dealt out to threads, for each thread that there may be.
 constexpr std::size_t kSubtrees = 64;
@@ -119,8 +122,20 @@ void NeighbourIndex::buildSubtree(const double* points, Range range) {
 }
 
 int NeighbourIndex::levelsInBlock(std::size_t size) {
-    // Whole blocks at the bottom, where most of them are; the one at the top takes what is left.
-    return (static_cast<int>(std::bit_width(size)) - 1) % kBlockLevels + 1;
+    if (size <= kBlockPoints) {
+        return kWholeSubtree;
+    }
+    // The block at the top takes what is left, so that the many below are full.
+    const auto levels_above_whole = static_cast<int>(std::bit_width((size - 1) / kBlockPoints));
+    return (levels_above_whole - 1) % kBlockLevels + 1;
+}
+
+std::size_t NeighbourIndex::leftLane(int levels, std::size_t lane) {
+    return levels > kBlockLevels ? lane + 1 : 2 * lane + 1;
+}
+
+std::size_t NeighbourIndex::rightLane(Range range, int levels, std::size_t lane) {
+    return levels > kBlockLevels ? lane + range.median() - range.lower : 2 * lane + 2;
 }
 
 /// @param levels  how many levels of the range stand in the block of its parent
@@ -154,8 +169,8 @@ void NeighbourIndex::fillBlocks(
         block[d * kBlockPoints + lane] = points[items_[range.lower].row * dims_ + d];
     }
     if (range.size() > 1) {
-        fillBlocks(points, range.left(), levels - 1, block, 2 * lane + 1);
-        fillBlocks(points, range.right(), levels - 1, block, 2 * lane + 2);
+        fillBlocks(points, range.left(), levels - 1, block, leftLane(levels, lane));
+        fillBlocks(points, range.right(), levels - 1, block, rightLane(range, levels, lane));
     }
 }
 
@@ -280,10 +295,10 @@ void NeighbourIndex::visit(
     const bool is_inside = distance < threshold;
     for (const bool goes_left : {is_inside, !is_inside}) {
         if (goes_left && distance - query.radius <= threshold) {
-            visit(range.left(), levels - 1, distances, 2 * lane + 1, query);
+            visit(range.left(), levels - 1, distances, leftLane(levels, lane), query);
         }
         if (!goes_left && distance + query.radius >= threshold) {
-            visit(range.right(), levels - 1, distances, 2 * lane + 2, query);
+            visit(range.right(), levels - 1, distances, rightLane(range, levels, lane), query);
         }
     }
 }

@@ -13,9 +13,10 @@ namespace ovik {
 ///
 /// It draws from `rand` as `VpTree` does, builds the same tree, and gives the same neighbours in
 /// the same order, to the last of those at equal distance. A subtree is a range of positions, and
-/// its halves follow from the range, so that there are no nodes; a few levels of the tree at a time
-/// stand in a block, whose distances from a target are computed together. Blocks that hold nothing
-/// near enough, by the distances of their points from a few pivots, are passed over.
+/// its halves follow from the range, so that there are no nodes; a few levels of the tree at a
+/// time, or a small subtree, stand in a block, whose distances from a target are computed together.
+/// Blocks that hold nothing near enough, by the distances of their points from a few pivots, are
+/// passed over.
 class NeighbourIndex {
   public:
     /// A row, and its distance from the target.
@@ -80,6 +81,10 @@ class NeighbourIndex {
 
     /// Levels of a subtree that stand in the block of its root.
     static int levelsInBlock(std::size_t size);
+    /// Lanes of the halves of a range whose vantage point has a lane: by position where the block
+    /// holds the whole subtree, else level by level.
+    static std::size_t leftLane(int levels, std::size_t lane);
+    static std::size_t rightLane(Range range, int levels, std::size_t lane);
 
     void drawVantagePoints(Range range);
     void split(const double* points, Range range);
