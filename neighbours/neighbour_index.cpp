@@ -26,6 +26,8 @@ constexpr std::size_t kSubtrees = 64;
 /// Fewest distances for which another thread pays.
 constexpr std::size_t kDistanceGrain = 256;
 
+constexpr std::uint32_t kNotMeasured = std::numeric_limits<std::uint32_t>::max();
+
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Bounds of a block: two for each pivot.
@@ -231,61 +233,94 @@ void NeighbourIndex::fillBounds(const double* distances, Range range, int levels
     }
 }
 
-void NeighbourIndex::search(const double* target, std::size_t count, Query& query) const {
-    query.neighbours.clear();
-    query.neighbours.reserve(std::min(count, items_.size()) + 1);
-    query.radius = DBL_MAX;
-    query.wanted = count;
-    query.target = target;
-    query.margin = 0.0;
-    for (std::size_t p = 0; p < kPivots && !items_.empty(); ++p) {
-        query.pivot_distances[p] = distance_of(pivots_.data() + p * dims_, target, dims_);
-        query.margin = std::max(query.margin, query.pivot_distances[p]);
+void NeighbourIndex::search(const double* const* targets,
+                            std::size_t target_count,
+                            std::size_t count,
+                            Queries& queries) const {
+    for (const std::uint32_t block : queries.measured) {
+        queries.places[block] = kNotMeasured;
     }
-    if (count > 0) {
-        visit({0, items_.size()}, 0, nullptr, 0, query);
+    queries.measured.clear();
+    queries.places.resize(block_count_, kNotMeasured);
+    for (std::size_t t = 0; t < kTargets; ++t) {
+        // Those that are missing are measured in vain.
+        queries.targets[t] = targets[std::min(t, target_count - 1)];
     }
-    std::sort_heap(query.neighbours.begin(), query.neighbours.end());
+    queries.wanted = count;
+    for (std::size_t t = 0; t < target_count; ++t) {
+        queries.current = t;
+        searchCurrent(queries);
+    }
 }
 
-/// Offers the points of a range to the query, narrowing its radius.
+void NeighbourIndex::searchCurrent(Queries& queries) const {
+    auto& neighbours = queries.neighbours[queries.current];
+    neighbours.clear();
+    neighbours.reserve(std::min(queries.wanted, items_.size()) + 1);
+    queries.radius = DBL_MAX;
+    queries.margin = 0.0;
+    for (std::size_t p = 0; p < kPivots && !items_.empty(); ++p) {
+        queries.pivot_distances[p] =
+            distance_of(pivots_.data() + p * dims_, queries.targets[queries.current], dims_);
+        queries.margin = std::max(queries.margin, queries.pivot_distances[p]);
+    }
+    if (queries.wanted > 0) {
+        visit({0, items_.size()}, 0, 0, 0, queries);
+    }
+    std::sort_heap(neighbours.begin(), neighbours.end());
+}
+
+/// The place of a block's distances, which are computed if they are not there.
+std::size_t NeighbourIndex::measure(std::uint32_t block, Queries& queries) const {
+    constexpr std::size_t kDistances = kTargets * kBlockPoints;
+    if (queries.places[block] == kNotMeasured) {
+        const std::size_t place = queries.measured.size();
+        queries.places[block] = static_cast<std::uint32_t>(place);
+        queries.measured.push_back(block);
+        if (queries.distances.size() < (place + 1) * kDistances) {
+            queries.distances.resize(2 * (place + 1) * kDistances);
+        }
+        kernels_.measure(first_block_ + block * dims_ * kBlockPoints,
+                         queries.targets,
+                         dims_,
+                         queries.distances.data() + place * kDistances);
+    }
+    return queries.places[block] * kDistances + queries.current * kBlockPoints;
+}
+
+/// Offers the points of a range to the current query, narrowing its radius.
 ///
-/// @param levels     how many levels of the range stand in the block of its parent
-/// @param distances  of that block
-/// @param lane       of the range's vantage point in it
+/// @param levels  how many levels of the range stand in the block of its parent
+/// @param place   of the distances of that block
+/// @param lane    of the range's vantage point in it
 void NeighbourIndex::visit(
-    Range range, int levels, const double* distances, std::size_t lane, Query& query) const {
+    Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const {
     if (range.size() == 0) {
         return;
     }
-    double own_distances[kBlockPoints];
     if (levels == 0) {
+        const std::uint32_t block = blocks_[range.lower];
         // Far above what rounding adds to a distance.
-        const double radius = query.radius + kRoundingMargin * (query.radius + query.margin);
-        if (kernels_.is_beyond(
-                bounds_.data() + blocks_[range.lower] * kBounds, query.pivot_distances, radius)) {
+        const double radius = queries.radius + kRoundingMargin * (queries.radius + queries.margin);
+        if (kernels_.is_beyond(bounds_.data() + block * kBounds, queries.pivot_distances, radius)) {
             // None of them would be admitted, so that the query goes on as if it had seen them.
             return;
         }
-        kernels_.measure(first_block_ + blocks_[range.lower] * dims_ * kBlockPoints,
-                         query.target,
-                         dims_,
-                         own_distances);
+        place = measure(block, queries);
         levels = levelsInBlock(range.size());
-        distances = own_distances;
         lane = 0;
     }
-    const double distance = distances[lane];
-    if (distance < query.radius) {
-        auto& heap = query.neighbours;
-        if (heap.size() == query.wanted) {
+    const double distance = queries.distances[place + lane];
+    if (distance < queries.radius) {
+        auto& heap = queries.neighbours[queries.current];
+        if (heap.size() == queries.wanted) {
             std::pop_heap(heap.begin(), heap.end());
             heap.pop_back();
         }
         heap.push_back({static_cast<std::uint32_t>(range.lower), distance});
         std::push_heap(heap.begin(), heap.end());
-        if (heap.size() == query.wanted) {
-            query.radius = heap.front().distance;
+        if (heap.size() == queries.wanted) {
+            queries.radius = heap.front().distance;
         }
     }
     if (range.size() < 2) {
@@ -294,19 +329,19 @@ void NeighbourIndex::visit(
     const double threshold = thresholds_[range.lower];
     const bool is_inside = distance < threshold;
     for (const bool goes_left : {is_inside, !is_inside}) {
-        if (goes_left && distance - query.radius <= threshold) {
-            visit(range.left(), levels - 1, distances, leftLane(levels, lane), query);
+        if (goes_left && distance - queries.radius <= threshold) {
+            visit(range.left(), levels - 1, place, leftLane(levels, lane), queries);
         }
-        if (!goes_left && distance + query.radius >= threshold) {
-            visit(range.right(), levels - 1, distances, rightLane(range, levels, lane), query);
+        if (!goes_left && distance + queries.radius >= threshold) {
+            visit(range.right(), levels - 1, place, rightLane(range, levels, lane), queries);
         }
     }
 }
 
-#define OVIK_DECLARE_BLOCK_KERNELS(instructions)                            \
-    namespace instructions {                                                \
-    void measure_block(const double*, const double*, std::size_t, double*); \
-    bool is_beyond_radius(const double*, const double*, double);            \
+#define OVIK_DECLARE_BLOCK_KERNELS(instructions)                                   \
+    namespace instructions {                                                       \
+    void measure_block(const double*, const double* const*, std::size_t, double*); \
+    bool is_beyond_radius(const double*, const double*, double);                   \
     }
 
 OVIK_DECLARE_BLOCK_KERNELS(scalar)

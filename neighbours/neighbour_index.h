@@ -28,16 +28,30 @@ class NeighbourIndex {
         bool operator<(const Neighbour& other) const { return distance < other.distance; }
     };
 
-    /// The state of one query; used again, it does not allocate anew.
-    struct Query {
-        /// The result: nearest first.
-        std::vector<Neighbour> neighbours;
-        double radius = 0.0;
+    /// Queries for a few targets, best near one another. When the first of them comes to a block,
+    /// its distances from all targets are computed, and kept for those that come later. Used again,
+    /// it does not allocate anew.
+    struct Queries {
+        /// The result for each target: nearest first.
+        std::vector<Neighbour> neighbours[kTargets];
+
+      private:
+        friend class NeighbourIndex;
+
+        const double* targets[kTargets] = {};
+        /// The one that is searched for.
+        std::size_t current = 0;
         std::size_t wanted = 0;
-        const double* target = nullptr;
+        double radius = 0.0;
         double pivot_distances[kPivots] = {};
         /// The largest of them.
         double margin = 0.0;
+        /// Of each block: where its distances are kept, or `kNotMeasured`.
+        std::vector<std::uint32_t> places;
+        /// Blocks that have been measured, by place.
+        std::vector<std::uint32_t> measured;
+        /// kTargets x kBlockPoints at each place.
+        std::vector<double> distances;
     };
 
     /// Builds the tree, subtrees side by side.
@@ -52,11 +66,15 @@ class NeighbourIndex {
     /// The row at a position of the tree order. Near rows often have near positions.
     [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
 
-    /// Finds the `count` nearest rows, nearest first; all if there are fewer. Rows at a distance of
-    /// NaN or infinity are never found. Several threads may ask at once.
+    /// Finds the `count` nearest rows of each target, nearest first; all if there are fewer. Rows
+    /// at a distance of NaN or infinity are never found. Several threads may ask at once.
     ///
-    /// @param target  dims values
-    void search(const double* target, std::size_t count, Query& query) const;
+    /// @param targets       pointers to dims values each
+    /// @param target_count  1 to kTargets
+    void search(const double* const* targets,
+                std::size_t target_count,
+                std::size_t count,
+                Queries& queries) const;
 
   private:
     /// A row, and its distance from the vantage point that is considered in the build.
@@ -93,8 +111,10 @@ class NeighbourIndex {
     void fillBlocks(const double* points, Range range, int levels, double* block, std::size_t lane);
     void choosePivots(const double* points);
     void fillBounds(const double* distances, Range range, int levels);
+    void searchCurrent(Queries& queries) const;
+    std::size_t measure(std::uint32_t block, Queries& queries) const;
     void visit(
-        Range range, int levels, const double* distances, std::size_t lane, Query& query) const;
+        Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const;
 
     std::size_t dims_;
     std::vector<Item> items_;

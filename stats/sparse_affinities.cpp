@@ -20,7 +20,7 @@ namespace ovik {
 namespace {
 
 constexpr int kBandwidthAttempts = 200;
-constexpr std::size_t kQueriesPerTask = 32;
+constexpr std::size_t kTargetsPerTask = 8 * kTargets;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {
@@ -31,43 +31,79 @@ void check_entry_count(std::size_t entries) {
 
 /// What one worker needs to calibrate row after row.
 struct RowScratch {
-    NeighbourIndex::Query query;
+    NeighbourIndex::Queries queries;
     std::vector<double> squared_distances;
 };
 
-/// Fills the row of point n: columns nearest first, and their similarities.
-void fill_row(const NeighbourIndex& index,
-              const double* point,
-              std::size_t n,
+/// Fills rows of the matrix of conditional similarities.
+class RowFiller {
+  public:
+    /// All but numbers has to outlive the object.
+    ///
+    /// @param points  those of the index, row-major
+    /// @param K       entries of a row
+    RowFiller(const NeighbourIndex& index,
+              const double* points,
+              std::size_t dims,
               double perplexity,
               std::size_t K,
-              RowScratch& scratch,
-              SparseMatrix& matrix) {
-    unsigned int* const columns = matrix.col_P.get() + n * K;
-    double* const similarities = matrix.val_P.get() + n * K;
-    index.search(point, K + 1, scratch.query);
-    const auto& nearest = scratch.query.neighbours;
-    const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
-    for (std::size_t m = 0; m < count; ++m) {
-        const double distance = nearest[m + 1].distance;
-        scratch.squared_distances[m] = distance * distance;
-        columns[m] = index.rowAt(nearest[m + 1].position);
+              SparseMatrix& matrix)
+        : index_(index),
+          points_(points),
+          dims_(dims),
+          perplexity_(perplexity),
+          K_(K),
+          matrix_(matrix) {}
+
+    /// Fills the rows of at most kTargets positions of the tree order.
+    void fill(IndexRange positions, RowScratch& scratch) const {
+        const double* targets[kTargets];
+        for (std::size_t i = positions.begin; i < positions.end; ++i) {
+            targets[i - positions.begin] = points_ + index_.rowAt(i) * dims_;
+        }
+        index_.search(targets, positions.end - positions.begin, K_ + 1, scratch.queries);
+        for (std::size_t i = positions.begin; i < positions.end; ++i) {
+            fillRow(index_.rowAt(i),
+                    scratch.queries.neighbours[i - positions.begin],
+                    scratch.squared_distances.data());
+        }
     }
-    const auto fill = [&](double beta) {
+
+  private:
+    /// Fills the row of point n: columns nearest first, and their similarities.
+    ///
+    /// @param nearest            the point itself and its neighbours
+    /// @param squared_distances  scratch for K values
+    void fillRow(std::size_t n,
+                 const std::vector<NeighbourIndex::Neighbour>& nearest,
+                 double* squared_distances) const {
+        unsigned int* const columns = matrix_.col_P.get() + n * K_;
+        double* const similarities = matrix_.val_P.get() + n * K_;
+        const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
         for (std::size_t m = 0; m < count; ++m) {
             const double distance = nearest[m + 1].distance;
-            similarities[m] = std::exp(((-beta) * distance) * distance);
+            squared_distances[m] = distance * distance;
+            columns[m] = index_.rowAt(nearest[m + 1].position);
         }
-    };
-    calibrate_similarities(scratch.squared_distances.data(),
-                           similarities,
-                           count,
-                           perplexity,
-                           kBandwidthAttempts,
-                           fill);
-    std::fill(columns + count, columns + K, static_cast<unsigned int>(n));
-    std::fill(similarities + count, similarities + K, 0.0);
-}
+        const auto fill = [&](double beta) {
+            for (std::size_t m = 0; m < count; ++m) {
+                const double distance = nearest[m + 1].distance;
+                similarities[m] = std::exp(((-beta) * distance) * distance);
+            }
+        };
+        calibrate_similarities(
+            squared_distances, similarities, count, perplexity_, kBandwidthAttempts, fill);
+        std::fill(columns + count, columns + K_, static_cast<unsigned int>(n));
+        std::fill(similarities + count, similarities + K_, 0.0);
+    }
+
+    const NeighbourIndex& index_;
+    const double* points_;
+    std::size_t dims_;
+    double perplexity_;
+    std::size_t K_;
+    SparseMatrix& matrix_;
+};
 
 constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
 
@@ -218,19 +254,18 @@ SparseMatrix neighbour_affinities(
     }
     const NeighbourIndex index(points, N, dims);
     print_info("Building tree ...");
-    // Queries in tree order: near points look at the same blocks.
-    const std::size_t tasks = (N + kQueriesPerTask - 1) / kQueriesPerTask;
+    const RowFiller rows(index, points, dims, perplexity, row_length, matrix);
+    // In tree order: near points look at the same blocks.
+    const std::size_t tasks = (N + kTargetsPerTask - 1) / kTargetsPerTask;
     const int workers = worker_count(tasks);
     std::vector<RowScratch> scratch(static_cast<std::size_t>(workers));
     for (RowScratch& worker : scratch) {
         worker.squared_distances.resize(row_length);
-        worker.query.neighbours.reserve(std::min(row_length, N) + 1);
     }
     parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
-        const std::size_t begin = task * kQueriesPerTask;
-        for (std::size_t i = begin; i < std::min(begin + kQueriesPerTask, N); ++i) {
-            const std::size_t n = index.rowAt(i);
-            fill_row(index, points + n * dims, n, perplexity, row_length, scratch[worker], matrix);
+        const std::size_t end = std::min((task + 1) * kTargetsPerTask, N);
+        for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
+            rows.fill({i, std::min(i + kTargets, end)}, scratch[worker]);
         }
     });
     return matrix;

@@ -4,22 +4,39 @@
 
 namespace ovik::OVIK_KERNELS {
 
-void measure_block(const double* block, const double* target, std::size_t dims, double* distances) {
-    constexpr std::size_t kVectors = kBlockPoints / kLanes;
-    Lanes squared_distance[kVectors];
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        squared_distance[v] = broadcast(0.0);
-    }
-    for (std::size_t d = 0; d < dims; ++d) {
-        const Lanes coordinate = broadcast(target[d]);
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            const Lanes other = load(block + d * kBlockPoints + v * kLanes);
-            const Lanes difference = subtract(other, coordinate);
-            squared_distance[v] = add(squared_distance[v], multiply(difference, difference));
+void measure_block(const double* block,
+                   const double* const* targets,
+                   std::size_t dims,
+                   double* distances) {
+    // As many sums side by side as there are registers for.
+    constexpr std::size_t kVectors = kLanes == 1 ? 1 : 2;
+    for (std::size_t first = 0; first < kBlockPoints; first += kVectors * kLanes) {
+        Lanes squared_distances[kTargets][kVectors];
+        for (auto& target_sums : squared_distances) {
+            for (Lanes& sum : target_sums) {
+                sum = broadcast(0.0);
+            }
         }
-    }
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        store(distances + v * kLanes, square_root(squared_distance[v]));
+        for (std::size_t d = 0; d < dims; ++d) {
+            Lanes points[kVectors];
+            for (std::size_t v = 0; v < kVectors; ++v) {
+                points[v] = load(block + d * kBlockPoints + first + v * kLanes);
+            }
+            for (std::size_t t = 0; t < kTargets; ++t) {
+                const Lanes target = broadcast(targets[t][d]);
+                for (std::size_t v = 0; v < kVectors; ++v) {
+                    const Lanes difference = subtract(points[v], target);
+                    squared_distances[t][v] =
+                        add(squared_distances[t][v], multiply(difference, difference));
+                }
+            }
+        }
+        for (std::size_t t = 0; t < kTargets; ++t) {
+            for (std::size_t v = 0; v < kVectors; ++v) {
+                store(distances + t * kBlockPoints + first + v * kLanes,
+                      square_root(squared_distances[t][v]));
+            }
+        }
     }
 }
 

@@ -9,14 +9,17 @@ namespace ovik {
 /// Points of a block.
 constexpr std::size_t kBlockPoints = 16;
 
-/// Writes the Euclidean distances of a point from those of a block; each square is added in
-/// coordinate order, as in `euclidean_distance`.
+/// Targets that are measured together, while a block is at hand.
+constexpr std::size_t kTargets = 4;
+
+/// Writes the Euclidean distances of some targets from the points of a block; each square is added
+/// in coordinate order, as in `euclidean_distance`.
 ///
 /// @param block      dims x kBlockPoints
-/// @param target     dims values
-/// @param distances  kBlockPoints values
+/// @param targets    kTargets pointers to dims values each
+/// @param distances  kTargets x kBlockPoints values
 using BlockDistances = void (*)(const double* block,
-                                const double* target,
+                                const double* const* targets,
                                 std::size_t dims,
                                 double* distances);
 

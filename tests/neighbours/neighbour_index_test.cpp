@@ -1,5 +1,6 @@
 #include "neighbours/neighbour_index.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -57,20 +58,31 @@ Answers of_tree(const std::vector<double>& points, std::size_t dims, int k) {
     return answers;
 }
 
-Answers of_index(const std::vector<double>& points, std::size_t dims, int k) {
+/// @param group_size  targets that are searched for together
+Answers of_index(const std::vector<double>& points,
+                 std::size_t dims,
+                 int k,
+                 std::size_t group_size) {
     const std::size_t N = points.size() / dims;
     std::srand(5);
     const NeighbourIndex index(points.data(), N, dims);
     Answers answers{{}, std::rand()};
-    NeighbourIndex::Query query;
-    for (std::size_t n = 0; n < N; ++n) {
-        index.search(points.data() + n * dims, static_cast<std::size_t>(k), query);
-        Answer answer;
-        for (const auto& neighbour : query.neighbours) {
-            answer.rows.push_back(static_cast<int>(index.rowAt(neighbour.position)));
-            answer.distances.push_back(neighbour.distance);
+    NeighbourIndex::Queries queries;
+    for (std::size_t first = 0; first < N; first += group_size) {
+        const std::size_t count = std::min(group_size, N - first);
+        const double* targets[kTargets];
+        for (std::size_t t = 0; t < count; ++t) {
+            targets[t] = points.data() + (first + t) * dims;
         }
-        answers.of_rows.push_back(answer);
+        index.search(targets, count, static_cast<std::size_t>(k), queries);
+        for (std::size_t t = 0; t < count; ++t) {
+            Answer answer;
+            for (const auto& neighbour : queries.neighbours[t]) {
+                answer.rows.push_back(static_cast<int>(index.rowAt(neighbour.position)));
+                answer.distances.push_back(neighbour.distance);
+            }
+            answers.of_rows.push_back(answer);
+        }
     }
     return answers;
 }
@@ -81,8 +93,11 @@ void expect_the_same(const std::vector<double>& points, std::size_t dims, int k)
         const test::ThreadCount scope(threads);
         for (const InstructionSet instructions : test::kInstructionSets) {
             const test::InstructionLimit limit(instructions);
-            ASSERT_TRUE(of_index(points, dims, k) == expected)
-                << threads << " threads, instruction set " << static_cast<int>(instructions);
+            for (std::size_t group_size = 1; group_size <= kTargets; ++group_size) {
+                ASSERT_TRUE(of_index(points, dims, k, group_size) == expected)
+                    << threads << " threads, instruction set " << static_cast<int>(instructions)
+                    << ", " << group_size << " at once";
+            }
         }
     }
 }
