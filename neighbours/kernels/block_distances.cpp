@@ -6,16 +6,11 @@ namespace ovik::OVIK_KERNELS {
 
 void measure_block(const double* block, const double* target, std::size_t dims, double* distances) {
     constexpr std::size_t kVectors = kBlockPoints / kLanes;
-    Lanes squared_distance[kVectors];
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        squared_distance[v] = broadcast(0.0);
-    }
+    Lanes squared_distance[kVectors] = {};
     for (std::size_t d = 0; d < dims; ++d) {
-        const Lanes coordinate = broadcast(target[d]);
         for (std::size_t v = 0; v < kVectors; ++v) {
-            const Lanes other = load(block + d * kBlockPoints + v * kLanes);
-            const Lanes difference = subtract(other, coordinate);
-            squared_distance[v] = add(squared_distance[v], multiply(difference, difference));
+            const Lanes difference = load(block + d * kBlockPoints + v * kLanes) - target[d];
+            squared_distance[v] += difference * difference;
         }
     }
     for (std::size_t v = 0; v < kVectors; ++v) {
@@ -25,14 +20,13 @@ void measure_block(const double* block, const double* target, std::size_t dims, 
 
 bool is_beyond_radius(const double* bounds, const double* target, double radius) {
     const Lanes limit = broadcast(radius);
-    Mask beyond = none();
+    Mask beyond = 0;
     for (std::size_t p = 0; p < kPivots; p += kLanes) {
         const Lanes distance = load(target + p);
-        const Lanes nearer = subtract(load(bounds + p), distance);
-        const Lanes farther = subtract(distance, load(bounds + kPivots + p));
-        beyond = either(beyond, either(less(limit, nearer), less(limit, farther)));
+        beyond |= less(limit, load(bounds + p) - distance);
+        beyond |= less(limit, distance - load(bounds + kPivots + p));
     }
-    return any(beyond);
+    return beyond != 0;
 }
 
 }  // namespace ovik::OVIK_KERNELS
