@@ -7,55 +7,64 @@ namespace ovik::OVIK_KERNELS {
 namespace {
 
 /// Vectors of points that walk together. A cell is loaded, and the way on decided, once for all.
-constexpr std::size_t kVectors = kLanes == 1 ? 1 : 2;
-constexpr std::size_t kBatch = kVectors * kLanes;
+constexpr std::size_t kVectors = kWalkBatch / kLanes;
 
-/// Points that walk the tree together. A lane that has taken a cell as one point waits until the
+/// Bit `lane` tells of that point of a batch.
+using BatchMask = unsigned int;
+
+/// Points that walk the tree together. A lane that has taken a cell as one point sleeps until the
 /// walk comes to the cell behind it, so that every lane takes the cells that it would take alone,
 /// in the same order.
+///
+/// What the next step of the walk depends on is kept out of branches: a processor that guesses
+/// wrong at one loses more time than lanes cost that compute in vain.
 template <std::size_t Dims>
 class Batch {
   public:
     Batch(const TreeView& tree, std::size_t begin, std::size_t end)
         : begin_(static_cast<std::uint32_t>(begin)),
           end_(static_cast<std::uint32_t>(end)) {
-        double own[Dims][kBatch] = {};
-        std::int64_t resume[kBatch];
-        for (std::size_t lane = 0; lane < kBatch; ++lane) {
-            const bool in_use = begin + lane < end;
-            // A lane without a point waits for good.
-            resume[lane] = in_use ? 0 : static_cast<std::int64_t>(tree.cell_count);
-            for (std::size_t d = 0; in_use && d < Dims; ++d) {
-                own[d][lane] = tree.data[tree.order[begin + lane] * Dims + d];
-            }
-        }
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            resume_[v] = load_integers(resume + v * kLanes);
-            share_[v] = broadcast(0.0);
+        for (std::size_t lane = 0; lane < end - begin; ++lane) {
             for (std::size_t d = 0; d < Dims; ++d) {
-                own_[v][d] = load(own[d] + v * kLanes);
-                force_[v][d] = broadcast(0.0);
+                own_[lane / kLanes][d][lane % kLanes] =
+                    tree.data[tree.order[begin + lane] * Dims + d];
             }
         }
     }
 
     void walk(const TreeView& tree, double squared_theta) {
-        const Lanes theta2 = broadcast(squared_theta);
+        BatchMask awake = lanesBefore(end_);
+        // Every sleep leaves fewer lanes awake than the one around it.
+        Sleep sleeps[kWalkBatch];
+        std::size_t depth = 0;
         for (std::size_t i = 0; i < tree.cell_count;) {
-            i += visit(tree, i, theta2) ? 1 : tree.cells[i].skip;
+            while (depth > 0 && sleeps[depth - 1].end == i) {
+                awake = sleeps[--depth].awake;
+            }
+            const std::size_t next = i + tree.cells[i].skip;
+            const BatchMask opening = awake & ~take(tree, i, awake, squared_theta);
+            // A leaf has nothing to open: a lane that does not take it goes on behind it.
+            if (opening == 0 || next == i + 1) {
+                i = next;
+                continue;
+            }
+            sleeps[depth] = {next, awake};
+            depth += opening != awake ? 1 : 0;
+            awake = opening;
+            ++i;
         }
     }
 
     void deliver(const TreeView& tree, double* neg_f, double* shares) const {
-        double share[kBatch];
-        double force[Dims][kBatch];
+        double share[kWalkBatch];
+        double force[Dims][kWalkBatch];
         for (std::size_t v = 0; v < kVectors; ++v) {
             store(share + v * kLanes, share_[v]);
             for (std::size_t d = 0; d < Dims; ++d) {
                 store(force[d] + v * kLanes, force_[v][d]);
             }
         }
-        for (std::size_t lane = 0; begin_ + lane < end_ && lane < kBatch; ++lane) {
+        for (std::size_t lane = 0; begin_ + lane < end_ && lane < kWalkBatch; ++lane) {
             const std::size_t point = tree.order[begin_ + lane];
             shares[point] = share[lane];
             for (std::size_t d = 0; d < Dims; ++d) {
@@ -65,93 +74,76 @@ class Batch {
     }
 
   private:
-    /// Lets all lanes that do not wait look at a cell.
+    /// Until the cell `end`, lanes sleep that are awake afterwards.
+    struct Sleep {
+        std::size_t end;
+        BatchMask awake;
+    };
+
+    /// Lets the lanes that are awake and may take a cell as one point do so.
     ///
-    /// @return whether one of them opens it
-    bool visit(const TreeView& tree, std::size_t i, Lanes theta2) {
+    /// @return which lanes took it
+    BatchMask take(const TreeView& tree, std::size_t i, BatchMask awake, double squared_theta) {
         const TreeCell& cell = tree.cells[i];
-        const double* const centre = tree.centres + i * Dims;
-        const auto here = static_cast<std::int64_t>(i);
-        bool is_opened = false;
+        const bool is_leaf = cell.skip == 1;
+        const bool is_shared = is_leaf && cell.weight > 1.0;
+        Lanes offset[kVectors][Dims];
+        Lanes squared_distance[kVectors];
+        BatchMask far = 0;
         for (std::size_t v = 0; v < kVectors; ++v) {
-            Lanes offset[Dims];
-            const Lanes squared_distance = offsets(v, centre, offset);
+            squared_distance[v] = offsets(v, tree.centres + i * Dims, offset[v]);
+            far |= less(broadcast(cell.squared_side), squared_theta * squared_distance[v])
+                   << v * kLanes;
+        }
+        const BatchMask holding = lanesIn(cell);
+        const BatchMask taken = awake & (is_leaf ? ~0U : far) & ~(is_shared ? 0U : holding);
+        for (std::size_t v = 0; v < kVectors; ++v) {
             Lanes weight = broadcast(cell.weight);
-            const Mask passes = cell.skip == 1 ? passesLeaf(v, cell, weight)
-                                               : passesCell(v, cell, theta2, squared_distance);
-            const Mask waits = greater(resume_[v], broadcast_integer(here));
-            const Mask taken = but_not(passes, waits);
-            is_opened = is_opened || any(but_not(but_not(all(), passes), waits));
-            if (any(taken)) {
-                take(v, taken, weight, squared_distance, offset);
-                resume_[v] = select(taken, broadcast_integer(here + cell.skip), resume_[v]);
+            if (is_shared) {
+                // All points of the leaf but the lane's own.
+                weight -= keep(holding >> v * kLanes, broadcast(1.0));
             }
+            add(v, taken >> v * kLanes, weight, squared_distance[v], offset[v]);
         }
-        // A leaf has nothing to open: a lane that does not take it goes on behind it.
-        return is_opened && cell.skip != 1;
+        return taken;
     }
 
-    /// Which lanes take a cell with children as one point.
-    [[nodiscard]] Mask passesCell(std::size_t v,
-                                  const TreeCell& cell,
-                                  Lanes theta2,
-                                  Lanes squared_distance) const {
-        const Mask far = less(broadcast(cell.squared_side), multiply(theta2, squared_distance));
-        return holdsAny(cell) ? but_not(far, holding(v, cell)) : far;
-    }
-
-    /// Which lanes take a leaf, and how many points it is for them: all but the lane's own.
-    Mask passesLeaf(std::size_t v, const TreeCell& cell, Lanes& weight) const {
-        if (!holdsAny(cell)) {
-            return all();
+    void add(std::size_t v, Mask taken, Lanes weight, Lanes squared_distance, const Lanes* offset) {
+        const Lanes q = 1.0 / (1.0 + squared_distance);
+        const Lanes weighted = weight * q;
+        share_[v] += keep(taken, weighted);
+        const Lanes factor = weighted * q;
+        for (std::size_t d = 0; d < Dims; ++d) {
+            force_[v][d] += keep(taken, factor * offset[d]);
         }
-        const Mask holds = holding(v, cell);
-        weight = add_where(holds, weight, broadcast(-1.0));
-        return cell.weight == 1.0 ? but_not(all(), holds) : all();
-    }
-
-    static std::uint32_t endOf(const TreeCell& cell) {
-        return cell.first + static_cast<std::uint32_t>(cell.weight);
-    }
-
-    [[nodiscard]] bool holdsAny(const TreeCell& cell) const {
-        return cell.first < end_ && endOf(cell) > begin_;
     }
 
     /// Writes the offsets of the points from a centre.
     ///
     /// @return the squared distances
     Lanes offsets(std::size_t v, const double* centre, Lanes* offset) const {
-        Lanes squared_distance = broadcast(0.0);
+        Lanes squared_distance{};
         for (std::size_t d = 0; d < Dims; ++d) {
-            offset[d] = subtract(own_[v][d], broadcast(centre[d]));
-            const Lanes square = multiply(offset[d], offset[d]);
-            squared_distance = d == 0 ? square : add(squared_distance, square);
+            offset[d] = own_[v][d] - centre[d];
+            const Lanes square = offset[d] * offset[d];
+            squared_distance = d == 0 ? square : squared_distance + square;
         }
         return squared_distance;
     }
 
     /// Which lanes stand for points of a cell.
-    [[nodiscard]] Mask holding(std::size_t v, const TreeCell& cell) const {
-        std::int64_t positions[kLanes];
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            positions[lane] = begin_ + static_cast<std::int64_t>(v * kLanes + lane);
+    [[nodiscard]] BatchMask lanesIn(const TreeCell& cell) const {
+        const std::uint32_t end = cell.first + static_cast<std::uint32_t>(cell.weight);
+        if (cell.first >= end_ || end <= begin_) [[likely]] {
+            return 0;
         }
-        const Integers position = load_integers(positions);
-        return both(greater(position, broadcast_integer(std::int64_t{cell.first} - 1)),
-                    greater(broadcast_integer(endOf(cell)), position));
+        return lanesBefore(end) & ~lanesBefore(cell.first);
     }
 
-    void take(
-        std::size_t v, Mask taken, Lanes weight, Lanes squared_distance, const Lanes* offset) {
-        const Lanes one = broadcast(1.0);
-        const Lanes q = divide(one, add(one, squared_distance));
-        const Lanes weighted = multiply(weight, q);
-        share_[v] = add_where(taken, share_[v], weighted);
-        const Lanes factor = multiply(weighted, q);
-        for (std::size_t d = 0; d < Dims; ++d) {
-            force_[v][d] = add_where(taken, force_[v][d], multiply(factor, offset[d]));
-        }
+    /// Which lanes stand for points before a position.
+    [[nodiscard]] BatchMask lanesBefore(std::uint32_t position) const {
+        const std::uint32_t within = position < begin_ ? begin_ : position < end_ ? position : end_;
+        return (1U << (within - begin_)) - 1U;
     }
 
     std::uint32_t begin_;
@@ -159,8 +151,6 @@ class Batch {
     Lanes own_[kVectors][Dims]{};
     Lanes force_[kVectors][Dims]{};
     Lanes share_[kVectors]{};
-    /// The cell at which each lane goes on.
-    Integers resume_[kVectors]{};
 };
 
 }  // namespace
@@ -172,8 +162,8 @@ void walk_tree(const TreeView& tree,
                std::size_t end,
                double* neg_f,
                double* shares) {
-    for (std::size_t first = begin; first < end; first += kBatch) {
-        const std::size_t last = first + kBatch < end ? first + kBatch : end;
+    for (std::size_t first = begin; first < end; first += kWalkBatch) {
+        const std::size_t last = first + kWalkBatch < end ? first + kWalkBatch : end;
         Batch<Dims> batch(tree, first, last);
         batch.walk(tree, squared_theta);
         batch.deliver(tree, neg_f, shares);

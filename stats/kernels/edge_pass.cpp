@@ -11,7 +11,8 @@ namespace {
 constexpr std::size_t kBlock = 8;
 constexpr std::size_t kParts = kBlock / kLanes;
 
-constexpr double kSmallestNormal = 2.2250738585072014e-308;
+constexpr double kSmallestNormal = 0x1p-1022;
+constexpr double kLargestSubnormal = kSmallestNormal - 0x1p-1074;
 // Within these, neither does the guard of the denominator matter nor the logarithm's argument
 // leave the normal numbers.
 constexpr double kLargestDistance = 1e200;
@@ -48,14 +49,13 @@ class Row {
             const std::size_t first = part * kLanes;
             Lanes offsets[Dims > 0 ? Dims : 1];
             const Lanes squared_distance = squaredDistances(columns + first, offsets);
-            const Lanes one = broadcast(1.0);
-            const Lanes inverse_q = add(one, squared_distance);
+            const Lanes inverse_q = 1.0 + squared_distance;
             const Lanes p = load(values + first);
             if constexpr (WithForces) {
-                const Lanes factor = multiply(p, divide(one, inverse_q));
+                const Lanes factor = p * (1.0 / inverse_q);
                 store(factors + first, factor);
                 for (std::size_t d = 0; d < Dims; ++d) {
-                    store(forces[d] + first, multiply(factor, offsets[d]));
+                    store(forces[d] + first, factor * offsets[d]);
                 }
             }
             if constexpr (WithCost) {
@@ -70,18 +70,16 @@ class Row {
     [[nodiscard]] RowCost cost() const {
         double log_sum[kBlock];
         double weight_sum[kBlock];
-        bool is_irregular = false;
         for (std::size_t part = 0; part < kParts; ++part) {
             store(log_sum + part * kLanes, log_sums_[part]);
             store(weight_sum + part * kLanes, weight_sums_[part]);
-            is_irregular = is_irregular || any(irregular_[part]);
         }
         RowCost cost{0.0, 0.0};
         for (std::size_t k = 0; k < kBlock; ++k) {
             cost.log_sum += log_sum[k];
             cost.weight_sum += weight_sum[k];
         }
-        if (is_irregular) {
+        if (regular_ != kAll) {
             cost.log_sum = __builtin_nan("");
         }
         return cost;
@@ -93,25 +91,26 @@ class Row {
         if constexpr (Dims == 2) {
             gather_pairs(Y_, columns, offsets);
         }
-        Lanes squared_distance = broadcast(0.0);
+        Lanes squared_distance{};
         for (std::size_t d = 0; d < dims_; ++d) {
-            const Lanes other = Dims == 2 ? offsets[d] : gather(Y_ + d, columns, dims_);
-            const Lanes offset = subtract(broadcast(own_[d]), other);
-            const Lanes square = multiply(offset, offset);
-            squared_distance = d == 0 ? square : add(squared_distance, square);
+            const Lanes other = Dims == 2 ? offsets[d] : each_lane([=, this](std::size_t lane) {
+                return Y_[columns[lane] * dims_ + d];
+            });
+            const Lanes offset = own_[d] - other;
+            const Lanes square = offset * offset;
+            squared_distance = d == 0 ? square : squared_distance + square;
             offsets[Dims > 0 ? d : 0] = offset;
         }
         return squared_distance;
     }
 
     void takeCost(std::size_t part, Lanes p, Lanes inverse_q) {
-        const Lanes argument = multiply(add(p, broadcast(kSmallestNormal)), inverse_q);
-        const Mask small = both(less(inverse_q, broadcast(kLargestDistance)),
-                                less(argument, broadcast(kLargestArgument)));
-        const Mask regular = but_not(small, less(argument, broadcast(kSmallestNormal)));
-        irregular_[part] = either(irregular_[part], but_not(all(), regular));
-        log_sums_[part] = add(log_sums_[part], multiply(p, logarithm(argument)));
-        weight_sums_[part] = add(weight_sums_[part], p);
+        const Lanes argument = (p + kSmallestNormal) * inverse_q;
+        regular_ &= less(inverse_q, broadcast(kLargestDistance)) &
+                    less(argument, broadcast(kLargestArgument)) &
+                    less(broadcast(kLargestSubnormal), argument);
+        log_sums_[part] += p * logarithm(argument);
+        weight_sums_[part] += p;
     }
 
     void addForces(const unsigned int* columns,
@@ -137,7 +136,7 @@ class Row {
     std::size_t dims_;
     const double* own_;
     double* force_;
-    Mask irregular_[kParts]{};
+    Mask regular_ = kAll;
 };
 
 template <std::size_t Dims, bool WithForces, bool WithCost>

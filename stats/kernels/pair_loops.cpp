@@ -1,17 +1,17 @@
 #include "stats/kernels/pair_kernels.h"
-#include "stats/kernels/pair_lanes.h"
+#include "util/kernels/division.h"
+#include "util/kernels/lanes.h"
+#include "util/kernels/logarithm.h"
 
-namespace ovik {
+namespace ovik::OVIK_KERNELS {
+
 namespace {
 
 constexpr double kSmallestNormal = 0x1p-1022;
 
 /// Steps over whole vectors of `count` values; the last may be padded, which takes a copy.
 template <typename Step>
-OVIK_INLINE void map_lanes(const double* values,
-                           std::size_t count,
-                           double* results,
-                           const Step& step) {
+void map_lanes(const double* values, std::size_t count, double* results, const Step& step) {
     std::size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
         store(results + i, step(load(values + i)));
@@ -28,95 +28,25 @@ OVIK_INLINE void map_lanes(const double* values,
     }
 }
 
-/// Natural logarithms of positive normal numbers; finite for any number.
-///
-/// With x = 2^e * m and c the middle of the sixteenth of [1, 2) in which m lies, log x =
-/// e * log 2 + log c + log(1 + r), where r = (m - c) / c is at most a = 1 / 33 in size. The last is
-/// the series to r^8, whose last term is replaced by what the Chebyshev polynomial of that degree
-/// has for it, of degree 6: r^8 is within a^8 / 64 of 2 a^2 r^6 - 5/4 a^4 r^4 + 1/4 a^6 r^2.
-OVIK_INLINE Lanes natural_logarithm(Lanes x) {
-    alignas(sizeof(Lanes)) static const double kReciprocals[16] = {32. / 33.,
-                                                                   32. / 35.,
-                                                                   32. / 37.,
-                                                                   32. / 39.,
-                                                                   32. / 41.,
-                                                                   32. / 43.,
-                                                                   32. / 45.,
-                                                                   32. / 47.,
-                                                                   32. / 49.,
-                                                                   32. / 51.,
-                                                                   32. / 53.,
-                                                                   32. / 55.,
-                                                                   32. / 57.,
-                                                                   32. / 59.,
-                                                                   32. / 61.,
-                                                                   32. / 63.};
-    alignas(sizeof(Lanes)) static const double kLogarithms[16] = {0.030771658666753687,
-                                                                  0.08961215868968714,
-                                                                  0.1451820098444979,
-                                                                  0.19782574332991987,
-                                                                  0.24783616390458127,
-                                                                  0.2954642128938359,
-                                                                  0.3409265869705932,
-                                                                  0.38441169891033206,
-                                                                  0.4260843953109001,
-                                                                  0.46608972992459924,
-                                                                  0.5045560107523953,
-                                                                  0.5415972824327444,
-                                                                  0.5773153650348236,
-                                                                  0.6118015411059929,
-                                                                  0.6451379613735847,
-                                                                  0.6773988235918061};
-    constexpr double kLog2 = 0.6931471805599453;
-    const Bits bits = as_bits(x);
-    // The exponent becomes the last bits of a number of 2^52 and more.
-    const Lanes e = as_lanes((bits >> 52U) | 0x4330000000000000U) - (0x1p52 + 1023.0);
-    const Lanes m = as_lanes((bits & 0x000FFFFFFFFFFFFFU) | 0x3FF0000000000000U);
-    const Lanes c = as_lanes((bits & 0x000F000000000000U) | 0x3FF0800000000000U);
-    const Bits sixteenth = bits >> 48U;
-    const Lanes r = (m - c) * look_up(kReciprocals, sixteenth);
-    constexpr double kSquare = 1. / (33. * 33.);
-    constexpr double kCoefficient2 = -1. / 2. - kSquare * kSquare * kSquare / 32.;
-    constexpr double kCoefficient4 = -1. / 4. + kSquare * kSquare * 5. / 32.;
-    constexpr double kCoefficient6 = -1. / 6. - kSquare / 4.;
-    Lanes series = r * (1. / 7.) + kCoefficient6;
-    series = series * r + (1. / 5.);
-    series = series * r + kCoefficient4;
-    series = series * r + (1. / 3.);
-    series = series * r + kCoefficient2;
-    series = series * r + 1.0;
-    return e * kLog2 + (look_up(kLogarithms, sixteenth) + series * r);
-}
-
-/// One number per lane, from a function of the lane's place.
-template <typename Value>
-OVIK_INLINE Lanes each_lane(const Value& value) {
-    Lanes lanes;
-    for (std::size_t i = 0; i < kLanes; ++i) {
-        lanes[i] = value(i);
-    }
-    return lanes;
-}
-
 /// An embedding whose number of dimensions is known to the compiler; 0 stands for any other.
 template <std::size_t Dims>
 class Points {
   public:
-    OVIK_INLINE explicit Points(const EmbeddingColumns& Y)
+    explicit Points(const EmbeddingColumns& Y)
         : coordinates_(Y.coordinates),
           stride_(padded_to_panels(Y.point_count)),
           dims_(Y.dims) {}
 
-    [[nodiscard]] OVIK_INLINE std::size_t dims() const { return Dims == 0 ? dims_ : Dims; }
+    [[nodiscard]] std::size_t dims() const { return Dims == 0 ? dims_ : Dims; }
 
     /// Coordinate d of the points from `first` on, minus that of point m.
-    [[nodiscard]] OVIK_INLINE Lanes offset(std::size_t d, std::size_t first, std::size_t m) const {
+    [[nodiscard]] Lanes offset(std::size_t d, std::size_t first, std::size_t m) const {
         const double* const column = coordinates_ + d * stride_;
-        return load(column + first) - all(column[m]);
+        return load(column + first) - column[m];
     }
 
     /// 1 plus the squared distances of the points from `first` on to point m.
-    [[nodiscard]] OVIK_INLINE Lanes reciprocalSimilarity(std::size_t first, std::size_t m) const {
+    [[nodiscard]] Lanes reciprocalSimilarity(std::size_t first, std::size_t m) const {
         const Lanes x = offset(0, first, m);
         Lanes squared_distance = x * x;
         for (std::size_t d = 1; d < dims(); ++d) {
@@ -146,7 +76,7 @@ struct RoundedSum {
     Lanes sum;
     Lanes largest_error;
 
-    OVIK_INLINE void add(Lanes x, Lanes shift) {
+    void add(Lanes x, Lanes shift) {
         const Lanes rounded = (x + shift) - shift;
         sum += rounded;
         largest_error = larger_size(largest_error, x - rounded);
@@ -160,10 +90,10 @@ constexpr std::size_t kRowsAtOnce = 4;
 template <std::size_t Dims>
 class SimilarityRows {
   public:
-    OVIK_INLINE SimilarityRows(const EmbeddingColumns& Y,
-                               std::size_t first_row,
-                               const RowRounding& rounding,
-                               const RoundedRowSums& sums)
+    SimilarityRows(const EmbeddingColumns& Y,
+                   std::size_t first_row,
+                   const RowRounding& rounding,
+                   const RoundedRowSums& sums)
         : Y_(Y),
           point_count_(Y.point_count),
           first_row_(first_row),
@@ -172,13 +102,13 @@ class SimilarityRows {
           rows_{},
           shifts_{} {
         for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
-            shifts_[i] = all(rounding.shift[first_row + i]);
+            shifts_[i] = broadcast(rounding.shift[first_row + i]);
         }
     }
 
     /// Pairs with points of the own panel, which are not counted for the columns: all of them come
     /// as rows.
-    OVIK_INLINE void addOwnPanel(std::size_t m) {
+    void addOwnPanel(std::size_t m) {
         for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
             const std::size_t n = first_row_ + i;
             const Lanes counts = each_lane([&](std::size_t lane) {
@@ -190,7 +120,7 @@ class SimilarityRows {
 
     /// Pairs with points of later panels; `count` turns similarities into those that exist.
     template <typename Count>
-    OVIK_INLINE void addLater(std::size_t m, const Count& count) {
+    void addLater(std::size_t m, const Count& count) {
         const Lanes shift = load(rounding_.shift + m);
         RoundedSum columns = {load(sums_.sum + m), Lanes{}};
         for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
@@ -200,20 +130,20 @@ class SimilarityRows {
         }
         store(sums_.sum + m, columns.sum);
         const Lanes half_unit = load(rounding_.half_unit + m);
-        if (any_equal(columns.largest_error, half_unit)) {
+        if (equal(columns.largest_error, half_unit) != 0) {
             for (std::size_t i = 0; i < kLanes; ++i) {
                 sums_.tie[m + i] |= columns.largest_error[i] == half_unit[i];
             }
         }
     }
 
-    OVIK_INLINE void finish() {
+    void finish() {
         for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
             const std::size_t n = first_row_ + i;
             for (std::size_t lane = 0; lane < kLanes; ++lane) {
                 sums_.sum[n] += rows_[i].sum[lane];
             }
-            sums_.tie[n] |= any_equal(rows_[i].largest_error, all(rounding_.half_unit[n]));
+            sums_.tie[n] |= equal(rows_[i].largest_error, broadcast(rounding_.half_unit[n])) != 0;
         }
     }
 
@@ -257,53 +187,53 @@ template <std::size_t Dims>
 class ForceLanes {
   public:
     /// @param offset  of the rows within the panel
-    OVIK_INLINE ForceLanes(const EmbeddingColumns& Y,
-                           std::size_t panel,
-                           std::size_t offset,
-                           const PanelTask& task)
+    ForceLanes(const EmbeddingColumns& Y,
+               std::size_t panel,
+               std::size_t offset,
+               const PanelTask& task)
         : Y_(Y),
           first_row_(panel * kPanelWidth + offset),
           P_(task.P + offset),
           force_memory_(task.force + offset),
           cost_memory_(task.cost + offset),
-          sum_Q_(all(task.sum_Q)),
+          sum_Q_(broadcast(task.sum_Q)),
           normalise_(task.sum_Q),
           cost_{},
           forces_{} {}
 
     /// Adds what point m does. At the point itself this is zero, and so no exception is made.
-    OVIK_INLINE void addForce(std::size_t m) {
+    void addForce(std::size_t m) {
         addForce(m, Y_.reciprocalSimilarity(first_row_, m), inputSimilarities(m));
     }
 
     /// @param count  turns similarities into those whose pairs count for the cost
     template <typename Count>
-    OVIK_INLINE void addForceAndCost(std::size_t m, const Count& count) {
+    void addForceAndCost(std::size_t m, const Count& count) {
         const Lanes w = Y_.reciprocalSimilarity(first_row_, m);
         const Lanes p = inputSimilarities(m);
         addForce(m, w, p);
-        cost_ += count(p) * natural_logarithm(((p + kSmallestNormal) * sum_Q_) * w);
+        cost_ += count(p) * logarithm(((p + kSmallestNormal) * sum_Q_) * w);
     }
 
-    OVIK_INLINE void finish() {
+    void finish() {
         for (std::size_t d = 0; d < Dims; ++d) {
             store(force_memory_ + d * kPanelWidth, forces_[d]);
         }
         store(cost_memory_, 2.0 * cost_);
     }
 
-    [[nodiscard]] OVIK_INLINE std::size_t firstRow() const { return first_row_; }
+    [[nodiscard]] std::size_t firstRow() const { return first_row_; }
 
   private:
     /// Entries of P of the rows and point m.
-    [[nodiscard]] OVIK_INLINE Lanes inputSimilarities(std::size_t m) const {
+    [[nodiscard]] Lanes inputSimilarities(std::size_t m) const {
         // Processors do not look ahead beyond a page of memory.
         constexpr std::size_t kPage = 4096;
         prefetch(P_ + m * kPanelWidth, kPage);
         return load(P_ + m * kPanelWidth);
     }
 
-    OVIK_INLINE void addForce(std::size_t m, Lanes w, Lanes p) {
+    void addForce(std::size_t m, Lanes w, Lanes p) {
         const Lanes q = reciprocal(w);
         const Lanes multiplier = q * (p - normalise_(q));
         if constexpr (Dims > 0) {
@@ -330,7 +260,7 @@ class ForceLanes {
 };
 
 /// Rows of a panel that are those of points: the last panel may have fewer than the others.
-OVIK_INLINE std::size_t rows_of_panel(const EmbeddingColumns& Y, std::size_t panel) {
+std::size_t rows_of_panel(const EmbeddingColumns& Y, std::size_t panel) {
     const std::size_t rows = Y.point_count - panel * kPanelWidth;
     return rows < kPanelWidth ? rows : kPanelWidth;
 }
@@ -370,14 +300,14 @@ void add_forces_and_cost(const EmbeddingColumns& Y, std::size_t panel, const Pan
 
 bool rounded_sum(const double* values, std::size_t count, double shift, double* sum) {
     // Half of 2^k, and half of its unit.
-    const Lanes limit = all(shift / 3.0);
+    const Lanes limit = broadcast(shift / 3.0);
     const Lanes half_unit = limit * 0x1p-52;
-    const Lanes below_zero = all(-0x1p-1074);
-    const Lanes shifts = all(shift);
+    const Lanes below_zero = broadcast(-0x1p-1074);
+    const Lanes shifts = broadcast(shift);
     RoundedSum lanes = {Lanes{}, Lanes{}};
     const auto add = [&](Lanes x) {
         lanes.add(x, shifts);
-        return all_less(x, limit) && all_less(below_zero, x);
+        return (less(x, limit) & less(below_zero, x)) == kAll;
     };
     std::size_t i = 0;
     for (; i + kLanes <= count; i += kLanes) {
@@ -394,11 +324,11 @@ bool rounded_sum(const double* values, std::size_t count, double shift, double* 
     for (std::size_t lane = 0; lane < kLanes; ++lane) {
         *sum += lanes.sum[lane];
     }
-    return !any_equal(lanes.largest_error, half_unit);
+    return equal(lanes.largest_error, half_unit) == 0;
 }
 
 void logarithms(const double* values, std::size_t count, double* results) {
-    map_lanes(values, count, results, [](Lanes x) { return natural_logarithm(x); });
+    map_lanes(values, count, results, [](Lanes x) { return logarithm(x); });
 }
 
 void reciprocals(const double* values, std::size_t count, double* results) {
@@ -425,8 +355,6 @@ void quotients(const double* values, std::size_t count, double divisor, double* 
 
 }  // namespace
 
-namespace OVIK_KERNELS {
-
 extern const PairKernels kPairKernels;
 
 const PairKernels kPairKernels = {
@@ -450,6 +378,4 @@ const PairKernels kPairKernels = {
     reciprocals,
     quotients};
 
-}  // namespace OVIK_KERNELS
-
-}  // namespace ovik
+}  // namespace ovik::OVIK_KERNELS

@@ -154,7 +154,8 @@ RC_GTEST_PROP(NeighbourIndex, AnswersAsTheTreeDoesOnAnyPoints, ()) {
     const auto grid =
         *rc::gen::container<std::vector<int>>(count * dims, rc::gen::inRange(-range, range));
     const std::vector<double> points(grid.begin(), grid.end());
-    RC_ASSERT(of_index(points, dims, k) == of_tree(points, dims, k));
+    const auto group_size = *rc::gen::inRange<std::size_t>(1, kTargets + 1);
+    RC_ASSERT(of_index(points, dims, k, group_size) == of_tree(points, dims, k));
 }
 
 }  // namespace
