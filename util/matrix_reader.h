@@ -90,13 +90,16 @@ void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
         const std::lock_guard lock(turn);
         return blocks.next(block) ? &parsed.emplace_back() : nullptr;
     };
-    parallel_for(static_cast<std::size_t>(omp_get_max_threads()), 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
-        std::string block;
-        while (MatrixRows<T>* const rows = fetch(block)) {
-            for_each_line(block,
-                          [&](std::string_view text) { rows->add(text, delimiter, numbers); });
-        }
-    });
+    parallel_for(static_cast<std::size_t>(omp_get_max_threads()),
+                 1,
+                 [&](std::size_t /*worker*/, IndexRange /*share*/) {
+                     std::string block;
+                     while (MatrixRows<T>* const rows = fetch(block)) {
+                         for_each_line(block, [&](std::string_view text) {
+                             rows->add(text, delimiter, numbers);
+                         });
+                     }
+                 });
     for (MatrixRows<T>& rows : parsed) {
         std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
         std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
