@@ -4,29 +4,42 @@
 
 namespace ovik::OVIK_KERNELS {
 
+namespace {
+
+/// As many sums side by side as there are registers for.
+constexpr std::size_t kVectors = 2;
+constexpr std::size_t kPart = kVectors * kLanes;
+
+/// Measures kPart points of a block.
+void measure_part(const double* points,
+                  const double* const* targets,
+                  std::size_t dims,
+                  double* distances) {
+    Lanes squared_distances[kTargets][kVectors] = {};
+    for (std::size_t d = 0; d < dims; ++d) {
+        for (std::size_t t = 0; t < kTargets; ++t) {
+            for (std::size_t v = 0; v < kVectors; ++v) {
+                const Lanes difference =
+                    load(points + d * kBlockPoints + v * kLanes) - targets[t][d];
+                squared_distances[t][v] += difference * difference;
+            }
+        }
+    }
+    for (std::size_t t = 0; t < kTargets; ++t) {
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            store(distances + t * kBlockPoints + v * kLanes, square_root(squared_distances[t][v]));
+        }
+    }
+}
+
+}  // namespace
+
 void measure_block(const double* block,
                    const double* const* targets,
                    std::size_t dims,
                    double* distances) {
-    // As many sums side by side as there are registers for.
-    constexpr std::size_t kVectors = 2;
-    for (std::size_t first = 0; first < kBlockPoints; first += kVectors * kLanes) {
-        Lanes squared_distances[kTargets][kVectors] = {};
-        for (std::size_t d = 0; d < dims; ++d) {
-            const double* const points = block + d * kBlockPoints + first;
-            for (std::size_t t = 0; t < kTargets; ++t) {
-                for (std::size_t v = 0; v < kVectors; ++v) {
-                    const Lanes difference = load(points + v * kLanes) - targets[t][d];
-                    squared_distances[t][v] += difference * difference;
-                }
-            }
-        }
-        for (std::size_t t = 0; t < kTargets; ++t) {
-            for (std::size_t v = 0; v < kVectors; ++v) {
-                store(distances + t * kBlockPoints + first + v * kLanes,
-                      square_root(squared_distances[t][v]));
-            }
-        }
+    for (std::size_t first = 0; first < kBlockPoints; first += kPart) {
+        measure_part(block + first, targets, dims, distances + first);
     }
 }
 
