@@ -1,5 +1,6 @@
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -136,34 +137,40 @@ TEST_F(Interruption, LeavesASignalIgnoredThatWasIgnored) {
 class GnuplotAtWork {
   public:
     explicit GnuplotAtWork(const test::TemporaryDirectory& directory)
-        : started_(directory.file("started")),
-          release_(directory.file("release")),
+        : started_(fifo(directory.file("started"))),
+          // For both, so that neither opening it nor writing waits for the program.
+          release_(fifo(directory.file("release")), std::ios::in | std::ios::out),
           path_(directory.prefix()) {
-        mkfifo(started_.c_str(), 0600);
-        mkfifo(release_.c_str(), 0600);
         test::write_program(directory,
                             "gnuplot",
                             "exec 3> '" + started_ + "'\necho started >&3\nread line < '" +
-                                release_ + "'\nPATH=${PATH#*:} exec gnuplot \"$@\"\n");
+                                directory.file("release") +
+                                "'\necho released >&3\nexec 3>&-\n"
+                                "PATH=${PATH#*:} exec gnuplot \"$@\"\n");
     }
 
     void waitForStart() {
         says_.open(started_);
-        std::string line;
-        std::getline(says_, line);
-        EXPECT_EQ(line, "started");
+        EXPECT_EQ(nextLine(), "started");
     }
 
-    void letGo() const { std::ofstream(release_) << "go\n"; }
+    void letGo() { release_ << "go" << std::endl; }
 
-    void waitForEnd() {
+    /// What it says next; empty if it has ended.
+    std::string nextLine() {
         std::string line;
-        EXPECT_FALSE(std::getline(says_, line));
+        std::getline(says_, line);
+        return line;
     }
 
   private:
+    static std::string fifo(const std::string& path) {
+        mkfifo(path.c_str(), 0600);
+        return path;
+    }
+
     std::string started_;
-    std::string release_;
+    std::fstream release_;
     test::PathVariable path_;
     std::ifstream says_;
 };
@@ -176,6 +183,7 @@ TEST_F(Interruption, WaitsForAFigureThatIsBeingDrawn) {
     running.typeInterrupt();
     running.waitFor(kTakenNote);
     gnuplot.letGo();
+    EXPECT_EQ(gnuplot.nextLine(), "released");
     const CommandOutcome outcome = running.finish();
     EXPECT_EQ(outcome.exit_status, 130);
     EXPECT_THAT(outcome.out, HasSubstr("-- Figure: "));
@@ -198,12 +206,25 @@ TEST_F(Interruption, StopsAtOnceTheSecondTime) {
         EXPECT_THAT(outcome.out,
                     HasSubstr("\r\novik-tsne: interrupted again: stopped at once, earlier files "
                               "are as they were\r\n"));
-        gnuplot.waitForEnd();
         EXPECT_EQ(result("results", ".png"), figure);
         EXPECT_NE(result("results", ".csv"), "");
-        std::filesystem::remove(directory_.file("started"));
-        std::filesystem::remove(directory_.file("release"));
     }
+}
+
+TEST_F(Interruption, LeavesNoGnuplotBehindWhenItStopsAtOnce) {
+    GnuplotAtWork gnuplot(directory_);
+    std::vector<std::string> words = command("results", {"-i", "20"});
+    // The end of the terminal would end gnuplot, too: a shell keeps it.
+    words.insert(words.begin(),
+                 {"/bin/sh", "-c", "trap : INT; \"$0\" \"$@\"; echo \"status $?\"; read line"});
+    RunningCommand running(words);
+    gnuplot.waitForStart();
+    running.typeInterrupt();
+    running.waitFor(kTakenNote);
+    running.typeInterrupt();
+    running.waitFor("status 130");
+    gnuplot.letGo();
+    EXPECT_EQ(gnuplot.nextLine(), "");
 }
 
 TEST_F(Interruption, GoesOnFromWhereItWasInterrupted) {
