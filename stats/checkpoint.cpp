@@ -8,6 +8,7 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
@@ -59,6 +60,8 @@ class Encoder {
     void clear() { bytes_.clear(); }
 
     [[nodiscard]] const std::string& bytes() const { return bytes_; }
+
+    [[nodiscard]] std::string take() { return std::move(bytes_); }
 
   private:
     std::string bytes_;
@@ -137,7 +140,7 @@ std::string encoded(const Checkpoint& checkpoint) {
         file.put(array->data(), array->size());
     }
     file.put(checksum(file.bytes()));
-    return file.bytes();
+    return file.take();
 }
 
 /// Reads what stands before the arrays, behind the opening.

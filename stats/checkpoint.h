@@ -36,7 +36,10 @@ struct Digest {
     bool operator==(const Digest&) const = default;
 };
 
+/// Of the bits of the values.
 Digest digest_of(const double* values, std::size_t count);
+
+/// Of the texts and where each of them ends.
 Digest digest_of(const std::string* texts, std::size_t count);
 
 /// What decides the states that a fit goes through.

@@ -57,6 +57,19 @@ class RunningCommand {
         }
     }
 
+    /// Does something again and again until the program has shown a text.
+    template <typename Action>
+    void repeatUntil(const std::string& text, const Action& action) {
+        constexpr int kPause = 50;  // milliseconds
+        while (shown_.find(text) == std::string::npos) {
+            action();
+            pollfd waiting{terminal_, POLLIN, 0};
+            if (poll(&waiting, 1, kPause) == 1 && !read()) {
+                throw std::runtime_error("\"" + text + "\" was not shown, but: " + shown_);
+            }
+        }
+    }
+
     void signal(int number) const { kill(pid_, number); }
 
     /// Ctrl-C, which the terminal turns into SIGINT for the program and its children.
