@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "stats/iteration_report.h"
@@ -128,6 +129,7 @@ class TSNE {
 
     /// Tells in advance whether `actuate`, given the same arguments, can go on from `resume_path`.
     ///
+    /// @throws std::logic_error if `finish` has released the input
     /// @throws InputError with the reason if not: the file cannot be read, is damaged, or is of
     /// another matrix or other options, or of an iteration beyond `max_iter`
     void checkResume(int no_dims,
@@ -207,11 +209,17 @@ class TSNE {
 
   private:
     void replaceArray(double*& member, double*& released, double* fresh);
+    void requireInput() const;
     [[nodiscard]] RunIdentity runIdentity(int no_dims,
                                           double perplexity,
                                           int stop_lying_iter,
                                           int mom_switch_iter) const;
     void fit(Optimisation& optimisation, CheckpointKeeper& keeper) const;
+    [[nodiscard]] std::vector<std::pair<std::string, std::string>> captionParameters(
+        int no_dims,
+        int stop_lying_iter,
+        int mom_switch_iter,
+        const IterationReport& reached) const;
     void writeResults(int no_dims, const RunCaption& caption);
 
     /// Where the names of the current rows begin in `row_names`.

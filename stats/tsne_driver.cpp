@@ -101,6 +101,13 @@ Checkpoint read_resumed(const std::string& path, const RunIdentity& run, int max
 }  // namespace
 
 template <typename T>
+void TSNE<T>::requireInput() const {
+    if (X != nullptr && X == released_X_) {
+        throw std::logic_error("the input was released by finish: call init before actuate");
+    }
+}
+
+template <typename T>
 RunIdentity TSNE<T>::runIdentity(int no_dims,
                                  double perplexity,
                                  int stop_lying_iter,
@@ -123,6 +130,7 @@ void TSNE<T>::checkResume(int no_dims,
                           double perplexity,
                           int stop_lying_iter,
                           int mom_switch_iter) const {
+    requireInput();
     if (!resume_path.empty()) {
         read_resumed(resume_path,
                      runIdentity(no_dims, perplexity, stop_lying_iter, mom_switch_iter),
@@ -147,6 +155,27 @@ void TSNE<T>::fit(Optimisation& optimisation, CheckpointKeeper& keeper) const {
     }
 }
 
+/// Names and values of the run's parameters, as the plots show them.
+template <typename T>
+std::vector<std::pair<std::string, std::string>> TSNE<T>::captionParameters(
+    int no_dims, int stop_lying_iter, int mom_switch_iter, const IterationReport& reached) const {
+    return {
+        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
+        {"Perplexity", plain_number(perplexity)},
+        {"Theta", plain_number(theta)},
+        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
+        {"Output dimensions", std::to_string(no_dims)},
+        {"Last iteration", std::to_string(reached.iteration)},
+        {"Early exaggeration",
+         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
+        {"Momentum",
+         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
+             " " + plain_number(kFinalMomentum)},
+        {"Learning rate", plain_number(kLearningRate)},
+        {"Random seed", std::to_string(kRandomSeed)},
+        {"Final cost", plain_number(reached.cost)}};
+}
+
 template <typename T>
 void TSNE<T>::actuate(int no_dims,
                       double perplexity,
@@ -154,9 +183,7 @@ void TSNE<T>::actuate(int no_dims,
                       int stop_lying_iter,
                       int mom_switch_iter) {
     this->perplexity = perplexity;
-    if (X != nullptr && X == released_X_) {
-        throw std::logic_error("the input was released by finish: call init before actuate");
-    }
+    requireInput();
     if (checkpoint_every < 1) {
         throw std::invalid_argument("checkpoint_every has to be at least 1");
     }
@@ -186,16 +213,15 @@ void TSNE<T>::actuate(int no_dims,
     print_info("Computing similarities between inputs");
     std::clock_t start = std::clock();
     centre_and_scale(X, rows, columns);
-    std::unique_ptr<Objective> objective =
-        make_objective(X, rows, columns, out_dims, perplexity, theta);
+    auto objective = make_objective(X, rows, columns, out_dims, perplexity, theta);
     std::clock_t end = std::clock();
     objective->exaggerate(kEarlyExaggeration);
     draw_initial_embedding(Y, count);
     print_info(objective->report(end - start));
 
     start = std::clock();
-    Optimisation optimisation(
-        *objective, *descent, {Y, rows, out_dims}, {max_iter, stop_lying_iter, mom_switch_iter});
+    const Schedule schedule{max_iter, stop_lying_iter, mom_switch_iter};
+    Optimisation optimisation(*objective, *descent, {Y, rows, out_dims}, schedule);
     if (resumed) {
         optimisation.resume(*resumed);
         resumed.reset();
@@ -211,22 +237,9 @@ void TSNE<T>::actuate(int no_dims,
     objective.reset();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
 
-    RunCaption caption{data_title, {}, std::move(labels)};
-    caption.parameters = {
-        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
-        {"Perplexity", plain_number(perplexity)},
-        {"Theta", plain_number(theta)},
-        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
-        {"Output dimensions", std::to_string(no_dims)},
-        {"Last iteration", std::to_string(reached.iteration)},
-        {"Early exaggeration",
-         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
-        {"Momentum",
-         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
-             " " + plain_number(kFinalMomentum)},
-        {"Learning rate", plain_number(kLearningRate)},
-        {"Random seed", std::to_string(kRandomSeed)},
-        {"Final cost", plain_number(reached.cost)}};
+    const RunCaption caption{data_title,
+                             captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
+                             std::move(labels)};
     writeResults(no_dims, caption);
 }
 

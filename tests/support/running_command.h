@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
 #include <csignal>
 #include <poll.h>
 #include <pty.h>
 #include <stdexcept>
 #include <string>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 #include <vector>
 
@@ -27,6 +27,7 @@ class RunningCommand {
         arguments.push_back(nullptr);
         pid_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
         if (pid_ == 0) {
+            keepOutputWhenInterrupted();
             execv(arguments[0], arguments.data());
             _exit(127);
         }
@@ -92,6 +93,14 @@ class RunningCommand {
     }
 
   private:
+    /// By default a terminal discards what it has not shown yet when Ctrl-C is typed.
+    static void keepOutputWhenInterrupted() {
+        termios settings{};
+        tcgetattr(STDIN_FILENO, &settings);
+        settings.c_lflag |= NOFLSH;
+        tcsetattr(STDIN_FILENO, TCSANOW, &settings);
+    }
+
     /// @return false at the end, or if nothing comes for longer than any program should be silent
     bool read() {
         constexpr int kPatience = 300'000;  // milliseconds
