@@ -1,6 +1,7 @@
 #include "plots/child_process.h"
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
@@ -8,6 +9,7 @@
 #include <system_error>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace ovik {
 
@@ -39,6 +41,33 @@ class FileActions {
     posix_spawn_file_actions_t actions_{};
 };
 
+/// How a child takes signals: as this process does, but for SIGINT, which a terminal sends to both.
+class SpawnAttributes {
+  public:
+    SpawnAttributes() {
+        sigset_t blocked;
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        sigaddset(&blocked, SIGINT);
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setsigmask(&attributes_, &blocked);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK);
+    }
+
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+
+  private:
+    posix_spawnattr_t attributes_{};
+};
+
+/// The child that was started last, until it is reaped; 0 for none.
+std::atomic<pid_t> last_child = 0;
+static_assert(std::atomic<pid_t>::is_always_lock_free);
+
 int exit_status(int wait_status) {
     constexpr int kSignalBase = 128;
     return WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : kSignalBase + WTERMSIG(wait_status);
@@ -60,12 +89,14 @@ ChildProcess::ChildProcess(std::vector<std::string> command,
     actions.open(STDOUT_FILENO, messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
     actions.duplicate(STDOUT_FILENO, STDERR_FILENO);
     actions.changeDirectory(working_directory.c_str());
-    const int failure =
-        posix_spawnp(&pid_, arguments[0], actions.get(), nullptr, arguments.data(), environ);
+    const SpawnAttributes attributes;
+    const int failure = posix_spawnp(
+        &pid_, arguments[0], actions.get(), attributes.get(), arguments.data(), environ);
     if (failure != 0) {
         pid_ = 0;
         throw std::system_error(failure, std::generic_category(), command[0]);
     }
+    last_child = pid_;
 }
 
 ChildProcess::~ChildProcess() {
@@ -88,8 +119,16 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds limit) {
         kill(pid_, SIGKILL);
         waitpid(pid_, &status, 0);
     }
-    pid_ = 0;
+    pid_t reaped = std::exchange(pid_, 0);
+    last_child.compare_exchange_strong(reaped, 0);
     return ended > 0 ? std::optional<int>(exit_status(status)) : std::nullopt;
+}
+
+void ChildProcess::killLast() noexcept {
+    const pid_t child = last_child;
+    if (child != 0) {
+        kill(child, SIGKILL);
+    }
 }
 
 }  // namespace ovik

@@ -8,7 +8,8 @@
 
 namespace ovik {
 
-/// A program that runs beside this one. It reads nothing; what it says goes to a file.
+/// A program that runs beside this one. It reads nothing; what it says goes to a file. Ctrl-C does
+/// not reach it: whether it is still wanted is for this program to say.
 class ChildProcess {
   public:
     /// Starts a program, found along PATH. No shell is involved: arguments arrive as they are.
@@ -32,6 +33,10 @@ class ChildProcess {
     /// @return its exit status, or 128 and the number of the signal that ended it; nothing if the
     /// limit was reached
     std::optional<int> wait(std::chrono::milliseconds limit);
+
+    /// Kills the program that was started last, if it still runs; for handlers of signals that end
+    /// this one without its destructors.
+    static void killLast() noexcept;
 
   private:
     pid_t pid_ = 0;

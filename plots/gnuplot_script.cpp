@@ -1,12 +1,12 @@
 #include "plots/gnuplot_script.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numeric>
 #include <string_view>
 
 #include "plots/plain_text.h"
+#include "util/format.h"
 
 namespace ovik {
 
@@ -19,13 +19,6 @@ constexpr std::array<const char*, 8> kColours = {
 
 /// Circle, square, triangle, diamond: the shapes of the first eight labels, the next eight, ...
 constexpr std::array<int, 4> kShapes = {7, 5, 9, 13};
-
-/// Shortest form that reads back as the same number, in every locale.
-std::string number(double value) {
-    char text[32];
-    const auto result = std::to_chars(text, text + sizeof text, value);
-    return {text, result.ptr};
-}
 
 /// A text, byte for byte, as an expression: pieces in single quotes, inside which gnuplot
 /// substitutes nothing. What would end a piece is spelt out, since gnuplot takes a doubled quote at
@@ -110,7 +103,8 @@ std::string point_size(const FigurePanel& panel, const PanelGrid& grid) {
     constexpr double kFew = 1.5;
     constexpr double kHalvingCount = 4000;
     const double size = kFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
-    return number(std::round(100 * size / std::sqrt(static_cast<double>(grid.columns))) / 100);
+    return shortest_text(std::round(100 * size / std::sqrt(static_cast<double>(grid.columns))) /
+                         100);
 }
 
 std::string point_blocks(const Figure& figure) {
@@ -120,7 +114,7 @@ std::string point_blocks(const Figure& figure) {
         for (std::size_t label = 0; label < lists.size(); ++label) {
             script += block_name(panel, label) + " << END_OF_POINTS\n";
             for (const auto& [x, y] : lists[label]) {
-                script += number(x) + " " + number(y) + "\n";
+                script += shortest_text(x) + " " + shortest_text(y) + "\n";
             }
             script += "END_OF_POINTS\n";
         }
@@ -131,8 +125,8 @@ std::string point_blocks(const Figure& figure) {
 /// What is the same for every panel: where they stand, and which part of the plane they show.
 std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& legend) {
     const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
-    const std::string columns = number(static_cast<double>(grid.columns));
-    const std::string rows = number(static_cast<double>(grid.rows));
+    const std::string columns = shortest_text(static_cast<double>(grid.columns));
+    const std::string rows = shortest_text(static_cast<double>(grid.rows));
     return "set encoding utf8\n"
            "gap_x = 0.18 / " +
            columns + "\ngap_y = 0.18 / " + columns + "\npanel_width = (right_edge - left_edge - (" +
@@ -140,8 +134,8 @@ std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& leg
            "\npanel_height = (top_edge - bottom_edge - (" + rows + " - 1) * gap_y) / " + rows +
            "\n\n# One unit is as long on both axes, and the outermost points are whole.\n"
            "min_x = " +
-           number(min_x) + "\nmax_x = " + number(max_x) + "\nmin_y = " + number(min_y) +
-           "\nmax_y = " + number(max_y) +
+           shortest_text(min_x) + "\nmax_x = " + shortest_text(max_x) +
+           "\nmin_y = " + shortest_text(min_y) + "\nmax_y = " + shortest_text(max_y) +
            "\nunit_x = (max_x - min_x) / (panel_width * figure_width)\n"
            "unit_y = (max_y - min_y) / (panel_height * figure_height)\n"
            "unit = 1.05 * (unit_x > unit_y ? unit_x : unit_y)\n"
@@ -192,7 +186,7 @@ std::string draw_panel(const Figure& figure,
                        const Legend& legend) {
     constexpr std::size_t kTitleLength = 60;
     const FigurePanel& panel = figure.panels[position];
-    const auto steps = [](std::size_t count) { return number(static_cast<double>(count)); };
+    const auto steps = [](std::size_t count) { return shortest_text(static_cast<double>(count)); };
     const std::string left =
         "left_edge + " + steps(position % grid.columns) + " * (panel_width + gap_x)";
     const std::string top =
@@ -224,7 +218,7 @@ std::string draw(const Figure& figure,
                  const Legend& legend) {
     const bool several = figure.panels.size() > 1;
     const std::string font =
-        several ? "font_size / " + number(std::sqrt(grid.columns) * 1.15) + std::string()
+        several ? "font_size / " + shortest_text(std::sqrt(grid.columns) * 1.15) + std::string()
                 : "font_size";
     std::string script = "\nset terminal " + terminal +
                          " size figure_width,figure_height background 'white' font "
@@ -248,9 +242,11 @@ std::string draw(const Figure& figure,
 std::string figure_settings(const FigureStyle& style) {
     return "# Pixels, fractions of the canvas, points; transparency from 0 to 255.\n"
            "figure_width = " +
-           number(style.width) + "\nfigure_height = " + number(style.height) +
-           "\nright_edge = " + number(style.right) + "\nleft_edge = " + number(style.left) +
-           "\nbottom_edge = " + number(style.bottom) + "\ntop_edge = " + number(style.top) +
+           shortest_text(style.width) + "\nfigure_height = " + shortest_text(style.height) +
+           "\nright_edge = " + shortest_text(style.right) +
+           "\nleft_edge = " + shortest_text(style.left) +
+           "\nbottom_edge = " + shortest_text(style.bottom) +
+           "\ntop_edge = " + shortest_text(style.top) +
            "\nfont_size = " + std::to_string(style.font_size) +
            "\ntransparency = " + (style.overlap ? "128" : "0") + "\n";
 }

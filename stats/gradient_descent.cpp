@@ -33,6 +33,11 @@ GradientDescent::GradientDescent(std::size_t count)
     std::fill_n(gains_.get(), count, 1.0);
 }
 
+void GradientDescent::restore(const double* velocity, const double* gains) {
+    std::copy_n(velocity, count_, velocity_.get());
+    std::copy_n(gains, count_, gains_.get());
+}
+
 void GradientDescent::step(double* Y, double momentum) {
     parallel_for_each(count_, kElementwiseGrain, [&](std::size_t i) {
         const bool same_sign = sign(gradient_[i]) == sign(velocity_[i]);

@@ -21,6 +21,14 @@ class GradientDescent {
     /// Where the caller writes the gradient of the next step.
     [[nodiscard]] double* gradient() { return gradient_.get(); }
 
+    /// What the next step depends on beside the gradient: `count` elements each.
+    [[nodiscard]] const double* velocity() const { return velocity_.get(); }
+
+    [[nodiscard]] const double* gains() const { return gains_.get(); }
+
+    /// Takes over the velocity and gains of an earlier descent.
+    void restore(const double* velocity, const double* gains);
+
     /// Moves the embedding one step against the gradient.
     ///
     /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor

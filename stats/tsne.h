@@ -1,13 +1,20 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "stats/iteration_report.h"
 
 namespace ovik {
 
+class CheckpointKeeper;
+class Optimisation;
 struct RunCaption;
+struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
 extern char gInstantiationGuardTSNE;
@@ -58,6 +65,19 @@ class TSNE {
     double theta = 0.0;
     /// Whether `actuate` draws the chart page and the figure.
     bool draw_plots = true;
+    /// Called by `actuate` after each iteration; false ends the fit there, and the results are
+    /// those of a run whose last iteration it was. An exception leaves `actuate` without results.
+    /// It changes no number. Empty: nothing is called.
+    std::function<bool(const IterationReport&)> on_iteration;
+    /// The file to which `actuate` saves the state of the fit, whole or not at all, and which
+    /// replaces an earlier one: see stats/checkpoint.h. Empty: none.
+    std::string checkpoint_path;
+    /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
+    /// embedding that is not finite never is.
+    int checkpoint_every = 50;
+    /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
+    /// from the random start. Empty: none.
+    std::string resume_path;
 
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names
@@ -99,11 +119,23 @@ class TSNE {
     /// @param stop_lying_iter  iteration at which early exaggeration ends
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
+    /// @throws std::invalid_argument if `checkpoint_every` is below 1
+    /// @throws InputError as `checkResume` does, before anything is printed or written
     void actuate(int no_dims,
                  double perplexity,
                  std::vector<std::string> labels,
                  int stop_lying_iter,
                  int mom_switch_iter);
+
+    /// Tells in advance whether `actuate`, given the same arguments, can go on from `resume_path`.
+    ///
+    /// @throws std::logic_error if `finish` has released the input
+    /// @throws InputError with the reason if not: the file cannot be read, is damaged, or is of
+    /// another matrix or other options, or of an iteration beyond `max_iter`
+    void checkResume(int no_dims,
+                     double perplexity,
+                     int stop_lying_iter,
+                     int mom_switch_iter) const;
 
     /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
     void finish();
@@ -113,6 +145,10 @@ class TSNE {
 
     /// Whether the last `actuate` wrote its record in the run log.
     [[nodiscard]] bool logWritten() const { return log_written_; }
+
+    /// Why the last checkpoint of the last `actuate` could not be written; empty if it was, or none
+    /// was asked for.
+    [[nodiscard]] const std::string& checkpointFailure() const { return checkpoint_failure_; }
 
     // The steps of a run, for callers that want them one by one.
 
@@ -173,6 +209,17 @@ class TSNE {
 
   private:
     void replaceArray(double*& member, double*& released, double* fresh);
+    void requireInput() const;
+    [[nodiscard]] RunIdentity runIdentity(int no_dims,
+                                          double perplexity,
+                                          int stop_lying_iter,
+                                          int mom_switch_iter) const;
+    void fit(Optimisation& optimisation, CheckpointKeeper& keeper) const;
+    [[nodiscard]] std::vector<std::pair<std::string, std::string>> captionParameters(
+        int no_dims,
+        int stop_lying_iter,
+        int mom_switch_iter,
+        const IterationReport& reached) const;
     void writeResults(int no_dims, const RunCaption& caption);
 
     /// Where the names of the current rows begin in `row_names`.
@@ -184,6 +231,7 @@ class TSNE {
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;
     bool log_written_ = false;
+    std::string checkpoint_failure_;
 };
 
 }  // namespace ovik

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -12,9 +13,12 @@
 #include "plots/run_caption.h"
 #include "stats/barnes_hut_objective.h"
 #include "stats/centring.h"
+#include "stats/checkpoint.h"
+#include "stats/checkpoint_keeper.h"
 #include "stats/exact_objective.h"
 #include "stats/gradient_descent.h"
 #include "stats/normal_deviates.h"
+#include "stats/optimisation.h"
 #include "stats/plot_columns.h"
 #include "stats/plot_hand_off.h"
 #include "stats/result_table.h"
@@ -30,9 +34,6 @@ namespace ovik {
 namespace {
 
 constexpr int kRandomSeed = 11;
-constexpr double kEarlyExaggeration = 12.0;
-constexpr double kInitialMomentum = 0.5;
-constexpr double kFinalMomentum = 0.8;
 
 /// Processor time in seconds.
 float seconds(std::clock_t elapsed) {
@@ -58,57 +59,16 @@ void check_perplexity(double perplexity, int N) {
     }
 }
 
-/// When the optimisation changes course.
-struct Schedule {
-    int max_iter;
-    int stop_lying_iter;
-    int mom_switch_iter;
-};
-
 template <typename T>
-void report_progress(double cost, long iter, int max_iter) {
+void report_progress(const IterationReport& reached) {
     char cost_text[512];  // "%f" of a double has at most 317 characters
-    std::snprintf(cost_text, sizeof cost_text, "%f", cost);
+    std::snprintf(cost_text, sizeof cost_text, "%f", reached.cost);
     progress_bar<T>("Got error of " + std::string(cost_text) + " at iteration",
-                    static_cast<int>(iter),
-                    max_iter,
+                    reached.iteration,
+                    reached.max_iter,
                     "",
                     T(),
                     0);
-}
-
-/// Gradient descent from the random start to the final embedding.
-///
-/// @return the cost of the final embedding; 0 if there was no iteration
-template <typename T>
-double optimise(Objective& objective,
-                GradientDescent& descent,
-                double* Y,
-                std::size_t N,
-                std::size_t no_dims,
-                const Schedule& schedule) {
-    double momentum = kInitialMomentum;
-    double cost = 0.0;
-    if (schedule.max_iter >= 0) {
-        objective.gradient(Y, descent.gradient());
-    }
-    for (long iter = 0; iter <= schedule.max_iter; ++iter) {
-        descent.step(Y, momentum);
-        zero_mean(Y, N, no_dims);
-        if (iter == schedule.stop_lying_iter) {
-            objective.relax(kEarlyExaggeration);
-        }
-        if (iter == schedule.mom_switch_iter) {
-            momentum = kFinalMomentum;
-        }
-        // Until exaggeration ends the cost is that against the exaggerated similarities, on
-        // purpose.
-        cost = iter < schedule.max_iter ? objective.costAndGradient(Y, descent.gradient())
-                                        : objective.cost(Y);
-        report_progress<T>(cost, iter, schedule.max_iter);
-    }
-    std::putchar('\n');
-    return cost;
 }
 
 /// A number as a reader writes it: 30, 12.75.
@@ -118,7 +78,103 @@ std::string plain_number(double value) {
     return text;
 }
 
+/// Computes the similarities; a theta of exactly 0 selects the exact method.
+std::unique_ptr<Objective> make_objective(const double* X,
+                                          std::size_t rows,
+                                          std::size_t columns,
+                                          std::size_t out_dims,
+                                          double perplexity,
+                                          double theta) {
+    if (theta == 0.0) {
+        return std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
+    }
+    return std::make_unique<BarnesHutObjective>(X, rows, columns, out_dims, perplexity, theta);
+}
+
+/// @throws InputError if the run cannot go on from there
+Checkpoint read_resumed(const std::string& path, const RunIdentity& run, int max_iter) {
+    Checkpoint checkpoint = read_checkpoint(path);
+    check_goes_on(path, checkpoint, run, max_iter);
+    return checkpoint;
+}
+
 }  // namespace
+
+template <typename T>
+void TSNE<T>::requireInput() const {
+    if (X != nullptr && X == released_X_) {
+        throw std::logic_error("the input was released by finish: call init before actuate");
+    }
+}
+
+template <typename T>
+RunIdentity TSNE<T>::runIdentity(int no_dims,
+                                 double perplexity,
+                                 int stop_lying_iter,
+                                 int mom_switch_iter) const {
+    const auto rows = static_cast<std::size_t>(std::max(N, 0));
+    const auto columns = static_cast<std::size_t>(std::max(D, 0));
+    return {rows,
+            columns,
+            static_cast<std::size_t>(std::max(no_dims, 0)),
+            perplexity,
+            theta,
+            stop_lying_iter,
+            mom_switch_iter,
+            digest_of(X, rows * columns),
+            digest_of(row_names.data() + first_row_name_, rows)};
+}
+
+template <typename T>
+void TSNE<T>::checkResume(int no_dims,
+                          double perplexity,
+                          int stop_lying_iter,
+                          int mom_switch_iter) const {
+    requireInput();
+    if (!resume_path.empty()) {
+        read_resumed(resume_path,
+                     runIdentity(no_dims, perplexity, stop_lying_iter, mom_switch_iter),
+                     max_iter);
+    }
+}
+
+/// Iterates until the last iteration, or until `on_iteration` ends the fit.
+template <typename T>
+void TSNE<T>::fit(Optimisation& optimisation, CheckpointKeeper& keeper) const {
+    bool goes_on = true;
+    while (goes_on && !optimisation.isDone()) {
+        optimisation.iterate();
+        report_progress<T>(optimisation.reached());
+        goes_on = !on_iteration || on_iteration(optimisation.reached());
+        keeper.keep(optimisation, !goes_on || optimisation.isDone());
+    }
+    std::putchar('\n');
+    if (!optimisation.isDone()) {
+        print_info("Ended early, at iteration " + std::to_string(optimisation.reached().iteration) +
+                   " of " + std::to_string(max_iter));
+    }
+}
+
+/// Names and values of the run's parameters, as the plots show them.
+template <typename T>
+std::vector<std::pair<std::string, std::string>> TSNE<T>::captionParameters(
+    int no_dims, int stop_lying_iter, int mom_switch_iter, const IterationReport& reached) const {
+    return {
+        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
+        {"Perplexity", plain_number(perplexity)},
+        {"Theta", plain_number(theta)},
+        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
+        {"Output dimensions", std::to_string(no_dims)},
+        {"Last iteration", std::to_string(reached.iteration)},
+        {"Early exaggeration",
+         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
+        {"Momentum",
+         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
+             " " + plain_number(kFinalMomentum)},
+        {"Learning rate", plain_number(kLearningRate)},
+        {"Random seed", std::to_string(kRandomSeed)},
+        {"Final cost", plain_number(reached.cost)}};
+}
 
 template <typename T>
 void TSNE<T>::actuate(int no_dims,
@@ -127,8 +183,17 @@ void TSNE<T>::actuate(int no_dims,
                       int stop_lying_iter,
                       int mom_switch_iter) {
     this->perplexity = perplexity;
-    if (X != nullptr && X == released_X_) {
-        throw std::logic_error("the input was released by finish: call init before actuate");
+    requireInput();
+    if (checkpoint_every < 1) {
+        throw std::invalid_argument("checkpoint_every has to be at least 1");
+    }
+    RunIdentity run;
+    if (!checkpoint_path.empty() || !resume_path.empty()) {
+        run = runIdentity(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+    }
+    std::optional<Checkpoint> resumed;
+    if (!resume_path.empty()) {
+        resumed = read_resumed(resume_path, run, max_iter);
     }
     table_written_ = false;
     log_written_ = false;
@@ -148,13 +213,7 @@ void TSNE<T>::actuate(int no_dims,
     print_info("Computing similarities between inputs");
     std::clock_t start = std::clock();
     centre_and_scale(X, rows, columns);
-    std::unique_ptr<Objective> objective;
-    if (theta == 0.0) {
-        objective = std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
-    } else {
-        objective =
-            std::make_unique<BarnesHutObjective>(X, rows, columns, out_dims, perplexity, theta);
-    }
+    auto objective = make_objective(X, rows, columns, out_dims, perplexity, theta);
     std::clock_t end = std::clock();
     objective->exaggerate(kEarlyExaggeration);
     draw_initial_embedding(Y, count);
@@ -162,28 +221,25 @@ void TSNE<T>::actuate(int no_dims,
 
     start = std::clock();
     const Schedule schedule{max_iter, stop_lying_iter, mom_switch_iter};
-    const double cost = optimise<T>(*objective, *descent, Y, rows, out_dims, schedule);
+    Optimisation optimisation(*objective, *descent, {Y, rows, out_dims}, schedule);
+    if (resumed) {
+        optimisation.resume(*resumed);
+        resumed.reset();
+        print_info("Going on after iteration " + std::to_string(optimisation.reached().iteration) +
+                   ", from checkpoint " + resume_path);
+    }
+    CheckpointKeeper keeper(checkpoint_path, checkpoint_every, run);
+    fit(optimisation, keeper);
+    checkpoint_failure_ = keeper.failure();
+    const IterationReport reached = optimisation.reached();
     end = std::clock();
     descent.reset();
     objective.reset();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
 
-    RunCaption caption{data_title, {}, std::move(labels)};
-    caption.parameters = {
-        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
-        {"Perplexity", plain_number(perplexity)},
-        {"Theta", plain_number(theta)},
-        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
-        {"Output dimensions", std::to_string(no_dims)},
-        {"Last iteration", std::to_string(max_iter)},
-        {"Early exaggeration",
-         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
-        {"Momentum",
-         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
-             " " + plain_number(kFinalMomentum)},
-        {"Learning rate", plain_number(kLearningRate)},
-        {"Random seed", std::to_string(kRandomSeed)},
-        {"Final cost", plain_number(cost)}};
+    const RunCaption caption{data_title,
+                             captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
+                             std::move(labels)};
     writeResults(no_dims, caption);
 }
 
@@ -208,7 +264,11 @@ void TSNE<T>::writeResults(int no_dims, const RunCaption& caption) {
     }
 }
 
-template void TSNE<float>::actuate(int, double, std::vector<std::string>, int, int);
-template void TSNE<double>::actuate(int, double, std::vector<std::string>, int, int);
+#define OVIK_INSTANTIATE_DRIVER(T)                                                   \
+    template void TSNE<T>::actuate(int, double, std::vector<std::string>, int, int); \
+    template void TSNE<T>::checkResume(int, double, int, int) const;
+
+OVIK_INSTANTIATE_DRIVER(float)
+OVIK_INSTANTIATE_DRIVER(double)
 
 }  // namespace ovik

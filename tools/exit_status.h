@@ -9,6 +9,9 @@ enum ExitStatus : int {
     FailedRun = 1,
     /// Bad usage or bad input: nothing was run and nothing written.
     BadInput = 2,
+    /// Ended by SIGINT (Ctrl-C) or SIGTERM: 128 and the number of the signal.
+    Interrupted = 130,
+    Terminated = 143,
 };
 
 }  // namespace ovik::tool

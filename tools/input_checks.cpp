@@ -5,6 +5,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "stats/checkpoint.h"
 #include "util/input_error.h"
 
 namespace ovik::tool {
@@ -157,6 +158,18 @@ std::vector<std::string> read_labels(const std::string& path, std::size_t row_co
                          "\nGive one label per line, in the order of the rows, without a header.");
     }
     return labels;
+}
+
+void check_checkpoint_path(const std::string& path) {
+    namespace fs = std::filesystem;
+    if (!fs::exists(path)) {
+        return;
+    }
+    if (!fs::is_regular_file(path) || (!fs::is_empty(path) && !opens_as_checkpoint(path))) {
+        throw InputError(path +
+                         ": this is not a checkpoint, and one would replace it\nGive another name "
+                         "with --checkpoint, or remove it.");
+    }
 }
 
 }  // namespace ovik::tool

@@ -23,4 +23,9 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
 /// @throws InputError if the file cannot be read or does not hold `row_count` lines
 std::vector<std::string> read_labels(const std::string& path, std::size_t row_count);
 
+/// Refuses to let a checkpoint replace what is not one, such as a matrix.
+///
+/// @throws InputError if there is something else than a checkpoint or an empty file
+void check_checkpoint_path(const std::string& path);
+
 }  // namespace ovik::tool

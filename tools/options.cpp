@@ -27,7 +27,10 @@ constexpr const char* kFooter =
     "  ovik-tsne --gene CDC28\n"
     "  prints what the gene does\n"
     "\n"
-    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input.\n";
+    "Ctrl-C ends the fit with the results of what was reached.\n"
+    "\n"
+    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input, 130 or 143 ended by SIGINT\n"
+    "(Ctrl-C) or SIGTERM.\n";
 
 /// A finite number within a range; unlike the ready-made check it refuses NaN and infinity.
 ///
@@ -128,6 +131,23 @@ void add_method_options(CLI::App& app, Options& options) {
         ->check(CLI::Range(0, 1024));
 }
 
+void add_checkpoint_options(CLI::App& app, Options& options) {
+    CLI::Option* const file =
+        app.add_option("--checkpoint",
+                       options.checkpoint,
+                       "Save the state of the fit there as it goes on, to be resumed")
+            ->option_text("FILE");
+    app.add_option("--checkpoint-every",
+                   options.checkpoint_every,
+                   "Iterations between two checkpoints (50)")
+        ->option_text("COUNT")
+        ->check(CLI::Range(1, 1000000000))
+        ->needs(file);
+    app.add_option(
+           "--resume", options.resume, "Go on from a checkpoint of the same matrix and options")
+        ->option_text("FILE");
+}
+
 void add_input_options(CLI::App& app, Options& options) {
     app.add_option("MATRIX",
                    options.matrix,
@@ -181,6 +201,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_input_options(app, command.options);
     add_output_options(app, command.options);
     add_method_options(app, command.options);
+    add_checkpoint_options(app, command.options);
     try {
         app.parse(argc, argv);
         if (command.options.matrix.empty() && command.options.gene.empty()) {

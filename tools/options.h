@@ -35,6 +35,12 @@ struct Options {
     std::string labels_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
+    /// Empty: no checkpoints are kept.
+    std::string checkpoint;
+    /// Iterations between two checkpoints.
+    int checkpoint_every = 50;
+    /// Empty: the run starts anew.
+    std::string resume;
     Precision precision = Precision::Double;
     /// 0: all cores.
     int threads = 0;

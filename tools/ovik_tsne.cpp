@@ -24,6 +24,7 @@
 #include "tools/file_state.h"
 #include "tools/gene_report.h"
 #include "tools/input_checks.h"
+#include "tools/interruption.h"
 #include "tools/options.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
@@ -96,6 +97,28 @@ void report_file(const std::string& what, const std::string& path, bool written)
     }
 }
 
+/// @throws std::runtime_error if the embedding has come to nothing
+void check_finite(const IterationReport& reached) {
+    if (!reached.finite) {
+        std::putchar('\n');
+        throw std::runtime_error("the embedding got out of range at iteration " +
+                                 std::to_string(reached.iteration) +
+                                 ", and no results are written\nBring the values of the matrix to "
+                                 "a common scale, or choose another perplexity.");
+    }
+}
+
+void report_checkpoint(const Options& options, const std::string& failure) {
+    if (options.checkpoint.empty()) {
+        return;
+    }
+    if (failure.empty()) {
+        print_info("Checkpoint: " + options.checkpoint + " (to go on: --resume)");
+    } else {
+        complain("Checkpoint could not be written: " + options.checkpoint + " (" + failure + ")");
+    }
+}
+
 template <typename T>
 ExitStatus embed(const Options& options,
                  char delimiter,
@@ -105,6 +128,13 @@ ExitStatus embed(const Options& options,
     tsne.init(options.matrix, options.max_iter, delimiter);
     tsne.theta = options.theta;
     tsne.draw_plots = options.plots;
+    tsne.checkpoint_path = options.checkpoint;
+    tsne.checkpoint_every = options.checkpoint_every;
+    tsne.resume_path = options.resume;
+    tsne.on_iteration = [](const IterationReport& reached) {
+        check_finite(reached);
+        return goes_on();
+    };
     if (options.standard_names) {
         rename_to_standard(tsne.row_names);
     }
@@ -112,6 +142,8 @@ ExitStatus embed(const Options& options,
     if (!names_warning.empty()) {
         complain("warning: " + names_warning);
     }
+    tsne.checkResume(options.dims, perplexity, options.stop_lying_iter, options.mom_switch_iter);
+    prepare_directory(options.out_dir);
     const std::string base = result_base(options, perplexity);
     const FileState page(base + ".html");
     const FileState figure(base + ".png");
@@ -126,14 +158,21 @@ ExitStatus embed(const Options& options,
     if (figure.isNew()) {
         print_info("Figure: " + figure.path() + " (also .svg, and the script .gp)");
     }
+    report_checkpoint(options, tsne.checkpointFailure());
     print_info(found_genes_line(tsne.row_names));
     const bool page_written = !options.plots || page.isNew();
-    return tsne.tableWritten() && tsne.logWritten() && page_written ? Success : FailedRun;
+    const bool all_written = tsne.tableWritten() && tsne.logWritten() && page_written &&
+                             tsne.checkpointFailure().empty();
+    return all_written ? interruption_status() : FailedRun;
 }
 
 ExitStatus run(const Options& options) {
     if (!options.gene.empty()) {
         return show_gene(options.gene);
+    }
+    watch_for_interruption();
+    if (!options.checkpoint.empty()) {
+        check_checkpoint_path(options.checkpoint);
     }
     const char delimiter = options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
     const MatrixReport report = inspect_matrix(options.matrix, delimiter);
@@ -154,7 +193,6 @@ ExitStatus run(const Options& options) {
     start_logging(options.quiet);
     const double perplexity = choose_perplexity(options, report.rows);
     check_file_name(result_base(options, perplexity));
-    prepare_directory(options.out_dir);
     return options.precision == Precision::Float
                ? embed<float>(options, delimiter, perplexity, labels)
                : embed<double>(options, delimiter, perplexity, labels);

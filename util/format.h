@@ -1,13 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <new>
 #include <string>
 #include <type_traits>
 
-/// Numbers as the text of messages and file names: cut, never rounded, to a number of digits.
+/// Numbers as the text of messages and file names: cut, never rounded, to a number of digits, or
+/// whole.
 
 namespace ovik {
 
@@ -42,6 +44,14 @@ static inline std::string num2string(T value,
                                      int /*reserved*/ = 0,
                                      bool /*reserved*/ = false) {
     return to_str(std::to_string(value), digits, ".");
+}
+
+/// The shortest text that reads back as the same number, in every locale.
+template <typename T>
+static inline std::string shortest_text(T value) {
+    char text[32];
+    const auto result = std::to_chars(text, text + sizeof text, value);
+    return {text, result.ptr};
 }
 
 /// An array of `count` elements, each set to `value`; the caller releases it with `delete[]`.

@@ -340,6 +340,7 @@ TEST_F(Driver, RefusesToRunOnAReleasedInput) {
     tsne.init(matrix(10), 2, '\t');
     tsne.finish();
     EXPECT_THROW(tsne.actuate(2, 3.0, {}, 250, 250), std::logic_error);
+    EXPECT_THROW(tsne.checkResume(2, 3.0, 250, 250), std::logic_error);
     testing::internal::GetCapturedStdout();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ struct RunSettings {
     int max_iter = 1000;
     int stop_lying_iter = 250;
     int mom_switch_iter = 250;
+    std::function<bool(const IterationReport&)> on_iteration = {};
+    std::string checkpoint_path = {};
+    int checkpoint_every = 50;
+    std::string resume_path = {};
 };
 
 /// What a run of the engine leaves behind.
@@ -27,6 +32,7 @@ struct RunOutcome {
     std::string err;
     std::string table;
     std::string log;
+    std::string checkpoint_failure;
 };
 
 /// Runs the engine on a tab-separated matrix file, results in a directory of their own.
@@ -40,6 +46,10 @@ RunOutcome run_engine(const std::string& path, const RunSettings& settings) {
     tsne.init(path, settings.max_iter, '\t');
     tsne.theta = settings.theta;
     tsne.draw_plots = false;
+    tsne.on_iteration = settings.on_iteration;
+    tsne.checkpoint_path = settings.checkpoint_path;
+    tsne.checkpoint_every = settings.checkpoint_every;
+    tsne.resume_path = settings.resume_path;
     tsne.actuate(settings.no_dims,
                  settings.perplexity,
                  {},
@@ -47,6 +57,7 @@ RunOutcome run_engine(const std::string& path, const RunSettings& settings) {
                  settings.mom_switch_iter);
     outcome.out = testing::internal::GetCapturedStdout();
     outcome.err = testing::internal::GetCapturedStderr();
+    outcome.checkpoint_failure = tsne.checkpointFailure();
     outcome.Y.assign(tsne.Y, tsne.Y + tsne.N * settings.no_dims);
     for (const auto& entry : std::filesystem::directory_iterator(directory.prefix())) {
         (entry.path().extension() == ".csv" ? outcome.table : outcome.log) =

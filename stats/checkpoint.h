@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Checkpoints: the state of a fit between two iterations, as a file from which it can be gone on
+/// with.
+///
+/// The file, version 1. All numbers have 8 bytes, the lowest first; reals are IEEE 754 doubles, and
+/// negative integers two's complements.
+///
+///     "OVIKCKPT"                                   8 bytes
+///     version of the format                        integer
+///     rows, columns, output dimensions             integers
+///     perplexity, theta                            reals
+///     end of exaggeration, momentum switch         integers
+///     digest of the values, digest of the names    two integers each, low half first
+///     iteration done last                          integer
+///     cost after it                                real
+///     embedding, velocity, gains                   rows x output dimensions reals each, row-major
+///     checksum of all bytes before                 integer, XXH3 of 64 bits
+///
+/// Similarities, gradient, momentum and the state of exaggeration are not in it: they follow from
+/// the matrix, the options and the iteration, and are computed anew to the same bits. Neither is
+/// the last iteration of the run, on which nothing but its end depends.
+
+namespace ovik {
+
+/// A fingerprint of 128 bits; other contents have another one, for all practical purposes.
+struct Digest {
+    std::uint64_t low = 0;
+    std::uint64_t high = 0;
+
+    bool operator==(const Digest&) const = default;
+};
+
+/// Of the bits of the values.
+Digest digest_of(const double* values, std::size_t count);
+
+/// Of the texts and where each of them ends.
+Digest digest_of(const std::string* texts, std::size_t count);
+
+/// What decides the states that a fit goes through.
+struct RunIdentity {
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    std::size_t out_dims = 0;
+    double perplexity = 0.0;
+    double theta = 0.0;
+    int stop_lying_iter = 0;
+    int mom_switch_iter = 0;
+    /// Of the matrix as it was read.
+    Digest values;
+    /// Of the names of its rows. They decide no number, but what the results call them.
+    Digest names;
+};
+
+/// The state of a fit after an iteration. The arrays are row-major, rows x output dimensions.
+struct Checkpoint {
+    RunIdentity run;
+    int iteration = 0;
+    double cost = 0.0;
+    std::vector<double> embedding;
+    std::vector<double> velocity;
+    std::vector<double> gains;
+};
+
+/// Replaces the file, whole or not at all.
+///
+/// @return why it could not be written; empty if it is in its place
+/// @throws std::bad_alloc
+[[nodiscard]] std::string write_checkpoint(const std::string& path, const Checkpoint& checkpoint);
+
+/// @throws InputError with the reason if the file cannot be read, is not a checkpoint, is one of
+/// another version, or is damaged
+Checkpoint read_checkpoint(const std::string& path);
+
+/// Whether a file can be read and opens as a checkpoint does, whole or not.
+bool opens_as_checkpoint(const std::string& path);
+
+/// Refuses a checkpoint from which a run cannot go on.
+///
+/// @param path      that of the checkpoint, for the message
+/// @param run       the run that is to go on
+/// @param max_iter  its last iteration, which may be another than it was
+/// @throws InputError with all that differs
+void check_goes_on(const std::string& path,
+                   const Checkpoint& checkpoint,
+                   const RunIdentity& run,
+                   int max_iter);
+
+}  // namespace ovik

@@ -1,0 +1,18 @@
+#pragma once
+
+namespace ovik {
+
+/// What a run tells of an iteration that it has done.
+struct IterationReport {
+    /// From 0 to `max_iter`; -1 before the first.
+    int iteration = -1;
+    /// Last iteration of the run, unless it is ended before.
+    int max_iter = 0;
+    /// As the progress bar shows it: until early exaggeration ends, against the exaggerated
+    /// similarities.
+    double cost = 0.0;
+    /// Whether all coordinates are numbers. The run goes on with others, but comes to nothing.
+    bool finite = true;
+};
+
+}  // namespace ovik
