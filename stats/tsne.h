@@ -3,7 +3,10 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
+
+#include "plots/plot_outcome.h"
 
 namespace ovik {
 
@@ -114,6 +117,15 @@ class TSNE {
     /// Whether the last `actuate` wrote its record in the run log.
     [[nodiscard]] bool logWritten() const { return log_written_; }
 
+    /// Why it could not write the result table; no error if it could.
+    [[nodiscard]] std::error_code tableFailure() const { return table_failure_; }
+
+    /// Why it could not write its record in the run log; no error if it could.
+    [[nodiscard]] std::error_code logFailure() const { return log_failure_; }
+
+    /// What became of its plots.
+    [[nodiscard]] const PlotOutcome& plots() const { return plots_; }
+
     // The steps of a run, for callers that want them one by one.
 
     /// Fills DD, N x N, with squared distances. See `squared_distance_matrix`.
@@ -173,7 +185,7 @@ class TSNE {
 
   private:
     void replaceArray(double*& member, double*& released, double* fresh);
-    void writeResults(int no_dims, const RunCaption& caption);
+    void writeResults(int no_dims, RunCaption caption);
 
     /// Where the names of the current rows begin in `row_names`.
     std::size_t first_row_name_ = 0;
@@ -184,6 +196,9 @@ class TSNE {
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;
     bool log_written_ = false;
+    std::error_code table_failure_;
+    std::error_code log_failure_;
+    PlotOutcome plots_;
 };
 
 }  // namespace ovik
