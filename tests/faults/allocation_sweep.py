@@ -40,8 +40,8 @@ def sweep(bench, onwards, stride):
     errors = []
     # Threads shift the numbers of calls a little.
     for number in range(1, total + stride + 10, stride):
-        outcome = bench.run(fault | {"AT": number})
         try:
+            outcome = bench.run(fault | {"AT": number})
             bench.check(outcome)
             tally[ending(outcome)] += 1
         except Faulty as error:

@@ -43,8 +43,8 @@ def sweep(bench, call, error, onwards, stride):
     tally = collections.Counter()
     errors = []
     for number in range(1, total + 1, stride):
-        outcome = bench.run(fault | {"AT": number})
         try:
+            outcome = bench.run(fault | {"AT": number})
             check(bench, outcome, error)
             tally["failed with a message" if outcome.status else "succeeded"] += 1
         except Faulty as fault_found:
