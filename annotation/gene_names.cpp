@@ -7,15 +7,34 @@ namespace ovik {
 
 namespace {
 
-using EntryIndex = std::unordered_map<std::string_view, const GeneEntry*>;
-
-EntryIndex index_by(const char* GeneEntry::*field) {
-    EntryIndex index;
-    for (const GeneEntry& gene : gene_list()) {
-        index.emplace(gene.*field, &gene);
+/// The genes in the order of one of their names; those that share it in that of the list.
+class EntryIndex {
+  public:
+    explicit EntryIndex(const char* GeneEntry::*field) : field_(field) {
+        entries_.reserve(gene_list().size());
+        for (const GeneEntry& gene : gene_list()) {
+            entries_.push_back(&gene);
+        }
+        std::stable_sort(entries_.begin(), entries_.end(), [this](const auto* a, const auto* b) {
+            return name_of(a) < name_of(b);
+        });
     }
-    return index;
-}
+
+    /// The first gene of this name in the list, or null.
+    [[nodiscard]] const GeneEntry* find(std::string_view name) const {
+        const auto found = std::lower_bound(
+            entries_.begin(), entries_.end(), name, [this](const auto* gene, const auto& wanted) {
+                return name_of(gene) < wanted;
+            });
+        return found != entries_.end() && name_of(*found) == name ? *found : nullptr;
+    }
+
+  private:
+    [[nodiscard]] std::string_view name_of(const GeneEntry* gene) const { return gene->*field_; }
+
+    const char* GeneEntry::*field_;
+    std::vector<const GeneEntry*> entries_;
+};
 
 /// The text with ASCII letters in upper case.
 std::string upper_case(std::string_view text) {
@@ -42,18 +61,17 @@ std::unordered_multimap<std::string, std::string> index_suggestions() {
 }  // namespace
 
 const GeneEntry* find_gene(std::string_view name) {
-    static const EntryIndex by_name = index_by(&GeneEntry::name);
-    const auto found = by_name.find(name);
-    return found != by_name.end() ? found->second : nullptr;
+    static const EntryIndex by_name(&GeneEntry::name);
+    return by_name.find(name);
 }
 
 std::string_view standard_gene_name(std::string_view systematic) {
-    static const EntryIndex by_systematic = index_by(&GeneEntry::systematic);
-    const auto found = by_systematic.find(systematic);
-    if (found == by_systematic.end() || found->second->name == systematic) {
+    static const EntryIndex by_systematic(&GeneEntry::systematic);
+    const GeneEntry* const gene = by_systematic.find(systematic);
+    if (gene == nullptr || gene->name == systematic) {
         return {};
     }
-    return found->second->name;
+    return gene->name;
 }
 
 std::vector<std::string> suggest_gene_names(std::string_view name) {

@@ -4,92 +4,99 @@
 #include <string_view>
 
 #include "plots/component_pair.h"
+#include "plots/json_text.h"
 #include "plots/page_template.h"
 #include "plots/plain_text.h"
 #include "plots/run_caption.h"
 
-#include <nlohmann/json.hpp>
-
 namespace ovik {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 /// Points: the rows of the first pair of components, or all of them without a table.
 std::size_t point_count_of(const Chart& chart) {
     return chart.rows && !chart.rows->empty() ? rows_per_pair(*chart.rows) : chart.x.size();
 }
 
-Json json_slice(const std::vector<double>& values, std::size_t first, std::size_t count) {
+std::string json_slice(const std::vector<double>& values, std::size_t first, std::size_t count) {
     const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
-    return std::vector<double>(begin, begin + static_cast<std::ptrdiff_t>(count));
+    return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(count));
 }
 
-/// The coordinates, a pair of components after the other. Numbers that are not finite become null.
-Json json_pairs(const Chart& chart, std::size_t point_count) {
-    Json pairs = Json::array();
+/// The coordinates, a pair of components after the other.
+std::string json_pairs(const Chart& chart, std::size_t point_count) {
+    std::vector<std::string> pairs;
     for (std::size_t first = 0; first < chart.x.size(); first += point_count) {
         const std::size_t count = std::min(point_count, chart.x.size() - first);
         const std::string group = chart.rows ? (*chart.rows)[first].group : "";
         const bool is_first = first == 0;
-        pairs.push_back(
-            {{"group", group},
-             {"xTitle", is_first ? chart.x_title : component_title(group, 0, chart.x_title)},
-             {"yTitle", is_first ? chart.y_title : component_title(group, 1, chart.y_title)},
-             {"x", json_slice(chart.x, first, count)},
-             {"y", json_slice(chart.y, first, count)}});
+        const auto title = [&](std::size_t which, const std::string& given) {
+            return is_first ? given : component_title(group, which, given);
+        };
+        pairs.push_back(json_object({{"group", json_text(group)},
+                                     {"xTitle", json_text(title(0, chart.x_title))},
+                                     {"yTitle", json_text(title(1, chart.y_title))},
+                                     {"x", json_slice(chart.x, first, count)},
+                                     {"y", json_slice(chart.y, first, count)}}));
     }
-    return pairs;
+    return json_list(pairs);
 }
 
 /// One text per point, taken from the rows of the first group.
-Json json_column(const Chart& chart, std::size_t point_count, std::string ResultRow::*column) {
-    Json texts = Json::array();
+std::string json_column(const Chart& chart,
+                        std::size_t point_count,
+                        std::string ResultRow::*column) {
+    std::vector<std::string> texts;
     for (std::size_t n = 0; chart.rows && n < point_count; ++n) {
-        texts.push_back((*chart.rows)[n].*column);
+        texts.push_back(json_text((*chart.rows)[n].*column));
     }
-    return texts;
+    return json_list(texts);
 }
 
 /// Labels are given per point, or per row of the table: then those of the first group count.
-Json json_labels(const Chart& chart, std::size_t point_count) {
+std::string json_labels(const Chart& chart, std::size_t point_count) {
     if (chart.labels.size() != point_count && chart.labels.size() != chart.x.size()) {
-        return Json::array();
+        return "[]";
     }
     const auto begin = chart.labels.begin();
-    return std::vector<std::string>(begin, begin + static_cast<std::ptrdiff_t>(point_count));
+    return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(point_count));
 }
 
-Json json_chart(const Chart& chart) {
-    const std::size_t point_count = point_count_of(chart);
-    const ChartLayout& layout = chart.layout;
-    Json parameters = Json::array();
+std::string json_parameters() {
+    std::vector<std::string> parameters;
     for (const auto& [name, value] : current_caption().parameters) {
-        parameters.push_back({name, value});
+        parameters.push_back(json_list({json_text(name), json_text(value)}));
     }
-    return {{"type", "scatter"},
-            {"title", chart.title},
-            {"name", chart.name},
-            {"texts", chart.texts},
-            {"parameters", parameters},
-            {"layout",
-             {{"margins", layout.margins},
-              {"legendWidth", layout.legend_width},
-              {"xTickTurn", layout.x_tick_turn},
-              {"yTitleTurn", layout.y_title_turn},
-              {"tickDecimals", layout.tick_decimals},
-              {"grid", layout.grid}}},
-            {"showLabels", chart.show_labels},
-            {"colourScheme", chart.colour_scheme},
-            {"categoryOrder", chart.category_order},
-            {"colours", chart.colours},
-            {"links", chart.links},
-            {"pointCount", point_count},
-            {"pairs", json_pairs(chart, point_count)},
-            {"names", json_column(chart, point_count, &ResultRow::name)},
-            {"functions", json_column(chart, point_count, &ResultRow::function)},
-            {"labels", json_labels(chart, point_count)}};
+    return json_list(parameters);
+}
+
+std::string json_layout(const ChartLayout& layout) {
+    return json_object({{"margins", json_list_of(layout.margins)},
+                        {"legendWidth", json_text(layout.legend_width)},
+                        {"xTickTurn", json_text(layout.x_tick_turn)},
+                        {"yTitleTurn", json_text(layout.y_title_turn)},
+                        {"tickDecimals", json_text(layout.tick_decimals)},
+                        {"grid", json_text(layout.grid)}});
+}
+
+std::string json_chart(const Chart& chart) {
+    const std::size_t point_count = point_count_of(chart);
+    return json_object({{"type", "\"scatter\""},
+                        {"title", json_text(chart.title)},
+                        {"name", json_text(chart.name)},
+                        {"texts", json_list_of(chart.texts)},
+                        {"parameters", json_parameters()},
+                        {"layout", json_layout(chart.layout)},
+                        {"showLabels", json_text(chart.show_labels)},
+                        {"colourScheme", json_text(chart.colour_scheme)},
+                        {"categoryOrder", json_list_of(chart.category_order)},
+                        {"colours", json_list_of(chart.colours)},
+                        {"links", json_list_of(chart.links)},
+                        {"pointCount", json_text(point_count)},
+                        {"pairs", json_pairs(chart, point_count)},
+                        {"names", json_column(chart, point_count, &ResultRow::name)},
+                        {"functions", json_column(chart, point_count, &ResultRow::function)},
+                        {"labels", json_labels(chart, point_count)}});
 }
 
 /// A text with each of some characters replaced.
@@ -122,9 +129,8 @@ std::string escaped_for_html(const std::string& text) {
 }  // namespace
 
 std::string chart_page(const Chart& chart) {
-    // Pure ASCII, so that U+2028 and U+2029 are escaped too; bytes that are not UTF-8 become
-    // U+FFFD.
-    const std::string json = json_chart(chart).dump(-1, ' ', true, Json::error_handler_t::replace);
+    // Pure ASCII, so that U+2028 and U+2029 are escaped too.
+    const std::string json = json_chart(chart);
     const std::string_view page = page_template();
     constexpr std::string_view kTitle = "{{page-title}}";
     constexpr std::string_view kData = "{{chart-data}}";

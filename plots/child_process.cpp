@@ -4,6 +4,7 @@
 #include <atomic>
 #include <csignal>
 #include <fcntl.h>
+#include <new>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -18,7 +19,7 @@ namespace {
 /// What becomes of the files of a child before it runs.
 class FileActions {
   public:
-    FileActions() { posix_spawn_file_actions_init(&actions_); }
+    FileActions() { check(posix_spawn_file_actions_init(&actions_)); }
 
     FileActions(const FileActions&) = delete;
     FileActions& operator=(const FileActions&) = delete;
@@ -26,18 +27,27 @@ class FileActions {
     ~FileActions() { posix_spawn_file_actions_destroy(&actions_); }
 
     void open(int descriptor, const char* path, int flags) {
-        posix_spawn_file_actions_addopen(&actions_, descriptor, path, flags, 0600);
+        check(posix_spawn_file_actions_addopen(&actions_, descriptor, path, flags, 0600));
     }
 
-    void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&actions_, from, to); }
+    void duplicate(int from, int to) {
+        check(posix_spawn_file_actions_adddup2(&actions_, from, to));
+    }
 
     void changeDirectory(const char* path) {
-        posix_spawn_file_actions_addchdir_np(&actions_, path);
+        check(posix_spawn_file_actions_addchdir_np(&actions_, path));
     }
 
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
   private:
+    /// Memory is all that these calls can lack.
+    static void check(int failure) {
+        if (failure != 0) {
+            throw std::bad_alloc();
+        }
+    }
+
     posix_spawn_file_actions_t actions_{};
 };
 
@@ -109,6 +119,7 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds limit) {
         return std::nullopt;
     }
     const auto deadline = std::chrono::steady_clock::now() + limit;
+    // Stays so if the system does not keep the status, since SIGCHLD is ignored.
     int status = 0;
     pid_t ended = waitpid(pid_, &status, WNOHANG);
     while (ended == 0 && std::chrono::steady_clock::now() < deadline) {
@@ -117,11 +128,11 @@ std::optional<int> ChildProcess::wait(std::chrono::milliseconds limit) {
     }
     if (ended == 0) {
         kill(pid_, SIGKILL);
-        waitpid(pid_, &status, 0);
+        TEMP_FAILURE_RETRY(waitpid(pid_, &status, 0));
     }
     pid_t reaped = std::exchange(pid_, 0);
     last_child.compare_exchange_strong(reaped, 0);
-    return ended > 0 ? std::optional<int>(exit_status(status)) : std::nullopt;
+    return ended != 0 ? std::optional<int>(exit_status(status)) : std::nullopt;
 }
 
 void ChildProcess::killLast() noexcept {

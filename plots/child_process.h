@@ -18,6 +18,7 @@ class ChildProcess {
     /// @param working_directory  where it runs
     /// @param messages           file for its standard output and error, made anew
     /// @throws std::system_error with the reason if it cannot be started
+    /// @throws std::bad_alloc
     ChildProcess(std::vector<std::string> command,
                  const std::string& working_directory,
                  const std::string& messages);
@@ -30,8 +31,8 @@ class ChildProcess {
 
     /// Waits for the end of the program and reaps it; one that goes on beyond the limit is killed.
     ///
-    /// @return its exit status, or 128 and the number of the signal that ended it; nothing if the
-    /// limit was reached
+    /// @return its exit status, or 128 and the number of the signal that ended it (0 if this
+    /// process ignores the end of its children, SIGCHLD); nothing if the limit was reached
     std::optional<int> wait(std::chrono::milliseconds limit);
 
     /// Kills the program that was started last, if it still runs; for handlers of signals that end

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "plots/component_pair.h"
@@ -21,12 +23,6 @@
 namespace ovik {
 
 namespace {
-
-/// Says on standard error, in one line, what is not there; standard output may be silenced.
-void report_missing_figure(const std::string& base, const std::string& reason) {
-    const std::string line = "Figure " + base + ".png was not drawn: " + reason;
-    std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
-}
 
 /// The number of each point's label, in order of appearance.
 class LabelNumbers {
@@ -182,9 +178,16 @@ void Gnuplot<T>::plotting(std::string base,
         throw std::invalid_argument(
             "a figure is a scatter of columns 2 and 3 with four bounds and two axis titles");
     }
+    // Ends an earlier drawing.
+    close();
+    is_open_ = true;
+    if (!current_caption().has_table) {
+        fail(base, "the result table of this run could not be written");
+        return;
+    }
     const auto rows = read_result_rows(base + ".csv");
     if (!rows) {
-        report_missing_figure(base, "there is no whole result table beside it");
+        fail(base, "there is no whole result table beside it");
         return;
     }
     const std::size_t point_count = rows_per_pair(*rows);
@@ -195,11 +198,12 @@ void Gnuplot<T>::plotting(std::string base,
     figure.labels = labels.names;
     figure.panels = panels_of(*rows, point_count, axis_titles, labels);
     figure.bounds = drawn_bounds(bounds, figure.panels);
-    if (write_whole_file(base + ".gp", gnuplot_script(figure, script_head, style_))) {
-        close();
-        drawing_ = std::make_unique<FigureDrawing>(base);
-        is_open_ = true;
+    if (!write_whole_file(base + ".gp", gnuplot_script(figure, script_head, style_))) {
+        fail(base,
+             base + ".gp could not be written (" + std::generic_category().message(errno) + ")");
+        return;
     }
+    drawing_ = std::make_unique<FigureDrawing>(base);
 }
 
 template <typename T>
@@ -209,12 +213,24 @@ void Gnuplot<T>::close() {
         return;
     }
     const std::string failure = drawing_->finish(time_limit);
+    outcome_ = FigureOutcome::Drawn;
     if (!failure.empty()) {
-        report_missing_figure(drawing_->base(),
-                              failure + ". Draw it later: run gnuplot on " + drawing_->base() +
-                                  ".gp in its directory");
+        fail(drawing_->base(),
+             failure + ". Draw it later: run gnuplot on " + drawing_->base() +
+                 ".gp in its directory");
+    }
+    if (drawing_->lacksProgram()) {
+        outcome_ = FigureOutcome::ScriptOnly;
     }
     drawing_.reset();
+}
+
+/// Says on standard error, in one line, what is not there; standard output may be silenced.
+template <typename T>
+void Gnuplot<T>::fail(const std::string& base, const std::string& reason) {
+    outcome_ = FigureOutcome::Failed;
+    const std::string line = "Figure " + base + ".png was not drawn: " + reason;
+    std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
 }
 
 template class Gnuplot<float>;

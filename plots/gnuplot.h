@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "plots/gnuplot_script.h"
+#include "plots/plot_outcome.h"
 
 namespace ovik {
 
@@ -87,9 +88,15 @@ class Gnuplot {
     /// none.
     void close();
 
+    /// What became of the last figure, once it is closed.
+    [[nodiscard]] FigureOutcome outcome() const { return outcome_; }
+
   private:
+    void fail(const std::string& base, const std::string& reason);
+
     bool is_open_ = false;
     FigureStyle style_;
+    FigureOutcome outcome_ = FigureOutcome::None;
     std::unique_ptr<FigureDrawing> drawing_;
 };
 

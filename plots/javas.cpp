@@ -1,6 +1,7 @@
 #include "plots/javas.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <stdexcept>
 #include <utility>
 
@@ -33,8 +34,8 @@ ChartLayout layout_of(const int* parameters) {
     return layout;
 }
 
-/// The rows of the table of these coordinates. One that is left of another run, since this one's
-/// could not be written, does not fit and is not taken.
+/// The rows of the table of these coordinates. One that is left of another run does not fit and is
+/// not taken.
 std::optional<std::vector<ResultRow>> rows_of(const std::string& table_path, const Chart& chart) {
     auto rows = read_result_rows(table_path);
     if (!rows || rows->size() != chart.x.size()) {
@@ -104,8 +105,13 @@ void Javas<T>::plotting(std::string type,
         chart.y.push_back(static_cast<double>(coordinates[row][1]));
     }
     const std::string base_name = base_path + "_" + postfix;
-    chart.rows = rows_of(base_name + ".csv", chart);
-    write_whole_file(base_name + ".html", chart_page(chart));
+    if (current_caption().has_table) {
+        chart.rows = rows_of(base_name + ".csv", chart);
+    }
+    failure_.clear();
+    if (!write_whole_file(base_name + ".html", chart_page(chart))) {
+        failure_.assign(errno, std::generic_category());
+    }
 }
 
 template class Javas<float>;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace ovik {
@@ -74,8 +75,12 @@ class Javas {
                   std::vector<std::string> links,
                   std::vector<std::string> labels);
 
+    /// Why the last page could not be written; no error if it was.
+    [[nodiscard]] std::error_code failure() const { return failure_; }
+
   private:
     std::string out_name_;
+    std::error_code failure_;
 };
 
 }  // namespace ovik

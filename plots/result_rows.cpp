@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
+
+#include "util/input_file.h"
 
 namespace ovik {
 
@@ -84,8 +87,13 @@ std::optional<ResultRow> parse_result_row(std::string_view line) {
     return std::nullopt;
 }
 
-std::optional<std::vector<ResultRow>> read_result_rows(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+namespace {
+
+std::optional<std::vector<ResultRow>> parse_result_rows(const std::string& path) {
+    std::ifstream file = open_input_file(path);
+    if (!file.is_open()) {
+        throw_read_failure();
+    }
     std::string line;
     if (!std::getline(file, line)) {
         return std::nullopt;
@@ -99,6 +107,15 @@ std::optional<std::vector<ResultRow>> read_result_rows(const std::string& path) 
         rows.push_back(std::move(*row));
     }
     return rows;
+}
+
+}  // namespace
+
+std::optional<std::vector<ResultRow>> read_result_rows(const std::string& path) {
+    if (!std::filesystem::is_regular_file(path)) {
+        return std::nullopt;
+    }
+    return with_read_failures_named(path, [&] { return parse_result_rows(path); });
 }
 
 bool is_in_table_as(double coordinate, double in_table) {

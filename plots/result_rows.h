@@ -27,6 +27,9 @@ std::optional<ResultRow> parse_result_row(std::string_view line);
 
 /// Reads a result table, header line and all; nothing if there is none or a line is not as it
 /// should be.
+///
+/// @throws std::system_error if the file cannot be read to its end
+/// @throws std::bad_alloc if it does not fit in memory
 std::optional<std::vector<ResultRow>> read_result_rows(const std::string& path);
 
 /// Whether a coordinate stands in a table as this number: to three decimals, or as not finite.

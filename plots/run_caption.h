@@ -14,6 +14,9 @@ struct RunCaption {
     std::vector<std::pair<std::string, std::string>> parameters;
     /// One label per point, which gives it its colour; empty for none.
     std::vector<std::string> labels;
+    /// Whether the result table in its place is the one of this run. If not, since that one could
+    /// not be written, nothing is drawn from it.
+    bool has_table = true;
 };
 
 /// Makes a caption the current one of this thread as long as the object lives.

@@ -8,6 +8,7 @@
 
 #include "plots/gnuplot.h"
 #include "plots/javas.h"
+#include "plots/plot_outcome.h"
 #include "stats/plot_columns.h"
 
 /// The last step of a run: its embedding goes to the chart page and to the figure.
@@ -33,10 +34,10 @@ struct PlotNames {
 template <typename T,
           template <typename> class Chart = Javas,
           template <typename> class Figure = Gnuplot>
-void hand_to_plots(const PlotNames& names,
-                   std::vector<std::array<T, 2>> coordinates,
-                   const PlotColumns<T>& columns,
-                   const std::vector<std::string>& labels) {
+PlotOutcome hand_to_plots(const PlotNames& names,
+                          std::vector<std::array<T, 2>> coordinates,
+                          const PlotColumns<T>& columns,
+                          const std::vector<std::string>& labels) {
     std::vector<T*> rows;
     rows.reserve(coordinates.size());
     for (std::array<T, 2>& row : coordinates) {
@@ -84,6 +85,7 @@ void hand_to_plots(const PlotNames& names,
                     {2, 3},
                     {});
     figure.close();
+    return {chart.failure(), figure.outcome()};
 }
 
 }  // namespace ovik

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 
-#include "util/console.h"
 #include "util/format.h"
 #include "util/n_choose_k.h"
 #include "util/parallel.h"
@@ -83,19 +82,17 @@ std::string result_table_stem(double perplexity, const std::string& suffix) {
 template <typename T>
 bool write_result_table(const std::string& path, const ResultTable<T>& table) {
     WholeFile file(path);
-    if (file.stream() == nullptr) {
-        print_file_error("I cannot open file", path);
-        return false;
+    if (file.stream() != nullptr) {
+        std::fputs("name,data in xaxis,data in yaxis,psize,group,function\n", file.stream());
+        for (std::size_t row = 0; row < table.coordinates.size(); ++row) {
+            write_row(file.stream(), table, row);
+        }
+        if (file.commit()) {
+            return true;
+        }
     }
-    std::fputs("name,data in xaxis,data in yaxis,psize,group,function\n", file.stream());
-    for (std::size_t row = 0; row < table.coordinates.size(); ++row) {
-        write_row(file.stream(), table, row);
-    }
-    if (!file.commit()) {
-        print_file_error("I cannot write file", path);
-        return false;
-    }
-    return true;
+    print_whole_file_error(file, path);
+    return false;
 }
 
 #define OVIK_INSTANTIATE_RESULT_TABLE(T)                                            \

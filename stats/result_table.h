@@ -43,7 +43,8 @@ std::string result_table_stem(double perplexity, const std::string& suffix);
 /// quotes; neither they nor names are escaped. The file appears whole or not at all: an earlier one
 /// stays until then.
 ///
-/// @return false if the file could not be written; the console then says so in bold red
+/// @return false if the file could not be written; the console then says so in bold red, and
+/// `errno` has the reason
 template <typename T>
 bool write_result_table(const std::string& path, const ResultTable<T>& table);
 

@@ -13,7 +13,7 @@ std::string run_log_record(const std::string& data_title,
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
 /// reported: the log never costs a run its other results.
 ///
-/// @return whether the whole record was written
+/// @return whether the whole record was written; if not, none of it is, and `errno` has the reason
 bool append_run_log(const std::string& out_base,
                     const std::string& data_title,
                     double perplexity,

@@ -4,9 +4,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
+#include "plots/plot_outcome.h"
 #include "stats/iteration_report.h"
 
 namespace ovik {
@@ -150,6 +152,15 @@ class TSNE {
     /// was asked for.
     [[nodiscard]] const std::string& checkpointFailure() const { return checkpoint_failure_; }
 
+    /// Why it could not write the result table; no error if it could.
+    [[nodiscard]] std::error_code tableFailure() const { return table_failure_; }
+
+    /// Why it could not write its record in the run log; no error if it could.
+    [[nodiscard]] std::error_code logFailure() const { return log_failure_; }
+
+    /// What became of its plots.
+    [[nodiscard]] const PlotOutcome& plots() const { return plots_; }
+
     // The steps of a run, for callers that want them one by one.
 
     /// Fills DD, N x N, with squared distances. See `squared_distance_matrix`.
@@ -220,7 +231,7 @@ class TSNE {
         int stop_lying_iter,
         int mom_switch_iter,
         const IterationReport& reached) const;
-    void writeResults(int no_dims, const RunCaption& caption);
+    void writeResults(int no_dims, RunCaption caption);
 
     /// Where the names of the current rows begin in `row_names`.
     std::size_t first_row_name_ = 0;
@@ -232,6 +243,9 @@ class TSNE {
     bool table_written_ = false;
     bool log_written_ = false;
     std::string checkpoint_failure_;
+    std::error_code table_failure_;
+    std::error_code log_failure_;
+    PlotOutcome plots_;
 };
 
 }  // namespace ovik

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "annotation/gene_func_map.h"
@@ -26,6 +28,7 @@
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
+#include "util/partial_entry.h"
 
 /// The run of the engine: from the loaded matrix to the results on disk.
 
@@ -69,6 +72,11 @@ void report_progress(const IterationReport& reached) {
                     "",
                     T(),
                     0);
+}
+
+/// The reason that `errno` has, unless all went well.
+std::error_code failure_unless(bool done) {
+    return done ? std::error_code() : std::error_code(errno, std::generic_category());
 }
 
 /// A number as a reader writes it: 30, 12.75.
@@ -197,6 +205,9 @@ void TSNE<T>::actuate(int no_dims,
     }
     table_written_ = false;
     log_written_ = false;
+    table_failure_.clear();
+    log_failure_.clear();
+    plots_ = {};
     const auto rows = static_cast<std::size_t>(std::max(N, 0));
     const auto columns = static_cast<std::size_t>(std::max(D, 0));
     const auto out_dims = static_cast<std::size_t>(std::max(no_dims, 0));
@@ -237,15 +248,15 @@ void TSNE<T>::actuate(int no_dims,
     objective.reset();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
 
-    const RunCaption caption{data_title,
-                             captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
-                             std::move(labels)};
-    writeResults(no_dims, caption);
+    writeResults(no_dims,
+                 {data_title,
+                  captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
+                  std::move(labels)});
 }
 
 /// Writes the result table, then the record in the run log, then draws the plots.
 template <typename T>
-void TSNE<T>::writeResults(int no_dims, const RunCaption& caption) {
+void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
     auto table = make_result_table<T>(Y,
                                       static_cast<std::size_t>(N),
@@ -253,14 +264,18 @@ void TSNE<T>::writeResults(int no_dims, const RunCaption& caption) {
                                       row_names.data() + first_row_name_,
                                       gene_func_map);
     const PlotColumns<T> columns(table.coordinates);
+    remove_left_over_entries(out_base);
     table_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
+    table_failure_ = failure_unless(table_written_);
     log_written_ = append_run_log(out_base, data_title, perplexity, stem);
+    log_failure_ = failure_unless(log_written_);
     if (draw_plots) {
+        caption.has_table = table_written_;
         const CaptionScope scope(caption);
-        hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
-                         std::move(table.coordinates),
-                         columns,
-                         caption.labels);
+        plots_ = hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
+                                  std::move(table.coordinates),
+                                  columns,
+                                  caption.labels);
     }
 }
 

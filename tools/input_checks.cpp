@@ -7,6 +7,7 @@
 
 #include "stats/checkpoint.h"
 #include "util/input_error.h"
+#include "util/input_file.h"
 
 namespace ovik::tool {
 
@@ -138,20 +139,21 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
 }
 
 std::vector<std::string> read_labels(const std::string& path, std::size_t row_count) {
-    errno = 0;
-    std::ifstream file(path);
+    std::ifstream file = open_input_file(path);
     if (!file.is_open() || std::filesystem::is_directory(path)) {
         throw InputError(path + ": the labels cannot be read (" +
                          std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
     }
     std::vector<std::string> labels;
-    std::string line;
-    while (std::getline(file, line)) {
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
+    with_read_failures_named(path, [&] {
+        std::string line;
+        while (std::getline(file, line)) {
+            if (!line.empty() && line.back() == '\r') {
+                line.pop_back();
+            }
+            labels.push_back(line);
         }
-        labels.push_back(line);
-    }
+    });
     if (labels.size() != row_count) {
         throw InputError(path + ": holds " + counted(labels.size(), "label", "labels") +
                          ", but the matrix has " + counted(row_count, "row", "rows") +

@@ -21,11 +21,11 @@
 #include "util/input_error.h"
 
 #include "tools/exit_status.h"
-#include "tools/file_state.h"
 #include "tools/gene_report.h"
 #include "tools/input_checks.h"
 #include "tools/interruption.h"
 #include "tools/options.h"
+#include "tools/standard_streams.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -34,10 +34,6 @@ namespace ovik::tool {
 namespace {
 
 constexpr double kDefaultPerplexity = 20.0;
-
-void complain(const std::string& message) {
-    std::fprintf(stderr, "ovik-tsne: %s\n", message.c_str());
-}
 
 /// The command's log lines go to standard error, never to files of their own.
 void start_logging(bool quiet) {
@@ -88,12 +84,12 @@ std::string result_base(const Options& options, double perplexity) {
     return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix);
 }
 
-/// Says where a result is, or that it is missing.
-void report_file(const std::string& what, const std::string& path, bool written) {
-    if (written) {
+/// Says where a result is, or why it is missing.
+void report_file(const std::string& what, const std::string& path, std::error_code failure) {
+    if (!failure) {
         print_info(what + ": " + path);
     } else {
-        complain(what + " could not be written: " + path);
+        complain(what + " could not be written: " + path + " (" + failure.message() + ")");
     }
 }
 
@@ -117,6 +113,24 @@ void report_checkpoint(const Options& options, const std::string& failure) {
     } else {
         complain("Checkpoint could not be written: " + options.checkpoint + " (" + failure + ")");
     }
+}
+
+/// Says what became of the results.
+///
+/// @return whether all that were asked for are there
+template <typename T>
+bool report_results(const TSNE<T>& tsne, const std::string& base, const Options& options) {
+    report_file("Result table", base + ".csv", tsne.tableFailure());
+    report_file("Run log", tsne.out_base + ".log", tsne.logFailure());
+    if (options.plots) {
+        report_file("Chart page", base + ".html", tsne.plots().page_failure);
+    }
+    if (tsne.plots().figure == FigureOutcome::Drawn) {
+        print_info("Figure: " + base + ".png (also .svg, and the script .gp)");
+    }
+    report_checkpoint(options, tsne.checkpointFailure());
+    return tsne.tableWritten() && tsne.logWritten() && !tsne.plots().page_failure &&
+           tsne.plots().figure != FigureOutcome::Failed && tsne.checkpointFailure().empty();
 }
 
 template <typename T>
@@ -145,25 +159,12 @@ ExitStatus embed(const Options& options,
     tsne.checkResume(options.dims, perplexity, options.stop_lying_iter, options.mom_switch_iter);
     prepare_directory(options.out_dir);
     const std::string base = result_base(options, perplexity);
-    const FileState page(base + ".html");
-    const FileState figure(base + ".png");
     tsne.actuate(
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
     tsne.finish();
-    report_file("Result table", base + ".csv", tsne.tableWritten());
-    report_file("Run log", tsne.out_base + ".log", tsne.logWritten());
-    if (options.plots) {
-        report_file("Chart page", page.path(), page.isNew());
-    }
-    if (figure.isNew()) {
-        print_info("Figure: " + figure.path() + " (also .svg, and the script .gp)");
-    }
-    report_checkpoint(options, tsne.checkpointFailure());
+    const bool complete = report_results(tsne, base, options);
     print_info(found_genes_line(tsne.row_names));
-    const bool page_written = !options.plots || page.isNew();
-    const bool all_written = tsne.tableWritten() && tsne.logWritten() && page_written &&
-                             tsne.checkpointFailure().empty();
-    return all_written ? interruption_status() : FailedRun;
+    return complete ? interruption_status() : FailedRun;
 }
 
 ExitStatus run(const Options& options) {
@@ -198,10 +199,9 @@ ExitStatus run(const Options& options) {
                : embed<double>(options, delimiter, perplexity, labels);
 }
 
-/// The whole command; what goes wrong is explained on standard error.
+/// The whole command but for what the streams have not taken yet; what goes wrong is explained on
+/// standard error.
 int run_command(int argc, const char* const* argv) {
-    // A file that outgrows its limit is then reported like a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const ParsedCommand command = parse_command_line(argc, argv);
         return command.exit_status ? *command.exit_status : run(command.options);
@@ -221,5 +221,10 @@ int run_command(int argc, const char* const* argv) {
 }  // namespace ovik::tool
 
 int main(int argc, char** argv) {
-    return ovik::tool::run_command(argc, argv);
+    ovik::tool::reserve_standard_streams();
+    // A file that outgrows its limit is then reported like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const int status = ovik::tool::run_command(argc, argv);
+    const bool all_printed = ovik::tool::flush_standard_streams();
+    return all_printed || status != ovik::tool::Success ? status : ovik::tool::FailedRun;
 }

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "util/input_error.h"
+#include "util/input_file.h"
 #include "util/matrix_line.h"
 #include "util/number_field.h"
 
@@ -54,8 +55,7 @@ std::ifstream open_matrix(const std::string& path) {
         refuse(path,
                "this is no regular file, and the matrix is read twice: save it to a file first");
     }
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file = open_input_file(path);
     if (!file.is_open()) {
         refuse(path, "cannot be read (" + std::generic_category().message(errno) + ")");
     }
@@ -247,30 +247,40 @@ std::size_t count_numbers(std::string line, char delimiter) {
     return numbers;
 }
 
+/// The first rows of a file, trimmed, to guess the delimiter from.
+std::vector<std::string> first_rows(const std::string& path) {
+    std::ifstream file = open_matrix(path);
+    std::vector<std::string> rows;
+    std::string line;
+    std::getline(file, line);
+    while (rows.size() < kRowsToGuessFrom && std::getline(file, line)) {
+        trim_matrix_line(line);
+        if (is_matrix_row(line)) {
+            rows.push_back(line);
+        }
+    }
+    return rows;
+}
+
 }  // namespace
 
 MatrixReport inspect_matrix(const std::string& path, char delimiter) {
-    std::ifstream file = open_matrix(path);
-    Inspection inspection(path, delimiter);
-    std::string line;
-    while (std::getline(file, line)) {
-        inspection.addLine(line);
-    }
-    return inspection.report();
+    return with_read_failures_named(path, [&] {
+        std::ifstream file = open_matrix(path);
+        Inspection inspection(path, delimiter);
+        std::string line;
+        while (std::getline(file, line)) {
+            inspection.addLine(line);
+        }
+        return inspection.report();
+    });
 }
 
 char guess_delimiter(const std::string& path) {
-    std::ifstream file = open_matrix(path);
     constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
-    std::string line;
-    std::getline(file, line);
-    for (std::size_t rows = 0; rows < kRowsToGuessFrom && std::getline(file, line);) {
-        trim_matrix_line(line);
-        if (!is_matrix_row(line)) {
-            continue;
-        }
-        ++rows;
+    const auto rows = with_read_failures_named(path, [&] { return first_rows(path); });
+    for (const std::string& line : rows) {
         for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
             numbers[i] += count_numbers(line, kCandidates[i]);
         }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "util/console.h"
+#include "util/input_file.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
 #include "util/number_field.h"
@@ -50,6 +51,39 @@ struct MatrixRows {
     std::vector<T> row_;
 };
 
+/// Reads rows from where a file stands, the lines spread over the cores. See `read_matrix_w_index`.
+///
+/// @param file  throws what it cannot read
+template <typename T>
+void read_matrix_rows(std::istream& file,
+                      char delimiter,
+                      std::vector<std::vector<T>>& matrix,
+                      std::vector<std::string>& row_names) {
+    // Long enough to be worth taking turns for, short enough for the caches.
+    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
+    const NumberReader numbers;
+    LineBlocks blocks(file, kBlockBytes);
+    // Those of each block, in file order; their places stay while others are added.
+    std::deque<MatrixRows<T>> parsed;
+    std::mutex turn;
+    const auto fetch = [&](std::string& block) -> MatrixRows<T>* {
+        const std::lock_guard lock(turn);
+        return blocks.next(block) ? &parsed.emplace_back() : nullptr;
+    };
+    const auto workers = static_cast<std::size_t>(omp_get_max_threads());
+    parallel_for(workers, 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
+        std::string block;
+        while (MatrixRows<T>* const rows = fetch(block)) {
+            for_each_line(block,
+                          [&](std::string_view text) { rows->add(text, delimiter, numbers); });
+        }
+    });
+    for (MatrixRows<T>& rows : parsed) {
+        std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
+        std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
+    }
+}
+
 /// Reads a delimited text file in which every line is one row of a matrix, led by the row's name.
 ///
 /// Lines end at "\n"; `trim_matrix_line` cuts their ends. Empty lines and lines that open with "#"
@@ -64,46 +98,25 @@ struct MatrixRows {
 /// @param header     number of leading lines that are discarded, whatever they hold
 /// @param delimiter  the single character between fields
 /// @throws std::bad_alloc if the rows do not fit in memory
+/// @throws std::system_error if the file cannot be read to its end
 template <typename T>
 void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
                          std::vector<std::string>& row_names,
                          std::string path,
                          int header,
                          char delimiter) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file = open_input_file(path);
     if (!file.is_open()) {
         print_file_error("I cannot open file", path);
         return;
     }
-    std::string line;
-    for (int discarded = 0; discarded < header; ++discarded) {
-        std::getline(file, line);
-    }
-    // Long enough to be worth taking turns for, short enough for the caches.
-    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
-    const NumberReader numbers;
-    LineBlocks blocks(file, kBlockBytes);
-    // Those of each block, in file order; their places stay while others are added.
-    std::deque<MatrixRows<T>> parsed;
-    std::mutex turn;
-    const auto fetch = [&](std::string& block) -> MatrixRows<T>* {
-        const std::lock_guard lock(turn);
-        return blocks.next(block) ? &parsed.emplace_back() : nullptr;
-    };
-    parallel_for(static_cast<std::size_t>(omp_get_max_threads()),
-                 1,
-                 [&](std::size_t /*worker*/, IndexRange /*share*/) {
-                     std::string block;
-                     while (MatrixRows<T>* const rows = fetch(block)) {
-                         for_each_line(block, [&](std::string_view text) {
-                             rows->add(text, delimiter, numbers);
-                         });
-                     }
-                 });
-    for (MatrixRows<T>& rows : parsed) {
-        std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
-        std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
-    }
+    with_read_failures_named(path, [&] {
+        std::string line;
+        for (int discarded = 0; discarded < header; ++discarded) {
+            std::getline(file, line);
+        }
+        read_matrix_rows(file, delimiter, matrix, row_names);
+    });
 }
 
 }  // namespace ovik

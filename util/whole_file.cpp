@@ -1,69 +1,67 @@
 #include "util/whole_file.h"
 
-#include <atomic>
+#include <cerrno>
 #include <unistd.h>
 #include <utility>
 
 #include "util/console.h"
+#include "util/write_all.h"
 
 namespace ovik {
 
-namespace {
-
-/// A name of its own in the same directory; short, so that it fits where the final one does.
-std::string partial_path_for(const std::string& path) {
-    static std::atomic<unsigned int> count = 0;
-    const std::size_t slash = path.rfind('/');
-    const std::string directory = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    return directory + ".ovik-" + std::to_string(getpid()) + "-" + std::to_string(++count) +
-           ".part";
-}
-
-/// Opens a file that is not there yet; what a killed process of the same number left is in the way.
-std::FILE* open_anew(const std::string& path) {
-    std::remove(path.c_str());
-    return std::fopen(path.c_str(), "wx");
-}
-
-}  // namespace
-
 WholeFile::WholeFile(std::string path)
     : path_(std::move(path)),
-      partial_path_(partial_path_for(path_)),
-      stream_(open_anew(partial_path_)) {}
-
-WholeFile::~WholeFile() {
-    if (stream_ != nullptr) {
-        std::fclose(stream_);
-        std::remove(partial_path_.c_str());
+      entry_(path_, PartialEntry::Kind::File) {
+    if (entry_.isOpen()) {
+        // The C library's own files take an interrupted write for a failed one.
+        cookie_io_functions_t functions{};
+        functions.write = &WholeFile::writeBytes;
+        stream_.reset(fopencookie(this, "w", functions));
     }
+}
+
+WholeFile::~WholeFile() = default;
+
+void WholeFile::Close::operator()(std::FILE* stream) const {
+    const int reason = errno;
+    std::fclose(stream);
+    errno = reason;
+}
+
+ssize_t WholeFile::writeBytes(void* file, const char* bytes, std::size_t count) {
+    auto& self = *static_cast<WholeFile*>(file);
+    if (self.failure_ == 0 && !write_all(self.entry_.descriptor(), {bytes, count})) {
+        self.failure_ = errno;
+    }
+    return self.failure_ == 0 ? static_cast<ssize_t>(count) : 0;
 }
 
 bool WholeFile::commit() {
-    // A full disk may show only now, so every step counts.
-    const bool written =
-        std::ferror(stream_) == 0 && std::fflush(stream_) == 0 && fsync(fileno(stream_)) == 0;
-    const bool closed = std::fclose(stream_) == 0;
-    stream_ = nullptr;
-    const bool placed = written && closed && std::rename(partial_path_.c_str(), path_.c_str()) == 0;
-    if (!placed) {
-        std::remove(partial_path_.c_str());
+    // A full disk may show only now, so every step counts. The file is closed, and its lock lifted,
+    // when it is in its place.
+    if (std::fflush(stream_.get()) != 0 || std::ferror(stream_.get()) != 0) {
+        errno = failure_ != 0 ? failure_ : EIO;
+        return false;
     }
-    return placed;
+    return TEMP_FAILURE_RETRY(fsync(entry_.descriptor())) == 0 && entry_.moveTo(path_);
 }
 
 bool write_whole_file(const std::string& path, std::string_view text) {
     WholeFile file(path);
-    if (file.stream() == nullptr) {
-        print_file_error("I cannot open file", path);
-        return false;
+    if (file.stream() != nullptr) {
+        std::fwrite(text.data(), 1, text.size(), file.stream());
+        if (file.commit()) {
+            return true;
+        }
     }
-    std::fwrite(text.data(), 1, text.size(), file.stream());
-    if (!file.commit()) {
-        print_file_error("I cannot write file", path);
-        return false;
-    }
-    return true;
+    print_whole_file_error(file, path);
+    return false;
+}
+
+void print_whole_file_error(const WholeFile& file, const std::string& path) {
+    const int reason = errno;
+    print_file_error(file.stream() == nullptr ? "I cannot open file" : "I cannot write file", path);
+    errno = reason;
 }
 
 }  // namespace ovik

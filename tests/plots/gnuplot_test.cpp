@@ -343,13 +343,49 @@ TEST_F(Figure, NeedsATableAndAnOpenSession) {
     EXPECT_THROW(plot<double>(figure, base, {0, 1, 0, 1}), std::logic_error);
 }
 
-TEST_F(Figure, ReportsADirectoryThatIsGone) {
+TEST_F(Figure, ReportsAScriptThatCannotBeWritten) {
     const std::string base = table("f");
     std::filesystem::create_directory(base + ".gp");
     testing::internal::CaptureStdout();
-    EXPECT_EQ(draw(base), "");
+    EXPECT_EQ(draw(base),
+              "Figure " + base + ".png was not drawn: " + base +
+                  ".gp could not be written (Is a directory).\n");
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 HasSubstr("I cannot write file: " + base + ".gp"));
+}
+
+TEST_F(Figure, IsNotDrawnFromTheTableOfAnotherRun) {
+    const std::string base = table("f");
+    RunCaption caption;
+    caption.has_table = false;
+    const CaptionScope scope(caption);
+    EXPECT_EQ(draw(base),
+              "Figure " + base +
+                  ".png was not drawn: the result table of this run could not be written.\n");
+    EXPECT_EQ(directory_.entryCount(), 1U);
+}
+
+TEST_F(Figure, TellsWhatBecameOfIt) {
+    const std::string base = table("f");
+    Gnuplot<double> figure;
+    EXPECT_EQ(figure.outcome(), FigureOutcome::None);
+    const auto outcome = [&] {
+        testing::internal::CaptureStderr();
+        figure.open(false);
+        plot<double>(figure, base, {0, 4, 0, 8});
+        figure.close();
+        testing::internal::GetCapturedStderr();
+        return figure.outcome();
+    };
+    EXPECT_EQ(outcome(), FigureOutcome::Drawn);
+    const test::TemporaryDirectory programs;
+    {
+        const test::PathVariable path(programs.prefix(), true);
+        EXPECT_EQ(outcome(), FigureOutcome::ScriptOnly);
+    }
+    test::write_program(programs, "gnuplot", "exit 1");
+    const test::PathVariable path(programs.prefix());
+    EXPECT_EQ(outcome(), FigureOutcome::Failed);
 }
 
 TEST_F(Figure, StyleNamesItsNumbers) {

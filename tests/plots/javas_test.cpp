@@ -144,6 +144,14 @@ TEST_F(ChartPage, DoesNotTakeTheTableOfAnotherRun) {
     EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
 }
 
+TEST_F(ChartPage, DoesNotTakeATableThatTheCaptionDisowns) {
+    writeTable({{1.5, -2}}, {"A"}, {"Group:1:2"}, {"f"});
+    RunCaption caption;
+    caption.has_table = false;
+    const CaptionScope scope(caption);
+    EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
+}
+
 TEST_F(ChartPage, ShowsTheCaption) {
     const RunCaption caption{"Yeast & <friends>", {{"Perplexity", "30"}}, {}};
     const CaptionScope scope(caption);

@@ -65,6 +65,10 @@ class RecordingChart {
                         list(labels));
     }
 
+    [[nodiscard]] std::error_code failure() const {
+        return std::make_error_code(std::errc::io_error);
+    }
+
   private:
     int rows_ = 0;
 };
@@ -106,6 +110,8 @@ class RecordingFigure {
 
     void close() { calls.push_back("close"); }
 
+    [[nodiscard]] FigureOutcome outcome() const { return FigureOutcome::ScriptOnly; }
+
   private:
     const std::string* style_ = nullptr;
 };
@@ -124,11 +130,13 @@ TYPED_TEST(PlotHandOff, MakesTheCallsInOrder) {
     const std::vector<std::array<T, 2>> coordinates = {
         {T(1.5), T(-2)}, {T(-3), T(4)}, {T(0.25), T(0)}};
     const PlotColumns<T> columns(coordinates);
-    hand_to_plots<T, RecordingChart, RecordingFigure>(
+    const PlotOutcome outcome = hand_to_plots<T, RecordingChart, RecordingFigure>(
         {"res/", "yeast", "res/yeast_tsne_30_0", "tsne_30_0"},
         coordinates,
         columns,
         {"a", "b", "a"});
+    EXPECT_EQ(outcome.page_failure, std::errc::io_error);
+    EXPECT_EQ(outcome.figure, FigureOutcome::ScriptOnly);
     EXPECT_THAT(calls,
                 ElementsAre("chart res/ yeast",
                             "set_param 3 2 null",

@@ -356,7 +356,7 @@ TEST_F(Driver, RunsOnNothingBeforeAnyInput) {
     }
 }
 
-TEST_F(Driver, TellsWhetherTheTableWasWritten) {
+TEST_F(Driver, TellsWhichResultsWereWrittenAndWhyOthersWereNot) {
     testing::internal::CaptureStdout();
     TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
     EXPECT_FALSE(tsne.tableWritten());
@@ -364,11 +364,18 @@ TEST_F(Driver, TellsWhetherTheTableWasWritten) {
     tsne.actuate(2, 3.0, {}, 250, 250);
     EXPECT_TRUE(tsne.tableWritten());
     EXPECT_TRUE(tsne.logWritten());
+    EXPECT_EQ(tsne.tableFailure(), std::error_code());
+    EXPECT_EQ(tsne.plots().figure, FigureOutcome::Drawn);
+    EXPECT_EQ(tsne.plots().page_failure, std::error_code());
     // A table that cannot be written costs the run nothing else.
     tsne.out_base = directory_.file("missing/run");
     tsne.actuate(2, 3.0, {}, 250, 250);
     EXPECT_FALSE(tsne.tableWritten());
     EXPECT_FALSE(tsne.logWritten());
+    EXPECT_EQ(tsne.tableFailure(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(tsne.logFailure(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(tsne.plots().figure, FigureOutcome::Failed);
+    EXPECT_EQ(tsne.plots().page_failure, std::error_code());
     tsne.finish();
     const std::string out = testing::internal::GetCapturedStdout();
     EXPECT_NE(out.find("\n-- \033[1;31mError: I cannot open file: " +

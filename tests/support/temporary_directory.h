@@ -35,7 +35,7 @@ class TemporaryDirectory {
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
 
     /// Writes a file into the directory and returns its path.
-    [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
+    std::string write(const std::string& name, const std::string& content) const {
         std::ofstream(file(name), std::ios::binary) << content;
         return file(name);
     }

@@ -1,5 +1,6 @@
 #include "util/whole_file.h"
 
+#include <cerrno>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -36,6 +37,7 @@ TEST(WholeFile, LeavesNothingWithoutACommit) {
 
 TEST(WholeFile, HasNoStreamWhereItCannotBeWritten) {
     const WholeFile file("no/such/directory/table.csv");
+    EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(file.stream(), nullptr);
 }
 
@@ -43,9 +45,13 @@ TEST(WholeFile, KeepsAnEarlierFileWhenTheMoveFails) {
     const test::TemporaryDirectory directory;
     const std::string path = directory.file("table.csv");
     std::filesystem::create_directories(path + "/occupied");
-    WholeFile file(path);
-    std::fputs("new", file.stream());
-    EXPECT_FALSE(file.commit());
+    {
+        WholeFile file(path);
+        std::fputs("new", file.stream());
+        EXPECT_FALSE(file.commit());
+        EXPECT_EQ(errno, EISDIR);
+    }
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_TRUE(std::filesystem::is_directory(path));
     EXPECT_EQ(directory.entryCount(), 1U);
 }

@@ -1,5 +1,7 @@
 #include "util/write_string.h"
 
+#include <cerrno>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
@@ -24,7 +26,9 @@ TEST(WriteString, AddsNothingToTheText) {
 
 TEST(WriteString, TellsOfAFileThatCannotBeWritten) {
     EXPECT_FALSE(write_string("no/such/directory/run.log", "x", "", "a+", "", "#", "\n"));
+    EXPECT_EQ(errno, ENOENT);
     EXPECT_FALSE(write_string("/dev/full", "x", "", "a+", "", "#", "\n"));
+    EXPECT_EQ(errno, ENOSPC);
 }
 
 }  // namespace

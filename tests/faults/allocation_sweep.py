@@ -1,0 +1,74 @@
+"""Fails the 1st, 2nd, ... allocation of small runs: that one alone, or all from there on."""
+
+import argparse
+import collections
+import errno
+import sys
+
+from faults import Bench, Faulty
+
+RUNS = {
+    "exact": ["--theta", "0"],
+    "exact, no plots": ["--theta", "0", "--no-plots"],
+    "Barnes-Hut": ["--theta", "0.5"],
+    "Barnes-Hut, no plots": ["--theta", "0.5", "--no-plots"],
+}
+
+
+OUT_OF_MEMORY = "Memory allocation failed!"
+
+
+def ending(outcome):
+    """What the run said last."""
+    if outcome.status == 0:
+        return "succeeded"
+    last_line = outcome.error_text.splitlines()[-1]
+    if last_line.endswith(OUT_OF_MEMORY):
+        return OUT_OF_MEMORY
+    for speaker in ("ovik-tsne", "libgomp"):
+        if last_line.startswith(speaker + ": "):
+            return "message of " + speaker
+    raise Faulty(f"does not end with a line of its own: {outcome.error_text!r}")
+
+
+def sweep(bench, onwards, stride):
+    """Returns the number of allocations, how many runs ended how, and what was wrong."""
+    fault = {"CALL": "allocation", "ERROR": errno.ENOMEM} | ({"ONWARDS": 1} if onwards else {})
+    total = bench.run(fault).calls
+    bench.restore()
+    tally = collections.Counter()
+    errors = []
+    # Threads shift the numbers of calls a little.
+    for number in range(1, total + stride + 10, stride):
+        try:
+            outcome = bench.run(fault | {"AT": number})
+            bench.check(outcome)
+            tally[ending(outcome)] += 1
+        except Faulty as error:
+            tally["faulty"] += 1
+            errors.append(f"allocation {number}: {error}")
+        if bench.read_results() != bench.earlier:
+            bench.restore()
+    return total, tally, errors
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__)
+    arguments.add_argument("--command", required=True)
+    arguments.add_argument("--library", required=True)
+    arguments.add_argument("--stride", type=int, default=1)
+    options = arguments.parse_args()
+    failures = 0
+    for name, run_options in RUNS.items():
+        with Bench(options.command, options.library, run_options) as bench:
+            for onwards in (False, True):
+                total, tally, errors = sweep(bench, onwards, options.stride)
+                failures += len(errors)
+                which = "and all that follow" if onwards else "alone"
+                print(f"{name}: {total} allocations, failed {which}: {dict(tally)}")
+                for error in errors:
+                    print("  " + error)
+    sys.exit(1 if failures else 0)
+
+
+main()
