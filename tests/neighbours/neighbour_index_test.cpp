@@ -158,5 +158,28 @@ RC_GTEST_PROP(NeighbourIndex, AnswersAsTheTreeDoesOnAnyPoints, ()) {
     RC_ASSERT(of_index(points, dims, k, group_size) == of_tree(points, dims, k));
 }
 
+TEST(NeighbourIndex, KnowsHowManyBlocksItTakes) {
+    EXPECT_EQ(NeighbourIndex::blockCount(0), 0U);
+    EXPECT_EQ(NeighbourIndex::blockCount(1), 1U);
+    // Four levels: 8, 4, 2, 1. The farther half gets the odd point.
+    EXPECT_EQ(NeighbourIndex::blockCount(8), 1U);
+    EXPECT_EQ(NeighbourIndex::blockCount(9), 2U);
+    // A point alone, and its halves of 7 and 8.
+    EXPECT_EQ(NeighbourIndex::blockCount(16), 3U);
+}
+
+TEST(NeighbourIndex, AsksNoMoreOnceItHasDuplicatesEnough) {
+    // Quadratic time would show: every query would see all rows.
+    const std::size_t N = 200000;
+    const std::vector<double> points(2 * N, 1.5);
+    const NeighbourIndex index(points.data(), N, 2);
+    NeighbourIndex::Query query;
+    for (std::size_t n = 0; n < N; ++n) {
+        index.search(points.data(), 31, query);
+        ASSERT_EQ(query.neighbours.size(), 31U);
+    }
+    EXPECT_EQ(query.neighbours.back().distance, 0.0);
+}
+
 }  // namespace
 }  // namespace ovik
