@@ -40,7 +40,8 @@ MemoryEstimate estimate_memory(const RunSize& size) {
         estimate.fitting += 8.0 * N * N;
     } else {
         const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
-        const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
+        const double of_queries = 512.0 * static_cast<double>(size.threads);
+        const double index = 164.0 * N + blocks * (128.0 * D + 256.0 + of_queries);
         const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
         estimate.similarities = lasting + 12.0 * entries + std::max(index, symmetrizing);
         estimate.fitting += 12.0 * symmetric + 157.0 * N + 44.0 * N * d;

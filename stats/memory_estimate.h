@@ -14,21 +14,23 @@ struct RunSize {
     double theta = 0.5;
     /// Whether chart page and figure are drawn.
     bool has_plots = true;
+    std::size_t threads = 1;
 };
 
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
 ///
-/// With N rows, D columns, d output dimensions, K = 3 * perplexity neighbours (N - 1 at most), E =
-/// N * K entries before and S after they are made symmetric, B = `NeighbourIndex::blockCount`, and
-/// R = N * d * (d - 1) / 2 rows of the result table; 14 MB for the program, the input (8 ND) and
-/// the rows' names (80 N) are there in all stages, and beside them:
+/// With N rows, D columns, T threads, d output dimensions, K = 3 * perplexity neighbours (N - 1 at
+/// most), E = N * K entries before and S after they are made symmetric, B =
+/// `NeighbourIndex::blockCount`, and R = N * d * (d - 1) / 2 rows of the result table; 14 MB for
+/// the program, the input (8 ND) and the rows' names (80 N) are there in all stages, and beside
+/// them:
 ///
 /// - reading: the input once more (8 ND), as it comes from the file;
 /// - similarities, exact: a copy of the input by columns (8 ND), distances and similarities
 ///   (16 N^2);
 /// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
-///   (164 N + B * (128 D + 256)) and what makes them symmetric: their transpose (8 E + 8 N) and the
-///   symmetric entries (12 S);
+///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
+///   and the symmetric entries (12 S);
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (157 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the

@@ -6,6 +6,7 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <omp.h>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -173,7 +174,8 @@ ExitStatus run(const Options& options) {
                        static_cast<std::size_t>(options.dims),
                        choose_perplexity(options, matrix.report.rows),
                        options.theta,
-                       options.plots};
+                       options.plots,
+                       static_cast<std::size_t>(omp_get_max_threads())};
     const std::string base = result_base(options, size.perplexity);
     check_file_name(base);
     const AvailableMemory available = available_memory();

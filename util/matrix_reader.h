@@ -75,32 +75,11 @@ void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
         std::getline(file, line);
     }
     const NumberReader numbers;
-<<<<<<< HEAD
-    LineBlocks blocks(file, kBlockBytes);
-    // Those of each block, in file order; their places stay while others are added.
-    std::deque<MatrixRows<T>> parsed;
-    std::mutex turn;
-    const auto fetch = [&](std::string& block) -> MatrixRows<T>* {
-        const std::lock_guard lock(turn);
-        return blocks.next(block) ? &parsed.emplace_back() : nullptr;
-    };
-    parallel_for(static_cast<std::size_t>(omp_get_max_threads()),
-                 1,
-                 [&](std::size_t /*worker*/, IndexRange /*share*/) {
-                     std::string block;
-                     while (MatrixRows<T>* const rows = fetch(block)) {
-                         for_each_line(block, [&](std::string_view text) {
-                             rows->add(text, delimiter, numbers);
-                         });
-                     }
-                 });
-=======
     auto parsed =
         parse_line_blocks<MatrixRows<T>>(file, [&](std::string_view block, MatrixRows<T>& rows) {
             for_each_line(block,
                           [&](std::string_view text) { rows.add(text, delimiter, numbers); });
         });
->>>>>>> a6f791d (wip)
     for (MatrixRows<T>& rows : parsed) {
         std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
         std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));

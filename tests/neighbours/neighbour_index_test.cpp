@@ -172,12 +172,13 @@ TEST(NeighbourIndex, AsksNoMoreOnceItHasDuplicatesEnough) {
     const std::size_t N = 200000;
     const std::vector<double> points(2 * N, 1.5);
     const NeighbourIndex index(points.data(), N, 2);
-    NeighbourIndex::Query query;
+    NeighbourIndex::Queries queries;
+    const double* const target = points.data();
     for (std::size_t n = 0; n < N; ++n) {
-        index.search(points.data(), 31, query);
-        ASSERT_EQ(query.neighbours.size(), 31U);
+        index.search(&target, 1, 31, queries);
+        ASSERT_EQ(queries.neighbours[0].size(), 31U);
     }
-    EXPECT_EQ(query.neighbours.back().distance, 0.0);
+    EXPECT_EQ(queries.neighbours[0].back().distance, 0.0);
 }
 
 }  // namespace

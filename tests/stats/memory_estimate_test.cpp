@@ -47,6 +47,13 @@ TEST(EstimateMemory, CountsPlotsAndPairsOfDimensions) {
     EXPECT_GT(estimate_memory(size).results, 3.0 * 160.0 * 1e6);
 }
 
+TEST(EstimateMemory, CountsWhatThreadsNeedForNeighbours) {
+    RunSize size{.rows = 1000000, .columns = 50, .perplexity = 5.0, .threads = 64};
+    const double many = estimate_memory(size).peak();
+    size.threads = 1;
+    EXPECT_GT(many, 2.0 * estimate_memory(size).peak());
+}
+
 TEST(EstimateMemory, DoesNotOverflow) {
     const RunSize huge{.rows = 2147483647, .columns = 2147483647, .theta = 0.0};
     EXPECT_GT(estimate_memory(huge).peak(), 7e19);
