@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <map>
 #include <memory>
+#include <utility>
 
 #include "util/parallel.h"
 
@@ -121,6 +123,27 @@ void NeighbourIndex::buildSubtree(const double* points, Range range) {
     split(points, range);
     buildSubtree(points, range.left());
     buildSubtree(points, range.right());
+}
+
+std::size_t NeighbourIndex::blockCount(std::size_t N) {
+    // The ranges of a level of the tree have few different sizes.
+    std::map<std::pair<std::size_t, int>, std::size_t> counts;
+    const auto count = [&counts](const auto& self, Range range, int levels) -> std::size_t {
+        if (range.size() == 0) {
+            return 0;
+        }
+        const auto [entry, is_new] = counts.try_emplace({range.size(), levels}, 0);
+        if (is_new) {
+            const bool opens_block = levels == 0;
+            const int below = (opens_block ? levelsInBlock(range.size()) : levels) - 1;
+            entry->second = opens_block ? 1 : 0;
+            if (range.size() > 1) {
+                entry->second += self(self, range.left(), below) + self(self, range.right(), below);
+            }
+        }
+        return entry->second;
+    };
+    return count(count, {0, N}, 0);
 }
 
 int NeighbourIndex::levelsInBlock(std::size_t size) {
@@ -295,7 +318,8 @@ std::size_t NeighbourIndex::measure(std::uint32_t block, Queries& queries) const
 /// @param lane    of the range's vantage point in it
 void NeighbourIndex::visit(
     Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const {
-    if (range.size() == 0) {
+    // A radius of 0, among duplicates of the target, admits nothing more.
+    if (range.size() == 0 || queries.radius == 0.0) {
         return;
     }
     if (levels == 0) {

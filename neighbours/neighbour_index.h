@@ -63,6 +63,10 @@ class NeighbourIndex {
     NeighbourIndex(const NeighbourIndex&) = delete;
     NeighbourIndex& operator=(const NeighbourIndex&) = delete;
 
+    /// How many blocks of `kBlockPoints` points the index over N rows takes: what it needs most of
+    /// its memory for.
+    static std::size_t blockCount(std::size_t N);
+
     /// The row at a position of the tree order. Near rows often have near positions.
     [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
 

@@ -1,21 +1,22 @@
 #include "tools/input_checks.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <system_error>
 
 #include "stats/checkpoint.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
 
+#include "tools/counted.h"
+
 namespace ovik::tool {
 
 namespace {
-
-std::string counted(std::size_t count, const std::string& one, const std::string& many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
 
 std::string place(const std::string& path, const FieldPlace& place) {
     return path + ":" + std::to_string(place.line) + ": field " + std::to_string(place.field) +
@@ -35,25 +36,75 @@ std::string place(const std::string& path, const FieldPlace& place) {
         message += report.ragged_rows > report.first_ragged_rows.size() ? ", ...)" : ")";
     }
     throw InputError(message +
-                     "\nEvery row needs the same number of values: fill in those that are missing "
-                     "(empty fields at the end of a line do not count), or check the delimiter.");
+                     "\nEvery row needs the same number of values: fill in those that are missing, "
+                     "or check the delimiter.");
 }
 
 /// The engine adds up columns and divides by the largest deviation from their means: both have to
 /// be numbers that `double` can hold.
-void check_scale(const std::string& path, const MatrixReport& report) {
+void check_scale(const std::string& path, const InspectedMatrix& matrix) {
     constexpr double kLargest = 1e300;
-    if (report.largest_magnitude > kLargest || report.widest_range < 1.0 / kLargest) {
-        throw InputError(path + ": the values are too " +
-                         (report.largest_magnitude > kLargest ? "large" : "close to one another") +
-                         " to be computed with\nBring them to a common scale, for example by "
-                         "logarithms.");
+    const std::size_t columns = matrix.report.columns;
+    std::vector<double> lowest(columns, std::numeric_limits<double>::infinity());
+    std::vector<double> highest(columns, -std::numeric_limits<double>::infinity());
+    const double* value = matrix.values.get();
+    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+        for (std::size_t d = 0; d < columns; ++d, ++value) {
+            lowest[d] = std::min(lowest[d], *value);
+            highest[d] = std::max(highest[d], *value);
+        }
+    }
+    double widest_range = 0.0;
+    for (std::size_t d = 0; d < columns; ++d) {
+        if (std::max(-lowest[d], highest[d]) > kLargest) {
+            throw InputError(path +
+                             ": the values are too large to be computed with\nBring them to a "
+                             "common scale, for example by logarithms.");
+        }
+        widest_range = std::max(widest_range, highest[d] - lowest[d]);
+    }
+    if (widest_range < 1.0 / kLargest) {
+        throw InputError(path +
+                         ": the values are too close to one another to be computed with\nBring "
+                         "them to a common scale, for example by logarithms.");
+    }
+}
+
+bool all_rows_are_equal(const InspectedMatrix& matrix) {
+    const double* const values = matrix.values.get();
+    const std::size_t columns = matrix.report.columns;
+    return std::equal(values + columns, values + matrix.report.rows * columns, values);
+}
+
+std::string delimiter_text(char delimiter) {
+    switch (delimiter) {
+        case '\t':
+            return "tab";
+        case ' ':
+            return "space";
+        default:
+            return {delimiter};
+    }
+}
+
+/// What to do about a file without numbers: another delimiter, if there are numbers with it.
+std::string delimiter_advice(const std::string& path, char delimiter) {
+    const std::string general =
+        "Every line behind the first should be a name and its values; --delimiter says what stands "
+        "between them.";
+    try {
+        const char better = guess_delimiter(path);
+        return better == delimiter ? general
+                                   : "There are with --delimiter '" + delimiter_text(better) +
+                                         "', which is also what is guessed without the option.";
+    } catch (const InputError&) {
+        return general;
     }
 }
 
 }  // namespace
 
-void check_matrix(const std::string& path, const MatrixReport& report) {
+void check_matrix(const std::string& path, char delimiter, const MatrixReport& report) {
     if (report.lost_names.count > 0) {
         const FieldPlace& first = report.lost_names.first;
         throw InputError(path + ":" + std::to_string(first.line) +
@@ -63,18 +114,13 @@ void check_matrix(const std::string& path, const MatrixReport& report) {
                          ")\nGive the row a name, or take it out.");
     }
     if (report.rows > 0 && report.numbers == 0) {
-        throw InputError(path +
-                         ": holds no numbers\nEvery line behind the first should be a name and its "
-                         "values; --delimiter says what stands between them.");
+        throw InputError(path + ": holds no numbers with " + delimiter_text(delimiter) +
+                         " between the fields\n" + delimiter_advice(path, delimiter));
     }
     if (report.ragged_rows > 0) {
         refuse_ragged(path, report);
     }
-    if (report.rows < 3) {
-        throw InputError(path + ": has " + counted(report.rows, "row", "rows") +
-                         ", and an embedding needs at least 3\nThe first line is taken as the "
-                         "header; lines that are empty or open with # are skipped.");
-    }
+    check_row_count(path, report.rows);
     if (report.not_finite.count > 0) {
         const FieldPlace& first = report.not_finite.first;
         throw InputError(place(path, first) + " is \"" + first.text +
@@ -83,27 +129,40 @@ void check_matrix(const std::string& path, const MatrixReport& report) {
                          ")\nReplace such values, for example by the mean of their row, or take "
                          "the rows out.");
     }
-    if (report.rows_all_equal) {
+}
+
+void check_row_count(const std::string& path, std::size_t rows) {
+    if (rows < 3) {
+        throw InputError(path + ": has " + counted(rows, "row", "rows") +
+                         ", and an embedding needs at least 3\nThe first line is taken as the "
+                         "header; lines that are empty or open with # are skipped.");
+    }
+    if (rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw InputError(path + ": has " + counted(rows, "row", "rows") +
+                         ", and more than 2147483647 cannot be embedded\nTake a part of them.");
+    }
+}
+
+void check_values(const std::string& path, const InspectedMatrix& matrix) {
+    if (all_rows_are_equal(matrix)) {
         throw InputError(
             path +
             ": all rows hold the same values, so there is nothing to embed\nCheck that "
             "the columns are the measurements, and the delimiter.");
     }
-    check_scale(path, report);
+    check_scale(path, matrix);
 }
 
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report) {
     std::vector<std::string> warnings;
-    if (report.empty.count > 0) {
-        warnings.push_back(place(path, report.empty.first) + " is empty and read as 0 (" +
-                           counted(report.empty.count, "empty field", "empty fields") + " in all)");
-    }
     if (report.not_numbers.count > 0) {
         const FieldPlace& first = report.not_numbers.first;
-        warnings.push_back(place(path, first) + " is \"" + first.text +
-                           "\", which is not a number, and read as 0 (" +
-                           counted(report.not_numbers.count, "such field", "such fields") +
-                           " in all)");
+        warnings.push_back(
+            place(path, first) + " is \"" + first.text +
+            "\", which is not a number, and read as 0" +
+            (first.text.find('"') != std::string::npos ? "; numbers should stand without quotes"
+                                                       : "") +
+            " (" + counted(report.not_numbers.count, "such field", "such fields") + " in all)");
     }
     if (report.with_text_behind.count > 0) {
         const FieldPlace& first = report.with_text_behind.first;
@@ -119,6 +178,13 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
         warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +
                            ": the row has no name (" +
                            counted(report.unnamed.count, "such row", "such rows") + " in all)");
+    }
+    if (report.quoted_names.count > 0) {
+        warnings.push_back(path + ":" + std::to_string(report.quoted_names.first.line) +
+                           ": the quotes are part of the name " + report.quoted_names.first.row +
+                           ", so that the gene table does not know it (" +
+                           counted(report.quoted_names.count, "such row", "such rows") +
+                           " in all)");
     }
     if (report.duplicate_names > 0) {
         std::string names;

@@ -95,8 +95,8 @@ void add_method_options(CLI::App& app, Options& options) {
                    options.perplexity,
                    "Effective number of neighbours of a row (20, less for under 61 rows)")
         ->option_text("NUMBER")
-        ->check(
-            finite_number("above 0, at most 1e9", [](double p) { return p > 0.0 && p <= 1e9; }));
+        ->check(finite_number("at least 1, at most 1e9",
+                              [](double p) { return p >= 1.0 && p <= 1e9; }));
     app.add_option("-t,--theta",
                    options.theta,
                    "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
@@ -128,7 +128,11 @@ void add_method_options(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"double", "float"}));
     app.add_option("-j,--threads", options.threads, "Threads, 0 for one per core (0)")
         ->option_text("COUNT")
-        ->check(CLI::Range(0, 1024));
+        ->check(CLI::Range(0, 1000000));
+    app.add_flag("--force", options.force, "Run even if there seems to be too little memory");
+    app.add_flag("--dry-run",
+                 options.dry_run,
+                 "Check the input, tell what a run would take and write, and stop");
 }
 
 void add_checkpoint_options(CLI::App& app, Options& options) {
@@ -158,6 +162,17 @@ void add_input_options(CLI::App& app, Options& options) {
            [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
            "Between fields: tab, comma, semicolon, space or a character (guessed)")
         ->option_text("TEXT");
+    app.add_option_function<std::string>(
+           "--missing",
+           [&options](const std::string& text) { options.missing = missing_policy(text); },
+           "Values: zero, row-mean, column-mean, drop (their rows) or error (zero, and a warning)")
+        ->option_text("POLICY")
+        ->check([](const std::string& text) {
+            return missing_policy(text) ? ""
+                                        : "should be zero, row-mean, column-mean, drop or error, "
+                                          "not " +
+                                              text;
+        });
     app.add_option_function<std::string>(
            "--names",
            [&options](const std::string& text) { options.standard_names = text == "standard"; },

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "tools/missing_values.h"
+
 namespace ovik::tool {
 
 enum class Precision { Double, Float };
@@ -27,6 +29,8 @@ struct Options {
     int mom_switch_iter = 250;
     /// Not given: guessed from the file.
     std::optional<char> delimiter;
+    /// Not given: zero, with a warning.
+    std::optional<MissingPolicy> missing;
     /// Whether rows get standard gene names for systematic ones before the run.
     bool standard_names = false;
     /// Not empty: a gene to look up, instead of a run.
@@ -44,6 +48,10 @@ struct Options {
     Precision precision = Precision::Double;
     /// 0: all cores.
     int threads = 0;
+    /// Whether a run is tried for which there seems to be too little memory.
+    bool force = false;
+    /// Whether the command only tells what it would do.
+    bool dry_run = false;
     bool quiet = false;
 };
 

@@ -10,22 +10,33 @@
 #include <string>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include <glog/logging.h>
 
+#include "plots/plain_text.h"
+#include "stats/memory_estimate.h"
 #include "stats/result_table.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
 #include "util/input_error.h"
+#include "util/matrix_check.h"
 
+#include "tools/available_memory.h"
+#include "tools/counted.h"
+#include "tools/dry_run.h"
+#include "tools/duplicate_rows.h"
 #include "tools/exit_status.h"
 #include "tools/gene_report.h"
 #include "tools/input_checks.h"
 #include "tools/interruption.h"
+#include "tools/load_matrix.h"
+#include "tools/memory_check.h"
 #include "tools/options.h"
 #include "tools/standard_streams.h"
+#include "tools/threads.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -43,11 +54,18 @@ void start_logging(bool quiet) {
 }
 
 /// The perplexity of the run: as given, or 20, or the largest that few rows allow.
+///
+/// @throws InputError if no row has as many others
 double choose_perplexity(const Options& options, std::size_t rows) {
+    const double available = static_cast<double>(rows - 1);
     if (options.perplexity) {
+        if (*options.perplexity >= available) {
+            throw InputError("--perplexity: a row has " + std::to_string(rows - 1) +
+                             " others, so it cannot have as many neighbours or more\nGive at most "
+                             "a third of that; 5 to 50 are usual.");
+        }
         return *options.perplexity;
     }
-    const double available = static_cast<double>(rows - 1);
     if (3.0 * kDefaultPerplexity <= available) {
         return kDefaultPerplexity;
     }
@@ -135,11 +153,18 @@ bool report_results(const TSNE<T>& tsne, const std::string& base, const Options&
 
 template <typename T>
 ExitStatus embed(const Options& options,
-                 char delimiter,
+                 InspectedMatrix matrix,
                  double perplexity,
                  const std::vector<std::string>& labels) {
+    const std::size_t duplicates =
+        count_duplicate_rows(matrix.values.get(), matrix.report.rows, matrix.report.columns);
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
-    tsne.init(options.matrix, options.max_iter, delimiter);
+    // What `init` does, with a matrix that has been read.
+    tsne.max_iter = options.max_iter;
+    tsne.N = static_cast<int>(matrix.report.rows);
+    tsne.D = static_cast<int>(matrix.report.columns);
+    tsne.row_names = std::move(matrix.row_names);
+    tsne.X = matrix.values.release();
     tsne.theta = options.theta;
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
@@ -163,7 +188,11 @@ ExitStatus embed(const Options& options,
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
     tsne.finish();
     const bool complete = report_results(tsne, base, options);
-    print_info(found_genes_line(tsne.row_names));
+    print_info(one_line_utf8(found_genes_line(tsne.row_names)));
+    if (duplicates > 0) {
+        print_info("Equal rows: " + counted(duplicates, "row holds", "rows hold") +
+                   " the same values as an earlier one");
+    }
     return complete ? interruption_status() : FailedRun;
 }
 
@@ -175,28 +204,38 @@ ExitStatus run(const Options& options) {
     if (!options.checkpoint.empty()) {
         check_checkpoint_path(options.checkpoint);
     }
-    const char delimiter = options.delimiter ? *options.delimiter : guess_delimiter(options.matrix);
-    const MatrixReport report = inspect_matrix(options.matrix, delimiter);
-    check_matrix(options.matrix, report);
-    for (const std::string& warning : matrix_warnings(options.matrix, report)) {
-        complain("warning: " + warning);
-    }
-    std::vector<std::string> labels;
-    if (!options.labels_file.empty()) {
-        labels = read_labels(options.labels_file, report.rows);
-    }
     if (options.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) {
         throw std::system_error(errno, std::generic_category(), "cannot silence standard output");
     }
-    if (options.threads > 0) {
-        omp_set_num_threads(options.threads);
+    const std::string threads_note = set_thread_count(options.threads);
+    if (!threads_note.empty()) {
+        complain("note: " + threads_note);
+    }
+    std::vector<std::string> labels;
+    InspectedMatrix matrix = load_matrix(options, labels);
+    const RunSize size{matrix.report.rows,
+                       matrix.report.columns,
+                       static_cast<std::size_t>(options.dims),
+                       choose_perplexity(options, matrix.report.rows),
+                       options.theta,
+                       options.plots,
+                       static_cast<std::size_t>(omp_get_max_threads())};
+    const std::string base = result_base(options, size.perplexity);
+    check_file_name(base);
+    const AvailableMemory available = available_memory();
+    if (options.dry_run) {
+        print_plan(options, size, available, base);
+    }
+    if (!options.force) {
+        check_memory(size, available);
+    }
+    if (options.dry_run) {
+        return Success;
     }
     start_logging(options.quiet);
-    const double perplexity = choose_perplexity(options, report.rows);
-    check_file_name(result_base(options, perplexity));
     return options.precision == Precision::Float
-               ? embed<float>(options, delimiter, perplexity, labels)
-               : embed<double>(options, delimiter, perplexity, labels);
+               ? embed<float>(options, std::move(matrix), size.perplexity, labels)
+               : embed<double>(options, std::move(matrix), size.perplexity, labels);
 }
 
 /// The whole command but for what the streams have not taken yet; what goes wrong is explained on

@@ -4,9 +4,24 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 
+#include "plots/plain_text.h"
+#include "util/line_blocks.h"
+
 namespace ovik::tool {
+
+namespace {
+
+/// What a line has in printable ASCII, without taking memory.
+void print_ascii(std::string_view line) {
+    for (const char byte : line) {
+        std::fputc(byte >= ' ' && byte <= '~' ? byte : '?', stderr);
+    }
+}
+
+}  // namespace
 
 void reserve_standard_streams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -20,8 +35,14 @@ void reserve_standard_streams() {
 
 void complain(std::string_view message) {
     std::fputs("ovik-tsne: ", stderr);
-    std::fwrite(message.data(), 1, message.size(), stderr);
-    std::fputc('\n', stderr);
+    for_each_line(message, [](std::string_view line) {
+        try {
+            std::fputs(one_line_utf8(line).c_str(), stderr);
+        } catch (const std::bad_alloc&) {
+            print_ascii(line);
+        }
+        std::fputc('\n', stderr);
+    });
 }
 
 bool flush_standard_streams() {

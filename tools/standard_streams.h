@@ -10,8 +10,9 @@ namespace ovik::tool {
 /// that is printed. Using them fails as it did.
 void reserve_standard_streams();
 
-/// Prints a line on standard error. Takes no memory: it may be the lack of it that the line is
-/// about.
+/// Prints a message of one or more lines on standard error. What it quotes from files and the
+/// command line cannot steer the terminal. Without memory it is printed all the same, in ASCII: it
+/// may be the lack of it that the message is about.
 void complain(std::string_view message);
 
 /// Flushes standard output; what could not be printed is told on standard error.

@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <istream>
+#include <mutex>
+#include <omp.h>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "util/parallel.h"
 
 namespace ovik {
 
@@ -52,6 +57,33 @@ void for_each_line(std::string_view text, const Visit& visit) {
         visit(text.substr(0, line_break));
         text.remove_prefix(line_break == std::string_view::npos ? text.size() : line_break + 1);
     }
+}
+
+/// Parses the rest of a text file, threads taking blocks of whole lines in turns.
+///
+/// @param file   not owned; read from where it stands
+/// @param parse  `parse(block, parsed)` takes a block into a `Parsed` of its own, which is as new
+/// @return what was made of each block, in file order
+template <typename Parsed, typename Parse>
+std::deque<Parsed> parse_line_blocks(std::istream& file, const Parse& parse) {
+    // Long enough to be worth taking turns for, short enough for the caches.
+    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
+    LineBlocks blocks(file, kBlockBytes);
+    // Their places stay while others are added.
+    std::deque<Parsed> results;
+    std::mutex turn;
+    const auto fetch = [&](std::string& block) -> Parsed* {
+        const std::lock_guard lock(turn);
+        return blocks.next(block) ? &results.emplace_back() : nullptr;
+    };
+    const auto workers = static_cast<std::size_t>(omp_get_max_threads());
+    parallel_for(workers, 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
+        std::string block;
+        while (Parsed* const parsed = fetch(block)) {
+            parse(std::string_view(block), *parsed);
+        }
+    });
+    return results;
 }
 
 }  // namespace ovik

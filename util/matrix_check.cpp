@@ -1,92 +1,34 @@
 #include "util/matrix_check.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
+#include <deque>
 #include <filesystem>
-#include <fstream>
+#include <iterator>
+#include <optional>
 #include <string_view>
-#include <system_error>
 #include <unordered_set>
 #include <utility>
 
+#include "util/field_kind.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
+#include "util/line_blocks.h"
+#include "util/matrix_file.h"
 #include "util/matrix_line.h"
-#include "util/number_field.h"
+#include "util/parallel.h"
 
 namespace ovik {
 
 namespace {
 
 constexpr std::size_t kListed = 3;
-constexpr std::size_t kRowsToGuessFrom = 20;
-
-[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
-    throw InputError(path + ": " + reason);
-}
-
-/// The compressed and the wide-character formats that users take for text.
-void check_first_bytes(const std::string& path, std::string_view bytes) {
-    if (bytes.starts_with("\x1f\x8b")) {
-        refuse(path, "this is a gzip archive: unpack it first (gunzip)");
-    }
-    if (bytes.starts_with("PK\x03\x04")) {
-        refuse(path,
-               "this is a zip archive or a spreadsheet: save the sheet as tab-separated text");
-    }
-    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
-        refuse(path, "this is UTF-16 text: save it as UTF-8 or plain ASCII");
-    }
-}
-
-/// Opens the file after the checks that its opening does not make.
-std::ifstream open_matrix(const std::string& path) {
-    std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) {
-        refuse(path, "there is no such file");
-    }
-    if (std::filesystem::is_directory(status)) {
-        refuse(path, "this is a directory: name the matrix file in it");
-    }
-    if (!std::filesystem::is_regular_file(status)) {
-        refuse(path,
-               "this is no regular file, and the matrix is read twice: save it to a file first");
-    }
-    std::ifstream file = open_input_file(path);
-    if (!file.is_open()) {
-        refuse(path, "cannot be read (" + std::generic_category().message(errno) + ")");
-    }
-    char bytes[4] = {};
-    file.read(bytes, sizeof bytes);
-    check_first_bytes(path, {bytes, static_cast<std::size_t>(file.gcount())});
-    file.clear();
-    file.seekg(0);
-    return file;
-}
-
-enum class FieldKind { Number, Empty, NotNumber, TextBehind, NotFinite };
-
-FieldKind classify(const char* field, const char* end, double& value) {
-    constexpr const char* kBlanks = " \t\v\f\r";
-    static const NumberReader kNumbers;
-    const char* rest = nullptr;
-    value = kNumbers.read(field, end, rest);
-    if (rest == field) {
-        return field[std::strspn(field, kBlanks)] == '\0' ? FieldKind::Empty : FieldKind::NotNumber;
-    }
-    if (!std::isfinite(value)) {
-        return FieldKind::NotFinite;
-    }
-    return rest[std::strspn(rest, kBlanks)] == '\0' ? FieldKind::Number : FieldKind::TextBehind;
-}
+constexpr std::size_t kRowsLookedAt = 20;
 
 /// Whether a discarded first line is more likely a row: all its values are numbers, and they are
 /// not what measurements are headed with, which is whole or rising numbers (time points, doses).
-bool looks_like_data(std::string line, char delimiter) {
-    trim_matrix_line(line);
+bool looks_like_data(std::string_view first_line, char delimiter) {
+    std::string line(trimmed_matrix_line(first_line));
     if (!is_matrix_row(line)) {
         return false;
     }
@@ -95,7 +37,8 @@ bool looks_like_data(std::string line, char delimiter) {
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        all_numbers = all_numbers && (at_name || classify(field, end, value) == FieldKind::Number);
+        all_numbers =
+            all_numbers && (at_name || classify_field(field, end, value) == FieldKind::Number);
         if (!at_name) {
             values.push_back(value);
         }
@@ -106,138 +49,238 @@ bool looks_like_data(std::string line, char delimiter) {
     return all_numbers && !all_whole && !std::is_sorted(values.begin(), values.end());
 }
 
-/// Goes through the rows of a file and notes what a reader of numbers would not say.
-class Inspection {
-  public:
-    Inspection(std::string path, char delimiter) : path_(std::move(path)), delimiter_(delimiter) {}
+/// The fields of the first line without the one above the names, which may be left out.
+std::vector<std::string> column_names_of(std::string_view first_line,
+                                         char delimiter,
+                                         std::size_t columns) {
+    std::string line(trimmed_matrix_line(first_line));
+    std::vector<std::string> names;
+    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
+        names.emplace_back(field, end);
+    });
+    if (names.size() == columns + 1) {
+        names.erase(names.begin());
+    } else if (names.size() != columns) {
+        names.clear();
+    }
+    return names;
+}
 
-    void addLine(std::string& line) {
-        ++line_number_;
-        if (line.find('\0') != std::string::npos) {
-            refuse(path_ + ":" + std::to_string(line_number_),
-                   "the line holds a NUL byte, so this is no text file");
+/// Adds findings of lines further down, which were counted from the line `lines`.
+void add(FieldFindings& findings, FieldFindings&& more, std::size_t lines) {
+    if (findings.count == 0) {
+        findings.first = std::move(more.first);
+        findings.first.line += lines;
+    }
+    findings.count += more.count;
+}
+
+/// The rows of some lines; lines are counted from 1, the first of these.
+class BlockOfRows {
+  public:
+    /// Values of a row: those read, and those that it would have if trimming had left all of its
+    /// line.
+    struct Length {
+        std::size_t values;
+        std::size_t untrimmed;
+    };
+
+    void add(std::string_view text, char delimiter) {
+        ++lines;
+        if (!first_nul_line && text.find('\0') != std::string_view::npos) {
+            first_nul_line = lines;
         }
-        if (line_number_ == 1) {
-            report_.header_looks_like_data = looks_like_data(line, delimiter_);
+        const std::string_view trimmed = trimmed_matrix_line(text);
+        if (!is_matrix_row(trimmed)) {
             return;
         }
-        opens_with_delimiter_ = line.starts_with(delimiter_);
-        trim_matrix_line(line);
-        opens_with_delimiter_ = opens_with_delimiter_ && !line.starts_with(delimiter_);
-        if (is_matrix_row(line)) {
-            addRow(line);
-        }
+        line_ = trimmed;
+        addRow(delimiter);
+        const std::string_view from_name =
+            text.substr(static_cast<std::size_t>(trimmed.data() - text.data()));
+        const auto delimiters = std::count(from_name.begin(), from_name.end(), delimiter);
+        lengths.back().untrimmed = static_cast<std::size_t>(delimiters);
+        noteName(text.starts_with(delimiter) && !trimmed.starts_with(delimiter));
     }
 
-    [[nodiscard]] MatrixReport report() { return std::move(report_); }
+    std::size_t lines = 0;
+    std::optional<std::size_t> first_nul_line;
+    std::vector<std::string> names;
+    std::vector<std::size_t> row_lines;
+    std::vector<Length> lengths;
+    /// Row after row.
+    std::vector<double> values;
+    std::size_t numbers = 0;
+    FieldFindings not_numbers;
+    FieldFindings with_text_behind;
+    FieldFindings not_finite;
+    FieldFindings lost_names;
+    FieldFindings unnamed;
+    FieldFindings quoted_names;
 
   private:
-    void addRow(std::string& line) {
-        values_.clear();
-        field_ = 0;
-        for_each_matrix_field(line, delimiter_, [&](const char* field, const char* end) {
-            ++field_;
-            if (field_ == 1) {
-                name_.assign(field, end);
+    void addRow(char delimiter) {
+        std::size_t fields = 0;
+        for_each_matrix_field(line_, delimiter, [&](const char* field, const char* end) {
+            ++fields;
+            if (fields == 1) {
+                names.emplace_back(field, end);
             } else {
-                addValue(field, end);
+                addValue(field, end, fields);
             }
         });
-        if (report_.rows == 0) {
-            first_row_ = values_;
-            report_.columns = values_.size();
-        }
-        ++report_.rows;
-        report_.rows_all_equal = report_.rows_all_equal && values_ == first_row_;
-        noteName();
-        noteLength();
-        noteScale();
+        row_lines.push_back(lines);
+        lengths.push_back({fields - 1, 0});
     }
 
-    void addValue(const char* field, const char* end) {
+    void addValue(const char* field, const char* end, std::size_t number) {
         double value = 0.0;
-        const FieldKind kind = classify(field, end, value);
-        values_.push_back(value);
-        report_.numbers += kind != FieldKind::Empty && kind != FieldKind::NotNumber ? 1 : 0;
-        if (kind == FieldKind::Empty) {
-            note(report_.empty, field);
-        } else if (kind == FieldKind::NotNumber) {
-            note(report_.not_numbers, field);
-        } else if (kind == FieldKind::TextBehind) {
-            note(report_.with_text_behind, field);
+        const FieldKind kind = classify_field(field, end, value);
+        if (kind == FieldKind::Missing) {
+            values.push_back(std::nan(""));
+            return;
+        }
+        values.push_back(value);
+        if (kind == FieldKind::NotNumber) {
+            note(not_numbers, number, field);
+            return;
+        }
+        ++numbers;
+        if (kind == FieldKind::TextBehind) {
+            note(with_text_behind, number, field);
         } else if (kind == FieldKind::NotFinite) {
-            note(report_.not_finite, field);
+            note(not_finite, number, field);
         }
     }
 
-    void note(FieldFindings& findings, const char* field) const {
+    /// @param number  of the field in the line of the row that came last
+    void note(FieldFindings& findings, std::size_t number, const char* text) const {
         if (findings.count == 0) {
-            findings.first = {line_number_, name_, field_, field};
+            findings.first = {lines, names.back(), number, text};
         }
         ++findings.count;
     }
 
-    void noteName() {
+    /// @param has_lost_field  whether trimming has taken an empty field from the front of the line
+    void noteName(bool has_lost_field) {
+        const std::string& name = names.back();
         double value = 0.0;
-        field_ = 1;
-        if (opens_with_delimiter_ &&
-            classify(name_.c_str(), name_.c_str() + name_.size(), value) == FieldKind::Number) {
-            note(report_.lost_names, "");
+        if (has_lost_field &&
+            classify_field(name.c_str(), name.c_str() + name.size(), value) == FieldKind::Number) {
+            note(lost_names, 1, "");
         }
-        if (name_.empty()) {
-            note(report_.unnamed, "");
-        } else if (!names_.insert(name_).second) {
-            ++report_.duplicate_names;
-            if (report_.first_duplicate_names.size() < kListed) {
-                report_.first_duplicate_names.push_back(name_);
-            }
+        if (name.empty()) {
+            note(unnamed, 1, "");
+        } else if (name.front() == '"') {
+            note(quoted_names, 1, "");
         }
     }
 
-    void noteLength() {
-        if (values_.size() != report_.columns) {
-            ++report_.ragged_rows;
-            if (report_.first_ragged_rows.size() < kListed) {
-                report_.first_ragged_rows.push_back({line_number_, name_, values_.size()});
-            }
-        }
-    }
-
-    void noteScale() {
-        const std::size_t columns = std::min(values_.size(), first_row_.size());
-        if (report_.rows == 1) {
-            lowest_ = values_;
-            highest_ = values_;
-        }
-        for (std::size_t d = 0; d < columns; ++d) {
-            lowest_[d] = std::min(lowest_[d], values_[d]);
-            highest_[d] = std::max(highest_[d], values_[d]);
-            report_.largest_magnitude = std::max(report_.largest_magnitude, std::fabs(values_[d]));
-            report_.widest_range = std::max(report_.widest_range, highest_[d] - lowest_[d]);
-        }
-    }
-
-    std::string path_;
-    char delimiter_;
-    MatrixReport report_;
-    std::size_t line_number_ = 0;
-    bool opens_with_delimiter_ = false;
-    std::string name_;
-    std::size_t field_ = 0;
-    std::vector<double> values_;
-    std::vector<double> first_row_;
-    /// Of each column.
-    std::vector<double> lowest_;
-    std::vector<double> highest_;
-    std::unordered_set<std::string> names_;
+    std::string line_;
 };
+
+using Blocks = std::deque<BlockOfRows>;
+
+/// Values of a row: those of the first, or of the longest if the first has empty fields there that
+/// trimming has taken away.
+std::size_t column_count(const Blocks& blocks) {
+    std::optional<BlockOfRows::Length> first;
+    std::size_t longest = 0;
+    for (const BlockOfRows& block : blocks) {
+        for (const BlockOfRows::Length& length : block.lengths) {
+            first = first ? first : length;
+            longest = std::max(longest, length.values);
+        }
+    }
+    return !first ? 0 : first->untrimmed >= longest ? longest : first->values;
+}
+
+bool fits(const BlockOfRows::Length& length, std::size_t columns) {
+    return length.values == columns || (length.values < columns && length.untrimmed >= columns);
+}
+
+/// Adds the findings of a block and takes its names over.
+void take_over(BlockOfRows& block, std::size_t lines_above, InspectedMatrix& matrix) {
+    MatrixReport& report = matrix.report;
+    for (std::size_t n = 0; n < block.names.size(); ++n) {
+        const BlockOfRows::Length& length = block.lengths[n];
+        const std::size_t line = lines_above + block.row_lines[n];
+        if (!fits(length, report.columns)) {
+            ++report.ragged_rows;
+            if (report.first_ragged_rows.size() < kListed) {
+                report.first_ragged_rows.push_back({line, block.names[n], length.values});
+            }
+        }
+        matrix.row_lines.push_back(line);
+        matrix.row_names.push_back(std::move(block.names[n]));
+    }
+    report.numbers += block.numbers;
+    add(report.not_numbers, std::move(block.not_numbers), lines_above);
+    add(report.with_text_behind, std::move(block.with_text_behind), lines_above);
+    add(report.not_finite, std::move(block.not_finite), lines_above);
+    add(report.lost_names, std::move(block.lost_names), lines_above);
+    add(report.unnamed, std::move(block.unnamed), lines_above);
+    add(report.quoted_names, std::move(block.quoted_names), lines_above);
+}
+
+/// Joins the values of blocks that fit; where rows end early, NaN stands for what is missing.
+std::unique_ptr<double[]> joined_values(Blocks& blocks, std::size_t rows, std::size_t columns) {
+    auto values = std::make_unique_for_overwrite<double[]>(rows * columns);
+    std::vector<double*> destinations;
+    double* destination = values.get();
+    for (const BlockOfRows& block : blocks) {
+        destinations.push_back(destination);
+        destination += block.lengths.size() * columns;
+    }
+    parallel_for_each(blocks.size(), 1, [&](std::size_t i) {
+        const double* source = blocks[i].values.data();
+        double* row = destinations[i];
+        for (const BlockOfRows::Length& length : blocks[i].lengths) {
+            std::fill(std::copy_n(source, length.values, row), row + columns, std::nan(""));
+            source += length.values;
+            row += columns;
+        }
+        blocks[i].values = {};
+    });
+    return values;
+}
+
+void note_duplicate_names(InspectedMatrix& matrix) {
+    MatrixReport& report = matrix.report;
+    std::unordered_set<std::string_view> names;
+    for (const std::string& name : matrix.row_names) {
+        if (!name.empty() && !names.insert(name).second) {
+            ++report.duplicate_names;
+            if (report.first_duplicate_names.size() < kListed) {
+                report.first_duplicate_names.push_back(name);
+            }
+        }
+    }
+}
+
+/// The first few rows of a file, trimmed.
+std::vector<std::string> first_rows(const std::string& path) {
+    std::ifstream file = open_matrix_file(path);
+    std::vector<std::string> rows;
+    with_read_failures_named(path, [&] {
+        std::string line;
+        std::getline(file, line);
+        while (rows.size() < kRowsLookedAt && std::getline(file, line)) {
+            const std::string_view row = trimmed_matrix_line(line);
+            if (is_matrix_row(row)) {
+                rows.emplace_back(row);
+            }
+        }
+    });
+    return rows;
+}
 
 std::size_t count_numbers(std::string line, char delimiter) {
     std::size_t numbers = 0;
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        const FieldKind kind = classify(field, end, value);
+        const FieldKind kind = classify_field(field, end, value);
         // Decimal commas leave text behind every number; they are more likely than values that
         // are parted by them.
         const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
@@ -264,36 +307,71 @@ std::vector<std::string> first_rows(const std::string& path) {
 
 }  // namespace
 
-MatrixReport inspect_matrix(const std::string& path, char delimiter) {
-    return with_read_failures_named(path, [&] {
-        std::ifstream file = open_matrix(path);
-        Inspection inspection(path, delimiter);
-        std::string line;
-        while (std::getline(file, line)) {
-            inspection.addLine(line);
-        }
-        return inspection.report();
+InspectedMatrix inspect_matrix(const std::string& path, char delimiter) {
+    std::ifstream file = open_matrix_file(path);
+    std::string first_line;
+    Blocks blocks = with_read_failures_named(path, [&] {
+        std::getline(file, first_line);
+        return parse_line_blocks<BlockOfRows>(file, [&](std::string_view text, BlockOfRows& block) {
+            for_each_line(text, [&](std::string_view line) { block.add(line, delimiter); });
+            block.values.shrink_to_fit();
+        });
     });
+    if (first_line.find('\0') != std::string::npos) {
+        refuse_nul_byte(path, 1);
+    }
+    InspectedMatrix matrix;
+    MatrixReport& report = matrix.report;
+    report.columns = column_count(blocks);
+    std::size_t lines = 1;
+    for (BlockOfRows& block : blocks) {
+        if (block.first_nul_line) {
+            refuse_nul_byte(path, lines + *block.first_nul_line);
+        }
+        take_over(block, lines, matrix);
+        lines += block.lines;
+    }
+    report.rows = matrix.row_names.size();
+    report.header_looks_like_data = looks_like_data(first_line, delimiter);
+    matrix.column_names = column_names_of(first_line, delimiter, report.columns);
+    note_duplicate_names(matrix);
+    if (report.ragged_rows == 0) {
+        matrix.values = joined_values(blocks, report.rows, report.columns);
+    }
+    return matrix;
 }
 
 char guess_delimiter(const std::string& path) {
     constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
-    const auto rows = with_read_failures_named(path, [&] { return first_rows(path); });
-    for (const std::string& line : rows) {
+    for (const std::string& row : first_rows(path)) {
         for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
-            numbers[i] += count_numbers(line, kCandidates[i]);
+            numbers[i] += count_numbers(row, kCandidates[i]);
         }
     }
     const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));
     if (*most == 0) {
-        refuse(
-            path,
-            "found no numbers behind the first line, with tab, comma, semicolon or blank between "
+        throw InputError(
+            path +
+            ": found no numbers behind the first line, with tab, comma, semicolon or blank between "
             "the fields: every line should be a name and its values (another delimiter can be "
             "given with --delimiter)");
     }
     return kCandidates[most - std::begin(numbers)];
+}
+
+MatrixShape guess_shape(const std::string& path, char delimiter) {
+    const std::vector<std::string> rows = first_rows(path);
+    std::size_t bytes = 0;
+    std::size_t columns = 0;
+    for (const std::string& row : rows) {
+        bytes += row.size() + 1;
+        const auto delimiters = std::count(row.begin(), row.end(), delimiter);
+        columns = std::max(columns, static_cast<std::size_t>(delimiters));
+    }
+    return rows.empty()
+               ? MatrixShape{}
+               : MatrixShape{std::filesystem::file_size(path) / (bytes / rows.size()), columns};
 }
 
 }  // namespace ovik

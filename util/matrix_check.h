@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,27 +24,26 @@ struct FieldFindings {
     FieldPlace first;
 };
 
-/// A row whose number of values differs from that of the first row.
+/// A row whose number of values differs from that of the others.
 struct RaggedRow {
     std::size_t line = 0;
     std::string name;
     std::size_t values = 0;
 };
 
-/// What `read_matrix_w_index` would read from a file, and what it would pass over in silence.
+/// What `read_matrix_w_index` would pass over in silence.
 struct MatrixReport {
     std::size_t rows = 0;
-    /// Values of the first row.
+    /// Values of a row.
     std::size_t columns = 0;
     /// Fields that open with a number.
     std::size_t numbers = 0;
-    /// Blank fields, which read as 0.
-    FieldFindings empty;
-    /// Fields that do not open with a number, and read as 0.
+    /// Fields that do not open with a number, though not missing, and read as 0.
     FieldFindings not_numbers;
     /// Numbers with text behind them, which is ignored.
     FieldFindings with_text_behind;
-    /// NaN and infinities, also of numbers beyond the range of `double`.
+    /// NaN other than as a sign of a missing value, and infinities, also of numbers beyond the
+    /// range of `double`.
     FieldFindings not_finite;
     std::size_t ragged_rows = 0;
     /// The first few of them.
@@ -53,29 +53,53 @@ struct MatrixReport {
     FieldFindings lost_names;
     /// Rows whose name is empty.
     FieldFindings unnamed;
+    /// Rows whose name stands in double quotes, which stay part of it.
+    FieldFindings quoted_names;
     /// Rows whose name stood above already.
     std::size_t duplicate_names = 0;
     /// The first few of these names.
     std::vector<std::string> first_duplicate_names;
-    /// Largest absolute value.
-    double largest_magnitude = 0.0;
-    /// Largest difference of two values of a column.
-    double widest_range = 0.0;
-    /// Whether all rows hold the same values.
-    bool rows_all_equal = true;
     /// Whether the first line, which is discarded, looks like a row of data.
     bool header_looks_like_data = false;
 };
 
-/// Inspects a matrix file by the rules of `read_matrix_w_index` with one header line.
+/// The rows of a matrix file, and what there is to say about them.
+struct InspectedMatrix {
+    MatrixReport report;
+    std::vector<std::string> row_names;
+    /// Where each row stands in the file: lines, from 1.
+    std::vector<std::size_t> row_lines;
+    /// What the first line calls each column; empty if it does not fit the rows.
+    std::vector<std::string> column_names;
+    /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
+    /// there are rows of different length.
+    std::unique_ptr<double[]> values;
+};
+
+/// Reads a matrix file by the rules of `read_matrix_w_index` with one header line, on all cores,
+/// and takes note of what that would not say.
+///
+/// Where it differs: a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are empty
+/// fields at the end of a line that trimming takes away, if other rows have values there.
 ///
 /// @throws InputError if the file is missing or unreadable, no regular file, or no plain text
-MatrixReport inspect_matrix(const std::string& path, char delimiter);
+InspectedMatrix inspect_matrix(const std::string& path, char delimiter);
 
 /// The delimiter under which the first rows of a file hold the most numbers: tab, semicolon, comma
 /// or blank, in this order among equals.
 ///
 /// @throws InputError as `inspect_matrix`, and if none of them parts a number from the name
 char guess_delimiter(const std::string& path);
+
+/// Rows and columns of a matrix.
+struct MatrixShape {
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+};
+
+/// The shape that a file has if its rows are like the first few: a few percent off.
+///
+/// @throws InputError as `inspect_matrix`
+MatrixShape guess_shape(const std::string& path, char delimiter);
 
 }  // namespace ovik

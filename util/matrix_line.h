@@ -3,18 +3,19 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 /// The rules for one line of a matrix file: what is cut off its ends and where its fields lie.
 
 namespace ovik {
 
-/// Trims one line in place, in single passes per kind of character.
+/// What trimming leaves of a line: part of the line itself. Single passes per kind of character.
 ///
 /// Front: tabs, then vertical tabs, then form feeds, then blanks; each kind in one run and in this
 /// order only, so that a blank before a tab leaves the tab. Line feeds and carriage returns stay.
 /// End: tabs, line feeds, vertical tabs, form feeds, carriage returns, blanks, likewise.
 /// Last, the line is cut at its first NUL.
-inline void trim_matrix_line(std::string& line) {
+inline std::string_view trimmed_matrix_line(std::string_view line) {
     std::size_t start = 0;
     for (const char kind : {'\t', '\v', '\f', ' '}) {
         while (start < line.size() && line[start] == kind) {
@@ -27,13 +28,12 @@ inline void trim_matrix_line(std::string& line) {
             --end;
         }
     }
-    line.erase(end);
-    line.erase(0, start);
-    line.erase(std::min(line.find('\0'), line.size()));
+    const std::string_view trimmed = line.substr(start, end - start);
+    return trimmed.substr(0, trimmed.find('\0'));
 }
 
 /// Whether a trimmed line holds a row: neither empty nor a comment, which opens with "#".
-inline bool is_matrix_row(const std::string& trimmed_line) {
+inline bool is_matrix_row(std::string_view trimmed_line) {
     return !trimmed_line.empty() && trimmed_line.front() != '#';
 }
 

@@ -1,11 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
 #include <fstream>
 #include <iterator>
-#include <mutex>
-#include <omp.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,7 +13,6 @@
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
 #include "util/number_field.h"
-#include "util/parallel.h"
 
 namespace ovik {
 
@@ -28,8 +24,7 @@ struct MatrixRows {
 
     /// Appends a line, if it is a row.
     void add(std::string_view text, char delimiter, const NumberReader& numbers) {
-        line_ = text;
-        trim_matrix_line(line_);
+        line_ = trimmed_matrix_line(text);
         if (!is_matrix_row(line_)) {
             return;
         }
@@ -59,25 +54,12 @@ void read_matrix_rows(std::istream& file,
                       char delimiter,
                       std::vector<std::vector<T>>& matrix,
                       std::vector<std::string>& row_names) {
-    // Long enough to be worth taking turns for, short enough for the caches.
-    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
     const NumberReader numbers;
-    LineBlocks blocks(file, kBlockBytes);
-    // Those of each block, in file order; their places stay while others are added.
-    std::deque<MatrixRows<T>> parsed;
-    std::mutex turn;
-    const auto fetch = [&](std::string& block) -> MatrixRows<T>* {
-        const std::lock_guard lock(turn);
-        return blocks.next(block) ? &parsed.emplace_back() : nullptr;
-    };
-    const auto workers = static_cast<std::size_t>(omp_get_max_threads());
-    parallel_for(workers, 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
-        std::string block;
-        while (MatrixRows<T>* const rows = fetch(block)) {
+    auto parsed =
+        parse_line_blocks<MatrixRows<T>>(file, [&](std::string_view block, MatrixRows<T>& rows) {
             for_each_line(block,
-                          [&](std::string_view text) { rows->add(text, delimiter, numbers); });
-        }
-    });
+                          [&](std::string_view text) { rows.add(text, delimiter, numbers); });
+        });
     for (MatrixRows<T>& rows : parsed) {
         std::move(rows.values.begin(), rows.values.end(), std::back_inserter(matrix));
         std::move(rows.names.begin(), rows.names.end(), std::back_inserter(row_names));
@@ -86,11 +68,11 @@ void read_matrix_rows(std::istream& file,
 
 /// Reads a delimited text file in which every line is one row of a matrix, led by the row's name.
 ///
-/// Lines end at "\n"; `trim_matrix_line` cuts their ends. Empty lines and lines that open with "#"
-/// are skipped. Field 0 is the name, kept as it stands; the others are converted with `strtod`: a
-/// field that is not a number reads as 0.0 and text behind a number is ignored, without a message.
-/// Rows may differ in length. The lines are spread over the cores. A file that cannot be opened is
-/// reported on the console in bold red.
+/// Lines end at "\n"; `trimmed_matrix_line` cuts their ends. Empty lines and lines that open with
+/// "#" are skipped. Field 0 is the name, kept as it stands; the others are converted with `strtod`:
+/// a field that is not a number reads as 0.0 and text behind a number is ignored, without a
+/// message. Rows may differ in length. The lines are spread over the cores. A file that cannot be
+/// opened is reported on the console in bold red.
 ///
 /// @param matrix     one vector per row is appended, in file order
 /// @param row_names  the name of each row is appended, in file order

@@ -29,12 +29,16 @@ inline IndexRange static_share(std::size_t count, std::size_t workers, std::size
     return {begin, begin + quotient + (worker < remainder ? 1 : 0)};
 }
 
+/// Most workers that a loop gets, however many threads OpenMP offers: the runtime does not survive
+/// a request for far more threads than there are processors.
+inline int most_workers() {
+    return std::min(4 * omp_get_num_procs(), 1024);
+}
+
 /// How many workers a loop over `count` indices gets: the threads that OpenMP offers, at least one
-/// and at most one per `grain` indices. Capped, because the runtime does not survive a request for
-/// far more threads than there are processors.
+/// and at most one per `grain` indices, never more than `most_workers`.
 inline int worker_count(std::size_t count, std::size_t grain = 1) {
-    const int cap = std::min(4 * omp_get_num_procs(), 1024);
-    const std::size_t offered = static_cast<std::size_t>(std::min(omp_get_max_threads(), cap));
+    const auto offered = static_cast<std::size_t>(std::min(omp_get_max_threads(), most_workers()));
     return static_cast<int>(std::max<std::size_t>(1, std::min(offered, count / grain)));
 }
 

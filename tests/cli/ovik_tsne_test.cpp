@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/command.h"
+#include "tests/support/command_test.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/path_variable.h"
 #include "tests/support/temporary_directory.h"
@@ -16,47 +16,15 @@ namespace ovik {
 namespace {
 
 using test::CommandOutcome;
-
-constexpr int kSuccess = 0;
-constexpr int kFailedRun = 1;
-constexpr int kBadInput = 2;
+using test::kBadInput;
+using test::kFailedRun;
+using test::kSuccess;
 
 std::size_t line_count(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-class Command : public testing::Test {
-  protected:
-    CommandOutcome run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), OVIK_TSNE_COMMAND);
-        return test::run_command(arguments);
-    }
-
-    /// Runs on a matrix given as text, results in a directory that the command is to make.
-    CommandOutcome run_on(const std::string& content, std::vector<std::string> options = {}) {
-        options.insert(options.begin(),
-                       {directory_.write("m.txt", content), "--out-dir", results_, "-i", "5"});
-        return run(options);
-    }
-
-    /// What the command says about a matrix that it refuses; nothing may have been written.
-    std::string refusal(const std::string& content, const std::vector<std::string>& options = {}) {
-        const CommandOutcome outcome = run_on(content, options);
-        EXPECT_EQ(outcome.exit_status, kBadInput);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_FALSE(std::filesystem::exists(results_));
-        return outcome.err;
-    }
-
-    [[nodiscard]] std::string result(const std::string& name) const {
-        return test::read_file(results_ + "/" + name);
-    }
-
-    [[nodiscard]] std::string matrix_path() const { return directory_.file("m.txt"); }
-
-    test::TemporaryDirectory directory_;
-    std::string results_ = directory_.file("made/results");
-};
+class Command : public test::CommandTest {};
 
 std::string grid_matrix(int rows, char delimiter = '\t') {
     std::string content = "gene" + std::string(1, delimiter) + "a" + delimiter + "b\n";
@@ -192,25 +160,12 @@ TEST_F(Command, ShowsHelpWithAnExampleAndItsVersion) {
     EXPECT_EQ(help.exit_status, kSuccess);
     EXPECT_NE(help.out.find("Examples:\n  ovik-tsne expression.tsv --perplexity 30"),
               std::string::npos);
-    for (const char* option : {"--out-dir",
-                               "--name",
-                               "--suffix",
-                               "--title",
-                               "--perplexity",
-                               "--theta",
-                               "--dims",
-                               "--max-iter",
-                               "--stop-lying-iter",
-                               "--mom-switch-iter",
-                               "--delimiter",
-                               "--labels",
-                               "--precision",
-                               "--threads",
-                               "--quiet",
-                               "--names",
-                               "--gene",
-                               "--version",
-                               "--help"}) {
+    for (const char* option :
+         {"--out-dir",   "--name",   "--suffix",    "--title",           "--perplexity",
+          "--theta",     "--dims",   "--max-iter",  "--stop-lying-iter", "--mom-switch-iter",
+          "--delimiter", "--labels", "--precision", "--threads",         "--missing",
+          "--dry-run",   "--force",  "--quiet",     "--names",           "--gene",
+          "--version",   "--help"}) {
         EXPECT_NE(help.out.find(option), std::string::npos) << option;
     }
     const CommandOutcome version = run({"--version"});
@@ -225,6 +180,9 @@ TEST_F(Command, RefusesBadUsage) {
                                                {matrix, "--no-such-option"},
                                                {matrix, "second"},
                                                {matrix, "--perplexity", "0"},
+                                               {matrix, "--perplexity", "0.99"},
+                                               {matrix, "--perplexity", "69"},
+                                               {matrix, "--missing", "mean"},
                                                {matrix, "--perplexity", "nan"},
                                                {matrix, "--perplexity", "ten"},
                                                {matrix, "--perplexity", "1e10"},
@@ -271,8 +229,8 @@ TEST_F(Command, RefusesRaggedRowsByLine) {
         refusal("h\nG1\t1\t2\nG2\t3\nG3\t1\t2\t3\nG4\t1\t2\n"),
         "ovik-tsne: " + matrix_path() +
             ":3: row \"G2\" has 1 value, but the first row has 2 (2 such rows, also line 4)\n"
-            "Every row needs the same number of values: fill in those that are missing (empty "
-            "fields at the end of a line do not count), or check the delimiter.\n");
+            "Every row needs the same number of values: fill in those that are missing, or check "
+            "the delimiter.\n");
     EXPECT_EQ(refusal("h\nG1\t1\t2\n\t3\t4\nG3\t1\t2\n"),
               "ovik-tsne: " + matrix_path() +
                   ":3: the row has no name: the line opens with the delimiter, and \"3\" would be "
@@ -287,7 +245,7 @@ TEST_F(Command, RefusesTooFewRows) {
 }
 
 TEST_F(Command, RefusesValuesThatAreNotFinite) {
-    EXPECT_EQ(refusal("h\nG1\t1\t2\nG2\t3\tinf\nG3\tnan\t2\n"),
+    EXPECT_EQ(refusal("h\nG1\t1\t2\nG2\t3\tinf\nG3\t-nan\t2\n"),
               "ovik-tsne: " + matrix_path() +
                   ":3: field 3 of row \"G2\" is \"inf\", which is not a finite number (2 such "
                   "fields)\nReplace such values, for example by the mean of their row, or take the "
@@ -299,18 +257,15 @@ TEST_F(Command, RefusesRowsThatAreAllEqual) {
               std::string::npos);
 }
 
-TEST_F(Command, WarnsOfFieldsThatReadAsZeroAndRunsOn) {
+TEST_F(Command, WarnsOfFieldsThatAreNoNumbersAndRunsOn) {
     const CommandOutcome outcome =
-        run_on("h,a,b,c\nG1,1,,NA\nG2,3,4,x\nG1,5,6.5kg,7\n", {"--delimiter", "comma"});
+        run_on("h,a,b,c\nG1,1,2,3\nG2,3,4,x\nG1,5,6.5kg,7\n", {"--delimiter", "comma"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
     EXPECT_EQ(
         outcome.err,
         "ovik-tsne: warning: " + matrix_path() +
-            ":2: field 3 of row \"G1\" is empty and read as 0 (1 empty field in all)\n"
-            "ovik-tsne: warning: " +
-            matrix_path() +
-            ":2: field 4 of row \"G1\" is \"NA\", which is not a number, and read as 0 (2 such "
-            "fields in all)\n"
+            ":3: field 4 of row \"G2\" is \"x\", which is not a number, and read as 0 (1 such "
+            "field in all)\n"
             "ovik-tsne: warning: " +
             matrix_path() +
             ":4: field 3 of row \"G1\" is \"6.5kg\": the text behind the number is ignored (1 "

@@ -158,5 +158,28 @@ RC_GTEST_PROP(NeighbourIndex, AnswersAsTheTreeDoesOnAnyPoints, ()) {
     RC_ASSERT(of_index(points, dims, k, group_size) == of_tree(points, dims, k));
 }
 
+TEST(NeighbourIndex, KnowsHowManyBlocksItTakes) {
+    EXPECT_EQ(NeighbourIndex::blockCount(0), 0U);
+    EXPECT_EQ(NeighbourIndex::blockCount(1), 1U);
+    EXPECT_EQ(NeighbourIndex::blockCount(16), 1U);
+    // A point alone, and its halves of 7 and 9.
+    EXPECT_EQ(NeighbourIndex::blockCount(17), 3U);
+    EXPECT_LT(NeighbourIndex::blockCount(100000), 100000U / 8);
+}
+
+TEST(NeighbourIndex, AsksNoMoreOnceItHasDuplicatesEnough) {
+    // Quadratic time would show: every query would see all rows.
+    const std::size_t N = 200000;
+    const std::vector<double> points(2 * N, 1.5);
+    const NeighbourIndex index(points.data(), N, 2);
+    NeighbourIndex::Queries queries;
+    const double* const target = points.data();
+    for (std::size_t n = 0; n < N; ++n) {
+        index.search(&target, 1, 31, queries);
+        ASSERT_EQ(queries.neighbours[0].size(), 31U);
+    }
+    EXPECT_EQ(queries.neighbours[0].back().distance, 0.0);
+}
+
 }  // namespace
 }  // namespace ovik

@@ -4,6 +4,7 @@
 #include <spawn.h>
 #include <stdexcept>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct CommandOutcome {
     int exit_status = -1;
     std::string out;
     std::string err;
+    /// Largest resident memory, in bytes.
+    double peak_memory = 0.0;
 };
 
 /// Runs a program to its end, its output kept.
@@ -44,10 +47,12 @@ inline CommandOutcome run_command(const std::vector<std::string>& command) {
         throw std::runtime_error("cannot run " + command[0]);
     }
     int status = 0;
-    waitpid(pid, &status, 0);
+    rusage usage{};
+    wait4(pid, &status, 0, &usage);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
             read_file(out),
-            read_file(err)};
+            read_file(err),
+            1024.0 * static_cast<double>(usage.ru_maxrss)};
 }
 
 }  // namespace ovik::test

@@ -8,9 +8,8 @@
 namespace ovik {
 namespace {
 
-std::string trimmed(std::string line) {
-    trim_matrix_line(line);
-    return line;
+std::string trimmed(const std::string& line) {
+    return std::string(trimmed_matrix_line(line));
 }
 
 TEST(TrimMatrixLine, RemovesEachKindInFrontInOneRun) {

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+
+namespace ovik {
+
+/// What decides how much memory a run takes.
+struct RunSize {
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    std::size_t out_dims = 2;
+    double perplexity = 20.0;
+    /// 0 for the exact method.
+    double theta = 0.5;
+    /// Whether chart page and figure are drawn.
+    bool has_plots = true;
+    std::size_t threads = 1;
+};
+
+/// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
+///
+/// With N rows, D columns, T threads, d output dimensions, K = 3 * perplexity neighbours (N - 1 at
+/// most), E = N * K entries before and S after they are made symmetric, B =
+/// `NeighbourIndex::blockCount`, and R = N * d * (d - 1) / 2 rows of the result table; 14 MB for
+/// the program, the input (8 ND) and the rows' names (80 N) are there in all stages, and beside
+/// them:
+///
+/// - reading: the input once more (8 ND), as it comes from the file;
+/// - similarities, exact: a copy of the input by columns (8 ND), distances and similarities
+///   (16 N^2);
+/// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
+///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
+///   and the symmetric entries (12 S);
+/// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
+///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (157 N + 44 Nd);
+/// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
+///   chart page (500 R + 240 N in all).
+///
+/// S depends on the data. It is the nearer to 2 E the more columns tell the rows apart; assumed is
+/// E * (1 + 0.06 D), at most 1.6 E, as seen with random and with real matrices. What a table row
+/// takes was measured with tables of 60,000 to 360,000 rows. The peak of a run that takes more than
+/// 100 MB was within 15 % of the estimate wherever it was measured.
+struct MemoryEstimate {
+    double reading = 0.0;
+    double similarities = 0.0;
+    double fitting = 0.0;
+    double results = 0.0;
+
+    /// That of the largest stage.
+    [[nodiscard]] double peak() const;
+};
+
+MemoryEstimate estimate_memory(const RunSize& size);
+
+}  // namespace ovik

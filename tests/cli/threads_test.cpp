@@ -1,0 +1,118 @@
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/command_test.h"
+
+/// Requests for threads that cannot be met: the run goes on with fewer, or is refused.
+
+namespace ovik {
+namespace {
+
+using test::CommandOutcome;
+using test::kBadInput;
+using test::kSuccess;
+
+class Threads : public test::CommandTest {
+  protected:
+    /// A run on some hundred rows.
+    std::vector<std::string> arguments(const std::vector<std::string>& options = {}) {
+        std::string content = "g\ta\tb\n";
+        for (int n = 0; n < 300; ++n) {
+            content += "G" + std::to_string(n) + "\t" + std::to_string(n % 17) + "\t" +
+                       std::to_string(n * n % 101) + "\n";
+        }
+        std::filesystem::remove_all(results_);
+        std::vector<std::string> all = arguments_for(content, {"--no-plots"});
+        all.insert(all.end(), options.begin(), options.end());
+        return all;
+    }
+
+    std::string one_thread_table() {
+        EXPECT_EQ(run(arguments({"-j", "1"})).exit_status, kSuccess);
+        return table();
+    }
+};
+
+TEST_F(Threads, AreCappedAndTheUserTold) {
+    const std::string expected = one_thread_table();
+    for (const char* count : {"1", "2", "5000", "10000", "1000000"}) {
+        const CommandOutcome outcome = run(arguments({"--threads", count}));
+        EXPECT_EQ(outcome.exit_status, kSuccess);
+        EXPECT_EQ(table(), expected) << count;
+        const bool is_capped = std::string(count).size() > 1;
+        EXPECT_EQ(outcome.err.find("ovik-tsne: note: " + std::string(count) +
+                                   " threads are more than are of use here: ") == 0U,
+                  is_capped)
+            << outcome.err;
+    }
+    EXPECT_EQ(run(arguments({"--threads", "1000001"})).exit_status, kBadInput);
+}
+
+TEST_F(Threads, MayBeAskedForInTheEnvironment) {
+    const std::string expected = one_thread_table();
+    for (const char* count : {"0", "abc", "-3", "1", "3", "100000", "99999999999999999999"}) {
+        for (const char* theta : {"0", "0.5"}) {
+            const CommandOutcome outcome =
+                run_in_shell(std::string("OMP_NUM_THREADS=") + count + " exec \"$0\" \"$@\"",
+                             arguments({"--theta", theta}));
+            EXPECT_EQ(outcome.exit_status, kSuccess) << count << outcome.err;
+            if (theta != std::string("0")) {
+                EXPECT_EQ(table(), expected) << count;
+            }
+        }
+    }
+}
+
+TEST_F(Threads, AreFewerWhereTheSystemDeniesThem) {
+    const std::string expected = one_thread_table();
+    std::filesystem::remove_all(directory_.file("made"));
+    const std::vector<std::string> all = arguments({"--threads", "4"});
+    // Whoever runs the command has to reach it, the matrix and the results. The limit does not hold
+    // for root. The leak detector needs a process of its own.
+    std::filesystem::permissions(directory_.prefix(), std::filesystem::perms(0777));
+    const std::string command = directory_.file("ovik-tsne");
+    std::filesystem::copy_file(OVIK_TSNE_COMMAND, command);
+    const std::string as_nobody =
+        geteuid() == 0 ? "setpriv --reuid 65534 --regid 65534 --clear-groups " : "";
+    std::vector<std::string> line = {
+        "/bin/sh",
+        "-c",
+        "cd / && ASAN_OPTIONS=detect_leaks=0 exec " + as_nobody + "prlimit --nproc=1 \"$0\" \"$@\"",
+        command};
+    line.insert(line.end(), all.begin(), all.end());
+    const CommandOutcome outcome = test::run_command(line);
+    EXPECT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+    EXPECT_EQ(
+        outcome.err,
+        "ovik-tsne: note: the system grants this process 1 thread instead of 4: the run takes "
+        "longer\n");
+    EXPECT_EQ(table(), expected);
+}
+
+TEST_F(Threads, AreRefusedStacksThatAreTooSmall) {
+    for (const char* size : {"16k", "32768B", "127", " 16 K"}) {
+        const CommandOutcome outcome = run_in_shell(
+            std::string("OMP_STACKSIZE='") + size + "' exec \"$0\" \"$@\"", arguments());
+        EXPECT_EQ(outcome.exit_status, kBadInput) << size;
+        EXPECT_NE(outcome.err.find(std::string("ovik-tsne: OMP_STACKSIZE=") + size +
+                                   " leaves threads too little stack\n"
+                                   "Unset it, or set it to 128K or more.\n"),
+                  std::string::npos)
+            << outcome.err;
+        EXPECT_FALSE(std::filesystem::exists(results_));
+    }
+    for (const char* size : {"128k", "8M", "0", "abc", "-1"}) {
+        EXPECT_EQ(run_in_shell(std::string("OMP_STACKSIZE='") + size + "' exec \"$0\" \"$@\"",
+                               arguments())
+                      .exit_status,
+                  kSuccess)
+            << size;
+    }
+}
+
+}  // namespace
+}  // namespace ovik

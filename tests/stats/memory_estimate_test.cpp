@@ -1,0 +1,66 @@
+#include "stats/memory_estimate.h"
+
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+constexpr RunSize kExact{.rows = 20000, .columns = 50, .theta = 0.0};
+constexpr RunSize kBarnesHut{.rows = 100000, .columns = 50, .perplexity = 30.0};
+
+TEST(EstimateMemory, GrowsWithTheSquareOfTheRowsForTheExactMethod) {
+    RunSize twice = kExact;
+    twice.rows *= 2;
+    EXPECT_NEAR(estimate_memory(twice).peak() / estimate_memory(kExact).peak(), 4.0, 0.1);
+    // Distances and similarities.
+    EXPECT_NEAR(estimate_memory(kExact).peak(), 16.0 * 20000 * 20000, 0.1e9);
+}
+
+TEST(EstimateMemory, GrowsWithRowsPerplexityAndColumnsForBarnesHut) {
+    const double peak = estimate_memory(kBarnesHut).peak();
+    RunSize larger = kBarnesHut;
+    larger.rows *= 2;
+    EXPECT_NEAR(estimate_memory(larger).peak() / peak, 2.0, 0.2);
+    larger = kBarnesHut;
+    larger.perplexity *= 2;
+    EXPECT_GT(estimate_memory(larger).peak(), 1.5 * peak);
+    larger = kBarnesHut;
+    larger.columns *= 10;
+    EXPECT_GT(estimate_memory(larger).peak(), peak + 8.0 * 450 * 100000);
+}
+
+TEST(EstimateMemory, TakesNoMoreNeighboursThanThereAre) {
+    RunSize few{.rows = 1000, .columns = 5, .perplexity = 500.0};
+    const double peak = estimate_memory(few).peak();
+    few.perplexity = 1e9;
+    EXPECT_EQ(estimate_memory(few).peak(), peak);
+}
+
+TEST(EstimateMemory, CountsPlotsAndPairsOfDimensions) {
+    RunSize size{.rows = 1000000, .columns = 2, .perplexity = 1.0};
+    const double with_plots = estimate_memory(size).results;
+    size.has_plots = false;
+    EXPECT_LT(estimate_memory(size).results, with_plots);
+    size.out_dims = 3;
+    EXPECT_GT(estimate_memory(size).results, 3.0 * 160.0 * 1e6);
+}
+
+TEST(EstimateMemory, CountsWhatThreadsNeedForNeighbours) {
+    RunSize size{.rows = 1000000, .columns = 50, .perplexity = 5.0, .threads = 64};
+    const double many = estimate_memory(size).peak();
+    size.threads = 1;
+    EXPECT_GT(many, 2.0 * estimate_memory(size).peak());
+}
+
+TEST(EstimateMemory, DoesNotOverflow) {
+    const RunSize huge{.rows = 2147483647, .columns = 2147483647, .theta = 0.0};
+    EXPECT_GT(estimate_memory(huge).peak(), 7e19);
+    EXPECT_TRUE(std::isfinite(estimate_memory(huge).peak()));
+    EXPECT_GT(estimate_memory({.rows = 0, .columns = 0}).peak(), 1e6);
+    EXPECT_LT(estimate_memory({.rows = 0, .columns = 0}).peak(), 1e8);
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,49 @@
+#include "tools/dry_run.h"
+
+#include <cmath>
+#include <filesystem>
+#include <vector>
+
+#include "util/console.h"
+#include "util/format.h"
+
+#include "tools/counted.h"
+#include "tools/memory_check.h"
+
+namespace ovik::tool {
+
+namespace {
+
+void print_file(const std::string& path, const std::string& remark) {
+    const bool exists = std::filesystem::exists(path);
+    print_info("  " + path + (exists ? remark : ""));
+}
+
+}  // namespace
+
+void print_plan(const Options& options,
+                const RunSize& size,
+                const AvailableMemory& available,
+                const std::string& base) {
+    print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
+               counted(size.columns, "column", "columns"));
+    print_info("Method: " + std::string(size.theta == 0.0 ? "exact" : "Barnes-Hut") +
+               " (theta = " + num2string(size.theta, 2) + "), perplexity " +
+               num2string(size.perplexity, 2) + ", " + std::to_string(size.out_dims) +
+               " dimensions, " + std::to_string(options.max_iter + 1) + " iterations");
+    print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
+               (std::isfinite(available.bytes)
+                    ? "; " + memory_text(available.bytes) + " are left " + available.limit
+                    : ""));
+    print_info("Files:");
+    print_file(base + ".csv", " (replaced)");
+    print_file(options.out_dir + options.name + ".log", " (appended to)");
+    if (options.plots) {
+        for (const char* extension : {".html", ".gp", ".png", ".svg"}) {
+            print_file(base + extension, " (replaced)");
+        }
+    }
+    print_info("Nothing was run and nothing written");
+}
+
+}  // namespace ovik::tool

@@ -1,0 +1,85 @@
+#include "tools/memory_check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "util/input_error.h"
+#include "util/matrix_check.h"
+
+namespace ovik::tool {
+
+namespace {
+
+constexpr double kMega = 1e6;
+constexpr double kGiga = 1e9;
+
+constexpr double kUsualTheta = 0.5;
+constexpr double kUsualPerplexity = 30.0;
+
+bool fits(const RunSize& size, const AvailableMemory& available) {
+    return estimate_memory(size).peak() - resident_memory() <= available.bytes;
+}
+
+/// What would make the run smaller, the most effective first.
+std::string cures(const RunSize& size, const AvailableMemory& available) {
+    RunSize barnes_hut = size;
+    barnes_hut.theta = kUsualTheta;
+    if (size.theta == 0.0) {
+        return std::string("The Barnes-Hut method (--theta 0.5) takes ") +
+               memory_text(estimate_memory(barnes_hut).peak()) +
+               (fits(barnes_hut, available) ? "" : "; fewer rows or columns take less");
+    }
+    RunSize smoother = size;
+    smoother.perplexity = kUsualPerplexity;
+    if (size.perplexity > kUsualPerplexity && fits(smoother, available)) {
+        return "A perplexity of 30 takes " + memory_text(estimate_memory(smoother).peak());
+    }
+    return "Fewer rows, fewer columns or a lower perplexity take less";
+}
+
+[[noreturn]] void refuse(const std::string& what,
+                         double bytes,
+                         const AvailableMemory& available,
+                         const std::string& cure) {
+    throw InputError(what + " takes about " + memory_text(bytes) + " of memory, and " +
+                     memory_text(std::max(available.bytes, 0.0)) + " are left " + available.limit +
+                     "\n" + cure + "; --force tries all the same.");
+}
+
+}  // namespace
+
+std::string memory_text(double bytes) {
+    char text[64];
+    if (bytes < kGiga) {
+        std::snprintf(text, sizeof text, "%.0f MB", std::ceil(bytes / kMega));
+    } else {
+        std::snprintf(text, sizeof text, "%.1f GB", bytes / kGiga);
+    }
+    return text;
+}
+
+void check_memory(const RunSize& size, const AvailableMemory& available) {
+    if (!fits(size, available)) {
+        refuse("the run", estimate_memory(size).peak(), available, cures(size, available));
+    }
+}
+
+void check_memory_of_reading(const std::string& path,
+                             char delimiter,
+                             const AvailableMemory& available) {
+    const MatrixShape shape = guess_shape(path, delimiter);
+    RunSize size;
+    size.rows = shape.rows;
+    size.columns = shape.columns;
+    const double bytes = estimate_memory(size).reading;
+    if (bytes - resident_memory() > available.bytes) {
+        refuse(path + ": reading the matrix of about " + std::to_string(shape.rows) + " rows and " +
+                   std::to_string(shape.columns) + " columns",
+               bytes,
+               available,
+               "Fewer rows or columns take less");
+    }
+}
+
+}  // namespace ovik::tool

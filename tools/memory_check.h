@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+#include "stats/memory_estimate.h"
+
+#include "tools/available_memory.h"
+
+namespace ovik::tool {
+
+/// An amount of memory in words: "85 MB", "19.2 GB".
+std::string memory_text(double bytes);
+
+/// Refuses a run that cannot fit.
+///
+/// @param size       of the run
+/// @param available  what this process can still get, beside what it has
+/// @throws InputError with both figures and what makes the run smaller
+void check_memory(const RunSize& size, const AvailableMemory& available);
+
+/// Refuses to read a file whose values cannot fit.
+///
+/// @param path  the matrix, whose rows are taken to be as long as the first few
+void check_memory_of_reading(const std::string& path,
+                             char delimiter,
+                             const AvailableMemory& available);
+
+}  // namespace ovik::tool

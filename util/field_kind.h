@@ -1,0 +1,25 @@
+#pragma once
+
+namespace ovik {
+
+/// What a value field of a matrix file holds.
+enum class FieldKind {
+    Number,
+    /// Nothing but blanks, or one of the usual signs of a missing value: NA, N/A, #N/A, NaN, null,
+    /// none (in capitals or not), "-", "--", "." and "?".
+    Missing,
+    /// Other text that does not open with a number.
+    NotNumber,
+    /// A number with text behind it.
+    TextBehind,
+    /// An infinity, a number beyond the range of `double`, or a NaN with a sign or a payload.
+    NotFinite,
+};
+
+/// Tells what a field holds; blanks around it do not count.
+///
+/// @param field  text that ends with a NUL at `end`
+/// @param value  set to the number that `strtod` reads from the field, 0 if it reads none
+FieldKind classify_field(const char* field, const char* end, double& value);
+
+}  // namespace ovik
