@@ -1,12 +1,15 @@
 #include "tools/options.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
+#include <climits>
 
 #include "tools/exit_status.h"
 
@@ -45,6 +48,23 @@ CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
                                                 : "should be a number " + range + ", not " + text;
             },
             "NUMBER"};
+}
+
+/// A whole number within a range, in decimal digits. The ready-made conversion takes digits behind
+/// a zero for octal ones: this one leaves it none.
+CLI::Validator whole_number(int least, int most) {
+    return {[=](std::string& text) -> std::string {
+                int value = 0;
+                const char* const end = text.data() + text.size();
+                const auto [rest, error] = std::from_chars(text.data(), end, value);
+                if (error != std::errc() || rest != end || value < least || value > most) {
+                    return "should be a whole number from " + std::to_string(least) + " to " +
+                           std::to_string(most) + ", not " + text;
+                }
+                text = std::to_string(value);
+                return "";
+            },
+            "COUNT"};
 }
 
 /// A text that becomes part of a file name.
@@ -104,20 +124,20 @@ void add_method_options(CLI::App& app, Options& options) {
         ->check(finite_number("at least 0", [](double theta) { return theta >= 0.0; }));
     app.add_option("-d,--dims", options.dims, "Dimensions of the embedding, 2 to 50 (2)")
         ->option_text("COUNT")
-        ->check(CLI::Range(2, 50));
+        ->transform(whole_number(2, 50));
     app.add_option("-i,--max-iter", options.max_iter, "Last iteration, at least 1 (1000)")
         ->option_text("COUNT")
-        ->check(CLI::Range(1, 1000000000));
+        ->transform(whole_number(1, 1000000000));
     app.add_option("--stop-lying-iter",
                    options.stop_lying_iter,
                    "Iteration at which early exaggeration ends (250)")
         ->option_text("COUNT")
-        ->check(CLI::NonNegativeNumber);
+        ->transform(whole_number(0, INT_MAX));
     app.add_option("--mom-switch-iter",
                    options.mom_switch_iter,
                    "Iteration after which the momentum is 0.8 (250)")
         ->option_text("COUNT")
-        ->check(CLI::NonNegativeNumber);
+        ->transform(whole_number(0, INT_MAX));
     app.add_option_function<std::string>(
            "--precision",
            [&options](const std::string& text) {
@@ -128,7 +148,7 @@ void add_method_options(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"double", "float"}));
     app.add_option("-j,--threads", options.threads, "Threads, 0 for one per core (0)")
         ->option_text("COUNT")
-        ->check(CLI::Range(0, 1000000));
+        ->transform(whole_number(0, 1000000));
     app.add_flag("--force", options.force, "Run even if there seems to be too little memory");
     app.add_flag("--dry-run",
                  options.dry_run,
@@ -145,7 +165,7 @@ void add_checkpoint_options(CLI::App& app, Options& options) {
                    options.checkpoint_every,
                    "Iterations between two checkpoints (50)")
         ->option_text("COUNT")
-        ->check(CLI::Range(1, 1000000000))
+        ->transform(whole_number(1, 1000000000))
         ->needs(file);
     app.add_option(
            "--resume", options.resume, "Go on from a checkpoint of the same matrix and options")

@@ -209,6 +209,16 @@ TEST_F(Command, RefusesBadUsage) {
     }
 }
 
+TEST_F(Command, ReadsCountsAsDecimalNumbers) {
+    const std::string matrix = directory_.write("m.txt", grid_matrix(70));
+    const CommandOutcome outcome = run({matrix, "-o", results_, "-i", "010"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_NE(outcome.out.find("(10/10)"), std::string::npos);
+    EXPECT_NE(run({matrix, "-o", results_, "-i", "0x10"})
+                  .err.find("should be a whole number from 1 to 1000000000, not 0x10"),
+              std::string::npos);
+}
+
 TEST_F(Command, RefusesFilesThatItCannotRead) {
     const CommandOutcome missing = run({"no/such/file.tsv", "-o", results_});
     EXPECT_EQ(missing.exit_status, kBadInput);

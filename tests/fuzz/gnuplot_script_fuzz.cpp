@@ -1,0 +1,221 @@
+#include "plots/gnuplot_script.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/fuzz/support/input_lines.h"
+#include "tests/fuzz/support/require.h"
+#include "tests/fuzz/support/utf8.h"
+
+/// The script of a figure, read as gnuplot does: whatever the texts, they are the contents of its
+/// strings, and the script around them is that of harmless texts.
+
+namespace ovik {
+namespace {
+
+/// A script without its texts, and they.
+struct Lexed {
+    /// Each text is one "\1".
+    std::string skeleton;
+    std::vector<std::string> texts;
+};
+
+/// Takes a string in single quotes off the front, quotes and all, and returns what it holds.
+std::string take_string(std::string_view& script) {
+    OVIK_REQUIRE(script.starts_with('\''));
+    const std::size_t end = script.find('\'', 1);
+    OVIK_REQUIRE(end != std::string_view::npos);
+    const std::string_view text = script.substr(1, end - 1);
+    OVIK_REQUIRE(std::none_of(text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }));
+    script.remove_prefix(end + 1);
+    // Would be a quote within the string.
+    OVIK_REQUIRE(!script.starts_with('\''));
+    return std::string(text);
+}
+
+/// Takes an expression of strings and characters by their codes, joined by dots.
+std::string take_text(std::string_view& script) {
+    constexpr std::string_view kCharacter = ".sprintf('%c',";
+    std::string text = take_string(script);
+    while (script.starts_with(kCharacter)) {
+        script.remove_prefix(kCharacter.size());
+        const std::size_t end = script.find(')');
+        OVIK_REQUIRE(end != std::string_view::npos && end >= 1 && end <= 3);
+        text += static_cast<char>(std::stoi(std::string(script.substr(0, end))));
+        script.remove_prefix(end);
+        OVIK_REQUIRE(script.starts_with(").'"));
+        script.remove_prefix(2);
+        text += take_string(script);
+    }
+    return text;
+}
+
+Lexed lex(std::string_view script) {
+    Lexed result;
+    while (!script.empty()) {
+        const char c = script[0];
+        if (c == '\'') {
+            result.texts.push_back(take_text(script));
+            result.skeleton += '\1';
+        } else if (c == '#') {
+            const std::string_view comment = script.substr(0, script.find('\n'));
+            OVIK_REQUIRE(!comment.ends_with('\\'));
+            result.skeleton += comment;
+            script.remove_prefix(comment.size());
+        } else {
+            // Neither a command of the shell nor another string, macro or further statement.
+            OVIK_REQUIRE(c == '\n' || (c >= ' ' && c <= '~'));
+            OVIK_REQUIRE(std::string_view("`\"@;!|").find(c) == std::string_view::npos);
+            result.skeleton += c;
+            script.remove_prefix(1);
+        }
+    }
+    return result;
+}
+
+/// As many characters as a text has, none of which means anything.
+std::string harmless(const std::string& text) {
+    const std::string line = test::plain_line(text);
+    return std::string(test::code_points(line).size(), 'a');
+}
+
+Figure with_harmless_texts(Figure figure) {
+    figure.stem = harmless(figure.stem);
+    figure.title = harmless(figure.title);
+    for (std::string& label : figure.labels) {
+        label = harmless(label);
+    }
+    for (FigurePanel& panel : figure.panels) {
+        panel.x_title = harmless(panel.x_title);
+        panel.y_title = harmless(panel.y_title);
+    }
+    return figure;
+}
+
+/// The text as one line, or what fits of it.
+void require_shown(const std::string& shown, const std::string& text) {
+    OVIK_REQUIRE(test::is_valid_utf8(shown));
+    const auto expected = test::code_points(test::plain_line(text));
+    auto characters = test::code_points(shown);
+    if (characters != expected) {
+        constexpr std::uint32_t kEllipsis = 0x2026;
+        OVIK_REQUIRE(!characters.empty() && characters.back() == kEllipsis);
+        OVIK_REQUIRE(characters.size() < expected.size());
+        characters.pop_back();
+        OVIK_REQUIRE(std::equal(characters.begin(), characters.end(), expected.begin()));
+    }
+}
+
+/// Whether a text stands right behind some words of a script.
+bool follows(const std::string& skeleton, std::size_t at, std::string_view words) {
+    return std::string_view(skeleton).substr(0, at).ends_with(words);
+}
+
+void check_texts(const Lexed& script, const Figure& figure) {
+    std::size_t at = 0;
+    std::size_t outputs = 0;
+    std::size_t x_titles = 0;
+    std::size_t y_titles = 0;
+    std::size_t entries = 0;
+    for (const std::string& text : script.texts) {
+        at = script.skeleton.find('\1', at);
+        const std::size_t panels = figure.panels.size();
+        if (follows(script.skeleton, at, "\nset output ")) {
+            const std::string extension = outputs++ == 0 ? ".png" : ".svg";
+            OVIK_REQUIRE(text == "./" + figure.stem + extension);
+            x_titles = y_titles = entries = 0;
+        } else if (follows(script.skeleton, at, "\nset title ")) {
+            require_shown(text, figure.title);
+        } else if (follows(script.skeleton, at, "\nset xlabel ")) {
+            OVIK_REQUIRE(x_titles < panels);
+            require_shown(text, figure.panels[x_titles++].x_title);
+        } else if (follows(script.skeleton, at, "\nset ylabel ")) {
+            OVIK_REQUIRE(y_titles < panels);
+            require_shown(text, figure.panels[y_titles++].y_title);
+        } else if (follows(script.skeleton, at, "pointsize 0 title ")) {
+            OVIK_REQUIRE(text == "and " + std::to_string(figure.labels.size() - entries) + " more");
+        } else if (follows(script.skeleton, at, " title ")) {
+            OVIK_REQUIRE(entries < figure.labels.size());
+            const std::string& label = figure.labels[entries++];
+            require_shown(text, label.empty() ? "(no label)" : label);
+        }
+        ++at;
+    }
+    OVIK_REQUIRE(outputs == 2);
+}
+
+/// A number of this size at most; 0 for what is none.
+double number_within(test::InputLines& input, double largest) {
+    const double number = input.number();
+    return std::fabs(number) <= largest ? number : 0.0;
+}
+
+std::string file_name_from(test::InputLines& input) {
+    std::string name = input.text();
+    std::erase(name, '\0');
+    return name;
+}
+
+Figure figure_from(test::InputLines& input) {
+    Figure figure;
+    figure.stem = file_name_from(input);
+    figure.title = input.text();
+    for (double& bound : figure.bounds) {
+        bound = number_within(input, 1e300);
+    }
+    figure.labels.resize(input.count(40));
+    for (std::string& label : figure.labels) {
+        label = input.text();
+    }
+    figure.panels.resize(input.count(5));
+    for (FigurePanel& panel : figure.panels) {
+        panel.x_title = input.text();
+        panel.y_title = input.text();
+        panel.points.resize(std::max<std::size_t>(figure.labels.size(), 1));
+        for (auto& points : panel.points) {
+            points.resize(input.count(2));
+            for (auto& point : points) {
+                point = {number_within(input, 1e308), number_within(input, 1e308)};
+            }
+        }
+    }
+    return figure;
+}
+
+FigureStyle style_from(test::InputLines& input) {
+    constexpr double kLargest = 1e6;
+    FigureStyle style;
+    if (input.flag()) {
+        style = {number_within(input, kLargest),
+                 number_within(input, kLargest),
+                 number_within(input, 1.0),
+                 number_within(input, 1.0),
+                 number_within(input, 1.0),
+                 number_within(input, 1.0),
+                 static_cast<int>(input.count(100)),
+                 input.flag()};
+    }
+    return style;
+}
+
+}  // namespace
+}  // namespace ovik
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace ovik;
+    test::InputLines input(data, size);
+    const FigureStyle style = style_from(input);
+    const Figure figure = figure_from(input);
+    const std::string settings = figure_settings(style);
+    const Lexed script = lex(gnuplot_script(figure, settings, style));
+    check_texts(script, figure);
+    const Lexed expected = lex(gnuplot_script(with_harmless_texts(figure), settings, style));
+    OVIK_REQUIRE(script.skeleton == expected.skeleton);
+    return 0;
+}
