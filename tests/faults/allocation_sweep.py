@@ -13,6 +13,8 @@ RUNS = {
     "Barnes-Hut": ["--theta", "0.5"],
     "Barnes-Hut, no plots": ["--theta", "0.5", "--no-plots"],
 }
+# The rest of a run does not matter to what comes before `main`.
+BEFORE_MAIN = ["--dry-run"]
 
 
 OUT_OF_MEMORY = "Memory allocation failed!"
@@ -31,9 +33,10 @@ def ending(outcome):
     raise Faulty(f"does not end with a line of its own: {outcome.error_text!r}")
 
 
-def sweep(bench, onwards, stride):
+def sweep(bench, onwards, stride, kinds):
     """Returns the number of allocations, how many runs ended how, and what was wrong."""
-    fault = {"CALL": "allocation", "ERROR": errno.ENOMEM} | ({"ONWARDS": 1} if onwards else {})
+    fault = kinds | {"CALL": "allocation", "ERROR": errno.ENOMEM}
+    fault |= {"ONWARDS": 1} if onwards else {}
     total = bench.run(fault).calls
     bench.restore()
     tally = collections.Counter()
@@ -59,14 +62,16 @@ def main():
     arguments.add_argument("--stride", type=int, default=1)
     options = arguments.parse_args()
     failures = 0
-    for name, run_options in RUNS.items():
+    runs = [(name, run_options, {}) for name, run_options in RUNS.items()]
+    runs.append(("before main", BEFORE_MAIN, {"EARLY": 1}))
+    for name, run_options, kinds in runs:
         with Bench(options.command, options.library, run_options) as bench:
             for onwards in (False, True):
-                total, tally, errors = sweep(bench, onwards, options.stride)
+                total, tally, errors = sweep(bench, onwards, options.stride, kinds)
                 failures += len(errors)
                 which = "and all that follow" if onwards else "alone"
                 print(f"{name}: {total} allocations, failed {which}: {dict(tally)}")
-                for error in errors:
+                for error in errors[:20]:
                     print("  " + error)
     sys.exit(1 if failures else 0)
 

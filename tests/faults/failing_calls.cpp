@@ -4,6 +4,7 @@
 /// its threads; programs that it starts are left alone. Set by the environment:
 ///   OVIK_FAULT_CALL     allocation, open, read, write, fsync, close or rename
 ///   OVIK_FAULT_AT       number of the first call that fails, from 1; 0: none
+///   OVIK_FAULT_EARLY    if set, calls count from before `main` on, where globals are built
 ///   OVIK_FAULT_ONWARDS  if set, all that follow fail as well
 ///   OVIK_FAULT_ERROR    the error number; 0: a write takes one byte only
 ///   OVIK_FAULT_COUNT    file that gets the number of calls when the program exits
@@ -67,7 +68,7 @@ long number_from(const char* variable) {
 
 int (*main_of_program)(int, char**, char**) = nullptr;
 
-int main_with_faults(int argc, char** argv, char** environment) {
+void begin_with_faults() {
     const char* const call = std::getenv("OVIK_FAULT_CALL");
     first_failure = number_from("OVIK_FAULT_AT");
     onwards = std::getenv("OVIK_FAULT_ONWARDS") != nullptr;
@@ -78,6 +79,10 @@ int main_with_faults(int argc, char** argv, char** environment) {
             failing_call = static_cast<Call>(kind);
         }
     }
+}
+
+int main_with_faults(int argc, char** argv, char** environment) {
+    begin_with_faults();
     return main_of_program(argc, argv, environment);
 }
 
@@ -114,9 +119,13 @@ int __libc_start_main(int (*main)(int, char**, char**),
                       void (*fini)(),
                       void (*rtld_fini)(),
                       void* stack_end) {
+    auto* const start = next<decltype(__libc_start_main)>("__libc_start_main");
+    if (std::getenv("OVIK_FAULT_EARLY") != nullptr) {
+        begin_with_faults();
+        return start(main, argc, argv, init, fini, rtld_fini, stack_end);
+    }
     main_of_program = main;
-    return next<decltype(__libc_start_main)>("__libc_start_main")(
-        main_with_faults, argc, argv, init, fini, rtld_fini, stack_end);
+    return start(main_with_faults, argc, argv, init, fini, rtld_fini, stack_end);
 }
 
 void* malloc(size_t size) {

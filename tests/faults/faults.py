@@ -50,6 +50,7 @@ class Bench:
         self.arguments = [command, self.path("m.tsv"), "--out-dir", self.results,
                           "--max-iter", "3", "--threads", "2"] + options
         os.mkdir(self.path("bin"))
+        os.mkdir(self.results)
         self._write("bin/gnuplot", GNUPLOT)
         os.chmod(self.path("bin/gnuplot"), 0o755)
         # Aborted runs would be slow.
