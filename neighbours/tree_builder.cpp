@@ -18,7 +18,7 @@ constexpr int kGridBits = 32;
 constexpr int kBucketBits = 12;
 
 /// Fewest points for which another thread pays.
-constexpr std::size_t kPointGrain = 16384;
+constexpr std::size_t kPointGrain = 2048;
 
 // Between neighbours in Morton order that no level parts.
 constexpr std::int8_t kSameCell = -1;

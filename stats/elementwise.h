@@ -10,7 +10,7 @@
 namespace ovik {
 
 /// Fewest elements for which another thread pays.
-constexpr std::size_t kElementwiseGrain = 8192;
+constexpr std::size_t kElementwiseGrain = 2048;
 
 inline void multiply_all(double* values, std::size_t count, double factor) {
     parallel_for_each(

@@ -13,12 +13,11 @@ constexpr double kGainIncrease = 0.2;
 constexpr double kGainDecay = 0.8;
 constexpr double kSmallestGain = 0.01;
 
-/// 0, -1 or 1; a NaN counts as positive.
-int sign(double x) {
-    if (x == 0.0) {
-        return 0;
-    }
-    return x < 0.0 ? -1 : 1;
+/// Whether both are zero, both negative or both neither; a NaN counts as positive. Without
+/// branches: the processor would guess them wrong every other time.
+bool have_same_sign(double a, double b) {
+    return static_cast<int>(a < 0.0) + 2 * static_cast<int>(a == 0.0) ==
+           static_cast<int>(b < 0.0) + 2 * static_cast<int>(b == 0.0);
 }
 
 }  // namespace
@@ -39,12 +38,16 @@ void GradientDescent::restore(const double* velocity, const double* gains) {
 }
 
 void GradientDescent::step(double* Y, double momentum) {
-    parallel_for_each(count_, kElementwiseGrain, [&](std::size_t i) {
-        const bool same_sign = sign(gradient_[i]) == sign(velocity_[i]);
-        const double gain = same_sign ? gains_[i] * kGainDecay : gains_[i] + kGainIncrease;
-        gains_[i] = gain < kSmallestGain ? kSmallestGain : gain;
-        velocity_[i] = velocity_[i] * momentum - (gains_[i] * kLearningRate) * gradient_[i];
-        Y[i] += velocity_[i];
+    const double* const gradient = gradient_.get();
+    double* const velocity = velocity_.get();
+    double* const gains = gains_.get();
+    parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
+        const double decayed = gains[i] * kGainDecay;
+        const double increased = gains[i] + kGainIncrease;
+        const double gain = have_same_sign(gradient[i], velocity[i]) ? decayed : increased;
+        gains[i] = gain < kSmallestGain ? kSmallestGain : gain;
+        velocity[i] = velocity[i] * momentum - (gains[i] * kLearningRate) * gradient[i];
+        Y[i] += velocity[i];
     });
 }
 
