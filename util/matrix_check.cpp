@@ -290,21 +290,6 @@ std::size_t count_numbers(std::string line, char delimiter) {
     return numbers;
 }
 
-/// The first rows of a file, trimmed, to guess the delimiter from.
-std::vector<std::string> first_rows(const std::string& path) {
-    std::ifstream file = open_matrix(path);
-    std::vector<std::string> rows;
-    std::string line;
-    std::getline(file, line);
-    while (rows.size() < kRowsToGuessFrom && std::getline(file, line)) {
-        trim_matrix_line(line);
-        if (is_matrix_row(line)) {
-            rows.push_back(line);
-        }
-    }
-    return rows;
-}
-
 }  // namespace
 
 InspectedMatrix inspect_matrix(const std::string& path, char delimiter) {
