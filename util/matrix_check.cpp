@@ -68,6 +68,9 @@ std::vector<std::string> column_names_of(std::string_view first_line,
 
 /// Adds findings of lines further down, which were counted from the line `lines`.
 void add(FieldFindings& findings, FieldFindings&& more, std::size_t lines) {
+    if (more.count == 0) {
+        return;
+    }
     if (findings.count == 0) {
         findings.first = std::move(more.first);
         findings.first.line += lines;
