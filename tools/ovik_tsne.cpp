@@ -22,6 +22,7 @@
 #include "util/console.h"
 #include "util/format.h"
 #include "util/input_error.h"
+#include "util/malloc_array.h"
 #include "util/matrix_check.h"
 
 #include "tools/available_memory.h"
@@ -259,7 +260,14 @@ int run_command(int argc, const char* const* argv) {
 
 }  // namespace ovik::tool
 
+/// Where globals are built there is no one who could catch an exception. Runs before their
+/// constructors.
+[[gnu::constructor(101)]] static void end_if_memory_runs_out_before_main() {
+    std::set_new_handler(ovik::exit_out_of_memory);
+}
+
 int main(int argc, char** argv) {
+    std::set_new_handler(nullptr);
     ovik::tool::reserve_standard_streams();
     // A file that outgrows its limit is then reported like a full disk.
     std::signal(SIGXFSZ, SIG_IGN);

@@ -68,6 +68,9 @@ std::vector<std::string> column_names_of(std::string_view first_line,
 
 /// Adds findings of lines further down, which were counted from the line `lines`.
 void add(FieldFindings& findings, FieldFindings&& more, std::size_t lines) {
+    if (more.count == 0) {
+        return;
+    }
     if (findings.count == 0) {
         findings.first = std::move(more.first);
         findings.first.line += lines;
@@ -288,21 +291,6 @@ std::size_t count_numbers(std::string line, char delimiter) {
         at_name = false;
     });
     return numbers;
-}
-
-/// The first rows of a file, trimmed, to guess the delimiter from.
-std::vector<std::string> first_rows(const std::string& path) {
-    std::ifstream file = open_matrix(path);
-    std::vector<std::string> rows;
-    std::string line;
-    std::getline(file, line);
-    while (rows.size() < kRowsToGuessFrom && std::getline(file, line)) {
-        trim_matrix_line(line);
-        if (is_matrix_row(line)) {
-            rows.push_back(line);
-        }
-    }
-    return rows;
 }
 
 }  // namespace

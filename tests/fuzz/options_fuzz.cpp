@@ -73,8 +73,11 @@ void check_options(const Options& options, const std::vector<std::string>& argum
     OVIK_REQUIRE(was_given(options.stop_lying_iter, 250, arguments));
     OVIK_REQUIRE(options.mom_switch_iter >= 0);
     OVIK_REQUIRE(was_given(options.mom_switch_iter, 250, arguments));
-    OVIK_REQUIRE(options.threads >= 0 && options.threads <= 1024);
+    OVIK_REQUIRE(options.threads >= 0 && options.threads <= 1000000);
     OVIK_REQUIRE(was_given(options.threads, 0, arguments));
+    OVIK_REQUIRE(options.checkpoint_every >= 1 && options.checkpoint_every <= 1000000000);
+    OVIK_REQUIRE(was_given(options.checkpoint_every, 50, arguments));
+    OVIK_REQUIRE(options.checkpoint_every == 50 || !options.checkpoint.empty());
     if (options.delimiter) {
         OVIK_REQUIRE(*options.delimiter != '\n' && *options.delimiter != '\r');
     }
