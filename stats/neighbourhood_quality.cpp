@@ -1,0 +1,148 @@
+#include "stats/neighbourhood_quality.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "stats/kernels/neighbour_ranks.h"
+#include "stats/kernels/pair_kernels.h"
+#include "util/instruction_set.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+/// Points of a row-major matrix by coordinate.
+class Columns {
+  public:
+    Columns(const double* rows, std::size_t N, std::size_t dims)
+        : coordinates_(dims * padded_to_panels(N)),
+          point_count_(N),
+          dims_(dims) {
+        for (std::size_t n = 0; n < N; ++n) {
+            for (std::size_t d = 0; d < dims; ++d) {
+                coordinates_[d * padded_to_panels(N) + n] = rows[n * dims + d];
+            }
+        }
+    }
+
+    [[nodiscard]] PointColumns view() const { return {coordinates_.data(), point_count_, dims_}; }
+
+  private:
+    std::vector<double> coordinates_;
+    std::size_t point_count_;
+    std::size_t dims_;
+};
+
+/// The nearest neighbours of one row, found anew for each.
+class Neighbours {
+  public:
+    Neighbours(const Columns& points, std::size_t count, const RankKernels& kernels)
+        : points_(points.view()),
+          kernels_(kernels),
+          distances_(padded_to_panels(points_.point_count)),
+          nearest_(count),
+          nearest_distances_(count) {}
+
+    void find(std::size_t row) {
+        kernels_.squared_distances(points_, row, distances_.data());
+        kernels_.nearest(distances_.data(),
+                         distances_.size(),
+                         nearest_.size(),
+                         nearest_.data(),
+                         nearest_distances_.data());
+    }
+
+    [[nodiscard]] const std::vector<std::uint32_t>& nearest() const { return nearest_; }
+
+    /// Of another row among the neighbours, from 0.
+    [[nodiscard]] std::size_t rank(std::uint32_t other) const {
+        const auto found = std::find(nearest_.begin(), nearest_.end(), other);
+        return found != nearest_.end() ? static_cast<std::size_t>(found - nearest_.begin())
+                                       : kernels_.rank(distances_.data(), distances_.size(), other);
+    }
+
+  private:
+    PointColumns points_;
+    const RankKernels& kernels_;
+    std::vector<double> distances_;
+    std::vector<std::uint32_t> nearest_;
+    std::vector<double> nearest_distances_;
+};
+
+/// Sums over rows for one size of neighbourhoods; whole numbers, so that their order is of no
+/// matter.
+struct Sums {
+    /// By how much ranks in the input exceed the size.
+    std::uint64_t excess = 0;
+    /// Neighbours in both.
+    std::uint64_t shared = 0;
+};
+
+void add_row(const Neighbours& input,
+             const Neighbours& embedding,
+             const std::vector<std::size_t>& sizes,
+             std::vector<Sums>& sums) {
+    const std::vector<std::uint32_t>& nearest = embedding.nearest();
+    for (std::size_t place = 0; place < nearest.size(); ++place) {
+        const std::size_t rank = input.rank(nearest[place]);
+        for (std::size_t i = 0; i < sizes.size(); ++i) {
+            if (place < sizes[i]) {
+                sums[i].shared += rank < sizes[i] ? 1 : 0;
+                sums[i].excess += rank < sizes[i] ? 0 : rank + 1 - sizes[i];
+            }
+        }
+    }
+}
+
+NeighbourhoodQuality quality_of(const Sums& sums, std::size_t N, std::size_t size) {
+    const auto n = static_cast<double>(N);
+    const auto k = static_cast<double>(size);
+    return {size,
+            1.0 - 2.0 * static_cast<double>(sums.excess) / (n * k * (2.0 * n - 3.0 * k - 1.0)),
+            static_cast<double>(sums.shared) / (n * k)};
+}
+
+}  // namespace
+
+std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
+                                                        std::size_t N,
+                                                        std::size_t D,
+                                                        const double* Y,
+                                                        std::size_t dims,
+                                                        const std::vector<std::size_t>& sizes) {
+    constexpr std::size_t kRowsOfTask = 32;
+    if (N == 0 || sizes.empty()) {
+        return {};
+    }
+    const Columns input_columns(X, N, D);
+    const Columns embedding_columns(Y, N, dims);
+    const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
+    const RankKernels& kernels = rank_kernels(instruction_set());
+    const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
+    const int workers = worker_count(tasks);
+    std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
+    std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
+                                   Neighbours(input_columns, largest, kernels));
+    std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
+                                       Neighbours(embedding_columns, largest, kernels));
+    parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
+        for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
+            inputs[worker].find(n);
+            embeddings[worker].find(n);
+            add_row(inputs[worker], embeddings[worker], sizes, sums[task]);
+        }
+    });
+    std::vector<NeighbourhoodQuality> result;
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        Sums total;
+        for (const std::vector<Sums>& of_task : sums) {
+            total.excess += of_task[i].excess;
+            total.shared += of_task[i].shared;
+        }
+        result.push_back(quality_of(total, N, sizes[i]));
+    }
+    return result;
+}
+
+}  // namespace ovik

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace ovik {
+
+/// How well an embedding keeps the k nearest neighbours of each row. Both measures are 1 for one
+/// that keeps them all; a random embedding has a preservation of k / (N - 1).
+struct NeighbourhoodQuality {
+    /// k.
+    std::size_t neighbours = 0;
+    /// Whether rows that lie close in the embedding are close in the input:
+    ///
+    ///     1 - 2 / (N k (2 N - 3 k - 1)) * sum over i, and over j in U(i), of r(i, j) - k
+    ///
+    /// where U(i) are those of the k nearest rows of i in the embedding that are not among the k
+    /// nearest in the input, and r(i, j) is the rank of j among the neighbours of i in the input,
+    /// from 1.
+    ///
+    /// @par Source Venna and Kaski, "Neighborhood preservation in nonlinear projection methods: an
+    /// experimental study", ICANN 2001, LNCS 2130:485
+    double trustworthiness = 0.0;
+    /// The share of the k nearest rows in the input that are among the k nearest in the embedding,
+    /// averaged over all rows.
+    ///
+    /// @par Source Lee and Verleysen, "Quality assessment of dimensionality reduction: rank-based
+    /// criteria", Neurocomputing 72:1431, 2009
+    double preservation = 0.0;
+};
+
+/// The quality of an embedding for several sizes of neighbourhoods. Rows equally far count in the
+/// order of the matrix. The same for any number of threads.
+///
+/// @param X      input, row-major, N x D, finite
+/// @param Y      embedding, row-major, N x dims, finite
+/// @param sizes  numbers of neighbours, at least 1, less than N / 2
+std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
+                                                        std::size_t N,
+                                                        std::size_t D,
+                                                        const double* Y,
+                                                        std::size_t dims,
+                                                        const std::vector<std::size_t>& sizes);
+
+}  // namespace ovik

@@ -1,0 +1,129 @@
+#include "stats/neighbourhood_quality.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <numeric>
+#include <random>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "tests/support/instruction_sets.h"
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+/// All other rows, the nearest first, of those equally far the first of the matrix.
+std::vector<std::size_t> plain_order(const std::vector<double>& points,
+                                     std::size_t dims,
+                                     std::size_t row) {
+    std::vector<double> distances;
+    for (std::size_t n = 0; n < points.size() / dims; ++n) {
+        double squared = 0.0;
+        for (std::size_t d = 0; d < dims; ++d) {
+            const double difference = points[n * dims + d] - points[row * dims + d];
+            squared += difference * difference;
+        }
+        distances.push_back(squared);
+    }
+    std::vector<std::size_t> order(distances.size());
+    std::iota(order.begin(), order.end(), 0U);
+    order.erase(order.begin() + static_cast<std::ptrdiff_t>(row));
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return distances[a] < distances[b];
+    });
+    return order;
+}
+
+NeighbourhoodQuality plain_quality(const std::vector<double>& X,
+                                   std::size_t D,
+                                   const std::vector<double>& Y,
+                                   std::size_t dims,
+                                   std::size_t k) {
+    const std::size_t N = X.size() / D;
+    double excess = 0.0;
+    double shared = 0.0;
+    for (std::size_t n = 0; n < N; ++n) {
+        const auto input = plain_order(X, D, n);
+        const auto embedding = plain_order(Y, dims, n);
+        for (std::size_t place = 0; place < k; ++place) {
+            const auto rank =
+                std::find(input.begin(), input.end(), embedding[place]) - input.begin() + 1;
+            const auto beyond = rank - static_cast<std::ptrdiff_t>(k);
+            shared += beyond <= 0 ? 1.0 : 0.0;
+            excess += beyond > 0 ? static_cast<double>(beyond) : 0.0;
+        }
+    }
+    const auto rows = static_cast<double>(N);
+    const auto size = static_cast<double>(k);
+    return {k,
+            1.0 - 2.0 / (rows * size * (2.0 * rows - 3.0 * size - 1.0)) * excess,
+            shared / (rows * size)};
+}
+
+std::vector<double> random_points(std::size_t count, unsigned int seed) {
+    std::mt19937 generator(seed);
+    std::normal_distribution<double> normal;
+    std::vector<double> points(count);
+    std::generate(points.begin(), points.end(), [&] { return normal(generator); });
+    return points;
+}
+
+TEST(NeighbourhoodQuality, IsOneForTheInputItself) {
+    const std::vector<double> X = random_points(3 * 60, 1);
+    for (const NeighbourhoodQuality& quality :
+         neighbourhood_quality(X.data(), 60, 3, X.data(), 3, {1, 5, 29})) {
+        EXPECT_EQ(quality.trustworthiness, 1.0);
+        EXPECT_EQ(quality.preservation, 1.0);
+    }
+}
+
+TEST(NeighbourhoodQuality, IsLowForAnEmbeddingOfSomethingElse) {
+    const std::vector<double> X = random_points(5 * 1000, 1);
+    const std::vector<double> Y = random_points(2 * 1000, 2);
+    const auto quality = neighbourhood_quality(X.data(), 1000, 5, Y.data(), 2, {10});
+    ASSERT_EQ(quality.size(), 1U);
+    EXPECT_NEAR(quality[0].trustworthiness, 0.5, 0.02);
+    EXPECT_NEAR(quality[0].preservation, 10.0 / 999.0, 0.005);
+}
+
+TEST(NeighbourhoodQuality, IsZeroForTheWorstEmbedding) {
+    // Six rows on a line; in the embedding each lies nearest to the farthest of them.
+    const std::vector<double> X = {0, 1, 2, 100, 101, 102};
+    const std::vector<double> Y = {0, 10, 20, 20.25, 10.5, 0.125};
+    const auto quality = neighbourhood_quality(X.data(), 6, 1, Y.data(), 1, {1});
+    EXPECT_EQ(quality[0].preservation, 0.0);
+    EXPECT_LT(quality[0].trustworthiness, 0.3);
+}
+
+TEST(NeighbourhoodQuality, OfNothingIsNothing) {
+    EXPECT_TRUE(neighbourhood_quality(nullptr, 0, 3, nullptr, 2, {10}).empty());
+    const double row = 1.0;
+    EXPECT_TRUE(neighbourhood_quality(&row, 1, 1, &row, 1, {}).empty());
+}
+
+RC_GTEST_PROP(NeighbourhoodQuality, EqualsThePlainOne, ()) {
+    const auto N = *rc::gen::inRange<std::size_t>(5, 90);
+    const auto D = *rc::gen::inRange<std::size_t>(1, 12);
+    const auto dims = *rc::gen::inRange<std::size_t>(1, 4);
+    const auto k = *rc::gen::inRange<std::size_t>(1, (N - 1) / 2 + 1);
+    // Few different values: ties.
+    const auto value = rc::gen::map(rc::gen::inRange(-4, 5), [](int v) { return 0.5 * v; });
+    const auto X = *rc::gen::container<std::vector<double>>(N * D, value);
+    const auto Y = *rc::gen::container<std::vector<double>>(N * dims, value);
+    const NeighbourhoodQuality expected = plain_quality(X, D, Y, dims, k);
+    for (const InstructionSet instructions : test::available_instruction_sets()) {
+        const test::InstructionLimit limit(instructions);
+        for (const int threads : {1, 2, 3, 8}) {
+            const test::ThreadCount scope(threads);
+            const auto quality = neighbourhood_quality(X.data(), N, D, Y.data(), dims, {1, k});
+            RC_ASSERT(std::fabs(quality[1].trustworthiness - expected.trustworthiness) < 1e-12);
+            RC_ASSERT(std::fabs(quality[1].preservation - expected.preservation) < 1e-12);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace ovik
