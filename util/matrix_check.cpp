@@ -301,8 +301,9 @@ InspectedMatrix inspect_matrix(const std::string& path, char delimiter) {
     Blocks blocks = with_read_failures_named(path, [&] {
         std::getline(file, first_line);
         return parse_line_blocks<BlockOfRows>(file, [&](std::string_view text, BlockOfRows& block) {
+            const auto most = std::count(text.begin(), text.end(), delimiter);
+            block.values.reserve(static_cast<std::size_t>(most));
             for_each_line(text, [&](std::string_view line) { block.add(line, delimiter); });
-            block.values.shrink_to_fit();
         });
     });
     if (first_line.find('\0') != std::string::npos) {
