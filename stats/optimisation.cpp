@@ -65,6 +65,14 @@ void Optimisation::iterate() {
         isDone() ? objective_.cost(Y) : objective_.costAndGradient(Y, descent_.gradient());
 }
 
+double Optimisation::finalCost() {
+    if (lies_behind(reached_.iteration + 1, schedule_.stop_lying_iter)) {
+        return reached_.cost;
+    }
+    objective_.relax(kEarlyExaggeration);
+    return objective_.cost(embedding_.Y);
+}
+
 /// A coordinate that is not finite made the mean of its column so, and that the whole column: the
 /// first row shows it.
 bool Optimisation::isFinite() const {

@@ -55,6 +55,10 @@ class Optimisation {
     /// The iteration done last.
     [[nodiscard]] const IterationReport& reached() const { return reached_; }
 
+    /// The cost of the embedding as it stands, against the similarities without exaggeration. Ends
+    /// exaggeration: no iteration may follow.
+    double finalCost();
+
   private:
     [[nodiscard]] std::size_t count() const { return embedding_.rows * embedding_.out_dims; }
 

@@ -145,6 +145,9 @@ class TSNE {
     /// Whether the last `actuate` wrote its result table.
     [[nodiscard]] bool tableWritten() const { return table_written_; }
 
+    /// The cost of the last `actuate`'s embedding, against the similarities without exaggeration.
+    [[nodiscard]] double finalCost() const { return final_cost_; }
+
     /// Whether the last `actuate` wrote its record in the run log.
     [[nodiscard]] bool logWritten() const { return log_written_; }
 
@@ -242,6 +245,7 @@ class TSNE {
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;
     bool log_written_ = false;
+    double final_cost_ = 0.0;
     std::string checkpoint_failure_;
     std::error_code table_failure_;
     std::error_code log_failure_;

@@ -243,6 +243,7 @@ void TSNE<T>::actuate(int no_dims,
     fit(optimisation, keeper);
     checkpoint_failure_ = keeper.failure();
     const IterationReport reached = optimisation.reached();
+    final_cost_ = optimisation.finalCost();
     end = std::clock();
     descent.reset();
     objective.reset();

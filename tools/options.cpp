@@ -105,6 +105,8 @@ void add_output_options(CLI::App& app, Options& options) {
         ->check(file_name_part());
     app.add_option("--title", options.title, "What the data are, for run log and plots (the name)")
         ->option_text("TEXT");
+    app.add_flag(
+        "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
     app.add_flag_callback(
         "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");

@@ -50,6 +50,8 @@ struct Options {
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.
     bool force = false;
+    /// Whether the quality of the map is measured.
+    bool quality = false;
     /// Whether the command only tells what it would do.
     bool dry_run = false;
     bool quiet = false;

@@ -34,6 +34,7 @@
 #include "tools/input_checks.h"
 #include "tools/interruption.h"
 #include "tools/load_matrix.h"
+#include "tools/map_quality.h"
 #include "tools/memory_check.h"
 #include "tools/options.h"
 #include "tools/standard_streams.h"
@@ -187,6 +188,9 @@ ExitStatus embed(const Options& options,
     const std::string base = result_base(options, perplexity);
     tsne.actuate(
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
+    if (options.quality) {
+        print_map_quality(tsne, options.dims);
+    }
     tsne.finish();
     const bool complete = report_results(tsne, base, options);
     print_info(one_line_utf8(found_genes_line(tsne.row_names)));
