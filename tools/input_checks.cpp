@@ -11,6 +11,7 @@
 #include "stats/checkpoint.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
+#include "util/matrix_guess.h"
 
 #include "tools/counted.h"
 
@@ -19,6 +20,9 @@ namespace ovik::tool {
 namespace {
 
 std::string place(const std::string& path, const FieldPlace& place) {
+    if (place.line == 0) {
+        return path + ": column " + std::to_string(place.field) + " of row " + place.row;
+    }
     return path + ":" + std::to_string(place.line) + ": field " + std::to_string(place.field) +
            " of row \"" + place.row + "\"";
 }
@@ -88,23 +92,31 @@ std::string delimiter_text(char delimiter) {
 }
 
 /// What to do about a file without numbers: another delimiter, if there are numbers with it.
-std::string delimiter_advice(const std::string& path, char delimiter) {
-    const std::string general =
-        "Every line behind the first should be a name and its values; --delimiter says what stands "
-        "between them.";
-    try {
-        const char better = guess_delimiter(path);
-        return better == delimiter ? general
-                                   : "There are with --delimiter '" + delimiter_text(better) +
-                                         "', which is also what is guessed without the option.";
-    } catch (const InputError&) {
-        return general;
-    }
+std::string delimiter_advice(const Delimiters& delimiters) {
+    return !delimiters.guessed || *delimiters.guessed == delimiters.used
+               ? "Every line behind the first should be a name and its values; --delimiter says "
+                 "what stands between them."
+               : "There are with --delimiter '" + delimiter_text(*delimiters.guessed) +
+                     "', which is also what is guessed without the option.";
 }
 
 }  // namespace
 
-void check_matrix(const std::string& path, char delimiter, const MatrixReport& report) {
+Delimiters find_delimiter(const MatrixSource& source, std::optional<char> given) {
+    const std::optional<char> guessed = guess_delimiter(source);
+    if (!given && !guessed) {
+        throw InputError(
+            source.name() +
+            ": found no numbers behind the first line, with tab, comma, semicolon or blank between "
+            "the fields: every line should be a name and its values (another delimiter can be "
+            "given with --delimiter)");
+    }
+    return {given ? *given : *guessed, guessed};
+}
+
+void check_matrix(const std::string& path,
+                  const Delimiters& delimiters,
+                  const MatrixReport& report) {
     if (report.lost_names.count > 0) {
         const FieldPlace& first = report.lost_names.first;
         throw InputError(path + ":" + std::to_string(first.line) +
@@ -114,13 +126,17 @@ void check_matrix(const std::string& path, char delimiter, const MatrixReport& r
                          ")\nGive the row a name, or take it out.");
     }
     if (report.rows > 0 && report.numbers == 0) {
-        throw InputError(path + ": holds no numbers with " + delimiter_text(delimiter) +
-                         " between the fields\n" + delimiter_advice(path, delimiter));
+        throw InputError(path + ": holds no numbers with " + delimiter_text(delimiters.used) +
+                         " between the fields\n" + delimiter_advice(delimiters));
     }
     if (report.ragged_rows > 0) {
         refuse_ragged(path, report);
     }
     check_row_count(path, report.rows);
+    check_finite(path, report);
+}
+
+void check_finite(const std::string& path, const MatrixReport& report) {
     if (report.not_finite.count > 0) {
         const FieldPlace& first = report.not_finite.first;
         throw InputError(place(path, first) + " is \"" + first.text +
@@ -134,8 +150,8 @@ void check_matrix(const std::string& path, char delimiter, const MatrixReport& r
 void check_row_count(const std::string& path, std::size_t rows) {
     if (rows < 3) {
         throw InputError(path + ": has " + counted(rows, "row", "rows") +
-                         ", and an embedding needs at least 3\nThe first line is taken as the "
-                         "header; lines that are empty or open with # are skipped.");
+                         ", and an embedding needs at least 3\nIn delimited text the first line is "
+                         "the header, and lines that are empty or open with # are skipped.");
     }
     if (rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throw InputError(path + ": has " + counted(rows, "row", "rows") +
@@ -204,28 +220,31 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
     return warnings;
 }
 
-std::vector<std::string> read_labels(const std::string& path, std::size_t row_count) {
+std::vector<std::string> read_row_texts(const std::string& path,
+                                        std::size_t row_count,
+                                        const std::string& what) {
     std::ifstream file = open_input_file(path);
     if (!file.is_open() || std::filesystem::is_directory(path)) {
-        throw InputError(path + ": the labels cannot be read (" +
+        throw InputError(path + ": the " + what + "s cannot be read (" +
                          std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
     }
-    std::vector<std::string> labels;
+    std::vector<std::string> texts;
     with_read_failures_named(path, [&] {
         std::string line;
         while (std::getline(file, line)) {
             if (!line.empty() && line.back() == '\r') {
                 line.pop_back();
             }
-            labels.push_back(line);
+            texts.push_back(line);
         }
     });
-    if (labels.size() != row_count) {
-        throw InputError(path + ": holds " + counted(labels.size(), "label", "labels") +
+    if (texts.size() != row_count) {
+        throw InputError(path + ": holds " + counted(texts.size(), what, what + "s") +
                          ", but the matrix has " + counted(row_count, "row", "rows") +
-                         "\nGive one label per line, in the order of the rows, without a header.");
+                         "\nGive one " + what +
+                         " per line, in the order of the rows, without a header.");
     }
-    return labels;
+    return texts;
 }
 
 void check_checkpoint_path(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,11 +9,26 @@
 
 namespace ovik::tool {
 
+/// What stands between the fields of a file: as it is read, and as its first rows look.
+struct Delimiters {
+    char used = '\t';
+    std::optional<char> guessed;
+};
+
+/// @param given  by the user
+/// @throws InputError if nothing is given and nothing can be guessed
+Delimiters find_delimiter(const MatrixSource& source, std::optional<char> given);
+
 /// Refuses a file whose rows do not make a matrix.
 ///
 /// @throws InputError with the first line, row and cure: no numbers, rows of unequal length, too
 /// few rows, values that are not finite
-void check_matrix(const std::string& path, char delimiter, const MatrixReport& report);
+void check_matrix(const std::string& path,
+                  const Delimiters& delimiters,
+                  const MatrixReport& report);
+
+/// @throws InputError with the first value that is infinite
+void check_finite(const std::string& path, const MatrixReport& report);
 
 /// @throws InputError if there are fewer than 3 rows, or more than the engine can count
 void check_row_count(const std::string& path, std::size_t rows);
@@ -27,10 +43,13 @@ void check_values(const std::string& path, const InspectedMatrix& matrix);
 /// text that is ignored, quoted and duplicate names, a first line that looks like data.
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report);
 
-/// Reads one label per line; a carriage return at the end of a line is not part of it.
+/// Reads one text per line, such as labels; a carriage return at the end of a line is not part of it.
 ///
+/// @param what  one of them is, for messages: "label"
 /// @throws InputError if the file cannot be read or does not hold `row_count` lines
-std::vector<std::string> read_labels(const std::string& path, std::size_t row_count);
+std::vector<std::string> read_row_texts(const std::string& path,
+                                        std::size_t row_count,
+                                        const std::string& what);
 
 /// Refuses to let a checkpoint replace what is not one, such as a matrix.
 ///

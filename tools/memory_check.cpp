@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "util/input_error.h"
-#include "util/matrix_check.h"
+#include "util/matrix_guess.h"
 
 namespace ovik::tool {
 
@@ -65,17 +65,20 @@ void check_memory(const RunSize& size, const AvailableMemory& available) {
     }
 }
 
-void check_memory_of_reading(const std::string& path,
+void check_memory_of_reading(const MatrixSource& source,
                              char delimiter,
                              const AvailableMemory& available) {
-    const MatrixShape shape = guess_shape(path, delimiter);
+    const std::optional<MatrixShape> shape = guess_shape(source, delimiter);
+    if (!shape) {
+        return;
+    }
     RunSize size;
-    size.rows = shape.rows;
-    size.columns = shape.columns;
+    size.rows = shape->rows;
+    size.columns = shape->columns;
     const double bytes = estimate_memory(size).reading;
     if (bytes - resident_memory() > available.bytes) {
-        refuse(path + ": reading the matrix of about " + std::to_string(shape.rows) + " rows and " +
-                   std::to_string(shape.columns) + " columns",
+        refuse(source.name() + ": reading the matrix of about " + std::to_string(shape->rows) +
+                   " rows and " + std::to_string(shape->columns) + " columns",
                bytes,
                available,
                "Fewer rows or columns take less");

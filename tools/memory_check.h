@@ -3,6 +3,7 @@
 #include <string>
 
 #include "stats/memory_estimate.h"
+#include "util/matrix_source.h"
 
 #include "tools/available_memory.h"
 
@@ -18,10 +19,10 @@ std::string memory_text(double bytes);
 /// @throws InputError with both figures and what makes the run smaller
 void check_memory(const RunSize& size, const AvailableMemory& available);
 
-/// Refuses to read a file whose values cannot fit.
+/// Refuses to read a file whose values cannot fit, where its size is known beforehand.
 ///
-/// @param path  the matrix, whose rows are taken to be as long as the first few
-void check_memory_of_reading(const std::string& path,
+/// @param source  the matrix, whose rows are taken to be as long as the first few
+void check_memory_of_reading(const MatrixSource& source,
                              char delimiter,
                              const AvailableMemory& available);
 

@@ -28,8 +28,17 @@ std::string row_name(const InspectedMatrix& matrix, std::size_t row) {
     return "row \"" + matrix.row_names[row] + "\"";
 }
 
-/// Fields count from 1, and the first is the name of the row.
+/// Where a row stands; empty in formats without lines.
+std::string line_text(const InspectedMatrix& matrix, std::size_t row) {
+    const std::size_t line = matrix.row_lines[row];
+    return line == 0 ? "" : "line " + std::to_string(line) + ": ";
+}
+
+/// Fields count from 1, and the first is the name of the row; columns without names are numbered.
 std::string column_name(const InspectedMatrix& matrix, std::size_t column) {
+    if (matrix.row_lines[0] == 0) {
+        return "column " + std::to_string(column + 1);
+    }
     const std::string field = "field " + std::to_string(column + 2);
     return matrix.column_names.empty()
                ? field
@@ -67,7 +76,8 @@ void fill_in_row_means(const std::string& path,
     for (std::size_t n = 0; n < matrix.report.rows; ++n) {
         double* const row = matrix.values.get() + n * columns;
         if (missing.by_row[n] == columns) {
-            throw InputError(path + ":" + std::to_string(matrix.row_lines[n]) + ": " +
+            const std::size_t line = matrix.row_lines[n];
+            throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": " +
                              row_name(matrix, n) +
                              " has no number of which to take the mean\nTake such rows out "
                              "(--missing drop leaves out all rows with missing values), or fill in "
@@ -169,9 +179,8 @@ std::string missing_places(const InspectedMatrix& matrix, const MissingCounts& m
     std::size_t listed = 0;
     for (std::size_t i = 0; listed < std::min(kListed, missing.count); ++i) {
         if (std::isnan(matrix.values[i])) {
-            places += "  line " + std::to_string(matrix.row_lines[i / columns]) + ": " +
-                      row_name(matrix, i / columns) + ", " + column_name(matrix, i % columns) +
-                      "\n";
+            places += "  " + line_text(matrix, i / columns) + row_name(matrix, i / columns) + ", " +
+                      column_name(matrix, i % columns) + "\n";
             ++listed;
         }
     }

@@ -55,7 +55,7 @@ CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
 CLI::Validator whole_number(int least, int most) {
     return {[=](std::string& text) -> std::string {
                 int value = 0;
-                const char* const end = text.data() + text.size();
+                const char* const end = text.data() + source.size();
                 const auto [rest, error] = std::from_chars(text.data(), end, value);
                 if (error != std::errc() || rest != end || value < least || value > most) {
                     return "should be a whole number from " + std::to_string(least) + " to " +
@@ -84,7 +84,7 @@ char parse_delimiter(const std::string& text) {
     if (name != kNames.end()) {
         return name->second;
     }
-    if (text.size() != 1 || text == "\n" || text == "\r") {
+    if (source.size() != 1 || text == "\n" || text == "\r") {
         throw CLI::ValidationError(
             "--delimiter", "should be tab, comma, semicolon, space or one character, not " + text);
     }
@@ -175,9 +175,11 @@ void add_checkpoint_options(CLI::App& app, Options& options) {
 }
 
 void add_input_options(CLI::App& app, Options& options) {
-    app.add_option("MATRIX",
-                   options.matrix,
-                   "Delimited text: one header line, then a name and its values per line")
+    app.add_option(
+           "MATRIX",
+           options.matrix,
+           "Delimited text (one header line, then a name and its values per line), plain or "
+           "gzip'd; NumPy (.npy) or Matrix Market; - for standard input")
         ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
@@ -201,6 +203,10 @@ void add_input_options(CLI::App& app, Options& options) {
            "Of the rows: file, as they are, or standard, for systematic gene names (file)")
         ->option_text("KIND")
         ->check(CLI::IsMember({"file", "standard"}));
+    app.add_option("--row-names",
+                   options.row_names_file,
+                   "One name per line and row, for NumPy and Matrix Market files")
+        ->option_text("FILE");
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
         ->option_text("NAME");
     app.add_option(
@@ -208,9 +214,17 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
 }
 
+/// The file name of a matrix without its extension, and without that of gzip.
+std::string stem_of(std::filesystem::path path) {
+    if (path.extension() == ".gz") {
+        path.replace_extension();
+    }
+    return path.stem().string();
+}
+
 void fill_in_defaults(Options& options) {
     if (options.name.empty()) {
-        options.name = std::filesystem::path(options.matrix).stem().string();
+        options.name = options.matrix == "-" ? "stdin" : stem_of(options.matrix);
     }
     if (options.title.empty()) {
         options.title = options.name;

@@ -37,6 +37,8 @@ struct Options {
     std::string gene;
     /// Empty: no labels.
     std::string labels_file;
+    /// Names of the rows, for formats that have none; empty: numbers.
+    std::string row_names_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
     /// Empty: no checkpoints are kept.

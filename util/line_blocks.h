@@ -16,9 +16,13 @@ namespace ovik {
 /// Reads a text file in blocks of whole lines.
 class LineBlocks {
   public:
-    /// @param file  not owned; read from where it stands
-    /// @param size  bytes of a block, more if a line is longer; at least 1
-    LineBlocks(std::istream& file, std::size_t size) : file_(file), size_(size) {}
+    /// @param file   not owned; read from where it stands
+    /// @param size   bytes of a block, more if a line is longer; at least 1
+    /// @param begun  what has been read of it
+    LineBlocks(std::istream& file, std::size_t size, std::string begun = {})
+        : file_(file),
+          size_(size),
+          remainder_(std::move(begun)) {}
 
     /// Fetches the next block.
     ///
@@ -62,13 +66,14 @@ void for_each_line(std::string_view text, const Visit& visit) {
 /// Parses the rest of a text file, threads taking blocks of whole lines in turns.
 ///
 /// @param file   not owned; read from where it stands
+/// @param begun  what has been read of it
 /// @param parse  `parse(block, parsed)` takes a block into a `Parsed` of its own, which is as new
 /// @return what was made of each block, in file order
 template <typename Parsed, typename Parse>
-std::deque<Parsed> parse_line_blocks(std::istream& file, const Parse& parse) {
+std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, const Parse& parse) {
     // Long enough to be worth taking turns for, short enough for the caches.
     constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
-    LineBlocks blocks(file, kBlockBytes);
+    LineBlocks blocks(file, kBlockBytes, std::move(begun));
     // Their places stay while others are added.
     std::deque<Parsed> results;
     std::mutex turn;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <deque>
-#include <filesystem>
-#include <iterator>
 #include <optional>
 #include <string_view>
 #include <unordered_set>
@@ -14,7 +12,6 @@
 #include "util/input_error.h"
 #include "util/input_file.h"
 #include "util/line_blocks.h"
-#include "util/matrix_file.h"
 #include "util/matrix_line.h"
 #include "util/parallel.h"
 
@@ -23,7 +20,6 @@ namespace ovik {
 namespace {
 
 constexpr std::size_t kListed = 3;
-constexpr std::size_t kRowsLookedAt = 20;
 
 /// Whether a discarded first line is more likely a row: all its values are numbers, and they are
 /// not what measurements are headed with, which is whole or rising numbers (time points, doses).
@@ -261,61 +257,34 @@ void note_duplicate_names(InspectedMatrix& matrix) {
     }
 }
 
-/// The first few rows of a file, trimmed.
-std::vector<std::string> first_rows(const std::string& path) {
-    std::ifstream file = open_matrix_file(path);
-    std::vector<std::string> rows;
-    with_read_failures_named(path, [&] {
-        std::string line;
-        std::getline(file, line);
-        while (rows.size() < kRowsLookedAt && std::getline(file, line)) {
-            const std::string_view row = trimmed_matrix_line(line);
-            if (is_matrix_row(row)) {
-                rows.emplace_back(row);
-            }
-        }
-    });
-    return rows;
-}
-
-std::size_t count_numbers(std::string line, char delimiter) {
-    std::size_t numbers = 0;
-    bool at_name = true;
-    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
-        double value = 0.0;
-        const FieldKind kind = classify_field(field, end, value);
-        // Decimal commas leave text behind every number; they are more likely than values that
-        // are parted by them.
-        const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
-        numbers += !at_name && counts ? 1 : 0;
-        at_name = false;
-    });
-    return numbers;
-}
-
 }  // namespace
 
-InspectedMatrix inspect_matrix(const std::string& path, char delimiter) {
-    std::ifstream file = open_matrix_file(path);
-    std::string first_line;
-    Blocks blocks = with_read_failures_named(path, [&] {
-        std::getline(file, first_line);
-        return parse_line_blocks<BlockOfRows>(file, [&](std::string_view text, BlockOfRows& block) {
-            const auto most = std::count(text.begin(), text.end(), delimiter);
-            block.values.reserve(static_cast<std::size_t>(most));
-            for_each_line(text, [&](std::string_view line) { block.add(line, delimiter); });
-        });
+void name_rows(InspectedMatrix& matrix, std::vector<std::string> names) {
+    matrix.row_names = std::move(names);
+    matrix.row_lines.assign(matrix.report.rows, 0);
+    note_duplicate_names(matrix);
+}
+
+InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter) {
+    std::string begun = source.takeHead();
+    const std::size_t line_end = std::min(begun.find('\n'), begun.size());
+    const std::string first_line = begun.substr(0, line_end);
+    begun.erase(0, line_end + 1);
+    Blocks blocks = with_read_failures_named(source.name(), [&] {
+        return parse_line_blocks<BlockOfRows>(
+            source.rest(), std::move(begun), [&](std::string_view lines, BlockOfRows& block) {
+                const auto most = std::count(lines.begin(), lines.end(), delimiter);
+                block.values.reserve(static_cast<std::size_t>(most));
+                for_each_line(lines, [&](std::string_view line) { block.add(line, delimiter); });
+            });
     });
-    if (first_line.find('\0') != std::string::npos) {
-        refuse_nul_byte(path, 1);
-    }
     InspectedMatrix matrix;
     MatrixReport& report = matrix.report;
     report.columns = column_count(blocks);
     std::size_t lines = 1;
     for (BlockOfRows& block : blocks) {
         if (block.first_nul_line) {
-            refuse_nul_byte(path, lines + *block.first_nul_line);
+            refuse_nul_byte(source.name(), lines + *block.first_nul_line);
         }
         take_over(block, lines, matrix);
         lines += block.lines;
@@ -328,39 +297,6 @@ InspectedMatrix inspect_matrix(const std::string& path, char delimiter) {
         matrix.values = joined_values(blocks, report.rows, report.columns);
     }
     return matrix;
-}
-
-char guess_delimiter(const std::string& path) {
-    constexpr char kCandidates[] = {'\t', ';', ',', ' '};
-    std::size_t numbers[std::size(kCandidates)] = {};
-    for (const std::string& row : first_rows(path)) {
-        for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
-            numbers[i] += count_numbers(row, kCandidates[i]);
-        }
-    }
-    const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));
-    if (*most == 0) {
-        throw InputError(
-            path +
-            ": found no numbers behind the first line, with tab, comma, semicolon or blank between "
-            "the fields: every line should be a name and its values (another delimiter can be "
-            "given with --delimiter)");
-    }
-    return kCandidates[most - std::begin(numbers)];
-}
-
-MatrixShape guess_shape(const std::string& path, char delimiter) {
-    const std::vector<std::string> rows = first_rows(path);
-    std::size_t bytes = 0;
-    std::size_t columns = 0;
-    for (const std::string& row : rows) {
-        bytes += row.size() + 1;
-        const auto delimiters = std::count(row.begin(), row.end(), delimiter);
-        columns = std::max(columns, static_cast<std::size_t>(delimiters));
-    }
-    return rows.empty()
-               ? MatrixShape{}
-               : MatrixShape{std::filesystem::file_size(path) / (bytes / rows.size()), columns};
 }
 
 }  // namespace ovik

@@ -5,15 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "util/matrix_source.h"
+
 namespace ovik {
 
 /// Where a field of a matrix file stands, and what it holds.
 struct FieldPlace {
-    /// Line of the file, from 1.
+    /// Line of the file, from 1; 0 in formats that have none.
     std::size_t line = 0;
     /// Name of its row.
     std::string row;
-    /// Field of the line, from 1; the name is field 1.
+    /// Field of the line, from 1; the name is field 1. Without a line, the column.
     std::size_t field = 0;
     std::string text;
 };
@@ -67,7 +69,7 @@ struct MatrixReport {
 struct InspectedMatrix {
     MatrixReport report;
     std::vector<std::string> row_names;
-    /// Where each row stands in the file: lines, from 1.
+    /// Where each row stands in the file: lines, from 1; 0 in formats that have none.
     std::vector<std::size_t> row_lines;
     /// What the first line calls each column; empty if it does not fit the rows.
     std::vector<std::string> column_names;
@@ -76,30 +78,20 @@ struct InspectedMatrix {
     std::unique_ptr<double[]> values;
 };
 
-/// Reads a matrix file by the rules of `read_matrix_w_index` with one header line, on all cores,
-/// and takes note of what that would not say.
+/// Names the rows of a matrix whose format has no names, and takes note of names that repeat.
+///
+/// @param names  one per row
+void name_rows(InspectedMatrix& matrix, std::vector<std::string> names);
+
+/// Reads the text of a matrix by the rules of `read_matrix_w_index` with one header line, on all
+/// cores, and takes note of what that would not say.
 ///
 /// Where it differs: a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are empty
 /// fields at the end of a line that trimming takes away, if other rows have values there.
 ///
-/// @throws InputError if the file is missing or unreadable, no regular file, or no plain text
-InspectedMatrix inspect_matrix(const std::string& path, char delimiter);
-
-/// The delimiter under which the first rows of a file hold the most numbers: tab, semicolon, comma
-/// or blank, in this order among equals.
-///
-/// @throws InputError as `inspect_matrix`, and if none of them parts a number from the name
-char guess_delimiter(const std::string& path);
-
-/// Rows and columns of a matrix.
-struct MatrixShape {
-    std::size_t rows = 0;
-    std::size_t columns = 0;
-};
-
-/// The shape that a file has if its rows are like the first few: a few percent off.
-///
-/// @throws InputError as `inspect_matrix`
-MatrixShape guess_shape(const std::string& path, char delimiter);
+/// @param source  read to its end
+/// @throws InputError if a line holds a NUL byte, or the packed data are damaged
+/// @throws std::system_error if the file cannot be read to its end
+InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter);
 
 }  // namespace ovik

@@ -55,8 +55,8 @@ void read_matrix_rows(std::istream& file,
                       std::vector<std::vector<T>>& matrix,
                       std::vector<std::string>& row_names) {
     const NumberReader numbers;
-    auto parsed =
-        parse_line_blocks<MatrixRows<T>>(file, [&](std::string_view block, MatrixRows<T>& rows) {
+    auto parsed = parse_line_blocks<MatrixRows<T>>(
+        file, "", [&](std::string_view block, MatrixRows<T>& rows) {
             for_each_line(block,
                           [&](std::string_view text) { rows.add(text, delimiter, numbers); });
         });

@@ -27,12 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     const std::string path = kDirectory.write("labels", content);
-    OVIK_REQUIRE(tool::read_labels(path, expected.size()) == expected);
+    OVIK_REQUIRE(tool::read_row_texts(path, expected.size(), "label") == expected);
     // "0" is 48: as many rows as lines.
     const std::size_t rows = expected.size() + data[0] - (data[0] < 48 ? 0U : 48U);
     bool was_refused = false;
     try {
-        tool::read_labels(path, rows);
+        tool::read_row_texts(path, rows, "label");
     } catch (const InputError& error) {
         was_refused = true;
         const std::string message = error.what();

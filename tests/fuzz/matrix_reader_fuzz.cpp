@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <fstream>
 #include <omp.h>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -16,6 +17,7 @@
 #include "util/input_error.h"
 #include "util/line_blocks.h"
 #include "util/matrix_check.h"
+#include "util/matrix_guess.h"
 
 #include "tests/fuzz/support/plain_matrix.h"
 #include "tests/fuzz/support/require.h"
@@ -228,7 +230,8 @@ void check_inspection(const std::string& path,
                       const std::vector<PlainRow>& rows) {
     bool was_refused = false;
     try {
-        check_matrix(inspect_matrix(path, delimiter), rows);
+        MatrixSource source(path);
+        check_matrix(inspect_matrix(source, delimiter), rows);
     } catch (const InputError& error) {
         was_refused = true;
         OVIK_REQUIRE(std::string_view(error.what()).starts_with(path + ":"));
@@ -262,14 +265,12 @@ void check_guess(const std::string& path, const std::string& content) {
             expected = delimiter;
         }
     }
-    char guess = 0;
     try {
-        guess = guess_delimiter(path);
+        const std::optional<char> guess = guess_delimiter(MatrixSource(path));
+        OVIK_REQUIRE(guess.value_or(0) == expected);
     } catch (const InputError&) {
-        OVIK_REQUIRE(most == 0 || is_refused(content));
-        return;
+        OVIK_REQUIRE(is_refused(content));
     }
-    OVIK_REQUIRE(guess == expected);
 }
 
 }  // namespace

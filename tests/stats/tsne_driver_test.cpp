@@ -20,7 +20,7 @@ namespace {
 using test::RunOutcome;
 using test::RunSettings;
 
-std::string matrix_text(int rows, int columns) {
+std::string matrix_source(int rows, int columns) {
     std::string content = "h\n";
     std::uint32_t state = 1;
     for (int n = 0; n < rows; ++n) {
@@ -37,7 +37,7 @@ std::string matrix_text(int rows, int columns) {
 class Driver : public testing::Test {
   protected:
     std::string matrix(int rows, int columns = 4) {
-        return directory_.write("m.tsv", matrix_text(rows, columns));
+        return directory_.write("m.tsv", matrix_source(rows, columns));
     }
 
     test::TemporaryDirectory directory_;

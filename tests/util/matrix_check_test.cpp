@@ -1,5 +1,6 @@
 #include "util/matrix_check.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "util/input_error.h"
+#include "util/matrix_guess.h"
 #include "util/matrix_reader.h"
 
 #include "tests/support/temporary_directory.h"
@@ -27,16 +29,18 @@ std::vector<double> values_of(const InspectedMatrix& matrix) {
 class MatrixCheck : public testing::Test {
   protected:
     InspectedMatrix inspect(const std::string& content, char delimiter = '\t') {
-        return inspect_matrix(directory_.write("m.txt", content), delimiter);
+        MatrixSource source(directory_.write("m.txt", content));
+        return inspect_matrix(source, delimiter);
     }
 
-    char guess(const std::string& content) {
-        return guess_delimiter(directory_.write("m.txt", content));
+    std::optional<char> guess(const std::string& content) {
+        return guess_delimiter(MatrixSource(directory_.write("m.txt", content)));
     }
 
     std::string refusal(const std::string& path) {
         try {
-            inspect_matrix(path, '\t');
+            MatrixSource source(path);
+            inspect_matrix(source, '\t');
         } catch (const InputError& error) {
             return error.what();
         }
@@ -110,7 +114,8 @@ RC_GTEST_FIXTURE_PROP(MatrixCheckProperty, ReadsWhatTheReaderReads, ()) {
     std::vector<std::vector<double>> expected;
     std::vector<std::string> names;
     read_matrix_w_index<double>(expected, names, path, 1, ',');
-    const InspectedMatrix matrix = inspect_matrix(path, ',');
+    MatrixSource source(path);
+    const InspectedMatrix matrix = inspect_matrix(source, ',');
     RC_ASSERT(matrix.row_names == names);
     if (matrix.values != nullptr) {
         std::vector<double> joined;
@@ -143,10 +148,11 @@ TEST_F(MatrixCheck, GuessesTheShape) {
     for (int n = 100; n < 1100; ++n) {
         content += "G100\t1.25\t" + std::to_string(n) + "\n";
     }
-    const MatrixShape shape = guess_shape(directory_.write("m.txt", content), '\t');
-    EXPECT_EQ(shape.columns, 2U);
-    EXPECT_NEAR(static_cast<double>(shape.rows), 1000.0, 50.0);
-    EXPECT_EQ(guess_shape(directory_.write("m.txt", "h\n"), '\t').rows, 0U);
+    const auto shape = guess_shape(MatrixSource(directory_.write("m.txt", content)), '\t');
+    ASSERT_TRUE(shape);
+    EXPECT_EQ(shape->columns, 2U);
+    EXPECT_NEAR(static_cast<double>(shape->rows), 1000.0, 50.0);
+    EXPECT_FALSE(guess_shape(MatrixSource(directory_.write("m.txt", "h\n")), '\t'));
 }
 
 TEST_F(MatrixCheck, PlacesTextBehindNumbers) {
