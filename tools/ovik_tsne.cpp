@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <omp.h>
 #include <string>
@@ -166,6 +167,8 @@ ExitStatus embed(const Options& options,
     tsne.D = static_cast<int>(matrix.report.columns);
     tsne.row_names = std::move(matrix.row_names);
     tsne.X = matrix.values.release();
+    const auto finish = [](TSNE<T>* run) { run->finish(); };
+    const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     tsne.theta = options.theta;
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
@@ -187,7 +190,6 @@ ExitStatus embed(const Options& options,
     const std::string base = result_base(options, perplexity);
     tsne.actuate(
         options.dims, perplexity, labels, options.stop_lying_iter, options.mom_switch_iter);
-    tsne.finish();
     const bool complete = report_results(tsne, base, options);
     print_info(one_line_utf8(found_genes_line(tsne.row_names)));
     if (duplicates > 0) {
