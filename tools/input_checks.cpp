@@ -89,7 +89,7 @@ std::string delimiter_text(char delimiter) {
 
 /// What to do about a file without numbers: another delimiter, if there are numbers with it.
 std::string delimiter_advice(const std::string& path, char delimiter) {
-    const std::string general =
+    std::string general =
         "Every line behind the first should be a name and its values; --delimiter says what stands "
         "between them.";
     try {
