@@ -16,7 +16,7 @@ class EntryIndex {
             entries_.push_back(&gene);
         }
         std::stable_sort(entries_.begin(), entries_.end(), [this](const auto* a, const auto* b) {
-            return name_of(a) < name_of(b);
+            return nameOf(a) < nameOf(b);
         });
     }
 
@@ -24,13 +24,13 @@ class EntryIndex {
     [[nodiscard]] const GeneEntry* find(std::string_view name) const {
         const auto found = std::lower_bound(
             entries_.begin(), entries_.end(), name, [this](const auto* gene, const auto& wanted) {
-                return name_of(gene) < wanted;
+                return nameOf(gene) < wanted;
             });
-        return found != entries_.end() && name_of(*found) == name ? *found : nullptr;
+        return found != entries_.end() && nameOf(*found) == name ? *found : nullptr;
     }
 
   private:
-    [[nodiscard]] std::string_view name_of(const GeneEntry* gene) const { return gene->*field_; }
+    [[nodiscard]] std::string_view nameOf(const GeneEntry* gene) const { return gene->*field_; }
 
     const char* GeneEntry::*field_;
     std::vector<const GeneEntry*> entries_;

@@ -234,6 +234,7 @@ class TSNE {
         int stop_lying_iter,
         int mom_switch_iter,
         const IterationReport& reached) const;
+    void forgetResults();
     void writeResults(int no_dims, RunCaption caption);
 
     /// Where the names of the current rows begin in `row_names`.

@@ -203,11 +203,7 @@ void TSNE<T>::actuate(int no_dims,
     if (!resume_path.empty()) {
         resumed = read_resumed(resume_path, run, max_iter);
     }
-    table_written_ = false;
-    log_written_ = false;
-    table_failure_.clear();
-    log_failure_.clear();
-    plots_ = {};
+    forgetResults();
     const auto rows = static_cast<std::size_t>(std::max(N, 0));
     const auto columns = static_cast<std::size_t>(std::max(D, 0));
     const auto out_dims = static_cast<std::size_t>(std::max(no_dims, 0));
@@ -253,6 +249,16 @@ void TSNE<T>::actuate(int no_dims,
                  {data_title,
                   captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
                   std::move(labels)});
+}
+
+/// Of an earlier run.
+template <typename T>
+void TSNE<T>::forgetResults() {
+    table_written_ = false;
+    log_written_ = false;
+    table_failure_.clear();
+    log_failure_.clear();
+    plots_ = {};
 }
 
 /// Writes the result table, then the record in the run log, then draws the plots.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <omp.h>
 #include <string>
@@ -167,6 +168,8 @@ ExitStatus embed(const Options& options,
     tsne.D = static_cast<int>(matrix.report.columns);
     tsne.row_names = std::move(matrix.row_names);
     tsne.X = matrix.values.release();
+    const auto finish = [](TSNE<T>* run) { run->finish(); };
+    const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     tsne.theta = options.theta;
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
@@ -191,7 +194,6 @@ ExitStatus embed(const Options& options,
     if (options.quality) {
         print_map_quality(tsne, options.dims);
     }
-    tsne.finish();
     const bool complete = report_results(tsne, base, options);
     print_info(one_line_utf8(found_genes_line(tsne.row_names)));
     if (duplicates > 0) {

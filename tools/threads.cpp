@@ -25,14 +25,15 @@ int threads_granted(int wanted) {
     std::mutex mutex;
     std::condition_variable all_started;
     bool may_end = false;
+    const auto wait_for_end = [&] {
+        std::unique_lock lock(mutex);
+        all_started.wait(lock, [&] { return may_end; });
+    };
     std::vector<std::thread> threads;
     try {
         // The calling thread works too.
         while (static_cast<int>(threads.size()) + 1 < wanted) {
-            threads.emplace_back([&] {
-                std::unique_lock lock(mutex);
-                all_started.wait(lock, [&] { return may_end; });
-            });
+            threads.emplace_back(wait_for_end);
         }
     } catch (const std::system_error&) {
         // Those that have started are what there is.
