@@ -55,7 +55,7 @@ CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
 CLI::Validator whole_number(int least, int most) {
     return {[=](std::string& text) -> std::string {
                 int value = 0;
-                const char* const end = text.data() + source.size();
+                const char* const end = text.data() + text.size();
                 const auto [rest, error] = std::from_chars(text.data(), end, value);
                 if (error != std::errc() || rest != end || value < least || value > most) {
                     return "should be a whole number from " + std::to_string(least) + " to " +
@@ -84,7 +84,7 @@ char parse_delimiter(const std::string& text) {
     if (name != kNames.end()) {
         return name->second;
     }
-    if (source.size() != 1 || text == "\n" || text == "\r") {
+    if (text.size() != 1 || text == "\n" || text == "\r") {
         throw CLI::ValidationError(
             "--delimiter", "should be tab, comma, semicolon, space or one character, not " + text);
     }
