@@ -1,11 +1,10 @@
 """Fails the 1st, 2nd, ... allocation of small runs: that one alone, or all from there on."""
 
 import argparse
-import collections
 import errno
 import sys
 
-from faults import Bench, Faulty
+from faults import Bench, Faulty, sweep_calls
 
 RUNS = {
     "exact": ["--theta", "0"],
@@ -34,25 +33,15 @@ def ending(outcome):
 
 
 def sweep(bench, onwards, stride, kinds):
-    """Returns the number of allocations, how many runs ended how, and what was wrong."""
     fault = kinds | {"CALL": "allocation", "ERROR": errno.ENOMEM}
     fault |= {"ONWARDS": 1} if onwards else {}
-    total = bench.run(fault).calls
-    bench.restore()
-    tally = collections.Counter()
-    errors = []
+
+    def judge(outcome):
+        bench.check(outcome)
+        return ending(outcome)
+
     # Threads shift the numbers of calls a little.
-    for number in range(1, total + stride + 10, stride):
-        try:
-            outcome = bench.run(fault | {"AT": number})
-            bench.check(outcome)
-            tally[ending(outcome)] += 1
-        except Faulty as error:
-            tally["faulty"] += 1
-            errors.append(f"allocation {number}: {error}")
-        if bench.read_results() != bench.earlier:
-            bench.restore()
-    return total, tally, errors
+    return sweep_calls(bench, fault, stride, judge, beyond=stride + 9)
 
 
 def main():

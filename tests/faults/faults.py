@@ -1,5 +1,6 @@
 """Runs of the command in which something goes wrong, and what may be left of them."""
 
+import collections
 import os
 import random
 import resource
@@ -172,3 +173,26 @@ class Bench:
             raise Faulty(f"ends with status {outcome.status}: {said}")
         if outcome.status != 0 and outcome.error_text == "":
             raise Faulty("fails without a word")
+
+
+def sweep_calls(bench, fault, stride, judge, beyond=0):
+    """Makes the 1st, 2nd, ... call fail, a run each.
+
+    judge(outcome): says how a run ended, or finds it faulty
+    beyond: how many numbers are tried behind the last call of an undisturbed run
+
+    Returns the number of calls, how many runs ended how, and what was wrong.
+    """
+    total = bench.run(fault).calls
+    bench.restore()
+    tally = collections.Counter()
+    errors = []
+    for number in range(1, total + 1 + beyond, stride):
+        try:
+            tally[judge(bench.run(fault | {"AT": number}))] += 1
+        except Faulty as error:
+            tally["faulty"] += 1
+            errors.append(f"call {number}: {error}")
+        if bench.read_results() != bench.earlier:
+            bench.restore()
+    return total, tally, errors

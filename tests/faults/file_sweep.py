@@ -1,12 +1,11 @@
 """Fails the 1st, 2nd, ... call of each kind that a small run makes on files."""
 
 import argparse
-import collections
 import errno
 import os
 import sys
 
-from faults import Bench, Faulty
+from faults import Bench, Faulty, sweep_calls
 
 CALLS = ["open", "read", "write", "fsync", "close", "rename"]
 SHORT = 0
@@ -36,22 +35,13 @@ def check(bench, outcome, error):
 
 
 def sweep(bench, call, error, onwards, stride):
-    """Returns the number of calls, how many runs ended how, and what was wrong."""
     fault = {"CALL": call, "ERROR": error} | ({"ONWARDS": 1} if onwards else {})
-    total = bench.run(fault).calls
-    bench.restore()
-    tally = collections.Counter()
-    errors = []
-    for number in range(1, total + 1, stride):
-        try:
-            outcome = bench.run(fault | {"AT": number})
-            check(bench, outcome, error)
-            tally["failed with a message" if outcome.status else "succeeded"] += 1
-        except Faulty as fault_found:
-            tally["faulty"] += 1
-            errors.append(f"call {number}: {fault_found}")
-        bench.restore()
-    return total, tally, errors
+
+    def judge(outcome):
+        check(bench, outcome, error)
+        return "failed with a message" if outcome.status else "succeeded"
+
+    return sweep_calls(bench, fault, stride, judge)
 
 
 def main():
