@@ -91,6 +91,7 @@ void NeighbourIndex::drawVantagePoints(Range range) {
     }
     // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the tree
     thresholds_[range.lower] = static_cast<double>(std::rand()) / 2147483647.0;
+    ++draw_count_;
     drawVantagePoints(range.left());
     drawVantagePoints(range.right());
 }

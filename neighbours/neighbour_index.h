@@ -67,6 +67,9 @@ class NeighbourIndex {
     /// its memory for.
     static std::size_t blockCount(std::size_t N);
 
+    /// How many numbers the build drew from `rand`.
+    [[nodiscard]] std::size_t drawCount() const { return draw_count_; }
+
     /// The row at a position of the tree order. Near rows often have near positions.
     [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
 
@@ -121,6 +124,7 @@ class NeighbourIndex {
         Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const;
 
     std::size_t dims_;
+    std::size_t draw_count_ = 0;
     std::vector<Item> items_;
     /// Of the vantage point at each position: what was drawn for it, then the median distance of
     /// the points below.

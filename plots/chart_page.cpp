@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "plots/component_pair.h"
+#include "plots/html_text.h"
 #include "plots/json_text.h"
 #include "plots/page_template.h"
 #include "plots/plain_text.h"
@@ -99,31 +100,11 @@ std::string json_chart(const Chart& chart) {
                         {"labels", json_labels(chart, point_count)}});
 }
 
-/// A text with each of some characters replaced.
-std::string escaped(std::string_view text, std::string_view characters, const char* const* forms) {
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        const std::size_t kind = characters.find(c);
-        if (kind == std::string_view::npos) {
-            result += c;
-        } else {
-            result += forms[kind];
-        }
-    }
-    return result;
-}
-
 /// JSON in a form that cannot end the script element which holds it: these characters occur in
 /// strings alone, where they may be written as escapes.
 std::string escaped_for_script(const std::string& json) {
     static constexpr const char* kForms[] = {"\\u003c", "\\u003e", "\\u0026"};
-    return escaped(json, "<>&", kForms);
-}
-
-std::string escaped_for_html(const std::string& text) {
-    static constexpr const char* kForms[] = {"&lt;", "&gt;", "&amp;", "&quot;", "&#39;"};
-    return escaped(one_line_utf8(text), "<>&\"'", kForms);
+    return with_replaced(json, "<>&", kForms);
 }
 
 }  // namespace
@@ -137,7 +118,7 @@ std::string chart_page(const Chart& chart) {
     const std::size_t title = page.find(kTitle);
     const std::size_t data = page.find(kData, title);
     std::string result(page.substr(0, title));
-    result += escaped_for_html(chart.title);
+    result += html_text(chart.title);
     result += page.substr(title + kTitle.size(), data - title - kTitle.size());
     result += escaped_for_script(json);
     result += page.substr(data + kData.size());

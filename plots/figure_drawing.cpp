@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "plots/plain_text.h"
 #include "util/input_file.h"
 
 namespace ovik {
@@ -67,6 +68,11 @@ bool flush_to_disk(const std::string& path) {
 
 }  // namespace
 
+void tell_missing_figure(const std::string& base, const std::string& reason) {
+    const std::string line = "Figure " + base + ".png was not drawn: " + reason;
+    std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
+}
+
 FigureDrawing::FigureDrawing(std::string base)
     : base_(std::move(base)),
       directory_(base_, PartialEntry::Kind::Directory) {
@@ -86,6 +92,16 @@ FigureDrawing::FigureDrawing(std::string base)
         failure_ = lacks_program_ ? "gnuplot is not installed (Debian: apt-get install gnuplot-nox)"
                                   : error.what();
     }
+}
+
+FigureOutcome FigureDrawing::complete(std::chrono::milliseconds limit) {
+    const std::string failure = finish(limit);
+    if (failure.empty()) {
+        return FigureOutcome::Drawn;
+    }
+    tell_missing_figure(
+        base_, failure + ". Draw it later: run gnuplot on " + base_ + ".gp in its directory");
+    return lacks_program_ ? FigureOutcome::ScriptOnly : FigureOutcome::Failed;
 }
 
 std::string FigureDrawing::finish(std::chrono::milliseconds limit) {

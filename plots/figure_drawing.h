@@ -5,9 +5,14 @@
 #include <string>
 
 #include "plots/child_process.h"
+#include "plots/plot_outcome.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
+
+/// Says on standard error, in one line, that a figure is not there; standard output may be
+/// silenced.
+void tell_missing_figure(const std::string& base, const std::string& reason);
 
 /// gnuplot at work on one script.
 ///
@@ -15,23 +20,20 @@ namespace ovik {
 /// stand under their final names. The object's end is the program's, too.
 class FigureDrawing {
   public:
-    /// Starts the program on `base` + ".gp". What goes wrong, but for memory, shows at `finish`.
+    /// Starts the program on `base` + ".gp". What goes wrong, but for memory, shows at `complete`.
     explicit FigureDrawing(std::string base);
 
     FigureDrawing(const FigureDrawing&) = delete;
     FigureDrawing& operator=(const FigureDrawing&) = delete;
 
-    [[nodiscard]] const std::string& base() const { return base_; }
+    /// Waits for the program and moves the pictures to `base` + ".png" and ".svg". Says on standard
+    /// error if there are none.
+    FigureOutcome complete(std::chrono::milliseconds limit);
 
-    /// Whether gnuplot is not installed.
-    [[nodiscard]] bool lacksProgram() const { return lacks_program_; }
-
-    /// Waits for the program and moves the pictures to `base` + ".png" and ".svg".
-    ///
+  private:
     /// @return why there is no picture; empty if they are in their places
     std::string finish(std::chrono::milliseconds limit);
 
-  private:
     /// Path of a picture as the program leaves it.
     [[nodiscard]] std::string drawn(const std::string& extension) const;
 
@@ -39,6 +41,7 @@ class FigureDrawing {
     PartialEntry directory_;
     /// Why the program did not start.
     std::string failure_;
+    /// Whether gnuplot is not installed.
     bool lacks_program_ = false;
     /// Ends before the directory is removed.
     std::unique_ptr<ChildProcess> program_;

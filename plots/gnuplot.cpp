@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <map>
 #include <optional>
@@ -15,7 +14,6 @@
 
 #include "plots/component_pair.h"
 #include "plots/figure_drawing.h"
-#include "plots/plain_text.h"
 #include "plots/result_rows.h"
 #include "plots/run_caption.h"
 #include "util/whole_file.h"
@@ -212,25 +210,14 @@ void Gnuplot<T>::close() {
     if (drawing_ == nullptr) {
         return;
     }
-    const std::string failure = drawing_->finish(time_limit);
-    outcome_ = FigureOutcome::Drawn;
-    if (!failure.empty()) {
-        fail(drawing_->base(),
-             failure + ". Draw it later: run gnuplot on " + drawing_->base() +
-                 ".gp in its directory");
-    }
-    if (drawing_->lacksProgram()) {
-        outcome_ = FigureOutcome::ScriptOnly;
-    }
+    outcome_ = drawing_->complete(time_limit);
     drawing_.reset();
 }
 
-/// Says on standard error, in one line, what is not there; standard output may be silenced.
 template <typename T>
 void Gnuplot<T>::fail(const std::string& base, const std::string& reason) {
     outcome_ = FigureOutcome::Failed;
-    const std::string line = "Figure " + base + ".png was not drawn: " + reason;
-    std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
+    tell_missing_figure(base, reason);
 }
 
 template class Gnuplot<float>;

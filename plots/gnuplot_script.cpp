@@ -5,6 +5,7 @@
 #include <numeric>
 #include <string_view>
 
+#include "plots/gnuplot_text.h"
 #include "plots/plain_text.h"
 #include "util/format.h"
 
@@ -19,27 +20,6 @@ constexpr std::array<const char*, 8> kColours = {
 
 /// Circle, square, triangle, diamond: the shapes of the first eight labels, the next eight, ...
 constexpr std::array<int, 4> kShapes = {7, 5, 9, 13};
-
-/// A text, byte for byte, as an expression: pieces in single quotes, inside which gnuplot
-/// substitutes nothing. What would end a piece is spelt out, since gnuplot takes a doubled quote at
-/// the start of a piece for its end.
-std::string quoted(std::string_view text) {
-    std::string result = "'";
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code < 0x20U || c == '\'') {
-            result += "'.sprintf('%c'," + std::to_string(code) + ").'";
-        } else {
-            result += c;
-        }
-    }
-    return result + "'";
-}
-
-/// A text from the data, shortened and in quotes.
-std::string quoted_line(const std::string& text, std::size_t length) {
-    return quoted(shortened(one_line_utf8(text), length));
-}
 
 /// Panels stand in rows of equal length, the last one filled as far as they go.
 struct PanelGrid {
@@ -79,7 +59,7 @@ struct Legend {
 
 /// A label as the legend shows it.
 std::string legend_title(const std::string& label, const Legend& legend) {
-    return quoted_line(label.empty() ? "(no label)" : label, legend.characters);
+    return gnuplot_line(label.empty() ? "(no label)" : label, legend.characters);
 }
 
 std::string colour(std::size_t label) {
@@ -165,7 +145,7 @@ std::string legend_entries(const Figure& figure, const Legend& legend) {
     }
     if (shown < count) {
         entries += ", \\\n  keyentry with points pointtype 7 pointsize 0 title " +
-                   quoted("and " + std::to_string(count - shown) + " more");
+                   gnuplot_text("and " + std::to_string(count - shown) + " more");
     }
     return entries;
 }
@@ -194,8 +174,8 @@ std::string draw_panel(const Figure& figure,
     std::string script =
         "set lmargin at screen " + left + "\nset rmargin at screen " + left +
         " + panel_width\nset tmargin at screen " + top + "\nset bmargin at screen " + top +
-        " - panel_height\nset xlabel " + quoted_line(panel.x_title, kTitleLength) +
-        " offset 0,0.4 noenhanced\nset ylabel " + quoted_line(panel.y_title, kTitleLength) +
+        " - panel_height\nset xlabel " + gnuplot_line(panel.x_title, kTitleLength) +
+        " offset 0,0.4 noenhanced\nset ylabel " + gnuplot_line(panel.y_title, kTitleLength) +
         " offset 1.5,0 noenhanced\n"
         // Something to draw, so that a panel without points has its axes.
         "plot NaN notitle";
@@ -224,7 +204,7 @@ std::string draw(const Figure& figure,
                          " size figure_width,figure_height background 'white' font "
                          "sprintf('Sans,%d', " +
                          font + ") noenhanced\nset output " +
-                         quoted("./" + figure.stem + extension) + "\n";
+                         gnuplot_text("./" + figure.stem + extension) + "\n";
     if (several) {
         script += "set multiplot\n";
     }
@@ -262,7 +242,7 @@ std::string gnuplot_script(const Figure& figure,
         "# run gnuplot on this file there.\n\n" +
         settings + "\n" + point_blocks(figure) + "\n" + frame(figure, grid, legend);
     if (!figure.title.empty()) {
-        script += "set title " + quoted_line(figure.title, kTitleLength) + " noenhanced\n";
+        script += "set title " + gnuplot_line(figure.title, kTitleLength) + " noenhanced\n";
     }
     return script + draw(figure, "pngcairo", ".png", grid, legend) +
            draw(figure, "svg", ".svg", grid, legend);

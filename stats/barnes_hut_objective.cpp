@@ -6,8 +6,6 @@
 
 namespace ovik {
 
-namespace {
-
 int neighbour_count(double perplexity, std::size_t N) {
     const double wanted = 3.0 * perplexity;
     const double available = static_cast<double>(N) - 1.0;
@@ -18,18 +16,17 @@ int neighbour_count(double perplexity, std::size_t N) {
     return static_cast<int>(wanted < available ? wanted : available);
 }
 
-}  // namespace
-
 BarnesHutObjective::BarnesHutObjective(const double* X,
                                        std::size_t N,
                                        std::size_t D,
                                        std::size_t out_dims,
                                        double perplexity,
-                                       double theta)
+                                       double theta,
+                                       KeptNeighbours* kept)
     : N_(N),
       theta_(theta) {
     const SparseMatrix conditional =
-        neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N));
+        neighbour_affinities(X, N, D, perplexity, neighbour_count(perplexity, N), kept);
     P_ = symmetrized(conditional.view(), N);
     divide_by_sum(P_.val_P.get(), entryCount());
     forces_.emplace(N, out_dims);

@@ -9,22 +9,30 @@
 
 namespace ovik {
 
+class KeptNeighbours;
+
+/// How many neighbours of each of N rows the Barnes-Hut method takes: 3 * perplexity (truncated),
+/// or the N - 1 that there are if it asks for more.
+int neighbour_count(double perplexity, std::size_t N);
+
 /// The Barnes-Hut method: similarities to the nearest neighbours, approximate repulsive forces.
 class BarnesHutObjective : public Objective {
   public:
-    /// Computes the joint similarities of the rows of X, which sum to 1, from the 3 * perplexity
-    /// nearest neighbours of each (truncated; the N - 1 that there are if it asks for more).
+    /// Computes the joint similarities of the rows of X, which sum to 1, from the
+    /// `neighbour_count` nearest neighbours of each.
     /// Failures as for `neighbour_affinities` and `symmetrized`.
     ///
     /// @param X         row-major, N x D; read here only
     /// @param out_dims  dimensions of the embedding
     /// @param theta     accuracy; see `SPTree`
+    /// @param kept      null, or neighbours from other runs over the same X
     BarnesHutObjective(const double* X,
                        std::size_t N,
                        std::size_t D,
                        std::size_t out_dims,
                        double perplexity,
-                       double theta);
+                       double theta,
+                       KeptNeighbours* kept = nullptr);
 
     void exaggerate(double factor) override;
     void relax(double factor) override;

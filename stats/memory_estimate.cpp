@@ -31,19 +31,23 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     const double symmetric = symmetric_share(D) * entries;
     const double table_rows = N * d * std::max(d - 1.0, 0.0) / 2.0;
     const double input = 8.0 * N * D;
-    const double lasting = kProgramBytes + input + 80.0 * N;
+    double lasting = kProgramBytes + input + 80.0 * N;
     MemoryEstimate estimate;
     estimate.reading = lasting + input;
+    const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
+    const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
+    const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
+    if (size.is_shared) {
+        lasting += input + (size.theta == 0.0 ? 0.0 : index + 16.0 * entries + 16.0 * N);
+    }
     estimate.fitting = lasting + 32.0 * N * d;
     if (size.theta == 0.0) {
         estimate.similarities = lasting + input + 16.0 * N * N;
         estimate.fitting += 8.0 * N * N;
     } else {
-        const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
-        const double of_queries = 512.0 * static_cast<double>(size.threads);
-        const double index = 164.0 * N + blocks * (128.0 * D + 256.0 + of_queries);
+        const double searching = of_queries + (size.is_shared ? 0.0 : index);
         const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
-        estimate.similarities = lasting + 12.0 * entries + std::max(index, symmetrizing);
+        estimate.similarities = lasting + 12.0 * entries + std::max(searching, symmetrizing);
         estimate.fitting += 12.0 * symmetric + 157.0 * N + 44.0 * N * d;
     }
     estimate.results = lasting + (size.has_plots ? 500.0 * table_rows + 240.0 * N

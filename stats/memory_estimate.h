@@ -15,6 +15,9 @@ struct RunSize {
     /// Whether chart page and figure are drawn.
     bool has_plots = true;
     std::size_t threads = 1;
+    /// Whether this is one of several runs that share an input and its neighbours
+    /// (`KeptNeighbours`), the one of the largest perplexity.
+    bool is_shared = false;
 };
 
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
@@ -35,6 +38,9 @@ struct RunSize {
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (157 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
 ///   chart page (500 R + 240 N in all).
+///
+/// Runs that share input and neighbours have, in all stages but the first, a second copy of the
+/// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
 ///
 /// S depends on the data. It is the nearer to 2 E the more columns tell the rows apart; assumed is
 /// E * (1 + 0.06 D), at most 1.6 E, as seen with random and with real matrices. What a table row

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 #include <numeric>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -12,6 +13,7 @@
 
 #include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
+#include "stats/kept_neighbours.h"
 #include "util/console.h"
 #include "util/parallel.h"
 
@@ -40,15 +42,18 @@ class RowFiller {
   public:
     /// All but numbers has to outlive the object.
     ///
+    /// @param kept    null, or what keeps the index
     /// @param points  those of the index, row-major
     /// @param K       entries of a row
     RowFiller(const NeighbourIndex& index,
+              KeptNeighbours* kept,
               const double* points,
               std::size_t dims,
               double perplexity,
               std::size_t K,
               SparseMatrix& matrix)
         : index_(index),
+          kept_(kept),
           points_(points),
           dims_(dims),
           perplexity_(perplexity),
@@ -61,7 +66,11 @@ class RowFiller {
         for (std::size_t i = positions.begin; i < positions.end; ++i) {
             targets[i - positions.begin] = points_ + index_.rowAt(i) * dims_;
         }
-        index_.search(targets, positions.end - positions.begin, K_ + 1, scratch.queries);
+        if (kept_ != nullptr) {
+            kept_->search(positions, targets, K_ + 1, scratch.queries);
+        } else {
+            index_.search(targets, positions.size(), K_ + 1, scratch.queries);
+        }
         for (std::size_t i = positions.begin; i < positions.end; ++i) {
             fillRow(index_.rowAt(i),
                     scratch.queries.neighbours[i - positions.begin],
@@ -98,6 +107,7 @@ class RowFiller {
     }
 
     const NeighbourIndex& index_;
+    KeptNeighbours* kept_;
     const double* points_;
     std::size_t dims_;
     double perplexity_;
@@ -238,8 +248,12 @@ void for_each_row(std::size_t N, const Visit& visit) {
 
 }  // namespace
 
-SparseMatrix neighbour_affinities(
-    const double* points, std::size_t N, std::size_t dims, double perplexity, int K) {
+SparseMatrix neighbour_affinities(const double* points,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double perplexity,
+                                  int K,
+                                  KeptNeighbours* kept) {
     if (perplexity > static_cast<double>(K)) {
         std::fputs("Perplexity should be lower than K!\n", stderr);
     }
@@ -252,9 +266,11 @@ SparseMatrix neighbour_affinities(
     for (std::size_t n = 0; n <= N; ++n) {
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
-    const NeighbourIndex index(points, N, dims);
+    std::optional<NeighbourIndex> own_index;
+    const NeighbourIndex& index =
+        kept != nullptr ? kept->index(points, N, dims) : own_index.emplace(points, N, dims);
     print_info("Building tree ...");
-    const RowFiller rows(index, points, dims, perplexity, row_length, matrix);
+    const RowFiller rows(index, kept, points, dims, perplexity, row_length, matrix);
     // In tree order: near points look at the same blocks.
     const std::size_t tasks = (N + kTargetsPerTask - 1) / kTargetsPerTask;
     const int workers = worker_count(tasks);

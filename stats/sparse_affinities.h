@@ -6,6 +6,8 @@
 
 namespace ovik {
 
+class KeptNeighbours;
+
 /// Conditional similarities of every point to its nearest neighbours, each row calibrated to a
 /// perplexity (at most 200 attempts) and normalised to sum 1.
 ///
@@ -17,9 +19,15 @@ namespace ovik {
 ///
 /// @param points  row-major, N x dims
 /// @param K       entries per row; 0 or less gives empty rows
+/// @param kept    neighbours of other runs over the same points, at least K of each; null for a
+///                search from nothing
 /// @throws std::length_error if N * K exceeds the 32 bits of a row start
-SparseMatrix neighbour_affinities(
-    const double* points, std::size_t N, std::size_t dims, double perplexity, int K);
+SparseMatrix neighbour_affinities(const double* points,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double perplexity,
+                                  int K,
+                                  KeptNeighbours* kept = nullptr);
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///

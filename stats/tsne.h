@@ -10,10 +10,12 @@
 
 #include "plots/plot_outcome.h"
 #include "stats/iteration_report.h"
+#include "stats/run_times.h"
 
 namespace ovik {
 
 class CheckpointKeeper;
+class KeptNeighbours;
 class Optimisation;
 struct RunCaption;
 struct RunIdentity;
@@ -80,6 +82,10 @@ class TSNE {
     /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
     /// from the random start. Empty: none.
     std::string resume_path;
+    /// Neighbours that runs of several objects over the same input share, so that they are searched
+    /// for once; the results are those of separate runs. Not used by the exact method. Null: the
+    /// run searches for its own.
+    std::shared_ptr<KeptNeighbours> kept_neighbours;
 
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names
@@ -147,6 +153,9 @@ class TSNE {
 
     /// The cost of the last `actuate`'s embedding, against the similarities without exaggeration.
     [[nodiscard]] double finalCost() const { return final_cost_; }
+
+    /// How long its stages took.
+    [[nodiscard]] const RunTimes& times() const { return times_; }
 
     /// Whether the last `actuate` wrote its record in the run log.
     [[nodiscard]] bool logWritten() const { return log_written_; }
@@ -247,6 +256,7 @@ class TSNE {
     bool table_written_ = false;
     bool log_written_ = false;
     double final_cost_ = 0.0;
+    RunTimes times_;
     std::string checkpoint_failure_;
     std::error_code table_failure_;
     std::error_code log_failure_;

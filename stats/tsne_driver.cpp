@@ -29,6 +29,7 @@
 #include "util/console.h"
 #include "util/format.h"
 #include "util/partial_entry.h"
+#include "util/stopwatch.h"
 
 /// The run of the engine: from the loaded matrix to the results on disk.
 
@@ -92,11 +93,13 @@ std::unique_ptr<Objective> make_objective(const double* X,
                                           std::size_t columns,
                                           std::size_t out_dims,
                                           double perplexity,
-                                          double theta) {
+                                          double theta,
+                                          KeptNeighbours* kept) {
     if (theta == 0.0) {
         return std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
     }
-    return std::make_unique<BarnesHutObjective>(X, rows, columns, out_dims, perplexity, theta);
+    return std::make_unique<BarnesHutObjective>(
+        X, rows, columns, out_dims, perplexity, theta, kept);
 }
 
 /// @throws InputError if the run cannot go on from there
@@ -219,9 +222,12 @@ void TSNE<T>::actuate(int no_dims,
 
     print_info("Computing similarities between inputs");
     std::clock_t start = std::clock();
+    Stopwatch watch;
     centre_and_scale(X, rows, columns);
-    auto objective = make_objective(X, rows, columns, out_dims, perplexity, theta);
+    auto objective =
+        make_objective(X, rows, columns, out_dims, perplexity, theta, kept_neighbours.get());
     std::clock_t end = std::clock();
+    times_.similarities = watch.lap();
     objective->exaggerate(kEarlyExaggeration);
     draw_initial_embedding(Y, count);
     print_info(objective->report(end - start));
@@ -243,12 +249,14 @@ void TSNE<T>::actuate(int no_dims,
     end = std::clock();
     descent.reset();
     objective.reset();
+    times_.fitting = watch.lap();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
 
     writeResults(no_dims,
                  {data_title,
                   captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
                   std::move(labels)});
+    times_.results = watch.lap();
 }
 
 /// Of an earlier run.

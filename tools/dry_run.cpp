@@ -9,6 +9,7 @@
 
 #include "tools/counted.h"
 #include "tools/memory_check.h"
+#include "tools/result_paths.h"
 
 namespace ovik::tool {
 
@@ -22,26 +23,27 @@ void print_file(const std::string& path, const std::string& remark) {
 }  // namespace
 
 void print_plan(const Options& options,
+                const std::vector<double>& perplexities,
                 const RunSize& size,
-                const AvailableMemory& available,
-                const std::string& base) {
+                const AvailableMemory& available) {
+    std::string all_perplexities;
+    for (const double perplexity : perplexities) {
+        all_perplexities += (all_perplexities.empty() ? "" : ", ") + num2string(perplexity, 2);
+    }
     print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
                counted(size.columns, "column", "columns"));
     print_info("Method: " + std::string(size.theta == 0.0 ? "exact" : "Barnes-Hut") +
-               " (theta = " + num2string(size.theta, 2) + "), perplexity " +
-               num2string(size.perplexity, 2) + ", " + std::to_string(size.out_dims) +
-               " dimensions, " + std::to_string(options.max_iter + 1) + " iterations");
+               " (theta = " + num2string(size.theta, 2) + "), perplexity " + all_perplexities +
+               ", " + std::to_string(size.out_dims) + " dimensions, " +
+               std::to_string(options.max_iter + 1) + " iterations");
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)
                     ? "; " + memory_text(available.bytes) + " are left " + available.limit
                     : ""));
     print_info("Files:");
-    print_file(base + ".csv", " (replaced)");
     print_file(options.out_dir + options.name + ".log", " (appended to)");
-    if (options.plots) {
-        for (const char* extension : {".html", ".gp", ".png", ".svg"}) {
-            print_file(base + extension, " (replaced)");
-        }
+    for (const std::string& path : result_files(options, perplexities)) {
+        print_file(path, " (replaced)");
     }
     print_info("Nothing was run and nothing written");
 }

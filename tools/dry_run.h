@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <vector>
 
 #include "stats/memory_estimate.h"
 
@@ -9,12 +9,12 @@
 
 namespace ovik::tool {
 
-/// Prints what a run would do: its size, method and memory, and the files that it would write.
+/// Prints what runs would do: their size, method and memory, and the files that they would write.
 ///
-/// @param base  path of table and plots without their extensions
+/// @param size  of the largest run
 void print_plan(const Options& options,
+                const std::vector<double>& perplexities,
                 const RunSize& size,
-                const AvailableMemory& available,
-                const std::string& base);
+                const AvailableMemory& available);
 
 }  // namespace ovik::tool

@@ -43,7 +43,8 @@ void check_values(const std::string& path, const InspectedMatrix& matrix);
 /// text that is ignored, quoted and duplicate names, a first line that looks like data.
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report);
 
-/// Reads one text per line, such as labels; a carriage return at the end of a line is not part of it.
+/// Reads one text per line, such as labels; a carriage return at the end of a line is not part of
+/// it.
 ///
 /// @param what  one of them is, for messages: "label"
 /// @throws InputError if the file cannot be read or does not hold `row_count` lines

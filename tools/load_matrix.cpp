@@ -20,14 +20,15 @@ namespace {
 /// Applies `--missing`, or its default, and says so.
 ///
 /// @param name  of the file
+/// @return how many values were missing
 /// @throws InputError if missing values are refused, or too few rows are left
-void settle_missing(const std::string& name,
-                    std::optional<MissingPolicy> chosen,
-                    InspectedMatrix& matrix,
-                    std::vector<std::string>& labels) {
+std::size_t settle_missing(const std::string& name,
+                           std::optional<MissingPolicy> chosen,
+                           InspectedMatrix& matrix,
+                           std::vector<std::string>& labels) {
     const MissingCounts missing = count_missing(matrix);
     if (missing.count == 0) {
-        return;
+        return 0;
     }
     const MissingPolicy policy = chosen.value_or(MissingPolicy::Zero);
     const std::string summary = name + ": " + missing_summary(matrix, missing);
@@ -42,12 +43,13 @@ void settle_missing(const std::string& name,
         complain("warning: " + summary + ", and read as 0\n" + places +
                  "--missing can also fill in means (row-mean, column-mean), leave such rows out "
                  "(drop), or refuse them (error).");
-        return;
+        return missing.count;
     }
     print_info(one_line_utf8(summary + ": " + treatment(policy, rows, matrix.report.rows)));
     if (policy == MissingPolicy::Drop) {
         check_row_count(name + ", without the rows that lack values", matrix.report.rows);
     }
+    return missing.count;
 }
 
 InspectedMatrix read_delimited(MatrixSource& source, const Options& options) {
@@ -90,21 +92,23 @@ InspectedMatrix read_array(MatrixSource& source, const Options& options) {
 
 }  // namespace
 
-InspectedMatrix load_matrix(const Options& options, std::vector<std::string>& labels) {
+LoadedMatrix load_matrix(const Options& options) {
     MatrixSource source(options.matrix);
     const std::string& name = source.name();
-    InspectedMatrix matrix = source.format() == MatrixFormat::DelimitedText
-                                 ? read_delimited(source, options)
-                                 : read_array(source, options);
+    LoadedMatrix loaded;
+    InspectedMatrix& matrix = loaded.matrix;
+    loaded.format = source.format();
+    matrix = source.format() == MatrixFormat::DelimitedText ? read_delimited(source, options)
+                                                            : read_array(source, options);
     for (const std::string& warning : matrix_warnings(name, matrix.report)) {
         complain("warning: " + warning);
     }
     if (!options.labels_file.empty()) {
-        labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
+        loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
     }
-    settle_missing(name, options.missing, matrix, labels);
+    loaded.missing = settle_missing(name, options.missing, matrix, loaded.labels);
     check_values(name, matrix);
-    return matrix;
+    return loaded;
 }
 
 }  // namespace ovik::tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,11 +10,20 @@
 
 namespace ovik::tool {
 
-/// Reads the matrix and its labels and applies `--missing`: no value is missing afterwards. Warns
-/// of what is odd.
+/// A matrix that can be embedded, and what belongs to its rows.
+struct LoadedMatrix {
+    /// No value is missing.
+    InspectedMatrix matrix;
+    /// One per row if there is a file of labels, else empty.
+    std::vector<std::string> labels;
+    MatrixFormat format = MatrixFormat::DelimitedText;
+    /// Values that were missing.
+    std::size_t missing = 0;
+};
+
+/// Reads the matrix and its labels and applies `--missing`. Warns of what is odd.
 ///
-/// @param labels  set to one per row if there is a file of labels
 /// @throws InputError if the matrix cannot be embedded
-InspectedMatrix load_matrix(const Options& options, std::vector<std::string>& labels);
+LoadedMatrix load_matrix(const Options& options);
 
 }  // namespace ovik::tool

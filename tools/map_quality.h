@@ -1,14 +1,17 @@
 #pragma once
 
+#include <vector>
+
+#include "stats/neighbourhood_quality.h"
 #include "stats/tsne.h"
 
 namespace ovik::tool {
 
-/// Prints how well the embedding of a run fits, and how well it keeps the 10 and the 30 nearest
-/// neighbours of each row, as far as there are rows enough.
+/// Measures how well the embedding of a run keeps the 10 and the 30 nearest neighbours of each row,
+/// as far as there are rows enough; prints it, and how well the embedding fits.
 ///
 /// @param tsne  after `actuate`, before `finish`
 template <typename T>
-void print_map_quality(const TSNE<T>& tsne, int dims);
+std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int dims);
 
 }  // namespace ovik::tool

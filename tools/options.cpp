@@ -1,5 +1,6 @@
 #include "tools/options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -19,17 +20,21 @@ namespace {
 
 constexpr const char* kDescription =
     "Embeds the rows of a matrix (genes) in two dimensions with t-SNE, so that rows with similar\n"
-    "values come to lie close to each other, and writes an annotated table, a chart page and a "
-    "figure.";
-
-constexpr const char* kFooter =
+    "values come to lie close to each other, and writes an annotated table, a chart page and a\n"
+    "figure.\n"
+    "\n"
     "Examples:\n"
     "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
-    "  writes results/yeast_tsne_30_0.csv (table), .html (chart page), .png, .svg and .gp\n"
-    "  (figure and its script), and appends a record to results/yeast.log\n"
+    "      writes results/yeast_tsne_30_0.csv (table), .html (chart page), .png, .svg and .gp\n"
+    "      (figure and its script), and appends a record to results/yeast.log\n"
+    "  ovik-tsne expression.tsv.gz --perplexity 5,10,30,50 --quality\n"
+    "      a run for each perplexity, and a page to compare them\n"
+    "  zcat expression.tsv.gz | ovik-tsne - --name yeast --json yeast.json\n"
+    "      reads standard input; a report of the run for other programs\n"
     "  ovik-tsne --gene CDC28\n"
-    "  prints what the gene does\n"
-    "\n"
+    "      prints what the gene does";
+
+constexpr const char* kFooter =
     "Ctrl-C ends the fit with the results of what was reached.\n"
     "\n"
     "Exit status: 0 success, 1 failed run, 2 bad usage or bad input, 130 or 143 ended by SIGINT\n"
@@ -48,6 +53,46 @@ CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
                                                 : "should be a number " + range + ", not " + text;
             },
             "NUMBER"};
+}
+
+/// The parts of a text between its commas.
+std::vector<std::string> parts_of(const std::string& text) {
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
+        end = text.find(',', begin);
+        parts.push_back(text.substr(begin, end - begin));
+    }
+    return parts;
+}
+
+/// @throws CLI::ValidationError for what is no perplexity, or stands there twice
+std::vector<double> parse_perplexities(const std::string& text) {
+    const CLI::Validator check =
+        finite_number("at least 1, at most 1e9", [](double p) { return p >= 1.0 && p <= 1e9; });
+    std::vector<double> perplexities;
+    for (std::string part : parts_of(text)) {
+        const std::string complaint = check(part);
+        if (!complaint.empty()) {
+            throw CLI::ValidationError("--perplexity", complaint);
+        }
+        const double perplexity = std::strtod(part.c_str(), nullptr);
+        if (std::count(perplexities.begin(), perplexities.end(), perplexity) > 0) {
+            throw CLI::ValidationError("--perplexity", part + " stands there twice");
+        }
+        perplexities.push_back(perplexity);
+    }
+    return perplexities;
+}
+
+void parse_coordinate_forms(const std::string& text, Options& options) {
+    for (const std::string& form : parts_of(text)) {
+        if (form != "tsv" && form != "npy") {
+            throw CLI::ValidationError("--coordinates",
+                                       "should be tsv, npy or tsv,npy, not " + text);
+        }
+        (form == "tsv" ? options.coordinates_tsv : options.coordinates_npy) = true;
+    }
 }
 
 /// A whole number within a range, in decimal digits. The ready-made conversion takes digits behind
@@ -105,20 +150,28 @@ void add_output_options(CLI::App& app, Options& options) {
         ->check(file_name_part());
     app.add_option("--title", options.title, "What the data are, for run log and plots (the name)")
         ->option_text("TEXT");
+    app.add_option_function<std::string>(
+           "--coordinates",
+           [&options](const std::string& text) { parse_coordinate_forms(text, options); },
+           "Write them in full precision, too: tsv, npy or tsv,npy")
+        ->option_text("FORM");
+    app.add_option("--json", options.report_file, "Write all there is to know of the run there")
+        ->option_text("FILE");
     app.add_flag(
         "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
+    app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
         "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
 void add_method_options(CLI::App& app, Options& options) {
-    app.add_option("-p,--perplexity",
-                   options.perplexity,
-                   "Effective number of neighbours of a row (20, less for under 61 rows)")
-        ->option_text("NUMBER")
-        ->check(finite_number("at least 1, at most 1e9",
-                              [](double p) { return p >= 1.0 && p <= 1e9; }));
+    app.add_option_function<std::string>(
+           "-p,--perplexity",
+           [&options](const std::string& text) { options.perplexities = parse_perplexities(text); },
+           "Effective number of neighbours of a row (20, less for under 61 rows); several, "
+           "parted by commas, make a run each and a page to compare them")
+        ->option_text("NUMBER");
     app.add_option("-t,--theta",
                    options.theta,
                    "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
@@ -209,9 +262,24 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
         ->option_text("NAME");
+    app.add_option("--collect",
+                   options.collected_reports,
+                   "Make a page to compare runs of their reports (--json), instead of a run")
+        ->option_text("REPORT ...");
     app.add_option(
            "--labels", options.labels_file, "One label per line and row, which colours the plots")
         ->option_text("FILE");
+}
+
+void check_combination(const Options& options) {
+    if (options.matrix.empty() && options.gene.empty() && options.collected_reports.empty()) {
+        throw CLI::RequiredError("MATRIX");
+    }
+    if (options.perplexities.size() > 1 &&
+        !(options.checkpoint.empty() && options.resume.empty())) {
+        throw CLI::ValidationError("--checkpoint and --resume",
+                                   "are for one perplexity: a checkpoint is of one run");
+    }
 }
 
 /// The file name of a matrix without its extension, and without that of gzip.
@@ -223,7 +291,9 @@ std::string stem_of(std::filesystem::path path) {
 }
 
 void fill_in_defaults(Options& options) {
-    if (options.name.empty()) {
+    if (options.name.empty() && !options.collected_reports.empty()) {
+        options.name = "collected";
+    } else if (options.name.empty()) {
         options.name = options.matrix == "-" ? "stdin" : stem_of(options.matrix);
     }
     if (options.title.empty()) {
@@ -255,9 +325,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_checkpoint_options(app, command.options);
     try {
         app.parse(argc, argv);
-        if (command.options.matrix.empty() && command.options.gene.empty()) {
-            throw CLI::RequiredError("MATRIX");
-        }
+        check_combination(command.options);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;

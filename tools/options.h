@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/missing_values.h"
 
@@ -20,8 +21,8 @@ struct Options {
     std::string suffix;
     /// Empty: the name.
     std::string title;
-    /// Not given: 20, or what a small matrix allows.
-    std::optional<double> perplexity;
+    /// One run for each. Not given: 20, or what a small matrix allows.
+    std::vector<double> perplexities;
     double theta = 0.5;
     int dims = 2;
     int max_iter = 1000;
@@ -54,6 +55,15 @@ struct Options {
     bool force = false;
     /// Whether the quality of the map is measured.
     bool quality = false;
+    /// Whether the cost of the iterations is drawn.
+    bool plot_cost = false;
+    /// Forms in which the coordinates are written beside the table.
+    bool coordinates_npy = false;
+    bool coordinates_tsv = false;
+    /// Empty: no report is written.
+    std::string report_file;
+    /// Not empty: reports of earlier runs to make an index page of, instead of a run.
+    std::vector<std::string> collected_reports;
     /// Whether the command only tells what it would do.
     bool dry_run = false;
     bool quiet = false;

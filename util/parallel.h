@@ -18,6 +18,8 @@ namespace ovik {
 struct IndexRange {
     std::size_t begin;
     std::size_t end;
+
+    [[nodiscard]] std::size_t size() const { return end - begin; }
 };
 
 /// The contiguous share of one worker: with q = count / workers and r = count mod workers, the

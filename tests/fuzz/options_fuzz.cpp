@@ -60,9 +60,12 @@ void check_options(const Options& options, const std::vector<std::string>& argum
     OVIK_REQUIRE(options.name.find('/') == std::string::npos);
     OVIK_REQUIRE(options.suffix.find('/') == std::string::npos);
     OVIK_REQUIRE(!options.title.empty() || options.name.empty());
-    const double perplexity = options.perplexity.value_or(1.0);
-    OVIK_REQUIRE(perplexity > 0.0 && perplexity <= 1e9);
-    OVIK_REQUIRE(was_given(perplexity, 1.0, arguments));
+    for (const double perplexity : options.perplexities) {
+        OVIK_REQUIRE(perplexity >= 1.0 && perplexity <= 1e9);
+    }
+    if (options.perplexities.size() == 1) {
+        OVIK_REQUIRE(was_given(options.perplexities.front(), 0.0, arguments));
+    }
     OVIK_REQUIRE(options.theta >= 0.0 && std::isfinite(options.theta));
     OVIK_REQUIRE(was_given(options.theta, 0.5, arguments));
     OVIK_REQUIRE(options.dims >= 2 && options.dims <= 50);

@@ -1,0 +1,180 @@
+#include "tools/comparison.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include "plots/comparison_page.h"
+#include "util/console.h"
+#include "util/format.h"
+#include "util/input_error.h"
+#include "util/input_file.h"
+#include "util/whole_file.h"
+
+#include "tools/counted.h"
+#include "tools/result_paths.h"
+#include "tools/standard_streams.h"
+#include <nlohmann/json.hpp>
+
+namespace ovik::tool {
+
+namespace {
+
+using Json = nlohmann::json;
+using Facts = std::vector<std::pair<std::string, std::string>>;
+
+std::string with_decimals(double value, int decimals) {
+    char text[400];  // a double has at most 309 digits before its point
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
+}
+
+Facts input_facts(const ComparisonEntry& entry) {
+    return {
+        {"Input",
+         counted(entry.rows, "row", "rows") + ", " + counted(entry.columns, "column", "columns")},
+        {"Method",
+         entry.theta == 0.0 ? "exact t-SNE"
+                            : "Barnes-Hut t-SNE, theta " + shortest_text(entry.theta)}};
+}
+
+Facts run_facts(const RunRecord& run) {
+    Facts facts{{"Last iteration", std::to_string(run.iteration)},
+                {"Cost", with_decimals(run.final_cost, 4)}};
+    for (const NeighbourhoodQuality& quality : run.quality) {
+        facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
+                           "trustworthiness " + with_decimals(quality.trustworthiness, 4) +
+                               ", " + with_decimals(100.0 * quality.preservation, 1) +
+                               " % kept");
+    }
+    return facts;
+}
+
+/// Whether all entries have in common what `value` takes of them.
+template <typename Value>
+bool share(const std::vector<ComparisonEntry>& entries, const Value& value) {
+    return std::all_of(entries.begin(), entries.end(), [&](const ComparisonEntry& entry) {
+        return value(entry) == value(entries.front());
+    });
+}
+
+/// A run with the paths of its files as they are found from the page.
+ComparedRun compared_run(const ComparisonEntry& entry,
+                         const std::filesystem::path& page_directory) {
+    ComparedRun compared;
+    for (const ResultFile& file : entry.run.files) {
+        if (!file.failure.empty()) {
+            continue;
+        }
+        const std::filesystem::path path = entry.directory / file.path;
+        const std::string found = std::filesystem::proximate(path, page_directory).string();
+        if (file.what == "Figure" && path.extension() == ".png") {
+            compared.picture = found;
+        } else if (file.what == "Chart page") {
+            compared.chart_page = found;
+        }
+        compared.files.emplace_back(file.what + " (" + path.extension().string().substr(1) + ")",
+                                    found);
+    }
+    return compared;
+}
+
+/// @throws nlohmann::json::exception if the report lacks something, or it is of another kind
+RunRecord record_of(const Json& run) {
+    RunRecord record;
+    record.perplexity = run.at("perplexity").get<double>();
+    record.iteration = run.at("last_iteration").get<int>();
+    record.final_cost = run.at("final_cost").get<double>();
+    for (const Json& quality : run.at("quality")) {
+        record.quality.push_back({quality.at("neighbours").get<std::size_t>(),
+                                  quality.at("trustworthiness").get<double>(),
+                                  quality.at("preservation").get<double>()});
+    }
+    for (const Json& file : run.at("files")) {
+        const Json& failure = file.at("failure");
+        record.files.push_back({file.at("what").get<std::string>(),
+                                file.at("path").get<std::string>(),
+                                failure.is_null() ? "" : failure.get<std::string>()});
+    }
+    return record;
+}
+
+/// The runs of a report.
+///
+/// @throws InputError if it is none
+std::vector<ComparisonEntry> entries_of(const std::string& path) {
+    std::ifstream file = open_input_file(path);
+    if (!file.is_open()) {
+        throw InputError(path + ": " + std::generic_category().message(errno));
+    }
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
+    std::vector<ComparisonEntry> entries;
+    try {
+        const Json report = Json::parse(text);
+        const Json& input = report.at("input");
+        const Json& options = report.at("options");
+        for (const Json& run : report.at("runs")) {
+            entries.push_back({options.at("title").get<std::string>(),
+                               input.at("rows").get<std::size_t>(),
+                               input.at("columns").get<std::size_t>(),
+                               options.at("theta").get<double>(),
+                               record_of(run),
+                               directory});
+        }
+    } catch (const Json::exception& error) {
+        throw InputError(path + ": not the report of a run (" + error.what() +
+                         ")\nGive the files that runs wrote with --json.");
+    }
+    return entries;
+}
+
+}  // namespace
+
+bool write_comparison(const std::string& path, const std::vector<ComparisonEntry>& entries) {
+    const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
+    const bool one_title = share(entries, [](const ComparisonEntry& entry) { return entry.title; });
+    const bool one_input = share(entries, &input_facts);
+    Comparison comparison;
+    comparison.title = one_title && !entries.empty() ? entries.front().title : "Comparison of runs";
+    if (one_input && !entries.empty()) {
+        comparison.facts = input_facts(entries.front());
+    }
+    for (const ComparisonEntry& entry : entries) {
+        ComparedRun run = compared_run(entry, directory);
+        run.title = (one_title ? "Perplexity " : entry.title + ": perplexity ") +
+                    shortest_text(entry.run.perplexity);
+        if (!one_input) {
+            run.facts = input_facts(entry);
+        }
+        const Facts facts = run_facts(entry.run);
+        run.facts.insert(run.facts.end(), facts.begin(), facts.end());
+        comparison.runs.push_back(std::move(run));
+    }
+    if (write_whole_file(path, comparison_page(comparison))) {
+        print_info("Comparison: " + path);
+        return true;
+    }
+    complain("Comparison could not be written: " + path + " (" +
+             std::generic_category().message(errno) + ")");
+    return false;
+}
+
+ExitStatus collect_reports(const Options& options) {
+    std::vector<ComparisonEntry> entries;
+    for (const std::string& path : options.collected_reports) {
+        const std::vector<ComparisonEntry> more = entries_of(path);
+        entries.insert(entries.end(), more.begin(), more.end());
+    }
+    std::stable_sort(
+        entries.begin(), entries.end(), [](const ComparisonEntry& a, const ComparisonEntry& b) {
+            return a.run.perplexity < b.run.perplexity;
+        });
+    prepare_directory(options.out_dir);
+    return write_comparison(comparison_path(options), entries) ? Success : FailedRun;
+}
+
+}  // namespace ovik::tool

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/exit_status.h"
+#include "tools/options.h"
+#include "tools/run_record.h"
+
+namespace ovik::tool {
+
+/// A run of which a page tells beside others.
+struct ComparisonEntry {
+    /// What the data are.
+    std::string title;
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    double theta = 0.5;
+    RunRecord run;
+    /// What relative paths of the run's files start from.
+    std::filesystem::path directory;
+};
+
+/// Writes the page that compares runs, and says so.
+///
+/// @return false if it could not be written; standard error then says why
+bool write_comparison(const std::string& path, const std::vector<ComparisonEntry>& entries);
+
+/// Makes such a page of the reports of earlier runs.
+///
+/// @throws InputError if one of them is no report
+ExitStatus collect_reports(const Options& options);
+
+}  // namespace ovik::tool

@@ -1,0 +1,185 @@
+#include "tools/embedding_run.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "plots/cost_figure.h"
+#include "stats/coordinate_files.h"
+#include "stats/tsne.h"
+#include "util/console.h"
+
+#include "tools/interruption.h"
+#include "tools/map_quality.h"
+#include "tools/result_paths.h"
+#include "tools/standard_streams.h"
+
+namespace ovik::tool {
+
+namespace {
+
+/// @throws std::runtime_error if the embedding has come to nothing
+void check_finite(const IterationReport& reached) {
+    if (!reached.finite) {
+        std::putchar('\n');
+        throw std::runtime_error("the embedding got out of range at iteration " +
+                                 std::to_string(reached.iteration) +
+                                 ", and no results are written\nBring the values of the matrix to "
+                                 "a common scale, or choose another perplexity.");
+    }
+}
+
+std::string text_of(std::error_code failure) {
+    return failure ? failure.message() : "";
+}
+
+/// The reason that `errno` has, unless the file was written.
+std::string failure_unless(bool written) {
+    return written ? "" : std::generic_category().message(errno);
+}
+
+/// Says where a result is, or why it is missing.
+void report_file(const ResultFile& file) {
+    if (file.failure.empty()) {
+        print_info(file.what + ": " + file.path);
+    } else {
+        complain(file.what + " could not be written: " + file.path + " (" + file.failure + ")");
+    }
+}
+
+/// Fills the parameters of a fresh object in, as its own loading of a file would.
+template <typename T>
+void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
+    tsne.max_iter = options.max_iter;
+    tsne.N = static_cast<int>(input.rows);
+    tsne.D = static_cast<int>(input.columns);
+    tsne.row_names = std::move(input.row_names);
+    tsne.X = input.values.release();
+    tsne.theta = options.theta;
+    tsne.draw_plots = options.plots;
+    tsne.checkpoint_path = options.checkpoint;
+    tsne.checkpoint_every = options.checkpoint_every;
+    tsne.resume_path = options.resume;
+    tsne.kept_neighbours = std::move(input.neighbours);
+}
+
+/// Names the pictures of a figure, as far as there is one.
+void add_figure(std::vector<ResultFile>& files,
+                const std::string& what,
+                const std::string& base,
+                FigureOutcome outcome) {
+    if (outcome == FigureOutcome::None) {
+        return;
+    }
+    // What went wrong has been told when it did.
+    const std::string failure = outcome == FigureOutcome::Failed ? "not drawn" : "";
+    if (outcome != FigureOutcome::ScriptOnly) {
+        for (const char* const extension : {".png", ".svg"}) {
+            files.push_back({what, base + extension, failure});
+        }
+    }
+    files.push_back({what + " script", base + ".gp", failure});
+    if (outcome == FigureOutcome::Drawn) {
+        print_info(what + ": " + base + ".png (also .svg, and the script .gp)");
+    }
+}
+
+void add_checkpoint(std::vector<ResultFile>& files,
+                    const std::string& path,
+                    const std::string& failure) {
+    if (path.empty()) {
+        return;
+    }
+    files.push_back({"Checkpoint", path, failure});
+    if (failure.empty()) {
+        print_info("Checkpoint: " + path + " (to go on: --resume)");
+    } else {
+        report_file(files.back());
+    }
+}
+
+/// Writes what the engine does not, and says what became of all results.
+template <typename T>
+std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
+                                       const Options& options,
+                                       const RunRecord& record) {
+    const std::string base = result_base(options, record.perplexity);
+    std::vector<ResultFile> files;
+    const auto add =
+        [&files](const std::string& what, const std::string& path, const std::string& failure) {
+            files.push_back({what, path, failure});
+            report_file(files.back());
+        };
+    const auto N = static_cast<std::size_t>(tsne.N);
+    const auto dims = static_cast<std::size_t>(options.dims);
+    add("Result table", base + ".csv", text_of(tsne.tableFailure()));
+    add("Run log", tsne.out_base + ".log", text_of(tsne.logFailure()));
+    if (options.coordinates_tsv) {
+        const std::string path = base + ".tsv";
+        const bool written = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
+        add("Coordinates", path, failure_unless(written));
+    }
+    if (options.coordinates_npy) {
+        const std::string path = base + ".npy";
+        const bool written = write_coordinates_npy<T>(path, tsne.Y, N, dims);
+        add("Coordinates", path, failure_unless(written));
+    }
+    if (options.plots) {
+        add("Chart page", base + ".html", text_of(tsne.plots().page_failure));
+    }
+    add_figure(files, "Figure", base, tsne.plots().figure);
+    if (options.plot_cost) {
+        add_figure(files,
+                   "Cost figure",
+                   cost_base(base),
+                   draw_cost_figure(cost_base(base),
+                                    {options.title,
+                                     record.iteration + 1 - static_cast<int>(record.costs.size()),
+                                     record.costs,
+                                     options.stop_lying_iter}));
+    }
+    add_checkpoint(files, options.checkpoint, tsne.checkpointFailure());
+    return files;
+}
+
+template <typename T>
+RunRecord run(const Options& options, RunInput input, double perplexity) {
+    TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
+    const auto finish = [](TSNE<T>* run) { run->finish(); };
+    set_up(tsne, options, input);
+    const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
+    RunRecord record;
+    record.perplexity = perplexity;
+    tsne.on_iteration = [&record](const IterationReport& reached) {
+        check_finite(reached);
+        record.iteration = reached.iteration;
+        record.costs.push_back(reached.cost);
+        return goes_on();
+    };
+    tsne.checkResume(options.dims, perplexity, options.stop_lying_iter, options.mom_switch_iter);
+    prepare_directory(options.out_dir);
+    tsne.actuate(options.dims,
+                 perplexity,
+                 std::move(input.labels),
+                 options.stop_lying_iter,
+                 options.mom_switch_iter);
+    record.final_cost = tsne.finalCost();
+    record.seconds = tsne.times();
+    if (options.quality) {
+        record.quality = report_map_quality(tsne, options.dims);
+    }
+    record.files = finish_results(tsne, options, record);
+    return record;
+}
+
+}  // namespace
+
+RunRecord run_embedding(const Options& options, RunInput input, double perplexity) {
+    return options.precision == Precision::Float
+               ? run<float>(options, std::move(input), perplexity)
+               : run<double>(options, std::move(input), perplexity);
+}
+
+}  // namespace ovik::tool

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "stats/kept_neighbours.h"
+
+#include "tools/options.h"
+#include "tools/run_record.h"
+
+namespace ovik::tool {
+
+/// What a run of the engine starts from.
+struct RunInput {
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    /// Row-major, rows x columns.
+    std::unique_ptr<double[]> values;
+    std::vector<std::string> row_names;
+    /// One per row, or empty.
+    std::vector<std::string> labels;
+    /// Neighbours that several runs share; null for a run by itself.
+    std::shared_ptr<KeptNeighbours> neighbours;
+};
+
+/// Runs the engine, writes the results, and says on the console what became of them.
+///
+/// @throws InputError if the run cannot go on from the checkpoint of the options
+/// @throws std::runtime_error if the embedding comes to nothing: there are no results then
+RunRecord run_embedding(const Options& options, RunInput input, double perplexity);
+
+}  // namespace ovik::tool

@@ -1,0 +1,191 @@
+#include "tools/perplexity_sweep.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <sys/resource.h>
+#include <utility>
+
+#include "plots/plain_text.h"
+#include "stats/barnes_hut_objective.h"
+#include "stats/checkpoint.h"
+#include "stats/kept_neighbours.h"
+#include "util/console.h"
+#include "util/format.h"
+#include "util/input_error.h"
+
+#include "tools/comparison.h"
+#include "tools/counted.h"
+#include "tools/duplicate_rows.h"
+#include "tools/embedding_run.h"
+#include "tools/gene_report.h"
+#include "tools/interruption.h"
+#include "tools/result_paths.h"
+#include "tools/standard_streams.h"
+
+namespace ovik::tool {
+
+namespace {
+
+constexpr double kDefaultPerplexity = 20.0;
+
+/// Most memory that this process has had at a time, in bytes.
+double peak_memory() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return 1024.0 * static_cast<double>(usage.ru_maxrss);
+}
+
+std::string format_name(MatrixFormat format) {
+    switch (format) {
+        case MatrixFormat::NumPy:
+            return "npy";
+        case MatrixFormat::MatrixMarket:
+            return "matrix market";
+        default:
+            return "text";
+    }
+}
+
+/// Gives rows the names that were asked for, and warns of names that the gene table lacks.
+void settle_names(std::vector<std::string>& row_names, bool standard_names) {
+    if (standard_names) {
+        rename_to_standard(row_names);
+    }
+    const std::string warning = systematic_names_warning(row_names);
+    if (!warning.empty()) {
+        complain("warning: " + warning);
+    }
+}
+
+/// What several runs share.
+std::shared_ptr<KeptNeighbours> shared_neighbours(const std::vector<double>& perplexities,
+                                                  const RunReport& report) {
+    if (perplexities.size() < 2 || report.options.theta == 0.0) {
+        return nullptr;
+    }
+    const double largest = *std::max_element(perplexities.begin(), perplexities.end());
+    return std::make_shared<KeptNeighbours>(
+        static_cast<std::size_t>(neighbour_count(largest, report.rows)));
+}
+
+/// The input of one run: a copy, since the engine scales it in place; the last run gets the values
+/// themselves.
+RunInput input_of_run(LoadedMatrix& loaded,
+                      const std::shared_ptr<KeptNeighbours>& neighbours,
+                      bool is_last) {
+    RunInput input;
+    input.rows = loaded.matrix.report.rows;
+    input.columns = loaded.matrix.report.columns;
+    if (is_last) {
+        input.values = std::move(loaded.matrix.values);
+    } else {
+        const std::size_t count = input.rows * input.columns;
+        input.values.reset(new double[count]);
+        std::copy_n(loaded.matrix.values.get(), count, input.values.get());
+    }
+    input.row_names = loaded.matrix.row_names;
+    input.labels = loaded.labels;
+    input.neighbours = neighbours;
+    return input;
+}
+
+/// Writes the page that compares the runs.
+bool compare(const RunReport& report) {
+    std::vector<ComparisonEntry> entries;
+    for (const RunRecord& run : report.runs) {
+        entries.push_back({report.options.title,
+                           report.rows,
+                           report.columns,
+                           report.options.theta,
+                           run,
+                           std::filesystem::current_path()});
+    }
+    return write_comparison(comparison_path(report.options), entries);
+}
+
+/// Fills in what is known of the input.
+void describe_input(RunReport& report, const LoadedMatrix& loaded) {
+    const InspectedMatrix& matrix = loaded.matrix;
+    report.format = format_name(loaded.format);
+    report.rows = matrix.report.rows;
+    report.columns = matrix.report.columns;
+    report.missing_values = loaded.missing;
+    report.duplicate_rows = count_duplicate_rows(matrix.values.get(), report.rows, report.columns);
+    report.values = digest_of(matrix.values.get(), report.rows * report.columns);
+    report.names = digest_of(matrix.row_names.data(), report.rows);
+}
+
+/// Says what there is to say of the rows.
+void tell_of_rows(const RunReport& report, const std::vector<std::string>& row_names) {
+    print_info(one_line_utf8(found_genes_line(row_names)));
+    if (report.duplicate_rows > 0) {
+        print_info("Equal rows: " + counted(report.duplicate_rows, "row holds", "rows hold") +
+                   " the same values as an earlier one");
+    }
+}
+
+/// The perplexity where none is given.
+double default_perplexity(std::size_t rows) {
+    const double available = static_cast<double>(rows - 1);
+    if (3.0 * kDefaultPerplexity <= available) {
+        return kDefaultPerplexity;
+    }
+    double largest = available / 3.0;
+    while (3.0 * largest > available) {
+        largest = std::nextafter(largest, 0.0);
+    }
+    print_info("Perplexity " + num2string(largest, 2) + ", the largest that " +
+               std::to_string(rows) + " rows allow (the usual 20 needs 61)");
+    return largest;
+}
+
+}  // namespace
+
+std::vector<double> choose_perplexities(const Options& options, std::size_t rows) {
+    for (const double perplexity : options.perplexities) {
+        if (perplexity >= static_cast<double>(rows - 1)) {
+            throw InputError("--perplexity: a row has " + std::to_string(rows - 1) +
+                             " others, so it cannot have as many neighbours or more\nGive at most "
+                             "a third of that; 5 to 50 are usual.");
+        }
+    }
+    return options.perplexities.empty() ? std::vector<double>{default_perplexity(rows)}
+                                        : options.perplexities;
+}
+
+ExitStatus run_perplexities(LoadedMatrix loaded,
+                            const std::vector<double>& perplexities,
+                            RunReport report,
+                            Stopwatch since_start) {
+    const Options& options = report.options;
+    settle_names(loaded.matrix.row_names, options.standard_names);
+    describe_input(report, loaded);
+    const std::shared_ptr<KeptNeighbours> neighbours = shared_neighbours(perplexities, report);
+    for (const double perplexity : perplexities) {
+        const bool is_last = report.runs.size() + 1 == perplexities.size();
+        report.runs.push_back(
+            run_embedding(options, input_of_run(loaded, neighbours, is_last), perplexity));
+        if (interruption_status() != Success) {
+            break;
+        }
+    }
+    bool is_complete = std::all_of(report.runs.begin(),
+                                   report.runs.end(),
+                                   [](const RunRecord& run) { return run.isComplete(); });
+    if (perplexities.size() > 1) {
+        is_complete = compare(report) && is_complete;
+    }
+    tell_of_rows(report, loaded.matrix.row_names);
+    report.exit_status = is_complete ? interruption_status() : FailedRun;
+    if (!options.report_file.empty()) {
+        report.peak_memory = peak_memory();
+        report.total_seconds = since_start.lap();
+        is_complete = write_report(report) && is_complete;
+    }
+    return is_complete ? report.exit_status : FailedRun;
+}
+
+}  // namespace ovik::tool

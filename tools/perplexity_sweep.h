@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "util/stopwatch.h"
+
+#include "tools/exit_status.h"
+#include "tools/load_matrix.h"
+#include "tools/options.h"
+#include "tools/run_report.h"
+
+namespace ovik::tool {
+
+/// The perplexities of the runs: as given, or 20, or the largest that few rows allow.
+///
+/// @throws InputError if one asks for as many neighbours as a row has others
+std::vector<double> choose_perplexities(const Options& options, std::size_t rows);
+
+/// Runs the engine once for each perplexity, on the same input and the same neighbours; writes all
+/// results, the page that compares several runs, and the report.
+///
+/// @param report       what is known beforehand: options, command line, threads, memory, times
+/// @param since_start  of the command
+ExitStatus run_perplexities(LoadedMatrix loaded,
+                            const std::vector<double>& perplexities,
+                            RunReport report,
+                            Stopwatch since_start);
+
+}  // namespace ovik::tool

@@ -1,0 +1,88 @@
+#include "tools/result_paths.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <set>
+#include <system_error>
+#include <unistd.h>
+
+#include "stats/result_table.h"
+#include "util/format.h"
+#include "util/input_error.h"
+
+namespace ovik::tool {
+
+std::string result_base(const Options& options, double perplexity) {
+    return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix);
+}
+
+std::string cost_base(const std::string& result_base) {
+    return result_base + "_cost";
+}
+
+std::string comparison_path(const Options& options) {
+    return options.out_dir + options.name + "_tsne_comparison" + options.suffix + ".html";
+}
+
+std::vector<std::string> result_files(const Options& options,
+                                      const std::vector<double>& perplexities) {
+    std::vector<std::string> files;
+    for (const double perplexity : perplexities) {
+        const std::string base = result_base(options, perplexity);
+        const auto add = [&](bool is_wanted, const std::string& path) {
+            if (is_wanted) {
+                files.push_back(path);
+            }
+        };
+        add(true, base + ".csv");
+        for (const char* const extension : {".html", ".gp", ".png", ".svg"}) {
+            add(options.plots, base + extension);
+        }
+        add(options.coordinates_tsv, base + ".tsv");
+        add(options.coordinates_npy, base + ".npy");
+        for (const char* const extension : {".gp", ".png", ".svg"}) {
+            add(options.plot_cost, cost_base(base) + extension);
+        }
+    }
+    if (perplexities.size() > 1) {
+        files.push_back(comparison_path(options));
+    }
+    if (!options.report_file.empty()) {
+        files.push_back(options.report_file);
+    }
+    return files;
+}
+
+void check_result_names(const Options& options, const std::vector<double>& perplexities) {
+    constexpr std::size_t kLongestName = 255;
+    std::set<std::string> paths;
+    for (const std::string& path : result_files(options, perplexities)) {
+        const std::string name = std::filesystem::path(path).filename().string();
+        if (name.size() > kLongestName) {
+            throw InputError("the name of a result is too long: " + name +
+                             "\nGive a shorter one with --name and --suffix.");
+        }
+        if (!paths.insert(path).second) {
+            throw InputError("two results would be called " + name +
+                             "\nNames tell perplexities apart by their first decimal: give the "
+                             "runs different ones, or different suffixes with --suffix.");
+        }
+    }
+}
+
+void check_report_path(const std::string& path) {
+    const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
+    if (!std::filesystem::is_directory(directory)) {
+        throw InputError("--json: there is no directory " + directory.string() +
+                         "\nMake it first.");
+    }
+}
+
+void prepare_directory(const std::string& directory) {
+    std::filesystem::create_directories(directory);
+    if (access(directory.c_str(), W_OK) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot write in " + directory);
+    }
+}
+
+}  // namespace ovik::tool

@@ -1,0 +1,153 @@
+#include "tools/run_report.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <system_error>
+
+#include "plots/json_text.h"
+#include "util/console.h"
+#include "util/whole_file.h"
+
+#include "tools/standard_streams.h"
+
+namespace ovik::tool {
+
+namespace {
+
+/// Changes when a reader of earlier reports would no longer understand.
+constexpr int kReportVersion = 1;
+
+std::string hexadecimal(const Digest& digest) {
+    char text[40];
+    std::snprintf(text,
+                  sizeof text,
+                  "%016llx%016llx",
+                  static_cast<unsigned long long>(digest.high),
+                  static_cast<unsigned long long>(digest.low));
+    return text;
+}
+
+/// "2026-11-21T18:58:03Z".
+std::string utc_text(long long seconds) {
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm parts{};
+    char text[40];
+    const bool is_date = gmtime_r(&time, &parts) != nullptr &&
+                         std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts) > 0;
+    return is_date ? text : "";
+}
+
+/// A path as it is found from the directory of the report.
+std::string path_from(const std::filesystem::path& directory, const std::string& path) {
+    return std::filesystem::proximate(path, directory).string();
+}
+
+std::string json_options(const Options& options) {
+    return json_object(
+        {{"theta", json_text(options.theta)},
+         {"dimensions", json_text(options.dims)},
+         {"max_iter", json_text(options.max_iter)},
+         {"stop_lying_iter", json_text(options.stop_lying_iter)},
+         {"mom_switch_iter", json_text(options.mom_switch_iter)},
+         {"precision",
+          json_text(std::string(options.precision == Precision::Float ? "float" : "double"))},
+         {"title", json_text(options.title)}});
+}
+
+std::string json_input(const RunReport& report, const std::filesystem::path& directory) {
+    const Options& options = report.options;
+    return json_object(
+        {{"path",
+          json_text(options.matrix == "-" ? options.matrix : path_from(directory, options.matrix))},
+         {"format", json_text(report.format)},
+         {"rows", json_text(report.rows)},
+         {"columns", json_text(report.columns)},
+         {"missing_values", json_text(report.missing_values)},
+         {"duplicate_rows", json_text(report.duplicate_rows)},
+         {"digest",
+          json_object({{"algorithm", json_text(std::string("XXH3-128"))},
+                       {"values", json_text(hexadecimal(report.values))},
+                       {"names", json_text(hexadecimal(report.names))}})}});
+}
+
+std::string json_quality(const std::vector<NeighbourhoodQuality>& qualities) {
+    std::vector<std::string> list;
+    for (const NeighbourhoodQuality& quality : qualities) {
+        list.push_back(json_object({{"neighbours", json_text(quality.neighbours)},
+                                    {"trustworthiness", json_text(quality.trustworthiness)},
+                                    {"preservation", json_text(quality.preservation)}}));
+    }
+    return json_list(list);
+}
+
+std::string json_files(const std::vector<ResultFile>& files,
+                       const std::filesystem::path& directory) {
+    std::vector<std::string> list;
+    for (const ResultFile& file : files) {
+        list.push_back(
+            json_object({{"what", json_text(file.what)},
+                         {"path", json_text(path_from(directory, file.path))},
+                         {"failure", file.failure.empty() ? "null" : json_text(file.failure)}}));
+    }
+    return json_list(list);
+}
+
+std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
+    return json_object({{"perplexity", json_text(run.perplexity)},
+                        {"last_iteration", json_text(run.iteration)},
+                        {"final_cost", json_text(run.final_cost)},
+                        {"seconds",
+                         json_object({{"similarities", json_text(run.seconds.similarities)},
+                                      {"fitting", json_text(run.seconds.fitting)},
+                                      {"results", json_text(run.seconds.results)}})},
+                        {"quality", json_quality(run.quality)},
+                        {"files", json_files(run.files, directory)},
+                        {"costs", json_list_of(run.costs)}});
+}
+
+}  // namespace
+
+std::string report_json(const RunReport& report) {
+    const std::filesystem::path directory =
+        std::filesystem::absolute(report.options.report_file).parent_path();
+    std::vector<std::string> arguments;
+    for (const std::string& argument : report.command_line) {
+        arguments.push_back(json_text(argument));
+    }
+    std::vector<std::string> runs;
+    for (const RunRecord& run : report.runs) {
+        runs.push_back(json_run(run, directory));
+    }
+    return json_object({{"report", json_text(kReportVersion)},
+                        {"program", json_text(std::string("ovik-tsne"))},
+                        {"version", json_text(std::string(OVIK_VERSION))},
+                        {"command_line", json_list(arguments)},
+                        {"started", json_text(utc_text(report.started))},
+                        {"options", json_options(report.options)},
+                        {"threads", json_text(report.threads)},
+                        {"input", json_input(report, directory)},
+                        {"seconds",
+                         json_object({{"reading", json_text(report.reading_seconds)},
+                                      {"total", json_text(report.total_seconds)}})},
+                        {"memory_bytes",
+                         json_object({{"estimated", json_text(report.estimated_memory)},
+                                      {"peak", json_text(report.peak_memory)}})},
+                        {"runs", json_list(runs)},
+                        {"exit_status", json_text(static_cast<int>(report.exit_status))}}) +
+           "\n";
+}
+
+bool write_report(const RunReport& report) {
+    const std::string& path = report.options.report_file;
+    if (write_whole_file(path, report_json(report))) {
+        print_info("Report: " + path);
+        return true;
+    }
+    complain("Report could not be written: " + path + " (" +
+             std::generic_category().message(errno) + ")");
+    return false;
+}
+
+}  // namespace ovik::tool
