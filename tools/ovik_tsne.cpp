@@ -63,23 +63,15 @@ RunSize size_of_runs(const Options& options,
     return size;
 }
 
-/// Directories are found to be missing before the run rather than after it.
-void check_places(const Options& options) {
-    if (!options.checkpoint.empty()) {
-        check_checkpoint_path(options.checkpoint);
-    }
-    if (!options.report_file.empty()) {
-        check_report_path(options.report_file);
-    }
-}
-
 /// Takes the whole way from the matrix to the results.
 ExitStatus embed(RunReport report) {
     const Options& options = report.options;
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
-    check_places(options);
+    if (!options.checkpoint.empty()) {
+        check_checkpoint_path(options.checkpoint);
+    }
     if (options.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) {
         throw std::system_error(errno, std::generic_category(), "cannot silence standard output");
     }

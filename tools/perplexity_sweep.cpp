@@ -161,6 +161,9 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
                             RunReport report,
                             Stopwatch since_start) {
     const Options& options = report.options;
+    if (!options.report_file.empty()) {
+        prepare_directory(std::filesystem::absolute(options.report_file).parent_path().string());
+    }
     settle_names(loaded.matrix.row_names, options.standard_names);
     describe_input(report, loaded);
     const std::shared_ptr<KeptNeighbours> neighbours = shared_neighbours(perplexities, report);

@@ -70,14 +70,6 @@ void check_result_names(const Options& options, const std::vector<double>& perpl
     }
 }
 
-void check_report_path(const std::string& path) {
-    const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
-    if (!std::filesystem::is_directory(directory)) {
-        throw InputError("--json: there is no directory " + directory.string() +
-                         "\nMake it first.");
-    }
-}
-
 void prepare_directory(const std::string& directory) {
     std::filesystem::create_directories(directory);
     if (access(directory.c_str(), W_OK) != 0) {

@@ -25,9 +25,6 @@ std::vector<std::string> result_files(const Options& options,
 /// @throws InputError if a name is too long for a directory to hold, or two runs share theirs
 void check_result_names(const Options& options, const std::vector<double>& perplexities);
 
-/// @throws InputError if there is no directory for the report
-void check_report_path(const std::string& path);
-
 /// Makes the directory of the results.
 ///
 /// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there

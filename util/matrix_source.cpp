@@ -14,10 +14,13 @@ namespace ovik {
 namespace {
 
 constexpr std::string_view kGzipMagic = "\x1f\x8b";
-/// Of the head: what is looked at, and up to where it grows to hold the first lines.
-constexpr std::size_t kHeadBytes = 65536;
-constexpr std::size_t kHeadLines = 22;
+/// The head grows from the first of these sizes until it holds the first lines: many if they are
+/// short, few if they are long.
+constexpr std::size_t kHeadBytes = std::size_t{1} << 16U;
+constexpr std::size_t kUsualHead = std::size_t{1} << 20U;
 constexpr std::size_t kLargestHead = std::size_t{1} << 26U;
+constexpr std::ptrdiff_t kHeadLines = 22;
+constexpr std::ptrdiff_t kFewestLines = 3;
 
 [[noreturn]] void refuse(const std::string& name, const std::string& reason) {
     throw InputError(name + ": " + reason);
@@ -127,8 +130,12 @@ void MatrixSource::readHead() {
         size_.reset();
     }
     grow(kHeadBytes);
-    while (*text_ && head_.size() < kLargestHead &&
-           std::count(head_.begin(), head_.end(), '\n') < static_cast<std::ptrdiff_t>(kHeadLines)) {
+    const auto is_enough = [this] {
+        const auto lines = std::count(head_.begin(), head_.end(), '\n');
+        return lines >= (head_.size() < kUsualHead ? kHeadLines : kFewestLines) ||
+               head_.size() >= kLargestHead;
+    };
+    while (*text_ && !is_enough()) {
         grow(2 * head_.size());
     }
     is_whole_in_head_ = !*text_;

@@ -118,7 +118,7 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
          ":1: the line holds a NUL byte"},
         {"a program", elf, {}, ":1: the line holds a NUL byte"},
         {"a picture", png, {}, "the line holds a NUL byte"},
-        {"gzip", "\x1f\x8b\x08xyz", {}, "gunzip"},
+        {"gzip", "\x1f\x8b\x08xyz", {}, "the gzip data are damaged"},
         {"zip", "PK\x03\x04xyz", {}, "spreadsheet"},
         {"carriage returns alone", "g\ta\rG1\t1\rG2\t2\rG3\t4\r", {}, "old Macintoshes"},
         {"a short row", "g\nG1\t1\t2\nG2\t3\nG3\t1\t2\n", {}, ":3: row \"G2\" has 1 value"},
@@ -219,12 +219,9 @@ TEST_F(MatrixFile, CannotSteerTheTerminal) {
     EXPECT_NE(outcome.out.find("not found: G [2J1, G2, G3, ...\n"), std::string::npos);
 }
 
-TEST_F(MatrixFile, IsRefusedWhenItIsNoRegularFile) {
+TEST_F(MatrixFile, IsRefusedWhenItIsNoFile) {
     EXPECT_NE(refusal_of(directory_.prefix()).find("this is a directory"), std::string::npos);
-    EXPECT_NE(refusal_of("/dev/null").find("this is no regular file"), std::string::npos);
-    const std::string pipe = directory_.file("pipe");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_NE(refusal_of(pipe).find("this is no regular file"), std::string::npos);
+    EXPECT_NE(refusal_of("/dev/null").find("found no numbers"), std::string::npos);
     const std::string dangling = directory_.file("link");
     std::filesystem::create_symlink("nowhere", dangling);
     EXPECT_NE(refusal_of(dangling).find("there is no such file"), std::string::npos);

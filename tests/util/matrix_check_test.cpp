@@ -212,8 +212,8 @@ TEST_F(MatrixCheck, SuspectsAHeaderOfMeasurements) {
 TEST_F(MatrixCheck, RefusesWhatIsNoReadableTextFile) {
     EXPECT_NE(refusal(directory_.file("none")).find("there is no such file"), std::string::npos);
     EXPECT_NE(refusal(directory_.prefix()).find("this is a directory"), std::string::npos);
-    EXPECT_NE(refusal("/dev/null").find("no regular file"), std::string::npos);
     EXPECT_NE(refusal(directory_.write("a", "\x1f\x8b\x08")).find("gzip"), std::string::npos);
+    EXPECT_NE(refusal(directory_.write("a", "BZh9")).find("bzip2 -d"), std::string::npos);
     EXPECT_NE(refusal(directory_.write("a", "PK\x03\x04")).find("zip archive"), std::string::npos);
     EXPECT_NE(refusal(directory_.write("a", "\xff\xfeh")).find("UTF-16"), std::string::npos);
     EXPECT_NE(refusal(directory_.write("a", "h\rG1\t1\rG2\t2\r")).find("old Macintoshes"),
@@ -238,8 +238,8 @@ TEST_F(MatrixCheck, GuessesTheDelimiter) {
 }
 
 TEST_F(MatrixCheck, SaysWhenNoDelimiterFits) {
-    EXPECT_THROW(guess("h\nG1|1|2\n"), InputError);
-    EXPECT_THROW(guess(""), InputError);
+    EXPECT_EQ(guess("h\nG1|1|2\n"), std::nullopt);
+    EXPECT_EQ(guess(""), std::nullopt);
 }
 
 }  // namespace

@@ -1,0 +1,181 @@
+#!/usr/bin/env python3
+"""Runs the snippets of docs/recipes.md as they stand there, in order, and looks at what they leave.
+
+Usage: recipes_test.py COMMAND SOURCE_DIRECTORY
+"""
+
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROWS = 300
+ITERATIONS = 30
+PERPLEXITIES = ("5", "10", "30", "50")
+
+
+def snippets(document):
+    """All fenced blocks: their language, and their text."""
+    return re.findall(r"^```(\w+)\n(.*?)^```$", document, re.MULTILINE | re.DOTALL)
+
+
+def require(holds, what):
+    if not holds:
+        sys.exit(f"does not hold: {what}")
+
+
+class Workplace:
+    """A directory with a matrix, and a command `ovik-tsne` that takes few iterations."""
+
+    def __init__(self, directory, command, source):
+        self.directory = pathlib.Path(directory)
+        rows = (source / "data/brauer2008_chemostat.tsv").read_text().splitlines(True)
+        head, genes = rows[0], rows[1:]
+        # Genes whose names hold commas are there, and the one that a snippet asks for.
+        wanted = [row for row in genes if row.startswith(("ADE5,7\t", "DUR1,2\t", "RPL3\t"))]
+        require(len(wanted) == 3, "the matrix has the genes of the snippets")
+        matrix = [head] + wanted + [row for row in genes if row not in wanted][: ROWS - 3]
+        (self.directory / "expression.tsv").write_text("".join(matrix))
+        programs = self.directory / "programs"
+        programs.mkdir()
+        wrapper = programs / "ovik-tsne"
+        wrapper.write_text(
+            "#!/bin/sh\n"
+            f'case " $* " in *" --collect "*) exec "{command}" "$@" ;; esac\n'
+            f'exec "{command}" --max-iter {ITERATIONS} "$@"\n'
+        )
+        wrapper.chmod(0o755)
+        self.environment = dict(
+            os.environ,
+            PATH=f"{programs}:{os.environ['PATH']}",
+            HOME=str(self.directory),
+            LC_ALL="C.UTF-8",
+        )
+
+    def run(self, program, *arguments, text=None, **variables):
+        done = subprocess.run(
+            [program, *arguments],
+            input=text,
+            cwd=self.directory,
+            env=dict(self.environment, **variables),
+            capture_output=True,
+            text=True,
+        )
+        require(done.returncode == 0, f"{program} {arguments}: {done.stdout}{done.stderr}")
+        return done.stdout
+
+    def read(self, name):
+        return (self.directory / name).read_text()
+
+
+def check_comparison(place):
+    page = place.read("results/yeast_tsne_comparison.html")
+    titles = re.findall(r"<h2>.*?(Perplexity \d+)", page)
+    require(titles == [f"Perplexity {p}" for p in PERPLEXITIES], f"all runs on the page: {titles}")
+    for picture in re.findall(r'<img src="\./([^"]+)"', page):
+        require((place.directory / "results" / picture).exists(), f"{picture} is there")
+
+
+def forget_sweep(place):
+    shutil.rmtree(place.directory / "results")
+    (place.directory / "results").mkdir()
+
+
+def run_r(place, text):
+    checks = (
+        f'if (exists("map")) stopifnot(nrow(map) == {ROWS}, is.numeric(map$component_1),\n'
+        '  "ADE5,7" %in% map$name)\n'
+        f'if (exists("table", mode = "list")) stopifnot(nrow(table) == {ROWS}, ncol(table) == 6,\n'
+        '  "ADE5,7" %in% table$name, is.numeric(table[["data in xaxis"]]),\n'
+        '  any(grepl("ribosom", table[["function"]])))\n'
+    )
+    place.run("Rscript", "-", text=text + checks)
+
+
+def run_python(place, text):
+    checks = (
+        "if 'coordinates' in globals():\n"
+        f"    assert coordinates.shape == ({ROWS}, 2) and len(names) == {ROWS}\n"
+        "    assert 'ADE5,7' in names\n"
+        "else:\n"
+        f"    assert len(run['costs']) == {ITERATIONS} + 1\n"
+    )
+    place.run("/usr/bin/python3", "-", text=text + checks)
+
+
+def run_shell(place, text):
+    printed = place.run("/bin/sh", "-e", text=text)
+    if text.startswith("awk"):
+        genes = printed.split()
+        require(len(set(genes)) == 10 and "RPL3" not in genes, f"ten other genes: {genes}")
+    if "zcat" in text:
+        require(len(place.read("results/without_first_column_tsne_30_0.csv").splitlines())
+                == ROWS + 1, "a row per gene from standard input")
+    if "--quality" in text:
+        page = place.read("sweep/yeast_tsne_comparison.html")
+        require(page.count("<img ") == 4 and "trustworthiness" in page, "a page of four runs")
+        for name in ("30_0.csv", "30_0.png"):
+            ours = (place.directory / f"sweep/yeast_tsne_{name}").read_bytes()
+            require(ours == (place.directory / f"results/yeast_tsne_{name}").read_bytes(),
+                    f"{name} is that of the run by itself")
+
+
+def run_snakemake(place, text):
+    forget_sweep(place)
+    (place.directory / "Snakefile").write_text(text)
+    place.run("snakemake", "--cores", "2", "--quiet")
+    check_comparison(place)
+    logged = place.read("results/yeast.log").count("1-1-1-0\n")
+    require(logged == len(PERPLEXITIES), f"{logged} records of runs side by side")
+
+
+def run_slurm(place, text):
+    """What the scheduler does with an array: the script once for each task."""
+    forget_sweep(place)
+    (place.directory / "tsne.sh").write_text(text)
+    for task in range(len(PERPLEXITIES)):
+        place.run("/bin/sh", "tsne.sh", SLURM_ARRAY_TASK_ID=str(task), SLURM_CPUS_PER_TASK="2")
+
+
+def run_sbatch(place, text):
+    """With a stand-in for the scheduler that runs the last step at once."""
+    stand_in = place.directory / "programs/sbatch"
+    stand_in.write_text(
+        "#!/bin/sh\n"
+        'if [ "$1" = --parsable ]; then echo 17; exit; fi\n'
+        '[ "$1" = --dependency=afterok:17 ] && [ "$2" = --wrap ] && exec sh -ec "$3"\n'
+    )
+    stand_in.chmod(0o755)
+    place.run("/bin/sh", "-e", text=text)
+    check_comparison(place)
+    reports = [json.loads(place.read(f"results/{p}.json")) for p in PERPLEXITIES]
+    digests = {report["input"]["digest"]["values"] for report in reports}
+    require(len(digests) == 1, "all runs had the same input")
+
+
+RUNNERS = {
+    "r": run_r,
+    "python": run_python,
+    "sh": run_shell,
+    "snakemake": run_snakemake,
+    "slurm": run_slurm,
+    "sbatch": run_sbatch,
+}
+
+
+def main():
+    command, source = sys.argv[1], pathlib.Path(sys.argv[2])
+    found = snippets((source / "docs/recipes.md").read_text())
+    require({language for language, _ in found} == set(RUNNERS), "snippets of every kind are there")
+    with tempfile.TemporaryDirectory() as directory:
+        place = Workplace(directory, command, source)
+        for language, text in found:
+            print(f"{language}: {text.splitlines()[0]}", flush=True)
+            RUNNERS[language](place, text)
+
+
+main()
