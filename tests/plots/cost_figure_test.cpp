@@ -33,7 +33,7 @@ TEST_F(CostFigure, IsDrawnBesideItsScript) {
     EXPECT_EQ(draw_cost_figure(base_, curve), FigureOutcome::Drawn);
     EXPECT_THAT(content(".png"), StartsWith("\x89PNG"));
     EXPECT_THAT(content(".svg"), HasSubstr("early exaggeration ends"));
-    EXPECT_THAT(content(".svg"), HasSubstr("It's &quot;yeast&quot; `date`"));
+    EXPECT_THAT(content(".svg"), HasSubstr("It's \"yeast\" `date`"));
     EXPECT_THAT(content(".gp"),
                 HasSubstr("$costs << END_OF_COSTS\n0 30.5\n1 20.25\n2 2.5\n3 1\nEND_OF_COSTS\n"));
     EXPECT_THAT(content(".gp"), HasSubstr("set logscale y"));
