@@ -8,7 +8,7 @@ import operator
 import sys
 import threading
 import warnings
-from typing import Any
+from typing import Any, Self
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -108,7 +108,7 @@ class TSNE:
         self.n_jobs = n_jobs
         self.verbose = verbose
 
-    def fit(self, X: ArrayLike, y: Any = None) -> TSNE:
+    def fit(self, X: ArrayLike, y: Any = None) -> Self:
         """Embed the rows of a matrix.
 
         Parameters
@@ -163,7 +163,7 @@ class TSNE:
         """The parameters of the constructor, by name; `deep` makes no difference."""
         return {name: getattr(self, name) for name in self._parameters()}
 
-    def set_params(self, **params: Any) -> TSNE:
+    def set_params(self, **params: Any) -> Self:
         """Set parameters of the constructor.
 
         Returns
@@ -252,7 +252,7 @@ def _as_matrix(X: Any) -> NDArray[np.float64]:
     if hasattr(X, "toarray"):
         raise ValueError("X is sparse, which this t-SNE cannot use\nGive X.toarray().")
     if isinstance(X, np.ma.MaskedArray):
-        X = X.astype(np.float64).filled(np.nan)
+        X = np.ma.filled(X.astype(np.float64), np.nan)
     try:
         array = np.asarray(X)
         if array.dtype.kind not in "biufO":
@@ -261,7 +261,8 @@ def _as_matrix(X: Any) -> NDArray[np.float64]:
     except (TypeError, ValueError) as error:
         raise ValueError(
             f"X should be an array of numbers: {error}\n"
-            "Leave columns of text out, and give every row the same number of values."
+            "Leave columns of text out, fill missing values in, and give every row the same number of "
+            "values."
         ) from error
     if array.ndim != 2:
         raise ValueError(

@@ -76,6 +76,7 @@ def test_forked_process_fits_too(points):
     expected = ovik.TSNE(n_iter=3, n_jobs=2).fit_transform(big)
     child = os.fork()
     if child == 0:
+        signal.alarm(600)  # ends a child that hangs
         equal = np.array_equal(ovik.TSNE(n_iter=3, n_jobs=2).fit_transform(big), expected)
         os._exit(0 if equal else 1)
     assert os.waitpid(child, 0)[1] == 0
