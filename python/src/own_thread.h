@@ -4,6 +4,7 @@
 #include <chrono>
 #include <future>
 #include <optional>
+#include <utility>
 
 #include <pybind11/pybind11.h>
 
