@@ -65,9 +65,13 @@ const GeneEntry* find_gene(std::string_view name) {
     return by_name.find(name);
 }
 
-std::string_view standard_gene_name(std::string_view systematic) {
+const GeneEntry* find_systematic_gene(std::string_view systematic) {
     static const EntryIndex by_systematic(&GeneEntry::systematic);
-    const GeneEntry* const gene = by_systematic.find(systematic);
+    return by_systematic.find(systematic);
+}
+
+std::string_view standard_gene_name(std::string_view systematic) {
+    const GeneEntry* const gene = find_systematic_gene(systematic);
     if (gene == nullptr || gene->name == systematic) {
         return {};
     }

@@ -14,6 +14,9 @@ namespace ovik {
 /// is.
 const GeneEntry* find_gene(std::string_view name);
 
+/// The gene that has this systematic name; null if none has.
+const GeneEntry* find_systematic_gene(std::string_view systematic);
+
 /// The standard name of a gene given by its systematic one; empty if it is not listed under one.
 std::string_view standard_gene_name(std::string_view systematic);
 

@@ -7,6 +7,7 @@
 
 #include "stats/bandwidth_search.h"
 #include "stats/pairwise_distances.h"
+#include "util/console.h"
 #include "util/malloc_array.h"
 #include "util/parallel.h"
 
@@ -19,7 +20,9 @@ constexpr int kBandwidthAttempts = 500;
 /// Logs the bare perplexity. Readers of the logs know the two places by these lines of the unit, so
 /// they are stated and do not follow the source.
 void log_perplexity(int line, double perplexity) {
-    google::LogMessage("stats/tsne", line, google::GLOG_INFO).stream() << perplexity;
+    if (!console_is_silent) {
+        google::LogMessage("stats/tsne", line, google::GLOG_INFO).stream() << perplexity;
+    }
 }
 
 }  // namespace

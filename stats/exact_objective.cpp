@@ -1,12 +1,12 @@
 #include "stats/exact_objective.h"
 
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_forces.h"
+#include "util/console.h"
 #include "util/format.h"
 
 namespace ovik {
@@ -25,11 +25,11 @@ ExactObjective::ExactObjective(
       in_panels_(false),
       diagonal_(malloc_array<double>(N)),
       forces_(N, out_dims) {
-    std::fputs("Exact?", stderr);
+    print_remark("Exact?");
     P_ = malloc_array<double>(panel_matrix_size(N));
     exit_unless_allocated(P_, diagonal_);
     dense_conditional_affinities(X, N, D, P_.get(), perplexity);
-    std::fputs("Symmetrizing...\n", stderr);
+    print_remark("Symmetrizing...\n");
     add_transpose(P_.get(), N);
     divide_by_sum(P_.get(), N * N);
     // One sum divides all entries, so that a NaN among them has made all of them NaN.

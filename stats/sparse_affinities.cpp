@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <numeric>
 #include <optional>
@@ -255,7 +254,7 @@ SparseMatrix neighbour_affinities(const double* points,
                                   int K,
                                   KeptNeighbours* kept) {
     if (perplexity > static_cast<double>(K)) {
-        std::fputs("Perplexity should be lower than K!\n", stderr);
+        print_remark("Perplexity should be lower than K!\n");
     }
     const auto row_length = static_cast<std::size_t>(std::max(K, 0));
     check_entry_count(N * row_length);

@@ -33,10 +33,10 @@ extern char gInstantiationGuardTSNE;
 /// The seed is fixed (11, the process-wide `rand` stream), as are early exaggeration (12), learning
 /// rate (200), momentum (0.5, then 0.8) and the scale of the random start (0.0001).
 ///
-/// Messages go to standard output, remarks to standard error. Work arrays that do not fit in memory
-/// end the process with "Memory allocation failed!" and status 1; other allocations throw
-/// std::bad_alloc. The exact method logs its perplexity through glog, which this library leaves to
-/// the application to initialise.
+/// Messages go to standard output, remarks to standard error; `ConsoleSilence` holds them back.
+/// Work arrays that do not fit in memory end the process with "Memory allocation failed!" and
+/// status 1; other allocations throw std::bad_alloc. The exact method logs its perplexity through
+/// glog, which this library leaves to the application to initialise.
 ///
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
 /// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
@@ -135,6 +135,12 @@ class TSNE {
                  int stop_lying_iter,
                  int mom_switch_iter);
 
+    /// Embeds the rows into `Y` and writes no results but checkpoints: what `actuate` does first,
+    /// with the same arguments, messages and exceptions.
+    ///
+    /// @return the last iteration done
+    IterationReport embed(int no_dims, double perplexity, int stop_lying_iter, int mom_switch_iter);
+
     /// Tells in advance whether `actuate`, given the same arguments, can go on from `resume_path`.
     ///
     /// @throws std::logic_error if `finish` has released the input
@@ -151,7 +157,7 @@ class TSNE {
     /// Whether the last `actuate` wrote its result table.
     [[nodiscard]] bool tableWritten() const { return table_written_; }
 
-    /// The cost of the last `actuate`'s embedding, against the similarities without exaggeration.
+    /// The cost of the last embedding, against the similarities without exaggeration.
     [[nodiscard]] double finalCost() const { return final_cost_; }
 
     /// How long its stages took.

@@ -45,9 +45,8 @@ float seconds(std::clock_t elapsed) {
 }
 
 void seed_random_stream() {
-    print_info("Random seed: ", -1, ' ');
     std::srand(static_cast<unsigned int>(kRandomSeed));
-    std::printf("%s\n", num2string(kRandomSeed).c_str());
+    print_info("Random seed:  " + num2string(kRandomSeed));
 }
 
 /// Tells the user of a perplexity that the number of points cannot bear; the run goes on.
@@ -159,7 +158,7 @@ void TSNE<T>::fit(Optimisation& optimisation, CheckpointKeeper& keeper) const {
         goes_on = !on_iteration || on_iteration(optimisation.reached());
         keeper.keep(optimisation, !goes_on || optimisation.isDone());
     }
-    std::putchar('\n');
+    end_progress_bar();
     if (!optimisation.isDone()) {
         print_info("Ended early, at iteration " + std::to_string(optimisation.reached().iteration) +
                    " of " + std::to_string(max_iter));
@@ -193,6 +192,20 @@ void TSNE<T>::actuate(int no_dims,
                       std::vector<std::string> labels,
                       int stop_lying_iter,
                       int mom_switch_iter) {
+    const IterationReport reached = embed(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+    Stopwatch watch;
+    writeResults(no_dims,
+                 {data_title,
+                  captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
+                  std::move(labels)});
+    times_.results = watch.lap();
+}
+
+template <typename T>
+IterationReport TSNE<T>::embed(int no_dims,
+                               double perplexity,
+                               int stop_lying_iter,
+                               int mom_switch_iter) {
     this->perplexity = perplexity;
     requireInput();
     if (checkpoint_every < 1) {
@@ -244,19 +257,13 @@ void TSNE<T>::actuate(int no_dims,
     CheckpointKeeper keeper(checkpoint_path, checkpoint_every, run);
     fit(optimisation, keeper);
     checkpoint_failure_ = keeper.failure();
-    const IterationReport reached = optimisation.reached();
     final_cost_ = optimisation.finalCost();
     end = std::clock();
     descent.reset();
     objective.reset();
     times_.fitting = watch.lap();
     print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
-
-    writeResults(no_dims,
-                 {data_title,
-                  captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
-                  std::move(labels)});
-    times_.results = watch.lap();
+    return optimisation.reached();
 }
 
 /// Of an earlier run.
@@ -296,6 +303,7 @@ void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
 
 #define OVIK_INSTANTIATE_DRIVER(T)                                                   \
     template void TSNE<T>::actuate(int, double, std::vector<std::string>, int, int); \
+    template IterationReport TSNE<T>::embed(int, double, int, int);                  \
     template void TSNE<T>::checkResume(int, double, int, int) const;
 
 OVIK_INSTANTIATE_DRIVER(float)

@@ -71,13 +71,9 @@ std::vector<std::string> names_of_rows(const Options& options, std::size_t count
     if (!options.row_names_file.empty()) {
         return read_row_texts(options.row_names_file, count, "name");
     }
-    std::vector<std::string> numbers(count);
-    for (std::size_t n = 0; n < count; ++n) {
-        numbers[n] = std::to_string(n + 1);
-    }
     complain("note: the format of " + options.matrix +
              " has no names, and rows are called by their numbers; --row-names gives them names");
-    return numbers;
+    return row_numbers(count);
 }
 
 /// Reads a format without names.
@@ -91,6 +87,14 @@ InspectedMatrix read_array(MatrixSource& source, const Options& options) {
 }
 
 }  // namespace
+
+std::vector<std::string> row_numbers(std::size_t count) {
+    std::vector<std::string> numbers(count);
+    for (std::size_t n = 0; n < count; ++n) {
+        numbers[n] = std::to_string(n + 1);
+    }
+    return numbers;
+}
 
 LoadedMatrix load_matrix(const Options& options) {
     MatrixSource source(options.matrix);

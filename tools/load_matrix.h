@@ -26,4 +26,7 @@ struct LoadedMatrix {
 /// @throws InputError if the matrix cannot be embedded
 LoadedMatrix load_matrix(const Options& options);
 
+/// What rows without names are called: "1", "2" and so on.
+std::vector<std::string> row_numbers(std::size_t count);
+
 }  // namespace ovik::tool

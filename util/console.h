@@ -9,13 +9,41 @@
 
 namespace ovik {
 
+/// Whether what this thread would print is held back: see `ConsoleSilence`.
+inline thread_local bool console_is_silent = false;
+
+/// While it lives, its thread prints neither console lines nor remarks, and the engine logs
+/// nothing. Failures of files, and what ends the process, are told all the same.
+class ConsoleSilence {
+  public:
+    ConsoleSilence() : was_silent_(console_is_silent) { console_is_silent = true; }
+
+    ConsoleSilence(const ConsoleSilence&) = delete;
+    ConsoleSilence& operator=(const ConsoleSilence&) = delete;
+
+    ~ConsoleSilence() { console_is_silent = was_silent_; }
+
+  private:
+    bool was_silent_;
+};
+
+/// Prints a remark on standard error, as it stands.
+static inline void print_remark(const char* text) {
+    if (!console_is_silent) {
+        std::fputs(text, stderr);
+    }
+}
+
 /// Prints "-- " and one message, then the end character. Does not flush.
 ///
 /// @param message  the text, printed up to its first NUL
 /// @param colour   1 red, 2 green, 3 yellow, 4 blue; others print without escape sequences
 /// @param end      written last; a blank leaves the cursor on the line
-/// @return what `putchar` returned for `end`
+/// @return what `putchar` returned for `end`; `end` if it is held back
 static inline int print_text(std::string message, int colour = -1, char end = '\n') {
+    if (console_is_silent) {
+        return static_cast<unsigned char>(end);
+    }
     if (colour >= 1 && colour <= 4) {
         std::printf("-- \x1b[%dm%s\x1b[0m", 30 + colour, message.c_str());
     } else {
@@ -59,6 +87,9 @@ static inline void progress_bar(std::string message,
                                 std::string unit,
                                 T /*reserved*/ = T(),
                                 int /*reserved*/ = 0) {
+    if (console_is_silent) {
+        return;
+    }
     static const std::string progress_bar_ = "===========================";
     std::fflush(stdout);
     const int width = static_cast<int>(progress_bar_.size());
@@ -92,6 +123,13 @@ static inline void progress_bar(std::string message,
                     percent);
     }
     std::fflush(stdout);
+}
+
+/// Ends the line of the progress bar, after its last call.
+static inline void end_progress_bar() {
+    if (!console_is_silent) {
+        std::putchar('\n');
+    }
 }
 
 }  // namespace ovik

@@ -22,6 +22,12 @@ TEST(FindGene, TakesTheFirstOfEqualNames) {
     EXPECT_STREQ(find_gene("MF")->systematic, "YGL089C");
 }
 
+TEST(FindSystematicGene, TellsGenesOfEqualNamesApart) {
+    EXPECT_STREQ(find_systematic_gene("YPL187W")->systematic, "YPL187W");
+    EXPECT_STREQ(find_systematic_gene("YPL187W")->name, "MF");
+    EXPECT_EQ(find_systematic_gene("MF"), nullptr);
+}
+
 TEST(StandardGeneName, IsThatOfTheSystematicName) {
     EXPECT_EQ(standard_gene_name("YBR160W"), "CDC28");
     EXPECT_EQ(standard_gene_name("YAL069W"), "");

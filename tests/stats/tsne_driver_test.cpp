@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "stats/tsne.h"
+#include "util/console.h"
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
@@ -281,6 +282,29 @@ TEST_F(Driver, WritesTableAndLog) {
               "Title using t-SNE method (perplexity = 1.2). The darker color means that there are "
               "overlaps.\n"
               "tsne_1_2_x\n");
+}
+
+TEST_F(Driver, EmbedsInSilenceWithoutWritingAnything) {
+    const std::string path = matrix(40);
+    for (const double theta : {0.0, 0.5}) {
+        const RunOutcome run =
+            test::run_engine(path, {.perplexity = 10.0, .theta = theta, .max_iter = 3});
+        const test::TemporaryDirectory results;
+        TSNE<double> tsne(results.prefix(), "run", "", "Title");
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        {
+            const ConsoleSilence silence;
+            tsne.init(path, 3, '\t');
+            tsne.theta = theta;
+            EXPECT_EQ(tsne.embed(2, 10.0, 250, 250).iteration, 3);
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(std::vector<double>(tsne.Y, tsne.Y + 80), run.Y);
+        EXPECT_TRUE(std::filesystem::is_empty(results.prefix()));
+        tsne.finish();
+    }
 }
 
 TEST_F(Driver, WritesSinglePrecisionCoordinatesForFloat) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -53,6 +54,37 @@ TEST(PrintInfo, LeavesTheCursorOnTheLineWithABlankAsEnd) {
                   std::printf("%s\n", "11");
               }),
               "-- Random seed:  11\n");
+}
+
+TEST(ConsoleSilence, HoldsBackLinesRemarksAndTheBarWhileItLives) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(printed([] {
+                  const ConsoleSilence silence;
+                  { const ConsoleSilence within; }
+                  EXPECT_EQ(print_text("note", 1, '\xff'), 0xff);
+                  print_info("note");
+                  print_remark("remark");
+                  progress_bar<double>("step", 1, 2, "");
+                  end_progress_bar();
+              }),
+              "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(printed([] {
+                  print_info("note");
+                  print_remark("remark");
+                  end_progress_bar();
+              }),
+              "-- note\n\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "remark");
+}
+
+TEST(ConsoleSilence, IsOfItsThreadAlone) {
+    EXPECT_EQ(printed([] {
+                  const ConsoleSilence silence;
+                  std::thread([] { print_info("note"); }).join();
+              }),
+              "-- note\n");
 }
 
 TEST(PrintFileError, IsBoldRedBetweenEmptyLines) {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "util/matrix_check.h"
+
+namespace ovik::python {
+
+/// A matrix file as it is handed to Python.
+struct MatrixFile {
+    /// `values` is not null.
+    InspectedMatrix matrix;
+    /// What the user should know of it, a text each.
+    std::vector<std::string> warnings;
+};
+
+/// Reads a matrix file of any format that the command reads.
+///
+/// @param path       also one that opens as standard input, "-"
+/// @param delimiter  of delimited text; none: guessed
+/// @param missing    what becomes of missing values, by its name on the command line; empty: they
+/// stay NaN
+/// @throws InputError if the file cannot be read as a matrix, or there is no such policy
+/// @throws std::system_error if it cannot be read to its end
+MatrixFile read_matrix_file(const std::string& path,
+                            std::optional<char> delimiter,
+                            const std::string& missing);
+
+}  // namespace ovik::python

@@ -1,0 +1,82 @@
+"""Fits that are interrupted, that run beside other threads, and in forked processes."""
+
+import os
+import signal
+import subprocess
+import sys
+import threading
+
+import numpy as np
+import pytest
+
+import ovik
+
+# A fit of hours, which says on its standard output when the first iteration is done.
+ENDLESS_FIT = """
+import signal, sys
+import numpy, ovik
+X = numpy.random.default_rng(1).normal(size=(400, 4))
+try:
+    ovik.TSNE(n_iter=1_000_000_000, verbose=True).fit(X)
+except KeyboardInterrupt:
+    sys.stderr.write("interrupted")
+"""
+
+
+def test_ctrl_c_ends_the_fit():
+    with subprocess.Popen([sys.executable, "-c", ENDLESS_FIT], stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE) as process:
+        seen = b""
+        while b"at iteration (" not in seen:
+            seen += os.read(process.stdout.fileno(), 1000)
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate()
+    assert err.endswith(b"interrupted")
+    assert process.returncode == 0
+
+
+def test_exception_of_a_signal_handler_ends_the_fit(points):
+    class Alarm(Exception):
+        pass
+
+    def ring(number, frame):
+        raise Alarm
+
+    before = signal.signal(signal.SIGALRM, ring)
+    try:
+        signal.setitimer(signal.ITIMER_REAL, 0.2)
+        with pytest.raises(Alarm):
+            ovik.TSNE(n_iter=1_000_000_000).fit(points)
+    finally:
+        signal.signal(signal.SIGALRM, before)
+    # The package is fit for the next one.
+    assert ovik.TSNE(n_iter=3).fit(points).n_iter_ == 3
+
+
+def test_other_threads_run_and_fits_take_turns(points):
+    expected = ovik.TSNE(n_iter=300).fit_transform(points)
+    embeddings = [None] * 3
+
+    def fit(n):
+        embeddings[n] = ovik.TSNE(n_iter=300).fit_transform(points)
+
+    threads = [threading.Thread(target=fit, args=(n,)) for n in range(len(embeddings))]
+    for thread in threads:
+        thread.start()
+    turns = 0
+    while any(thread.is_alive() for thread in threads):
+        turns += 1
+    assert turns > 0
+    assert all(np.array_equal(embedding, expected) for embedding in embeddings)
+
+
+def test_forked_process_fits_too(points):
+    """OpenMP's workers do not survive a fork: waiting for them would never end."""
+    big = np.random.default_rng(2).normal(size=(3000, 4))
+    expected = ovik.TSNE(n_iter=3, n_jobs=2).fit_transform(big)
+    child = os.fork()
+    if child == 0:
+        signal.alarm(600)  # ends a child that hangs
+        equal = np.array_equal(ovik.TSNE(n_iter=3, n_jobs=2).fit_transform(big), expected)
+        os._exit(0 if equal else 1)
+    assert os.waitpid(child, 0)[1] == 0

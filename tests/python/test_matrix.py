@@ -1,0 +1,134 @@
+"""The matrix reader."""
+
+import gzip
+import locale
+
+import numpy as np
+import pytest
+
+import ovik
+
+TEXT = "gene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,NA\n"
+
+
+@pytest.fixture
+def write(tmp_path):
+    def write(content, name="m.csv"):
+        path = tmp_path / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+    return write
+
+
+def test_text_gives_values_and_names(write):
+    matrix = ovik.read_matrix(write(TEXT))
+    assert matrix.values.dtype == np.float64
+    assert matrix.values.flags.c_contiguous and matrix.values.flags.writeable
+    assert np.array_equal(matrix.values, [[1, 2.5], [-3, 400], [0, np.nan]], equal_nan=True)
+    assert matrix.row_names == ["G1", "G2", "G3"]
+    assert matrix.column_names == ["a", "b"]
+    values, row_names, column_names = matrix
+    assert values is matrix.values and len(row_names) == 3 and len(column_names) == 2
+
+
+def test_every_format_gives_the_same_matrix(write, tmp_path):
+    expected = ovik.read_matrix(write(TEXT)).values
+    np.save(tmp_path / "m.npy", expected)
+    market = "%%MatrixMarket matrix array real general\n3 2\n1\n-3\n0\n2.5\n400\nNaN\n"
+    for path in (
+        write(gzip.compress(TEXT.encode()), "m.csv.gz"),
+        tmp_path / "m.npy",
+        str(write(market, "m.mtx")),
+    ):
+        matrix = ovik.read_matrix(path)
+        assert np.array_equal(matrix.values, expected, equal_nan=True)
+    assert matrix.row_names == ["1", "2", "3"]
+    assert matrix.column_names == []
+
+
+@pytest.mark.parametrize("missing, last_row", [
+    ("zero", [0, 0]), ("row-mean", [0, 0]), ("column-mean", [0, 201.25]),
+])
+def test_missing_values_are_filled_in_as_asked(write, missing, last_row):
+    assert ovik.read_matrix(write(TEXT), missing=missing).values[2].tolist() == last_row
+
+
+def test_rows_with_missing_values_are_left_out_as_asked(write):
+    matrix = ovik.read_matrix(write(TEXT + "G4,5,6\n"), missing="drop")
+    assert matrix.values.tolist() == [[1, 2.5], [-3, 400], [5, 6]]
+    assert matrix.row_names == ["G1", "G2", "G4"]
+
+
+def test_missing_values_are_refused_as_asked(write):
+    with pytest.raises(ValueError, match='1 of 6 values is missing.*\n.*line 4: row "G3"'):
+        ovik.read_matrix(write(TEXT), missing="error")
+    with pytest.raises(ValueError, match='should be None, "zero", .* not "mean"'):
+        ovik.read_matrix(write(TEXT), missing="mean")
+
+
+def test_delimiter_can_be_given(write):
+    path = write("gene|a\nG1|1\nG2|2\nG3|3\n")
+    with pytest.raises(ValueError, match="found no numbers"):
+        ovik.read_matrix(path)
+    assert ovik.read_matrix(path, "|").values.tolist() == [[1], [2], [3]]
+
+
+@pytest.mark.parametrize("delimiter", ["", "ab", "\n", "é", b",", 3])
+def test_delimiter_is_one_character(write, delimiter):
+    with pytest.raises(ValueError, match="delimiter should be one character"):
+        ovik.read_matrix(write(TEXT), delimiter)
+
+
+def test_odd_fields_are_warned_of(write):
+    path = write("g,a\nG1,1\nG2,x\nG2,3\n")
+    with pytest.warns(UserWarning) as warned:
+        assert ovik.read_matrix(path).values.tolist() == [[1], [0], [3]]
+    texts = [str(warning.message) for warning in warned]
+    assert texts[0].startswith(f'{path}:3: field 2 of row "G2" is "x", which is not a number')
+    assert "1 row repeats the name" in texts[1]
+    assert {warning.filename for warning in warned} == {__file__}
+
+
+def test_files_that_cannot_be_opened(tmp_path):
+    with pytest.raises(FileNotFoundError):
+        ovik.read_matrix(tmp_path / "none.csv")
+    with pytest.raises(IsADirectoryError):
+        ovik.read_matrix(tmp_path)
+
+
+@pytest.mark.parametrize("content, message", [
+    ("g,a\nG1,1\nG2,1,2\nG3,1\n", ':3: row "G2" has 2 values, but the first row has 1'),
+    ("g,a\nG1,1\nG2,2\n", "has 2 rows, and an embedding needs at least 3"),
+    ("g,a\nG1,1\nG2,inf\nG3,2\n", "which is not a finite number"),
+    ("", "found no numbers"),
+    ("g,a\nG1,1\nG2,1\0\nG3,2\n", "NUL"),
+    (gzip.compress(TEXT.encode())[:-9], "m.csv"),
+    (b"\x93NUMPY\x01\x00", "m.csv"),
+])
+def test_what_is_no_matrix(write, content, message):
+    with pytest.raises(ValueError) as caught:
+        ovik.read_matrix(write(content))
+    assert message in str(caught.value)
+
+
+def test_names_have_an_encoding(write):
+    path = write("g,a\nG\xe9,1\nH,2\nI,3\n".encode("latin-1"))
+    with pytest.raises(UnicodeDecodeError):
+        ovik.read_matrix(path)
+    assert ovik.read_matrix(path, encoding="latin-1").row_names == ["G\xe9", "H", "I"]
+
+
+def test_messages_hold_whatever_the_file_holds(write):
+    with pytest.raises(ValueError, match='row "G\ufffd" has 2 values'):
+        ovik.read_matrix(write(b"g,a\nF,1\nG\xe9,1,2\nH,2\n"))
+
+
+def test_decimal_commas_of_the_locale_are_refused(write, monkeypatch):
+    monkeypatch.setattr(locale, "localeconv", lambda: {"decimal_point": ","})
+    with pytest.raises(RuntimeError, match="has no decimal point"):
+        ovik.read_matrix(write(TEXT))
+
+
+def test_path_need_not_be_utf_8(write):
+    assert ovik.read_matrix(write(TEXT, "m\udce9.csv")).row_names == ["G1", "G2", "G3"]

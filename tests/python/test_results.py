@@ -1,0 +1,59 @@
+"""The package comes to the numbers of the command."""
+
+import numpy as np
+import pytest
+
+import ovik
+
+
+def as_in_table(embedding):
+    return [["%.0f" % y if y == 0 else "%.3f" % y for y in row] for row in embedding]
+
+
+@pytest.mark.parametrize("theta", [0.0, 0.5])
+@pytest.mark.parametrize("n_iter", [1, 260])
+def test_embedding_is_the_commands_bit_for_bit(time_courses, embed_by_command, theta, n_iter):
+    expected = embed_by_command(
+        time_courses, "-p", "12.5", "-t", str(theta), "-i", str(n_iter)
+    )
+    X = ovik.read_matrix(time_courses, missing="zero").values
+    for n_jobs in (1, 2, 3, -1):
+        tsne = ovik.TSNE(perplexity=12.5, theta=theta, n_iter=n_iter, n_jobs=n_jobs).fit(X)
+        assert tsne.n_iter_ == n_iter
+        assert tsne.embedding_.tobytes() == expected.embedding.tobytes()
+        assert as_in_table(tsne.embedding_) == expected.coordinates
+
+
+def test_whole_brauer_matrix(brauer, embed_by_command):
+    expected = embed_by_command(brauer, "-p", "30")
+    embedding = ovik.TSNE(perplexity=30).fit_transform(ovik.read_matrix(brauer).values)
+    assert embedding.shape == (5537, 2)
+    assert embedding.tobytes() == expected.embedding.tobytes()
+    assert as_in_table(embedding) == expected.coordinates
+
+
+def test_schedule_is_the_commands(time_courses, embed_by_command):
+    expected = embed_by_command(
+        time_courses, "-i", "40", "--stop-lying-iter", "10", "--mom-switch-iter", "20"
+    )
+    tsne = ovik.TSNE(n_iter=40, stop_lying_iter=10, mom_switch_iter=20)
+    X = ovik.read_matrix(time_courses, missing="zero").values
+    assert tsne.fit_transform(X).tobytes() == expected.embedding.tobytes()
+
+
+@pytest.mark.parametrize("stop_lying_iter", [10, 999])
+def test_cost_is_the_commands_without_exaggeration(time_courses, embed_by_command, stop_lying_iter):
+    expected = embed_by_command(
+        time_courses, "-i", "20", "--stop-lying-iter", str(stop_lying_iter), "--quality"
+    )
+    tsne = ovik.TSNE(n_iter=20, stop_lying_iter=stop_lying_iter)
+    tsne.fit(ovik.read_matrix(time_courses, missing="zero").values)
+    assert f"-- Cost without exaggeration: {tsne.kl_divergence_:.4f}\n" in expected.output
+
+
+@pytest.mark.parametrize("n_components", [2, 3, 5])
+def test_embedding_has_the_dimensions_asked_for(points, n_components):
+    embedding = ovik.TSNE(n_components, n_iter=3).fit_transform(points)
+    assert embedding.shape == (90, n_components)
+    assert embedding.dtype == np.float64
+    assert np.allclose(embedding.mean(axis=0), 0.0)
