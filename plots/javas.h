@@ -5,6 +5,8 @@
 #include <system_error>
 #include <vector>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// An interactive chart page.
@@ -15,7 +17,7 @@ namespace ovik {
 /// table the page shows coordinates and labels alone. Title and parameters of the run come from the
 /// current caption (see `CaptionScope`).
 template <typename T>
-class Javas {
+class OVIK_API Javas {
   public:
     /// Directory and name joined as they stand: files are named after it.
     std::string base_path;
