@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-dev libxxhash-dev zlib1g-dev gnuplot-nox"
 test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev python3
   chromium fonts-dejavu-core locales
-  clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"
+  pkgconf clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"
 # A machine may have them from elsewhere than Debian.
 command -v npm >/dev/null || test_packages="$test_packages nodejs npm"
 
