@@ -3,8 +3,8 @@
 
 usage: exports.py --nm NM LIBRARY LIST
 
-The list has a qualified name a line, without the arguments of templates and functions; "?" before
-it lets it be missing. Names of types stand for vtable and typeinfo.
+The list has a qualified name a line, without the arguments of templates and functions. Names of
+types stand for vtable and typeinfo.
 """
 import argparse
 import re
@@ -16,10 +16,9 @@ def qualified_name(symbol):
     """`double ovik::Class<int>::function(char) const` is `ovik::Class::function`."""
     symbol = re.sub(r"@@\w+$|\[abi:\w+\]", "", symbol)
     symbol = re.sub(r"^(vtable|typeinfo name|typeinfo) for ", "", symbol)
-    while "<" in symbol:
-        symbol, count = re.subn(r"<[^<>]*>", "", symbol)
-        if count == 0:
-            break
+    arguments = 1
+    while arguments > 0:
+        symbol, arguments = re.subn(r"<[^<>]*>", "", symbol)
     return symbol.split("(")[0].split(" ")[-1]
 
 
@@ -36,9 +35,7 @@ symbols = [line.split(" ", 2) for line in lines]
 exported = {qualified_name(name) for _, kind, name in symbols if kind != "A"}
 with open(options.list, encoding="utf-8") as file:
     listed = {line.strip() for line in file if line.strip() and not line.startswith("#")}
-required = {name for name in listed if not name.startswith("?")}
-allowed = {name.lstrip("?") for name in listed}
 
-failures = [f"exported, though not in the list: {name}" for name in sorted(exported - allowed)]
-failures += [f"in the list, but not exported: {name}" for name in sorted(required - exported)]
+failures = [f"exported, though not in the list: {name}" for name in sorted(exported - listed)]
+failures += [f"in the list, but not exported: {name}" for name in sorted(listed - exported)]
 sys.exit("\n".join(failures) if failures else 0)
