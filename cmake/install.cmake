@@ -76,8 +76,7 @@ install(FILES
   DESTINATION ${ovik_config_dir})
 
 # The way from the pkg-config file to the prefix, however deep the libraries' directory is.
-set(ovik_pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH ovik_pc_to_prefix
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/ovik.pc.in ovik.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/ovik.pc DESTINATION ${ovik_pc_dir})
+install(FILES ${PROJECT_BINARY_DIR}/ovik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
