@@ -2,6 +2,8 @@
 
 #include <span>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// A gene of budding yeast.
@@ -24,9 +26,9 @@ struct GeneAlias {
 
 /// All genes in genome order: chromosome I left arm first, mitochondrial genes last. The two
 /// mating-factor genes are both listed as "MF".
-std::span<const GeneEntry> gene_list();
+OVIK_API std::span<const GeneEntry> gene_list();
 
 /// Standard names of other releases of the annotation, in byte order.
-std::span<const GeneAlias> gene_aliases();
+OVIK_API std::span<const GeneAlias> gene_aliases();
 
 }  // namespace ovik

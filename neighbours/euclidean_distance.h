@@ -1,6 +1,7 @@
 #pragma once
 
 #include "neighbours/data_point.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -8,6 +9,6 @@ namespace ovik {
 ///
 /// Compiled in the library alone, so that its last bit does not depend on a caller's compiler
 /// flags.
-double euclidean_distance(const DataPoint<double>& a, const DataPoint<double>& b);
+OVIK_API double euclidean_distance(const DataPoint<double>& a, const DataPoint<double>& b);
 
 }  // namespace ovik

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "neighbours/kernels/tree_walk.h"
+#include "neighbours/tree_builder.h"
 #include "util/instruction_set.h"
 #include "util/parallel.h"
 
@@ -21,31 +22,36 @@ double square_of(double theta) {
 
 }  // namespace
 
-SPTree::SPTree(unsigned int D, unsigned int N) : dims_(D), point_count_(N), builder_(D, N) {}
+SPTree::SPTree(unsigned int D, unsigned int N)
+    : dims_(D),
+      point_count_(N),
+      builder_(std::make_unique<TreeBuilder>(D, N)) {}
 
 SPTree::SPTree(unsigned int D, const double* data, unsigned int N) : SPTree(D, N) {
     rebuild(data);
 }
 
+SPTree::~SPTree() = default;
+
 void SPTree::rebuild(const double* data) {
     const std::size_t parts = prepareRebuild(data);
     parallel_deal(parts,
                   worker_count(point_count_, kBuildGrain),
-                  [this](std::size_t part, std::size_t /*worker*/) { builder_.buildPart(part); });
-    builder_.join();
+                  [this](std::size_t part, std::size_t /*worker*/) { builder_->buildPart(part); });
+    builder_->join();
 }
 
 std::size_t SPTree::prepareRebuild(const double* data) {
     data_ = data;
-    return builder_.prepare(data);
+    return builder_->prepare(data);
 }
 
 void SPTree::rebuildPart(std::size_t part) {
-    builder_.buildPart(part);
+    builder_->buildPart(part);
 }
 
 void SPTree::finishRebuild() {
-    builder_.join();
+    builder_->join();
 }
 
 void SPTree::computeEdgeForces(const unsigned int* row_P,
@@ -87,7 +93,7 @@ void SPTree::computeNonEdgeForces(unsigned int point,
 
 void SPTree::computeRepulsion(
     std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const {
-    TreeView tree = builder_.view();
+    TreeView tree = builder_->view();
     tree.data = data_;
     if (const TreeWalk walk = tree_walk(instruction_set(), dims_)) {
         walk(tree, square_of(theta), begin, end, neg_f, shares);
@@ -110,9 +116,9 @@ void SPTree::addRepulsion(unsigned int point,
                           double* neg_f,
                           double* sum_Q) const {
     const std::size_t dims = Dims > 0 ? Dims : dims_;
-    const TreeView tree = builder_.view();
+    const TreeView tree = builder_->view();
     const double* const own = data_ + point * dims;
-    const std::uint32_t rank = builder_.rank()[point];
+    const std::uint32_t rank = builder_->rank()[point];
     double share = 0.0;
     for (std::size_t i = 0; i < tree.cell_count;) {
         const TreeCell& cell = tree.cells[i];

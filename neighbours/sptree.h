@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
-#include "neighbours/tree_builder.h"
+#include "util/api.h"
 
 namespace ovik {
+
+class TreeBuilder;
 
 /// A space-partitioning tree over the points of an embedding, for forces in O(N log N).
 ///
@@ -39,20 +42,25 @@ class SPTree {
     /// @param N     number of points; 0 gives an empty tree
     /// @throws std::bad_alloc if memory is exhausted
     /// @complexity O(N log N)
-    SPTree(unsigned int D, const double* data, unsigned int N);
+    OVIK_API SPTree(unsigned int D, const double* data, unsigned int N);
 
     /// A tree for N points that are not there yet: it is empty until `rebuild`.
-    SPTree(unsigned int D, unsigned int N);
+    OVIK_API SPTree(unsigned int D, unsigned int N);
+
+    SPTree(const SPTree&) = delete;
+    SPTree& operator=(const SPTree&) = delete;
+
+    OVIK_API ~SPTree();
 
     /// Builds the tree anew over as many points as before.
-    void rebuild(const double* data);
+    OVIK_API void rebuild(const double* data);
 
     /// `rebuild` in steps, for callers with other work to spread over the cores meanwhile:
     /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
     /// thread, and `finishRebuild` puts them together.
-    std::size_t prepareRebuild(const double* data);
-    void rebuildPart(std::size_t part);
-    void finishRebuild();
+    OVIK_API std::size_t prepareRebuild(const double* data);
+    OVIK_API void rebuildPart(std::size_t part);
+    OVIK_API void finishRebuild();
 
     /// Adds the attractive forces along the entries of a sparse similarity matrix.
     ///
@@ -64,11 +72,11 @@ class SPTree {
     /// @param val_P  similarity of each entry
     /// @param N      number of rows, as in the constructor
     /// @param pos_f  row-major, N x D
-    void computeEdgeForces(const unsigned int* row_P,
-                           const unsigned int* col_P,
-                           const double* val_P,
-                           int N,
-                           double* pos_f) const;
+    OVIK_API void computeEdgeForces(const unsigned int* row_P,
+                                    const unsigned int* col_P,
+                                    const double* val_P,
+                                    int N,
+                                    double* pos_f) const;
 
     /// Adds the repulsive force on one point, and its share of the normalisation.
     ///
@@ -79,7 +87,10 @@ class SPTree {
     /// @param point  row of the point
     /// @param theta  accuracy; see the opening criterion
     /// @param neg_f  D values
-    void computeNonEdgeForces(unsigned int point, double theta, double* neg_f, double* sum_Q) const;
+    OVIK_API void computeNonEdgeForces(unsigned int point,
+                                       double theta,
+                                       double* neg_f,
+                                       double* sum_Q) const;
 
     /// The repulsive forces on many points, and their shares of the normalisation: what
     /// `computeNonEdgeForces` adds for each, to zero.
@@ -88,7 +99,7 @@ class SPTree {
     ///                near points stand together: all points are those from 0 to N - 1
     /// @param neg_f   row-major, N x D; the rows of these points are written
     /// @param shares  N values; those of these points are written
-    void computeRepulsion(
+    OVIK_API void computeRepulsion(
         std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const;
 
   private:
@@ -98,7 +109,7 @@ class SPTree {
     std::size_t dims_;
     std::size_t point_count_;
     const double* data_ = nullptr;
-    TreeBuilder builder_;
+    std::unique_ptr<TreeBuilder> builder_;
 };
 
 }  // namespace ovik

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "plots/gnuplot_script.h"
+#include "plots/figure_style.h"
 #include "plots/plot_outcome.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -24,18 +25,18 @@ class Gnuplot {
     /// How long the program may take.
     std::chrono::milliseconds time_limit{600000};
 
-    Gnuplot();
+    OVIK_API Gnuplot();
     Gnuplot(const Gnuplot&) = delete;
     Gnuplot& operator=(const Gnuplot&) = delete;
 
     /// Closes the session.
-    virtual ~Gnuplot();
+    OVIK_API virtual ~Gnuplot();
 
     /// Prepares a session.
     ///
     /// @param window  false: figures go to files
     /// @throws std::invalid_argument if a window is asked for
-    void open(bool window);
+    OVIK_API void open(bool window);
 
     /// Fills in the settings that open the script: variables that a reader may change.
     ///
@@ -45,15 +46,15 @@ class Gnuplot {
     /// @param font_size  points
     /// @param overlap    whether points are translucent, so that darker means overlaps
     // NOLINTNEXTLINE(readability-function-size): a published signature
-    void style(std::string& settings,
-               T width,
-               T height,
-               T right,
-               T left,
-               T bottom,
-               T top,
-               int font_size,
-               bool overlap);
+    OVIK_API void style(std::string& settings,
+                        T width,
+                        T height,
+                        T right,
+                        T left,
+                        T bottom,
+                        T top,
+                        int font_size,
+                        bool overlap);
 
     /// Draws columns of the result table `base` + ".csv": writes the script `base` + ".gp", whole
     /// or not at all, and has gnuplot draw `base` + ".png" and ".svg", which take the places of
@@ -73,20 +74,20 @@ class Gnuplot {
     /// @throws std::logic_error if the session is not open
     /// @throws std::invalid_argument for another type, other columns, or bounds that are not four
     // NOLINTNEXTLINE(readability-function-size): a published signature
-    void plotting(std::string base,
-                  std::string& settings,
-                  std::string script_head,
-                  std::vector<T> bounds,
-                  std::vector<std::string> axis_titles,
-                  std::string type,
-                  std::string title,
-                  std::string remark,
-                  std::vector<int> columns,
-                  std::vector<int> selection);
+    OVIK_API void plotting(std::string base,
+                           std::string& settings,
+                           std::string script_head,
+                           std::vector<T> bounds,
+                           std::vector<std::string> axis_titles,
+                           std::string type,
+                           std::string title,
+                           std::string remark,
+                           std::vector<int> columns,
+                           std::vector<int> selection);
 
     /// Waits for the program, reaps it and puts the pictures in their places. Says so if there are
     /// none.
-    void close();
+    OVIK_API void close();
 
     /// What became of the last figure, once it is closed.
     [[nodiscard]] FigureOutcome outcome() const { return outcome_; }

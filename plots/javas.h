@@ -5,6 +5,8 @@
 #include <system_error>
 #include <vector>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// An interactive chart page.
@@ -29,7 +31,7 @@ class Javas {
 
     /// @param out_dir   directory of the page, with its separator at the end
     /// @param out_name  start of its file name
-    Javas(std::string out_dir, std::string out_name);
+    OVIK_API Javas(std::string out_dir, std::string out_name);
 
     // NOLINTBEGIN(readability-identifier-naming): published names
 
@@ -38,10 +40,10 @@ class Javas {
     /// @param rows     rows of the coordinates, at least 0
     /// @param columns  values per row, at least 2
     /// @param values   integers that belong to the data, or null; not owned
-    void set_param(int rows, int columns, int* values);
+    OVIK_API void set_param(int rows, int columns, int* values);
 
     /// Records the text that tells this chart's file from others of the same base path.
-    void set_postfix(std::string postfix);
+    OVIK_API void set_postfix(std::string postfix);
 
     // NOLINTEND(readability-identifier-naming)
 
@@ -65,15 +67,15 @@ class Javas {
     /// @param labels          one per point or per row, or empty; they colour the points
     /// @throws std::invalid_argument for another type
     // NOLINTNEXTLINE(readability-function-size): a published signature
-    void plotting(std::string type,
-                  T** coordinates,
-                  std::vector<std::string> texts,
-                  std::vector<std::string> category_order,
-                  std::vector<std::string> colours,
-                  std::vector<std::string> options,
-                  int* parameters,
-                  std::vector<std::string> links,
-                  std::vector<std::string> labels);
+    OVIK_API void plotting(std::string type,
+                           T** coordinates,
+                           std::vector<std::string> texts,
+                           std::vector<std::string> category_order,
+                           std::vector<std::string> colours,
+                           std::vector<std::string> options,
+                           int* parameters,
+                           std::vector<std::string> links,
+                           std::vector<std::string> labels);
 
     /// Why the last page could not be written; no error if it was.
     [[nodiscard]] std::error_code failure() const { return failure_; }

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// What the drawings of a run tell beside its coordinates.
@@ -26,18 +28,18 @@ struct RunCaption {
 class CaptionScope {
   public:
     /// @param caption  not copied; outlives the scope
-    explicit CaptionScope(const RunCaption& caption);
+    OVIK_API explicit CaptionScope(const RunCaption& caption);
 
     CaptionScope(const CaptionScope&) = delete;
     CaptionScope& operator=(const CaptionScope&) = delete;
 
-    ~CaptionScope();
+    OVIK_API ~CaptionScope();
 
   private:
     const RunCaption* outer_;
 };
 
 /// The current caption; an empty one outside every scope.
-const RunCaption& current_caption();
+OVIK_API const RunCaption& current_caption();
 
 }  // namespace ovik

@@ -5,7 +5,9 @@
 #include <cmath>
 #include <numeric>
 
+#include "neighbours/kernels/tree_walk.h"
 #include "stats/elementwise.h"
+#include "stats/kernels/edge_pass.h"
 #include "util/parallel.h"
 
 namespace ovik {

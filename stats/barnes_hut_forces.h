@@ -3,11 +3,14 @@
 #include <cstddef>
 
 #include "neighbours/sptree.h"
-#include "stats/kernels/edge_pass.h"
 #include "stats/sparse_matrix.h"
+#include "util/api.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
+
+struct EdgeView;
+struct RowCost;
 
 /// The t-SNE gradient and cost with sparse attractive and approximate repulsive forces, for one
 /// embedding after the other; after the first, nothing is allocated.
@@ -27,22 +30,25 @@ namespace ovik {
 class BarnesHutForces {
   public:
     /// Ends the process with "Memory allocation failed!" if the forces do not fit in memory.
-    BarnesHutForces(std::size_t N, std::size_t dims);
+    OVIK_API BarnesHutForces(std::size_t N, std::size_t dims);
 
     /// @param gradient  row-major, N x dims, written
-    void gradient(const SparseMatrixView& P, const double* Y, double theta, double* gradient);
+    OVIK_API void gradient(const SparseMatrixView& P,
+                           const double* Y,
+                           double theta,
+                           double* gradient);
 
     /// 0.0 without points.
-    [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y, double theta);
+    [[nodiscard]] OVIK_API double cost(const SparseMatrixView& P, const double* Y, double theta);
 
     /// Both, in one walk through the tree and one pass over the entries; the same values.
     ///
     /// @param gradient  row-major, N x dims, written
     /// @return the cost
-    double costAndGradient(const SparseMatrixView& P,
-                           const double* Y,
-                           double theta,
-                           double* gradient);
+    OVIK_API double costAndGradient(const SparseMatrixView& P,
+                                    const double* Y,
+                                    double theta,
+                                    double* gradient);
 
   private:
     [[nodiscard]] EdgeView edgesOf(const SparseMatrixView& P, const double* Y) const;
@@ -60,15 +66,15 @@ class BarnesHutForces {
 };
 
 /// `BarnesHutForces::gradient` for one embedding.
-void barnes_hut_gradient(const SparseMatrixView& P,
-                         const double* Y,
-                         std::size_t N,
-                         std::size_t dims,
-                         double* gradient,
-                         double theta);
+OVIK_API void barnes_hut_gradient(const SparseMatrixView& P,
+                                  const double* Y,
+                                  std::size_t N,
+                                  std::size_t dims,
+                                  double* gradient,
+                                  double theta);
 
 /// `BarnesHutForces::cost` for one embedding.
-double barnes_hut_cost(
+OVIK_API double barnes_hut_cost(
     const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta);
 
 }  // namespace ovik

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// Centres every column of a matrix on 0.
@@ -11,13 +13,13 @@ namespace ovik {
 /// memory.
 ///
 /// @param X  row-major, rows x columns, modified
-void zero_mean(double* X, std::size_t rows, std::size_t columns);
+OVIK_API void zero_mean(double* X, std::size_t rows, std::size_t columns);
 
 /// Centres the columns of a matrix, then scales it so that its largest absolute value is 1.
 ///
 /// A matrix whose rows are all equal has no scale: its entries become NaN.
 ///
 /// @param X  row-major, rows x columns, modified
-void centre_and_scale(double* X, std::size_t rows, std::size_t columns);
+OVIK_API void centre_and_scale(double* X, std::size_t rows, std::size_t columns);
 
 }  // namespace ovik

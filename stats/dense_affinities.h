@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// Conditional similarities P(m|n) of all pairs of points, each row calibrated to a perplexity
@@ -13,10 +15,10 @@ namespace ovik {
 ///
 /// @param points  row-major, point_count x dims
 /// @param P       row-major, point_count x point_count, written
-void dense_conditional_affinities(
+OVIK_API void dense_conditional_affinities(
     const double* points, std::size_t point_count, std::size_t dims, double* P, double perplexity);
 
 /// Replaces both of the entries (n, m) and (m, n) of a square matrix by their sum.
-void add_transpose(double* P, std::size_t point_count);
+OVIK_API void add_transpose(double* P, std::size_t point_count);
 
 }  // namespace ovik

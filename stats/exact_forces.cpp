@@ -3,7 +3,7 @@
 #include <cfloat>
 #include <cmath>
 
-#include "stats/pairwise_distances.h"
+#include "stats/point_columns.h"
 #include "util/malloc_array.h"
 #include "util/parallel.h"
 

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// The t-SNE gradient over all pairs of points.
@@ -16,7 +18,7 @@ namespace ovik {
 /// @param gradient  row-major, N x dims, written
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008,
 /// equation 5
-void exact_gradient(
+OVIK_API void exact_gradient(
     const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient);
 
 /// The Kullback-Leibler divergence of the similarities of an embedding from P, over all pairs.
@@ -26,6 +28,6 @@ void exact_gradient(
 ///
 /// @param P  row-major, N x N
 /// @param Y  row-major, N x dims
-double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
+OVIK_API double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
 
 }  // namespace ovik

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "stats/tsne.h"
+
 namespace ovik {
 
 namespace {
@@ -26,6 +28,10 @@ double diameter(const double* points, std::size_t N, std::size_t dims) {
 }
 
 }  // namespace
+
+std::shared_ptr<KeptNeighbours> make_kept_neighbours(std::size_t most) {
+    return std::make_shared<KeptNeighbours>(most);
+}
 
 const NeighbourIndex& KeptNeighbours::index(const double* points, std::size_t N, std::size_t dims) {
     const Digest digest = digest_of(points, N * dims);

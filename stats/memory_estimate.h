@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// What decides how much memory a run takes.
@@ -53,9 +55,9 @@ struct MemoryEstimate {
     double results = 0.0;
 
     /// That of the largest stage.
-    [[nodiscard]] double peak() const;
+    [[nodiscard]] OVIK_API double peak() const;
 };
 
-MemoryEstimate estimate_memory(const RunSize& size);
+OVIK_API MemoryEstimate estimate_memory(const RunSize& size);
 
 }  // namespace ovik

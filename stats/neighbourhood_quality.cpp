@@ -26,7 +26,7 @@ class Columns {
         }
     }
 
-    [[nodiscard]] PointColumns view() const { return {coordinates_.data(), point_count_, dims_}; }
+    [[nodiscard]] PaddedColumns view() const { return {coordinates_.data(), point_count_, dims_}; }
 
   private:
     std::vector<double> coordinates_;
@@ -63,7 +63,7 @@ class Neighbours {
     }
 
   private:
-    PointColumns points_;
+    PaddedColumns points_;
     const RankKernels& kernels_;
     std::vector<double> distances_;
     std::vector<std::uint32_t> nearest_;

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// How well an embedding keeps the k nearest neighbours of each row. Both measures are 1 for one
@@ -35,11 +37,12 @@ struct NeighbourhoodQuality {
 /// @param X      input, row-major, N x D, finite
 /// @param Y      embedding, row-major, N x dims, finite
 /// @param sizes  numbers of neighbours, at least 1, less than N / 2
-std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
-                                                        std::size_t N,
-                                                        std::size_t D,
-                                                        const double* Y,
-                                                        std::size_t dims,
-                                                        const std::vector<std::size_t>& sizes);
+OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality(
+    const double* X,
+    std::size_t N,
+    std::size_t D,
+    const double* Y,
+    std::size_t dims,
+    const std::vector<std::size_t>& sizes);
 
 }  // namespace ovik

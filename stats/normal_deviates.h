@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// One standard normal deviate by the polar method, from the process-wide `rand` stream.
@@ -10,9 +12,9 @@ namespace ovik {
 ///
 /// @par Source Marsaglia and Bray, "A convenient method for generating normal variables",
 /// SIAM Review 6:260, 1964
-double normal_deviate();
+OVIK_API double normal_deviate();
 
 /// Starts an embedding: sets every element, in index order, to a normal deviate times 0.0001.
-void draw_initial_embedding(double* Y, std::size_t count);
+OVIK_API void draw_initial_embedding(double* Y, std::size_t count);
 
 }  // namespace ovik

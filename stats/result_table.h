@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// The annotated result: one row per pair of output components and point. Row p * N + k is point k
@@ -27,15 +29,15 @@ struct ResultTable {
 /// @param names      N texts, one per point
 /// @param functions  looked up by name; a name that it lacks is inserted with an empty text
 template <typename T>
-ResultTable<T> make_result_table(const double* Y,
-                                 std::size_t N,
-                                 std::size_t no_dims,
-                                 const std::string* names,
-                                 std::map<std::string, std::string>& functions);
+OVIK_API ResultTable<T> make_result_table(const double* Y,
+                                          std::size_t N,
+                                          std::size_t no_dims,
+                                          const std::string* names,
+                                          std::map<std::string, std::string>& functions);
 
 /// The stem of the table's file: "tsne_", the perplexity cut to one digit with "_" for its point,
 /// and the suffix. Perplexity 12.75 gives "tsne_12_7".
-std::string result_table_stem(double perplexity, const std::string& suffix);
+OVIK_API std::string result_table_stem(double perplexity, const std::string& suffix);
 
 /// Writes the table as comma-separated text under a header line.
 ///
@@ -46,6 +48,6 @@ std::string result_table_stem(double perplexity, const std::string& suffix);
 /// @return false if the file could not be written; the console then says so in bold red, and
 /// `errno` has the reason
 template <typename T>
-bool write_result_table(const std::string& path, const ResultTable<T>& table);
+OVIK_API bool write_result_table(const std::string& path, const ResultTable<T>& table);
 
 }  // namespace ovik

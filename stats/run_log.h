@@ -2,21 +2,23 @@
 
 #include <string>
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// The record that a run appends to its log: a marker line, two sentences that name the method and
 /// the perplexity (cut to one digit), and the stem of the result table.
-std::string run_log_record(const std::string& data_title,
-                           double perplexity,
-                           const std::string& table_stem);
+OVIK_API std::string run_log_record(const std::string& data_title,
+                                    double perplexity,
+                                    const std::string& table_stem);
 
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
 /// reported: the log never costs a run its other results.
 ///
 /// @return whether the whole record was written; if not, none of it is, and `errno` has the reason
-bool append_run_log(const std::string& out_base,
-                    const std::string& data_title,
-                    double perplexity,
-                    const std::string& table_stem);
+OVIK_API bool append_run_log(const std::string& out_base,
+                             const std::string& data_title,
+                             double perplexity,
+                             const std::string& table_stem);
 
 }  // namespace ovik

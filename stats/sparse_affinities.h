@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "stats/sparse_matrix.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -22,12 +23,12 @@ class KeptNeighbours;
 /// @param kept    neighbours of other runs over the same points, at least K of each; null for a
 ///                search from nothing
 /// @throws std::length_error if N * K exceeds the 32 bits of a row start
-SparseMatrix neighbour_affinities(const double* points,
-                                  std::size_t N,
-                                  std::size_t dims,
-                                  double perplexity,
-                                  int K,
-                                  KeptNeighbours* kept = nullptr);
+OVIK_API SparseMatrix neighbour_affinities(const double* points,
+                                           std::size_t N,
+                                           std::size_t dims,
+                                           double perplexity,
+                                           int K,
+                                           KeptNeighbours* kept = nullptr);
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///
@@ -36,6 +37,6 @@ SparseMatrix neighbour_affinities(const double* points,
 ///
 /// @param P  columns are distinct within a row
 /// @throws std::length_error if the result has more entries than a 32-bit row start can count
-SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N);
+OVIK_API SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N);
 
 }  // namespace ovik

@@ -11,6 +11,7 @@
 #include "plots/plot_outcome.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -21,7 +22,12 @@ struct RunCaption;
 struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
-extern char gInstantiationGuardTSNE;
+OVIK_API extern char gInstantiationGuardTSNE;
+
+/// An object in which runs over the same input share the neighbours of its rows.
+///
+/// @param most  neighbours of a row that the largest of them wants: 3 * perplexity, truncated
+OVIK_API std::shared_ptr<KeptNeighbours> make_kept_neighbours(std::size_t most);
 
 /// t-SNE: embeds the rows of a matrix in a few dimensions so that close rows stay close.
 ///
@@ -84,20 +90,23 @@ class TSNE {
     std::string resume_path;
     /// Neighbours that runs of several objects over the same input share, so that they are searched
     /// for once; the results are those of separate runs. Not used by the exact method. Null: the
-    /// run searches for its own.
+    /// run searches for its own. See `make_kept_neighbours`.
     std::shared_ptr<KeptNeighbours> kept_neighbours;
 
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names
     /// @param out_suffix  end of the table's file name, before ".csv"
     /// @param data_title  what the data are, for the run log
-    TSNE(std::string out_dir, std::string out_name, std::string out_suffix, std::string data_title);
+    OVIK_API TSNE(std::string out_dir,
+                  std::string out_name,
+                  std::string out_suffix,
+                  std::string data_title);
 
     TSNE(const TSNE&) = delete;
     TSNE& operator=(const TSNE&) = delete;
 
     /// Does not release `X` and `Y`: `finish` does.
-    ~TSNE();
+    OVIK_API ~TSNE();
 
     /// Reads the matrix (see `read_matrix_w_index`; one header line) and sets the defaults.
     ///
@@ -110,7 +119,7 @@ class TSNE {
     /// @param delimiter  the character between fields
     /// @throws InputError if there is no row, or if a row is shorter than the first: `row_names`,
     /// `N`, `D` and `X` are then as before
-    void init(std::string path, int max_iter, char delimiter);
+    OVIK_API void init(std::string path, int max_iter, char delimiter);
 
     /// Embeds the rows and writes the results: the table `out_base` + "_tsne_" + perplexity +
     /// `out_suffix` + ".csv", a record in the log `out_base` + ".log", and, named as the table, the
@@ -129,30 +138,33 @@ class TSNE {
     /// @throws std::logic_error if `finish` has released the input
     /// @throws std::invalid_argument if `checkpoint_every` is below 1
     /// @throws InputError as `checkResume` does, before anything is printed or written
-    void actuate(int no_dims,
-                 double perplexity,
-                 std::vector<std::string> labels,
-                 int stop_lying_iter,
-                 int mom_switch_iter);
+    OVIK_API void actuate(int no_dims,
+                          double perplexity,
+                          std::vector<std::string> labels,
+                          int stop_lying_iter,
+                          int mom_switch_iter);
 
     /// Embeds the rows into `Y` and writes no results but checkpoints: what `actuate` does first,
     /// with the same arguments, messages and exceptions.
     ///
     /// @return the last iteration done
-    IterationReport embed(int no_dims, double perplexity, int stop_lying_iter, int mom_switch_iter);
+    OVIK_API IterationReport embed(int no_dims,
+                                   double perplexity,
+                                   int stop_lying_iter,
+                                   int mom_switch_iter);
 
     /// Tells in advance whether `actuate`, given the same arguments, can go on from `resume_path`.
     ///
     /// @throws std::logic_error if `finish` has released the input
     /// @throws InputError with the reason if not: the file cannot be read, is damaged, or is of
     /// another matrix or other options, or of an iteration beyond `max_iter`
-    void checkResume(int no_dims,
-                     double perplexity,
-                     int stop_lying_iter,
-                     int mom_switch_iter) const;
+    OVIK_API void checkResume(int no_dims,
+                              double perplexity,
+                              int stop_lying_iter,
+                              int mom_switch_iter) const;
 
     /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
-    void finish();
+    OVIK_API void finish();
 
     /// Whether the last `actuate` wrote its result table.
     [[nodiscard]] bool tableWritten() const { return table_written_; }
@@ -182,59 +194,63 @@ class TSNE {
     // The steps of a run, for callers that want them one by one.
 
     /// Fills DD, N x N, with squared distances. See `squared_distance_matrix`.
-    static void computeSquaredEuclideanDistance(const double* X, int N, int D, double* DD);
+    OVIK_API static void computeSquaredEuclideanDistance(const double* X, int N, int D, double* DD);
 
     /// Fills P, N x N, with conditional similarities. See `dense_conditional_affinities`.
-    static void computeGaussianPerplexity(
+    OVIK_API static void computeGaussianPerplexity(
         const double* X, int N, int D, double* P, double perplexity);
 
     /// Stores conditional similarities to the K nearest neighbours: three blocks from `malloc`,
     /// which the caller frees. See `neighbour_affinities`.
-    static void computeGaussianPerplexity(const double* X,
-                                          int N,
-                                          int D,
-                                          unsigned int** row_P,
-                                          unsigned int** col_P,
-                                          double** val_P,
-                                          double perplexity,
-                                          int K);
+    OVIK_API static void computeGaussianPerplexity(const double* X,
+                                                   int N,
+                                                   int D,
+                                                   unsigned int** row_P,
+                                                   unsigned int** col_P,
+                                                   double** val_P,
+                                                   double perplexity,
+                                                   int K);
 
     /// Replaces the three blocks, which are freed, by those of the symmetric matrix. See
     /// `symmetrized`.
-    static void symmetrizeMatrix(unsigned int** row_P, unsigned int** col_P, double** val_P, int N);
+    OVIK_API static void symmetrizeMatrix(unsigned int** row_P,
+                                          unsigned int** col_P,
+                                          double** val_P,
+                                          int N);
 
     /// Barnes-Hut gradient into dC, N x D. The first argument is not used. See
     /// `barnes_hut_gradient`.
-    static void computeGradient(const double* P,
-                                const unsigned int* row_P,
-                                const unsigned int* col_P,
-                                const double* val_P,
-                                const double* Y,
-                                int N,
-                                int D,
-                                double* dC,
-                                double theta);
+    OVIK_API static void computeGradient(const double* P,
+                                         const unsigned int* row_P,
+                                         const unsigned int* col_P,
+                                         const double* val_P,
+                                         const double* Y,
+                                         int N,
+                                         int D,
+                                         double* dC,
+                                         double theta);
 
     /// Exact gradient into dC, N x D. See `exact_gradient`.
-    static void computeExactGradient(const double* P, const double* Y, int N, int D, double* dC);
+    OVIK_API static void computeExactGradient(
+        const double* P, const double* Y, int N, int D, double* dC);
 
     /// Exact cost. See `exact_cost`.
-    static double evaluateError(const double* P, const double* Y, int N, int D);
+    OVIK_API static double evaluateError(const double* P, const double* Y, int N, int D);
 
     /// Barnes-Hut cost. See `barnes_hut_cost`.
-    static double evaluateError(const unsigned int* row_P,
-                                const unsigned int* col_P,
-                                const double* val_P,
-                                const double* Y,
-                                int N,
-                                int D,
-                                double theta);
+    OVIK_API static double evaluateError(const unsigned int* row_P,
+                                         const unsigned int* col_P,
+                                         const double* val_P,
+                                         const double* Y,
+                                         int N,
+                                         int D,
+                                         double theta);
 
     /// Centres the columns of an N x D matrix. See `zero_mean`.
-    static void zeroMean(double* X, int N, int D);
+    OVIK_API static void zeroMean(double* X, int N, int D);
 
     /// A standard normal deviate from the `rand` stream. See `normal_deviate`.
-    static double randn();
+    OVIK_API static double randn();
 
   private:
     void replaceArray(double*& member, double*& released, double* fresh);

@@ -11,7 +11,7 @@
 #include "plots/plain_text.h"
 #include "stats/barnes_hut_objective.h"
 #include "stats/checkpoint.h"
-#include "stats/kept_neighbours.h"
+#include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
 #include "util/input_error.h"
@@ -67,8 +67,7 @@ std::shared_ptr<KeptNeighbours> shared_neighbours(const std::vector<double>& per
         return nullptr;
     }
     const double largest = *std::max_element(perplexities.begin(), perplexities.end());
-    return std::make_shared<KeptNeighbours>(
-        static_cast<std::size_t>(neighbour_count(largest, report.rows)));
+    return make_kept_neighbours(static_cast<std::size_t>(neighbour_count(largest, report.rows)));
 }
 
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/api.h"
+
 namespace ovik {
 
 /// What the vector kernels are built for, each a superset of the one before. All of them compute
@@ -12,13 +14,13 @@ enum class InstructionSet {
 };
 
 /// The best of this build that the processor has.
-InstructionSet best_instruction_set();
+OVIK_API InstructionSet best_instruction_set();
 
 /// The instruction set that the kernels use: the best of this build that the processor has and that
 /// is allowed.
-InstructionSet instruction_set();
+OVIK_API InstructionSet instruction_set();
 
 /// Allows no instruction set beyond `best`, for tests. Not while another thread computes.
-void limit_instruction_set(InstructionSet best);
+OVIK_API void limit_instruction_set(InstructionSet best);
 
 }  // namespace ovik

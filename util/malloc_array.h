@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "util/api.h"
+
 /// Work arrays from `malloc` and `calloc`, and the one way in which running out of them ends.
 
 namespace ovik {
@@ -41,7 +43,7 @@ template <typename T>
 }
 
 /// Writes "Memory allocation failed!\n" to standard error and ends the process with status 1.
-[[noreturn]] void exit_out_of_memory();
+[[noreturn]] OVIK_API void exit_out_of_memory();
 
 /// Ends the process as above if one of the arrays is null.
 template <typename... Arrays>

@@ -11,7 +11,7 @@ constexpr double kInfinity = __builtin_inf();
 
 /// Some panels of points side by side, so that each coordinate of point n is fetched once for all.
 template <std::size_t Panels>
-void distances_of_panels(const PointColumns& points,
+void distances_of_panels(const PaddedColumns& points,
                          std::size_t n,
                          std::size_t first,
                          double* distances) {
@@ -30,7 +30,7 @@ void distances_of_panels(const PointColumns& points,
     }
 }
 
-void squared_distances(const PointColumns& points, std::size_t n, double* distances) {
+void squared_distances(const PaddedColumns& points, std::size_t n, double* distances) {
     constexpr std::size_t kPanels = 4;
     const std::size_t end = padded_to_panels(points.point_count);
     std::size_t first = 0;

@@ -11,7 +11,7 @@
 namespace ovik {
 
 /// Points by coordinate: column d holds coordinate d of all points, padded to whole panels.
-struct PointColumns {
+struct PaddedColumns {
     const double* coordinates;  ///< dims x padded_to_panels(point_count)
     std::size_t point_count;
     std::size_t dims;
@@ -21,7 +21,7 @@ struct PointColumns {
 struct RankKernels {
     /// Squared distances of point n to all points, summed in order of the coordinates; infinity to
     /// itself and for the padding.
-    void (*squared_distances)(const PointColumns& points, std::size_t n, double* distances);
+    void (*squared_distances)(const PaddedColumns& points, std::size_t n, double* distances);
 
     /// The `count` nearest points, the nearest first; of those equally far the one of the smallest
     /// number. There are more than `count` points.

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+
+#include "util/malloc_array.h"
+
+namespace ovik {
+
+/// A column-major copy of N points, from which the distances of one point to all others are formed
+/// side by side, each summing its own squares in coordinate order.
+class PointColumns {
+  public:
+    /// @param points  row-major, point_count x dims
+    /// Ends the process with "Memory allocation failed!" if the copy does not fit in memory.
+    PointColumns(const double* points, std::size_t point_count, std::size_t dims);
+
+    /// Squared Euclidean distances of point n to every point.
+    ///
+    /// @param distances  point_count values; the one at n is set to 0.0
+    void squaredDistancesFrom(std::size_t n, double* distances) const;
+
+    /// Coordinate d of all points.
+    [[nodiscard]] const double* column(std::size_t d) const {
+        return columns_.get() + d * point_count_;
+    }
+
+    [[nodiscard]] std::size_t pointCount() const { return point_count_; }
+
+    [[nodiscard]] std::size_t dims() const { return dims_; }
+
+  private:
+    std::size_t point_count_;
+    std::size_t dims_;
+    MallocArray<double> columns_;
+};
+
+}  // namespace ovik

@@ -1,0 +1,93 @@
+#!/bin/sh
+# Installs the Debian packages in a new Debian, uses them, and removes them again.
+#
+# usage: debian_root.sh PROJECT ROOT; needs root and debootstrap, and status 77 says that one is
+# missing. ROOT is a directory that is made anew, on a file system with 2 GB to spare. Debian comes
+# from where this machine's own apt has it.
+set -eu
+project=$1
+root=$2
+table_md5=9145c3adf35493d79941eab4412bd589
+
+[ "$(id -u)" = 0 ] || { echo "SKIPPED: only root can make a Debian root"; exit 77; }
+command -v debootstrap >/dev/null || { echo "SKIPPED: debootstrap is not installed"; exit 77; }
+# shellcheck disable=SC2016 # variables of apt
+source=$(apt-get indextargets --format '$(SITE) $(CODENAME) $(COMPONENT) $(ORIGIN)' \
+  'Created-By: Packages' | grep -m 1 ' [a-z]* main Debian$') ||
+  { echo "SKIPPED: apt knows no mirror of Debian"; exit 77; }
+mirror=${source%% *}
+codename=$(echo "$source" | cut -d ' ' -f 2)
+
+inside() {
+  chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
+    DEBIAN_FRONTEND=noninteractive "$@"
+}
+
+# Everything but what apt and dpkg keep for themselves, and what this script put there.
+list_files() {
+  inside find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /work -o -path /tmp \
+    -o -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune \
+    -o -print | sort
+}
+
+echo "A new $codename from $mirror"
+rm -rf --one-file-system "$root"
+mkdir -p "$root"
+debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$root.log" 2>&1 ||
+  { tail -n 20 "$root.log"; exit 1; }
+# What this machine needs to reach the mirror.
+certificates=${SSL_CERT_FILE:-/etc/ssl/certs/ca-certificates.crt}
+if [ -f "$certificates" ]; then
+  mkdir -p "$root/etc/ssl/certs"
+  cp "$certificates" "$root/etc/ssl/certs/ca-certificates.crt"
+fi
+apt-config dump Acquire::http::Proxy Acquire::https::Proxy >"$root/etc/apt/apt.conf.d/90proxy"
+mkdir "$root/work"
+cp "$project"/build/packages/*.deb "$project/data/brauer2008_chemostat.tsv" "$root/work"
+cp -r "$project/tests/package" "$root/work/consumers"
+rm -f "$root"/work/*-dbgsym_*.deb
+packages=$(cd "$root" && ls work/*.deb | sed 's,^,/,')
+names=$(for package in $packages; do dpkg-deb --field "$root$package" Package; done)
+
+echo "What the packages depend on, and a compiler"
+inside apt-get update -q >>"$root.log" 2>&1
+inside apt-get install -q -y --no-install-recommends g++ make cmake pkgconf >>"$root.log" 2>&1
+# shellcheck disable=SC2086 # a list of words
+others=$(inside apt-get install --simulate $packages | sed -n 's/^Inst \([^ ]*\).*/\1/p' |
+  grep -v -x -F "$names")
+echo "$others" | grep -q -x gnuplot-nox || { echo "gnuplot-nox is not recommended"; exit 1; }
+# shellcheck disable=SC2086 # a list of words
+inside apt-get install -q -y --no-install-recommends $others >>"$root.log" 2>&1
+list_files >"$root.before"
+
+echo "Installing" $names
+# shellcheck disable=SC2086 # a list of words
+inside apt-get install -q -y $packages >>"$root.log" 2>&1
+
+echo "Running the command"
+inside ovik-tsne --version
+inside ovik-tsne /work/brauer2008_chemostat.tsv --perplexity 30 --quiet --out-dir /work/results
+echo "$table_md5  $root/work/results/brauer2008_chemostat_tsne_30_0.csv" | md5sum --check
+for plot in html png svg; do
+  test -s "$root/work/results/brauer2008_chemostat_tsne_30_0.$plot"
+done
+
+echo "Linking programs"
+inside cmake -S /work/consumers/find_package -B /work/shared >>"$root.log"
+inside cmake --build /work/shared >>"$root.log"
+inside /work/shared/consumer
+inside ldd /work/shared/consumer | grep 'libovik\.so\.0 => /'
+inside cmake -S /work/consumers/find_package -B /work/static -DLINKED=ovik::static >>"$root.log"
+inside cmake --build /work/static >>"$root.log"
+inside /work/static/consumer
+inside sh -c 'c++ -std=c++20 /work/consumers/consumer.cpp -o /work/consumer \
+  $(pkg-config --cflags --libs ovik)'
+inside /work/consumer
+
+echo "Removing"
+# shellcheck disable=SC2086 # a list of words
+inside apt-get purge -q -y $names >>"$root.log" 2>&1
+list_files >"$root.after"
+diff "$root.before" "$root.after" || { echo "The packages left files, or took some along"; exit 1; }
+rm -rf --one-file-system "$root"
+echo "Nothing is left behind"
