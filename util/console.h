@@ -4,13 +4,15 @@
 #include <cstdio>
 #include <string>
 
+#include "util/api.h"
+
 /// The console lines of the toolkit.
 /// Everything that the user reads on standard output opens with the marker "-- ".
 
 namespace ovik {
 
 /// Whether what this thread would print is held back: see `ConsoleSilence`.
-inline thread_local bool console_is_silent = false;
+OVIK_API inline thread_local bool console_is_silent = false;
 
 /// While it lives, its thread prints neither console lines nor remarks, and the engine logs
 /// nothing. Failures of files, and what ends the process, are told all the same.
