@@ -84,6 +84,13 @@ inside sh -c 'c++ -std=c++20 /work/consumers/consumer.cpp -o /work/consumer \
   $(pkg-config --cflags --libs ovik)'
 inside /work/consumer
 
+echo "Importing the Python package"
+inside python3 -c '
+import ovik
+assert ovik.TSNE(perplexity=2.0).fit_transform([[float(row), row * 0.5] for row in range(9)]).shape == (9, 2)
+assert ovik.gene_function("CDC28").name == "CDC28"
+'
+
 echo "Removing"
 # shellcheck disable=SC2086 # a list of words
 inside apt-get purge -q -y $names >>"$root.log" 2>&1
