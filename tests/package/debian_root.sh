@@ -19,7 +19,7 @@ mirror=${source%% *}
 codename=$(echo "$source" | cut -d ' ' -f 2)
 
 inside() {
-  chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
+  chroot "$root" env -i --chdir=/work PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
     DEBIAN_FRONTEND=noninteractive "$@"
 }
 
