@@ -143,6 +143,10 @@ TEST_F(Memory, IsRefusedWhereItCannotFit) {
     const CommandOutcome tried = run_in_shell(kLimit, forced);
     EXPECT_EQ(tried.exit_status, test::kFailedRun);
     EXPECT_NE(tried.err.find("Memory allocation failed!\n"), std::string::npos);
+    const std::vector<std::string> smooth = {path, "-o", results_, "-j", "1", "-p", "5000"};
+    EXPECT_NE(run_in_shell("ulimit -v 1000000; exec \"$0\" \"$@\"", smooth)
+                  .err.find("\nA perplexity of 30 takes "),
+              std::string::npos);
     const CommandOutcome smaller =
         run_in_shell(kLimit, {path, "-o", results_, "-j", "1", "-i", "1", "-q", "--no-plots"});
     EXPECT_EQ(smaller.exit_status, kSuccess) << smaller.err;
