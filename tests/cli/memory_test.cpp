@@ -47,10 +47,10 @@ TEST_F(Memory, AndFilesAreToldByADryRun) {
         "-- Files:\n"
         "--   " +
         base +
-        "_tsne_12_0.csv\n"
+        ".log\n"
         "--   " +
         base +
-        ".log\n"
+        "_tsne_12_0.csv\n"
         "--   " +
         base +
         "_tsne_12_0.html\n"
@@ -79,8 +79,8 @@ TEST_F(Memory, AndFilesToBeReplacedAreToldByADryRun) {
     EXPECT_NE(outcome.out.find("-- Method: exact (theta = 0.00), perplexity 20.00, 2 dimensions, 3 "
                                "iterations\n"),
               std::string::npos);
-    EXPECT_NE(outcome.out.find("--   " + results_ + "/m_tsne_20_0.csv (replaced)\n--   " +
-                               results_ + "/m.log (appended to)\n-- Nothing"),
+    EXPECT_NE(outcome.out.find("--   " + results_ + "/m.log (appended to)\n--   " + results_ +
+                               "/m_tsne_20_0.csv (replaced)\n-- Nothing"),
               std::string::npos);
     EXPECT_EQ(run({directory_.write("bad", "g\nG1\tx\n"), "--dry-run"}).exit_status, kBadInput);
 }
