@@ -31,7 +31,8 @@ class LineBlocks {
     bool next(std::string& block) {
         block = std::move(remainder_);
         remainder_.clear();
-        std::size_t last_break = std::string::npos;
+        // Of what was begun.
+        std::size_t last_break = block.rfind('\n');
         while (last_break == std::string::npos && file_) {
             const std::size_t searched = block.size();
             block.resize(searched + size_);
