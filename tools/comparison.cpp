@@ -46,9 +46,8 @@ Facts run_facts(const RunRecord& run) {
                 {"Cost", with_decimals(run.final_cost, 4)}};
     for (const NeighbourhoodQuality& quality : run.quality) {
         facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
-                           "trustworthiness " + with_decimals(quality.trustworthiness, 4) +
-                               ", " + with_decimals(100.0 * quality.preservation, 1) +
-                               " % kept");
+                           "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
+                               with_decimals(100.0 * quality.preservation, 1) + " % kept");
     }
     return facts;
 }
