@@ -30,7 +30,7 @@ constexpr const char* kStyle =
     "dt { color: #555 }\n"
     "dd { margin: 0; font-variant-numeric: tabular-nums; overflow-wrap: anywhere }\n"
     "a { color: #0058a3 }\n"
-    "p.files a { margin-right: .8rem }\n"
+    "p.files a { margin-right: .8rem; white-space: nowrap }\n"
     "@media (prefers-color-scheme: dark) {\n"
     "  body { color: #e8e8e8; background: #161616 }\n"
     "  ul.runs > li { border-color: #444 }\n"
