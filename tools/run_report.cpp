@@ -74,6 +74,7 @@ std::string json_input(const RunReport& report, const std::filesystem::path& dir
 
 std::string json_quality(const std::vector<NeighbourhoodQuality>& qualities) {
     std::vector<std::string> list;
+    list.reserve(qualities.size());
     for (const NeighbourhoodQuality& quality : qualities) {
         list.push_back(json_object({{"neighbours", json_text(quality.neighbours)},
                                     {"trustworthiness", json_text(quality.trustworthiness)},
@@ -85,6 +86,7 @@ std::string json_quality(const std::vector<NeighbourhoodQuality>& qualities) {
 std::string json_files(const std::vector<ResultFile>& files,
                        const std::filesystem::path& directory) {
     std::vector<std::string> list;
+    list.reserve(files.size());
     for (const ResultFile& file : files) {
         list.push_back(
             json_object({{"what", json_text(file.what)},

@@ -75,7 +75,7 @@ std::optional<MatrixShape> guess_shape(const MatrixSource& source, char delimite
         const auto delimiters = std::count(row.begin(), row.end(), delimiter);
         columns = std::max(columns, static_cast<std::size_t>(delimiters));
     }
-    return MatrixShape{*source.size() / (bytes / rows.size()), columns};
+    return MatrixShape{*source.size() / std::max<std::size_t>(bytes / rows.size(), 1), columns};
 }
 
 }  // namespace ovik

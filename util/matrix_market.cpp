@@ -103,7 +103,7 @@ class MarketReader {
         }
     }
 
-    std::size_t readCount(const std::string& word) const {
+    [[nodiscard]] std::size_t readCount(const std::string& word) const {
         std::size_t count = 0;
         const auto [rest, error] = std::from_chars(word.data(), word.data() + word.size(), count);
         if (error != std::errc() || rest != word.data() + word.size()) {
@@ -158,9 +158,9 @@ class MarketReader {
     }
 
     /// @return from 0
-    std::size_t readIndex(const std::string& word,
-                          std::size_t extent,
-                          const std::string& what) const {
+    [[nodiscard]] std::size_t readIndex(const std::string& word,
+                                        std::size_t extent,
+                                        const std::string& what) const {
         const std::size_t index = readCount(word);
         if (index < 1 || index > extent) {
             refuse(what + " " + word + " is not one of 1 to " + std::to_string(extent));
@@ -180,6 +180,7 @@ class MarketReader {
         return value;
     }
 
+    // NOLINTNEXTLINE(readability-make-member-function-const): it changes the matrix
     void add(double value) {
         const std::size_t columns = matrix_.report.columns;
         matrix_.values[row_ * columns + column_] += value;

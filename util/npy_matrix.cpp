@@ -152,7 +152,7 @@ double number_at(const char* bytes) {
 double half_at(const char* bytes) {
     std::uint16_t bits = 0;
     std::memcpy(&bits, bytes, sizeof bits);
-    const int exponent = bits >> 10U & 31U;
+    const auto exponent = static_cast<int>(bits >> 10U & 31U);
     const double fraction = bits & 1023U;
     const double size = exponent == 31  ? (fraction == 0.0 ? INFINITY : NAN)
                         : exponent == 0 ? std::ldexp(fraction, -24)
@@ -203,43 +203,63 @@ void inspect_values(InspectedMatrix& matrix) {
     }
 }
 
+/// How the elements of an array become numbers.
+///
+/// @throws InputError if they are none
+ElementType element_of(const MatrixSource& source, const NpyHeader& header) {
+    const std::optional<ElementType> element = element_type(header.type);
+    if (!element) {
+        refuse(source,
+               "the elements of the array are of type '" + header.type +
+                   "': save an array of numbers, for example with astype(float)");
+    }
+    return *element;
+}
+
+/// Room for the values.
+///
+/// @throws InputError if their count has no meaning
+InspectedMatrix empty_matrix(const MatrixSource& source, const NpyHeader& header) {
+    const std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / 8;
+    if (header.columns != 0 && header.rows > most / header.columns) {
+        refuse(source, "the array is larger than any memory");
+    }
+    InspectedMatrix matrix;
+    matrix.report.rows = header.rows;
+    matrix.report.columns = header.columns;
+    matrix.values = std::make_unique_for_overwrite<double[]>(header.rows * header.columns);
+    return matrix;
+}
+
+/// Reads the values in the order of the file: by rows, or by columns.
+void read_values(NpyBytes& bytes, const NpyHeader& header, ElementType element, double* values) {
+    const bool is_swapped = header.type[0] == '>' && std::endian::native == std::endian::little;
+    const std::size_t outer = header.is_column_major ? header.columns : header.rows;
+    const std::size_t inner = header.is_column_major ? header.rows : header.columns;
+    const std::size_t outer_step = header.is_column_major ? 1 : header.columns;
+    const std::size_t inner_step = header.is_column_major ? header.columns : 1;
+    std::string line(inner * element.size, '\0');
+    for (std::size_t i = 0; i < outer; ++i) {
+        bytes.read(line.data(), line.size());
+        for (std::size_t j = 0; j < inner; ++j) {
+            char* const at = line.data() + j * element.size;
+            if (is_swapped) {
+                std::reverse(at, at + element.size);
+            }
+            values[i * outer_step + j * inner_step] = element.number(at);
+        }
+    }
+}
+
 }  // namespace
 
 InspectedMatrix read_npy_matrix(MatrixSource& source) {
     NpyBytes bytes(source);
     return with_read_failures_named(source.name(), [&] {
         const NpyHeader header = read_header(source, bytes);
-        const std::optional<ElementType> element = element_type(header.type);
-        if (!element) {
-            refuse(source,
-                   "the elements of the array are of type '" + header.type +
-                       "': save an array of numbers, for example with astype(float)");
-        }
-        const std::size_t most = std::numeric_limits<std::ptrdiff_t>::max() / 8;
-        if (header.columns != 0 && header.rows > most / header.columns) {
-            refuse(source, "the array is larger than any memory");
-        }
-        InspectedMatrix matrix;
-        matrix.report.rows = header.rows;
-        matrix.report.columns = header.columns;
-        matrix.values = std::make_unique_for_overwrite<double[]>(header.rows * header.columns);
-        const bool is_swapped = header.type[0] == '>' && std::endian::native == std::endian::little;
-        // In the order of the file: by rows, or by columns.
-        const std::size_t outer = header.is_column_major ? header.columns : header.rows;
-        const std::size_t inner = header.is_column_major ? header.rows : header.columns;
-        const std::size_t outer_step = header.is_column_major ? 1 : header.columns;
-        const std::size_t inner_step = header.is_column_major ? header.columns : 1;
-        std::string line(inner * element->size, '\0');
-        for (std::size_t i = 0; i < outer; ++i) {
-            bytes.read(line.data(), line.size());
-            for (std::size_t j = 0; j < inner; ++j) {
-                char* const at = line.data() + j * element->size;
-                if (is_swapped) {
-                    std::reverse(at, at + element->size);
-                }
-                matrix.values[i * outer_step + j * inner_step] = element->number(at);
-            }
-        }
+        const ElementType element = element_of(source, header);
+        InspectedMatrix matrix = empty_matrix(source, header);
+        read_values(bytes, header, element, matrix.values.get());
         inspect_values(matrix);
         return matrix;
     });

@@ -68,7 +68,10 @@ void nearest_points(const double* distances,
                     double* nearest_distances) {
     std::size_t held = 0;
     for (std::size_t first = 0; first < padded_count; first += kLanes) {
-        const double farthest = held < count ? kInfinity : nearest_distances[count - 1];
+        double farthest = kInfinity;
+        if (held == count) {
+            farthest = nearest_distances[count - 1];
+        }
         Mask nearer = less(load(distances + first), broadcast(farthest));
         for (; nearer != 0; nearer &= nearer - 1) {
             const std::size_t m = first + static_cast<std::size_t>(__builtin_ctz(nearer));
