@@ -38,7 +38,7 @@ RC_GTEST_PROP(LineBlocks, HoldTheTextWhateverTheirSize, ()) {
     for (std::size_t size = 1; size < 9; ++size) {
         std::string joined;
         for (const std::string& block : blocks_of(text, size)) {
-            RC_ASSERT(joined.empty() || joined.back() == '\n');
+            RC_ASSERT(joined.empty() || joined.ends_with('\n'));
             joined += block;
         }
         RC_ASSERT(joined == text);
