@@ -19,13 +19,13 @@ mirror=${source%% *}
 codename=$(echo "$source" | cut -d ' ' -f 2)
 
 inside() {
-  chroot "$root" env -i --chdir=/work PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
+  chroot "$root" env -i --chdir=/trial PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
     DEBIAN_FRONTEND=noninteractive "$@"
 }
 
 # Everything but what apt and dpkg keep for themselves, and what this script put there.
 list_files() {
-  inside find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /work -o -path /tmp \
+  inside find / -xdev \( -path /proc -o -path /sys -o -path /dev -o -path /trial -o -path /tmp \
     -o -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune \
     -o -print | sort
 }
@@ -42,11 +42,11 @@ if [ -f "$certificates" ]; then
   cp "$certificates" "$root/etc/ssl/certs/ca-certificates.crt"
 fi
 apt-config dump Acquire::http::Proxy Acquire::https::Proxy >"$root/etc/apt/apt.conf.d/90proxy"
-mkdir "$root/work"
-cp "$project"/build/packages/*.deb "$project/data/brauer2008_chemostat.tsv" "$root/work"
-cp -r "$project/tests/package" "$root/work/consumers"
-rm -f "$root"/work/*-dbgsym_*.deb
-packages=$(cd "$root" && ls work/*.deb | sed 's,^,/,')
+mkdir "$root/trial"
+cp "$project"/build/packages/*.deb "$project/data/brauer2008_chemostat.tsv" "$root/trial"
+cp -r "$project/tests/package" "$root/trial/consumers"
+rm -f "$root"/trial/*-dbgsym_*.deb
+packages=$(cd "$root" && ls trial/*.deb | sed 's,^,/,')
 names=$(for package in $packages; do dpkg-deb --field "$root$package" Package; done)
 
 echo "What the packages depend on, and a compiler"
@@ -66,23 +66,23 @@ inside apt-get install -q -y $packages >>"$root.log" 2>&1
 
 echo "Running the command"
 inside ovik-tsne --version
-inside ovik-tsne /work/brauer2008_chemostat.tsv --perplexity 30 --quiet --out-dir /work/results
-echo "$table_md5  $root/work/results/brauer2008_chemostat_tsne_30_0.csv" | md5sum --check
+inside ovik-tsne /trial/brauer2008_chemostat.tsv --perplexity 30 --quiet --out-dir /trial/results
+echo "$table_md5  $root/trial/results/brauer2008_chemostat_tsne_30_0.csv" | md5sum --check
 for plot in html png svg; do
-  test -s "$root/work/results/brauer2008_chemostat_tsne_30_0.$plot"
+  test -s "$root/trial/results/brauer2008_chemostat_tsne_30_0.$plot"
 done
 
 echo "Linking programs"
-inside cmake -S /work/consumers/find_package -B /work/shared >>"$root.log"
-inside cmake --build /work/shared >>"$root.log"
-inside /work/shared/consumer
-inside ldd /work/shared/consumer | grep 'libovik\.so\.0 => /'
-inside cmake -S /work/consumers/find_package -B /work/static -DLINKED=ovik::static >>"$root.log"
-inside cmake --build /work/static >>"$root.log"
-inside /work/static/consumer
-inside sh -c 'c++ -std=c++20 /work/consumers/consumer.cpp -o /work/consumer \
+inside cmake -S /trial/consumers/find_package -B /trial/shared >>"$root.log"
+inside cmake --build /trial/shared >>"$root.log"
+inside /trial/shared/consumer
+inside ldd /trial/shared/consumer | grep 'libovik\.so\.0 => /'
+inside cmake -S /trial/consumers/find_package -B /trial/static -DLINKED=ovik::static >>"$root.log"
+inside cmake --build /trial/static >>"$root.log"
+inside /trial/static/consumer
+inside sh -c 'c++ -std=c++20 /trial/consumers/consumer.cpp -o /trial/consumer \
   $(pkg-config --cflags --libs ovik)'
-inside /work/consumer
+inside /trial/consumer
 
 echo "Importing the Python package"
 inside python3 -c '
