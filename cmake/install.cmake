@@ -17,7 +17,7 @@ set(ovik_headers
   plots/run_caption.h
   stats/barnes_hut_forces.h
   stats/centring.h
-  stats/coordinate_files.h
+  results/coordinate_files.h
   stats/dense_affinities.h
   stats/exact_forces.h
   stats/iteration_report.h
@@ -25,8 +25,8 @@ set(ovik_headers
   stats/neighbourhood_quality.h
   stats/normal_deviates.h
   stats/pairwise_distances.h
-  stats/result_table.h
-  stats/run_log.h
+  results/result_table.h
+  results/run_log.h
   stats/run_times.h
   stats/sparse_affinities.h
   stats/sparse_matrix.h

@@ -70,9 +70,9 @@ NeighbourIndex::NeighbourIndex(const double* points, std::size_t N, std::size_t 
         }
         ranges = std::move(halves);
     }
-    parallel_deal(ranges.size(),
-                  worker_count(N, kDistanceGrain),
-                  [&](std::size_t i, std::size_t /*worker*/) { buildSubtree(points, ranges[i]); });
+    parallel_tasks(ranges.size(),
+                   worker_count(N, kDistanceGrain),
+                   [&](std::size_t i, std::size_t /*worker*/) { buildSubtree(points, ranges[i]); });
     numberBlocks({0, N}, 0);
     // Vectors that lie across two cache lines take twice the time.
     constexpr std::size_t kCacheLine = 64 / sizeof(double);

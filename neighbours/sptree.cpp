@@ -35,9 +35,9 @@ SPTree::~SPTree() = default;
 
 void SPTree::rebuild(const double* data) {
     const std::size_t parts = prepareRebuild(data);
-    parallel_deal(parts,
-                  worker_count(point_count_, kBuildGrain),
-                  [this](std::size_t part, std::size_t /*worker*/) { builder_->buildPart(part); });
+    parallel_tasks(parts,
+                   worker_count(point_count_, kBuildGrain),
+                   [this](std::size_t part, std::size_t /*worker*/) { builder_->buildPart(part); });
     builder_->join();
 }
 

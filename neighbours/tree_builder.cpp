@@ -348,18 +348,18 @@ void TreeBuilder::join() {
                              [this](std::size_t cell) { coarse_cells_.push_back(cell); });
     }
     first_cell_ = end;
-    parallel_deal(segments_.size(),
-                  worker_count(point_count_, kPointGrain),
-                  [this](std::size_t i, std::size_t /*worker*/) {
-                      const Segment& segment = segments_[i];
-                      const std::size_t from = 2 * std::size_t{segment.last} - segment.cell_count;
-                      std::copy_n(parts_.cells.data() + from,
-                                  segment.cell_count,
-                                  whole_.cells.data() + segment.place);
-                      std::copy_n(parts_.centres.data() + from * dims_,
-                                  segment.cell_count * dims_,
-                                  whole_.centres.data() + segment.place * dims_);
-                  });
+    parallel_tasks(segments_.size(),
+                   worker_count(point_count_, kPointGrain),
+                   [this](std::size_t i, std::size_t /*worker*/) {
+                       const Segment& segment = segments_[i];
+                       const std::size_t from = 2 * std::size_t{segment.last} - segment.cell_count;
+                       std::copy_n(parts_.cells.data() + from,
+                                   segment.cell_count,
+                                   whole_.cells.data() + segment.place);
+                       std::copy_n(parts_.centres.data() + from * dims_,
+                                   segment.cell_count * dims_,
+                                   whole_.centres.data() + segment.place * dims_);
+                   });
     for (const std::size_t cell : coarse_cells_) {
         weigh(whole_, cell);
     }

@@ -5,10 +5,10 @@
 
 #include "plots/component_pair.h"
 #include "plots/html_text.h"
-#include "plots/json_text.h"
 #include "plots/page_template.h"
-#include "plots/plain_text.h"
 #include "plots/run_caption.h"
+#include "util/json_text.h"
+#include "util/plain_text.h"
 
 namespace ovik {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "plots/result_rows.h"
+#include "results/result_rows.h"
 
 namespace ovik {
 

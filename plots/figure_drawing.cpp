@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <utility>
 
-#include "plots/plain_text.h"
 #include "util/input_file.h"
+#include "util/plain_text.h"
 
 namespace ovik {
 

@@ -15,8 +15,8 @@
 #include "plots/component_pair.h"
 #include "plots/figure_drawing.h"
 #include "plots/gnuplot_script.h"
-#include "plots/result_rows.h"
 #include "plots/run_caption.h"
+#include "results/result_rows.h"
 #include "util/whole_file.h"
 
 namespace ovik {

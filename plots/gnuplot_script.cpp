@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "plots/gnuplot_text.h"
-#include "plots/plain_text.h"
 #include "util/format.h"
+#include "util/plain_text.h"
 
 namespace ovik {
 

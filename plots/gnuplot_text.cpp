@@ -1,6 +1,6 @@
 #include "plots/gnuplot_text.h"
 
-#include "plots/plain_text.h"
+#include "util/plain_text.h"
 
 namespace ovik {
 

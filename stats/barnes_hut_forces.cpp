@@ -89,7 +89,7 @@ void BarnesHutForces::visit(const EdgeView& edges, double theta, double* pos_f, 
     const int workers = worker_count(N_, kForceGrain);
     const std::size_t parts = tree_.prepareRebuild(edges.Y);
     // The entries do not need the tree: both at once leave one pause fewer at which threads wait.
-    parallel_deal(parts + tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
+    parallel_tasks(parts + tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
         if (i < parts) {
             tree_.rebuildPart(i);
             return;
@@ -101,7 +101,7 @@ void BarnesHutForces::visit(const EdgeView& edges, double theta, double* pos_f, 
         pass(edges, rows.begin, rows.end, pos_f, costs);
     });
     tree_.finishRebuild();
-    parallel_deal(tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
+    parallel_tasks(tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
         const IndexRange points = rows_of(i);
         tree_.computeRepulsion(points.begin, points.end, theta, neg_f_.get(), shares_.get());
     });

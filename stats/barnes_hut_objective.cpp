@@ -22,7 +22,7 @@ BarnesHutObjective::BarnesHutObjective(const double* X,
                                        std::size_t out_dims,
                                        double perplexity,
                                        double theta,
-                                       KeptNeighbours* kept)
+                                       CachedNeighbours* kept)
     : N_(N),
       theta_(theta) {
     const SparseMatrix conditional =

@@ -9,7 +9,7 @@
 
 namespace ovik {
 
-class KeptNeighbours;
+class CachedNeighbours;
 
 /// How many neighbours of each of N rows the Barnes-Hut method takes: 3 * perplexity (truncated),
 /// or the N - 1 that there are if it asks for more.
@@ -32,7 +32,7 @@ class BarnesHutObjective : public Objective {
                        std::size_t out_dims,
                        double perplexity,
                        double theta,
-                       KeptNeighbours* kept = nullptr);
+                       CachedNeighbours* kept = nullptr);
 
     void exaggerate(double factor) override;
     void relax(double factor) override;

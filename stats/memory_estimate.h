@@ -18,7 +18,7 @@ struct RunSize {
     bool has_plots = true;
     std::size_t threads = 1;
     /// Whether this is one of several runs that share an input and its neighbours
-    /// (`KeptNeighbours`), the one of the largest perplexity.
+    /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
 };
 

@@ -126,7 +126,7 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                    Neighbours(input_columns, largest, kernels));
     std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
                                        Neighbours(embedding_columns, largest, kernels));
-    parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
+    parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
         for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
             inputs[worker].find(n);
             embeddings[worker].find(n);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "results/checkpoint.h"
 #include "stats/centring.h"
-#include "stats/checkpoint.h"
 
 namespace ovik {
 

@@ -12,7 +12,7 @@
 
 #include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
-#include "stats/kept_neighbours.h"
+#include "stats/cached_neighbours.h"
 #include "util/console.h"
 #include "util/parallel.h"
 
@@ -45,7 +45,7 @@ class RowFiller {
     /// @param points  those of the index, row-major
     /// @param K       entries of a row
     RowFiller(const NeighbourIndex& index,
-              KeptNeighbours* kept,
+              CachedNeighbours* kept,
               const double* points,
               std::size_t dims,
               double perplexity,
@@ -106,7 +106,7 @@ class RowFiller {
     }
 
     const NeighbourIndex& index_;
-    KeptNeighbours* kept_;
+    CachedNeighbours* kept_;
     const double* points_;
     std::size_t dims_;
     double perplexity_;
@@ -252,7 +252,7 @@ SparseMatrix neighbour_affinities(const double* points,
                                   std::size_t dims,
                                   double perplexity,
                                   int K,
-                                  KeptNeighbours* kept) {
+                                  CachedNeighbours* kept) {
     if (perplexity > static_cast<double>(K)) {
         print_remark("Perplexity should be lower than K!\n");
     }
@@ -277,7 +277,7 @@ SparseMatrix neighbour_affinities(const double* points,
     for (RowScratch& worker : scratch) {
         worker.squared_distances.resize(row_length);
     }
-    parallel_deal(tasks, workers, [&](std::size_t task, std::size_t worker) {
+    parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
         const std::size_t end = std::min((task + 1) * kTargetsPerTask, N);
         for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
             rows.fill({i, std::min(i + kTargets, end)}, scratch[worker]);

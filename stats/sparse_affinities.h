@@ -7,7 +7,7 @@
 
 namespace ovik {
 
-class KeptNeighbours;
+class CachedNeighbours;
 
 /// Conditional similarities of every point to its nearest neighbours, each row calibrated to a
 /// perplexity (at most 200 attempts) and normalised to sum 1.
@@ -28,7 +28,7 @@ OVIK_API SparseMatrix neighbour_affinities(const double* points,
                                            std::size_t dims,
                                            double perplexity,
                                            int K,
-                                           KeptNeighbours* kept = nullptr);
+                                           CachedNeighbours* kept = nullptr);
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///

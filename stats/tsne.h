@@ -16,7 +16,7 @@
 namespace ovik {
 
 class CheckpointKeeper;
-class KeptNeighbours;
+class CachedNeighbours;
 class Optimisation;
 struct RunCaption;
 struct RunIdentity;
@@ -27,7 +27,7 @@ OVIK_API extern char gInstantiationGuardTSNE;
 /// An object in which runs over the same input share the neighbours of its rows.
 ///
 /// @param most  neighbours of a row that the largest of them wants: 3 * perplexity, truncated
-OVIK_API std::shared_ptr<KeptNeighbours> make_kept_neighbours(std::size_t most);
+OVIK_API std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most);
 
 /// t-SNE: embeds the rows of a matrix in a few dimensions so that close rows stay close.
 ///
@@ -80,7 +80,7 @@ class TSNE {
     /// It changes no number. Empty: nothing is called.
     std::function<bool(const IterationReport&)> on_iteration;
     /// The file to which `actuate` saves the state of the fit, whole or not at all, and which
-    /// replaces an earlier one: see stats/checkpoint.h. Empty: none.
+    /// replaces an earlier one: see results/checkpoint.h. Empty: none.
     std::string checkpoint_path;
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
@@ -90,8 +90,8 @@ class TSNE {
     std::string resume_path;
     /// Neighbours that runs of several objects over the same input share, so that they are searched
     /// for once; the results are those of separate runs. Not used by the exact method. Null: the
-    /// run searches for its own. See `make_kept_neighbours`.
-    std::shared_ptr<KeptNeighbours> kept_neighbours;
+    /// run searches for its own. See `make_cached_neighbours`.
+    std::shared_ptr<CachedNeighbours> cached_neighbours;
 
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names

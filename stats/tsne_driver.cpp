@@ -13,18 +13,18 @@
 
 #include "annotation/gene_func_map.h"
 #include "plots/run_caption.h"
+#include "results/checkpoint.h"
+#include "results/checkpoint_keeper.h"
+#include "results/result_table.h"
+#include "results/run_log.h"
 #include "stats/barnes_hut_objective.h"
 #include "stats/centring.h"
-#include "stats/checkpoint.h"
-#include "stats/checkpoint_keeper.h"
 #include "stats/exact_objective.h"
 #include "stats/gradient_descent.h"
 #include "stats/normal_deviates.h"
 #include "stats/optimisation.h"
 #include "stats/plot_columns.h"
 #include "stats/plot_hand_off.h"
-#include "stats/result_table.h"
-#include "stats/run_log.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -93,7 +93,7 @@ std::unique_ptr<Objective> make_objective(const double* X,
                                           std::size_t out_dims,
                                           double perplexity,
                                           double theta,
-                                          KeptNeighbours* kept) {
+                                          CachedNeighbours* kept) {
     if (theta == 0.0) {
         return std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
     }
@@ -238,7 +238,7 @@ IterationReport TSNE<T>::embed(int no_dims,
     Stopwatch watch;
     centre_and_scale(X, rows, columns);
     auto objective =
-        make_objective(X, rows, columns, out_dims, perplexity, theta, kept_neighbours.get());
+        make_objective(X, rows, columns, out_dims, perplexity, theta, cached_neighbours.get());
     std::clock_t end = std::clock();
     times_.similarities = watch.lap();
     objective->exaggerate(kEarlyExaggeration);

@@ -9,12 +9,12 @@
 
 #include "plots/comparison_page.h"
 #include "util/console.h"
+#include "util/counted.h"
 #include "util/format.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
 #include "util/whole_file.h"
 
-#include "tools/counted.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
 #include <nlohmann/json.hpp>

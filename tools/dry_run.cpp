@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "util/console.h"
+#include "util/counted.h"
 #include "util/format.h"
 
-#include "tools/counted.h"
 #include "tools/memory_check.h"
 #include "tools/result_paths.h"
 

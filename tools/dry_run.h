@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "stats/memory_estimate.h"
+#include "util/available_memory.h"
 
-#include "tools/available_memory.h"
 #include "tools/options.h"
 
 namespace ovik::tool {

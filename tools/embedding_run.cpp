@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "plots/cost_figure.h"
-#include "stats/coordinate_files.h"
+#include "results/coordinate_files.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
@@ -62,7 +62,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.checkpoint_path = options.checkpoint;
     tsne.checkpoint_every = options.checkpoint_every;
     tsne.resume_path = options.resume;
-    tsne.kept_neighbours = std::move(input.neighbours);
+    tsne.cached_neighbours = std::move(input.neighbours);
 }
 
 /// Names the pictures of a figure, as far as there is one.

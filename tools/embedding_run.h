@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "stats/kept_neighbours.h"
+#include "stats/cached_neighbours.h"
 
 #include "tools/options.h"
 #include "tools/run_record.h"
@@ -21,7 +21,7 @@ struct RunInput {
     /// One per row, or empty.
     std::vector<std::string> labels;
     /// Neighbours that several runs share; null for a run by itself.
-    std::shared_ptr<KeptNeighbours> neighbours;
+    std::shared_ptr<CachedNeighbours> neighbours;
 };
 
 /// Runs the engine, writes the results, and says on the console what became of them.

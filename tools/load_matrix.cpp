@@ -1,16 +1,16 @@
 #include "tools/load_matrix.h"
 
-#include "plots/plain_text.h"
+#include "input/input_checks.h"
+#include "input/matrix_market.h"
+#include "input/matrix_source.h"
+#include "input/missing_values.h"
+#include "input/npy_matrix.h"
+#include "util/available_memory.h"
 #include "util/console.h"
 #include "util/input_error.h"
-#include "util/matrix_market.h"
-#include "util/matrix_source.h"
-#include "util/npy_matrix.h"
+#include "util/plain_text.h"
 
-#include "tools/available_memory.h"
-#include "tools/input_checks.h"
 #include "tools/memory_check.h"
-#include "tools/missing_values.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {

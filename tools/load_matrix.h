@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "util/matrix_check.h"
+#include "input/matrix_check.h"
 
 #include "tools/options.h"
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "input/matrix_guess.h"
 #include "util/input_error.h"
-#include "util/matrix_guess.h"
 
 namespace ovik::tool {
 

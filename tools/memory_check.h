@@ -2,10 +2,9 @@
 
 #include <string>
 
+#include "input/matrix_source.h"
 #include "stats/memory_estimate.h"
-#include "util/matrix_source.h"
-
-#include "tools/available_memory.h"
+#include "util/available_memory.h"
 
 namespace ovik::tool {
 

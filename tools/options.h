@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/missing_values.h"
+#include "input/missing_values.h"
 
 namespace ovik::tool {
 

@@ -13,17 +13,18 @@
 
 #include <glog/logging.h>
 
+#include "input/input_checks.h"
 #include "stats/memory_estimate.h"
+#include "util/available_memory.h"
 #include "util/input_error.h"
 #include "util/malloc_array.h"
 #include "util/stopwatch.h"
+#include "util/threads.h"
 
-#include "tools/available_memory.h"
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
 #include "tools/exit_status.h"
 #include "tools/gene_report.h"
-#include "tools/input_checks.h"
 #include "tools/interruption.h"
 #include "tools/load_matrix.h"
 #include "tools/memory_check.h"
@@ -32,7 +33,6 @@
 #include "tools/result_paths.h"
 #include "tools/run_report.h"
 #include "tools/standard_streams.h"
-#include "tools/threads.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 

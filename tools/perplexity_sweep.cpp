@@ -8,17 +8,17 @@
 #include <sys/resource.h>
 #include <utility>
 
-#include "plots/plain_text.h"
+#include "input/duplicate_rows.h"
+#include "results/checkpoint.h"
 #include "stats/barnes_hut_objective.h"
-#include "stats/checkpoint.h"
 #include "stats/tsne.h"
 #include "util/console.h"
+#include "util/counted.h"
 #include "util/format.h"
 #include "util/input_error.h"
+#include "util/plain_text.h"
 
 #include "tools/comparison.h"
-#include "tools/counted.h"
-#include "tools/duplicate_rows.h"
 #include "tools/embedding_run.h"
 #include "tools/gene_report.h"
 #include "tools/interruption.h"
@@ -61,19 +61,19 @@ void settle_names(std::vector<std::string>& row_names, bool standard_names) {
 }
 
 /// What several runs share.
-std::shared_ptr<KeptNeighbours> shared_neighbours(const std::vector<double>& perplexities,
-                                                  const RunReport& report) {
+std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
+                                                    const RunReport& report) {
     if (perplexities.size() < 2 || report.options.theta == 0.0) {
         return nullptr;
     }
     const double largest = *std::max_element(perplexities.begin(), perplexities.end());
-    return make_kept_neighbours(static_cast<std::size_t>(neighbour_count(largest, report.rows)));
+    return make_cached_neighbours(static_cast<std::size_t>(neighbour_count(largest, report.rows)));
 }
 
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values
 /// themselves.
 RunInput input_of_run(LoadedMatrix& loaded,
-                      const std::shared_ptr<KeptNeighbours>& neighbours,
+                      const std::shared_ptr<CachedNeighbours>& neighbours,
                       bool is_last) {
     RunInput input;
     input.rows = loaded.matrix.report.rows;
@@ -165,7 +165,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     }
     settle_names(loaded.matrix.row_names, options.standard_names);
     describe_input(report, loaded);
-    const std::shared_ptr<KeptNeighbours> neighbours = shared_neighbours(perplexities, report);
+    const std::shared_ptr<CachedNeighbours> neighbours = shared_neighbours(perplexities, report);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
         report.runs.push_back(

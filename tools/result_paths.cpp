@@ -6,7 +6,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "stats/result_table.h"
+#include "results/result_table.h"
 #include "util/format.h"
 #include "util/input_error.h"
 

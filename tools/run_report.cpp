@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "plots/json_text.h"
 #include "util/console.h"
+#include "util/json_text.h"
 #include "util/whole_file.h"
 
 #include "tools/standard_streams.h"

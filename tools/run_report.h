@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "stats/checkpoint.h"
+#include "results/checkpoint.h"
 
 #include "tools/exit_status.h"
 #include "tools/options.h"

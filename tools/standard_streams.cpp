@@ -7,8 +7,8 @@
 #include <new>
 #include <unistd.h>
 
-#include "plots/plain_text.h"
 #include "util/line_blocks.h"
+#include "util/plain_text.h"
 
 namespace ovik::tool {
 

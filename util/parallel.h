@@ -89,7 +89,7 @@ void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
 ///
 /// @param workers  as `worker_count` gives them; no more than `count` are used
 template <typename Body>
-void parallel_deal(std::size_t count, int workers, const Body& body) {
+void parallel_tasks(std::size_t count, int workers, const Body& body) {
     std::atomic<std::size_t> next{0};
     const std::size_t team = std::min(count, static_cast<std::size_t>(workers));
     parallel_for(team, 1, [&](std::size_t worker, IndexRange /*share*/) {

@@ -9,15 +9,15 @@
 #include <stdexcept>
 #include <utility>
 
+#include "input/input_checks.h"
+#include "input/matrix_check.h"
 #include "stats/memory_estimate.h"
 #include "stats/tsne.h"
+#include "util/available_memory.h"
 #include "util/console.h"
-#include "util/matrix_check.h"
+#include "util/threads.h"
 
-#include "tools/available_memory.h"
-#include "tools/input_checks.h"
 #include "tools/memory_check.h"
-#include "tools/threads.h"
 
 namespace ovik::python {
 
@@ -49,7 +49,7 @@ void check_memory(const Points& points, const FitOptions& options) {
                        static_cast<std::size_t>(omp_get_max_threads())};
     const MemoryEstimate estimate = estimate_memory(size);
     const double needed = std::max(estimate.similarities, estimate.fitting);
-    const tool::AvailableMemory available = tool::available_memory();
+    const AvailableMemory available = available_memory();
     if (needed > available.bytes) {
         throw MemoryShortage("the fit takes about " + tool::memory_text(needed) +
                              " of memory, and " +
@@ -71,7 +71,7 @@ std::unique_ptr<double[]> checked_copy(const Points& points) {
     matrix.report.columns = points.columns;
     matrix.values.reset(new double[count]);
     std::copy_n(points.values, count, matrix.values.get());
-    tool::check_values("X", matrix);
+    check_values("X", matrix);
     return std::move(matrix.values);
 }
 
@@ -92,7 +92,7 @@ bool goes_on(const IterationReport& reached, const std::atomic<bool>& is_interru
 
 Fit fit(const Points& points, const FitOptions& options, const std::atomic<bool>& is_interrupted) {
     Fit result;
-    result.threads_note = tool::set_thread_count(options.threads);
+    result.threads_note = set_thread_count(options.threads);
     check_memory(points, options);
     std::unique_ptr<double[]> X = checked_copy(points);
     TSNE<double> tsne("", "", "", "");

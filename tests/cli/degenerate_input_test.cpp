@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "plots/result_rows.h"
+#include "results/result_rows.h"
 
 #include "tests/support/command_test.h"
 

@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "stats/checkpoint.h"
+#include "results/checkpoint.h"
 
 #include "tests/support/engine_run.h"
 #include "tests/support/path_variable.h"
@@ -210,8 +210,9 @@ TEST_F(Interruption, StopsAtOnceTheSecondTime) {
         RunningCommand running(command("results", {"-i", kEndless}));
         running.waitFor("at iteration (20/");
         running.signal(SIGINT);
-        gnuplot.waitForStart();
+        // Read before gnuplot is waited for: a terminal that is full would hold the command up.
         running.waitFor(kTakenNote);
+        gnuplot.waitForStart();
         running.repeatUntil(kStoppedNote, [&] { running.signal(second); });
         EXPECT_EQ(running.finish().exit_status, 128 + second);
         EXPECT_EQ(result("results", ".png"), figure);

@@ -14,7 +14,7 @@
 #include "plots/javas.h"
 #include "plots/page_template.h"
 #include "plots/run_caption.h"
-#include "stats/result_table.h"
+#include "results/result_table.h"
 
 #include "tests/fuzz/support/input_lines.h"
 #include "tests/fuzz/support/require.h"

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
+#include "input/input_checks.h"
 #include "util/input_error.h"
 
 #include "tests/fuzz/support/plain_matrix.h"
 #include "tests/fuzz/support/require.h"
 #include "tests/support/temporary_directory.h"
-#include "tools/input_checks.h"
 
 /// The reader of label files against a plain splitter. The first byte of an input says by how many
 /// the matrix has more or fewer rows than the file has lines; the file follows.
@@ -27,12 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     }
     const std::string path = kDirectory.write("labels", content);
-    OVIK_REQUIRE(tool::read_row_texts(path, expected.size(), "label") == expected);
+    OVIK_REQUIRE(read_row_texts(path, expected.size(), "label") == expected);
     // "0" is 48: as many rows as lines.
     const std::size_t rows = expected.size() + data[0] - (data[0] < 48 ? 0U : 48U);
     bool was_refused = false;
     try {
-        tool::read_row_texts(path, rows, "label");
+        read_row_texts(path, rows, "label");
     } catch (const InputError& error) {
         was_refused = true;
         const std::string message = error.what();

@@ -14,10 +14,10 @@
 #include <utility>
 #include <vector>
 
+#include "input/matrix_check.h"
+#include "input/matrix_guess.h"
 #include "util/input_error.h"
 #include "util/line_blocks.h"
-#include "util/matrix_check.h"
-#include "util/matrix_guess.h"
 
 #include "tests/fuzz/support/plain_matrix.h"
 #include "tests/fuzz/support/require.h"

@@ -1,4 +1,4 @@
-#include "stats/result_table.h"
+#include "results/result_table.h"
 
 #include <array>
 #include <charconv>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "plots/result_rows.h"
+#include "results/result_rows.h"
 
 #include "tests/fuzz/support/input_lines.h"
 #include "tests/fuzz/support/plain_matrix.h"

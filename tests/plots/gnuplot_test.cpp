@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "plots/run_caption.h"
-#include "stats/result_table.h"
+#include "results/result_table.h"
 
 #include "tests/support/path_variable.h"
 #include "tests/support/temporary_directory.h"

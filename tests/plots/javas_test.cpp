@@ -12,7 +12,7 @@
 #include "plots/chart_page.h"
 #include "plots/page_template.h"
 #include "plots/run_caption.h"
-#include "stats/result_table.h"
+#include "results/result_table.h"
 
 #include "tests/support/temporary_directory.h"
 #include <nlohmann/json.hpp>

@@ -35,7 +35,7 @@ class CommandResult(NamedTuple):
     """As they stand in the result table."""
 
     embedding: np.ndarray
-    """To the last bit, from the checkpoint (stats/checkpoint.h)."""
+    """To the last bit, from the checkpoint (results/checkpoint.h)."""
 
     output: str
 

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "stats/checkpoint.h"
+#include "results/checkpoint.h"
 #include "stats/tsne.h"
 #include "util/input_error.h"
 

@@ -1,0 +1,261 @@
+#include "input/input_checks.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <system_error>
+
+#include "input/matrix_guess.h"
+#include "results/checkpoint.h"
+#include "util/counted.h"
+#include "util/input_error.h"
+#include "util/input_file.h"
+
+namespace ovik {
+
+namespace {
+
+std::string place(const std::string& path, const FieldPlace& place) {
+    if (place.line == 0) {
+        return path + ": column " + std::to_string(place.field) + " of row " + place.row;
+    }
+    return path + ":" + std::to_string(place.line) + ": field " + std::to_string(place.field) +
+           " of row \"" + place.row + "\"";
+}
+
+[[noreturn]] void refuse_ragged(const std::string& path, const MatrixReport& report) {
+    const RaggedRow& first = report.first_ragged_rows.front();
+    std::string message = path + ":" + std::to_string(first.line) + ": row \"" + first.name +
+                          "\" has " + counted(first.values, "value", "values") +
+                          ", but the first row has " + std::to_string(report.columns);
+    if (report.ragged_rows > 1) {
+        message += " (" + std::to_string(report.ragged_rows) + " such rows, also";
+        for (std::size_t i = 1; i < report.first_ragged_rows.size(); ++i) {
+            message += " line " + std::to_string(report.first_ragged_rows[i].line);
+        }
+        message += report.ragged_rows > report.first_ragged_rows.size() ? ", ...)" : ")";
+    }
+    throw InputError(message +
+                     "\nEvery row needs the same number of values: fill in those that are missing, "
+                     "or check the delimiter.");
+}
+
+/// The engine adds up columns and divides by the largest deviation from their means: both have to
+/// be numbers that `double` can hold.
+void check_scale(const std::string& path, const InspectedMatrix& matrix) {
+    constexpr double kLargest = 1e300;
+    const std::size_t columns = matrix.report.columns;
+    std::vector<double> lowest(columns, std::numeric_limits<double>::infinity());
+    std::vector<double> highest(columns, -std::numeric_limits<double>::infinity());
+    const double* value = matrix.values.get();
+    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+        for (std::size_t d = 0; d < columns; ++d, ++value) {
+            lowest[d] = std::min(lowest[d], *value);
+            highest[d] = std::max(highest[d], *value);
+        }
+    }
+    double widest_range = 0.0;
+    for (std::size_t d = 0; d < columns; ++d) {
+        if (std::max(-lowest[d], highest[d]) > kLargest) {
+            throw InputError(path +
+                             ": the values are too large to be computed with\nBring them to a "
+                             "common scale, for example by logarithms.");
+        }
+        widest_range = std::max(widest_range, highest[d] - lowest[d]);
+    }
+    if (widest_range < 1.0 / kLargest) {
+        throw InputError(path +
+                         ": the values are too close to one another to be computed with\nBring "
+                         "them to a common scale, for example by logarithms.");
+    }
+}
+
+bool all_rows_are_equal(const InspectedMatrix& matrix) {
+    const double* const values = matrix.values.get();
+    const std::size_t columns = matrix.report.columns;
+    return std::equal(values + columns, values + matrix.report.rows * columns, values);
+}
+
+std::string delimiter_text(char delimiter) {
+    switch (delimiter) {
+        case '\t':
+            return "tab";
+        case ' ':
+            return "space";
+        default:
+            return {delimiter};
+    }
+}
+
+/// What to do about a file without numbers: another delimiter, if there are numbers with it.
+std::string delimiter_advice(const Delimiters& delimiters) {
+    return !delimiters.guessed || *delimiters.guessed == delimiters.used
+               ? "Every line behind the first should be a name and its values; --delimiter says "
+                 "what stands between them."
+               : "There are with --delimiter '" + delimiter_text(*delimiters.guessed) +
+                     "', which is also what is guessed without the option.";
+}
+
+}  // namespace
+
+Delimiters find_delimiter(const MatrixSource& source, std::optional<char> given) {
+    const std::optional<char> guessed = guess_delimiter(source);
+    if (!given && !guessed) {
+        throw InputError(
+            source.name() +
+            ": found no numbers behind the first line, with tab, comma, semicolon or blank between "
+            "the fields: every line should be a name and its values (another delimiter can be "
+            "given with --delimiter)");
+    }
+    return {given ? *given : *guessed, guessed};
+}
+
+void check_matrix(const std::string& path,
+                  const Delimiters& delimiters,
+                  const MatrixReport& report) {
+    if (report.lost_names.count > 0) {
+        const FieldPlace& first = report.lost_names.first;
+        throw InputError(path + ":" + std::to_string(first.line) +
+                         ": the row has no name: the line opens with the delimiter, and \"" +
+                         first.row + "\" would be taken for the name (" +
+                         counted(report.lost_names.count, "such row", "such rows") +
+                         ")\nGive the row a name, or take it out.");
+    }
+    if (report.rows > 0 && report.numbers == 0) {
+        throw InputError(path + ": holds no numbers with " + delimiter_text(delimiters.used) +
+                         " between the fields\n" + delimiter_advice(delimiters));
+    }
+    if (report.ragged_rows > 0) {
+        refuse_ragged(path, report);
+    }
+    check_row_count(path, report.rows);
+    check_finite(path, report);
+}
+
+void check_finite(const std::string& path, const MatrixReport& report) {
+    if (report.not_finite.count > 0) {
+        const FieldPlace& first = report.not_finite.first;
+        throw InputError(place(path, first) + " is \"" + first.text +
+                         "\", which is not a finite number (" +
+                         counted(report.not_finite.count, "such field", "such fields") +
+                         ")\nReplace such values, for example by the mean of their row, or take "
+                         "the rows out.");
+    }
+}
+
+void check_row_count(const std::string& path, std::size_t rows) {
+    if (rows < 3) {
+        throw InputError(path + ": has " + counted(rows, "row", "rows") +
+                         ", and an embedding needs at least 3\nIn delimited text the first line is "
+                         "the header, and lines that are empty or open with # are skipped.");
+    }
+    if (rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw InputError(path + ": has " + counted(rows, "row", "rows") +
+                         ", and more than 2147483647 cannot be embedded\nTake a part of them.");
+    }
+}
+
+void check_values(const std::string& path, const InspectedMatrix& matrix) {
+    if (all_rows_are_equal(matrix)) {
+        throw InputError(
+            path +
+            ": all rows hold the same values, so there is nothing to embed\nCheck that "
+            "the columns are the measurements, and the delimiter.");
+    }
+    check_scale(path, matrix);
+}
+
+std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report) {
+    std::vector<std::string> warnings;
+    if (report.not_numbers.count > 0) {
+        const FieldPlace& first = report.not_numbers.first;
+        warnings.push_back(
+            place(path, first) + " is \"" + first.text +
+            "\", which is not a number, and read as 0" +
+            (first.text.find('"') != std::string::npos ? "; numbers should stand without quotes"
+                                                       : "") +
+            " (" + counted(report.not_numbers.count, "such field", "such fields") + " in all)");
+    }
+    if (report.with_text_behind.count > 0) {
+        const FieldPlace& first = report.with_text_behind.first;
+        warnings.push_back(
+            place(path, first) + " is \"" + first.text +
+            "\": the text behind the number is ignored" +
+            (first.text.find(',') != std::string::npos ? "; a decimal comma should be a point"
+                                                       : "") +
+            " (" + counted(report.with_text_behind.count, "such field", "such fields") +
+            " in all)");
+    }
+    if (report.unnamed.count > 0) {
+        warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +
+                           ": the row has no name (" +
+                           counted(report.unnamed.count, "such row", "such rows") + " in all)");
+    }
+    if (report.quoted_names.count > 0) {
+        warnings.push_back(path + ":" + std::to_string(report.quoted_names.first.line) +
+                           ": the quotes are part of the name " + report.quoted_names.first.row +
+                           ", so that the gene table does not know it (" +
+                           counted(report.quoted_names.count, "such row", "such rows") +
+                           " in all)");
+    }
+    if (report.duplicate_names > 0) {
+        std::string names;
+        for (const std::string& name : report.first_duplicate_names) {
+            names += (names.empty() ? "\"" : ", \"") + name + "\"";
+        }
+        warnings.push_back(
+            path + ": " + counted(report.duplicate_names, "row repeats", "rows repeat") +
+            " the name of an earlier one (" + names +
+            (report.duplicate_names > report.first_duplicate_names.size() ? ", ...)" : ")"));
+    }
+    if (report.header_looks_like_data) {
+        warnings.push_back(path +
+                           ":1: the first line looks like a row, but it is taken as the header and "
+                           "not embedded; put a header line above it if it is one");
+    }
+    return warnings;
+}
+
+std::vector<std::string> read_row_texts(const std::string& path,
+                                        std::size_t row_count,
+                                        const std::string& what) {
+    std::ifstream file = open_input_file(path);
+    if (!file.is_open() || std::filesystem::is_directory(path)) {
+        throw InputError(path + ": the " + what + "s cannot be read (" +
+                         std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
+    }
+    std::vector<std::string> texts;
+    with_read_failures_named(path, [&] {
+        std::string line;
+        while (std::getline(file, line)) {
+            if (!line.empty() && line.back() == '\r') {
+                line.pop_back();
+            }
+            texts.push_back(line);
+        }
+    });
+    if (texts.size() != row_count) {
+        throw InputError(path + ": holds " + counted(texts.size(), what, what + "s") +
+                         ", but the matrix has " + counted(row_count, "row", "rows") +
+                         "\nGive one " + what +
+                         " per line, in the order of the rows, without a header.");
+    }
+    return texts;
+}
+
+void check_checkpoint_path(const std::string& path) {
+    namespace fs = std::filesystem;
+    if (!fs::exists(path)) {
+        return;
+    }
+    if (!fs::is_regular_file(path) || (!fs::is_empty(path) && !opens_as_checkpoint(path))) {
+        throw InputError(path +
+                         ": this is not a checkpoint, and one would replace it\nGive another name "
+                         "with --checkpoint, or remove it.");
+    }
+}
+
+}  // namespace ovik

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "results/checkpoint.h"
+#include "stats/optimisation.h"
+
+namespace ovik {
+
+/// Saves the state of a fit as it goes on. A checkpoint that cannot be written costs the run
+/// nothing else.
+class CheckpointKeeper {
+  public:
+    /// @param path   the file, which each checkpoint replaces; empty: none is kept
+    /// @param every  iterations between two checkpoints, at least 1
+    /// @param run    the run that they are of
+    CheckpointKeeper(std::string path, int every, const RunIdentity& run);
+
+    /// Saves the state after an iteration, if one is due: a state of numbers, every so many
+    /// iterations and after the last.
+    ///
+    /// @param is_last  whether no other iteration follows
+    void keep(const Optimisation& optimisation, bool is_last);
+
+    /// Why the last checkpoint could not be written, of which the console has told; empty if it
+    /// could, or none was due.
+    [[nodiscard]] const std::string& failure() const { return failure_; }
+
+  private:
+    std::string path_;
+    int every_;
+    Checkpoint checkpoint_;
+    std::string failure_;
+};
+
+}  // namespace ovik

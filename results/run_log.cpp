@@ -1,0 +1,30 @@
+#include "results/run_log.h"
+
+#include "util/format.h"
+#include "util/write_string.h"
+
+namespace ovik {
+
+std::string run_log_record(const std::string& data_title,
+                           double perplexity,
+                           const std::string& table_stem) {
+    const std::string sentence =
+        data_title + " using t-SNE method (perplexity = " + num2string(perplexity, 1) + ").";
+    return "1-1-1-0\n" + sentence + "\n" + sentence +
+           " The darker color means that there are overlaps.\n" + table_stem + "\n";
+}
+
+bool append_run_log(const std::string& out_base,
+                    const std::string& data_title,
+                    double perplexity,
+                    const std::string& table_stem) {
+    return write_string(out_base + ".log",
+                        run_log_record(data_title, perplexity, table_stem),
+                        "",
+                        "a+",
+                        "",
+                        "#",
+                        "\n");
+}
+
+}  // namespace ovik

@@ -1,0 +1,84 @@
+#include "input/field_kind.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+FieldKind kind_of(const std::string& field) {
+    double value = 0.0;
+    return classify_field(field.c_str(), field.c_str() + field.size(), value);
+}
+
+TEST(ClassifyField, KnowsNumbers) {
+    for (const char* field : {"0",
+                              "1.5",
+                              "-1.5",
+                              "+1",
+                              " 1",
+                              "1 ",
+                              ".5",
+                              "1.",
+                              "1e-3",
+                              "1E5",
+                              "0x10",
+                              "1e-999",
+                              "-0",
+                              "1\r"}) {
+        EXPECT_EQ(kind_of(field), FieldKind::Number) << field;
+    }
+}
+
+TEST(ClassifyField, KnowsTheSignsOfMissingValues) {
+    for (const char* field :
+         {"",    " ",   "\t ",  "NA",   "na",   " NA ", "N/A", "n/a", "#N/A", "NaN",
+          "nan", "NAN", "null", "NULL", "None", "-",    "--",  ".",   "?",    "NA\r"}) {
+        EXPECT_EQ(kind_of(field), FieldKind::Missing) << field;
+    }
+}
+
+TEST(ClassifyField, TakesOtherTextForNoNumber) {
+    for (const char* field : {"x",
+                              "NAs",
+                              "---",
+                              "..",
+                              "\"1\"",
+                              "\"NA\"",
+                              "$1",
+                              "#VALUE!",
+                              "e5",
+                              "\xE2\x88\x92"
+                              "1",
+                              "\xD9\xA1",
+                              "missing",
+                              "- -"}) {
+        EXPECT_EQ(kind_of(field), FieldKind::NotNumber) << field;
+    }
+}
+
+TEST(ClassifyField, SeesTextBehindANumber) {
+    for (const char* field : {"1,5", "1.5kg", "1e", "1d5", "1 2", "1-", "0x", "1.2.3", "1_000"}) {
+        EXPECT_EQ(kind_of(field), FieldKind::TextBehind) << field;
+    }
+}
+
+TEST(ClassifyField, SeesWhatIsNotFinite) {
+    for (const char* field : {"inf", "-inf", "Infinity", "1e999", "-1e999", "-nan", "nan(1)"}) {
+        EXPECT_EQ(kind_of(field), FieldKind::NotFinite) << field;
+    }
+}
+
+TEST(ClassifyField, ReadsAsStrtod) {
+    double value = -1.0;
+    const std::string number = "1.5abc";
+    classify_field(number.c_str(), number.c_str() + number.size(), value);
+    EXPECT_EQ(value, 1.5);
+    const std::string text = "abc";
+    classify_field(text.c_str(), text.c_str() + text.size(), value);
+    EXPECT_EQ(value, 0.0);
+}
+
+}  // namespace
+}  // namespace ovik

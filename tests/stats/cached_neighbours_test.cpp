@@ -1,0 +1,117 @@
+#include "stats/cached_neighbours.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <stdexcept>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "stats/sparse_affinities.h"
+
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+/// Similarities, and what `rand` gives next.
+struct Outcome {
+    std::vector<unsigned int> columns;
+    std::vector<double> similarities;
+    int next_draw = 0;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+struct Matrix {
+    std::vector<double> values;
+    std::size_t columns;
+
+    [[nodiscard]] std::size_t rows() const { return values.size() / columns; }
+};
+
+Outcome affinities(const Matrix& matrix, int K, CachedNeighbours* kept) {
+    testing::internal::CaptureStdout();
+    std::srand(11);
+    const SparseMatrix P =
+        neighbour_affinities(matrix.values.data(), matrix.rows(), matrix.columns, K / 3.0, K, kept);
+    testing::internal::GetCapturedStdout();
+    const std::size_t entries = P.row_P[matrix.rows()];
+    return {{P.col_P.get(), P.col_P.get() + entries},
+            {P.val_P.get(), P.val_P.get() + entries},
+            std::rand()};
+}
+
+/// Holds runs that share neighbours to runs of their own.
+void expect_no_difference(const Matrix& matrix, std::vector<int> sizes) {
+    std::vector<Outcome> expected;
+    expected.reserve(sizes.size());
+    for (const int K : sizes) {
+        expected.push_back(affinities(matrix, K, nullptr));
+    }
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        CachedNeighbours kept(
+            static_cast<std::size_t>(*std::max_element(sizes.begin(), sizes.end())));
+        for (std::size_t i = 0; i < sizes.size(); ++i) {
+            EXPECT_EQ(affinities(matrix, sizes[i], &kept), expected[i]) << sizes[i];
+        }
+    }
+}
+
+TEST(CachedNeighbours, GiveWhatASearchOfItsOwnGives) {
+    expect_no_difference({test::random_values(700 * 5, 3), 5}, {30, 3, 90, 1, 89, 90, 0});
+}
+
+TEST(CachedNeighbours, SearchAgainWhereDistancesAreEqual) {
+    // Points of a lattice, some of them twice.
+    std::vector<double> values;
+    for (int n = 0; n < 600; ++n) {
+        values.push_back(n % 23);
+        values.push_back(n * 7 % 17);
+    }
+    expect_no_difference({values, 2}, {60, 8, 24, 59, 4});
+    expect_no_difference({std::vector<double>(200, 1.5), 2}, {30, 5});
+}
+
+TEST(CachedNeighbours, SearchAgainWhereDistancesAreNearlyEqual) {
+    // On a circle around the first point, as far as rounding lets them.
+    std::vector<double> values = {0.0, 0.0};
+    for (int n = 0; n < 300; ++n) {
+        values.push_back(std::cos(0.02 * n));
+        values.push_back(std::sin(0.02 * n));
+    }
+    expect_no_difference({values, 2}, {50, 5, 20, 49});
+}
+
+TEST(CachedNeighbours, TakeFewPointsAndSuchThatAreNotFinite) {
+    expect_no_difference({test::random_values(12, 5), 2}, {5, 2, 4});
+    expect_no_difference({{1.0, 2.0}, 2}, {0});
+    std::vector<double> values = test::random_values(200, 8);
+    for (std::size_t i = 0; i < values.size(); i += 9) {
+        values[i] = std::nan("");
+    }
+    expect_no_difference({values, 2}, {20, 6, 12});
+}
+
+TEST(CachedNeighbours, SearchForMoreThanIsKept) {
+    const Matrix matrix{test::random_values(300 * 3, 4), 3};
+    const Outcome expected = affinities(matrix, 60, nullptr);
+    CachedNeighbours kept(10);
+    EXPECT_EQ(affinities(matrix, 60, &kept), expected);
+    EXPECT_EQ(affinities(matrix, 60, &kept), expected);
+}
+
+TEST(CachedNeighbours, RefuseAnotherMatrix) {
+    Matrix matrix{test::random_values(60, 4), 3};
+    CachedNeighbours kept(6);
+    affinities(matrix, 6, &kept);
+    matrix.values[7] += 1.0;
+    EXPECT_THROW(kept.index(matrix.values.data(), matrix.rows(), 3), std::invalid_argument);
+    EXPECT_THROW(kept.index(matrix.values.data(), 5, 3), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace ovik
