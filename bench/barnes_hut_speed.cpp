@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "stats/barnes_hut_objective.h"
 #include "stats/centring.h"
 #include "stats/gradient_descent.h"
+#include "stats/method.h"
 #include "stats/normal_deviates.h"
 
 #include "bench/clustered_points.h"
@@ -39,10 +39,11 @@ class Run {
           Y_(2 * N),
           descent_(2 * N) {
         std::srand(11);
-        ovik::centre_and_scale(X_.data(), N, X_.size() / N);
+        const ovik::MatrixView<double> input{X_.data(), N, X_.size() / N};
+        ovik::centre_and_scale(input);
         const double start = now();
-        objective_ = std::make_unique<ovik::BarnesHutObjective>(
-            X_.data(), N, X_.size() / N, 2, kPerplexity, kTheta);
+        const ovik::FitOptions options{.perplexity = kPerplexity, .theta = kTheta};
+        objective_ = ovik::method_of(options).make({input, options, {}});
         similarity_seconds = now() - start;
         objective_->exaggerate(12.0);
         ovik::draw_initial_embedding(Y_.data(), Y_.size());
@@ -57,7 +58,7 @@ class Run {
             descent_.step(Y_.data(), iteration_ <= 250 ? 0.5 : 0.8);
             ovik::zero_mean(Y_.data(), N_, 2);
             if (iteration_ == 250) {
-                objective_->relax(12.0);
+                objective_->endExaggeration(12.0);
             }
             cost = objective_->costAndGradient(Y_.data(), descent_.gradient());
             shortest = std::min(shortest, now() - start);
@@ -75,7 +76,7 @@ class Run {
     std::vector<double> X_;
     std::vector<double> Y_;
     ovik::GradientDescent descent_;
-    std::unique_ptr<ovik::BarnesHutObjective> objective_;
+    std::unique_ptr<ovik::Objective> objective_;
     int iteration_ = 0;
 };
 

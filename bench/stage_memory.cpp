@@ -5,10 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "stats/barnes_hut_objective.h"
 #include "stats/centring.h"
-#include "stats/exact_objective.h"
 #include "stats/gradient_descent.h"
+#include "stats/method.h"
 #include "stats/normal_deviates.h"
 #include "stats/tsne.h"
 
@@ -29,13 +28,13 @@ void report_peak(const char* stage) {
     std::ofstream("/proc/self/clear_refs") << 5;
 }
 
+ovik::MatrixView<double> input_of(const ovik::TSNE<double>& tsne) {
+    return {tsne.X, static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(tsne.D)};
+}
+
 std::unique_ptr<ovik::Objective> objective_for(const ovik::TSNE<double>& tsne, double theta) {
-    const auto N = static_cast<std::size_t>(tsne.N);
-    const auto D = static_cast<std::size_t>(tsne.D);
-    if (theta == 0.0) {
-        return std::make_unique<ovik::ExactObjective>(tsne.X, N, D, 2, kPerplexity);
-    }
-    return std::make_unique<ovik::BarnesHutObjective>(tsne.X, N, D, 2, kPerplexity, theta);
+    const ovik::FitOptions options{.perplexity = kPerplexity, .theta = theta};
+    return ovik::method_of(options).make({input_of(tsne), options, {}});
 }
 
 }  // namespace
@@ -49,7 +48,7 @@ int main(int argc, char** argv) {
     tsne.init(argv[1], 0, '\t');
     report_peak("reading");
     const auto N = static_cast<std::size_t>(tsne.N);
-    ovik::centre_and_scale(tsne.X, N, static_cast<std::size_t>(tsne.D));
+    ovik::centre_and_scale(input_of(tsne));
     const auto objective = objective_for(tsne, std::atof(argv[2]));
     report_peak("similarities");
     std::vector<double> Y(2 * N);

@@ -23,12 +23,16 @@ namespace ovik {
 namespace {
 
 constexpr std::string_view kMagic = "OVIKCKPT";
-constexpr std::uint64_t kVersion = 1;
+constexpr std::uint64_t kVersion = 2;
 constexpr std::size_t kNumberSize = 8;
 /// Magic and version, by which a file is known for what it is.
 constexpr std::size_t kOpeningSize = 2 * kNumberSize;
-/// All that stands before the arrays.
-constexpr std::size_t kHeaderSize = 15 * kNumberSize;
+/// What stands before the options: the opening, three sizes and the length of the options.
+constexpr std::size_t kShapeSize = kOpeningSize + 4 * kNumberSize;
+/// Far above what options take.
+constexpr std::uint64_t kMostOptionBytes = 1U << 16U;
+/// What stands between the options and the arrays: two digests, iteration and cost.
+constexpr std::size_t kProgressSize = 6 * kNumberSize;
 constexpr std::size_t kArrays = 3;
 
 /// Texts and numbers as bytes.
@@ -91,6 +95,12 @@ class Decoder {
         return {low, integer()};
     }
 
+    std::string_view text(std::size_t length) {
+        const std::string_view text = bytes_.substr(0, length);
+        bytes_.remove_prefix(length);
+        return text;
+    }
+
     std::vector<double> reals(std::size_t count) {
         std::vector<double> numbers(count);
         std::generate(numbers.begin(), numbers.end(), [this] { return real(); });
@@ -121,18 +131,37 @@ class DigestStream {
     XXH3_state_t state_{};
 };
 
+std::string option_lines(const RunIdentity& run) {
+    std::string lines;
+    for (const auto& [name, value] : run.options) {
+        lines += name + "=" + value + "\n";
+    }
+    return lines;
+}
+
+/// Undoes `option_lines`.
+std::vector<std::pair<std::string, std::string>> options_of(std::string_view lines) {
+    std::vector<std::pair<std::string, std::string>> options;
+    while (!lines.empty()) {
+        const std::string_view line = lines.substr(0, lines.find('\n'));
+        const std::size_t sign = std::min(line.find('='), line.size());
+        options.emplace_back(line.substr(0, sign), line.substr(std::min(sign + 1, line.size())));
+        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+    }
+    return options;
+}
+
 std::string encoded(const Checkpoint& checkpoint) {
     const RunIdentity& run = checkpoint.run;
+    const std::string options = option_lines(run);
     Encoder file;
     file.put(kMagic);
     file.put(kVersion);
     file.put(std::uint64_t{run.rows});
     file.put(std::uint64_t{run.columns});
     file.put(std::uint64_t{run.out_dims});
-    file.put(run.perplexity);
-    file.put(run.theta);
-    file.put(run.stop_lying_iter);
-    file.put(run.mom_switch_iter);
+    file.put(std::uint64_t{options.size()});
+    file.put(options);
     file.put(run.values);
     file.put(run.names);
     file.put(checkpoint.iteration);
@@ -142,24 +171,6 @@ std::string encoded(const Checkpoint& checkpoint) {
     }
     file.put(checksum(file.bytes()));
     return file.take();
-}
-
-/// Reads what stands before the arrays, behind the opening.
-Checkpoint decoded_header(Decoder& file) {
-    Checkpoint checkpoint;
-    RunIdentity& run = checkpoint.run;
-    run.rows = file.integer();
-    run.columns = file.integer();
-    run.out_dims = file.integer();
-    run.perplexity = file.real();
-    run.theta = file.real();
-    run.stop_lying_iter = file.smallInteger();
-    run.mom_switch_iter = file.smallInteger();
-    run.values = file.digest();
-    run.names = file.digest();
-    checkpoint.iteration = file.smallInteger();
-    checkpoint.cost = file.real();
-    return checkpoint;
 }
 
 std::string reason(int error) {
@@ -206,8 +217,9 @@ void check_opening(const std::string& path, std::string_view bytes) {
 
 /// Elements of each array.
 ///
+/// @param header_size  bytes that stand before the arrays
 /// @throws InputError if they do not fill the file
-std::size_t array_size(const std::string& path, const RunIdentity& run) {
+std::size_t array_size(const std::string& path, const RunIdentity& run, std::size_t header_size) {
     // Twice as many as the engine can count, so that the product below is one.
     constexpr std::uint64_t kMost = std::uint64_t{1} << 32U;
     std::error_code ignored;
@@ -216,8 +228,8 @@ std::size_t array_size(const std::string& path, const RunIdentity& run) {
         refuse_damaged(path, "its sizes make no sense");
     }
     const std::uintmax_t count = std::uintmax_t{run.rows} * run.out_dims;
-    const std::uintmax_t room = size - kHeaderSize - kNumberSize;
-    if (size < kHeaderSize + kNumberSize || room % (kArrays * kNumberSize) != 0 ||
+    const std::uintmax_t room = size - header_size - kNumberSize;
+    if (size < header_size + kNumberSize || room % (kArrays * kNumberSize) != 0 ||
         room / (kArrays * kNumberSize) != count) {
         refuse_damaged(path,
                        "its " + std::to_string(size) + " bytes are not those of " +
@@ -226,14 +238,48 @@ std::size_t array_size(const std::string& path, const RunIdentity& run) {
     return count;
 }
 
+/// Appends bytes of a file to those that have been read.
+///
+/// @throws InputError if it ends before
+void read_on(const std::string& path, std::ifstream& file, std::size_t count, std::string& bytes) {
+    const std::size_t wanted = bytes.size() + count;
+    bytes += read_bytes(file, count);
+    if (bytes.size() < wanted) {
+        refuse_damaged(path, "it has " + std::to_string(bytes.size()) + " bytes only");
+    }
+}
+
+/// Reads what stands before the arrays.
+///
+/// @param bytes  what has been read of the file: its opening; the rest of the header follows
+Checkpoint read_header(const std::string& path, std::ifstream& file, std::string& bytes) {
+    Checkpoint checkpoint;
+    RunIdentity& run = checkpoint.run;
+    read_on(path, file, kShapeSize - kOpeningSize, bytes);
+    Decoder shape(std::string_view(bytes).substr(kOpeningSize));
+    run.rows = shape.integer();
+    run.columns = shape.integer();
+    run.out_dims = shape.integer();
+    const std::uint64_t option_bytes = shape.integer();
+    if (option_bytes > kMostOptionBytes) {
+        refuse_damaged(path, "its sizes make no sense");
+    }
+    read_on(path, file, option_bytes + kProgressSize, bytes);
+    Decoder progress(std::string_view(bytes).substr(kShapeSize));
+    run.options = options_of(progress.text(option_bytes));
+    run.values = progress.digest();
+    run.names = progress.digest();
+    checkpoint.iteration = progress.smallInteger();
+    checkpoint.cost = progress.real();
+    return checkpoint;
+}
+
 /// What differs between two runs, a line each.
 class Differences {
   public:
-    template <typename Value>
-    void compare(const std::string& what, Value there, Value here) {
+    void compare(const std::string& what, const std::string& there, const std::string& here) {
         if (there != here) {
-            lines_ += "\n  " + what + ": " + shortest_text(there) + " in the checkpoint, " +
-                      shortest_text(here) + " now";
+            add(what + ": " + there + " in the checkpoint, " + here + " now");
         }
     }
 
@@ -245,28 +291,47 @@ class Differences {
     std::string lines_;
 };
 
+/// The value of an option; "none" where there is no such option.
+std::string value_of(const RunIdentity& run, const std::string& name) {
+    const auto found = std::find_if(run.options.begin(),
+                                    run.options.end(),
+                                    [&name](const auto& option) { return option.first == name; });
+    return found == run.options.end() ? "none" : found->second;
+}
+
+void compare_options(const RunIdentity& there, const RunIdentity& here, Differences& differences) {
+    for (const auto& [name, value] : here.options) {
+        differences.compare(name, value_of(there, name), value);
+    }
+    for (const auto& [name, value] : there.options) {
+        if (value_of(here, name) == "none") {
+            differences.compare(name, value, "none");
+        }
+    }
+}
+
 }  // namespace
 
-Digest digest_of(const double* values, std::size_t count) {
+Digest digest_of(std::span<const double> values) {
     constexpr std::size_t kBlock = 4096;
     DigestStream stream;
     Encoder block;
-    for (std::size_t first = 0; first < count; first += kBlock) {
+    for (std::size_t first = 0; first < values.size(); first += kBlock) {
         block.clear();
-        block.put(values + first, std::min(kBlock, count - first));
+        block.put(values.data() + first, std::min(kBlock, values.size() - first));
         stream.add(block.bytes());
     }
     return stream.digest();
 }
 
-Digest digest_of(const std::string* texts, std::size_t count) {
+Digest digest_of(std::span<const std::string> texts) {
     DigestStream stream;
     Encoder text;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (const std::string& each : texts) {
         // With its length: "ab", "c" are other texts than "a", "bc".
         text.clear();
-        text.put(std::uint64_t{texts[i].size()});
-        text.put(texts[i]);
+        text.put(std::uint64_t{each.size()});
+        text.put(each);
         stream.add(text.bytes());
     }
     return stream.digest();
@@ -284,22 +349,19 @@ std::string write_checkpoint(const std::string& path, const Checkpoint& checkpoi
 
 Checkpoint read_checkpoint(const std::string& path) {
     std::ifstream file = open_checkpoint(path);
-    std::string bytes = read_bytes(file, kHeaderSize);
+    std::string bytes = read_bytes(file, kOpeningSize);
     check_opening(path, bytes);
-    if (bytes.size() < kHeaderSize) {
-        refuse_damaged(path, "it has " + std::to_string(bytes.size()) + " bytes only");
-    }
-    Decoder header(std::string_view(bytes).substr(kOpeningSize));
-    Checkpoint checkpoint = decoded_header(header);
-    const std::size_t count = array_size(path, checkpoint.run);
+    Checkpoint checkpoint = read_header(path, file, bytes);
+    const std::size_t header_size = bytes.size();
+    const std::size_t count = array_size(path, checkpoint.run, header_size);
     bytes += read_bytes(file, (kArrays * count + 1) * kNumberSize);
     const std::string_view all = bytes;
-    const std::size_t end = kHeaderSize + kArrays * count * kNumberSize;
+    const std::size_t end = header_size + kArrays * count * kNumberSize;
     if (all.size() != end + kNumberSize ||
         Decoder(all.substr(end)).integer() != checksum(all.substr(0, end))) {
         refuse_damaged(path, "its checksum is not that of its bytes");
     }
-    Decoder arrays(all.substr(kHeaderSize));
+    Decoder arrays(all.substr(header_size));
     for (auto* array : {&checkpoint.embedding, &checkpoint.velocity, &checkpoint.gains}) {
         *array = arrays.reals(count);
     }
@@ -317,13 +379,9 @@ void check_goes_on(const std::string& path,
                    int max_iter) {
     const RunIdentity& there = checkpoint.run;
     Differences differences;
-    differences.compare("rows", there.rows, run.rows);
-    differences.compare("columns", there.columns, run.columns);
-    differences.compare("output dimensions", there.out_dims, run.out_dims);
-    differences.compare("perplexity", there.perplexity, run.perplexity);
-    differences.compare("theta", there.theta, run.theta);
-    differences.compare("end of early exaggeration", there.stop_lying_iter, run.stop_lying_iter);
-    differences.compare("momentum switch", there.mom_switch_iter, run.mom_switch_iter);
+    differences.compare("rows", std::to_string(there.rows), std::to_string(run.rows));
+    differences.compare("columns", std::to_string(there.columns), std::to_string(run.columns));
+    compare_options(there, run, differences);
     if (there.rows == run.rows && there.columns == run.columns) {
         if (there.values != run.values) {
             differences.add("the values of the matrix are others");

@@ -2,20 +2,22 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Checkpoints: the state of a fit between two iterations, as a file from which it can be gone on
 /// with.
 ///
-/// The file, version 1. All numbers have 8 bytes, the lowest first; reals are IEEE 754 doubles, and
+/// The file, version 2. All numbers have 8 bytes, the lowest first; reals are IEEE 754 doubles, and
 /// negative integers two's complements.
 ///
 ///     "OVIKCKPT"                                   8 bytes
 ///     version of the format                        integer
 ///     rows, columns, output dimensions             integers
-///     perplexity, theta                            reals
-///     end of exaggeration, momentum switch         integers
+///     length of the options                        integer, in bytes
+///     options that decide the states of the fit    text, a line "name=value" each
 ///     digest of the values, digest of the names    two integers each, low half first
 ///     iteration done last                          integer
 ///     cost after it                                real
@@ -37,20 +39,18 @@ struct Digest {
 };
 
 /// Of the bits of the values.
-Digest digest_of(const double* values, std::size_t count);
+Digest digest_of(std::span<const double> values);
 
 /// Of the texts and where each of them ends.
-Digest digest_of(const std::string* texts, std::size_t count);
+Digest digest_of(std::span<const std::string> texts);
 
 /// What decides the states that a fit goes through.
 struct RunIdentity {
     std::size_t rows = 0;
     std::size_t columns = 0;
     std::size_t out_dims = 0;
-    double perplexity = 0.0;
-    double theta = 0.0;
-    int stop_lying_iter = 0;
-    int mom_switch_iter = 0;
+    /// Names and values of the options, without line breaks and, in names, "=".
+    std::vector<std::pair<std::string, std::string>> options;
     /// Of the matrix as it was read.
     Digest values;
     /// Of the names of its rows. They decide no number, but what the results call them.

@@ -7,21 +7,23 @@
 
 namespace ovik {
 
-CheckpointKeeper::CheckpointKeeper(std::string path, int every, const RunIdentity& run)
+CheckpointKeeper::CheckpointKeeper(std::string path, int every, RunIdentity run)
     : path_(std::move(path)),
       every_(every) {
-    checkpoint_.run = run;
+    checkpoint_.run = std::move(run);
 }
 
-void CheckpointKeeper::keep(const Optimisation& optimisation, bool is_last) {
-    const IterationReport& reached = optimisation.reached();
-    const bool is_due = is_last || reached.iteration % every_ == 0;
-    if (path_.empty() || !is_due || !reached.finite) {
+void CheckpointKeeper::keep(const FitSnapshot& snapshot, bool is_last) {
+    if (path_.empty() || (!is_last && snapshot.iteration % every_ != 0)) {
         return;
     }
     const bool failed_before = !failure_.empty();
     try {
-        optimisation.save(checkpoint_);
+        checkpoint_.iteration = snapshot.iteration;
+        checkpoint_.cost = snapshot.cost;
+        checkpoint_.embedding.assign(snapshot.embedding.begin(), snapshot.embedding.end());
+        checkpoint_.velocity.assign(snapshot.velocity.begin(), snapshot.velocity.end());
+        checkpoint_.gains.assign(snapshot.gains.begin(), snapshot.gains.end());
         failure_ = write_checkpoint(path_, checkpoint_);
     } catch (const std::bad_alloc&) {
         failure_ = "it does not fit in memory";

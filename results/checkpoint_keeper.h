@@ -1,11 +1,20 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 #include "results/checkpoint.h"
-#include "stats/optimisation.h"
 
 namespace ovik {
+
+/// What a checkpoint is to hold of a fit, as it stands.
+struct FitSnapshot {
+    int iteration = 0;
+    double cost = 0.0;
+    std::span<const double> embedding;
+    std::span<const double> velocity;
+    std::span<const double> gains;
+};
 
 /// Saves the state of a fit as it goes on. A checkpoint that cannot be written costs the run
 /// nothing else.
@@ -14,13 +23,13 @@ class CheckpointKeeper {
     /// @param path   the file, which each checkpoint replaces; empty: none is kept
     /// @param every  iterations between two checkpoints, at least 1
     /// @param run    the run that they are of
-    CheckpointKeeper(std::string path, int every, const RunIdentity& run);
+    CheckpointKeeper(std::string path, int every, RunIdentity run);
 
-    /// Saves the state after an iteration, if one is due: a state of numbers, every so many
-    /// iterations and after the last.
+    /// Saves the state after an iteration, if one is due: every so many iterations and after the
+    /// last.
     ///
     /// @param is_last  whether no other iteration follows
-    void keep(const Optimisation& optimisation, bool is_last);
+    void keep(const FitSnapshot& snapshot, bool is_last);
 
     /// Why the last checkpoint could not be written, of which the console has told; empty if it
     /// could, or none was due.

@@ -1,27 +1,23 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
-#include "neighbours/sptree.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
-#include "util/malloc_array.h"
 
 namespace ovik {
 
-struct EdgeView;
-struct RowCost;
+class SparseForces;
+class TreeRepulsion;
 
 /// The t-SNE gradient and cost with sparse attractive and approximate repulsive forces, for one
 /// embedding after the other; after the first, nothing is allocated.
 ///
-/// Entry i of the gradient is pos_f[i] - neg_f[i] / sum_Q: the attractive forces along the entries
-/// of the similarity matrix, the repulsive ones of a space-partitioning tree, and its
-/// normalisation, to which every point's share is added in point order.
-///
-/// The cost is the Kullback-Leibler divergence over the stored entries, the sum of
-/// p * log((p + DBL_MIN) / (q / sum_Q + DBL_MIN)), formed row by row. It does not steer the
-/// optimisation; its logarithms are those of the vector kernels where the numbers allow it.
+/// Entry i of the gradient is attraction[i] - repulsion[i] / Z: the attractive forces along the
+/// entries of the similarity matrix, the repulsive ones of a space-partitioning tree, and its
+/// normalisation Z, to which every point's term is added in point order. The cost is that of
+/// `Attraction`.
 ///
 /// All functions take the similarities `P` with N rows, an embedding `Y`, row-major, N x dims, and
 /// the accuracy `theta`; see `SPTree`.
@@ -29,8 +25,10 @@ struct RowCost;
 /// @par Source van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
 class BarnesHutForces {
   public:
-    /// Ends the process with "Memory allocation failed!" if the forces do not fit in memory.
+    /// @throws WorkMemoryError if the forces do not fit in memory
     OVIK_API BarnesHutForces(std::size_t N, std::size_t dims);
+
+    OVIK_API ~BarnesHutForces();
 
     /// @param gradient  row-major, N x dims, written
     OVIK_API void gradient(const SparseMatrixView& P,
@@ -51,18 +49,9 @@ class BarnesHutForces {
                                     double* gradient);
 
   private:
-    [[nodiscard]] EdgeView edgesOf(const SparseMatrixView& P, const double* Y) const;
-    void visit(const EdgeView& edges, double theta, double* pos_f, RowCost* costs);
-    [[nodiscard]] double normalisation() const;
-    void finishGradient(double* gradient, double sum_Q) const;
-    [[nodiscard]] double sumCosts(const EdgeView& edges, double sum_Q) const;
-
-    std::size_t N_;
-    std::size_t dims_;
-    SPTree tree_;
-    MallocArray<double> neg_f_;
-    MallocArray<double> shares_;
-    MallocArray<RowCost> row_costs_;
+    std::unique_ptr<SparseForces> forces_;
+    /// That of `forces_`.
+    TreeRepulsion* repulsion_;
 };
 
 /// `BarnesHutForces::gradient` for one embedding.

@@ -36,7 +36,7 @@ std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
 const NeighbourIndex& CachedNeighbours::index(const double* points,
                                               std::size_t N,
                                               std::size_t dims) {
-    const Digest digest = digest_of(points, N * dims);
+    const Digest digest = digest_of({points, N * dims});
     if (index_ != nullptr) {
         if (N != N_ || digest != points_) {
             throw std::invalid_argument("neighbours of another matrix are kept");

@@ -9,42 +9,61 @@
 
 namespace ovik {
 
-void zero_mean(double* X, std::size_t rows, std::size_t columns) {
-    // Every iteration comes here: an embedding's few columns need no memory of their own.
-    double few_means[8] = {};
-    MallocArray<double> many_means;
-    double* mean = few_means;
-    if (columns > std::size(few_means)) {
-        many_means = calloc_array<double>(columns);
-        exit_unless_allocated(many_means);
-        mean = many_means.get();
-    }
+namespace {
+
+/// Writes the mean of every column, for which there are zeros.
+void column_means(const double* X, std::size_t rows, std::size_t columns, double* means) {
     for (std::size_t n = 0; n < rows; ++n) {
         for (std::size_t d = 0; d < columns; ++d) {
-            mean[d] += X[n * columns + d];
+            means[d] += X[n * columns + d];
         }
     }
     const double reciprocal = 1.0 / static_cast<double>(rows);
     for (std::size_t d = 0; d < columns; ++d) {
-        mean[d] = mean[d] * reciprocal;
+        means[d] = means[d] * reciprocal;
     }
-    parallel_for_each(rows, kElementwiseGrain, [&](std::size_t n) {
+}
+
+void subtract(double* X, std::size_t rows, std::size_t columns, const double* means) {
+    parallel_for_each(rows, kElementwiseGrain, [=](std::size_t n) {
         for (std::size_t d = 0; d < columns; ++d) {
-            X[n * columns + d] -= mean[d];
+            X[n * columns + d] -= means[d];
         }
     });
 }
 
-void centre_and_scale(double* X, std::size_t rows, std::size_t columns) {
-    zero_mean(X, rows, columns);
-    const std::size_t count = rows * columns;
+}  // namespace
+
+void zero_mean(double* X, std::size_t rows, std::size_t columns) {
+    // Every iteration comes here: an embedding's few columns need no memory of their own.
+    double few_means[8] = {};
+    MallocArray<double> many_means;
+    double* means = few_means;
+    if (columns > std::size(few_means)) {
+        many_means = calloc_array<double>(columns);
+        require_allocated(many_means);
+        means = many_means.get();
+    }
+    column_means(X, rows, columns, means);
+    subtract(X, rows, columns, means);
+}
+
+InputScale centre_and_scale(MatrixView<double> X) {
+    InputScale scale;
+    const auto means = calloc_array<double>(X.columns);
+    require_allocated(means);
+    column_means(X.values, X.rows, X.columns, means.get());
+    subtract(X.values, X.rows, X.columns, means.get());
+    scale.means.assign(means.get(), means.get() + X.columns);
     double largest = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (std::fabs(X[i]) > largest) {
-            largest = std::fabs(X[i]);
+    for (const double value : X.all()) {
+        if (std::fabs(value) > largest) {
+            largest = std::fabs(value);
         }
     }
-    multiply_all(X, count, 1.0 / largest);
+    scale.factor = 1.0 / largest;
+    multiply_all(X.values, X.size(), scale.factor);
+    return scale;
 }
 
 }  // namespace ovik

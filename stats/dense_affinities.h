@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/fit_notes.h"
 #include "util/api.h"
 
 namespace ovik {
@@ -10,13 +11,18 @@ namespace ovik {
 /// (at most 500 attempts) and normalised to sum 1. The diagonal is a tiny positive number, not
 /// zero.
 ///
-/// Rows are spread over the cores. The perplexity is logged twice at severity INFO. Ends the
-/// process with "Memory allocation failed!" if the matrix of distances does not fit in memory.
+/// Rows are spread over the cores.
 ///
 /// @param points  row-major, point_count x dims
 /// @param P       row-major, point_count x point_count, written
-OVIK_API void dense_conditional_affinities(
-    const double* points, std::size_t point_count, std::size_t dims, double* P, double perplexity);
+/// @param notes   told `DistancesBegin` and `DistancesDone`
+/// @throws WorkMemoryError if the matrix of distances does not fit in memory
+OVIK_API void dense_conditional_affinities(const double* points,
+                                           std::size_t point_count,
+                                           std::size_t dims,
+                                           double* P,
+                                           double perplexity,
+                                           const FitNotes& notes = {});
 
 /// Replaces both of the entries (n, m) and (m, n) of a square matrix by their sum.
 OVIK_API void add_transpose(double* P, std::size_t point_count);

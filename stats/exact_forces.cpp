@@ -53,7 +53,7 @@ void exact_gradient(
     const PointColumns columns(Y, N, dims);
     const double sum_Q = sum_similarities(columns, 0.0);
     const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
-    exit_unless_allocated(buffers);
+    require_allocated(buffers);
     parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
         double* const multipliers = buffers.get() + worker * N;
         for (std::size_t n = rows.begin; n < rows.end; ++n) {

@@ -10,7 +10,7 @@ namespace ovik {
 ///
 /// Row n is the sum over m, in order, of (Y_n - Y_m) * Q_nm * (P_nm - Q_nm / sum_Q), where Q_nm is
 /// 1 / (1 + squared distance) and sum_Q the sum of all Q_nm, row after row. The usual factor of 4
-/// is left to the learning rate. Ends the process with "Memory allocation failed!" if its work
+/// is left to the learning rate. Throws WorkMemoryError if its work
 /// arrays, O(N) per thread, do not fit in memory.
 ///
 /// @param P         row-major, N x N; the diagonal is not read

@@ -6,34 +6,38 @@
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_forces.h"
-#include "util/console.h"
 #include "util/format.h"
 
 namespace ovik {
 
 namespace {
 
-/// Fewest points for the quick way; with fewer the cost may be 0, and printed with its sign.
+/// Fewest points for the quick way.
 constexpr std::size_t kFewestInPanels = 64;
+
+/// Below it the quick cost and the sum in order may differ in the sign of a printed zero.
+constexpr double kPrintsAsZero = 1e-6;
 
 }  // namespace
 
-ExactObjective::ExactObjective(
-    const double* X, std::size_t N, std::size_t D, std::size_t out_dims, double perplexity)
-    : N_(N),
+ExactObjective::ExactObjective(MatrixView<const double> X,
+                               std::size_t out_dims,
+                               double perplexity,
+                               const FitNotes& notes)
+    : N_(X.rows),
       out_dims_(out_dims),
       in_panels_(false),
-      diagonal_(malloc_array<double>(N)),
-      forces_(N, out_dims) {
-    print_remark("Exact?");
-    P_ = malloc_array<double>(panel_matrix_size(N));
-    exit_unless_allocated(P_, diagonal_);
-    dense_conditional_affinities(X, N, D, P_.get(), perplexity);
-    print_remark("Symmetrizing...\n");
-    add_transpose(P_.get(), N);
-    divide_by_sum(P_.get(), N * N);
+      diagonal_(malloc_array<double>(X.rows)),
+      forces_(X.rows, out_dims) {
+    tell(notes, FitNote::ExactMethod);
+    P_ = malloc_array<double>(panel_matrix_size(N_));
+    require_allocated(P_, diagonal_);
+    dense_conditional_affinities(X.values, N_, X.columns, P_.get(), perplexity, notes);
+    tell(notes, FitNote::Symmetrizing);
+    add_transpose(P_.get(), N_);
+    divide_by_sum(P_.get(), N_ * N_);
     // One sum divides all entries, so that a NaN among them has made all of them NaN.
-    if (N >= kFewestInPanels && out_dims > 0 && std::isfinite(P_[0])) {
+    if (N_ >= kFewestInPanels && out_dims > 0 && std::isfinite(P_[0])) {
         movePIntoPanels();
     }
 }
@@ -61,7 +65,7 @@ void ExactObjective::exaggerate(double factor) {
     }
 }
 
-void ExactObjective::relax(double factor) {
+void ExactObjective::endExaggeration(double factor) {
     divide_all(P_.get(), entryCount(), factor);
     if (in_panels_) {
         divide_all(diagonal_.get(), N_, factor);
@@ -87,7 +91,7 @@ void ExactObjective::gradient(const double* Y, double* dY) {
 
 double ExactObjective::costAndGradient(const double* Y, double* dY) {
     if (takeForPanels(Y)) {
-        return forces_.cost(P_.get(), diagonal_.get(), dY);
+        return unlessZero(forces_.cost(P_.get(), diagonal_.get(), dY), Y);
     }
     exact_gradient(P_.get(), Y, N_, out_dims_, dY);
     return exact_cost(P_.get(), Y, N_, out_dims_);
@@ -95,8 +99,17 @@ double ExactObjective::costAndGradient(const double* Y, double* dY) {
 
 double ExactObjective::cost(const double* Y) {
     if (takeForPanels(Y)) {
-        return forces_.cost(P_.get(), diagonal_.get(), nullptr);
+        return unlessZero(forces_.cost(P_.get(), diagonal_.get(), nullptr), Y);
     }
+    return exact_cost(P_.get(), Y, N_, out_dims_);
+}
+
+/// A cost that the quick way gave, or, where that is printed as zero, the sum in order.
+double ExactObjective::unlessZero(double cost, const double* Y) {
+    if (std::fabs(cost) >= kPrintsAsZero) {
+        return cost;
+    }
+    movePIntoRows();
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 

@@ -2,10 +2,12 @@
 
 #include <cstddef>
 
+#include "stats/fit_notes.h"
 #include "stats/objective.h"
 #include "stats/panels.h"
 #include "stats/symmetric_forces.h"
 #include "util/malloc_array.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -13,16 +15,18 @@ namespace ovik {
 class ExactObjective : public Objective {
   public:
     /// Computes the joint similarities of the rows of X, which sum to 1.
-    /// Remarks "Exact?" and "Symmetrizing...\n" go to standard error.
-    /// Ends the process with "Memory allocation failed!" if an N x N matrix does not fit in memory.
     ///
-    /// @param X         row-major, N x D; read here only
+    /// @param X         read here only
     /// @param out_dims  dimensions of the embedding
-    ExactObjective(
-        const double* X, std::size_t N, std::size_t D, std::size_t out_dims, double perplexity);
+    /// @param notes     told `ExactMethod`, `Symmetrizing` and what the similarities tell
+    /// @throws WorkMemoryError if an N x N matrix does not fit in memory
+    ExactObjective(MatrixView<const double> X,
+                   std::size_t out_dims,
+                   double perplexity,
+                   const FitNotes& notes = {});
 
     void exaggerate(double factor) override;
-    void relax(double factor) override;
+    void endExaggeration(double factor) override;
     void gradient(const double* Y, double* dY) override;
     double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
@@ -34,6 +38,7 @@ class ExactObjective : public Objective {
     void movePIntoPanels();
     void movePIntoRows();
     bool takeForPanels(const double* Y);
+    double unlessZero(double cost, const double* Y);
 
     /// Elements that P has, be they of points or of padding.
     [[nodiscard]] std::size_t entryCount() const {

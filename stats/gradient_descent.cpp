@@ -27,7 +27,7 @@ GradientDescent::GradientDescent(std::size_t count)
       gradient_(malloc_array<double>(count)),
       velocity_(malloc_array<double>(count)),
       gains_(malloc_array<double>(count)) {
-    exit_unless_allocated(gradient_, velocity_, gains_);
+    require_allocated(gradient_, velocity_, gains_);
     std::fill_n(velocity_.get(), count, 0.0);
     std::fill_n(gains_.get(), count, 1.0);
 }

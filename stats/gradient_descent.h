@@ -15,7 +15,7 @@ constexpr double kLearningRate = 200.0;
 class GradientDescent {
   public:
     /// Starts with no velocity and gains of 1 for an embedding of `count` elements.
-    /// Ends the process with "Memory allocation failed!" if the arrays do not fit in memory.
+    /// Throws WorkMemoryError if the arrays do not fit in memory.
     explicit GradientDescent(std::size_t count);
 
     /// Where the caller writes the gradient of the next step.

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/fit_options.h"
 #include "util/api.h"
 
 namespace ovik {
@@ -10,10 +11,7 @@ namespace ovik {
 struct RunSize {
     std::size_t rows = 0;
     std::size_t columns = 0;
-    std::size_t out_dims = 2;
-    double perplexity = 20.0;
-    /// 0 for the exact method.
-    double theta = 0.5;
+    FitOptions options;
     /// Whether chart page and figure are drawn.
     bool has_plots = true;
     std::size_t threads = 1;

@@ -6,7 +6,8 @@
 namespace ovik {
 
 /// What gradient descent needs of a method: the input similarities that it holds, and the gradient
-/// and cost of an embedding against them. An embedding is row-major, N x output dimensions.
+/// and cost of an embedding against them, which are made of attractive forces, repulsive forces and
+/// their normalisation. An embedding is row-major, N x output dimensions.
 class Objective {
   public:
     Objective() = default;
@@ -17,8 +18,8 @@ class Objective {
     /// Multiplies the similarities (early exaggeration).
     virtual void exaggerate(double factor) = 0;
 
-    /// Divides the similarities, which ends early exaggeration.
-    virtual void relax(double factor) = 0;
+    /// Divides the similarities: the end of early exaggeration.
+    virtual void endExaggeration(double factor) = 0;
 
     /// Writes the gradient at embedding Y, of the same shape.
     virtual void gradient(const double* Y, double* dY) = 0;

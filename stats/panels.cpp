@@ -15,7 +15,7 @@ void rewrite_panels(double* matrix, std::size_t point_count, const Body& body) {
     const std::size_t panels = padded_to_panels(point_count) / kPanelWidth;
     const auto copies =
         malloc_array<double>(static_cast<std::size_t>(worker_count(panels)) * panel_size);
-    exit_unless_allocated(copies);
+    require_allocated(copies);
     parallel_for(panels, 1, [&](std::size_t worker, IndexRange range) {
         double* const copy = copies.get() + worker * panel_size;
         for (std::size_t i = range.begin; i < range.end; ++i) {

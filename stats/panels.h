@@ -19,7 +19,7 @@ constexpr std::size_t panel_matrix_size(std::size_t point_count) {
 /// Brings a row-major matrix into panels, in place.
 ///
 /// @param matrix  room for panel_matrix_size(point_count) elements
-/// Ends the process with "Memory allocation failed!" if a panel per thread does not fit in memory.
+/// Throws WorkMemoryError if a panel per thread does not fit in memory.
 void rows_to_panels(double* matrix, std::size_t point_count);
 
 /// Undoes `rows_to_panels`.

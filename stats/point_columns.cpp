@@ -8,7 +8,7 @@ PointColumns::PointColumns(const double* points, std::size_t point_count, std::s
     : point_count_(point_count),
       dims_(dims),
       columns_(malloc_array<double>(point_count * dims)) {
-    exit_unless_allocated(columns_);
+    require_allocated(columns_);
     for (std::size_t n = 0; n < point_count; ++n) {
         for (std::size_t d = 0; d < dims; ++d) {
             columns_[d * point_count + n] = points[n * dims + d];

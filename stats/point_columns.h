@@ -11,7 +11,7 @@ namespace ovik {
 class PointColumns {
   public:
     /// @param points  row-major, point_count x dims
-    /// Ends the process with "Memory allocation failed!" if the copy does not fit in memory.
+    /// Throws WorkMemoryError if the copy does not fit in memory.
     PointColumns(const double* points, std::size_t point_count, std::size_t dims);
 
     /// Squared Euclidean distances of point n to every point.

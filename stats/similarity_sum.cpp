@@ -26,7 +26,7 @@ SimilaritySum::SimilaritySum(std::size_t point_count, const PairKernels& kernels
       row_sums_(malloc_array<double>(worker_count_ * padded_count_)),
       row_ties_(malloc_array<bool>(worker_count_ * padded_count_)),
       row_(malloc_array<double>(padded_count_)) {
-    exit_unless_allocated(shifts_, half_units_, row_sums_, row_ties_, row_);
+    require_allocated(shifts_, half_units_, row_sums_, row_ties_, row_);
     std::fill_n(shifts_.get(), padded_count_, kSmallestShift);
     std::fill_n(half_units_.get(), padded_count_, RoundingUnit(kSmallestBinade).half());
 }

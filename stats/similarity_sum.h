@@ -16,7 +16,7 @@ namespace ovik {
 /// again. What was there the last time decides how long it takes, never the result.
 class SimilaritySum {
   public:
-    /// For embeddings of `point_count` points. Ends the process with "Memory allocation failed!" if
+    /// For embeddings of `point_count` points. Throws WorkMemoryError if
     /// the arrays, O(point_count) per thread, do not fit in memory.
     explicit SimilaritySum(std::size_t point_count,
                            const PairKernels& kernels = pair_kernels(instruction_set()));

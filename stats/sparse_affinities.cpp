@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
 #include "stats/cached_neighbours.h"
-#include "util/console.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -30,6 +30,18 @@ void check_entry_count(std::size_t entries) {
     }
 }
 
+/// Every row is filled up with itself.
+NeighbourGraph graph_without_neighbours(std::size_t N, std::size_t neighbour_count) {
+    NeighbourGraph graph{N, neighbour_count, {}, {}};
+    graph.distances.assign(N * neighbour_count, std::numeric_limits<double>::infinity());
+    graph.neighbours.reserve(N * neighbour_count);
+    for (std::size_t n = 0; n < N; ++n) {
+        graph.neighbours.insert(
+            graph.neighbours.end(), neighbour_count, static_cast<std::uint32_t>(n));
+    }
+    return graph;
+}
+
 /// What one worker needs to calibrate row after row.
 struct RowScratch {
     NeighbourIndex::Queries queries;
@@ -41,18 +53,18 @@ class RowFiller {
   public:
     /// All but numbers has to outlive the object.
     ///
-    /// @param kept    null, or what keeps the index
+    /// @param hooks   `cached`, if there is one, holds the index; `graph` has room for all rows
     /// @param points  those of the index, row-major
     /// @param K       entries of a row
     RowFiller(const NeighbourIndex& index,
-              CachedNeighbours* kept,
+              const NeighbourHooks& hooks,
               const double* points,
               std::size_t dims,
               double perplexity,
               std::size_t K,
               SparseMatrix& matrix)
         : index_(index),
-          kept_(kept),
+          hooks_(hooks),
           points_(points),
           dims_(dims),
           perplexity_(perplexity),
@@ -65,15 +77,17 @@ class RowFiller {
         for (std::size_t i = positions.begin; i < positions.end; ++i) {
             targets[i - positions.begin] = points_ + index_.rowAt(i) * dims_;
         }
-        if (kept_ != nullptr) {
-            kept_->search(positions, targets, K_ + 1, scratch.queries);
+        if (hooks_.cached != nullptr) {
+            hooks_.cached->search(positions, targets, K_ + 1, scratch.queries);
         } else {
             index_.search(targets, positions.size(), K_ + 1, scratch.queries);
         }
         for (std::size_t i = positions.begin; i < positions.end; ++i) {
-            fillRow(index_.rowAt(i),
-                    scratch.queries.neighbours[i - positions.begin],
-                    scratch.squared_distances.data());
+            const auto& nearest = scratch.queries.neighbours[i - positions.begin];
+            fillRow(index_.rowAt(i), nearest, scratch.squared_distances.data());
+            if (hooks_.graph != nullptr) {
+                noteNeighbours(index_.rowAt(i), nearest);
+            }
         }
     }
 
@@ -105,8 +119,17 @@ class RowFiller {
         std::fill(similarities + count, similarities + K_, 0.0);
     }
 
+    /// Takes the neighbours of point n over into the graph, which is filled up beforehand.
+    void noteNeighbours(std::size_t n,
+                        const std::vector<NeighbourIndex::Neighbour>& nearest) const {
+        for (std::size_t m = 0; m + 1 < nearest.size(); ++m) {
+            hooks_.graph->neighbours[n * K_ + m] = index_.rowAt(nearest[m + 1].position);
+            hooks_.graph->distances[n * K_ + m] = nearest[m + 1].distance;
+        }
+    }
+
     const NeighbourIndex& index_;
-    CachedNeighbours* kept_;
+    const NeighbourHooks& hooks_;
     const double* points_;
     std::size_t dims_;
     double perplexity_;
@@ -153,7 +176,7 @@ class Transposed {
         const auto team =
             static_cast<std::size_t>(std::min(worker_count(N, kRowGrain), kMostCounters));
         const auto next = calloc_array<unsigned int>(team * N);
-        exit_unless_allocated(starts_, arrivals_, next);
+        require_allocated(starts_, arrivals_, next);
         // Each worker's rows come before the next one's in every column.
         for_each_entry(P, N, team, [&](std::size_t worker, Arrival arrival) {
             ++next[worker * N + P.col_P[arrival.entry]];
@@ -252,24 +275,30 @@ SparseMatrix neighbour_affinities(const double* points,
                                   std::size_t dims,
                                   double perplexity,
                                   int K,
-                                  CachedNeighbours* kept) {
+                                  const NeighbourHooks& hooks) {
     if (perplexity > static_cast<double>(K)) {
-        print_remark("Perplexity should be lower than K!\n");
+        tell(hooks.notes, FitNote::PerplexityAboveNeighbours);
+    }
+    if (K < 0 && N > 0) {
+        throw WorkMemoryError();
     }
     const auto row_length = static_cast<std::size_t>(std::max(K, 0));
     check_entry_count(N * row_length);
     SparseMatrix matrix{malloc_array<unsigned int>(N + 1),
                         calloc_array<unsigned int>(N * row_length),
                         calloc_array<double>(N * row_length)};
-    exit_unless_allocated(matrix.row_P, matrix.col_P, matrix.val_P);
+    require_allocated(matrix.row_P, matrix.col_P, matrix.val_P);
     for (std::size_t n = 0; n <= N; ++n) {
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
     std::optional<NeighbourIndex> own_index;
-    const NeighbourIndex& index =
-        kept != nullptr ? kept->index(points, N, dims) : own_index.emplace(points, N, dims);
-    print_info("Building tree ...");
-    const RowFiller rows(index, kept, points, dims, perplexity, row_length, matrix);
+    const NeighbourIndex& index = hooks.cached != nullptr ? hooks.cached->index(points, N, dims)
+                                                          : own_index.emplace(points, N, dims);
+    tell(hooks.notes, FitNote::NeighbourIndexBuilt);
+    if (hooks.graph != nullptr) {
+        *hooks.graph = graph_without_neighbours(N, row_length);
+    }
+    const RowFiller rows(index, hooks, points, dims, perplexity, row_length, matrix);
     // In tree order: near points look at the same blocks.
     const std::size_t tasks = (N + kTargetsPerTask - 1) / kTargetsPerTask;
     const int workers = worker_count(tasks);
@@ -290,7 +319,7 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
     const Transposed transposed(P, N);
     const auto row_counts = malloc_array<unsigned int>(N);
     auto row_P = malloc_array<unsigned int>(N + 1);
-    exit_unless_allocated(row_counts, row_P);
+    require_allocated(row_counts, row_P);
     for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
         unsigned int count = 0;
         for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int, double) { ++count; });
@@ -303,7 +332,7 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
     std::partial_sum(row_counts.get(), row_counts.get() + N, row_P.get() + 1);
     SparseMatrix result{
         std::move(row_P), malloc_array<unsigned int>(entries), malloc_array<double>(entries)};
-    exit_unless_allocated(result.col_P, result.val_P);
+    require_allocated(result.col_P, result.val_P);
     for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
         std::size_t slot = result.row_P[n];
         for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int column, double value) {

@@ -2,33 +2,45 @@
 
 #include <cstddef>
 
+#include "stats/fit_notes.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 
 namespace ovik {
 
 class CachedNeighbours;
+struct NeighbourGraph;
 
-/// Conditional similarities of every point to its nearest neighbours, each row calibrated to a
+/// What a search for neighbours takes from, and gives to, its surroundings.
+struct NeighbourHooks {
+    /// Told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
+    FitNotes notes = {};
+    /// Null for a search from nothing, else neighbours of other runs over the same points, at least
+    /// as many of each.
+    CachedNeighbours* cached = nullptr;
+    /// Null, or what takes the neighbours that are found.
+    NeighbourGraph* graph = nullptr;
+};
+
+/// Conditional affinities of every point to its nearest neighbours, each row calibrated to a
 /// perplexity (at most 200 attempts) and normalised to sum 1.
 ///
 /// The K + 1 nearest are asked of a vantage-point tree and the first, taken to be the point itself,
 /// is skipped. Where a point has fewer neighbours (K is not below N, or distances are not finite)
 /// the rest of its row points at the point itself with similarity 0.0. Queries are spread over the
-/// cores. Prints "Perplexity should be lower than K!" on standard error if so, and goes on. Ends
-/// the process with "Memory allocation failed!" if the matrix does not fit in memory.
+/// cores. A perplexity above K is told of, and the work goes on.
 ///
 /// @param points  row-major, N x dims
-/// @param K       entries per row; 0 or less gives empty rows
-/// @param kept    neighbours of other runs over the same points, at least K of each; null for a
-///                search from nothing
+/// @param K       entries per row
+/// @throws WorkMemoryError if the matrix does not fit in memory; a negative K asks for more than
+/// there can be
 /// @throws std::length_error if N * K exceeds the 32 bits of a row start
 OVIK_API SparseMatrix neighbour_affinities(const double* points,
                                            std::size_t N,
                                            std::size_t dims,
                                            double perplexity,
                                            int K,
-                                           CachedNeighbours* kept = nullptr);
+                                           const NeighbourHooks& hooks = {});
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///

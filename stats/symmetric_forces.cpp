@@ -33,7 +33,7 @@ SymmetricForces::SymmetricForces(std::size_t point_count,
       coordinates_(calloc_array<double>(padded_to_panels(point_count) * dims)),
       forces_(malloc_array<double>(padded_to_panels(point_count) * dims)),
       costs_(malloc_array<double>(padded_to_panels(point_count))) {
-    exit_unless_allocated(coordinates_, forces_, costs_);
+    require_allocated(coordinates_, forces_, costs_);
 }
 
 bool SymmetricForces::take(const double* Y) {

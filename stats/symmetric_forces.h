@@ -16,8 +16,8 @@ namespace ovik {
 /// same for any number of threads and on any processor.
 class SymmetricForces {
   public:
-    /// For at least 2 points in at least 1 dimension. Ends the process with "Memory allocation
-    /// failed!" if the arrays, O(point_count), do not fit in memory.
+    /// For at least 2 points in at least 1 dimension. Throws WorkMemoryError
+    ///  if the arrays, O(point_count), do not fit in memory.
     SymmetricForces(std::size_t point_count,
                     std::size_t dims,
                     const PairKernels& kernels = pair_kernels(instruction_set()));

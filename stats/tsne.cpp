@@ -54,21 +54,22 @@ TSNE<T>::~TSNE() = default;
 template <typename T>
 void TSNE<T>::init(std::string path, int max_iter, char delimiter) {
     this->max_iter = max_iter;
-    perplexity = 20.0;
-    theta = 0.5;
+    perplexity = FitOptions().perplexity;
+    theta = FitOptions().theta;
+    // What a caller has put there since `finish` is to be released as well.
+    input_is_released_ = !holdsInput();
     Rows rows;
     const std::size_t first_name = row_names.size();
     try {
         read_matrix_w_index<double>(rows, row_names, path, 1, delimiter);
         check_shape(path, rows, row_names.data() + first_name);
         const std::size_t columns = rows.front().size();
-        const auto count = static_cast<std::ptrdiff_t>(rows.size() * columns);
-        replaceArray(X, released_X_, create_vec_malloc<double>(count, 0.0));
+        const std::size_t count = rows.size() * columns;
+        replaceArray(X, input_is_released_, new_array(count, 0.0));
     } catch (...) {
         row_names.resize(first_name);
         throw;
     }
-    first_row_name_ = first_name;
     N = static_cast<int>(rows.size());
     D = static_cast<int>(rows.front().size());
     const std::size_t columns = rows.front().size();
@@ -78,25 +79,33 @@ void TSNE<T>::init(std::string path, int max_iter, char delimiter) {
 }
 
 template <typename T>
+bool TSNE<T>::holdsInput() const {
+    return !input_is_released_ || N != 0 || D != 0;
+}
+
+template <typename T>
 void TSNE<T>::finish() {
-    for (auto [member, released] : {std::pair{&X, &released_X_}, std::pair{&Y, &released_Y_}}) {
-        if (*member != *released) {
-            delete[] * member;
-            *released = *member;
-        }
+    if (holdsInput()) {
+        delete[] X;
     }
+    if (!Y_is_released_) {
+        delete[] Y;
+    }
+    input_is_released_ = true;
+    Y_is_released_ = true;
+    N = 0;
+    D = 0;
     replaced_.clear();
 }
 
-/// Puts a new array in the place of `X` or `Y`; an earlier one is kept for `finish`.
+/// Puts a new array in the place of `X` or `Y`; an earlier one waits for `finish`.
 template <typename T>
-void TSNE<T>::replaceArray(double*& member, double*& released, double* fresh) {
-    std::unique_ptr<double[]> owned(fresh);
-    if (member != nullptr && member != released) {
+void TSNE<T>::replaceArray(double*& member, bool& is_released, std::unique_ptr<double[]> fresh) {
+    if (member != nullptr && !is_released) {
         replaced_.emplace_back(member);
     }
-    member = owned.release();
-    released = nullptr;
+    member = fresh.release();
+    is_released = false;
 }
 
 template class TSNE<float>;

@@ -3,21 +3,23 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "stats/fit_options.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
-class CheckpointKeeper;
 class CachedNeighbours;
-class Optimisation;
+struct FitReport;
 struct RunCaption;
 struct RunIdentity;
 
@@ -63,7 +65,7 @@ class TSNE {
     int N = 0;
     /// Columns (measurements).
     int D = 0;
-    /// One name per row.
+    /// One name per row: if there are more, the last ones are those of the rows.
     std::vector<std::string> row_names;
     /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`.
     double* X = nullptr;
@@ -137,7 +139,9 @@ class TSNE {
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
     /// @throws std::invalid_argument if `checkpoint_every` is below 1
-    /// @throws InputError as `checkResume` does, before anything is printed or written
+    /// @throws std::bad_array_new_length if `no_dims` is negative
+    /// @throws InputError if `row_names` has fewer names than there are rows, and as `checkResume`
+    /// does, before anything is printed or written
     OVIK_API void actuate(int no_dims,
                           double perplexity,
                           std::vector<std::string> labels,
@@ -163,7 +167,9 @@ class TSNE {
                               int stop_lying_iter,
                               int mom_switch_iter) const;
 
-    /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced.
+    /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced. `N` and
+    /// `D` become 0: there is no input any more, until `init`, or a caller who sets `X`, `N` and
+    /// `D`.
     OVIK_API void finish();
 
     /// Whether the last `actuate` wrote its result table.
@@ -253,26 +259,24 @@ class TSNE {
     OVIK_API static double randn();
 
   private:
-    void replaceArray(double*& member, double*& released, double* fresh);
+    void replaceArray(double*& member, bool& is_released, std::unique_ptr<double[]> fresh);
+    [[nodiscard]] bool holdsInput() const;
     void requireInput() const;
-    [[nodiscard]] RunIdentity runIdentity(int no_dims,
-                                          double perplexity,
-                                          int stop_lying_iter,
-                                          int mom_switch_iter) const;
-    void fit(Optimisation& optimisation, CheckpointKeeper& keeper) const;
-    [[nodiscard]] std::vector<std::pair<std::string, std::string>> captionParameters(
-        int no_dims,
-        int stop_lying_iter,
-        int mom_switch_iter,
-        const IterationReport& reached) const;
+    void requireNames() const;
+    [[nodiscard]] std::span<const std::string> currentNames() const;
+    [[nodiscard]] FitOptions fitOptions(int no_dims,
+                                        double perplexity,
+                                        int stop_lying_iter,
+                                        int mom_switch_iter) const;
+    [[nodiscard]] RunIdentity runIdentity(const FitOptions& options) const;
+    [[nodiscard]] MatrixView<double> makeEmbedding(int no_dims);
+    FitReport fitAndReport(const FitOptions& options);
     void forgetResults();
     void writeResults(int no_dims, RunCaption caption);
 
-    /// Where the names of the current rows begin in `row_names`.
-    std::size_t first_row_name_ = 0;
-    /// What `finish` released, so that it is neither released nor kept again.
-    double* released_X_ = nullptr;
-    double* released_Y_ = nullptr;
+    /// Whether `finish` has released `X`, and no other has taken its place since.
+    bool input_is_released_ = false;
+    bool Y_is_released_ = false;
     /// Arrays that a later `init` or `actuate` replaced.
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;

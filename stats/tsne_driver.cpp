@@ -2,10 +2,10 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
-#include <ctime>
-#include <memory>
+#include <limits>
+#include <new>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -17,17 +17,17 @@
 #include "results/checkpoint_keeper.h"
 #include "results/result_table.h"
 #include "results/run_log.h"
-#include "stats/barnes_hut_objective.h"
-#include "stats/centring.h"
-#include "stats/exact_objective.h"
-#include "stats/gradient_descent.h"
-#include "stats/normal_deviates.h"
-#include "stats/optimisation.h"
+#include "stats/exit_without_memory.h"
+#include "stats/fit.h"
+#include "stats/fit_console.h"
+#include "stats/method.h"
+#include "stats/option_texts.h"
 #include "stats/plot_columns.h"
 #include "stats/plot_hand_off.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
+#include "util/input_error.h"
 #include "util/partial_entry.h"
 #include "util/stopwatch.h"
 
@@ -37,68 +37,9 @@ namespace ovik {
 
 namespace {
 
-constexpr int kRandomSeed = 11;
-
-/// Processor time in seconds.
-float seconds(std::clock_t elapsed) {
-    return static_cast<float>(elapsed) / 1000000.0F;
-}
-
-void seed_random_stream() {
-    std::srand(static_cast<unsigned int>(kRandomSeed));
-    print_info("Random seed:  " + num2string(kRandomSeed));
-}
-
-/// Tells the user of a perplexity that the number of points cannot bear; the run goes on.
-void check_perplexity(double perplexity, int N) {
-    if (3.0 * perplexity > static_cast<double>(N - 1)) {
-        // The bound has five digits of a third on purpose, and is cut, not rounded.
-        const double bound = (N - 1) * 0.33333;
-        print_text(
-            "Error: perplexity is too large for the number of data points! It should be <= " +
-                num2string(bound, 1),
-            1,
-            '\n');
-    }
-}
-
-template <typename T>
-void report_progress(const IterationReport& reached) {
-    char cost_text[512];  // "%f" of a double has at most 317 characters
-    std::snprintf(cost_text, sizeof cost_text, "%f", reached.cost);
-    progress_bar<T>("Got error of " + std::string(cost_text) + " at iteration",
-                    reached.iteration,
-                    reached.max_iter,
-                    "",
-                    T(),
-                    0);
-}
-
 /// The reason that `errno` has, unless all went well.
 std::error_code failure_unless(bool done) {
     return done ? std::error_code() : std::error_code(errno, std::generic_category());
-}
-
-/// A number as a reader writes it: 30, 12.75.
-std::string plain_number(double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%g", value);
-    return text;
-}
-
-/// Computes the similarities; a theta of exactly 0 selects the exact method.
-std::unique_ptr<Objective> make_objective(const double* X,
-                                          std::size_t rows,
-                                          std::size_t columns,
-                                          std::size_t out_dims,
-                                          double perplexity,
-                                          double theta,
-                                          CachedNeighbours* kept) {
-    if (theta == 0.0) {
-        return std::make_unique<ExactObjective>(X, rows, columns, out_dims, perplexity);
-    }
-    return std::make_unique<BarnesHutObjective>(
-        X, rows, columns, out_dims, perplexity, theta, kept);
 }
 
 /// @throws InputError if the run cannot go on from there
@@ -108,31 +49,99 @@ Checkpoint read_resumed(const std::string& path, const RunIdentity& run, int max
     return checkpoint;
 }
 
+FitState state_of(const Checkpoint& checkpoint) {
+    FitState state;
+    state.reached.iteration = checkpoint.iteration;
+    state.reached.cost = checkpoint.cost;
+    state.embedding = checkpoint.embedding;
+    state.velocity = checkpoint.velocity;
+    state.gains = checkpoint.gains;
+    return state;
+}
+
+FitSnapshot snapshot_of(const FitState& state) {
+    return {
+        state.reached.iteration, state.reached.cost, state.embedding, state.velocity, state.gains};
+}
+
+/// Names and values of the run's parameters, as the plots show them.
+std::vector<std::pair<std::string, std::string>> caption_parameters(const FitOptions& options,
+                                                                    int N,
+                                                                    int D,
+                                                                    const FitReport& report) {
+    std::vector<std::pair<std::string, std::string>> parameters{
+        {"Method", std::string(method_of(options).name) + " t-SNE"},
+        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"}};
+    visit_fit_options(options, [&parameters](const auto& option) {
+        // The page of a run that was ended is that of a run with this last iteration.
+        if (option.words.decides_states) {
+            parameters.emplace_back(option.words.title, plain_number(option.value));
+        }
+    });
+    char cost[64];
+    std::snprintf(cost, sizeof cost, "%g", report.reached.cost);
+    parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
+    parameters.emplace_back("Final cost", cost);
+    return parameters;
+}
+
 }  // namespace
 
 template <typename T>
 void TSNE<T>::requireInput() const {
-    if (X != nullptr && X == released_X_) {
-        throw std::logic_error("the input was released by finish: call init before actuate");
+    if (!holdsInput()) {
+        throw std::logic_error(
+            "the input was released by finish: call init, or set X, N and D, before actuate");
+    }
+}
+
+/// The names of the rows at hand: the last ones, since `init` puts those of further rows behind.
+template <typename T>
+std::span<const std::string> TSNE<T>::currentNames() const {
+    const std::size_t count = std::min(static_cast<std::size_t>(std::max(N, 0)), row_names.size());
+    return std::span<const std::string>(row_names).last(count);
+}
+
+template <typename T>
+void TSNE<T>::requireNames() const {
+    if (currentNames().size() < static_cast<std::size_t>(std::max(N, 0))) {
+        throw InputError("row_names holds " + std::to_string(row_names.size()) +
+                         " names, and there are " + std::to_string(N) +
+                         " rows: every row needs one, the last names are those of the rows");
     }
 }
 
 template <typename T>
-RunIdentity TSNE<T>::runIdentity(int no_dims,
-                                 double perplexity,
-                                 int stop_lying_iter,
-                                 int mom_switch_iter) const {
+FitOptions TSNE<T>::fitOptions(int no_dims,
+                               double perplexity,
+                               int stop_lying_iter,
+                               int mom_switch_iter) const {
+    FitOptions options;
+    options.perplexity = perplexity;
+    options.theta = theta;
+    options.out_dims = no_dims;
+    options.max_iter = max_iter;
+    options.stop_lying_iter = stop_lying_iter;
+    options.mom_switch_iter = mom_switch_iter;
+    return options;
+}
+
+template <typename T>
+RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
     const auto rows = static_cast<std::size_t>(std::max(N, 0));
     const auto columns = static_cast<std::size_t>(std::max(D, 0));
-    return {rows,
-            columns,
-            static_cast<std::size_t>(std::max(no_dims, 0)),
-            perplexity,
-            theta,
-            stop_lying_iter,
-            mom_switch_iter,
-            digest_of(X, rows * columns),
-            digest_of(row_names.data() + first_row_name_, rows)};
+    RunIdentity run{rows,
+                    columns,
+                    static_cast<std::size_t>(std::max(options.out_dims, 0)),
+                    {},
+                    digest_of({X, rows * columns}),
+                    digest_of(currentNames())};
+    visit_fit_options(options, [&run](const auto& option) {
+        if (option.words.decides_states) {
+            run.options.emplace_back(option.words.name, shortest_text(option.value));
+        }
+    });
+    return run;
 }
 
 template <typename T>
@@ -143,47 +152,9 @@ void TSNE<T>::checkResume(int no_dims,
     requireInput();
     if (!resume_path.empty()) {
         read_resumed(resume_path,
-                     runIdentity(no_dims, perplexity, stop_lying_iter, mom_switch_iter),
+                     runIdentity(fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter)),
                      max_iter);
     }
-}
-
-/// Iterates until the last iteration, or until `on_iteration` ends the fit.
-template <typename T>
-void TSNE<T>::fit(Optimisation& optimisation, CheckpointKeeper& keeper) const {
-    bool goes_on = true;
-    while (goes_on && !optimisation.isDone()) {
-        optimisation.iterate();
-        report_progress<T>(optimisation.reached());
-        goes_on = !on_iteration || on_iteration(optimisation.reached());
-        keeper.keep(optimisation, !goes_on || optimisation.isDone());
-    }
-    end_progress_bar();
-    if (!optimisation.isDone()) {
-        print_info("Ended early, at iteration " + std::to_string(optimisation.reached().iteration) +
-                   " of " + std::to_string(max_iter));
-    }
-}
-
-/// Names and values of the run's parameters, as the plots show them.
-template <typename T>
-std::vector<std::pair<std::string, std::string>> TSNE<T>::captionParameters(
-    int no_dims, int stop_lying_iter, int mom_switch_iter, const IterationReport& reached) const {
-    return {
-        {"Method", theta == 0.0 ? "exact t-SNE" : "Barnes-Hut t-SNE"},
-        {"Perplexity", plain_number(perplexity)},
-        {"Theta", plain_number(theta)},
-        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"},
-        {"Output dimensions", std::to_string(no_dims)},
-        {"Last iteration", std::to_string(reached.iteration)},
-        {"Early exaggeration",
-         plain_number(kEarlyExaggeration) + " until iteration " + std::to_string(stop_lying_iter)},
-        {"Momentum",
-         plain_number(kInitialMomentum) + ", after iteration " + std::to_string(mom_switch_iter) +
-             " " + plain_number(kFinalMomentum)},
-        {"Learning rate", plain_number(kLearningRate)},
-        {"Random seed", std::to_string(kRandomSeed)},
-        {"Final cost", plain_number(reached.cost)}};
 }
 
 template <typename T>
@@ -192,12 +163,12 @@ void TSNE<T>::actuate(int no_dims,
                       std::vector<std::string> labels,
                       int stop_lying_iter,
                       int mom_switch_iter) {
-    const IterationReport reached = embed(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+    requireNames();
+    const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+    const FitReport report = fitAndReport(options);
     Stopwatch watch;
     writeResults(no_dims,
-                 {data_title,
-                  captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
-                  std::move(labels)});
+                 {data_title, caption_parameters(options, N, D, report), std::move(labels)});
     times_.results = watch.lap();
 }
 
@@ -206,64 +177,72 @@ IterationReport TSNE<T>::embed(int no_dims,
                                double perplexity,
                                int stop_lying_iter,
                                int mom_switch_iter) {
-    this->perplexity = perplexity;
+    return fitAndReport(fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter)).reached;
+}
+
+/// Makes room for the embedding.
+template <typename T>
+MatrixView<double> TSNE<T>::makeEmbedding(int no_dims) {
+    if (N < 0 || no_dims < 0) {
+        throw std::bad_array_new_length();
+    }
+    const auto rows = static_cast<std::size_t>(N);
+    const auto out_dims = static_cast<std::size_t>(no_dims);
+    replaceArray(Y, Y_is_released_, new_array(rows * out_dims, 0.0));
+    return {Y, rows, out_dims};
+}
+
+/// Fits the embedding, with the console's lines, checkpoints and the caller's own hook.
+template <typename T>
+FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
+    perplexity = options.perplexity;
     requireInput();
     if (checkpoint_every < 1) {
         throw std::invalid_argument("checkpoint_every has to be at least 1");
     }
     RunIdentity run;
     if (!checkpoint_path.empty() || !resume_path.empty()) {
-        run = runIdentity(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+        run = runIdentity(options);
     }
     std::optional<Checkpoint> resumed;
     if (!resume_path.empty()) {
         resumed = read_resumed(resume_path, run, max_iter);
     }
     forgetResults();
-    const auto rows = static_cast<std::size_t>(std::max(N, 0));
-    const auto columns = static_cast<std::size_t>(std::max(D, 0));
-    const auto out_dims = static_cast<std::size_t>(std::max(no_dims, 0));
-    const std::size_t count = rows * out_dims;
-    replaceArray(
-        Y, released_Y_, create_vec_malloc<double>(static_cast<std::ptrdiff_t>(count), 0.0));
-
-    seed_random_stream();
-    check_perplexity(perplexity, N);
-    print_info("Launching t-SNE at perplexity = " + num2string(perplexity, 2) +
-               " and theta = " + num2string(theta, 2));
-    auto descent = std::make_unique<GradientDescent>(count);
-
-    print_info("Computing similarities between inputs");
-    std::clock_t start = std::clock();
-    Stopwatch watch;
-    centre_and_scale(X, rows, columns);
-    auto objective =
-        make_objective(X, rows, columns, out_dims, perplexity, theta, cached_neighbours.get());
-    std::clock_t end = std::clock();
-    times_.similarities = watch.lap();
-    objective->exaggerate(kEarlyExaggeration);
-    draw_initial_embedding(Y, count);
-    print_info(objective->report(end - start));
-
-    start = std::clock();
-    const Schedule schedule{max_iter, stop_lying_iter, mom_switch_iter};
-    Optimisation optimisation(*objective, *descent, {Y, rows, out_dims}, schedule);
-    if (resumed) {
-        optimisation.resume(*resumed);
-        resumed.reset();
-        print_info("Going on after iteration " + std::to_string(optimisation.reached().iteration) +
-                   ", from checkpoint " + resume_path);
-    }
-    CheckpointKeeper keeper(checkpoint_path, checkpoint_every, run);
-    fit(optimisation, keeper);
+    const MatrixView<double> embedding = makeEmbedding(options.out_dims);
+    print_launch(options, N);
+    CheckpointKeeper keeper(checkpoint_path, checkpoint_every, std::move(run));
+    FitHooks hooks;
+    hooks.on_note = console_notes(options.perplexity);
+    hooks.on_similarities = [&](const std::string& message) {
+        print_info(message);
+        if (resumed) {
+            print_info("Going on after iteration " + std::to_string(resumed->iteration) +
+                       ", from checkpoint " + resume_path);
+        }
+    };
+    hooks.on_iteration = [&](const FitState& state) {
+        print_progress<T>(state.reached);
+        const bool goes_on = !on_iteration || on_iteration(state.reached);
+        if (state.reached.finite) {
+            keeper.keep(snapshot_of(state), !goes_on || state.isLast());
+        }
+        return goes_on;
+    };
+    const std::optional<FitState> start =
+        resumed ? std::optional(state_of(*resumed)) : std::nullopt;
+    hooks.resumed_state = start ? &*start : nullptr;
+    hooks.cached_neighbours = cached_neighbours.get();
+    FitReport report = exiting_without_memory([&] {
+        const auto columns = static_cast<std::size_t>(std::max(D, 0));
+        return fit_into(embedding, {X, embedding.rows, columns}, options, hooks);
+    });
+    print_end_of_iterations(report.reached);
     checkpoint_failure_ = keeper.failure();
-    final_cost_ = optimisation.finalCost();
-    end = std::clock();
-    descent.reset();
-    objective.reset();
-    times_.fitting = watch.lap();
-    print_info("Performed fitting in " + num2string(seconds(end - start)) + "s");
-    return optimisation.reached();
+    final_cost_ = report.final_cost;
+    times_ = report.seconds;
+    print_fitting_time(report.fitting_clock);
+    return report;
 }
 
 /// Of an earlier run.
@@ -283,7 +262,7 @@ void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
     auto table = make_result_table<T>(Y,
                                       static_cast<std::size_t>(N),
                                       static_cast<std::size_t>(std::max(no_dims, 0)),
-                                      row_names.data() + first_row_name_,
+                                      currentNames().data(),
                                       gene_func_map);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_entries(out_base);

@@ -6,6 +6,8 @@
 #include "stats/centring.h"
 #include "stats/dense_affinities.h"
 #include "stats/exact_forces.h"
+#include "stats/exit_without_memory.h"
+#include "stats/fit_console.h"
 #include "stats/normal_deviates.h"
 #include "stats/pairwise_distances.h"
 #include "stats/sparse_affinities.h"
@@ -22,6 +24,14 @@ std::size_t size(int count) {
     return static_cast<std::size_t>(std::max(count, 0));
 }
 
+/// The same where the count is that of a work array, and a negative one is more than there can be.
+std::size_t work_size(int count) {
+    if (count < 0) {
+        throw WorkMemoryError();
+    }
+    return static_cast<std::size_t>(count);
+}
+
 void hand_over(SparseMatrix& matrix, unsigned int** row_P, unsigned int** col_P, double** val_P) {
     *row_P = matrix.row_P.release();
     *col_P = matrix.col_P.release();
@@ -32,13 +42,15 @@ void hand_over(SparseMatrix& matrix, unsigned int** row_P, unsigned int** col_P,
 
 template <typename T>
 void TSNE<T>::computeSquaredEuclideanDistance(const double* X, int N, int D, double* DD) {
-    squared_distance_matrix(X, size(N), size(D), DD);
+    exiting_without_memory([=] { squared_distance_matrix(X, size(N), size(D), DD); });
 }
 
 template <typename T>
 void TSNE<T>::computeGaussianPerplexity(
     const double* X, int N, int D, double* P, double perplexity) {
-    dense_conditional_affinities(X, size(N), size(D), P, perplexity);
+    exiting_without_memory([=] {
+        dense_conditional_affinities(X, size(N), size(D), P, perplexity, console_notes(perplexity));
+    });
 }
 
 template <typename T>
@@ -51,17 +63,22 @@ void TSNE<T>::computeGaussianPerplexity(const double* X,
                                         double** val_P,
                                         double perplexity,
                                         int K) {
-    SparseMatrix matrix = neighbour_affinities(X, size(N), size(D), perplexity, K);
-    hand_over(matrix, row_P, col_P, val_P);
+    exiting_without_memory([=] {
+        SparseMatrix matrix = neighbour_affinities(
+            X, work_size(N), size(D), perplexity, K, {console_notes(perplexity)});
+        hand_over(matrix, row_P, col_P, val_P);
+    });
 }
 
 template <typename T>
 void TSNE<T>::symmetrizeMatrix(unsigned int** row_P, unsigned int** col_P, double** val_P, int N) {
-    SparseMatrix matrix = symmetrized({*row_P, *col_P, *val_P}, size(N));
-    std::free(*row_P);
-    std::free(*col_P);
-    std::free(*val_P);
-    hand_over(matrix, row_P, col_P, val_P);
+    exiting_without_memory([=] {
+        SparseMatrix matrix = symmetrized({*row_P, *col_P, *val_P}, work_size(N));
+        std::free(*row_P);
+        std::free(*col_P);
+        std::free(*val_P);
+        hand_over(matrix, row_P, col_P, val_P);
+    });
 }
 
 template <typename T>
@@ -75,17 +92,19 @@ void TSNE<T>::computeGradient(const double* /*P*/,
                               int D,
                               double* dC,
                               double theta) {
-    barnes_hut_gradient({row_P, col_P, val_P}, Y, size(N), size(D), dC, theta);
+    exiting_without_memory([=] {
+        barnes_hut_gradient({row_P, col_P, val_P}, Y, work_size(N), work_size(D), dC, theta);
+    });
 }
 
 template <typename T>
 void TSNE<T>::computeExactGradient(const double* P, const double* Y, int N, int D, double* dC) {
-    exact_gradient(P, Y, size(N), size(D), dC);
+    exiting_without_memory([=] { exact_gradient(P, Y, size(N), size(D), dC); });
 }
 
 template <typename T>
 double TSNE<T>::evaluateError(const double* P, const double* Y, int N, int D) {
-    return exact_cost(P, Y, size(N), size(D));
+    return exiting_without_memory([=] { return exact_cost(P, Y, size(N), size(D)); });
 }
 
 template <typename T>
@@ -96,12 +115,14 @@ double TSNE<T>::evaluateError(const unsigned int* row_P,
                               int N,
                               int D,
                               double theta) {
-    return barnes_hut_cost({row_P, col_P, val_P}, Y, size(N), size(D), theta);
+    return exiting_without_memory([=] {
+        return barnes_hut_cost({row_P, col_P, val_P}, Y, size(N), size(D), theta);
+    });
 }
 
 template <typename T>
 void TSNE<T>::zeroMean(double* X, int N, int D) {
-    zero_mean(X, size(N), size(D));
+    exiting_without_memory([=] { zero_mean(X, size(N), work_size(D)); });
 }
 
 template <typename T>

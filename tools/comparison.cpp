@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "plots/comparison_page.h"
+#include "stats/method.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -36,9 +37,7 @@ Facts input_facts(const ComparisonEntry& entry) {
     return {
         {"Input",
          counted(entry.rows, "row", "rows") + ", " + counted(entry.columns, "column", "columns")},
-        {"Method",
-         entry.theta == 0.0 ? "exact t-SNE"
-                            : "Barnes-Hut t-SNE, theta " + shortest_text(entry.theta)}};
+        {"Method", method_of(entry.options).title(entry.options)}};
 }
 
 Facts run_facts(const RunRecord& run) {
@@ -101,6 +100,18 @@ RunRecord record_of(const Json& run) {
     return record;
 }
 
+/// The options of a fit, as far as a report has them.
+FitOptions fit_options_of(const Json& options) {
+    FitOptions fit;
+    visit_fit_options(fit, [&options](const auto& option) {
+        const auto found = options.find(std::string(option.words.name));
+        if (found != options.end()) {
+            found->get_to(option.value);
+        }
+    });
+    return fit;
+}
+
 /// The runs of a report.
 ///
 /// @throws InputError if it is none
@@ -120,7 +131,7 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
             entries.push_back({options.at("title").get<std::string>(),
                                input.at("rows").get<std::size_t>(),
                                input.at("columns").get<std::size_t>(),
-                               options.at("theta").get<double>(),
+                               fit_options_of(options),
                                record_of(run),
                                directory});
         }

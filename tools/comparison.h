@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "stats/fit_options.h"
+
 #include "tools/exit_status.h"
 #include "tools/options.h"
 #include "tools/run_record.h"
@@ -17,7 +19,8 @@ struct ComparisonEntry {
     std::string title;
     std::size_t rows = 0;
     std::size_t columns = 0;
-    double theta = 0.5;
+    /// Those by which the method is known.
+    FitOptions options;
     RunRecord run;
     /// What relative paths of the run's files start from.
     std::filesystem::path directory;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "stats/method.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -32,10 +33,10 @@ void print_plan(const Options& options,
     }
     print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
                counted(size.columns, "column", "columns"));
-    print_info("Method: " + std::string(size.theta == 0.0 ? "exact" : "Barnes-Hut") +
-               " (theta = " + num2string(size.theta, 2) + "), perplexity " + all_perplexities +
-               ", " + std::to_string(size.out_dims) + " dimensions, " +
-               std::to_string(options.max_iter + 1) + " iterations");
+    print_info("Method: " + std::string(method_of(options.fit).name) +
+               " (theta = " + num2string(options.fit.theta, 2) + "), perplexity " +
+               all_perplexities + ", " + std::to_string(options.fit.out_dims) + " dimensions, " +
+               std::to_string(options.fit.max_iter + 1) + " iterations");
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)
                     ? "; " + memory_text(available.bytes) + " are left " + available.limit

@@ -52,12 +52,12 @@ void report_file(const ResultFile& file) {
 /// Fills the parameters of a fresh object in, as its own loading of a file would.
 template <typename T>
 void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
-    tsne.max_iter = options.max_iter;
+    tsne.max_iter = options.fit.max_iter;
     tsne.N = static_cast<int>(input.rows);
     tsne.D = static_cast<int>(input.columns);
     tsne.row_names = std::move(input.row_names);
     tsne.X = input.values.release();
-    tsne.theta = options.theta;
+    tsne.theta = options.fit.theta;
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
     tsne.checkpoint_every = options.checkpoint_every;
@@ -113,7 +113,7 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
             report_file(files.back());
         };
     const auto N = static_cast<std::size_t>(tsne.N);
-    const auto dims = static_cast<std::size_t>(options.dims);
+    const auto dims = static_cast<std::size_t>(options.fit.out_dims);
     add("Result table", base + ".csv", text_of(tsne.tableFailure()));
     add("Run log", tsne.out_base + ".log", text_of(tsne.logFailure()));
     if (options.coordinates_tsv) {
@@ -138,7 +138,7 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                     {options.title,
                                      record.iteration + 1 - static_cast<int>(record.costs.size()),
                                      record.costs,
-                                     options.stop_lying_iter}));
+                                     options.fit.stop_lying_iter}));
     }
     add_checkpoint(files, options.checkpoint, tsne.checkpointFailure());
     return files;
@@ -158,17 +158,18 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record.costs.push_back(reached.cost);
         return goes_on();
     };
-    tsne.checkResume(options.dims, perplexity, options.stop_lying_iter, options.mom_switch_iter);
+    tsne.checkResume(
+        options.fit.out_dims, perplexity, options.fit.stop_lying_iter, options.fit.mom_switch_iter);
     prepare_directory(options.out_dir);
-    tsne.actuate(options.dims,
+    tsne.actuate(options.fit.out_dims,
                  perplexity,
                  std::move(input.labels),
-                 options.stop_lying_iter,
-                 options.mom_switch_iter);
+                 options.fit.stop_lying_iter,
+                 options.fit.mom_switch_iter);
     record.final_cost = tsne.finalCost();
     record.seconds = tsne.times();
     if (options.quality) {
-        record.quality = report_map_quality(tsne, options.dims);
+        record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
     record.files = finish_results(tsne, options, record);
     return record;

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "input/matrix_guess.h"
+#include "stats/method.h"
 #include "util/input_error.h"
 
 namespace ovik::tool {
@@ -14,28 +15,20 @@ namespace {
 constexpr double kMega = 1e6;
 constexpr double kGiga = 1e9;
 
-constexpr double kUsualTheta = 0.5;
-constexpr double kUsualPerplexity = 30.0;
-
 bool fits(const RunSize& size, const AvailableMemory& available) {
     return estimate_memory(size).peak() - resident_memory() <= available.bytes;
 }
 
-/// What would make the run smaller, the most effective first.
+/// What would make the run smaller.
 std::string cures(const RunSize& size, const AvailableMemory& available) {
-    RunSize barnes_hut = size;
-    barnes_hut.theta = kUsualTheta;
-    if (size.theta == 0.0) {
-        return std::string("The Barnes-Hut method (--theta 0.5) takes ") +
-               memory_text(estimate_memory(barnes_hut).peak()) +
-               (fits(barnes_hut, available) ? "" : "; fewer rows or columns take less");
+    const std::optional<LighterFit> lighter = method_of(size.options).lighter(size.options);
+    if (!lighter) {
+        return "Fewer rows, fewer columns or a lower perplexity take less";
     }
-    RunSize smoother = size;
-    smoother.perplexity = kUsualPerplexity;
-    if (size.perplexity > kUsualPerplexity && fits(smoother, available)) {
-        return "A perplexity of 30 takes " + memory_text(estimate_memory(smoother).peak());
-    }
-    return "Fewer rows, fewer columns or a lower perplexity take less";
+    RunSize lighter_size = size;
+    lighter_size.options = lighter->options;
+    return lighter->what + " takes " + memory_text(estimate_memory(lighter_size).peak()) +
+           (fits(lighter_size, available) ? "" : "; fewer rows or columns take less");
 }
 
 [[noreturn]] void refuse(const std::string& what,

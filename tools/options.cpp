@@ -8,9 +8,11 @@
 #include <map>
 #include <stdexcept>
 #include <system_error>
+#include <type_traits>
 
 #include <CLI/CLI.hpp>
-#include <climits>
+
+#include "stats/option_texts.h"
 
 #include "tools/exit_status.h"
 
@@ -41,18 +43,36 @@ constexpr const char* kFooter =
     "(Ctrl-C) or SIGTERM.\n";
 
 /// A finite number within a range; unlike the ready-made check it refuses NaN and infinity.
-///
-/// @param range  the range in words
-/// @param fits   whether a number lies within it
-CLI::Validator finite_number(const std::string& range, bool (*fits)(double)) {
+CLI::Validator check_of(const OptionRange<double>& range) {
     return {[=](std::string& text) -> std::string {
                 char* end = nullptr;
                 const double value = std::strtod(text.c_str(), &end);
-                const bool is_number = !text.empty() && *end == '\0' && std::isfinite(value);
-                return is_number && fits(value) ? ""
-                                                : "should be a number " + range + ", not " + text;
+                const bool is_number = !text.empty() && *end == '\0';
+                return is_number && range.holds(value)
+                           ? ""
+                           : "should be " + requirement_text(range) + ", not " + text;
             },
             "NUMBER"};
+}
+
+/// A whole number within a range, in decimal digits. The ready-made conversion takes digits behind
+/// a zero for octal ones: this one leaves it none.
+CLI::Validator check_of(const OptionRange<int>& range) {
+    return {[=](std::string& text) -> std::string {
+                int value = 0;
+                const char* const end = text.data() + text.size();
+                const auto [rest, error] = std::from_chars(text.data(), end, value);
+                if (error != std::errc() || rest != end || !range.holds(value)) {
+                    return "should be " + requirement_text(range) + ", not " + text;
+                }
+                text = std::to_string(value);
+                return "";
+            },
+            "COUNT"};
+}
+
+CLI::Validator whole_number(int least, int most) {
+    return check_of(OptionRange<int>{.least = least, .most = most});
 }
 
 /// The parts of a text between its commas.
@@ -67,9 +87,8 @@ std::vector<std::string> parts_of(const std::string& text) {
 }
 
 /// @throws CLI::ValidationError for what is no perplexity, or stands there twice
-std::vector<double> parse_perplexities(const std::string& text) {
-    const CLI::Validator check =
-        finite_number("at least 1, at most 1e9", [](double p) { return p >= 1.0 && p <= 1e9; });
+std::vector<double> parse_perplexities(const std::string& text, const OptionRange<double>& range) {
+    const CLI::Validator check = check_of(range);
     std::vector<double> perplexities;
     for (std::string part : parts_of(text)) {
         const std::string complaint = check(part);
@@ -93,23 +112,6 @@ void parse_coordinate_forms(const std::string& text, Options& options) {
         }
         (form == "tsv" ? options.coordinates_tsv : options.coordinates_npy) = true;
     }
-}
-
-/// A whole number within a range, in decimal digits. The ready-made conversion takes digits behind
-/// a zero for octal ones: this one leaves it none.
-CLI::Validator whole_number(int least, int most) {
-    return {[=](std::string& text) -> std::string {
-                int value = 0;
-                const char* const end = text.data() + text.size();
-                const auto [rest, error] = std::from_chars(text.data(), end, value);
-                if (error != std::errc() || rest != end || value < least || value > most) {
-                    return "should be a whole number from " + std::to_string(least) + " to " +
-                           std::to_string(most) + ", not " + text;
-                }
-                text = std::to_string(value);
-                return "";
-            },
-            "COUNT"};
 }
 
 /// A text that becomes part of a file name.
@@ -165,34 +167,50 @@ void add_output_options(CLI::App& app, Options& options) {
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
+/// Adds the option of a number that shapes the map.
+class FitOptionAdder {
+  public:
+    FitOptionAdder(CLI::App& app, Options& options) : app_(app), options_(options) {}
+
+    template <typename Number>
+    void operator()(const FitOption<Number>& option) const {
+        const std::string flags(option.words.flags);
+        const std::string sentence(option.words.sentence);
+        if constexpr (std::is_same_v<Number, double>) {
+            if (&option.value == &options_.fit.perplexity) {
+                return addPerplexities(flags, sentence, option.range);
+            }
+        }
+        app_.add_option(flags,
+                        option.value,
+                        sentence + ", " + range_text(option.range) + " (" +
+                            plain_number(option.preset) + ")")
+            ->option_text(std::is_same_v<Number, int> ? "COUNT" : "NUMBER")
+            ->transform(check_of(option.range));
+    }
+
+  private:
+    /// The one option of which there may be several values: a run each.
+    void addPerplexities(const std::string& flags,
+                         const std::string& sentence,
+                         const OptionRange<double>& range) const {
+        app_.add_option_function<std::string>(
+                flags,
+                [this_options = &options_, range](const std::string& text) {
+                    this_options->perplexities = parse_perplexities(text, range);
+                },
+                sentence + " (" + plain_number(FitOptions().perplexity) +
+                    ", less for under 61 rows); several, separated by commas, make a run each and "
+                    "a page to compare them")
+            ->option_text("NUMBER");
+    }
+
+    CLI::App& app_;
+    Options& options_;
+};
+
 void add_method_options(CLI::App& app, Options& options) {
-    app.add_option_function<std::string>(
-           "-p,--perplexity",
-           [&options](const std::string& text) { options.perplexities = parse_perplexities(text); },
-           "Effective number of neighbours of a row (20, less for under 61 rows); several, "
-           "parted by commas, make a run each and a page to compare them")
-        ->option_text("NUMBER");
-    app.add_option("-t,--theta",
-                   options.theta,
-                   "Accuracy of the Barnes-Hut method, 0 for the exact method (0.5)")
-        ->option_text("NUMBER")
-        ->check(finite_number("at least 0", [](double theta) { return theta >= 0.0; }));
-    app.add_option("-d,--dims", options.dims, "Dimensions of the embedding, 2 to 50 (2)")
-        ->option_text("COUNT")
-        ->transform(whole_number(2, 50));
-    app.add_option("-i,--max-iter", options.max_iter, "Last iteration, at least 1 (1000)")
-        ->option_text("COUNT")
-        ->transform(whole_number(1, 1000000000));
-    app.add_option("--stop-lying-iter",
-                   options.stop_lying_iter,
-                   "Iteration at which early exaggeration ends (250)")
-        ->option_text("COUNT")
-        ->transform(whole_number(0, INT_MAX));
-    app.add_option("--mom-switch-iter",
-                   options.mom_switch_iter,
-                   "Iteration after which the momentum is 0.8 (250)")
-        ->option_text("COUNT")
-        ->transform(whole_number(0, INT_MAX));
+    visit_fit_options(options.fit, FitOptionAdder(app, options));
     app.add_option_function<std::string>(
            "--precision",
            [&options](const std::string& text) {

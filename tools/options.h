@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "input/missing_values.h"
+#include "stats/fit_options.h"
 
 namespace ovik::tool {
 
@@ -23,11 +24,8 @@ struct Options {
     std::string title;
     /// One run for each. Not given: 20, or what a small matrix allows.
     std::vector<double> perplexities;
-    double theta = 0.5;
-    int dims = 2;
-    int max_iter = 1000;
-    int stop_lying_iter = 250;
-    int mom_switch_iter = 250;
+    /// What the map is made by; the perplexity is that of one of the runs, and set for each.
+    FitOptions fit;
     /// Not given: guessed from the file.
     std::optional<char> delimiter;
     /// Not given: zero, with a warning.

@@ -14,10 +14,10 @@
 #include <glog/logging.h>
 
 #include "input/input_checks.h"
+#include "stats/exit_without_memory.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
-#include "util/malloc_array.h"
 #include "util/stopwatch.h"
 #include "util/threads.h"
 
@@ -54,9 +54,8 @@ RunSize size_of_runs(const Options& options,
     RunSize size;
     size.rows = matrix.rows;
     size.columns = matrix.columns;
-    size.out_dims = static_cast<std::size_t>(options.dims);
-    size.perplexity = *std::max_element(perplexities.begin(), perplexities.end());
-    size.theta = options.theta;
+    size.options = options.fit;
+    size.options.perplexity = *std::max_element(perplexities.begin(), perplexities.end());
     size.has_plots = options.plots;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;

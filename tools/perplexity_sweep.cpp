@@ -10,7 +10,8 @@
 
 #include "input/duplicate_rows.h"
 #include "results/checkpoint.h"
-#include "stats/barnes_hut_objective.h"
+#include "stats/cached_neighbours.h"
+#include "stats/method.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/counted.h"
@@ -29,7 +30,7 @@ namespace ovik::tool {
 
 namespace {
 
-constexpr double kDefaultPerplexity = 20.0;
+constexpr double kDefaultPerplexity = FitOptions().perplexity;
 
 /// Most memory that this process has had at a time, in bytes.
 double peak_memory() {
@@ -63,7 +64,7 @@ void settle_names(std::vector<std::string>& row_names, bool standard_names) {
 /// What several runs share.
 std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
                                                     const RunReport& report) {
-    if (perplexities.size() < 2 || report.options.theta == 0.0) {
+    if (perplexities.size() < 2 || !method_of(report.options.fit).has_neighbours) {
         return nullptr;
     }
     const double largest = *std::max_element(perplexities.begin(), perplexities.end());
@@ -98,7 +99,7 @@ bool compare(const RunReport& report) {
         entries.push_back({report.options.title,
                            report.rows,
                            report.columns,
-                           report.options.theta,
+                           report.options.fit,
                            run,
                            std::filesystem::current_path()});
     }
@@ -113,8 +114,8 @@ void describe_input(RunReport& report, const LoadedMatrix& loaded) {
     report.columns = matrix.report.columns;
     report.missing_values = loaded.missing;
     report.duplicate_rows = count_duplicate_rows(matrix.values.get(), report.rows, report.columns);
-    report.values = digest_of(matrix.values.get(), report.rows * report.columns);
-    report.names = digest_of(matrix.row_names.data(), report.rows);
+    report.values = digest_of({matrix.values.get(), report.rows * report.columns});
+    report.names = digest_of(matrix.row_names);
 }
 
 /// Says what there is to say of the rows.

@@ -44,16 +44,19 @@ std::string path_from(const std::filesystem::path& directory, const std::string&
     return std::filesystem::proximate(path, directory).string();
 }
 
+/// All but the perplexity, which is that of each run.
 std::string json_options(const Options& options) {
-    return json_object(
-        {{"theta", json_text(options.theta)},
-         {"dimensions", json_text(options.dims)},
-         {"max_iter", json_text(options.max_iter)},
-         {"stop_lying_iter", json_text(options.stop_lying_iter)},
-         {"mom_switch_iter", json_text(options.mom_switch_iter)},
-         {"precision",
-          json_text(std::string(options.precision == Precision::Float ? "float" : "double"))},
-         {"title", json_text(options.title)}});
+    std::vector<std::pair<std::string_view, std::string>> members;
+    visit_fit_options(options.fit, [&members](const auto& option) {
+        if (option.words.name != "perplexity") {
+            members.emplace_back(option.words.name, json_text(option.value));
+        }
+    });
+    members.emplace_back(
+        "precision",
+        json_text(std::string(options.precision == Precision::Float ? "float" : "double")));
+    members.emplace_back("title", json_text(options.title));
+    return json_object(members);
 }
 
 std::string json_input(const RunReport& report, const std::filesystem::path& directory) {

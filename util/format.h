@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <string>
 #include <type_traits>
@@ -54,20 +55,32 @@ static inline std::string shortest_text(T value) {
     return {text, result.ptr};
 }
 
+/// An array of `count` elements, each set to `value`, from array `new`.
+///
+/// @throws std::bad_array_new_length if its bytes exceed what `new` accepts
+/// @throws std::bad_alloc if memory is exhausted
+template <typename T>
+std::unique_ptr<T[]> new_array(std::size_t count, T value) {
+    // Compilers differ in what a length that `new` refuses throws.
+    if (count > static_cast<std::size_t>(PTRDIFF_MAX) / sizeof(T)) {
+        throw std::bad_array_new_length();
+    }
+    std::unique_ptr<T[]> array(new T[count]);
+    std::fill_n(array.get(), count, value);
+    return array;
+}
+
 /// An array of `count` elements, each set to `value`; the caller releases it with `delete[]`.
 ///
 /// @param count  0 gives a valid empty array
-/// @throws std::bad_array_new_length if `count` is negative or its bytes exceed what `new` accepts
+/// @throws std::bad_array_new_length if `count` is negative
 /// @throws std::bad_alloc if memory is exhausted
 template <typename T>
-T* create_vec_malloc(std::ptrdiff_t count, T value) {
-    // Compilers differ in what a length that `new` refuses throws.
-    if (count < 0 || static_cast<std::size_t>(count) > PTRDIFF_MAX / sizeof(T)) {
+T* create_vec_malloc(int count, T value) {
+    if (count < 0) {
         throw std::bad_array_new_length();
     }
-    T* const array = new T[static_cast<std::size_t>(count)];
-    std::fill_n(array, count, value);
-    return array;
+    return new_array(static_cast<std::size_t>(count), value).release();
 }
 
 }  // namespace ovik

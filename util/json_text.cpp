@@ -39,7 +39,7 @@ std::string json_list(const std::vector<std::string>& elements) {
     return list + "]";
 }
 
-std::string json_object(std::initializer_list<std::pair<std::string_view, std::string>> members) {
+std::string json_object(const std::vector<std::pair<std::string_view, std::string>>& members) {
     std::string object = "{";
     for (const auto& [name, value] : members) {
         object += object.size() == 1 ? "\"" : ",\"";

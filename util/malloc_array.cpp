@@ -1,12 +1,10 @@
 #include "util/malloc_array.h"
 
-#include <cstdio>
-
 namespace ovik {
 
-void exit_out_of_memory() {
-    std::fputs("Memory allocation failed!\n", stderr);
-    std::exit(EXIT_FAILURE);  // NOLINT(concurrency-mt-unsafe): on the calling thread only
+const char* WorkMemoryError::what() const noexcept {
+    return "a work array does not fit in memory: fewer rows, fewer columns, a lower perplexity or a "
+           "theta above 0 take less";
 }
 
 }  // namespace ovik

@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 #include "util/api.h"
 
-/// Work arrays from `malloc` and `calloc`, and the one way in which running out of them ends.
+/// Work arrays from `malloc` and `calloc`, and the one way in which running out of them fails.
 
 namespace ovik {
 
@@ -42,14 +43,18 @@ template <typename T>
     return MallocArray<T>(static_cast<T*>(std::calloc(count == 0 ? 1 : count, sizeof(T))));
 }
 
-/// Writes "Memory allocation failed!\n" to standard error and ends the process with status 1.
-[[noreturn]] OVIK_API void exit_out_of_memory();
+/// A work array that does not fit in memory. The members of `TSNE` turn it into the message
+/// "Memory allocation failed!" and the end of the process; other callers get the exception.
+class OVIK_API WorkMemoryError : public std::bad_alloc {
+  public:
+    [[nodiscard]] const char* what() const noexcept override;
+};
 
-/// Ends the process as above if one of the arrays is null.
+/// @throws WorkMemoryError if one of the arrays is null
 template <typename... Arrays>
-void exit_unless_allocated(const Arrays&... arrays) {
+void require_allocated(const Arrays&... arrays) {
     if ((... || (arrays == nullptr))) {
-        exit_out_of_memory();
+        throw WorkMemoryError();
     }
 }
 

@@ -108,7 +108,7 @@ void parallel_tasks(std::size_t count, int workers, const Body& body) {
 /// @param block_count     number of blocks
 /// @param block_capacity  largest number of terms in a block
 /// @param fill_block      `fill_block(block, terms)` writes the terms and returns their number
-/// Ends the process as `exit_unless_allocated` does if the buffers cannot be had.
+/// @throws WorkMemoryError if the buffers cannot be had
 template <typename FillBlock>
 double ordered_sum(double start,
                    std::size_t block_count,
@@ -121,7 +121,7 @@ double ordered_sum(double start,
         std::max<std::size_t>(wanted, static_cast<std::size_t>(worker_count(block_count)));
     const auto buffers = malloc_array<double>(batch * block_capacity);
     const auto term_counts = malloc_array<std::size_t>(batch);
-    exit_unless_allocated(buffers, term_counts);
+    require_allocated(buffers, term_counts);
     double sum = start;
     for (std::size_t first = 0; first < block_count; first += batch) {
         const std::size_t count = std::min(batch, block_count - first);

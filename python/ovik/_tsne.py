@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import inspect
-import math
 import operator
 import sys
 import threading
@@ -14,6 +13,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
+from ._parameters import DESCRIPTIONS, FitParameters
 
 # The random start is drawn from the random stream of the process.
 _one_fit_at_a_time = threading.Lock()
@@ -21,29 +21,15 @@ _one_fit_at_a_time = threading.Lock()
 _LARGEST_INT = 2**31 - 1
 
 
-class TSNE:
+class TSNE(FitParameters):
     """t-SNE: embeds the rows of a matrix so that rows with similar values lie close together.
 
-    The seed is fixed: the same input and parameters give the same bytes on every run, for any number
+    The same input and parameters give the same bytes on every run, for any number
     of threads, and the same as the command ``ovik-tsne`` gives.
 
     Parameters
     ----------
-    n_components : int, default 2
-        Dimensions of the embedding, 2 to 50.
-    perplexity : float, default 20.0
-        Effective number of neighbours of a row, at least 1 and below the number of other rows. 5 to
-        50 are usual; beyond a third of the other rows a UserWarning is given.
-    theta : float, default 0.5
-        Accuracy of the Barnes-Hut method, at least 0. Exactly 0 selects the exact method, whose time
-        and memory grow with the square of the rows.
-    n_iter : int, default 1000
-        Last iteration, at least 1; iterations count from 0. The command's ``--max-iter``.
-    stop_lying_iter : int, default 250
-        Iteration at which early exaggeration ends, at least 0.
-    mom_switch_iter : int, default 250
-        Iteration after which the momentum is 0.8 instead of 0.5, at least 0.
-    n_jobs : int, default -1
+{options}    n_jobs : int, default -1
         Threads; -1 for one per core, or what ``OMP_NUM_THREADS`` says. They change the time, never
         the result.
     verbose : bool, default False
@@ -87,27 +73,6 @@ class TSNE:
     n_features_in_: int
     feature_names_in_: NDArray[np.object_]
 
-    def __init__(
-        self,
-        n_components: int = 2,
-        *,
-        perplexity: float = 20.0,
-        theta: float = 0.5,
-        n_iter: int = 1000,
-        stop_lying_iter: int = 250,
-        mom_switch_iter: int = 250,
-        n_jobs: int = -1,
-        verbose: bool = False,
-    ) -> None:
-        self.n_components = n_components
-        self.perplexity = perplexity
-        self.theta = theta
-        self.n_iter = n_iter
-        self.stop_lying_iter = stop_lying_iter
-        self.mom_switch_iter = mom_switch_iter
-        self.n_jobs = n_jobs
-        self.verbose = verbose
-
     def fit(self, X: ArrayLike, y: Any = None) -> Self:
         """Embed the rows of a matrix.
 
@@ -131,21 +96,24 @@ class TSNE:
             rows for the perplexity, values that are not finite or have no common scale, rows all
             equal.
         MemoryError
-            If the fit is estimated to take more memory than there is. One that is misjudged can
-            still end the process.
+            If the fit cannot have its memory.
         RuntimeError
             If the embedding gets out of range.
         KeyboardInterrupt
             On Ctrl-C.
         """
-        options = self._checked_options()
+        options = self._fit_options()
+        _core.check_options(options)
+        threads = self._checked_threads()
         values = _as_matrix(X)
         _check_finite(values)
-        _check_perplexity(options["perplexity"], len(values))
+        _check_perplexity(float(self.perplexity), len(values))
         if self.verbose:
             sys.stdout.flush()
         with _one_fit_at_a_time:
-            embedding, cost, last_iteration, note = _core.embed(values, **options)
+            embedding, cost, last_iteration, note = _core.embed(
+                values, options, threads, bool(self.verbose)
+            )
         if note:
             warnings.warn(note, stacklevel=2)
         self.embedding_ = embedding
@@ -199,25 +167,12 @@ class TSNE:
         del parameters["self"]
         return parameters
 
-    def _checked_options(self) -> dict[str, Any]:
-        """The parameters as the engine takes them."""
+    def _checked_threads(self) -> int:
+        """The number of threads as the engine takes it: 0 for one per core."""
         n_jobs = _whole_number("n_jobs", self.n_jobs, -1, 1_000_000)
         if n_jobs == 0:
             raise ValueError("n_jobs should be -1 (one thread per core) or at least 1, not 0")
-        return {
-            "n_components": _whole_number("n_components", self.n_components, 2, 50),
-            "perplexity": _number("perplexity", self.perplexity, 1.0),
-            "theta": _number("theta", self.theta, 0.0),
-            "n_iter": _whole_number("n_iter", self.n_iter, 1, 1_000_000_000),
-            "stop_lying_iter": _whole_number(
-                "stop_lying_iter", self.stop_lying_iter, 0, _LARGEST_INT
-            ),
-            "mom_switch_iter": _whole_number(
-                "mom_switch_iter", self.mom_switch_iter, 0, _LARGEST_INT
-            ),
-            "threads": max(n_jobs, 0),
-            "verbose": bool(self.verbose),
-        }
+        return max(n_jobs, 0)
 
     def _set_feature_names(self, X: Any) -> None:
         names = list(getattr(X, "columns", ()))
@@ -227,6 +182,10 @@ class TSNE:
             del self.feature_names_in_
 
 
+if TSNE.__doc__:
+    TSNE.__doc__ = TSNE.__doc__.replace("{options}", DESCRIPTIONS)
+
+
 def _whole_number(name: str, value: Any, least: int, most: int) -> int:
     try:
         number = operator.index(value)
@@ -234,16 +193,6 @@ def _whole_number(name: str, value: Any, least: int, most: int) -> int:
         number = None
     if number is None or not least <= number <= most:
         raise ValueError(f"{name} should be a whole number from {least} to {most}, not {value!r}")
-    return number
-
-
-def _number(name: str, value: Any, least: float) -> float:
-    try:
-        number = float(value)
-    except (TypeError, ValueError, OverflowError):
-        number = math.nan
-    if isinstance(value, str) or not math.isfinite(number) or number < least:
-        raise ValueError(f"{name} should be a finite number of at least {least:g}, not {value!r}")
     return number
 
 

@@ -1,40 +1,22 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
 #include <string>
-#include <vector>
+
+#include "stats/fit.h"
 
 namespace ovik::python {
 
-/// Points as they come from Python, row-major, rows x columns.
-struct Points {
-    const double* values;
-    std::size_t rows;
-    std::size_t columns;
-};
-
-/// Of a fit, as the command has them.
-struct FitOptions {
-    int dims;
-    double perplexity;
-    double theta;
-    int max_iter;
-    int stop_lying_iter;
-    int mom_switch_iter;
+/// How a fit is made, beside its options.
+struct FitManner {
     /// 0: all cores.
-    int threads;
+    int threads = 0;
     /// Whether the engine's console lines show.
-    bool verbose;
+    bool verbose = false;
 };
 
-struct Fit {
-    /// Row-major, rows x dims.
-    std::vector<double> embedding;
-    /// Against the similarities without exaggeration.
-    double cost = 0.0;
-    /// The iteration done last.
-    int last_iteration = 0;
+struct Outcome {
+    Fit fit;
     /// What the user should know of the threads; mostly empty.
     std::string threads_note;
 };
@@ -48,6 +30,9 @@ struct Fit {
 /// @throws InputError     if all rows are equal, or their values too large or too close
 /// @throws std::bad_alloc if the fit cannot have its memory
 /// @throws std::runtime_error if the embedding gets out of range, or is given up
-Fit fit(const Points& points, const FitOptions& options, const std::atomic<bool>& is_interrupted);
+Outcome run_fit(MatrixView<const double> points,
+                const FitOptions& options,
+                const FitManner& manner,
+                const std::atomic<bool>& is_interrupted);
 
 }  // namespace ovik::python

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -7,11 +8,13 @@
 #include <system_error>
 #include <vector>
 
+#include <climits>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
+#include "stats/option_texts.h"
 #include "util/input_error.h"
 
 #include "python/src/fit.h"
@@ -47,31 +50,68 @@ void translate(std::exception_ptr thrown) {
     }
 }
 
-py::tuple embed(const Array& X,
-                int n_components,
-                double perplexity,
-                double theta,
-                int n_iter,
-                int stop_lying_iter,
-                int mom_switch_iter,
-                int threads,
-                bool verbose) {
-    const Points points{
-        X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
-    const FitOptions options{n_components,
-                             perplexity,
-                             theta,
-                             n_iter,
-                             stop_lying_iter,
-                             mom_switch_iter,
-                             threads,
-                             verbose};
-    const Fit result = in_own_thread([&](const std::atomic<bool>& is_interrupted) {
-        return fit(points, options, is_interrupted);
+/// @return none if it is no number
+std::optional<double> number_of(const py::object& object, double /*kind*/) {
+    const double number =
+        py::isinstance<py::str>(object) ? std::nan("") : PyFloat_AsDouble(object.ptr());
+    const bool is_number = PyErr_Occurred() == nullptr;
+    PyErr_Clear();
+    return is_number ? std::optional(number) : std::nullopt;
+}
+
+/// @return none if it is no whole number, or too large for any option
+std::optional<int> number_of(const py::object& object, int /*kind*/) {
+    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
+    const long number = index ? PyLong_AsLong(index.ptr()) : 0;
+    const bool is_number = PyErr_Occurred() == nullptr && number >= INT_MIN && number <= INT_MAX;
+    PyErr_Clear();
+    return is_number ? std::optional(static_cast<int>(number)) : std::nullopt;
+}
+
+/// The options among keyword arguments.
+///
+/// @throws InputError if one is out of its range, or there is no such option
+FitOptions options_of(const py::dict& arguments) {
+    FitOptions options;
+    std::size_t known = 0;
+    visit_fit_options(options, [&](auto option) {
+        const py::str name(option.words.python.data(), option.words.python.size());
+        if (!arguments.contains(name)) {
+            return;
+        }
+        ++known;
+        const py::object given = arguments[name];
+        const auto number = number_of(given, option.preset);
+        if (!number || !option.range.holds(*number)) {
+            throw InputError(std::string(option.words.python) + " should be " +
+                             requirement_text(option.range) + ", not " +
+                             py::repr(given).cast<std::string>());
+        }
+        option.value = *number;
     });
-    const Array embedding({X.shape(0), static_cast<py::ssize_t>(n_components)},
-                          result.embedding.data());
-    return py::make_tuple(embedding, result.cost, result.last_iteration, result.threads_note);
+    if (known != arguments.size()) {
+        throw InputError("there is an option of another name among the parameters of the fit");
+    }
+    return options;
+}
+
+/// @throws InputError as `options_of`
+void check_options(const py::dict& arguments) {
+    options_of(arguments);
+}
+
+py::tuple embed(const Array& X, const py::dict& arguments, int threads, bool verbose) {
+    const MatrixView<const double> points{
+        X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
+    const FitOptions options = options_of(arguments);
+    const Outcome outcome = in_own_thread([&](const std::atomic<bool>& is_interrupted) {
+        return run_fit(points, options, {threads, verbose}, is_interrupted);
+    });
+    const FitReport& report = outcome.fit.report;
+    const Array embedding({X.shape(0), static_cast<py::ssize_t>(options.out_dims)},
+                          outcome.fit.embedding.data());
+    return py::make_tuple(
+        embedding, report.final_cost, report.reached.iteration, outcome.threads_note);
 }
 
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
@@ -116,18 +156,9 @@ PYBIND11_MODULE(_core, module) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
     module.attr("__version__") = OVIK_VERSION;
     py::register_local_exception_translator(ovik::python::translate);
-    module.def("embed",
-               ovik::python::embed,
-               "X"_a.noconvert(),
-               py::kw_only(),
-               "n_components"_a,
-               "perplexity"_a,
-               "theta"_a,
-               "n_iter"_a,
-               "stop_lying_iter"_a,
-               "mom_switch_iter"_a,
-               "threads"_a,
-               "verbose"_a);
+    module.def(
+        "embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "threads"_a, "verbose"_a);
+    module.def("check_options", ovik::python::check_options, "options"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "delimiter"_a, "missing"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }

@@ -115,7 +115,8 @@ TEST_F(Memory, IsEstimatedAsRealRunsTakeIt) {
         const CommandOutcome outcome = run(arguments);
         EXPECT_EQ(outcome.exit_status, kSuccess);
         const double estimate =
-            estimate_memory({rows, columns, 2, perplexity, theta, has_plots}).peak();
+            estimate_memory({rows, columns, {.perplexity = perplexity, .theta = theta}, has_plots})
+                .peak();
         EXPECT_GT(outcome.peak_memory, 100e6) << rows << " x " << columns;
         EXPECT_NEAR(estimate / outcome.peak_memory, 1.0, 0.15) << rows << " x " << columns;
     }

@@ -66,16 +66,16 @@ void check_options(const Options& options, const std::vector<std::string>& argum
     if (options.perplexities.size() == 1) {
         OVIK_REQUIRE(was_given(options.perplexities.front(), 0.0, arguments));
     }
-    OVIK_REQUIRE(options.theta >= 0.0 && std::isfinite(options.theta));
-    OVIK_REQUIRE(was_given(options.theta, 0.5, arguments));
-    OVIK_REQUIRE(options.dims >= 2 && options.dims <= 50);
-    OVIK_REQUIRE(was_given(options.dims, 2, arguments));
-    OVIK_REQUIRE(options.max_iter >= 1 && options.max_iter <= 1000000000);
-    OVIK_REQUIRE(was_given(options.max_iter, 1000, arguments));
-    OVIK_REQUIRE(options.stop_lying_iter >= 0);
-    OVIK_REQUIRE(was_given(options.stop_lying_iter, 250, arguments));
-    OVIK_REQUIRE(options.mom_switch_iter >= 0);
-    OVIK_REQUIRE(was_given(options.mom_switch_iter, 250, arguments));
+    OVIK_REQUIRE(options.fit.theta >= 0.0 && std::isfinite(options.fit.theta));
+    OVIK_REQUIRE(was_given(options.fit.theta, 0.5, arguments));
+    OVIK_REQUIRE(options.fit.out_dims >= 2 && options.fit.out_dims <= 50);
+    OVIK_REQUIRE(was_given(options.fit.out_dims, 2, arguments));
+    OVIK_REQUIRE(options.fit.max_iter >= 1 && options.fit.max_iter <= 1000000000);
+    OVIK_REQUIRE(was_given(options.fit.max_iter, 1000, arguments));
+    OVIK_REQUIRE(options.fit.stop_lying_iter >= 0);
+    OVIK_REQUIRE(was_given(options.fit.stop_lying_iter, 250, arguments));
+    OVIK_REQUIRE(options.fit.mom_switch_iter >= 0);
+    OVIK_REQUIRE(was_given(options.fit.mom_switch_iter, 250, arguments));
     OVIK_REQUIRE(options.threads >= 0 && options.threads <= 1000000);
     OVIK_REQUIRE(was_given(options.threads, 0, arguments));
     OVIK_REQUIRE(options.checkpoint_every >= 1 && options.checkpoint_every <= 1000000000);

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <span>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +21,8 @@ using testing::HasSubstr;
 
 Checkpoint small_checkpoint() {
     Checkpoint checkpoint;
-    checkpoint.run = {2, 5, 3, 12.75, 0.5, 250, -1, {1, 2}, {3, 4}};
+    checkpoint.run = {
+        2, 5, 3, {{"perplexity", "12.75"}, {"theta", "0.5"}, {"switch", "-1"}}, {1, 2}, {3, 4}};
     checkpoint.iteration = 137;
     checkpoint.cost = 1.5;
     checkpoint.embedding = {0.0, -0.0, 1e-310, -1e300, 0.1, 2.0};
@@ -68,10 +70,7 @@ TEST_F(CheckpointFile, GivesBackEveryBit) {
     EXPECT_EQ(read.run.rows, 2U);
     EXPECT_EQ(read.run.columns, 5U);
     EXPECT_EQ(read.run.out_dims, 3U);
-    EXPECT_EQ(read.run.perplexity, 12.75);
-    EXPECT_EQ(read.run.theta, 0.5);
-    EXPECT_EQ(read.run.stop_lying_iter, 250);
-    EXPECT_EQ(read.run.mom_switch_iter, -1);
+    EXPECT_EQ(read.run.options, written.run.options);
     EXPECT_EQ(read.run.values, (Digest{1, 2}));
     EXPECT_EQ(read.run.names, (Digest{3, 4}));
     EXPECT_EQ(read.iteration, 137);
@@ -91,14 +90,18 @@ TEST_F(CheckpointFile, HasTheLowestByteFirst) {
     using std::string_literals::operator""s;
     EXPECT_EQ(bytes.substr(0, 40),
               "OVIKCKPT"
-              "\1\0\0\0\0\0\0\0"
+              "\2\0\0\0\0\0\0\0"
               "\2\0\0\0\0\0\0\0"
               "\5\0\0\0\0\0\0\0"
               "\3\0\0\0\0\0\0\0"s);
-    // 12.75 is 0x4029800000000000, and -1 all ones.
-    EXPECT_EQ(bytes.substr(40, 8), "\0\0\0\0\0\x80\x29\x40"s);
-    EXPECT_EQ(bytes.substr(64, 8), std::string(8, '\xff'));
-    EXPECT_EQ(bytes.size(), 120U + 3 * 6 * 8 + 8);
+    const std::string options = "perplexity=12.75\ntheta=0.5\nswitch=-1\n";
+    EXPECT_EQ(bytes.substr(40, 8), "\x25\0\0\0\0\0\0\0"s);
+    EXPECT_EQ(bytes.substr(48, options.size()), options);
+    // Behind two digests, 137, and 1.5, which is 0x3ff8000000000000.
+    const std::size_t progress = 48 + options.size() + 32;
+    EXPECT_EQ(bytes.substr(progress, 8), "\x89\0\0\0\0\0\0\0"s);
+    EXPECT_EQ(bytes.substr(progress + 8, 8), "\0\0\0\0\0\0\xf8\x3f"s);
+    EXPECT_EQ(bytes.size(), progress + 16 + 3 * 6 * 8 + 8);
 }
 
 TEST_F(CheckpointFile, IsRefusedWhereverItIsCut) {
@@ -142,9 +145,13 @@ TEST_F(CheckpointFile, IsRefusedForWhatIsWrongWithIt) {
     changed[150] = static_cast<char>(changed[150] + 1);
     EXPECT_THAT(refusal(changed), HasSubstr("its checksum is not that of its bytes"));
     changed = whole;
-    changed[8] = 2;
+    changed[8] = 1;
     EXPECT_THAT(refusal(changed),
-                HasSubstr("this is a checkpoint of version 2, and only those of version 1 can"));
+                HasSubstr("this is a checkpoint of version 1, and only those of version 2 can"));
+    // More options than there can be.
+    changed = whole;
+    changed[45] = '\x7f';
+    EXPECT_THAT(refusal(changed), HasSubstr("its sizes make no sense"));
     // More rows than memory has bytes.
     changed = whole;
     changed[23] = '\x7f';
@@ -204,18 +211,12 @@ TEST(CheckGoesOn, TakesTheSameRunToItsOwnOrALaterIteration) {
 
 TEST(CheckGoesOn, NamesEveryDifferenceWithBothValues) {
     RunIdentity run = small_checkpoint().run;
-    run.out_dims = 2;
-    run.perplexity = std::nextafter(12.75, 13.0);
-    run.theta = 0.0;
-    run.stop_lying_iter = 100;
-    run.mom_switch_iter = 20;
+    run.options = {{"perplexity", "12.750000000000002"}, {"theta", "0.5"}, {"rate", "200"}};
     EXPECT_EQ(difference(run),
               "fit.ckpt: this checkpoint is not of this run\n"
-              "  output dimensions: 3 in the checkpoint, 2 now\n"
               "  perplexity: 12.75 in the checkpoint, 12.750000000000002 now\n"
-              "  theta: 0.5 in the checkpoint, 0 now\n"
-              "  end of early exaggeration: 250 in the checkpoint, 100 now\n"
-              "  momentum switch: -1 in the checkpoint, 20 now\n"
+              "  rate: none in the checkpoint, 200 now\n"
+              "  switch: -1 in the checkpoint, none now\n"
               "Give the matrix and the options of the run that wrote it, or start anew.");
 }
 
@@ -236,12 +237,12 @@ TEST(DigestOf, ChangesWithEveryValue) {
     // Around the length of the blocks in which they are digested.
     for (const std::size_t count : {1U, 100U, 4095U, 4096U, 4097U, 9000U}) {
         std::vector<double> values = test::random_values(count, 5);
-        const Digest digest = digest_of(values.data(), count);
-        EXPECT_EQ(digest_of(values.data(), count), digest);
-        EXPECT_NE(digest_of(values.data(), count - 1), digest);
+        const Digest digest = digest_of(values);
+        EXPECT_EQ(digest_of(values), digest);
+        EXPECT_NE(digest_of(std::span(values).first(count - 1)), digest);
         for (const std::size_t i : {std::size_t{0}, count / 2, count - 1}) {
             const double before = std::exchange(values[i], std::nextafter(values[i], 1e9));
-            EXPECT_NE(digest_of(values.data(), count), digest) << i << " of " << count;
+            EXPECT_NE(digest_of(values), digest) << i << " of " << count;
             values[i] = before;
         }
     }
@@ -251,10 +252,10 @@ TEST(DigestOf, TellsTextsFromOthersOfTheSameLetters) {
     const std::vector<std::string> texts = {"ab", "c", ""};
     const std::vector<std::string> others = {"a", "bc", ""};
     const std::vector<std::string> in_another_order = {"c", "ab", ""};
-    EXPECT_EQ(digest_of(texts.data(), 3), digest_of(texts.data(), 3));
-    EXPECT_NE(digest_of(texts.data(), 3), digest_of(others.data(), 3));
-    EXPECT_NE(digest_of(texts.data(), 3), digest_of(in_another_order.data(), 3));
-    EXPECT_NE(digest_of(texts.data(), 3), digest_of(texts.data(), 2));
+    EXPECT_EQ(digest_of(texts), digest_of(texts));
+    EXPECT_NE(digest_of(texts), digest_of(others));
+    EXPECT_NE(digest_of(texts), digest_of(in_another_order));
+    EXPECT_NE(digest_of(texts), digest_of(std::span(texts).first(2)));
 }
 
 }  // namespace

@@ -32,12 +32,10 @@ struct Matrix {
     [[nodiscard]] std::size_t rows() const { return values.size() / columns; }
 };
 
-Outcome affinities(const Matrix& matrix, int K, CachedNeighbours* kept) {
-    testing::internal::CaptureStdout();
+Outcome affinities(const Matrix& matrix, int K, CachedNeighbours* cached) {
     std::srand(11);
-    const SparseMatrix P =
-        neighbour_affinities(matrix.values.data(), matrix.rows(), matrix.columns, K / 3.0, K, kept);
-    testing::internal::GetCapturedStdout();
+    const SparseMatrix P = neighbour_affinities(
+        matrix.values.data(), matrix.rows(), matrix.columns, K / 3.0, K, {{}, cached});
     const std::size_t entries = P.row_P[matrix.rows()];
     return {{P.col_P.get(), P.col_P.get() + entries},
             {P.val_P.get(), P.val_P.get() + entries},
@@ -53,10 +51,10 @@ void expect_no_difference(const Matrix& matrix, std::vector<int> sizes) {
     }
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
-        CachedNeighbours kept(
+        CachedNeighbours cached(
             static_cast<std::size_t>(*std::max_element(sizes.begin(), sizes.end())));
         for (std::size_t i = 0; i < sizes.size(); ++i) {
-            EXPECT_EQ(affinities(matrix, sizes[i], &kept), expected[i]) << sizes[i];
+            EXPECT_EQ(affinities(matrix, sizes[i], &cached), expected[i]) << sizes[i];
         }
     }
 }
@@ -99,18 +97,18 @@ TEST(CachedNeighbours, TakeFewPointsAndSuchThatAreNotFinite) {
 TEST(CachedNeighbours, SearchForMoreThanIsKept) {
     const Matrix matrix{test::random_values(300 * 3, 4), 3};
     const Outcome expected = affinities(matrix, 60, nullptr);
-    CachedNeighbours kept(10);
-    EXPECT_EQ(affinities(matrix, 60, &kept), expected);
-    EXPECT_EQ(affinities(matrix, 60, &kept), expected);
+    CachedNeighbours cached(10);
+    EXPECT_EQ(affinities(matrix, 60, &cached), expected);
+    EXPECT_EQ(affinities(matrix, 60, &cached), expected);
 }
 
 TEST(CachedNeighbours, RefuseAnotherMatrix) {
     Matrix matrix{test::random_values(60, 4), 3};
-    CachedNeighbours kept(6);
-    affinities(matrix, 6, &kept);
+    CachedNeighbours cached(6);
+    affinities(matrix, 6, &cached);
     matrix.values[7] += 1.0;
-    EXPECT_THROW(kept.index(matrix.values.data(), matrix.rows(), 3), std::invalid_argument);
-    EXPECT_THROW(kept.index(matrix.values.data(), 5, 3), std::invalid_argument);
+    EXPECT_THROW(cached.index(matrix.values.data(), matrix.rows(), 3), std::invalid_argument);
+    EXPECT_THROW(cached.index(matrix.values.data(), 5, 3), std::invalid_argument);
 }
 
 }  // namespace

@@ -56,14 +56,18 @@ TEST(CentreAndScale, EqualsThePlainProgramBitForBit) {
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
         std::vector<double> actual = values;
-        centre_and_scale(actual.data(), 997, 7);
+        const InputScale scale = centre_and_scale({actual.data(), 997, 7});
         EXPECT_EQ(actual, expected);
+        ASSERT_EQ(scale.means.size(), 7U);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            EXPECT_EQ((values[i] - scale.means[i % 7]) * scale.factor, actual[i]);
+        }
     }
 }
 
 TEST(CentreAndScale, HasNoScaleForEqualRows) {
     std::vector<double> values(6, 5.0);
-    centre_and_scale(values.data(), 3, 2);
+    centre_and_scale({values.data(), 3, 2});
     for (const double value : values) {
         EXPECT_TRUE(std::isnan(value));
     }

@@ -64,25 +64,25 @@ TEST(ExactObjective, EqualsThePlainProgramBelowAndAboveTheSizeForPanels) {
             const test::InstructionLimit selected(set);
             for (const int threads : test::kThreadCounts) {
                 const test::ThreadCount scope(threads);
-                ExactObjective objective(X.data(), N, kColumns, 2, 5.0);
+                ExactObjective objective({X.data(), N, kColumns}, 2, 5.0);
                 expect_plain_values(objective, P, test::random_values(N * 2, 72, 5.0), N);
             }
         }
     }
 }
 
-TEST(ExactObjective, ExaggeratesAndRelaxes) {
+TEST(ExactObjective, ExaggeratesAndEndsIt) {
     constexpr std::size_t kCount = 100;
     const std::vector<double> X = test::random_values(kCount * kColumns, 73);
     const std::vector<double> Y = test::random_values(kCount * 2, 74, 5.0);
     std::vector<double> P = joint_similarities(X, kCount);
-    ExactObjective objective(X.data(), kCount, kColumns, 2, 5.0);
+    ExactObjective objective({X.data(), kCount, kColumns}, 2, 5.0);
     objective.exaggerate(12.0);
     for (double& p : P) {
         p *= 12.0;
     }
     expect_plain_values(objective, P, Y, kCount);
-    objective.relax(12.0);
+    objective.endExaggeration(12.0);
     for (double& p : P) {
         p /= 12.0;
     }
@@ -94,7 +94,7 @@ TEST(ExactObjective, GoesOnWithEmbeddingsThatAreNotFinite) {
     const std::vector<double> X = test::random_values(kCount * kColumns, 75);
     std::vector<double> P = joint_similarities(X, kCount);
     for (const double odd : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e160, 1e200}) {
-        ExactObjective objective(X.data(), kCount, kColumns, 2, 5.0);
+        ExactObjective objective({X.data(), kCount, kColumns}, 2, 5.0);
         std::vector<double> Y = test::random_values(kCount * 2, 76);
         expect_plain_values(objective, P, Y, kCount);
         Y[77] = odd;
@@ -113,7 +113,7 @@ TEST(ExactObjective, GoesOnWithEmbeddingsThatAreNotFinite) {
 TEST(ExactObjective, OfNoNumbersIsNone) {
     constexpr std::size_t kCount = 70;
     const std::vector<double> X(kCount * kColumns, std::nan(""));
-    ExactObjective objective(X.data(), kCount, kColumns, 2, 5.0);
+    ExactObjective objective({X.data(), kCount, kColumns}, 2, 5.0);
     const std::vector<double> Y = test::random_values(kCount * 2, 77);
     std::vector<double> dY(Y.size());
     EXPECT_TRUE(std::isnan(objective.costAndGradient(Y.data(), dY.data())));
@@ -122,12 +122,23 @@ TEST(ExactObjective, OfNoNumbersIsNone) {
     }
 }
 
+TEST(ExactObjective, GivesACostThatPrintsAsZeroTheSignOfThePlainSum) {
+    // Equal distances in the input and in the embedding: nothing tells the similarities apart.
+    constexpr std::size_t kCount = 70;
+    const std::vector<double> X(kCount * kColumns, 1.0);
+    const std::vector<double> P = joint_similarities(X, kCount);
+    ExactObjective objective({X.data(), kCount, kColumns}, 2, 5.0);
+    const std::vector<double> Y(kCount * 2, 0.5);
+    expect_plain_values(objective, P, Y, kCount);
+    EXPECT_LT(std::fabs(objective.cost(Y.data())), 1e-6);
+}
+
 TEST(ExactObjective, WritesNothingWithoutPointsOrDimensions) {
-    ExactObjective empty(nullptr, 0, 3, 2, 5.0);
+    ExactObjective empty({nullptr, 0, 3}, 2, 5.0);
     EXPECT_EQ(empty.costAndGradient(nullptr, nullptr), 0.0);
     constexpr std::size_t kCount = 70;
     const std::vector<double> X = test::random_values(kCount * kColumns, 78);
-    ExactObjective flat(X.data(), kCount, kColumns, 0, 5.0);
+    ExactObjective flat({X.data(), kCount, kColumns}, 0, 5.0);
     EXPECT_TRUE(std::isfinite(flat.costAndGradient(nullptr, nullptr)));
 }
 

@@ -7,8 +7,8 @@
 namespace ovik {
 namespace {
 
-constexpr RunSize kExact{.rows = 20000, .columns = 50, .theta = 0.0};
-constexpr RunSize kBarnesHut{.rows = 100000, .columns = 50, .perplexity = 30.0};
+constexpr RunSize kExact{.rows = 20000, .columns = 50, .options = {.theta = 0.0}};
+constexpr RunSize kBarnesHut{.rows = 100000, .columns = 50, .options = {.perplexity = 30.0}};
 
 TEST(EstimateMemory, GrowsWithTheSquareOfTheRowsForTheExactMethod) {
     RunSize twice = kExact;
@@ -24,7 +24,7 @@ TEST(EstimateMemory, GrowsWithRowsPerplexityAndColumnsForBarnesHut) {
     larger.rows *= 2;
     EXPECT_NEAR(estimate_memory(larger).peak() / peak, 2.0, 0.2);
     larger = kBarnesHut;
-    larger.perplexity *= 2;
+    larger.options.perplexity *= 2;
     EXPECT_GT(estimate_memory(larger).peak(), 1.5 * peak);
     larger = kBarnesHut;
     larger.columns *= 10;
@@ -32,34 +32,34 @@ TEST(EstimateMemory, GrowsWithRowsPerplexityAndColumnsForBarnesHut) {
 }
 
 TEST(EstimateMemory, TakesNoMoreNeighboursThanThereAre) {
-    RunSize few{.rows = 1000, .columns = 5, .perplexity = 500.0};
+    RunSize few{.rows = 1000, .columns = 5, .options = {.perplexity = 500.0}};
     const double peak = estimate_memory(few).peak();
-    few.perplexity = 1e9;
+    few.options.perplexity = 1e9;
     EXPECT_EQ(estimate_memory(few).peak(), peak);
 }
 
 TEST(EstimateMemory, CountsPlotsAndPairsOfDimensions) {
-    RunSize size{.rows = 1000000, .columns = 2, .perplexity = 1.0};
+    RunSize size{.rows = 1000000, .columns = 2, .options = {.perplexity = 1.0}};
     const double with_plots = estimate_memory(size).results;
     size.has_plots = false;
     EXPECT_LT(estimate_memory(size).results, with_plots);
-    size.out_dims = 3;
+    size.options.out_dims = 3;
     EXPECT_GT(estimate_memory(size).results, 3.0 * 160.0 * 1e6);
 }
 
 TEST(EstimateMemory, CountsWhatThreadsNeedForNeighbours) {
-    RunSize size{.rows = 1000000, .columns = 50, .perplexity = 5.0, .threads = 64};
+    RunSize size{.rows = 1000000, .columns = 50, .options = {.perplexity = 5.0}, .threads = 64};
     const double many = estimate_memory(size).peak();
     size.threads = 1;
     EXPECT_GT(many, 2.0 * estimate_memory(size).peak());
 }
 
 TEST(EstimateMemory, DoesNotOverflow) {
-    const RunSize huge{.rows = 2147483647, .columns = 2147483647, .theta = 0.0};
+    const RunSize huge{.rows = 2147483647, .columns = 2147483647, .options = {.theta = 0.0}};
     EXPECT_GT(estimate_memory(huge).peak(), 7e19);
     EXPECT_TRUE(std::isfinite(estimate_memory(huge).peak()));
-    EXPECT_GT(estimate_memory({.rows = 0, .columns = 0}).peak(), 1e6);
-    EXPECT_LT(estimate_memory({.rows = 0, .columns = 0}).peak(), 1e8);
+    EXPECT_GT(estimate_memory(RunSize()).peak(), 1e6);
+    EXPECT_LT(estimate_memory(RunSize()).peak(), 1e8);
 }
 
 }  // namespace

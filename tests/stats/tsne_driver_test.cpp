@@ -9,6 +9,7 @@
 
 #include "stats/tsne.h"
 #include "util/console.h"
+#include "util/input_error.h"
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
@@ -174,12 +175,28 @@ TEST_F(Driver, TakesTheNeighboursThereAreForAHugePerplexity) {
 
 TEST_F(Driver, EndsForPerplexitiesWithoutMeaning) {
     for (const double theta : {0.0, 0.5}) {
-        for (const double perplexity : {0.0, -5.0, std::nan("")}) {
+        for (const double perplexity : {0.0, -0.2, std::nan("")}) {
             const RunOutcome run = test::run_engine(
                 matrix(12), {.perplexity = perplexity, .theta = theta, .max_iter = 3});
             EXPECT_EQ(count_of(run.out, "Got error of"), 4U);
         }
     }
+}
+
+TEST_F(Driver, GoesOnWithANegativePerplexityInTheExactMethod) {
+    const RunOutcome run =
+        test::run_engine(matrix(12), {.perplexity = -5.0, .theta = 0.0, .max_iter = 3});
+    EXPECT_EQ(count_of(run.out, "Got error of"), 4U);
+}
+
+TEST_F(Driver, EndsWithItsRemarkWhereRowsWouldHaveFewerThanNoNeighbours) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    TSNE<double> tsne(directory_.prefix(), "run", "", "");
+    tsne.init(matrix(12), 3, '\t');
+    EXPECT_EXIT(tsne.actuate(2, -5.0, {}, 1, 2),
+                testing::ExitedWithCode(1),
+                "^Perplexity should be lower than K!\nMemory allocation failed!\n$");
+    tsne.finish();
 }
 
 TEST_F(Driver, EndsForFewRows) {
@@ -366,6 +383,62 @@ TEST_F(Driver, RefusesToRunOnAReleasedInput) {
     EXPECT_THROW(tsne.actuate(2, 3.0, {}, 250, 250), std::logic_error);
     EXPECT_THROW(tsne.checkResume(2, 3.0, 250, 250), std::logic_error);
     testing::internal::GetCapturedStdout();
+}
+
+TEST_F(Driver, TakesACallersOwnInputAfterAFinishAndReleasesIt) {
+    testing::internal::CaptureStdout();
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.draw_plots = false;
+    tsne.init(matrix(12), 2, '\t');
+    const int N = tsne.N;
+    const int D = tsne.D;
+    const std::vector<double> values(tsne.X, tsne.X + N * D);
+    for (int round = 0; round < 3; ++round) {
+        tsne.finish();
+        // Likely the address that has just been freed, and of no matter whether it is.
+        tsne.X = new double[values.size()];
+        std::copy(values.begin(), values.end(), tsne.X);
+        tsne.N = N;
+        tsne.D = D;
+        tsne.actuate(2, 3.0, {}, 250, 250);
+        EXPECT_TRUE(tsne.tableWritten());
+    }
+    tsne.finish();
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(Driver, NamesRowsAfterTheLastNamesThatThereAre) {
+    testing::internal::CaptureStdout();
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.draw_plots = false;
+    tsne.init(matrix(20), 2, '\t');
+    tsne.init(directory_.write("n.tsv", "h\nA\t1\t2\nB\t3\t5\nC\t0\t1\nD\t4\t4\n"), 2, '\t');
+    // A caller may take the names of the rows before away.
+    tsne.row_names.erase(tsne.row_names.begin(), tsne.row_names.end() - 4);
+    tsne.actuate(2, 1.0, {}, 250, 250);
+    const std::string table = test::read_file(directory_.file("run_tsne_1_0.csv"));
+    EXPECT_NE(table.find("function\nA,"), std::string::npos);
+    EXPECT_NE(table.find("\nD,"), std::string::npos);
+    tsne.row_names.pop_back();
+    try {
+        tsne.actuate(2, 1.0, {}, 250, 250);
+        ADD_FAILURE() << "three names are enough for four rows";
+    } catch (const InputError& error) {
+        EXPECT_STREQ(error.what(),
+                     "row_names holds 3 names, and there are 4 rows: every row needs one, the "
+                     "last names are those of the rows");
+    }
+    tsne.finish();
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(Driver, HasNoRoomForANegativeNumberOfDimensions) {
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.init(matrix(10), 2, '\t');
+    testing::internal::CaptureStdout();
+    EXPECT_THROW(tsne.actuate(-1, 3.0, {}, 250, 250), std::bad_array_new_length);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    tsne.finish();
 }
 
 TEST_F(Driver, RunsOnNothingBeforeAnyInput) {

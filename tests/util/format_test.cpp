@@ -94,7 +94,7 @@ TEST(CreateVecMalloc, GivesAnEmptyArrayForZero) {
 
 TEST(CreateVecMalloc, RefusesNegativeAndImpossibleCounts) {
     EXPECT_THROW(create_vec_malloc<double>(-1, 0.0), std::bad_array_new_length);
-    EXPECT_THROW(create_vec_malloc<double>(std::numeric_limits<std::ptrdiff_t>::max(), 0.0),
+    EXPECT_THROW(new_array<double>(std::numeric_limits<std::size_t>::max(), 0.0),
                  std::bad_array_new_length);
 }
 

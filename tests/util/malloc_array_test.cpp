@@ -27,21 +27,20 @@ TEST(CallocArray, IsZeroed) {
     }
 }
 
-TEST(ExitUnlessAllocatedDeathTest, EndsWithTheMessageAndStatusOne) {
+TEST(RequireAllocated, ThrowsIfOneIsMissing) {
     const auto one = malloc_array<double>(1);
-    EXPECT_EXIT(exit_unless_allocated(one, malloc_array<double>(kImpossible)),
-                testing::ExitedWithCode(1),
-                "^Memory allocation failed!\n$");
+    EXPECT_THROW(require_allocated(one, malloc_array<double>(kImpossible)), WorkMemoryError);
+    EXPECT_THROW(require_allocated(malloc_array<double>(kImpossible)), std::bad_alloc);
 }
 
-TEST(ExitUnlessAllocatedDeathTest, GoesOnWithAllArrays) {
-    EXPECT_EXIT(
-        {
-            exit_unless_allocated(malloc_array<double>(1), calloc_array<int>(2));
-            std::exit(7);
-        },
-        testing::ExitedWithCode(7),
-        "^$");
+TEST(RequireAllocated, GoesOnWithAllArrays) {
+    EXPECT_NO_THROW(require_allocated(malloc_array<double>(1), calloc_array<int>(2)));
+}
+
+TEST(WorkMemoryError, SaysWhatIsWrong) {
+    EXPECT_STREQ(WorkMemoryError().what(),
+                 "a work array does not fit in memory: fewer rows, fewer columns, a lower "
+                 "perplexity or a theta above 0 take less");
 }
 
 }  // namespace

@@ -14,14 +14,12 @@ _ovik_tsne() {
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;
-    -p | --perplexity | -t | --theta | -d | --dims | -i | --max-iter | -j | --threads | \
-      --stop-lying-iter | --mom-switch-iter | --checkpoint-every | -n | --name | --suffix | \
-      --title | --gene) ;;
     *)
       if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W "$(ovik-tsne --help | grep -oE '^  (-[a-z],)?--[a-z-]+' |
           tr -d ' ' | tr ',' '\n')" -- "$current"))
-      else
+      elif [[ $previous != -* ]] || ! ovik-tsne --help | grep -E '^  (-[a-z],)?--' |
+        grep -E -- "[ ,]$previous (NUMBER|COUNT|TEXT|NAME)" >/dev/null; then
         compopt -o filenames
         COMPREPLY=($(compgen -f -- "$current"))
       fi

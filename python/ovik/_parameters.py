@@ -1,0 +1,57 @@
+"""The parameters of a fit, from the list of options of the library."""
+
+from __future__ import annotations
+
+from typing import Any
+
+# options of a fit, by scripts/option-texts
+class FitParameters:
+    """The options of a fit as attributes."""
+
+    def __init__(
+        self,
+        n_components: int = 2,
+        *,
+        perplexity: float = 20.0,
+        theta: float = 0.5,
+        n_iter: int = 1000,
+        stop_lying_iter: int = 250,
+        mom_switch_iter: int = 250,
+        n_jobs: int = -1,
+        verbose: bool = False,
+    ) -> None:
+        self.n_components = n_components
+        self.perplexity = perplexity
+        self.theta = theta
+        self.n_iter = n_iter
+        self.stop_lying_iter = stop_lying_iter
+        self.mom_switch_iter = mom_switch_iter
+        self.n_jobs = n_jobs
+        self.verbose = verbose
+
+    def _fit_options(self) -> dict[str, Any]:
+        return {
+            "n_components": self.n_components,
+            "perplexity": self.perplexity,
+            "theta": self.theta,
+            "n_iter": self.n_iter,
+            "stop_lying_iter": self.stop_lying_iter,
+            "mom_switch_iter": self.mom_switch_iter,
+        }
+
+
+DESCRIPTIONS = """\
+    n_components : int, default 2
+        Dimensions of the embedding, 2 to 50.
+    perplexity : float, default 20.0
+        Effective number of neighbours of a row, at least 1, at most 1e9.
+    theta : float, default 0.5
+        Accuracy of the Barnes-Hut method, or 0 for the exact method, at least 0.
+    n_iter : int, default 1000
+        Last iteration, counted from 0, 1 to 1000000000.
+    stop_lying_iter : int, default 250
+        Iteration at which early exaggeration ends, at least 0.
+    mom_switch_iter : int, default 250
+        Iteration after which the momentum is the final one, at least 0.
+"""
+# end of the options of a fit

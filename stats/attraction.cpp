@@ -1,0 +1,71 @@
+#include "stats/attraction.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+namespace ovik {
+
+namespace {
+
+/// Below it the sum of rows and the sum of entries may differ in the sign of a printed zero.
+constexpr double kPrintsAsZero = 1e-6;
+
+/// The entries of some rows, added one after the other.
+double plain_cost(const EdgeView& edges, IndexRange rows, double Z) {
+    double cost = 0.0;
+    for (std::size_t n = rows.begin; n < rows.end; ++n) {
+        for (std::size_t i = edges.row_P[n]; i < edges.row_P[n + 1]; ++i) {
+            const double* const own = edges.Y + n * edges.dims;
+            const double* const other = edges.Y + edges.col_P[i] * edges.dims;
+            double squared_distance = 0.0;
+            for (std::size_t d = 0; d < edges.dims; ++d) {
+                const double difference = own[d] - other[d];
+                squared_distance += difference * difference;
+            }
+            const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
+            cost += edges.val_P[i] * std::log((edges.val_P[i] + DBL_MIN) / Q);
+        }
+    }
+    return cost;
+}
+
+}  // namespace
+
+Attraction::Attraction(std::size_t N, std::size_t dims)
+    : N_(N),
+      dims_(dims),
+      pass_(edge_pass(instruction_set(), dims)),
+      row_costs_(malloc_array<RowCost>(N)) {
+    require_allocated(row_costs_);
+}
+
+EdgeView Attraction::edgesOf(const SparseMatrixView& P, const double* Y) const {
+    return {P.row_P, P.col_P, P.val_P, Y, dims_};
+}
+
+void Attraction::pass(
+    const SparseMatrixView& P, const double* Y, IndexRange rows, double* forces, bool with_cost) {
+    if (forces != nullptr) {
+        std::fill(forces + rows.begin * dims_, forces + rows.end * dims_, 0.0);
+    }
+    pass_(edgesOf(P, Y), rows.begin, rows.end, forces, with_cost ? row_costs_.get() : nullptr);
+}
+
+double Attraction::cost(const SparseMatrixView& P, const double* Y, double Z) const {
+    const EdgeView edges = edgesOf(P, Y);
+    const double log_Z = std::log(Z);
+    double cost = 0.0;
+    for (std::size_t n = 0; n < N_; ++n) {
+        // A row without entries adds nothing, whatever Z is.
+        if (edges.row_P[n] == edges.row_P[n + 1]) {
+            continue;
+        }
+        const RowCost& row = row_costs_[n];
+        cost += std::isnan(row.log_sum) ? plain_cost(edges, {n, n + 1}, Z)
+                                        : row.log_sum + log_Z * row.weight_sum;
+    }
+    return std::fabs(cost) < kPrintsAsZero ? plain_cost(edges, {0, N_}, Z) : cost;
+}
+
+}  // namespace ovik

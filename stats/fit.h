@@ -1,0 +1,94 @@
+#pragma once
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "neighbours/neighbour_graph.h"
+#include "stats/centring.h"
+#include "stats/fit_notes.h"
+#include "stats/fit_options.h"
+#include "stats/fit_state.h"
+#include "stats/run_times.h"
+#include "util/api.h"
+#include "util/matrix_view.h"
+
+namespace ovik {
+
+class CachedNeighbours;
+struct Method;
+
+/// What a fit takes from, and gives to, its surroundings. Nothing of it changes a number of the
+/// result but `resumed_state`, which takes the place of the random start.
+struct FitHooks {
+    FitNotes on_note = {};
+    /// Takes the message about the input similarities, once they are there.
+    std::function<void(const std::string& message)> on_similarities = {};
+    /// Called after each iteration; false ends the fit there. An exception ends it, too, and leaves
+    /// `fit`.
+    std::function<bool(const FitState&)> on_iteration = {};
+    /// Null, or the state of an earlier fit of the same matrix and options to go on from.
+    const FitState* resumed_state = nullptr;
+    /// Null, or the neighbours that fits of one matrix share; not used by the exact method.
+    CachedNeighbours* cached_neighbours = nullptr;
+    /// Whether the neighbours of the rows are wanted in the result.
+    bool wants_neighbours = false;
+};
+
+/// What a fit comes to, beside the embedding.
+struct FitReport {
+    /// The iteration done last.
+    IterationReport reached;
+    /// Of every iteration done, as it was reported: until early exaggeration ends, against the
+    /// exaggerated similarities.
+    std::vector<double> costs;
+    /// Of the embedding, against the similarities without exaggeration.
+    double final_cost = 0.0;
+    /// How the input was centred and scaled.
+    InputScale scale;
+    /// Empty unless `wants_neighbours`, and where the method searches for none.
+    NeighbourGraph neighbours;
+    RunTimes seconds;
+    /// Processor time of the iterations, in the units of `std::clock`.
+    std::clock_t fitting_clock = 0;
+};
+
+/// A map, and how it came about.
+struct Fit {
+    /// Row-major, rows x output dimensions.
+    std::vector<double> embedding;
+    FitReport report;
+};
+
+/// Embeds the rows of a matrix by t-SNE. Reads no file, writes none and prints nothing.
+///
+/// One fit runs at a time in a process: the random start, and the tree of the neighbour search, are
+/// drawn from the process-wide `rand` stream, which is seeded first. The result is the same for any
+/// number of threads.
+///
+/// @param X        centred and scaled in place (`centre_and_scale`)
+/// @param options  `out_dims` not negative
+/// @param Y        the embedding, X.rows x out_dims, written
+/// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
+/// @throws std::length_error if there are more than 2^32 - 1 similarities
+/// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
+/// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
+OVIK_API FitReport fit_into(MatrixView<double> Y,
+                            MatrixView<double> X,
+                            const FitOptions& options,
+                            const FitHooks& hooks = {});
+
+/// The same with a method that is not in the list (`stats/method.h`), for those who try one.
+FitReport fit_into(MatrixView<double> Y,
+                   MatrixView<double> X,
+                   const FitOptions& options,
+                   const FitHooks& hooks,
+                   const Method& method);
+
+/// The same with an embedding of its own.
+///
+/// @throws std::length_error if `out_dims` is negative
+OVIK_API Fit fit(MatrixView<double> X, const FitOptions& options, const FitHooks& hooks = {});
+
+}  // namespace ovik

@@ -1,0 +1,95 @@
+#include "stats/fit_console.h"
+
+#include <cstdio>
+
+#include <glog/logging.h>
+
+#include "util/console.h"
+#include "util/format.h"
+
+namespace ovik {
+
+namespace {
+
+constexpr int kSeed = 11;
+
+/// Logs the bare perplexity. Readers of the logs know the two places by these lines of the unit, so
+/// they are stated and do not follow the source.
+void log_perplexity(int line, double perplexity) {
+    if (!console_is_silent) {
+        google::LogMessage("stats/tsne", line, google::GLOG_INFO).stream() << perplexity;
+    }
+}
+
+/// Tells the user of a perplexity that the number of points cannot bear; the run goes on.
+void check_perplexity(double perplexity, int N) {
+    if (3.0 * perplexity > static_cast<double>(N - 1)) {
+        // The bound has five digits of a third on purpose, and is cut, not rounded.
+        const double bound = (N - 1) * 0.33333;
+        print_text(
+            "Error: perplexity is too large for the number of data points! It should be <= " +
+                num2string(bound, 1),
+            1,
+            '\n');
+    }
+}
+
+}  // namespace
+
+void print_launch(const FitOptions& options, int N) {
+    print_info("Random seed:  " + num2string(kSeed));
+    check_perplexity(options.perplexity, N);
+    print_info("Launching t-SNE at perplexity = " + num2string(options.perplexity, 2) +
+               " and theta = " + num2string(options.theta, 2));
+}
+
+FitNotes console_notes(double perplexity) {
+    return [perplexity](FitNote note) {
+        switch (note) {
+            case FitNote::SimilaritiesBegin:
+                return print_info("Computing similarities between inputs");
+            case FitNote::ExactMethod:
+                return print_remark("Exact?");
+            case FitNote::DistancesBegin:
+                return log_perplexity(639, perplexity);
+            case FitNote::DistancesDone:
+                return log_perplexity(641, perplexity);
+            case FitNote::Symmetrizing:
+                return print_remark("Symmetrizing...\n");
+            case FitNote::PerplexityAboveNeighbours:
+                return print_remark("Perplexity should be lower than K!\n");
+            case FitNote::NeighbourIndexBuilt:
+                return print_info("Building tree ...");
+        }
+    };
+}
+
+template <typename T>
+void print_progress(const IterationReport& reached) {
+    char cost_text[512];  // "%f" of a double has at most 317 characters
+    std::snprintf(cost_text, sizeof cost_text, "%f", reached.cost);
+    progress_bar<T>("Got error of " + std::string(cost_text) + " at iteration",
+                    reached.iteration,
+                    reached.max_iter,
+                    "",
+                    T(),
+                    0);
+}
+
+void print_end_of_iterations(const IterationReport& reached) {
+    end_progress_bar();
+    if (reached.iteration < reached.max_iter) {
+        print_info("Ended early, at iteration " + std::to_string(reached.iteration) + " of " +
+                   std::to_string(reached.max_iter));
+    }
+}
+
+void print_fitting_time(std::clock_t clock) {
+    const float seconds = static_cast<float>(clock) / 1000000.0F;
+    print_info("Performed fitting in " + num2string(seconds) + "s");
+}
+
+template void print_progress<float>(const IterationReport&);
+template void print_progress<double>(const IterationReport&);
+
+}  // namespace ovik

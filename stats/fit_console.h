@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ctime>
+
+#include "stats/fit_notes.h"
+#include "stats/fit_options.h"
+#include "stats/fit_state.h"
+
+/// What a fit says on the console and in the log.
+
+namespace ovik {
+
+/// The lines before a fit: its seed, a perplexity that N rows cannot bear, and its options.
+void print_launch(const FitOptions& options, int N);
+
+/// Prints the notes of a fit; the exact method's go to standard error, and its perplexity to the
+/// log.
+FitNotes console_notes(double perplexity);
+
+/// Redraws the progress bar, in the precision T.
+template <typename T>
+void print_progress(const IterationReport& reached);
+
+/// Ends the line of the progress bar and says so if the fit was ended early.
+void print_end_of_iterations(const IterationReport& reached);
+
+/// @param clock  processor time of the iterations
+void print_fitting_time(std::clock_t clock);
+
+}  // namespace ovik

@@ -1,0 +1,128 @@
+#include "stats/method.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include <climits>
+
+#include "neighbours/neighbour_index.h"
+#include "stats/elementwise.h"
+#include "stats/exact_objective.h"
+#include "stats/sparse_affinities.h"
+#include "stats/sparse_objective.h"
+#include "stats/tree_repulsion.h"
+#include "util/format.h"
+
+namespace ovik {
+
+namespace {
+
+std::unique_ptr<Objective> make_exact(const MethodInput& input) {
+    return std::make_unique<ExactObjective>(input.X,
+                                            static_cast<std::size_t>(input.options.out_dims),
+                                            input.options.perplexity,
+                                            input.notes);
+}
+
+std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
+    const std::size_t N = input.X.rows;
+    const double perplexity = input.options.perplexity;
+    SparseMatrix P;
+    {
+        const SparseMatrix conditional =
+            neighbour_affinities(input.X.values,
+                                 N,
+                                 input.X.columns,
+                                 perplexity,
+                                 neighbour_count(perplexity, N),
+                                 {input.notes, input.cached_neighbours, input.graph});
+        P = symmetrized(conditional.view(), N);
+    }
+    divide_by_sum(P.val_P.get(), P.row_P[N]);
+    const auto dims = static_cast<std::size_t>(input.options.out_dims);
+    // Made once the similarities are there, which need the memory first.
+    SparseForces forces(N, dims, std::make_unique<TreeRepulsion>(N, dims, input.options.theta));
+    return std::make_unique<SparseObjective>(std::move(P), N, std::move(forces));
+}
+
+MethodMemory exact_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const auto D = static_cast<double>(size.columns);
+    return {8.0 * N * D + 16.0 * N * N, 8.0 * N * N, 0.0};
+}
+
+/// Symmetric entries for each conditional one.
+double symmetric_share(double columns) {
+    return std::min(1.0 + 0.06 * columns, 1.6);
+}
+
+MethodMemory barnes_hut_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const auto D = static_cast<double>(size.columns);
+    const auto d = static_cast<double>(size.options.out_dims);
+    const double K = std::clamp(3.0 * size.options.perplexity, 0.0, std::max(N - 1.0, 0.0));
+    const double entries = N * K;
+    const double symmetric = symmetric_share(D) * entries;
+    const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
+    const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
+    const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
+    const double searching = of_queries + (size.is_shared ? 0.0 : index);
+    const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
+    return {12.0 * entries + std::max(searching, symmetrizing),
+            12.0 * symmetric + 157.0 * N + 44.0 * N * d,
+            index + 16.0 * entries + 16.0 * N};
+}
+
+std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
+    LighterFit lighter{"The Barnes-Hut method (--theta 0.5)", options};
+    lighter.options.theta = FitOptions().theta;
+    return lighter;
+}
+
+std::optional<LighterFit> lighter_than_barnes_hut(const FitOptions& options) {
+    constexpr double kUsualPerplexity = 30.0;
+    if (options.perplexity <= kUsualPerplexity) {
+        return std::nullopt;
+    }
+    LighterFit lighter{"A perplexity of 30", options};
+    lighter.options.perplexity = kUsualPerplexity;
+    return lighter;
+}
+
+std::string exact_title(const FitOptions& /*options*/) {
+    return "exact t-SNE";
+}
+
+std::string barnes_hut_title(const FitOptions& options) {
+    return "Barnes-Hut t-SNE, theta " + shortest_text(options.theta);
+}
+
+constexpr Method kMethods[] = {
+    {"exact", &exact_title, &make_exact, &exact_memory, &lighter_than_exact, false},
+    {"Barnes-Hut",
+     &barnes_hut_title,
+     &make_barnes_hut,
+     &barnes_hut_memory,
+     &lighter_than_barnes_hut,
+     true},
+};
+
+}  // namespace
+
+std::span<const Method> methods() {
+    return kMethods;
+}
+
+const Method& method_of(const FitOptions& options) {
+    return options.theta == 0.0 ? kMethods[0] : kMethods[1];
+}
+
+int neighbour_count(double perplexity, std::size_t N) {
+    const double wanted = 3.0 * perplexity;
+    const double available = std::max(static_cast<double>(N) - 1.0, 0.0);
+    // Compared before it is truncated: a huge or NaN perplexity has no int.
+    return static_cast<int>(wanted < available ? std::max(wanted, -1.0 * INT_MAX) : available);
+}
+
+}  // namespace ovik

@@ -1,0 +1,47 @@
+#include "stats/option_texts.h"
+
+#include <cfloat>
+
+#include <climits>
+
+#include "util/format.h"
+
+namespace ovik {
+
+std::string plain_number(double value) {
+    std::string number = shortest_text(value);
+    // Without the sign and the zero of 1e+09.
+    const std::size_t exponent = number.find("e+");
+    if (exponent != std::string::npos) {
+        const std::size_t digits = number.find_first_not_of('0', exponent + 2);
+        number.erase(exponent + 1, digits - exponent - 1);
+    }
+    return number;
+}
+
+std::string plain_number(int value) {
+    return std::to_string(value);
+}
+
+std::string range_text(const OptionRange<double>& range) {
+    std::string text = (range.holds_least ? "at least " : "above ") + plain_number(range.least);
+    if (range.most < DBL_MAX) {
+        text += (range.holds_most ? ", at most " : ", below ") + plain_number(range.most);
+    }
+    return text;
+}
+
+std::string range_text(const OptionRange<int>& range) {
+    return range.most == INT_MAX ? "at least " + plain_number(range.least)
+                                 : plain_number(range.least) + " to " + plain_number(range.most);
+}
+
+std::string requirement_text(const OptionRange<double>& range) {
+    return "a number " + range_text(range);
+}
+
+std::string requirement_text(const OptionRange<int>& range) {
+    return "a whole number from " + plain_number(range.least) + " to " + plain_number(range.most);
+}
+
+}  // namespace ovik

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "stats/attraction.h"
+#include "stats/repulsion.h"
+#include "stats/sparse_matrix.h"
+#include "util/malloc_array.h"
+
+namespace ovik {
+
+/// The t-SNE gradient and cost with attractive forces along the entries of a sparse matrix and any
+/// repulsive forces, for one embedding after the other; after the first, nothing is allocated.
+///
+/// Entry i of the gradient is attraction[i] - repulsion[i] / Z, where every point's term of the
+/// normalisation Z is added in point order.
+///
+/// All functions take the similarities `P` with N rows and an embedding `Y`, row-major, N x dims.
+class SparseForces {
+  public:
+    /// @throws WorkMemoryError if the forces do not fit in memory
+    SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion);
+
+    /// @param gradient  row-major, N x dims, written
+    void gradient(const SparseMatrixView& P, const double* Y, double* gradient);
+
+    /// 0.0 without points.
+    [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y);
+
+    /// Both, in one computation of the repulsion and one pass over the entries; the same values.
+    ///
+    /// @param gradient  row-major, N x dims, written
+    /// @return the cost
+    double costAndGradient(const SparseMatrixView& P, const double* Y, double* gradient);
+
+  private:
+    double computeForces(const SparseMatrixView& P,
+                         const double* Y,
+                         double* attraction,
+                         bool with_cost);
+    void subtractRepulsion(double* gradient, double Z) const;
+
+    std::size_t N_;
+    std::size_t dims_;
+    Attraction attraction_;
+    std::unique_ptr<Repulsion> repulsion_;
+    MallocArray<double> repulsive_forces_;
+    MallocArray<double> z_terms_;
+};
+
+}  // namespace ovik

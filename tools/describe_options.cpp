@@ -1,0 +1,148 @@
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "stats/option_texts.h"
+
+/// Prints what manual page, completion and Python package say of the options of a fit: the blocks
+/// that scripts/option-texts puts into them. Part of the build, not of what is installed.
+
+namespace ovik::tool {
+
+namespace {
+
+/// An option in words.
+struct Described {
+    OptionWords words;
+    std::string preset;
+    /// As Python has it.
+    std::string python_preset;
+    std::string range;
+    bool is_whole;
+};
+
+/// "30.0" for 30: Python tells real numbers from whole ones.
+std::string python_number(double value) {
+    const std::string text = plain_number(value);
+    return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
+}
+
+std::string python_number(int value) {
+    return plain_number(value);
+}
+
+std::vector<Described> described_options() {
+    std::vector<Described> all;
+    const FitOptions options;
+    visit_fit_options(options, [&all](const auto& option) {
+        all.push_back({option.words,
+                       plain_number(option.preset),
+                       python_number(option.preset),
+                       range_text(option.range),
+                       std::is_same_v<decltype(option.preset), int>});
+    });
+    return all;
+}
+
+std::string text_of(std::string_view view) {
+    return std::string(view);
+}
+
+/// "-p" and "--perplexity"; the short form may be missing.
+struct Flags {
+    std::string short_form;
+    std::string long_form;
+};
+
+Flags flags_of(const Described& option) {
+    const std::string flags(option.words.flags);
+    const std::size_t comma = flags.find(',');
+    return comma == std::string::npos ? Flags{"", flags}
+                                      : Flags{flags.substr(0, comma), flags.substr(comma + 1)};
+}
+
+void print_manual() {
+    for (const Described& option : described_options()) {
+        const auto [short_form, long_form] = flags_of(option);
+        std::string names = short_form.empty() ? "" : "\\" + short_form + " \", \" ";
+        names += "\\-\\" + long_form.substr(1);
+        std::printf(".TP\n.BR %s \" \\fI%s\"\n%s, %s (%s).\n",
+                    names.c_str(),
+                    option.is_whole ? "COUNT" : "NUMBER",
+                    text_of(option.words.sentence).c_str(),
+                    option.range.c_str(),
+                    option.preset.c_str());
+    }
+}
+
+void print_zsh() {
+    for (const Described& option : described_options()) {
+        const auto [short_form, long_form] = flags_of(option);
+        const std::string names = short_form.empty() ? "'" + long_form
+                                                     : "'(" + short_form + " " + long_form + ")'{" +
+                                                           short_form + "," + long_form + "}'";
+        std::printf("  %s[%s]:%s'\n",
+                    names.c_str(),
+                    text_of(option.words.sentence).c_str(),
+                    option.is_whole ? "count" : "number");
+    }
+}
+
+void print_python() {
+    std::vector<Described> options = described_options();
+    // The one parameter that may be given by its place.
+    std::stable_partition(options.begin(), options.end(), [](const Described& option) {
+        return option.words.python == "n_components";
+    });
+    std::printf("class FitParameters:\n    \"\"\"The options of a fit as attributes.\"\"\"\n\n");
+    std::printf("    def __init__(\n        self,\n");
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        std::printf("%s        %s: %s = %s,\n",
+                    i == 1 ? "        *,\n" : "",
+                    text_of(options[i].words.python).c_str(),
+                    options[i].is_whole ? "int" : "float",
+                    options[i].python_preset.c_str());
+    }
+    std::printf("        n_jobs: int = -1,\n        verbose: bool = False,\n    ) -> None:\n");
+    for (const Described& option : options) {
+        const std::string name(option.words.python);
+        std::printf("        self.%s = %s\n", name.c_str(), name.c_str());
+    }
+    std::printf("        self.n_jobs = n_jobs\n        self.verbose = verbose\n\n");
+    std::printf("    def _fit_options(self) -> dict[str, Any]:\n        return {\n");
+    for (const Described& option : options) {
+        const std::string name(option.words.python);
+        std::printf("            \"%s\": self.%s,\n", name.c_str(), name.c_str());
+    }
+    std::printf("        }\n\n\nDESCRIPTIONS = \"\"\"\\\n");
+    for (const Described& option : options) {
+        std::printf("    %s : %s, default %s\n        %s, %s.\n",
+                    text_of(option.words.python).c_str(),
+                    option.is_whole ? "int" : "float",
+                    option.python_preset.c_str(),
+                    text_of(option.words.sentence).c_str(),
+                    option.range.c_str());
+    }
+    std::printf("\"\"\"\n");
+}
+
+}  // namespace
+
+}  // namespace ovik::tool
+
+int main(int argc, char** argv) {
+    const std::string_view kind = argc == 2 ? argv[1] : "";
+    if (kind == "manual") {
+        ovik::tool::print_manual();
+    } else if (kind == "zsh") {
+        ovik::tool::print_zsh();
+    } else if (kind == "python") {
+        ovik::tool::print_python();
+    } else {
+        std::fputs("usage: describe_options manual|zsh|python\n", stderr);
+        return 2;
+    }
+    return 0;
+}
