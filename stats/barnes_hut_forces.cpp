@@ -81,7 +81,7 @@ EdgeView BarnesHutForces::edgesOf(const SparseMatrixView& P, const double* Y) co
 /// Lets every point walk the tree and every row pass its entries: the repulsive forces and their
 /// shares are there afterwards, and the attractive forces and sums of the cost if wanted.
 void BarnesHutForces::visit(const EdgeView& edges, double theta, double* pos_f, RowCost* costs) {
-    const EdgePass pass = edge_pass(instruction_set(), dims_);
+    const EdgePass pass = edge_kernels(instruction_set()).pass;
     const std::size_t tasks = (N_ + kTaskRows - 1) / kTaskRows;
     const auto rows_of = [this](std::size_t task) {
         return IndexRange{task * kTaskRows, std::min((task + 1) * kTaskRows, N_)};
