@@ -72,8 +72,7 @@ int main(int argc, char** argv) {
     const Input input = make_input(N);
     std::printf(
         "| %zu points | 1 thread | %d threads | ratio |\n|---|---|---|---|\n", N, processors);
-    for (const ovik::InstructionSet set :
-         {ovik::InstructionSet::Scalar, ovik::InstructionSet::Avx2, ovik::InstructionSet::Avx512}) {
+    for (const ovik::InstructionSet set : ovik::kInstructionSets) {
         if (set > ovik::best_instruction_set()) {
             continue;
         }

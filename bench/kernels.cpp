@@ -124,7 +124,7 @@ void barnes_hut_iteration(benchmark::State& state) {
     for (auto _ : state) {
         benchmark::DoNotOptimize(forces.costAndGradient(P, Y.data(), kTheta, gradient.data()));
     }
-    limit_instruction_set(InstructionSet::Avx512);
+    limit_instruction_set(best_instruction_set());
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 

@@ -8,21 +8,26 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
+#include "util/kernel_dispatch.h"
 #include "util/parallel.h"
 
 namespace ovik {
+
+OVIK_DISPATCH_KERNELS(PivotKernels, kPivotKernels, pivot_kernels)
 
 namespace {
 
 /// Levels of a block that has others below it: one lane is left over.
 constexpr int kBlockLevels = std::bit_width(kBlockPoints) - 1;
 
-/// Levels of a block that holds all of a subtree: more than that has.
+/// Stands for the levels of a block that holds a whole subtree: more than such a subtree has.
 constexpr int kWholeSubtree = kBlockLevels + static_cast<int>(kBlockPoints);
 
-/// Subtrees that are dealt out to threads, for each thread that there may be.
+/// Subtrees, each built by one task: enough of them that a dynamic schedule keeps all threads busy.
 constexpr std::size_t kSubtrees = 64;
 
 /// Fewest distances for which another thread pays.
@@ -35,26 +40,33 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 /// Bounds of a block: two for each pivot.
 constexpr std::size_t kBounds = 2 * kPivots;
 
-/// Of a distance; the rounding errors of a sum over a million coordinates are below it.
+/// Share of a distance that is above the rounding errors of a sum over a million coordinates.
 constexpr double kRoundingMargin = 1e-9;
 
-double distance_of(const double* a, const double* b, std::size_t dims) {
-    double squared_distance = 0.0;
-    for (std::size_t d = 0; d < dims; ++d) {
-        const double difference = a[d] - b[d];
-        squared_distance += difference * difference;
+/// The metric, if the search can skip what it has to.
+const Metric& with_triangle_inequality(const Metric& metric) {
+    if (!metric.has_triangle_inequality) {
+        throw std::invalid_argument(
+            std::string("the neighbour index needs the triangle inequality: ") + metric.name +
+            " distances are without it");
     }
-    return std::sqrt(squared_distance);
+    return metric;
 }
 
 }  // namespace
 
-NeighbourIndex::NeighbourIndex(const double* points, std::size_t N, std::size_t dims)
-    : dims_(dims),
+NeighbourIndex::NeighbourIndex(const double* points,
+                               std::size_t N,
+                               std::size_t dims,
+                               const Metric& metric)
+    : metric_(with_triangle_inequality(metric)),
+      dims_(dims),
       items_(N),
       thresholds_(N),
       blocks_(N),
-      kernels_(block_kernels(instruction_set())) {
+      block_distances_(metric.kernels(instruction_set()).block_distances),
+      pivot_kernels_(pivot_kernels(instruction_set())) {
+    require_measurable_rows(metric, points, N, dims);
     for (std::size_t n = 0; n < N; ++n) {
         items_[n].row = static_cast<std::uint32_t>(n);
     }
@@ -107,7 +119,7 @@ void NeighbourIndex::split(const double* points, Range range) {
     const double* const vantage = points + items_[range.lower].row * dims_;
     parallel_for_each(range.size() - 1, kDistanceGrain, [&](std::size_t i) {
         Item& item = items_[range.lower + 1 + i];
-        item.distance = distance_of(vantage, points + item.row * dims_, dims_);
+        item.distance = distanceOf(vantage, points + item.row * dims_);
     });
     const auto begin = items_.begin();
     std::nth_element(begin + static_cast<std::ptrdiff_t>(range.lower) + 1,
@@ -215,7 +227,7 @@ void NeighbourIndex::choosePivots(const double* points) {
         pivots_.insert(pivots_.end(), coordinates, coordinates + dims_);
         parallel_for_each(N, kDistanceGrain, [&](std::size_t i) {
             const double* const point = points + items_[i].row * dims_;
-            const double distance = distance_of(coordinates, point, dims_);
+            const double distance = distanceOf(coordinates, point);
             distances[i * kPivots + p] = distance;
             to_nearest[i] = distance < to_nearest[i] ? distance : to_nearest[i];
         });
@@ -244,7 +256,7 @@ void NeighbourIndex::fillBounds(const double* distances, Range range, int levels
                 low = std::min(low, distances[i]);
                 high = std::max(high, distances[i]);
             } else {
-                // It bounds nothing.
+                // A distance that is not finite bounds nothing.
                 low = -kInfinity;
                 high = kInfinity;
             }
@@ -267,7 +279,7 @@ void NeighbourIndex::search(const double* const* targets,
     queries.measured.clear();
     queries.places.resize(block_count_, kNotMeasured);
     for (std::size_t t = 0; t < kTargets; ++t) {
-        // Those that are missing are measured in vain.
+        // The last target stands in for those that are missing.
         queries.targets[t] = targets[std::min(t, target_count - 1)];
     }
     queries.wanted = count;
@@ -285,7 +297,7 @@ void NeighbourIndex::searchCurrent(Queries& queries) const {
     queries.margin = 0.0;
     for (std::size_t p = 0; p < kPivots && !items_.empty(); ++p) {
         queries.pivot_distances[p] =
-            distance_of(pivots_.data() + p * dims_, queries.targets[queries.current], dims_);
+            distanceOf(pivots_.data() + p * dims_, queries.targets[queries.current]);
         queries.margin = std::max(queries.margin, queries.pivot_distances[p]);
     }
     if (queries.wanted > 0) {
@@ -304,7 +316,7 @@ std::size_t NeighbourIndex::measure(std::uint32_t block, Queries& queries) const
         if (queries.distances.size() < (place + 1) * kDistances) {
             queries.distances.resize(2 * (place + 1) * kDistances);
         }
-        kernels_.measure(first_block_ + block * dims_ * kBlockPoints,
+        block_distances_(first_block_ + block * dims_ * kBlockPoints,
                          queries.targets,
                          dims_,
                          queries.distances.data() + place * kDistances);
@@ -327,8 +339,9 @@ void NeighbourIndex::visit(
         const std::uint32_t block = blocks_[range.lower];
         // Far above what rounding adds to a distance.
         const double radius = queries.radius + kRoundingMargin * (queries.radius + queries.margin);
-        if (kernels_.is_beyond(bounds_.data() + block * kBounds, queries.pivot_distances, radius)) {
-            // None of them would be admitted, so that the query goes on as if it had seen them.
+        if (pivot_kernels_.is_beyond(
+                bounds_.data() + block * kBounds, queries.pivot_distances, radius)) {
+            // No point of the range would be admitted: the query goes on as if it had seen all.
             return;
         }
         place = measure(block, queries);
@@ -360,31 +373,6 @@ void NeighbourIndex::visit(
         if (!goes_left && distance + queries.radius >= threshold) {
             visit(range.right(), levels - 1, place, rightLane(range, levels, lane), queries);
         }
-    }
-}
-
-#define OVIK_DECLARE_BLOCK_KERNELS(instructions)                                   \
-    namespace instructions {                                                       \
-    void measure_block(const double*, const double* const*, std::size_t, double*); \
-    bool is_beyond_radius(const double*, const double*, double);                   \
-    }
-
-OVIK_DECLARE_BLOCK_KERNELS(scalar)
-#ifdef OVIK_X86_KERNELS
-OVIK_DECLARE_BLOCK_KERNELS(avx2)
-OVIK_DECLARE_BLOCK_KERNELS(avx512)
-#endif
-
-BlockKernels block_kernels(InstructionSet instructions) {
-    switch (instructions) {
-#ifdef OVIK_X86_KERNELS
-        case InstructionSet::Avx512:
-            return {&avx512::measure_block, &avx512::is_beyond_radius};
-        case InstructionSet::Avx2:
-            return {&avx2::measure_block, &avx2::is_beyond_radius};
-#endif
-        default:
-            return {&scalar::measure_block, &scalar::is_beyond_radius};
     }
 }
 

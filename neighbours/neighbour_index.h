@@ -4,12 +4,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "neighbours/kernels/block_distances.h"
+#include "neighbours/kernels/pivot_bounds.h"
+#include "neighbours/metric.h"
 
 namespace ovik {
 
-/// A vantage-point tree over the rows of a matrix under the Euclidean distance: `VpTree` in a form
-/// for very many queries.
+/// A vantage-point tree over the rows of a matrix under any metric with the triangle inequality:
+/// `VpTree` in a form for very many queries.
 ///
 /// It draws from `rand` as `VpTree` does, builds the same tree, and gives the same neighbours in
 /// the same order, to the last of those at equal distance. A subtree is a range of positions, and
@@ -39,16 +40,16 @@ class NeighbourIndex {
         friend class NeighbourIndex;
 
         const double* targets[kTargets] = {};
-        /// The one that is searched for.
+        /// The target whose neighbours are searched for now.
         std::size_t current = 0;
         std::size_t wanted = 0;
         double radius = 0.0;
         double pivot_distances[kPivots] = {};
-        /// The largest of them.
+        /// The largest of the pivot distances.
         double margin = 0.0;
-        /// Of each block: where its distances are kept, or `kNotMeasured`.
+        /// The place of each block's distances, or `kNotMeasured`.
         std::vector<std::uint32_t> places;
-        /// Blocks that have been measured, by place.
+        /// The blocks that have been measured, by place.
         std::vector<std::uint32_t> measured;
         /// kTargets x kBlockPoints at each place.
         std::vector<double> distances;
@@ -57,8 +58,14 @@ class NeighbourIndex {
     /// Builds the tree, subtrees side by side.
     ///
     /// @param points  row-major, N x dims; copied
+    /// @param metric  must outlive the index
+    /// @throws std::invalid_argument if the metric is without the triangle inequality
+    /// @throws InputError if the metric has a complaint of a row
     /// @complexity O(N log N) distances
-    NeighbourIndex(const double* points, std::size_t N, std::size_t dims);
+    NeighbourIndex(const double* points,
+                   std::size_t N,
+                   std::size_t dims,
+                   const Metric& metric = euclidean_metric());
 
     NeighbourIndex(const NeighbourIndex&) = delete;
     NeighbourIndex& operator=(const NeighbourIndex&) = delete;
@@ -123,23 +130,29 @@ class NeighbourIndex {
     void visit(
         Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const;
 
+    [[nodiscard]] double distanceOf(const double* a, const double* b) const {
+        return metric_.distance(a, b, dims_);
+    }
+
+    const Metric& metric_;
     std::size_t dims_;
     std::size_t draw_count_ = 0;
     std::vector<Item> items_;
-    /// Of the vantage point at each position: what was drawn for it, then the median distance of
-    /// the points below.
+    /// What was drawn for the vantage point at each position, and once the subtree is built, the
+    /// median distance of the points below it.
     std::vector<double> thresholds_;
-    /// Of each position that is the root of a block: the block's number.
+    /// The number of the block whose root stands at a position.
     std::vector<std::uint32_t> blocks_;
     std::uint32_t block_count_ = 0;
     /// Holds the blocks, each dims x kBlockPoints.
     std::vector<double> coordinates_;
     double* first_block_ = nullptr;
-    /// Pivots, kPivots x dims, and for each block the bounds that `BeyondRadius` takes, over all
+    /// Pivots, kPivots x dims, and for each block the bounds that `PivotKernels` take, over all
     /// points from the block's root downwards.
     std::vector<double> pivots_;
     std::vector<double> bounds_;
-    BlockKernels kernels_;
+    BlockDistances block_distances_;
+    const PivotKernels& pivot_kernels_;
 };
 
 }  // namespace ovik

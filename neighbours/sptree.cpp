@@ -5,9 +5,12 @@
 #include "neighbours/kernels/tree_walk.h"
 #include "neighbours/tree_builder.h"
 #include "util/instruction_set.h"
+#include "util/kernel_dispatch.h"
 #include "util/parallel.h"
 
 namespace ovik {
+
+OVIK_DISPATCH_KERNELS(WalkKernels, kWalkKernels, walk_kernels)
 
 namespace {
 
@@ -18,6 +21,15 @@ constexpr std::size_t kBuildGrain = 1024;
 /// A `theta` that opens every cell becomes 0.
 double square_of(double theta) {
     return theta > 0.0 ? theta * theta : 0.0;
+}
+
+/// The walk of many points together; null for dimensions in which points walk one by one.
+TreeWalk walk_together(std::size_t dims) {
+    const WalkKernels& kernels = walk_kernels(instruction_set());
+    if (dims == 2) {
+        return kernels.in_plane;
+    }
+    return dims == 3 ? kernels.in_space : nullptr;
 }
 
 }  // namespace
@@ -95,7 +107,7 @@ void SPTree::computeRepulsion(
     std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const {
     TreeView tree = builder_->view();
     tree.data = data_;
-    if (const TreeWalk walk = tree_walk(instruction_set(), dims_)) {
+    if (const TreeWalk walk = walk_together(dims_)) {
         walk(tree, square_of(theta), begin, end, neg_f, shares);
         return;
     }

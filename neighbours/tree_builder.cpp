@@ -14,16 +14,17 @@ namespace {
 
 constexpr int kGridBits = 32;
 
-/// Most bits by which the points are dealt out before they are sorted.
+/// Most leading bits of a key that choose its bucket; each bucket is sorted by itself.
 constexpr int kBucketBits = 12;
 
 /// Fewest points for which another thread pays.
 constexpr std::size_t kPointGrain = 2048;
 
-// Between neighbours in Morton order that no level parts.
+// In the place of a split level: neighbours in Morton order that lie in one cell of the finest
+// level, at different places or at the same.
 constexpr std::int8_t kSameCell = -1;
 constexpr std::int8_t kSamePlace = -2;
-/// Before the first point of a range.
+/// In the place of a split level: there is no point before the first of a range.
 constexpr int kEdge = kGridBits;
 
 /// Cell of one coordinate on a grid of 2^32 cells over [low, low + side].
@@ -66,8 +67,8 @@ std::uint64_t spread(std::uint32_t value) {
 
 }  // namespace
 
-/// Puts cells around units - leaves, or parts that are finished - which come from the last to the
-/// first. The cells that are open have units on both sides of a parting of their level.
+/// Puts cells around units - leaves, or finished parts of the tree - which come from the last to
+/// the first. Each open cell has two neighbouring units with its level as their split level.
 class TreeBuilder::Assembler {
   public:
     /// The points `first` to `last` - 1 in Morton order; their cells stand at `begin` to `end` - 1.
@@ -82,14 +83,14 @@ class TreeBuilder::Assembler {
 
     /// Takes a unit and writes the cells that it completes in front of it.
     ///
-    /// @param parting     the level that parts the unit from the one before it, or `kEdge`
+    /// @param split_level  that of the unit and the one before it, or `kEdge`
     /// @param on_written  called with each cell written
     /// @return the first cell written
     template <typename OnWritten>
-    std::size_t take(const Unit& unit, int parting, const OnWritten& on_written) {
+    std::size_t take(const Unit& unit, int split_level, const OnWritten& on_written) {
         std::size_t begin = unit.begin;
-        OpenCell around{parting, unit.last, unit.end};
-        while (depth_ > 0 && open_[depth_ - 1].level < parting) {
+        OpenCell around{split_level, unit.last, unit.end};
+        while (depth_ > 0 && open_[depth_ - 1].level < split_level) {
             const OpenCell& cell = open_[--depth_];
             around.last = cell.last;
             around.end = cell.end;
@@ -101,7 +102,7 @@ class TreeBuilder::Assembler {
                                    static_cast<std::uint32_t>(cell.end - begin)};
             on_written(begin);
         }
-        if (parting != kEdge && (depth_ == 0 || open_[depth_ - 1].level > parting)) {
+        if (split_level != kEdge && (depth_ == 0 || open_[depth_ - 1].level > split_level)) {
             open_[depth_++] = around;
         }
         return begin;
@@ -135,7 +136,7 @@ TreeBuilder::TreeBuilder(std::size_t dims, std::size_t point_count)
       bucket_starts_(cellsOf(bucket_levels_) + 1),
       order_(point_count),
       rank_(point_count),
-      parting_(point_count),
+      split_levels_(point_count),
       parts_{std::vector<TreeCell>(2 * point_count), std::vector<double>(2 * point_count * dims)},
       whole_(parts_),
       first_cell_(2 * point_count) {
@@ -196,7 +197,7 @@ std::uint64_t TreeBuilder::keyOf(std::size_t row) const {
     return key;
 }
 
-/// Deals the keys out to the cells of a few coarse levels, in Morton order.
+/// Sorts the keys into buckets, which are the cells of a few coarse levels in Morton order.
 void TreeBuilder::fillBuckets() {
     const auto shift =
         static_cast<unsigned int>((key_bits_ - bucket_levels_) * static_cast<int>(dims_));
@@ -232,7 +233,7 @@ void TreeBuilder::buildPart(std::size_t part) {
         sortBucket(first, bucket_starts_[bucket + 1]);
         first = bucket_starts_[bucket + 1];
     }
-    markPartings(segment.first, segment.last);
+    markSplitLevels(segment.first, segment.last);
     const std::size_t end = 2 * std::size_t{segment.last};
     segment.cell_count = end - emitRange(segment.first, segment.last, kSameCell, side_, end);
     for (std::uint32_t position = segment.first; position < segment.last; ++position) {
@@ -264,20 +265,20 @@ void TreeBuilder::sortByCode(std::uint32_t first, std::uint32_t last) {
               [this](std::uint32_t a, std::uint32_t b) { return precedes(a, b); });
 }
 
-/// Fills the partings between the points of a segment.
-void TreeBuilder::markPartings(std::uint32_t first, std::uint32_t last) {
+/// Fills in the split levels of the neighbouring points of a segment.
+void TreeBuilder::markSplitLevels(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t position = first; position + 1 < last; ++position) {
         const Key& a = keys_[position];
         const Key& b = keys_[position + 1];
-        parting_[position] = static_cast<std::int8_t>(
-            a.bits != b.bits ? partingOfKeys(a, b)
-                             : partingOfRows(order_[position], order_[position + 1]));
+        split_levels_[position] = static_cast<std::int8_t>(
+            a.bits != b.bits ? splitLevelOfKeys(a, b)
+                             : splitLevelOfRows(order_[position], order_[position + 1]));
     }
 }
 
 /// Writes the cells of some sorted points in front of `end`.
 ///
-/// @param within  the highest parting that does not part units
+/// @param within  the highest split level of two points that still belong to one unit
 /// @param side    of the grid
 /// @return the first of the cells, which is the one that holds them all
 std::size_t TreeBuilder::emitRange(
@@ -285,13 +286,14 @@ std::size_t TreeBuilder::emitRange(
     Assembler assembler(parts_, side);
     while (last > first) {
         std::uint32_t begin = last - 1;
-        while (begin > first && parting_[begin - 1] <= within) {
+        while (begin > first && split_levels_[begin - 1] <= within) {
             --begin;
         }
-        const int parting = begin > first ? parting_[begin - 1] : kEdge;
+        const int split_level = begin > first ? split_levels_[begin - 1] : kEdge;
         const std::size_t unit = emitUnit(begin, last, end);
-        end = assembler.take(
-            {begin, last, unit, end}, parting, [this](std::size_t cell) { weigh(parts_, cell); });
+        end = assembler.take({begin, last, unit, end}, split_level, [this](std::size_t cell) {
+            weigh(parts_, cell);
+        });
         last = begin;
     }
     return end;
@@ -328,8 +330,8 @@ double TreeBuilder::refineGrid(std::uint32_t first, std::uint32_t last) {
     }
     sortByCode(first, last);
     for (std::uint32_t position = first; position + 1 < last; ++position) {
-        parting_[position] =
-            static_cast<std::int8_t>(partingOfRows(order_[position], order_[position + 1]));
+        split_levels_[position] =
+            static_cast<std::int8_t>(splitLevelOfRows(order_[position], order_[position + 1]));
     }
     return side;
 }
@@ -340,11 +342,11 @@ void TreeBuilder::join() {
     coarse_cells_.clear();
     for (std::size_t i = segments_.size(); i-- > 0;) {
         Segment& segment = segments_[i];
-        const int parting =
-            i > 0 ? partingOfKeys(keys_[segment.first - 1], keys_[segment.first]) : kEdge;
+        const int split_level =
+            i > 0 ? splitLevelOfKeys(keys_[segment.first - 1], keys_[segment.first]) : kEdge;
         segment.place = end - segment.cell_count;
         end = assembler.take({segment.first, segment.last, segment.place, end},
-                             parting,
+                             split_level,
                              [this](std::size_t cell) { coarse_cells_.push_back(cell); });
     }
     first_cell_ = end;
@@ -405,13 +407,13 @@ int TreeBuilder::highestDifferingBit(std::uint32_t a, std::uint32_t b) const {
     return static_cast<int>(std::bit_width(differing)) - 1;
 }
 
-/// The level that parts two points of different keys.
-int TreeBuilder::partingOfKeys(const Key& a, const Key& b) const {
+/// The split level of two points of different keys.
+int TreeBuilder::splitLevelOfKeys(const Key& a, const Key& b) const {
     const int bit = static_cast<int>(std::bit_width(a.bits ^ b.bits)) - 1;
     return kGridBits - key_bits_ + bit / static_cast<int>(dims_);
 }
 
-int TreeBuilder::partingOfRows(std::uint32_t a, std::uint32_t b) const {
+int TreeBuilder::splitLevelOfRows(std::uint32_t a, std::uint32_t b) const {
     const int level = highestDifferingBit(a, b);
     if (level >= 0) {
         return level;

@@ -13,9 +13,10 @@ namespace ovik {
 /// after the first time it does not allocate.
 ///
 /// The points are sorted in Morton order: that of the interleaved bits of their cells on a grid.
-/// Two neighbours in that order are parted at some level of the grid, and those levels alone decide
-/// the tree, in one pass from the last point to the first. The cells of a few coarse levels are
-/// built side by side and then put together; the tree is the same for any number of threads.
+/// The split level of two neighbours in that order is the coarsest level of the grid at which they
+/// lie in different cells. Split levels alone decide the tree, in one pass from the last point to
+/// the first. The subtrees of a few coarse levels are built side by side and then put together; the
+/// tree is the same for any number of threads.
 class TreeBuilder {
   public:
     TreeBuilder(std::size_t dims, std::size_t point_count);
@@ -79,7 +80,7 @@ class TreeBuilder {
     void listSegments();
     void sortBucket(std::uint32_t first, std::uint32_t last);
     void sortByCode(std::uint32_t first, std::uint32_t last);
-    void markPartings(std::uint32_t first, std::uint32_t last);
+    void markSplitLevels(std::uint32_t first, std::uint32_t last);
     std::size_t emitRange(
         std::uint32_t first, std::uint32_t last, int within, double side, std::size_t end);
     std::size_t emitUnit(std::uint32_t first, std::uint32_t last, std::size_t end);
@@ -90,8 +91,8 @@ class TreeBuilder {
                                                    std::uint32_t last,
                                                    std::size_t d) const;
     [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
-    [[nodiscard]] int partingOfKeys(const Key& a, const Key& b) const;
-    [[nodiscard]] int partingOfRows(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] int splitLevelOfKeys(const Key& a, const Key& b) const;
+    [[nodiscard]] int splitLevelOfRows(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
 
@@ -112,8 +113,9 @@ class TreeBuilder {
     std::vector<std::uint32_t> bucket_starts_;
     std::vector<std::uint32_t> order_;
     std::vector<std::uint32_t> rank_;
-    /// The level that parts the points at i and i + 1 in Morton order, or one of the constants.
-    std::vector<std::int8_t> parting_;
+    /// The split level of the points at i and i + 1 in Morton order, or `kSameCell` or
+    /// `kSamePlace`.
+    std::vector<std::int8_t> split_levels_;
     std::vector<Segment> segments_;
     /// The cells above them, children first.
     std::vector<std::size_t> coarse_cells_;

@@ -35,7 +35,7 @@ double plain_cost(const EdgeView& edges, IndexRange rows, double Z) {
 Attraction::Attraction(std::size_t N, std::size_t dims)
     : N_(N),
       dims_(dims),
-      pass_(edge_pass(instruction_set(), dims)),
+      pass_(edge_kernels(instruction_set()).pass),
       row_costs_(malloc_array<RowCost>(N)) {
     require_allocated(row_costs_);
 }

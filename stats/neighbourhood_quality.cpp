@@ -2,15 +2,24 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
+#include "neighbours/metric.h"
 #include "stats/kernels/neighbour_ranks.h"
 #include "stats/kernels/pair_kernels.h"
 #include "util/instruction_set.h"
+#include "util/kernel_dispatch.h"
 #include "util/parallel.h"
 
 namespace ovik {
 
+OVIK_DISPATCH_KERNELS(RankKernels, kRankKernels, rank_kernels)
+
 namespace {
+
+static_assert(kPanelWidth % kColumnMultiple == 0 && kPanelWidth % kRankMultiple == 0);
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Points of a row-major matrix by coordinate.
 class Columns {
@@ -26,7 +35,9 @@ class Columns {
         }
     }
 
-    [[nodiscard]] PaddedColumns view() const { return {coordinates_.data(), point_count_, dims_}; }
+    [[nodiscard]] PointsByColumn view() const {
+        return {coordinates_.data(), point_count_, padded_to_panels(point_count_), dims_};
+    }
 
   private:
     std::vector<double> coordinates_;
@@ -37,15 +48,17 @@ class Columns {
 /// The nearest neighbours of one row, found anew for each.
 class Neighbours {
   public:
-    Neighbours(const Columns& points, std::size_t count, const RankKernels& kernels)
+    Neighbours(const Columns& points, std::size_t count, const Metric& metric)
         : points_(points.view()),
-          kernels_(kernels),
-          distances_(padded_to_panels(points_.point_count)),
+          squared_distances_(metric.kernels(instruction_set()).squared_distances),
+          kernels_(rank_kernels(instruction_set())),
+          distances_(padded_to_panels(points_.point_count), kInfinity),
           nearest_(count),
           nearest_distances_(count) {}
 
     void find(std::size_t row) {
-        kernels_.squared_distances(points_, row, distances_.data());
+        squared_distances_(points_, row, distances_.data());
+        distances_[row] = kInfinity;
         kernels_.nearest(distances_.data(),
                          distances_.size(),
                          nearest_.size(),
@@ -55,7 +68,7 @@ class Neighbours {
 
     [[nodiscard]] const std::vector<std::uint32_t>& nearest() const { return nearest_; }
 
-    /// Of another row among the neighbours, from 0.
+    /// The rank of another row among the neighbours, from 0.
     [[nodiscard]] std::size_t rank(std::uint32_t other) const {
         const auto found = std::find(nearest_.begin(), nearest_.end(), other);
         return found != nearest_.end() ? static_cast<std::size_t>(found - nearest_.begin())
@@ -63,20 +76,22 @@ class Neighbours {
     }
 
   private:
-    PaddedColumns points_;
+    PointsByColumn points_;
+    DistancesOfPoint squared_distances_;
     const RankKernels& kernels_;
     std::vector<double> distances_;
     std::vector<std::uint32_t> nearest_;
     std::vector<double> nearest_distances_;
 };
 
-/// Sums over rows for one size of neighbourhoods; whole numbers, so that their order is of no
+/// Sums over rows for one size k of neighbourhoods; whole numbers, so that their order is of no
 /// matter.
 struct Sums {
-    /// By how much ranks in the input exceed the size.
+    /// What trustworthiness falls with: by how much the ranks in the input of the k nearest rows in
+    /// the embedding exceed k.
     std::uint64_t excess = 0;
-    /// Neighbours in both.
-    std::uint64_t shared = 0;
+    /// Of the k nearest rows in the input, those among the k nearest in the embedding.
+    std::uint64_t recalled = 0;
 };
 
 void add_row(const Neighbours& input,
@@ -84,11 +99,11 @@ void add_row(const Neighbours& input,
              const std::vector<std::size_t>& sizes,
              std::vector<Sums>& sums) {
     const std::vector<std::uint32_t>& nearest = embedding.nearest();
-    for (std::size_t place = 0; place < nearest.size(); ++place) {
-        const std::size_t rank = input.rank(nearest[place]);
+    for (std::size_t map_rank = 0; map_rank < nearest.size(); ++map_rank) {
+        const std::size_t rank = input.rank(nearest[map_rank]);
         for (std::size_t i = 0; i < sizes.size(); ++i) {
-            if (place < sizes[i]) {
-                sums[i].shared += rank < sizes[i] ? 1 : 0;
+            if (map_rank < sizes[i]) {
+                sums[i].recalled += rank < sizes[i] ? 1 : 0;
                 sums[i].excess += rank < sizes[i] ? 0 : rank + 1 - sizes[i];
             }
         }
@@ -100,7 +115,7 @@ NeighbourhoodQuality quality_of(const Sums& sums, std::size_t N, std::size_t siz
     const auto k = static_cast<double>(size);
     return {size,
             1.0 - 2.0 * static_cast<double>(sums.excess) / (n * k * (2.0 * n - 3.0 * k - 1.0)),
-            static_cast<double>(sums.shared) / (n * k)};
+            static_cast<double>(sums.recalled) / (n * k)};
 }
 
 }  // namespace
@@ -111,21 +126,31 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         const double* Y,
                                                         std::size_t dims,
                                                         const std::vector<std::size_t>& sizes) {
+    return neighbourhood_quality(X, N, D, Y, dims, sizes, euclidean_metric());
+}
+
+std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
+                                                        std::size_t N,
+                                                        std::size_t D,
+                                                        const double* Y,
+                                                        std::size_t dims,
+                                                        const std::vector<std::size_t>& sizes,
+                                                        const Metric& metric) {
     constexpr std::size_t kRowsOfTask = 32;
     if (N == 0 || sizes.empty()) {
         return {};
     }
+    require_measurable_rows(metric, X, N, D);
     const Columns input_columns(X, N, D);
     const Columns embedding_columns(Y, N, dims);
     const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
-    const RankKernels& kernels = rank_kernels(instruction_set());
     const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
     const int workers = worker_count(tasks);
     std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
     std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
-                                   Neighbours(input_columns, largest, kernels));
+                                   Neighbours(input_columns, largest, metric));
     std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
-                                       Neighbours(embedding_columns, largest, kernels));
+                                       Neighbours(embedding_columns, largest, euclidean_metric()));
     parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
         for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
             inputs[worker].find(n);
@@ -138,7 +163,7 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
         Sums total;
         for (const std::vector<Sums>& of_task : sums) {
             total.excess += of_task[i].excess;
-            total.shared += of_task[i].shared;
+            total.recalled += of_task[i].recalled;
         }
         result.push_back(quality_of(total, N, sizes[i]));
     }

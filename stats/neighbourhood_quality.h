@@ -7,8 +7,10 @@
 
 namespace ovik {
 
-/// How well an embedding keeps the k nearest neighbours of each row. Both measures are 1 for one
-/// that keeps them all; a random embedding has a preservation of k / (N - 1).
+struct Metric;
+
+/// How well an embedding keeps the k nearest neighbours of each row: trustworthiness and recall.
+/// Both are 1 for one that keeps them all; a random embedding has a recall of k / (N - 1).
 struct NeighbourhoodQuality {
     /// k.
     std::size_t neighbours = 0;
@@ -23,8 +25,8 @@ struct NeighbourhoodQuality {
     /// @par Source Venna and Kaski, "Neighborhood preservation in nonlinear projection methods: an
     /// experimental study", ICANN 2001, LNCS 2130:485
     double trustworthiness = 0.0;
-    /// The share of the k nearest rows in the input that are among the k nearest in the embedding,
-    /// averaged over all rows.
+    /// The recall of the k nearest neighbours: the share of the k nearest rows in the input that
+    /// are among the k nearest in the embedding, averaged over all rows.
     ///
     /// @par Source Lee and Verleysen, "Quality assessment of dimensionality reduction: rank-based
     /// criteria", Neurocomputing 72:1431, 2009
@@ -44,5 +46,16 @@ OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality(
     const double* Y,
     std::size_t dims,
     const std::vector<std::size_t>& sizes);
+
+/// The same for neighbours in the input under any metric; those in the embedding are Euclidean.
+///
+/// @throws InputError if the metric has a complaint of a row of the input
+std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
+                                                        std::size_t N,
+                                                        std::size_t D,
+                                                        const double* Y,
+                                                        std::size_t dims,
+                                                        const std::vector<std::size_t>& sizes,
+                                                        const Metric& metric);
 
 }  // namespace ovik

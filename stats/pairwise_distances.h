@@ -6,6 +6,8 @@
 
 namespace ovik {
 
+struct Metric;
+
 /// Fills a matrix with the squared Euclidean distances of all pairs of points.
 ///
 /// @param points     row-major, point_count x dims
@@ -14,5 +16,14 @@ OVIK_API void squared_distance_matrix(const double* points,
                                       std::size_t point_count,
                                       std::size_t dims,
                                       double* distances);
+
+/// The same under any metric.
+///
+/// @throws InputError if the metric has a complaint of a point
+void squared_distance_matrix(const double* points,
+                             std::size_t point_count,
+                             std::size_t dims,
+                             double* distances,
+                             const Metric& metric);
 
 }  // namespace ovik

@@ -33,9 +33,9 @@ inline std::size_t panel_worker_count(std::size_t point_count) {
         worker_count(padded_to_panels(point_count) / kPanelWidth, kGrain));
 }
 
-/// The panels of a loop, for the workers to take: whoever is free takes the next, so that a core
-/// that is busy with something else holds nobody up. For loops whose results do not depend on who
-/// does what.
+/// The dynamic schedule of a loop over panels: a worker that is free takes the next panel, so that
+/// a core that is busy with another program delays none of the others. For loops whose results do
+/// not depend on which worker takes which panel.
 class PanelQueue {
   public:
     explicit PanelQueue(std::size_t point_count)

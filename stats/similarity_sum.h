@@ -8,12 +8,13 @@
 namespace ovik {
 
 /// The sum of the similarities 1 / (1 + squared distance) of all pairs of different points of an
-/// embedding, which is to be that of a plain loop, row after row, bit for bit.
+/// embedding: bit for bit that of a plain loop that goes row after row.
 ///
 /// The rows are rounded to the unit of the running sum (see `RoundingUnit`) and added in parallel,
-/// each similarity once for both of its rows. The unit is that which the running sum had at the row
-/// the last time: where it has moved on, or the row cannot be added as a whole, the row is done
-/// again. What was there the last time decides how long it takes, never the result.
+/// each similarity once for both of its rows. Each row takes the unit that the running sum had
+/// there in the last call. A row whose unit has changed since, or that cannot be added as a whole,
+/// is added once more by `sum_in_order`. The last call decides how long this one takes, never its
+/// result.
 class SimilaritySum {
   public:
     /// For embeddings of `point_count` points. Throws WorkMemoryError if
@@ -32,7 +33,8 @@ class SimilaritySum {
     const PairKernels& kernels_;
     std::size_t point_count_;
     std::size_t padded_count_;
-    /// Each has sums and ties of its own for all rows; exact, whoever adds which.
+    /// Each worker has sums and ties of its own for all rows. The sums are exact, whichever worker
+    /// adds which similarity.
     std::size_t worker_count_;
     MallocArray<double> shifts_;
     MallocArray<double> half_units_;

@@ -1,27 +1,25 @@
 #include "util/instruction_set.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace ovik {
 
 namespace {
 
+#define OVIK_TAKE_IF_AVAILABLE(enumerator, space, is_available, ...) \
+    if (is_available) {                                              \
+        best = InstructionSet::enumerator;                           \
+    }
+
 InstructionSet best_of_processor() {
-#ifdef OVIK_X86_KERNELS
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-        __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0) {
-        return InstructionSet::Avx512;
-    }
-    if (__builtin_cpu_supports("avx2") != 0) {
-        return InstructionSet::Avx2;
-    }
-#endif
-    return InstructionSet::Scalar;
+    InstructionSet best = InstructionSet::Scalar;
+    OVIK_INSTRUCTION_SETS(OVIK_TAKE_IF_AVAILABLE)
+    return best;
 }
 
 InstructionSet& allowed() {
-    static InstructionSet best = InstructionSet::Avx512;
+    static InstructionSet best = *std::rbegin(kInstructionSets);
     return best;
 }
 

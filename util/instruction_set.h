@@ -13,6 +13,32 @@ enum class InstructionSet {
     Avx512,
 };
 
+/// The instruction sets of this build, from the least to the best, as `ovik_instruction_sets` in
+/// CMakeLists.txt lists them. A row is
+///
+///     ROW(enumerator, namespace of its kernels, whether the processor has it, ...)
+///
+/// with what else the user of the list passes on.
+#ifdef __x86_64__
+    #define OVIK_INSTRUCTION_SETS(ROW, ...)                                                      \
+        ROW(Scalar, scalar, true, __VA_ARGS__)                                                   \
+        ROW(Avx2, avx2, __builtin_cpu_supports("avx2") != 0, __VA_ARGS__)                        \
+        ROW(Avx512,                                                                              \
+            avx512,                                                                              \
+            __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 && \
+                __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0,   \
+            __VA_ARGS__)
+#else
+    #define OVIK_INSTRUCTION_SETS(ROW, ...) ROW(Scalar, scalar, true, __VA_ARGS__)
+#endif
+
+#define OVIK_ENUMERATOR(enumerator, ...) InstructionSet::enumerator,
+
+/// The instruction sets of this build, from the least to the best.
+constexpr InstructionSet kInstructionSets[] = {OVIK_INSTRUCTION_SETS(OVIK_ENUMERATOR)};
+
+#undef OVIK_ENUMERATOR
+
 /// The best of this build that the processor has.
 OVIK_API InstructionSet best_instruction_set();
 

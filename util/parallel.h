@@ -74,7 +74,7 @@ void parallel_for(std::size_t count, std::size_t grain, const Body& body) {
     }
 }
 
-/// Runs `body(i)` for every i from 0 to `count` - 1, spread over the cores.
+/// Runs `body(i)` for every i from 0 to `count` - 1, by the contiguous shares of `parallel_for`.
 template <typename Body>
 void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
     parallel_for(count, grain, [&body](std::size_t /*worker*/, IndexRange range) {
@@ -84,8 +84,9 @@ void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
     });
 }
 
-/// Runs `body(i, worker)` for every i from 0 to `count` - 1. The workers take one index after the
-/// other, for tasks that differ in length and cores that are busy with other programs.
+/// Runs the tasks `body(i, worker)` for every i from 0 to `count` - 1 by a dynamic schedule: a
+/// worker that is free takes the next task. For tasks that differ in length, and for cores that are
+/// busy with other programs.
 ///
 /// @param workers  as `worker_count` gives them; no more than `count` are used
 template <typename Body>

@@ -153,8 +153,6 @@ class Batch {
     Lanes share_[kVectors]{};
 };
 
-}  // namespace
-
 template <std::size_t Dims>
 void walk_tree(const TreeView& tree,
                double squared_theta,
@@ -170,7 +168,9 @@ void walk_tree(const TreeView& tree,
     }
 }
 
-template void walk_tree<2>(const TreeView&, double, std::size_t, std::size_t, double*, double*);
-template void walk_tree<3>(const TreeView&, double, std::size_t, std::size_t, double*, double*);
+}  // namespace
+
+extern const WalkKernels kWalkKernels;
+const WalkKernels kWalkKernels = {&walk_tree<2>, &walk_tree<3>};
 
 }  // namespace ovik::OVIK_KERNELS

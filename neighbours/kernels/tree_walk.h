@@ -48,7 +48,12 @@ using TreeWalk = void (*)(const TreeView& tree,
 /// threads is a multiple of it.
 constexpr std::size_t kWalkBatch = 16;
 
-/// The walk in `dims` dimensions; null unless there are 2 or 3.
-TreeWalk tree_walk(InstructionSet instructions, std::size_t dims);
+/// The walk in two and in three dimensions.
+struct WalkKernels {
+    TreeWalk in_plane;
+    TreeWalk in_space;
+};
+
+const WalkKernels& walk_kernels(InstructionSet instructions);
 
 }  // namespace ovik

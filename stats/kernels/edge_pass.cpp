@@ -13,8 +13,8 @@ constexpr std::size_t kParts = kBlock / kLanes;
 
 constexpr double kSmallestNormal = 0x1p-1022;
 constexpr double kLargestSubnormal = kSmallestNormal - 0x1p-1074;
-// Within these, neither does the guard of the denominator matter nor the logarithm's argument
-// leave the normal numbers.
+// Within these limits the guard of the denominator does not matter, and the argument of the
+// logarithm stays a normal number.
 constexpr double kLargestDistance = 1e200;
 constexpr double kLargestArgument = 1e300;
 
@@ -144,7 +144,7 @@ void pass_rows(
     const EdgeView& edges, std::size_t begin, std::size_t end, double* pos_f, RowCost* costs) {
     const std::size_t dims = Dims > 0 ? Dims : edges.dims;
     for (std::size_t n = begin; n < end; ++n) {
-        // Kept near while it grows.
+        // The force stays in registers while it grows.
         double near[Dims > 0 ? Dims : 1] = {};
         double* const far = WithForces ? pos_f + n * dims : nullptr;
         for (std::size_t d = 0; WithForces && d < Dims; ++d) {
@@ -169,10 +169,8 @@ void pass_rows(
     }
 }
 
-}  // namespace
-
 template <std::size_t Dims>
-void pass_edges(
+void pass_in_dims(
     const EdgeView& edges, std::size_t begin, std::size_t end, double* pos_f, RowCost* costs) {
     if (pos_f != nullptr && costs != nullptr) {
         pass_rows<Dims, true, true>(edges, begin, end, pos_f, costs);
@@ -183,8 +181,21 @@ void pass_edges(
     }
 }
 
-template void pass_edges<0>(const EdgeView&, std::size_t, std::size_t, double*, RowCost*);
-template void pass_edges<2>(const EdgeView&, std::size_t, std::size_t, double*, RowCost*);
-template void pass_edges<3>(const EdgeView&, std::size_t, std::size_t, double*, RowCost*);
+void pass_edges(
+    const EdgeView& edges, std::size_t begin, std::size_t end, double* pos_f, RowCost* costs) {
+    switch (edges.dims) {
+        case 2:
+            return pass_in_dims<2>(edges, begin, end, pos_f, costs);
+        case 3:
+            return pass_in_dims<3>(edges, begin, end, pos_f, costs);
+        default:
+            return pass_in_dims<0>(edges, begin, end, pos_f, costs);
+    }
+}
+
+}  // namespace
+
+extern const EdgeKernels kEdgeKernels;
+const EdgeKernels kEdgeKernels = {&pass_edges};
 
 }  // namespace ovik::OVIK_KERNELS

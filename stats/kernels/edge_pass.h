@@ -39,6 +39,10 @@ struct RowCost {
 using EdgePass = void (*)(
     const EdgeView& edges, std::size_t begin, std::size_t end, double* pos_f, RowCost* costs);
 
-EdgePass edge_pass(InstructionSet instructions, std::size_t dims);
+struct EdgeKernels {
+    EdgePass pass;
+};
+
+const EdgeKernels& edge_kernels(InstructionSet instructions);
 
 }  // namespace ovik

@@ -1,6 +1,5 @@
 #include "stats/kernels/neighbour_ranks.h"
 
-#include "stats/kernels/pair_kernels.h"
 #include "util/kernels/lanes.h"
 
 namespace ovik::OVIK_KERNELS {
@@ -8,43 +7,6 @@ namespace ovik::OVIK_KERNELS {
 namespace {
 
 constexpr double kInfinity = __builtin_inf();
-
-/// Some panels of points side by side, so that each coordinate of point n is fetched once for all.
-template <std::size_t Panels>
-void distances_of_panels(const PaddedColumns& points,
-                         std::size_t n,
-                         std::size_t first,
-                         double* distances) {
-    constexpr std::size_t kVectors = Panels * kPanelWidth / kLanes;
-    const std::size_t stride = padded_to_panels(points.point_count);
-    Lanes sums[kVectors] = {};
-    for (std::size_t d = 0; d < points.dims; ++d) {
-        const double* const column = points.coordinates + d * stride;
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            const Lanes difference = load(column + first + v * kLanes) - column[n];
-            sums[v] += difference * difference;
-        }
-    }
-    for (std::size_t v = 0; v < kVectors; ++v) {
-        store(distances + first + v * kLanes, sums[v]);
-    }
-}
-
-void squared_distances(const PaddedColumns& points, std::size_t n, double* distances) {
-    constexpr std::size_t kPanels = 4;
-    const std::size_t end = padded_to_panels(points.point_count);
-    std::size_t first = 0;
-    for (; first + kPanels * kPanelWidth <= end; first += kPanels * kPanelWidth) {
-        distances_of_panels<kPanels>(points, n, first, distances);
-    }
-    for (; first < end; first += kPanelWidth) {
-        distances_of_panels<1>(points, n, first, distances);
-    }
-    distances[n] = kInfinity;
-    for (std::size_t m = points.point_count; m < end; ++m) {
-        distances[m] = kInfinity;
-    }
-}
 
 /// Puts a point behind those that are as near; the last of a full list falls off.
 void insert(std::uint32_t point,
@@ -112,6 +74,6 @@ std::size_t rank(const double* distances, std::size_t padded_count, std::size_t 
 }  // namespace
 
 extern const RankKernels kRankKernels;
-const RankKernels kRankKernels = {&squared_distances, &nearest_points, &rank};
+const RankKernels kRankKernels = {&nearest_points, &rank};
 
 }  // namespace ovik::OVIK_KERNELS

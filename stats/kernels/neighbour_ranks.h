@@ -10,19 +10,12 @@
 
 namespace ovik {
 
-/// Points by coordinate: column d holds coordinate d of all points, padded to whole panels.
-struct PaddedColumns {
-    const double* coordinates;  ///< dims x padded_to_panels(point_count)
-    std::size_t point_count;
-    std::size_t dims;
-};
+/// Distances are padded with infinity to a multiple of this.
+constexpr std::size_t kRankMultiple = 8;
 
-/// A version of the loops. Distances are `padded_to_panels(point_count)` numbers, none NaN.
+/// A version of the loops. Distances are `padded_count` numbers, none NaN; that of the point itself
+/// is infinity.
 struct RankKernels {
-    /// Squared distances of point n to all points, summed in order of the coordinates; infinity to
-    /// itself and for the padding.
-    void (*squared_distances)(const PaddedColumns& points, std::size_t n, double* distances);
-
     /// The `count` nearest points, the nearest first; of those equally far the one of the smallest
     /// number. There are more than `count` points.
     ///

@@ -13,8 +13,9 @@ namespace ovik {
 /// Points handled side by side in the layout of all arrays below, whatever the instruction set.
 constexpr std::size_t kPanelWidth = 8;
 
-/// `count` rounded up to whole panels.
-constexpr std::size_t padded_to_panels(std::size_t count) {
+/// `count` rounded up to whole panels. Always put in the place of its calls: the linker must not
+/// find code of a kernel source that it could take for all processors.
+[[gnu::always_inline]] constexpr std::size_t padded_to_panels(std::size_t count) {
     return (count + kPanelWidth - 1) / kPanelWidth * kPanelWidth;
 }
 

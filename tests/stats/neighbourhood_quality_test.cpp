@@ -9,8 +9,11 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "util/input_error.h"
+
 #include "tests/support/instruction_sets.h"
 #include "tests/support/threads.h"
+#include "tests/support/toy_metrics.h"
 
 namespace ovik {
 namespace {
@@ -96,6 +99,31 @@ TEST(NeighbourhoodQuality, IsZeroForTheWorstEmbedding) {
     const auto quality = neighbourhood_quality(X.data(), 6, 1, Y.data(), 1, {1});
     EXPECT_EQ(quality[0].preservation, 0.0);
     EXPECT_LT(quality[0].trustworthiness, 0.3);
+}
+
+TEST(NeighbourhoodQuality, TakesTheNeighboursInTheInputByTheMetric) {
+    // Rows 0 and 1 are nearest to one another by the maximum norm, as in the map; for Euclid row 2
+    // is nearest to both.
+    const std::vector<double> X = {0, 0, 3, 3, 4, 0, 50, 0, 60, 0};
+    const std::vector<double> near_one = {0, 1, 4, 50, 60};
+    const auto recall = [&](const Metric& metric) {
+        return neighbourhood_quality(X.data(), 5, 2, near_one.data(), 1, {1}, metric)[0]
+            .preservation;
+    };
+    EXPECT_EQ(recall(test::kMaximumMetric), 1.0);
+    EXPECT_EQ(recall(euclidean_metric()), 0.6);
+}
+
+TEST(NeighbourhoodQuality, TakesNoInputThatTheMetricComplainsOf) {
+    const std::vector<double> X = {1, 2, 3, -4, 5};
+    EXPECT_THROW(neighbourhood_quality(X.data(), 5, 1, X.data(), 1, {1}, test::kComplainingMetric),
+                 InputError);
+    const std::vector<double> map = {-1, -2, -3, -4, -5};
+    const std::vector<double> fine = {1, 2, 3, 4, 5};
+    EXPECT_EQ(
+        neighbourhood_quality(fine.data(), 5, 1, map.data(), 1, {1}, test::kComplainingMetric)[0]
+            .trustworthiness,
+        1.0);
 }
 
 TEST(NeighbourhoodQuality, OfNothingIsNothing) {

@@ -10,8 +10,12 @@
 namespace ovik {
 
 inline void PrintTo(InstructionSet set, std::ostream* out) {
-    constexpr const char* kNames[] = {"scalar", "AVX2", "AVX-512"};
-    *out << kNames[static_cast<int>(set)];
+#define OVIK_PRINT(enumerator, space, ...)   \
+    if (set == InstructionSet::enumerator) { \
+        *out << #space;                      \
+    }
+    OVIK_INSTRUCTION_SETS(OVIK_PRINT)
+#undef OVIK_PRINT
 }
 
 }  // namespace ovik
@@ -20,8 +24,7 @@ namespace ovik::test {
 
 /// The instruction sets for which results are to be the same; those beyond the processor's own
 /// repeat the best that it has.
-constexpr InstructionSet kInstructionSets[] = {
-    InstructionSet::Scalar, InstructionSet::Avx2, InstructionSet::Avx512};
+using ovik::kInstructionSets;
 
 /// Those of them that the processor has.
 inline std::vector<InstructionSet> available_instruction_sets() {
@@ -41,7 +44,7 @@ class InstructionLimit {
     InstructionLimit(const InstructionLimit&) = delete;
     InstructionLimit& operator=(const InstructionLimit&) = delete;
 
-    ~InstructionLimit() { limit_instruction_set(InstructionSet::Avx512); }
+    ~InstructionLimit() { limit_instruction_set(best_instruction_set()); }
 };
 
 }  // namespace ovik::test

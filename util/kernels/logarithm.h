@@ -4,7 +4,7 @@
 
 namespace ovik::OVIK_KERNELS {
 
-/// Of the middles of the sixteenths of [1, 2).
+/// The reciprocals of the middles of the sixteenths of [1, 2).
 alignas(sizeof(Lanes)) constexpr double kReciprocals[16] = {32. / 33.,
                                                             32. / 35.,
                                                             32. / 37.,
@@ -22,7 +22,7 @@ alignas(sizeof(Lanes)) constexpr double kReciprocals[16] = {32. / 33.,
                                                             32. / 61.,
                                                             32. / 63.};
 
-/// Of 1 / kReciprocals; the first as it has to be for log 1 to be exactly 0.
+/// The logarithms of 1 / kReciprocals; the first is chosen so that log 1 is exactly 0.
 alignas(sizeof(Lanes)) constexpr double kLogarithms[16] = {0.030771658666753594,
                                                            0.08961215868968717,
                                                            0.14518200984449783,

@@ -1,13 +1,16 @@
 #include "stats/kernels/pair_kernels.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/pair_kernels.h"
+#include "tests/support/random_points.h"
 
 namespace ovik {
 namespace {
@@ -166,6 +169,111 @@ TEST_P(PairKernelsTest, RoundedSumsRefuseWhatCannotBeRounded) {
                 EXPECT_FALSE(kernels.rounded_sum(values.data(), count, kShift, &sum)) << refused;
             }
         }
+    }
+}
+
+/// Columns of an embedding, padded with zeros to whole panels.
+std::vector<double> embedding_columns(std::size_t N, std::size_t dims) {
+    const std::vector<double> Y = test::random_values(N * dims, 105, 3.0);
+    std::vector<double> columns(padded_to_panels(N) * dims, 0.0);
+    for (std::size_t i = 0; i < Y.size(); ++i) {
+        columns[i % dims * padded_to_panels(N) + i / dims] = Y[i];
+    }
+    return columns;
+}
+
+TEST_P(PairKernelsTest, SimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) {
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        for (std::size_t N = 1; N <= 67; ++N) {
+            const std::vector<double> columns = embedding_columns(N, dims);
+            const std::size_t stride = padded_to_panels(N);
+            std::vector<double> q(stride, -1.0);
+            for (std::size_t n = 0; n < N; ++n) {
+                kernels.similarities({columns.data(), N, dims}, n, q.data());
+                for (std::size_t m = 0; m < N; ++m) {
+                    double squared_distance = 0.0;
+                    for (std::size_t d = 0; d < dims; ++d) {
+                        const double difference = columns[d * stride + m] - columns[d * stride + n];
+                        squared_distance += difference * difference;
+                    }
+                    ASSERT_EQ(q[m], m == n ? 0.0 : 1.0 / (1.0 + squared_distance));
+                }
+            }
+        }
+    }
+}
+
+/// What the loops over panels write for the rows of points, one after the other.
+std::vector<double> results_of_panels(const PairKernels& kernels, std::size_t N, std::size_t dims) {
+    const std::vector<double> columns = embedding_columns(N, dims);
+    const EmbeddingColumns Y = {columns.data(), N, dims};
+    const std::size_t padded = padded_to_panels(N);
+    const std::vector<double> shifts(padded, 1.5 * 0x1p10);
+    const std::vector<double> half_units(padded, 0x1p-43);
+    std::vector<double> sums(padded, 0.0);
+    const auto ties = std::make_unique<bool[]>(padded);
+    std::vector<double> P(padded * N, 1e-4);
+    for (std::size_t i = 0; i < P.size(); ++i) {
+        P[i] *= static_cast<double>(i % 5 + 1);
+    }
+    std::vector<double> results;
+    for (std::size_t panel = 0; panel < padded / kPanelWidth; ++panel) {
+        kernels.add_rounded_similarities(
+            Y, panel, {shifts.data(), half_units.data()}, {sums.data(), ties.get()});
+        const std::size_t rows = std::min(kPanelWidth, N - panel * kPanelWidth);
+        for (const bool with_cost : {false, true}) {
+            std::vector<double> force(dims * kPanelWidth, 0.0);
+            std::vector<double> cost(kPanelWidth, 0.0);
+            const PanelTask task = {
+                100.0, P.data() + panel * kPanelWidth * N, force.data(), cost.data()};
+            (with_cost ? kernels.add_forces_and_cost : kernels.add_forces)(Y, panel, task);
+            for (std::size_t d = 0; d < dims; ++d) {
+                results.insert(
+                    results.end(), &force[d * kPanelWidth], &force[d * kPanelWidth] + rows);
+            }
+            results.insert(results.end(), cost.data(), cost.data() + rows);
+        }
+    }
+    results.insert(results.end(), sums.data(), sums.data() + N);
+    results.insert(results.end(), ties.get(), ties.get() + N);
+    return results;
+}
+
+TEST_P(PairKernelsTest, PanelsHaveTheBitsOfTheScalarOnesForEveryNumberOfPoints) {
+    const PairKernels& scalar = pair_kernels(InstructionSet::Scalar);
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        for (std::size_t N = 2; N <= 67; ++N) {
+            ASSERT_EQ(results_of_panels(kernels, N, dims), results_of_panels(scalar, N, dims))
+                << N << " points in " << dims << " dimensions";
+        }
+    }
+}
+
+TEST_P(PairKernelsTest, LoopsOverValuesHaveTheBitsOfTheScalarOnesForEveryNumberOfValues) {
+    const PairKernels& scalar = pair_kernels(InstructionSet::Scalar);
+    for (std::size_t count = 0; count <= 67; ++count) {
+        std::vector<double> x = test::random_values(count, 106, 2.0);
+        for (double& value : x) {
+            value = 1.0 + std::fabs(value);
+        }
+        // The value behind the last must stay.
+        std::vector<double> actual(count + 1, -1.0);
+        std::vector<double> expected(count + 1, -1.0);
+        kernels.logarithms(x.data(), count, actual.data());
+        scalar.logarithms(x.data(), count, expected.data());
+        EXPECT_EQ(actual, expected);
+        kernels.reciprocals(x.data(), count, actual.data());
+        scalar.reciprocals(x.data(), count, expected.data());
+        EXPECT_EQ(actual, expected);
+        kernels.quotients(x.data(), count, 3.0, actual.data());
+        scalar.quotients(x.data(), count, 3.0, expected.data());
+        EXPECT_EQ(actual, expected);
+        constexpr double kShift = 1.5 * 0x1p10;
+        double sum = -1.0;
+        double expected_sum = -2.0;
+        EXPECT_EQ(kernels.rounded_sum(x.data(), count, kShift, &sum),
+                  scalar.rounded_sum(x.data(), count, kShift, &expected_sum));
+        EXPECT_EQ(sum, expected_sum);
     }
 }
 

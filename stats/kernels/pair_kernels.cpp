@@ -1,4 +1,5 @@
 #include "stats/kernels/pair_kernels.h"
+
 #include "util/kernels/division.h"
 #include "util/kernels/lanes.h"
 #include "util/kernels/logarithm.h"

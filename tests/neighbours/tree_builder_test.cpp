@@ -1,0 +1,128 @@
+#include "neighbours/tree_builder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/random_points.h"
+
+namespace ovik {
+namespace {
+
+/// A built tree, and the points that it reads.
+struct Tree {
+    Tree(std::vector<double> data, std::size_t dims, bool last_part_first = false)
+        : points(std::move(data)),
+          builder(dims, points.size() / dims) {
+        const std::size_t parts = builder.prepare(points.data());
+        for (std::size_t i = 0; i < parts; ++i) {
+            builder.buildPart(last_part_first ? parts - 1 - i : i);
+        }
+        builder.join();
+    }
+
+    [[nodiscard]] std::size_t pointCount() const { return points.size() / builder.view().dims; }
+
+    std::vector<double> points;
+    TreeBuilder builder;
+};
+
+/// Whether the points of each cell are those of its children, and its centre is their mean.
+void expect_sound(const Tree& tree) {
+    const TreeView view = tree.builder.view();
+    const std::size_t N = tree.pointCount();
+    std::vector<std::uint32_t> order(view.order, view.order + N);
+    for (std::uint32_t position = 0; position < N; ++position) {
+        EXPECT_EQ(tree.builder.rank()[order[position]], position);
+    }
+    ASSERT_TRUE(view.cell_count > 0 || N == 0);
+    for (std::size_t i = 0; i < view.cell_count; ++i) {
+        const TreeCell& cell = view.cells[i];
+        ASSERT_LE(i + cell.skip, view.cell_count);
+        std::uint32_t next = cell.first;
+        for (std::size_t child = i + 1; child < i + cell.skip; child += view.cells[child].skip) {
+            EXPECT_EQ(view.cells[child].first, next);
+            EXPECT_LT(view.cells[child].squared_side, cell.squared_side);
+            next += static_cast<std::uint32_t>(view.cells[child].weight);
+        }
+        EXPECT_TRUE(cell.skip == 1 || next == cell.first + static_cast<std::uint32_t>(cell.weight));
+        for (std::size_t d = 0; d < view.dims; ++d) {
+            double sum = 0.0;
+            for (std::uint32_t k = 0; k < static_cast<std::uint32_t>(cell.weight); ++k) {
+                sum += tree.points[order[cell.first + k] * view.dims + d];
+            }
+            EXPECT_NEAR(view.centres[i * view.dims + d], sum / cell.weight, 1e-12);
+        }
+    }
+    if (N > 0) {
+        EXPECT_EQ(view.cells[0].weight, static_cast<double>(N));
+        EXPECT_EQ(view.cells[0].skip, view.cell_count);
+    }
+}
+
+TEST(TreeBuilder, PutsEveryPointIntoOneLeaf) {
+    for (std::size_t dims = 1; dims <= 5; ++dims) {
+        expect_sound(Tree(test::random_values(300 * dims, 21), dims));
+    }
+}
+
+TEST(TreeBuilder, BuildsTreesOfEveryNumberOfPoints) {
+    for (std::size_t N = 0; N <= 67; ++N) {
+        expect_sound(Tree(test::random_values(2 * N, 22), 2));
+    }
+}
+
+TEST(TreeBuilder, SplitsASquareAtItsSplitLevels) {
+    // Two points in one quarter, one in the opposite one.
+    const Tree tree({0.0, 0.0, 1.0, 1.0, 8.0, 8.0}, 2);
+    const TreeView view = tree.builder.view();
+    ASSERT_EQ(view.cell_count, 5U);
+    EXPECT_EQ(view.cells[0].squared_side, 64.0);
+    EXPECT_EQ(view.cells[0].skip, 5U);
+    // The pair is split at the third halving: its smallest cell has a side of 2.
+    EXPECT_EQ(view.cells[1].squared_side, 4.0);
+    EXPECT_EQ(view.cells[1].weight, 2.0);
+    EXPECT_EQ(view.cells[4].skip, 1U);
+    EXPECT_EQ(view.cells[4].weight, 1.0);
+}
+
+TEST(TreeBuilder, LetsPointsAtOnePlaceShareALeaf) {
+    const Tree tree(std::vector<double>(2 * 50, 1.25), 2);
+    const TreeView view = tree.builder.view();
+    ASSERT_EQ(view.cell_count, 1U);
+    EXPECT_EQ(view.cells[0].weight, 50.0);
+    EXPECT_EQ(view.cells[0].squared_side, 0.0);
+    EXPECT_EQ(view.centres[0], 1.25);
+    // Points of one place keep the order of their rows.
+    EXPECT_TRUE(std::is_sorted(view.order, view.order + 50));
+}
+
+TEST(TreeBuilder, LaysAFinerGridOverPointsTooCloseForOne) {
+    std::vector<double> points = test::random_values(2 * 40, 23, 1e-14);
+    points.push_back(1000.0);
+    points.push_back(1000.0);
+    const Tree tree(points, 2);
+    expect_sound(tree);
+    EXPECT_GE(tree.builder.view().cell_count, 41U);
+}
+
+TEST(TreeBuilder, BuildsTheSameTreeInAnyOrderOfParts) {
+    const std::vector<double> points = test::random_values(2 * 5000, 24);
+    const Tree tree(points, 2);
+    const Tree other(points, 2, true);
+    const TreeView a = tree.builder.view();
+    const TreeView b = other.builder.view();
+    ASSERT_EQ(a.cell_count, b.cell_count);
+    EXPECT_TRUE(std::equal(a.order, a.order + 5000, b.order));
+    EXPECT_TRUE(std::equal(a.centres, a.centres + 2 * a.cell_count, b.centres));
+    for (std::size_t i = 0; i < a.cell_count; ++i) {
+        ASSERT_EQ(a.cells[i].squared_side, b.cells[i].squared_side);
+        ASSERT_EQ(a.cells[i].skip, b.cells[i].skip);
+    }
+}
+
+}  // namespace
+}  // namespace ovik
