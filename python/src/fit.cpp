@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "input/input_checks.h"
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
+#include "input/matrix_checks.h"
 #include "stats/memory_estimate.h"
 #include "stats/tsne.h"
 #include "util/available_memory.h"
