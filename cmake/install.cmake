@@ -44,6 +44,7 @@ set(ovik_headers
   util/n_choose_k.h
   util/number_field.h
   util/parallel.h
+  util/thread_locale.h
   util/write_all.h
   util/write_string.h)
 

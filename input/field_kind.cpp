@@ -5,8 +5,6 @@
 #include <cstring>
 #include <string_view>
 
-#include "util/number_field.h"
-
 namespace ovik {
 
 namespace {
@@ -34,10 +32,12 @@ bool is_missing(std::string_view field) {
 
 }  // namespace
 
-FieldKind classify_field(const char* field, const char* end, double& value) {
-    static const NumberReader kNumbers;
+FieldKind classify_field(const NumberReader& numbers,
+                         const char* field,
+                         const char* end,
+                         double& value) {
     const char* rest = nullptr;
-    value = kNumbers.read(field, end, rest);
+    value = numbers.read(field, end, rest);
     const bool has_number = rest != field;
     if (has_number && std::isfinite(value)) {
         return rest[std::strspn(rest, kBlanks)] == '\0' ? FieldKind::Number : FieldKind::TextBehind;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "util/number_field.h"
+
 namespace ovik {
 
 /// What a value field of a matrix file holds.
@@ -18,8 +20,12 @@ enum class FieldKind {
 
 /// Tells what a field holds; blanks around it do not count.
 ///
-/// @param field  text that ends with a NUL at `end`
-/// @param value  set to the number that `strtod` reads from the field, 0 if it reads none
-FieldKind classify_field(const char* field, const char* end, double& value);
+/// @param numbers  made under the locale by which the text is read
+/// @param field    text that ends with a NUL at `end`
+/// @param value    set to the number that `strtod` reads from the field, 0 if it reads none
+FieldKind classify_field(const NumberReader& numbers,
+                         const char* field,
+                         const char* end,
+                         double& value);
 
 }  // namespace ovik

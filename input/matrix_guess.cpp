@@ -9,6 +9,7 @@
 #include "input/field_kind.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
+#include "util/number_field.h"
 
 namespace ovik {
 
@@ -34,12 +35,12 @@ std::vector<std::string> first_rows(const MatrixSource& source) {
     return rows;
 }
 
-std::size_t count_numbers(std::string line, char delimiter) {
+std::size_t count_numbers(std::string line, char delimiter, const NumberReader& reader) {
     std::size_t numbers = 0;
     bool at_name = true;
     for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        const FieldKind kind = classify_field(field, end, value);
+        const FieldKind kind = classify_field(reader, field, end, value);
         // Decimal commas leave text behind every number; they are more likely than values that
         // are parted by them.
         const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
@@ -54,9 +55,10 @@ std::size_t count_numbers(std::string line, char delimiter) {
 std::optional<char> guess_delimiter(const MatrixSource& source) {
     constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
+    const NumberReader reader;
     for (const std::string& row : first_rows(source)) {
         for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
-            numbers[i] += count_numbers(row, kCandidates[i]);
+            numbers[i] += count_numbers(row, kCandidates[i], reader);
         }
     }
     const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));

@@ -73,7 +73,6 @@ class MarketReader {
                    " entries, and its size line says " + std::to_string(expected_) +
                    ": it was cut off");
         }
-        matrix_.report.numbers = matrix_.report.rows * matrix_.report.columns;
         return std::move(matrix_);
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
 #include "input/matrix_source.h"
 
 namespace ovik {

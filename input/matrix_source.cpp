@@ -26,73 +26,24 @@ constexpr std::ptrdiff_t kFewestLines = 3;
     throw InputError(name + ": " + reason);
 }
 
-/// The formats that users take for one of these.
-void check_format(const std::string& name, std::string_view bytes) {
-    if (bytes.starts_with("PK\x03\x04")) {
-        refuse(name,
-               "this is a zip archive or a spreadsheet: save the sheet as tab-separated text");
-    }
-    for (const auto& [magic, program] : {std::pair{"\xfd"
-                                                   "7zXZ",
-                                                   "xz"},
-                                         std::pair{"BZh", "bzip2"},
-                                         std::pair{"\x28\xb5\x2f\xfd", "zstd"}}) {
-        if (bytes.starts_with(magic)) {
-            refuse(name,
-                   std::string("this is packed by ") + program + ": unpack it first (" + program +
-                       " -d), or pack it with gzip");
-        }
-    }
-    if (bytes.starts_with("\xff\xfe") || bytes.starts_with("\xfe\xff")) {
-        refuse(name, "this is UTF-16 text: save it as UTF-8 or plain ASCII");
-    }
-}
-
-MatrixFormat format_of(std::string_view head) {
-    if (head.starts_with("\x93NUMPY")) {
-        return MatrixFormat::NumPy;
-    }
-    return head.starts_with("%%MatrixMarket") ? MatrixFormat::MatrixMarket
-                                              : MatrixFormat::DelimitedText;
-}
-
-void check_text(const std::string& name, std::string_view bytes) {
-    const std::size_t nul = bytes.find('\0');
-    if (nul != std::string_view::npos) {
-        refuse_nul_byte(
-            name,
-            static_cast<std::size_t>(std::count(bytes.begin(), bytes.begin() + nul, '\n')) + 1);
-    }
-    // One at the very end may be the half of a Windows line end.
-    if (bytes.substr(0, bytes.size() - 1).find('\r') != std::string_view::npos &&
-        bytes.find('\n') == std::string_view::npos) {
-        refuse(name,
-               "its lines end with carriage returns alone, as on old Macintoshes: save it with "
-               "Unix or Windows line ends (tr '\\r' '\\n')");
-    }
-}
-
 }  // namespace
 
-MatrixSource::MatrixSource(const std::string& path) : name_(path == "-" ? "standard input" : path) {
+MatrixSource::MatrixSource(const std::string& path)
+    : name_(path == "-" ? "standard input" : path),
+      path_(path == "-" ? "/dev/stdin" : path) {
     with_read_failures_named(name_, [&] {
-        open(path == "-" ? "/dev/stdin" : path);
+        open();
         readHead();
     });
-    check_format(name_, head_);
-    format_ = format_of(head_);
-    if (format_ != MatrixFormat::NumPy) {
-        check_text(name_, head_);
-    }
 }
 
 std::string MatrixSource::takeHead() {
     return std::exchange(head_, {});
 }
 
-void MatrixSource::open(const std::string& path) {
+void MatrixSource::open() {
     std::error_code error;
-    const auto status = std::filesystem::status(path, error);
+    const auto status = std::filesystem::status(path_, error);
     if (status.type() == std::filesystem::file_type::not_found) {
         refuse(name_, "there is no such file");
     }
@@ -102,14 +53,15 @@ void MatrixSource::open(const std::string& path) {
     if (std::filesystem::is_directory(status)) {
         refuse(name_, "this is a directory: name the matrix file in it");
     }
-    file_ = std::make_unique<std::ifstream>(open_input_file(path));
+    file_ = std::make_unique<std::ifstream>(open_input_file(path_));
     if (!file_->is_open()) {
         refuse(name_, "cannot be read (" + std::generic_category().message(errno) + ")");
     }
     text_ = std::make_unique<std::istream>(file_->rdbuf());
     text_->exceptions(std::ios::badbit);
-    if (std::filesystem::is_regular_file(status)) {
-        size_ = std::filesystem::file_size(path, error);
+    is_seekable_ = std::filesystem::is_regular_file(status);
+    if (is_seekable_) {
+        size_ = std::filesystem::file_size(path_, error);
     }
 }
 
@@ -128,6 +80,7 @@ void MatrixSource::readHead() {
         text_ = std::make_unique<std::istream>(unpacked_.get());
         text_->exceptions(std::ios::badbit);
         size_.reset();
+        is_seekable_ = false;
     }
     grow(kHeadBytes);
     const auto is_enough = [this] {
@@ -139,10 +92,6 @@ void MatrixSource::readHead() {
         grow(2 * head_.size());
     }
     is_whole_in_head_ = !*text_;
-}
-
-void refuse_nul_byte(const std::string& name, std::size_t line) {
-    refuse(name + ":" + std::to_string(line), "the line holds a NUL byte, so this is no text file");
 }
 
 }  // namespace ovik

@@ -13,32 +13,26 @@
 
 namespace ovik {
 
-enum class MatrixFormat {
-    /// A header line, then a name and its values per line.
-    DelimitedText,
-    /// An array saved by NumPy (.npy).
-    NumPy,
-    MatrixMarket,
-};
-
 /// A matrix file opened for reading: a file or standard input, plain or packed by gzip, which is
 /// read from its start to its end once.
 class MatrixSource {
   public:
-    /// Opens the file and looks at its head, after the checks that opening does not make.
+    /// Opens the file and reads its head, after the checks that opening does not make.
     ///
     /// @param path  "-" for standard input
-    /// @throws InputError if the file is missing, unreadable or a directory, or of none of the
-    /// formats: packed otherwise than by gzip, a spreadsheet, UTF-16, text with NUL bytes, or
-    /// without line feeds between its lines. Only the head is looked at.
+    /// @throws InputError if the file is missing, unreadable or a directory, or is damaged gzip
     /// @throws std::system_error if it cannot be read
     explicit MatrixSource(const std::string& path);
 
     /// What messages call it.
     [[nodiscard]] const std::string& name() const { return name_; }
 
-    /// By its first bytes.
-    [[nodiscard]] MatrixFormat format() const { return format_; }
+    /// The path that opens the file; of standard input, too.
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    /// Whether the bytes lie in a regular file as they are, not packed: a reader may then open
+    /// `path` by itself and read at any place of it, instead of `takeHead` and `rest`.
+    [[nodiscard]] bool isSeekable() const { return is_seekable_; }
 
     /// The first bytes, with the first lines whole.
     [[nodiscard]] std::string_view head() const { return head_; }
@@ -56,22 +50,18 @@ class MatrixSource {
     std::istream& rest() { return *text_; }
 
   private:
-    void open(const std::string& path);
+    void open();
     void readHead();
 
     std::string name_;
+    std::string path_;
     std::unique_ptr<std::ifstream> file_;
     std::unique_ptr<GzipBuffer> unpacked_;
     std::unique_ptr<std::istream> text_;
     std::string head_;
-    MatrixFormat format_ = MatrixFormat::DelimitedText;
     bool is_whole_in_head_ = false;
+    bool is_seekable_ = false;
     std::optional<std::uintmax_t> size_;
 };
-
-/// @param name  of the file
-/// @param line  of it, from 1
-/// @throws InputError always: a line with a NUL byte is no text
-[[noreturn]] void refuse_nul_byte(const std::string& name, std::size_t line);
 
 }  // namespace ovik

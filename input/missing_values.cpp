@@ -33,15 +33,14 @@ std::string line_text(const InspectedMatrix& matrix, std::size_t row) {
     return line == 0 ? "" : "line " + std::to_string(line) + ": ";
 }
 
-/// Fields count from 1, and the first is the name of the row; columns without names are numbered.
+/// Columns without names are numbered. On a line, fields count from 1, and the first is the name of
+/// the row.
 std::string column_name(const InspectedMatrix& matrix, std::size_t column) {
-    if (matrix.row_lines[0] == 0) {
-        return "column " + std::to_string(column + 1);
-    }
-    const std::string field = "field " + std::to_string(column + 2);
+    const std::string place = matrix.row_lines[0] == 0 ? "column " + std::to_string(column + 1)
+                                                       : "field " + std::to_string(column + 2);
     return matrix.column_names.empty()
-               ? field
-               : "column \"" + matrix.column_names[column] + "\" (" + field + ")";
+               ? place
+               : "column \"" + matrix.column_names[column] + "\" (" + place + ")";
 }
 
 /// The mean of the numbers among some values, NaN if there is none.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
 
 namespace ovik {
 
@@ -22,9 +22,12 @@ enum class MissingPolicy {
     Drop,
     /// They are refused.
     Error,
+    /// They stay NaN.
+    Leave,
 };
 
-/// The policy of a name as on the command line: zero, row-mean, column-mean, drop, error.
+/// The policy of a name: zero, row-mean, column-mean, drop, error. `Leave` has none: what is
+/// embedded lacks no value.
 std::optional<MissingPolicy> missing_policy(const std::string& name);
 
 /// The missing values of a matrix: how many there are in all, in each row and in each column.
@@ -45,10 +48,10 @@ std::string missing_summary(const InspectedMatrix& matrix, const MissingCounts& 
 /// @param missing  at least one
 std::string missing_places(const InspectedMatrix& matrix, const MissingCounts& missing);
 
-/// In words, what has become of missing values under a policy other than `Error`.
+/// In words, what has become of missing values under a policy other than `Error` and `Leave`.
 std::string treatment(MissingPolicy policy, std::size_t rows_before, std::size_t rows_after);
 
-/// Applies a policy other than `Error`: afterwards no value is missing.
+/// Applies a policy other than `Error` and `Leave`: afterwards no value is missing.
 ///
 /// @param path    for messages
 /// @param matrix  `values` is not null; `report.rows` and the rows' names and lines follow when

@@ -188,21 +188,6 @@ std::optional<ElementType> element_type(std::string_view type) {
     return std::nullopt;
 }
 
-/// Notes the values that are not finite, but for NaN, which is a missing one.
-void inspect_values(InspectedMatrix& matrix) {
-    MatrixReport& report = matrix.report;
-    const double* value = matrix.values.get();
-    for (std::size_t n = 0; n < report.rows; ++n) {
-        for (std::size_t d = 0; d < report.columns; ++d, ++value) {
-            report.numbers += std::isnan(*value) ? 0 : 1;
-            if (std::isinf(*value) && report.not_finite.count++ == 0) {
-                report.not_finite.first = {
-                    0, std::to_string(n + 1), d + 1, *value > 0 ? "inf" : "-inf"};
-            }
-        }
-    }
-}
-
 /// How the elements of an array become numbers.
 ///
 /// @throws InputError if they are none
@@ -260,7 +245,6 @@ InspectedMatrix read_npy_matrix(MatrixSource& source) {
         const ElementType element = element_of(source, header);
         InspectedMatrix matrix = empty_matrix(source, header);
         read_values(bytes, header, element, matrix.values.get());
-        inspect_values(matrix);
         return matrix;
     });
 }

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
 #include "input/matrix_source.h"
 
 namespace ovik {
 
 /// Reads an array saved by NumPy: two dimensions, rows of items by columns of measurements, of
 /// whole or real numbers, in either order of bytes and of elements. NaN is a missing value. Rows
-/// have no names and stand on no line.
+/// have no names and stand on no line. Infinities are not taken note of.
 ///
 /// @param source  read to its end
 /// @throws InputError if it is no such array, or is cut off

@@ -121,6 +121,8 @@ class TSNE {
     /// @param delimiter  the character between fields
     /// @throws InputError if there is no row, or if a row is shorter than the first: `row_names`,
     /// `N`, `D` and `X` are then as before
+    /// @throws std::system_error with the path and the system's reason if the path is a directory,
+    /// or the file cannot be read to its end; they are then as before, too
     OVIK_API void init(std::string path, int max_iter, char delimiter);
 
     /// Embeds the rows and writes the results: the table `out_base` + "_tsne_" + perplexity +

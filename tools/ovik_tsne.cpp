@@ -13,7 +13,7 @@
 
 #include <glog/logging.h>
 
-#include "input/input_checks.h"
+#include "results/checkpoint_path.h"
 #include "stats/exit_without_memory.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"

@@ -39,17 +39,6 @@ double peak_memory() {
     return 1024.0 * static_cast<double>(usage.ru_maxrss);
 }
 
-std::string format_name(MatrixFormat format) {
-    switch (format) {
-        case MatrixFormat::NumPy:
-            return "npy";
-        case MatrixFormat::MatrixMarket:
-            return "matrix market";
-        default:
-            return "text";
-    }
-}
-
 /// Gives rows the names that were asked for, and warns of names that the gene table lacks.
 void settle_names(std::vector<std::string>& row_names, bool standard_names) {
     if (standard_names) {
@@ -109,7 +98,7 @@ bool compare(const RunReport& report) {
 /// Fills in what is known of the input.
 void describe_input(RunReport& report, const LoadedMatrix& loaded) {
     const InspectedMatrix& matrix = loaded.matrix;
-    report.format = format_name(loaded.format);
+    report.format = loaded.format;
     report.rows = matrix.report.rows;
     report.columns = matrix.report.columns;
     report.missing_values = loaded.missing;

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <vector>
 
+#include "input/load.h"
 #include "util/stopwatch.h"
 
 #include "tools/exit_status.h"
-#include "tools/load_matrix.h"
 #include "tools/options.h"
 #include "tools/run_report.h"
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "util/parallel.h"
+#include "util/thread_locale.h"
 
 namespace ovik {
 
@@ -64,7 +65,8 @@ void for_each_line(std::string_view text, const Visit& visit) {
     }
 }
 
-/// Parses the rest of a text file, threads taking blocks of whole lines in turns.
+/// Parses the rest of a text file, threads taking blocks of whole lines in turns. All of them parse
+/// under the locale of the caller.
 ///
 /// @param file   not owned; read from where it stands
 /// @param begun  what has been read of it
@@ -83,7 +85,10 @@ std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, cons
         return blocks.next(block) ? &results.emplace_back() : nullptr;
     };
     const auto workers = static_cast<std::size_t>(omp_get_max_threads());
+    // The caller waits for the workers, and so keeps its locale while they use it.
+    const locale_t callers_locale = thread_locale();
     parallel_for(workers, 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
+        const ThreadLocale scope(callers_locale);
         std::string block;
         while (Parsed* const parsed = fetch(block)) {
             parse(std::string_view(block), *parsed);

@@ -71,8 +71,9 @@ void read_matrix_rows(std::istream& file,
 /// Lines end at "\n"; `trimmed_matrix_line` cuts their ends. Empty lines and lines that open with
 /// "#" are skipped. Field 0 is the name, kept as it stands; the others are converted with `strtod`:
 /// a field that is not a number reads as 0.0 and text behind a number is ignored, without a
-/// message. Rows may differ in length. The lines are spread over the cores. A file that cannot be
-/// opened is reported on the console in bold red.
+/// message. `strtod` follows the locale that the caller's thread has, for all rows. Rows may differ
+/// in length. The lines are spread over the cores. A file that cannot be opened is reported on the
+/// console in bold red.
 ///
 /// @param matrix     one vector per row is appended, in file order
 /// @param row_names  the name of each row is appended, in file order
@@ -80,7 +81,8 @@ void read_matrix_rows(std::istream& file,
 /// @param header     number of leading lines that are discarded, whatever they hold
 /// @param delimiter  the single character between fields
 /// @throws std::bad_alloc if the rows do not fit in memory
-/// @throws std::system_error if the file cannot be read to its end
+/// @throws std::system_error with the path and the system's reason if the path is a directory, or
+/// the file cannot be read to its end
 template <typename T>
 void read_matrix_w_index(std::vector<std::vector<T>>& matrix,
                          std::vector<std::string>& row_names,

@@ -12,7 +12,8 @@ namespace ovik {
 /// Converts fields to numbers as `strtod` does, only faster.
 class NumberReader {
   public:
-    /// Takes note of the current locale; one that is set later is not followed.
+    /// Takes note of the decimal point of the thread's locale. Fields are to be read under the same
+    /// locale, by whatever thread; one that is set later is not followed.
     NumberReader() {
         // NOLINTNEXTLINE(concurrency-mt-unsafe): only read, before threads are started
         const char* const point = std::localeconv()->decimal_point;

@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
-#include "input/input_checks.h"
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
+#include "input/matrix_checks.h"
 #include "stats/fit_console.h"
 #include "util/console.h"
 #include "util/threads.h"

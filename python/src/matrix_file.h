@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "input/matrix_check.h"
+#include "input/inspected_matrix.h"
 
 namespace ovik::python {
 

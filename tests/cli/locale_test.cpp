@@ -1,6 +1,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <locale>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 
 #include "tests/support/command_test.h"
 #include "tests/support/engine_run.h"
+#include "tests/support/locales.h"
 
 /// Locales with a decimal comma, with groups of thousands and with other small letters: the command
 /// takes no notice of them, and the library only of the numeric one of the program.
@@ -25,21 +27,12 @@ constexpr const char* kLocales[] = {"de_DE.UTF-8", "tr_TR.UTF-8"};
 
 class Locale : public test::CommandTest {
   protected:
-    /// Makes the locales, which few machines have.
     static void SetUpTestSuite() {
-        made_ = new test::TemporaryDirectory;
-        for (const std::string name : kLocales) {
-            const CommandOutcome outcome = test::run_command(
-                {"/usr/bin/localedef", "-f", "UTF-8", "-i", name.substr(0, 5), made_->file(name)});
-            ASSERT_EQ(outcome.exit_status, 0) << outcome.err;
-        }
-        setenv("LOCPATH", made_->prefix().c_str(), 1);
+        made_ = new test::MadeLocales({std::begin(kLocales), std::end(kLocales)});
+        ASSERT_EQ(made_->failure(), "");
     }
 
-    static void TearDownTestSuite() {
-        unsetenv("LOCPATH");
-        delete made_;
-    }
+    static void TearDownTestSuite() { delete made_; }
 
     void TearDown() override {
         std::locale::global(std::locale::classic());
@@ -54,10 +47,10 @@ class Locale : public test::CommandTest {
         std::setlocale(LC_ALL, "C");
     }
 
-    static test::TemporaryDirectory* made_;
+    static test::MadeLocales* made_;
 };
 
-test::TemporaryDirectory* Locale::made_ = nullptr;
+test::MadeLocales* Locale::made_ = nullptr;
 
 TEST_F(Locale, DoesNotChangeWhatTheCommandReadsAndWrites) {
     const std::string matrix = test::first_rows(directory_, "brauer2008_chemostat.tsv", 100);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "input/input_checks.h"
+#include "input/row_texts.h"
 #include "util/input_error.h"
 
 #include "tests/fuzz/support/plain_matrix.h"

@@ -14,7 +14,9 @@
 #include <utility>
 #include <vector>
 
-#include "input/matrix_check.h"
+#include "input/delimited_text.h"
+#include "input/inspected_matrix.h"
+#include "input/matrix_formats.h"
 #include "input/matrix_guess.h"
 #include "util/input_error.h"
 #include "util/line_blocks.h"
@@ -231,7 +233,10 @@ void check_inspection(const std::string& path,
     bool was_refused = false;
     try {
         MatrixSource source(path);
-        check_matrix(inspect_matrix(source, delimiter), rows);
+        format_of(source, matrix_formats());
+        InspectedMatrix matrix = inspect_matrix(source, delimiter);
+        note_duplicate_names(matrix);
+        check_matrix(matrix, rows);
     } catch (const InputError& error) {
         was_refused = true;
         OVIK_REQUIRE(std::string_view(error.what()).starts_with(path + ":"));
@@ -266,7 +271,9 @@ void check_guess(const std::string& path, const std::string& content) {
         }
     }
     try {
-        const std::optional<char> guess = guess_delimiter(MatrixSource(path));
+        const MatrixSource source(path);
+        format_of(source, matrix_formats());
+        const std::optional<char> guess = guess_delimiter(source);
         OVIK_REQUIRE(guess.value_or(0) == expected);
     } catch (const InputError&) {
         OVIK_REQUIRE(is_refused(content));

@@ -1,15 +1,18 @@
 #include "input/field_kind.h"
 
+#include <clocale>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "tests/support/locales.h"
 
 namespace ovik {
 namespace {
 
 FieldKind kind_of(const std::string& field) {
     double value = 0.0;
-    return classify_field(field.c_str(), field.c_str() + field.size(), value);
+    return classify_field(NumberReader(), field.c_str(), field.c_str() + field.size(), value);
 }
 
 TEST(ClassifyField, KnowsNumbers) {
@@ -73,11 +76,25 @@ TEST(ClassifyField, SeesWhatIsNotFinite) {
 TEST(ClassifyField, ReadsAsStrtod) {
     double value = -1.0;
     const std::string number = "1.5abc";
-    classify_field(number.c_str(), number.c_str() + number.size(), value);
+    const NumberReader numbers;
+    classify_field(numbers, number.c_str(), number.c_str() + number.size(), value);
     EXPECT_EQ(value, 1.5);
     const std::string text = "abc";
-    classify_field(text.c_str(), text.c_str() + text.size(), value);
+    classify_field(numbers, text.c_str(), text.c_str() + text.size(), value);
     EXPECT_EQ(value, 0.0);
+}
+
+TEST(ClassifyField, FollowsTheLocaleOfEachCall) {
+    const test::MadeLocales made({"de_DE.UTF-8"});
+    if (!made.failure().empty()) {
+        GTEST_SKIP() << made.failure();
+    }
+    EXPECT_EQ(kind_of("1,5"), FieldKind::TextBehind);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+    EXPECT_EQ(kind_of("1,5"), FieldKind::Number);
+    EXPECT_EQ(kind_of("1.5"), FieldKind::TextBehind);
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_EQ(kind_of("1.5"), FieldKind::Number);
 }
 
 }  // namespace

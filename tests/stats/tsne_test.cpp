@@ -1,6 +1,8 @@
 #include "stats/tsne.h"
 
+#include <cerrno>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -66,6 +68,34 @@ TEST_F(Loading, SetsTheDefaultsAndTheShape) {
     EXPECT_EQ(tsne_.D, 3);
     EXPECT_EQ(tsne_.row_names, (Names{"G1", "G2"}));
     EXPECT_EQ(values_of(tsne_), (std::vector<double>{1.0, 2.0, 3.0, 4.0, 5.0, 6.0}));
+    tsne_.finish();
+}
+
+TEST_F(Loading, NamesWhatCannotBeReadAndWhy) {
+    tsne_.init(write("h\nG1\t1\t2\n"), 10, '\t');
+
+    const struct {
+        std::string path;
+        int reason;
+    } kCases[] = {
+        {directory_.prefix(), EISDIR},
+        // There is nothing at the start of a process's memory.
+        {"/proc/self/mem", EIO},
+    };
+
+    for (const auto& [path, reason] : kCases) {
+        SCOPED_TRACE(path);
+        try {
+            tsne_.init(path, 10, '\t');
+            ADD_FAILURE();
+        } catch (const std::system_error& error) {
+            EXPECT_EQ(error.code(), std::error_code(reason, std::generic_category()));
+            EXPECT_EQ(error.what(),
+                      path + ": cannot be read: " + std::generic_category().message(reason));
+        }
+        EXPECT_EQ(tsne_.row_names, Names{"G1"});
+        EXPECT_EQ(values_of(tsne_), (std::vector<double>{1.0, 2.0}));
+    }
     tsne_.finish();
 }
 

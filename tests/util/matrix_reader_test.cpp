@@ -1,12 +1,18 @@
 #include "util/matrix_reader.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <clocale>
 #include <cmath>
 #include <limits>
+#include <locale.h>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/locales.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/threads.h"
 
@@ -163,6 +169,33 @@ TEST_F(MatrixReader, ReadsManyBlocksInFileOrderWithAnyNumberOfThreads) {
     }
 }
 
+TEST_F(MatrixReader, NamesWhatCannotBeReadAndWhy) {
+    const struct {
+        std::string path;
+        int reason;
+    } kCases[] = {
+        {directory_.prefix(), EISDIR},
+        // There is nothing at the start of a process's memory.
+        {"/proc/self/mem", EIO},
+    };
+
+    for (const auto& [path, reason] : kCases) {
+        for (const int threads : test::kThreadCounts) {
+            SCOPED_TRACE(path);
+            const test::ThreadCount scope(threads);
+            try {
+                read_matrix_w_index<double>(rows_, names_, path, 1, '\t');
+                ADD_FAILURE();
+            } catch (const std::system_error& error) {
+                EXPECT_EQ(error.code(), std::error_code(reason, std::generic_category()));
+                EXPECT_EQ(error.what(),
+                          path + ": cannot be read: " + std::generic_category().message(reason));
+            }
+            EXPECT_TRUE(rows_.empty());
+        }
+    }
+}
+
 TEST_F(MatrixReader, ReportsAFileThatCannotBeOpened) {
     testing::internal::CaptureStdout();
     read_matrix_w_index<double>(rows_, names_, "no/such/file", 1, '\t');
@@ -170,6 +203,73 @@ TEST_F(MatrixReader, ReportsAFileThatCannotBeOpened) {
               "\n-- \033[1;31mError: I cannot open file: no/such/file\n\033[0m\n");
     EXPECT_TRUE(names_.empty());
     EXPECT_TRUE(rows_.empty());
+}
+
+/// Numbers with points and with commas, in several of the blocks that threads take.
+class MatrixReaderInALocale : public MatrixReader {
+  protected:
+    static constexpr std::size_t kRows = 200000;
+
+    void SetUp() override {
+        if (!made_.failure().empty()) {
+            GTEST_SKIP() << made_.failure();
+        }
+        std::string content = "h\n";
+        for (std::size_t row = 0; row < kRows; ++row) {
+            content += "GENE\t0,5\t0.5\t3.25\n";
+        }
+        ASSERT_GT(content.size(), std::size_t{3} << 20U);
+        path_ = directory_.write("matrix.txt", content);
+    }
+
+    void TearDown() override { std::setlocale(LC_NUMERIC, "C"); }
+
+    /// Reads the file with several numbers of threads; all rows should hold these values.
+    void expectRows(const std::vector<double>& expected) {
+        for (const int threads : {1, 2, 8}) {
+            SCOPED_TRACE(threads);
+            const test::ThreadCount scope(threads);
+            rows_.clear();
+            read_matrix_w_index<double>(rows_, names_, path_, 1, '\t');
+            ASSERT_EQ(rows_.size(), kRows);
+            EXPECT_EQ(std::count(rows_.begin(), rows_.end(), expected),
+                      static_cast<std::ptrdiff_t>(kRows));
+        }
+    }
+
+    const std::vector<double> with_points_{0.0, 0.5, 3.25};
+    const std::vector<double> with_commas_{0.5, 0.0, 3.0};
+
+  private:
+    test::MadeLocales made_{{"de_DE.UTF-8"}};
+    std::string path_;
+};
+
+TEST_F(MatrixReaderInALocale, FollowsThatOfTheProcess) {
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+    expectRows(with_commas_);
+}
+
+TEST_F(MatrixReaderInALocale, FollowsThatOfTheCallersThreadInAllRows) {
+    const locale_t german = newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
+    ASSERT_NE(german, nullptr);
+    const locale_t before = uselocale(german);
+    expectRows(with_commas_);
+    EXPECT_EQ(uselocale(before), german);
+    freelocale(german);
+    // No worker has kept it.
+    expectRows(with_points_);
+}
+
+TEST_F(MatrixReaderInALocale, PrefersThatOfTheCallersThreadToThatOfTheProcess) {
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+    const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
+    ASSERT_NE(classic, nullptr);
+    const locale_t before = uselocale(classic);
+    expectRows(with_points_);
+    uselocale(before);
+    freelocale(classic);
+    expectRows(with_commas_);
 }
 
 }  // namespace

@@ -1,18 +1,10 @@
-#include "input/input_checks.h"
+#include "input/matrix_checks.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <limits>
-#include <system_error>
 
-#include "input/matrix_guess.h"
-#include "results/checkpoint.h"
 #include "util/counted.h"
 #include "util/input_error.h"
-#include "util/input_file.h"
 
 namespace ovik {
 
@@ -41,6 +33,18 @@ std::string place(const std::string& path, const FieldPlace& place) {
     throw InputError(message +
                      "\nEvery row needs the same number of values: fill in those that are missing, "
                      "or check the delimiter.");
+}
+
+/// @throws InputError with the first value that is not finite
+void check_finite(const std::string& path, const MatrixReport& report) {
+    if (report.not_finite.count > 0) {
+        const FieldPlace& first = report.not_finite.first;
+        throw InputError(place(path, first) + " is \"" + first.text +
+                         "\", which is not a finite number (" +
+                         counted(report.not_finite.count, "such field", "such fields") +
+                         ")\nReplace such values, for example by the mean of their row, or take "
+                         "the rows out.");
+    }
 }
 
 /// The engine adds up columns and divides by the largest deviation from their means: both have to
@@ -79,71 +83,14 @@ bool all_rows_are_equal(const InspectedMatrix& matrix) {
     return std::equal(values + columns, values + matrix.report.rows * columns, values);
 }
 
-std::string delimiter_text(char delimiter) {
-    switch (delimiter) {
-        case '\t':
-            return "tab";
-        case ' ':
-            return "space";
-        default:
-            return {delimiter};
-    }
-}
-
-/// What to do about a file without numbers: another delimiter, if there are numbers with it.
-std::string delimiter_advice(const Delimiters& delimiters) {
-    return !delimiters.guessed || *delimiters.guessed == delimiters.used
-               ? "Every line behind the first should be a name and its values; --delimiter says "
-                 "what stands between them."
-               : "There are with --delimiter '" + delimiter_text(*delimiters.guessed) +
-                     "', which is also what is guessed without the option.";
-}
-
 }  // namespace
 
-Delimiters find_delimiter(const MatrixSource& source, std::optional<char> given) {
-    const std::optional<char> guessed = guess_delimiter(source);
-    if (!given && !guessed) {
-        throw InputError(
-            source.name() +
-            ": found no numbers behind the first line, with tab, comma, semicolon or blank between "
-            "the fields: every line should be a name and its values (another delimiter can be "
-            "given with --delimiter)");
-    }
-    return {given ? *given : *guessed, guessed};
-}
-
-void check_matrix(const std::string& path,
-                  const Delimiters& delimiters,
-                  const MatrixReport& report) {
-    if (report.lost_names.count > 0) {
-        const FieldPlace& first = report.lost_names.first;
-        throw InputError(path + ":" + std::to_string(first.line) +
-                         ": the row has no name: the line opens with the delimiter, and \"" +
-                         first.row + "\" would be taken for the name (" +
-                         counted(report.lost_names.count, "such row", "such rows") +
-                         ")\nGive the row a name, or take it out.");
-    }
-    if (report.rows > 0 && report.numbers == 0) {
-        throw InputError(path + ": holds no numbers with " + delimiter_text(delimiters.used) +
-                         " between the fields\n" + delimiter_advice(delimiters));
-    }
+void check_matrix(const std::string& path, const MatrixReport& report) {
     if (report.ragged_rows > 0) {
         refuse_ragged(path, report);
     }
     check_row_count(path, report.rows);
     check_finite(path, report);
-}
-
-void check_finite(const std::string& path, const MatrixReport& report) {
-    if (report.not_finite.count > 0) {
-        const FieldPlace& first = report.not_finite.first;
-        throw InputError(place(path, first) + " is \"" + first.text +
-                         "\", which is not a finite number (" +
-                         counted(report.not_finite.count, "such field", "such fields") +
-                         ")\nReplace such values, for example by the mean of their row, or take "
-                         "the rows out.");
-    }
 }
 
 void check_row_count(const std::string& path, std::size_t rows) {
@@ -217,45 +164,6 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
                            "not embedded; put a header line above it if it is one");
     }
     return warnings;
-}
-
-std::vector<std::string> read_row_texts(const std::string& path,
-                                        std::size_t row_count,
-                                        const std::string& what) {
-    std::ifstream file = open_input_file(path);
-    if (!file.is_open() || std::filesystem::is_directory(path)) {
-        throw InputError(path + ": the " + what + "s cannot be read (" +
-                         std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
-    }
-    std::vector<std::string> texts;
-    with_read_failures_named(path, [&] {
-        std::string line;
-        while (std::getline(file, line)) {
-            if (!line.empty() && line.back() == '\r') {
-                line.pop_back();
-            }
-            texts.push_back(line);
-        }
-    });
-    if (texts.size() != row_count) {
-        throw InputError(path + ": holds " + counted(texts.size(), what, what + "s") +
-                         ", but the matrix has " + counted(row_count, "row", "rows") +
-                         "\nGive one " + what +
-                         " per line, in the order of the rows, without a header.");
-    }
-    return texts;
-}
-
-void check_checkpoint_path(const std::string& path) {
-    namespace fs = std::filesystem;
-    if (!fs::exists(path)) {
-        return;
-    }
-    if (!fs::is_regular_file(path) || (!fs::is_empty(path) && !opens_as_checkpoint(path))) {
-        throw InputError(path +
-                         ": this is not a checkpoint, and one would replace it\nGive another name "
-                         "with --checkpoint, or remove it.");
-    }
 }
 
 }  // namespace ovik

@@ -1,6 +1,6 @@
-#include "input/matrix_check.h"
+#include "input/delimited_text.h"
 
-#include <optional>
+#include <locale.h>
 #include <string>
 #include <vector>
 
@@ -8,11 +8,12 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "input/matrix_guess.h"
 #include "util/input_error.h"
 #include "util/matrix_reader.h"
 
+#include "tests/support/locales.h"
 #include "tests/support/temporary_directory.h"
+#include "tests/support/threads.h"
 
 namespace ovik {
 namespace {
@@ -26,21 +27,20 @@ std::vector<double> values_of(const InspectedMatrix& matrix) {
     return {values, values + matrix.report.rows * matrix.report.columns};
 }
 
-class MatrixCheck : public testing::Test {
+class DelimitedText : public testing::Test {
   protected:
     InspectedMatrix inspect(const std::string& content, char delimiter = '\t') {
         MatrixSource source(directory_.write("m.txt", content));
-        return inspect_matrix(source, delimiter);
+        InspectedMatrix matrix = inspect_matrix(source, delimiter);
+        note_duplicate_names(matrix);
+        return matrix;
     }
 
-    std::optional<char> guess(const std::string& content) {
-        return guess_delimiter(MatrixSource(directory_.write("m.txt", content)));
-    }
-
-    std::string refusal(const std::string& path) {
+    /// Why text is refused that is read with these options; empty if it is not.
+    std::string refusal(const std::string& content, const LoadOptions& options = {}) {
+        MatrixSource source(directory_.write("m.txt", content));
         try {
-            MatrixSource source(path);
-            inspect_matrix(source, '\t');
+            read_delimited_text(source, options);
         } catch (const InputError& error) {
             return error.what();
         }
@@ -50,12 +50,12 @@ class MatrixCheck : public testing::Test {
     test::TemporaryDirectory directory_;
 };
 
-class MatrixCheckProperty : public testing::Test {
+class DelimitedTextProperty : public testing::Test {
   protected:
     test::TemporaryDirectory directory_;
 };
 
-TEST_F(MatrixCheck, CountsRowsColumnsAndNumbers) {
+TEST_F(DelimitedText, CountsRowsColumnsAndNumbers) {
     const MatrixReport report = inspect("h\ta\tb\nG1\t1\t2\n# note\n\nG2\t3\t4\n").report;
     EXPECT_EQ(report.rows, 2U);
     EXPECT_EQ(report.columns, 2U);
@@ -64,7 +64,7 @@ TEST_F(MatrixCheck, CountsRowsColumnsAndNumbers) {
     EXPECT_FALSE(report.header_looks_like_data);
 }
 
-TEST_F(MatrixCheck, PlacesFieldsThatAreNoNumbers) {
+TEST_F(DelimitedText, PlacesFieldsThatAreNoNumbers) {
     const MatrixReport report = inspect("h\nG1,1,2\nG2,,x1\nG3, ,y\n", ',').report;
     EXPECT_EQ(report.not_numbers.count, 2U);
     EXPECT_EQ(report.not_numbers.first.line, 3U);
@@ -74,14 +74,14 @@ TEST_F(MatrixCheck, PlacesFieldsThatAreNoNumbers) {
     EXPECT_EQ(report.numbers, 2U);
 }
 
-TEST_F(MatrixCheck, ReadsMissingValuesAsNaNAndOtherTextAsZero) {
+TEST_F(DelimitedText, ReadsMissingValuesAsNaNAndOtherTextAsZero) {
     const InspectedMatrix matrix = inspect("h\nG1,1,,x\n\n# note\nG2,NA,2.5y,-\n", ',');
     EXPECT_THAT(values_of(matrix), ElementsAre(1.0, IsNan(), 0.0, IsNan(), 2.5, IsNan()));
     EXPECT_THAT(matrix.row_names, ElementsAre("G1", "G2"));
     EXPECT_THAT(matrix.row_lines, ElementsAre(2U, 5U));
 }
 
-TEST_F(MatrixCheck, FillsUpRowsWhoseLastFieldsAreEmpty) {
+TEST_F(DelimitedText, FillsUpRowsWhoseLastFieldsAreEmpty) {
     EXPECT_THAT(values_of(inspect("h\ta\tb\nG1\t1\t\nG2\t2\t3\nG3\t\t\r\nG4\t\t4\n")),
                 ElementsAre(1.0, IsNan(), 2.0, 3.0, IsNan(), IsNan(), IsNan(), 4.0));
     EXPECT_THAT(values_of(inspect("h,a,b\nG1,1,2\nG2,3,\nG3,,\n", ',')),
@@ -92,13 +92,13 @@ TEST_F(MatrixCheck, FillsUpRowsWhoseLastFieldsAreEmpty) {
     EXPECT_EQ(inspect("h\nG1\t1\t2\t3\nG2\t1\t\n").report.ragged_rows, 1U);
 }
 
-TEST_F(MatrixCheck, NamesColumnsAsTheFirstLineDoes) {
+TEST_F(DelimitedText, NamesColumnsAsTheFirstLineDoes) {
     EXPECT_THAT(inspect("gene\ta\tb\nG1\t1\t2\n").column_names, ElementsAre("a", "b"));
     EXPECT_THAT(inspect("a\tb\nG1\t1\t2\n").column_names, ElementsAre("a", "b"));
     EXPECT_THAT(inspect("a\nG1\t1\t2\n").column_names, IsEmpty());
 }
 
-RC_GTEST_FIXTURE_PROP(MatrixCheckProperty, ReadsWhatTheReaderReads, ()) {
+RC_GTEST_FIXTURE_PROP(DelimitedTextProperty, ReadsWhatTheReaderReads, ()) {
     const auto rows = *rc::gen::inRange(1, 40);
     const auto columns = *rc::gen::inRange(1, 6);
     std::string content = "header\n";
@@ -128,7 +128,7 @@ RC_GTEST_FIXTURE_PROP(MatrixCheckProperty, ReadsWhatTheReaderReads, ()) {
     }
 }
 
-TEST_F(MatrixCheck, CountsLinesAcrossBlocks) {
+TEST_F(DelimitedText, CountsLinesAcrossBlocks) {
     std::string content = "h\n";
     // More than the blocks of several threads.
     for (int n = 0; n < 400000; ++n) {
@@ -140,35 +140,24 @@ TEST_F(MatrixCheck, CountsLinesAcrossBlocks) {
     EXPECT_EQ(matrix.row_names[123456], "G123456");
     EXPECT_EQ(matrix.report.not_numbers.count, 4U);
     EXPECT_EQ(matrix.report.not_numbers.first.line, 100001U);
+    EXPECT_EQ(matrix.row_names[399999], "N");
     EXPECT_EQ(matrix.report.first_duplicate_names, (std::vector<std::string>{"N", "N", "N"}));
 }
 
-TEST_F(MatrixCheck, GuessesTheShape) {
-    std::string content = "h\ta\tb\n";
-    for (int n = 100; n < 1100; ++n) {
-        content += "G100\t1.25\t" + std::to_string(n) + "\n";
-    }
-    const auto shape = guess_shape(MatrixSource(directory_.write("m.txt", content)), '\t');
-    ASSERT_TRUE(shape);
-    EXPECT_EQ(shape->columns, 2U);
-    EXPECT_NEAR(static_cast<double>(shape->rows), 1000.0, 50.0);
-    EXPECT_FALSE(guess_shape(MatrixSource(directory_.write("m.txt", "h\n")), '\t'));
-}
-
-TEST_F(MatrixCheck, PlacesTextBehindNumbers) {
+TEST_F(DelimitedText, PlacesTextBehindNumbers) {
     const MatrixReport report = inspect("h\nG1\t1.5abc\t2 \t3\n").report;
     EXPECT_EQ(report.with_text_behind.count, 1U);
     EXPECT_EQ(report.with_text_behind.first.text, "1.5abc");
 }
 
-TEST_F(MatrixCheck, PlacesValuesThatAreNotFinite) {
+TEST_F(DelimitedText, PlacesValuesThatAreNotFinite) {
     const MatrixReport report = inspect("h\nG1\t1\nG2\t-nan\nG3\tinf\nG4\t1e999\n").report;
     EXPECT_EQ(report.not_finite.count, 3U);
     EXPECT_EQ(report.not_finite.first.line, 3U);
     EXPECT_EQ(report.not_finite.first.text, "-nan");
 }
 
-TEST_F(MatrixCheck, ListsRaggedRows) {
+TEST_F(DelimitedText, ListsRaggedRows) {
     const MatrixReport report = inspect("h\nG1\t1\t2\nG2\t1\nG3\t1\t2\nG4\t1\t2\t3\n").report;
     EXPECT_EQ(report.ragged_rows, 2U);
     ASSERT_EQ(report.first_ragged_rows.size(), 2U);
@@ -178,7 +167,7 @@ TEST_F(MatrixCheck, ListsRaggedRows) {
     EXPECT_EQ(report.first_ragged_rows[1].values, 3U);
 }
 
-TEST_F(MatrixCheck, TellsOfNamesThatAreTrimmedAway) {
+TEST_F(DelimitedText, TellsOfNamesThatAreTrimmedAway) {
     const MatrixReport ragged = inspect("h\nG1\t1\t2\n\t3\t4\n").report;
     EXPECT_EQ(ragged.lost_names.count, 1U);
     EXPECT_EQ(ragged.lost_names.first.line, 3U);
@@ -189,57 +178,86 @@ TEST_F(MatrixCheck, TellsOfNamesThatAreTrimmedAway) {
     EXPECT_EQ(inspect("h\n,1,2\n", ',').report.lost_names.count, 0U);
 }
 
-TEST_F(MatrixCheck, CountsRowsWithoutName) {
+TEST_F(DelimitedText, CountsRowsWithoutName) {
     const MatrixReport report = inspect("h\nG1,1\n,2\n,3\n", ',').report;
     EXPECT_EQ(report.unnamed.count, 2U);
     EXPECT_EQ(report.unnamed.first.line, 3U);
     EXPECT_EQ(report.duplicate_names, 0U);
 }
 
-TEST_F(MatrixCheck, ListsDuplicateNames) {
+TEST_F(DelimitedText, ListsDuplicateNames) {
     const MatrixReport report = inspect("h\nA\t1\nB\t2\nA\t3\nA\t4\n").report;
     EXPECT_EQ(report.duplicate_names, 2U);
     EXPECT_EQ(report.first_duplicate_names, (std::vector<std::string>{"A", "A"}));
 }
 
-TEST_F(MatrixCheck, SuspectsAHeaderOfMeasurements) {
+TEST_F(DelimitedText, SuspectsAHeaderOfMeasurements) {
     EXPECT_TRUE(inspect("G0\t0.5\t-1.25\nG1\t1\t2\n").report.header_looks_like_data);
     EXPECT_FALSE(inspect("gene\t0\t7\t3\nG1\t1\t2\t3\n").report.header_looks_like_data);
     EXPECT_FALSE(inspect("gene\t0.5\t1\t2\nG1\t1\t2\t3\n").report.header_looks_like_data);
     EXPECT_FALSE(inspect("gene\ta\t0.5\nG1\t1\t2\n").report.header_looks_like_data);
 }
 
-TEST_F(MatrixCheck, RefusesWhatIsNoReadableTextFile) {
-    EXPECT_NE(refusal(directory_.file("none")).find("there is no such file"), std::string::npos);
-    EXPECT_NE(refusal(directory_.prefix()).find("this is a directory"), std::string::npos);
-    EXPECT_NE(refusal(directory_.write("a", "\x1f\x8b\x08")).find("gzip"), std::string::npos);
-    EXPECT_NE(refusal(directory_.write("a", "BZh9")).find("bzip2 -d"), std::string::npos);
-    EXPECT_NE(refusal(directory_.write("a", "PK\x03\x04")).find("zip archive"), std::string::npos);
-    EXPECT_NE(refusal(directory_.write("a", "\xff\xfeh")).find("UTF-16"), std::string::npos);
-    EXPECT_NE(refusal(directory_.write("a", "h\rG1\t1\rG2\t2\r")).find("old Macintoshes"),
-              std::string::npos);
-    EXPECT_EQ(refusal(directory_.write("a", "h\r")), "");
+TEST_F(DelimitedText, RefusesNulBytesWithTheirLine) {
+    EXPECT_EQ(refusal(std::string("h\nG1\t1\nG\0\t2\n", 12)),
+              directory_.file("m.txt") + ":3: the line holds a NUL byte, so this is no text file");
 }
 
-TEST_F(MatrixCheck, RefusesNulBytesWithTheirLine) {
-    const std::string path = directory_.write("a", std::string("h\nG1\t1\nG\0\t2\n", 12));
-    EXPECT_EQ(refusal(path), path + ":3: the line holds a NUL byte, so this is no text file");
+TEST_F(DelimitedText, IsReadWithTheDelimiterThatIsGivenOrGuessed) {
+    MatrixSource semicolons(directory_.write("m.txt", "h\nG1;1,5;2\nG2;3;4\n"));
+    EXPECT_THAT(values_of(read_delimited_text(semicolons, {})), ElementsAre(1.0, 2.0, 3.0, 4.0));
+    MatrixSource commas(directory_.file("m.txt"));
+    LoadOptions options;
+    options.delimiter = ',';
+    EXPECT_THAT(read_delimited_text(commas, options).row_names, ElementsAre("G1;1", "G2;3;4"));
 }
 
-TEST_F(MatrixCheck, GuessesTheDelimiter) {
-    EXPECT_EQ(guess("h\nG1\t1\t2\n"), '\t');
-    EXPECT_EQ(guess("h\nG1,1,2\n"), ',');
-    EXPECT_EQ(guess("h\nG1;1;2\n"), ';');
-    EXPECT_EQ(guess("h\nG1 1 2\n"), ' ');
-    EXPECT_EQ(guess("h\nADE5,7\t1\t2\n"), '\t');
-    EXPECT_EQ(guess("h\nG1\t0,17\t0,33\n"), '\t');
-    EXPECT_EQ(guess("h\nG1;0,17;0,33\n"), ';');
-    EXPECT_EQ(guess("h h\n# 1,2,3\nG1;1.5;2\n"), ';');
+TEST_F(DelimitedText, IsRefusedWithoutNamesOrNumbers) {
+    EXPECT_THAT(refusal("h\n\t1\t2\n\t3\t4\n"), testing::HasSubstr(":2: the row has no name"));
+    LoadOptions options;
+    options.delimiter = ',';
+    EXPECT_THAT(refusal("h\nG1\t1\n", options),
+                testing::HasSubstr("holds no numbers with , between the fields"));
 }
 
-TEST_F(MatrixCheck, SaysWhenNoDelimiterFits) {
-    EXPECT_EQ(guess("h\nG1|1|2\n"), std::nullopt);
-    EXPECT_EQ(guess(""), std::nullopt);
+TEST_F(DelimitedText, TellsBeforeMoreThanTheHeadIsRead) {
+    struct TooLarge {};
+
+    LoadOptions options;
+    options.before_reading = [](const MatrixSource& source, char delimiter) {
+        EXPECT_EQ(delimiter, ',');
+        EXPECT_EQ(source.head(), "h\nG1,1\nG\0");
+        throw TooLarge();
+    };
+    EXPECT_THROW(refusal("h\nG1,1\nG\0", options), TooLarge);
+}
+
+/// A locale with a decimal comma that only this thread has is followed in all rows, and forgotten.
+TEST_F(DelimitedText, FollowsTheLocaleOfTheCaller) {
+    const test::MadeLocales made({"de_DE.UTF-8"});
+    if (!made.failure().empty()) {
+        GTEST_SKIP() << made.failure();
+    }
+    std::string content = "h\n";
+    for (int n = 0; n < 200000; ++n) {
+        content += "GENE\t0,5\t0.5\t3.25\n";
+    }
+    const locale_t german = newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
+    ASSERT_NE(german, nullptr);
+    for (const int threads : test::kThreadCounts) {
+        SCOPED_TRACE(threads);
+        const test::ThreadCount scope(threads);
+        const locale_t before = uselocale(german);
+        const InspectedMatrix with_commas = inspect(content);
+        uselocale(before);
+        EXPECT_EQ(with_commas.report.numbers, 600000U);
+        EXPECT_EQ(with_commas.report.with_text_behind.count, 400000U);
+        EXPECT_EQ(with_commas.values[599997], 0.5);
+        const InspectedMatrix with_points = inspect(content);
+        EXPECT_EQ(with_points.report.with_text_behind.count, 200000U);
+        EXPECT_EQ(with_points.values[599997], 0.0);
+    }
+    freelocale(german);
 }
 
 }  // namespace

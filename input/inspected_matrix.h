@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "input/matrix_source.h"
-
 namespace ovik {
 
 /// Where a field of a matrix file stands, and what it holds.
@@ -33,12 +31,13 @@ struct RaggedRow {
     std::size_t values = 0;
 };
 
-/// What `read_matrix_w_index` would pass over in silence.
+/// What there is to say of a matrix: for delimited text, what `read_matrix_w_index` would pass over
+/// in silence. Only rows and columns are of every format.
 struct MatrixReport {
     std::size_t rows = 0;
     /// Values of a row.
     std::size_t columns = 0;
-    /// Fields that open with a number.
+    /// Fields of delimited text that open with a number.
     std::size_t numbers = 0;
     /// Fields that do not open with a number, though not missing, and read as 0.
     FieldFindings not_numbers;
@@ -68,30 +67,21 @@ struct MatrixReport {
 /// The rows of a matrix file, and what there is to say about them.
 struct InspectedMatrix {
     MatrixReport report;
+    /// One per row.
     std::vector<std::string> row_names;
     /// Where each row stands in the file: lines, from 1; 0 in formats that have none.
     std::vector<std::size_t> row_lines;
-    /// What the first line calls each column; empty if it does not fit the rows.
+    /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;
     /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
     /// there are rows of different length.
     std::unique_ptr<double[]> values;
 };
 
-/// Names the rows of a matrix whose format has no names, and takes note of names that repeat.
-///
-/// @param names  one per row
-void name_rows(InspectedMatrix& matrix, std::vector<std::string> names);
+/// Takes note of names that repeat.
+void note_duplicate_names(InspectedMatrix& matrix);
 
-/// Reads the text of a matrix by the rules of `read_matrix_w_index` with one header line, on all
-/// cores, and takes note of what that would not say.
-///
-/// Where it differs: a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are empty
-/// fields at the end of a line that trimming takes away, if other rows have values there.
-///
-/// @param source  read to its end
-/// @throws InputError if a line holds a NUL byte, or the packed data are damaged
-/// @throws std::system_error if the file cannot be read to its end
-InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter);
+/// Takes note of infinities among the values, by row and column.
+void note_infinite_values(InspectedMatrix& matrix);
 
 }  // namespace ovik

@@ -1,18 +1,19 @@
-#include "input/matrix_check.h"
+#include "input/delimited_text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <deque>
 #include <optional>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
+#include "input/delimiters.h"
 #include "input/field_kind.h"
-#include "util/input_error.h"
+#include "input/text_head.h"
 #include "util/input_file.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
+#include "util/number_field.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -21,9 +22,15 @@ namespace {
 
 constexpr std::size_t kListed = 3;
 
+/// What parts the fields of a line, and how they become numbers.
+struct FieldRules {
+    char delimiter = '\t';
+    NumberReader numbers;
+};
+
 /// Whether a discarded first line is more likely a row: all its values are numbers, and they are
 /// not what measurements are headed with, which is whole or rising numbers (time points, doses).
-bool looks_like_data(std::string_view first_line, char delimiter) {
+bool looks_like_data(std::string_view first_line, const FieldRules& rules) {
     std::string line(trimmed_matrix_line(first_line));
     if (!is_matrix_row(line)) {
         return false;
@@ -31,10 +38,10 @@ bool looks_like_data(std::string_view first_line, char delimiter) {
     std::vector<double> values;
     bool all_numbers = true;
     bool at_name = true;
-    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
+    for_each_matrix_field(line, rules.delimiter, [&](const char* field, const char* end) {
         double value = 0.0;
-        all_numbers =
-            all_numbers && (at_name || classify_field(field, end, value) == FieldKind::Number);
+        all_numbers = all_numbers && (at_name || classify_field(rules.numbers, field, end, value) ==
+                                                     FieldKind::Number);
         if (!at_name) {
             values.push_back(value);
         }
@@ -84,7 +91,7 @@ class BlockOfRows {
         std::size_t untrimmed;
     };
 
-    void add(std::string_view text, char delimiter) {
+    void add(std::string_view text, const FieldRules& rules) {
         ++lines;
         if (!first_nul_line && text.find('\0') != std::string_view::npos) {
             first_nul_line = lines;
@@ -94,12 +101,13 @@ class BlockOfRows {
             return;
         }
         line_ = trimmed;
-        addRow(delimiter);
+        addRow(rules);
         const std::string_view from_name =
             text.substr(static_cast<std::size_t>(trimmed.data() - text.data()));
-        const auto delimiters = std::count(from_name.begin(), from_name.end(), delimiter);
+        const auto delimiters = std::count(from_name.begin(), from_name.end(), rules.delimiter);
         lengths.back().untrimmed = static_cast<std::size_t>(delimiters);
-        noteName(text.starts_with(delimiter) && !trimmed.starts_with(delimiter));
+        noteName(text.starts_with(rules.delimiter) && !trimmed.starts_with(rules.delimiter),
+                 rules.numbers);
     }
 
     std::size_t lines = 0;
@@ -118,23 +126,27 @@ class BlockOfRows {
     FieldFindings quoted_names;
 
   private:
-    void addRow(char delimiter) {
+    void addRow(const FieldRules& rules) {
         std::size_t fields = 0;
-        for_each_matrix_field(line_, delimiter, [&](const char* field, const char* end) {
+        for_each_matrix_field(line_, rules.delimiter, [&](const char* field, const char* end) {
             ++fields;
             if (fields == 1) {
                 names.emplace_back(field, end);
             } else {
-                addValue(field, end, fields);
+                addValue(rules.numbers, field, end, fields);
             }
         });
         row_lines.push_back(lines);
         lengths.push_back({fields - 1, 0});
     }
 
-    void addValue(const char* field, const char* end, std::size_t number) {
+    /// @param number  of the field in its line
+    void addValue(const NumberReader& number_reader,
+                  const char* field,
+                  const char* end,
+                  std::size_t number) {
         double value = 0.0;
-        const FieldKind kind = classify_field(field, end, value);
+        const FieldKind kind = classify_field(number_reader, field, end, value);
         if (kind == FieldKind::Missing) {
             values.push_back(std::nan(""));
             return;
@@ -161,11 +173,12 @@ class BlockOfRows {
     }
 
     /// @param has_lost_field  whether trimming has taken an empty field from the front of the line
-    void noteName(bool has_lost_field) {
+    void noteName(bool has_lost_field, const NumberReader& number_reader) {
         const std::string& name = names.back();
         double value = 0.0;
         if (has_lost_field &&
-            classify_field(name.c_str(), name.c_str() + name.size(), value) == FieldKind::Number) {
+            classify_field(number_reader, name.c_str(), name.c_str() + name.size(), value) ==
+                FieldKind::Number) {
             note(lost_names, 1, "");
         }
         if (name.empty()) {
@@ -244,28 +257,11 @@ std::unique_ptr<double[]> joined_values(Blocks& blocks, std::size_t rows, std::s
     return values;
 }
 
-void note_duplicate_names(InspectedMatrix& matrix) {
-    MatrixReport& report = matrix.report;
-    std::unordered_set<std::string_view> names;
-    for (const std::string& name : matrix.row_names) {
-        if (!name.empty() && !names.insert(name).second) {
-            ++report.duplicate_names;
-            if (report.first_duplicate_names.size() < kListed) {
-                report.first_duplicate_names.push_back(name);
-            }
-        }
-    }
-}
-
 }  // namespace
 
-void name_rows(InspectedMatrix& matrix, std::vector<std::string> names) {
-    matrix.row_names = std::move(names);
-    matrix.row_lines.assign(matrix.report.rows, 0);
-    note_duplicate_names(matrix);
-}
-
 InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter) {
+    // Takes note of the locale of this thread, by which all of the text is read.
+    const FieldRules rules{delimiter, NumberReader()};
     std::string begun = source.takeHead();
     const std::size_t line_end = std::min(begun.find('\n'), begun.size());
     const std::string first_line = begun.substr(0, line_end);
@@ -275,7 +271,7 @@ InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter) {
             source.rest(), std::move(begun), [&](std::string_view lines, BlockOfRows& block) {
                 const auto most = std::count(lines.begin(), lines.end(), delimiter);
                 block.values.reserve(static_cast<std::size_t>(most));
-                for_each_line(lines, [&](std::string_view line) { block.add(line, delimiter); });
+                for_each_line(lines, [&](std::string_view line) { block.add(line, rules); });
             });
     });
     InspectedMatrix matrix;
@@ -290,12 +286,21 @@ InspectedMatrix inspect_matrix(MatrixSource& source, char delimiter) {
         lines += block.lines;
     }
     report.rows = matrix.row_names.size();
-    report.header_looks_like_data = looks_like_data(first_line, delimiter);
+    report.header_looks_like_data = looks_like_data(first_line, rules);
     matrix.column_names = column_names_of(first_line, delimiter, report.columns);
-    note_duplicate_names(matrix);
     if (report.ragged_rows == 0) {
         matrix.values = joined_values(blocks, report.rows, report.columns);
     }
+    return matrix;
+}
+
+InspectedMatrix read_delimited_text(MatrixSource& source, const LoadOptions& options) {
+    const Delimiters delimiters = find_delimiter(source, options.delimiter);
+    if (options.before_reading) {
+        options.before_reading(source, delimiters.used);
+    }
+    InspectedMatrix matrix = inspect_matrix(source, delimiters.used);
+    check_delimited(source.name(), delimiters, matrix.report);
     return matrix;
 }
 

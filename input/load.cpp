@@ -1,0 +1,119 @@
+#include "input/load.h"
+
+#include <utility>
+
+#include "input/matrix_checks.h"
+#include "input/matrix_source.h"
+#include "input/missing_values.h"
+#include "input/row_texts.h"
+#include "util/input_error.h"
+
+namespace ovik {
+
+namespace {
+
+/// What rows without names are called: "1", "2" and so on.
+std::vector<std::string> row_numbers(std::size_t count) {
+    std::vector<std::string> numbers(count);
+    for (std::size_t n = 0; n < count; ++n) {
+        numbers[n] = std::to_string(n + 1);
+    }
+    return numbers;
+}
+
+/// The names of rows whose format has none.
+std::vector<std::string> names_of_rows(const std::string& path,
+                                       const LoadOptions& options,
+                                       std::size_t count,
+                                       std::vector<Remark>& remarks) {
+    if (!options.row_names_file.empty()) {
+        return read_row_texts(options.row_names_file, count, "name");
+    }
+    remarks.push_back({Remark::Kind::Note,
+                       "the format of " + path +
+                           " has no names, and rows are called by their numbers; --row-names gives "
+                           "them names"});
+    return row_numbers(count);
+}
+
+/// Reads the rows and checks that they make a matrix.
+InspectedMatrix read_rows(MatrixSource& source,
+                          const MatrixFormat& format,
+                          const LoadOptions& options) {
+    if (format.has_names && !options.row_names_file.empty()) {
+        throw InputError("--row-names: the rows of " + source.name() + " have names of their own");
+    }
+    InspectedMatrix matrix = format.read(source, options);
+    if (!format.is_text) {
+        note_infinite_values(matrix);
+    }
+    check_matrix(source.name(), matrix.report);
+    return matrix;
+}
+
+/// @return how many values were missing
+/// @throws InputError if missing values are refused, or too few rows are left
+std::size_t settle_missing(const std::string& name,
+                           const LoadOptions& options,
+                           LoadedMatrix& loaded,
+                           std::vector<Remark>& remarks) {
+    InspectedMatrix& matrix = loaded.matrix;
+    const MissingCounts missing = count_missing(matrix);
+    const MissingPolicy policy = options.missing.value_or(MissingPolicy::Zero);
+    if (missing.count == 0 || policy == MissingPolicy::Leave) {
+        return missing.count;
+    }
+    const std::string summary = name + ": " + missing_summary(matrix, missing);
+    const std::string places = missing_places(matrix, missing);
+    if (policy == MissingPolicy::Error) {
+        throw InputError(summary + "\n" + places + options.missing_advice);
+    }
+    const std::size_t rows = matrix.report.rows;
+    treat_missing(name, policy, missing, matrix, loaded.labels);
+    if (!options.missing) {
+        remarks.push_back({Remark::Kind::Warning,
+                           summary + ", and read as 0\n" + places +
+                               "--missing can also fill in means (row-mean, column-mean), leave "
+                               "such rows out (drop), or refuse them (error)."});
+        return missing.count;
+    }
+    remarks.push_back(
+        {Remark::Kind::Information, summary + ": " + treatment(policy, rows, matrix.report.rows)});
+    if (policy == MissingPolicy::Drop && options.check_values) {
+        check_row_count(name + ", without the rows that lack values", matrix.report.rows);
+    }
+    return missing.count;
+}
+
+}  // namespace
+
+LoadedMatrix load(const std::string& path,
+                  const LoadOptions& options,
+                  std::vector<Remark>& remarks,
+                  const std::vector<MatrixFormat>& formats) {
+    MatrixSource source(path);
+    const std::string& name = source.name();
+    const MatrixFormat& format = format_of(source, formats);
+    LoadedMatrix loaded;
+    loaded.format = format.name;
+    InspectedMatrix& matrix = loaded.matrix;
+    matrix = read_rows(source, format, options);
+    if (!format.has_names) {
+        matrix.row_names = names_of_rows(path, options, matrix.report.rows, remarks);
+    }
+    matrix.row_lines.resize(matrix.report.rows, 0);
+    note_duplicate_names(matrix);
+    for (std::string& warning : matrix_warnings(name, matrix.report)) {
+        remarks.push_back({Remark::Kind::Warning, std::move(warning)});
+    }
+    if (!options.labels_file.empty()) {
+        loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
+    }
+    loaded.missing = settle_missing(name, options, loaded, remarks);
+    if (options.check_values) {
+        check_values(name, matrix);
+    }
+    return loaded;
+}
+
+}  // namespace ovik

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "input/inspected_matrix.h"
+#include "input/load_options.h"
+#include "input/matrix_formats.h"
+
+namespace ovik {
+
+/// Something that the user should know of a matrix, though it can be worked with.
+struct Remark {
+    enum class Kind {
+        /// Something about the matrix is odd.
+        Warning,
+        /// Something that the options can change.
+        Note,
+        /// What was done as the options asked for.
+        Information,
+    };
+
+    Kind kind;
+    /// One line or more.
+    std::string text;
+};
+
+/// A matrix and what belongs to its rows.
+struct LoadedMatrix {
+    /// With values, names of its rows, and names of its columns if there are any. Unless the
+    /// options leave them, no value is missing.
+    InspectedMatrix matrix;
+    /// One per row if there is a file of labels, else empty.
+    std::vector<std::string> labels;
+    /// The name of its format.
+    std::string format;
+    /// Values that were missing.
+    std::size_t missing = 0;
+};
+
+/// Reads a matrix of any format, its labels and names, and settles what becomes of missing values.
+/// Prints nothing.
+///
+/// @param path     a file, or "-" for standard input
+/// @param remarks  what there is to say is appended, in the order in which it was found; also what
+///                 was found before the matrix was refused
+/// @param formats  as `format_of` has them
+/// @throws InputError if the matrix cannot be read, or not be embedded
+/// @throws std::system_error if a file cannot be read to its end
+LoadedMatrix load(const std::string& path,
+                  const LoadOptions& options,
+                  std::vector<Remark>& remarks,
+                  const std::vector<MatrixFormat>& formats = matrix_formats());
+
+}  // namespace ovik

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "input/inspected_matrix.h"
+
+namespace ovik {
+
+/// Refuses a file whose rows do not make a matrix.
+///
+/// @throws InputError with the first line, row and cure: rows of unequal length, too few rows,
+/// values that are not finite
+void check_matrix(const std::string& path, const MatrixReport& report);
+
+/// @throws InputError if there are fewer than 3 rows, or more than the engine can count
+void check_row_count(const std::string& path, std::size_t rows);
+
+/// Refuses values that cannot be embedded.
+///
+/// @param matrix  at least one row; no value is missing
+/// @throws InputError with the cure: rows all equal, values too large or too close to one another
+void check_values(const std::string& path, const InspectedMatrix& matrix);
+
+/// What the user should know of a matrix that can be embedded, a text each: fields that read as 0,
+/// text that is ignored, quoted and duplicate names, a first line that looks like data.
+std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report);
+
+}  // namespace ovik

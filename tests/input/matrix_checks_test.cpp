@@ -1,0 +1,146 @@
+#include "input/matrix_checks.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "util/input_error.h"
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+template <typename Check>
+std::string refusal(const Check& check) {
+    try {
+        check();
+    } catch (const InputError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(CheckMatrix, RefusesRowsThatMakeNoMatrix) {
+    MatrixReport ragged;
+    ragged.rows = 9;
+    ragged.columns = 4;
+    ragged.ragged_rows = 2;
+    ragged.first_ragged_rows = {{5, "A", 1}, {7, "B", 6}};
+    MatrixReport very_ragged = ragged;
+    very_ragged.ragged_rows = 4;
+    very_ragged.first_ragged_rows.push_back({8, "C", 0});
+    MatrixReport few;
+    few.rows = 2;
+    MatrixReport many;
+    many.rows = std::size_t{1} << 31U;
+    MatrixReport on_line;
+    on_line.rows = 3;
+    on_line.not_finite = {1, {7, "A", 3, "1e999"}};
+    MatrixReport in_array;
+    in_array.rows = 3;
+    in_array.not_finite = {4, {0, "12", 3, "-inf"}};
+
+    const struct {
+        MatrixReport report;
+        const char* reason;
+    } kCases[] = {
+        {ragged,
+         "m:5: row \"A\" has 1 value, but the first row has 4 (2 such rows, also line 7)\n"},
+        {very_ragged, "but the first row has 4 (4 such rows, also line 7 line 8, ...)\n"},
+        {few, "m: has 2 rows, and an embedding needs at least 3\n"},
+        {many, "m: has 2147483648 rows, and more than 2147483647 cannot be embedded\n"},
+        {on_line,
+         "m:7: field 3 of row \"A\" is \"1e999\", which is not a finite number (1 such field)\n"},
+        {in_array,
+         "m: column 3 of row 12 is \"-inf\", which is not a finite number (4 such fields)\n"},
+    };
+
+    for (const auto& [report, reason] : kCases) {
+        EXPECT_THAT(refusal([&] { check_matrix("m", report); }), HasSubstr(reason));
+    }
+    MatrixReport good;
+    good.rows = 3;
+    EXPECT_EQ(refusal([&] { check_matrix("m", good); }), "");
+}
+
+TEST(CheckValues, RefusesWhatCannotBeEmbedded) {
+    const struct {
+        std::vector<double> values;
+        const char* reason;
+    } kCases[] = {
+        {{1, 2, 1, 2, 1, 2}, "m: all rows hold the same values"},
+        {{1, 2, 1, 2, 1, 1.1e300}, "m: the values are too large"},
+        {{1, 2, 1, 2, 1, -1.1e300}, "m: the values are too large"},
+        {{0, 0, 0, 0, 0, 1e-310}, "m: the values are too close to one another"},
+    };
+
+    const auto refusal_of = [](const std::vector<double>& values) {
+        InspectedMatrix matrix;
+        matrix.report.rows = 3;
+        matrix.report.columns = 2;
+        matrix.values.reset(new double[6]);
+        std::copy(values.begin(), values.end(), matrix.values.get());
+        return refusal([&] { check_values("m", matrix); });
+    };
+    for (const auto& [values, reason] : kCases) {
+        EXPECT_THAT(refusal_of(values), HasSubstr(reason));
+    }
+    EXPECT_EQ(refusal_of({1, 2, 1, 2, 1, 1e300}), "");
+    EXPECT_EQ(refusal_of({0, 0, 0, 0, 0, 1e-299}), "");
+}
+
+TEST(MatrixWarnings, TellWhatIsOdd) {
+    MatrixReport not_numbers;
+    not_numbers.not_numbers = {2, {5, "A", 3, "x1"}};
+    MatrixReport quoted_number;
+    quoted_number.not_numbers = {1, {5, "A", 3, "\"1\""}};
+    MatrixReport text_behind;
+    text_behind.with_text_behind = {1, {5, "A", 3, "1kg"}};
+    MatrixReport decimal_comma;
+    decimal_comma.with_text_behind = {3, {5, "A", 3, "1,5"}};
+    MatrixReport unnamed;
+    unnamed.unnamed = {1, {5, "", 1, ""}};
+    MatrixReport quoted;
+    quoted.quoted_names = {2, {5, "\"A\"", 1, ""}};
+    MatrixReport duplicates;
+    duplicates.duplicate_names = 4;
+    duplicates.first_duplicate_names = {"A", "B", "A"};
+    MatrixReport header;
+    header.header_looks_like_data = true;
+
+    const struct {
+        MatrixReport report;
+        const char* warning;
+    } kCases[] = {
+        {not_numbers,
+         "m:5: field 3 of row \"A\" is \"x1\", which is not a number, and read as 0 (2 such fields "
+         "in all)"},
+        {quoted_number, "read as 0; numbers should stand without quotes (1 such field in all)"},
+        {text_behind,
+         "m:5: field 3 of row \"A\" is \"1kg\": the text behind the number is ignored (1 such "
+         "field in all)"},
+        {decimal_comma, "is ignored; a decimal comma should be a point (3 such fields in all)"},
+        {unnamed, "m:5: the row has no name (1 such row in all)"},
+        {quoted,
+         "m:5: the quotes are part of the name \"A\", so that the gene table does not know it (2 "
+         "such rows in all)"},
+        {duplicates, "m: 4 rows repeat the name of an earlier one (\"A\", \"B\", \"A\", ...)"},
+        {header, "m:1: the first line looks like a row"},
+    };
+
+    for (const auto& [report, warning] : kCases) {
+        SCOPED_TRACE(warning);
+        const std::vector<std::string> warnings = matrix_warnings("m", report);
+        ASSERT_EQ(warnings.size(), 1U);
+        EXPECT_THAT(warnings[0], HasSubstr(warning));
+    }
+    EXPECT_THAT(matrix_warnings("m", MatrixReport()), IsEmpty());
+}
+
+}  // namespace
+}  // namespace ovik
