@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace ovik {
+
+/// A matrix that is owned elsewhere, row-major, `rows` x `columns`: row n lies in the places from
+/// n * columns. A `MatrixView<const double>` is one whose values are only read.
+template <typename T>
+struct MatrixView {
+    T* values = nullptr;
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+
+    /// How many values there are in all.
+    [[nodiscard]] constexpr std::size_t size() const { return rows * columns; }
+
+    /// The `columns` values of row n, which is below `rows`.
+    [[nodiscard]] constexpr std::span<T> row(std::size_t n) const {
+        return {values + n * columns, columns};
+    }
+};
+
+}  // namespace ovik
