@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "neighbours/kernels/tree_walk.h"
+#include "stats/barnes_hut_gradient.h"
 #include "stats/elementwise.h"
 #include "stats/kernels/edge_pass.h"
 #include "util/parallel.h"

@@ -2,9 +2,8 @@
 
 #include <cstddef>
 
-#include "neighbours/sptree.h"
+#include "neighbours/partwise_sptree.h"
 #include "stats/sparse_matrix.h"
-#include "util/api.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -30,25 +29,22 @@ struct RowCost;
 class BarnesHutForces {
   public:
     /// Ends the process with "Memory allocation failed!" if the forces do not fit in memory.
-    OVIK_API BarnesHutForces(std::size_t N, std::size_t dims);
+    BarnesHutForces(std::size_t N, std::size_t dims);
 
     /// @param gradient  row-major, N x dims, written
-    OVIK_API void gradient(const SparseMatrixView& P,
-                           const double* Y,
-                           double theta,
-                           double* gradient);
+    void gradient(const SparseMatrixView& P, const double* Y, double theta, double* gradient);
 
     /// 0.0 without points.
-    [[nodiscard]] OVIK_API double cost(const SparseMatrixView& P, const double* Y, double theta);
+    [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y, double theta);
 
     /// Both, in one walk through the tree and one pass over the entries; the same values.
     ///
     /// @param gradient  row-major, N x dims, written
     /// @return the cost
-    OVIK_API double costAndGradient(const SparseMatrixView& P,
-                                    const double* Y,
-                                    double theta,
-                                    double* gradient);
+    double costAndGradient(const SparseMatrixView& P,
+                           const double* Y,
+                           double theta,
+                           double* gradient);
 
   private:
     [[nodiscard]] EdgeView edgesOf(const SparseMatrixView& P, const double* Y) const;
@@ -59,22 +55,10 @@ class BarnesHutForces {
 
     std::size_t N_;
     std::size_t dims_;
-    SPTree tree_;
+    PartwiseSPTree tree_;
     MallocArray<double> neg_f_;
     MallocArray<double> shares_;
     MallocArray<RowCost> row_costs_;
 };
-
-/// `BarnesHutForces::gradient` for one embedding.
-OVIK_API void barnes_hut_gradient(const SparseMatrixView& P,
-                                  const double* Y,
-                                  std::size_t N,
-                                  std::size_t dims,
-                                  double* gradient,
-                                  double theta);
-
-/// `BarnesHutForces::cost` for one embedding.
-OVIK_API double barnes_hut_cost(
-    const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta);
 
 }  // namespace ovik

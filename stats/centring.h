@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "util/api.h"
-
 namespace ovik {
 
 /// Centres every column of a matrix on 0.
@@ -13,13 +11,13 @@ namespace ovik {
 /// memory.
 ///
 /// @param X  row-major, rows x columns, modified
-OVIK_API void zero_mean(double* X, std::size_t rows, std::size_t columns);
+void zero_mean(double* X, std::size_t rows, std::size_t columns);
 
 /// Centres the columns of a matrix, then scales it so that its largest absolute value is 1.
 ///
 /// A matrix whose rows are all equal has no scale: its entries become NaN.
 ///
 /// @param X  row-major, rows x columns, modified
-OVIK_API void centre_and_scale(double* X, std::size_t rows, std::size_t columns);
+void centre_and_scale(double* X, std::size_t rows, std::size_t columns);
 
 }  // namespace ovik

@@ -18,7 +18,4 @@ namespace ovik {
 OVIK_API void dense_conditional_affinities(
     const double* points, std::size_t point_count, std::size_t dims, double* P, double perplexity);
 
-/// Replaces both of the entries (n, m) and (m, n) of a square matrix by their sum.
-OVIK_API void add_transpose(double* P, std::size_t point_count);
-
 }  // namespace ovik

@@ -2,17 +2,15 @@
 
 #include <cstddef>
 
-#include "util/api.h"
-
 namespace ovik {
 
 /// Fills a matrix with the squared Euclidean distances of all pairs of points.
 ///
 /// @param points     row-major, point_count x dims
 /// @param distances  row-major, point_count x point_count; symmetric, the diagonal 0.0
-OVIK_API void squared_distance_matrix(const double* points,
-                                      std::size_t point_count,
-                                      std::size_t dims,
-                                      double* distances);
+void squared_distance_matrix(const double* points,
+                             std::size_t point_count,
+                             std::size_t dims,
+                             double* distances);
 
 }  // namespace ovik

@@ -14,6 +14,7 @@
 #include "stats/bandwidth_search.h"
 #include "stats/cached_neighbours.h"
 #include "util/console.h"
+#include "util/malloc_array.h"
 #include "util/parallel.h"
 
 namespace ovik {

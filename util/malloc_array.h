@@ -3,21 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
-#include "util/api.h"
+#include "util/malloc_pointer.h"
 
 /// Work arrays from `malloc` and `calloc`, and the one way in which running out of them ends.
 
 namespace ovik {
-
-struct FreeDeleter {
-    void operator()(void* block) const noexcept { std::free(block); }
-};
-
-/// An array from `malloc` or `calloc`, released with `free`.
-template <typename T>
-using MallocArray = std::unique_ptr<T[], FreeDeleter>;
 
 /// Most elements of T that an array can have: their bytes, and differences of pointers, have to
 /// fit.
@@ -43,7 +34,7 @@ template <typename T>
 }
 
 /// Writes "Memory allocation failed!\n" to standard error and ends the process with status 1.
-[[noreturn]] OVIK_API void exit_out_of_memory();
+[[noreturn]] void exit_out_of_memory();
 
 /// Ends the process as above if one of the arrays is null.
 template <typename... Arrays>

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "stats/barnes_hut_gradient.h"
 #include "stats/exact_forces.h"
 #include "stats/tsne.h"
 
