@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <memory>
 #include <omp.h>
 #include <string>
 #include <vector>
@@ -7,9 +8,10 @@
 
 #include "neighbours/neighbour_index.h"
 #include "neighbours/sptree.h"
-#include "stats/barnes_hut_forces.h"
 #include "stats/kernels/pair_kernels.h"
 #include "stats/sparse_affinities.h"
+#include "stats/sparse_forces.h"
+#include "stats/tree_repulsion.h"
 #include "util/instruction_set.h"
 #include "util/number_field.h"
 
@@ -120,9 +122,9 @@ void barnes_hut_iteration(benchmark::State& state) {
     const SparseMatrixView P{row_P.data(), col_P.data(), val_P.data()};
     std::vector<double> gradient(2 * N);
     limit_instruction_set(set);
-    BarnesHutForces forces(N, 2);
+    SparseForces forces(N, 2, std::make_unique<TreeRepulsion>(N, 2, kTheta));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(forces.costAndGradient(P, Y.data(), kTheta, gradient.data()));
+        benchmark::DoNotOptimize(forces.costAndGradient(P, Y.data(), gradient.data()));
     }
     limit_instruction_set(best_instruction_set());
     state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -1,62 +1,8 @@
 # Installs the libraries with the headers of their interface, for find_package and pkg-config.
 
-# What programs may include, and what that includes.
-set(ovik_headers
-  annotation/gene_func_map.h
-  annotation/gene_list.h
-  annotation/gene_names.h
-  annotation/gene_table.h
-  neighbours/data_point.h
-  neighbours/euclidean_distance.h
-  neighbours/sptree.h
-  neighbours/vptree.h
-  plots/figure_style.h
-  plots/gnuplot.h
-  plots/javas.h
-  plots/plot_outcome.h
-  plots/run_caption.h
-  stats/barnes_hut_forces.h
-  stats/centring.h
-  results/coordinate_files.h
-  stats/dense_affinities.h
-  stats/exact_forces.h
-  stats/iteration_report.h
-  stats/memory_estimate.h
-  stats/neighbourhood_quality.h
-  stats/normal_deviates.h
-  stats/pairwise_distances.h
-  results/result_table.h
-  results/run_log.h
-  stats/run_times.h
-  stats/sparse_affinities.h
-  stats/sparse_matrix.h
-  stats/tsne.h
-  util/api.h
-  util/console.h
-  util/format.h
-  util/input_error.h
-  util/input_file.h
-  util/instruction_set.h
-  util/line_blocks.h
-  util/malloc_array.h
-  util/matrix_line.h
-  util/matrix_reader.h
-  util/n_choose_k.h
-  util/number_field.h
-  util/parallel.h
-  util/thread_locale.h
-  util/write_all.h
-  util/write_string.h)
-
-# Installed, they include one another as <ovik/...> does, so that a file of the same name in the
-# user's project cannot take the place of one of them.
-foreach(header ${ovik_headers})
-  file(READ ${PROJECT_SOURCE_DIR}/${header} text)
-  string(REGEX REPLACE "(#include \")([a-z]+/)" "\\1ovik/\\2" text "${text}")
-  file(CONFIGURE OUTPUT installed/${header} CONTENT "${text}" @ONLY)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${header})
+foreach(header ${ovik_public_headers})
   cmake_path(GET header PARENT_PATH folder)
-  install(FILES ${PROJECT_BINARY_DIR}/installed/${header}
+  install(FILES ${ovik_public_dir}/ovik/${header}
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ovik/${folder})
 endforeach()
 

@@ -1,6 +1,6 @@
 #include <cstddef>
 #include <cstdio>
-#include <ovik/stats/barnes_hut_forces.h>
+#include <ovik/stats/barnes_hut_gradient.h>
 #include <ovik/stats/normal_deviates.h>
 #include <ovik/stats/sparse_affinities.h>
 #include <vector>
@@ -24,14 +24,13 @@ int main() {
     std::vector<double> Y(N * dims);
     std::vector<double> gradient(N * dims);
     ovik::draw_initial_embedding(Y.data(), Y.size());
-    ovik::BarnesHutForces forces(N, dims);  // allocates once, for all iterations
-    const double first_cost = forces.cost(P.view(), Y.data(), theta);
+    const double first_cost = ovik::barnes_hut_cost(P.view(), Y.data(), N, dims, theta);
     for (int iteration = 0; iteration < 1000; ++iteration) {
-        forces.gradient(P.view(), Y.data(), theta, gradient.data());
+        ovik::barnes_hut_gradient(P.view(), Y.data(), N, dims, gradient.data(), theta);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             Y[i] -= 10.0 * gradient[i];
         }
     }
-    const double last_cost = forces.cost(P.view(), Y.data(), theta);
+    const double last_cost = ovik::barnes_hut_cost(P.view(), Y.data(), N, dims, theta);
     std::printf("cost %.2f, then %.2f\n", first_cost, last_cost);
 }

@@ -55,13 +55,6 @@ class SPTree {
     /// Builds the tree anew over as many points as before.
     OVIK_API void rebuild(const double* data);
 
-    /// `rebuild` in steps, for callers with other work to spread over the cores meanwhile:
-    /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
-    /// thread, and `finishRebuild` puts them together.
-    OVIK_API std::size_t prepareRebuild(const double* data);
-    OVIK_API void rebuildPart(std::size_t part);
-    OVIK_API void finishRebuild();
-
     /// Adds the attractive forces along the entries of a sparse similarity matrix.
     ///
     /// For every entry (n, m, p), in order, row n of `pos_f` grows by p * q * (Y_n - Y_m), with
@@ -92,6 +85,16 @@ class SPTree {
                                        double* neg_f,
                                        double* sum_Q) const;
 
+  private:
+    friend class PartwiseSPTree;
+
+    /// `rebuild` in steps, for the engine with other work to spread over the cores meanwhile:
+    /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
+    /// thread, and `finishRebuild` puts them together.
+    std::size_t prepareRebuild(const double* data);
+    void rebuildPart(std::size_t part);
+    void finishRebuild();
+
     /// The repulsive forces on many points, and their shares of the normalisation: what
     /// `computeNonEdgeForces` adds for each, to zero.
     ///
@@ -99,10 +102,9 @@ class SPTree {
     ///                near points stand together: all points are those from 0 to N - 1
     /// @param neg_f   row-major, N x D; the rows of these points are written
     /// @param shares  N values; those of these points are written
-    OVIK_API void computeRepulsion(
+    void computeRepulsion(
         std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const;
 
-  private:
     template <std::size_t Dims>
     void addRepulsion(unsigned int point, double squared_theta, double* neg_f, double* sum_Q) const;
 

@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <string>
 
-#include "util/api.h"
-
 namespace ovik {
 
 /// The coordinates of an embedding in full precision, for other programs. Files appear whole or not
@@ -15,10 +13,10 @@ namespace ovik {
 ///
 /// @param Y  row-major, N x dims; converted to T element by element
 template <typename T>
-OVIK_API bool write_coordinates_npy(const std::string& path,
-                                    const double* Y,
-                                    std::size_t N,
-                                    std::size_t dims);
+bool write_coordinates_npy(const std::string& path,
+                           const double* Y,
+                           std::size_t N,
+                           std::size_t dims);
 
 /// Writes text with a header line, and a row per line: its name and its coordinates, parted by
 /// tabs. Each coordinate is the shortest text that reads as the same T. In names, control
@@ -27,10 +25,10 @@ OVIK_API bool write_coordinates_npy(const std::string& path,
 /// @param names  N texts
 /// @param Y      row-major, N x dims; converted to T element by element
 template <typename T>
-OVIK_API bool write_coordinates_tsv(const std::string& path,
-                                    const std::string* names,
-                                    const double* Y,
-                                    std::size_t N,
-                                    std::size_t dims);
+bool write_coordinates_tsv(const std::string& path,
+                           const std::string* names,
+                           const double* Y,
+                           std::size_t N,
+                           std::size_t dims);
 
 }  // namespace ovik

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
 
-#include "util/api.h"
+#include "stats/input_scale.h"
 #include "util/matrix_view.h"
 
 namespace ovik {
@@ -15,16 +14,7 @@ namespace ovik {
 ///
 /// @param X  row-major, rows x columns, modified
 /// @throws WorkMemoryError if the means do not fit in memory
-OVIK_API void zero_mean(double* X, std::size_t rows, std::size_t columns);
-
-/// What a matrix was before it was centred and scaled: value = mean of its column + scaled value /
-/// factor, but for rounding.
-struct InputScale {
-    /// Of each column.
-    std::vector<double> means;
-    /// 1 / largest absolute deviation from the means.
-    double factor = 1.0;
-};
+void zero_mean(double* X, std::size_t rows, std::size_t columns);
 
 /// Centres the columns of a matrix, then scales it so that its largest absolute value is 1.
 ///
@@ -32,6 +22,6 @@ struct InputScale {
 ///
 /// @param X  modified
 /// @throws WorkMemoryError if the means do not fit in memory
-OVIK_API InputScale centre_and_scale(MatrixView<double> X);
+InputScale centre_and_scale(MatrixView<double> X);
 
 }  // namespace ovik

@@ -24,7 +24,4 @@ OVIK_API void dense_conditional_affinities(const double* points,
                                            double perplexity,
                                            const FitNotes& notes = {});
 
-/// Replaces both of the entries (n, m) and (m, n) of a square matrix by their sum.
-OVIK_API void add_transpose(double* P, std::size_t point_count);
-
 }  // namespace ovik

@@ -5,6 +5,7 @@
 
 #include "stats/point_columns.h"
 #include "util/malloc_array.h"
+#include "util/ordered_sum.h"
 #include "util/parallel.h"
 
 namespace ovik {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "stats/add_transpose.h"
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_forces.h"

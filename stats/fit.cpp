@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "stats/centring.h"
 #include "stats/gradient_descent.h"
 #include "stats/method.h"
 #include "stats/normal_deviates.h"

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "neighbours/neighbour_graph.h"
-#include "stats/centring.h"
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
 #include "stats/fit_state.h"
+#include "stats/input_scale.h"
 #include "stats/run_times.h"
 #include "util/api.h"
 #include "util/matrix_view.h"

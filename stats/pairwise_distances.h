@@ -2,8 +2,6 @@
 
 #include <cstddef>
 
-#include "util/api.h"
-
 namespace ovik {
 
 struct Metric;
@@ -12,10 +10,10 @@ struct Metric;
 ///
 /// @param points     row-major, point_count x dims
 /// @param distances  row-major, point_count x point_count; symmetric, the diagonal 0.0
-OVIK_API void squared_distance_matrix(const double* points,
-                                      std::size_t point_count,
-                                      std::size_t dims,
-                                      double* distances);
+void squared_distance_matrix(const double* points,
+                             std::size_t point_count,
+                             std::size_t dims,
+                             double* distances);
 
 /// The same under any metric.
 ///

@@ -14,6 +14,7 @@
 #include "neighbours/neighbour_index.h"
 #include "stats/bandwidth_search.h"
 #include "stats/cached_neighbours.h"
+#include "util/malloc_array.h"
 #include "util/parallel.h"
 
 namespace ovik {

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "util/malloc_array.h"
+#include "util/malloc_pointer.h"
 
 /// Sparse similarity matrices in compressed-row form, with N rows.
 

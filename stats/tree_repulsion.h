@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "neighbours/sptree.h"
+#include "neighbours/partwise_sptree.h"
 #include "stats/repulsion.h"
 
 namespace ovik {
@@ -20,9 +20,6 @@ class TreeRepulsion : public Repulsion {
         : tree_(static_cast<unsigned int>(dims), static_cast<unsigned int>(N)),
           theta_(theta) {}
 
-    /// Of the embeddings to come.
-    void setTheta(double theta) { theta_ = theta; }
-
     std::size_t prepare(const double* Y) override { return tree_.prepareRebuild(Y); }
 
     void preparePart(std::size_t part) override { tree_.rebuildPart(part); }
@@ -34,7 +31,7 @@ class TreeRepulsion : public Repulsion {
     }
 
   private:
-    SPTree tree_;
+    PartwiseSPTree tree_;
     double theta_;
 };
 

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "stats/barnes_hut_forces.h"
+#include "stats/barnes_hut_gradient.h"
 #include "stats/centring.h"
 #include "stats/dense_affinities.h"
 #include "stats/exact_forces.h"

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "util/api.h"
-
 namespace ovik {
 
 /// What the vector kernels are built for, each a superset of the one before. All of them compute
@@ -40,13 +38,13 @@ constexpr InstructionSet kInstructionSets[] = {OVIK_INSTRUCTION_SETS(OVIK_ENUMER
 #undef OVIK_ENUMERATOR
 
 /// The best of this build that the processor has.
-OVIK_API InstructionSet best_instruction_set();
+InstructionSet best_instruction_set();
 
 /// The instruction set that the kernels use: the best of this build that the processor has and that
 /// is allowed.
-OVIK_API InstructionSet instruction_set();
+InstructionSet instruction_set();
 
 /// Allows no instruction set beyond `best`, for tests. Not while another thread computes.
-OVIK_API void limit_instruction_set(InstructionSet best);
+void limit_instruction_set(InstructionSet best);
 
 }  // namespace ovik

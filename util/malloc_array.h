@@ -3,22 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
-#include <new>
 
-#include "util/api.h"
+#include "util/malloc_pointer.h"
+#include "util/work_memory_error.h"
 
 /// Work arrays from `malloc` and `calloc`, and the one way in which running out of them fails.
 
 namespace ovik {
-
-struct FreeDeleter {
-    void operator()(void* block) const noexcept { std::free(block); }
-};
-
-/// An array from `malloc` or `calloc`, released with `free`.
-template <typename T>
-using MallocArray = std::unique_ptr<T[], FreeDeleter>;
 
 /// Most elements of T that an array can have: their bytes, and differences of pointers, have to
 /// fit.
@@ -42,13 +33,6 @@ template <typename T>
     }
     return MallocArray<T>(static_cast<T*>(std::calloc(count == 0 ? 1 : count, sizeof(T))));
 }
-
-/// A work array that does not fit in memory. The members of `TSNE` turn it into the message
-/// "Memory allocation failed!" and the end of the process; other callers get the exception.
-class OVIK_API WorkMemoryError : public std::bad_alloc {
-  public:
-    [[nodiscard]] const char* what() const noexcept override;
-};
 
 /// @throws WorkMemoryError if one of the arrays is null
 template <typename... Arrays>

@@ -6,19 +6,24 @@
 
 namespace ovik {
 
-/// A row-major matrix, rows x columns, that is owned elsewhere.
+/// A matrix that is owned elsewhere, row-major, `rows` x `columns`: row n lies in the places from
+/// n * columns. A `MatrixView<const double>` is one whose values are only read.
 template <typename T>
 struct MatrixView {
     T* values = nullptr;
     std::size_t rows = 0;
     std::size_t columns = 0;
 
-    [[nodiscard]] std::size_t size() const { return rows * columns; }
+    /// How many values there are in all.
+    [[nodiscard]] constexpr std::size_t size() const { return rows * columns; }
 
-    [[nodiscard]] std::span<T> row(std::size_t n) const { return {values + n * columns, columns}; }
+    /// The `columns` values of row n, which is below `rows`.
+    [[nodiscard]] constexpr std::span<T> row(std::size_t n) const {
+        return {values + n * columns, columns};
+    }
 
     /// All values, row after row.
-    [[nodiscard]] std::span<T> all() const { return {values, size()}; }
+    [[nodiscard]] constexpr std::span<T> all() const { return {values, size()}; }
 
     /// The same matrix, to be read only.
     // NOLINTNEXTLINE(google-explicit-constructor): as pointers convert

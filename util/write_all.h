@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cerrno>
+#include <cstddef>
 #include <string_view>
 #include <unistd.h>
 
@@ -10,11 +12,12 @@ namespace ovik {
 /// @return false if that fails; `errno` has the reason
 inline bool write_all(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t taken = TEMP_FAILURE_RETRY(write(descriptor, bytes.data(), bytes.size()));
-        if (taken < 0) {
+        const ssize_t taken = write(descriptor, bytes.data(), bytes.size());
+        if (taken >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(taken));
+        } else if (errno != EINTR) {
             return false;
         }
-        bytes.remove_prefix(static_cast<std::size_t>(taken));
     }
     return true;
 }

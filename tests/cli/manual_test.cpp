@@ -83,7 +83,7 @@ TEST_F(Manual, BashCompletesValuesAndFiles) {
 TEST_F(Manual, OwnLinesHaveNoColours) {
     // In a terminal as well.
     const CommandOutcome outcome =
-        test::run_command({"script",
+        test::run_command({"/usr/bin/script",
                            "-qec",
                            OVIK_TSNE_COMMAND " --gene CDC28; " OVIK_TSNE_COMMAND " nowhere",
                            "/dev/null"});

@@ -1,5 +1,3 @@
-#include "neighbours/sptree.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -8,6 +6,8 @@
 #include <limits>
 #include <omp.h>
 #include <vector>
+
+#include "neighbours/partwise_sptree.h"
 
 #include "tests/fuzz/support/points.h"
 #include "tests/fuzz/support/require.h"
@@ -60,7 +60,7 @@ Repulsion one_by_one(const SPTree& tree, const test::PointsInput& points, double
 }
 
 /// @param batch  points at a time, at least 1
-Repulsion together(const SPTree& tree,
+Repulsion together(const PartwiseSPTree& tree,
                    const test::PointsInput& points,
                    double theta,
                    std::size_t batch) {
@@ -112,7 +112,7 @@ void check_points(const test::PointsInput& points) {
     const auto dims = static_cast<unsigned int>(points.dims);
     const auto count = static_cast<unsigned int>(points.count());
     const Repulsion expected = plain_repulsion(points, theta);
-    SPTree tree(dims, points.values.data(), count);
+    PartwiseSPTree tree(dims, points.values.data(), count);
     OVIK_REQUIRE(one_by_one(tree, points, theta) == expected);
     for (const InstructionSet instructions : test::available_instruction_sets()) {
         const test::InstructionLimit limit(instructions);

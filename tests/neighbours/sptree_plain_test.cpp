@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "neighbours/sptree.h"
+#include "neighbours/partwise_sptree.h"
 #include "util/parallel.h"
 
 #include "tests/plain/plain_sptree.h"
@@ -54,7 +54,7 @@ Bits one_by_one(const SPTree& tree, std::size_t N, std::size_t dims, double thet
 }
 
 /// In shares that do not fit the lanes, so that batches begin anywhere.
-Bits together(const SPTree& tree, std::size_t N, std::size_t dims, double theta) {
+Bits together(const PartwiseSPTree& tree, std::size_t N, std::size_t dims, double theta) {
     std::vector<double> forces(N * dims, -7.0);
     std::vector<double> shares(N, -7.0);
     constexpr std::size_t kShare = 37;
@@ -71,7 +71,7 @@ void expect_plain(const std::vector<double>& data, std::size_t dims) {
         const Bits expected = plain_repulsion(data, dims, theta);
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount scope(threads);
-            const SPTree tree(
+            const PartwiseSPTree tree(
                 static_cast<unsigned int>(dims), data.data(), static_cast<unsigned int>(N));
             ASSERT_EQ(one_by_one(tree, N, dims, theta), expected)
                 << dims << " dimensions, theta " << theta << ", " << threads << " threads";
@@ -142,7 +142,7 @@ TEST(PlainSPTree, HasTheSameForcesOnEveryNumberOfPointsThatFillsLanesInPart) {
     for (std::size_t N = 1; N <= 67; ++N) {
         for (const std::size_t dims : {std::size_t{2}, std::size_t{3}}) {
             const std::vector<double> data = test::random_values(N * dims, 56);
-            const SPTree tree(
+            const PartwiseSPTree tree(
                 static_cast<unsigned int>(dims), data.data(), static_cast<unsigned int>(N));
             for (const InstructionSet instructions : test::kInstructionSets) {
                 const test::InstructionLimit limit(instructions);
@@ -159,7 +159,7 @@ TEST(PlainSPTree, HasTheSameForcesOnPointsEnoughForEveryThread) {
     const Bits expected = plain_repulsion(data, 2, 1.0);
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
-        const SPTree tree(2, data.data(), kCount);
+        const PartwiseSPTree tree(2, data.data(), kCount);
         EXPECT_EQ(together(tree, kCount, 2, 1.0), expected) << threads << " threads";
     }
 }
@@ -175,7 +175,7 @@ RC_GTEST_PROP(PlainSPTree, HasTheSameForcesOnAnyPoints, ()) {
         data[i] = std::ldexp(static_cast<double>(grid[i]), scale[i]);
     }
     const auto theta = static_cast<double>(*rc::gen::inRange(0, 12)) / 10.0;
-    const SPTree tree(
+    const PartwiseSPTree tree(
         static_cast<unsigned int>(dims), data.data(), static_cast<unsigned int>(count));
     const Bits expected = plain_repulsion(data, dims, theta);
     RC_ASSERT(one_by_one(tree, count, dims, theta) == expected);
@@ -188,7 +188,7 @@ RC_GTEST_PROP(PlainSPTree, HasTheSameForcesOnAnyPoints, ()) {
 TEST(SPTreeRebuild, GivesTheTreeOfTheNewPoints) {
     const std::vector<double> before = test::random_values(2 * 700, 57, 1e5);
     const std::vector<double> after = test::random_values(2 * 700, 58);
-    SPTree tree(2, before.data(), 700);
+    PartwiseSPTree tree(2, before.data(), 700);
     tree.rebuild(after.data());
     EXPECT_EQ(together(tree, 700, 2, 0.5), plain_repulsion(after, 2, 0.5));
     tree.rebuild(before.data());

@@ -10,6 +10,10 @@
 #include <ovik/util/input_error.h>
 #include <vector>
 
+#if __has_include(<ovik/util/whole_file.h>) || __has_include("stats/tsne.h")
+    #error "More can be included than the public headers as <ovik/...>"
+#endif
+
 namespace {
 
 bool steps_work() {

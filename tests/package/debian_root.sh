@@ -76,7 +76,7 @@ echo "Linking programs"
 inside cmake -S /trial/consumers/find_package -B /trial/shared >>"$root.log"
 inside cmake --build /trial/shared >>"$root.log"
 inside /trial/shared/consumer
-inside ldd /trial/shared/consumer | grep 'libovik\.so\.0 => /'
+inside ldd /trial/shared/consumer | grep 'libovik\.so\.1 => /'
 inside cmake -S /trial/consumers/find_package -B /trial/static -DLINKED=ovik::static >>"$root.log"
 inside cmake --build /trial/static >>"$root.log"
 inside /trial/static/consumer

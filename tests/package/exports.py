@@ -1,41 +1,55 @@
 #!/usr/bin/env python3
-"""Holds what a shared library exports to a list of names.
+"""Holds what a shared library exports to what the public headers mark.
 
-usage: exports.py --nm NM LIBRARY LIST
+usage: exports.py [--nm NM] LIBRARY PROJECT
 
-The list has a qualified name a line, without the arguments of templates and functions. Names of
-types stand for vtable and typeinfo.
+Names are compared without the arguments of templates and functions. Names of types stand for vtable
+and typeinfo.
 """
 import argparse
+import pathlib
 import re
 import subprocess
 import sys
+
+import public_interface
 
 
 def qualified_name(symbol):
     """`double ovik::Class<int>::function(char) const` is `ovik::Class::function`."""
     symbol = re.sub(r"@@\w+$|\[abi:\w+\]", "", symbol)
-    symbol = re.sub(r"^(vtable|typeinfo name|typeinfo) for ", "", symbol)
+    symbol = re.sub(r"^(vtable|typeinfo name|typeinfo|TLS \w+ function) for ", "", symbol)
     arguments = 1
     while arguments > 0:
         symbol, arguments = re.subn(r"<[^<>]*>", "", symbol)
     return symbol.split("(")[0].split(" ")[-1]
 
 
-parser = argparse.ArgumentParser()
-parser.add_argument("--nm", default="nm")
-parser.add_argument("library")
-parser.add_argument("list")
-options = parser.parse_args()
+def exported_names(nm, library):
+    command = [nm, "--dynamic", "--defined-only", "--demangle", library]
+    lines = subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
+    symbols = [line.split(" ", 2) for line in lines]
+    # Absolute symbols are the versions.
+    return {qualified_name(name) for _, kind, name in symbols if kind != "A"}
 
-command = [options.nm, "--dynamic", "--defined-only", "--demangle", options.library]
-lines = subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
-symbols = [line.split(" ", 2) for line in lines]
-# Absolute symbols are the versions.
-exported = {qualified_name(name) for _, kind, name in symbols if kind != "A"}
-with open(options.list, encoding="utf-8") as file:
-    listed = {line.strip() for line in file if line.strip() and not line.startswith("#")}
 
-failures = [f"exported, though not in the list: {name}" for name in sorted(exported - listed)]
-failures += [f"in the list, but not exported: {name}" for name in sorted(listed - exported)]
-sys.exit("\n".join(failures) if failures else 0)
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--nm", default="nm")
+    parser.add_argument("library")
+    parser.add_argument("project", type=pathlib.Path)
+    options = parser.parse_args()
+    misplaced = public_interface.misplaced(options.project)
+    if misplaced:
+        sys.exit("\n".join(misplaced))
+    exported = exported_names(options.nm, options.library)
+    marked = public_interface.public_names(options.project)
+    failures = [f"exported, but not marked in a public header: {name}"
+                 for name in sorted(exported - marked)]
+    failures += [f"marked in a public header, but not exported: {name}"
+                 for name in sorted(marked - exported)]
+    sys.exit("\n".join(failures) if failures else 0)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,13 +1,15 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "stats/barnes_hut_forces.h"
+#include "stats/sparse_forces.h"
+#include "stats/tree_repulsion.h"
 
 #include "tests/support/engine_run.h"
 #include "tests/support/random_points.h"
@@ -45,7 +47,7 @@ TEST(AllocationCount, SeesAllocations) {
     EXPECT_EQ(some[99], 0.0);
 }
 
-TEST(BarnesHutForces, AllocateNothingAfterTheFirstEmbedding) {
+TEST(SparseForces, AllocateNothingAfterTheFirstEmbedding) {
     constexpr std::size_t kCount = 40000;
     std::vector<unsigned int> row_P;
     std::vector<unsigned int> col_P;
@@ -61,13 +63,13 @@ TEST(BarnesHutForces, AllocateNothingAfterTheFirstEmbedding) {
     other[7] = 1e9;
     other[8] = 1.0 + 1e-15;
     std::vector<double> dY(2 * kCount);
-    BarnesHutForces forces(kCount, 2);
-    double cost = forces.costAndGradient(P, Y.data(), 0.5, dY.data());
+    SparseForces forces(kCount, 2, std::make_unique<TreeRepulsion>(kCount, 2, 0.5));
+    double cost = forces.costAndGradient(P, Y.data(), dY.data());
     const long before = allocations;
     for (int i = 0; i < 10; ++i) {
-        cost += forces.costAndGradient(P, i % 2 == 0 ? other.data() : Y.data(), 0.5, dY.data());
-        forces.gradient(P, Y.data(), 0.5, dY.data());
-        cost += forces.cost(P, Y.data(), 0.5);
+        cost += forces.costAndGradient(P, i % 2 == 0 ? other.data() : Y.data(), dY.data());
+        forces.gradient(P, Y.data(), dY.data());
+        cost += forces.cost(P, Y.data());
     }
     EXPECT_EQ(allocations, before);
     EXPECT_GT(cost, 0.0);

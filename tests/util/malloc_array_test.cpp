@@ -37,11 +37,5 @@ TEST(RequireAllocated, GoesOnWithAllArrays) {
     EXPECT_NO_THROW(require_allocated(malloc_array<double>(1), calloc_array<int>(2)));
 }
 
-TEST(WorkMemoryError, SaysWhatIsWrong) {
-    EXPECT_STREQ(WorkMemoryError().what(),
-                 "a work array does not fit in memory: fewer rows, fewer columns, a lower "
-                 "perplexity or a theta above 0 take less");
-}
-
 }  // namespace
 }  // namespace ovik

@@ -1,4 +1,4 @@
-#include "stats/barnes_hut_forces.h"
+#include "stats/barnes_hut_gradient.h"
 
 #include <cfloat>
 #include <cmath>
@@ -13,35 +13,14 @@
 #include "tests/plain/plain_sptree.h"
 #include "tests/support/instruction_sets.h"
 #include "tests/support/random_points.h"
+#include "tests/support/ring_matrix.h"
 #include "tests/support/threads.h"
 
 namespace ovik {
 namespace {
 
-/// A sparse matrix in which every point has its next three as neighbours, and its dense form.
-struct Ring {
-    explicit Ring(std::size_t N) : dense(N * N, 0.0), row_P{0} {
-        for (std::size_t n = 0; n < N; ++n) {
-            for (std::size_t step = 1; step <= 3; ++step) {
-                const std::size_t m = (n + step) % N;
-                const double p = 1.0 / static_cast<double>(N * 3 * step);
-                col_P.push_back(static_cast<unsigned int>(m));
-                val_P.push_back(p);
-                dense[n * N + m] = p;
-            }
-            row_P.push_back(static_cast<unsigned int>(col_P.size()));
-        }
-    }
-
-    [[nodiscard]] SparseMatrixView view() const {
-        return {row_P.data(), col_P.data(), val_P.data()};
-    }
-
-    std::vector<double> dense;
-    std::vector<unsigned int> row_P;
-    std::vector<unsigned int> col_P;
-    std::vector<double> val_P;
-};
+using test::Ring;
+using test::rows_of;
 
 std::vector<double> gradient(
     const Ring& ring, const std::vector<double>& Y, int N, int dims, double theta) {
@@ -145,45 +124,6 @@ TEST(BarnesHutCost, AddsTheGuardBehindTheDivision) {
     const double values[] = {1.0};
     EXPECT_EQ(barnes_hut_cost({rows, columns, values}, beyond, 3, 1, 0.5),
               std::log((1.0 + DBL_MIN) / DBL_MIN));
-}
-
-plain::SparseRows rows_of(const Ring& ring) {
-    plain::SparseRows rows(ring.row_P.size() - 1);
-    for (std::size_t n = 0; n < rows.size(); ++n) {
-        for (std::size_t i = ring.row_P[n]; i < ring.row_P[n + 1]; ++i) {
-            rows[n].emplace_back(ring.col_P[i], ring.val_P[i]);
-        }
-    }
-    return rows;
-}
-
-TEST(BarnesHutForces, EqualThePlainProgram) {
-    constexpr std::size_t kCount = 700;
-    const Ring ring(kCount);
-    const plain::SparseRows rows = rows_of(ring);
-    for (const std::size_t dims : {1U, 2U, 3U, 5U}) {
-        const std::vector<double> Y = test::random_values(dims * kCount, 33, 5.0);
-        const std::vector<double> expected = plain::barnes_hut_gradient(rows, Y, dims, 0.5);
-        const double expected_cost = plain::barnes_hut_cost(rows, Y, dims, 0.5);
-        double first_cost = 0.0;
-        for (const int threads : test::kThreadCounts) {
-            const test::ThreadCount scope(threads);
-            for (const InstructionSet instructions : test::kInstructionSets) {
-                const test::InstructionLimit limit(instructions);
-                BarnesHutForces forces(kCount, dims);
-                std::vector<double> dY(Y.size());
-                forces.gradient(ring.view(), Y.data(), 0.5, dY.data());
-                EXPECT_EQ(dY, expected);
-                const double cost = forces.cost(ring.view(), Y.data(), 0.5);
-                EXPECT_NEAR(cost, expected_cost, 1e-13 * std::fabs(expected_cost));
-                first_cost = first_cost == 0.0 ? cost : first_cost;
-                EXPECT_EQ(cost, first_cost);
-                dY.assign(dY.size(), -7.0);
-                EXPECT_EQ(forces.costAndGradient(ring.view(), Y.data(), 0.5, dY.data()), cost);
-                EXPECT_EQ(dY, expected);
-            }
-        }
-    }
 }
 
 /// The cost of one entry of weight p between points at a squared distance, beside a third point

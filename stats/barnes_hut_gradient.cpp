@@ -1,0 +1,32 @@
+#include "stats/barnes_hut_gradient.h"
+
+#include <memory>
+
+#include "stats/sparse_forces.h"
+#include "stats/tree_repulsion.h"
+
+namespace ovik {
+
+namespace {
+
+SparseForces forces_of(std::size_t N, std::size_t dims, double theta) {
+    return {N, dims, std::make_unique<TreeRepulsion>(N, dims, theta)};
+}
+
+}  // namespace
+
+void barnes_hut_gradient(const SparseMatrixView& P,
+                         const double* Y,
+                         std::size_t N,
+                         std::size_t dims,
+                         double* gradient,
+                         double theta) {
+    forces_of(N, dims, theta).gradient(P, Y, gradient);
+}
+
+double barnes_hut_cost(
+    const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta) {
+    return forces_of(N, dims, theta).cost(P, Y);
+}
+
+}  // namespace ovik

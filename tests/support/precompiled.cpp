@@ -1,0 +1,1 @@
+// Compiled for the headers that its target precompiles for all tests.
