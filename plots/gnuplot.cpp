@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include "plots/component_pair.h"
@@ -197,9 +195,10 @@ void Gnuplot<T>::plotting(std::string base,
     figure.labels = labels.names;
     figure.panels = panels_of(*rows, point_count, axis_titles, labels);
     figure.bounds = drawn_bounds(bounds, figure.panels);
-    if (!write_whole_file(base + ".gp", gnuplot_script(figure, script_head, style_))) {
-        fail(base,
-             base + ".gp could not be written (" + std::generic_category().message(errno) + ")");
+    const std::string script = base + ".gp";
+    if (const auto failure =
+            write_whole_text(script, gnuplot_script(figure, script_head, style_))) {
+        fail(base, script + " could not be written (" + failure.message() + ")");
         return;
     }
     drawing_ = std::make_unique<FigureDrawing>(base);

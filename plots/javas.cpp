@@ -1,7 +1,6 @@
 #include "plots/javas.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <stdexcept>
 #include <utility>
 
@@ -108,10 +107,7 @@ void Javas<T>::plotting(std::string type,
     if (current_caption().has_table) {
         chart.rows = rows_of(base_name + ".csv", chart);
     }
-    failure_.clear();
-    if (!write_whole_file(base_name + ".html", chart_page(chart))) {
-        failure_.assign(errno, std::generic_category());
-    }
+    failure_ = write_whole_text(base_name + ".html", chart_page(chart));
 }
 
 template class Javas<float>;

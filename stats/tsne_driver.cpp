@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -8,10 +7,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "annotation/gene_func_map.h"
+#include "plots/figure_drawing.h"
 #include "plots/run_caption.h"
 #include "results/checkpoint.h"
 #include "results/checkpoint_keeper.h"
@@ -72,11 +71,6 @@ void report_progress(const IterationReport& reached) {
                     "",
                     T(),
                     0);
-}
-
-/// The reason that `errno` has, unless all went well.
-std::error_code failure_unless(bool done) {
-    return done ? std::error_code() : std::error_code(errno, std::generic_category());
 }
 
 /// A number as a reader writes it: 30, 12.75.
@@ -286,11 +280,12 @@ void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
                                       row_names.data() + first_row_name_,
                                       gene_func_map);
     const PlotColumns<T> columns(table.coordinates);
-    remove_left_over_entries(out_base);
-    table_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
-    table_failure_ = failure_unless(table_written_);
-    log_written_ = append_run_log(out_base, data_title, perplexity, stem);
-    log_failure_ = failure_unless(log_written_);
+    remove_left_over_files(out_base);
+    remove_left_over_drawings(out_base);
+    table_failure_ = write_result_table(out_base + "_" + stem + ".csv", table);
+    table_written_ = !table_failure_;
+    log_failure_ = append_run_log(out_base, data_title, perplexity, stem);
+    log_written_ = !log_failure_;
     if (draw_plots) {
         caption.has_table = table_written_;
         const CaptionScope scope(caption);

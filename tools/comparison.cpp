@@ -153,13 +153,12 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
         run.facts.insert(run.facts.end(), facts.begin(), facts.end());
         comparison.runs.push_back(std::move(run));
     }
-    if (write_whole_file(path, comparison_page(comparison))) {
-        print_info("Comparison: " + path);
-        return true;
+    if (const auto failure = write_whole_text(path, comparison_page(comparison))) {
+        complain("Comparison could not be written: " + path + " (" + failure.message() + ")");
+        return false;
     }
-    complain("Comparison could not be written: " + path + " (" +
-             std::generic_category().message(errno) + ")");
-    return false;
+    print_info("Comparison: " + path);
+    return true;
 }
 
 ExitStatus collect_reports(const Options& options) {

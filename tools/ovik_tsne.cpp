@@ -20,6 +20,7 @@
 #include "util/malloc_array.h"
 #include "util/stopwatch.h"
 #include "util/threads.h"
+#include "util/whole_file.h"
 
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
@@ -78,6 +79,9 @@ ExitStatus embed(RunReport report) {
     const std::string threads_note = set_thread_count(options.threads);
     if (!threads_note.empty()) {
         complain("note: " + threads_note);
+    }
+    if (!options.checkpoint.empty() && is_written_in_place(options.checkpoint)) {
+        tell_of_writing_in_place(options.checkpoint);
     }
     LoadedMatrix loaded = load_matrix(options);
     report.reading_seconds = watch.lap();

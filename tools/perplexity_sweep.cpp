@@ -161,7 +161,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
                             Stopwatch since_start) {
     const Options& options = report.options;
     if (!options.report_file.empty()) {
-        prepare_directory(std::filesystem::absolute(options.report_file).parent_path().string());
+        prepare_place(options.report_file);
     }
     settle_names(loaded.matrix.row_names, options.standard_names);
     describe_input(report, loaded);

@@ -1,10 +1,8 @@
 #include "tools/run_report.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <system_error>
 
 #include "util/console.h"
 #include "util/json_text.h"
@@ -143,13 +141,12 @@ std::string report_json(const RunReport& report) {
 
 bool write_report(const RunReport& report) {
     const std::string& path = report.options.report_file;
-    if (write_whole_file(path, report_json(report))) {
-        print_info("Report: " + path);
-        return true;
+    if (const auto failure = write_whole_text(path, report_json(report))) {
+        complain("Report could not be written: " + path + " (" + failure.message() + ")");
+        return false;
     }
-    complain("Report could not be written: " + path + " (" +
-             std::generic_category().message(errno) + ")");
-    return false;
+    print_info("Report: " + path);
+    return true;
 }
 
 }  // namespace ovik::tool

@@ -246,8 +246,8 @@ void check_plotting(Chart chart, const RunCaption& caption) {
         functions[names.back()] = chart.rows ? (*chart.rows)[n].function : "";
     }
     OVIK_REQUIRE(
-        write_result_table(kDirectory.file("page_plot.csv"),
-                           make_result_table<double>(Y.data(), N, 2, names.data(), functions)));
+        !write_result_table(kDirectory.file("page_plot.csv"),
+                            make_result_table<double>(Y.data(), N, 2, names.data(), functions)));
     int parameters[9] = {30, 180, 75, 120, 130, 90, -90, 0, 1};
     Javas<double> plot(kDirectory.prefix(), "page");
     plot.set_param(static_cast<int>(N), 2, nullptr);

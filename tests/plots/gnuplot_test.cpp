@@ -59,7 +59,7 @@ class Figure : public testing::Test {
             }
         }
         const std::string base = directory_.file(name);
-        EXPECT_TRUE(write_result_table(base + ".csv", rows));
+        EXPECT_EQ(write_result_table(base + ".csv", rows), std::error_code());
         return base;
     }
 

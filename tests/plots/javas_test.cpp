@@ -78,7 +78,8 @@ class ChartPage : public testing::Test {
                     const std::vector<std::string>& groups,
                     const std::vector<std::string>& functions) {
         const ResultTable<double> table{coordinates, names, groups, functions};
-        ASSERT_TRUE(write_result_table(directory_.file("yeast_tsne_30_0.csv"), table));
+        ASSERT_EQ(write_result_table(directory_.file("yeast_tsne_30_0.csv"), table),
+                  std::error_code());
     }
 
     test::TemporaryDirectory directory_;

@@ -74,7 +74,7 @@ RC_GTEST_PROP(ParseResultRow, GivesBackWhatWasWritten, (std::string name, double
     table.names = {name};
     table.groups = {"Group:2:3"};
     table.functions = {"Enzyme, of \"some\" kind"};
-    RC_ASSERT(write_result_table(directory.file("t.csv"), table));
+    RC_ASSERT(!write_result_table(directory.file("t.csv"), table));
     const auto rows = read_result_rows(directory.file("t.csv"));
     RC_ASSERT(rows.has_value() && rows->size() == 1U);
     RC_ASSERT(rows->front().name == name);
