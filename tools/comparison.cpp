@@ -44,7 +44,7 @@ Facts input_facts(const ComparisonEntry& entry) {
 Facts run_facts(const RunRecord& run) {
     Facts facts{{"Last iteration", std::to_string(run.iteration)},
                 {"Cost", with_decimals(run.final_cost, 4)}};
-    for (const NeighbourhoodQuality& quality : run.quality) {
+    for (const RecordedQuality& quality : run.quality) {
         facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
                            "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
                                with_decimals(100.0 * quality.preservation, 1) + " % kept");

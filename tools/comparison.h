@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "results/run_record.h"
+
 #include "tools/exit_status.h"
 #include "tools/options.h"
-#include "tools/run_record.h"
 
 namespace ovik::tool {
 

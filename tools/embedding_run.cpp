@@ -160,7 +160,8 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
                  options.stop_lying_iter,
                  options.mom_switch_iter);
     record.final_cost = tsne.finalCost();
-    record.seconds = tsne.times();
+    const RunTimes& times = tsne.times();
+    record.seconds = {times.similarities, times.fitting, times.results};
     if (options.quality) {
         record.quality = report_map_quality(tsne, options.dims);
     }

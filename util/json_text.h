@@ -30,6 +30,9 @@ std::string json_list(const std::vector<std::string>& elements);
 /// @param members  names, which need no escapes, and values as JSON
 std::string json_object(std::initializer_list<std::pair<std::string_view, std::string>> members);
 
+/// The same for members in a list of their own.
+std::string json_object(const std::vector<std::pair<std::string, std::string>>& members);
+
 /// A list of values that `json_text` takes.
 template <typename Iterator>
 std::string json_list_of(Iterator first, Iterator last) {
