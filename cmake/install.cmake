@@ -14,7 +14,7 @@ set(ovik_headers
   plots/gnuplot.h
   plots/javas.h
   plots/plot_outcome.h
-  plots/run_caption.h
+  plots/plotted_run.h
   stats/barnes_hut_forces.h
   stats/centring.h
   results/coordinate_files.h

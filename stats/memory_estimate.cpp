@@ -50,7 +50,7 @@ MemoryEstimate estimate_memory(const RunSize& size) {
         estimate.similarities = lasting + 12.0 * entries + std::max(searching, symmetrizing);
         estimate.fitting += 12.0 * symmetric + 157.0 * N + 44.0 * N * d;
     }
-    estimate.results = lasting + (size.has_plots ? 500.0 * table_rows + 240.0 * N
+    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N
                                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;
 }

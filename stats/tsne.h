@@ -18,7 +18,6 @@ namespace ovik {
 class CheckpointKeeper;
 class CachedNeighbours;
 class Optimisation;
-struct RunCaption;
 struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
@@ -266,7 +265,9 @@ class TSNE {
         int mom_switch_iter,
         const IterationReport& reached) const;
     void forgetResults();
-    void writeResults(int no_dims, RunCaption caption);
+    void writeResults(int no_dims,
+                      const std::vector<std::pair<std::string, std::string>>& parameters,
+                      const std::vector<std::string>& labels);
 
     /// Where the names of the current rows begin in `row_names`.
     std::size_t first_row_name_ = 0;

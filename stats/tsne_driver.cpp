@@ -11,7 +11,8 @@
 
 #include "annotation/gene_func_map.h"
 #include "plots/figure_drawing.h"
-#include "plots/run_caption.h"
+#include "plots/plot_columns.h"
+#include "plots/plot_hand_off.h"
 #include "results/checkpoint.h"
 #include "results/checkpoint_keeper.h"
 #include "results/result_table.h"
@@ -22,8 +23,6 @@
 #include "stats/gradient_descent.h"
 #include "stats/normal_deviates.h"
 #include "stats/optimisation.h"
-#include "stats/plot_columns.h"
-#include "stats/plot_hand_off.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -188,10 +187,8 @@ void TSNE<T>::actuate(int no_dims,
                       int mom_switch_iter) {
     const IterationReport reached = embed(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     Stopwatch watch;
-    writeResults(no_dims,
-                 {data_title,
-                  captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached),
-                  std::move(labels)});
+    writeResults(
+        no_dims, captionParameters(no_dims, stop_lying_iter, mom_switch_iter, reached), labels);
     times_.results = watch.lap();
 }
 
@@ -272,7 +269,9 @@ void TSNE<T>::forgetResults() {
 
 /// Writes the result table, then the record in the run log, then draws the plots.
 template <typename T>
-void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
+void TSNE<T>::writeResults(int no_dims,
+                           const std::vector<std::pair<std::string, std::string>>& parameters,
+                           const std::vector<std::string>& labels) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
     auto table = make_result_table<T>(Y,
                                       static_cast<std::size_t>(N),
@@ -287,12 +286,17 @@ void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
     log_failure_ = append_run_log(out_base, data_title, perplexity, stem);
     log_written_ = !log_failure_;
     if (draw_plots) {
-        caption.has_table = table_written_;
-        const CaptionScope scope(caption);
+        PlottedRun<T> run;
+        run.title = data_title;
+        run.parameters = parameters;
+        run.labels = labels;
+        run.names = table.names;
+        run.groups = table.groups;
+        run.functions = table.functions;
         plots_ = hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
                                   std::move(table.coordinates),
                                   columns,
-                                  caption.labels);
+                                  run);
     }
 }
 

@@ -145,12 +145,16 @@ TEST_P(OccupiedPlace, IsReportedWithItsReasonAndCostsNothingElse) {
     EXPECT_THAT(outcome.err, HasSubstr(place));
     EXPECT_THAT(outcome.err, HasSubstr("Is a directory"));
     EXPECT_TRUE(std::filesystem::is_directory(place + "/occupied"));
-    const std::string extension = std::filesystem::path(place).extension();
-    // The page takes names from the table, the figure all it shows, and the script draws it.
+    // The script that is not there cannot be drawn; a picture comes without the other one or not
+    // at all.
     for (const auto& [name, content] : files_in(results_)) {
-        if (name != GetParam().file && (extension != ".csv" || name.ends_with(".log"))) {
+        if (name != GetParam().file) {
             EXPECT_EQ(content, expected().at(name)) << name;
         }
+    }
+    const std::string extension = std::filesystem::path(place).extension();
+    if (extension == ".csv" || extension == ".log" || extension == ".html") {
+        EXPECT_EQ(files_in(results_).size(), expected().size());
     }
 }
 
@@ -201,16 +205,37 @@ TEST_F(OutputFaults, ARecordThatDoesNotFitLeavesTheLogAsItWas) {
     EXPECT_EQ(files_in(results_).at("m_tsne_20_0.csv"), expected().at("m_tsne_20_0.csv"));
 }
 
-TEST_F(OutputFaults, TheFigureIsNotDrawnFromTheTableOfAnEarlierRun) {
+TEST_F(OutputFaults, PlotsShowTheirOwnRunWhereATableOfAnEarlierOneStays) {
     ASSERT_EQ(shell("$run").exit_status, kSuccess);
     const Files earlier = files_in(results_);
-    // There is room for a log record, but not for this table.
+    ASSERT_EQ(shell("$0 $1 -i 5 -p 20 -o $2.whole", 700).exit_status, kSuccess);
+    const Files whole = files_in(results_ + ".whole");
+    // The table of this run cannot take its place: an earlier one stays in it.
+    std::filesystem::remove(base_ + ".csv");
+    std::filesystem::create_directory(base_ + ".csv");
+    directory_.write("results/m_tsne_20_0.csv/earlier", earlier.at("m_tsne_20_0.csv"));
+    const CommandOutcome outcome = shell("$run --quiet", 700);
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_EQ(outcome.err,
+              "ovik-tsne: Result table could not be written: " + base_ + ".csv (Is a directory)\n");
+    const Files later = files_in(results_);
+    for (const char* extension : {".html", ".gp", ".png", ".svg"}) {
+        const std::string name = std::string("m_tsne_20_0") + extension;
+        EXPECT_EQ(later.at(name), whole.at(name)) << name;
+        EXPECT_NE(later.at(name), earlier.at(name)) << name;
+    }
+    EXPECT_EQ(later.size(), earlier.size());
+}
+
+TEST_F(OutputFaults, WhatOutgrowsALimitLeavesEarlierResults) {
+    ASSERT_EQ(shell("$run").exit_status, kSuccess);
+    const Files earlier = files_in(results_);
+    // There is room for a log record, but not for this table, nor for plots.
     const CommandOutcome outcome = shell("ulimit -f 8; $run --quiet", 700);
     EXPECT_EQ(outcome.exit_status, kFailedRun);
     EXPECT_THAT(outcome.err,
-                HasSubstr("Figure " + base_ +
-                          ".png was not drawn: the result table of this run could not be "
-                          "written.\n"));
+                HasSubstr("Figure " + base_ + ".png was not drawn: " + base_ +
+                          ".gp could not be written (File too large).\n"));
     EXPECT_THAT(
         outcome.err,
         HasSubstr("Result table could not be written: " + base_ + ".csv (File too large)\n"));
