@@ -6,18 +6,12 @@
 #include "plots/component_pair.h"
 #include "plots/html_text.h"
 #include "plots/page_template.h"
-#include "plots/run_caption.h"
 #include "util/json_text.h"
 #include "util/plain_text.h"
 
 namespace ovik {
 
 namespace {
-
-/// Points: the rows of the first pair of components, or all of them without a table.
-std::size_t point_count_of(const Chart& chart) {
-    return chart.rows && !chart.rows->empty() ? rows_per_pair(*chart.rows) : chart.x.size();
-}
 
 std::string json_slice(const std::vector<double>& values, std::size_t first, std::size_t count) {
     const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
@@ -29,7 +23,7 @@ std::string json_pairs(const Chart& chart, std::size_t point_count) {
     std::vector<std::string> pairs;
     for (std::size_t first = 0; first < chart.x.size(); first += point_count) {
         const std::size_t count = std::min(point_count, chart.x.size() - first);
-        const std::string group = chart.rows ? (*chart.rows)[first].group : "";
+        const std::string group = chart.groups.empty() ? "" : chart.groups[first];
         const bool is_first = first == 0;
         const auto title = [&](std::size_t which, const std::string& given) {
             return is_first ? given : component_title(group, which, given);
@@ -43,15 +37,10 @@ std::string json_pairs(const Chart& chart, std::size_t point_count) {
     return json_list(pairs);
 }
 
-/// One text per point, taken from the rows of the first group.
-std::string json_column(const Chart& chart,
-                        std::size_t point_count,
-                        std::string ResultRow::*column) {
-    std::vector<std::string> texts;
-    for (std::size_t n = 0; chart.rows && n < point_count; ++n) {
-        texts.push_back(json_text((*chart.rows)[n].*column));
-    }
-    return json_list(texts);
+/// One text per point: those of the first group.
+std::string json_column(std::span<const std::string> texts, std::size_t point_count) {
+    const auto of_points = texts.first(std::min(point_count, texts.size()));
+    return json_list_of(of_points.begin(), of_points.end());
 }
 
 /// Labels are given per point, or per row of the table: then those of the first group count.
@@ -63,9 +52,9 @@ std::string json_labels(const Chart& chart, std::size_t point_count) {
     return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(point_count));
 }
 
-std::string json_parameters() {
+std::string json_parameters(const Chart& chart) {
     std::vector<std::string> parameters;
-    for (const auto& [name, value] : current_caption().parameters) {
+    for (const auto& [name, value] : chart.parameters) {
         parameters.push_back(json_list({json_text(name), json_text(value)}));
     }
     return json_list(parameters);
@@ -81,12 +70,12 @@ std::string json_layout(const ChartLayout& layout) {
 }
 
 std::string json_chart(const Chart& chart) {
-    const std::size_t point_count = point_count_of(chart);
+    const std::size_t point_count = rows_per_pair(chart.groups, chart.x.size());
     return json_object({{"type", "\"scatter\""},
                         {"title", json_text(chart.title)},
                         {"name", json_text(chart.name)},
                         {"texts", json_list_of(chart.texts)},
-                        {"parameters", json_parameters()},
+                        {"parameters", json_parameters(chart)},
                         {"layout", json_layout(chart.layout)},
                         {"showLabels", json_text(chart.show_labels)},
                         {"colourScheme", json_text(chart.colour_scheme)},
@@ -95,8 +84,8 @@ std::string json_chart(const Chart& chart) {
                         {"links", json_list_of(chart.links)},
                         {"pointCount", json_text(point_count)},
                         {"pairs", json_pairs(chart, point_count)},
-                        {"names", json_column(chart, point_count, &ResultRow::name)},
-                        {"functions", json_column(chart, point_count, &ResultRow::function)},
+                        {"names", json_column(chart.names, point_count)},
+                        {"functions", json_column(chart.functions, point_count)},
                         {"labels", json_labels(chart, point_count)}});
 }
 

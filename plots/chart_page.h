@@ -1,10 +1,9 @@
 #pragma once
 
-#include <optional>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include "results/result_rows.h"
 
 namespace ovik {
 
@@ -32,6 +31,8 @@ struct Chart {
     std::string y_title;
     /// Shown under the title where not empty.
     std::vector<std::string> texts;
+    /// Names and values of the run's parameters.
+    std::span<const std::pair<std::string, std::string>> parameters;
     ChartLayout layout;
     /// Whether labels stand beside the points.
     bool show_labels = false;
@@ -48,9 +49,12 @@ struct Chart {
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;
-    /// Names, groups and functions of the rows, as many as there are coordinates; nothing if they
-    /// are not known. The rows of one group follow one another, point by point, group by group.
-    std::optional<std::vector<ResultRow>> rows;
+    // Texts of the rows, as many of each as there are coordinates, or none. The rows of one group
+    // follow one another, point by point, group by group. The owner of the texts outlives the
+    // chart.
+    std::span<const std::string> names;
+    std::span<const std::string> groups;
+    std::span<const std::string> functions;
 };
 
 /// The chart as a page of its own, which needs nothing but itself. The same chart gives the same

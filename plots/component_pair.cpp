@@ -4,11 +4,14 @@
 
 namespace ovik {
 
-std::size_t rows_per_pair(const std::vector<ResultRow>& rows) {
-    const auto other = std::find_if(rows.begin(), rows.end(), [&rows](const ResultRow& row) {
-        return row.group != rows.front().group;
+std::size_t rows_per_pair(std::span<const std::string> groups, std::size_t row_count) {
+    if (groups.empty()) {
+        return row_count;
+    }
+    const auto other = std::find_if(groups.begin(), groups.end(), [&groups](const auto& group) {
+        return group != groups.front();
     });
-    return static_cast<std::size_t>(other - rows.begin());
+    return static_cast<std::size_t>(other - groups.begin());
 }
 
 std::string component_title(const std::string& group,

@@ -1,15 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
-#include <vector>
-
-#include "results/result_rows.h"
 
 namespace ovik {
 
-/// Rows per pair of components: as many as share the group of the first row; 0 without rows.
-std::size_t rows_per_pair(const std::vector<ResultRow>& rows);
+/// Rows per pair of components, which is the number of points: as many as share the group of the
+/// first row.
+///
+/// @param groups     one per row, or none: then all rows are of one pair
+/// @param row_count  rows of all pairs
+std::size_t rows_per_pair(std::span<const std::string> groups, std::size_t row_count);
 
 /// "Component 3" for the second component of "Group:1:3"; the fallback for a group that is no pair.
 ///

@@ -1,10 +1,8 @@
 #include "plots/cost_figure.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <system_error>
 
 #include "plots/figure_drawing.h"
 #include "plots/gnuplot_text.h"
@@ -72,10 +70,9 @@ std::string cost_figure_script(const std::string& stem, const CostCurve& curve) 
 
 FigureOutcome draw_cost_figure(const std::string& base, const CostCurve& curve) {
     const std::string stem = base.substr(base.rfind('/') + 1);
-    if (!write_whole_file(base + ".gp", cost_figure_script(stem, curve))) {
-        tell_missing_figure(
-            base,
-            base + ".gp could not be written (" + std::generic_category().message(errno) + ")");
+    const std::string script = base + ".gp";
+    if (const auto failure = write_whole_text(script, cost_figure_script(stem, curve))) {
+        tell_missing_figure(base, script + " could not be written (" + failure.message() + ")");
         return FigureOutcome::Failed;
     }
     return FigureDrawing(base).complete(kTimeLimit);

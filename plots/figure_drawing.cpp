@@ -2,19 +2,23 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "util/input_file.h"
 #include "util/plain_text.h"
+#include "util/whole_file.h"
 
 namespace ovik {
 
 namespace {
+
+/// In the directory of a drawing: what gnuplot says.
+constexpr const char* kMessages = "messages";
 
 std::string file_name_of(const std::string& path) {
     return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
@@ -53,17 +57,26 @@ bool ends_in(const std::string& path, const std::string& ending) {
     return tail.find(ending) != std::string::npos;
 }
 
-bool flush_to_disk(const std::string& path) {
-    const int descriptor =
-        static_cast<int>(TEMP_FAILURE_RETRY(::open(path.c_str(), O_RDONLY | O_CLOEXEC)));
-    if (descriptor < 0) {
-        return false;
+/// Copies a finished picture to its place as a whole file: links, permissions and other disks are
+/// seen to there.
+///
+/// @throws std::ios_base::failure if the picture cannot be read
+std::error_code place_picture(const std::string& picture, const std::string& place) {
+    constexpr std::streamsize kBlock = 65536;
+    std::ifstream from = open_input_file(picture);
+    if (!from.is_open()) {
+        throw_read_failure();
     }
-    const bool flushed = TEMP_FAILURE_RETRY(fsync(descriptor)) == 0;
-    const int reason = errno;
-    ::close(descriptor);
-    errno = reason;
-    return flushed;
+    WholeFile file(place);
+    if (file.isInPlace()) {
+        tell_of_writing_in_place(place);
+    }
+    std::vector<char> block(kBlock);
+    while (file.stream() != nullptr && from) {
+        from.read(block.data(), kBlock);
+        std::fwrite(block.data(), 1, static_cast<std::size_t>(from.gcount()), file.stream());
+    }
+    return file.commit();
 }
 
 }  // namespace
@@ -71,6 +84,14 @@ bool flush_to_disk(const std::string& path) {
 void tell_missing_figure(const std::string& base, const std::string& reason) {
     const std::string line = "Figure " + base + ".png was not drawn: " + reason;
     std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
+}
+
+void remove_left_over_drawings(const std::string& base) {
+    const std::string start = file_name_of(base) + "_";
+    remove_left_over_directories(base, [&start](std::string_view name) {
+        const bool is_picture = name.ends_with(".png") || name.ends_with(".svg");
+        return name == kMessages || (is_picture && name.starts_with(start));
+    });
 }
 
 FigureDrawing::FigureDrawing(std::string base)
@@ -85,7 +106,7 @@ FigureDrawing::FigureDrawing(std::string base)
         program_ = std::make_unique<ChildProcess>(
             std::vector<std::string>{"gnuplot", "-d", "../" + file_name_of(base_) + ".gp"},
             directory_.path(),
-            directory_.path() + "/messages");
+            directory_.path() + "/" + kMessages);
     } catch (const std::system_error& error) {
         lacks_program_ = error.code() == std::errc::no_such_file_or_directory &&
                          std::filesystem::exists(directory_.path());
@@ -115,25 +136,26 @@ std::string FigureDrawing::finish(std::chrono::milliseconds limit) {
     }
     if (*status != 0) {
         return "gnuplot ended with status " + std::to_string(*status) + ": " +
-               last_message(directory_.path() + "/messages");
+               last_message(directory_.path() + "/" + kMessages);
     }
-    // Both or none, as far as can be told beforehand.
-    for (const auto& [extension, ending] : {std::pair{".png", "IEND"}, {".svg", "</svg>"}}) {
-        try {
-            if (!ends_in(drawn(extension), ending)) {
+    std::string picture;
+    try {
+        // Both or none, as far as can be told beforehand.
+        for (const auto& [extension, ending] : {std::pair{".png", "IEND"}, {".svg", "</svg>"}}) {
+            picture = drawn(extension);
+            if (!ends_in(picture, ending)) {
                 return "gnuplot left no whole picture for " + base_ + extension +
                        " (the disk may be full)";
             }
-        } catch (const std::ios_base::failure& failure) {
-            return failure.code().message() + ": " + drawn(extension);
         }
-    }
-    for (const char* const extension : {".png", ".svg"}) {
-        const std::string place = base_ + extension;
-        if (!flush_to_disk(drawn(extension)) ||
-            TEMP_FAILURE_RETRY(std::rename(drawn(extension).c_str(), place.c_str())) != 0) {
-            return std::generic_category().message(errno) + ": " + place;
+        for (const char* const extension : {".png", ".svg"}) {
+            picture = drawn(extension);
+            if (const auto failure = place_picture(picture, base_ + extension)) {
+                return failure.message() + ": " + base_ + extension;
+            }
         }
+    } catch (const std::ios_base::failure& failure) {
+        return failure.code().message() + ": " + picture;
     }
     return "";
 }

@@ -14,6 +14,13 @@ namespace ovik {
 /// silenced.
 void tell_missing_figure(const std::string& base, const std::string& reason);
 
+/// Removes what killed runs left of their drawings: the directories in which gnuplot was at work
+/// beside a base, as far as they hold nothing but its messages and pictures whose names begin with
+/// that of the base and "_". See `remove_left_over_directories`.
+///
+/// @param base  path that the names of all figures of a run begin with
+void remove_left_over_drawings(const std::string& base);
+
 /// gnuplot at work on one script.
 ///
 /// The program runs in a directory of its own beside the script, so that unfinished pictures never

@@ -1,125 +1,16 @@
 #include "plots/gnuplot.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <charconv>
-#include <cmath>
-#include <limits>
-#include <map>
-#include <optional>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
-#include "plots/component_pair.h"
 #include "plots/figure_drawing.h"
 #include "plots/gnuplot_script.h"
-#include "plots/run_caption.h"
-#include "results/result_rows.h"
+#include "plots/run_figure.h"
+#include "plots/table_run.h"
 #include "util/whole_file.h"
 
 namespace ovik {
-
-namespace {
-
-/// The number of each point's label, in order of appearance.
-class LabelNumbers {
-  public:
-    LabelNumbers(const std::vector<std::string>& labels,
-                 std::size_t point_count,
-                 std::size_t row_count) {
-        // One per point, or one per row of the table.
-        if (labels.size() != point_count && labels.size() != row_count) {
-            return;
-        }
-        std::map<std::string, std::size_t> numbers;
-        for (const std::string& label : labels) {
-            const auto [entry, is_new] = numbers.emplace(label, names.size());
-            if (is_new) {
-                names.push_back(label);
-            }
-            numbers_.push_back(entry->second);
-        }
-    }
-
-    /// The label of a row; 0 without labels.
-    [[nodiscard]] std::size_t of(std::size_t row) const {
-        return numbers_.empty() ? 0 : numbers_[row % numbers_.size()];
-    }
-
-    std::vector<std::string> names;
-
-  private:
-    std::vector<std::size_t> numbers_;
-};
-
-std::vector<FigurePanel> panels_of(const std::vector<ResultRow>& rows,
-                                   std::size_t point_count,
-                                   const std::vector<std::string>& axis_titles,
-                                   const LabelNumbers& labels) {
-    std::vector<FigurePanel> panels;
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-        if (row % point_count == 0) {
-            FigurePanel panel;
-            // The titles as given are those of the first pair.
-            const std::string& group = panels.empty() ? "" : rows[row].group;
-            panel.x_title = component_title(group, 0, axis_titles[0]);
-            panel.y_title = component_title(group, 1, axis_titles[1]);
-            panel.points.resize(std::max<std::size_t>(labels.names.size(), 1));
-            panels.push_back(std::move(panel));
-        }
-        if (std::isfinite(rows[row].x) && std::isfinite(rows[row].y)) {
-            panels.back().points[labels.of(row)].push_back({rows[row].x, rows[row].y});
-        }
-    }
-    if (panels.empty()) {
-        panels.push_back({axis_titles[0], axis_titles[1], {}});
-    }
-    return panels;
-}
-
-/// The double of the same shortest decimal form: 0.85 for 0.85F.
-template <typename T>
-double as_written(T value) {
-    char text[32];
-    const auto written = std::to_chars(text, text + sizeof text, value);
-    double result = 0.0;
-    std::from_chars(text, written.ptr, result);
-    return result;
-}
-
-/// Grows bounds to hold a point.
-void include(std::array<double, 4>& bounds, const std::array<double, 2>& point) {
-    for (std::size_t d = 0; d < point.size(); ++d) {
-        bounds[2 * d] = std::min(bounds[2 * d], point[d]);
-        bounds[2 * d + 1] = std::max(bounds[2 * d + 1], point[d]);
-    }
-}
-
-/// What the panels are to show: the bounds as given, or, where they are not finite, those of the
-/// points that are.
-template <typename T>
-std::array<double, 4> drawn_bounds(const std::vector<T>& bounds,
-                                   const std::vector<FigurePanel>& panels) {
-    std::array<double, 4> result{};
-    std::transform(bounds.begin(), bounds.end(), result.begin(), &as_written<T>);
-    if (std::all_of(bounds.begin(), bounds.end(), [](T bound) { return std::isfinite(bound); })) {
-        return result;
-    }
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    result = {kInfinity, -kInfinity, kInfinity, -kInfinity};
-    for (const FigurePanel& panel : panels) {
-        for (const auto& points : panel.points) {
-            for (const auto& point : points) {
-                include(result, point);
-            }
-        }
-    }
-    return std::isfinite(result[0]) ? result : std::array<double, 4>{};
-}
-
-}  // namespace
 
 template <typename T>
 Gnuplot<T>::Gnuplot() = default;
@@ -158,6 +49,11 @@ void Gnuplot<T>::style(std::string& settings,
 }
 
 template <typename T>
+void Gnuplot<T>::setRun(const PlottedRun<T>& run) {
+    run_ = run;
+}
+
+template <typename T>
 // NOLINTNEXTLINE(readability-function-size): a published signature
 void Gnuplot<T>::plotting(std::string base,
                           std::string& /*settings*/,
@@ -180,26 +76,26 @@ void Gnuplot<T>::plotting(std::string base,
     // Ends an earlier drawing.
     close();
     is_open_ = true;
-    if (!current_caption().has_table) {
-        fail(base, "the result table of this run could not be written");
-        return;
-    }
-    const auto rows = read_result_rows(base + ".csv");
-    if (!rows) {
+    FigureFrame frame{
+        base.substr(base.rfind('/') + 1), std::move(title), std::move(axis_titles), {}};
+    std::transform(bounds.begin(), bounds.end(), frame.bounds.begin(), &as_written<T>);
+    if (run_) {
+        draw(base, figure_of_run(*run_, frame), script_head);
+    } else if (const auto table = TableRun::read(base + ".csv")) {
+        draw(base, figure_of_run(table->run(), frame), script_head);
+    } else {
         fail(base, "there is no whole result table beside it");
-        return;
     }
-    const std::size_t point_count = rows_per_pair(*rows);
-    const LabelNumbers labels(current_caption().labels, point_count, rows->size());
-    Figure figure;
-    figure.stem = base.substr(base.rfind('/') + 1);
-    figure.title = std::move(title);
-    figure.labels = labels.names;
-    figure.panels = panels_of(*rows, point_count, axis_titles, labels);
-    figure.bounds = drawn_bounds(bounds, figure.panels);
-    if (!write_whole_file(base + ".gp", gnuplot_script(figure, script_head, style_))) {
-        fail(base,
-             base + ".gp could not be written (" + std::generic_category().message(errno) + ")");
+}
+
+template <typename T>
+void Gnuplot<T>::draw(const std::string& base,
+                      const Figure& figure,
+                      const std::string& script_head) {
+    const std::string script = base + ".gp";
+    if (const auto failure =
+            write_whole_text(script, gnuplot_script(figure, script_head, style_))) {
+        fail(base, script + " could not be written (" + failure.message() + ")");
         return;
     }
     drawing_ = std::make_unique<FigureDrawing>(base);

@@ -2,23 +2,28 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "plots/figure_style.h"
 #include "plots/plot_outcome.h"
+#include "plots/plotted_run.h"
 #include "util/api.h"
 
 namespace ovik {
 
+struct Figure;
 class FigureDrawing;
 
 /// A scatter figure, drawn by the program gnuplot.
 ///
 /// Use: construct, `open`, `style`, `plotting`, `close`. The figure is optional: if gnuplot is
 /// missing or fails, one line on standard error says what was not drawn and how to get it, and the
-/// script stays. The labels that colour the points come from the current caption (see
-/// `CaptionScope`).
+/// script stays.
+///
+/// Points and the labels that colour them are those of the run that `setRun` was given. By itself,
+/// the figure shows the points of a result table, without labels.
 template <typename T>
 class Gnuplot {
   public:
@@ -56,9 +61,15 @@ class Gnuplot {
                         int font_size,
                         bool overlap);
 
-    /// Draws columns of the result table `base` + ".csv": writes the script `base` + ".gp", whole
-    /// or not at all, and has gnuplot draw `base` + ".png" and ".svg", which take the places of
-    /// earlier ones at `close`. Each group of the table becomes a panel.
+    /// Draws this run instead of reading a table.
+    ///
+    /// @param run  what it shows outlives `plotting`
+    OVIK_API void setRun(const PlottedRun<T>& run);
+
+    /// Draws the run, or else columns of the result table `base` + ".csv": writes the script
+    /// `base` + ".gp", whole or not at all, and has gnuplot draw `base` + ".png" and ".svg", which
+    /// take the places of earlier ones at `close`. Each pair of components becomes a panel. Points
+    /// of a run stand in the script as the shortest texts that read as the same T.
     ///
     /// @param base         path without extension
     /// @param settings     the string that `style` filled; left as it is
@@ -72,7 +83,8 @@ class Gnuplot {
     /// @param columns      of the table, counted from 1: 2 and 3, the coordinates
     /// @param selection    reserved
     /// @throws std::logic_error if the session is not open
-    /// @throws std::invalid_argument for another type, other columns, or bounds that are not four
+    /// @throws std::invalid_argument for another type, other columns, bounds that are not four, or
+    /// a run whose lists have unequal lengths
     // NOLINTNEXTLINE(readability-function-size): a published signature
     OVIK_API void plotting(std::string base,
                            std::string& settings,
@@ -93,10 +105,12 @@ class Gnuplot {
     [[nodiscard]] FigureOutcome outcome() const { return outcome_; }
 
   private:
+    void draw(const std::string& base, const Figure& figure, const std::string& script_head);
     void fail(const std::string& base, const std::string& reason);
 
     bool is_open_ = false;
     FigureStyle style_;
+    std::optional<PlottedRun<T>> run_;
     FigureOutcome outcome_ = FigureOutcome::None;
     std::unique_ptr<FigureDrawing> drawing_;
 };

@@ -1,12 +1,11 @@
 #include "plots/javas.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <stdexcept>
 #include <utility>
 
 #include "plots/chart_page.h"
-#include "plots/run_caption.h"
+#include "plots/table_run.h"
 #include "util/whole_file.h"
 
 namespace ovik {
@@ -34,20 +33,22 @@ ChartLayout layout_of(const int* parameters) {
     return layout;
 }
 
-/// The rows of the table of these coordinates. One that is left of another run does not fit and is
-/// not taken.
-std::optional<std::vector<ResultRow>> rows_of(const std::string& table_path, const Chart& chart) {
-    auto rows = read_result_rows(table_path);
-    if (!rows || rows->size() != chart.x.size()) {
-        return std::nullopt;
-    }
-    for (std::size_t row = 0; row < rows->size(); ++row) {
-        if (!is_in_table_as(chart.x[row], (*rows)[row].x) ||
-            !is_in_table_as(chart.y[row], (*rows)[row].y)) {
-            return std::nullopt;
+/// Shows what a run tells of its rows.
+template <typename T>
+void show_rows(Chart& chart, const PlottedRun<T>& run) {
+    chart.names = run.names;
+    chart.groups = run.groups;
+    chart.functions = run.functions;
+}
+
+/// @throws std::invalid_argument if a run has another number of rows, or of their texts
+template <typename T>
+void check_rows(const PlottedRun<T>& run, std::size_t row_count) {
+    for (const auto& texts : {run.names, run.groups, run.functions}) {
+        if (!texts.empty() && texts.size() != row_count) {
+            throw std::invalid_argument("the run of a chart has other rows than the chart");
         }
     }
-    return rows;
 }
 
 }  // namespace
@@ -70,6 +71,11 @@ void Javas<T>::set_postfix(std::string postfix) {
 }
 
 template <typename T>
+void Javas<T>::setRun(const PlottedRun<T>& run) {
+    run_ = run;
+}
+
+template <typename T>
 // NOLINTNEXTLINE(readability-function-size): a published signature
 void Javas<T>::plotting(std::string type,
                         T** coordinates,
@@ -85,10 +91,9 @@ void Javas<T>::plotting(std::string type,
     }
     Chart chart;
     chart.name = out_name_ + "_" + postfix;
-    const std::string& caption = current_caption().title;
     chart.title = text_at(texts, 0);
     if (chart.title.empty()) {
-        chart.title = caption.empty() ? chart.name : caption;
+        chart.title = run_ && !run_->title.empty() ? run_->title : std::string_view(chart.name);
     }
     chart.x_title = text_at(texts, 1);
     chart.y_title = text_at(texts, 2);
@@ -105,13 +110,19 @@ void Javas<T>::plotting(std::string type,
         chart.y.push_back(static_cast<double>(coordinates[row][1]));
     }
     const std::string base_name = base_path + "_" + postfix;
-    if (current_caption().has_table) {
-        chart.rows = rows_of(base_name + ".csv", chart);
+    std::optional<TableRun> table;
+    if (run_) {
+        check_rows(*run_, chart.x.size());
+        chart.parameters = run_->parameters;
+        show_rows(chart, *run_);
+    } else {
+        table = TableRun::read(base_name + ".csv");
+        // One that is left of another run does not fit and is not taken.
+        if (table && table->holds(chart.x, chart.y)) {
+            show_rows(chart, table->run());
+        }
     }
-    failure_.clear();
-    if (!write_whole_file(base_name + ".html", chart_page(chart))) {
-        failure_.assign(errno, std::generic_category());
-    }
+    failure_ = write_whole_text(base_name + ".html", chart_page(chart));
 }
 
 template class Javas<float>;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "plots/plotted_run.h"
 #include "util/api.h"
 
 namespace ovik {
@@ -12,10 +14,11 @@ namespace ovik {
 /// An interactive chart page.
 ///
 /// Use: construct, `set_param`, `set_postfix`, `plotting`. The page is one file that opens from the
-/// disk without a network: `out_dir` + `out_name` + "_" + postfix + ".html". Names, groups and
-/// functions come from the result table beside it, of the same name but for ".csv"; without such a
-/// table the page shows coordinates and labels alone. Title and parameters of the run come from the
-/// current caption (see `CaptionScope`).
+/// disk without a network: `out_dir` + `out_name` + "_" + postfix + ".html".
+///
+/// Names, groups, functions, title and parameters are those of the run that `setRun` was given. By
+/// itself, the page takes names, groups and functions from the result table beside it, of the same
+/// name but for ".csv"; without a table of its coordinates it shows coordinates and labels alone.
 template <typename T>
 class Javas {
   public:
@@ -47,25 +50,29 @@ class Javas {
 
     // NOLINTEND(readability-identifier-naming)
 
+    /// Draws this run instead of reading a table.
+    ///
+    /// @param run  of the coordinates that `plotting` will be given; what it shows outlives
+    ///             `plotting`
+    OVIK_API void setRun(const PlottedRun<T>& run);
+
     /// Writes the page, whole or not at all: an earlier one stays until then. A file that cannot be
     /// written is reported on the console in bold red.
     ///
     /// @param type            "scatter"
     /// @param coordinates     rows of x and y, as many as `set_param` said
-    /// @param texts           chart title (empty: that of the caption, or the file's name), x
-    /// title,
-    ///                        y title, four spare texts
+    /// @param texts           chart title (empty: that of the run, or the file's name), x title, y
+    ///                        title, four spare texts
     /// @param category_order  labels in the order of the legend; others follow as they appear
     /// @param colours         "#rrggbb" per category; empty for those of the scheme
     /// @param options         whether labels stand beside the points ("true" or "false"), and the
     ///                        name of a colour scheme (empty for the default)
     /// @param parameters      nine integers: top, right, bottom and left margin and the width of
-    /// the
-    ///                        legend in pixels, the turns of x tick labels and y title in degrees,
-    ///                        decimals of tick labels, and 1 for a grid, 0 for none
+    ///                        the legend in pixels, the turns of x tick labels and y title in
+    ///                        degrees, decimals of tick labels, and 1 for a grid, 0 for none
     /// @param links           files or addresses that the page refers to; empty ones are left out
     /// @param labels          one per point or per row, or empty; they colour the points
-    /// @throws std::invalid_argument for another type
+    /// @throws std::invalid_argument for another type, or for a run of another number of rows
     // NOLINTNEXTLINE(readability-function-size): a published signature
     OVIK_API void plotting(std::string type,
                            T** coordinates,
@@ -82,6 +89,7 @@ class Javas {
 
   private:
     std::string out_name_;
+    std::optional<PlottedRun<T>> run_;
     std::error_code failure_;
 };
 

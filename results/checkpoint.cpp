@@ -340,11 +340,11 @@ Digest digest_of(std::span<const std::string> texts) {
 std::string write_checkpoint(const std::string& path, const Checkpoint& checkpoint) {
     const std::string bytes = encoded(checkpoint);
     WholeFile file(path);
-    if (file.stream() == nullptr) {
-        return reason(errno);
+    if (file.stream() != nullptr) {
+        std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
     }
-    std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
-    return file.commit() ? "" : reason(errno);
+    const std::error_code failure = file.commit();
+    return failure ? failure.message() : "";
 }
 
 Checkpoint read_checkpoint(const std::string& path) {

@@ -27,30 +27,14 @@ std::string npy_head(std::size_t item_size, std::size_t N, std::size_t dims) {
            static_cast<char>(length >> 8U) + head;
 }
 
-/// Writes a file piece by piece.
-///
-/// @param write  puts everything into the stream
-template <typename Write>
-bool write_pieces(const std::string& path, const Write& write) {
-    WholeFile file(path);
-    if (file.stream() != nullptr) {
-        write(file.stream());
-        if (file.commit()) {
-            return true;
-        }
-    }
-    print_whole_file_error(file, path);
-    return false;
-}
-
 }  // namespace
 
 template <typename T>
-bool write_coordinates_npy(const std::string& path,
-                           const double* Y,
-                           std::size_t N,
-                           std::size_t dims) {
-    return write_pieces(path, [&](std::FILE* stream) {
+std::error_code write_coordinates_npy(const std::string& path,
+                                      const double* Y,
+                                      std::size_t N,
+                                      std::size_t dims) {
+    return write_whole_file(path, [&](std::FILE* stream) {
         const std::string head = npy_head(sizeof(T), N, dims);
         std::fwrite(head.data(), 1, head.size(), stream);
         for (std::size_t i = 0; i < N * dims; ++i) {
@@ -61,12 +45,12 @@ bool write_coordinates_npy(const std::string& path,
 }
 
 template <typename T>
-bool write_coordinates_tsv(const std::string& path,
-                           const std::string* names,
-                           const double* Y,
-                           std::size_t N,
-                           std::size_t dims) {
-    return write_pieces(path, [&](std::FILE* stream) {
+std::error_code write_coordinates_tsv(const std::string& path,
+                                      const std::string* names,
+                                      const double* Y,
+                                      std::size_t N,
+                                      std::size_t dims) {
+    return write_whole_file(path, [&](std::FILE* stream) {
         std::string line = "name";
         for (std::size_t d = 0; d < dims; ++d) {
             line += "\tcomponent_" + std::to_string(d + 1);
@@ -84,9 +68,9 @@ bool write_coordinates_tsv(const std::string& path,
 }
 
 #define OVIK_INSTANTIATE_COORDINATE_FILES(T)                          \
-    template bool write_coordinates_npy<T>(                           \
+    template std::error_code write_coordinates_npy<T>(                \
         const std::string&, const double*, std::size_t, std::size_t); \
-    template bool write_coordinates_tsv<T>(                           \
+    template std::error_code write_coordinates_tsv<T>(                \
         const std::string&, const std::string*, const double*, std::size_t, std::size_t);
 
 OVIK_INSTANTIATE_COORDINATE_FILES(float)

@@ -80,19 +80,13 @@ std::string result_table_stem(double perplexity, const std::string& suffix) {
 }
 
 template <typename T>
-bool write_result_table(const std::string& path, const ResultTable<T>& table) {
-    WholeFile file(path);
-    if (file.stream() != nullptr) {
-        std::fputs("name,data in xaxis,data in yaxis,psize,group,function\n", file.stream());
+std::error_code write_result_table(const std::string& path, const ResultTable<T>& table) {
+    return write_whole_file(path, [&table](std::FILE* file) {
+        std::fputs("name,data in xaxis,data in yaxis,psize,group,function\n", file);
         for (std::size_t row = 0; row < table.coordinates.size(); ++row) {
-            write_row(file.stream(), table, row);
+            write_row(file, table, row);
         }
-        if (file.commit()) {
-            return true;
-        }
-    }
-    print_whole_file_error(file, path);
-    return false;
+    });
 }
 
 #define OVIK_INSTANTIATE_RESULT_TABLE(T)                                            \
@@ -102,7 +96,7 @@ bool write_result_table(const std::string& path, const ResultTable<T>& table) {
                                               std::size_t,                          \
                                               const std::string*,                   \
                                               std::map<std::string, std::string>&); \
-    template bool write_result_table(const std::string&, const ResultTable<T>&);
+    template std::error_code write_result_table(const std::string&, const ResultTable<T>&);
 
 OVIK_INSTANTIATE_RESULT_TABLE(float)
 OVIK_INSTANTIATE_RESULT_TABLE(double)

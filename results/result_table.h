@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "util/api.h"
@@ -45,9 +46,9 @@ OVIK_API std::string result_table_stem(double perplexity, const std::string& suf
 /// quotes; neither they nor names are escaped. The file appears whole or not at all: an earlier one
 /// stays until then.
 ///
-/// @return false if the file could not be written; the console then says so in bold red, and
-/// `errno` has the reason
+/// @return why the file could not be written, which the console then says in bold red; no error if
+/// it was
 template <typename T>
-OVIK_API bool write_result_table(const std::string& path, const ResultTable<T>& table);
+OVIK_API std::error_code write_result_table(const std::string& path, const ResultTable<T>& table);
 
 }  // namespace ovik

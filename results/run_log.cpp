@@ -1,5 +1,7 @@
 #include "results/run_log.h"
 
+#include <cerrno>
+
 #include "util/format.h"
 #include "util/write_string.h"
 
@@ -14,17 +16,18 @@ std::string run_log_record(const std::string& data_title,
            " The darker color means that there are overlaps.\n" + table_stem + "\n";
 }
 
-bool append_run_log(const std::string& out_base,
-                    const std::string& data_title,
-                    double perplexity,
-                    const std::string& table_stem) {
-    return write_string(out_base + ".log",
-                        run_log_record(data_title, perplexity, table_stem),
-                        "",
-                        "a+",
-                        "",
-                        "#",
-                        "\n");
+std::error_code append_run_log(const std::string& out_base,
+                               const std::string& data_title,
+                               double perplexity,
+                               const std::string& table_stem) {
+    const bool written = write_string(out_base + ".log",
+                                      run_log_record(data_title, perplexity, table_stem),
+                                      "",
+                                      "a+",
+                                      "",
+                                      "#",
+                                      "\n");
+    return written ? std::error_code() : std::error_code(errno, std::generic_category());
 }
 
 }  // namespace ovik

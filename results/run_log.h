@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 
 #include "util/api.h"
 
@@ -15,10 +16,11 @@ OVIK_API std::string run_log_record(const std::string& data_title,
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
 /// reported: the log never costs a run its other results.
 ///
-/// @return whether the whole record was written; if not, none of it is, and `errno` has the reason
-OVIK_API bool append_run_log(const std::string& out_base,
-                             const std::string& data_title,
-                             double perplexity,
-                             const std::string& table_stem);
+/// @return why the record could not be written, of which there is then nothing; no error if it was,
+/// whole
+OVIK_API std::error_code append_run_log(const std::string& out_base,
+                                        const std::string& data_title,
+                                        double perplexity,
+                                        const std::string& table_stem);
 
 }  // namespace ovik

@@ -31,7 +31,7 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     }
     estimate.similarities = lasting + method.similarities;
     estimate.fitting = lasting + 32.0 * N * d + method.fitting;
-    estimate.results = lasting + (size.has_plots ? 500.0 * table_rows + 240.0 * N
+    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N
                                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;
 }

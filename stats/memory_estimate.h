@@ -37,7 +37,7 @@ struct RunSize {
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (157 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
-///   chart page (500 R + 240 N in all).
+///   chart page (330 R + 300 N in all).
 ///
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.

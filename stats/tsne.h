@@ -20,7 +20,6 @@ namespace ovik {
 
 class CachedNeighbours;
 struct FitReport;
-struct RunCaption;
 struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
@@ -274,7 +273,9 @@ class TSNE {
     [[nodiscard]] MatrixView<double> makeEmbedding(int no_dims);
     FitReport fitAndReport(const FitOptions& options);
     void forgetResults();
-    void writeResults(int no_dims, RunCaption caption);
+    void writeResults(int no_dims,
+                      const std::vector<std::pair<std::string, std::string>>& parameters,
+                      const std::vector<std::string>& labels);
 
     /// Whether `finish` has released `X`, and no other has taken its place since.
     bool input_is_released_ = false;

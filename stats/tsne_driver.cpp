@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <limits>
@@ -8,11 +7,12 @@
 #include <span>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "annotation/gene_func_map.h"
-#include "plots/run_caption.h"
+#include "plots/figure_drawing.h"
+#include "plots/plot_columns.h"
+#include "plots/plot_hand_off.h"
 #include "results/checkpoint.h"
 #include "results/checkpoint_keeper.h"
 #include "results/result_table.h"
@@ -22,8 +22,6 @@
 #include "stats/fit_console.h"
 #include "stats/method.h"
 #include "stats/option_texts.h"
-#include "stats/plot_columns.h"
-#include "stats/plot_hand_off.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -36,11 +34,6 @@
 namespace ovik {
 
 namespace {
-
-/// The reason that `errno` has, unless all went well.
-std::error_code failure_unless(bool done) {
-    return done ? std::error_code() : std::error_code(errno, std::generic_category());
-}
 
 /// @throws InputError if the run cannot go on from there
 Checkpoint read_resumed(const std::string& path, const RunIdentity& run, int max_iter) {
@@ -167,8 +160,7 @@ void TSNE<T>::actuate(int no_dims,
     const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     const FitReport report = fitAndReport(options);
     Stopwatch watch;
-    writeResults(no_dims,
-                 {data_title, caption_parameters(options, N, D, report), std::move(labels)});
+    writeResults(no_dims, caption_parameters(options, N, D, report), labels);
     times_.results = watch.lap();
 }
 
@@ -257,7 +249,9 @@ void TSNE<T>::forgetResults() {
 
 /// Writes the result table, then the record in the run log, then draws the plots.
 template <typename T>
-void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
+void TSNE<T>::writeResults(int no_dims,
+                           const std::vector<std::pair<std::string, std::string>>& parameters,
+                           const std::vector<std::string>& labels) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
     auto table = make_result_table<T>(Y,
                                       static_cast<std::size_t>(N),
@@ -265,18 +259,24 @@ void TSNE<T>::writeResults(int no_dims, RunCaption caption) {
                                       currentNames().data(),
                                       gene_func_map);
     const PlotColumns<T> columns(table.coordinates);
-    remove_left_over_entries(out_base);
-    table_written_ = write_result_table(out_base + "_" + stem + ".csv", table);
-    table_failure_ = failure_unless(table_written_);
-    log_written_ = append_run_log(out_base, data_title, perplexity, stem);
-    log_failure_ = failure_unless(log_written_);
+    remove_left_over_files(out_base);
+    remove_left_over_drawings(out_base);
+    table_failure_ = write_result_table(out_base + "_" + stem + ".csv", table);
+    table_written_ = !table_failure_;
+    log_failure_ = append_run_log(out_base, data_title, perplexity, stem);
+    log_written_ = !log_failure_;
     if (draw_plots) {
-        caption.has_table = table_written_;
-        const CaptionScope scope(caption);
+        PlottedRun<T> run;
+        run.title = data_title;
+        run.parameters = parameters;
+        run.labels = labels;
+        run.names = table.names;
+        run.groups = table.groups;
+        run.functions = table.functions;
         plots_ = hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
                                   std::move(table.coordinates),
                                   columns,
-                                  caption.labels);
+                                  run);
     }
 }
 

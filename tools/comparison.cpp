@@ -43,7 +43,7 @@ Facts input_facts(const ComparisonEntry& entry) {
 Facts run_facts(const RunRecord& run) {
     Facts facts{{"Last iteration", std::to_string(run.iteration)},
                 {"Cost", with_decimals(run.final_cost, 4)}};
-    for (const NeighbourhoodQuality& quality : run.quality) {
+    for (const RecordedQuality& quality : run.quality) {
         facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
                            "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
                                with_decimals(100.0 * quality.preservation, 1) + " % kept");
@@ -164,13 +164,12 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
         run.facts.insert(run.facts.end(), facts.begin(), facts.end());
         comparison.runs.push_back(std::move(run));
     }
-    if (write_whole_file(path, comparison_page(comparison))) {
-        print_info("Comparison: " + path);
-        return true;
+    if (const auto failure = write_whole_text(path, comparison_page(comparison))) {
+        complain("Comparison could not be written: " + path + " (" + failure.message() + ")");
+        return false;
     }
-    complain("Comparison could not be written: " + path + " (" +
-             std::generic_category().message(errno) + ")");
-    return false;
+    print_info("Comparison: " + path);
+    return true;
 }
 
 ExitStatus collect_reports(const Options& options) {

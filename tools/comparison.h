@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "results/run_record.h"
 #include "stats/fit_options.h"
 
 #include "tools/exit_status.h"
 #include "tools/options.h"
-#include "tools/run_record.h"
 
 namespace ovik::tool {
 

@@ -1,6 +1,5 @@
 #include "tools/embedding_run.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <stdexcept>
 #include <system_error>
@@ -33,11 +32,6 @@ void check_finite(const IterationReport& reached) {
 
 std::string text_of(std::error_code failure) {
     return failure ? failure.message() : "";
-}
-
-/// The reason that `errno` has, unless the file was written.
-std::string failure_unless(bool written) {
-    return written ? "" : std::generic_category().message(errno);
 }
 
 /// Says where a result is, or why it is missing.
@@ -118,13 +112,13 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     add("Run log", tsne.out_base + ".log", text_of(tsne.logFailure()));
     if (options.coordinates_tsv) {
         const std::string path = base + ".tsv";
-        const bool written = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
-        add("Coordinates", path, failure_unless(written));
+        const auto failure = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
+        add("Coordinates", path, text_of(failure));
     }
     if (options.coordinates_npy) {
         const std::string path = base + ".npy";
-        const bool written = write_coordinates_npy<T>(path, tsne.Y, N, dims);
-        add("Coordinates", path, failure_unless(written));
+        const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
+        add("Coordinates", path, text_of(failure));
     }
     if (options.plots) {
         add("Chart page", base + ".html", text_of(tsne.plots().page_failure));
@@ -160,14 +154,15 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     };
     tsne.checkResume(
         options.fit.out_dims, perplexity, options.fit.stop_lying_iter, options.fit.mom_switch_iter);
-    prepare_directory(options.out_dir);
+    prepare_results(options, perplexity);
     tsne.actuate(options.fit.out_dims,
                  perplexity,
                  std::move(input.labels),
                  options.fit.stop_lying_iter,
                  options.fit.mom_switch_iter);
     record.final_cost = tsne.finalCost();
-    record.seconds = tsne.times();
+    const RunTimes& times = tsne.times();
+    record.seconds = {times.similarities, times.fitting, times.results};
     if (options.quality) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "results/run_record.h"
 #include "stats/cached_neighbours.h"
 
 #include "tools/options.h"
-#include "tools/run_record.h"
 
 namespace ovik::tool {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "stats/neighbourhood_quality.h"
+#include "results/run_record.h"
 #include "stats/tsne.h"
 
 namespace ovik::tool {
@@ -12,6 +12,6 @@ namespace ovik::tool {
 ///
 /// @param tsne  after `actuate`, before `finish`
 template <typename T>
-std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int dims);
+std::vector<RecordedQuality> report_map_quality(const TSNE<T>& tsne, int dims);
 
 }  // namespace ovik::tool

@@ -2,7 +2,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <exception>
 #include <new>
 #include <omp.h>
@@ -20,7 +19,9 @@
 #include "util/input_error.h"
 #include "util/stopwatch.h"
 #include "util/threads.h"
+#include "util/whole_file.h"
 
+#include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
 #include "tools/exit_status.h"
@@ -31,7 +32,6 @@
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
-#include "tools/run_report.h"
 #include "tools/standard_streams.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
@@ -63,8 +63,7 @@ RunSize size_of_runs(const Options& options,
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(RunReport report) {
-    const Options& options = report.options;
+ExitStatus embed(const Options& options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -77,6 +76,9 @@ ExitStatus embed(RunReport report) {
     const std::string threads_note = set_thread_count(options.threads);
     if (!threads_note.empty()) {
         complain("note: " + threads_note);
+    }
+    if (!options.checkpoint.empty() && is_written_in_place(options.checkpoint)) {
+        tell_of_writing_in_place(options.checkpoint);
     }
     LoadedMatrix loaded = load_matrix(options);
     report.reading_seconds = watch.lap();
@@ -97,7 +99,8 @@ ExitStatus embed(RunReport report) {
     start_logging(options.quiet);
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
-    return run_perplexities(std::move(loaded), perplexities, std::move(report), since_start);
+    return run_perplexities(
+        std::move(loaded), perplexities, options, std::move(report), since_start);
 }
 
 /// Does what the command line asks for.
@@ -108,11 +111,7 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     if (!options.collected_reports.empty()) {
         return collect_reports(options);
     }
-    RunReport report;
-    report.command_line = std::move(command_line);
-    report.options = options;
-    report.started = std::time(nullptr);
-    return embed(std::move(report));
+    return embed(options, begin_report(options, std::move(command_line)));
 }
 
 /// The whole command but for what the streams have not taken yet; what goes wrong is explained on

@@ -19,6 +19,7 @@
 #include "util/input_error.h"
 #include "util/plain_text.h"
 
+#include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/embedding_run.h"
 #include "tools/gene_report.h"
@@ -52,12 +53,13 @@ void settle_names(std::vector<std::string>& row_names, bool standard_names) {
 
 /// What several runs share.
 std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
-                                                    const RunReport& report) {
-    if (perplexities.size() < 2 || !method_of(report.options.fit).has_neighbours) {
+                                                    const Options& options,
+                                                    std::size_t rows) {
+    if (perplexities.size() < 2 || !method_of(options.fit).has_neighbours) {
         return nullptr;
     }
     const double largest = *std::max_element(perplexities.begin(), perplexities.end());
-    return make_cached_neighbours(static_cast<std::size_t>(neighbour_count(largest, report.rows)));
+    return make_cached_neighbours(static_cast<std::size_t>(neighbour_count(largest, rows)));
 }
 
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values
@@ -82,17 +84,17 @@ RunInput input_of_run(LoadedMatrix& loaded,
 }
 
 /// Writes the page that compares the runs.
-bool compare(const RunReport& report) {
+bool compare(const Options& options, const RunReport& report) {
     std::vector<ComparisonEntry> entries;
     for (const RunRecord& run : report.runs) {
-        entries.push_back({report.options.title,
+        entries.push_back({options.title,
                            report.rows,
                            report.columns,
-                           report.options.fit,
+                           options.fit,
                            run,
                            std::filesystem::current_path()});
     }
-    return write_comparison(comparison_path(report.options), entries);
+    return write_comparison(comparison_path(options), entries);
 }
 
 /// Fills in what is known of the input.
@@ -147,15 +149,16 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 
 ExitStatus run_perplexities(LoadedMatrix loaded,
                             const std::vector<double>& perplexities,
+                            const Options& options,
                             RunReport report,
                             Stopwatch since_start) {
-    const Options& options = report.options;
     if (!options.report_file.empty()) {
-        prepare_directory(std::filesystem::absolute(options.report_file).parent_path().string());
+        prepare_place(options.report_file);
     }
     settle_names(loaded.matrix.row_names, options.standard_names);
     describe_input(report, loaded);
-    const std::shared_ptr<CachedNeighbours> neighbours = shared_neighbours(perplexities, report);
+    const std::shared_ptr<CachedNeighbours> neighbours =
+        shared_neighbours(perplexities, options, report.rows);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
         report.runs.push_back(
@@ -168,16 +171,17 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
                                    report.runs.end(),
                                    [](const RunRecord& run) { return run.isComplete(); });
     if (perplexities.size() > 1) {
-        is_complete = compare(report) && is_complete;
+        is_complete = compare(options, report) && is_complete;
     }
     tell_of_rows(report, loaded.matrix.row_names);
-    report.exit_status = is_complete ? interruption_status() : FailedRun;
+    const ExitStatus status = is_complete ? interruption_status() : FailedRun;
+    report.exit_status = status;
     if (!options.report_file.empty()) {
         report.peak_memory = peak_memory();
         report.total_seconds = since_start.lap();
-        is_complete = write_report(report) && is_complete;
+        is_complete = write_report(options.report_file, report) && is_complete;
     }
-    return is_complete ? report.exit_status : FailedRun;
+    return is_complete ? status : FailedRun;
 }
 
 }  // namespace ovik::tool

@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "input/load.h"
+#include "results/run_report.h"
 #include "util/stopwatch.h"
 
 #include "tools/exit_status.h"
 #include "tools/options.h"
-#include "tools/run_report.h"
 
 namespace ovik::tool {
 
@@ -24,6 +24,7 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 /// @param since_start  of the command
 ExitStatus run_perplexities(LoadedMatrix loaded,
                             const std::vector<double>& perplexities,
+                            const Options& options,
                             RunReport report,
                             Stopwatch since_start);
 

@@ -1,5 +1,6 @@
 #include "tools/result_paths.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <set>
@@ -11,6 +12,14 @@
 #include "util/input_error.h"
 
 namespace ovik::tool {
+
+namespace {
+
+bool may_write(const std::string& path) {
+    return access(path.c_str(), W_OK) == 0;
+}
+
+}  // namespace
 
 std::string result_base(const Options& options, double perplexity) {
     return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix);
@@ -72,8 +81,23 @@ void check_result_names(const Options& options, const std::vector<double>& perpl
 
 void prepare_directory(const std::string& directory) {
     std::filesystem::create_directories(directory);
-    if (access(directory.c_str(), W_OK) != 0) {
+    if (!may_write(directory)) {
         throw std::system_error(errno, std::generic_category(), "cannot write in " + directory);
+    }
+}
+
+void prepare_results(const Options& options, double perplexity) {
+    std::vector<std::string> files = result_files(options, {perplexity});
+    files.push_back(options.out_dir + options.name + ".log");
+    const bool has_figure = options.plots || options.plot_cost;
+    if (has_figure || !std::all_of(files.begin(), files.end(), &may_write)) {
+        prepare_directory(options.out_dir);
+    }
+}
+
+void prepare_place(const std::string& path) {
+    if (!may_write(path)) {
+        prepare_directory(std::filesystem::absolute(path).parent_path().string());
     }
 }
 

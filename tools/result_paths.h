@@ -25,9 +25,21 @@ std::vector<std::string> result_files(const Options& options,
 /// @throws InputError if a name is too long for a directory to hold, or two runs share theirs
 void check_result_names(const Options& options, const std::vector<double>& perplexities);
 
-/// Makes the directory of the results.
+/// Makes a directory for results.
 ///
 /// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there
 void prepare_directory(const std::string& directory);
+
+/// Makes the directory of the results of a run. One that may not be written in will do if all of
+/// them are there and may be written, and no figure is to be drawn, which takes a directory.
+///
+/// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there
+void prepare_results(const Options& options, double perplexity);
+
+/// Makes the directory of a file, unless the file is there and may be written: that may be a pipe,
+/// or "/dev/stdout".
+///
+/// @throws std::filesystem::filesystem_error, std::system_error if it cannot be put there
+void prepare_place(const std::string& path);
 
 }  // namespace ovik::tool

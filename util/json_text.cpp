@@ -7,6 +7,22 @@
 
 namespace ovik {
 
+namespace {
+
+template <typename Members>
+std::string json_object_of(const Members& members) {
+    std::string object = "{";
+    for (const auto& [name, value] : members) {
+        object += object.size() == 1 ? "\"" : ",\"";
+        object += name;
+        object += "\":";
+        object += value;
+    }
+    return object + "}";
+}
+
+}  // namespace
+
 std::string json_text(const std::string& text) {
     return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
 }
@@ -39,15 +55,12 @@ std::string json_list(const std::vector<std::string>& elements) {
     return list + "]";
 }
 
-std::string json_object(const std::vector<std::pair<std::string_view, std::string>>& members) {
-    std::string object = "{";
-    for (const auto& [name, value] : members) {
-        object += object.size() == 1 ? "\"" : ",\"";
-        object += name;
-        object += "\":";
-        object += value;
-    }
-    return object + "}";
+std::string json_object(std::initializer_list<std::pair<std::string_view, std::string>> members) {
+    return json_object_of(members);
+}
+
+std::string json_object(const std::vector<std::pair<std::string, std::string>>& members) {
+    return json_object_of(members);
 }
 
 }  // namespace ovik

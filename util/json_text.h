@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,7 +28,10 @@ std::string json_text(bool value);
 std::string json_list(const std::vector<std::string>& elements);
 
 /// @param members  names, which need no escapes, and values as JSON
-std::string json_object(const std::vector<std::pair<std::string_view, std::string>>& members);
+std::string json_object(std::initializer_list<std::pair<std::string_view, std::string>> members);
+
+/// The same for members in a list of their own.
+std::string json_object(const std::vector<std::pair<std::string, std::string>>& members);
 
 /// A list of values that `json_text` takes.
 template <typename Iterator>

@@ -2,13 +2,16 @@
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
-#include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "util/file_place.h"
 
 namespace ovik {
 
@@ -16,11 +19,6 @@ namespace {
 
 constexpr std::string_view kPrefix = ".ovik-";
 constexpr std::string_view kSuffix = ".part";
-
-std::string directory_of(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-}
 
 /// Short, so that it fits where the final name does.
 std::string next_path(const std::string& directory) {
@@ -61,22 +59,38 @@ bool lock_entry(int descriptor) {
     return fstat(descriptor, &status) != 0 || status.st_nlink > 0;
 }
 
-/// Calls `visit(directory, name)` for what a directory holds, unless it cannot be opened. The
-/// standard library's iterators end the process when there is no memory for them.
+/// Calls `visit(directory, name)` for what a directory holds. The standard library's iterators end
+/// the process when there is no memory for them.
+///
+/// @return whether the directory could be opened and read to its end
 template <typename Visit>
-void for_each_entry(int directory_descriptor, const Visit& visit) {
+bool for_each_entry(int directory_descriptor, const Visit& visit) {
     DIR* const directory = directory_descriptor < 0 ? nullptr : fdopendir(directory_descriptor);
     if (directory == nullptr) {
         if (directory_descriptor >= 0) {
             close(directory_descriptor);
         }
-        return;
+        return false;
     }
+    errno = 0;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream is not shared
     while (const dirent* const entry = readdir(directory)) {
-        visit(dirfd(directory), entry->d_name);
+        const std::string_view name(entry->d_name);
+        if (name != "." && name != "..") {
+            visit(dirfd(directory), entry->d_name);
+        }
+        errno = 0;
     }
+    const bool is_whole = errno == 0;
     closedir(directory);
+    return is_whole;
+}
+
+/// The same for a directory within another one.
+template <typename Visit>
+bool for_each_file_in(int directory, const char* name, const Visit& visit) {
+    return for_each_entry(openat(directory, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW),
+                          visit);
 }
 
 /// Removes an entry and the files that it holds, as far as that can be done.
@@ -84,20 +98,91 @@ void remove_entry(int directory, const char* name) {
     if (unlinkat(directory, name, 0) == 0) {
         return;
     }
-    for_each_entry(openat(directory, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW),
-                   [](int within, const char* file) { unlinkat(within, file, 0); });
+    for_each_file_in(
+        directory, name, [](int within, const char* file) { unlinkat(within, file, 0); });
     unlinkat(directory, name, AT_REMOVEDIR);
 }
 
-void remove_unless_locked(int directory, const char* name) {
-    const int descriptor = openat(directory, name, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-    if (descriptor < 0) {
-        return;
+/// Cuts a number off the start of a text: digits, without zeros before them.
+///
+/// @return 0 if there is none
+int cut_number(std::string_view& text) {
+    int number = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (text.empty() || text[0] < '1' || text[0] > '9' || result.ec != std::errc()) {
+        return 0;
     }
-    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
-        remove_entry(directory, name);
+    text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+    return number;
+}
+
+/// The process whose entry has this name, such as ".ovik-4711-2.part"; 0 for other names.
+pid_t maker_of(std::string_view name) {
+    if (!name.starts_with(kPrefix)) {
+        return 0;
     }
-    close(descriptor);
+    name.remove_prefix(kPrefix.size());
+    const pid_t maker = cut_number(name);
+    if (maker == 0 || !name.starts_with('-')) {
+        return 0;
+    }
+    name.remove_prefix(1);
+    return cut_number(name) != 0 && name == kSuffix ? maker : 0;
+}
+
+/// Whether a process of this user's other than this one has the number. What this process works on
+/// is locked; the rest is of one that had its number before, as it is usual in containers.
+bool is_other_process(pid_t process) {
+    return process != getpid() && kill(process, 0) == 0;
+}
+
+/// Whether something is of one kind, and this user's.
+bool is_own(const struct stat& status, mode_t kind) {
+    return (status.st_mode & S_IFMT) == kind && status.st_uid == geteuid();
+}
+
+/// Whether a directory holds nothing but files of this user's whose names are known.
+bool holds_only_known(int directory,
+                      const char* name,
+                      const std::function<bool(std::string_view)>& is_known) {
+    bool all_known = true;
+    const bool all_seen = for_each_file_in(directory, name, [&](int within, const char* file) {
+        struct stat status {};
+
+        all_known = all_known && is_known(file) &&
+                    fstatat(within, file, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                    is_own(status, S_IFREG);
+    });
+    return all_seen && all_known;
+}
+
+/// Calls `remove(directory, name)` for what ended processes of this user's left over in the
+/// directory of a place.
+///
+/// @param kind  S_IFREG or S_IFDIR
+template <typename Remove>
+void for_each_left_over(const std::string& place, mode_t kind, const Remove& remove) {
+    const std::string path = directory_of(place);
+    for_each_entry(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC),
+                   [kind, &remove](int directory, const char* name) {
+                       const pid_t maker = maker_of(name);
+                       if (maker == 0 || is_other_process(maker)) {
+                           return;
+                       }
+                       const int descriptor =
+                           openat(directory, name, O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+                       if (descriptor < 0) {
+                           return;
+                       }
+
+                       struct stat status {};
+
+                       if (fstat(descriptor, &status) == 0 && is_own(status, kind) &&
+                           flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
+                           remove(directory, name);
+                       }
+                       close(descriptor);
+                   });
 }
 
 }  // namespace
@@ -135,15 +220,18 @@ bool PartialEntry::moveTo(const std::string& place) {
     return true;
 }
 
-void remove_left_over_entries(const std::string& place) {
-    const std::string directory = directory_of(place);
-    for_each_entry(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC),
-                   [](int within, const char* name) {
-                       const std::string_view text(name);
-                       if (text.starts_with(kPrefix) && text.ends_with(kSuffix)) {
-                           remove_unless_locked(within, name);
-                       }
-                   });
+void remove_left_over_files(const std::string& place) {
+    for_each_left_over(
+        place, S_IFREG, [](int directory, const char* name) { unlinkat(directory, name, 0); });
+}
+
+void remove_left_over_directories(const std::string& place,
+                                  const std::function<bool(std::string_view)>& is_known) {
+    for_each_left_over(place, S_IFDIR, [&is_known](int directory, const char* name) {
+        if (holds_only_known(directory, name, is_known)) {
+            remove_entry(directory, name);
+        }
+    });
 }
 
 }  // namespace ovik

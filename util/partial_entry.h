@@ -1,14 +1,16 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 namespace ovik {
 
 /// A file or directory for what is not finished yet, beside the place that the result is to take.
 ///
-/// Its name is its own (".ovik-", numbers, ".part"). It is locked as long as it is open, and the
-/// system lifts the lock when the process ends in whatever way; so a locked one is at work, and one
-/// that is not locked is left over.
+/// Its name is its own: ".ovik-", the number of the process, "-", a count, ".part". It is locked as
+/// long as it is open, and the system lifts the lock when the process ends in whatever way; so a
+/// locked one is at work, and one that is not locked is left over.
 class PartialEntry {
   public:
     enum class Kind { File, Directory };
@@ -41,10 +43,20 @@ class PartialEntry {
     int descriptor_ = -1;
 };
 
-/// Removes from a directory the entries that ended processes left over. What cannot be removed
-/// stays.
+// An entry is left over if its name has the whole form above, no other process of this user's has
+// its number, it is not locked, and it belongs to this user. What cannot be removed stays.
+
+/// Removes the files that ended processes left over. Directories stay, whatever they are called.
 ///
-/// @param place  path of a file in the directory
-void remove_left_over_entries(const std::string& place);
+/// @param place  path of a file in the directory that is looked through
+void remove_left_over_files(const std::string& place);
+
+/// Removes the directories that ended processes left over, with the files in them. One that holds
+/// anything but files of this user's with names that are known stays as it is.
+///
+/// @param place     path of a file in the directory that is looked through
+/// @param is_known  tells whether the program makes a file of this name in its directories
+void remove_left_over_directories(const std::string& place,
+                                  const std::function<bool(std::string_view)>& is_known);
 
 }  // namespace ovik

@@ -145,12 +145,16 @@ TEST_P(OccupiedPlace, IsReportedWithItsReasonAndCostsNothingElse) {
     EXPECT_THAT(outcome.err, HasSubstr(place));
     EXPECT_THAT(outcome.err, HasSubstr("Is a directory"));
     EXPECT_TRUE(std::filesystem::is_directory(place + "/occupied"));
-    const std::string extension = std::filesystem::path(place).extension();
-    // The page takes names from the table, the figure all it shows, and the script draws it.
+    // The script that is not there cannot be drawn; a picture comes without the other one or not
+    // at all.
     for (const auto& [name, content] : files_in(results_)) {
-        if (name != GetParam().file && (extension != ".csv" || name.ends_with(".log"))) {
+        if (name != GetParam().file) {
             EXPECT_EQ(content, expected().at(name)) << name;
         }
+    }
+    const std::string extension = std::filesystem::path(place).extension();
+    if (extension == ".csv" || extension == ".log" || extension == ".html") {
+        EXPECT_EQ(files_in(results_).size(), expected().size());
     }
 }
 
@@ -165,16 +169,22 @@ INSTANTIATE_TEST_SUITE_P(
                     Occupied{"Svg", "m_tsne_20_0.svg", "was not drawn"}),
     [](const testing::TestParamInfo<Occupied>& place) { return std::string(place.param.name); });
 
-TEST_F(OutputFaults, DanglingLinksAreReplacedOrReported) {
-    std::filesystem::create_symlink("no/such/directory/f", base_ + ".csv");
+TEST_F(OutputFaults, DanglingLinksAreWrittenThroughOrReported) {
+    std::filesystem::create_symlink("../table", base_ + ".csv");
+    std::filesystem::create_symlink("no/such/directory/f", base_ + ".tsv");
     std::filesystem::create_symlink("no/such/directory/f", results_ + "/m.log");
-    const CommandOutcome outcome = shell("$run --quiet --no-plots");
+    const CommandOutcome outcome = shell("$run --quiet --no-plots --coordinates tsv");
     EXPECT_EQ(outcome.exit_status, kFailedRun);
     EXPECT_EQ(outcome.err,
               "ovik-tsne: Run log could not be written: " + results_ +
-                  "/m.log (No such file or directory)\n");
+                  "/m.log (No such file or directory)\n"
+                  "ovik-tsne: Coordinates could not be written: " +
+                  base_ + ".tsv (No such file or directory)\n");
     EXPECT_EQ(files_in(results_).at("m_tsne_20_0.csv"), expected().at("m_tsne_20_0.csv"));
-    EXPECT_TRUE(std::filesystem::is_symlink(results_ + "/m.log"));
+    EXPECT_EQ(test::read_file(directory_.file("table")), expected().at("m_tsne_20_0.csv"));
+    for (const std::string& link : {base_ + ".csv", base_ + ".tsv", results_ + "/m.log"}) {
+        EXPECT_TRUE(std::filesystem::is_symlink(link)) << link;
+    }
 
     const std::string link = directory_.file("link");
     std::filesystem::create_symlink("no/such/directory", link);
@@ -195,16 +205,37 @@ TEST_F(OutputFaults, ARecordThatDoesNotFitLeavesTheLogAsItWas) {
     EXPECT_EQ(files_in(results_).at("m_tsne_20_0.csv"), expected().at("m_tsne_20_0.csv"));
 }
 
-TEST_F(OutputFaults, TheFigureIsNotDrawnFromTheTableOfAnEarlierRun) {
+TEST_F(OutputFaults, PlotsShowTheirOwnRunWhereATableOfAnEarlierOneStays) {
     ASSERT_EQ(shell("$run").exit_status, kSuccess);
     const Files earlier = files_in(results_);
-    // There is room for a log record, but not for this table.
+    ASSERT_EQ(shell("$0 $1 -i 5 -p 20 -o $2.whole", 700).exit_status, kSuccess);
+    const Files whole = files_in(results_ + ".whole");
+    // The table of this run cannot take its place: an earlier one stays in it.
+    std::filesystem::remove(base_ + ".csv");
+    std::filesystem::create_directory(base_ + ".csv");
+    directory_.write("results/m_tsne_20_0.csv/earlier", earlier.at("m_tsne_20_0.csv"));
+    const CommandOutcome outcome = shell("$run --quiet", 700);
+    EXPECT_EQ(outcome.exit_status, kFailedRun);
+    EXPECT_EQ(outcome.err,
+              "ovik-tsne: Result table could not be written: " + base_ + ".csv (Is a directory)\n");
+    const Files later = files_in(results_);
+    for (const char* extension : {".html", ".gp", ".png", ".svg"}) {
+        const std::string name = std::string("m_tsne_20_0") + extension;
+        EXPECT_EQ(later.at(name), whole.at(name)) << name;
+        EXPECT_NE(later.at(name), earlier.at(name)) << name;
+    }
+    EXPECT_EQ(later.size(), earlier.size());
+}
+
+TEST_F(OutputFaults, WhatOutgrowsALimitLeavesEarlierResults) {
+    ASSERT_EQ(shell("$run").exit_status, kSuccess);
+    const Files earlier = files_in(results_);
+    // There is room for a log record, but not for this table, nor for plots.
     const CommandOutcome outcome = shell("ulimit -f 8; $run --quiet", 700);
     EXPECT_EQ(outcome.exit_status, kFailedRun);
     EXPECT_THAT(outcome.err,
-                HasSubstr("Figure " + base_ +
-                          ".png was not drawn: the result table of this run could not be "
-                          "written.\n"));
+                HasSubstr("Figure " + base_ + ".png was not drawn: " + base_ +
+                          ".gp could not be written (File too large).\n"));
     EXPECT_THAT(
         outcome.err,
         HasSubstr("Result table could not be written: " + base_ + ".csv (File too large)\n"));
@@ -214,6 +245,66 @@ TEST_F(OutputFaults, TheFigureIsNotDrawnFromTheTableOfAnEarlierRun) {
         EXPECT_EQ(later.at(name), earlier.at(name)) << name;
     }
     EXPECT_EQ(later.size(), earlier.size());
+}
+
+TEST_F(OutputFaults, LinksAndPermissionsOfEarlierResultsStay) {
+    const std::string elsewhere = directory_.file("elsewhere");
+    std::filesystem::create_directory(elsewhere);
+    for (const char* extension : {".csv", ".html", ".gp", ".png", ".svg"}) {
+        std::filesystem::create_symlink("../elsewhere/f" + std::string(extension),
+                                        base_ + extension);
+    }
+    directory_.write("elsewhere/f.html", "earlier");
+    std::filesystem::permissions(elsewhere + "/f.html", std::filesystem::perms(0640));
+    EXPECT_EQ(shell("$run").exit_status, kSuccess);
+    EXPECT_EQ(files_in(results_), expected());
+    EXPECT_EQ(files_in(elsewhere).size(), 5U);
+    EXPECT_EQ(test::read_file(elsewhere + "/f.png"), expected().at("m_tsne_20_0.png"));
+    EXPECT_TRUE(std::filesystem::is_symlink(base_ + ".png"));
+    EXPECT_EQ(std::filesystem::status(elsewhere + "/f.html").permissions(),
+              std::filesystem::perms(0640));
+}
+
+TEST_F(OutputFaults, AReportGoesToStandardOutputOrAPipe) {
+    for (const char* const place : {"/dev/stdout", "/dev/fd/1"}) {
+        const CommandOutcome outcome = shell(std::string("$run --no-plots --json ") + place +
+                                             " | tail -c 18; "
+                                             "$run --no-plots --json " +
+                                             place + " >$2.out; tail -n 1 $2.out | cut -c 1-9");
+        EXPECT_EQ(outcome.err, "") << place;
+        EXPECT_THAT(outcome.out, HasSubstr("\n")) << place;
+        const std::string file = test::read_file(results_ + ".out");
+        EXPECT_THAT(file, HasSubstr("-- Random seed:  11\n")) << place;
+        EXPECT_THAT(file, HasSubstr("\n{\"report\":1,")) << place;
+        EXPECT_THAT(file, HasSubstr("-- Report: " + std::string(place) + "\n")) << place;
+    }
+    const CommandOutcome piped = shell(
+        "mkfifo $2.pipe; cat $2.pipe >$2.json & $run --quiet --no-plots --json $2.pipe; wait");
+    EXPECT_EQ(piped.err, "");
+    EXPECT_EQ(test::read_file(results_ + ".json").substr(0, 11), "{\"report\":1");
+    EXPECT_TRUE(std::filesystem::is_fifo(results_ + ".pipe"));
+}
+
+TEST_F(OutputFaults, WritableFilesOfAReadOnlyDirectoryAreWrittenInPlace) {
+    const std::string table = directory_.write("results/m_tsne_20_0.csv", std::string(9999, 'x'));
+    const std::string log = directory_.write("results/m.log", "");
+    const CommandOutcome outcome = shell(
+        "chmod -R a+rX ${results%/*}; chmod a+w $results/*; chmod a-w $results; "
+        "command -v setpriv >/dev/null || exit 77; "
+        "setpriv --reuid=65534 --clear-groups test -x $0 || exit 77; "
+        "setpriv --reuid=65534 --clear-groups $run --no-plots; status=$?; "
+        "chmod u+w $results; exit $status");
+    if (outcome.exit_status == kNotPermitted) {
+        GTEST_SKIP() << "needs to become another user";
+    }
+    EXPECT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+    EXPECT_THAT(outcome.out,
+                HasSubstr("-- Nothing can be made in the directory of " + table +
+                          ", so the file is overwritten in place: an interrupted write leaves a "
+                          "part of it\n"));
+    EXPECT_EQ(test::read_file(table), expected().at("m_tsne_20_0.csv"));
+    EXPECT_EQ(test::read_file(log), expected().at("m.log"));
+    EXPECT_EQ(files_in(results_).size(), 2U);
 }
 
 /// A disk of so many bytes, with another user's needs left to nobody.
@@ -244,14 +335,21 @@ TEST_P(FullDisk, HoldsWholeResultsOrNone) {
 INSTANTIATE_TEST_SUITE_P(Sizes, FullDisk, testing::Values("4k", "8k", "64k", "640k"));
 
 TEST_F(OutputFaults, WhatKilledRunsLeftOverIsRemoved) {
-    directory_.write("results/.ovik-1-1.part", "half a table");
-    std::filesystem::create_directory(results_ + "/.ovik-1-2.part");
-    directory_.write("results/.ovik-1-2.part/m.png", "half a picture");
+    // Larger than any number of a process.
+    directory_.write("results/.ovik-99999999-1.part", "half a table");
+    std::filesystem::create_directory(results_ + "/.ovik-99999999-2.part");
+    directory_.write("results/.ovik-99999999-2.part/messages", "");
+    directory_.write("results/.ovik-99999999-2.part/m_tsne_20_0.png", "half a picture");
     directory_.write("results/.ovik-notes", "not ours");
+    std::filesystem::create_directory(results_ + "/.ovik-99999999-3.part");
+    directory_.write("results/.ovik-99999999-3.part/thesis.txt", "not ours");
+    std::filesystem::create_directory(results_ + "/.ovik-x.part");
     EXPECT_EQ(shell("$run").exit_status, kSuccess);
     Files all = expected();
     all[".ovik-notes"] = "not ours";
+    all[".ovik-99999999-3.part"] = all[".ovik-x.part"] = "no file";
     EXPECT_EQ(files_in(results_), all);
+    EXPECT_EQ(test::read_file(results_ + "/.ovik-99999999-3.part/thesis.txt"), "not ours");
 }
 
 TEST_F(OutputFaults, IgnoredEndsOfChildrenDoNotCostTheFigure) {

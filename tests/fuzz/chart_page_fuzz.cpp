@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,7 +14,7 @@
 
 #include "plots/javas.h"
 #include "plots/page_template.h"
-#include "plots/run_caption.h"
+#include "plots/plotted_run.h"
 #include "results/result_table.h"
 
 #include "tests/fuzz/support/input_lines.h"
@@ -29,6 +30,14 @@ namespace ovik {
 namespace {
 
 using Json = nlohmann::json;
+
+/// What a chart views.
+struct ChartTexts {
+    std::vector<std::pair<std::string, std::string>> parameters;
+    std::vector<std::string> names;
+    std::vector<std::string> groups;
+    std::vector<std::string> functions;
+};
 
 /// The page's own text around what differs from chart to chart.
 struct PageFrame {
@@ -135,13 +144,13 @@ void check_pairs(const Json& pairs, const Chart& chart) {
         OVIK_REQUIRE(count > 0 && pair["y"].size() == count && row + count <= chart.x.size());
         require_numbers(pair["x"], chart.x.data() + row);
         require_numbers(pair["y"], chart.y.data() + row);
-        require_text(pair["group"], chart.rows ? (*chart.rows)[row].group : "");
+        require_text(pair["group"], chart.groups.empty() ? "" : chart.groups[row]);
         row += count;
     }
     OVIK_REQUIRE(row == chart.x.size());
 }
 
-void check_json(const Json& json, const Chart& chart, const RunCaption& caption) {
+void check_json(const Json& json, const Chart& chart) {
     require_text(json["title"], chart.title);
     require_text(json["name"], chart.name);
     require_texts(json["texts"], chart.texts);
@@ -149,35 +158,33 @@ void check_json(const Json& json, const Chart& chart, const RunCaption& caption)
     require_texts(json["colours"], chart.colours);
     require_texts(json["categoryOrder"], chart.category_order);
     require_text(json["colourScheme"], chart.colour_scheme);
-    OVIK_REQUIRE(json["parameters"].size() == caption.parameters.size());
-    for (std::size_t i = 0; i < caption.parameters.size(); ++i) {
+    OVIK_REQUIRE(json["parameters"].size() == chart.parameters.size());
+    for (std::size_t i = 0; i < chart.parameters.size(); ++i) {
         require_texts(json["parameters"][i],
-                      {caption.parameters[i].first, caption.parameters[i].second});
+                      {chart.parameters[i].first, chart.parameters[i].second});
     }
     check_pairs(json["pairs"], chart);
     const std::size_t point_count = json["pointCount"];
     OVIK_REQUIRE(chart.x.empty() ? point_count == 0 : json["pairs"][0]["x"].size() == point_count);
-    std::vector<std::string> names;
-    std::vector<std::string> functions;
-    for (std::size_t n = 0; chart.rows && n < point_count; ++n) {
-        names.push_back((*chart.rows)[n].name);
-        functions.push_back((*chart.rows)[n].function);
-    }
-    require_texts(json["names"], names);
-    require_texts(json["functions"], functions);
+    const auto of_points = [point_count](std::span<const std::string> texts) {
+        texts = texts.first(std::min(point_count, texts.size()));
+        return std::vector<std::string>(texts.begin(), texts.end());
+    };
+    require_texts(json["names"], of_points(chart.names));
+    require_texts(json["functions"], of_points(chart.functions));
     std::vector<std::string> labels = chart.labels;
     labels.resize(labels.size() == point_count || labels.size() == chart.x.size() ? point_count
                                                                                   : 0);
     require_texts(json["labels"], labels);
 }
 
-void check_page(const std::string& page, const Chart& chart, const RunCaption& caption) {
+void check_page(const std::string& page, const Chart& chart) {
     const PageData data = data_of(page);
     OVIK_REQUIRE(decoded_html(data.title) == test::plain_line(chart.title));
     OVIK_REQUIRE(std::all_of(data.json.begin(), data.json.end(), [](char c) {
         return c >= ' ' && c <= '~' && c != '>' && c != '&';
     }));
-    check_json(Json::parse(data.json), chart, caption);
+    check_json(Json::parse(data.json), chart);
 }
 
 std::vector<std::string> texts_from(test::InputLines& input) {
@@ -186,18 +193,18 @@ std::vector<std::string> texts_from(test::InputLines& input) {
     return texts;
 }
 
-RunCaption caption_from(test::InputLines& input) {
-    RunCaption caption;
-    caption.title = input.text();
+/// The run's own title comes first, then its parameters.
+std::string run_title_from(test::InputLines& input, ChartTexts& texts) {
+    std::string title = input.text();
     const std::size_t count = input.count(2);
     for (std::size_t i = 0; i < count; ++i) {
         std::string name = input.text();
-        caption.parameters.emplace_back(std::move(name), input.text());
+        texts.parameters.emplace_back(std::move(name), input.text());
     }
-    return caption;
+    return title;
 }
 
-Chart chart_from(test::InputLines& input) {
+Chart chart_from(test::InputLines& input, ChartTexts& texts) {
     Chart chart;
     chart.title = input.text();
     chart.name = input.text();
@@ -210,28 +217,30 @@ Chart chart_from(test::InputLines& input) {
     chart.links = texts_from(input);
     chart.layout.margins = {static_cast<int>(input.count(1000)), 0, 0, 0};
     chart.layout.tick_decimals = static_cast<int>(input.count(20));
-    if (input.flag()) {
-        chart.rows.emplace();
-    }
+    const bool has_texts = input.flag();
     const std::size_t count = input.count(6);
     for (std::size_t n = 0; n < count; ++n) {
         chart.x.push_back(input.number());
         chart.y.push_back(input.number());
-        if (chart.rows) {
-            std::string name = input.text();
-            std::string group = input.text();
-            chart.rows->push_back(
-                {std::move(name), chart.x[n], chart.y[n], std::move(group), input.text()});
+        if (has_texts) {
+            texts.names.push_back(input.text());
+            texts.groups.push_back(input.text());
+            texts.functions.push_back(input.text());
         }
     }
+    chart.parameters = texts.parameters;
+    chart.names = texts.names;
+    chart.groups = texts.groups;
+    chart.functions = texts.functions;
     while (!input.isAtEnd()) {
         chart.labels.push_back(input.text());
     }
     return chart;
 }
 
-/// The plotting class on the same data: a table beside the page, as a run leaves it.
-void check_plotting(Chart chart, const RunCaption& caption) {
+/// The plotting class on the same data: as those of a run, or from a table beside the page, as a
+/// run leaves it.
+void check_plotting(Chart chart, const std::string& run_title, bool from_run) {
     static const test::TemporaryDirectory kDirectory;
     const std::size_t N = chart.x.size();
     std::vector<double> Y;
@@ -242,16 +251,24 @@ void check_plotting(Chart chart, const RunCaption& caption) {
     for (std::size_t n = 0; n < N; ++n) {
         Y.insert(Y.end(), {chart.x[n], chart.y[n]});
         coordinates.push_back(Y.data() + 2 * n);
-        names.push_back(chart.rows ? (*chart.rows)[n].name : "");
-        functions[names.back()] = chart.rows ? (*chart.rows)[n].function : "";
+        names.push_back(chart.names.empty() ? "" : chart.names[n]);
+        functions[names.back()] = chart.functions.empty() ? "" : chart.functions[n];
     }
     OVIK_REQUIRE(
-        write_result_table(kDirectory.file("page_plot.csv"),
-                           make_result_table<double>(Y.data(), N, 2, names.data(), functions)));
+        !write_result_table(kDirectory.file("page_plot.csv"),
+                            make_result_table<double>(Y.data(), N, 2, names.data(), functions)));
     int parameters[9] = {30, 180, 75, 120, 130, 90, -90, 0, 1};
     Javas<double> plot(kDirectory.prefix(), "page");
     plot.set_param(static_cast<int>(N), 2, nullptr);
     plot.set_postfix("plot");
+    PlottedRun<double> run;
+    if (from_run) {
+        run.title = run_title;
+        run.parameters = chart.parameters;
+        run.names = chart.names;
+        run.functions = chart.functions;
+        plot.setRun(run);
+    }
     plot.plotting("scatter",
                   coordinates.data(),
                   {chart.title, chart.x_title, chart.y_title},
@@ -264,15 +281,19 @@ void check_plotting(Chart chart, const RunCaption& caption) {
     const std::string page = test::read_file(kDirectory.file("page_plot.html"));
     const PageData data = data_of(page);
     const Json json = Json::parse(data.json);
-    const std::string& title = !chart.title.empty()     ? chart.title
-                               : !caption.title.empty() ? caption.title
-                                                        : "page_plot";
+    const std::string title = !chart.title.empty() ? chart.title
+                              : !run.title.empty() ? std::string(run.title)
+                                                   : "page_plot";
     require_text(json["title"], title);
     OVIK_REQUIRE(decoded_html(data.title) == test::plain_line(title));
     std::erase(chart.links, "");
     require_texts(json["links"], chart.links);
     OVIK_REQUIRE(json["pointCount"] == N);
     OVIK_REQUIRE(json["names"].empty() || json["names"].size() == N);
+    if (from_run) {
+        require_texts(json["names"], {chart.names.begin(), chart.names.end()});
+        require_texts(json["functions"], {chart.functions.begin(), chart.functions.end()});
+    }
 }
 
 }  // namespace
@@ -282,12 +303,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace ovik;
     test::InputLines input(data, size);
     const bool through_plotting = input.flag();
-    const RunCaption caption = caption_from(input);
-    const CaptionScope scope(caption);
-    const Chart chart = chart_from(input);
-    check_page(chart_page(chart), chart, caption);
+    ChartTexts texts;
+    const std::string run_title = run_title_from(input, texts);
+    const Chart chart = chart_from(input, texts);
+    check_page(chart_page(chart), chart);
     if (through_plotting) {
-        check_plotting(chart, caption);
+        check_plotting(chart, run_title, true);
+        check_plotting(chart, run_title, false);
     }
     return 0;
 }

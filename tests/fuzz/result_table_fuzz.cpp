@@ -79,7 +79,7 @@ void check_table(const RunResult& result, const std::string& path) {
     std::map<std::string, std::string> functions = result.functions;
     const ResultTable<T> table =
         make_result_table<T>(result.Y.data(), N, result.dims, result.names.data(), functions);
-    OVIK_REQUIRE(write_result_table(path, table));
+    OVIK_REQUIRE(!write_result_table(path, table));
 
     std::string expected = "name,data in xaxis,data in yaxis,psize,group,function\n";
     std::vector<ResultRow> rows;
@@ -126,7 +126,7 @@ void check_bare_table(const RunResult& result, const std::string& path) {
         table.coordinates.push_back({x, y});
         expected += plain_coordinate(x) + "," + plain_coordinate(y) + ",1,Data,\"NULL\"\n";
     }
-    OVIK_REQUIRE(write_result_table(path, table));
+    OVIK_REQUIRE(!write_result_table(path, table));
     OVIK_REQUIRE(test::read_file(path) == expected);
     const auto read = read_result_rows(path);
     OVIK_REQUIRE(read && read->size() == table.coordinates.size());

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "plots/run_caption.h"
+#include "plots/table_run.h"
 #include "results/result_table.h"
 
 #include "tests/support/path_variable.h"
@@ -59,8 +59,34 @@ class Figure : public testing::Test {
             }
         }
         const std::string base = directory_.file(name);
-        EXPECT_TRUE(write_result_table(base + ".csv", rows));
+        EXPECT_EQ(write_result_table(base + ".csv", rows), std::error_code());
         return base;
+    }
+
+    /// Draws a table as a run with labels, and returns what was said on standard error.
+    std::string drawLabelled(const std::string& base,
+                             const std::vector<std::string>& labels,
+                             const std::vector<double>& bounds = {0, 4, 0, 8}) {
+        const auto table = TableRun::read(base + ".csv");
+        PlottedRun<double> run = table->run();
+        run.labels = labels;
+        return drawRun(base, run, bounds);
+    }
+
+    /// Draws a run, and returns what was said on standard error.
+    template <typename T>
+    std::string drawRun(const std::string& base,
+                        const PlottedRun<T>& run,
+                        const std::vector<T>& bounds) {
+        testing::internal::CaptureStderr();
+        {
+            Gnuplot<T> figure;
+            figure.setRun(run);
+            figure.open(false);
+            plot(figure, base, bounds);
+            figure.close();
+        }
+        return testing::internal::GetCapturedStderr();
     }
 
     /// Draws and returns what was said on standard error.
@@ -142,9 +168,7 @@ TEST_F(Figure, IsReproducedByItsScriptWithoutTheTable) {
 
 TEST_F(Figure, GivesEveryLabelAColourAndALineOfTheLegend) {
     const std::string base = table("f");
-    const RunCaption caption{"", {}, {"G1", "S", "G1", "M", "S"}};
-    const CaptionScope scope(caption);
-    EXPECT_EQ(draw(base), "");
+    EXPECT_EQ(drawLabelled(base, {"G1", "S", "G1", "M", "S"}), "");
     EXPECT_EQ(marker_count(svg(base)), 5U + 3U);
     EXPECT_EQ(count(svg(base), "color='rgb(  0, 114, 178)' opacity='0.50'"), 2U);
     EXPECT_EQ(count(svg(base), "color='rgb(213,  94,   0)' opacity='0.50'"), 2U);
@@ -156,9 +180,7 @@ TEST_F(Figure, GivesEveryLabelAColourAndALineOfTheLegend) {
 
 TEST_F(Figure, DrawsAPanelPerPairOfComponents) {
     const std::string base = table("f", {"A", "B", "C", "D"}, 3);
-    const RunCaption caption{"", {}, {"x", "y", "x", "y"}};
-    const CaptionScope scope(caption);
-    EXPECT_EQ(draw(base), "");
+    EXPECT_EQ(drawLabelled(base, {"x", "y", "x", "y"}), "");
     EXPECT_EQ(marker_count(svg(base)), 3 * 4U + 2U);
     EXPECT_EQ(count(svg(base), "<text>Component 2</text>"), 2U);
     EXPECT_EQ(count(svg(base), "<text>Component 4</text>"), 1U);
@@ -173,9 +195,7 @@ TEST_F(Figure, ShortensLongLabelsAndCountsThoseThatDoNotFit) {
         labels.push_back("the label of gene number " + std::to_string(n));
     }
     const std::string base = table("f", names);
-    const RunCaption caption{"", {}, labels};
-    const CaptionScope scope(caption);
-    EXPECT_EQ(draw(base, std::vector<double>{0, 199, 0, 19800.5}), "");
+    EXPECT_EQ(drawLabelled(base, labels, {0, 199, 0, 19800.5}), "");
     EXPECT_THAT(svg(base), HasSubstr("\xE2\x80\xA6</text>"));
     EXPECT_THAT(svg(base), HasSubstr(" more</text>"));
     EXPECT_THAT(svg(base), Not(HasSubstr("gene number 1")));
@@ -239,9 +259,7 @@ TEST_F(Figure, DrawsTextsOfTheDataAsTextsAndRunsNoneOfThem) {
     std::vector<std::string> names = hostile;
     names[7] = "two lines are no row of a table";
     const std::string base = table("f", names);
-    const RunCaption caption{"", {}, hostile};
-    const CaptionScope scope(caption);
-    EXPECT_EQ(draw(base, std::vector<double>{0, 9, 0, 40.5}), "");
+    EXPECT_EQ(drawLabelled(base, hostile, {0, 9, 0, 40.5}), "");
     EXPECT_FALSE(std::filesystem::exists(trap));
     EXPECT_EQ(marker_count(svg(base)), 20U);
     EXPECT_THAT(svg(base), Not(HasSubstr("<script>")));
@@ -354,15 +372,48 @@ TEST_F(Figure, ReportsAScriptThatCannotBeWritten) {
                 HasSubstr("I cannot write file: " + base + ".gp"));
 }
 
-TEST_F(Figure, IsNotDrawnFromTheTableOfAnotherRun) {
+TEST_F(Figure, OfARunNeedsNoTableAndShowsNoOther) {
     const std::string base = table("f");
-    RunCaption caption;
-    caption.has_table = false;
-    const CaptionScope scope(caption);
-    EXPECT_EQ(draw(base),
-              "Figure " + base +
-                  ".png was not drawn: the result table of this run could not be written.\n");
-    EXPECT_EQ(directory_.entryCount(), 1U);
+    const std::vector<float> x = {0.1F, 1.0F / 3.0F};
+    const std::vector<float> y = {-2.5e-7F, 16777216.0F};
+    PlottedRun<float> run;
+    run.x = x;
+    run.y = y;
+    EXPECT_EQ(drawRun<float>(base, run, {0.1F, 0.5F, -1.0F, 2e7F}), "");
+    EXPECT_EQ(marker_count(svg(base)), 2U);
+    EXPECT_THAT(script(base), HasSubstr("\n0.1 -2.5e-07\n0.33333334 16777216\nEND_OF_POINTS"));
+    std::filesystem::remove(base + ".csv");
+    const std::string drawn = png(base);
+    std::filesystem::remove(base + ".png");
+    EXPECT_EQ(drawRun<float>(base, run, {0.1F, 0.5F, -1.0F, 2e7F}), "");
+    EXPECT_EQ(png(base), drawn);
+}
+
+TEST_F(Figure, RefusesARunOfUnequalLists) {
+    const std::vector<double> x = {1.0, 2.0};
+    PlottedRun<double> run;
+    run.x = x;
+    Gnuplot<double> figure;
+    figure.setRun(run);
+    figure.open(false);
+    EXPECT_THROW(plot<double>(figure, directory_.file("f"), {0, 1, 0, 1}), std::invalid_argument);
+    EXPECT_EQ(directory_.entryCount(), 0U);
+}
+
+TEST_F(Figure, IsWrittenThroughLinksAndKeepsPermissions) {
+    const std::string base = table("f");
+    draw(base);
+    const std::string drawn = png(base);
+    const test::TemporaryDirectory elsewhere;
+    std::filesystem::remove(base + ".png");
+    std::filesystem::create_symlink(elsewhere.file("picture"), base + ".png");
+    std::filesystem::permissions(base + ".svg", std::filesystem::perms::owner_read);
+    EXPECT_EQ(draw(base), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(base + ".png"));
+    EXPECT_EQ(test::read_file(elsewhere.file("picture")), drawn);
+    EXPECT_EQ(std::filesystem::status(base + ".svg").permissions(),
+              std::filesystem::perms::owner_read);
+    EXPECT_EQ(directory_.entryCount(), 4U);
 }
 
 TEST_F(Figure, TellsWhatBecameOfIt) {

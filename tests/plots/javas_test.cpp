@@ -4,14 +4,12 @@
 #include <filesystem>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
-#include "plots/chart_page.h"
-#include "plots/page_template.h"
-#include "plots/run_caption.h"
 #include "results/result_table.h"
 
 #include "tests/support/temporary_directory.h"
@@ -23,21 +21,12 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::Not;
 
 /// The data of a page, as its script would read them.
 json data_of(const std::string& page) {
     const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
     const std::size_t start = page.find(opening) + opening.size();
     return json::parse(page.substr(start, page.find("</script>", start) - start));
-}
-
-std::size_t count(const std::string& text, const std::string& part) {
-    std::size_t found = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++found;
-    }
-    return found;
 }
 
 std::string title_of(const std::string& page) {
@@ -51,7 +40,8 @@ class ChartPage : public testing::Test {
     template <typename T>
     std::string page(std::vector<std::array<T, 2>> coordinates,
                      const std::vector<std::string>& labels = {},
-                     const std::vector<std::string>& options = {"false", ""}) {
+                     const std::vector<std::string>& options = {"false", ""},
+                     const PlottedRun<T>* run = nullptr) {
         std::vector<T*> rows;
         for (auto& row : coordinates) {
             rows.push_back(row.data());
@@ -59,6 +49,9 @@ class ChartPage : public testing::Test {
         Javas<T> chart(directory_.prefix(), "yeast");
         chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
         chart.set_postfix("tsne_30_0");
+        if (run != nullptr) {
+            chart.setRun(*run);
+        }
         int parameters[] = {30, 180, 75, 120, 130, 90, -90, 0, 1};
         chart.plotting("scatter",
                        rows.data(),
@@ -78,7 +71,8 @@ class ChartPage : public testing::Test {
                     const std::vector<std::string>& groups,
                     const std::vector<std::string>& functions) {
         const ResultTable<double> table{coordinates, names, groups, functions};
-        ASSERT_TRUE(write_result_table(directory_.file("yeast_tsne_30_0.csv"), table));
+        ASSERT_EQ(write_result_table(directory_.file("yeast_tsne_30_0.csv"), table),
+                  std::error_code());
     }
 
     test::TemporaryDirectory directory_;
@@ -144,20 +138,42 @@ TEST_F(ChartPage, DoesNotTakeTheTableOfAnotherRun) {
     EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
 }
 
-TEST_F(ChartPage, DoesNotTakeATableThatTheCaptionDisowns) {
-    writeTable({{1.5, -2}}, {"A"}, {"Group:1:2"}, {"f"});
-    RunCaption caption;
-    caption.has_table = false;
-    const CaptionScope scope(caption);
-    EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
+TEST_F(ChartPage, OfARunTakesNothingFromATable) {
+    writeTable({{1.5, -2}, {1.5, -2}}, {"X", "Y"}, {"Group:1:2", "Group:1:3"}, {"f", "g"});
+    const std::vector<std::string> names = {"A", "line\nbreak"};
+    const std::vector<std::string> groups(2, "Group:1:2");
+    const std::vector<std::string> functions = {"enzyme", ""};
+    PlottedRun<double> run;
+    run.names = names;
+    run.groups = groups;
+    run.functions = functions;
+    const json data = data_of(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &run));
+    EXPECT_EQ(data["names"], json(names));
+    EXPECT_EQ(data["functions"], json(functions));
+    EXPECT_EQ(data["pairs"].size(), 1U);
+    EXPECT_EQ(data["pairs"][0]["group"], "Group:1:2");
+    // A run without texts has none, whatever the table says.
+    const PlottedRun<double> bare;
+    const json plain = data_of(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &bare));
+    EXPECT_EQ(plain["names"], json::array());
 }
 
-TEST_F(ChartPage, ShowsTheCaption) {
-    const RunCaption caption{"Yeast & <friends>", {{"Perplexity", "30"}}, {}};
-    const CaptionScope scope(caption);
-    const std::string html = page<float>({{1.5F, 2.0F}});
+TEST_F(ChartPage, RefusesARunOfOtherRows) {
+    const std::vector<std::string> names = {"A", "B"};
+    PlottedRun<double> run;
+    run.names = names;
+    EXPECT_THROW(page<double>({{1.5, -2}}, {}, {"false", ""}, &run), std::invalid_argument);
+    EXPECT_EQ(directory_.entryCount(), 0U);
+}
+
+TEST_F(ChartPage, ShowsTitleAndParametersOfARun) {
+    const std::vector<std::pair<std::string, std::string>> parameters = {{"Perplexity", "30"}};
+    PlottedRun<float> run;
+    run.title = "Yeast & <friends>";
+    run.parameters = parameters;
+    const std::string html = page<float>({{1.5F, 2.0F}}, {}, {"false", ""}, &run);
     EXPECT_EQ(title_of(html), "Yeast &amp; &lt;friends&gt;");
-    EXPECT_EQ(data_of(html)["title"], caption.title);
+    EXPECT_EQ(data_of(html)["title"], run.title);
     EXPECT_EQ(data_of(html)["parameters"], json::array({{"Perplexity", "30"}}));
 }
 
@@ -202,76 +218,6 @@ TEST_F(ChartPage, SaysThatItCannotBeWritten) {
     EXPECT_THAT(
         testing::internal::GetCapturedStdout(),
         HasSubstr("Error: I cannot write file: " + directory_.file("yeast_tsne_30_0.html")));
-}
-
-/// Tags and scripts of the page as it is built; data must not add to them.
-void expect_no_markup_from_data(const std::string& html) {
-    const std::string empty = chart_page(Chart{});
-    for (const char* markup : {"<", ">", "<script", "</script", "<img"}) {
-        ASSERT_EQ(count(html, markup), count(empty, markup)) << markup;
-    }
-}
-
-TEST(ChartPageEscapes, EveryTextForWhereItLands) {
-    const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
-    Chart chart;
-    chart.title = chart.name = chart.x_title = chart.y_title = hostile;
-    chart.texts = chart.category_order = chart.colours = chart.links = chart.labels = {hostile};
-    chart.colour_scheme = hostile;
-    chart.x = chart.y = {1.0};
-    chart.rows = {{hostile, 1.0, 1.0, "Group:<1>:2", hostile}};
-    const RunCaption caption{hostile, {{hostile, hostile}}, {}};
-    const CaptionScope scope(caption);
-    const std::string html = chart_page(chart);
-    expect_no_markup_from_data(html);
-    const std::string shown =
-        "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xEF\xBF\xBD\n";
-    const json data = data_of(html);
-    EXPECT_EQ(data["names"][0], shown);
-    EXPECT_EQ(data["functions"][0], shown);
-    EXPECT_EQ(data["labels"][0], shown);
-    EXPECT_EQ(data["title"], shown);
-    EXPECT_EQ(data["parameters"][0][1], shown);
-    EXPECT_EQ(title_of(html),
-              "&lt;/script&gt;&lt;img src=x onerror=alert(1)&gt; &amp; &quot; &#39; "
-              "\xE2\x80\xA8 \xEF\xBF\xBD ");
-}
-
-RC_GTEST_PROP(ChartPageEscapes, AnyBytes, (const std::string& text)) {
-    Chart chart;
-    chart.title = text;
-    chart.labels = {text};
-    chart.x = chart.y = {0.0};
-    chart.rows = {{text, 0.0, 0.0, text, text}};
-    const std::string html = chart_page(chart);
-    expect_no_markup_from_data(html);
-    const json data = data_of(html);
-    RC_ASSERT(data["labels"].size() == 1U);
-    RC_ASSERT(data["names"][0] == data["functions"][0]);
-}
-
-TEST(PageTemplate, HasItsTwoPlacesInOrder) {
-    const std::string page(page_template());
-    EXPECT_EQ(count(page, "{{page-title}}"), 1U);
-    EXPECT_EQ(count(page, "{{chart-data}}"), 1U);
-    EXPECT_LT(page.find("{{page-title}}"), page.find("{{chart-data}}"));
-    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
-    EXPECT_THAT(page, Not(HasSubstr("unsafe-")));
-}
-
-TEST(CaptionScope, NestsAndEnds) {
-    EXPECT_EQ(current_caption().title, "");
-    const RunCaption outer{"outer", {}, {}};
-    const RunCaption inner{"inner", {}, {}};
-    {
-        const CaptionScope outer_scope(outer);
-        {
-            const CaptionScope inner_scope(inner);
-            EXPECT_EQ(current_caption().title, "inner");
-        }
-        EXPECT_EQ(current_caption().title, "outer");
-    }
-    EXPECT_EQ(current_caption().title, "");
 }
 
 }  // namespace

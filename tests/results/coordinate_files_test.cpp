@@ -1,8 +1,8 @@
 #include "results/coordinate_files.h"
 
-#include <cerrno>
 #include <cstring>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,18 +22,20 @@ class CoordinateFiles : public testing::Test {
 
 TEST_F(CoordinateFiles, OfTextReadAsTheSameNumbers) {
     const std::string names[] = {"CDC28", "a\tb\n", "\xff"};
-    ASSERT_TRUE(write_coordinates_tsv<double>(path_, names, kCoordinates.data(), 3, 2));
+    ASSERT_EQ(write_coordinates_tsv<double>(path_, names, kCoordinates.data(), 3, 2),
+              std::error_code());
     EXPECT_EQ(test::read_file(path_),
               "name\tcomponent_1\tcomponent_2\n"
               "CDC28\t0.1\t-2.5e-07\n"
               "a b \t1e+300\t3\n"
               "\xef\xbf\xbd\t-0\t0.3333333333333333\n");
-    ASSERT_TRUE(write_coordinates_tsv<float>(path_, names, kCoordinates.data(), 1, 2));
+    ASSERT_EQ(write_coordinates_tsv<float>(path_, names, kCoordinates.data(), 1, 2),
+              std::error_code());
     EXPECT_EQ(test::read_file(path_), "name\tcomponent_1\tcomponent_2\nCDC28\t0.1\t-2.5e-07\n");
 }
 
 TEST_F(CoordinateFiles, OfNumPyHoldTheBytesOfTheNumbers) {
-    ASSERT_TRUE(write_coordinates_npy<double>(path_, kCoordinates.data(), 3, 2));
+    ASSERT_EQ(write_coordinates_npy<double>(path_, kCoordinates.data(), 3, 2), std::error_code());
     const std::string content = test::read_file(path_);
     ASSERT_EQ(content.size(), 128U + 48U);
     EXPECT_EQ(content.substr(0, 10), std::string("\x93NUMPY\x01\x00\x76\x00", 10));
@@ -44,7 +46,7 @@ TEST_F(CoordinateFiles, OfNumPyHoldTheBytesOfTheNumbers) {
 }
 
 TEST_F(CoordinateFiles, OfNumPyMayHoldFloats) {
-    ASSERT_TRUE(write_coordinates_npy<float>(path_, kCoordinates.data(), 1, 2));
+    ASSERT_EQ(write_coordinates_npy<float>(path_, kCoordinates.data(), 1, 2), std::error_code());
     const std::string content = test::read_file(path_);
     EXPECT_NE(content.find("'<f4'"), std::string::npos);
     const float expected[] = {0.1F, -2.5e-7F};
@@ -56,10 +58,10 @@ TEST_F(CoordinateFiles, ThatCannotBeWrittenAreReported) {
     const std::string nowhere = directory_.file("none/map");
     const std::string name = "A";
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(write_coordinates_npy<double>(nowhere, kCoordinates.data(), 1, 2));
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_FALSE(write_coordinates_tsv<double>(nowhere, &name, kCoordinates.data(), 1, 2));
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(write_coordinates_npy<double>(nowhere, kCoordinates.data(), 1, 2),
+              std::errc::no_such_file_or_directory);
+    EXPECT_EQ(write_coordinates_tsv<double>(nowhere, &name, kCoordinates.data(), 1, 2),
+              std::errc::no_such_file_or_directory);
     EXPECT_NE(testing::internal::GetCapturedStdout().find(nowhere), std::string::npos);
 }
 

@@ -26,7 +26,7 @@ ResultTable<T> table_of(const std::vector<double>& Y,
 template <typename T>
 std::string written(const ResultTable<T>& table) {
     const test::TemporaryDirectory directory;
-    EXPECT_TRUE(write_result_table(directory.file("t.csv"), table));
+    EXPECT_EQ(write_result_table(directory.file("t.csv"), table), std::error_code());
     EXPECT_EQ(directory.entryCount(), 1U);
     return test::read_file(directory.file("t.csv"));
 }
@@ -105,7 +105,8 @@ TEST(WriteResultTable, EscapesNothing) {
 
 TEST(WriteResultTable, ReportsAFileThatCannotBeOpened) {
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(write_result_table("no/such/dir/t.csv", table_of({1.0, 2.0}, 2, {"A"})));
+    EXPECT_EQ(write_result_table("no/such/dir/t.csv", table_of({1.0, 2.0}, 2, {"A"})),
+              std::errc::no_such_file_or_directory);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "\n-- \033[1;31mError: I cannot open file: no/such/dir/t.csv\n\033[0m\n");
 }

@@ -1,5 +1,7 @@
 #include "results/run_log.h"
 
+#include <system_error>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/temporary_directory.h"
@@ -34,8 +36,8 @@ TEST(RunLogRecord, BeginsBothSentencesWithABlankWithoutTitle) {
 TEST(AppendRunLog, LeavesOneRecordPerRun) {
     const test::TemporaryDirectory directory;
     const std::string base = directory.file("yeast");
-    append_run_log(base, "Yeast", 30.0, "tsne_30_0");
-    append_run_log(base, "Yeast", 5.0, "tsne_5_0");
+    EXPECT_EQ(append_run_log(base, "Yeast", 30.0, "tsne_30_0"), std::error_code());
+    EXPECT_EQ(append_run_log(base, "Yeast", 5.0, "tsne_5_0"), std::error_code());
     EXPECT_EQ(
         test::read_file(base + ".log"),
         run_log_record("Yeast", 30.0, "tsne_30_0") + run_log_record("Yeast", 5.0, "tsne_5_0"));
@@ -43,7 +45,8 @@ TEST(AppendRunLog, LeavesOneRecordPerRun) {
 
 TEST(AppendRunLog, IsSilentWhereItCannotWrite) {
     testing::internal::CaptureStdout();
-    append_run_log("no/such/directory/yeast", "Yeast", 30.0, "tsne_30_0");
+    EXPECT_EQ(append_run_log("no/such/directory/yeast", "Yeast", 30.0, "tsne_30_0"),
+              std::errc::no_such_file_or_directory);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 

@@ -1,12 +1,9 @@
-#include "stats/plot_hand_off.h"
+#include "plots/plot_hand_off.h"
 
-#include <limits>
 #include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "tests/support/threads.h"
 
 namespace ovik {
 
@@ -29,6 +26,13 @@ std::string list(const Values& values) {
 }
 
 template <typename T>
+void record(const PlottedRun<T>& run) {
+    calls.push_back("run " + std::string(run.title) + " " + run.parameters[0].first + list(run.x) +
+                    list(run.y) + list(run.labels) + list(run.names) + list(run.groups) +
+                    list(run.functions));
+}
+
+template <typename T>
 class RecordingChart {
   public:
     RecordingChart(std::string out_dir, std::string out_name) {
@@ -45,6 +49,8 @@ class RecordingChart {
     void set_postfix(std::string postfix) { calls.push_back("set_postfix " + postfix); }
 
     // NOLINTEND(readability-identifier-naming)
+
+    void setRun(const PlottedRun<T>& run) { record(run); }
 
     void plotting(std::string type,
                   T** coordinates,
@@ -82,6 +88,8 @@ class RecordingFigure {
     RecordingFigure& operator=(const RecordingFigure&) = delete;
 
     virtual ~RecordingFigure() { calls.push_back("destroyed"); }
+
+    void setRun(const PlottedRun<T>& run) { record(run); }
 
     void open(bool window) { calls.push_back(std::string("open ") + (window ? "true" : "false")); }
 
@@ -130,23 +138,37 @@ TYPED_TEST(PlotHandOff, MakesTheCallsInOrder) {
     const std::vector<std::array<T, 2>> coordinates = {
         {T(1.5), T(-2)}, {T(-3), T(4)}, {T(0.25), T(0)}};
     const PlotColumns<T> columns(coordinates);
+    const std::vector<std::pair<std::string, std::string>> parameters = {{"Theta", "0"}};
+    const std::vector<std::string> labels = {"a", "b", "a"};
+    const std::vector<std::string> names = {"A", "B", "C"};
+    const std::vector<std::string> groups(3, "Group:1:2");
+    const std::vector<std::string> functions = {"f", "g", "h"};
+    PlottedRun<T> run;
+    run.title = "Yeast";
+    run.parameters = parameters;
+    run.labels = labels;
+    run.names = names;
+    run.groups = groups;
+    run.functions = functions;
     const PlotOutcome outcome = hand_to_plots<T, RecordingChart, RecordingFigure>(
-        {"res/", "yeast", "res/yeast_tsne_30_0", "tsne_30_0"},
-        coordinates,
-        columns,
-        {"a", "b", "a"});
+        {"res/", "yeast", "res/yeast_tsne_30_0", "tsne_30_0"}, coordinates, columns, run);
+    const std::string shown =
+        "run Yeast Theta[<1.5><-3><0.25>][<-2><4><0>][<a><b><a>][<A><B><C>]"
+        "[<Group:1:2><Group:1:2><Group:1:2>][<f><g><h>]";
     EXPECT_EQ(outcome.page_failure, std::errc::io_error);
     EXPECT_EQ(outcome.figure, FigureOutcome::ScriptOnly);
     EXPECT_THAT(calls,
                 ElementsAre("chart res/ yeast",
                             "set_param 3 2 null",
                             "set_postfix tsne_30_0",
+                            shown,
                             "plotting scatter [<1.5><-2><-3><4><0.25><0>]"
                             "[<><Component 1><Component 2><><><><>][][][<false><>]"
                             "[<30><180><75><120><130><90><-90><0><1>][<><>][<a><b><a>]",
                             "figure",
                             "open false",
                             "style <>[<1200><1200><0.85><0.1><0.1><0.9>]21 true",
+                            shown,
                             "plotting res/yeast_tsne_30_0 <changed> <changed> [<-3><1.5><-2><4>]"
                             "[<Component 1><Component 2>]scatter<><>[<2><3>][]",
                             "close",
@@ -156,65 +178,14 @@ TYPED_TEST(PlotHandOff, MakesTheCallsInOrder) {
 TYPED_TEST(PlotHandOff, PassesOnEmptyLabelsAndNoRows) {
     using T = TypeParam;
     const PlotColumns<T> columns({});
-    hand_to_plots<T, RecordingChart, RecordingFigure>({"", "n", "n_s", "s"}, {}, columns, {});
-    ASSERT_EQ(calls.size(), 10U);
+    const std::vector<std::pair<std::string, std::string>> parameters = {{"", ""}};
+    PlottedRun<T> run;
+    run.parameters = parameters;
+    hand_to_plots<T, RecordingChart, RecordingFigure>({"", "n", "n_s", "s"}, {}, columns, run);
+    ASSERT_EQ(calls.size(), 12U);
     EXPECT_EQ(calls[1], "set_param 0 2 null");
-    EXPECT_THAT(calls[3], testing::EndsWith("[<><>][]"));
-    EXPECT_THAT(calls[7], testing::HasSubstr("[<0><0><0><0>]"));
-}
-
-template <typename T>
-class PlotColumnsTest : public testing::Test {};
-
-TYPED_TEST_SUITE(PlotColumnsTest, ElementTypes);
-
-TYPED_TEST(PlotColumnsTest, BoundsAllRows) {
-    using T = TypeParam;
-    const PlotColumns<T> columns({{T(2), T(7)}, {T(-1), T(9)}, {T(5), T(8)}});
-    EXPECT_THAT(columns.x, ElementsAre(T(2), T(-1), T(5)));
-    EXPECT_THAT(columns.y, ElementsAre(T(7), T(9), T(8)));
-    EXPECT_THAT(columns.bounds, ElementsAre(T(-1), T(5), T(7), T(9)));
-}
-
-TYPED_TEST(PlotColumnsTest, DoesNotWidenARangeOfZeroWidth) {
-    using T = TypeParam;
-    const PlotColumns<T> columns({{T(2), T(1)}, {T(2), T(3)}});
-    EXPECT_THAT(columns.bounds, ElementsAre(T(2), T(2), T(1), T(3)));
-}
-
-TYPED_TEST(PlotColumnsTest, TiesKeepTheEarlierValue) {
-    using T = TypeParam;
-    const PlotColumns<T> columns({{T(0), -T(0)}, {-T(0), T(0)}});
-    EXPECT_FALSE(std::signbit(columns.bounds[0]));
-    EXPECT_FALSE(std::signbit(columns.bounds[1]));
-    EXPECT_TRUE(std::signbit(columns.bounds[2]));
-    EXPECT_TRUE(std::signbit(columns.bounds[3]));
-}
-
-TYPED_TEST(PlotColumnsTest, AFirstRowThatIsNoNumberStays) {
-    using T = TypeParam;
-    const T nan = std::numeric_limits<T>::quiet_NaN();
-    const PlotColumns<T> columns({{nan, T(1)}, {T(2), nan}, {T(3), T(5)}});
-    EXPECT_TRUE(std::isnan(columns.bounds[0]));
-    EXPECT_TRUE(std::isnan(columns.bounds[1]));
-    EXPECT_EQ(columns.bounds[2], T(1));
-    EXPECT_EQ(columns.bounds[3], T(5));
-}
-
-TYPED_TEST(PlotColumnsTest, AreTheSameForAnyNumberOfThreads) {
-    using T = TypeParam;
-    std::vector<std::array<T, 2>> coordinates(50000);
-    for (std::size_t row = 0; row < coordinates.size(); ++row) {
-        coordinates[row] = {static_cast<T>((row * 7919) % 50021), static_cast<T>(row % 313)};
-    }
-    const PlotColumns<T> one(coordinates);
-    for (const int threads : {1, 2, 3, 8}) {
-        const test::ThreadCount scope(threads);
-        const PlotColumns<T> columns(coordinates);
-        EXPECT_EQ(columns.x, one.x);
-        EXPECT_EQ(columns.y, one.y);
-        EXPECT_EQ(columns.bounds, one.bounds);
-    }
+    EXPECT_THAT(calls[4], testing::EndsWith("[<><>][]"));
+    EXPECT_THAT(calls[9], testing::HasSubstr("[<0><0><0><0>]"));
 }
 
 }  // namespace

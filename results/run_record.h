@@ -1,12 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
-#include "stats/neighbourhood_quality.h"
-#include "stats/run_times.h"
-
-namespace ovik::tool {
+namespace ovik {
 
 /// A file that a run was to write.
 struct ResultFile {
@@ -15,6 +13,24 @@ struct ResultFile {
     std::string path;
     /// Why it is not there; empty if it is.
     std::string failure;
+};
+
+/// How long the stages of a run took, by the clock on the wall.
+struct RecordedSeconds {
+    double similarities = 0.0;
+    double fitting = 0.0;
+    /// Table, log and plots.
+    double results = 0.0;
+};
+
+/// How well the map keeps neighbourhoods of one size.
+struct RecordedQuality {
+    /// Rows in a neighbourhood.
+    std::size_t neighbours = 0;
+    /// 0 to 1.
+    double trustworthiness = 0.0;
+    /// The part of the neighbours that the map keeps, 0 to 1.
+    double preservation = 0.0;
 };
 
 /// What came of one run of the engine.
@@ -26,9 +42,9 @@ struct RunRecord {
     std::vector<double> costs;
     /// Against the similarities without exaggeration.
     double final_cost = 0.0;
-    RunTimes seconds;
+    RecordedSeconds seconds;
     /// Empty unless it was asked for.
-    std::vector<NeighbourhoodQuality> quality;
+    std::vector<RecordedQuality> quality;
     std::vector<ResultFile> files;
 
     [[nodiscard]] bool isComplete() const {
@@ -41,4 +57,4 @@ struct RunRecord {
     }
 };
 
-}  // namespace ovik::tool
+}  // namespace ovik

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <vector>
 
-#include "stats/elementwise.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -21,7 +21,7 @@ struct PlotColumns {
         : x(coordinates.size()),
           y(coordinates.size()),
           bounds(4) {
-        parallel_for_each(coordinates.size(), kElementwiseGrain, [&](std::size_t row) {
+        parallel_for_each(coordinates.size(), kFewestRows, [&](std::size_t row) {
             x[row] = coordinates[row][0];
             y[row] = coordinates[row][1];
         });
@@ -30,6 +30,9 @@ struct PlotColumns {
     }
 
   private:
+    /// Fewest rows for which another thread pays.
+    static constexpr std::size_t kFewestRows = 2048;
+
     static void span(const std::vector<T>& values, T& minimum, T& maximum) {
         if (values.empty()) {
             return;

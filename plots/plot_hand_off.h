@@ -8,8 +8,9 @@
 
 #include "plots/gnuplot.h"
 #include "plots/javas.h"
+#include "plots/plot_columns.h"
 #include "plots/plot_outcome.h"
-#include "stats/plot_columns.h"
+#include "plots/plotted_run.h"
 
 /// The last step of a run: its embedding goes to the chart page and to the figure.
 
@@ -25,11 +26,11 @@ struct PlotNames {
     std::string stem;
 };
 
-/// Draws the chart page from the coordinates, then the figure from the result table on the disk.
+/// Draws the chart page from the coordinates, then the figure from their columns.
 ///
-/// @param coordinates  of all rows of the table; released after the page
+/// @param coordinates  of all rows of the run; released after the page
 /// @param columns      of the same coordinates
-/// @param labels       one per point, or empty
+/// @param run          what else there is to show; its coordinates are those of the columns
 /// @tparam Chart, Figure  the plotting classes
 template <typename T,
           template <typename> class Chart = Javas,
@@ -37,7 +38,9 @@ template <typename T,
 PlotOutcome hand_to_plots(const PlotNames& names,
                           std::vector<std::array<T, 2>> coordinates,
                           const PlotColumns<T>& columns,
-                          const std::vector<std::string>& labels) {
+                          PlottedRun<T> run) {
+    run.x = columns.x;
+    run.y = columns.y;
     std::vector<T*> rows;
     rows.reserve(coordinates.size());
     for (std::array<T, 2>& row : coordinates) {
@@ -46,6 +49,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
     Chart<T> chart(names.out_dir, names.out_name);
     chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
     chart.set_postfix(names.stem);
+    chart.setRun(run);
     // Margins (top, right, bottom, left), width of the legend, turns of x ticks and y title,
     // decimals, grid.
     auto parameters = std::unique_ptr<int[]>(new int[9]{30, 180, 75, 120, 130, 90, -90, 0, 1});
@@ -57,7 +61,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
                    {"false", ""},
                    parameters.get(),
                    {"", ""},
-                   labels);
+                   {run.labels.begin(), run.labels.end()});
     parameters.reset();
     coordinates = {};
     rows = {};
@@ -74,6 +78,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
                  static_cast<T>(0.9),
                  21,
                  true);
+    figure.setRun(run);
     figure.plotting(names.base,
                     style,
                     style,

@@ -1,18 +1,13 @@
-#include "tools/run_report.h"
+#include "results/run_report.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <system_error>
 
-#include "util/console.h"
 #include "util/json_text.h"
 #include "util/whole_file.h"
 
-#include "tools/standard_streams.h"
-
-namespace ovik::tool {
+namespace ovik {
 
 namespace {
 
@@ -44,26 +39,10 @@ std::string path_from(const std::filesystem::path& directory, const std::string&
     return std::filesystem::proximate(path, directory).string();
 }
 
-/// All but the perplexity, which is that of each run.
-std::string json_options(const Options& options) {
-    std::vector<std::pair<std::string_view, std::string>> members;
-    visit_fit_options(options.fit, [&members](const auto& option) {
-        if (option.words.name != "perplexity") {
-            members.emplace_back(option.words.name, json_text(option.value));
-        }
-    });
-    members.emplace_back(
-        "precision",
-        json_text(std::string(options.precision == Precision::Float ? "float" : "double")));
-    members.emplace_back("title", json_text(options.title));
-    return json_object(members);
-}
-
 std::string json_input(const RunReport& report, const std::filesystem::path& directory) {
-    const Options& options = report.options;
     return json_object(
         {{"path",
-          json_text(options.matrix == "-" ? options.matrix : path_from(directory, options.matrix))},
+          json_text(report.input == "-" ? report.input : path_from(directory, report.input))},
          {"format", json_text(report.format)},
          {"rows", json_text(report.rows)},
          {"columns", json_text(report.columns)},
@@ -75,10 +54,10 @@ std::string json_input(const RunReport& report, const std::filesystem::path& dir
                        {"names", json_text(hexadecimal(report.names))}})}});
 }
 
-std::string json_quality(const std::vector<NeighbourhoodQuality>& qualities) {
+std::string json_quality(const std::vector<RecordedQuality>& qualities) {
     std::vector<std::string> list;
     list.reserve(qualities.size());
-    for (const NeighbourhoodQuality& quality : qualities) {
+    for (const RecordedQuality& quality : qualities) {
         list.push_back(json_object({{"neighbours", json_text(quality.neighbours)},
                                     {"trustworthiness", json_text(quality.trustworthiness)},
                                     {"preservation", json_text(quality.preservation)}}));
@@ -114,23 +93,18 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
 
 }  // namespace
 
-std::string report_json(const RunReport& report) {
-    const std::filesystem::path directory =
-        std::filesystem::absolute(report.options.report_file).parent_path();
-    std::vector<std::string> arguments;
-    for (const std::string& argument : report.command_line) {
-        arguments.push_back(json_text(argument));
-    }
+std::string report_json(const RunReport& report, const std::string& path) {
+    const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
     std::vector<std::string> runs;
     for (const RunRecord& run : report.runs) {
         runs.push_back(json_run(run, directory));
     }
     return json_object({{"report", json_text(kReportVersion)},
-                        {"program", json_text(std::string("ovik-tsne"))},
-                        {"version", json_text(std::string(OVIK_VERSION))},
-                        {"command_line", json_list(arguments)},
+                        {"program", json_text(report.program)},
+                        {"version", json_text(report.version)},
+                        {"command_line", json_list_of(report.command_line)},
                         {"started", json_text(utc_text(report.started))},
-                        {"options", json_options(report.options)},
+                        {"options", json_object(report.options)},
                         {"threads", json_text(report.threads)},
                         {"input", json_input(report, directory)},
                         {"seconds",
@@ -140,19 +114,12 @@ std::string report_json(const RunReport& report) {
                          json_object({{"estimated", json_text(report.estimated_memory)},
                                       {"peak", json_text(report.peak_memory)}})},
                         {"runs", json_list(runs)},
-                        {"exit_status", json_text(static_cast<int>(report.exit_status))}}) +
+                        {"exit_status", json_text(report.exit_status)}}) +
            "\n";
 }
 
-bool write_report(const RunReport& report) {
-    const std::string& path = report.options.report_file;
-    if (write_whole_file(path, report_json(report))) {
-        print_info("Report: " + path);
-        return true;
-    }
-    complain("Report could not be written: " + path + " (" +
-             std::generic_category().message(errno) + ")");
-    return false;
+std::error_code write_run_report(const std::string& path, const RunReport& report) {
+    return write_whole_text(path, report_json(report, path));
 }
 
-}  // namespace ovik::tool
+}  // namespace ovik

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace ovik {
+
+/// A run as its chart page and its figure show it. Everything is a view: what it shows belongs to
+/// the run and outlives the drawing. All texts are data: any bytes.
+template <typename T>
+struct PlottedRun {
+    /// What the data are; empty for nothing to say.
+    std::string_view title;
+    /// Names and values of the run's parameters, in the order in which they are shown.
+    std::span<const std::pair<std::string, std::string>> parameters;
+    /// One label per point or per row, which gives it its colour; empty for none.
+    std::span<const std::string> labels;
+
+    // The rows: every point under the first pair of components, then every point under the second
+    // one, and so on. Each list of texts has one per row, or is empty for none.
+
+    /// Coordinates; what is not finite is not drawn.
+    std::span<const T> x;
+    std::span<const T> y;
+    /// Of the points.
+    std::span<const std::string> names;
+    /// "Group:1:2" for components 1 and 2. Without groups all rows are of one pair.
+    std::span<const std::string> groups;
+    /// What the genes do.
+    std::span<const std::string> functions;
+};
+
+}  // namespace ovik

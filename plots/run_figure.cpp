@@ -1,0 +1,144 @@
+#include "plots/run_figure.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "plots/component_pair.h"
+
+namespace ovik {
+
+namespace {
+
+/// The number of each row's label, in order of appearance.
+class LabelNumbers {
+  public:
+    LabelNumbers(std::span<const std::string> labels,
+                 std::size_t point_count,
+                 std::size_t row_count) {
+        // One per point, or one per row.
+        if (labels.size() != point_count && labels.size() != row_count) {
+            return;
+        }
+        std::map<std::string_view, std::size_t> numbers;
+        for (const std::string& label : labels) {
+            const auto [entry, is_new] = numbers.emplace(label, names.size());
+            if (is_new) {
+                names.push_back(label);
+            }
+            numbers_.push_back(entry->second);
+        }
+    }
+
+    /// The label of a row; 0 without labels.
+    [[nodiscard]] std::size_t of(std::size_t row) const {
+        return numbers_.empty() ? 0 : numbers_[row % numbers_.size()];
+    }
+
+    std::vector<std::string> names;
+
+  private:
+    std::vector<std::size_t> numbers_;
+};
+
+template <typename T>
+std::vector<FigurePanel> panels_of(const PlottedRun<T>& run,
+                                   std::size_t point_count,
+                                   const std::vector<std::string>& axis_titles,
+                                   const LabelNumbers& labels) {
+    std::vector<FigurePanel> panels;
+    for (std::size_t row = 0; row < run.x.size(); ++row) {
+        if (row % point_count == 0) {
+            FigurePanel panel;
+            // The titles as given are those of the first pair.
+            const std::string group = panels.empty() ? "" : run.groups[row];
+            panel.x_title = component_title(group, 0, axis_titles[0]);
+            panel.y_title = component_title(group, 1, axis_titles[1]);
+            panel.points.resize(std::max<std::size_t>(labels.names.size(), 1));
+            panels.push_back(std::move(panel));
+        }
+        if (std::isfinite(run.x[row]) && std::isfinite(run.y[row])) {
+            panels.back().points[labels.of(row)].push_back(
+                {as_written(run.x[row]), as_written(run.y[row])});
+        }
+    }
+    if (panels.empty()) {
+        panels.push_back({axis_titles[0], axis_titles[1], {}});
+    }
+    return panels;
+}
+
+/// Grows bounds to hold a point.
+void include(std::array<double, 4>& bounds, const std::array<double, 2>& point) {
+    for (std::size_t d = 0; d < point.size(); ++d) {
+        bounds[2 * d] = std::min(bounds[2 * d], point[d]);
+        bounds[2 * d + 1] = std::max(bounds[2 * d + 1], point[d]);
+    }
+}
+
+/// What the panels are to show: the bounds as given, or, where they are not finite, those of the
+/// points that are.
+std::array<double, 4> drawn_bounds(const std::array<double, 4>& bounds,
+                                   const std::vector<FigurePanel>& panels) {
+    if (std::all_of(
+            bounds.begin(), bounds.end(), [](double bound) { return std::isfinite(bound); })) {
+        return bounds;
+    }
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    std::array<double, 4> result = {kInfinity, -kInfinity, kInfinity, -kInfinity};
+    for (const FigurePanel& panel : panels) {
+        for (const auto& points : panel.points) {
+            for (const auto& point : points) {
+                include(result, point);
+            }
+        }
+    }
+    return std::isfinite(result[0]) ? result : std::array<double, 4>{};
+}
+
+}  // namespace
+
+template <typename T>
+double as_written(T value) {
+    if constexpr (std::is_same_v<T, double>) {
+        return value;
+    } else {
+        char text[32];
+        const auto written = std::to_chars(text, text + sizeof text, value);
+        double result = 0.0;
+        std::from_chars(text, written.ptr, result);
+        return result;
+    }
+}
+
+template <typename T>
+Figure figure_of_run(const PlottedRun<T>& run, const FigureFrame& frame) {
+    const std::size_t row_count = run.x.size();
+    if (run.y.size() != row_count || (!run.groups.empty() && run.groups.size() != row_count)) {
+        throw std::invalid_argument("the lists of a run have unequal lengths");
+    }
+    const std::size_t point_count = rows_per_pair(run.groups, row_count);
+    const LabelNumbers labels(run.labels, point_count, row_count);
+    Figure figure;
+    figure.stem = frame.stem;
+    figure.title = frame.title;
+    figure.labels = labels.names;
+    figure.panels = panels_of(run, point_count, frame.axis_titles, labels);
+    figure.bounds = drawn_bounds(frame.bounds, figure.panels);
+    return figure;
+}
+
+#define OVIK_INSTANTIATE_RUN_FIGURE(T) \
+    template double as_written(T);     \
+    template Figure figure_of_run(const PlottedRun<T>&, const FigureFrame&);
+
+OVIK_INSTANTIATE_RUN_FIGURE(float)
+OVIK_INSTANTIATE_RUN_FIGURE(double)
+
+}  // namespace ovik

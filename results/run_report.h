@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "results/checkpoint.h"
+#include "results/run_record.h"
+
+namespace ovik {
+
+/// Everything about one call of a program that ran the engine.
+struct RunReport {
+    std::string program;
+    std::string version;
+    std::vector<std::string> command_line;
+    /// Seconds since 1970.
+    long long started = 0;
+    /// Names of the options, which need no escapes, and their values as JSON.
+    std::vector<std::pair<std::string, std::string>> options;
+    std::size_t threads = 1;
+    /// Path of the matrix; "-" for standard input.
+    std::string input;
+    /// "text", "npy", "matrix market".
+    std::string format;
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    std::size_t missing_values = 0;
+    std::size_t duplicate_rows = 0;
+    /// Of what was embedded, as a checkpoint has them.
+    Digest values;
+    Digest names;
+    /// Seconds, by the clock on the wall.
+    double reading_seconds = 0.0;
+    double total_seconds = 0.0;
+    /// Bytes.
+    double estimated_memory = 0.0;
+    double peak_memory = 0.0;
+    std::vector<RunRecord> runs;
+    int exit_status = 0;
+};
+
+/// The report as JSON, in one line. Bytes that are not UTF-8 become U+FFFD.
+///
+/// @param path  where the report is to stand: paths in it are relative to that directory, so that
+///              results can be moved together
+std::string report_json(const RunReport& report, const std::string& path);
+
+/// Writes the report, whole or not at all.
+///
+/// @return why it could not be written, which the console then says in bold red; no error if it was
+std::error_code write_run_report(const std::string& path, const RunReport& report);
+
+}  // namespace ovik

@@ -1,0 +1,104 @@
+#include "plots/chart_page.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "plots/page_template.h"
+
+#include <nlohmann/json.hpp>
+
+namespace ovik {
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+/// The data of a page, as its script would read them.
+json data_of(const std::string& page) {
+    const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
+    const std::size_t start = page.find(opening) + opening.size();
+    return json::parse(page.substr(start, page.find("</script>", start) - start));
+}
+
+std::size_t count(const std::string& text, const std::string& part) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
+std::string title_of(const std::string& page) {
+    const std::size_t start = page.find("<title>") + 7;
+    return page.substr(start, page.find("</title>", start) - start);
+}
+
+/// Tags and scripts of the page as it is built; data must not add to them.
+void expect_no_markup_from_data(const std::string& html) {
+    const std::string empty = chart_page(Chart{});
+    for (const char* markup : {"<", ">", "<script", "</script", "<img"}) {
+        ASSERT_EQ(count(html, markup), count(empty, markup)) << markup;
+    }
+}
+
+TEST(ChartPageEscapes, EveryTextForWhereItLands) {
+    const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
+    Chart chart;
+    chart.title = chart.name = chart.x_title = chart.y_title = hostile;
+    chart.texts = chart.category_order = chart.colours = chart.links = chart.labels = {hostile};
+    chart.colour_scheme = hostile;
+    chart.x = chart.y = {1.0};
+    const std::vector<std::string> texts = {hostile};
+    const std::vector<std::string> groups = {"Group:<1>:2"};
+    const std::vector<std::pair<std::string, std::string>> parameters = {{hostile, hostile}};
+    chart.names = chart.functions = texts;
+    chart.groups = groups;
+    chart.parameters = parameters;
+    const std::string html = chart_page(chart);
+    expect_no_markup_from_data(html);
+    const std::string shown =
+        "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xEF\xBF\xBD\n";
+    const json data = data_of(html);
+    EXPECT_EQ(data["names"][0], shown);
+    EXPECT_EQ(data["functions"][0], shown);
+    EXPECT_EQ(data["labels"][0], shown);
+    EXPECT_EQ(data["title"], shown);
+    EXPECT_EQ(data["parameters"][0][1], shown);
+    EXPECT_EQ(title_of(html),
+              "&lt;/script&gt;&lt;img src=x onerror=alert(1)&gt; &amp; &quot; &#39; "
+              "\xE2\x80\xA8 \xEF\xBF\xBD ");
+}
+
+RC_GTEST_PROP(ChartPageEscapes, AnyBytes, (const std::string& text)) {
+    Chart chart;
+    chart.title = text;
+    chart.labels = {text};
+    chart.x = chart.y = {0.0};
+    const std::vector<std::string> texts = {text};
+    chart.names = chart.groups = chart.functions = texts;
+    const std::string html = chart_page(chart);
+    expect_no_markup_from_data(html);
+    const json data = data_of(html);
+    RC_ASSERT(data["labels"].size() == 1U);
+    RC_ASSERT(data["names"][0] == data["functions"][0]);
+}
+
+TEST(PageTemplate, HasItsTwoPlacesInOrder) {
+    const std::string page(page_template());
+    EXPECT_EQ(count(page, "{{page-title}}"), 1U);
+    EXPECT_EQ(count(page, "{{chart-data}}"), 1U);
+    EXPECT_LT(page.find("{{page-title}}"), page.find("{{chart-data}}"));
+    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+    EXPECT_THAT(page, Not(HasSubstr("unsafe-")));
+}
+
+}  // namespace
+
+}  // namespace ovik

@@ -1,0 +1,72 @@
+#include "plots/gnuplot_script.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::string script_of(const Figure& figure) {
+    const FigureStyle style;
+    return gnuplot_script(figure, figure_settings(style), style);
+}
+
+Figure figure_with_panels(std::size_t count) {
+    Figure figure;
+    figure.stem = "f";
+    figure.panels.resize(count, {"x", "y", {{{0.1, 1.0 / 3.0}}}});
+    return figure;
+}
+
+TEST(GnuplotScript, HoldsThePointsInFullPrecision) {
+    const std::string script = script_of(figure_with_panels(1));
+    EXPECT_THAT(
+        script,
+        HasSubstr("$panel1_label1 << END_OF_POINTS\n0.1 0.3333333333333333\nEND_OF_POINTS\n"));
+    EXPECT_THAT(script, StartsWith("# Draws the figure anew"));
+    EXPECT_THAT(script, HasSubstr(figure_settings({})));
+    EXPECT_THAT(script, HasSubstr("set output './f.png'"));
+    EXPECT_THAT(script, HasSubstr("set output './f.svg'"));
+}
+
+TEST(GnuplotScript, PutsSeveralPanelsOnOneCanvas) {
+    EXPECT_THAT(script_of(figure_with_panels(1)), Not(HasSubstr("multiplot")));
+    const std::string script = script_of(figure_with_panels(3));
+    EXPECT_THAT(script, HasSubstr("set multiplot"));
+    EXPECT_THAT(script, HasSubstr("$panel3_label1 << END_OF_POINTS"));
+    // Two beside each other, in two rows.
+    EXPECT_THAT(script, HasSubstr("gap_x = 0.18 / 2\n"));
+    EXPECT_THAT(script, HasSubstr("/ 2\npanel_height"));
+}
+
+TEST(GnuplotScript, DrawsSmallGroupsOverLargeOnes) {
+    Figure figure = figure_with_panels(1);
+    figure.labels = {"few", "many"};
+    figure.panels[0].points = {{{0, 0}}, {{1, 1}, {2, 2}}};
+    const std::string script = script_of(figure);
+    EXPECT_LT(script.find("$panel1_label2 using"), script.find("$panel1_label1 using"));
+    EXPECT_THAT(script, HasSubstr("title 'few'"));
+}
+
+TEST(GnuplotScript, HasATitleIfThereIsOne) {
+    Figure figure = figure_with_panels(1);
+    EXPECT_THAT(script_of(figure), Not(HasSubstr("set title")));
+    figure.title = "Yeast's";
+    EXPECT_THAT(script_of(figure),
+                HasSubstr("set title 'Yeast'.sprintf('%c',39).'s' noenhanced\n"));
+}
+
+TEST(GnuplotScript, CentresWholeNumbersBetweenTheirBounds) {
+    Figure figure = figure_with_panels(1);
+    figure.bounds = {0, 1, 0, 1};
+    // An integer by an integer would be cut to an integer.
+    EXPECT_THAT(script_of(figure), HasSubstr("set xrange [(min_x + max_x) / 2.0 - half_x"));
+    EXPECT_THAT(script_of(figure), HasSubstr("set yrange [(min_y + max_y) / 2.0 - half_y"));
+}
+
+}  // namespace
+}  // namespace ovik

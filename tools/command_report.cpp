@@ -1,0 +1,41 @@
+#include "tools/command_report.h"
+
+#include <ctime>
+#include <utility>
+
+#include "util/console.h"
+#include "util/json_text.h"
+
+#include "tools/standard_streams.h"
+
+namespace ovik::tool {
+
+RunReport begin_report(const Options& options, std::vector<std::string> command_line) {
+    RunReport report;
+    report.program = "ovik-tsne";
+    report.version = OVIK_VERSION;
+    report.command_line = std::move(command_line);
+    report.started = std::time(nullptr);
+    // The perplexity is that of each run.
+    visit_fit_options(options.fit, [&report](const auto& option) {
+        if (option.words.name != "perplexity") {
+            report.options.emplace_back(option.words.name, json_text(option.value));
+        }
+    });
+    const std::string precision = options.precision == Precision::Float ? "float" : "double";
+    report.options.emplace_back("precision", json_text(precision));
+    report.options.emplace_back("title", json_text(options.title));
+    report.input = options.matrix;
+    return report;
+}
+
+bool write_report(const std::string& path, const RunReport& report) {
+    if (const auto failure = write_run_report(path, report)) {
+        complain("Report could not be written: " + path + " (" + failure.message() + ")");
+        return false;
+    }
+    print_info("Report: " + path);
+    return true;
+}
+
+}  // namespace ovik::tool

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "results/run_report.h"
+
+#include "tools/options.h"
+
+namespace ovik::tool {
+
+/// A report that says what was called, with which options, and when: now.
+RunReport begin_report(const Options& options, std::vector<std::string> command_line);
+
+/// Writes the report and says where it is.
+///
+/// @return false if it could not be written; standard error then says why
+bool write_report(const std::string& path, const RunReport& report);
+
+}  // namespace ovik::tool
