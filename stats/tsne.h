@@ -37,8 +37,7 @@ OVIK_API std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t mo
 /// are the same for any number of them. Both instantiations, `float` and `double`, compute in
 /// `double`; T is the precision in which results are handed out.
 ///
-/// The seed is fixed (11, the process-wide `rand` stream), as are early exaggeration (12), learning
-/// rate (200), momentum (0.5, then 0.8) and the scale of the random start (0.0001).
+/// The random start is from the process-wide `rand` stream, which each run seeds anew.
 ///
 /// Messages go to standard output, remarks to standard error; `ConsoleSilence` holds them back.
 /// Work arrays that do not fit in memory end the process with "Memory allocation failed!" and
@@ -74,6 +73,9 @@ class TSNE {
     double perplexity = 0.0;
     /// Accuracy of the Barnes-Hut method, 0.5 after `init`; exactly 0.0 selects the exact method.
     double theta = 0.0;
+    /// The numbers of the fit that neither a field nor an argument of `actuate` gives; what one of
+    /// these gives holds.
+    FitOptions options;
     /// Whether `actuate` draws the chart page and the figure.
     bool draw_plots = true;
     /// Called by `actuate` after each iteration; false ends the fit there, and the results are

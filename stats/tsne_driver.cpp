@@ -109,14 +109,14 @@ FitOptions TSNE<T>::fitOptions(int no_dims,
                                double perplexity,
                                int stop_lying_iter,
                                int mom_switch_iter) const {
-    FitOptions options;
-    options.perplexity = perplexity;
-    options.theta = theta;
-    options.out_dims = no_dims;
-    options.max_iter = max_iter;
-    options.stop_lying_iter = stop_lying_iter;
-    options.mom_switch_iter = mom_switch_iter;
-    return options;
+    FitOptions given = options;
+    given.perplexity = perplexity;
+    given.theta = theta;
+    given.out_dims = no_dims;
+    given.max_iter = max_iter;
+    given.stop_lying_iter = stop_lying_iter;
+    given.mom_switch_iter = mom_switch_iter;
+    return given;
 }
 
 template <typename T>

@@ -52,6 +52,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.row_names = std::move(input.row_names);
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
+    tsne.options = options.fit;
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
     tsne.checkpoint_every = options.checkpoint_every;

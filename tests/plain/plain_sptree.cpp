@@ -266,7 +266,7 @@ std::vector<double> embed_with_tree(const Matrix& input,
                                     double theta,
                                     const Schedule& schedule,
                                     std::vector<double>* costs) {
-    srand(11);
+    srand(schedule.seed);
     for (std::size_t draw = 0; draw < tree_draws(input.rows); ++draw) {
         rand();
     }
@@ -287,29 +287,29 @@ std::vector<double> descend_with_tree(SparseRows P,
         }
     };
     const std::size_t N = P.size();
-    scale_similarities(12.0, 1.0);
+    scale_similarities(schedule.exaggeration, 1.0);
     std::vector<double> Y(N * no_dims);
     for (double& y : Y) {
-        y = normal_deviate() * 0.0001;
+        y = normal_deviate() * schedule.start_spread;
     }
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
-    double momentum = 0.5;
+    double momentum = schedule.momentum;
     for (int iter = 0; iter <= schedule.max_iter; ++iter) {
         const std::vector<double> dY = barnes_hut_gradient(P, Y, no_dims, theta);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
             gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
-            uY[i] = momentum * uY[i] - gains[i] * 200.0 * dY[i];
+            uY[i] = momentum * uY[i] - gains[i] * schedule.learning_rate * dY[i];
             Y[i] += uY[i];
         }
         centre_columns(Y, N, no_dims);
         if (iter == schedule.stop_lying_iter) {
-            scale_similarities(1.0, 12.0);
+            scale_similarities(1.0, schedule.exaggeration);
         }
         if (iter == schedule.mom_switch_iter) {
-            momentum = 0.8;
+            momentum = schedule.final_momentum;
         }
         const double now = barnes_hut_cost(P, Y, no_dims, theta);
         if (costs != nullptr) {

@@ -312,33 +312,33 @@ std::vector<double> embed_exactly(const Matrix& input,
     std::vector<double> P = conditional_similarities(X, N, input.columns, perplexity);
     symmetrise_and_normalise(P, N);
     for (double& p : P) {
-        p *= 12.0;
+        p *= schedule.exaggeration;
     }
-    srand(11);
+    srand(schedule.seed);
     std::vector<double> Y(N * no_dims);
     for (double& y : Y) {
-        y = normal_deviate() * 0.0001;
+        y = normal_deviate() * schedule.start_spread;
     }
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
-    double momentum = 0.5;
+    double momentum = schedule.momentum;
     for (int iter = 0; iter <= schedule.max_iter; ++iter) {
         const std::vector<double> dY = gradient(P, Y, N, no_dims);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
             gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
-            uY[i] = uY[i] * momentum - (gains[i] * 200.0) * dY[i];
+            uY[i] = uY[i] * momentum - (gains[i] * schedule.learning_rate) * dY[i];
             Y[i] += uY[i];
         }
         centre_columns(Y, N, no_dims);
         if (iter == schedule.stop_lying_iter) {
             for (double& p : P) {
-                p /= 12.0;
+                p /= schedule.exaggeration;
             }
         }
         if (iter == schedule.mom_switch_iter) {
-            momentum = 0.8;
+            momentum = schedule.final_momentum;
         }
         if (costs != nullptr) {
             costs->push_back(cost(P, Y, N, no_dims));

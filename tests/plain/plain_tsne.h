@@ -68,10 +68,17 @@ std::size_t tree_draws(std::size_t point_count);
 
 double normal_deviate();
 
+/// The numbers of a run.
 struct Schedule {
     int max_iter;
     int stop_lying_iter;
     int mom_switch_iter;
+    unsigned int seed = 11;
+    double learning_rate = 200.0;
+    double exaggeration = 12.0;
+    double start_spread = 0.0001;
+    double momentum = 0.5;
+    double final_momentum = 0.8;
 };
 
 /// The whole exact method on an input matrix.

@@ -19,6 +19,7 @@ struct RunSettings {
     int max_iter = 1000;
     int stop_lying_iter = 250;
     int mom_switch_iter = 250;
+    FitOptions options = {};
     std::function<bool(const IterationReport&)> on_iteration = {};
     std::string checkpoint_path = {};
     int checkpoint_every = 50;
@@ -45,6 +46,7 @@ RunOutcome run_engine(const std::string& path, const RunSettings& settings) {
     testing::internal::CaptureStderr();
     tsne.init(path, settings.max_iter, '\t');
     tsne.theta = settings.theta;
+    tsne.options = settings.options;
     tsne.draw_plots = false;
     tsne.on_iteration = settings.on_iteration;
     tsne.checkpoint_path = settings.checkpoint_path;
