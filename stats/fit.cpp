@@ -17,8 +17,6 @@ namespace ovik {
 
 namespace {
 
-constexpr unsigned int kSeed = 11;
-
 /// Iterates until the last iteration, or until a hook ends the fit.
 void iterate(Optimisation& optimisation, const FitHooks& hooks, FitReport& report) {
     bool goes_on = true;
@@ -36,7 +34,7 @@ FitReport fit_into(MatrixView<double> Y,
                    const FitOptions& options,
                    const FitHooks& hooks,
                    const Method& method) {
-    std::srand(kSeed);
+    std::srand(static_cast<unsigned int>(options.seed));
     std::optional<GradientDescent> descent(std::in_place, Y.size());
     tell(hooks.on_note, FitNote::SimilaritiesBegin);
     FitReport report;

@@ -11,8 +11,6 @@ namespace ovik {
 
 namespace {
 
-constexpr int kSeed = 11;
-
 /// Logs the bare perplexity. Readers of the logs know the two places by these lines of the unit, so
 /// they are stated and do not follow the source.
 void log_perplexity(int line, double perplexity) {
@@ -37,7 +35,7 @@ void check_perplexity(double perplexity, int N) {
 }  // namespace
 
 void print_launch(const FitOptions& options, int N) {
-    print_info("Random seed:  " + num2string(kSeed));
+    print_info("Random seed:  " + num2string(options.seed));
     check_perplexity(options.perplexity, N);
     print_info("Launching t-SNE at perplexity = " + num2string(options.perplexity, 2) +
                " and theta = " + num2string(options.theta, 2));

@@ -21,6 +21,7 @@ struct FitOptions {
     int max_iter = 1000;
     int stop_lying_iter = 250;
     int mom_switch_iter = 250;
+    int seed = 11;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -131,6 +132,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .title = "Momentum switch",
             .sentence = "Iteration after which the momentum is the final one",
             .unit = "iterations"});
+    option(options.seed,
+           kPreset.seed,
+           OptionRange<int>{.least = 0, .most = INT_MAX},
+           {.name = "seed",
+            .python = "seed",
+            .flags = "--seed",
+            .title = "Random seed",
+            .sentence = "Seed of the random start and of the neighbour search"});
 }
 
 }  // namespace ovik

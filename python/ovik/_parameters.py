@@ -17,6 +17,7 @@ class FitParameters:
         n_iter: int = 1000,
         stop_lying_iter: int = 250,
         mom_switch_iter: int = 250,
+        seed: int = 11,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -26,6 +27,7 @@ class FitParameters:
         self.n_iter = n_iter
         self.stop_lying_iter = stop_lying_iter
         self.mom_switch_iter = mom_switch_iter
+        self.seed = seed
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -37,6 +39,7 @@ class FitParameters:
             "n_iter": self.n_iter,
             "stop_lying_iter": self.stop_lying_iter,
             "mom_switch_iter": self.mom_switch_iter,
+            "seed": self.seed,
         }
 
 
@@ -53,5 +56,7 @@ DESCRIPTIONS = """\
         Iteration at which early exaggeration ends, at least 0.
     mom_switch_iter : int, default 250
         Iteration after which the momentum is the final one, at least 0.
+    seed : int, default 11
+        Seed of the random start and of the neighbour search, at least 0.
 """
 # end of the options of a fit

@@ -51,5 +51,13 @@ class OptionRun : public testing::Test {
     std::string path_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", kRows);
 };
 
+TEST_F(OptionRun, StartsFromAnotherSeed) {
+    plain::Schedule schedule = kSchedule;
+    schedule.seed = 4711;
+    FitOptions options;
+    options.seed = 4711;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
