@@ -35,7 +35,7 @@ FitReport fit_into(MatrixView<double> Y,
                    const FitHooks& hooks,
                    const Method& method) {
     std::srand(static_cast<unsigned int>(options.seed));
-    std::optional<GradientDescent> descent(std::in_place, Y.size());
+    std::optional<GradientDescent> descent(std::in_place, Y.size(), options.learning_rate);
     tell(hooks.on_note, FitNote::SimilaritiesBegin);
     FitReport report;
     const std::clock_t start = std::clock();

@@ -22,6 +22,7 @@ struct FitOptions {
     int stop_lying_iter = 250;
     int mom_switch_iter = 250;
     int seed = 11;
+    double learning_rate = 200.0;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -140,6 +141,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--seed",
             .title = "Random seed",
             .sentence = "Seed of the random start and of the neighbour search"});
+    option(options.learning_rate,
+           kPreset.learning_rate,
+           OptionRange<double>{.least = 0.0, .most = 1e9, .holds_least = false},
+           {.name = "learning_rate",
+            .python = "learning_rate",
+            .flags = "--learning-rate",
+            .title = "Learning rate",
+            .sentence = "Length of a step, times gain and gradient"});
 }
 
 }  // namespace ovik

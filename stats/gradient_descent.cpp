@@ -22,8 +22,9 @@ bool have_same_sign(double a, double b) {
 
 }  // namespace
 
-GradientDescent::GradientDescent(std::size_t count)
+GradientDescent::GradientDescent(std::size_t count, double learning_rate)
     : count_(count),
+      learning_rate_(learning_rate),
       gradient_(malloc_array<double>(count)),
       velocity_(malloc_array<double>(count)),
       gains_(malloc_array<double>(count)) {
@@ -41,12 +42,13 @@ void GradientDescent::step(double* Y, double momentum) {
     const double* const gradient = gradient_.get();
     double* const velocity = velocity_.get();
     double* const gains = gains_.get();
+    const double learning_rate = learning_rate_;
     parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
         const double decayed = gains[i] * kGainDecay;
         const double increased = gains[i] + kGainIncrease;
         const double gain = have_same_sign(gradient[i], velocity[i]) ? decayed : increased;
         gains[i] = gain < kSmallestGain ? kSmallestGain : gain;
-        velocity[i] = velocity[i] * momentum - (gains[i] * kLearningRate) * gradient[i];
+        velocity[i] = velocity[i] * momentum - (gains[i] * learning_rate) * gradient[i];
         Y[i] += velocity[i];
     });
 }

@@ -2,13 +2,12 @@
 
 #include <cstddef>
 
+#include "stats/fit_options.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
 
-constexpr double kLearningRate = 200.0;
-
-/// Gradient descent with momentum and an adaptive gain per element; the learning rate is 200.
+/// Gradient descent with momentum and an adaptive gain per element.
 ///
 /// @par Source Jacobs, "Increased rates of convergence through learning rate adaptation",
 /// Neural Networks 1:295, 1988
@@ -16,7 +15,7 @@ class GradientDescent {
   public:
     /// Starts with no velocity and gains of 1 for an embedding of `count` elements.
     /// Throws WorkMemoryError if the arrays do not fit in memory.
-    explicit GradientDescent(std::size_t count);
+    explicit GradientDescent(std::size_t count, double learning_rate = FitOptions().learning_rate);
 
     /// Where the caller writes the gradient of the next step.
     [[nodiscard]] double* gradient() { return gradient_.get(); }
@@ -33,13 +32,14 @@ class GradientDescent {
     ///
     /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor
     /// of 0.8 where they agree, not below 0.01. The velocity becomes velocity * momentum - (gain *
-    /// 200) * gradient and is added to Y.
+    /// learning rate) * gradient and is added to Y.
     ///
     /// @param Y  `count` elements, modified
     void step(double* Y, double momentum);
 
   private:
     std::size_t count_;
+    double learning_rate_;
     MallocArray<double> gradient_;
     MallocArray<double> velocity_;
     MallocArray<double> gains_;

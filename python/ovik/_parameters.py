@@ -18,6 +18,7 @@ class FitParameters:
         stop_lying_iter: int = 250,
         mom_switch_iter: int = 250,
         seed: int = 11,
+        learning_rate: float = 200.0,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -28,6 +29,7 @@ class FitParameters:
         self.stop_lying_iter = stop_lying_iter
         self.mom_switch_iter = mom_switch_iter
         self.seed = seed
+        self.learning_rate = learning_rate
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -40,6 +42,7 @@ class FitParameters:
             "stop_lying_iter": self.stop_lying_iter,
             "mom_switch_iter": self.mom_switch_iter,
             "seed": self.seed,
+            "learning_rate": self.learning_rate,
         }
 
 
@@ -58,5 +61,7 @@ DESCRIPTIONS = """\
         Iteration after which the momentum is the final one, at least 0.
     seed : int, default 11
         Seed of the random start and of the neighbour search, at least 0.
+    learning_rate : float, default 200.0
+        Length of a step, times gain and gradient, above 0, at most 1e9.
 """
 # end of the options of a fit

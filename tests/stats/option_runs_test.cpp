@@ -59,5 +59,13 @@ TEST_F(OptionRun, StartsFromAnotherSeed) {
     expectPlain(options, schedule);
 }
 
+TEST_F(OptionRun, StepsAtAnotherLearningRate) {
+    plain::Schedule schedule = kSchedule;
+    schedule.learning_rate = 57.5;
+    FitOptions options;
+    options.learning_rate = 57.5;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
