@@ -23,6 +23,7 @@ struct FitOptions {
     int mom_switch_iter = 250;
     int seed = 11;
     double learning_rate = 200.0;
+    double exaggeration = 12.0;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -149,6 +150,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--learning-rate",
             .title = "Learning rate",
             .sentence = "Length of a step, times gain and gradient"});
+    option(options.exaggeration,
+           kPreset.exaggeration,
+           OptionRange<double>{.least = 1.0, .most = 1e6},
+           {.name = "exaggeration",
+            .python = "exaggeration",
+            .flags = "--exaggeration",
+            .title = "Early exaggeration",
+            .sentence = "Factor of the similarities until early exaggeration ends"});
 }
 
 }  // namespace ovik

@@ -19,6 +19,7 @@ class FitParameters:
         mom_switch_iter: int = 250,
         seed: int = 11,
         learning_rate: float = 200.0,
+        exaggeration: float = 12.0,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -30,6 +31,7 @@ class FitParameters:
         self.mom_switch_iter = mom_switch_iter
         self.seed = seed
         self.learning_rate = learning_rate
+        self.exaggeration = exaggeration
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -43,6 +45,7 @@ class FitParameters:
             "mom_switch_iter": self.mom_switch_iter,
             "seed": self.seed,
             "learning_rate": self.learning_rate,
+            "exaggeration": self.exaggeration,
         }
 
 
@@ -63,5 +66,7 @@ DESCRIPTIONS = """\
         Seed of the random start and of the neighbour search, at least 0.
     learning_rate : float, default 200.0
         Length of a step, times gain and gradient, above 0, at most 1e9.
+    exaggeration : float, default 12.0
+        Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
 """
 # end of the options of a fit

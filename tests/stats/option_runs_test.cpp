@@ -67,5 +67,13 @@ TEST_F(OptionRun, StepsAtAnotherLearningRate) {
     expectPlain(options, schedule);
 }
 
+TEST_F(OptionRun, ExaggeratesByAnotherFactor) {
+    plain::Schedule schedule = kSchedule;
+    schedule.exaggeration = 4.25;
+    FitOptions options;
+    options.exaggeration = 4.25;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
