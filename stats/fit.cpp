@@ -51,7 +51,7 @@ FitReport fit_into(MatrixView<double> Y,
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options);
     objective->exaggerate(schedule.exaggeration());
-    draw_initial_embedding(Y.values, Y.size());
+    draw_initial_embedding(Y.values, Y.size(), options.start_spread);
     if (hooks.on_similarities) {
         hooks.on_similarities(objective->report(similarities_end - start));
     }

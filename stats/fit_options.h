@@ -24,6 +24,7 @@ struct FitOptions {
     int seed = 11;
     double learning_rate = 200.0;
     double exaggeration = 12.0;
+    double start_spread = 0.0001;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -158,6 +159,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--exaggeration",
             .title = "Early exaggeration",
             .sentence = "Factor of the similarities until early exaggeration ends"});
+    option(options.start_spread,
+           kPreset.start_spread,
+           OptionRange<double>{.least = 0.0, .most = 1e6, .holds_least = false},
+           {.name = "start_spread",
+            .python = "start_spread",
+            .flags = "--start-spread",
+            .title = "Spread of the start",
+            .sentence = "Standard deviation of the random start"});
 }
 
 }  // namespace ovik

@@ -28,10 +28,9 @@ double normal_deviate() {
     }
 }
 
-void draw_initial_embedding(double* Y, std::size_t count) {
-    constexpr double kInitialScale = 0.0001;
+void draw_initial_embedding(double* Y, std::size_t count, double spread) {
     for (std::size_t i = 0; i < count; ++i) {
-        Y[i] = normal_deviate() * kInitialScale;
+        Y[i] = normal_deviate() * spread;
     }
 }
 

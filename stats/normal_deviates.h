@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/fit_options.h"
 #include "util/api.h"
 
 namespace ovik {
@@ -14,7 +15,9 @@ namespace ovik {
 /// SIAM Review 6:260, 1964
 OVIK_API double normal_deviate();
 
-/// Starts an embedding: sets every element, in index order, to a normal deviate times 0.0001.
-OVIK_API void draw_initial_embedding(double* Y, std::size_t count);
+/// Starts an embedding: sets every element, in index order, to a normal deviate times `spread`.
+OVIK_API void draw_initial_embedding(double* Y,
+                                     std::size_t count,
+                                     double spread = FitOptions().start_spread);
 
 }  // namespace ovik

@@ -20,6 +20,7 @@ class FitParameters:
         seed: int = 11,
         learning_rate: float = 200.0,
         exaggeration: float = 12.0,
+        start_spread: float = 1e-04,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -32,6 +33,7 @@ class FitParameters:
         self.seed = seed
         self.learning_rate = learning_rate
         self.exaggeration = exaggeration
+        self.start_spread = start_spread
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -46,6 +48,7 @@ class FitParameters:
             "seed": self.seed,
             "learning_rate": self.learning_rate,
             "exaggeration": self.exaggeration,
+            "start_spread": self.start_spread,
         }
 
 
@@ -68,5 +71,7 @@ DESCRIPTIONS = """\
         Length of a step, times gain and gradient, above 0, at most 1e9.
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
+    start_spread : float, default 1e-04
+        Standard deviation of the random start, above 0, at most 1e6.
 """
 # end of the options of a fit

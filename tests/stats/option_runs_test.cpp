@@ -75,5 +75,13 @@ TEST_F(OptionRun, ExaggeratesByAnotherFactor) {
     expectPlain(options, schedule);
 }
 
+TEST_F(OptionRun, StartsWithAnotherSpread) {
+    plain::Schedule schedule = kSchedule;
+    schedule.start_spread = 0.01;
+    FitOptions options;
+    options.start_spread = 0.01;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
