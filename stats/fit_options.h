@@ -25,6 +25,7 @@ struct FitOptions {
     double learning_rate = 200.0;
     double exaggeration = 12.0;
     double start_spread = 0.0001;
+    double momentum = 0.5;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -167,6 +168,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--start-spread",
             .title = "Spread of the start",
             .sentence = "Standard deviation of the random start"});
+    option(options.momentum,
+           kPreset.momentum,
+           OptionRange<double>{.least = 0.0, .most = 1.0, .holds_most = false},
+           {.name = "momentum",
+            .python = "momentum",
+            .flags = "--momentum",
+            .title = "Momentum",
+            .sentence = "Share of a step that the next one repeats, before the momentum switch"});
 }
 
 }  // namespace ovik

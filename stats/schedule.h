@@ -29,7 +29,7 @@ class Schedule {
 
     /// Of the step of an iteration.
     [[nodiscard]] double momentum(int iteration) const {
-        return liesBehind(iteration, options_.mom_switch_iter) ? 0.8 : 0.5;
+        return liesBehind(iteration, options_.mom_switch_iter) ? 0.8 : options_.momentum;
     }
 
   private:

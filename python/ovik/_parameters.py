@@ -21,6 +21,7 @@ class FitParameters:
         learning_rate: float = 200.0,
         exaggeration: float = 12.0,
         start_spread: float = 1e-04,
+        momentum: float = 0.5,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -34,6 +35,7 @@ class FitParameters:
         self.learning_rate = learning_rate
         self.exaggeration = exaggeration
         self.start_spread = start_spread
+        self.momentum = momentum
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -49,6 +51,7 @@ class FitParameters:
             "learning_rate": self.learning_rate,
             "exaggeration": self.exaggeration,
             "start_spread": self.start_spread,
+            "momentum": self.momentum,
         }
 
 
@@ -73,5 +76,7 @@ DESCRIPTIONS = """\
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
     start_spread : float, default 1e-04
         Standard deviation of the random start, above 0, at most 1e6.
+    momentum : float, default 0.5
+        Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.
 """
 # end of the options of a fit

@@ -83,5 +83,13 @@ TEST_F(OptionRun, StartsWithAnotherSpread) {
     expectPlain(options, schedule);
 }
 
+TEST_F(OptionRun, HasAnotherMomentum) {
+    plain::Schedule schedule = kSchedule;
+    schedule.momentum = 0.3;
+    FitOptions options;
+    options.momentum = 0.3;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
