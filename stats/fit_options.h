@@ -26,6 +26,7 @@ struct FitOptions {
     double exaggeration = 12.0;
     double start_spread = 0.0001;
     double momentum = 0.5;
+    double final_momentum = 0.8;
 };
 
 /// What front ends call an option, and what they say of it.
@@ -176,6 +177,14 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--momentum",
             .title = "Momentum",
             .sentence = "Share of a step that the next one repeats, before the momentum switch"});
+    option(options.final_momentum,
+           kPreset.final_momentum,
+           OptionRange<double>{.least = 0.0, .most = 1.0, .holds_most = false},
+           {.name = "final_momentum",
+            .python = "final_momentum",
+            .flags = "--final-momentum",
+            .title = "Final momentum",
+            .sentence = "Share of a step that the next one repeats, after the momentum switch"});
 }
 
 }  // namespace ovik

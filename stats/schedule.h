@@ -29,7 +29,8 @@ class Schedule {
 
     /// Of the step of an iteration.
     [[nodiscard]] double momentum(int iteration) const {
-        return liesBehind(iteration, options_.mom_switch_iter) ? 0.8 : options_.momentum;
+        return liesBehind(iteration, options_.mom_switch_iter) ? options_.final_momentum
+                                                               : options_.momentum;
     }
 
   private:

@@ -22,6 +22,7 @@ class FitParameters:
         exaggeration: float = 12.0,
         start_spread: float = 1e-04,
         momentum: float = 0.5,
+        final_momentum: float = 0.8,
         n_jobs: int = -1,
         verbose: bool = False,
     ) -> None:
@@ -36,6 +37,7 @@ class FitParameters:
         self.exaggeration = exaggeration
         self.start_spread = start_spread
         self.momentum = momentum
+        self.final_momentum = final_momentum
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -52,6 +54,7 @@ class FitParameters:
             "exaggeration": self.exaggeration,
             "start_spread": self.start_spread,
             "momentum": self.momentum,
+            "final_momentum": self.final_momentum,
         }
 
 
@@ -78,5 +81,7 @@ DESCRIPTIONS = """\
         Standard deviation of the random start, above 0, at most 1e6.
     momentum : float, default 0.5
         Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.
+    final_momentum : float, default 0.8
+        Share of a step that the next one repeats, after the momentum switch, at least 0, below 1.
 """
 # end of the options of a fit

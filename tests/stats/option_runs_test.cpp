@@ -91,5 +91,13 @@ TEST_F(OptionRun, HasAnotherMomentum) {
     expectPlain(options, schedule);
 }
 
+TEST_F(OptionRun, HasAnotherFinalMomentum) {
+    plain::Schedule schedule = kSchedule;
+    schedule.final_momentum = 0.65;
+    FitOptions options;
+    options.final_momentum = 0.65;
+    expectPlain(options, schedule);
+}
+
 }  // namespace
 }  // namespace ovik
