@@ -10,7 +10,7 @@ namespace ovik {
 /// "Memory allocation failed!" and the end of the process; other callers get the exception.
 class OVIK_API WorkMemoryError : public std::bad_alloc {
   public:
-    [[nodiscard]] const char* what() const noexcept override;
+    [[nodiscard]] OVIK_API const char* what() const noexcept override;
 };
 
 }  // namespace ovik

@@ -35,7 +35,9 @@ def test_constructor_only_stores_its_arguments():
 def test_parameters_have_the_commands_defaults():
     assert ovik.TSNE().get_params(deep=False) == {
         "n_components": 2, "perplexity": 20.0, "theta": 0.5, "n_iter": 1000,
-        "stop_lying_iter": 250, "mom_switch_iter": 250, "n_jobs": -1, "verbose": False,
+        "stop_lying_iter": 250, "mom_switch_iter": 250, "seed": 11, "learning_rate": 200.0,
+        "exaggeration": 12.0, "start_spread": 0.0001, "momentum": 0.5, "final_momentum": 0.8,
+        "n_jobs": -1, "verbose": False,
     }
 
 
@@ -43,8 +45,8 @@ def test_set_params_sets_all_or_nothing():
     tsne = ovik.TSNE()
     assert tsne.set_params(theta=0.0, n_iter=7) is tsne
     assert (tsne.theta, tsne.n_iter) == (0.0, 7)
-    with pytest.raises(ValueError, match="'learning_rate' is not a parameter of TSNE"):
-        tsne.set_params(theta=1.0, learning_rate=3)
+    with pytest.raises(ValueError, match="'metric_name' is not a parameter of TSNE"):
+        tsne.set_params(theta=1.0, metric_name=3)
     assert tsne.theta == 0.0
 
 
