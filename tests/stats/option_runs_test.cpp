@@ -16,23 +16,41 @@ namespace {
 constexpr int kRows = 100;
 constexpr double kPerplexity = 10.0;
 
-class OptionRun : public testing::Test {
-  protected:
-    void expectPlain(const FitOptions& options, const plain::Schedule& schedule) {
-        const plain::Matrix input = plain::read_tab_separated(path_, kRows);
-        for (const double theta : {0.0, 0.5}) {
-            const std::vector<double> Y =
-                theta == 0.0
-                    ? plain::embed_exactly(input, 2, kPerplexity, schedule, nullptr)
-                    : plain::embed_with_tree(input, 2, kPerplexity, theta, schedule, nullptr);
-            for (const int threads : {1, 3}) {
-                const test::ThreadCount scope(threads);
-                EXPECT_EQ(run(options, theta), Y) << theta << ", " << threads << " threads";
-            }
-            EXPECT_NE(run(FitOptions(), theta), Y) << theta;
-        }
-    }
+constexpr plain::Schedule kSchedule{60, 20, 30};
 
+/// A number that is another than the preset, for the engine and for the plain program.
+struct OtherNumber {
+    const char* name;
+    void (*set)(FitOptions& options, plain::Schedule& schedule);
+};
+
+const OtherNumber kOtherNumbers[] = {
+    {"Seed",
+     [](FitOptions& options, plain::Schedule& schedule) { schedule.seed = options.seed = 4711; }},
+    {"LearningRate",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.learning_rate = options.learning_rate = 57.5;
+     }},
+    {"Exaggeration",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.exaggeration = options.exaggeration = 4.25;
+     }},
+    {"StartSpread",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.start_spread = options.start_spread = 0.01;
+     }},
+    {"Momentum",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.momentum = options.momentum = 0.3;
+     }},
+    {"FinalMomentum",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.final_momentum = options.final_momentum = 0.65;
+     }},
+};
+
+class OptionRun : public testing::TestWithParam<OtherNumber> {
+  protected:
     [[nodiscard]] std::vector<double> run(const FitOptions& options, double theta) const {
         return test::run_engine(path_,
                                 {.perplexity = kPerplexity,
@@ -44,60 +62,30 @@ class OptionRun : public testing::Test {
             .Y;
     }
 
-    static constexpr plain::Schedule kSchedule{60, 20, 30};
-
-  private:
     test::TemporaryDirectory directory_;
     std::string path_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", kRows);
 };
 
-TEST_F(OptionRun, StartsFromAnotherSeed) {
-    plain::Schedule schedule = kSchedule;
-    schedule.seed = 4711;
+TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
     FitOptions options;
-    options.seed = 4711;
-    expectPlain(options, schedule);
+    plain::Schedule schedule = kSchedule;
+    GetParam().set(options, schedule);
+    const plain::Matrix input = plain::read_tab_separated(path_, kRows);
+    for (const double theta : {0.0, 0.5}) {
+        const std::vector<double> Y =
+            theta == 0.0 ? plain::embed_exactly(input, 2, kPerplexity, schedule, nullptr)
+                         : plain::embed_with_tree(input, 2, kPerplexity, theta, schedule, nullptr);
+        for (const int threads : {1, 3}) {
+            const test::ThreadCount scope(threads);
+            EXPECT_EQ(run(options, theta), Y) << theta << ", " << threads << " threads";
+        }
+        EXPECT_NE(run(FitOptions(), theta), Y) << theta;
+    }
 }
 
-TEST_F(OptionRun, StepsAtAnotherLearningRate) {
-    plain::Schedule schedule = kSchedule;
-    schedule.learning_rate = 57.5;
-    FitOptions options;
-    options.learning_rate = 57.5;
-    expectPlain(options, schedule);
-}
-
-TEST_F(OptionRun, ExaggeratesByAnotherFactor) {
-    plain::Schedule schedule = kSchedule;
-    schedule.exaggeration = 4.25;
-    FitOptions options;
-    options.exaggeration = 4.25;
-    expectPlain(options, schedule);
-}
-
-TEST_F(OptionRun, StartsWithAnotherSpread) {
-    plain::Schedule schedule = kSchedule;
-    schedule.start_spread = 0.01;
-    FitOptions options;
-    options.start_spread = 0.01;
-    expectPlain(options, schedule);
-}
-
-TEST_F(OptionRun, HasAnotherMomentum) {
-    plain::Schedule schedule = kSchedule;
-    schedule.momentum = 0.3;
-    FitOptions options;
-    options.momentum = 0.3;
-    expectPlain(options, schedule);
-}
-
-TEST_F(OptionRun, HasAnotherFinalMomentum) {
-    plain::Schedule schedule = kSchedule;
-    schedule.final_momentum = 0.65;
-    FitOptions options;
-    options.final_momentum = 0.65;
-    expectPlain(options, schedule);
-}
+INSTANTIATE_TEST_SUITE_P(Each, OptionRun, testing::ValuesIn(kOtherNumbers), [](const auto& test) {
+    return std::string(test.param.name);
+});
 
 }  // namespace
 }  // namespace ovik
