@@ -1,12 +1,15 @@
 #include "tools/map_quality.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "stats/neighbourhood_quality.h"
 #include "util/console.h"
 
 #include "tests/support/random_points.h"
@@ -49,7 +52,7 @@ struct Measured {
     double final_cost = 0.0;
     std::vector<std::size_t> sizes;
     std::vector<NeighbourhoodQuality> expected;
-    std::vector<NeighbourhoodQuality> quality;
+    decltype(report_map_quality(std::declval<const TSNE<T>&>(), 2)) quality;
     std::string out;
 };
 

@@ -1,7 +1,8 @@
 #include "tools/options.h"
 
-#include <cmath>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>

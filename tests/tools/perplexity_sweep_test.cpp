@@ -1,6 +1,8 @@
 #include "tools/perplexity_sweep.h"
 
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -96,54 +98,56 @@ LoadedMatrix random_matrix(std::size_t rows, std::size_t columns) {
     return loaded;
 }
 
-TEST(RunPerplexities, LeavesTheTablesOfSeparateRunsAndAReport) {
-    constexpr std::size_t kRows = 50;
-    const test::TemporaryDirectory directory;
+/// Options of short runs without plots.
+Options short_runs(const test::TemporaryDirectory& directory) {
+    Options options;
+    options.out_dir = directory.prefix();
+    options.name = "m";
+    options.title = "m";
+    options.plots = false;
+    options.fit.max_iter = 10;
+    return options;
+}
+
+ExitStatus run(const Options& options, const std::vector<double>& perplexities) {
     RunReport report;
-    report.options.out_dir = directory.prefix();
-    report.options.name = "m";
-    report.options.title = "m";
-    report.options.plots = false;
-    report.options.fit.max_iter = 10;
-    const auto run = [&](const std::vector<double>& perplexities) {
-        testing::internal::CaptureStdout();
-        const ExitStatus status =
-            run_perplexities(random_matrix(kRows, 4), perplexities, report, Stopwatch());
-        testing::internal::GetCapturedStdout();
-        EXPECT_EQ(status, Success);
-    };
+    report.options = options;
+    testing::internal::CaptureStdout();
+    const ExitStatus status =
+        run_perplexities(random_matrix(50, 4), perplexities, std::move(report), Stopwatch());
+    testing::internal::GetCapturedStdout();
+    return status;
+}
+
+TEST(RunPerplexities, LeavesTheTablesOfSeparateRunsAndAReport) {
+    const test::TemporaryDirectory directory;
+    Options options = short_runs(directory);
+    const std::string paths[] = {directory.file("m_tsne_5_0.csv"),
+                                 directory.file("m_tsne_9_0.csv")};
     std::vector<std::string> separate;
     for (const double perplexity : {5.0, 9.0}) {
-        run({perplexity});
-        const std::string path =
-            directory.file(perplexity == 5.0 ? "m_tsne_5_0.csv" : "m_tsne_9_0.csv");
-        separate.push_back(test::read_file(path));
+        EXPECT_EQ(run(options, {perplexity}), Success);
+        separate.push_back(test::read_file(paths[separate.size()]));
         EXPECT_NE(separate.back(), "");
-        std::filesystem::remove(path);
     }
     EXPECT_FALSE(std::filesystem::exists(directory.file("m_tsne_comparison.html")));
-    report.options.report_file = directory.file("made/report.json");
-    run({5.0, 9.0});
-    EXPECT_EQ(test::read_file(directory.file("m_tsne_5_0.csv")), separate[0]);
-    EXPECT_EQ(test::read_file(directory.file("m_tsne_9_0.csv")), separate[1]);
+    options.report_file = directory.file("made/report.json");
+    std::filesystem::remove(paths[0]);
+    std::filesystem::remove(paths[1]);
+    EXPECT_EQ(run(options, {5.0, 9.0}), Success);
+    EXPECT_EQ(test::read_file(paths[0]), separate[0]);
+    EXPECT_EQ(test::read_file(paths[1]), separate[1]);
     EXPECT_TRUE(std::filesystem::exists(directory.file("m_tsne_comparison.html")));
-    const std::string text = test::read_file(report.options.report_file);
+    const std::string text = test::read_file(options.report_file);
     EXPECT_THAT(text, HasSubstr("\"perplexity\":5,"));
     EXPECT_THAT(text, HasSubstr("\"perplexity\":9,"));
 }
 
 TEST(RunPerplexities, FailsWhereAResultCannotBeWritten) {
     const test::TemporaryDirectory directory;
-    RunReport report;
-    report.options.out_dir = directory.prefix();
-    report.options.name = "m";
-    report.options.plots = false;
-    report.options.fit.max_iter = 2;
     std::filesystem::create_directories(directory.file("m_tsne_5_0.csv"));
-    testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    EXPECT_EQ(run_perplexities(random_matrix(30, 3), {5.0}, report, Stopwatch()), FailedRun);
-    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(run(short_runs(directory), {5.0}), FailedRun);
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
                 HasSubstr("ovik-tsne: Result table could not be written: "));
 }
