@@ -100,29 +100,5 @@ TEST(GeneFuncMapGlobal, IsFilledBeforeMain) {
     EXPECT_LE(now, std::time(nullptr));
 }
 
-TEST(GeneList, IsInGenomeOrder) {
-    const auto genes = gene_list();
-    EXPECT_STREQ(genes.front().systematic, "YAL069W");
-    EXPECT_EQ(genes.back().systematic[0], 'Q');
-    // Chromosomes in order, mitochondrial genes last.
-    EXPECT_TRUE(std::is_sorted(genes.begin(), genes.end(), [](const auto& a, const auto& b) {
-        const auto chromosome = [](const GeneEntry& gene) {
-            return gene.systematic[0] == 'Q' ? 'Z' : gene.systematic[1];
-        };
-        return chromosome(a) < chromosome(b);
-    }));
-}
-
-TEST(GeneList, HoldsBothMatingFactorsAsMf) {
-    const auto genes = gene_list();
-    EXPECT_EQ(std::count_if(genes.begin(),
-                            genes.end(),
-                            [](const auto& gene) {
-                                return std::string(gene.name) == "MF" &&
-                                       std::string(gene.function) == "NULL";
-                            }),
-              2);
-}
-
 }  // namespace
 }  // namespace ovik

@@ -20,14 +20,20 @@ endfunction()
 
 # ovik_require_mirrored_tests(SOURCE_DIR ROOMS EXCEPTED): for each source of the rooms and of their
 # kernels/, room/name.cpp, there is tests/room/name_test.cpp, unless it is among those excepted. These
-# have to be sources without such a test.
+# have to be sources without such a test. A source that has one of its name in kernels/ chooses among
+# the instruction sets of that one and is called by its test.
 function(ovik_require_mirrored_tests source_dir rooms excepted)
   set(untested "")
   foreach(room ${rooms})
     file(GLOB sources ${ovik_look_again} RELATIVE ${source_dir}
       ${source_dir}/${room}/*.cpp ${source_dir}/${room}/kernels/*.cpp)
     foreach(source ${sources})
-      string(REGEX REPLACE "[.]cpp$" "_test.cpp" test tests/${source})
+      set(tested ${source})
+      string(REGEX REPLACE "^([^/]+)/([^/]+)$" "\\1/kernels/\\2" kernel ${source})
+      if(EXISTS ${source_dir}/${kernel})
+        set(tested ${kernel})
+      endif()
+      string(REGEX REPLACE "[.]cpp$" "_test.cpp" test tests/${tested})
       if(NOT EXISTS ${source_dir}/${test})
         list(APPEND untested ${source})
       endif()

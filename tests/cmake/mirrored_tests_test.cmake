@@ -10,7 +10,8 @@ elseif(CASE STREQUAL "mirror")
 else()
   file(REMOVE_RECURSE ${tree})
   foreach(file
-      room/tested.cpp room/untested.cpp room/header.h room/kernels/loop.cpp hall/kernels/other.cpp
+      room/tested.cpp room/untested.cpp room/header.h room/loop.cpp room/kernels/loop.cpp
+      hall/other.cpp hall/kernels/other.cpp
       outside/unit.cpp
       tests/room/tested_test.cpp tests/room/kernels/loop_test.cpp tests/cli/whole_test.cpp)
     file(WRITE ${tree}/${file} "")
@@ -37,10 +38,13 @@ else()
   expect(program "${all}" "")
   expect(program "room/tested_test.cpp;room/kernels/loop_test.cpp"
     "belong to no program of [^ ]*/tests/CMakeLists.txt: cli/whole_test.cpp Call Stack")
-  set(without_test "room/untested.cpp;hall/kernels/other.cpp")
+  set(without_test "room/untested.cpp;hall/other.cpp;hall/kernels/other.cpp")
   expect(mirror "${without_test}" "")
-  expect(mirror "room/untested.cpp" "no test file of their name below tests/: hall/kernels/other.cpp Call Stack")
-  expect(mirror "" "below tests/: room/untested.cpp hall/kernels/other.cpp Call Stack")
+  expect(mirror "room/untested.cpp"
+    "no test file of their name below tests/: hall/kernels/other.cpp hall/other.cpp Call Stack")
+  expect(mirror "" "below tests/: room/untested.cpp hall/kernels/other.cpp hall/other.cpp Call Stack")
   expect(mirror "${without_test};room/tested.cpp" "ovik_tested_elsewhere lists [^:]*: room/tested.cpp Call Stack")
+  # The choice among kernels has the test of the kernels.
+  expect(mirror "${without_test};room/loop.cpp" "ovik_tested_elsewhere lists [^:]*: room/loop.cpp Call Stack")
   expect(mirror "${without_test};room/gone.cpp" "ovik_tested_elsewhere lists [^:]*: room/gone.cpp Call Stack")
 endif()

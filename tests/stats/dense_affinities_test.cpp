@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include <glog/logging.h>
 #include <gtest/gtest.h>
 
 #include "stats/tsne.h"
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
+#include "tests/support/recording_sink.h"
 #include "tests/support/threads.h"
 
 namespace ovik {
@@ -78,39 +78,7 @@ TEST(DenseAffinities, AreFiniteForAnImpossiblePerplexity) {
     }
 }
 
-/// Keeps what is logged.
-class RecordingSink : public google::LogSink {
-  public:
-    struct Line {
-        google::LogSeverity severity;
-        std::string file;
-        int line;
-        std::string message;
-    };
-
-    RecordingSink() { google::AddLogSink(this); }
-
-    RecordingSink(const RecordingSink&) = delete;
-    RecordingSink& operator=(const RecordingSink&) = delete;
-
-    ~RecordingSink() override { google::RemoveLogSink(this); }
-
-    using google::LogSink::send;
-
-    void send(google::LogSeverity severity,
-              const char* full_filename,
-              const char* /*base_filename*/,
-              int line,
-              const google::LogMessageTime& /*time*/,
-              const char* message,
-              std::size_t length) override {
-        lines.push_back({severity, full_filename, line, std::string(message, length)});
-    }
-
-    std::vector<Line> lines;
-};
-
-void expect_two_lines(const RecordingSink& sink, const std::string& message) {
+void expect_two_lines(const test::RecordingSink& sink, const std::string& message) {
     ASSERT_EQ(sink.lines.size(), 2U);
     for (const auto& line : sink.lines) {
         EXPECT_EQ(line.severity, google::GLOG_INFO);
@@ -122,13 +90,13 @@ void expect_two_lines(const RecordingSink& sink, const std::string& message) {
 }
 
 TEST(DenseAffinities, LogTheBarePerplexityTwice) {
-    const RecordingSink sink;
+    const test::RecordingSink sink;
     affinities(test::random_values(20, 5), 10, 2, 2.5);
     expect_two_lines(sink, "2.5");
 }
 
 TEST(DenseAffinities, OnlyLogWithoutPoints) {
-    const RecordingSink sink;
+    const test::RecordingSink sink;
     affinities({}, 0, 2, 30.0);
     expect_two_lines(sink, "30");
 }

@@ -1,0 +1,62 @@
+#include "annotation/gene_list.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+TEST(GeneList, IsInGenomeOrder) {
+    const auto genes = gene_list();
+    EXPECT_STREQ(genes.front().systematic, "YAL069W");
+    EXPECT_EQ(genes.back().systematic[0], 'Q');
+    // Chromosomes in order, mitochondrial genes last.
+    EXPECT_TRUE(std::is_sorted(genes.begin(), genes.end(), [](const auto& a, const auto& b) {
+        const auto chromosome = [](const GeneEntry& gene) {
+            return gene.systematic[0] == 'Q' ? 'Z' : gene.systematic[1];
+        };
+        return chromosome(a) < chromosome(b);
+    }));
+}
+
+TEST(GeneList, HoldsBothMatingFactorsAsMf) {
+    const auto genes = gene_list();
+    EXPECT_EQ(std::count_if(genes.begin(),
+                            genes.end(),
+                            [](const auto& gene) {
+                                return std::string(gene.name) == "MF" &&
+                                       std::string(gene.function) == "NULL";
+                            }),
+              2);
+}
+
+TEST(GeneList, HasSystematicNamesOfOneGeneEach) {
+    std::set<std::string_view> systematic;
+    for (const GeneEntry& gene : gene_list()) {
+        EXPECT_TRUE(systematic.insert(gene.systematic).second) << gene.systematic;
+    }
+}
+
+TEST(GeneAliases, AreInByteOrderAndNamesOfListedGenes) {
+    const auto aliases = gene_aliases();
+    EXPECT_FALSE(aliases.empty());
+    EXPECT_TRUE(
+        std::is_sorted(aliases.begin(), aliases.end(), [](const GeneAlias& a, const GeneAlias& b) {
+            return std::string_view(a.alias) < std::string_view(b.alias);
+        }));
+    std::set<std::string_view> listed;
+    for (const GeneEntry& gene : gene_list()) {
+        listed.insert(gene.name);
+    }
+    for (const GeneAlias& alias : aliases) {
+        EXPECT_EQ(listed.count(alias.name), 1U) << alias.name;
+        EXPECT_EQ(listed.count(alias.alias), 0U) << alias.alias;
+    }
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,351 @@
+#include "tools/options.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "stats/option_texts.h"
+
+#include "tools/exit_status.h"
+
+namespace ovik::tool {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+struct Parsed {
+    Options options;
+    std::optional<int> exit_status;
+    std::string out;
+    std::string err;
+};
+
+Parsed parse(const std::vector<std::string>& arguments) {
+    std::vector<const char*> argv{"/usr/bin/ovik-tsne"};
+    for (const std::string& argument : arguments) {
+        argv.push_back(argument.c_str());
+    }
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    ParsedCommand command = parse_command_line(static_cast<int>(argv.size()), argv.data());
+    std::string out = testing::internal::GetCapturedStdout();
+    return {std::move(command.options),
+            command.exit_status,
+            std::move(out),
+            testing::internal::GetCapturedStderr()};
+}
+
+/// Of a command line that asks for a run.
+Options options_of(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "data/m.tsv");
+    const Parsed parsed = parse(arguments);
+    EXPECT_EQ(parsed.exit_status, std::nullopt) << testing::PrintToString(arguments);
+    EXPECT_EQ(parsed.out, "");
+    EXPECT_EQ(parsed.err, "");
+    return parsed.options;
+}
+
+/// Why a command line is refused: what stands between the program's name and the advice.
+std::string refusal(const std::vector<std::string>& arguments) {
+    const Parsed parsed = parse(arguments);
+    EXPECT_EQ(parsed.exit_status, BadInput) << testing::PrintToString(arguments);
+    EXPECT_EQ(parsed.out, "");
+    const std::string before = "ovik-tsne: ";
+    const std::string after = "\nRun with --help for the options.\n";
+    if (!parsed.err.starts_with(before) || !parsed.err.ends_with(after)) {
+        return "unlike a refusal: " + parsed.err;
+    }
+    return parsed.err.substr(before.size(), parsed.err.size() - before.size() - after.size());
+}
+
+/// Of an option of a run on a matrix.
+std::string refusal_of(const std::string& flag, const std::string& value) {
+    return refusal({"m.tsv", flag, value});
+}
+
+TEST(ParseCommandLine, FillsInDefaults) {
+    const Options options = options_of({});
+    EXPECT_EQ(options.matrix, "data/m.tsv");
+    EXPECT_EQ(options.out_dir, "./");
+    EXPECT_EQ(options.name, "m");
+    EXPECT_EQ(options.title, "m");
+    EXPECT_EQ(options.suffix, "");
+    EXPECT_THAT(options.perplexities, IsEmpty());
+    EXPECT_FALSE(options.delimiter);
+    EXPECT_FALSE(options.missing);
+    EXPECT_FALSE(options.standard_names);
+    EXPECT_EQ(options.gene, "");
+    EXPECT_EQ(options.labels_file, "");
+    EXPECT_EQ(options.row_names_file, "");
+    EXPECT_TRUE(options.plots);
+    EXPECT_EQ(options.checkpoint, "");
+    EXPECT_EQ(options.checkpoint_every, 50);
+    EXPECT_EQ(options.resume, "");
+    EXPECT_EQ(options.precision, Precision::Double);
+    EXPECT_EQ(options.threads, 0);
+    EXPECT_FALSE(options.force || options.quality || options.plot_cost || options.dry_run ||
+                 options.quiet || options.coordinates_npy || options.coordinates_tsv);
+    EXPECT_EQ(options.report_file, "");
+    EXPECT_THAT(options.collected_reports, IsEmpty());
+    visit_fit_options(options.fit, [](const auto& option) {
+        EXPECT_EQ(option.value, option.preset) << option.words.name;
+    });
+}
+
+TEST(ParseCommandLine, TakesWhatIsGiven) {
+    const Options options = options_of({"--out-dir",
+                                        "results",
+                                        "--name",
+                                        "yeast",
+                                        "--suffix",
+                                        "_a",
+                                        "--title",
+                                        "Yeast genes",
+                                        "--labels",
+                                        "labels.txt",
+                                        "--row-names",
+                                        "names.txt",
+                                        "--names",
+                                        "standard",
+                                        "--missing",
+                                        "row-mean",
+                                        "--precision",
+                                        "float",
+                                        "--threads",
+                                        "3",
+                                        "--checkpoint",
+                                        "fit.ckpt",
+                                        "--checkpoint-every",
+                                        "7",
+                                        "--resume",
+                                        "old.ckpt",
+                                        "--json",
+                                        "report.json",
+                                        "--no-plots",
+                                        "--quality",
+                                        "--plot-cost",
+                                        "--force",
+                                        "--dry-run",
+                                        "--quiet"});
+    EXPECT_EQ(options.out_dir, "results/");
+    EXPECT_EQ(options.name, "yeast");
+    EXPECT_EQ(options.suffix, "_a");
+    EXPECT_EQ(options.title, "Yeast genes");
+    EXPECT_EQ(options.labels_file, "labels.txt");
+    EXPECT_EQ(options.row_names_file, "names.txt");
+    EXPECT_TRUE(options.standard_names);
+    EXPECT_EQ(options.missing, MissingPolicy::RowMean);
+    EXPECT_EQ(options.precision, Precision::Float);
+    EXPECT_EQ(options.threads, 3);
+    EXPECT_EQ(options.checkpoint, "fit.ckpt");
+    EXPECT_EQ(options.checkpoint_every, 7);
+    EXPECT_EQ(options.resume, "old.ckpt");
+    EXPECT_EQ(options.report_file, "report.json");
+    EXPECT_FALSE(options.plots);
+    EXPECT_TRUE(options.quality && options.plot_cost && options.force && options.dry_run &&
+                options.quiet);
+}
+
+TEST(ParseCommandLine, TakesTheOptionsOfAFit) {
+    const Options options = options_of({"-t",
+                                        "0.25",
+                                        "-d",
+                                        "3",
+                                        "-i",
+                                        "400",
+                                        "--stop-lying-iter",
+                                        "0",
+                                        "--mom-switch-iter=2147483647"});
+    EXPECT_EQ(options.fit.theta, 0.25);
+    EXPECT_EQ(options.fit.out_dims, 3);
+    EXPECT_EQ(options.fit.max_iter, 400);
+    EXPECT_EQ(options.fit.stop_lying_iter, 0);
+    EXPECT_EQ(options.fit.mom_switch_iter, 2147483647);
+}
+
+/// The last of the flags of an option: its long one.
+std::string long_flag(const OptionWords& words) {
+    return std::string(words.flags.substr(words.flags.rfind(',') + 1));
+}
+
+TEST(ParseCommandLine, ShowsEveryOptionOfAFitWithItsPreset) {
+    const Parsed help = parse({"--help"});
+    const FitOptions presets;
+    visit_fit_options(presets, [&help](const auto& option) {
+        EXPECT_THAT(help.out, HasSubstr(std::string(option.words.flags)));
+        EXPECT_THAT(help.out, HasSubstr("(" + plain_number(option.preset)));
+    });
+}
+
+TEST(ParseCommandLine, RefusesWhatIsOutsideTheRangeOfAnOptionOfAFit) {
+    const FitOptions presets;
+    visit_fit_options(presets, [](const auto& option) {
+        const std::string flag = long_flag(option.words);
+        const std::string requirement =
+            flag + ": should be " + requirement_text(option.range) + ", not ";
+        for (const char* const value : {"ten", "1e", "nan", "-1e300"}) {
+            EXPECT_EQ(refusal({"m.tsv", flag + "=" + value}), requirement + value);
+        }
+        EXPECT_EQ(refusal_of(flag, ""), requirement);
+    });
+}
+
+TEST(ParseCommandLine, TakesPerplexitiesBetweenCommas) {
+    EXPECT_THAT(options_of({"-p", "12.75"}).perplexities, ElementsAre(12.75));
+    EXPECT_THAT(options_of({"--perplexity", "50,5,1e1"}).perplexities, ElementsAre(50, 5, 10));
+    EXPECT_THAT(options_of({"--perplexity=1"}).perplexities, ElementsAre(1));
+}
+
+TEST(ParseCommandLine, RefusesPerplexitiesThatAreNoneOrStandThereTwice) {
+    constexpr const char* kRange = "--perplexity: should be a number at least 1, at most 1e9, not ";
+    for (const std::string text : {"0.99", "0", "-3", "nan", "inf", "1e10", "ten", "5x", " "}) {
+        EXPECT_EQ(refusal_of("--perplexity", text), kRange + text);
+    }
+    EXPECT_EQ(refusal_of("--perplexity", "5,ten,7"), std::string(kRange) + "ten");
+    for (const char* const text : {"5,,7", "5,", ",5"}) {
+        EXPECT_EQ(refusal_of("--perplexity", text), kRange);
+    }
+    EXPECT_EQ(refusal_of("--perplexity", "5,10,5.0"), "--perplexity: 5.0 stands there twice");
+}
+
+TEST(ParseCommandLine, RefusesSeveralPerplexitiesForOneCheckpoint) {
+    constexpr const char* kReason =
+        "--checkpoint and --resume: are for one perplexity: a checkpoint is of one run";
+    EXPECT_EQ(refusal({"m.tsv", "-p", "5,10", "--checkpoint", "c"}), kReason);
+    EXPECT_EQ(refusal({"m.tsv", "-p", "5,10", "--resume", "c"}), kReason);
+    EXPECT_THAT(options_of({"-p", "5", "--checkpoint", "c", "--resume", "c"}).perplexities,
+                ElementsAre(5));
+}
+
+TEST(ParseCommandLine, ReadsCountsAsDecimalNumbers) {
+    EXPECT_EQ(options_of({"-i", "010"}).fit.max_iter, 10);
+    EXPECT_EQ(options_of({"-j", "007"}).threads, 7);
+    EXPECT_EQ(options_of({"--checkpoint", "c", "--checkpoint-every", "0100"}).checkpoint_every,
+              100);
+    for (const std::string text : {"0x10", "2.5", "1e3", "+5", " 5", "5 ", "99999999999"}) {
+        EXPECT_EQ(refusal_of("--max-iter", text),
+                  "--max-iter: should be a whole number from 1 to 1000000000, not " + text);
+    }
+    EXPECT_EQ(refusal_of("--threads", "1000001"),
+              "--threads: should be a whole number from 0 to 1000000, not 1000001");
+    EXPECT_EQ(refusal({"m.tsv", "--threads=-1"}),
+              "--threads: should be a whole number from 0 to 1000000, not -1");
+    EXPECT_EQ(refusal({"m.tsv", "--checkpoint", "c", "--checkpoint-every", "0"}),
+              "--checkpoint-every: should be a whole number from 1 to 1000000000, not 0");
+}
+
+TEST(ParseCommandLine, TakesDelimitersByNameAndAsTheyAre) {
+    EXPECT_EQ(options_of({"--delimiter", "tab"}).delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "\\t"}).delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "\t"}).delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "comma"}).delimiter, ',');
+    EXPECT_EQ(options_of({"--delimiter", "semicolon"}).delimiter, ';');
+    EXPECT_EQ(options_of({"--delimiter", "space"}).delimiter, ' ');
+    EXPECT_EQ(options_of({"--delimiter", "|"}).delimiter, '|');
+    constexpr const char* kReason =
+        "--delimiter: should be tab, comma, semicolon, space or one character, not ";
+    for (const std::string text : {"ab", "Tab", "\n", "\r", "\xc2\xb7"}) {
+        EXPECT_EQ(refusal_of("--delimiter", text), kReason + text);
+    }
+}
+
+TEST(ParseCommandLine, TakesFormsOfCoordinates) {
+    EXPECT_TRUE(options_of({"--coordinates", "tsv"}).coordinates_tsv);
+    EXPECT_FALSE(options_of({"--coordinates", "tsv"}).coordinates_npy);
+    EXPECT_TRUE(options_of({"--coordinates", "npy"}).coordinates_npy);
+    const Options both = options_of({"--coordinates", "npy,tsv"});
+    EXPECT_TRUE(both.coordinates_tsv && both.coordinates_npy);
+    for (const std::string text : {"csv", "tsv,", "tsv,csv"}) {
+        EXPECT_EQ(refusal_of("--coordinates", text),
+                  "--coordinates: should be tsv, npy or tsv,npy, not " + text);
+    }
+}
+
+TEST(ParseCommandLine, TakesPoliciesForMissingValues) {
+    EXPECT_EQ(options_of({"--missing", "zero"}).missing, MissingPolicy::Zero);
+    EXPECT_EQ(options_of({"--missing", "column-mean"}).missing, MissingPolicy::ColumnMean);
+    EXPECT_EQ(options_of({"--missing", "drop"}).missing, MissingPolicy::Drop);
+    EXPECT_EQ(options_of({"--missing", "error"}).missing, MissingPolicy::Error);
+    for (const std::string text : {"mean", "Zero", "leave"}) {
+        EXPECT_EQ(refusal_of("--missing", text),
+                  "--missing: should be zero, row-mean, column-mean, drop or error, not " + text);
+    }
+}
+
+TEST(ParseCommandLine, RefusesOtherWordsThanThoseOfAnOption) {
+    EXPECT_FALSE(options_of({"--names", "file"}).standard_names);
+    EXPECT_EQ(options_of({"--precision", "double"}).precision, Precision::Double);
+    EXPECT_EQ(refusal_of("--names", "latin"), "--names: latin not in {file,standard}");
+    EXPECT_EQ(refusal_of("--precision", "half"), "--precision: half not in {double,float}");
+}
+
+TEST(ParseCommandLine, RefusesPartsOfFileNamesWithASlash) {
+    for (const std::string flag : {"--name", "--suffix"}) {
+        EXPECT_EQ(refusal_of(flag, "a/b"),
+                  flag + ": should not contain a slash (the directory goes into --out-dir)");
+    }
+}
+
+TEST(ParseCommandLine, RefusesWhatItDoesNotKnow) {
+    EXPECT_EQ(refusal({}), "MATRIX is required");
+    EXPECT_THAT(refusal({"m.tsv", "second.tsv"}), HasSubstr("second.tsv"));
+    EXPECT_THAT(refusal({"m.tsv", "--no-such-option"}), HasSubstr("--no-such-option"));
+    EXPECT_THAT(refusal({"m.tsv", "--perplexity"}), StartsWith("--perplexity"));
+    EXPECT_THAT(refusal({"m.tsv", "--checkpoint-every", "5"}), HasSubstr("--checkpoint"));
+    // A later version may have another option of this start.
+    EXPECT_THAT(refusal({"m.tsv", "--perp", "5"}), HasSubstr("--perp"));
+    EXPECT_THAT(refusal({"m.tsv", "--Perplexity", "5"}), HasSubstr("--Perplexity"));
+}
+
+TEST(ParseCommandLine, NamesARunAfterItsMatrix) {
+    const auto name_of = [](const std::string& matrix) { return parse({matrix}).options.name; };
+    EXPECT_EQ(name_of("a.b.tsv"), "a.b");
+    EXPECT_EQ(name_of("dir.d/yeast.tsv.gz"), "yeast");
+    EXPECT_EQ(name_of("yeast.gz"), "yeast");
+    EXPECT_EQ(name_of("yeast"), "yeast");
+    EXPECT_EQ(name_of(".hidden"), ".hidden");
+    EXPECT_EQ(name_of("-"), "stdin");
+    EXPECT_EQ(options_of({"--name", "n"}).title, "n");
+    EXPECT_EQ(options_of({"--title", "t"}).name, "m");
+}
+
+TEST(ParseCommandLine, PutsASeparatorBehindTheDirectory) {
+    EXPECT_EQ(options_of({"-o", "results"}).out_dir, "results/");
+    EXPECT_EQ(options_of({"-o", "results/"}).out_dir, "results/");
+    EXPECT_EQ(options_of({"-o", "/"}).out_dir, "/");
+    EXPECT_EQ(options_of({"--out-dir", ""}).out_dir, "./");
+}
+
+TEST(ParseCommandLine, NeedsNoMatrixForAGeneOrReports) {
+    const Parsed gene = parse({"--gene", "CDC28"});
+    EXPECT_EQ(gene.exit_status, std::nullopt);
+    EXPECT_EQ(gene.options.gene, "CDC28");
+    const Parsed collection = parse({"--collect", "a.json", "b.json"});
+    EXPECT_EQ(collection.exit_status, std::nullopt);
+    EXPECT_THAT(collection.options.collected_reports, ElementsAre("a.json", "b.json"));
+    EXPECT_EQ(collection.options.name, "collected");
+    EXPECT_EQ(parse({"--collect", "a.json", "--name", "n"}).options.name, "n");
+}
+
+TEST(ParseCommandLine, ShowsHelpAndVersionOnStandardOutput) {
+    const Parsed help = parse({"--help"});
+    EXPECT_EQ(help.exit_status, Success);
+    EXPECT_EQ(help.err, "");
+    EXPECT_THAT(help.out, HasSubstr("--perplexity NUMBER"));
+    EXPECT_THAT(help.out, HasSubstr("Exit status: 0 success"));
+    EXPECT_EQ(parse({"-h"}).out, help.out);
+    const Parsed version = parse({"--version"});
+    EXPECT_EQ(version.exit_status, Success);
+    EXPECT_EQ(version.err, "");
+    EXPECT_THAT(version.out, testing::MatchesRegex("ovik-tsne [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+}  // namespace
+}  // namespace ovik::tool
