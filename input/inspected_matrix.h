@@ -11,7 +11,7 @@ namespace ovik {
 struct FieldPlace {
     /// Line of the file, from 1; 0 in formats that have none.
     std::size_t line = 0;
-    /// Name of its row.
+    /// Name of the row to which the field belongs.
     std::string row;
     /// Field of the line, from 1; the name is field 1. Without a line, the column.
     std::size_t field = 0;
@@ -47,7 +47,7 @@ struct MatrixReport {
     /// range of `double`.
     FieldFindings not_finite;
     std::size_t ragged_rows = 0;
-    /// The first few of them.
+    /// The first few ragged rows.
     std::vector<RaggedRow> first_ragged_rows;
     /// Rows whose line opens with a blank delimiter, which is trimmed away with the empty name
     /// in front of it, so that a number has become the name.

@@ -20,9 +20,9 @@ enum class MissingPolicy {
     ColumnMean,
     /// Their rows are left out.
     Drop,
-    /// They are refused.
+    /// Missing values are refused.
     Error,
-    /// They stay NaN.
+    /// Missing values stay NaN.
     Leave,
 };
 

@@ -54,10 +54,10 @@ class TreeBuilder {
     struct Segment {
         std::uint32_t first;
         std::uint32_t last;
-        /// The first of its buckets.
+        /// The first bucket of the part.
         std::size_t bucket;
         std::size_t cell_count;
-        /// Where its cells begin in the whole tree.
+        /// Where the cells of the part begin in the whole tree.
         std::size_t place;
     };
 

@@ -27,7 +27,7 @@ class Schedule {
         return !liesBehind(iteration, options_.stop_lying_iter);
     }
 
-    /// Of the step of an iteration.
+    /// The momentum of the step of an iteration.
     [[nodiscard]] double momentum(int iteration) const {
         return liesBehind(iteration, options_.mom_switch_iter) ? options_.final_momentum
                                                                : options_.momentum;

@@ -27,7 +27,7 @@ struct RunInput {
 /// Runs the engine, writes the results, and says on the console what became of them.
 ///
 /// @throws InputError if the run cannot go on from the checkpoint of the options
-/// @throws std::runtime_error if the embedding comes to nothing: there are no results then
+/// @throws std::runtime_error if coordinates stop being finite: there are no results then
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity);
 
 }  // namespace ovik::tool

@@ -13,7 +13,7 @@ enum class Precision { Double, Float };
 
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
-    /// Empty only with `gene`.
+    /// Path of the matrix; empty only with `gene`.
     std::string matrix;
     /// With its separator at the end.
     std::string out_dir = "./";
@@ -47,7 +47,7 @@ struct Options {
     /// Empty: the run starts anew.
     std::string resume;
     Precision precision = Precision::Double;
-    /// 0: all cores.
+    /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.
     bool force = false;

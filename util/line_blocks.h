@@ -32,7 +32,7 @@ class LineBlocks {
     bool next(std::string& block) {
         block = std::move(remainder_);
         remainder_.clear();
-        // Of what was begun.
+        // The last line break of the block that was begun.
         std::size_t last_break = block.rfind('\n');
         while (last_break == std::string::npos && file_) {
             const std::size_t searched = block.size();

@@ -6,7 +6,7 @@
 
 namespace ovik {
 
-/// Points of a block.
+/// How many points a block holds.
 constexpr std::size_t kBlockPoints = 16;
 
 /// Targets that are measured together, while a block is at hand.

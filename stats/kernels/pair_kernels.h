@@ -71,7 +71,7 @@ struct PairKernels {
     /// The gradient of the rows of a panel, each summed in order.
     void (*add_forces)(const EmbeddingColumns& Y, std::size_t panel, const PanelTask& task);
 
-    /// As `add_forces`, and the cost.
+    /// Does what `add_forces` does, and adds up the cost.
     void (*add_forces_and_cost)(const EmbeddingColumns& Y,
                                 std::size_t panel,
                                 const PanelTask& task);
