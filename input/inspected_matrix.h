@@ -67,9 +67,9 @@ struct MatrixReport {
 /// The rows of a matrix file, and what there is to say about them.
 struct InspectedMatrix {
     MatrixReport report;
-    /// One per row.
+    /// The names of the rows, in the order of the file.
     std::vector<std::string> row_names;
-    /// Where each row stands in the file: lines, from 1; 0 in formats that have none.
+    /// The line on which each row stands in the file, from 1; 0 in formats that have none.
     std::vector<std::size_t> row_lines;
     /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;

@@ -201,7 +201,7 @@ ElementType element_of(const MatrixSource& source, const NpyHeader& header) {
     return *element;
 }
 
-/// Room for the values.
+/// A matrix with room for the values of an array.
 ///
 /// @throws InputError if their count has no meaning
 InspectedMatrix empty_matrix(const MatrixSource& source, const NpyHeader& header) {

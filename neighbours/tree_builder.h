@@ -117,7 +117,7 @@ class TreeBuilder {
     /// `kSamePlace`.
     std::vector<std::int8_t> split_levels_;
     std::vector<Segment> segments_;
-    /// The cells above them, children first.
+    /// The cells above the segments, children first.
     std::vector<std::size_t> coarse_cells_;
     /// The segments, each at twice the position of its first point and aligned to its end.
     CellArray parts_;

@@ -25,7 +25,7 @@ struct RecordedSeconds {
 
 /// How well the map keeps neighbourhoods of one size.
 struct RecordedQuality {
-    /// Rows in a neighbourhood.
+    /// How many rows a neighbourhood has.
     std::size_t neighbours = 0;
     /// Trustworthiness of the map, 0 to 1.
     double trustworthiness = 0.0;
@@ -43,7 +43,7 @@ struct RunRecord {
     /// The cost of the map against the similarities without exaggeration.
     double final_cost = 0.0;
     RecordedSeconds seconds;
-    /// Empty unless it was asked for.
+    /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;
     std::vector<ResultFile> files;
 

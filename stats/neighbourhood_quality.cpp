@@ -21,7 +21,7 @@ static_assert(kPanelWidth % kColumnMultiple == 0 && kPanelWidth % kRankMultiple 
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// Points of a row-major matrix by coordinate.
+/// The points of a row-major matrix, stored coordinate by coordinate.
 class Columns {
   public:
     Columns(const double* rows, std::size_t N, std::size_t dims)

@@ -14,7 +14,7 @@ class Schedule {
 
     [[nodiscard]] int lastIteration() const { return options_.max_iter; }
 
-    /// What the similarities are multiplied by in the first phase.
+    /// The factor of the similarities in the first phase.
     [[nodiscard]] double exaggeration() const { return options_.exaggeration; }
 
     /// Whether early exaggeration ends with an iteration, after its step and before its cost.

@@ -52,7 +52,7 @@ struct RowScratch {
 /// Fills rows of the matrix of conditional similarities.
 class RowFiller {
   public:
-    /// All but numbers has to outlive the object.
+    /// All arguments but the numbers have to outlive the object.
     ///
     /// @param hooks   `cached`, if there is one, holds the index; `graph` has room for all rows
     /// @param points  those of the index, row-major

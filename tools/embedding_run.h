@@ -15,10 +15,10 @@ namespace ovik::tool {
 struct RunInput {
     std::size_t rows = 0;
     std::size_t columns = 0;
-    /// Row-major, rows x columns.
+    /// The values, row-major, rows x columns.
     std::unique_ptr<double[]> values;
     std::vector<std::string> row_names;
-    /// One per row, or empty.
+    /// One label per row; empty for none.
     std::vector<std::string> labels;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;

@@ -77,7 +77,7 @@ std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, cons
     // Long enough to be worth taking turns for, short enough for the caches.
     constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
     LineBlocks blocks(file, kBlockBytes, std::move(begun));
-    // Their places stay while others are added.
+    // The places of blocks stay while others are added.
     std::deque<Parsed> results;
     std::mutex turn;
     const auto fetch = [&](std::string& block) -> Parsed* {

@@ -29,7 +29,7 @@ constexpr std::size_t kColumnMultiple = 8;
 struct PointsByColumn {
     const double* coordinates;
     std::size_t point_count;
-    /// At least point_count, a multiple of kColumnMultiple.
+    /// From one column to the next: at least point_count, a multiple of kColumnMultiple.
     std::size_t stride;
     std::size_t dims;
 };

@@ -6,7 +6,7 @@
 
 namespace ovik {
 
-/// The entries of a sparse similarity matrix and an embedding, as a pass over the entries reads
+/// A sparse similarity matrix and an embedding, as a pass over the entries of the matrix reads
 /// them.
 struct EdgeView {
     const unsigned int* row_P;

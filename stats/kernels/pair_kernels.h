@@ -54,7 +54,7 @@ struct PanelTask {
     double* cost;
 };
 
-/// A version of the loops.
+/// The loops over pairs of points, as one instruction set has them.
 struct PairKernels {
     /// The similarities 1 / (1 + squared distance) of point n to all points; 0 to itself.
     ///
