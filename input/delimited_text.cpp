@@ -115,7 +115,7 @@ class BlockOfRows {
     std::vector<std::string> names;
     std::vector<std::size_t> row_lines;
     std::vector<Length> lengths;
-    /// Row after row.
+    /// The values of all rows, row after row.
     std::vector<double> values;
     std::size_t numbers = 0;
     FieldFindings not_numbers;

@@ -9,7 +9,7 @@ namespace ovik {
 /// Reads the text of a matrix by the rules of `read_matrix_w_index` with one header line, on all
 /// cores, and takes note of what that would not say, but for names that repeat.
 ///
-/// Where it differs: a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are empty
+/// It differs in this: a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are empty
 /// fields at the end of a line that trimming takes away, if other rows have values there.
 ///
 /// @param source  read to its end

@@ -19,7 +19,7 @@ constexpr std::size_t kBufferBytes = std::size_t{1} << 18U;
 class GzipBuffer::Inflater {
   public:
     Inflater() {
-        // Gzip members only, with the largest window.
+        // The data are gzip members only, with the largest window.
         constexpr int kGzipWindow = 15 + 16;
         if (inflateInit2(&stream_, kGzipWindow) != Z_OK) {
             throw std::bad_alloc();

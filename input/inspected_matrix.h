@@ -11,7 +11,7 @@ namespace ovik {
 struct FieldPlace {
     /// Line of the file, from 1; 0 in formats that have none.
     std::size_t line = 0;
-    /// Name of its row.
+    /// Name of the row to which the field belongs.
     std::string row;
     /// Field of the line, from 1; the name is field 1. Without a line, the column.
     std::size_t field = 0;
@@ -47,7 +47,7 @@ struct MatrixReport {
     /// range of `double`.
     FieldFindings not_finite;
     std::size_t ragged_rows = 0;
-    /// The first few of them.
+    /// The first few ragged rows.
     std::vector<RaggedRow> first_ragged_rows;
     /// Rows whose line opens with a blank delimiter, which is trimmed away with the empty name
     /// in front of it, so that a number has become the name.
@@ -67,9 +67,9 @@ struct MatrixReport {
 /// The rows of a matrix file, and what there is to say about them.
 struct InspectedMatrix {
     MatrixReport report;
-    /// One per row.
+    /// The names of the rows, in the order of the file.
     std::vector<std::string> row_names;
-    /// Where each row stands in the file: lines, from 1; 0 in formats that have none.
+    /// The line on which each row stands in the file, from 1; 0 in formats that have none.
     std::vector<std::size_t> row_lines;
     /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;

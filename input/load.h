@@ -22,7 +22,7 @@ struct Remark {
     };
 
     Kind kind;
-    /// One line or more.
+    /// The message, of one line or more.
     std::string text;
 };
 

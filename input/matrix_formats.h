@@ -12,7 +12,7 @@ namespace ovik {
 
 /// A format in which a matrix may come.
 struct MatrixFormat {
-    /// As reports call it: "npy".
+    /// What reports call the format, such as "npy".
     std::string name;
     /// Whether a file that opens with these bytes is of this format. The head holds the first lines
     /// whole; of an empty file it is empty.

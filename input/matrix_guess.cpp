@@ -42,7 +42,7 @@ std::size_t count_numbers(std::string line, char delimiter, const NumberReader& 
         double value = 0.0;
         const FieldKind kind = classify_field(reader, field, end, value);
         // Decimal commas leave text behind every number; they are more likely than values that
-        // are parted by them.
+        // are separated by them.
         const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
         numbers += !at_name && counts ? 1 : 0;
         at_name = false;

@@ -125,8 +125,8 @@ class MarketReader {
         if (is_symmetric_ && rows != columns) {
             refuse("a symmetric matrix has as many rows as columns");
         }
-        // Of a symmetric one the lower triangle is given, of a skew-symmetric one without the
-        // diagonal.
+        // The file of a symmetric matrix gives its lower triangle; that of a skew-symmetric one
+        // leaves the diagonal out.
         const std::size_t triangle = mirror_sign_ < 0.0
                                          ? rows * (std::max<std::size_t>(rows, 1) - 1) / 2
                                          : rows * (rows + 1) / 2;
@@ -156,7 +156,7 @@ class MarketReader {
         }
     }
 
-    /// @return from 0
+    /// @return the index, counted from 0
     [[nodiscard]] std::size_t readIndex(const std::string& word,
                                         std::size_t extent,
                                         const std::string& what) const {
@@ -207,7 +207,7 @@ class MarketReader {
     bool has_size_ = false;
     std::size_t expected_ = 0;
     std::size_t entries_ = 0;
-    /// Of the entry that comes next, or came last.
+    /// The place of the entry that comes next, or came last.
     std::size_t row_ = 0;
     std::size_t column_ = 0;
 };

@@ -27,7 +27,7 @@ std::string row_name(const InspectedMatrix& matrix, std::size_t row) {
     return "row \"" + matrix.row_names[row] + "\"";
 }
 
-/// Where a row stands; empty in formats without lines.
+/// Says where a row stands in the file; empty in formats without lines.
 std::string line_text(const InspectedMatrix& matrix, std::size_t row) {
     const std::size_t line = matrix.row_lines[row];
     return line == 0 ? "" : "line " + std::to_string(line) + ": ";

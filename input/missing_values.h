@@ -11,18 +11,18 @@ namespace ovik {
 
 /// What becomes of missing values.
 enum class MissingPolicy {
-    /// They are 0, as the library reads them.
+    /// Missing values are 0, as the library reads them.
     Zero,
-    /// They are the mean of the numbers of their row.
+    /// Missing values are the mean of the numbers of their row.
     RowMean,
     /// They are the mean of the numbers of their column; 0 in a column without any, which then
     /// tells no row from another.
     ColumnMean,
-    /// Their rows are left out.
+    /// Rows with missing values are left out.
     Drop,
-    /// They are refused.
+    /// Missing values are refused.
     Error,
-    /// They stay NaN.
+    /// Missing values stay NaN.
     Leave,
 };
 

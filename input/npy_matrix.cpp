@@ -148,7 +148,7 @@ double number_at(const char* bytes) {
     return static_cast<double>(number);
 }
 
-/// IEEE 754 of 16 bits.
+/// The value of an IEEE 754 number of 16 bits.
 double half_at(const char* bytes) {
     std::uint16_t bits = 0;
     std::memcpy(&bits, bytes, sizeof bits);
@@ -201,7 +201,7 @@ ElementType element_of(const MatrixSource& source, const NpyHeader& header) {
     return *element;
 }
 
-/// Room for the values.
+/// A matrix with room for the values of an array.
 ///
 /// @throws InputError if their count has no meaning
 InspectedMatrix empty_matrix(const MatrixSource& source, const NpyHeader& header) {

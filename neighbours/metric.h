@@ -12,7 +12,7 @@ namespace ovik {
 /// and the measures of a map take any; its functions are called for a row or a block, never for a
 /// coordinate.
 struct Metric {
-    /// For messages.
+    /// What messages call the metric.
     const char* name;
     /// The distance of two rows of `dims` coordinates: 0 or more, and the same both ways.
     double (*distance)(const double* a, const double* b, std::size_t dims);

@@ -14,9 +14,9 @@ namespace ovik {
 struct NeighbourGraph {
     std::size_t rows = 0;
     std::size_t neighbour_count = 0;
-    /// Numbers of rows.
+    /// The neighbours, as numbers of rows.
     std::vector<std::uint32_t> neighbours;
-    /// Distances to them.
+    /// The distances to these neighbours.
     std::vector<double> distances;
 };
 

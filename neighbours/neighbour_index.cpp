@@ -337,7 +337,7 @@ void NeighbourIndex::visit(
     }
     if (levels == 0) {
         const std::uint32_t block = blocks_[range.lower];
-        // Far above what rounding adds to a distance.
+        // The margin is far above what rounding adds to a distance.
         const double radius = queries.radius + kRoundingMargin * (queries.radius + queries.margin);
         if (pivot_kernels_.is_beyond(
                 bounds_.data() + block * kBounds, queries.pivot_distances, radius)) {

@@ -51,7 +51,7 @@ class NeighbourIndex {
         std::vector<std::uint32_t> places;
         /// The blocks that have been measured, by place.
         std::vector<std::uint32_t> measured;
-        /// kTargets x kBlockPoints at each place.
+        /// The distances of the measured blocks, kTargets x kBlockPoints at each place.
         std::vector<double> distances;
     };
 

@@ -111,7 +111,7 @@ class TreeBuilder::Assembler {
   private:
     struct OpenCell {
         int level;
-        /// Behind its last point and its last cell.
+        /// The places behind the last point and the last cell of the open cell.
         std::uint32_t last;
         std::size_t end;
     };

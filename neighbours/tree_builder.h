@@ -54,10 +54,10 @@ class TreeBuilder {
     struct Segment {
         std::uint32_t first;
         std::uint32_t last;
-        /// The first of its buckets.
+        /// The first bucket of the part.
         std::size_t bucket;
         std::size_t cell_count;
-        /// Where its cells begin in the whole tree.
+        /// Where the cells of the part begin in the whole tree.
         std::size_t place;
     };
 
@@ -117,7 +117,7 @@ class TreeBuilder {
     /// `kSamePlace`.
     std::vector<std::int8_t> split_levels_;
     std::vector<Segment> segments_;
-    /// The cells above them, children first.
+    /// The cells above the segments, children first.
     std::vector<std::size_t> coarse_cells_;
     /// The segments, each at twice the position of its first point and aligned to its end.
     CellArray parts_;

@@ -11,13 +11,13 @@ namespace ovik {
 struct ChartLayout {
     /// Room around the plot in pixels: top, right, bottom, left.
     std::vector<int> margins;
-    /// Pixels.
+    /// Width of the legend in pixels.
     int legend_width = 0;
     /// Degrees by which tick labels of the x axis are turned.
     int x_tick_turn = 0;
     /// Degrees by which the title of the y axis is turned.
     int y_title_turn = 0;
-    /// Decimals of tick labels.
+    /// How many decimals tick labels have.
     int tick_decimals = 0;
     bool grid = true;
 };
@@ -36,7 +36,7 @@ struct Chart {
     ChartLayout layout;
     /// Whether labels stand beside the points.
     bool show_labels = false;
-    /// Empty for the default.
+    /// Name of the colour scheme; empty for the default.
     std::string colour_scheme;
     /// Labels in the order of the legend; others follow.
     std::vector<std::string> category_order;
@@ -44,7 +44,7 @@ struct Chart {
     std::vector<std::string> colours;
     /// Files and addresses that the page refers to.
     std::vector<std::string> links;
-    /// One per point, or empty.
+    /// One label per point; empty for none.
     std::vector<std::string> labels;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;

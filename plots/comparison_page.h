@@ -13,7 +13,7 @@ struct ComparedRun {
     std::string picture;
     /// Path of what the picture leads to; empty for nothing.
     std::string chart_page;
-    /// Names and values.
+    /// Names and values of what is told of the run.
     std::vector<std::pair<std::string, std::string>> facts;
     /// Names and paths of further files.
     std::vector<std::pair<std::string, std::string>> files;

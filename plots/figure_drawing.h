@@ -50,7 +50,7 @@ class FigureDrawing {
     std::string failure_;
     /// Whether gnuplot is not installed.
     bool lacks_program_ = false;
-    /// Ends before the directory is removed.
+    /// The program, which ends before the directory is removed: it is the last member.
     std::unique_ptr<ChildProcess> program_;
 };
 

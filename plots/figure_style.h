@@ -4,7 +4,7 @@ namespace ovik {
 
 /// Size and edges of a figure.
 struct FigureStyle {
-    /// Pixels.
+    /// Size of the canvas in pixels.
     double width = 1200;
     double height = 1200;
     /// Where the axes end, as fractions of the canvas from its left and bottom.
@@ -12,7 +12,7 @@ struct FigureStyle {
     double left = 0.1;
     double bottom = 0.1;
     double top = 0.9;
-    /// Points.
+    /// Size of the text in typographic points.
     int font_size = 21;
     /// Translucent points, so that darker means overlaps.
     bool overlap = true;

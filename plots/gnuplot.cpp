@@ -73,7 +73,7 @@ void Gnuplot<T>::plotting(std::string base,
         throw std::invalid_argument(
             "a figure is a scatter of columns 2 and 3 with four bounds and two axis titles");
     }
-    // Ends an earlier drawing.
+    // A drawing that is still open ends here.
     close();
     is_open_ = true;
     FigureFrame frame{

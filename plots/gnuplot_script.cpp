@@ -52,7 +52,7 @@ struct Legend {
     }
 
     int font_size;
-    /// What fits into a line.
+    /// How many characters fit into a line.
     std::size_t characters;
     std::size_t lines;
 };
@@ -74,7 +74,7 @@ std::string block_name(std::size_t panel, std::size_t label) {
     return "$panel" + std::to_string(panel + 1) + "_label" + std::to_string(label + 1);
 }
 
-/// Smaller points for larger crowds.
+/// The size of the points of a panel: the more points, the smaller.
 std::string point_size(const FigurePanel& panel, const PanelGrid& grid) {
     std::size_t count = 0;
     for (const auto& points : panel.points) {

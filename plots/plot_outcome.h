@@ -6,7 +6,7 @@ namespace ovik {
 
 /// What became of a figure.
 enum class FigureOutcome {
-    /// None was asked for.
+    /// No figure was asked for.
     None,
     Drawn,
     /// There is its script alone, since gnuplot is not installed.

@@ -24,7 +24,7 @@ struct PlottedRun {
     /// Coordinates; what is not finite is not drawn.
     std::span<const T> x;
     std::span<const T> y;
-    /// Of the points.
+    /// Names of the points.
     std::span<const std::string> names;
     /// "Group:1:2" for components 1 and 2. Without groups all rows are of one pair.
     std::span<const std::string> groups;

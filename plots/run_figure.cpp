@@ -22,7 +22,7 @@ class LabelNumbers {
     LabelNumbers(std::span<const std::string> labels,
                  std::size_t point_count,
                  std::size_t row_count) {
-        // One per point, or one per row.
+        // Labels are one per point or one per row; any other number of them is of no use.
         if (labels.size() != point_count && labels.size() != row_count) {
             return;
         }

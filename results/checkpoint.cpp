@@ -29,7 +29,7 @@ constexpr std::size_t kNumberSize = 8;
 constexpr std::size_t kOpeningSize = 2 * kNumberSize;
 /// What stands before the options: the opening, three sizes and the length of the options.
 constexpr std::size_t kShapeSize = kOpeningSize + 4 * kNumberSize;
-/// Far above what options take.
+/// A limit far above what the text of the options takes; a longer one is damage.
 constexpr std::uint64_t kMostOptionBytes = 1U << 16U;
 /// What stands between the options and the arrays: two digests, iteration and cost.
 constexpr std::size_t kProgressSize = 6 * kNumberSize;
@@ -115,7 +115,7 @@ std::uint64_t checksum(std::string_view bytes) {
     return XXH3_64bits(bytes.data(), bytes.size());
 }
 
-/// Digests bytes as they come.
+/// Forms the digest of bytes that come in pieces.
 class DigestStream {
   public:
     DigestStream() { XXH3_128bits_reset(&state_); }
@@ -139,7 +139,7 @@ std::string option_lines(const RunIdentity& run) {
     return lines;
 }
 
-/// Undoes `option_lines`.
+/// The names and values of the options in the text that `option_lines` made of them.
 std::vector<std::pair<std::string, std::string>> options_of(std::string_view lines) {
     std::vector<std::pair<std::string, std::string>> options;
     while (!lines.empty()) {
@@ -215,7 +215,7 @@ void check_opening(const std::string& path, std::string_view bytes) {
     }
 }
 
-/// Elements of each array.
+/// The number of elements of each array.
 ///
 /// @param header_size  bytes that stand before the arrays
 /// @throws InputError if they do not fill the file

@@ -38,10 +38,10 @@ struct Digest {
     bool operator==(const Digest&) const = default;
 };
 
-/// Of the bits of the values.
+/// The fingerprint of the bits of some values.
 Digest digest_of(std::span<const double> values);
 
-/// Of the texts and where each of them ends.
+/// The fingerprint of some texts; it depends on where each of them ends.
 Digest digest_of(std::span<const std::string> texts);
 
 /// What decides the states that a fit goes through.
@@ -51,9 +51,9 @@ struct RunIdentity {
     std::size_t out_dims = 0;
     /// Names and values of the options, without line breaks and, in names, "=".
     std::vector<std::pair<std::string, std::string>> options;
-    /// Of the matrix as it was read.
+    /// The fingerprint of the matrix as it was read.
     Digest values;
-    /// Of the names of its rows. They decide no number, but what the results call them.
+    /// The fingerprint of the names of the rows, which decide no number, but what the results say.
     Digest names;
 };
 

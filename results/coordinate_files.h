@@ -19,7 +19,7 @@ std::error_code write_coordinates_npy(const std::string& path,
                                       std::size_t N,
                                       std::size_t dims);
 
-/// Writes text with a header line, and a row per line: its name and its coordinates, parted by
+/// Writes text with a header line, and a row per line: its name and its coordinates, separated by
 /// tabs. Each coordinate is the shortest text that reads as the same T. In names, control
 /// characters become blanks.
 ///

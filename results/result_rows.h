@@ -22,7 +22,7 @@ struct ResultRow {
 ///
 /// Names and functions are not escaped in the table, and may hold commas and quotes ("ADE5,7"). The
 /// four fields between them have a form of their own: the last place of the line that has this form
-/// parts the name from the function.
+/// separates the name from the function.
 std::optional<ResultRow> parse_result_row(std::string_view line);
 
 /// Reads a result table, header line and all; nothing if there is none or a line is not as it

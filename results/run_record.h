@@ -8,7 +8,7 @@ namespace ovik {
 
 /// A file that a run was to write.
 struct ResultFile {
-    /// As messages call it: "Result table".
+    /// What messages call the file, such as "Result table".
     std::string what;
     std::string path;
     /// Why it is not there; empty if it is.
@@ -19,15 +19,15 @@ struct ResultFile {
 struct RecordedSeconds {
     double similarities = 0.0;
     double fitting = 0.0;
-    /// Table, log and plots.
+    /// What writing table, log and plots took.
     double results = 0.0;
 };
 
 /// How well the map keeps neighbourhoods of one size.
 struct RecordedQuality {
-    /// Rows in a neighbourhood.
+    /// How many rows a neighbourhood has.
     std::size_t neighbours = 0;
-    /// 0 to 1.
+    /// Trustworthiness of the map, 0 to 1.
     double trustworthiness = 0.0;
     /// The part of the neighbours that the map keeps, 0 to 1.
     double preservation = 0.0;
@@ -38,12 +38,12 @@ struct RunRecord {
     double perplexity = 0.0;
     /// The last iteration; less than was asked for if the run was ended early.
     int iteration = -1;
-    /// Of every iteration, as the progress bar shows it.
+    /// The cost of every iteration, as the progress bar shows it.
     std::vector<double> costs;
-    /// Against the similarities without exaggeration.
+    /// The cost of the map against the similarities without exaggeration.
     double final_cost = 0.0;
     RecordedSeconds seconds;
-    /// Empty unless it was asked for.
+    /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;
     std::vector<ResultFile> files;
 

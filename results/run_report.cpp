@@ -24,7 +24,7 @@ std::string hexadecimal(const Digest& digest) {
     return text;
 }
 
-/// "2026-11-21T18:58:03Z".
+/// A time in the form "2026-11-21T18:58:03Z".
 std::string utc_text(long long seconds) {
     const auto time = static_cast<std::time_t>(seconds);
     std::tm parts{};

@@ -16,26 +16,26 @@ struct RunReport {
     std::string program;
     std::string version;
     std::vector<std::string> command_line;
-    /// Seconds since 1970.
+    /// When the program started, in seconds since 1970.
     long long started = 0;
     /// Names of the options, which need no escapes, and their values as JSON.
     std::vector<std::pair<std::string, std::string>> options;
     std::size_t threads = 1;
     /// Path of the matrix; "-" for standard input.
     std::string input;
-    /// "text", "npy", "matrix market".
+    /// Format of the input: "text", "npy" or "matrix market".
     std::string format;
     std::size_t rows = 0;
     std::size_t columns = 0;
     std::size_t missing_values = 0;
     std::size_t duplicate_rows = 0;
-    /// Of what was embedded, as a checkpoint has them.
+    /// Fingerprints of what was embedded, as a checkpoint has them.
     Digest values;
     Digest names;
-    /// Seconds, by the clock on the wall.
+    /// How long reading and the whole call took, in seconds by the clock on the wall.
     double reading_seconds = 0.0;
     double total_seconds = 0.0;
-    /// Bytes.
+    /// Memory in bytes, as it was estimated and at its peak.
     double estimated_memory = 0.0;
     double peak_memory = 0.0;
     std::vector<RunRecord> runs;

@@ -43,7 +43,7 @@ class CachedNeighbours {
 
     [[nodiscard]] bool isCertain(std::size_t position, std::size_t count) const;
 
-    /// With the row itself.
+    /// How many neighbours of each row are cached, the row itself among them.
     std::size_t most_;
     std::unique_ptr<NeighbourIndex> index_;
     std::size_t N_ = 0;

@@ -13,7 +13,8 @@ namespace ovik {
 
 namespace {
 
-/// Fewest points for the quick way.
+/// Fewest points for which similarities are stored by panels, so that the forces are computed side
+/// by side.
 constexpr std::size_t kFewestInPanels = 64;
 
 /// Below it the quick cost and the sum in order may differ in the sign of a printed zero.

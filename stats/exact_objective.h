@@ -31,7 +31,7 @@ class ExactObjective : public Objective {
     double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
 
-    /// Gives whole seconds.
+    /// Gives the time in whole seconds.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
 
   private:
@@ -47,11 +47,11 @@ class ExactObjective : public Objective {
 
     std::size_t N_;
     std::size_t out_dims_;
-    /// By panels with a diagonal of 0 (see `rows_to_panels`) or, for embeddings that
-    /// `SymmetricForces` does not take, row-major.
+    /// The joint similarities: stored by panels with a diagonal of 0 (see `rows_to_panels`) or, for
+    /// embeddings that `SymmetricForces` does not take, row-major.
     MallocArray<double> P_;
     bool in_panels_;
-    /// That of P, while P is in panels.
+    /// The diagonal of the joint similarities, while these are stored by panels.
     MallocArray<double> diagonal_;
     SymmetricForces forces_;
 };

@@ -17,7 +17,7 @@ class GradientDescent {
     /// Throws WorkMemoryError if the arrays do not fit in memory.
     explicit GradientDescent(std::size_t count, double learning_rate = FitOptions().learning_rate);
 
-    /// Where the caller writes the gradient of the next step.
+    /// The array into which the caller writes the gradient of the next step.
     [[nodiscard]] double* gradient() { return gradient_.get(); }
 
     /// What the next step depends on beside the gradient: `count` elements each.

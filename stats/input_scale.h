@@ -7,7 +7,7 @@ namespace ovik {
 /// What a matrix was before it was centred and scaled: value = mean of its column + scaled value /
 /// factor, but for rounding.
 struct InputScale {
-    /// Of each column.
+    /// The mean of each column.
     std::vector<double> means;
     /// 1 / largest absolute deviation from the means.
     double factor = 1.0;

@@ -4,14 +4,14 @@ namespace ovik {
 
 /// What a run tells of an iteration that it has done.
 struct IterationReport {
-    /// From 0 to `max_iter`; -1 before the first.
+    /// Number of the iteration, from 0 to `max_iter`; -1 before the first.
     int iteration = -1;
     /// Last iteration of the run, unless it is ended before.
     int max_iter = 0;
-    /// As the progress bar shows it: until early exaggeration ends, against the exaggerated
-    /// similarities.
+    /// The cost, as the progress bar shows it: until early exaggeration ends, it is taken against
+    /// the exaggerated similarities.
     double cost = 0.0;
-    /// Whether all coordinates are numbers. The run goes on with others, but comes to nothing.
+    /// Whether all coordinates are numbers. The run goes on with others, but its map is of no use.
     bool finite = true;
 };
 

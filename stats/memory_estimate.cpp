@@ -8,7 +8,7 @@ namespace ovik {
 
 namespace {
 
-/// Program, libraries, gene table, threads.
+/// What program, libraries, gene table and threads take.
 constexpr double kProgramBytes = 14e6;
 
 }  // namespace

@@ -52,7 +52,7 @@ struct MemoryEstimate {
     double fitting = 0.0;
     double results = 0.0;
 
-    /// That of the largest stage.
+    /// The memory of the stage that takes most.
     [[nodiscard]] OVIK_API double peak() const;
 };
 

@@ -21,7 +21,7 @@ static_assert(kPanelWidth % kColumnMultiple == 0 && kPanelWidth % kRankMultiple 
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// Points of a row-major matrix by coordinate.
+/// The points of a row-major matrix, stored coordinate by coordinate.
 class Columns {
   public:
     Columns(const double* rows, std::size_t N, std::size_t dims)
@@ -87,10 +87,10 @@ class Neighbours {
 /// Sums over rows for one size k of neighbourhoods; whole numbers, so that their order is of no
 /// matter.
 struct Sums {
-    /// What trustworthiness falls with: by how much the ranks in the input of the k nearest rows in
-    /// the embedding exceed k.
+    /// By how much the ranks in the input of the k nearest rows in the embedding exceed k, in all:
+    /// trustworthiness falls with it.
     std::uint64_t excess = 0;
-    /// Of the k nearest rows in the input, those among the k nearest in the embedding.
+    /// How many of the k nearest rows in the input are among the k nearest in the embedding.
     std::uint64_t recalled = 0;
 };
 

@@ -30,7 +30,7 @@ class Objective {
     /// The cost at Y, and the gradient there, which the next iteration needs.
     virtual double costAndGradient(const double* Y, double* dY) = 0;
 
-    /// The message about the similarities.
+    /// The message that tells of the similarities once they are there.
     ///
     /// @param elapsed  processor time that they took
     [[nodiscard]] virtual std::string report(std::clock_t elapsed) const = 0;

@@ -29,7 +29,7 @@ class Optimisation {
     /// Does the next iteration.
     void iterate();
 
-    /// After the iteration done last.
+    /// The state after the iteration done last.
     [[nodiscard]] FitState state() const;
 
     /// The cost of the embedding as it stands, against the similarities without exaggeration. Ends

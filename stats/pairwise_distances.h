@@ -15,7 +15,7 @@ void squared_distance_matrix(const double* points,
                              std::size_t dims,
                              double* distances);
 
-/// The same under any metric.
+/// Fills a matrix with the squared distances of all pairs of points under any metric.
 ///
 /// @throws InputError if the metric has a complaint of a point
 void squared_distance_matrix(const double* points,

@@ -22,7 +22,7 @@ constexpr std::size_t panel_matrix_size(std::size_t point_count) {
 /// Throws WorkMemoryError if a panel per thread does not fit in memory.
 void rows_to_panels(double* matrix, std::size_t point_count);
 
-/// Undoes `rows_to_panels`.
+/// Brings a matrix that is stored by panels back into row-major order, in place.
 void panels_to_rows(double* matrix, std::size_t point_count);
 
 /// How many workers loops over panels of pairs get.

@@ -6,7 +6,7 @@ namespace ovik {
 struct RunTimes {
     double similarities = 0.0;
     double fitting = 0.0;
-    /// Table, log and plots.
+    /// What writing table, log and plots took.
     double results = 0.0;
 };
 

@@ -14,7 +14,7 @@ class Schedule {
 
     [[nodiscard]] int lastIteration() const { return options_.max_iter; }
 
-    /// What the similarities are multiplied by in the first phase.
+    /// The factor of the similarities in the first phase.
     [[nodiscard]] double exaggeration() const { return options_.exaggeration; }
 
     /// Whether early exaggeration ends with an iteration, after its step and before its cost.
@@ -27,7 +27,7 @@ class Schedule {
         return !liesBehind(iteration, options_.stop_lying_iter);
     }
 
-    /// Of the step of an iteration.
+    /// The momentum of the step of an iteration.
     [[nodiscard]] double momentum(int iteration) const {
         return liesBehind(iteration, options_.mom_switch_iter) ? options_.final_momentum
                                                                : options_.momentum;

@@ -52,7 +52,7 @@ struct RowScratch {
 /// Fills rows of the matrix of conditional similarities.
 class RowFiller {
   public:
-    /// All but numbers has to outlive the object.
+    /// All arguments but the numbers have to outlive the object.
     ///
     /// @param hooks   `cached`, if there is one, holds the index; `graph` has room for all rows
     /// @param points  those of the index, row-major
@@ -150,8 +150,8 @@ struct Arrival {
     unsigned int entry;
 };
 
-/// Runs `visit(share, arrival)` for the entries of one of several shares of the rows, in order; the
-/// shares side by side.
+/// Runs `visit(share, arrival)` for the entries of several shares of the rows: in order within a
+/// share, the shares side by side.
 template <typename Visit>
 void for_each_entry(const SparseMatrixView& P,
                     std::size_t N,
@@ -229,7 +229,7 @@ void for_each_symmetric_entry(const SparseMatrixView& P,
                               const Emit& emit) {
     const Arrival* const arrivals = transposed.begin(n);
     const auto arrival_count = static_cast<std::size_t>(transposed.end(n) - arrivals);
-    // Which entry of row n goes back where an arrival came from.
+    // For each arrival, the entry of row n that goes back to where it came from.
     mirrors.assign(arrival_count, kNotStored);
     for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
         if (const Arrival* const mirror = transposed.find(P.col_P[i], n)) {

@@ -13,7 +13,7 @@ struct NeighbourGraph;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
-    /// Told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
+    /// Is told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
     FitNotes notes = {};
     /// Null for a search from nothing, else neighbours of other runs over the same points, at least
     /// as many of each.

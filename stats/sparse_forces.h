@@ -25,7 +25,7 @@ class SparseForces {
     /// @param gradient  row-major, N x dims, written
     void gradient(const SparseMatrixView& P, const double* Y, double* gradient);
 
-    /// 0.0 without points.
+    /// The cost of an embedding; 0.0 without points.
     [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y);
 
     /// Both, in one computation of the repulsion and one pass over the entries; the same values.

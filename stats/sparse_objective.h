@@ -21,7 +21,7 @@ class SparseObjective : public Objective {
     [[nodiscard]] double cost(const double* Y) override;
     double costAndGradient(const double* Y, double* dY) override;
 
-    /// Gives the density of the similarity matrix and fractions of a second.
+    /// Gives the density of the similarity matrix, and the time with fractions of a second.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
 
   private:

@@ -19,7 +19,7 @@ class RoundingUnit {
 
     [[nodiscard]] bool exists() const { return binade_ > 0.0; }
 
-    /// 2^k
+    /// The power of two, 2^k, from which the running sum counts.
     [[nodiscard]] double binade() const { return binade_; }
 
     /// 1.5 * 2^k: a number of less than 2^(k-1) is rounded to the unit when this is added and

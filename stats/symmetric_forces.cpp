@@ -43,7 +43,7 @@ bool SymmetricForces::take(const double* Y) {
         for (std::size_t d = 0; d < dims_; ++d) {
             const double y = Y[n * dims_ + d];
             coordinates_[d * stride + n] = y;
-            // False for NaN.
+            // The comparison is false for NaN, too.
             ordinary = ordinary && std::fabs(y) <= kLargestCoordinate;
         }
     }

@@ -32,7 +32,7 @@ class SymmetricForces {
     /// @param gradient  row-major, point_count x dims, written
     void gradient(const double* P, double* gradient);
 
-    /// @param diagonal  that of P, point_count values
+    /// @param diagonal  the diagonal of P, point_count values
     /// @param gradient  written as well, unless it is null
     double cost(const double* P, const double* diagonal, double* gradient);
 

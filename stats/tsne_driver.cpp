@@ -237,7 +237,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     return report;
 }
 
-/// Of an earlier run.
+/// Forgets what became of the results of an earlier run.
 template <typename T>
 void TSNE<T>::forgetResults() {
     table_written_ = false;

@@ -16,7 +16,7 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
     report.version = OVIK_VERSION;
     report.command_line = std::move(command_line);
     report.started = std::time(nullptr);
-    // The perplexity is that of each run.
+    // Each run has a perplexity of its own.
     visit_fit_options(options.fit, [&report](const auto& option) {
         if (option.words.name != "perplexity") {
             report.options.emplace_back(option.words.name, json_text(option.value));

@@ -19,7 +19,7 @@ struct ComparisonEntry {
     std::string title;
     std::size_t rows = 0;
     std::size_t columns = 0;
-    /// Those by which the method is known.
+    /// The options of the fit, as far as a report has them.
     FitOptions options;
     RunRecord run;
     /// What relative paths of the run's files start from.

@@ -17,7 +17,7 @@ namespace {
 struct Described {
     OptionWords words;
     std::string preset;
-    /// As Python has it.
+    /// The default as Python writes it.
     std::string python_preset;
     std::string range;
     bool is_whole;
@@ -92,7 +92,7 @@ void print_zsh() {
 
 void print_python() {
     std::vector<Described> options = described_options();
-    // The one parameter that may be given by its place.
+    // `n_components` comes first, as the one parameter that may be given by its place.
     std::stable_partition(options.begin(), options.end(), [](const Described& option) {
         return option.words.python == "n_components";
     });

@@ -19,7 +19,7 @@ namespace ovik::tool {
 
 namespace {
 
-/// @throws std::runtime_error if the embedding has come to nothing
+/// @throws std::runtime_error if coordinates are not finite
 void check_finite(const IterationReport& reached) {
     if (!reached.finite) {
         std::putchar('\n');

@@ -15,10 +15,10 @@ namespace ovik::tool {
 struct RunInput {
     std::size_t rows = 0;
     std::size_t columns = 0;
-    /// Row-major, rows x columns.
+    /// The values, row-major, rows x columns.
     std::unique_ptr<double[]> values;
     std::vector<std::string> row_names;
-    /// One per row, or empty.
+    /// One label per row; empty for none.
     std::vector<std::string> labels;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
@@ -27,7 +27,7 @@ struct RunInput {
 /// Runs the engine, writes the results, and says on the console what became of them.
 ///
 /// @throws InputError if the run cannot go on from the checkpoint of the options
-/// @throws std::runtime_error if the embedding comes to nothing: there are no results then
+/// @throws std::runtime_error if coordinates stop being finite: there are no results then
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity);
 
 }  // namespace ovik::tool

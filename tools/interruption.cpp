@@ -18,7 +18,7 @@ namespace {
 /// come together are one.
 constexpr std::int64_t kTogether = 200;
 
-// Read and written by signal handlers.
+// Signal handlers read and write these variables.
 std::atomic<std::int64_t> first_time = 0;
 std::atomic<int> first_signal = 0;
 std::atomic<bool> has_results = false;

@@ -190,7 +190,7 @@ class FitOptionAdder {
     }
 
   private:
-    /// The one option of which there may be several values: a run each.
+    /// Adds the option of perplexities, the one that may have several values: a run each.
     void addPerplexities(const std::string& flags,
                          const std::string& sentence,
                          const OptionRange<double>& range) const {

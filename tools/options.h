@@ -13,41 +13,41 @@ enum class Precision { Double, Float };
 
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
-    /// Empty only with `gene`.
+    /// Path of the matrix; empty only with `gene`.
     std::string matrix;
-    /// With its separator at the end.
+    /// Directory of the results, with its separator at the end.
     std::string out_dir = "./";
-    /// Empty: the file name of the matrix without its extension.
+    /// Start of the names of results; empty for the file name of the matrix without its extension.
     std::string name;
     std::string suffix;
-    /// Empty: the name.
+    /// What the data are; empty for the name.
     std::string title;
     /// One run for each. Not given: 20, or what a small matrix allows.
     std::vector<double> perplexities;
     /// What the map is made by; the perplexity is that of one of the runs, and set for each.
     FitOptions fit;
-    /// Not given: guessed from the file.
+    /// What separates fields; guessed from the file if it is not given.
     std::optional<char> delimiter;
-    /// Not given: zero, with a warning.
+    /// What becomes of missing values; if it is not given they are zero, with a warning.
     std::optional<MissingPolicy> missing;
     /// Whether rows get standard gene names for systematic ones before the run.
     bool standard_names = false;
-    /// Not empty: a gene to look up, instead of a run.
+    /// A gene to look up instead of a run; empty for a run.
     std::string gene;
-    /// Empty: no labels.
+    /// File of the labels; empty for none.
     std::string labels_file;
     /// Names of the rows, for formats that have none; empty: numbers.
     std::string row_names_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
-    /// Empty: no checkpoints are kept.
+    /// File of the checkpoint; empty for none.
     std::string checkpoint;
     /// Iterations between two checkpoints.
     int checkpoint_every = 50;
-    /// Empty: the run starts anew.
+    /// Checkpoint to go on from; empty for a run that starts anew.
     std::string resume;
     Precision precision = Precision::Double;
-    /// 0: all cores.
+    /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.
     bool force = false;
@@ -58,7 +58,7 @@ struct Options {
     /// Forms in which the coordinates are written beside the table.
     bool coordinates_npy = false;
     bool coordinates_tsv = false;
-    /// Empty: no report is written.
+    /// File of the report; empty for none.
     std::string report_file;
     /// Not empty: reports of earlier runs to make an index page of, instead of a run.
     std::vector<std::string> collected_reports;

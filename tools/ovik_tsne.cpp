@@ -136,7 +136,7 @@ int run_command(int argc, const char* const* argv) {
 
 }  // namespace ovik::tool
 
-/// Where globals are built there is no one who could catch an exception. Runs before their
+/// Nobody could catch an exception where globals are built, so this runs before their
 /// constructors.
 [[gnu::constructor(101)]] static void end_if_memory_runs_out_before_main() {
     std::set_new_handler(ovik::exit_out_of_memory);

@@ -12,7 +12,7 @@ namespace ovik::tool {
 /// The path of table and plots of a run without their extensions.
 std::string result_base(const Options& options, double perplexity);
 
-/// That of the drawing of the costs.
+/// The path of the drawing of the costs without its extensions.
 std::string cost_base(const std::string& result_base);
 
 /// The page on which runs are compared.

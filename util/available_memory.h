@@ -6,7 +6,7 @@ namespace ovik {
 
 /// Memory that a process can still get, and what sets the limit.
 struct AvailableMemory {
-    /// Infinity if nothing is known.
+    /// Bytes that this process can still get; infinity if nothing is known.
     double bytes;
     /// In words, such as "on this machine".
     std::string limit;

@@ -7,7 +7,7 @@ namespace ovik {
 enum class InstructionSet {
     Scalar,
     Avx2,
-    /// AVX-512 F, DQ and VL.
+    /// Stands for AVX-512 F, DQ and VL, with FMA.
     Avx512,
 };
 

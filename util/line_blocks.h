@@ -32,7 +32,7 @@ class LineBlocks {
     bool next(std::string& block) {
         block = std::move(remainder_);
         remainder_.clear();
-        // Of what was begun.
+        // The last line break of the block that was begun.
         std::size_t last_break = block.rfind('\n');
         while (last_break == std::string::npos && file_) {
             const std::size_t searched = block.size();
@@ -77,7 +77,7 @@ std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, cons
     // Long enough to be worth taking turns for, short enough for the caches.
     constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
     LineBlocks blocks(file, kBlockBytes, std::move(begun));
-    // Their places stay while others are added.
+    // The places of blocks stay while others are added.
     std::deque<Parsed> results;
     std::mutex turn;
     const auto fetch = [&](std::string& block) -> Parsed* {

@@ -86,7 +86,7 @@ bool for_each_entry(int directory_descriptor, const Visit& visit) {
     return is_whole;
 }
 
-/// The same for a directory within another one.
+/// Does what `for_each_entry` does with a directory that is within another one.
 template <typename Visit>
 bool for_each_file_in(int directory, const char* name, const Visit& visit) {
     return for_each_entry(openat(directory, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW),

@@ -59,7 +59,7 @@ std::size_t character_length(std::string_view text) {
     return length;
 }
 
-/// C0 and C1 controls and DEL.
+/// Whether a character is a C0 or C1 control or DEL.
 bool is_control(std::string_view character) {
     const auto first = static_cast<unsigned char>(character[0]);
     return first < 0x20U || first == 0x7FU ||

@@ -35,7 +35,7 @@ int threads_granted(int wanted) {
             threads.emplace_back(wait_for_end);
         }
     } catch (const std::system_error&) {
-        // Those that have started are what there is.
+        // The threads that have started are all that the system grants.
     }
     {
         const std::lock_guard lock(mutex);

@@ -87,7 +87,7 @@ void WholeFile::openBeside() {
     entry_.emplace(place_, PartialEntry::Kind::File);
     if (entry_->isOpen()) {
         if (replaces_file) {
-            // File systems without permissions do without.
+            // On a file system without permissions this fails, which does not matter.
             [[maybe_unused]] const int result =
                 fchmod(entry_->descriptor(), earlier_->st_mode & kPermissions);
         }

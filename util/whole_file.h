@@ -59,7 +59,7 @@ class WholeFile {
     [[nodiscard]] int descriptor() const;
     void keepOwner() const;
 
-    /// Where the file is to stand, links followed.
+    /// The path where the file is to stand, links followed.
     std::string place_;
     /// What stands there already; nothing if there is nothing.
     std::optional<struct stat> earlier_;

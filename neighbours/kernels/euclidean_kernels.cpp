@@ -6,7 +6,7 @@ namespace ovik::OVIK_KERNELS {
 
 namespace {
 
-/// As many sums of a block side by side as there are registers for.
+/// Sums of a block are formed side by side in as many vectors as there are registers for.
 constexpr std::size_t kBlockVectors = 2;
 constexpr std::size_t kBlockPart = kBlockVectors * kLanes;
 

@@ -6,7 +6,7 @@
 
 namespace ovik {
 
-/// Points of a block.
+/// How many points a block holds.
 constexpr std::size_t kBlockPoints = 16;
 
 /// Targets that are measured together, while a block is at hand.
@@ -29,7 +29,7 @@ constexpr std::size_t kColumnMultiple = 8;
 struct PointsByColumn {
     const double* coordinates;
     std::size_t point_count;
-    /// At least point_count, a multiple of kColumnMultiple.
+    /// From one column to the next: at least point_count, a multiple of kColumnMultiple.
     std::size_t stride;
     std::size_t dims;
 };

@@ -131,7 +131,7 @@ class Batch {
         return squared_distance;
     }
 
-    /// Which lanes stand for points of a cell.
+    /// Marks the lanes that stand for points of a cell.
     [[nodiscard]] BatchMask lanesIn(const TreeCell& cell) const {
         const std::uint32_t end = cell.first + static_cast<std::uint32_t>(cell.weight);
         if (cell.first >= end_ || end <= begin_) [[likely]] {
@@ -140,7 +140,7 @@ class Batch {
         return lanesBefore(end) & ~lanesBefore(cell.first);
     }
 
-    /// Which lanes stand for points before a position.
+    /// Marks the lanes that stand for points before a position.
     [[nodiscard]] BatchMask lanesBefore(std::uint32_t position) const {
         const std::uint32_t within = position < begin_ ? begin_ : position < end_ ? position : end_;
         return (1U << (within - begin_)) - 1U;

@@ -10,7 +10,7 @@ namespace ovik {
 /// A cell of a space-partitioning tree; cells stand in depth-first order, each before its children.
 struct TreeCell {
     double squared_side;
-    /// Number of its points.
+    /// Number of the points in the cell.
     double weight;
     /// Position in Morton order of its first point.
     std::uint32_t first;

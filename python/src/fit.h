@@ -9,7 +9,7 @@ namespace ovik::python {
 
 /// How a fit is made, beside its options.
 struct FitManner {
-    /// 0: all cores.
+    /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether the engine's console lines show.
     bool verbose = false;
@@ -21,7 +21,7 @@ struct Outcome {
     std::string threads_note;
 };
 
-/// Embeds the points, with the numbers that the command would come to.
+/// Embeds the points; the coordinates are those that the command would give.
 ///
 /// One fit at a time: the random start is from the `rand` stream of the process.
 ///

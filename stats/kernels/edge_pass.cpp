@@ -86,7 +86,8 @@ class Row {
     }
 
   private:
-    /// Of the row's point and those of some columns; also writes the offsets if `Dims` is not 0.
+    /// The squared distances of the row's point from the points of some columns; also writes the
+    /// offsets if `Dims` is not 0.
     Lanes squaredDistances(const unsigned int* columns, Lanes* offsets) const {
         if constexpr (Dims == 2) {
             gather_pairs(Y_, columns, offsets);

@@ -6,13 +6,13 @@
 
 namespace ovik {
 
-/// The entries of a sparse similarity matrix and an embedding, as a pass over the entries reads
+/// A sparse similarity matrix and an embedding, as a pass over the entries of the matrix reads
 /// them.
 struct EdgeView {
     const unsigned int* row_P;
     const unsigned int* col_P;
     const double* val_P;
-    /// Row-major, N x dims.
+    /// The embedding, row-major, N x dims.
     const double* Y;
     std::size_t dims;
 };
@@ -23,10 +23,11 @@ struct EdgeView {
 ///
 /// Each is formed in eight strands, of every eighth entry, which are then added in order.
 struct RowCost {
-    /// Of p * log((p + DBL_MIN) * (1 + squared distance)); NaN if the embedding is so wide or the
-    /// similarities so far from their range that the guard of the cost's denominator may matter.
+    /// The sum of p * log((p + DBL_MIN) * (1 + squared distance)); NaN if the embedding is so wide
+    /// or the similarities so far from their range that the guard of the cost's denominator may
+    /// matter.
     double log_sum;
-    /// Of p.
+    /// The sum of the similarities p.
     double weight_sum;
 };
 

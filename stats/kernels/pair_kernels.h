@@ -54,7 +54,7 @@ struct PanelTask {
     double* cost;
 };
 
-/// A version of the loops.
+/// The loops over pairs of points, as one instruction set has them.
 struct PairKernels {
     /// The similarities 1 / (1 + squared distance) of point n to all points; 0 to itself.
     ///
@@ -71,7 +71,7 @@ struct PairKernels {
     /// The gradient of the rows of a panel, each summed in order.
     void (*add_forces)(const EmbeddingColumns& Y, std::size_t panel, const PanelTask& task);
 
-    /// As `add_forces`, and the cost.
+    /// Does what `add_forces` does, and adds up the cost.
     void (*add_forces_and_cost)(const EmbeddingColumns& Y,
                                 std::size_t panel,
                                 const PanelTask& task);

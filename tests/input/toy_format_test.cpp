@@ -21,7 +21,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Reads "TOY", rows and columns, and then a name and its values for each row, all parted by
+/// Reads "TOY", rows and columns, and then a name and its values for each row, all separated by
 /// blanks.
 InspectedMatrix read_toy(MatrixSource& source, const LoadOptions& /*options*/) {
     std::string content = source.takeHead();

@@ -114,7 +114,7 @@ constexpr Mask kAll = (1U << kLanes) - 1;
 
 #if OVIK_LANES == 8
 
-/// False where a or b is NaN.
+/// The comparison is false where a or b is NaN.
 inline Mask less(Lanes a, Lanes b) {
     return _mm512_cmp_pd_mask(a, b, _CMP_LT_OQ);
 }
