@@ -14,6 +14,7 @@
 
 #include "tests/support/random_points.h"
 #include "tests/support/temporary_directory.h"
+#include "tools/command_report.h"
 
 namespace ovik::tool {
 namespace {
@@ -110,11 +111,9 @@ Options short_runs(const test::TemporaryDirectory& directory) {
 }
 
 ExitStatus run(const Options& options, const std::vector<double>& perplexities) {
-    RunReport report;
-    report.options = options;
     testing::internal::CaptureStdout();
-    const ExitStatus status =
-        run_perplexities(random_matrix(50, 4), perplexities, std::move(report), Stopwatch());
+    const ExitStatus status = run_perplexities(
+        random_matrix(50, 4), perplexities, options, begin_report(options, {}), Stopwatch());
     testing::internal::GetCapturedStdout();
     return status;
 }

@@ -1,0 +1,61 @@
+#include "tools/command_report.h"
+
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/temporary_directory.h"
+
+namespace ovik::tool {
+namespace {
+
+std::string option(const RunReport& report, const std::string& name) {
+    const auto found = std::find_if(report.options.begin(),
+                                    report.options.end(),
+                                    [&name](const auto& each) { return each.first == name; });
+    return found == report.options.end() ? "missing" : found->second;
+}
+
+TEST(BeginReport, SaysWhatWasCalledWithWhichNumbers) {
+    Options options;
+    options.matrix = "yeast.tsv";
+    options.title = "Yeast \"A\"";
+    options.precision = Precision::Float;
+    options.fit.theta = 0.25;
+    options.fit.max_iter = 7;
+    const RunReport report = begin_report(options, {"ovik-tsne", "yeast.tsv"});
+    EXPECT_EQ(report.program, "ovik-tsne");
+    EXPECT_EQ(report.version, OVIK_VERSION);
+    EXPECT_EQ(report.command_line.size(), 2U);
+    EXPECT_EQ(report.input, "yeast.tsv");
+    EXPECT_GT(report.started, 0);
+    EXPECT_EQ(option(report, "theta"), "0.25");
+    EXPECT_EQ(option(report, "max_iter"), "7");
+    EXPECT_EQ(option(report, "precision"), "\"float\"");
+    EXPECT_EQ(option(report, "title"), "\"Yeast \\\"A\\\"\"");
+}
+
+TEST(BeginReport, LeavesThePerplexityToTheRuns) {
+    EXPECT_EQ(option(begin_report(Options(), {}), "perplexity"), "missing");
+}
+
+TEST(WriteReport, SaysWhereItIsOrWhyNot) {
+    const test::TemporaryDirectory directory;
+    const RunReport report = begin_report(Options(), {});
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(write_report(directory.file("run.json"), report));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "-- Report: " + directory.file("run.json") + "\n");
+    EXPECT_EQ(test::read_file(directory.file("run.json")).front(), '{');
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(write_report(directory.file("missing/run.json"), report));
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "ovik-tsne: Report could not be written: " + directory.file("missing/run.json") +
+                  " (No such file or directory)\n");
+}
+
+}  // namespace
+}  // namespace ovik::tool
