@@ -3,11 +3,13 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -35,6 +37,14 @@ OVIK_API ResultTable<T> make_result_table(const double* Y,
                                           std::size_t no_dims,
                                           const std::string* names,
                                           std::map<std::string, std::string>& functions);
+
+/// The same for an embedding with its shape, and as many names as it has rows.
+template <typename T>
+ResultTable<T> make_result_table(MatrixView<const double> Y,
+                                 std::span<const std::string> names,
+                                 std::map<std::string, std::string>& functions) {
+    return make_result_table<T>(Y.values, Y.rows, Y.columns, names.data(), functions);
+}
 
 /// The stem of the table's file: "tsne_", the perplexity cut to one digit with "_" for its point,
 /// and the suffix. Perplexity 12.75 gives "tsne_12_7".

@@ -4,6 +4,7 @@
 
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -28,5 +29,17 @@ OVIK_API void barnes_hut_gradient(const SparseMatrixView& P,
 /// `barnes_hut_gradient`.
 OVIK_API double barnes_hut_cost(
     const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta);
+
+/// The same for an embedding with its shape.
+inline void barnes_hut_gradient(const SparseMatrixView& P,
+                                MatrixView<const double> Y,
+                                double* gradient,
+                                double theta) {
+    barnes_hut_gradient(P, Y.values, Y.rows, Y.columns, gradient, theta);
+}
+
+inline double barnes_hut_cost(const SparseMatrixView& P, MatrixView<const double> Y, double theta) {
+    return barnes_hut_cost(P, Y.values, Y.rows, Y.columns, theta);
+}
 
 }  // namespace ovik

@@ -4,6 +4,7 @@
 
 #include "stats/fit_notes.h"
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -23,5 +24,13 @@ OVIK_API void dense_conditional_affinities(const double* points,
                                            double* P,
                                            double perplexity,
                                            const FitNotes& notes = {});
+
+/// The same for the rows of a matrix.
+inline void dense_conditional_affinities(MatrixView<const double> points,
+                                         double* P,
+                                         double perplexity,
+                                         const FitNotes& notes = {}) {
+    dense_conditional_affinities(points.values, points.rows, points.columns, P, perplexity, notes);
+}
 
 }  // namespace ovik

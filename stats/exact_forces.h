@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -10,16 +11,21 @@ namespace ovik {
 ///
 /// Row n is the sum over m, in order, of (Y_n - Y_m) * Q_nm * (P_nm - Q_nm / sum_Q), where Q_nm is
 /// 1 / (1 + squared distance) and sum_Q the sum of all Q_nm, row after row. The usual factor of 4
-/// is left to the learning rate. Throws WorkMemoryError if its work
-/// arrays, O(N) per thread, do not fit in memory.
+/// is left to the learning rate.
 ///
 /// @param P         row-major, N x N; the diagonal is not read
 /// @param Y         row-major, N x dims
 /// @param gradient  row-major, N x dims, written
+/// @throws WorkMemoryError if the work arrays, O(N) per thread, do not fit in memory
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008,
 /// equation 5
 OVIK_API void exact_gradient(
     const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient);
+
+/// The same for an embedding with its shape.
+inline void exact_gradient(const double* P, MatrixView<const double> Y, double* gradient) {
+    exact_gradient(P, Y.values, Y.rows, Y.columns, gradient);
+}
 
 /// The Kullback-Leibler divergence of the similarities of an embedding from P, over all pairs.
 ///
@@ -29,5 +35,10 @@ OVIK_API void exact_gradient(
 /// @param P  row-major, N x N
 /// @param Y  row-major, N x dims
 OVIK_API double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
+
+/// The same for an embedding with its shape.
+inline double exact_cost(const double* P, MatrixView<const double> Y) {
+    return exact_cost(P, Y.values, Y.rows, Y.columns);
+}
 
 }  // namespace ovik

@@ -34,7 +34,7 @@ ExactObjective::ExactObjective(MatrixView<const double> X,
     tell(notes, FitNote::ExactMethod);
     P_ = malloc_array<double>(panel_matrix_size(N_));
     require_allocated(P_, diagonal_);
-    dense_conditional_affinities(X.values, N_, X.columns, P_.get(), perplexity, notes);
+    dense_conditional_affinities(X, P_.get(), perplexity, notes);
     tell(notes, FitNote::Symmetrizing);
     add_transpose(P_.get(), N_);
     divide_by_sum(P_.get(), N_ * N_);

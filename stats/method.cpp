@@ -31,9 +31,7 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     SparseMatrix P;
     {
         const SparseMatrix conditional =
-            neighbour_affinities(input.X.values,
-                                 N,
-                                 input.X.columns,
+            neighbour_affinities(input.X,
                                  perplexity,
                                  neighbour_count(perplexity, N),
                                  {input.notes, input.cached_neighbours, input.graph});

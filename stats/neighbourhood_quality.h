@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -46,6 +47,12 @@ OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality(
     const double* Y,
     std::size_t dims,
     const std::vector<std::size_t>& sizes);
+
+/// The same for matrices with their shapes.
+inline std::vector<NeighbourhoodQuality> neighbourhood_quality(
+    MatrixView<const double> X, MatrixView<const double> Y, const std::vector<std::size_t>& sizes) {
+    return neighbourhood_quality(X.values, X.rows, X.columns, Y.values, Y.columns, sizes);
+}
 
 /// The same for neighbours in the input under any metric; those in the embedding are Euclidean.
 ///

@@ -5,6 +5,7 @@
 #include "stats/fit_notes.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
+#include "util/matrix_view.h"
 
 namespace ovik {
 
@@ -41,6 +42,14 @@ OVIK_API SparseMatrix neighbour_affinities(const double* points,
                                            double perplexity,
                                            int K,
                                            const NeighbourHooks& hooks = {});
+
+/// The same for the rows of a matrix.
+inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
+                                         double perplexity,
+                                         int K,
+                                         const NeighbourHooks& hooks = {}) {
+    return neighbour_affinities(points.values, points.rows, points.columns, perplexity, K, hooks);
+}
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///

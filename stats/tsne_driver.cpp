@@ -253,11 +253,10 @@ void TSNE<T>::writeResults(int no_dims,
                            const std::vector<std::pair<std::string, std::string>>& parameters,
                            const std::vector<std::string>& labels) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
-    auto table = make_result_table<T>(Y,
-                                      static_cast<std::size_t>(N),
-                                      static_cast<std::size_t>(std::max(no_dims, 0)),
-                                      currentNames().data(),
-                                      gene_func_map);
+    auto table =
+        make_result_table<T>({Y, static_cast<std::size_t>(N), static_cast<std::size_t>(no_dims)},
+                             currentNames(),
+                             gene_func_map);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_files(out_base);
     remove_left_over_drawings(out_base);

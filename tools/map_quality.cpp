@@ -17,11 +17,8 @@ std::vector<RecordedQuality> report_map_quality(const TSNE<T>& tsne, int dims) {
     print_info(line);
     std::vector<RecordedQuality> recorded;
     for (const auto& [neighbours, trustworthiness, preservation] :
-         neighbourhood_quality(tsne.X,
-                               N,
-                               static_cast<std::size_t>(tsne.D),
-                               tsne.Y,
-                               static_cast<std::size_t>(dims),
+         neighbourhood_quality({tsne.X, N, static_cast<std::size_t>(tsne.D)},
+                               {tsne.Y, N, static_cast<std::size_t>(dims)},
                                sizes)) {
         std::snprintf(line,
                       sizeof line,

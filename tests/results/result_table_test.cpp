@@ -111,5 +111,15 @@ TEST(WriteResultTable, ReportsAFileThatCannotBeOpened) {
               "\n-- \033[1;31mError: I cannot open file: no/such/dir/t.csv\n\033[0m\n");
 }
 
+TEST(ResultTable, TakesAnEmbeddingWithItsShape) {
+    const std::vector<double> Y = {1.0, 2.0, 3.0, 4.0};
+    const std::vector<std::string> names = {"A", "B"};
+    std::map<std::string, std::string> functions{{"A", "does"}};
+    const auto table = make_result_table<double>({Y.data(), 2, 2}, names, functions);
+    EXPECT_EQ(table.names, names);
+    EXPECT_EQ(table.coordinates[1][0], 3.0);
+    EXPECT_EQ(table.functions, (std::vector<std::string>{"does", ""}));
+}
+
 }  // namespace
 }  // namespace ovik

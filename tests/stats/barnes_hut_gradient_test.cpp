@@ -184,5 +184,17 @@ TEST(BarnesHutCost, TakesCoincidentPointsAtFullSimilarity) {
     EXPECT_EQ(barnes_hut_cost({row_P, col_P, val_P}, Y, 2, 1, 0.5), 0.0);
 }
 
+TEST(BarnesHutGradient, TakesAnEmbeddingWithItsShape) {
+    const Ring ring(20);
+    const std::vector<double> Y = test::random_values(40, 53);
+    std::vector<double> expected(40);
+    std::vector<double> dY(40);
+    barnes_hut_gradient(ring.view(), Y.data(), 20, 2, expected.data(), 0.5);
+    barnes_hut_gradient(ring.view(), {Y.data(), 20, 2}, dY.data(), 0.5);
+    EXPECT_EQ(dY, expected);
+    EXPECT_EQ(barnes_hut_cost(ring.view(), {Y.data(), 20, 2}, 0.5),
+              barnes_hut_cost(ring.view(), Y.data(), 20, 2, 0.5));
+}
+
 }  // namespace
 }  // namespace ovik

@@ -107,5 +107,14 @@ TEST(DenseAffinitiesDeathTest, EndTheProcessWhenTheDistancesDoNotFit) {
                 "Memory allocation failed!\n$");
 }
 
+TEST(DenseAffinities, AreThoseOfTheRowsOfAMatrix) {
+    const std::vector<double> points = test::random_values(30, 54);
+    std::vector<double> expected(100);
+    std::vector<double> P(100);
+    dense_conditional_affinities(points.data(), 10, 3, expected.data(), 2.5);
+    dense_conditional_affinities({points.data(), 10, 3}, P.data(), 2.5);
+    EXPECT_EQ(P, expected);
+}
+
 }  // namespace
 }  // namespace ovik

@@ -111,5 +111,21 @@ TEST(ExactCost, EqualsThePlainProgram) {
     }
 }
 
+TEST(ExactForces, TakeAnEmbeddingWithItsShape) {
+    const std::vector<double> P = test::random_values(9, 51);
+    const std::vector<double> Y = test::random_values(6, 52);
+    std::vector<double> expected(6);
+    std::vector<double> gradient(6);
+    exact_gradient(P.data(), Y.data(), 3, 2, expected.data());
+    exact_gradient(P.data(), {Y.data(), 3, 2}, gradient.data());
+    EXPECT_EQ(gradient, expected);
+    std::vector<double> positive = P;
+    for (double& p : positive) {
+        p = p * p;
+    }
+    EXPECT_EQ(exact_cost(positive.data(), {Y.data(), 3, 2}),
+              exact_cost(positive.data(), Y.data(), 3, 2));
+}
+
 }  // namespace
 }  // namespace ovik

@@ -12,6 +12,7 @@
 #include "util/input_error.h"
 
 #include "tests/support/instruction_sets.h"
+#include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 #include "tests/support/toy_metrics.h"
 
@@ -151,6 +152,16 @@ RC_GTEST_PROP(NeighbourhoodQuality, EqualsThePlainOne, ()) {
             RC_ASSERT(std::fabs(quality[1].preservation - expected.preservation) < 1e-12);
         }
     }
+}
+
+TEST(NeighbourhoodQuality, TakesMatricesWithTheirShapes) {
+    const std::vector<double> X = test::random_values(60, 55);
+    const std::vector<double> Y = test::random_values(40, 56);
+    const auto expected = neighbourhood_quality(X.data(), 20, 3, Y.data(), 2, {4});
+    const auto quality = neighbourhood_quality({X.data(), 20, 3}, {Y.data(), 20, 2}, {4});
+    ASSERT_EQ(quality.size(), 1U);
+    EXPECT_EQ(quality[0].trustworthiness, expected[0].trustworthiness);
+    EXPECT_EQ(quality[0].preservation, expected[0].preservation);
 }
 
 }  // namespace
