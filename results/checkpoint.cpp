@@ -390,6 +390,10 @@ void check_goes_on(const std::string& path,
             differences.add("the names of its rows are others");
         }
     }
+    if (differences.lines().empty() &&
+        (there.out_dims != run.out_dims || checkpoint.iteration < 0)) {
+        refuse_damaged(path, "its sizes contradict its options");
+    }
     if (!differences.lines().empty()) {
         throw InputError(path + ": this checkpoint is not of this run" + differences.lines() +
                          "\nGive the matrix and the options of the run that wrote it, or start "

@@ -39,7 +39,7 @@ const NeighbourIndex& CachedNeighbours::index(const double* points,
     const Digest digest = digest_of({points, N * dims});
     if (index_ != nullptr) {
         if (N != N_ || digest != points_) {
-            throw std::invalid_argument("neighbours of another matrix are kept");
+            throw std::invalid_argument("neighbours of another matrix are cached");
         }
         for (std::size_t draw = 0; draw < index_->drawCount(); ++draw) {
             // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the run

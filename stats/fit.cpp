@@ -17,6 +17,14 @@ namespace ovik {
 
 namespace {
 
+/// @throws std::invalid_argument if the state is one of another shape
+void check_resumed_state(const FitState* state, std::size_t count) {
+    if (state != nullptr && (state->embedding.size() != count || state->velocity.size() != count ||
+                             state->gains.size() != count)) {
+        throw std::invalid_argument("the state to go on from is of an embedding of another shape");
+    }
+}
+
 /// Iterates until the last iteration, or until a hook ends the fit.
 void iterate(Optimisation& optimisation, const FitHooks& hooks, FitReport& report) {
     bool goes_on = true;
@@ -34,6 +42,7 @@ FitReport fit_into(MatrixView<double> Y,
                    const FitOptions& options,
                    const FitHooks& hooks,
                    const Method& method) {
+    check_resumed_state(hooks.resumed_state, Y.size());
     std::srand(static_cast<unsigned int>(options.seed));
     std::optional<GradientDescent> descent(std::in_place, Y.size(), options.learning_rate);
     tell(hooks.on_note, FitNote::SimilaritiesBegin);

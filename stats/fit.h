@@ -72,6 +72,7 @@ struct Fit {
 /// @param Y        the embedding, X.rows x out_dims, written
 /// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
+/// @throws std::invalid_argument if `resumed_state` is of another shape than Y
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
 /// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
 OVIK_API FitReport fit_into(MatrixView<double> Y,

@@ -118,7 +118,7 @@ const Method& method_of(const FitOptions& options) {
 
 int neighbour_count(double perplexity, std::size_t N) {
     const double wanted = 3.0 * perplexity;
-    const double available = std::max(static_cast<double>(N) - 1.0, 0.0);
+    const double available = std::clamp(static_cast<double>(N) - 1.0, 0.0, double{INT_MAX});
     // Compared before it is truncated: a huge or NaN perplexity has no int.
     return static_cast<int>(wanted < available ? std::max(wanted, -1.0 * INT_MAX) : available);
 }

@@ -1,6 +1,7 @@
 #include "stats/option_texts.h"
 
 #include <cfloat>
+#include <charconv>
 
 #include <climits>
 
@@ -9,6 +10,12 @@
 namespace ovik {
 
 std::string plain_number(double value) {
+    constexpr std::ptrdiff_t kFewDigits = 6;
+    char fixed[512];
+    const auto end = std::to_chars(fixed, fixed + sizeof fixed, value, std::chars_format::fixed);
+    if (end.ptr - fixed <= kFewDigits) {
+        return {fixed, end.ptr};
+    }
     std::string number = shortest_text(value);
     // Without the sign and the zero of 1e+09.
     const std::size_t exponent = number.find("e+");
@@ -34,6 +41,10 @@ std::string range_text(const OptionRange<double>& range) {
 std::string range_text(const OptionRange<int>& range) {
     return range.most == INT_MAX ? "at least " + plain_number(range.least)
                                  : plain_number(range.least) + " to " + plain_number(range.most);
+}
+
+std::string preset_text(const std::string& preset, const OptionWords& words) {
+    return words.unit.empty() ? preset : preset + " " + std::string(words.unit);
 }
 
 std::string requirement_text(const OptionRange<double>& range) {

@@ -142,7 +142,7 @@ class TSNE {
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
     /// @throws std::invalid_argument if `checkpoint_every` is below 1
-    /// @throws std::bad_array_new_length if `no_dims` is negative
+    /// @throws std::bad_array_new_length if `no_dims` or `N` is negative
     /// @throws InputError if `row_names` has fewer names than there are rows, and as `checkResume`
     /// does, before anything is printed or written
     OVIK_API void actuate(int no_dims,

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <limits>
 #include <new>
 #include <optional>
 #include <span>
@@ -214,6 +213,8 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
         }
     };
     hooks.on_iteration = [&](const FitState& state) {
+        // The fit has taken its arrays over.
+        resumed.reset();
         print_progress<T>(state.reached);
         const bool goes_on = !on_iteration || on_iteration(state.reached);
         if (state.reached.finite) {
@@ -240,6 +241,9 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
 /// Forgets what became of the results of an earlier run.
 template <typename T>
 void TSNE<T>::forgetResults() {
+    checkpoint_failure_.clear();
+    final_cost_ = 0.0;
+    times_ = {};
     table_written_ = false;
     log_written_ = false;
     table_failure_.clear();

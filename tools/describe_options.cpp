@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "stats/option_texts.h"
@@ -73,7 +74,7 @@ void print_manual() {
                     option.is_whole ? "COUNT" : "NUMBER",
                     text_of(option.words.sentence).c_str(),
                     option.range.c_str(),
-                    option.preset.c_str());
+                    preset_text(option.preset, option.words).c_str());
     }
 }
 

@@ -184,7 +184,7 @@ class FitOptionAdder {
         app_.add_option(flags,
                         option.value,
                         sentence + ", " + range_text(option.range) + " (" +
-                            plain_number(option.preset) + ")")
+                            preset_text(plain_number(option.preset), option.words) + ")")
             ->option_text(std::is_same_v<Number, int> ? "COUNT" : "NUMBER")
             ->transform(check_of(option.range));
     }

@@ -41,6 +41,14 @@ int descriptor_behind(const std::string& path) {
     return is_same ? number : -1;
 }
 
+/// Whether the system does not let this process follow a link, as one that another user has put
+/// into a directory for all; `errno` then says why. One that leads to nothing may be followed.
+bool is_kept_from_us(const std::string& link) {
+    struct stat status {};
+
+    return stat(link.c_str(), &status) != 0 && errno != ENOENT;
+}
+
 }  // namespace
 
 std::string directory_of(const std::string& path) {
@@ -55,6 +63,9 @@ FilePlace place_behind_links(const std::string& path) {
         const ssize_t length = readlink(place.path.c_str(), target, sizeof target);
         if (length < 0) {
             return place;
+        }
+        if (is_kept_from_us(place.path)) {
+            return {};
         }
         const std::string directory = directory_of(place.path);
         if (shows_processes(directory)) {

@@ -18,7 +18,8 @@ struct FilePlace {
 
 /// Follows the links that a path consists of at its end.
 ///
-/// @return the place; an empty path if links go round in circles: `errno` is then ELOOP
+/// @return the place; an empty path if links go round in circles, or the system does not let this
+/// process follow one: `errno` then says so
 FilePlace place_behind_links(const std::string& path);
 
 }  // namespace ovik

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 #include "util/console.h"
 #include "util/file_place.h"
@@ -96,7 +97,7 @@ void WholeFile::openBeside() {
     failure_ = errno;
     if (replaces_file && is_closed_directory()) {
         entry_.reset();
-        direct_ = open_to_write(place_, O_TRUNC);
+        direct_ = open_to_write(place_, 0);
         is_in_place_ = direct_ >= 0;
         failure_ = direct_ < 0 ? failure_ : 0;
     }
@@ -119,6 +120,7 @@ ssize_t WholeFile::writeBytes(void* file, const char* bytes, std::size_t count) 
     if (self.failure_ == 0 && !write_all(self.descriptor(), {bytes, count})) {
         self.failure_ = errno;
     }
+    self.written_ += count;
     return self.failure_ == 0 ? static_cast<ssize_t>(count) : 0;
 }
 
@@ -147,6 +149,11 @@ std::error_code WholeFile::commit() {
         return {};
     }
     keepOwner();
+    // What the earlier file had behind the end of this one goes only now: without a byte to put in
+    // its place, it stays as it was.
+    if (is_in_place_ && TEMP_FAILURE_RETRY(ftruncate(direct_, static_cast<off_t>(written_))) != 0) {
+        return error_of(errno);
+    }
     if (TEMP_FAILURE_RETRY(fsync(descriptor())) != 0 || (entry_ && !entry_->moveTo(place_))) {
         return error_of(errno);
     }
@@ -176,10 +183,10 @@ std::error_code write_whole_text(const std::string& path, std::string_view text)
 }
 
 bool is_written_in_place(const std::string& path) {
-    const std::string place = place_behind_links(path).path;
+    const auto [place, descriptor] = place_behind_links(path);
     const auto earlier = status_of(place);
-    return earlier && S_ISREG(earlier->st_mode) && access(place.c_str(), W_OK) == 0 &&
-           access(directory_of(place).c_str(), W_OK) != 0;
+    return descriptor < 0 && earlier && S_ISREG(earlier->st_mode) &&
+           access(place.c_str(), W_OK) == 0 && access(directory_of(place).c_str(), W_OK) != 0;
 }
 
 void tell_of_writing_in_place(const std::string& path) {

@@ -68,6 +68,8 @@ class WholeFile {
     /// The place itself; -1 if it is not written to directly.
     int direct_ = -1;
     bool is_in_place_ = false;
+    /// Bytes that have been written.
+    std::size_t written_ = 0;
     /// Why the file could not be opened, or the first bytes that were lost are; 0 if none are.
     int failure_ = 0;
     std::unique_ptr<std::FILE, Close> stream_;

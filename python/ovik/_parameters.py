@@ -20,7 +20,7 @@ class FitParameters:
         seed: int = 11,
         learning_rate: float = 200.0,
         exaggeration: float = 12.0,
-        start_spread: float = 1e-04,
+        start_spread: float = 0.0001,
         momentum: float = 0.5,
         final_momentum: float = 0.8,
         n_jobs: int = -1,
@@ -77,7 +77,7 @@ DESCRIPTIONS = """\
         Length of a step, times gain and gradient, above 0, at most 1e9.
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
-    start_spread : float, default 1e-04
+    start_spread : float, default 0.0001
         Standard deviation of the random start, above 0, at most 1e6.
     momentum : float, default 0.5
         Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.

@@ -50,12 +50,26 @@ void translate(std::exception_ptr thrown) {
     }
 }
 
+/// Forgets that a value is no number; what else went wrong, such as Ctrl-C, goes on.
+void forget_wrong_kind() {
+    if (PyErr_Occurred() == nullptr) {
+        return;
+    }
+    if (PyErr_ExceptionMatches(PyExc_TypeError) == 0 &&
+        PyErr_ExceptionMatches(PyExc_ValueError) == 0 &&
+        PyErr_ExceptionMatches(PyExc_OverflowError) == 0) {
+        throw py::error_already_set();
+    }
+    PyErr_Clear();
+}
+
 /// @return none if it is no number
 std::optional<double> number_of(const py::object& object, double /*kind*/) {
-    const double number =
-        py::isinstance<py::str>(object) ? std::nan("") : PyFloat_AsDouble(object.ptr());
+    const double number = py::isinstance<py::str>(object) || py::isinstance<py::bytes>(object)
+                              ? std::nan("")
+                              : PyFloat_AsDouble(object.ptr());
     const bool is_number = PyErr_Occurred() == nullptr;
-    PyErr_Clear();
+    forget_wrong_kind();
     return is_number ? std::optional(number) : std::nullopt;
 }
 
@@ -64,7 +78,7 @@ std::optional<int> number_of(const py::object& object, int /*kind*/) {
     const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
     const long number = index ? PyLong_AsLong(index.ptr()) : 0;
     const bool is_number = PyErr_Occurred() == nullptr && number >= INT_MIN && number <= INT_MAX;
-    PyErr_Clear();
+    forget_wrong_kind();
     return is_number ? std::optional(static_cast<int>(number)) : std::nullopt;
 }
 

@@ -60,8 +60,8 @@ TEST(CheckMatrix, RefusesRowsThatMakeNoMatrix) {
          "m: column 3 of row 12 is \"-inf\", which is not a finite number (4 such fields)\n"},
     };
 
-    for (const auto& [report, reason] : kCases) {
-        EXPECT_THAT(refusal([&] { check_matrix("m", report); }), HasSubstr(reason));
+    for (const auto& each : kCases) {
+        EXPECT_THAT(refusal([&] { check_matrix("m", each.report); }), HasSubstr(each.reason));
     }
     MatrixReport good;
     good.rows = 3;

@@ -220,6 +220,16 @@ TEST(CheckGoesOn, NamesEveryDifferenceWithBothValues) {
               "Give the matrix and the options of the run that wrote it, or start anew.");
 }
 
+TEST(CheckGoesOn, RefusesSizesThatContradictTheOptions) {
+    Checkpoint checkpoint = small_checkpoint();
+    RunIdentity run = checkpoint.run;
+    checkpoint.run.out_dims = 50;
+    EXPECT_THROW(check_goes_on("fit.ckpt", checkpoint, run, 200), InputError);
+    checkpoint = small_checkpoint();
+    checkpoint.iteration = -1;
+    EXPECT_THROW(check_goes_on("fit.ckpt", checkpoint, run, 200), InputError);
+}
+
 TEST(CheckGoesOn, TellsAnotherMatrixByItsShapeOrElseByItsContents) {
     RunIdentity run = small_checkpoint().run;
     run.values.high = 9;

@@ -464,5 +464,18 @@ TEST(FitByAnotherMethod, IsTheSameForAnyNumberOfThreadsAndGoesOnFromAState) {
     }
 }
 
+TEST(Fit, RefusesToGoOnFromAStateOfAnotherShape) {
+    std::vector<double> values = test::random_values(60, 91);
+    const std::vector<double> three(3, 1.0);
+    FitState state;
+    state.embedding = three;
+    state.velocity = three;
+    state.gains = three;
+    FitHooks hooks;
+    hooks.resumed_state = &state;
+    EXPECT_THROW(fit({values.data(), 20, 3}, {.perplexity = 3.0, .max_iter = 2}, hooks),
+                 std::invalid_argument);
+}
+
 }  // namespace
 }  // namespace ovik

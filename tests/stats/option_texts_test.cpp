@@ -14,6 +14,10 @@ TEST(PlainNumber, IsAsAReaderWritesIt) {
     EXPECT_EQ(plain_number(1e9), "1e9");
     EXPECT_EQ(plain_number(1.5e300), "1.5e300");
     EXPECT_EQ(plain_number(1e20), "1e20");
+    EXPECT_EQ(plain_number(0.0001), "0.0001");
+    EXPECT_EQ(plain_number(1e6), "1e6");
+    EXPECT_EQ(plain_number(100000.0), "100000");
+    EXPECT_EQ(plain_number(5e-324), "5e-324");
     // What is small keeps the sign of its exponent.
     EXPECT_EQ(plain_number(1e-12), "1e-12");
     EXPECT_EQ(plain_number(0.1 + 0.2), "0.30000000000000004");
@@ -38,6 +42,13 @@ TEST(RangeText, SaysWhichWholeNumbers) {
     EXPECT_EQ(range_text(OptionRange<int>{.least = 2, .most = 50}), "2 to 50");
     EXPECT_EQ(range_text(OptionRange<int>{.least = 0}), "at least 0");
     EXPECT_EQ(range_text(OptionRange<int>{.least = 0, .most = INT_MAX - 1}), "0 to 2147483646");
+}
+
+TEST(PresetText, SaysWhatItCounts) {
+    OptionWords words;
+    EXPECT_EQ(preset_text("0.5", words), "0.5");
+    words.unit = "iterations";
+    EXPECT_EQ(preset_text("250", words), "250 iterations");
 }
 
 TEST(RequirementText, SaysWhatAnOptionShouldBe) {
