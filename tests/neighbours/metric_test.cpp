@@ -88,7 +88,8 @@ TEST(Metric, HasKernelsWithTheBitsOfItsDistance) {
         for (const InstructionSet set : test::available_instruction_sets()) {
             const MetricKernels& kernels = metric.kernels(set);
             for (std::size_t dims = 0; dims <= 67; ++dims) {
-                const std::vector<double> block = test::random_values(dims * kBlockPoints, 94);
+                // One more, so that a block of no coordinates has an address, as the index's has.
+                const std::vector<double> block = test::random_values(dims * kBlockPoints + 1, 94);
                 const std::vector<double> rows = test::random_values(dims * kTargets, 95);
                 const double* targets[kTargets];
                 for (std::size_t t = 0; t < kTargets; ++t) {

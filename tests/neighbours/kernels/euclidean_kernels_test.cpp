@@ -36,7 +36,8 @@ double plain_square(const std::vector<double>& rows,
 std::vector<double> by_column(const std::vector<double>& rows,
                               std::size_t dims,
                               std::size_t stride) {
-    std::vector<double> columns(dims * stride, 0.0);
+    // One more, so that columns of no coordinates have an address, as those of the index have.
+    std::vector<double> columns(dims * stride + 1, 0.0);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         columns[i % dims * stride + i / dims] = rows[i];
     }
