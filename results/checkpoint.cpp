@@ -134,7 +134,10 @@ class DigestStream {
 std::string option_lines(const RunIdentity& run) {
     std::string lines;
     for (const auto& [name, value] : run.options) {
-        lines += name + "=" + value + "\n";
+        lines += name;
+        lines += "=";
+        lines += value;
+        lines += "\n";
     }
     return lines;
 }

@@ -79,6 +79,7 @@ struct FitOption {
 ///
 /// @param options  `FitOptions` or `const FitOptions`; `FitOption::value` refers to its members
 template <typename Options, typename Visitor>
+// NOLINTNEXTLINE(readability-function-size): a list, of one entry per option
 void visit_fit_options(Options& options, Visitor&& visit) {
     constexpr FitOptions kPreset;
     const auto option = [&visit](auto& value, auto preset, auto range, const OptionWords& words) {

@@ -81,9 +81,13 @@ void print_manual() {
 void print_zsh() {
     for (const Described& option : described_options()) {
         const auto [short_form, long_form] = flags_of(option);
-        const std::string names = short_form.empty() ? "'" + long_form
-                                                     : "'(" + short_form + " " + long_form + ")'{" +
-                                                           short_form + "," + long_form + "}'";
+        std::string names = "'";
+        if (!short_form.empty()) {
+            names.append("(").append(short_form).append(" ").append(long_form).append(")'{");
+            names.append(short_form).append(",").append(long_form).append("}'");
+        } else {
+            names.append(long_form);
+        }
         std::printf("  %s[%s]:%s'\n",
                     names.c_str(),
                     text_of(option.words.sentence).c_str(),
