@@ -51,7 +51,7 @@ class Embedding {
     ///
     /// @return what became of each; failures are also told on the console
     /// @throws InputError if there are labels, and not one per row
-    OVIK_API WrittenResults write(const ResultSettings& settings) const;
+    [[nodiscard]] OVIK_API WrittenResults write(const ResultSettings& settings) const;
 
   private:
     friend class Engine;

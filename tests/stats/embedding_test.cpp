@@ -93,7 +93,8 @@ TEST(Embedding, WritesNumbersWhereRowsHaveNoNames) {
     const test::TemporaryDirectory directory;
     const Embedding map = embedded({});
     EXPECT_TRUE(map.names().empty());
-    map.write({.out_dir = directory.prefix(), .out_name = "run", .draw_plots = false});
+    EXPECT_TRUE(map.write({.out_dir = directory.prefix(), .out_name = "run", .draw_plots = false})
+                    .areWhole());
     EXPECT_EQ(files_in(directory.prefix()),
               (std::vector<std::string>{"run.log", "run_tsne_5_0.csv"}));
     const std::string table = test::read_file(directory.file("run_tsne_5_0.csv"));
@@ -115,7 +116,7 @@ TEST(Embedding, RefusesLabelsOfAnotherNumber) {
     const test::TemporaryDirectory directory;
     ResultSettings settings{.out_dir = directory.prefix(), .out_name = "run"};
     settings.labels.assign(3, "A");
-    EXPECT_THROW(embedded(names()).write(settings), InputError);
+    EXPECT_THROW(static_cast<void>(embedded(names()).write(settings)), InputError);
     EXPECT_TRUE(files_in(directory.prefix()).empty());
 }
 
