@@ -35,8 +35,8 @@ class Engine {
     /// as
     ///               it is
     /// @param names  one per row, or none
-    /// @throws InputError with row, column and cure, if it cannot be embedded: no values, fewer than
-    /// 3 rows, values that are not finite or too large, rows all equal or too close to one
+    /// @throws InputError with row, column and cure, if it cannot be embedded: no values, fewer
+    /// than 3 rows, values that are not finite or too large, rows all equal or too close to one
     /// another, names that are not as many as the rows. The engine is then as before.
     OVIK_API void setInput(MatrixView<const double> X, std::vector<std::string> names = {});
 
