@@ -26,5 +26,10 @@ install(FILES
 # The way from the pkg-config file to the prefix, however deep the libraries' directory is.
 file(RELATIVE_PATH ovik_pc_to_prefix
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+# A program that is linked with the static library needs what that is made with.
+set(ovik_pc_requires Requires)
+if(BUILD_SHARED_LIBS)
+  set(ovik_pc_requires Requires.private)
+endif()
 configure_file(cmake/ovik.pc.in ovik.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ovik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -4,7 +4,6 @@
 #include <bit>
 #include <cfloat>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <map>
 #include <memory>
@@ -58,7 +57,8 @@ const Metric& with_triangle_inequality(const Metric& metric) {
 NeighbourIndex::NeighbourIndex(const double* points,
                                std::size_t N,
                                std::size_t dims,
-                               const Metric& metric)
+                               const Metric& metric,
+                               RandomStream& random)
     : metric_(with_triangle_inequality(metric)),
       dims_(dims),
       items_(N),
@@ -70,7 +70,7 @@ NeighbourIndex::NeighbourIndex(const double* points,
     for (std::size_t n = 0; n < N; ++n) {
         items_[n].row = static_cast<std::uint32_t>(n);
     }
-    drawVantagePoints({0, N});
+    drawVantagePoints({0, N}, random);
     // Level by level until there are subtrees enough; from then on each is built by one thread.
     std::vector<Range> ranges{{0, N}};
     while (ranges.size() < kSubtrees && ranges.front().size() > kSubtrees) {
@@ -97,15 +97,14 @@ NeighbourIndex::NeighbourIndex(const double* points,
 }
 
 /// Draws where each vantage point comes from, in the order in which one thread would build.
-void NeighbourIndex::drawVantagePoints(Range range) {
+void NeighbourIndex::drawVantagePoints(Range range, RandomStream& random) {
     if (range.size() < 2) {
         return;
     }
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the tree
-    thresholds_[range.lower] = static_cast<double>(std::rand()) / 2147483647.0;
+    thresholds_[range.lower] = static_cast<double>(random.next()) / 2147483647.0;
     ++draw_count_;
-    drawVantagePoints(range.left());
-    drawVantagePoints(range.right());
+    drawVantagePoints(range.left(), random);
+    drawVantagePoints(range.right(), random);
 }
 
 /// Puts the vantage point first, the nearer half of the others behind it, then the farther half.

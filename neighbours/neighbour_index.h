@@ -6,18 +6,19 @@
 
 #include "neighbours/kernels/pivot_bounds.h"
 #include "neighbours/metric.h"
+#include "util/random_stream.h"
 
 namespace ovik {
 
 /// A vantage-point tree over the rows of a matrix under any metric with the triangle inequality:
 /// `VpTree` in a form for very many queries.
 ///
-/// It draws from `rand` as `VpTree` does, builds the same tree, and gives the same neighbours in
-/// the same order, to the last of those at equal distance. A subtree is a range of positions, and
-/// its halves follow from the range, so that there are no nodes; a few levels of the tree at a
-/// time, or a small subtree, stand in a block, whose distances from a target are computed together.
-/// Blocks that hold nothing near enough, by the distances of their points from a few pivots, are
-/// passed over.
+/// It draws from its stream as `VpTree` does from `rand`, builds the same tree, and gives the same
+/// neighbours in the same order, to the last of those at equal distance. A subtree is a range of
+/// positions, and its halves follow from the range, so that there are no nodes; a few levels of the
+/// tree at a time, or a small subtree, stand in a block, whose distances from a target are computed
+/// together. Blocks that hold nothing near enough, by the distances of their points from a few
+/// pivots, are passed over.
 class NeighbourIndex {
   public:
     /// A row, and its distance from the target.
@@ -59,13 +60,15 @@ class NeighbourIndex {
     ///
     /// @param points  row-major, N x dims; copied
     /// @param metric  must outlive the index
+    /// @param random  where vantage points are drawn from
     /// @throws std::invalid_argument if the metric is without the triangle inequality
     /// @throws InputError if the metric has a complaint of a row
     /// @complexity O(N log N) distances
     NeighbourIndex(const double* points,
                    std::size_t N,
                    std::size_t dims,
-                   const Metric& metric = euclidean_metric());
+                   const Metric& metric = euclidean_metric(),
+                   RandomStream& random = process_random_stream());
 
     NeighbourIndex(const NeighbourIndex&) = delete;
     NeighbourIndex& operator=(const NeighbourIndex&) = delete;
@@ -74,7 +77,7 @@ class NeighbourIndex {
     /// its memory for.
     static std::size_t blockCount(std::size_t N);
 
-    /// How many numbers the build drew from `rand`.
+    /// How many random numbers the build drew.
     [[nodiscard]] std::size_t drawCount() const { return draw_count_; }
 
     /// The row at a position of the tree order. Near rows often have near positions.
@@ -118,7 +121,7 @@ class NeighbourIndex {
     static std::size_t leftLane(int levels, std::size_t lane);
     static std::size_t rightLane(Range range, int levels, std::size_t lane);
 
-    void drawVantagePoints(Range range);
+    void drawVantagePoints(Range range, RandomStream& random);
     void split(const double* points, Range range);
     void buildSubtree(const double* points, Range range);
     void numberBlocks(Range range, int levels);

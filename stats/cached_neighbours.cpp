@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -35,15 +34,15 @@ std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
 
 const NeighbourIndex& CachedNeighbours::index(const double* points,
                                               std::size_t N,
-                                              std::size_t dims) {
+                                              std::size_t dims,
+                                              RandomStream& random) {
     const Digest digest = digest_of({points, N * dims});
     if (index_ != nullptr) {
         if (N != N_ || digest != points_) {
             throw std::invalid_argument("neighbours of another matrix are cached");
         }
         for (std::size_t draw = 0; draw < index_->drawCount(); ++draw) {
-            // NOLINTNEXTLINE(concurrency-mt-unsafe): the stream of one thread decides the run
-            std::rand();
+            random.next();
         }
         return *index_;
     }
@@ -53,7 +52,7 @@ const NeighbourIndex& CachedNeighbours::index(const double* points,
     found_.resize(N);
     has_list_.resize(N);
     margin_ = N > 0 ? kMargin * diameter(points, N, dims) : 0.0;
-    index_ = std::make_unique<NeighbourIndex>(points, N, dims);
+    index_ = std::make_unique<NeighbourIndex>(points, N, dims, euclidean_metric(), random);
     N_ = N;
     points_ = digest;
     return *index_;

@@ -7,6 +7,7 @@
 #include "neighbours/neighbour_index.h"
 #include "results/checkpoint.h"
 #include "util/parallel.h"
+#include "util/random_stream.h"
 
 namespace ovik {
 
@@ -16,7 +17,7 @@ namespace ovik {
 /// The first run finds as many neighbours as any will want. Later ones get the head of each list
 /// where it is certain to be what a search of its own would give. Where distances are equal, or
 /// too close at the end of the head, that depends on the way of the search, and it is made again.
-/// The `rand` stream is left as a search of its own leaves it.
+/// The stream of random numbers is left as a search of its own leaves it.
 class CachedNeighbours {
   public:
     /// @param most  neighbours of a row that any run will want, without the row itself
@@ -26,7 +27,10 @@ class CachedNeighbours {
     ///
     /// @param points  row-major, N x dims
     /// @throws std::invalid_argument if the points are not those of the first call
-    const NeighbourIndex& index(const double* points, std::size_t N, std::size_t dims);
+    const NeighbourIndex& index(const double* points,
+                                std::size_t N,
+                                std::size_t dims,
+                                RandomStream& random = process_random_stream());
 
     /// Does what `NeighbourIndex::search` does, for the rows at some positions of the tree order.
     /// Several threads may ask at once for different positions.

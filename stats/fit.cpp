@@ -1,6 +1,5 @@
 #include "stats/fit.h"
 
-#include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <optional>
@@ -11,6 +10,7 @@
 #include "stats/method.h"
 #include "stats/normal_deviates.h"
 #include "stats/optimisation.h"
+#include "util/random_stream.h"
 #include "util/stopwatch.h"
 
 namespace ovik {
@@ -41,9 +41,12 @@ FitReport fit_into(MatrixView<double> Y,
                    MatrixView<double> X,
                    const FitOptions& options,
                    const FitHooks& hooks,
-                   const Method& method) {
+                   const Method& method,
+                   RandomStream* random) {
     check_resumed_state(hooks.resumed_state, Y.size());
-    std::srand(static_cast<unsigned int>(options.seed));
+    OwnRandomStream own_stream;
+    RandomStream& stream = random != nullptr ? *random : own_stream;
+    stream.seed(static_cast<unsigned int>(options.seed));
     std::optional<GradientDescent> descent(std::in_place, Y.size(), options.learning_rate);
     tell(hooks.on_note, FitNote::SimilaritiesBegin);
     FitReport report;
@@ -55,12 +58,13 @@ FitReport fit_into(MatrixView<double> Y,
                      options,
                      hooks.on_note,
                      hooks.cached_neighbours,
-                     hooks.wants_neighbours ? &report.neighbours : nullptr});
+                     hooks.wants_neighbours ? &report.neighbours : nullptr,
+                     stream});
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options);
     objective->exaggerate(schedule.exaggeration());
-    draw_initial_embedding(Y.values, Y.size(), options.start_spread);
+    draw_initial_embedding(Y.values, Y.size(), options.start_spread, stream);
     if (hooks.on_similarities) {
         hooks.on_similarities(objective->report(similarities_end - start));
     }

@@ -18,6 +18,7 @@ namespace ovik {
 
 class CachedNeighbours;
 struct Method;
+class RandomStream;
 
 /// What a fit takes from, and gives to, its surroundings. Nothing of it changes a number of the
 /// result but `resumed_state`, which takes the place of the random start.
@@ -30,7 +31,8 @@ struct FitHooks {
     std::function<bool(const FitState&)> on_iteration = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
-    /// Null, or the neighbours that fits of one matrix share; not used by the exact method.
+    /// Null, or the neighbours that fits of one matrix share, one fit at a time; not used by the
+    /// exact method.
     CachedNeighbours* cached_neighbours = nullptr;
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
@@ -63,9 +65,9 @@ struct Fit {
 
 /// Embeds the rows of a matrix by t-SNE. Reads no file, writes none and prints nothing.
 ///
-/// One fit runs at a time in a process: the random start, and the tree of the neighbour search, are
-/// drawn from the process-wide `rand` stream, which is seeded first. The result is the same for any
-/// number of threads.
+/// The random start, and the tree of the neighbour search, are drawn from a stream of the fit's
+/// own, which gives the numbers of `rand` after `srand` with the seed. Several threads may fit at
+/// once, each with arrays and hooks of its own. The result is the same for any number of threads.
 ///
 /// @param X        centred and scaled in place (`centre_and_scale`)
 /// @param options  `out_dims` not negative
@@ -80,12 +82,15 @@ OVIK_API FitReport fit_into(MatrixView<double> Y,
                             const FitOptions& options,
                             const FitHooks& hooks = {});
 
-/// The same with a method that is not in the list (`stats/method.h`), for those who try one.
+/// The same with a method that may not be in the list (`stats/method.h`), for those who try one.
+///
+/// @param random  null for a stream of the fit's own
 FitReport fit_into(MatrixView<double> Y,
                    MatrixView<double> X,
                    const FitOptions& options,
                    const FitHooks& hooks,
-                   const Method& method);
+                   const Method& method,
+                   RandomStream* random = nullptr);
 
 /// The same with an embedding of its own.
 ///

@@ -30,11 +30,11 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     const double perplexity = input.options.perplexity;
     SparseMatrix P;
     {
-        const SparseMatrix conditional =
-            neighbour_affinities(input.X,
-                                 perplexity,
-                                 neighbour_count(perplexity, N),
-                                 {input.notes, input.cached_neighbours, input.graph});
+        const SparseMatrix conditional = neighbour_affinities(
+            input.X,
+            perplexity,
+            neighbour_count(perplexity, N),
+            {input.notes, input.cached_neighbours, input.graph, &input.random});
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);

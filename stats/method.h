@@ -13,6 +13,7 @@
 #include "stats/memory_estimate.h"
 #include "stats/objective.h"
 #include "util/matrix_view.h"
+#include "util/random_stream.h"
 
 namespace ovik {
 
@@ -28,6 +29,7 @@ struct MethodInput {
     CachedNeighbours* cached_neighbours = nullptr;
     /// Null, or what takes the neighbours that the method finds.
     NeighbourGraph* graph = nullptr;
+    RandomStream& random = process_random_stream();
 };
 
 /// What the stages of a method take beside the input, in bytes.

@@ -1,26 +1,30 @@
 #include "stats/normal_deviates.h"
 
 #include <cmath>
-#include <cstdlib>
+
+#include "util/random_stream.h"
 
 namespace ovik {
 
 namespace {
 
-/// A value of `rand` mapped to [-1, 1).
-double draw_coordinate() {
+/// A number of the stream mapped to [-1, 1).
+double draw_coordinate(RandomStream& random) {
     constexpr double kTwoToMinus31 = 4.656612873077393e-10;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread draws, in a fixed order
-    const double draw = static_cast<double>(std::rand()) * kTwoToMinus31;
+    const double draw = static_cast<double>(random.next()) * kTwoToMinus31;
     return draw + draw - 1.0;
 }
 
 }  // namespace
 
 double normal_deviate() {
+    return normal_deviate(process_random_stream());
+}
+
+double normal_deviate(RandomStream& random) {
     for (;;) {
-        const double x = draw_coordinate();
-        const double y = draw_coordinate();
+        const double x = draw_coordinate(random);
+        const double y = draw_coordinate(random);
         const double r = y * y + x * x;
         if (r < 1.0 && r != 0.0) {
             return x * std::sqrt((std::log(r) * -2.0) / r);
@@ -29,8 +33,12 @@ double normal_deviate() {
 }
 
 void draw_initial_embedding(double* Y, std::size_t count, double spread) {
+    draw_initial_embedding(Y, count, spread, process_random_stream());
+}
+
+void draw_initial_embedding(double* Y, std::size_t count, double spread, RandomStream& random) {
     for (std::size_t i = 0; i < count; ++i) {
-        Y[i] = normal_deviate() * spread;
+        Y[i] = normal_deviate(random) * spread;
     }
 }
 

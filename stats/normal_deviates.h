@@ -7,6 +7,8 @@
 
 namespace ovik {
 
+class RandomStream;
+
 /// One standard normal deviate by the polar method, from the process-wide `rand` stream.
 ///
 /// Each trial takes two values of `rand`; the second deviate of an accepted pair is discarded.
@@ -15,9 +17,15 @@ namespace ovik {
 /// SIAM Review 6:260, 1964
 OVIK_API double normal_deviate();
 
+/// The same from another stream.
+double normal_deviate(RandomStream& random);
+
 /// Starts an embedding: sets every element, in index order, to a normal deviate times `spread`.
 OVIK_API void draw_initial_embedding(double* Y,
                                      std::size_t count,
                                      double spread = FitOptions().start_spread);
+
+/// The same from another stream.
+void draw_initial_embedding(double* Y, std::size_t count, double spread, RandomStream& random);
 
 }  // namespace ovik

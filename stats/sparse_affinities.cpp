@@ -293,8 +293,10 @@ SparseMatrix neighbour_affinities(const double* points,
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
     std::optional<NeighbourIndex> own_index;
-    const NeighbourIndex& index = hooks.cached != nullptr ? hooks.cached->index(points, N, dims)
-                                                          : own_index.emplace(points, N, dims);
+    RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
+    const NeighbourIndex& index =
+        hooks.cached != nullptr ? hooks.cached->index(points, N, dims, random)
+                                : own_index.emplace(points, N, dims, euclidean_metric(), random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
         *hooks.graph = graph_without_neighbours(N, row_length);

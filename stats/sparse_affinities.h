@@ -11,6 +11,7 @@ namespace ovik {
 
 class CachedNeighbours;
 struct NeighbourGraph;
+class RandomStream;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
@@ -21,6 +22,8 @@ struct NeighbourHooks {
     CachedNeighbours* cached = nullptr;
     /// Null, or what takes the neighbours that are found.
     NeighbourGraph* graph = nullptr;
+    /// Null for the process-wide `rand`, else where the tree of the search is drawn from.
+    RandomStream* random = nullptr;
 };
 
 /// Conditional affinities of every point to its nearest neighbours, each row calibrated to a

@@ -56,8 +56,6 @@ void TSNE<T>::init(std::string path, int max_iter, char delimiter) {
     this->max_iter = max_iter;
     perplexity = FitOptions().perplexity;
     theta = FitOptions().theta;
-    // What a caller has put there since `finish` is to be released as well.
-    input_is_released_ = !holdsInput();
     Rows rows;
     const std::size_t first_name = row_names.size();
     try {
@@ -65,11 +63,13 @@ void TSNE<T>::init(std::string path, int max_iter, char delimiter) {
         check_shape(path, rows, row_names.data() + first_name);
         const std::size_t columns = rows.front().size();
         const std::size_t count = rows.size() * columns;
-        replaceArray(X, input_is_released_, new_array(count, 0.0));
+        // What a caller has put there since `finish` is to be released as well.
+        replaceArray(X, holdsInput(), new_array(count, 0.0));
     } catch (...) {
         row_names.resize(first_name);
         throw;
     }
+    input_is_released_ = false;
     N = static_cast<int>(rows.size());
     D = static_cast<int>(rows.front().size());
     const std::size_t columns = rows.front().size();
@@ -83,16 +83,23 @@ bool TSNE<T>::holdsInput() const {
     return !input_is_released_ || N != 0 || D != 0;
 }
 
+/// Whether the array at `Y` is this object's to release: an address that lies where the one
+/// released last lay is taken for that one, which must not be released again.
+template <typename T>
+bool TSNE<T>::holdsEmbedding() const {
+    return Y != released_Y_;
+}
+
 template <typename T>
 void TSNE<T>::finish() {
     if (holdsInput()) {
         delete[] X;
     }
-    if (!Y_is_released_) {
+    if (holdsEmbedding()) {
         delete[] Y;
     }
     input_is_released_ = true;
-    Y_is_released_ = true;
+    released_Y_ = Y;
     N = 0;
     D = 0;
     replaced_.clear();
@@ -100,12 +107,11 @@ void TSNE<T>::finish() {
 
 /// Puts a new array in the place of `X` or `Y`; an earlier one waits for `finish`.
 template <typename T>
-void TSNE<T>::replaceArray(double*& member, bool& is_released, std::unique_ptr<double[]> fresh) {
-    if (member != nullptr && !is_released) {
+void TSNE<T>::replaceArray(double*& member, bool is_owned, std::unique_ptr<double[]> fresh) {
+    if (member != nullptr && is_owned) {
         replaced_.emplace_back(member);
     }
     member = fresh.release();
-    is_released = false;
 }
 
 template class TSNE<float>;

@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 #include "plots/plot_outcome.h"
@@ -172,7 +171,8 @@ class TSNE {
 
     /// Releases `X` and `Y`, which keep their values, and all arrays that they replaced. `N` and
     /// `D` become 0: there is no input any more, until `init`, or a caller who sets `X`, `N` and
-    /// `D`.
+    /// `D`. An array that a caller puts into `Y` is released in its turn, unless it lies where the
+    /// one released last lay.
     OVIK_API void finish();
 
     /// Whether the last `actuate` wrote its result table.
@@ -180,6 +180,9 @@ class TSNE {
 
     /// The cost of the last embedding, against the similarities without exaggeration.
     [[nodiscard]] double finalCost() const { return final_cost_; }
+
+    /// The cost of each iteration of the last embedding, as `FitReport::costs`.
+    [[nodiscard]] const std::vector<double>& costs() const { return costs_; }
 
     /// How long its stages took.
     [[nodiscard]] const RunTimes& times() const { return times_; }
@@ -262,8 +265,9 @@ class TSNE {
     OVIK_API static double randn();
 
   private:
-    void replaceArray(double*& member, bool& is_released, std::unique_ptr<double[]> fresh);
+    void replaceArray(double*& member, bool is_owned, std::unique_ptr<double[]> fresh);
     [[nodiscard]] bool holdsInput() const;
+    [[nodiscard]] bool holdsEmbedding() const;
     void requireInput() const;
     void requireNames() const;
     [[nodiscard]] std::span<const std::string> currentNames() const;
@@ -275,18 +279,20 @@ class TSNE {
     [[nodiscard]] MatrixView<double> makeEmbedding(int no_dims);
     FitReport fitAndReport(const FitOptions& options);
     void forgetResults();
-    void writeResults(int no_dims,
-                      const std::vector<std::pair<std::string, std::string>>& parameters,
-                      const std::vector<std::string>& labels);
+    void writeResults(const FitOptions& options,
+                      const FitReport& report,
+                      std::vector<std::string> labels);
 
     /// Whether `finish` has released `X`, and no other has taken its place since.
     bool input_is_released_ = false;
-    bool Y_is_released_ = false;
+    /// What `finish` has released, and `Y` points at until another takes its place.
+    const double* released_Y_ = nullptr;
     /// Arrays that a later `init` or `actuate` replaced.
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;
     bool log_written_ = false;
     double final_cost_ = 0.0;
+    std::vector<double> costs_;
     RunTimes times_;
     std::string checkpoint_failure_;
     std::error_code table_failure_;

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <new>
 #include <optional>
 #include <span>
@@ -8,24 +7,18 @@
 #include <string>
 #include <utility>
 
-#include "annotation/gene_func_map.h"
-#include "plots/figure_drawing.h"
-#include "plots/plot_columns.h"
-#include "plots/plot_hand_off.h"
 #include "results/checkpoint.h"
 #include "results/checkpoint_keeper.h"
-#include "results/result_table.h"
-#include "results/run_log.h"
 #include "stats/exit_without_memory.h"
 #include "stats/fit.h"
 #include "stats/fit_console.h"
 #include "stats/method.h"
-#include "stats/option_texts.h"
+#include "stats/run_results.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
 #include "util/input_error.h"
-#include "util/partial_entry.h"
+#include "util/random_stream.h"
 #include "util/stopwatch.h"
 
 /// The run of the engine: from the loaded matrix to the results on disk.
@@ -54,27 +47,6 @@ FitState state_of(const Checkpoint& checkpoint) {
 FitSnapshot snapshot_of(const FitState& state) {
     return {
         state.reached.iteration, state.reached.cost, state.embedding, state.velocity, state.gains};
-}
-
-/// Names and values of the run's parameters, as the plots show them.
-std::vector<std::pair<std::string, std::string>> caption_parameters(const FitOptions& options,
-                                                                    int N,
-                                                                    int D,
-                                                                    const FitReport& report) {
-    std::vector<std::pair<std::string, std::string>> parameters{
-        {"Method", std::string(method_of(options).name) + " t-SNE"},
-        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"}};
-    visit_fit_options(options, [&parameters](const auto& option) {
-        // The page of a run that was ended is that of a run with this last iteration.
-        if (option.words.decides_states) {
-            parameters.emplace_back(option.words.title, plain_number(option.value));
-        }
-    });
-    char cost[64];
-    std::snprintf(cost, sizeof cost, "%g", report.reached.cost);
-    parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
-    parameters.emplace_back("Final cost", cost);
-    return parameters;
 }
 
 }  // namespace
@@ -159,7 +131,7 @@ void TSNE<T>::actuate(int no_dims,
     const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     const FitReport report = fitAndReport(options);
     Stopwatch watch;
-    writeResults(no_dims, caption_parameters(options, N, D, report), labels);
+    writeResults(options, report, std::move(labels));
     times_.results = watch.lap();
 }
 
@@ -179,7 +151,9 @@ MatrixView<double> TSNE<T>::makeEmbedding(int no_dims) {
     }
     const auto rows = static_cast<std::size_t>(N);
     const auto out_dims = static_cast<std::size_t>(no_dims);
-    replaceArray(Y, Y_is_released_, new_array(rows * out_dims, 0.0));
+    replaceArray(Y, holdsEmbedding(), new_array(rows * out_dims, 0.0));
+    // The new array may lie where one lay that was released.
+    released_Y_ = nullptr;
     return {Y, rows, out_dims};
 }
 
@@ -228,11 +202,17 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.cached_neighbours = cached_neighbours.get();
     FitReport report = exiting_without_memory([&] {
         const auto columns = static_cast<std::size_t>(std::max(D, 0));
-        return fit_into(embedding, {X, embedding.rows, columns}, options, hooks);
+        return fit_into(embedding,
+                        {X, embedding.rows, columns},
+                        options,
+                        hooks,
+                        method_of(options),
+                        &process_random_stream());
     });
     print_end_of_iterations(report.reached);
     checkpoint_failure_ = keeper.failure();
     final_cost_ = report.final_cost;
+    costs_ = std::move(report.costs);
     times_ = report.seconds;
     print_fitting_time(report.fitting_clock);
     return report;
@@ -243,6 +223,7 @@ template <typename T>
 void TSNE<T>::forgetResults() {
     checkpoint_failure_.clear();
     final_cost_ = 0.0;
+    costs_.clear();
     times_ = {};
     table_written_ = false;
     log_written_ = false;
@@ -251,36 +232,24 @@ void TSNE<T>::forgetResults() {
     plots_ = {};
 }
 
-/// Writes the result table, then the record in the run log, then draws the plots.
+/// Writes what is asked for of table, log and plots, and keeps what became of each.
 template <typename T>
-void TSNE<T>::writeResults(int no_dims,
-                           const std::vector<std::pair<std::string, std::string>>& parameters,
-                           const std::vector<std::string>& labels) {
-    const std::string stem = result_table_stem(perplexity, out_suffix);
-    auto table =
-        make_result_table<T>({Y, static_cast<std::size_t>(N), static_cast<std::size_t>(no_dims)},
-                             currentNames(),
-                             gene_func_map);
-    const PlotColumns<T> columns(table.coordinates);
-    remove_left_over_files(out_base);
-    remove_left_over_drawings(out_base);
-    table_failure_ = write_result_table(out_base + "_" + stem + ".csv", table);
+void TSNE<T>::writeResults(const FitOptions& options,
+                           const FitReport& report,
+                           std::vector<std::string> labels) {
+    const WrittenResults written = write_results<T>(
+        {out_dir, out_name, out_suffix, data_title, std::move(labels), draw_plots},
+        out_base,
+        {{Y, static_cast<std::size_t>(N), static_cast<std::size_t>(options.out_dims)},
+         currentNames(),
+         static_cast<std::size_t>(D),
+         options,
+         report});
+    table_failure_ = written.table_failure;
     table_written_ = !table_failure_;
-    log_failure_ = append_run_log(out_base, data_title, perplexity, stem);
+    log_failure_ = written.log_failure;
     log_written_ = !log_failure_;
-    if (draw_plots) {
-        PlottedRun<T> run;
-        run.title = data_title;
-        run.parameters = parameters;
-        run.labels = labels;
-        run.names = table.names;
-        run.groups = table.groups;
-        run.functions = table.functions;
-        plots_ = hand_to_plots<T>({out_dir, out_name, out_base + "_" + stem, stem},
-                                  std::move(table.coordinates),
-                                  columns,
-                                  run);
-    }
+    plots_ = written.plots;
 }
 
 #define OVIK_INSTANTIATE_DRIVER(T)                                                   \

@@ -150,7 +150,6 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.on_iteration = [&record](const IterationReport& reached) {
         check_finite(reached);
         record.iteration = reached.iteration;
-        record.costs.push_back(reached.cost);
         return goes_on();
     };
     tsne.checkResume(
@@ -161,6 +160,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
                  std::move(input.labels),
                  options.fit.stop_lying_iter,
                  options.fit.mom_switch_iter);
+    record.costs = tsne.costs();
     record.final_cost = tsne.finalCost();
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -112,6 +114,31 @@ TEST(Fit, GivesTheBytesOfThePublishedClass) {
         EXPECT_EQ(own.report.final_cost, tsne.finalCost());
         tsne.finish();
     }
+}
+
+TEST(Fit, LeavesTheProcessItsRandStream) {
+    for (const double theta : {0.0, 0.5}) {
+        std::srand(5);
+        const int expected = std::rand();
+        std::srand(5);
+        fitted(with_theta(theta));
+        EXPECT_EQ(std::rand(), expected);
+    }
+}
+
+TEST(Fit, GivesInThreadsSideBySideWhatItGivesAlone) {
+    FitOptions other = with_theta(0.0);
+    other.seed = 12;
+    const FitOptions kinds[] = {with_theta(0.5), other};
+    const std::vector<double> alone[] = {fitted(kinds[0]).embedding, fitted(kinds[1]).embedding};
+    ASSERT_NE(alone[0], alone[1]);
+    const auto fit_again = [&](std::size_t kind) {
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(fitted(kinds[kind]).embedding, alone[kind]);
+        }
+    };
+    const std::jthread first(fit_again, 0);
+    const std::jthread second(fit_again, 1);
 }
 
 TEST(Fit, IsTheSameAgainAndForAnyNumberOfThreads) {

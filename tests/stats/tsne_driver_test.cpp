@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <malloc.h>
 #include <string>
 #include <vector>
 
@@ -268,6 +269,22 @@ TEST_F(Driver, ShowsTheCostsOfThePlainProgramAroundTheChanges) {
     }
 }
 
+TEST_F(Driver, DrawsFromTheRandStreamOfTheProcess) {
+    const std::string path = matrix(60);
+    for (const double theta : {0.0, 0.5}) {
+        std::srand(11);
+        for (std::size_t i = 0; theta != 0.0 && i < plain::tree_draws(60); ++i) {
+            std::rand();
+        }
+        for (int i = 0; i < 120; ++i) {
+            plain::normal_deviate();
+        }
+        const int expected = std::rand();
+        test::run_engine(path, {.perplexity = 5.0, .theta = theta, .max_iter = 0});
+        EXPECT_EQ(std::rand(), expected);
+    }
+}
+
 TEST_F(Driver, StartsFromTheRandStreamBehindTheTreeBuild) {
     const std::string path = matrix(60);
     for (const double theta : {0.0, 0.5}) {
@@ -314,7 +331,14 @@ TEST_F(Driver, EmbedsInSilenceWithoutWritingAnything) {
             const ConsoleSilence silence;
             tsne.init(path, 3, '\t');
             tsne.theta = theta;
+            std::vector<double> costs;
+            tsne.on_iteration = [&costs](const IterationReport& reached) {
+                costs.push_back(reached.cost);
+                return true;
+            };
             EXPECT_EQ(tsne.embed(2, 10.0, 250, 250).iteration, 3);
+            EXPECT_EQ(costs.size(), 4U);
+            EXPECT_EQ(tsne.costs(), costs);
         }
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -405,6 +429,33 @@ TEST_F(Driver, TakesACallersOwnInputAfterAFinishAndReleasesIt) {
     }
     tsne.finish();
     testing::internal::GetCapturedStdout();
+}
+
+/// Bytes that the process has in blocks of their own, as large arrays are.
+std::size_t bytes_of_large_arrays() {
+    return mallinfo2().hblkhd;
+}
+
+TEST_F(Driver, ReleasesAnEmbeddingThatACallerPutsThereAfterAFinish) {
+    constexpr std::size_t kLarge = std::size_t{8} << 20U;
+    const ConsoleSilence silence;
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.draw_plots = false;
+    tsne.init(matrix(10), 2, '\t');
+    tsne.actuate(2, 3.0, {}, 250, 250);
+    tsne.finish();
+    const std::size_t before = bytes_of_large_arrays();
+    tsne.Y = new double[kLarge];
+    tsne.finish();
+    EXPECT_LT(bytes_of_large_arrays(), before + kLarge);
+    // What was released stays so.
+    tsne.finish();
+    // Too long for where the other lay.
+    tsne.Y = new double[2 * kLarge];
+    tsne.init(matrix(10), 2, '\t');
+    tsne.actuate(2, 3.0, {}, 250, 250);
+    tsne.finish();
+    EXPECT_LT(bytes_of_large_arrays(), before + kLarge);
 }
 
 TEST_F(Driver, NamesRowsAfterTheLastNamesThatThereAre) {

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "plots/plot_outcome.h"
+
+namespace ovik {
+
+/// Where the results of a run go, and what they say beside its numbers.
+struct ResultSettings {
+    /// Directory of the results, with its separator at the end.
+    std::string out_dir = {};
+    /// Start of their file names.
+    std::string out_name = {};
+    /// End of the table's file name, before ".csv".
+    std::string out_suffix = {};
+    /// What the data are.
+    std::string data_title = {};
+    /// One per row, or empty: they colour the points of the plots.
+    std::vector<std::string> labels = {};
+    /// Whether the chart page and the figure are drawn.
+    bool draw_plots = true;
+};
+
+/// What became of the results of a run.
+struct WrittenResults {
+    /// Why the result table could not be written; no error if it was.
+    std::error_code table_failure;
+    /// Why the record in the run log could not be written; no error if it was.
+    std::error_code log_failure;
+    PlotOutcome plots;
+
+    /// Whether all that was asked for is there. A figure needs gnuplot, and may stay a script.
+    [[nodiscard]] bool areWhole() const {
+        return !table_failure && !log_failure && !plots.page_failure &&
+               plots.figure != FigureOutcome::Failed;
+    }
+};
+
+}  // namespace ovik

@@ -1,0 +1,85 @@
+#include "stats/run_results.h"
+
+#include <cstdio>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "annotation/gene_table.h"
+#include "plots/figure_drawing.h"
+#include "plots/plot_columns.h"
+#include "plots/plot_hand_off.h"
+#include "results/result_table.h"
+#include "results/run_log.h"
+#include "stats/method.h"
+#include "stats/option_texts.h"
+#include "util/partial_entry.h"
+
+namespace ovik {
+
+namespace {
+
+using Parameters = std::vector<std::pair<std::string, std::string>>;
+
+/// Names and values of the run's parameters, as the plots show them.
+Parameters caption_parameters(const EndedRun& run) {
+    Parameters parameters{{"Method", std::string(method_of(run.options).name) + " t-SNE"},
+                          {"Input",
+                           std::to_string(run.embedding.rows) + " rows, " +
+                               std::to_string(run.input_columns) + " columns"}};
+    visit_fit_options(run.options, [&parameters](const auto& option) {
+        // The page of a run that was ended is that of a run with this last iteration.
+        if (option.words.decides_states) {
+            parameters.emplace_back(option.words.title, plain_number(option.value));
+        }
+    });
+    char cost[64];
+    std::snprintf(cost, sizeof cost, "%g", run.report.reached.cost);
+    parameters.emplace_back("Last iteration", std::to_string(run.report.reached.iteration));
+    parameters.emplace_back("Final cost", cost);
+    return parameters;
+}
+
+}  // namespace
+
+template <typename T>
+WrittenResults write_results(const ResultSettings& settings,
+                             const std::string& out_base,
+                             const EndedRun& run) {
+    const std::string stem = result_table_stem(run.options.perplexity, settings.out_suffix);
+    // A table of its own, into which names are inserted: several runs may end at once.
+    std::map<std::string, std::string> gene_functions = make_gene_table();
+    auto table = make_result_table<T>(run.embedding, run.names, gene_functions);
+    const PlotColumns<T> columns(table.coordinates);
+    remove_left_over_files(out_base);
+    remove_left_over_drawings(out_base);
+    WrittenResults written;
+    written.table_failure = write_result_table(out_base + "_" + stem + ".csv", table);
+    written.log_failure =
+        append_run_log(out_base, settings.data_title, run.options.perplexity, stem);
+    if (settings.draw_plots) {
+        const Parameters parameters = caption_parameters(run);
+        PlottedRun<T> plotted;
+        plotted.title = settings.data_title;
+        plotted.parameters = parameters;
+        plotted.labels = settings.labels;
+        plotted.names = table.names;
+        plotted.groups = table.groups;
+        plotted.functions = table.functions;
+        written.plots =
+            hand_to_plots<T>({settings.out_dir, settings.out_name, out_base + "_" + stem, stem},
+                             std::move(table.coordinates),
+                             columns,
+                             plotted);
+    }
+    return written;
+}
+
+template WrittenResults write_results<float>(const ResultSettings&,
+                                             const std::string&,
+                                             const EndedRun&);
+template WrittenResults write_results<double>(const ResultSettings&,
+                                              const std::string&,
+                                              const EndedRun&);
+
+}  // namespace ovik
