@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <new>
 #include <optional>
 #include <span>
@@ -19,8 +18,7 @@
 #include "stats/exit_without_memory.h"
 #include "stats/fit.h"
 #include "stats/fit_console.h"
-#include "stats/method.h"
-#include "stats/option_texts.h"
+#include "stats/run_caption.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -54,27 +52,6 @@ FitState state_of(const Checkpoint& checkpoint) {
 FitSnapshot snapshot_of(const FitState& state) {
     return {
         state.reached.iteration, state.reached.cost, state.embedding, state.velocity, state.gains};
-}
-
-/// Names and values of the run's parameters, as the plots show them.
-std::vector<std::pair<std::string, std::string>> caption_parameters(const FitOptions& options,
-                                                                    int N,
-                                                                    int D,
-                                                                    const FitReport& report) {
-    std::vector<std::pair<std::string, std::string>> parameters{
-        {"Method", std::string(method_of(options).name) + " t-SNE"},
-        {"Input", std::to_string(N) + " rows, " + std::to_string(D) + " columns"}};
-    visit_fit_options(options, [&parameters](const auto& option) {
-        // The page of a run that was ended is that of a run with this last iteration.
-        if (option.words.decides_states) {
-            parameters.emplace_back(option.words.title, plain_number(option.value));
-        }
-    });
-    char cost[64];
-    std::snprintf(cost, sizeof cost, "%g", report.reached.cost);
-    parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
-    parameters.emplace_back("Final cost", cost);
-    return parameters;
 }
 
 }  // namespace
@@ -159,7 +136,12 @@ void TSNE<T>::actuate(int no_dims,
     const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     const FitReport report = fitAndReport(options);
     Stopwatch watch;
-    writeResults(no_dims, caption_parameters(options, N, D, report), labels);
+    writeResults(no_dims,
+                 caption_parameters(options,
+                                    static_cast<std::size_t>(std::max(N, 0)),
+                                    static_cast<std::size_t>(std::max(D, 0)),
+                                    report),
+                 labels);
     times_.results = watch.lap();
 }
 
