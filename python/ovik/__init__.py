@@ -2,7 +2,8 @@
 
 >>> import ovik
 >>> matrix = ovik.read_matrix("expression.tsv")
->>> embedding = ovik.TSNE(perplexity=30).fit_transform(matrix.values)
+>>> tsne = ovik.TSNE(perplexity=30).fit(matrix)
+>>> tsne.embedding_
 """
 
 from ._core import __version__
@@ -10,4 +11,11 @@ from ._genes import Gene, gene_function
 from ._matrix import Matrix, read_matrix
 from ._tsne import TSNE
 
-__all__ = ["TSNE", "Gene", "Matrix", "__version__", "gene_function", "read_matrix"]
+__all__ = [
+    "TSNE",
+    "Gene",
+    "Matrix",
+    "__version__",
+    "gene_function",
+    "read_matrix",
+]
