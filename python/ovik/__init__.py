@@ -3,19 +3,26 @@
 >>> import ovik
 >>> matrix = ovik.read_matrix("expression.tsv")
 >>> tsne = ovik.TSNE(perplexity=30).fit(matrix)
->>> tsne.embedding_
+>>> ovik.page(tsne).save("map.html")
 """
 
+from ._anndata import pp_tsne
 from ._core import __version__
 from ._genes import Gene, gene_function
 from ._matrix import Matrix, read_matrix
+from ._page import Page, page
+from ._plot import plot
 from ._tsne import TSNE
 
 __all__ = [
     "TSNE",
     "Gene",
     "Matrix",
+    "Page",
     "__version__",
     "gene_function",
+    "page",
+    "plot",
+    "pp_tsne",
     "read_matrix",
 ]

@@ -22,6 +22,7 @@
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
 #include "python/src/own_thread.h"
+#include "python/src/page.h"
 
 /// The module `ovik._core`: the engine behind the package's Python files, which check arguments.
 
@@ -181,6 +182,20 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
     return described(outcome, shape);
 }
 
+std::string page(const Array& map, const py::dict& texts) {
+    PageTexts shown;
+    shown.title = texts["title"].cast<std::string>();
+    shown.name = texts["name"].cast<std::string>();
+    shown.names = texts["names"].cast<std::vector<std::string>>();
+    shown.labels = texts["labels"].cast<std::vector<std::string>>();
+    shown.functions = texts["functions"].cast<std::vector<std::string>>();
+    shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
+    return map_page({map.data(),
+                     static_cast<std::size_t>(map.shape(0)),
+                     static_cast<std::size_t>(map.shape(1))},
+                    shown);
+}
+
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
     return {texts.begin(), texts.end()};
 }
@@ -224,6 +239,7 @@ PYBIND11_MODULE(_core, module) {
     module.attr("__version__") = OVIK_VERSION;
     py::register_local_exception_translator(ovik::python::translate);
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
+    module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();
         return std::pair(available.bytes, available.limit);
