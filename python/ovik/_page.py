@@ -69,7 +69,7 @@ def page(
     names: Iterable[str] | None = None,
     functions: Iterable[str] | None = None,
     title: str = "",
-    height: int = 720,
+    height: int = 800,
 ) -> Page:
     """Make the interactive chart page of a map, as the command leaves one.
 
@@ -86,7 +86,7 @@ def page(
         What the genes do. By default the gene table is asked by the names.
     title : str, optional
         Above the chart.
-    height : int, default 720
+    height : int, default 800
         Of the page in a notebook, in pixels.
 
     Returns

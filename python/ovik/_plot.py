@@ -19,6 +19,7 @@ if TYPE_CHECKING:
 _LARGEST_POINT = 36.0
 _SMALLEST_POINT = 2.0
 _MOST_LEGEND_ENTRIES = 30
+_NO_NUMBER = "#bbbbbb"
 
 
 def plot(
@@ -75,7 +76,7 @@ def plot(
     if ax is None:
         from matplotlib import pyplot
 
-        _, ax = pyplot.subplots(figsize=(7, 7), layout="constrained")
+        _, ax = pyplot.subplots(figsize=(8, 7), layout="constrained")
     area = size if size is not None else np.clip(30_000 / len(x), _SMALLEST_POINT, _LARGEST_POINT)
     if given is None:
         _draw(ax, x, y, 0, area, "")
@@ -87,8 +88,8 @@ def plot(
         title=title,
         xlabel=f"Component {components[0]}",
         ylabel=f"Component {components[1]}",
-        aspect="equal",
     )
+    ax.set_aspect("equal", adjustable="datalim")
     ax.set_axisbelow(True)
     ax.grid(color="#e5e5e5", linewidth=0.5)
     return ax
@@ -115,8 +116,12 @@ def _draw(ax: Any, x: Any, y: Any, category: int, area: float, label: str) -> No
 
 
 def _draw_scale(ax: Any, x: Any, y: Any, numbers: Any, area: float, legend: bool) -> None:
+    from matplotlib import colormaps
+
+    # Points without a number are grey, and not left out.
+    colours = colormaps["viridis"].with_extremes(bad=_NO_NUMBER)
     points = ax.scatter(
-        x, y, s=area, c=numbers, cmap="viridis", linewidths=0, alpha=0.8, plotnonfinite=True
+        x, y, s=area, c=numbers, cmap=colours, linewidths=0, alpha=0.8, plotnonfinite=True
     )
     if legend:
         ax.figure.colorbar(points, ax=ax, shrink=0.6)

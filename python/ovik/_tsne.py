@@ -259,11 +259,12 @@ class TSNE(FitParameters):
             sys.stdout.flush()
         with _one_fit_at_a_time:
             outcome = _core.embed(given.values, options, manner)
+        # Warnings come last: where they are errors, the embedding is not lost.
+        self._take_over(given, options, outcome)
         if outcome["note"]:
             warnings.warn(outcome["note"], stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
             self._warn_of_interruption(outcome["iteration"])
-        self._take_over(given, options, outcome)
 
     def _checked_options(self, n_samples: int) -> dict[str, Any]:
         """The options of the fit as numbers."""

@@ -5,6 +5,7 @@ import signal
 import subprocess
 import sys
 import threading
+import warnings
 
 import numpy as np
 import pytest
@@ -73,6 +74,18 @@ def test_map_in_early_exaggeration_is_told(points):
     assert tsne.n_iter_ <= 50
     with pytest.raises(KeyboardInterrupt):
         tsne.set_params(on_interrupt="raise").fit(points)
+
+
+def test_kept_map_is_there_where_warnings_are_errors(points):
+    def interrupt(iteration, error, embedding):
+        raise KeyboardInterrupt
+
+    tsne = ovik.TSNE(callbacks=interrupt, on_interrupt="keep", n_jobs=1)
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        with pytest.raises(UserWarning):
+            tsne.fit(points)
+    assert tsne.n_iter_ == 0 and tsne.embedding_.shape == (90, 2)
 
 
 def test_other_exceptions_than_ctrl_c_are_not_kept(points):

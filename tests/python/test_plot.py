@@ -71,6 +71,16 @@ def test_numbers_have_a_scale(points):
     assert len(drawn(ovik.plot(points, np.arange(90) % 3))) == 3
 
 
+def test_points_without_a_number_are_grey(points):
+    numbers = points[:, 3].copy()
+    numbers[7] = np.nan
+    axes = ovik.plot(points, numbers)
+    axes.figure.canvas.draw()
+    (group,) = axes.collections
+    assert to_hex(group.get_facecolor()[7]) == "#bbbbbb"
+    assert len(group.get_offsets()) == 90 and group.get_facecolor()[7, 3] == 0.8
+
+
 def test_long_legends_say_that_there_is_more(points):
     legend = ovik.plot(points, [str(row) for row in range(90)]).get_legend()
     assert len(legend.get_texts()) == 30 and legend.get_title().get_text() == "and 60 more"

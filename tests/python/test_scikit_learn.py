@@ -88,6 +88,8 @@ def test_output_follows_pipeline_and_configuration(points):
         assert list(framed.index) == list(table.index)
         assert list(framed.columns) == ["tsne0", "tsne1"]
     assert isinstance(chosen, np.ndarray)
+    framed = clone(ovik.TSNE(n_iter=3).set_output(transform="pandas")).fit_transform(table)
+    assert isinstance(framed, pandas.DataFrame)
 
 
 def test_grid_of_parameters_is_set(points):

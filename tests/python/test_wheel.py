@@ -61,11 +61,14 @@ def fields(metadata):
 
 
 def test_documented_lines_install_into_a_fresh_environment(tmp_path):
-    # pip leaves its traces in the source; the project around it is needed for its version.
-    (tmp_path / "CMakeLists.txt").symlink_to(PROJECT / "CMakeLists.txt")
+    # pip leaves its traces in the source.
     subprocess.run(["cp", "-r", PROJECT / "python", tmp_path / "python"], check=True)
-    run("sh", "-e", "-c", documented_lines(), cwd=tmp_path, env={
-        "PATH": other_pythons(tmp_path / "others"), "OVIK_BUILD_DIR": os.environ["OVIK_BUILD_DIR"]})
+    for entry in PROJECT.iterdir():
+        if entry.name not in ("python", "build", "dist", "out", ".git"):
+            (tmp_path / entry.name).symlink_to(entry)
+    path = other_pythons(tmp_path / "others")
+    # Without a build of the project at hand, all of it is built.
+    run("sh", "-e", "-c", documented_lines(), cwd=tmp_path, env={"PATH": path})
     where = run(tmp_path / "my-environment/bin/python", "-c", USE)
     assert where.startswith(str(tmp_path / "my-environment"))
     installed = {path.name for path in Path(where.strip()).parent.iterdir()}
