@@ -58,8 +58,9 @@ def texts_of_rows(name: str, texts: Iterable[Any] | None, count: int) -> list[st
 
 
 def _is_missing(value: Any) -> bool:
-    """Whether a label is None or NaN, as data frames have what is missing."""
-    return value is None or (isinstance(value, float) and value != value)
+    """Whether a label is None, NaN or pandas.NA, as data frames have what is missing."""
+    is_nan = isinstance(value, (float, np.floating)) and value != value
+    return value is None or is_nan or type(value).__name__ == "NAType"
 
 
 def _as_embedding(values: ArrayLike) -> NDArray[np.float64]:

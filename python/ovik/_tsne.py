@@ -94,15 +94,15 @@ class TSNE(FitParameters):
     n_features_in_ : int
         Columns of the input.
     feature_names_in_ : ndarray of shape (n_features_in_,), object
-        Names of the columns; only after a fit on a table whose column names are all strings.
-
+        Names of the columns; only after a fit on a `Matrix` that has some, or on a table whose column
+        names are all strings.
     row_names_ : ndarray of shape (n_samples,), object
         Names of the rows; only after a fit on a `Matrix`, or on a table whose index is all strings.
 
     Notes
     -----
     One fit runs at a time in a process; others wait. The interpreter lock is free meanwhile. Ctrl-C
-    ends a fit after the iteration at hand, or with the first one, by KeyboardInterrupt.
+    ends a fit after the iteration at hand, or with the first one.
 
     There is no `transform`: new rows cannot be added to an embedding.
 
@@ -159,7 +159,7 @@ class TSNE(FitParameters):
         RuntimeError
             If the embedding gets out of range.
         KeyboardInterrupt
-            On Ctrl-C.
+            On Ctrl-C, unless `on_interrupt` is "keep".
         """
         self._fit(as_input(X))
         return self
@@ -298,7 +298,7 @@ class TSNE(FitParameters):
 
     def _warn_of_interruption(self, iteration: int) -> None:
         text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
-        if iteration <= self.stop_lying_iter:
+        if iteration < self.stop_lying_iter:
             text += ": early exaggeration has not ended, so the groups stand closer than they should"
         warnings.warn(text, stacklevel=4)
 

@@ -53,6 +53,12 @@ def test_page_shows_what_it_is_given(points):
     assert shown["pairs"][0]["x"] == points[:3, 0].tolist()
 
 
+def test_missing_labels_are_empty(points):
+    pandas = pytest.importorskip("pandas")
+    missing = [None, float("nan"), np.float32("nan"), pandas.NA, "a"]
+    assert data_of(ovik.page(points[:5, :2], missing).html)["labels"] == ["", "", "", "", "a"]
+
+
 def test_functions_are_those_of_the_names(points):
     shown = data_of(ovik.page(points[:2, :2], names=["CDC28", "no gene"]).html)
     assert shown["functions"][0] == ovik.gene_function("CDC28").function
