@@ -98,6 +98,17 @@ std::string escaped_for_script(const std::string& json) {
 
 }  // namespace
 
+ChartLayout chart_layout(const int* parameters) {
+    ChartLayout layout;
+    layout.margins.assign(parameters, parameters + 4);
+    layout.legend_width = parameters[4];
+    layout.x_tick_turn = parameters[5];
+    layout.y_title_turn = parameters[6];
+    layout.tick_decimals = parameters[7];
+    layout.grid = parameters[8] != 0;
+    return layout;
+}
+
 std::string chart_page(const Chart& chart) {
     // Pure ASCII, so that U+2028 and U+2029 are escaped too.
     const std::string json = json_chart(chart);

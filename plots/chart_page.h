@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 #include <utility>
@@ -21,6 +22,12 @@ struct ChartLayout {
     int tick_decimals = 0;
     bool grid = true;
 };
+
+/// The layout by the nine integers of `Javas::plotting`.
+ChartLayout chart_layout(const int* parameters);
+
+/// These integers for the page of a run.
+inline constexpr std::array<int, 9> kRunChartParameters = {30, 180, 75, 120, 130, 90, -90, 0, 1};
 
 /// What a chart page shows. All texts are data: any bytes, escaped where they land.
 struct Chart {

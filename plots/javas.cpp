@@ -22,17 +22,6 @@ std::vector<std::string> without_empty(std::vector<std::string> texts) {
     return texts;
 }
 
-ChartLayout layout_of(const int* parameters) {
-    ChartLayout layout;
-    layout.margins.assign(parameters, parameters + 4);
-    layout.legend_width = parameters[4];
-    layout.x_tick_turn = parameters[5];
-    layout.y_title_turn = parameters[6];
-    layout.tick_decimals = parameters[7];
-    layout.grid = parameters[8] != 0;
-    return layout;
-}
-
 /// Shows what a run tells of its rows.
 template <typename T>
 void show_rows(Chart& chart, const PlottedRun<T>& run) {
@@ -98,7 +87,7 @@ void Javas<T>::plotting(std::string type,
     chart.x_title = text_at(texts, 1);
     chart.y_title = text_at(texts, 2);
     chart.texts.assign(texts.begin() + std::min<std::ptrdiff_t>(3, std::ssize(texts)), texts.end());
-    chart.layout = layout_of(parameters);
+    chart.layout = chart_layout(parameters);
     chart.show_labels = text_at(options, 0) == "true";
     chart.colour_scheme = text_at(options, 1);
     chart.category_order = std::move(category_order);

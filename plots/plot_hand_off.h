@@ -1,11 +1,11 @@
 #pragma once
 
 #include <array>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "plots/chart_page.h"
 #include "plots/gnuplot.h"
 #include "plots/javas.h"
 #include "plots/plot_columns.h"
@@ -50,19 +50,16 @@ PlotOutcome hand_to_plots(const PlotNames& names,
     chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
     chart.set_postfix(names.stem);
     chart.setRun(run);
-    // Margins (top, right, bottom, left), width of the legend, turns of x ticks and y title,
-    // decimals, grid.
-    auto parameters = std::unique_ptr<int[]>(new int[9]{30, 180, 75, 120, 130, 90, -90, 0, 1});
+    std::array<int, 9> parameters = kRunChartParameters;
     chart.plotting("scatter",
                    rows.data(),
                    {"", "Component 1", "Component 2", "", "", "", ""},
                    {},
                    {},
                    {"false", ""},
-                   parameters.get(),
+                   parameters.data(),
                    {"", ""},
                    {run.labels.begin(), run.labels.end()});
-    parameters.reset();
     coordinates = {};
     rows = {};
 

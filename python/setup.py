@@ -22,7 +22,7 @@ def project_version():
 class BuildWithCMake(build_ext):
     def build_extension(self, extension):
         build_dir = os.environ.get("OVIK_BUILD_DIR")
-        if build_dir is None:
+        if not build_dir:
             build_dir = os.path.abspath(self.build_temp)
             self.spawn([
                 "cmake", "-S", str(PROJECT), "-B", build_dir, "-DCMAKE_BUILD_TYPE=Release",

@@ -1,9 +1,7 @@
 #include "stats/run_results.h"
 
-#include <cstdio>
 #include <map>
 #include <utility>
-#include <vector>
 
 #include "annotation/gene_table.h"
 #include "plots/figure_drawing.h"
@@ -11,36 +9,10 @@
 #include "plots/plot_hand_off.h"
 #include "results/result_table.h"
 #include "results/run_log.h"
-#include "stats/method.h"
-#include "stats/option_texts.h"
+#include "stats/run_caption.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
-
-namespace {
-
-using Parameters = std::vector<std::pair<std::string, std::string>>;
-
-/// Names and values of the run's parameters, as the plots show them.
-Parameters caption_parameters(const EndedRun& run) {
-    Parameters parameters{{"Method", std::string(method_of(run.options).name) + " t-SNE"},
-                          {"Input",
-                           std::to_string(run.embedding.rows) + " rows, " +
-                               std::to_string(run.input_columns) + " columns"}};
-    visit_fit_options(run.options, [&parameters](const auto& option) {
-        // The page of a run that was ended is that of a run with this last iteration.
-        if (option.words.decides_states) {
-            parameters.emplace_back(option.words.title, plain_number(option.value));
-        }
-    });
-    char cost[64];
-    std::snprintf(cost, sizeof cost, "%g", run.report.reached.cost);
-    parameters.emplace_back("Last iteration", std::to_string(run.report.reached.iteration));
-    parameters.emplace_back("Final cost", cost);
-    return parameters;
-}
-
-}  // namespace
 
 template <typename T>
 WrittenResults write_results(const ResultSettings& settings,
@@ -58,7 +30,8 @@ WrittenResults write_results(const ResultSettings& settings,
     written.log_failure =
         append_run_log(out_base, settings.data_title, run.options.perplexity, stem);
     if (settings.draw_plots) {
-        const Parameters parameters = caption_parameters(run);
+        const auto parameters =
+            caption_parameters(run.options, run.embedding.rows, run.input_columns, run.report);
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -95,6 +96,49 @@ void print_zsh() {
     }
 }
 
+/// A parameter of Python that is no number of the fit; its meaning stands beside the estimator.
+struct PythonParameter {
+    const char* name;
+    const char* type;
+    const char* preset;
+};
+
+constexpr std::array<PythonParameter, 9> kPythonAlone = {{
+    {"random_state", "RandomState", "None"},
+    {"metric", "Metric", "\"euclidean\""},
+    {"init", "Start", "\"random\""},
+    {"callbacks", "Callback | Sequence[Callback] | None", "None"},
+    {"callbacks_every_iters", "int", "50"},
+    {"on_interrupt", "OnInterrupt", "\"raise\""},
+    {"quality", "int | None", "None"},
+    {"n_jobs", "int | None", "-1"},
+    {"verbose", "bool", "False"},
+}};
+
+/// Whether Python takes "auto" in the place of a number.
+bool is_automatic_in_python(const Described& option) {
+    return option.words.python == "learning_rate";
+}
+
+std::string python_type(const Described& option) {
+    const std::string number = option.is_whole ? "int" : "float";
+    return is_automatic_in_python(option) ? number + " | Literal[\"auto\"]" : number;
+}
+
+void print_python_description(const Described& option) {
+    std::printf("    %s : %s%s, default %s\n        %s, %s.\n",
+                text_of(option.words.python).c_str(),
+                option.is_whole ? "int" : "float",
+                is_automatic_in_python(option) ? " or \"auto\"" : "",
+                option.python_preset.c_str(),
+                text_of(option.words.sentence).c_str(),
+                option.range.c_str());
+    if (is_automatic_in_python(option)) {
+        std::printf("        \"auto\" is n_samples / exaggeration, at least %s.\n",
+                    option.preset.c_str());
+    }
+}
+
 void print_python() {
     std::vector<Described> options = described_options();
     // `n_components` comes first, as the one parameter that may be given by its place.
@@ -107,15 +151,21 @@ void print_python() {
         std::printf("%s        %s: %s = %s,\n",
                     i == 1 ? "        *,\n" : "",
                     text_of(options[i].words.python).c_str(),
-                    options[i].is_whole ? "int" : "float",
+                    python_type(options[i]).c_str(),
                     options[i].python_preset.c_str());
     }
-    std::printf("        n_jobs: int = -1,\n        verbose: bool = False,\n    ) -> None:\n");
+    for (const auto& [name, type, preset] : kPythonAlone) {
+        std::printf("        %s: %s = %s,\n", name, type, preset);
+    }
+    std::printf("    ) -> None:\n");
     for (const Described& option : options) {
         const std::string name(option.words.python);
         std::printf("        self.%s = %s\n", name.c_str(), name.c_str());
     }
-    std::printf("        self.n_jobs = n_jobs\n        self.verbose = verbose\n\n");
+    for (const auto& [name, type, preset] : kPythonAlone) {
+        std::printf("        self.%s = %s\n", name, name);
+    }
+    std::printf("\n");
     std::printf("    def _fit_options(self) -> dict[str, Any]:\n        return {\n");
     for (const Described& option : options) {
         const std::string name(option.words.python);
@@ -123,12 +173,7 @@ void print_python() {
     }
     std::printf("        }\n\n\nDESCRIPTIONS = \"\"\"\\\n");
     for (const Described& option : options) {
-        std::printf("    %s : %s, default %s\n        %s, %s.\n",
-                    text_of(option.words.python).c_str(),
-                    option.is_whole ? "int" : "float",
-                    option.python_preset.c_str(),
-                    text_of(option.words.sentence).c_str(),
-                    option.range.c_str());
+        print_python_description(option);
     }
     std::printf("\"\"\"\n");
 }

@@ -2,12 +2,27 @@
 
 >>> import ovik
 >>> matrix = ovik.read_matrix("expression.tsv")
->>> embedding = ovik.TSNE(perplexity=30).fit_transform(matrix.values)
+>>> tsne = ovik.TSNE(perplexity=30).fit(matrix)
+>>> ovik.page(tsne).save("map.html")
 """
 
+from ._anndata import pp_tsne
 from ._core import __version__
 from ._genes import Gene, gene_function
 from ._matrix import Matrix, read_matrix
+from ._page import Page, page
+from ._plot import plot
 from ._tsne import TSNE
 
-__all__ = ["TSNE", "Gene", "Matrix", "__version__", "gene_function", "read_matrix"]
+__all__ = [
+    "TSNE",
+    "Gene",
+    "Matrix",
+    "Page",
+    "__version__",
+    "gene_function",
+    "page",
+    "plot",
+    "pp_tsne",
+    "read_matrix",
+]

@@ -2,7 +2,18 @@
 
 from __future__ import annotations
 
-from typing import Any
+from collections.abc import Callable, Sequence
+from typing import Any, Literal, TypeAlias
+
+import numpy as np
+from numpy.typing import ArrayLike, NDArray
+
+RandomState: TypeAlias = int | np.random.RandomState | np.random.Generator | None
+Metric: TypeAlias = Literal["euclidean"]
+Start: TypeAlias = ArrayLike | Literal["random"]
+Callback: TypeAlias = Callable[[int, float, NDArray[np.float64]], Any]
+OnInterrupt: TypeAlias = Literal["raise", "keep"]
+
 
 # options of a fit, by scripts/option-texts
 class FitParameters:
@@ -18,12 +29,19 @@ class FitParameters:
         stop_lying_iter: int = 250,
         mom_switch_iter: int = 250,
         seed: int = 11,
-        learning_rate: float = 200.0,
+        learning_rate: float | Literal["auto"] = 200.0,
         exaggeration: float = 12.0,
         start_spread: float = 0.0001,
         momentum: float = 0.5,
         final_momentum: float = 0.8,
-        n_jobs: int = -1,
+        random_state: RandomState = None,
+        metric: Metric = "euclidean",
+        init: Start = "random",
+        callbacks: Callback | Sequence[Callback] | None = None,
+        callbacks_every_iters: int = 50,
+        on_interrupt: OnInterrupt = "raise",
+        quality: int | None = None,
+        n_jobs: int | None = -1,
         verbose: bool = False,
     ) -> None:
         self.n_components = n_components
@@ -38,6 +56,13 @@ class FitParameters:
         self.start_spread = start_spread
         self.momentum = momentum
         self.final_momentum = final_momentum
+        self.random_state = random_state
+        self.metric = metric
+        self.init = init
+        self.callbacks = callbacks
+        self.callbacks_every_iters = callbacks_every_iters
+        self.on_interrupt = on_interrupt
+        self.quality = quality
         self.n_jobs = n_jobs
         self.verbose = verbose
 
@@ -73,8 +98,9 @@ DESCRIPTIONS = """\
         Iteration after which the momentum is the final one, at least 0.
     seed : int, default 11
         Seed of the random start and of the neighbour search, at least 0.
-    learning_rate : float, default 200.0
+    learning_rate : float or "auto", default 200.0
         Length of a step, times gain and gradient, above 0, at most 1e9.
+        "auto" is n_samples / exaggeration, at least 200.
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
     start_spread : float, default 0.0001

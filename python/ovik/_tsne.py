@@ -3,9 +3,7 @@
 from __future__ import annotations
 
 import inspect
-import operator
 import sys
-import threading
 import warnings
 from typing import Any, Self
 
@@ -13,10 +11,21 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
+from ._input import Input, as_input, check_finite, check_perplexity
+from ._matrix import Matrix
+from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out
 from ._parameters import DESCRIPTIONS, FitParameters
-
-# The random start is drawn from the random stream of the process.
-_one_fit_at_a_time = threading.Lock()
+from ._settings import (
+    METRICS,
+    automatic_learning_rate,
+    one_callback,
+    one_of,
+    quality_neighbours,
+    seed_of,
+    start_of,
+    thread_count,
+    whole_number,
+)
 
 _LARGEST_INT = 2**31 - 1
 
@@ -29,9 +38,30 @@ class TSNE(FitParameters):
 
     Parameters
     ----------
-{options}    n_jobs : int, default -1
-        Threads; -1 for one per core, or what ``OMP_NUM_THREADS`` says. They change the time, never
-        the result.
+{options}    random_state : None, int, RandomState or Generator, default None
+        The seed as others call it: a whole number, or what one is drawn from. None leaves it to
+        `seed`, which is always the same.
+    metric : {"euclidean"}, default "euclidean"
+        Distance between rows.
+    init : "random" or array-like of shape (n_samples, n_components), default "random"
+        Where the rows start: at random, or as given, unscaled. The random start spreads by
+        `start_spread`; a far wider one keeps its shape, whatever the rows are like.
+    callbacks : function or list of functions, default None
+        Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
+        embedding; if one returns something true, the fit ends there. Until early exaggeration ends
+        the cost is against the exaggerated similarities. An exception ends the fit, too, and leaves
+        `fit`.
+    callbacks_every_iters : int, default 50
+        The callbacks see every iteration that this divides, and the last one.
+    on_interrupt : {"raise", "keep"}, default "raise"
+        What Ctrl-C does: ends the fit by KeyboardInterrupt, or ends it with a warning and keeps the
+        embedding as it stands.
+    quality : int, default None
+        How many nearest neighbours of each row `trustworthiness_` and `knn_recall_` are about, less
+        than half of n_samples. None leaves them unmeasured.
+    n_jobs : int or None, default -1
+        Threads; -1 for one per core, or what ``OMP_NUM_THREADS`` says, -2 for one fewer than cores,
+        and so on; None for one. They change the time, never the result.
     verbose : bool, default False
         Whether the engine's progress is shown, on the standard output and standard error of the
         process.
@@ -43,17 +73,31 @@ class TSNE(FitParameters):
     kl_divergence_ : float
         Cost of the embedding: Kullback-Leibler divergence from the similarities of the rows, without
         exaggeration, in nats.
+    costs_ : ndarray of shape (n_iter_ + 1,), float64
+        Cost of every iteration from 0 on, until early exaggeration ends against the exaggerated
+        similarities.
     n_iter_ : int
         The iteration done last.
+    seed_ : int
+        The seed that was used.
+    learning_rate_ : float
+        The learning rate that was used.
+    trustworthiness_, knn_recall_ : float
+        Whether neighbours in the embedding are neighbours in the input (Venna and Kaski, 2001), and
+        the share of the neighbours in the input that are neighbours in the embedding; only with
+        `quality`.
     n_features_in_ : int
         Columns of the input.
     feature_names_in_ : ndarray of shape (n_features_in_,), object
-        Names of the columns; only after a fit on a table whose column names are all strings.
+        Names of the columns; only after a fit on a `Matrix` that has some, or on a table whose column
+        names are all strings.
+    row_names_ : ndarray of shape (n_samples,), object
+        Names of the rows; only after a fit on a `Matrix`, or on a table whose index is all strings.
 
     Notes
     -----
     One fit runs at a time in a process; others wait. The interpreter lock is free meanwhile. Ctrl-C
-    ends a fit after the iteration at hand, or with the first one, by KeyboardInterrupt.
+    ends a fit after the iteration at hand, or with the first one.
 
     There is no `transform`: new rows cannot be added to an embedding.
 
@@ -67,21 +111,31 @@ class TSNE(FitParameters):
     >>> embedding = TSNE(perplexity=30).fit_transform(X)
     """
 
+    # What tells scikit-learn, and `clone`, that an output was set.
+    _sklearn_output_config: dict[str, Container]
+    _caption: list[tuple[str, str]]
+
     embedding_: NDArray[np.float64]
     kl_divergence_: float
+    costs_: NDArray[np.float64]
     n_iter_: int
+    seed_: int
+    learning_rate_: float
+    trustworthiness_: float
+    knn_recall_: float
     n_features_in_: int
     feature_names_in_: NDArray[np.object_]
+    row_names_: NDArray[np.object_]
 
-    def fit(self, X: ArrayLike, y: Any = None) -> Self:
+    def fit(self, X: ArrayLike | Matrix, y: Any = None) -> Self:
         """Embed the rows of a matrix.
 
         Parameters
         ----------
         X : array-like of shape (n_samples, n_features)
-            At least 3 rows and 1 column of finite numbers: an array, lists, a data frame. Not
-            changed, and not copied before the engine's own copy if it is a C-contiguous float64
-            array.
+            At least 3 rows and 1 column of finite numbers: an array, lists, a data frame, a sparse
+            matrix, what `read_matrix` gives. Not changed, and not copied before the engine's own
+            copy if it is a C-contiguous float64 array; sparse ones are made dense.
         y : ignored
 
         Returns
@@ -100,32 +154,56 @@ class TSNE(FitParameters):
         RuntimeError
             If the embedding gets out of range.
         KeyboardInterrupt
-            On Ctrl-C.
+            On Ctrl-C, unless `on_interrupt` is "keep".
         """
-        options = self._fit_options()
-        _core.check_options(options)
-        threads = self._checked_threads()
-        values = _as_matrix(X)
-        _check_finite(values)
-        _check_perplexity(float(self.perplexity), len(values))
-        if self.verbose:
-            sys.stdout.flush()
-        with _one_fit_at_a_time:
-            embedding, cost, last_iteration, note = _core.embed(
-                values, options, threads, bool(self.verbose)
-            )
-        if note:
-            warnings.warn(note, stacklevel=2)
-        self.embedding_ = embedding
-        self.kl_divergence_ = cost
-        self.n_iter_ = last_iteration
-        self.n_features_in_ = values.shape[1]
-        self._set_feature_names(X)
+        self._fit(as_input(X))
         return self
 
-    def fit_transform(self, X: ArrayLike, y: Any = None) -> NDArray[np.float64]:
-        """Embed the rows of a matrix and return `embedding_`; see `fit`."""
-        return self.fit(X).embedding_
+    def fit_transform(self, X: ArrayLike | Matrix, y: Any = None) -> NDArray[np.float64]:
+        """Embed the rows of a matrix and return `embedding_`; see `fit`.
+
+        After ``set_output(transform="pandas")`` it is a data frame with the index of X.
+        """
+        container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))
+        given = as_input(X)
+        self._fit(given)
+        result: NDArray[np.float64] = contained(
+            self.embedding_, container, given.index, self.get_feature_names_out()
+        )
+        return result
+
+    def set_output(self, *, transform: Container | None = None) -> Self:
+        """Set what `fit_transform` returns.
+
+        Parameters
+        ----------
+        transform : {"default", "pandas"}, optional
+            An array, or a data frame with the index of the input. None changes nothing.
+
+        Returns
+        -------
+        TSNE
+            This object.
+        """
+        if transform is not None:
+            one_of("transform", transform, CONTAINERS)
+            self._sklearn_output_config = {"transform": transform}
+        return self
+
+    def get_feature_names_out(self, input_features: ArrayLike | None = None) -> NDArray[np.object_]:
+        """Names of the columns of the embedding: ``"tsne0"``, ``"tsne1"`` and so on.
+
+        Parameters
+        ----------
+        input_features : array-like of str, optional
+            Only held against the columns of the last fit.
+
+        Raises
+        ------
+        ValueError
+            If there was no fit, or one of other columns.
+        """
+        return feature_names_out(self, input_features)
 
     def get_params(self, deep: bool = True) -> dict[str, Any]:
         """The parameters of the constructor, by name; `deep` makes no difference."""
@@ -167,92 +245,79 @@ class TSNE(FitParameters):
         del parameters["self"]
         return parameters
 
-    def _checked_threads(self) -> int:
-        """The number of threads as the engine takes it: 0 for one per core."""
-        n_jobs = _whole_number("n_jobs", self.n_jobs, -1, 1_000_000)
-        if n_jobs == 0:
-            raise ValueError("n_jobs should be -1 (one thread per core) or at least 1, not 0")
-        return max(n_jobs, 0)
+    def _fit(self, given: Input) -> None:
+        options = self._checked_options(len(given.values))
+        manner = self._checked_manner(len(given.values), options)
+        check_finite(given.values)
+        check_perplexity(float(self.perplexity), len(given.values))
+        if self.verbose:
+            sys.stdout.flush()
+        outcome = _core.embed(given.values, options, manner)
+        # Warnings come last: where they are errors, the embedding is not lost.
+        self._take_over(given, options, outcome)
+        if outcome["note"]:
+            warnings.warn(outcome["note"], stacklevel=3)
+        if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
+            self._warn_of_interruption(outcome["iteration"])
 
-    def _set_feature_names(self, X: Any) -> None:
-        names = list(getattr(X, "columns", ()))
-        if names and all(isinstance(name, str) for name in names):
-            self.feature_names_in_ = np.array(names, dtype=object)
-        elif hasattr(self, "feature_names_in_"):
-            del self.feature_names_in_
+    def _checked_options(self, n_samples: int) -> dict[str, Any]:
+        """The options of the fit as numbers."""
+        options = self._fit_options()
+        preset = self._parameters()
+        is_automatic = isinstance(self.learning_rate, str) and self.learning_rate == "auto"
+        if is_automatic:
+            options["learning_rate"] = preset["learning_rate"].default
+        options["seed"] = seed_of(self.random_state, self.seed, preset["seed"].default)
+        _core.check_options(options)
+        if is_automatic:
+            options["learning_rate"] = automatic_learning_rate(
+                n_samples, self.exaggeration, options["learning_rate"]
+            )
+        return options
+
+    def _checked_manner(self, n_samples: int, options: dict[str, Any]) -> dict[str, Any]:
+        """How the fit is made, beside its options."""
+        one_of("metric", self.metric, METRICS)
+        return {
+            "threads": thread_count(self.n_jobs),
+            "verbose": bool(self.verbose),
+            "init": start_of(self.init, (n_samples, int(options["n_components"]))),
+            "quality": quality_neighbours(self.quality, n_samples),
+            "callback": one_callback(self.callbacks),
+            "callback_every": whole_number(
+                "callbacks_every_iters", self.callbacks_every_iters, 1, _LARGEST_INT
+            ),
+            "keeps_interrupted": one_of("on_interrupt", self.on_interrupt, ("raise", "keep")) == "keep",
+        }
+
+    def _warn_of_interruption(self, iteration: int) -> None:
+        text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
+        if iteration < self.stop_lying_iter:
+            text += ": early exaggeration has not ended, so the groups stand closer than they should"
+        warnings.warn(text, stacklevel=4)
+
+    def _take_over(self, given: Input, options: dict[str, Any], outcome: dict[str, Any]) -> None:
+        """Set the attributes of a fit."""
+        self.embedding_ = outcome["embedding"]
+        self.kl_divergence_ = outcome["cost"]
+        self.costs_ = outcome["costs"]
+        self.n_iter_ = outcome["iteration"]
+        self.seed_ = int(options["seed"])
+        self.learning_rate_ = float(options["learning_rate"])
+        self.n_features_in_ = given.values.shape[1]
+        start = [] if isinstance(self.init, str) else [("Start", "given")]
+        self._caption = outcome["caption"] + start
+        for name, value in (
+            ("trustworthiness_", outcome["trustworthiness"]),
+            ("knn_recall_", outcome["knn_recall"]),
+            ("feature_names_in_", given.feature_names),
+            ("row_names_", given.row_names),
+        ):
+            if value is not None:
+                setattr(self, name, value)
+            elif hasattr(self, name):
+                delattr(self, name)
 
 
 if TSNE.__doc__:
     TSNE.__doc__ = TSNE.__doc__.replace("{options}", DESCRIPTIONS)
-
-
-def _whole_number(name: str, value: Any, least: int, most: int) -> int:
-    try:
-        number = operator.index(value)
-    except TypeError:
-        number = None
-    if number is None or not least <= number <= most:
-        raise ValueError(f"{name} should be a whole number from {least} to {most}, not {value!r}")
-    return number
-
-
-def _as_matrix(X: Any) -> NDArray[np.float64]:
-    """X as a C-contiguous float64 array of two dimensions."""
-    if hasattr(X, "toarray"):
-        raise ValueError("X is sparse, which this t-SNE cannot use\nGive X.toarray().")
-    if isinstance(X, np.ma.MaskedArray):
-        X = np.ma.filled(X.astype(np.float64), np.nan)
-    try:
-        array = np.asarray(X)
-        if array.dtype.kind not in "biufO":
-            raise TypeError(f"its elements are {array.dtype}")
-        values = np.ascontiguousarray(array, dtype=np.float64)
-    except (TypeError, ValueError) as error:
-        raise ValueError(
-            f"X should be an array of numbers: {error}\n"
-            "Leave columns of text out, fill missing values in, and give every row the same number of "
-            "values."
-        ) from error
-    if array.ndim != 2:
-        raise ValueError(
-            f"X should have two dimensions (n_samples, n_features), not the shape {array.shape}\n"
-            "X.reshape(-1, 1) makes a column of a single feature."
-        )
-    n_samples, n_features = array.shape
-    if n_samples < 3 or n_features < 1:
-        raise ValueError(
-            f"X has n_samples={n_samples} and n_features={n_features}, and an embedding needs at "
-            "least 3 samples (rows) and 1 feature (column)"
-        )
-    if n_samples > _LARGEST_INT:
-        raise ValueError(f"X has n_samples={n_samples}, and at most {_LARGEST_INT} can be embedded")
-    return values
-
-
-def _check_finite(values: NDArray[np.float64]) -> None:
-    finite = np.isfinite(values)
-    if finite.all():
-        return
-    row, column = divmod(int(np.argmin(finite)), values.shape[1])
-    count = values.size - int(np.count_nonzero(finite))
-    raise ValueError(
-        f"X holds {count} of {values.size} values that are not finite (NaN or infinite), the first "
-        f"in row {row}, column {column}, counted from 0: {values[row, column]}\n"
-        "Fill them in, for example by the means of their columns, or leave such rows out."
-    )
-
-
-def _check_perplexity(perplexity: float, n_samples: int) -> None:
-    others = n_samples - 1
-    if perplexity >= others:
-        raise ValueError(
-            f"perplexity={perplexity:g}: with n_samples={n_samples} a row has {others} others, so it "
-            "cannot have as many neighbours or more\n"
-            "Give at most a third of that; 5 to 50 are usual."
-        )
-    if 3.0 * perplexity > others:
-        warnings.warn(
-            f"perplexity={perplexity:g} is large for n_samples={n_samples}: it should be at most a "
-            f"third of the other rows, {others / 3.0:.1f}",
-            stacklevel=3,
-        )

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "stats/fit.h"
+#include "stats/neighbourhood_quality.h"
 
 namespace ovik::python {
 
@@ -13,10 +18,27 @@ struct FitManner {
     int threads = 0;
     /// Whether the engine's console lines show.
     bool verbose = false;
+    /// The start, row-major, rows x output dimensions; null for the random one.
+    const double* start = nullptr;
+    /// How many nearest neighbours of each row the quality is measured for, less than half the
+    /// rows; 0: it is not measured.
+    std::size_t quality_neighbours = 0;
+    /// Sees the states of some iterations and of the last one; true ends the fit. May be empty.
+    std::function<bool(const FitState&)> callback = {};
+    /// The callback is called with every iteration that this number divides.
+    int callback_every = 1;
+    /// Whether the map of a fit that was interrupted is wanted.
+    bool keeps_interrupted = false;
 };
 
 struct Outcome {
     Fit fit;
+    /// Of the result, if it was asked for.
+    std::optional<NeighbourhoodQuality> quality;
+    /// Whether the fit was interrupted, and its map wanted all the same.
+    bool is_interrupted = false;
+    /// What the chart page tells of the run.
+    std::vector<std::pair<std::string, std::string>> caption;
     /// What the user should know of the threads; mostly empty.
     std::string threads_note;
 };
@@ -26,7 +48,8 @@ struct Outcome {
 /// One fit at a time: the random start is from the `rand` stream of the process.
 ///
 /// @param points          at least 3 rows, finite; copied once
-/// @param is_interrupted  looked at after each iteration; if set, the fit is given up
+/// @param is_interrupted  looked at after each iteration; if set, the fit ends there, or is given
+/// up
 /// @throws InputError     if all rows are equal, or their values too large or too close
 /// @throws std::bad_alloc if the fit cannot have its memory
 /// @throws std::runtime_error if the embedding gets out of range, or is given up

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <climits>
@@ -15,11 +16,13 @@
 
 #include "annotation/gene_names.h"
 #include "stats/option_texts.h"
+#include "util/available_memory.h"
 #include "util/input_error.h"
 
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
 #include "python/src/own_thread.h"
+#include "python/src/page.h"
 
 /// The module `ovik._core`: the engine behind the package's Python files, which check arguments.
 
@@ -114,18 +117,83 @@ void check_options(const py::dict& arguments) {
     options_of(arguments);
 }
 
-py::tuple embed(const Array& X, const py::dict& arguments, int threads, bool verbose) {
+/// Shows a state to a function of Python, with a copy of the embedding.
+///
+/// @return whether the function asks for the end of the fit
+bool shows_to(const py::object& function, const FitState& state, const py::ssize_t* shape) {
+    const Array embedding({shape[0], shape[1]}, state.embedding.data());
+    const py::object answer = function(state.reached.iteration, state.reached.cost, embedding);
+    const int is_true = PyObject_IsTrue(answer.ptr());
+    if (is_true < 0) {
+        throw py::error_already_set();
+    }
+    return is_true == 1;
+}
+
+/// What became of a fit, by name.
+py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
+    using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
+    const FitReport& report = outcome.fit.report;
+    const auto quality = [&](double NeighbourhoodQuality::*value) {
+        return outcome.quality ? py::float_((*outcome.quality).*value) : py::object(py::none());
+    };
+    return py::dict(
+        "embedding"_a = Array({shape[0], shape[1]}, outcome.fit.embedding.data()),
+        "cost"_a = report.final_cost,
+        "costs"_a = Array(static_cast<py::ssize_t>(report.costs.size()), report.costs.data()),
+        "iteration"_a = report.reached.iteration,
+        "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
+        "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
+        "is_interrupted"_a = outcome.is_interrupted,
+        "caption"_a = outcome.caption,
+        "note"_a = outcome.threads_note);
+}
+
+/// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
+///                the embedding, or None), quality, callback (a function or None), callback_every,
+///                keeps_interrupted
+py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points{
         X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
     const FitOptions options = options_of(arguments);
-    const Outcome outcome = in_own_thread([&](const std::atomic<bool>& is_interrupted) {
-        return run_fit(points, options, {threads, verbose}, is_interrupted);
-    });
-    const FitReport& report = outcome.fit.report;
-    const Array embedding({X.shape(0), static_cast<py::ssize_t>(options.out_dims)},
-                          outcome.fit.embedding.data());
-    return py::make_tuple(
-        embedding, report.final_cost, report.reached.iteration, outcome.threads_note);
+    const py::ssize_t shape[] = {X.shape(0), options.out_dims};
+    const auto start = manner["init"].cast<std::optional<Array>>();
+    const py::object callback = manner["callback"];
+    FitManner chosen;
+    chosen.threads = manner["threads"].cast<int>();
+    chosen.verbose = manner["verbose"].cast<bool>();
+    chosen.start = start ? start->data() : nullptr;
+    chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
+    chosen.callback_every = manner["callback_every"].cast<int>();
+    chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();
+    WaitingThread waiting(chosen.keeps_interrupted);
+    if (!callback.is_none()) {
+        chosen.callback = [&](const FitState& state) {
+            bool stops = false;
+            waiting.run([&] { stops = shows_to(callback, state, shape); });
+            return stops;
+        };
+    }
+    const Outcome outcome = in_own_thread(
+        [&](const std::atomic<bool>& is_interrupted) {
+            return run_fit(points, options, chosen, is_interrupted);
+        },
+        waiting);
+    return described(outcome, shape);
+}
+
+std::string page(const Array& map, const py::dict& texts) {
+    PageTexts shown;
+    shown.title = texts["title"].cast<std::string>();
+    shown.name = texts["name"].cast<std::string>();
+    shown.names = texts["names"].cast<std::vector<std::string>>();
+    shown.labels = texts["labels"].cast<std::vector<std::string>>();
+    shown.functions = texts["functions"].cast<std::vector<std::string>>();
+    shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
+    return map_page({map.data(),
+                     static_cast<std::size_t>(map.shape(0)),
+                     static_cast<std::size_t>(map.shape(1))},
+                    shown);
 }
 
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
@@ -170,8 +238,12 @@ PYBIND11_MODULE(_core, module) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
     module.attr("__version__") = OVIK_VERSION;
     py::register_local_exception_translator(ovik::python::translate);
-    module.def(
-        "embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "threads"_a, "verbose"_a);
+    module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
+    module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
+    module.def("available_memory", [] {
+        const ovik::AvailableMemory available = ovik::available_memory();
+        return std::pair(available.bytes, available.limit);
+    });
     module.def("check_options", ovik::python::check_options, "options"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "delimiter"_a, "missing"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);

@@ -89,6 +89,8 @@ inside python3 -c '
 import ovik
 assert ovik.TSNE(perplexity=2.0).fit_transform([[float(row), row * 0.5] for row in range(9)]).shape == (9, 2)
 assert ovik.gene_function("CDC28").name == "CDC28"
+import importlib.metadata
+assert importlib.metadata.version("ovik") == ovik.__version__
 '
 
 echo "Removing"

@@ -5,6 +5,7 @@ import signal
 import subprocess
 import sys
 import threading
+import warnings
 
 import numpy as np
 import pytest
@@ -35,6 +36,66 @@ def test_ctrl_c_ends_the_fit():
     assert process.returncode == 0
 
 
+# A fit that keeps its map, to be interrupted; it says what is left of it.
+KEPT_FIT = """
+import sys, warnings
+import numpy, ovik
+warnings.simplefilter("always")
+X = numpy.random.default_rng(1).normal(size=(400, 4))
+tsne = ovik.TSNE(n_iter=1_000_000_000, verbose=True, on_interrupt="keep", n_jobs=1).fit(X)
+shorter = ovik.TSNE(n_iter=max(tsne.n_iter_, 1), n_jobs=1).fit(X)
+assert numpy.array_equal(tsne.embedding_, shorter.embedding_)
+sys.stderr.write(f"kept {tsne.n_iter_ + 1} {len(tsne.costs_)}")
+"""
+
+
+def test_ctrl_c_keeps_the_map_if_asked():
+    with subprocess.Popen([sys.executable, "-c", KEPT_FIT], stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, text=True) as process:
+        seen = ""
+        while "at iteration (1/" not in seen:
+            seen += os.read(process.stdout.fileno(), 1000).decode()
+        process.send_signal(signal.SIGINT)
+        _, err = process.communicate()
+    assert process.returncode == 0, err
+    assert "UserWarning: the fit was interrupted at iteration " in err
+    done, costs = err.rsplit("kept ", 1)[1].split()
+    assert done == costs
+
+
+def test_map_in_early_exaggeration_is_told(points):
+    def interrupt(iteration, error, embedding):
+        os.kill(os.getpid(), signal.SIGINT)
+
+    tsne = ovik.TSNE(n_iter=1000, callbacks=interrupt, on_interrupt="keep", n_jobs=1)
+    with pytest.warns(UserWarning, match="early exaggeration has not ended") as warned:
+        tsne.fit(points)
+    assert warned[0].filename == __file__
+    assert tsne.n_iter_ <= 50
+    with pytest.raises(KeyboardInterrupt):
+        tsne.set_params(on_interrupt="raise").fit(points)
+
+
+def test_kept_map_is_there_where_warnings_are_errors(points):
+    def interrupt(iteration, error, embedding):
+        raise KeyboardInterrupt
+
+    tsne = ovik.TSNE(callbacks=interrupt, on_interrupt="keep", n_jobs=1)
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        with pytest.raises(UserWarning):
+            tsne.fit(points)
+    assert tsne.n_iter_ == 0 and tsne.embedding_.shape == (90, 2)
+
+
+def test_other_exceptions_than_ctrl_c_are_not_kept(points):
+    def fail(iteration, error, embedding):
+        raise SystemExit(3)
+
+    with pytest.raises(SystemExit):
+        ovik.TSNE(callbacks=fail, on_interrupt="keep", n_jobs=1).fit(points)
+
+
 def test_exception_of_a_signal_handler_ends_the_fit(points):
     class Alarm(Exception):
         pass
@@ -53,7 +114,7 @@ def test_exception_of_a_signal_handler_ends_the_fit(points):
     assert ovik.TSNE(n_iter=3).fit(points).n_iter_ == 3
 
 
-def test_other_threads_run_and_fits_take_turns(points):
+def test_other_threads_run_and_fits_give_what_each_gives_alone(points):
     expected = ovik.TSNE(n_iter=300).fit_transform(points)
     embeddings = [None] * 3
 
@@ -66,6 +127,7 @@ def test_other_threads_run_and_fits_take_turns(points):
     turns = 0
     while any(thread.is_alive() for thread in threads):
         turns += 1
+        time.sleep(0.001)  # spinning would hold the interpreter lock that the threads wait for
     assert turns > 0
     assert all(np.array_equal(embedding, expected) for embedding in embeddings)
 

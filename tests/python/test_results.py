@@ -1,5 +1,7 @@
 """The package comes to the numbers of the command."""
 
+import json
+
 import numpy as np
 import pytest
 
@@ -57,3 +59,23 @@ def test_embedding_has_the_dimensions_asked_for(points, n_components):
     assert embedding.shape == (90, n_components)
     assert embedding.dtype == np.float64
     assert np.allclose(embedding.mean(axis=0), 0.0)
+
+
+def test_costs_and_quality_are_the_commands(time_courses, embed_by_command, tmp_path):
+    report = tmp_path / "report.json"
+    embed_by_command(time_courses, "-i", "300", "--quality", "--json", report)
+    (run,) = json.loads(report.read_text())["runs"]
+    X = ovik.read_matrix(time_courses, missing="zero")
+    for measured in run["quality"]:
+        tsne = ovik.TSNE(n_iter=300, quality=measured["neighbours"]).fit(X)
+        assert tsne.costs_.tolist() == run["costs"]
+        assert tsne.costs_[-1] == tsne.kl_divergence_ == run["final_cost"]
+        assert tsne.trustworthiness_ == measured["trustworthiness"]
+        assert tsne.knn_recall_ == measured["preservation"]
+    assert [measured["neighbours"] for measured in run["quality"]] == [10, 30]
+
+
+def test_quality_is_measured_on_request_alone(points):
+    tsne = ovik.TSNE(n_iter=3, quality=5).fit(points)
+    assert 0.0 < tsne.knn_recall_ < 1.0
+    assert not hasattr(tsne.set_params(quality=None).fit(points), "knn_recall_")

@@ -1,0 +1,135 @@
+"""The chart page of a map."""
+
+from __future__ import annotations
+
+import html
+import os
+import tempfile
+from collections.abc import Iterable
+from typing import TYPE_CHECKING, Any
+
+from numpy.typing import ArrayLike
+
+from . import _core
+from ._shown import shown_map, texts_of_rows
+
+if TYPE_CHECKING:
+    from ._tsne import TSNE
+
+
+class Page:
+    """A chart page: shows itself as the last line of a notebook's cell, and can be saved.
+
+    Attributes
+    ----------
+    html : str
+        The whole page, which needs nothing but itself.
+    """
+
+    def __init__(self, html: str, height: int) -> None:
+        self.html = html
+        self._height = height
+
+    def _repr_html_(self) -> str:
+        # Without its own origin the page cannot reach into the notebook.
+        return (
+            f'<iframe srcdoc="{html.escape(self.html)}" sandbox="allow-scripts allow-downloads" '
+            f'style="width: 100%; height: {self._height}px; border: 0" title="Chart page"></iframe>'
+        )
+
+    def save(self, path: str | os.PathLike[str]) -> None:
+        """Write the page to a file, whole or not at all: an earlier one stays until then.
+
+        Raises
+        ------
+        OSError
+            If it cannot be written.
+        """
+        target = os.path.realpath(path)
+        with tempfile.NamedTemporaryFile(
+            "w", encoding="utf-8", newline="", dir=os.path.dirname(target), delete=False
+        ) as file:
+            try:
+                file.write(self.html)
+                file.flush()
+                os.chmod(file.name, _permissions(target))
+                os.replace(file.name, target)
+            except BaseException:
+                os.unlink(file.name)
+                raise
+
+    def __repr__(self) -> str:
+        return f"<chart page of {len(self.html)} characters: .save(path) writes it>"
+
+
+def page(
+    tsne: TSNE | ArrayLike,
+    labels: Iterable[Any] | None = None,
+    *,
+    names: Iterable[str] | None = None,
+    functions: Iterable[str] | None = None,
+    title: str = "",
+    height: int = 800,
+) -> Page:
+    """Make the interactive chart page of a map, as the command leaves one.
+
+    Parameters
+    ----------
+    tsne : TSNE or array-like of shape (n_samples, n_components)
+        A fitted estimator, or an embedding. Of more than two components the page shows every pair.
+    labels : iterable of length n_samples, optional
+        What colours the points, by groups.
+    names : iterable of str, optional
+        Of the rows. By default those of the matrix or table that was fitted, else ``"1"``, ``"2"``
+        and so on.
+    functions : iterable of str, optional
+        What the genes do. By default the gene table is asked by the names.
+    title : str, optional
+        Above the chart.
+    height : int, default 800
+        Of the page in a notebook, in pixels.
+
+    Returns
+    -------
+    Page
+        In Jupyter it shows itself; ``.save("map.html")`` writes it to a file.
+
+    Raises
+    ------
+    ValueError
+        If there is no embedding, or another number of names, labels or functions than of rows.
+
+    Examples
+    --------
+    >>> ovik.page(tsne, title="Chemostats").save("map.html")
+    """
+    shown = shown_map(tsne)
+    count = len(shown.embedding)
+    of_input = shown.names or [str(row) for row in range(1, count + 1)]
+    texts = {
+        "title": _as_bytes(title or "t-SNE map"),
+        "name": _as_bytes("ovik_map"),
+        "names": _list_of_bytes("names", of_input if names is None else names, count),
+        "labels": _list_of_bytes("labels", labels, count),
+        "functions": _list_of_bytes("functions", functions, count),
+        "parameters": shown.parameters,
+    }
+    return Page(_core.page(shown.embedding, texts), height)
+
+
+def _as_bytes(text: str) -> bytes:
+    return text.encode("utf-8", "surrogateescape")
+
+
+def _list_of_bytes(name: str, texts: Iterable[Any] | None, count: int) -> list[bytes]:
+    return [_as_bytes(text) for text in texts_of_rows(name, texts, count)]
+
+
+def _permissions(path: str) -> int:
+    """Those of the earlier file, else what a new one gets."""
+    try:
+        return os.stat(path).st_mode & 0o7777
+    except FileNotFoundError:
+        mask = os.umask(0)
+        os.umask(mask)
+        return 0o666 & ~mask

@@ -1,0 +1,35 @@
+#include "python/src/page.h"
+
+#include <map>
+
+#include "annotation/gene_table.h"
+#include "plots/chart_page.h"
+#include "results/result_table.h"
+
+namespace ovik::python {
+
+std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
+    std::map<std::string, std::string> functions = make_gene_table();
+    ResultTable<double> table = make_result_table<double>(map, texts.names, functions);
+    for (std::size_t row = 0; !texts.functions.empty() && row < table.functions.size(); ++row) {
+        table.functions[row] = texts.functions[row % texts.functions.size()];
+    }
+    Chart chart;
+    chart.title = texts.title;
+    chart.name = texts.name;
+    chart.x_title = "Component 1";
+    chart.y_title = "Component 2";
+    chart.parameters = texts.parameters;
+    chart.layout = chart_layout(kRunChartParameters.data());
+    chart.labels = texts.labels;
+    for (const auto& [x, y] : table.coordinates) {
+        chart.x.push_back(x);
+        chart.y.push_back(y);
+    }
+    chart.names = table.names;
+    chart.groups = table.groups;
+    chart.functions = table.functions;
+    return chart_page(chart);
+}
+
+}  // namespace ovik::python

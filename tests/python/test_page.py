@@ -1,0 +1,136 @@
+"""The chart page of a map."""
+
+import html
+import json
+import os
+import re
+import stat
+import subprocess
+
+import numpy as np
+import pytest
+
+import ovik
+
+
+def data_of(page):
+    """The chart's data in a page."""
+    (script,) = re.findall(r'<script type="application/json"[^>]*>(.*?)</script>', page, re.DOTALL)
+    return json.loads(script)
+
+
+@pytest.fixture
+def tsne(time_courses):
+    matrix = ovik.read_matrix(time_courses, missing="zero")
+    return ovik.TSNE(n_iter=20, n_jobs=1).fit(matrix)
+
+
+@pytest.mark.parametrize("n_components", [2, 3])
+def test_page_is_the_commands(time_courses, tmp_path, n_components):
+    subprocess.run([os.environ["OVIK_TSNE"], time_courses, "-i", "20", "--missing", "zero", "--quiet",
+                    "--dims", str(n_components), "--out-dir", tmp_path, "--name", "run"], check=True)
+    (path,) = tmp_path.glob("run_tsne_*.html")
+    expected = data_of(path.read_text())
+    tsne = ovik.TSNE(n_components, n_iter=20).fit(ovik.read_matrix(time_courses, missing="zero"))
+    shown = data_of(ovik.page(tsne, title=expected["title"]).html)
+    assert shown.pop("name") == "ovik_map" and expected.pop("name")
+    # Texts that nobody gave.
+    assert not any(shown.pop("texts") + expected.pop("texts"))
+    assert shown == expected
+
+
+def test_page_shows_what_it_is_given(points):
+    page = ovik.page(
+        points[:3, :2], labels=["a", None, 7], names=["G1", "G<2>", "CDC28"], title="A & b",
+        functions=["one", "two", ""],
+    )
+    shown = data_of(page.html)
+    assert shown["title"] == "A & b"
+    assert "<title>A &amp; b</title>" in page.html
+    assert shown["names"] == ["G1", "G<2>", "CDC28"]
+    assert shown["labels"] == ["a", "", "7"]
+    assert shown["functions"] == ["one", "two", ""]
+    assert shown["pairs"][0]["x"] == points[:3, 0].tolist()
+
+
+def test_missing_labels_are_empty(points):
+    pandas = pytest.importorskip("pandas")
+    missing = [None, float("nan"), np.float32("nan"), pandas.NA, "a"]
+    assert data_of(ovik.page(points[:5, :2], missing).html)["labels"] == ["", "", "", "", "a"]
+
+
+def test_functions_are_those_of_the_names(points):
+    shown = data_of(ovik.page(points[:2, :2], names=["CDC28", "no gene"]).html)
+    assert shown["functions"][0] == ovik.gene_function("CDC28").function
+
+
+def test_rows_of_an_array_are_counted(points):
+    assert data_of(ovik.page(points).html)["names"][:2] == ["1", "2"]
+    assert len(data_of(ovik.page(points).html)["pairs"]) == 15
+
+
+def test_given_start_is_told(points):
+    tsne = ovik.TSNE(n_iter=3, init=points[:, :2]).fit(points)
+    assert ["Start", "given"] in data_of(ovik.page(tsne).html)["parameters"]
+    assert ["Iterations", "3"] not in data_of(ovik.page(tsne).html)["parameters"]
+    assert ["Last iteration", "3"] in data_of(ovik.page(tsne).html)["parameters"]
+
+
+def test_data_frame_gives_names(points):
+    pandas = pytest.importorskip("pandas")
+    tsne = ovik.TSNE(n_iter=3).set_output(transform="pandas")
+    framed = tsne.fit_transform(pandas.DataFrame(points, index=[f"G{row}" for row in range(90)]))
+    assert data_of(ovik.page(framed).html)["names"][:2] == ["G0", "G1"]
+
+
+def test_notebook_shows_it_in_a_frame_of_its_own(tsne):
+    page = ovik.page(tsne, height=500)
+    shown = page._repr_html_()
+    (source,) = re.findall(r'srcdoc="([^"]*)"', shown)
+    assert html.unescape(source) == page.html
+    assert 'sandbox="allow-scripts allow-downloads"' in shown and "height: 500px" in shown
+    assert repr(page).startswith("<chart page of ")
+
+
+def test_page_is_saved_whole(tsne, tmp_path):
+    path = tmp_path / "map.html"
+    page = ovik.page(tsne)
+    mask = os.umask(0o027)
+    try:
+        page.save(path)
+    finally:
+        os.umask(mask)
+    assert path.read_text(encoding="utf-8") == page.html
+    assert stat.S_IMODE(path.stat().st_mode) == 0o640
+    path.chmod(0o600)
+    link = tmp_path / "link.html"
+    link.symlink_to(path)
+    page.save(str(link))
+    assert link.is_symlink() and stat.S_IMODE(path.stat().st_mode) == 0o600
+    with pytest.raises(OSError):
+        page.save(tmp_path / "none" / "map.html")
+    with pytest.raises(IsADirectoryError):
+        page.save(tmp_path)
+    assert sorted(os.listdir(tmp_path)) == ["first_rows.tsv", "link.html", "map.html"]
+
+
+def test_texts_of_another_number_are_refused(points):
+    for texts in ("names", "labels", "functions"):
+        with pytest.raises(ValueError, match=f"{texts} should have one entry per row .* 90, not 1"):
+            ovik.page(points, **{texts: ["x"]})
+
+
+@pytest.mark.parametrize("what, said", [
+    (ovik.TSNE(), "has not been fitted yet"),
+    (np.zeros((5, 1)), "not of the shape (5, 1)"),
+    (np.zeros(5), "not of the shape (5,)"),
+])
+def test_what_is_no_map(what, said):
+    with pytest.raises(ValueError) as caught:
+        ovik.page(what)
+    assert said in str(caught.value)
+
+
+def test_texts_of_any_bytes_are_shown(points):
+    shown = data_of(ovik.page(points[:1, :2], names=["G\udce9"], title="\udce9").html)
+    assert shown["names"] == ["G\ufffd"]

@@ -1,0 +1,132 @@
+"""Parameters that are more than numbers of the fit."""
+
+import os
+
+import numpy as np
+import pytest
+
+import ovik
+
+
+def fit(points, **params):
+    return ovik.TSNE(**{"n_iter": 3, "n_jobs": 1, **params}).fit(points)
+
+
+def refusal(points, **params):
+    with pytest.raises(ValueError) as caught:
+        fit(points, **params)
+    return str(caught.value)
+
+
+def test_random_state_is_the_seed(points):
+    by_seed = fit(points, seed=5)
+    assert by_seed.seed_ == 5
+    assert np.array_equal(fit(points, random_state=5).embedding_, by_seed.embedding_)
+    assert np.array_equal(fit(points, random_state=np.int64(5)).embedding_, by_seed.embedding_)
+    assert not np.array_equal(fit(points).embedding_, by_seed.embedding_)
+
+
+def test_without_random_state_the_seed_is_always_the_same(points):
+    assert fit(points, random_state=None).seed_ == fit(points).seed_ == 11
+
+
+@pytest.mark.parametrize("make", [np.random.RandomState, np.random.default_rng])
+def test_seeds_are_drawn_from_generators(points, make):
+    generator = make(3)
+    first, second = fit(points, random_state=generator), fit(points, random_state=generator)
+    assert first.seed_ != second.seed_
+    assert first.seed_ == fit(points, random_state=make(3)).seed_
+    assert np.array_equal(first.embedding_, fit(points, seed=first.seed_).embedding_)
+
+
+def test_seed_and_random_state_are_not_both_given(points):
+    assert refusal(points, seed=5, random_state=5).startswith("both seed=5 and random_state are given")
+
+
+@pytest.mark.parametrize("value", [-1, 2**31, 1.5, "5"])
+def test_other_random_states_are_refused(points, value):
+    assert refusal(points, random_state=value).startswith("random_state should be a whole number from 0")
+
+
+def test_automatic_learning_rate_grows_with_the_rows(points):
+    assert fit(points, learning_rate="auto").learning_rate_ == 200.0
+    assert fit(points).learning_rate_ == 200.0
+    large = np.random.default_rng(1).normal(size=(2600, 3))
+    automatic = fit(large, learning_rate="auto")
+    assert automatic.learning_rate_ == 2600 / 12
+    assert np.array_equal(automatic.embedding_, fit(large, learning_rate=2600 / 12).embedding_)
+    assert "learning_rate should be a number above 0" in refusal(points, learning_rate="slow")
+
+
+def test_start_is_where_the_map_begins(points):
+    start = np.random.default_rng(4).normal(scale=1e-4, size=(90, 2))
+    still = fit(points, init=start, n_iter=1, learning_rate=1e-12)
+    assert np.allclose(still.embedding_, start - start.mean(axis=0), rtol=0, atol=1e-15)
+    moved = fit(points, init=start.tolist(), theta=0.0)
+    assert np.array_equal(moved.embedding_, fit(points, init=start, theta=0.0, seed=3).embedding_)
+    assert not np.array_equal(moved.embedding_, fit(points, theta=0.0).embedding_)
+
+
+def test_start_is_not_changed(points):
+    start = np.random.default_rng(4).normal(size=(90, 2))
+    before = start.copy()
+    fit(points, init=start)
+    assert np.array_equal(start, before)
+
+
+@pytest.mark.parametrize("init, said", [
+    ("pca", 'init should be "random" or an array of the shape (90, 2), not \'pca\''),
+    (np.zeros((90, 3)), "the shape (90, 2), not (90, 3)"),
+    (np.full((90, 2), np.nan), "not finite"),
+    ([["a", "b"]] * 90, 'init should be "random" or an array of numbers'),
+    (None, "not ()"),
+])
+def test_other_starts_are_refused(points, init, said):
+    assert said in refusal(points, init=init)
+
+
+@pytest.mark.parametrize("metric", ["cosine", "precomputed", None])
+def test_other_metrics_are_refused(points, metric):
+    assert refusal(points, metric=metric) == f'metric should be "euclidean", not {metric!r}'
+
+
+def threads_seen(points, monkeypatch, n_jobs):
+    seen = []
+    embed = ovik._core.embed
+
+    def watched(X, options, manner):
+        seen.append(manner["threads"])
+        return embed(X, options, manner)
+
+    with monkeypatch.context() as patch:
+        patch.setattr("ovik._tsne._core.embed", watched)
+        fit(points, n_jobs=n_jobs)
+    return seen[0]
+
+
+@pytest.mark.parametrize("n_jobs, cores, threads", [
+    (None, 8, 1), (1, 8, 1), (3, 8, 3), (-1, 8, 0), (-2, 8, 7), (-8, 8, 1), (-9, 8, 1), (-2, 1, 1),
+])
+def test_threads_are_counted_as_jobs_are(points, monkeypatch, n_jobs, cores, threads):
+    monkeypatch.setattr(os, "sched_getaffinity", lambda pid: set(range(cores)))
+    assert threads_seen(points, monkeypatch, n_jobs) == threads
+
+
+def test_jobs_do_not_change_the_map(points):
+    expected = fit(points).embedding_
+    for n_jobs in (None, 2, -1, -2):
+        assert np.array_equal(fit(points, n_jobs=n_jobs).embedding_, expected)
+
+
+@pytest.mark.parametrize("params, said", [
+    ({"n_jobs": 0}, "n_jobs should be at least 1, or -1"),
+    ({"n_jobs": 1.5}, "n_jobs should be a whole number"),
+    ({"quality": 0}, "quality should be a whole number from 1"),
+    ({"quality": 45}, "quality should be less than half of n_samples=90, at most 44, not 45"),
+    ({"on_interrupt": "ignore"}, 'on_interrupt should be "raise" or "keep", not \'ignore\''),
+    ({"callbacks": 3}, "callbacks should be a function or a list of functions, not 3"),
+    ({"callbacks": [print, None]}, "callbacks should be a function or a list of functions"),
+    ({"callbacks_every_iters": 0}, "callbacks_every_iters should be a whole number from 1"),
+])
+def test_parameters_out_of_range(points, params, said):
+    assert refusal(points, **params).startswith(said)

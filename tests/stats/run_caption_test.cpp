@@ -1,0 +1,35 @@
+#include "stats/run_caption.h"
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+
+namespace {
+
+using Parameter = std::pair<std::string, std::string>;
+
+TEST(RunCaption, ShowsWhatTheMapWasMadeByAndWhatItCameTo) {
+    FitOptions options;
+    options.perplexity = 12.5;
+    options.theta = 0.0;
+    FitReport report;
+    report.reached.iteration = 260;
+    report.reached.cost = 1.25;
+    const auto parameters = caption_parameters(options, 90, 6, report);
+    ASSERT_GT(parameters.size(), 5U);
+    EXPECT_EQ(parameters[0], Parameter("Method", "exact t-SNE"));
+    EXPECT_EQ(parameters[1], Parameter("Input", "90 rows, 6 columns"));
+    EXPECT_EQ(parameters[2], Parameter("Perplexity", "12.5"));
+    EXPECT_EQ(parameters[parameters.size() - 2], Parameter("Last iteration", "260"));
+    EXPECT_EQ(parameters.back(), Parameter("Final cost", "1.25"));
+}
+
+TEST(RunCaption, ARunThatWasEndedHasTheCaptionOfAShorterOne) {
+    FitOptions shorter;
+    shorter.max_iter = 10;
+    EXPECT_EQ(caption_parameters({}, 5, 2, {}), caption_parameters(shorter, 5, 2, {}));
+}
+
+}  // namespace
+
+}  // namespace ovik
