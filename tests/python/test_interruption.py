@@ -5,6 +5,7 @@ import signal
 import subprocess
 import sys
 import threading
+import time
 import warnings
 
 import numpy as np
