@@ -91,6 +91,12 @@ assert ovik.TSNE(perplexity=2.0).fit_transform([[float(row), row * 0.5] for row 
 assert ovik.gene_function("CDC28").name == "CDC28"
 '
 
+echo "Loading the R package"
+inside R --vanilla --slave -e '
+  map <- ovik::tsne(iris[, 1:4], 30, max_iter = 300)
+  stopifnot(dim(map$Y) == c(150, 2), is.finite(map$Y), map$cost < 1)
+'
+
 echo "Removing"
 # shellcheck disable=SC2086 # a list of words
 inside apt-get purge -q -y $names >>"$root.log" 2>&1
