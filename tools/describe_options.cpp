@@ -202,6 +202,7 @@ void print_r_arguments() {
 }
 
 void print_r_document() {
+    std::printf("| argument | default | meaning |\n|---|---|---|\n");
     for (const Described& option : described_options()) {
         std::printf("| `%s` | %s | %s, %s |\n",
                     r_name(option).c_str(),

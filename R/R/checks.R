@@ -95,6 +95,18 @@ check_values <- function(x) {
   }
   check_finite(x)
   check_scale(x)
+  warn_of_row_numbers(x)
+}
+
+# Files that were written with the numbers of the rows have them as their first column.
+warn_of_row_numbers <- function(x) {
+  if (all(x[, 1] - x[1, 1] == seq_len(nrow(x)) - 1)) {
+    warning(
+      sprintf("column %s of x counts the rows, and is embedded as if it were measured\n", place(1, colnames(x))),
+      "Leave it out unless it is: x[, -1].",
+      call. = FALSE
+    )
+  }
 }
 
 # "5 ('YAL001C')": the name shows where there is one.

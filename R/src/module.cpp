@@ -10,6 +10,7 @@
 #include <cpp11/declarations.hpp>
 
 #include "fit.h"
+#include "number_text.h"
 #include "options.h"
 #include "own_thread.h"
 #include "told_lines.h"
@@ -151,9 +152,23 @@ static SEXP ovik_option_holds(SEXP name, SEXP value) {
     END_CPP11
 }
 
+static SEXP ovik_numbers_of(SEXP texts) {
+    BEGIN_CPP11
+    const R_xlen_t count = Rf_xlength(texts);
+    cpp11::writable::doubles numbers(count);
+    double* const values = REAL(numbers.data());
+    for (R_xlen_t i = 0; i < count; ++i) {
+        values[i] = ovik::r::number_of(CHAR(STRING_ELT(texts, i)));
+    }
+    return numbers;
+    END_CPP11
+}
+
+// NOLINTNEXTLINE(readability-identifier-naming): R looks for this name
 attribute_visible void R_init_ovik(DllInfo* library) {
     static const R_CallMethodDef routines[] = {
         {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 4},
+        {"numbers_of", reinterpret_cast<DL_FUNC>(&ovik_numbers_of), 1},
         {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
         {nullptr, nullptr, 0}};
     R_registerRoutines(library, nullptr, routines, nullptr, nullptr);

@@ -62,6 +62,25 @@ test_that("distances are refused, since the rows are needed", {
   expect_error(short(dist(groups())), "not distances\nGive the matrix that the distances were computed from")
 })
 
+test_that("a first column that counts the rows gets a warning", {
+  x <- groups()
+  file <- tempfile()
+  write.csv(as.data.frame(x), file)
+  expect_warning(short(read.csv(file)), "column 1 \\('X'\\) of x counts the rows.*x\\[, -1\\]")
+  expect_warning(short(cbind(0:59, x)), "column 1 of x counts the rows")
+  expect_silent(short(x))
+  expect_silent(short(cbind(x, 1:60)))
+})
+
+test_that("sparse matrices are refused, but taken as an assay", {
+  skip_if_not_installed("SummarizedExperiment")
+  x <- groups() * (groups() > 10)
+  sparse <- Matrix::Matrix(x, sparse = TRUE)
+  expect_error(short(sparse), "not of class 'dgCMatrix'\nGive as.matrix\\(x\\)")
+  experiment <- SummarizedExperiment::SummarizedExperiment(list(counts = sparse))
+  expect_identical(bare(short(experiment)$Y), bare(short(x)$Y))
+})
+
 test_that("values without a scale are refused", {
   expect_error(short(matrix(1, 60, 2)), "all rows of x hold the same values")
   expect_error(short(groups() * 1e300), "too large to be computed with")
