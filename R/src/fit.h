@@ -23,7 +23,7 @@ struct Outcome {
 
 /// Embeds the rows of a matrix; the coordinates are those that the command would give.
 ///
-/// One fit at a time: the random start is from the `rand` stream of the process.
+/// One fit at a time, which the caller sees to.
 ///
 /// @param X               at least 3 rows, finite, not all equal; centred and scaled in place
 /// @param is_interrupted  looked at after each iteration; if set, the fit is given up
