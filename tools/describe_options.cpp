@@ -8,8 +8,8 @@
 
 #include "stats/option_texts.h"
 
-/// Prints what manual page, completion and Python package say of the options of a fit: the blocks
-/// that scripts/option-texts puts into them. Part of the build, not of what is installed.
+/// Prints what manual page, completion, Python and R package say of the options of a fit: the
+/// blocks that scripts/option-texts puts into them. Part of the build, not of what is installed.
 
 namespace ovik::tool {
 
@@ -22,6 +22,7 @@ struct Described {
     /// The default as Python writes it.
     std::string python_preset;
     std::string range;
+    std::string requirement;
     bool is_whole;
 };
 
@@ -43,6 +44,7 @@ std::vector<Described> described_options() {
                        plain_number(option.preset),
                        python_number(option.preset),
                        range_text(option.range),
+                       requirement_text(option.range),
                        std::is_same_v<decltype(option.preset), int>});
     });
     return all;
@@ -178,21 +180,109 @@ void print_python() {
     std::printf("\"\"\"\n");
 }
 
+/// What R calls an option: as the command does, in snake case.
+std::string r_name(const Described& option) {
+    std::string name = flags_of(option).long_form.substr(2);
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+}
+
+/// The default in R, where perplexity has one of its own.
+std::string r_preset(const Described& option) {
+    return r_name(option) == "perplexity" ? "30" : option.preset;
+}
+
+/// Perplexity comes first, as the one option that may be given by its place. Behind the dots stand
+/// those that are given by their whole names.
+void print_r_parameters(const char* indent) {
+    std::printf("%sx,\n", indent);
+    const std::vector<Described> options = described_options();
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        std::printf("%s%s%s = %s,\n",
+                    i == 1 ? (std::string(indent) + "...,\n").c_str() : "",
+                    indent,
+                    r_name(options[i]).c_str(),
+                    r_preset(options[i]).c_str());
+    }
+    std::printf("%slabels = NULL,\n%sthreads = NULL,\n%sverbose = FALSE\n", indent, indent, indent);
+}
+
+void print_r() {
+    std::printf("tsne.matrix <- function(\n");
+    print_r_parameters("  ");
+    std::printf(") {\n  options <- list(\n");
+    const std::vector<Described> options = described_options();
+    for (const Described& option : options) {
+        std::printf("    %s = %s%s\n",
+                    r_name(option).c_str(),
+                    r_name(option).c_str(),
+                    &option == &options.back() ? "" : ",");
+    }
+    std::printf(
+        "  )\n  refuse_others(...)\n"
+        "  embed(x, options, labels, threads, verbose, match.call())\n}\n\n"
+        "requirements <- c(\n");
+    for (const Described& option : options) {
+        std::printf("  %s = \"%s\"%s\n",
+                    r_name(option).c_str(),
+                    option.requirement.c_str(),
+                    &option == &options.back() ? "" : ",");
+    }
+    std::printf(")\n");
+}
+
+void print_r_usage() {
+    std::printf("\\method{tsne}{matrix}(\n");
+    print_r_parameters("  ");
+    std::printf(")\n");
+}
+
+void print_r_arguments() {
+    for (const Described& option : described_options()) {
+        std::printf("\\item{%s}{%s, %s.}\n",
+                    r_name(option).c_str(),
+                    text_of(option.words.sentence).c_str(),
+                    option.range.c_str());
+    }
+}
+
+void print_r_document() {
+    std::printf("| argument | default | meaning |\n|---|---|---|\n");
+    for (const Described& option : described_options()) {
+        std::printf("| `%s` | %s | %s, %s |\n",
+                    r_name(option).c_str(),
+                    r_preset(option).c_str(),
+                    text_of(option.words.sentence).c_str(),
+                    option.range.c_str());
+    }
+}
+
+struct Kind {
+    std::string_view name;
+    void (*print)();
+};
+
+constexpr Kind kKinds[] = {{"manual", print_manual},
+                           {"zsh", print_zsh},
+                           {"python", print_python},
+                           {"r", print_r},
+                           {"r-usage", print_r_usage},
+                           {"r-arguments", print_r_arguments},
+                           {"r-document", print_r_document}};
+
 }  // namespace
 
 }  // namespace ovik::tool
 
 int main(int argc, char** argv) {
-    const std::string_view kind = argc == 2 ? argv[1] : "";
-    if (kind == "manual") {
-        ovik::tool::print_manual();
-    } else if (kind == "zsh") {
-        ovik::tool::print_zsh();
-    } else if (kind == "python") {
-        ovik::tool::print_python();
-    } else {
-        std::fputs("usage: describe_options manual|zsh|python\n", stderr);
-        return 2;
+    const std::string_view wanted = argc == 2 ? argv[1] : "";
+    for (const auto& [name, print] : ovik::tool::kKinds) {
+        if (name == wanted) {
+            print();
+            return 0;
+        }
     }
-    return 0;
+    std::fputs("usage: describe_options manual|zsh|python|r|r-usage|r-arguments|r-document\n",
+               stderr);
+    return 2;
 }

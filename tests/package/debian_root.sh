@@ -93,6 +93,12 @@ import importlib.metadata
 assert importlib.metadata.version("ovik") == ovik.__version__
 '
 
+echo "Loading the R package"
+inside R --vanilla --slave -e '
+  map <- ovik::tsne(iris[, 1:4], 30, max_iter = 300)
+  stopifnot(dim(map$Y) == c(150, 2), is.finite(map$Y), map$cost < 1)
+'
+
 echo "Removing"
 # shellcheck disable=SC2086 # a list of words
 inside apt-get purge -q -y $names >>"$root.log" 2>&1

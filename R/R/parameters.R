@@ -1,0 +1,56 @@
+# The arguments of a fit, from the list of options of the library. What the numbers should be is said
+# in `requirements`, by the names of the arguments.
+
+# options of a fit, by scripts/option-texts
+tsne.matrix <- function(
+  x,
+  perplexity = 30,
+  ...,
+  theta = 0.5,
+  dims = 2,
+  max_iter = 1000,
+  stop_lying_iter = 250,
+  mom_switch_iter = 250,
+  seed = 11,
+  learning_rate = 200,
+  exaggeration = 12,
+  start_spread = 0.0001,
+  momentum = 0.5,
+  final_momentum = 0.8,
+  labels = NULL,
+  threads = NULL,
+  verbose = FALSE
+) {
+  options <- list(
+    perplexity = perplexity,
+    theta = theta,
+    dims = dims,
+    max_iter = max_iter,
+    stop_lying_iter = stop_lying_iter,
+    mom_switch_iter = mom_switch_iter,
+    seed = seed,
+    learning_rate = learning_rate,
+    exaggeration = exaggeration,
+    start_spread = start_spread,
+    momentum = momentum,
+    final_momentum = final_momentum
+  )
+  refuse_others(...)
+  embed(x, options, labels, threads, verbose, match.call())
+}
+
+requirements <- c(
+  perplexity = "a number at least 1, at most 1e9",
+  theta = "a number at least 0",
+  dims = "a whole number from 2 to 50",
+  max_iter = "a whole number from 1 to 1000000000",
+  stop_lying_iter = "a whole number from 0 to 2147483647",
+  mom_switch_iter = "a whole number from 0 to 2147483647",
+  seed = "a whole number from 0 to 2147483647",
+  learning_rate = "a number above 0, at most 1e9",
+  exaggeration = "a number at least 1, at most 1e6",
+  start_spread = "a number above 0, at most 1e6",
+  momentum = "a number at least 0, below 1",
+  final_momentum = "a number at least 0, below 1"
+)
+# end of the options of a fit

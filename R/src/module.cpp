@@ -1,0 +1,178 @@
+#include <atomic>
+#include <cstddef>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <R_ext/Visibility.h>
+#include <cpp11.hpp>
+#include <cpp11/declarations.hpp>
+
+#include "fit.h"
+#include "number_text.h"
+#include "options.h"
+#include "own_thread.h"
+#include "told_lines.h"
+
+/// The routines that the R files of the package call, which check the arguments.
+
+namespace ovik::r {
+
+namespace {
+
+using namespace cpp11::literals;  // NOLINT(google-build-using-namespace): that is their use
+
+/// The one fit that may run in a process. What R does while it waits may call for another.
+class TheOneFit {
+  public:
+    TheOneFit() {
+        if (runs_.exchange(true)) {
+            throw std::runtime_error("A fit runs already in this R process\nWait for its end.");
+        }
+    }
+
+    TheOneFit(const TheOneFit&) = delete;
+    TheOneFit& operator=(const TheOneFit&) = delete;
+
+    ~TheOneFit() { runs_ = false; }
+
+  private:
+    static inline std::atomic<bool> runs_ = false;
+};
+
+/// @param columnwise  as R has matrices
+/// @return the same row by row, as the engine has them
+std::vector<double> row_by_row(const double* columnwise, std::size_t rows, std::size_t columns) {
+    std::vector<double> values(rows * columns);
+    for (std::size_t d = 0; d < columns; ++d) {
+        for (std::size_t n = 0; n < rows; ++n) {
+            values[n * columns + d] = columnwise[d * rows + n];
+        }
+    }
+    return values;
+}
+
+/// @param embedding  row by row
+cpp11::writable::doubles_matrix<> as_matrix(const std::vector<double>& embedding,
+                                            std::size_t rows,
+                                            std::size_t dims) {
+    cpp11::writable::doubles_matrix<> matrix(static_cast<int>(rows), static_cast<int>(dims));
+    double* const values = REAL(matrix.data());
+    for (std::size_t n = 0; n < rows; ++n) {
+        for (std::size_t d = 0; d < dims; ++d) {
+            values[d * rows + n] = embedding[n * dims + d];
+        }
+    }
+    return matrix;
+}
+
+FitOptions options_of(const cpp11::list& numbers) {
+    return options_with(
+        [&](const std::string& name) { return cpp11::as_cpp<double>(numbers[name.c_str()]); });
+}
+
+void show(const std::vector<std::string>& lines) {
+    const cpp11::function message = cpp11::package("base")["message"];
+    for (const std::string& line : lines) {
+        message(line.c_str());
+    }
+}
+
+cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims) {
+    const FitReport& report = outcome.fit.report;
+    cpp11::writable::list result;
+    result.push_back(
+        {"Y"_nm = as_matrix(outcome.fit.embedding, rows, static_cast<std::size_t>(dims))});
+    result.push_back({"cost"_nm = report.final_cost});
+    result.push_back({"costs"_nm = cpp11::writable::doubles(report.costs)});
+    result.push_back({"iteration"_nm = report.reached.iteration});
+    result.push_back({"threads_note"_nm = outcome.threads_note});
+    return result;
+}
+
+/// @param x  a matrix of real numbers
+cpp11::writable::list embed(SEXP x, const cpp11::list& numbers, int threads, bool verbose) {
+    const TheOneFit the_one_fit;
+    const auto rows = static_cast<std::size_t>(Rf_nrows(x));
+    const auto columns = static_cast<std::size_t>(Rf_ncols(x));
+    const double* const values = REAL(x);
+    const FitOptions options = options_of(numbers);
+    ToldLines lines;
+    FitManner manner;
+    manner.threads = threads;
+    if (verbose) {
+        manner.tell = [&lines](std::string line) { lines.add(std::move(line)); };
+    }
+    const Outcome outcome = in_own_thread(
+        [&](const std::atomic<bool>& is_interrupted) {
+            std::vector<double> X = row_by_row(values, rows, columns);
+            return run_fit({X.data(), rows, columns}, options, manner, is_interrupted);
+        },
+        [&lines] {
+            cpp11::check_user_interrupt();
+            show(lines.take());
+        });
+    return as_list(outcome, rows, options.out_dims);
+}
+
+/// Whether an option may have a value.
+bool option_holds(const std::string& name, double value) {
+    bool is_held = false;
+    const FitOptions options;
+    visit_fit_options(options, [&](const auto& option) {
+        is_held = is_held || (r_name(option.words) == name && holds(option, value));
+    });
+    return is_held;
+}
+
+}  // namespace
+
+}  // namespace ovik::r
+
+extern "C" {
+
+static SEXP ovik_embed(SEXP x, SEXP options, SEXP threads, SEXP verbose) {
+    BEGIN_CPP11
+    try {
+        return ovik::r::embed(
+            x, options, cpp11::as_cpp<int>(threads), cpp11::as_cpp<bool>(verbose));
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error(
+            "The memory of the fit cannot be had\nFewer rows or a lower perplexity take less; the "
+            "exact method (theta = 0) takes the most.");
+    }
+    END_CPP11
+}
+
+static SEXP ovik_option_holds(SEXP name, SEXP value) {
+    BEGIN_CPP11
+    return cpp11::as_sexp(
+        ovik::r::option_holds(cpp11::as_cpp<std::string>(name), cpp11::as_cpp<double>(value)));
+    END_CPP11
+}
+
+static SEXP ovik_numbers_of(SEXP texts) {
+    BEGIN_CPP11
+    const R_xlen_t count = Rf_xlength(texts);
+    cpp11::writable::doubles numbers(count);
+    double* const values = REAL(numbers.data());
+    for (R_xlen_t i = 0; i < count; ++i) {
+        values[i] = ovik::r::number_of(CHAR(STRING_ELT(texts, i)));
+    }
+    return numbers;
+    END_CPP11
+}
+
+// NOLINTNEXTLINE(readability-identifier-naming): R looks for this name
+attribute_visible void R_init_ovik(DllInfo* library) {
+    static const R_CallMethodDef routines[] = {
+        {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 4},
+        {"numbers_of", reinterpret_cast<DL_FUNC>(&ovik_numbers_of), 1},
+        {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
+        {nullptr, nullptr, 0}};
+    R_registerRoutines(library, nullptr, routines, nullptr, nullptr);
+    R_useDynamicSymbols(library, FALSE);
+    R_forceSymbols(library, TRUE);
+}
+}

@@ -1,0 +1,4 @@
+library(testthat)
+library(ovik)
+
+test_check("ovik")

@@ -1,0 +1,101 @@
+# What is embedded, and what is refused with a cure.
+
+short <- function(x, ...) tsne(x, 10, max_iter = 5, ...)
+
+test_that("tables, whole numbers and truth values are taken as their numbers", {
+  x <- round(groups())
+  expected <- short(x)$Y
+  whole <- x
+  storage.mode(whole) <- "integer"
+  expect_identical(short(whole)$Y, expected)
+  expect_identical(bare(short(as.data.frame(x))$Y), bare(expected))
+  truth <- x > 10
+  expect_identical(short(truth)$Y, short(truth + 0)$Y)
+})
+
+test_that("names of rows are kept where there are some", {
+  x <- groups()
+  table <- as.data.frame(x)
+  expect_null(rownames(short(table)$Y))
+  rownames(table) <- paste0("gene", seq_len(60))
+  expect_identical(rownames(short(table)$Y), rownames(table))
+  expect_identical(short(table)$Y, short(as.matrix(table))$Y)
+})
+
+test_that("columns that are no numbers are refused by name", {
+  table <- as.data.frame(groups())
+  table$gene <- rep(c("CDC28", "RPL3"), 30)
+  expect_error(short(table), "column 'gene' of x is no column of numbers but 'character'.*rownames\\(x\\) <- x\\$gene")
+  table$gene <- factor(table$gene)
+  table$day <- as.Date("2026-11-22") + 1:60
+  expect_error(short(table), "'gene' .* 'factor' \\(2 such columns, also 'day'\\)")
+  table$gene <- NULL
+  expect_error(short(table), "column 'day' of x .* 'Date'")
+  table$day <- as.list(1:60)
+  expect_error(short(table), "column 'day' of x .* 'list'")
+  table$day <- structure(as.double(1:60), class = "integer64")
+  expect_error(short(table), "column 'day' of x .* 'integer64'")
+})
+
+test_that("values that are missing or infinite are refused with their place", {
+  x <- groups()
+  x[7, 3] <- NA
+  expect_error(short(x), "x has NA in row 7, column 3\n.*na.omit")
+  x[5, 4] <- -Inf
+  dimnames(x) <- list(paste0("g", 1:60), c("a", "b", "c", "d"))
+  expect_error(short(x), "x has -Inf in row 5 \\('g5'\\), column 4 \\('d'\\) \\(2 such values in all\\)")
+  expect_error(short(as.data.frame(x)), "row 5 \\('g5'\\)")
+})
+
+test_that("what is no matrix of numbers is refused", {
+  expect_error(short(matrix("a", 9, 2)), "matrix of numbers, and is one of 'character'")
+  expect_error(short(matrix(1i, 9, 2)), "'complex'")
+  expect_error(short(1:9), "not of class 'integer'\ncbind\\(x\\)")
+  expect_error(short(list(1, 2)), "not of class 'list'")
+  expect_error(short(NULL), "not of class 'NULL'")
+  expect_error(short(array(1, c(3, 3, 3))), "not of class 'array'")
+  expect_error(short(groups(2)), "x has 2 rows and 4 columns.*at least 3 rows")
+  expect_error(short(matrix(0, 9, 0)), "9 rows and 0 columns")
+})
+
+test_that("distances are refused, since the rows are needed", {
+  expect_error(short(dist(groups())), "not distances\nGive the matrix that the distances were computed from")
+})
+
+test_that("a first column that counts the rows gets a warning", {
+  x <- groups()
+  file <- tempfile()
+  write.csv(as.data.frame(x), file)
+  expect_warning(short(read.csv(file)), "column 1 \\('X'\\) of x counts the rows.*x\\[, -1\\]")
+  expect_warning(short(cbind(0:59, x)), "column 1 of x counts the rows")
+  expect_silent(short(x))
+  expect_silent(short(cbind(x, 1:60)))
+})
+
+test_that("sparse matrices are refused, but taken as an assay", {
+  skip_if_not_installed("SummarizedExperiment")
+  x <- groups() * (groups() > 10)
+  sparse <- Matrix::Matrix(x, sparse = TRUE)
+  expect_error(short(sparse), "not of class 'dgCMatrix'\nGive as.matrix\\(x\\)")
+  experiment <- SummarizedExperiment::SummarizedExperiment(list(counts = sparse))
+  expect_identical(bare(short(experiment)$Y), bare(short(x)$Y))
+})
+
+test_that("values without a scale are refused", {
+  expect_error(short(matrix(1, 60, 2)), "all rows of x hold the same values")
+  expect_error(short(groups() * 1e300), "too large to be computed with")
+  expect_error(short(groups() * 1e-305), "too close to one another")
+  expect_error(short(matrix(rep(c(1, 2), each = 60), 60)), "all rows of x hold the same values")
+})
+
+test_that("assays of a SummarizedExperiment are embedded by their rows", {
+  skip_if_not_installed("SummarizedExperiment")
+  x <- groups()
+  dimnames(x) <- list(paste0("g", 1:60), letters[1:4])
+  experiment <- SummarizedExperiment::SummarizedExperiment(list(counts = x + 1, logs = sqrt(x + 1)))
+  expect_identical(short(experiment)$Y, short(x + 1)$Y)
+  expect_identical(short(experiment, assay = "logs")$Y, short(sqrt(x + 1))$Y)
+  expect_identical(short(experiment, assay = 2)$Y, short(sqrt(x + 1))$Y)
+  ranged <- methods::as(experiment, "RangedSummarizedExperiment")
+  expect_identical(short(ranged)$Y, short(x + 1)$Y)
+})

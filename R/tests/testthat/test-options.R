@@ -1,0 +1,72 @@
+# Options, threads and labels: what they may be, and what is said of others.
+
+test_that("options out of their ranges are refused with what they should be", {
+  x <- groups()
+  expect_error(tsne(x, 0.5), "perplexity should be a number at least 1, at most 1e9, not 0.5")
+  expect_error(tsne(x, NA), "perplexity should be .* not NA")
+  expect_error(tsne(x, "30"), "perplexity should be .* not \"30\"")
+  expect_error(tsne(x, 10, dims = 1), "dims should be a whole number from 2 to 50, not 1")
+  expect_error(tsne(x, 10, dims = 2.5), "dims should be a whole number from 2 to 50, not 2.5")
+  expect_error(tsne(x, 10, max_iter = 0), "max_iter should be")
+  expect_error(tsne(x, 10, theta = Inf), "theta should be")
+  expect_error(tsne(x, 10, theta = c(0.1, 0.2)), "theta should be .* not c\\(0.1, 0.2\\)")
+  expect_error(tsne(x, 10, seed = 2^31), "seed should be")
+  expect_error(tsne(x, 10, momentum = 1), "momentum should be a number at least 0, below 1, not 1")
+})
+
+test_that("every option has the same default in all methods, and is in its range", {
+  arguments <- as.list(formals(ovik:::tsne.matrix))
+  defaults <- arguments[names(ovik:::requirements)]
+  expect_silent(ovik:::check_options(defaults))
+  for (method in c("data.frame", "SummarizedExperiment", "dist", "default")) {
+    expect_identical(formals(getS3method("tsne", method))$perplexity, defaults$perplexity)
+  }
+  expect_identical(formals(tsne)$perplexity, defaults$perplexity)
+})
+
+test_that("arguments that no method has are refused with the one that may be meant", {
+  x <- groups()
+  expect_error(tsne(x, 10, max_iters = 5), "no argument 'max_iters'\nIs 'max_iter' meant?")
+  expect_error(tsne(as.data.frame(x), 10, thread = 2), "no argument 'thread'\nIs 'threads' meant?")
+  expect_error(tsne(x, 10, quite_another = 5), "no argument 'quite_another'\nSee \\?tsne")
+  expect_error(tsne(x, 10, 0.5), "have to be named")
+})
+
+test_that("a perplexity that the rows cannot bear is refused, a large one gets a warning", {
+  expect_error(tsne(groups(30)), "perplexity = 30: each of 30 rows has 29 others")
+  expect_warning(tsne(groups(60), 20, max_iter = 2), "perplexity = 20 is large for 60 rows: .* 19.7")
+  expect_silent(tsne(groups(61), 20, max_iter = 2))
+})
+
+test_that("threads and verbose are checked", {
+  x <- groups()
+  expect_error(tsne(x, 10, threads = 0), "threads should be a whole number from 1 to 1000000, not 0")
+  expect_error(tsne(x, 10, threads = "2"), "threads should be")
+  expect_error(tsne(x, 10, verbose = NA), "verbose should be TRUE or FALSE, not NA")
+  expect_warning(tsne(x, 10, threads = 1e6, max_iter = 2), "threads are more than are of use")
+})
+
+test_that("labels are kept in their order", {
+  x <- groups(6)
+  labels <- function(labels) suppressWarnings(tsne(x, 2, max_iter = 2, labels = labels)$labels)
+  expect_identical(labels(c("b", "a", "b", NA, "c", "a")), factor(c("b", "a", "b", NA, "c", "a"), c("b", "a", "c")))
+  given <- factor(c("b", "a", "b", "b", "c", "a"))
+  expect_identical(labels(given), given)
+  expect_identical(labels(c(2, 1, 2, 2, 1, 1)), factor(c(2, 1, 2, 2, 1, 1), c(2, 1)))
+  expect_error(labels(1:5), "there are 5 labels for 6 rows of x")
+  expect_error(labels(list(1, 2, 3, 4, 5, 6)), "not of class 'list'")
+})
+
+test_that("labels with names go to the rows of these names", {
+  x <- groups(6)
+  rownames(x) <- letters[1:6]
+  labels <- function(labels) as.character(suppressWarnings(tsne(x, 2, max_iter = 2, labels = labels)$labels))
+  named <- c(f = "6", e = "5", d = "4", c = "3", b = "2", a = "1")
+  expect_identical(labels(named), as.character(1:6))
+  expect_identical(labels(unname(named)), as.character(6:1))
+  names(named)[1] <- "g"
+  expect_error(labels(named), "none is that of row 'f' of x \\(1 such rows\\)")
+  names(named)[1] <- "a"
+  rownames(x)[6] <- "a"
+  expect_error(labels(named), "more than once")
+})

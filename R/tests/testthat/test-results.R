@@ -1,0 +1,68 @@
+# The map is that of the command, to the last bit.
+
+test_that("the map of a matrix is the command's", {
+  x <- excerpt()$x[1:200, ]
+  path <- tempfile(fileext = ".npy")
+  write_npy(x, path)
+  for (theta in c(0, 0.5)) {
+    expected <- embed_by_command(path, "--perplexity", 12.5, "--theta", theta, "--max-iter", 260)
+    for (threads in list(1, 2, 3, NULL)) {
+      map <- tsne(x, 12.5, theta = theta, max_iter = 260, threads = threads)
+      expect_identical(bare(map$Y), expected)
+    }
+  }
+})
+
+test_that("the map of a text file is the command's", {
+  path <- project_file("data/brauer2008_chemostat.tsv")
+  lines <- readLines(path, 601)
+  part <- tempfile(fileext = ".tsv")
+  writeLines(lines, part)
+  expected <- embed_by_command(part, "--perplexity", 30, "--max-iter", 300)
+  map <- tsne(read.delim(part, row.names = 1, quote = ""), max_iter = 300)
+  expect_identical(bare(map$Y), expected)
+  expect_identical(rownames(map$Y), sub("\t.*", "", lines[-1]))
+})
+
+test_that("every option is the command's", {
+  x <- groups(90, 5)
+  path <- tempfile(fileext = ".npy")
+  write_npy(x, path)
+  numbers <- list(
+    perplexity = 7.5, theta = 0.25, dims = 3, max_iter = 40, stop_lying_iter = 10,
+    mom_switch_iter = 20, seed = 5, learning_rate = 50, exaggeration = 4, start_spread = 0.01,
+    momentum = 0.3, final_momentum = 0.6
+  )
+  expect_setequal(names(numbers), names(ovik:::requirements))
+  flags <- paste0("--", gsub("_", "-", names(numbers)))
+  others <- setdiff(seq_along(numbers), match("dims", names(numbers)))
+  expected <- embed_by_command(path, c(rbind(flags, unlist(numbers)))[sort(c(2 * others - 1, 2 * others))], dims = 3)
+  map <- do.call(tsne, c(list(x), numbers))
+  expect_identical(bare(map$Y), expected)
+  expect_identical(map$options, numbers)
+})
+
+test_that("cost and costs are those of the fit", {
+  map <- tsne(groups(), 10, max_iter = 20, stop_lying_iter = 5)
+  expect_length(map$costs, 21)
+  expect_identical(map$iteration, 20L)
+  expect_true(map$costs[1] > map$costs[21])
+  expect_true(is.finite(map$cost))
+})
+
+test_that("the random numbers of R are neither used nor changed", {
+  set.seed(1)
+  before <- .Random.seed
+  first <- tsne(groups(), 10, max_iter = 5)
+  expect_identical(.Random.seed, before)
+  set.seed(2)
+  expect_identical(tsne(groups(), 10, max_iter = 5)$Y, first$Y)
+  expect_false(identical(tsne(groups(), 10, max_iter = 5, seed = 12)$Y, first$Y))
+})
+
+test_that("x stays as it is", {
+  x <- groups()
+  copy <- x + 0
+  tsne(x, 10, max_iter = 5)
+  expect_identical(x, copy)
+})
