@@ -101,6 +101,11 @@ void TSNE<T>::requireNames() const {
                          " names, and there are " + std::to_string(N) +
                          " rows: every row needs one, the last names are those of the rows");
     }
+    if (!row_functions.empty() && row_functions.size() != static_cast<std::size_t>(N)) {
+        throw InputError("row_functions holds " + std::to_string(row_functions.size()) +
+                         " texts, and there are " + std::to_string(N) +
+                         " rows: every row needs one, or none has any");
+    }
 }
 
 template <typename T>
@@ -257,10 +262,11 @@ void TSNE<T>::writeResults(int no_dims,
                            const std::vector<std::pair<std::string, std::string>>& parameters,
                            const std::vector<std::string>& labels) {
     const std::string stem = result_table_stem(perplexity, out_suffix);
-    auto table =
-        make_result_table<T>({Y, static_cast<std::size_t>(N), static_cast<std::size_t>(no_dims)},
-                             currentNames(),
-                             gene_func_map);
+    const MatrixView<const double> embedding{
+        Y, static_cast<std::size_t>(N), static_cast<std::size_t>(no_dims)};
+    auto table = row_functions.empty()
+                     ? make_result_table<T>(embedding, currentNames(), gene_func_map)
+                     : make_result_table<T>(embedding, currentNames(), row_functions);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_files(out_base);
     remove_left_over_drawings(out_base);
@@ -273,6 +279,8 @@ void TSNE<T>::writeResults(int no_dims,
         run.title = data_title;
         run.parameters = parameters;
         run.labels = labels;
+        run.label_columns = label_columns;
+        run.genes = row_genes;
         run.names = table.names;
         run.groups = table.groups;
         run.functions = table.functions;
