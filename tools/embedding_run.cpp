@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "plots/cost_figure.h"
+#include "results/annotated_table.h"
 #include "results/coordinate_files.h"
 #include "stats/tsne.h"
 #include "util/console.h"
@@ -43,6 +44,20 @@ void report_file(const ResultFile& file) {
     }
 }
 
+/// The names under which the gene table lists rows, where they have others; empty if none has.
+std::vector<std::string> other_names(const std::vector<std::string>& genes,
+                                     const std::vector<std::string>& row_names) {
+    std::vector<std::string> others = genes;
+    bool has_any = false;
+    for (std::size_t n = 0; n < others.size(); ++n) {
+        if (others[n] == row_names[n]) {
+            others[n].clear();
+        }
+        has_any = has_any || !others[n].empty();
+    }
+    return has_any ? others : std::vector<std::string>();
+}
+
 /// Fills the parameters of a fresh object in, as its own loading of a file would.
 template <typename T>
 void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
@@ -50,6 +65,9 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.N = static_cast<int>(input.rows);
     tsne.D = static_cast<int>(input.columns);
     tsne.row_names = std::move(input.row_names);
+    tsne.row_functions = input.genes.functions;
+    tsne.row_genes = other_names(input.genes.genes, tsne.row_names);
+    tsne.label_columns = input.label_columns;
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
     tsne.options = options.fit;
@@ -99,6 +117,7 @@ void add_checkpoint(std::vector<ResultFile>& files,
 template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                        const Options& options,
+                                       const RunInput& input,
                                        const RunRecord& record) {
     const std::string base = result_base(options, record.perplexity);
     std::vector<ResultFile> files;
@@ -120,6 +139,14 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
         const std::string path = base + ".npy";
         const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
         add("Coordinates", path, text_of(failure));
+    }
+    if (options.annotated_tsv) {
+        const std::string path = annotated_path(base);
+        const auto failure = write_annotated_table<T>(
+            path,
+            {tsne.Y, N, dims},
+            {tsne.row_names, input.genes.systematic, input.label_columns, tsne.row_functions});
+        add("Annotated table", path, text_of(failure));
     }
     if (options.plots) {
         add("Chart page", base + ".html", text_of(tsne.plots().page_failure));
@@ -156,9 +183,13 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.checkResume(
         options.fit.out_dims, perplexity, options.fit.stop_lying_iter, options.fit.mom_switch_iter);
     prepare_results(options, perplexity);
+    std::vector<std::string> labels = input.labels;
+    if (input.label_columns.empty() && !labels.empty()) {
+        input.label_columns.push_back({"label", labels, {}});
+    }
     tsne.actuate(options.fit.out_dims,
                  perplexity,
-                 std::move(input.labels),
+                 std::move(labels),
                  options.fit.stop_lying_iter,
                  options.fit.mom_switch_iter);
     record.final_cost = tsne.finalCost();
@@ -167,7 +198,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     if (options.quality) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
-    record.files = finish_results(tsne, options, record);
+    record.files = finish_results(tsne, options, input, record);
     return record;
 }
 
