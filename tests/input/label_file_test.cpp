@@ -1,10 +1,12 @@
 #include "input/label_file.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "util/input_error.h"
 
@@ -103,6 +105,64 @@ TEST_F(LabelFiles, AreRefusedWithTheLine) {
     EXPECT_THAT(refusal("gene\tx\n\"CDC28\"a\t1\n"), HasSubstr(", line 2: text stands behind"));
     EXPECT_THAT(refusal("gene\tx\nCDC28\n"), HasSubstr(", line 2: has 1 field,"));
     EXPECT_THAT(refusal("\"a\tb\nc\"\n"), HasSubstr(": holds no line"));
+}
+
+std::string quoted(const std::string& text) {
+    std::string field = "\"";
+    for (const char c : text) {
+        field += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return field + "\"";
+}
+
+std::string written(const std::vector<std::vector<std::string>>& rows, char separator) {
+    std::string text;
+    for (const std::vector<std::string>& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            text += (i == 0 ? "" : std::string(1, separator)) + quoted(row[i]);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+RC_GTEST_PROP(LabelTables, HoldWhatWasWritten, ()) {
+    const auto field =
+        rc::gen::container<std::string>(rc::gen::element('a', 'b', ',', '"', '\t', '\r', ' '));
+    const auto names = *rc::gen::unique<std::vector<std::string>>(rc::gen::nonEmpty(field));
+    const auto columns = *rc::gen::inRange<std::size_t>(1, 4);
+    RC_PRE(!names.empty());
+    std::vector<std::vector<std::string>> rows = {{"name"}};
+    for (std::size_t column = 0; column < columns; ++column) {
+        rows[0].push_back("t" + std::to_string(column));
+    }
+    for (const std::string& name : names) {
+        rows.push_back({name});
+        for (std::size_t column = 0; column < columns; ++column) {
+            rows.back().push_back(*field);
+        }
+    }
+    const test::TemporaryDirectory directory;
+    for (const char separator : {',', '\t'}) {
+        // A comma file has no tab in its first lines, or tabs are what separates.
+        const bool has_tab =
+            std::any_of(rows[1].begin(), rows[1].end(), [](const std::string& text) {
+                return text.find('\t') != std::string::npos;
+            });
+        if (separator == ',' && has_tab) {
+            continue;
+        }
+        const LabelFile file =
+            read_label_file(directory.write("labels", written(rows, separator)), 0);
+        RC_ASSERT(file.table.has_value());
+        RC_ASSERT(file.table->names == names);
+        for (std::size_t r = 1; r < rows.size(); ++r) {
+            RC_ASSERT(file.table->lines[r - 1] == r + 1);
+            for (std::size_t column = 0; column < columns; ++column) {
+                RC_ASSERT(file.table->columns[column][r - 1] == rows[r][column + 1]);
+            }
+        }
+    }
 }
 
 TEST_F(LabelFiles, ThatCannotBeReadAreRefused) {
