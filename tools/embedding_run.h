@@ -20,7 +20,7 @@ struct RunInput {
     /// The values, row-major, rows x columns.
     std::unique_ptr<double[]> values;
     std::vector<std::string> row_names;
-    /// What the gene table knows of them.
+    /// What the gene table knows of them; the annotated table takes it for all rows.
     RowGenes genes;
     /// One label per row; empty for none.
     std::vector<std::string> labels;
