@@ -137,20 +137,32 @@ std::vector<Record> read_records(const std::string& text, char separator, const 
     return records;
 }
 
+/// Where texts stand in a file, for messages.
+struct Places {
+    /// What they are numbers of, such as "lines".
+    const char* what;
+    std::vector<std::size_t> numbers;
+};
+
+[[noreturn]] void refuse_twice(const std::string& path,
+                               const std::string& text,
+                               const std::string& places) {
+    throw InputError(path + ": \"" + text + "\" stands in " + places +
+                     "\nGive each name one line, and each column of labels a title of its own.");
+}
+
 /// @throws InputError if a text stands there twice
 void check_once(const std::vector<std::string>& texts,
-                const std::vector<std::size_t>& places,
-                const std::string& path,
-                const std::string& place,
-                const std::string& cure) {
+                const Places& places,
+                const std::string& path) {
     std::map<std::string_view, std::size_t> first;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        const auto [entry, is_new] = first.emplace(texts[i], i);
+        const auto [entry, is_new] = first.emplace(texts[i], places.numbers[i]);
         if (!is_new) {
-            const std::string numbers =
-                std::to_string(places[entry->second]) + " and " + std::to_string(places[i]);
-            throw InputError(path + ": \"" + texts[i] + "\" stands in " + place + " " + numbers +
-                             "\n" + cure);
+            refuse_twice(path,
+                         texts[i],
+                         places.what + std::string(" ") + std::to_string(entry->second) + " and " +
+                             std::to_string(places.numbers[i]));
         }
     }
 }
@@ -195,12 +207,12 @@ LabelTable table_of(std::vector<Record> records, char separator, const std::stri
             table.columns[column].push_back(std::move(records[r].fields[column + 1]));
         }
     }
-    std::vector<std::size_t> places(table.titles.size());
-    for (std::size_t column = 0; column < places.size(); ++column) {
-        places[column] = column + 2;
+    Places columns{"columns", {}};
+    for (std::size_t column = 0; column < table.titles.size(); ++column) {
+        columns.numbers.push_back(column + 2);
     }
-    check_once(table.titles, places, path, "columns", "Give each column of labels its own title.");
-    check_once(table.names, table.lines, path, "lines", "Give each name one line.");
+    check_once(table.titles, columns, path);
+    check_once(table.names, {"lines", table.lines}, path);
     return table;
 }
 

@@ -74,32 +74,50 @@ ColourScale scale_of(const LabelColumn& column) {
     return scale;
 }
 
+/// A panel without points.
+FigurePanel empty_panel(const std::string& group,
+                        const std::vector<std::string>& axis_titles,
+                        std::size_t list_count) {
+    FigurePanel panel;
+    panel.x_title = component_title(group, 0, axis_titles[0]);
+    panel.y_title = component_title(group, 1, axis_titles[1]);
+    panel.points.resize(list_count);
+    return panel;
+}
+
+/// Puts a point among those with a number, or among those without.
+void place(FigurePanel& panel, const std::array<double, 2>& point, double number) {
+    if (std::isnan(number)) {
+        panel.points[1].push_back(point);
+    } else {
+        panel.points[0].push_back(point);
+        panel.numbers.push_back(number);
+    }
+}
+
 template <typename T>
 std::vector<FigurePanel> panels_of(const PlottedRun<T>& run,
                                    std::size_t point_count,
                                    const std::vector<std::string>& axis_titles,
                                    const LabelNumbers& labels) {
     const LabelColumn* const numeric = numeric_labels(run, point_count);
+    const std::size_t list_count =
+        numeric != nullptr ? 2 : std::max<std::size_t>(labels.names.size(), 1);
     std::vector<FigurePanel> panels;
     for (std::size_t row = 0; row < run.x.size(); ++row) {
         if (row % point_count == 0) {
-            FigurePanel panel;
             // The titles as given are those of the first pair.
             const std::string group = panels.empty() ? "" : run.groups[row];
-            panel.x_title = component_title(group, 0, axis_titles[0]);
-            panel.y_title = component_title(group, 1, axis_titles[1]);
-            panel.points.resize(numeric != nullptr ? 2
-                                                   : std::max<std::size_t>(labels.names.size(), 1));
-            panels.push_back(std::move(panel));
+            panels.push_back(empty_panel(group, axis_titles, list_count));
         }
-        if (std::isfinite(run.x[row]) && std::isfinite(run.y[row])) {
-            const double number = numeric != nullptr ? numeric->numbers[row % point_count] : 0.0;
-            const std::size_t list =
-                numeric != nullptr ? (std::isnan(number) ? 1U : 0U) : labels.of(row);
-            panels.back().points[list].push_back({as_written(run.x[row]), as_written(run.y[row])});
-            if (numeric != nullptr && list == 0) {
-                panels.back().numbers.push_back(number);
-            }
+        if (!std::isfinite(run.x[row]) || !std::isfinite(run.y[row])) {
+            continue;
+        }
+        const std::array<double, 2> point = {as_written(run.x[row]), as_written(run.y[row])};
+        if (numeric != nullptr) {
+            place(panels.back(), point, numeric->numbers[row % point_count]);
+        } else {
+            panels.back().points[labels.of(row)].push_back(point);
         }
     }
     if (panels.empty()) {

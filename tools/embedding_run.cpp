@@ -44,20 +44,6 @@ void report_file(const ResultFile& file) {
     }
 }
 
-/// The names under which the gene table lists rows, where they have others; empty if none has.
-std::vector<std::string> other_names(const std::vector<std::string>& genes,
-                                     const std::vector<std::string>& row_names) {
-    std::vector<std::string> others = genes;
-    bool has_any = false;
-    for (std::size_t n = 0; n < others.size(); ++n) {
-        if (others[n] == row_names[n]) {
-            others[n].clear();
-        }
-        has_any = has_any || !others[n].empty();
-    }
-    return has_any ? others : std::vector<std::string>();
-}
-
 /// Fills the parameters of a fresh object in, as its own loading of a file would.
 template <typename T>
 void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
@@ -65,8 +51,8 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.N = static_cast<int>(input.rows);
     tsne.D = static_cast<int>(input.columns);
     tsne.row_names = std::move(input.row_names);
-    tsne.row_functions = input.genes.functions;
-    tsne.row_genes = other_names(input.genes.genes, tsne.row_names);
+    tsne.row_functions = functions_of(*input.genes);
+    tsne.row_genes = other_names_of(*input.genes, tsne.row_names);
     tsne.label_columns = input.label_columns;
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
@@ -142,10 +128,11 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     }
     if (options.annotated_tsv) {
         const std::string path = annotated_path(base);
+        const std::vector<std::string> systematic = systematic_names_of(*input.genes);
         const auto failure = write_annotated_table<T>(
             path,
             {tsne.Y, N, dims},
-            {tsne.row_names, input.genes.systematic, input.label_columns, tsne.row_functions});
+            {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
         add("Annotated table", path, text_of(failure));
     }
     if (options.plots) {
@@ -205,6 +192,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
 }  // namespace
 
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity) {
+    if (input.genes == nullptr) {
+        input.genes = std::make_shared<const RowGenes>(look_up_rows(input.row_names));
+    }
     return options.precision == Precision::Float
                ? run<float>(options, std::move(input), perplexity)
                : run<double>(options, std::move(input), perplexity);

@@ -20,8 +20,8 @@ struct RunInput {
     /// The values, row-major, rows x columns.
     std::unique_ptr<double[]> values;
     std::vector<std::string> row_names;
-    /// What the gene table knows of them; the annotated table takes it for all rows.
-    RowGenes genes;
+    /// What the gene table knows of the rows, which several runs share; null: they are looked up.
+    std::shared_ptr<const RowGenes> genes;
     /// One label per row; empty for none.
     std::vector<std::string> labels;
     /// Labels by name, in the place of the former; empty for none.

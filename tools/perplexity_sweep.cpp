@@ -70,7 +70,7 @@ std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& p
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values
 /// themselves.
 RunInput input_of_run(LoadedMatrix& loaded,
-                      const RowGenes& genes,
+                      const std::shared_ptr<const RowGenes>& genes,
                       const std::vector<LabelColumn>& labels,
                       const std::shared_ptr<CachedNeighbours>& neighbours,
                       bool is_last) {
@@ -167,7 +167,8 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     if (!options.report_file.empty()) {
         prepare_place(options.report_file);
     }
-    const RowGenes genes = settle_names(loaded.matrix.row_names, options.names);
+    const auto genes =
+        std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
     describe_input(report, loaded);
     const std::shared_ptr<CachedNeighbours> neighbours =
         shared_neighbours(perplexities, options, report.rows);
@@ -185,7 +186,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     if (perplexities.size() > 1) {
         is_complete = compare(options, report) && is_complete;
     }
-    tell_of_rows(report, options, genes);
+    tell_of_rows(report, options, *genes);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;
     report.exit_status = status;
     if (!options.report_file.empty()) {

@@ -99,7 +99,7 @@ TEST_F(LabelFiles, AreRefusedWithTheLine) {
     EXPECT_THAT(refusal("gene\tx\ty\nCDC28\t1\n\nA\t1\t2\n"), HasSubstr(", line 2: has 2 fields"));
     EXPECT_THAT(refusal("gene,x\nADE5,7,1\nCDC28,1\n"), HasSubstr(", line 2: has 3 fields"));
     EXPECT_THAT(refusal("gene\tx\nCDC28\t1\nA\t2\nCDC28\t3\n"),
-                HasSubstr(": \"CDC28\" stands in lines 2 and 4\nGive each name one line."));
+                HasSubstr(": \"CDC28\" stands in lines 2 and 4\nGive each name one line,"));
     EXPECT_THAT(refusal("gene\tx\tx\nCDC28\t1\t2\n"), HasSubstr("\"x\" stands in columns 2 and 3"));
     EXPECT_THAT(refusal("gene\tx\n\"CDC28\t1\n"), HasSubstr(", line 2: nothing closes"));
     EXPECT_THAT(refusal("gene\tx\n\"CDC28\"a\t1\n"), HasSubstr(", line 2: text stands behind"));

@@ -24,17 +24,29 @@ std::string warning_of(const Names& names) {
 TEST(LookUpRows, FindsGenesByAnyOfTheirNames) {
     const RowGenes rows =
         look_up_rows({"TUB1", "Tyr1p", "yal069w", "YBR160W", "ddi2", "probe 7", "MF"});
-    EXPECT_THAT(rows.genes, ElementsAre("TUB1", "TYR1", "YAL069W", "CDC28", "", "", "MF"));
-    EXPECT_THAT(rows.systematic,
+    EXPECT_THAT(systematic_names_of(rows),
                 ElementsAre("YML085C", "YBR166C", "YAL069W", "YBR160W", "", "", ""));
-    EXPECT_EQ(rows.functions[0], "Alpha-tubulin");
-    EXPECT_EQ(rows.functions[1], "Prephenate dehydrogenase involved in tyrosine biosynthesis");
-    EXPECT_EQ(rows.functions[4], "");
-    EXPECT_EQ(rows.functions[6], "NULL");
+    const Names functions = functions_of(rows);
+    EXPECT_EQ(functions[0], "Alpha-tubulin");
+    EXPECT_EQ(functions[1], "Prephenate dehydrogenase involved in tyrosine biosynthesis");
+    EXPECT_EQ(functions[4], "");
+    EXPECT_EQ(functions[6], "NULL");
     EXPECT_EQ(rows.listed, 2U);
     EXPECT_EQ(rows.mapped, 3U);
     EXPECT_EQ(rows.ambiguous, 1U);
     EXPECT_THAT(rows.first_missing, ElementsAre("ddi2", "probe 7"));
+}
+
+TEST(OtherNames, AreThoseOfTheTableWhereRowsHaveOthers) {
+    const Names names = {"TUB1", "Tyr1p", "yal069w", "ddi2"};
+    EXPECT_THAT(other_names_of(look_up_rows(names), names), ElementsAre("", "TYR1", "YAL069W", ""));
+    EXPECT_TRUE(other_names_of(look_up_rows({"TUB1", "x"}), {"TUB1", "x"}).empty());
+}
+
+TEST(RowsWithoutGenes, HaveNothingToSay) {
+    EXPECT_THAT(functions_of(rows_without_genes(2)), ElementsAre("", ""));
+    EXPECT_THAT(systematic_names_of(rows_without_genes(2)), ElementsAre("", ""));
+    EXPECT_TRUE(other_names_of(rows_without_genes(1), {"TUB1"}).empty());
 }
 
 TEST(RenameToStandard, TakesTheListedNameOfEveryGene) {
