@@ -20,6 +20,8 @@ struct GeneEntry {
 /// A further standard name of a gene.
 struct GeneAlias {
     const char* alias;
+    /// The systematic name of the gene.
+    const char* systematic;
     /// The name the gene is listed under.
     const char* name;
 };
@@ -28,7 +30,8 @@ struct GeneAlias {
 /// mating-factor genes are both listed as "MF".
 OVIK_API std::span<const GeneEntry> gene_list();
 
-/// Standard names of other releases of the annotation, in byte order.
+/// Standard names of other releases of the annotation, in byte order. One that went from one gene
+/// to another is an alias of the gene that is not listed under it.
 OVIK_API std::span<const GeneAlias> gene_aliases();
 
 }  // namespace ovik

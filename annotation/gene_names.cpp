@@ -1,7 +1,8 @@
 #include "annotation/gene_names.h"
 
 #include <algorithm>
-#include <unordered_map>
+
+#include "annotation/gene_lookup.h"
 
 namespace ovik {
 
@@ -36,28 +37,6 @@ class EntryIndex {
     std::vector<const GeneEntry*> entries_;
 };
 
-/// The text with ASCII letters in upper case.
-std::string upper_case(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    }
-    return result;
-}
-
-/// From every way to name a gene, in upper case, to the names the table lists.
-std::unordered_multimap<std::string, std::string> index_suggestions() {
-    std::unordered_multimap<std::string, std::string> index;
-    for (const GeneEntry& gene : gene_list()) {
-        index.emplace(upper_case(gene.name), gene.name);
-        index.emplace(upper_case(gene.systematic), gene.name);
-    }
-    for (const GeneAlias& alias : gene_aliases()) {
-        index.emplace(upper_case(alias.alias), alias.name);
-    }
-    return index;
-}
-
 }  // namespace
 
 const GeneEntry* find_gene(std::string_view name) {
@@ -79,12 +58,10 @@ std::string_view standard_gene_name(std::string_view systematic) {
 }
 
 std::vector<std::string> suggest_gene_names(std::string_view name) {
-    static const auto index = index_suggestions();
     std::vector<std::string> names;
-    const auto [first, last] = index.equal_range(upper_case(name));
-    for (auto entry = first; entry != last; ++entry) {
-        if (entry->second != name) {
-            names.push_back(entry->second);
+    for (const GeneEntry* const gene : genes_called(name)) {
+        if (gene->name != name) {
+            names.emplace_back(gene->name);
         }
     }
     std::sort(names.begin(), names.end());

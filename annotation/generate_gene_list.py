@@ -63,16 +63,17 @@ def derive_entries(features):
 
 
 def derive_aliases(features, entries):
-    """Pairs of a further standard name, of any release, and the name of its entry."""
+    """Triples of a further standard name, of any release, and the systematic name and the name of its entry.
+    A name that went from one gene to another is an alias of the one that is not listed under it."""
     name_of = {systematic: name for systematic, name, _ in entries}
-    taken = set(name_of.values()) | set(name_of)
-    aliases = {}
+    aliases = set()
     for row in features:
+        systematic = row["systematic"]
         for column in ("std_2013", "std_2020", "std_2023"):
             alias = row[column]
-            if alias and alias not in taken and row["systematic"] in name_of:
-                aliases.setdefault(alias, name_of[row["systematic"]])
-    return sorted(aliases.items())
+            if alias and alias != name_of.get(systematic, alias):
+                aliases.add((alias, systematic, name_of[systematic]))
+    return sorted(aliases)
 
 
 def literal(text):

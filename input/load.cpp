@@ -107,7 +107,9 @@ LoadedMatrix load(const std::string& path,
         remarks.push_back({Remark::Kind::Warning, std::move(warning)});
     }
     if (!options.labels_file.empty()) {
-        loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
+        LabelFile file = read_label_file(options.labels_file, matrix.report.rows);
+        loaded.labels = std::move(file.labels);
+        loaded.label_table = std::move(file.table);
     }
     loaded.missing = settle_missing(name, options, loaded, remarks);
     if (options.check_values) {

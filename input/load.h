@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "input/inspected_matrix.h"
+#include "input/label_file.h"
 #include "input/load_options.h"
 #include "input/matrix_formats.h"
 
@@ -31,8 +33,10 @@ struct LoadedMatrix {
     /// With values, names of its rows, and names of its columns if there are any. Unless the
     /// options leave them, no value is missing.
     InspectedMatrix matrix;
-    /// One per row if there is a file of labels, else empty.
+    /// One per row if there is a file of labels in the order of the rows, else empty.
     std::vector<std::string> labels;
+    /// Labels by name, if that is what the file of labels holds.
+    std::optional<LabelTable> label_table;
     /// The name of its format.
     std::string format;
     /// Values that were missing.

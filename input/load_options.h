@@ -19,7 +19,7 @@ struct LoadOptions {
     std::string missing_advice;
     /// A file with one name per line and row, for formats that have none; empty: rows are numbered.
     std::string row_names_file;
-    /// A file with one label per line and row; empty: no labels.
+    /// A file of labels, as `read_label_file` takes it; empty: no labels.
     std::string labels_file;
     /// Whether what is left after the treatment of missing values is refused if it cannot be
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.

@@ -52,6 +52,19 @@ std::string json_labels(const Chart& chart, std::size_t point_count) {
     return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(point_count));
 }
 
+/// Columns of another length than the points are of no use.
+std::string json_label_columns(const Chart& chart, std::size_t point_count) {
+    std::vector<std::string> columns;
+    for (const LabelColumn& column : chart.label_columns) {
+        if (column.texts.size() == point_count) {
+            columns.push_back(json_object({{"title", json_text(column.title)},
+                                           {"texts", json_list_of(column.texts)},
+                                           {"numbers", json_list_of(column.numbers)}}));
+        }
+    }
+    return json_list(columns);
+}
+
 std::string json_parameters(const Chart& chart) {
     std::vector<std::string> parameters;
     for (const auto& [name, value] : chart.parameters) {
@@ -86,7 +99,9 @@ std::string json_chart(const Chart& chart) {
                         {"pairs", json_pairs(chart, point_count)},
                         {"names", json_column(chart.names, point_count)},
                         {"functions", json_column(chart.functions, point_count)},
-                        {"labels", json_labels(chart, point_count)}});
+                        {"genes", json_column(chart.genes, point_count)},
+                        {"labels", json_labels(chart, point_count)},
+                        {"labelColumns", json_label_columns(chart, point_count)}});
 }
 
 /// JSON in a form that cannot end the script element which holds it: these characters occur in

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "results/label_column.h"
+
 namespace ovik {
 
 /// Where the parts of a chart page go.
@@ -53,6 +55,10 @@ struct Chart {
     std::vector<std::string> links;
     /// One label per point; empty for none.
     std::vector<std::string> labels;
+    /// Labels of the points in the place of `labels`, of which the reader chooses; empty for none.
+    std::span<const LabelColumn> label_columns;
+    /// One per point: the name under which the gene table lists it, where it is not its own.
+    std::span<const std::string> genes;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

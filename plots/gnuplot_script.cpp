@@ -93,13 +93,38 @@ std::string point_blocks(const Figure& figure) {
         const auto& lists = figure.panels[panel].points;
         for (std::size_t label = 0; label < lists.size(); ++label) {
             script += block_name(panel, label) + " << END_OF_POINTS\n";
-            for (const auto& [x, y] : lists[label]) {
-                script += shortest_text(x) + " " + shortest_text(y) + "\n";
+            const bool has_numbers = figure.scale && label == 0;
+            for (std::size_t point = 0; point < lists[label].size(); ++point) {
+                const auto& [x, y] = lists[label][point];
+                script += shortest_text(x) + " " + shortest_text(y);
+                script += has_numbers
+                              ? " " + shortest_text(figure.panels[panel].numbers[point]) + "\n"
+                              : "\n";
             }
             script += "END_OF_POINTS\n";
         }
     }
     return script;
+}
+
+/// The colours of numbers: viridis without its brightest part, which vanishes on white. The bar
+/// that explains them stands beside the first panel.
+std::string colour_scale(const ColourScale& scale) {
+    constexpr std::size_t kTitleLength = 40;
+    // One number alone has no ends; any others serve.
+    const double margin = scale.least < scale.most ? 0.0 : std::max(1.0, std::abs(scale.least));
+    return "set palette defined (0 '#440154', 1 '#472d7b', 2 '#3b528b', 3 '#2c728e', "
+           "4 '#21918c', 5 '#28ae80', 6 '#5ec962', 7 '#addc30', 7.2 '#bdde2e')\n"
+           "set cbrange [" +
+           shortest_text(scale.least - margin) + ":" + shortest_text(scale.most + margin) +
+           "]\nset cblabel " + gnuplot_line(scale.title, kTitleLength) +
+           " noenhanced offset 0.8,0\n";
+}
+
+std::string colour_bar(std::size_t position) {
+    return position > 0 ? "unset colorbox\n"
+                        : "set colorbox user origin right_edge + 0.02, top_edge - "
+                          "0.35 size 0.02, 0.35\n";
 }
 
 /// What is the same for every panel: where they stand, and which part of the plane they show.
@@ -130,7 +155,8 @@ std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& leg
            "set ytics offset 0.5,0\n"
            "set key at screen right_edge + 0.012,top_edge left top Left reverse noenhanced "
            "samplen 0.5 width -2 font 'Sans," +
-           std::to_string(legend.font_size) + "'\n";
+           std::to_string(legend.font_size) + "'\n" +
+           (figure.scale ? colour_scale(*figure.scale) : "");
 }
 
 /// One line per label, in full colour; what does not fit is counted in the last one.
@@ -160,6 +186,21 @@ std::vector<std::size_t> drawing_order(const FigurePanel& panel) {
     return order;
 }
 
+/// Points without a number lie beneath those that have one.
+std::string draw_numbers(const FigurePanel& panel, std::size_t position, const PanelGrid& grid) {
+    const std::string shared = " with points pointtype 7 pointsize " + point_size(panel, grid);
+    std::string script;
+    if (!panel.points[1].empty()) {
+        script += ", \\\n  " + block_name(position, 1) + " using 1:2" + shared +
+                  " linecolor rgb 0xC8C8C8 notitle";
+    }
+    if (!panel.points[0].empty()) {
+        script += ", \\\n  " + block_name(position, 0) + " using 1:2:3" + shared +
+                  " linecolor palette notitle";
+    }
+    return script;
+}
+
 std::string draw_panel(const Figure& figure,
                        std::size_t position,
                        const PanelGrid& grid,
@@ -179,6 +220,9 @@ std::string draw_panel(const Figure& figure,
         " offset 1.5,0 noenhanced\n"
         // Something to draw, so that a panel without points has its axes.
         "plot NaN notitle";
+    if (figure.scale) {
+        return colour_bar(position) + script + draw_numbers(panel, position, grid) + "\n";
+    }
     for (const std::size_t label : drawing_order(panel)) {
         if (!panel.points[label].empty()) {
             script += ", \\\n  " + block_name(position, label) +

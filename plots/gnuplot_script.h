@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,16 @@ struct FigurePanel {
     std::string y_title;
     /// The finite points of each label, x and y; a single list if there are no labels.
     std::vector<std::vector<std::array<double, 2>>> points;
+    /// With a colour scale, the numbers of the points of the first list.
+    std::vector<double> numbers{};
+};
+
+/// What the colours of a figure measure.
+struct ColourScale {
+    std::string title;
+    /// The numbers at its ends.
+    double least = 0.0;
+    double most = 0.0;
 };
 
 /// A scatter figure. All texts are data: any bytes, escaped where they land.
@@ -24,6 +35,8 @@ struct Figure {
     std::string title;
     /// The legend; empty for points without labels.
     std::vector<std::string> labels;
+    /// If there is one, panels have two lists of points: those with a number and those without.
+    std::optional<ColourScale> scale{};
     std::vector<FigurePanel> panels;
     /// What all panels show: minimum x, maximum x, minimum y, maximum y.
     std::array<double, 4> bounds{};

@@ -28,6 +28,8 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.names = run.names;
     chart.groups = run.groups;
     chart.functions = run.functions;
+    chart.label_columns = run.label_columns;
+    chart.genes = run.genes;
 }
 
 /// @throws std::invalid_argument if a run has another number of rows, or of their texts

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "results/label_column.h"
+
 namespace ovik {
 
 /// A run as its chart page and its figure show it. Everything is a view: what it shows belongs to
@@ -17,6 +19,12 @@ struct PlottedRun {
     std::span<const std::pair<std::string, std::string>> parameters;
     /// One label per point or per row, which gives it its colour; empty for none.
     std::span<const std::string> labels;
+    /// Labels of the points in the place of `labels`: the page offers each, the figure shows the
+    /// first. Empty for none.
+    std::span<const LabelColumn> label_columns;
+    /// The names under which the gene table lists the points, one each, where they are not their
+    /// own; empty texts elsewhere. Empty for none.
+    std::span<const std::string> genes;
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -47,29 +47,81 @@ class LabelNumbers {
     std::vector<std::size_t> numbers_;
 };
 
+/// The first column of labels if it is numeric and of the points; null else.
+template <typename T>
+const LabelColumn* numeric_labels(const PlottedRun<T>& run, std::size_t point_count) {
+    const bool is_numeric = !run.label_columns.empty() && run.label_columns.front().isNumeric() &&
+                            run.label_columns.front().numbers.size() == point_count;
+    return is_numeric ? &run.label_columns.front() : nullptr;
+}
+
+/// The labels that tell points apart by groups.
+template <typename T>
+std::span<const std::string> group_labels(const PlottedRun<T>& run) {
+    return run.label_columns.empty() ? run.labels : std::span(run.label_columns.front().texts);
+}
+
+ColourScale scale_of(const LabelColumn& column) {
+    ColourScale scale{column.title, HUGE_VAL, -HUGE_VAL};
+    for (const double number : column.numbers) {
+        // NaN is neither.
+        scale.least = number < scale.least ? number : scale.least;
+        scale.most = number > scale.most ? number : scale.most;
+    }
+    if (scale.least > scale.most) {
+        scale.least = scale.most = 0.0;
+    }
+    return scale;
+}
+
+/// A panel without points.
+FigurePanel empty_panel(const std::string& group,
+                        const std::vector<std::string>& axis_titles,
+                        std::size_t list_count) {
+    FigurePanel panel;
+    panel.x_title = component_title(group, 0, axis_titles[0]);
+    panel.y_title = component_title(group, 1, axis_titles[1]);
+    panel.points.resize(list_count);
+    return panel;
+}
+
+/// Puts a point among those with a number, or among those without.
+void place(FigurePanel& panel, const std::array<double, 2>& point, double number) {
+    if (std::isnan(number)) {
+        panel.points[1].push_back(point);
+    } else {
+        panel.points[0].push_back(point);
+        panel.numbers.push_back(number);
+    }
+}
+
 template <typename T>
 std::vector<FigurePanel> panels_of(const PlottedRun<T>& run,
                                    std::size_t point_count,
                                    const std::vector<std::string>& axis_titles,
                                    const LabelNumbers& labels) {
+    const LabelColumn* const numeric = numeric_labels(run, point_count);
+    const std::size_t list_count =
+        numeric != nullptr ? 2 : std::max<std::size_t>(labels.names.size(), 1);
     std::vector<FigurePanel> panels;
     for (std::size_t row = 0; row < run.x.size(); ++row) {
         if (row % point_count == 0) {
-            FigurePanel panel;
             // The titles as given are those of the first pair.
             const std::string group = panels.empty() ? "" : run.groups[row];
-            panel.x_title = component_title(group, 0, axis_titles[0]);
-            panel.y_title = component_title(group, 1, axis_titles[1]);
-            panel.points.resize(std::max<std::size_t>(labels.names.size(), 1));
-            panels.push_back(std::move(panel));
+            panels.push_back(empty_panel(group, axis_titles, list_count));
         }
-        if (std::isfinite(run.x[row]) && std::isfinite(run.y[row])) {
-            panels.back().points[labels.of(row)].push_back(
-                {as_written(run.x[row]), as_written(run.y[row])});
+        if (!std::isfinite(run.x[row]) || !std::isfinite(run.y[row])) {
+            continue;
+        }
+        const std::array<double, 2> point = {as_written(run.x[row]), as_written(run.y[row])};
+        if (numeric != nullptr) {
+            place(panels.back(), point, numeric->numbers[row % point_count]);
+        } else {
+            panels.back().points[labels.of(row)].push_back(point);
         }
     }
     if (panels.empty()) {
-        panels.push_back({axis_titles[0], axis_titles[1], {}});
+        panels.push_back({axis_titles[0], axis_titles[1], {}, {}});
     }
     return panels;
 }
@@ -124,8 +176,15 @@ Figure figure_of_run(const PlottedRun<T>& run, const FigureFrame& frame) {
         throw std::invalid_argument("the lists of a run have unequal lengths");
     }
     const std::size_t point_count = rows_per_pair(run.groups, row_count);
-    const LabelNumbers labels(run.labels, point_count, row_count);
+    const LabelColumn* const numeric = numeric_labels(run, point_count);
+    const LabelNumbers labels(
+        numeric != nullptr ? std::span<const std::string>() : group_labels(run),
+        point_count,
+        row_count);
     Figure figure;
+    if (numeric != nullptr && row_count > 0) {
+        figure.scale = scale_of(*numeric);
+    }
     figure.stem = frame.stem;
     figure.title = frame.title;
     figure.labels = labels.names;

@@ -49,12 +49,15 @@ void write_row(std::FILE* file, const ResultTable<T>& table, std::size_t row) {
 
 }  // namespace
 
-template <typename T>
-ResultTable<T> make_result_table(const double* Y,
-                                 std::size_t N,
-                                 std::size_t no_dims,
-                                 const std::string* names,
-                                 std::map<std::string, std::string>& functions) {
+namespace {
+
+/// @param function_of  called with the number of a point
+template <typename T, typename FunctionOf>
+ResultTable<T> lay_out(const double* Y,
+                       std::size_t N,
+                       std::size_t no_dims,
+                       const std::string* names,
+                       const FunctionOf& function_of) {
     const std::size_t row_count = n_choose_k(static_cast<unsigned int>(no_dims), 2) * N;
     ResultTable<T> table;
     table.coordinates.resize(row_count);
@@ -68,11 +71,34 @@ ResultTable<T> make_result_table(const double* Y,
                                                          static_cast<T>(Y[k * no_dims + j])};
                 table.names.push_back(names[k]);
                 table.groups.push_back(group_label(i, j));
-                table.functions.push_back(functions[names[k]]);
+                table.functions.push_back(function_of(k));
             }
         }
     }
     return table;
+}
+
+}  // namespace
+
+template <typename T>
+ResultTable<T> make_result_table(const double* Y,
+                                 std::size_t N,
+                                 std::size_t no_dims,
+                                 const std::string* names,
+                                 std::map<std::string, std::string>& functions) {
+    return lay_out<T>(Y, N, no_dims, names, [&](std::size_t k) -> const std::string& {
+        return functions[names[k]];
+    });
+}
+
+template <typename T>
+ResultTable<T> make_result_table(MatrixView<const double> Y,
+                                 std::span<const std::string> names,
+                                 std::span<const std::string> functions) {
+    return lay_out<T>(
+        Y.values, Y.rows, Y.columns, names.data(), [&](std::size_t k) -> const std::string& {
+            return functions[k];
+        });
 }
 
 std::string result_table_stem(double perplexity, const std::string& suffix) {
@@ -89,13 +115,15 @@ std::error_code write_result_table(const std::string& path, const ResultTable<T>
     });
 }
 
-#define OVIK_INSTANTIATE_RESULT_TABLE(T)                                            \
-    template struct ResultTable<T>;                                                 \
-    template ResultTable<T> make_result_table(const double*,                        \
-                                              std::size_t,                          \
-                                              std::size_t,                          \
-                                              const std::string*,                   \
-                                              std::map<std::string, std::string>&); \
+#define OVIK_INSTANTIATE_RESULT_TABLE(T)                                                       \
+    template struct ResultTable<T>;                                                            \
+    template ResultTable<T> make_result_table(const double*,                                   \
+                                              std::size_t,                                     \
+                                              std::size_t,                                     \
+                                              const std::string*,                              \
+                                              std::map<std::string, std::string>&);            \
+    template ResultTable<T> make_result_table(                                                 \
+        MatrixView<const double>, std::span<const std::string>, std::span<const std::string>); \
     template std::error_code write_result_table(const std::string&, const ResultTable<T>&);
 
 OVIK_INSTANTIATE_RESULT_TABLE(float)

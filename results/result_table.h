@@ -38,6 +38,14 @@ OVIK_API ResultTable<T> make_result_table(const double* Y,
                                           const std::string* names,
                                           std::map<std::string, std::string>& functions);
 
+/// The same with the function of each point in place of a look-up.
+///
+/// @param functions  N texts, one per point
+template <typename T>
+OVIK_API ResultTable<T> make_result_table(MatrixView<const double> Y,
+                                          std::span<const std::string> names,
+                                          std::span<const std::string> functions);
+
 /// The same for an embedding with its shape, and as many names as it has rows.
 template <typename T>
 ResultTable<T> make_result_table(MatrixView<const double> Y,

@@ -16,14 +16,28 @@ std::vector<std::string> row_numbers(std::size_t rows) {
     return numbers;
 }
 
+/// @throws InputError unless there is one of something for every row, or none
+void require_one_per_row(std::size_t count,
+                         std::size_t rows,
+                         const char* one,
+                         const char* several) {
+    if (count != 0 && count != rows) {
+        throw InputError("there are " + counted(count, one, several) + " for " +
+                         std::to_string(rows) + " rows\nGive a " + one +
+                         " for every row, or none.");
+    }
+}
+
 }  // namespace
 
 WrittenResults Embedding::write(const ResultSettings& settings) const {
-    if (!settings.labels.empty() && settings.labels.size() != rows_) {
-        throw InputError("there are " + counted(settings.labels.size(), "label", "labels") +
-                         " for " + std::to_string(rows_) +
-                         " rows\nGive a label for every row, or none.");
+    require_one_per_row(settings.labels.size(), rows_, "label", "labels");
+    for (const LabelColumn& column : settings.label_columns) {
+        require_one_per_row(column.texts.size(), rows_, "label", "labels");
+        require_one_per_row(column.numbers.size(), rows_, "number", "numbers");
     }
+    require_one_per_row(settings.functions.size(), rows_, "function", "functions");
+    require_one_per_row(settings.genes.size(), rows_, "gene", "genes");
     const std::vector<std::string> numbers =
         names().empty() ? row_numbers(rows_) : std::vector<std::string>();
     return write_results<double>(

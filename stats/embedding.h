@@ -50,7 +50,7 @@ class Embedding {
     /// Several embeddings may be written at once, to places of their own.
     ///
     /// @return what became of each; failures are also told on the console
-    /// @throws InputError if there are labels, and not one per row
+    /// @throws InputError if there are labels, functions or genes, and not one per row
     [[nodiscard]] OVIK_API WrittenResults write(const ResultSettings& settings) const;
 
   private:

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "results/label_column.h"
 
 namespace ovik {
 
@@ -20,6 +21,15 @@ struct ResultSettings {
     std::string data_title = {};
     /// One per row, or empty: they colour the points of the plots.
     std::vector<std::string> labels = {};
+    /// Labels in the place of `labels`: the chart page offers each, the figure shows the first.
+    /// Empty for none.
+    std::vector<LabelColumn> label_columns = {};
+    /// What the gene of each row does, for table and plots; empty: the gene table says it of the
+    /// names.
+    std::vector<std::string> functions = {};
+    /// The name under which the gene table lists each row, where it is another than its own; the
+    /// chart page shows it. Empty for none.
+    std::vector<std::string> genes = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
 };

@@ -14,14 +14,26 @@
 
 namespace ovik {
 
+namespace {
+
+template <typename T>
+ResultTable<T> table_of(const ResultSettings& settings, const EndedRun& run) {
+    if (!settings.functions.empty()) {
+        return make_result_table<T>(run.embedding, run.names, settings.functions);
+    }
+    // A table of its own, into which names are inserted: several runs may end at once.
+    std::map<std::string, std::string> gene_functions = make_gene_table();
+    return make_result_table<T>(run.embedding, run.names, gene_functions);
+}
+
+}  // namespace
+
 template <typename T>
 WrittenResults write_results(const ResultSettings& settings,
                              const std::string& out_base,
                              const EndedRun& run) {
     const std::string stem = result_table_stem(run.options.perplexity, settings.out_suffix);
-    // A table of its own, into which names are inserted: several runs may end at once.
-    std::map<std::string, std::string> gene_functions = make_gene_table();
-    auto table = make_result_table<T>(run.embedding, run.names, gene_functions);
+    auto table = table_of<T>(settings, run);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_files(out_base);
     remove_left_over_drawings(out_base);
@@ -36,6 +48,8 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
         plotted.labels = settings.labels;
+        plotted.label_columns = settings.label_columns;
+        plotted.genes = settings.genes;
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;

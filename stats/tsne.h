@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "results/label_column.h"
 #include "stats/fit_options.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
@@ -64,6 +65,15 @@ class TSNE {
     int D = 0;
     /// One name per row: if there are more, the last ones are those of the rows.
     std::vector<std::string> row_names;
+    /// What the gene of each row does, for table and plots; empty: the gene table says it of the
+    /// last names of `row_names`.
+    std::vector<std::string> row_functions;
+    /// The name under which the gene table lists each row, where it is another than its own; the
+    /// chart page shows it. Empty for none.
+    std::vector<std::string> row_genes;
+    /// Labels of the rows in the place of those that `actuate` is given: the chart page offers
+    /// each, the figure shows the first. Empty for none.
+    std::vector<LabelColumn> label_columns;
     /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`.
     double* X = nullptr;
     /// Embedding, row-major, N x no_dims, from array `new`.

@@ -73,6 +73,11 @@ void TSNE<T>::requireNames() const {
                          " names, and there are " + std::to_string(N) +
                          " rows: every row needs one, the last names are those of the rows");
     }
+    if (!row_functions.empty() && row_functions.size() != static_cast<std::size_t>(N)) {
+        throw InputError("row_functions holds " + std::to_string(row_functions.size()) +
+                         " texts, and there are " + std::to_string(N) +
+                         " rows: every row needs one, or none has any");
+    }
 }
 
 template <typename T>
@@ -238,7 +243,15 @@ void TSNE<T>::writeResults(const FitOptions& options,
                            const FitReport& report,
                            std::vector<std::string> labels) {
     const WrittenResults written = write_results<T>(
-        {out_dir, out_name, out_suffix, data_title, std::move(labels), draw_plots},
+        {.out_dir = out_dir,
+         .out_name = out_name,
+         .out_suffix = out_suffix,
+         .data_title = data_title,
+         .labels = std::move(labels),
+         .label_columns = label_columns,
+         .functions = row_functions,
+         .genes = row_genes,
+         .draw_plots = draw_plots},
         out_base,
         {{Y, static_cast<std::size_t>(N), static_cast<std::size_t>(options.out_dims)},
          currentNames(),

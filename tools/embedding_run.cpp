@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "plots/cost_figure.h"
+#include "results/annotated_table.h"
 #include "results/coordinate_files.h"
 #include "stats/tsne.h"
 #include "util/console.h"
@@ -50,6 +51,9 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.N = static_cast<int>(input.rows);
     tsne.D = static_cast<int>(input.columns);
     tsne.row_names = std::move(input.row_names);
+    tsne.row_functions = functions_of(*input.genes);
+    tsne.row_genes = other_names_of(*input.genes, tsne.row_names);
+    tsne.label_columns = input.label_columns;
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
     tsne.options = options.fit;
@@ -99,6 +103,7 @@ void add_checkpoint(std::vector<ResultFile>& files,
 template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                        const Options& options,
+                                       const RunInput& input,
                                        const RunRecord& record) {
     const std::string base = result_base(options, record.perplexity);
     std::vector<ResultFile> files;
@@ -120,6 +125,15 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
         const std::string path = base + ".npy";
         const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
         add("Coordinates", path, text_of(failure));
+    }
+    if (options.annotated_tsv) {
+        const std::string path = annotated_path(base);
+        const std::vector<std::string> systematic = systematic_names_of(*input.genes);
+        const auto failure = write_annotated_table<T>(
+            path,
+            {tsne.Y, N, dims},
+            {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
+        add("Annotated table", path, text_of(failure));
     }
     if (options.plots) {
         add("Chart page", base + ".html", text_of(tsne.plots().page_failure));
@@ -155,9 +169,13 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.checkResume(
         options.fit.out_dims, perplexity, options.fit.stop_lying_iter, options.fit.mom_switch_iter);
     prepare_results(options, perplexity);
+    std::vector<std::string> labels = input.labels;
+    if (input.label_columns.empty() && !labels.empty()) {
+        input.label_columns.push_back({"label", labels, {}});
+    }
     tsne.actuate(options.fit.out_dims,
                  perplexity,
-                 std::move(input.labels),
+                 std::move(labels),
                  options.fit.stop_lying_iter,
                  options.fit.mom_switch_iter);
     record.costs = tsne.costs();
@@ -167,13 +185,16 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     if (options.quality) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
-    record.files = finish_results(tsne, options, record);
+    record.files = finish_results(tsne, options, input, record);
     return record;
 }
 
 }  // namespace
 
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity) {
+    if (input.genes == nullptr) {
+        input.genes = std::make_shared<const RowGenes>(look_up_rows(input.row_names));
+    }
     return options.precision == Precision::Float
                ? run<float>(options, std::move(input), perplexity)
                : run<double>(options, std::move(input), perplexity);

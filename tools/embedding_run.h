@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "results/label_column.h"
 #include "results/run_record.h"
 #include "stats/cached_neighbours.h"
 
 #include "tools/options.h"
+#include "tools/row_genes.h"
 
 namespace ovik::tool {
 
@@ -18,8 +20,12 @@ struct RunInput {
     /// The values, row-major, rows x columns.
     std::unique_ptr<double[]> values;
     std::vector<std::string> row_names;
+    /// What the gene table knows of the rows, which several runs share; null: they are looked up.
+    std::shared_ptr<const RowGenes> genes;
     /// One label per row; empty for none.
     std::vector<std::string> labels;
+    /// Labels by name, in the place of the former; empty for none.
+    std::vector<LabelColumn> label_columns;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
 };

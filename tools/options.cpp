@@ -157,6 +157,12 @@ void add_output_options(CLI::App& app, Options& options) {
            [&options](const std::string& text) { parse_coordinate_forms(text, options); },
            "Write them in full precision, too: tsv, npy or tsv,npy")
         ->option_text("FORM");
+    app.add_option_function<std::string>(
+           "--annotated",
+           [&options](const std::string& /*form*/) { options.annotated_tsv = true; },
+           "Write names, coordinates, labels and functions as a table for R and spreadsheets: tsv")
+        ->option_text("FORM")
+        ->check(CLI::IsMember({"tsv"}));
     app.add_option("--json", options.report_file, "Write all there is to know of the run there")
         ->option_text("FILE");
     app.add_flag(
@@ -270,10 +276,15 @@ void add_input_options(CLI::App& app, Options& options) {
         });
     app.add_option_function<std::string>(
            "--names",
-           [&options](const std::string& text) { options.standard_names = text == "standard"; },
-           "Of the rows: file, as they are, or standard, for systematic gene names (file)")
+           [&options](const std::string& text) {
+               options.names = text == "standard" ? RowNames::Standard
+                               : text == "other"  ? RowNames::Other
+                                                  : RowNames::AsInFile;
+           },
+           "Of the rows: file, as they are, standard, as the gene table lists the genes, or other, "
+           "no genes of yeast (file)")
         ->option_text("KIND")
-        ->check(CLI::IsMember({"file", "standard"}));
+        ->check(CLI::IsMember({"file", "standard", "other"}));
     app.add_option("--row-names",
                    options.row_names_file,
                    "One name per line and row, for NumPy and Matrix Market files")
@@ -285,7 +296,10 @@ void add_input_options(CLI::App& app, Options& options) {
                    "Make a page to compare runs of their reports (--json), instead of a run")
         ->option_text("REPORT ...");
     app.add_option(
-           "--labels", options.labels_file, "One label per line and row, which colours the plots")
+           "--labels",
+           options.labels_file,
+           "One label per line and row, or a table with a header of names and labels; they colour "
+           "the plots")
         ->option_text("FILE");
 }
 

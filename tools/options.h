@@ -11,6 +11,16 @@ namespace ovik::tool {
 
 enum class Precision { Double, Float };
 
+/// What the names of the rows are.
+enum class RowNames {
+    /// Names of genes, which stay as they stand in the file.
+    AsInFile,
+    /// Names of genes, in whose place rows get those that the gene table lists.
+    Standard,
+    /// No names of yeast genes: they are not looked up.
+    Other,
+};
+
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
     /// Path of the matrix; empty only with `gene`.
@@ -30,11 +40,10 @@ struct Options {
     std::optional<char> delimiter;
     /// What becomes of missing values; if it is not given they are zero, with a warning.
     std::optional<MissingPolicy> missing;
-    /// Whether rows get standard gene names for systematic ones before the run.
-    bool standard_names = false;
+    RowNames names = RowNames::AsInFile;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
-    /// File of the labels; empty for none.
+    /// File of the labels, one per line and row or a table of names and labels; empty for none.
     std::string labels_file;
     /// Names of the rows, for formats that have none; empty: numbers.
     std::string row_names_file;
@@ -58,6 +67,8 @@ struct Options {
     /// Forms in which the coordinates are written beside the table.
     bool coordinates_npy = false;
     bool coordinates_tsv = false;
+    /// Whether coordinates, labels and functions are written as a table for other programs.
+    bool annotated_tsv = false;
     /// File of the report; empty for none.
     std::string report_file;
     /// Not empty: reports of earlier runs to make an index page of, instead of a run.

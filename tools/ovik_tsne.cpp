@@ -27,6 +27,7 @@
 #include "tools/exit_status.h"
 #include "tools/gene_report.h"
 #include "tools/interruption.h"
+#include "tools/label_join.h"
 #include "tools/load_matrix.h"
 #include "tools/memory_check.h"
 #include "tools/options.h"
@@ -83,6 +84,7 @@ ExitStatus embed(const Options& options, RunReport report) {
     LoadedMatrix loaded = load_matrix(options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
+    const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const RunSize size = size_of_runs(options, matrix, perplexities);
@@ -100,7 +102,7 @@ ExitStatus embed(const Options& options, RunReport report) {
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
     return run_perplexities(
-        std::move(loaded), perplexities, options, std::move(report), since_start);
+        std::move(loaded), labels, perplexities, options, std::move(report), since_start);
 }
 
 /// Does what the command line asks for.

@@ -22,9 +22,9 @@
 #include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/embedding_run.h"
-#include "tools/gene_report.h"
 #include "tools/interruption.h"
 #include "tools/result_paths.h"
+#include "tools/row_genes.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -40,15 +40,20 @@ double peak_memory() {
     return 1024.0 * static_cast<double>(usage.ru_maxrss);
 }
 
-/// Gives rows the names that were asked for, and warns of names that the gene table lacks.
-void settle_names(std::vector<std::string>& row_names, bool standard_names) {
-    if (standard_names) {
+/// Gives rows the names that were asked for and looks them up; warns if few are found.
+RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
+    if (names == RowNames::Other) {
+        return rows_without_genes(row_names.size());
+    }
+    RowGenes genes = look_up_rows(row_names);
+    if (names == RowNames::Standard) {
         rename_to_standard(row_names);
     }
-    const std::string warning = systematic_names_warning(row_names);
+    const std::string warning = few_genes_warning(genes, row_names);
     if (!warning.empty()) {
-        complain("warning: " + warning);
+        complain(warning);
     }
+    return genes;
 }
 
 /// What several runs share.
@@ -65,6 +70,8 @@ std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& p
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values
 /// themselves.
 RunInput input_of_run(LoadedMatrix& loaded,
+                      const std::shared_ptr<const RowGenes>& genes,
+                      const std::vector<LabelColumn>& labels,
                       const std::shared_ptr<CachedNeighbours>& neighbours,
                       bool is_last) {
     RunInput input;
@@ -78,7 +85,9 @@ RunInput input_of_run(LoadedMatrix& loaded,
         std::copy_n(loaded.matrix.values.get(), count, input.values.get());
     }
     input.row_names = loaded.matrix.row_names;
+    input.genes = genes;
     input.labels = loaded.labels;
+    input.label_columns = labels;
     input.neighbours = neighbours;
     return input;
 }
@@ -110,8 +119,10 @@ void describe_input(RunReport& report, const LoadedMatrix& loaded) {
 }
 
 /// Says what there is to say of the rows.
-void tell_of_rows(const RunReport& report, const std::vector<std::string>& row_names) {
-    print_info(one_line_utf8(found_genes_line(row_names)));
+void tell_of_rows(const RunReport& report, const Options& options, const RowGenes& genes) {
+    if (options.names != RowNames::Other) {
+        print_info(one_line_utf8(found_genes_line(genes)));
+    }
     if (report.duplicate_rows > 0) {
         print_info("Equal rows: " + counted(report.duplicate_rows, "row holds", "rows hold") +
                    " the same values as an earlier one");
@@ -148,6 +159,7 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 }
 
 ExitStatus run_perplexities(LoadedMatrix loaded,
+                            const std::vector<LabelColumn>& labels,
                             const std::vector<double>& perplexities,
                             const Options& options,
                             RunReport report,
@@ -155,14 +167,15 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     if (!options.report_file.empty()) {
         prepare_place(options.report_file);
     }
-    settle_names(loaded.matrix.row_names, options.standard_names);
+    const auto genes =
+        std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
     describe_input(report, loaded);
     const std::shared_ptr<CachedNeighbours> neighbours =
         shared_neighbours(perplexities, options, report.rows);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
-        report.runs.push_back(
-            run_embedding(options, input_of_run(loaded, neighbours, is_last), perplexity));
+        report.runs.push_back(run_embedding(
+            options, input_of_run(loaded, genes, labels, neighbours, is_last), perplexity));
         if (interruption_status() != Success) {
             break;
         }
@@ -173,7 +186,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     if (perplexities.size() > 1) {
         is_complete = compare(options, report) && is_complete;
     }
-    tell_of_rows(report, loaded.matrix.row_names);
+    tell_of_rows(report, options, *genes);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;
     report.exit_status = status;
     if (!options.report_file.empty()) {

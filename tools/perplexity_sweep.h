@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "input/load.h"
+#include "results/label_column.h"
 #include "results/run_report.h"
 #include "util/stopwatch.h"
 
@@ -20,9 +21,11 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 /// Runs the engine once for each perplexity, on the same input and the same neighbours; writes all
 /// results, the page that compares several runs, and the report.
 ///
+/// @param labels       of the rows, by name; empty for those of the matrix, or none
 /// @param report       what is known beforehand: options, command line, threads, memory, times
 /// @param since_start  of the command
 ExitStatus run_perplexities(LoadedMatrix loaded,
+                            const std::vector<LabelColumn>& labels,
                             const std::vector<double>& perplexities,
                             const Options& options,
                             RunReport report,

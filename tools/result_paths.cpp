@@ -29,6 +29,10 @@ std::string cost_base(const std::string& result_base) {
     return result_base + "_cost";
 }
 
+std::string annotated_path(const std::string& result_base) {
+    return result_base + "_annotated.tsv";
+}
+
 std::string comparison_path(const Options& options) {
     return options.out_dir + options.name + "_tsne_comparison" + options.suffix + ".html";
 }
@@ -49,6 +53,7 @@ std::vector<std::string> result_files(const Options& options,
         }
         add(options.coordinates_tsv, base + ".tsv");
         add(options.coordinates_npy, base + ".npy");
+        add(options.annotated_tsv, annotated_path(base));
         for (const char* const extension : {".gp", ".png", ".svg"}) {
             add(options.plot_cost, cost_base(base) + extension);
         }

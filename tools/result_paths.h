@@ -15,6 +15,9 @@ std::string result_base(const Options& options, double perplexity);
 /// The path of the drawing of the costs without its extensions.
 std::string cost_base(const std::string& result_base);
 
+/// The path of the annotated table.
+std::string annotated_path(const std::string& result_base);
+
 /// The page on which runs are compared.
 std::string comparison_path(const Options& options);
 

@@ -37,8 +37,14 @@ class Interruption : public testing::Test {
   protected:
     [[nodiscard]] std::vector<std::string> command(const std::string& results,
                                                    const std::vector<std::string>& options) const {
-        std::vector<std::string> words = {
-            OVIK_TSNE_COMMAND, matrix_, "-o", directory_.file(results), "-n", "y"};
+        std::vector<std::string> words = {OVIK_TSNE_COMMAND,
+                                          matrix_,
+                                          "--names",
+                                          "other",
+                                          "-o",
+                                          directory_.file(results),
+                                          "-n",
+                                          "y"};
         words.insert(words.end(), options.begin(), options.end());
         return words;
     }

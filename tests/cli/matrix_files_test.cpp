@@ -211,8 +211,8 @@ TEST_F(MatrixFile, MayHaveVeryLongNamesAndManyColumns) {
 }
 
 TEST_F(MatrixFile, CannotSteerTheTerminal) {
-    const CommandOutcome outcome =
-        run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n", {"--no-plots"});
+    const CommandOutcome outcome = run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n",
+                                          {"--no-plots", "--names", "file"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
     EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
     EXPECT_EQ(outcome.err.find('\x07'), std::string::npos);
@@ -264,7 +264,7 @@ TEST_F(MatrixFile, MayHaveAnyName) {
         const CommandOutcome outcome =
             test::run_command({"/bin/sh",
                                "-c",
-                               "cd \"$1\" && exec \"$0\" -q -i 5 -o \"$2\" -- \"$3\"",
+                               "cd \"$1\" && exec \"$0\" -q -i 5 --names other -o \"$2\" -- \"$3\"",
                                OVIK_TSNE_COMMAND,
                                directory_.prefix(),
                                results_,

@@ -52,12 +52,13 @@ class OutputFaults : public testing::Test {
 
     /// Runs a shell script, in which $run stands for the command on a matrix of so many rows.
     CommandOutcome shell(const std::string& script, int rows = 70) const {
-        return test::run_command({"/bin/sh",
-                                  "-c",
-                                  "run=\"$0 $1 -i 5 -p 20 -o $2\"; results=$2; " + script,
-                                  OVIK_TSNE_COMMAND,
-                                  directory_.write("m.txt", matrix_of(rows)),
-                                  results_});
+        return test::run_command(
+            {"/bin/sh",
+             "-c",
+             "run=\"$0 $1 -i 5 -p 20 --names other -o $2\"; results=$2; " + script,
+             OVIK_TSNE_COMMAND,
+             directory_.write("m.txt", matrix_of(rows)),
+             results_});
     }
 
     /// What the results of an undisturbed run on 70 rows are.
@@ -66,7 +67,16 @@ class OutputFaults : public testing::Test {
             const test::TemporaryDirectory directory;
             const std::string matrix = directory.write("m.txt", matrix_of(70));
             const std::string results = directory.file("results");
-            test::run_command({OVIK_TSNE_COMMAND, matrix, "-i", "5", "-p", "20", "-o", results});
+            test::run_command({OVIK_TSNE_COMMAND,
+                               matrix,
+                               "-i",
+                               "5",
+                               "-p",
+                               "20",
+                               "--names",
+                               "other",
+                               "-o",
+                               results});
             return files_in(results);
         }();
         return files;
@@ -110,7 +120,7 @@ TEST_F(OutputFaults, ClosedOrFullStandardErrorFailsARunThatHasSomethingToSay) {
 TEST_F(OutputFaults, AClosedPipeEndsTheRunAsItEndsOtherPrograms) {
     // Many more iterations than it will come to.
     const CommandOutcome outcome =
-        shell("($0 $1 -i 1000000 -o $2; echo $? >&2) | head -c 1 >/dev/null");
+        shell("($0 $1 -i 1000000 --names other -o $2; echo $? >&2) | head -c 1 >/dev/null");
     EXPECT_EQ(outcome.err, std::to_string(128 + SIGPIPE) + "\n");
 }
 
@@ -208,7 +218,7 @@ TEST_F(OutputFaults, ARecordThatDoesNotFitLeavesTheLogAsItWas) {
 TEST_F(OutputFaults, PlotsShowTheirOwnRunWhereATableOfAnEarlierOneStays) {
     ASSERT_EQ(shell("$run").exit_status, kSuccess);
     const Files earlier = files_in(results_);
-    ASSERT_EQ(shell("$0 $1 -i 5 -p 20 -o $2.whole", 700).exit_status, kSuccess);
+    ASSERT_EQ(shell("$0 $1 -i 5 -p 20 --names other -o $2.whole", 700).exit_status, kSuccess);
     const Files whole = files_in(results_ + ".whole");
     // The table of this run cannot take its place: an earlier one stays in it.
     std::filesystem::remove(base_ + ".csv");

@@ -442,29 +442,48 @@ TEST_F(Command, LooksGenesUp) {
 }
 
 TEST_F(Command, SaysHowManyRowsTheGeneTableHolds) {
-    const CommandOutcome some = run_on("h\nCDC28\t1\nX1\t2\nRPL3\t3\nX2\t4\nX3\t6\nX4\t6\n");
+    const CommandOutcome some =
+        run_on("h\nCDC28\t1\nX1\t2\nRPL3\t3\nX2\t4\nX3\t6\nX4\t6\n", {"--names", "file"});
     EXPECT_NE(some.out.find("\n-- Gene table: 2 of 6 rows found; not found: X1, X2, X3, ...\n"),
               std::string::npos);
-    const CommandOutcome all = run_on("h\nCDC28\t1\nTUB1\t2\nRPL3\t3\n");
+    EXPECT_EQ(
+        some.err.find("ovik-tsne: warning: the gene table knows 2 of 6 rows, fewer than half: "
+                      "not X1, X2, X3, ...\n"),
+        0U);
+    EXPECT_NE(some.err.find("--names other"), std::string::npos);
+    const CommandOutcome all = run_on("h\nCDC28\t1\nTUB1\t2\nRPL3\t3\n", {"--names", "file"});
+    EXPECT_EQ(all.err, "");
     EXPECT_NE(all.out.find("\n-- Gene table: 3 of 3 rows found\n"), std::string::npos);
     EXPECT_NE(result("m_tsne_0_6.csv").find(",\"Alpha-tubulin\"\n"), std::string::npos);
 }
 
-TEST_F(Command, OffersStandardNamesForSystematicOnes) {
-    const std::string systematic = "h\nYBR160W\t1\nYML085C\t2\nYAL069W\t3\n";
-    const CommandOutcome as_they_are = run_on(systematic);
-    EXPECT_EQ(as_they_are.exit_status, kSuccess);
-    EXPECT_EQ(as_they_are.err,
-              "ovik-tsne: warning: 2 of 3 rows carry systematic names of genes that the gene table "
-              "lists under standard ones; to see what they do, add --names standard\n");
-    EXPECT_NE(result("m_tsne_0_6.csv").find("\nYBR160W,"), std::string::npos);
-    const CommandOutcome renamed = run_on(systematic, {"--names", "standard"});
-    EXPECT_EQ(renamed.err, "");
-    EXPECT_NE(renamed.out.find("-- Gene table: 3 of 3 rows found\n"), std::string::npos);
-    const std::string table = result("m_tsne_0_6.csv");
-    EXPECT_NE(table.find("\nCDC28,"), std::string::npos);
-    EXPECT_NE(table.find("\nTUB1,"), std::string::npos);
-    EXPECT_NE(table.find("\nYAL069W,"), std::string::npos);
+TEST_F(Command, KnowsGenesByOtherNamesAndKeepsTheNames) {
+    const std::string names = "h\nybr160w\t1\nTub1p\t2\nYAL069W\t3\nSDH5\t5\nddi2\t8\n";
+    const CommandOutcome outcome = run_on(names, {"--names", "file"});
+    EXPECT_EQ(outcome.exit_status, kSuccess);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("\n-- Gene table: 4 of 5 rows found, 1 directly and 3 by another "
+                               "name; 1 name of several genes; not found: ddi2\n"),
+              std::string::npos);
+    const std::string as_in_file = table();
+    EXPECT_NE(as_in_file.find("\nybr160w,"), std::string::npos);
+    EXPECT_NE(as_in_file.find("\nTub1p,"), std::string::npos);
+    EXPECT_NE(as_in_file.find(",\"Cyclin-dependent kinase (CDK) catalytic subunit\"\n"),
+              std::string::npos);
+    EXPECT_NE(as_in_file.find(",\"Alpha-tubulin\"\n"), std::string::npos);
+    run_on(names, {"--names", "standard"});
+    const std::string standard = table();
+    for (const char* const name : {"\nCDC28,", "\nTUB1,", "\nYAL069W,", "\nEMI5,", "\nddi2,"}) {
+        EXPECT_NE(standard.find(name), std::string::npos) << name;
+    }
+}
+
+TEST_F(Command, LooksNothingUpWhereNamesAreOfOtherThings) {
+    const CommandOutcome outcome = run_on("h\nCDC28\t1\nX\t2\nY\t3\n", {"--names", "other"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out.find("Gene table"), std::string::npos);
+    EXPECT_NE(table().find(",\"\"\n"), std::string::npos);
+    EXPECT_EQ(table().find("kinase"), std::string::npos);
 }
 
 TEST_F(Command, TakesPathsWithBlanksQuotesAndPercentSigns) {

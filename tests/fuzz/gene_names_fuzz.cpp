@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "annotation/gene_list.h"
+#include "annotation/gene_lookup.h"
 #include "annotation/gene_table.h"
 
 #include "tests/fuzz/support/input_lines.h"
@@ -55,40 +56,84 @@ std::string chosen_name(test::InputLines& input) {
 }
 
 /// A way to name a gene.
-struct NamedGene {
+struct Naming {
     std::string_view name;
     std::string_view listed_name;
-    /// Null for an alias.
     const GeneEntry* gene;
-    bool is_systematic;
+
+    enum Kind { Listed, Systematic, Alias } kind;
 };
+
+/// The gene of a systematic name.
+const GeneEntry* listed_entry(std::string_view systematic) {
+    for (const GeneEntry& gene : gene_list()) {
+        if (gene.systematic == systematic) {
+            return &gene;
+        }
+    }
+    return nullptr;
+}
 
 /// All of them in the order of the list; a gene that is listed under its systematic name is there
 /// twice.
-std::vector<NamedGene> all_names() {
-    std::vector<NamedGene> names;
+std::vector<Naming> all_names() {
+    std::vector<Naming> names;
     for (const GeneEntry& gene : gene_list()) {
-        names.push_back({gene.name, gene.name, &gene, false});
-        names.push_back({gene.systematic, gene.name, &gene, true});
+        names.push_back({gene.name, gene.name, &gene, Naming::Listed});
+        names.push_back({gene.systematic, gene.name, &gene, Naming::Systematic});
     }
     for (const GeneAlias& alias : gene_aliases()) {
-        names.push_back({alias.alias, alias.name, nullptr, false});
+        names.push_back({alias.alias, alias.name, listed_entry(alias.systematic), Naming::Alias});
     }
     return names;
 }
 
+const std::vector<Naming>& namings() {
+    static const std::vector<Naming> kNames = all_names();
+    return kNames;
+}
+
+/// All genes of which this is a name in any letter case.
+std::set<const GeneEntry*> genes_alike(std::string_view name) {
+    std::set<const GeneEntry*> genes;
+    for (const Naming& entry : namings()) {
+        if (are_alike(entry.name, name)) {
+            genes.insert(entry.gene);
+        }
+    }
+    return genes;
+}
+
+/// @param listed  the gene that is listed under the very name; null if none is
+void check_identity(const std::string& name, const GeneEntry* listed) {
+    const bool names_protein = !name.empty() && are_alike(name.substr(name.size() - 1), "p");
+    std::set<const GeneEntry*> genes = genes_alike(name);
+    if (genes.empty() && names_protein) {
+        genes = genes_alike(name.substr(0, name.size() - 1));
+    }
+    const NamedGene found = identify_gene(name);
+    if (listed != nullptr) {
+        OVIK_REQUIRE(found.match == NameMatch::Listed && found.gene == listed);
+    } else if (genes.size() == 1) {
+        OVIK_REQUIRE(found.match == NameMatch::Mapped && found.gene == *genes.begin());
+        OVIK_REQUIRE(found.systematic == found.gene->systematic);
+    } else {
+        OVIK_REQUIRE(found.match == (genes.empty() ? NameMatch::Unknown : NameMatch::Ambiguous));
+        OVIK_REQUIRE(found.gene == nullptr && found.systematic.empty());
+    }
+}
+
 void check_name(const std::string& name) {
-    static const std::vector<NamedGene> kNames = all_names();
     const GeneEntry* listed = nullptr;
     const GeneEntry* systematic = nullptr;
     std::set<std::string> alike;
-    for (const NamedGene& entry : kNames) {
+    for (const Naming& entry : namings()) {
         if (!are_alike(entry.name, name)) {
             continue;
         }
         alike.emplace(entry.listed_name);
-        if (entry.name == name) {
-            const GeneEntry*& first = entry.is_systematic ? systematic : listed;
+        if (entry.name == name && entry.kind != Naming::Alias) {
+            const GeneEntry*& first = entry.kind == Naming::Systematic ? systematic : listed;
             first = first != nullptr ? first : entry.gene;
         }
     }
@@ -96,6 +141,7 @@ void check_name(const std::string& name) {
     const std::string_view standard = has_standard_name ? systematic->name : "";
     alike.erase(name);
     OVIK_REQUIRE(find_gene(name) == listed);
+    check_identity(name, listed);
     OVIK_REQUIRE(standard_gene_name(name) == standard);
     OVIK_REQUIRE(suggest_gene_names(name) == std::vector<std::string>(alike.begin(), alike.end()));
 

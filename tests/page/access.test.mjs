@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import { readFile } from 'node:fs/promises';
-import { AXE_FILE, cloudData, smallData, startBrowser, until } from './support.mjs';
+import { AXE_FILE, cloudData, LABEL_COLUMNS, smallData, startBrowser, until } from './support.mjs';
 
 let browser;
 let axe;
@@ -38,6 +38,17 @@ describe('the accessibility checker finds nothing serious', () => {
       });
     }
   }
+
+  test('coloured by groups and by numbers', async () => {
+    for (const settings of [{}, PHONE]) {
+      const page = await browser.open(smallData({ labelColumns: LABEL_COLUMNS }), settings);
+      for (const title of ['half-life <min>', 'process']) {
+        await page.selectOption('#colouring', { label: title });
+        assert.deepEqual(await violations(page), []);
+      }
+      await page.context().close();
+    }
+  });
 
   test('without labels and without points', async () => {
     for (const data of [smallData({ labels: [] }), smallData({ pointCount: 0, pairs: [], names: [], functions: [], labels: [] })]) {

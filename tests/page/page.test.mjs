@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { after, afterEach, before, describe, test } from 'node:test';
 import { readFile } from 'node:fs/promises';
-import { cloudData, screenPlace, smallData, startBrowser, until } from './support.mjs';
+import { cloudData, LABEL_COLUMNS, screenPlace, smallData, startBrowser, until } from './support.mjs';
 
 let browser;
 let page;
@@ -373,6 +373,60 @@ describe('choosing', () => {
     const { content } = await downloaded(() => page.click('text=Download CSV'));
     assert.equal(content.toString().trimEnd().split('\n').length, 1501);
   });
+});
+
+describe('colourings', () => {
+  const opened = () => browser.open(smallData({ labelColumns: LABEL_COLUMNS }));
+
+  test('the first is shown, and another one when it is chosen', async () => {
+    page = await opened();
+    assert.deepEqual(await page.locator('#colouring option').allInnerTexts(), ['process', 'half-life <min>']);
+    assert.equal(await page.getByLabel('Colour by').inputValue(), '0');
+    assert.equal(await text('#legend h2'), 'process');
+    assert.equal(await page.locator('#legend li').count(), 3);
+    await page.uncheck('#legend li:has-text("stress") input');
+    await page.selectOption('#colouring', '1');
+    await statusSays('7 genes drawn');
+    assert.equal(await text('#legend h2'), 'half-life <min>');
+    assert.equal(await page.locator('#legend li').count(), 0);
+    assert.equal(await page.getByRole('img', { name: 'Colours from 0.000 to 50.000' }).count(), 1);
+    assert.match((await text('#legend')).replace(/\s+/g, ' '), /50\.000 0\.000 \(no label\) 1 7 of 7 in view/);
+    assert.match(await page.locator('#chart-frame').getAttribute('aria-label'), /Colours from 0\.000 to 50\.000\.$/);
+    await page.selectOption('#colouring', '0');
+    await until(async () => (await text('#legend .counts')) === '7 of 7 in view');
+    assert.equal(await page.locator('#legend li input:checked').count(), 3);
+  });
+
+  test('a gene has all its labels, the selection that of the choice', async () => {
+    page = await opened();
+    await page.selectOption('#colouring', '1');
+    await page.fill('#search', 'HSP12');
+    await page.keyboard.press('Enter');
+    const details = (await text('#details')).replace(/\s+/g, ' ');
+    assert.match(details, /process stress half-life <min> 40 /);
+    await page.click('text=Add to selection');
+    assert.deepEqual(await page.locator('#selection thead th').allInnerTexts(), ['Name', 'Function', 'half-life <min>', 'x', 'y']);
+    assert.equal(await text('#selection td.label'), '40');
+    const { content } = await downloaded(() => page.click('text=Download CSV'));
+    assert.equal(content.toString(), 'name,process,half-life <min>,group,x,y,function\n'
+      + 'HSP12,stress,40,Group:1:2,0,-10,"Plasma membrane protein, heat shock"\n');
+  });
+
+  test('one alone needs no choice', async () => {
+    page = await browser.open(smallData({ labelColumns: LABEL_COLUMNS.slice(1) }));
+    assert.equal(await page.locator('#colouring').count(), 0);
+    assert.equal(await text('#legend h2'), 'half-life <min>');
+    assert.equal(await text('.lead'), '7 genes; genes that behave alike lie close together.');
+  });
+});
+
+test('a gene is found and linked under the name that the gene table has', async () => {
+  page = await browser.open(smallData({ names: ['cdc28', 'CLN1', 'CLN2', 'x', 'y', 'z', 'Q'], genes: ['CDC28', '', '', '', '', '', ''] }));
+  await page.fill('#search', 'CDC28');
+  await page.keyboard.press('Enter');
+  const details = (await text('#details')).replace(/\s+/g, ' ');
+  assert.match(details, /cdc28 .* Listed as CDC28 Label cycle /);
+  assert.equal(await page.locator('#details a').getAttribute('href'), 'https://www.yeastgenome.org/locus/CDC28');
 });
 
 describe('the legend', () => {

@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { cloudData, smallData, startBrowser } from './support.mjs';
+import { cloudData, LABEL_COLUMNS, smallData, startBrowser } from './support.mjs';
 
 let browser;
 let reader;
@@ -54,6 +54,14 @@ test('the SVG holds every point, the title, the axes and the legend', async () =
   assert.equal(svg.fills['#d55e00'], 3 + 1);
   assert.equal(svg.fills['#009e73'], 1 + 1);
   assert.ok(svg.fills['#ffffff'] >= 1, 'a white ground');
+  await page.context().close();
+});
+
+test('the SVG of numbers has their colours and a few of them in the legend', async () => {
+  const page = await browser.open(smallData({ labelColumns: LABEL_COLUMNS.slice(1) }));
+  const svg = await readSvg((await save(page, 'SVG')).content.toString());
+  assert.ok(svg.texts.includes('0.000 to 0.781') && svg.texts.includes('(no label)'), svg.texts.join());
+  assert.equal(svg.fills['#440154'], 1 + 1);
   await page.context().close();
 });
 

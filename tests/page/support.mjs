@@ -48,7 +48,9 @@ export function makeData(changes = {}) {
     pairs: [],
     names: [],
     functions: [],
+    genes: [],
     labels: [],
+    labelColumns: [],
     ...changes,
   };
 }
@@ -89,6 +91,16 @@ export function smallData(changes = {}) {
     ...changes,
   });
 }
+
+/** What the small data may be coloured by: groups, then numbers, of which the last gene has none. */
+export const LABEL_COLUMNS = [
+  { title: 'process', texts: PLACES.map((place) => place[4]), numbers: [] },
+  {
+    title: 'half-life <min>',
+    texts: PLACES.map((_, gene) => (gene === 6 ? '' : `${10 * gene}`)),
+    numbers: PLACES.map((_, gene) => (gene === 6 ? null : 10 * gene)),
+  },
+];
 
 /** `count` genes in five round clouds, each with its label. */
 export function cloudData(count, changes = {}) {

@@ -1,13 +1,13 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
-import { findCategories, MOST_CATEGORIES } from '../../plots/page/src/categories.js';
-import { categoryStyles } from '../../plots/page/src/palette.js';
+import { findCategories, findLevels, MOST_CATEGORIES, NUMBER_LEVELS } from '../../plots/page/src/categories.js';
+import { categoryStyles, levelStyles } from '../../plots/page/src/palette.js';
 import { drawableText, fileStem, formatCoordinate, formatCount, formatTick } from '../../plots/page/src/format.js';
 import { drawnGenes, genesInPolygon, genesInWindow, nearestGene, nextGene } from '../../plots/page/src/points.js';
 import { includes, toggled, union } from '../../plots/page/src/sets.js';
 import { between, fitWindow, fromPercent, toPercent, windowAt } from '../../plots/page/src/windows.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
-import { createNumbers, smallData } from './support.mjs';
+import { createNumbers, LABEL_COLUMNS, smallData } from './support.mjs';
 
 const perPixel = (view, width, height) => [(view.x1 - view.x0) / width, (view.y1 - view.y0) / height];
 
@@ -138,6 +138,29 @@ describe('categories', () => {
     assert.equal(styles[1].colour, '#12ab9f');
   });
 
+  test('numbers are sorted into equal steps, genes without one come last', () => {
+    const { list, of, labelled, scale } = findLevels(Float64Array.of(0, NaN, 64, 31.9, 32));
+    assert.ok(labelled);
+    assert.deepEqual(scale, { least: 0, most: 64 });
+    assert.deepEqual([...of], [0, NUMBER_LEVELS, NUMBER_LEVELS - 1, NUMBER_LEVELS / 2 - 1, NUMBER_LEVELS / 2]);
+    assert.equal(list.length, NUMBER_LEVELS + 1);
+    assert.deepEqual(list[0], { text: '0.000 to 1.000', count: 1 });
+    assert.deepEqual(list.at(-1), { text: '(no label)', count: 1 });
+  });
+
+  test('equal, huge and missing numbers have a place', () => {
+    assert.deepEqual([...findLevels(Float64Array.of(3, 3)).of], [NUMBER_LEVELS / 2, NUMBER_LEVELS / 2]);
+    assert.deepEqual([...findLevels(Float64Array.of(-1.7e308, 1.7e308)).of], [0, NUMBER_LEVELS - 1]);
+    assert.equal(findLevels(Float64Array.of(NaN)).labelled, false);
+  });
+
+  test('levels have colours of their own and one shape', () => {
+    const styles = levelStyles(NUMBER_LEVELS, 'light');
+    assert.equal(new Set(styles.map(({ colour }) => colour)).size, NUMBER_LEVELS + 1);
+    assert.equal(new Set(styles.map(({ shape }) => shape.name)).size, 1);
+    assert.equal(styles[0].colour, '#440154');
+  });
+
   test('schemes', () => {
     const colours = (scheme, count) => categoryStyles(count, { scheme, own: [], theme: 'light' }).map(({ colour }) => colour);
     assert.deepEqual(colours('dark2', 2), ['#1b9e77', '#d95f02']);
@@ -181,5 +204,12 @@ test('the data are read, whatever is missing or wrong', () => {
   assert.deepEqual(odd.names, []);
   assert.deepEqual(odd.layout.margins, [1, 180, 75, 120]);
   assert.equal(odd.layout.grid, true);
+  assert.deepEqual(data.colourings, [{ title: '', labels: smallData().labels, numbers: null }]);
+  const columns = readDataset(JSON.stringify(smallData({
+    labelColumns: [{ title: 'short', texts: ['a'] }, ...LABEL_COLUMNS],
+  }))).colourings;
+  assert.deepEqual(columns.map(({ title }) => title), ['process', 'half-life <min>']);
+  assert.equal(columns[0].numbers, null);
+  assert.deepEqual([...columns[1].numbers], [0, 10, 20, 30, 40, 50, NaN]);
   assert.throws(() => readDataset('no JSON'), SyntaxError);
 });

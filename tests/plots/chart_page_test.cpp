@@ -1,5 +1,6 @@
 #include "plots/chart_page.h"
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,6 +47,22 @@ void expect_no_markup_from_data(const std::string& html) {
     for (const char* markup : {"<", ">", "<script", "</script", "<img"}) {
         ASSERT_EQ(count(html, markup), count(empty, markup)) << markup;
     }
+}
+
+TEST(ChartPageData, HasTheColumnsOfLabelsThatFitThePoints) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<LabelColumn> columns = {
+        {"<g>", {"a", ""}, {}}, {"n", {"1.50", ""}, {1.5, nan}}, {"short", {"a"}, {}}};
+    const std::vector<std::string> genes = {"CDC28", ""};
+    chart.label_columns = columns;
+    chart.genes = genes;
+    const json data = data_of(chart_page(chart));
+    EXPECT_EQ(data["labelColumns"],
+              json::parse(R"([{"title": "<g>", "texts": ["a", ""], "numbers": []},
+                              {"title": "n", "texts": ["1.50", ""], "numbers": [1.5, null]}])"));
+    EXPECT_EQ(data["genes"], json::parse(R"(["CDC28", ""])"));
 }
 
 TEST(ChartPageEscapes, EveryTextForWhereItLands) {

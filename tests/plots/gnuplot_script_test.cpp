@@ -52,6 +52,36 @@ TEST(GnuplotScript, DrawsSmallGroupsOverLargeOnes) {
     EXPECT_THAT(script, HasSubstr("title 'few'"));
 }
 
+TEST(GnuplotScript, ColoursNumbersByAScaleBesideTheFirstPanel) {
+    Figure figure = figure_with_panels(2);
+    figure.scale = {"half-life's", -1.5, 20};
+    for (FigurePanel& panel : figure.panels) {
+        panel.points = {{{0, 0}, {1, 1}}, {{2, 2}}};
+        panel.numbers = {20, -1.5};
+    }
+    const std::string script = script_of(figure);
+    EXPECT_THAT(script, HasSubstr("$panel1_label1 << END_OF_POINTS\n0 0 20\n1 1 -1.5\nEND"));
+    EXPECT_THAT(script, HasSubstr("$panel1_label2 << END_OF_POINTS\n2 2\nEND"));
+    EXPECT_THAT(script, HasSubstr("\nset cbrange [-1.5:20]\nset cblabel 'half-life'.sprintf("));
+    EXPECT_THAT(script, HasSubstr("$panel1_label1 using 1:2:3 with points"));
+    // Points without a number lie beneath the others.
+    EXPECT_LT(script.find("$panel1_label2 using"), script.find("$panel1_label1 using"));
+    const std::size_t bar = script.find("set colorbox");
+    EXPECT_LT(bar, script.find("$panel1_label1 using"));
+    EXPECT_LT(script.find("unset colorbox"), script.find("$panel2_label1 using"));
+    EXPECT_THAT(script, Not(HasSubstr("keyentry")));
+}
+
+TEST(GnuplotScript, GivesAScaleOfOneNumberTwoEnds) {
+    Figure figure = figure_with_panels(1);
+    figure.panels[0].points = {{{0, 0}}, {}};
+    figure.panels[0].numbers = {3};
+    figure.scale = {"n", 3, 3};
+    EXPECT_THAT(script_of(figure), HasSubstr("\nset cbrange [0:6]\n"));
+    figure.scale = {"n", 0, 0};
+    EXPECT_THAT(script_of(figure), HasSubstr("\nset cbrange [-1:1]\n"));
+}
+
 TEST(GnuplotScript, HasATitleIfThereIsOne) {
     Figure figure = figure_with_panels(1);
     EXPECT_THAT(script_of(figure), Not(HasSubstr("set title")));

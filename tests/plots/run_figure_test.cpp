@@ -76,6 +76,49 @@ TEST(FigureOfRun, TakesLabelsPerRowTooAndNoOthers) {
     EXPECT_TRUE(figure_of_run(run, kFrame).labels.empty());
 }
 
+TEST(FigureOfRun, ShowsTheFirstColumnOfLabels) {
+    const std::vector<double> x = {1, 2, 3};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    const std::vector<std::string> labels = {"other", "other", "other"};
+    run.labels = labels;
+    const std::vector<LabelColumn> groups = {{"g", {"a", "", "a"}, {}}, {"n", {}, {1, 2, 3}}};
+    run.label_columns = groups;
+    const Figure figure = figure_of_run(run, kFrame);
+    EXPECT_THAT(figure.labels, ElementsAre("a", ""));
+    EXPECT_FALSE(figure.scale);
+}
+
+TEST(FigureOfRun, PutsPointsWithoutANumberIntoAListOfTheirOwn) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<double> x = {1, 2, 3, nan};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    const std::vector<LabelColumn> columns = {{"n", {"7", "", "-1", "9"}, {7, nan, -1, 9}}};
+    run.label_columns = columns;
+    const Figure figure = figure_of_run(run, kFrame);
+    EXPECT_TRUE(figure.labels.empty());
+    ASSERT_TRUE(figure.scale);
+    EXPECT_EQ(figure.scale->title, "n");
+    EXPECT_EQ(figure.scale->least, -1.0);
+    EXPECT_EQ(figure.scale->most, 9.0);
+    EXPECT_THAT(figure.panels[0].points, ElementsAre(Points{{1, 1}, {3, 3}}, Points{{2, 2}}));
+    EXPECT_THAT(figure.panels[0].numbers, ElementsAre(7, -1));
+}
+
+TEST(FigureOfRun, HasAScaleWhereNoPointHasANumber) {
+    const std::vector<double> x = {1};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    const std::vector<LabelColumn> columns = {
+        {"n", {""}, {std::numeric_limits<double>::quiet_NaN()}}};
+    run.label_columns = columns;
+    const Figure figure = figure_of_run(run, kFrame);
+    ASSERT_TRUE(figure.scale);
+    EXPECT_EQ(figure.scale->least, 0.0);
+    EXPECT_EQ(figure.scale->most, 0.0);
+}
+
 TEST(FigureOfRun, SpansItsFinitePointsWhereTheBoundsAreNotFinite) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const std::vector<double> x = {nan, 1, 5, -2};

@@ -89,8 +89,8 @@ def run_r(place, text):
     checks = (
         f'if (exists("map")) stopifnot(nrow(map) == {ROWS}, is.numeric(map$component_1),\n'
         '  "ADE5,7" %in% map$name)\n'
-        f'if (exists("table", mode = "list")) stopifnot(nrow(table) == {ROWS}, ncol(table) == 6,\n'
-        '  "ADE5,7" %in% table$name, is.numeric(table[["data in xaxis"]]),\n'
+        f'if (exists("table", mode = "list")) stopifnot(nrow(table) == {ROWS}, ncol(table) == 5,\n'
+        '  "ADE5,7" %in% table$name, is.numeric(table$x),\n'
         '  any(grepl("ribosom", table[["function"]])))\n'
     )
     place.run("Rscript", "-", text=text + checks)

@@ -65,6 +65,18 @@ TEST(MakeResultTable, LooksFunctionsUpAndInsertsUnknownNames) {
     EXPECT_EQ(functions, (Functions{{"SEO1", "Putative permease"}, {"XYZ1", ""}}));
 }
 
+TEST(MakeResultTable, TakesFunctionsThatAreGiven) {
+    const std::vector<double> Y = {1, 2, 3, 4, 5, 6};
+    const std::vector<std::string> names = {"cdc28", "x"};
+    const std::vector<std::string> functions = {"Kinase", ""};
+    const auto table = make_result_table<double>(MatrixView<const double>{Y.data(), 2, 3},
+                                                 std::span<const std::string>(names),
+                                                 std::span<const std::string>(functions));
+    EXPECT_EQ(table.names, (std::vector<std::string>{"cdc28", "x", "cdc28", "x", "cdc28", "x"}));
+    EXPECT_EQ(table.functions,
+              (std::vector<std::string>{"Kinase", "", "Kinase", "", "Kinase", ""}));
+}
+
 TEST(ResultTableStem, CutsThePerplexityToOneDigit) {
     EXPECT_EQ(result_table_stem(30.0, ""), "tsne_30_0");
     EXPECT_EQ(result_table_stem(12.75, ""), "tsne_12_7");

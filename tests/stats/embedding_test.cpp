@@ -112,11 +112,19 @@ TEST(Embedding, TellsWhatCouldNotBeWritten) {
     EXPECT_EQ(written.log_failure, std::errc::no_such_file_or_directory);
 }
 
-TEST(Embedding, RefusesLabelsOfAnotherNumber) {
+TEST(Embedding, RefusesTextsOfAnotherNumber) {
     const test::TemporaryDirectory directory;
-    ResultSettings settings{.out_dir = directory.prefix(), .out_name = "run"};
-    settings.labels.assign(3, "A");
-    EXPECT_THROW(static_cast<void>(embedded(names()).write(settings)), InputError);
+    const Embedding map = embedded(names());
+    const std::vector<std::string> few(3, "A");
+    const ResultSettings plain{.out_dir = directory.prefix(), .out_name = "run"};
+    std::vector<ResultSettings> refused(4, plain);
+    refused[0].labels = few;
+    refused[1].label_columns = {{.title = "group", .texts = few}};
+    refused[2].functions = few;
+    refused[3].genes = few;
+    for (const ResultSettings& settings : refused) {
+        EXPECT_THROW(static_cast<void>(map.write(settings)), InputError);
+    }
     EXPECT_TRUE(files_in(directory.prefix()).empty());
 }
 

@@ -483,6 +483,29 @@ TEST_F(Driver, NamesRowsAfterTheLastNamesThatThereAre) {
     testing::internal::GetCapturedStdout();
 }
 
+TEST_F(Driver, TakesFunctionsAndLabelsThatAreGivenForItsRows) {
+    testing::internal::CaptureStdout();
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.init(directory_.write("n.tsv", "h\ncdc28\t1\t2\nB\t3\t5\nC\t0\t1\nD\t4\t4\n"), 2, '\t');
+    tsne.row_functions = {"Kinase", "", "", ""};
+    tsne.row_genes = {"CDC28", "", "", ""};
+    tsne.label_columns = {{"dose", {"1", "2", "3", ""}, {1.0, 2.0, 3.0, std::nan("")}}};
+    tsne.actuate(2, 1.0, {}, 250, 250);
+    const std::string table = test::read_file(directory_.file("run_tsne_1_0.csv"));
+    EXPECT_NE(table.find("\ncdc28,"), std::string::npos);
+    EXPECT_EQ(count_of(table, "Group:1:2,\"Kinase\"\n"), 1U);
+    EXPECT_EQ(count_of(table, "Group:1:2,\"\"\n"), 3U);
+    const std::string page = test::read_file(directory_.file("run_tsne_1_0.html"));
+    EXPECT_EQ(count_of(page, "\"genes\":[\"CDC28\",\"\",\"\",\"\"]"), 1U);
+    EXPECT_EQ(count_of(page, "\"numbers\":[1,2,3,null]"), 1U);
+    EXPECT_NE(test::read_file(directory_.file("run_tsne_1_0.gp")).find("set cblabel 'dose'"),
+              std::string::npos);
+    tsne.row_functions.pop_back();
+    EXPECT_THROW(tsne.actuate(2, 1.0, {}, 250, 250), InputError);
+    tsne.finish();
+    testing::internal::GetCapturedStdout();
+}
+
 TEST_F(Driver, HasNoRoomForANegativeNumberOfDimensions) {
     TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
     tsne.init(matrix(10), 2, '\t');

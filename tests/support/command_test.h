@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -32,9 +33,12 @@ class CommandTest : public testing::Test {
     }
 
     /// The arguments for a short run on a matrix given as text, results in a directory that the
-    /// command is to make.
+    /// command is to make. Unless the options say what its names are, they are those of no genes.
     std::vector<std::string> arguments_for(const std::string& content,
                                            std::vector<std::string> options = {}) {
+        if (std::find(options.begin(), options.end(), "--names") == options.end()) {
+            options.insert(options.begin(), {"--names", "other"});
+        }
         options.insert(options.begin(),
                        {directory_.write("m.txt", content), "--out-dir", results_, "-i", "5"});
         return options;

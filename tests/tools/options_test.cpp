@@ -80,7 +80,7 @@ TEST(ParseCommandLine, FillsInDefaults) {
     EXPECT_THAT(options.perplexities, IsEmpty());
     EXPECT_FALSE(options.delimiter);
     EXPECT_FALSE(options.missing);
-    EXPECT_FALSE(options.standard_names);
+    EXPECT_EQ(options.names, RowNames::AsInFile);
     EXPECT_EQ(options.gene, "");
     EXPECT_EQ(options.labels_file, "");
     EXPECT_EQ(options.row_names_file, "");
@@ -91,7 +91,8 @@ TEST(ParseCommandLine, FillsInDefaults) {
     EXPECT_EQ(options.precision, Precision::Double);
     EXPECT_EQ(options.threads, 0);
     EXPECT_FALSE(options.force || options.quality || options.plot_cost || options.dry_run ||
-                 options.quiet || options.coordinates_npy || options.coordinates_tsv);
+                 options.quiet || options.coordinates_npy || options.coordinates_tsv ||
+                 options.annotated_tsv);
     EXPECT_EQ(options.report_file, "");
     EXPECT_THAT(options.collected_reports, IsEmpty());
     visit_fit_options(options.fit, [](const auto& option) {
@@ -126,6 +127,8 @@ TEST(ParseCommandLine, TakesWhatIsGiven) {
                                         "7",
                                         "--resume",
                                         "old.ckpt",
+                                        "--annotated",
+                                        "tsv",
                                         "--json",
                                         "report.json",
                                         "--no-plots",
@@ -140,7 +143,8 @@ TEST(ParseCommandLine, TakesWhatIsGiven) {
     EXPECT_EQ(options.title, "Yeast genes");
     EXPECT_EQ(options.labels_file, "labels.txt");
     EXPECT_EQ(options.row_names_file, "names.txt");
-    EXPECT_TRUE(options.standard_names);
+    EXPECT_EQ(options.names, RowNames::Standard);
+    EXPECT_TRUE(options.annotated_tsv);
     EXPECT_EQ(options.missing, MissingPolicy::RowMean);
     EXPECT_EQ(options.precision, Precision::Float);
     EXPECT_EQ(options.threads, 3);
@@ -280,9 +284,11 @@ TEST(ParseCommandLine, TakesPoliciesForMissingValues) {
 }
 
 TEST(ParseCommandLine, RefusesOtherWordsThanThoseOfAnOption) {
-    EXPECT_FALSE(options_of({"--names", "file"}).standard_names);
+    EXPECT_EQ(options_of({"--names", "file"}).names, RowNames::AsInFile);
+    EXPECT_EQ(options_of({"--names", "other"}).names, RowNames::Other);
     EXPECT_EQ(options_of({"--precision", "double"}).precision, Precision::Double);
-    EXPECT_EQ(refusal_of("--names", "latin"), "--names: latin not in {file,standard}");
+    EXPECT_EQ(refusal_of("--names", "latin"), "--names: latin not in {file,standard,other}");
+    EXPECT_EQ(refusal_of("--annotated", "csv"), "--annotated: csv not in {tsv}");
     EXPECT_EQ(refusal_of("--precision", "half"), "--precision: half not in {double,float}");
 }
 

@@ -30,6 +30,7 @@ TEST(ResultBase, HasDirectoryNamePerplexityAndSuffix) {
     EXPECT_EQ(result_base(options_in("res/"), 12.75), "res/yeast_tsne_12_7_a");
     EXPECT_EQ(result_base(options_in("./"), 30.0), "./yeast_tsne_30_0_a");
     EXPECT_EQ(cost_base("res/yeast_tsne_30_0"), "res/yeast_tsne_30_0_cost");
+    EXPECT_EQ(annotated_path("res/yeast_tsne_30_0"), "res/yeast_tsne_30_0_annotated.tsv");
     EXPECT_EQ(comparison_path(options_in("res/")), "res/yeast_tsne_comparison_a.html");
 }
 
@@ -50,14 +51,17 @@ TEST(ResultFiles, AreThoseOfAllRunsThenWhatTheyShare) {
     options.plots = false;
     options.report_file = "elsewhere/report.json";
     options.coordinates_tsv = true;
+    options.annotated_tsv = true;
     EXPECT_THAT(result_files(options, {5.0, 10.0}),
                 ElementsAre("yeast_tsne_5_0_a.csv",
                             "yeast_tsne_5_0_a.tsv",
+                            "yeast_tsne_5_0_a_annotated.tsv",
                             "yeast_tsne_10_0_a.csv",
                             "yeast_tsne_10_0_a.tsv",
+                            "yeast_tsne_10_0_a_annotated.tsv",
                             "yeast_tsne_comparison_a.html",
                             "elsewhere/report.json"));
-    options.coordinates_tsv = false;
+    options.coordinates_tsv = options.annotated_tsv = false;
     options.coordinates_npy = true;
     options.plot_cost = true;
     EXPECT_THAT(result_files(options, {5.0}),

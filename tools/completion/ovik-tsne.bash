@@ -10,7 +10,8 @@ _ovik_tsne() {
     --missing)
       COMPREPLY=($(compgen -W $'zero\nrow-mean\ncolumn-mean\ndrop\nerror' -- "$current"))
       ;;
-    --names) COMPREPLY=($(compgen -W $'file\nstandard' -- "$current")) ;;
+    --names) COMPREPLY=($(compgen -W $'file\nstandard\nother' -- "$current")) ;;
+    --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;

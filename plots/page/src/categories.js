@@ -1,7 +1,12 @@
 /** Sorting genes by their labels. */
 
+import { formatCoordinate } from './format.js';
+
 /** More labels than this share the last entry of the legend. */
 export const MOST_CATEGORIES = 500;
+
+/** So many steps of colour stand for the range of numbers. */
+export const NUMBER_LEVELS = 64;
 
 const EMPTY_LABEL = '(no label)';
 
@@ -17,7 +22,7 @@ const EMPTY_LABEL = '(no label)';
 export function findCategories(labels, order, count) {
   const of = new Uint16Array(count);
   if (labels.every((label) => label === '')) {
-    return { list: [{ text: 'all genes', count }], of, labelled: false };
+    return { list: [{ text: 'all genes', count }], of, labelled: false, scale: null };
   }
   const present = new Set(labels);
   const texts = [...new Set(order.filter((label) => present.has(label)).concat(labels))];
@@ -30,5 +35,36 @@ export function findCategories(labels, order, count) {
     of[gene] = index.get(label);
     list[of[gene]].count += 1;
   });
-  return { list, of, labelled: true };
+  return { list, of, labelled: true, scale: null };
+}
+
+/**
+ * Finds the categories of genes that have numbers: equal steps from the least to the most, then those
+ * without a number, if there are any.
+ *
+ * @param {Float64Array} numbers one per gene, NaN for none
+ * @returns as `findCategories`, and the `scale` `{least, most}`
+ */
+export function findLevels(numbers) {
+  const known = numbers.filter(Number.isFinite);
+  const least = known.reduce((one, other) => Math.min(one, other), Infinity);
+  const most = known.reduce((one, other) => Math.max(one, other), -Infinity);
+  if (known.length === 0) return { ...findCategories([], [], numbers.length), scale: null };
+  // Halves, so that the range of the largest numbers is finite.
+  const width = most / 2 - least / 2;
+  const at = (level) => least + (level / NUMBER_LEVELS) * width * 2;
+  const list = Array.from({ length: NUMBER_LEVELS }, (_, level) => ({
+    text: `${formatCoordinate(at(level))} to ${formatCoordinate(at(level + 1))}`,
+    count: 0,
+  }));
+  if (known.length < numbers.length) list.push({ text: EMPTY_LABEL, count: 0 });
+  const of = Uint16Array.from(numbers, (number) => {
+    if (!Number.isFinite(number)) return NUMBER_LEVELS;
+    const share = width > 0 ? (number / 2 - least / 2) / width : 0.5;
+    return Math.min(Math.floor(share * NUMBER_LEVELS), NUMBER_LEVELS - 1);
+  });
+  of.forEach((level) => {
+    list[level].count += 1;
+  });
+  return { list, of, labelled: true, scale: { least, most } };
 }

@@ -73,7 +73,7 @@ function createPainter(echart, model, store, frame, viewport) {
     paint() {
       const state = store.get();
       const ink = inkOf(state.theme);
-      layers = buildLayers(points(), model.categories, model.stylesOf(state), highlighted(state));
+      layers = buildLayers(points(), model.categoriesOf(state), model.stylesOf(state), highlighted(state));
       look = lookOf(visibleCount());
       const plot = plotOption({
         pair: model.pairOf(state),
@@ -140,7 +140,7 @@ export function createChart(element, model, store) {
     settleSoon();
   });
   store.listen(['pair'], viewport.restart);
-  store.listen(['pair', 'shown', 'matches', 'selection', 'theme'], render);
+  store.listen(['pair', 'shown', 'colouring', 'matches', 'selection', 'theme'], render);
   render();
   new ResizeObserver(debounced(() => {
     if (element.clientWidth === 0) return;

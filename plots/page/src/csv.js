@@ -2,7 +2,6 @@
 
 import { nameOf } from './dataset.js';
 
-const COLUMNS = ['name', 'label', 'group', 'x', 'y', 'function'];
 
 function field(value) {
   const text = String(value);
@@ -16,14 +15,16 @@ function field(value) {
 export function toCsv(model, state, genes) {
   const { dataset } = model;
   const pair = model.pairOf(state);
+  const titles = dataset.colourings.map(({ title }) => title || 'label');
   const number = (value) => (Number.isFinite(value) ? value : '');
   const lines = Array.from(genes, (gene) => [
     nameOf(dataset, gene),
-    dataset.labels[gene] ?? '',
+    ...dataset.colourings.map(({ labels }) => labels[gene] ?? ''),
     pair?.group ?? '',
     number(pair?.x[gene]),
     number(pair?.y[gene]),
     dataset.functions[gene] ?? '',
   ].map(field).join(','));
-  return `${[COLUMNS.join(','), ...lines].join('\n')}\n`;
+  const header = ['name', ...titles, 'group', 'x', 'y', 'function'].map(field).join(',');
+  return `${[header, ...lines].join('\n')}\n`;
 }

@@ -63,13 +63,24 @@ function readPair(raw, count) {
   };
 }
 
+/** What genes may be coloured by: `labels` of each, and `numbers` where these are a quantity. */
+function readColourings(raw, count, labels) {
+  const columns = asList(raw).filter(({ texts }) => asList(texts).length === count).map((column) => ({
+    title: asText(column.title),
+    labels: asTexts(column.texts),
+    numbers: asList(column.numbers).length === count ? readCoordinates(column.numbers, count) : null,
+  }));
+  return columns.length > 0 ? columns : [{ title: '', labels, numbers: null }];
+}
+
 /**
  * Reads the page's data.
  *
  * @param {string} text JSON as the program wrote it
  * @returns texts as they came; per pair `x` and `y` (Float64Array, `count` long, NaN = no position),
- *   `placed` (number of points with a position) and `extent`; `names`, `functions` and `labels` are
- *   `count` long or empty
+ *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
+ *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
+ *   there is at least one, are `count` long or empty
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -91,7 +102,8 @@ export function readDataset(text) {
     pairs: asList(raw.pairs).map((pair) => readPair(pair, count)),
     names: perPoint(raw.names),
     functions: perPoint(raw.functions),
-    labels: perPoint(raw.labels),
+    genes: perPoint(raw.genes),
+    colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
   };
 }
 

@@ -23,14 +23,16 @@ export function showDetails(element, model, store) {
 
   function describe(state, gene) {
     const { dataset } = model;
-    const label = dataset.labels[gene] ?? '';
+    const labels = dataset.colourings.filter((colouring) => (colouring.labels[gene] ?? '') !== '');
+    const listed = dataset.genes[gene] ?? '';
     const address = databaseAddress(dataset, gene);
     const chosen = includes(state.selection, gene);
     return [
       el('p', { class: 'gene-name' }, dataText(nameOf(dataset, gene))),
       el('p', { class: 'gene-function' }, dataText(functionText(dataset.functions[gene] ?? ''))),
       el('dl', {},
-        ...(label === '' ? [] : entry('Label', label)),
+        ...(listed === '' ? [] : entry('Listed as', listed)),
+        ...labels.flatMap((colouring) => entry(colouring.title || 'Label', colouring.labels[gene])),
         ...entry('Group', model.pairOf(state)?.group ?? ''),
         ...entry('Place', coordinatesText(model, state, gene))),
       ...(address === '' ? [] : [databaseLink(address)]),

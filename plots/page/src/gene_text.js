@@ -6,7 +6,7 @@ import { nameOf } from './dataset.js';
 /** Label, if there are any, and group of a gene. */
 export function categoryText(model, state, gene) {
   const group = model.pairOf(state)?.group ?? '';
-  const label = model.dataset.labels[gene] ?? '';
+  const label = model.colouringOf(state).labels[gene] ?? '';
   return [label, group].filter((part) => part !== '').join(' \u00b7 ');
 }
 
@@ -31,6 +31,6 @@ export function geneSentence(model, state, gene) {
 export function databaseAddress(dataset, gene) {
   if ((dataset.functions[gene] ?? '') === '') return '';
   // A lone surrogate has no encoding.
-  const name = nameOf(dataset, gene).replace(/\p{Cs}/gu, '\ufffd');
+  const name = (dataset.genes[gene] || nameOf(dataset, gene)).replace(/\p{Cs}/gu, '\ufffd');
   return `https://www.yeastgenome.org/locus/${encodeURIComponent(name)}`;
 }

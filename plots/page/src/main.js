@@ -1,6 +1,5 @@
 /** Puts the page together. */
 
-import { findCategories } from './categories.js';
 import { createChart } from './chart.js';
 import { createMarker } from './marker.js';
 import { createModel } from './model.js';
@@ -28,10 +27,10 @@ const FLIGHT_SHARE = 0.12;
 
 const part = (id) => document.getElementById(id);
 
-function firstState(categories) {
+function firstState(model) {
   return {
     pair: 0,
-    shown: new Uint8Array(categories.list.length).fill(1),
+    ...model.colouredBy(0),
     hover: -1,
     focus: -1,
     matches: null,
@@ -45,7 +44,7 @@ function firstState(categories) {
 function chooser(chart, model, store) {
   return (gene) => {
     const { shown } = store.get();
-    const category = model.categories.of[gene];
+    const category = model.categoriesOf(store.get()).of[gene];
     if (!shown[category]) store.set({ shown: shown.map((value, index) => (index === category ? 1 : value)) });
     store.set({ focus: gene, hover: -1 });
     if (!model.isPlaced(store.get(), gene)) return;
@@ -57,9 +56,8 @@ function chooser(chart, model, store) {
 
 function start() {
   const dataset = readDataset(part('chart-data').textContent);
-  const categories = findCategories(dataset.labels, dataset.categoryOrder, dataset.count);
-  const model = createModel(dataset, categories);
-  const store = createStore(firstState(categories));
+  const model = createModel(dataset);
+  const store = createStore(firstState(model));
   applyTheme(store.get().theme);
   store.listen(['theme'], ({ theme }) => applyTheme(theme));
   onPreferredTheme((theme) => store.set({ theme }));

@@ -46,7 +46,7 @@ export function createMarker(chart, model, store) {
     const state = store.get();
     const gene = state.hover >= 0 ? state.hover : state.focus;
     const { x, y } = model.pointsOf(state);
-    const isDrawn = gene >= 0 && state.shown[model.categories.of[gene]] === 1;
+    const isDrawn = gene >= 0 && state.shown[model.categoriesOf(state).of[gene]] === 1;
     if (!isDrawn || !contains(chart.view(), x[gene], y[gene])) {
       hide();
       return;

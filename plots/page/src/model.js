@@ -1,6 +1,7 @@
 /** The data together with what follows from the reader's choices; each part is worked out once. */
 
-import { categoryStyles } from './palette.js';
+import { findCategories, findLevels, NUMBER_LEVELS } from './categories.js';
+import { categoryStyles, levelStyles } from './palette.js';
 import { drawnGenes } from './points.js';
 
 function remembered(compute) {
@@ -17,30 +18,40 @@ function remembered(compute) {
 
 const NO_COORDINATES = new Float64Array(0);
 
-/**
- * @param {object} dataset as of `readDataset`
- * @param {object} categories as of `findCategories`
- */
-export function createModel(dataset, categories) {
-  const points = remembered((pair, shown) => ({
+/** @param {object} dataset as of `readDataset` */
+export function createModel(dataset) {
+  const categories = remembered((colouring) => {
+    const { labels, numbers } = dataset.colourings[colouring];
+    return numbers ? findLevels(numbers) : findCategories(labels, dataset.categoryOrder, dataset.count);
+  });
+  const points = remembered((pair, shown, colouring) => ({
     x: pair?.x ?? NO_COORDINATES,
     y: pair?.y ?? NO_COORDINATES,
-    genes: pair ? drawnGenes(pair, categories, shown) : new Int32Array(0),
+    genes: pair ? drawnGenes(pair, categories(colouring), shown) : new Int32Array(0),
   }));
-  const styles = remembered((theme) => categoryStyles(categories.list.length, {
-    scheme: dataset.colourScheme,
-    own: dataset.colours,
-    theme,
-  }));
+  const styles = remembered((theme, colouring) => {
+    const { list, scale } = categories(colouring);
+    return scale
+      ? levelStyles(NUMBER_LEVELS, theme).slice(0, list.length)
+      : categoryStyles(list.length, { scheme: dataset.colourScheme, own: dataset.colours, theme });
+  });
   return {
     dataset,
-    categories,
+    /** What genes are told apart by: `title` and `labels`, which may be empty. */
+    colouringOf: (state) => dataset.colourings[state.colouring],
+    /** The categories that follow from it, as of `findCategories`. */
+    categoriesOf: (state) => categories(state.colouring),
+    /** A choice of what genes are coloured by, for the store: all of its categories are shown. */
+    colouredBy: (colouring) => ({
+      colouring,
+      shown: new Uint8Array(categories(colouring).list.length).fill(1),
+    }),
     /** The pair that is drawn; undefined without data. */
     pairOf: (state) => dataset.pairs[state.pair],
     /** `{x, y, genes}` of the genes that are drawn. */
-    pointsOf: (state) => points(dataset.pairs[state.pair], state.shown),
+    pointsOf: (state) => points(dataset.pairs[state.pair], state.shown, state.colouring),
     /** Colour and shape of each category. */
-    stylesOf: (state) => styles(state.theme),
+    stylesOf: (state) => styles(state.theme, state.colouring),
     /** Whether a gene has a position in the pair that is drawn. */
     isPlaced(state, gene) {
       const pair = dataset.pairs[state.pair];

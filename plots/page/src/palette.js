@@ -50,6 +50,19 @@ function viridis(theme, index, count) {
   return mix(VIRIDIS[below], VIRIDIS[below + 1], position - below);
 }
 
+const NO_NUMBER = { light: '#b4bcc4', dark: '#4c5863' };
+
+/**
+ * Colour and shape of the levels of numbers, and of genes without one, which come last.
+ *
+ * @param {number} levels number of levels
+ * @param {'light'|'dark'} theme
+ */
+export function levelStyles(levels, theme) {
+  const colours = Array.from({ length: levels }, (_, level) => viridis(theme, level, levels));
+  return [...colours, NO_NUMBER[theme]].map((colour) => ({ colour, shape: SHAPES[0] }));
+}
+
 function schemeColour(scheme, theme, index, count) {
   if (scheme === 'viridis') return viridis(theme, index, Math.min(count, STYLE_COUNT));
   const colours = scheme === 'dark2'

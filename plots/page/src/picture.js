@@ -16,6 +16,7 @@ const PICTURE = { width: 1200, height: 900, pixelRatio: 2 };
 
 const TITLE_HEIGHT = 64;
 const MOST_ENTRIES = 36;
+const MOST_LEVELS = 9;
 /** Up to so many points are drawn as shapes; more would make files that no editor opens. */
 const MOST_SHAPES = 20000;
 
@@ -24,9 +25,15 @@ function pictureLook(count) {
   return look.shapes || count > MOST_SHAPES ? look : { shapes: true, size: 5, opacity: 0.6 };
 }
 
-function legend(model, named, ink, margins) {
+/** At most `most` of some categories: the first ones, or of a scale those at equal steps. */
+function namedOf(shown, scale, most) {
+  if (!scale || shown.length <= most) return shown.slice(0, most);
+  return Array.from({ length: most }, (_, step) => shown[Math.round((step * (shown.length - 1)) / (most - 1))]);
+}
+
+function legend(model, categories, named, ink, margins) {
   return {
-    show: model.categories.labelled,
+    show: categories.labelled,
     type: 'plain',
     orient: 'vertical',
     left: PICTURE.width - margins[1] + 20,
@@ -36,7 +43,7 @@ function legend(model, named, ink, margins) {
     itemGap: 8,
     selectedMode: false,
     data: named.map((category) => ({ name: `${category}`, itemStyle: { opacity: 1 } })),
-    formatter: (name) => drawableText(model.categories.list[Number(name)].text, 60),
+    formatter: (name) => drawableText(categories.list[Number(name)].text, 60),
     textStyle: { color: ink.text, width: model.dataset.layout.legendWidth - 14, overflow: 'truncate' },
   };
 }
@@ -54,9 +61,11 @@ function pictureOption(chart, model, state) {
   const range = fitWindow(chart.view(), plot.width, plot.height, 0);
   const drawn = model.pointsOf(state);
   const points = { ...drawn, genes: genesInWindow(drawn, range) };
-  const layers = buildLayers(points, model.categories, model.stylesOf(state), highlighted(state));
-  const named = [...new Set(layers.map((layer) => layer.category))].sort((a, b) => a - b).slice(0, MOST_ENTRIES);
-  const shownCount = new Set(Array.from(points.genes, (gene) => model.categories.of[gene])).size;
+  const categories = model.categoriesOf(state);
+  const layers = buildLayers(points, categories, model.stylesOf(state), highlighted(state));
+  const drawnAlike = [...new Set(layers.map((layer) => layer.category))].sort((a, b) => a - b);
+  const named = namedOf(drawnAlike, categories.scale, categories.scale ? MOST_LEVELS : MOST_ENTRIES);
+  const shownCount = new Set(Array.from(points.genes, (gene) => categories.of[gene])).size;
   return {
     ...plotOption({
       pair: model.pairOf(state),
@@ -71,14 +80,14 @@ function pictureOption(chart, model, state) {
     }),
     title: {
       text: drawableText(titleOf(dataset)),
-      subtext: named.length < shownCount ? `The legend names ${named.length} of ${shownCount} labels.` : '',
+      subtext: named.length < shownCount && !categories.scale ? `The legend names ${named.length} of ${shownCount} labels.` : '',
       left: margins[3],
       top: 12,
       itemGap: 6,
       textStyle: { color: ink.text, fontSize: 20, fontWeight: 600, width: plot.width, overflow: 'truncate' },
       subtextStyle: { color: ink.muted, fontSize: 12 },
     },
-    legend: legend(model, named, ink, margins),
+    legend: legend(model, categories, named, ink, margins),
   };
 }
 

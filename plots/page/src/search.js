@@ -21,7 +21,7 @@ function createFinder(dataset) {
     if (wanted === '') return null;
     texts ??= Array.from({ length: dataset.count }, (_, gene) => {
       const known = dataset.functions[gene] ?? '';
-      return `${nameOf(dataset, gene)}\n${known === 'NULL' ? '' : known}`.toLowerCase();
+      return `${nameOf(dataset, gene)}\n${known === 'NULL' ? '' : known}\n${dataset.genes[gene] ?? ''}`.toLowerCase();
     });
     const words = wanted.split(/\s+/);
     const found = [];

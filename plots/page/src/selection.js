@@ -15,7 +15,9 @@ function geneRow(model, state, gene, choose) {
   name.append(dataText(nameOf(dataset, gene)));
   const cells = [el('th', { scope: 'row' }, name)];
   cells.push(el('td', { class: 'function' }, dataText(functionText(dataset.functions[gene] ?? ''))));
-  if (model.categories.labelled) cells.push(el('td', { class: 'label' }, dataText(dataset.labels[gene] ?? '')));
+  if (model.categoriesOf(state).labelled) {
+    cells.push(el('td', { class: 'label' }, dataText(model.colouringOf(state).labels[gene] ?? '')));
+  }
   cells.push(
     el('td', { class: 'number' }, formatCoordinate(pair?.x[gene] ?? NaN)),
     el('td', { class: 'number' }, formatCoordinate(pair?.y[gene] ?? NaN)),
@@ -24,7 +26,8 @@ function geneRow(model, state, gene, choose) {
 }
 
 function geneTable(model, state, choose) {
-  const titles = ['Name', 'Function', ...(model.categories.labelled ? ['Label'] : []), 'x', 'y'];
+  const label = model.categoriesOf(state).labelled ? [model.colouringOf(state).title || 'Label'] : [];
+  const titles = ['Name', 'Function', ...label, 'x', 'y'];
   const rows = Array.from(state.selection.slice(0, MOST_LISTED), (gene) => geneRow(model, state, gene, choose));
   return el('div', { class: 'table-frame', tabindex: 0, role: 'region', 'aria-label': 'Chosen genes' },
     el('table', {},
@@ -67,6 +70,6 @@ export function showSelection(element, model, store, choose, say) {
     body.replaceChildren(tools, ...cut, geneTable(model, state, choose));
   }
 
-  store.listen(['selection', 'pair'], update);
+  store.listen(['selection', 'pair', 'colouring'], update);
   update(store.get());
 }

@@ -3,6 +3,7 @@
 /**
  * @typedef {object} State
  * @property {number} pair index of the pair of components that is drawn
+ * @property {number} colouring index of what genes are coloured by
  * @property {Uint8Array} shown 1 for each category that is drawn
  * @property {number} hover gene under the pointer, or -1
  * @property {number} focus gene whose details are shown, or -1

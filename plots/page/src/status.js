@@ -19,6 +19,7 @@ export function followStatus(element, chart, model, store) {
   store.listen(['matches'], (state) => {
     if (state.matches) say(`${counted(state.matches.length, 'gene matches', 'genes match')}`);
   });
+  store.listen(['colouring'], (state) => say(`Coloured by ${model.colouringOf(state).title}`));
   store.listen(['shown', 'pair'], (state) => say(`${counted(model.pointsOf(state).genes.length, 'gene')} drawn`));
   return { say };
 }

@@ -10,8 +10,9 @@ export function titleOf(dataset) {
   return dataset.title || dataset.name || 'Genes';
 }
 
-function categoriesText({ list, labelled }) {
+function categoriesText({ list, labelled, scale }) {
   if (!labelled) return '';
+  if (scale) return `Colours from ${formatCoordinate(scale.least)} to ${formatCoordinate(scale.most)}.`;
   const named = list.slice(0, MOST_LABELS_NAMED).map(({ text, count }) => `${text} (${formatCount(count)})`);
   const rest = list.length - named.length;
   return `${counted(list.length, 'label')}: ${named.join(', ')}${rest > 0 ? ` and ${formatCount(rest)} more` : ''}.`;
@@ -19,7 +20,8 @@ function categoriesText({ list, labelled }) {
 
 /** What the chart shows, for those who do not see it. */
 function chartSentence(model, state) {
-  const { dataset, categories } = model;
+  const { dataset } = model;
+  const categories = model.categoriesOf(state);
   const pair = model.pairOf(state);
   if (!pair?.extent) return 'Scatter without any points.';
   const { x0, x1, y0, y1 } = pair.extent;
@@ -31,9 +33,9 @@ function chartSentence(model, state) {
   ].join('').trim();
 }
 
-function leadText({ dataset, categories }, pair) {
+function leadText({ dataset }, categories, pair) {
   if (dataset.count === 0 || !pair) return 'There are no points to show.';
-  const labels = categories.labelled ? `, in ${counted(categories.list.length, 'label')}` : '';
+  const labels = categories.labelled && !categories.scale ? `, in ${counted(categories.list.length, 'label')}` : '';
   const missing = dataset.count - pair.placed;
   const unplaced = missing > 0
     ? ` ${counted(missing, 'gene has', 'genes have')} no finite position and ${missing === 1 ? 'is' : 'are'} not drawn.`
@@ -50,9 +52,9 @@ export function showSummary(element, chartElement, model, store) {
     ...model.dataset.texts.map((text) => el('p', { class: 'spare' }, dataText(text))),
   );
   function update(state) {
-    lead.textContent = leadText(model, model.pairOf(state));
+    lead.textContent = leadText(model, model.categoriesOf(state), model.pairOf(state));
     chartElement.setAttribute('aria-label', chartSentence(model, state));
   }
-  store.listen(['pair'], update);
+  store.listen(['pair', 'colouring'], update);
   update(store.get());
 }

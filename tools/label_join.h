@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "input/load.h"
+#include "results/label_column.h"
+
+#include "tools/options.h"
+
+namespace ovik::tool {
+
+/// How labels found their rows.
+struct JoinCounts {
+    std::size_t rows = 0;
+    /// Rows that carry the very name of a line of labels.
+    std::size_t by_name = 0;
+    /// Rows that carry another name of the same gene.
+    std::size_t by_gene = 0;
+    /// Rows that the first column of labels leaves without one.
+    std::size_t unlabelled = 0;
+    /// Lines whose name is that of no row.
+    std::size_t names_left = 0;
+    /// The first few of these names.
+    std::vector<std::string> first_names_left;
+};
+
+/// Labels, and how they found their rows.
+struct JoinedLabels {
+    std::vector<LabelColumn> columns;
+    JoinCounts counts;
+};
+
+/// Gives rows the labels of their names: of the very name, else of the gene that it stands for.
+///
+/// A column whose labels are all finite numbers, but for those missing, is numeric. In other
+/// columns empty fields and NA are missing. Titles that are empty become "label".
+///
+/// @param path   of the labels, for messages
+/// @param genes  whether names stand for genes of yeast
+/// @throws InputError if no row has a label, or the header holds the name of a row, or two lines
+/// are of the gene of one row
+JoinedLabels join_labels(const LabelTable& table,
+                         const std::vector<std::string>& row_names,
+                         const std::string& path,
+                         bool genes);
+
+/// The labels that a matrix was loaded with, by name, and what there is to say of them on the
+/// console; none if it has no labels by name.
+std::vector<LabelColumn> settle_labels(const LoadedMatrix& loaded, const Options& options);
+
+/// One line: how many rows have labels, and which names are of no row.
+std::string joined_labels_line(const JoinCounts& counts);
+
+}  // namespace ovik::tool
