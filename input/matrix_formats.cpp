@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "input/delimited_text.h"
+#include "input/foreign_formats.h"
 #include "input/matrix_market.h"
 #include "input/npy_matrix.h"
 #include "input/text_head.h"

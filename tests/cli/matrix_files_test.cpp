@@ -92,8 +92,8 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
         std::vector<std::string> options;
         const char* reason;
     } kCases[] = {
-        {"empty", "", {}, "found no numbers"},
-        {"a line end alone", "\n", {}, "found no numbers"},
+        {"empty", "", {}, ": the file is empty"},
+        {"a line end alone", "\n", {}, ": the file holds blanks alone"},
         {"a header alone", "g\ta\tb\n", {}, "found no numbers"},
         {"a header alone, delimiter given", "g\ta\tb\n", {"--delimiter", "tab"}, "has 0 rows"},
         {"one cell", "5", {}, "found no numbers"},
@@ -101,7 +101,7 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
         {"one row", "g\ta\nG1\t1\n", {}, "has 1 row, and an embedding needs at least 3"},
         {"UTF-16, little-endian", "\xFF\xFEg\n", {}, "UTF-16"},
         {"UTF-16, big-endian", "\xFE\xFF\ng\n", {}, "UTF-16"},
-        {"UTF-16 without a mark", utf16, {}, ":1: the line holds a NUL byte"},
+        {"UTF-16 without a mark", utf16, {}, "UTF-16"},
         {"NUL in a name", std::string("g\nG1\t1\nG\0\t2\nG3\t3\n", 17), {}, ":3: the line holds"},
         {"NUL in a number",
          std::string("g\nG1\t1\0\nG2\t2\nG3\t3\n", 18),
@@ -116,10 +116,10 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
          std::string(70000, 'h') + std::string(1, '\0') + "\nG1\t1\n",
          {},
          ":1: the line holds a NUL byte"},
-        {"a program", elf, {}, ":1: the line holds a NUL byte"},
-        {"a picture", png, {}, "the line holds a NUL byte"},
+        {"a program", elf, {}, "this is a program"},
+        {"a picture", png, {}, "this is a picture (PNG)"},
         {"gzip", "\x1f\x8b\x08xyz", {}, "the gzip data are damaged"},
-        {"zip", "PK\x03\x04xyz", {}, "spreadsheet"},
+        {"zip", "PK\x03\x04xyz", {}, "this is a zip archive: unpack it"},
         {"carriage returns alone", "g\ta\rG1\t1\rG2\t2\rG3\t4\r", {}, "old Macintoshes"},
         {"a short row", "g\nG1\t1\t2\nG2\t3\nG3\t1\t2\n", {}, ":3: row \"G2\" has 1 value"},
         {"a long row", "g\nG1\t1\t2\nG2\t3\t4\t5\nG3\t1\t2\n", {}, ":3: row \"G2\" has 3 values"},
@@ -221,7 +221,7 @@ TEST_F(MatrixFile, CannotSteerTheTerminal) {
 
 TEST_F(MatrixFile, IsRefusedWhenItIsNoFile) {
     EXPECT_NE(refusal_of(directory_.prefix()).find("this is a directory"), std::string::npos);
-    EXPECT_NE(refusal_of("/dev/null").find("found no numbers"), std::string::npos);
+    EXPECT_NE(refusal_of("/dev/null").find("the file is empty"), std::string::npos);
     const std::string dangling = directory_.file("link");
     std::filesystem::create_symlink("nowhere", dangling);
     EXPECT_NE(refusal_of(dangling).find("there is no such file"), std::string::npos);

@@ -101,7 +101,7 @@ def test_files_that_cannot_be_opened(tmp_path):
     ("g,a\nG1,1\nG2,1,2\nG3,1\n", ':3: row "G2" has 2 values, but the first row has 1'),
     ("g,a\nG1,1\nG2,2\n", "has 2 rows, and an embedding needs at least 3"),
     ("g,a\nG1,1\nG2,inf\nG3,2\n", "which is not a finite number"),
-    ("", "found no numbers"),
+    ("", "the file is empty"),
     ("g,a\nG1,1\nG2,1\0\nG3,2\n", "NUL"),
     (gzip.compress(TEXT.encode())[:-9], "m.csv"),
     (b"\x93NUMPY\x01\x00", "m.csv"),
