@@ -6,6 +6,7 @@
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
 #include "input/row_texts.h"
+#include "input/transformations.h"
 #include "util/input_error.h"
 
 namespace ovik {
@@ -110,6 +111,10 @@ LoadedMatrix load(const std::string& path,
         loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
     }
     loaded.missing = settle_missing(name, options, loaded, remarks);
+    if (options.transformations.any()) {
+        remarks.push_back(
+            {Remark::Kind::Information, transform(name, options.transformations, matrix)});
+    }
     if (options.check_values) {
         check_values(name, matrix);
     }

@@ -6,6 +6,7 @@
 
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
+#include "input/transformations.h"
 
 namespace ovik {
 
@@ -21,6 +22,8 @@ struct LoadOptions {
     std::string row_names_file;
     /// A file with one label per line and row; empty: no labels.
     std::string labels_file;
+    /// What is done to the values once none is missing.
+    Transformations transformations;
     /// Whether what is left after the treatment of missing values is refused if it cannot be
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.
     bool check_values = true;

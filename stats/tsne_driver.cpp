@@ -133,6 +133,9 @@ RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
             run.options.emplace_back(option.words.name, shortest_text(option.value));
         }
     });
+    if (!transformations.empty()) {
+        run.options.emplace_back("transformations", transformations);
+    }
     return run;
 }
 
@@ -159,7 +162,11 @@ void TSNE<T>::actuate(int no_dims,
     const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     const FitReport report = fitAndReport(options);
     Stopwatch watch;
-    writeResults(no_dims, caption_parameters(options, N, D, report), labels);
+    auto parameters = caption_parameters(options, N, D, report);
+    if (!transformations.empty()) {
+        parameters.insert(parameters.begin() + 2, {"Transformations", transformations});
+    }
+    writeResults(no_dims, parameters, labels);
     times_.results = watch.lap();
 }
 

@@ -289,6 +289,22 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
 }
 
+void add_transformation_options(CLI::App& app, Options& options) {
+    Transformations& transformations = options.transformations;
+    app.add_flag("--log1p", transformations.log1p, "Take log(1 + x) of the values, for counts");
+    app.add_option_function<std::string>(
+           "--center",
+           [&transformations](const std::string& text) {
+               transformations.centre = *centring_of(text);
+           },
+           "Subtract the means of rows or of columns")
+        ->option_text("WHICH")
+        ->check(CLI::IsMember({"rows", "columns"}));
+    app.add_flag("--scale",
+                 transformations.scale,
+                 "Divide each column by its standard deviation; behind --log1p and --center");
+}
+
 void check_combination(const Options& options) {
     if (options.matrix.empty() && options.gene.empty() && options.collected_reports.empty()) {
         throw CLI::RequiredError("MATRIX");
@@ -338,6 +354,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     });
     ParsedCommand command;
     add_input_options(app, command.options);
+    add_transformation_options(app, command.options);
     add_output_options(app, command.options);
     add_method_options(app, command.options);
     add_checkpoint_options(app, command.options);

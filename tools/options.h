@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "input/missing_values.h"
+#include "input/transformations.h"
 #include "stats/fit_options.h"
 
 namespace ovik::tool {

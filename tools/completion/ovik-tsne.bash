@@ -10,6 +10,7 @@ _ovik_tsne() {
     --missing)
       COMPREPLY=($(compgen -W $'zero\nrow-mean\ncolumn-mean\ndrop\nerror' -- "$current"))
       ;;
+    --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
     --names) COMPREPLY=($(compgen -W $'file\nstandard' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
