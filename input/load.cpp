@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "input/date_names.h"
 #include "input/matrix_checks.h"
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
@@ -106,6 +107,10 @@ LoadedMatrix load(const std::string& path,
     note_duplicate_names(matrix);
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         remarks.push_back({Remark::Kind::Warning, std::move(warning)});
+    }
+    std::string dates = date_names_warning(name, matrix.row_names, matrix.row_lines);
+    if (!dates.empty()) {
+        remarks.push_back({Remark::Kind::Warning, std::move(dates)});
     }
     if (!options.labels_file.empty()) {
         loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
