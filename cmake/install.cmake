@@ -26,5 +26,9 @@ install(FILES
 # The way from the pkg-config file to the prefix, however deep the libraries' directory is.
 file(RELATIVE_PATH ovik_pc_to_prefix
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+set(ovik_pc_xlsx "")
+if(OVIK_READS_XLSX)
+  set(ovik_pc_xlsx " pugixml minizip")
+endif()
 configure_file(cmake/ovik.pc.in ovik.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ovik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

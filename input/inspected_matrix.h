@@ -60,6 +60,8 @@ struct MatrixReport {
     std::size_t duplicate_names = 0;
     /// The first few of these names.
     std::vector<std::string> first_duplicate_names;
+    /// What there is to tell of how the file was taken, each without the name of the file.
+    std::vector<std::string> notes;
     /// Whether the first line, which is discarded, looks like a row of data.
     bool header_looks_like_data = false;
 };

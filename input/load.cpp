@@ -45,6 +45,9 @@ InspectedMatrix read_rows(MatrixSource& source,
     if (format.has_names && !options.row_names_file.empty()) {
         throw InputError("--row-names: the rows of " + source.name() + " have names of their own");
     }
+    if (!options.sheet.empty() && format.name != "xlsx") {
+        throw InputError("--sheet: " + source.name() + " is no Excel workbook (.xlsx)");
+    }
     InspectedMatrix matrix = format.read(source, options);
     if (!format.is_text) {
         note_infinite_values(matrix);
@@ -105,6 +108,9 @@ LoadedMatrix load(const std::string& path,
     }
     matrix.row_lines.resize(matrix.report.rows, 0);
     note_duplicate_names(matrix);
+    for (const std::string& note : matrix.report.notes) {
+        remarks.push_back({Remark::Kind::Note, name + ": " + note});
+    }
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         remarks.push_back({Remark::Kind::Warning, std::move(warning)});
     }

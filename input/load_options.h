@@ -14,6 +14,8 @@ namespace ovik {
 struct LoadOptions {
     /// Between the fields of delimited text. Not given: guessed.
     std::optional<char> delimiter;
+    /// The sheet of a workbook; empty: the first that is not hidden.
+    std::string sheet;
     /// What becomes of missing values. Not given: they are 0, and a remark warns of it.
     std::optional<MissingPolicy> missing;
     /// What the user can do about missing values, which ends their refusal; may be empty.

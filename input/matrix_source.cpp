@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -35,6 +36,14 @@ MatrixSource::MatrixSource(const std::string& path)
         open();
         readHead();
     });
+}
+
+MatrixSource::MatrixSource(std::string name, std::string text)
+    : name_(std::move(name)),
+      size_(text.size()) {
+    text_ = std::make_unique<std::istringstream>(std::move(text));
+    text_->exceptions(std::ios::badbit);
+    readHead();
 }
 
 std::string MatrixSource::takeHead() {
@@ -74,7 +83,7 @@ void MatrixSource::readHead() {
         head_.resize(before + static_cast<std::size_t>(text_->gcount()));
     };
     grow(kGzipMagic.size());
-    if (head_ == kGzipMagic) {
+    if (file_ && head_ == kGzipMagic) {
         // Back to the start, without a step back, which a pipe does not allow.
         unpacked_ = std::make_unique<GzipBuffer>(*file_->rdbuf(), std::exchange(head_, {}), name_);
         text_ = std::make_unique<std::istream>(unpacked_.get());

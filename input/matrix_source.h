@@ -24,10 +24,15 @@ class MatrixSource {
     /// @throws std::system_error if it cannot be read
     explicit MatrixSource(const std::string& path);
 
+    /// Text at hand, such as what another format was made into.
+    ///
+    /// @param name  what messages call it
+    MatrixSource(std::string name, std::string text);
+
     /// What messages call it.
     [[nodiscard]] const std::string& name() const { return name_; }
 
-    /// The path that opens the file; of standard input, too.
+    /// The path that opens the file; of standard input, too. Empty for text at hand.
     [[nodiscard]] const std::string& path() const { return path_; }
 
     /// Whether the bytes lie in a regular file as they are, not packed: a reader may then open

@@ -16,6 +16,7 @@ LoadOptions load_options(const Options& options) {
     load.delimiter = options.delimiter;
     load.missing = options.missing;
     load.missing_advice = "Fill them in, or choose with --missing what becomes of them.";
+    load.sheet = options.sheet;
     load.transformations = options.transformations;
     load.row_names_file = options.row_names_file;
     load.labels_file = options.labels_file;

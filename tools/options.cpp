@@ -250,7 +250,7 @@ void add_input_options(CLI::App& app, Options& options) {
            "MATRIX",
            options.matrix,
            "Delimited text (one header line, then a name and its values per line), plain or "
-           "gzip'd; NumPy (.npy) or Matrix Market; - for standard input")
+           "gzip'd; NumPy (.npy), Matrix Market or Excel (.xlsx); - for standard input")
         ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
@@ -287,6 +287,11 @@ void add_input_options(CLI::App& app, Options& options) {
     app.add_option(
            "--labels", options.labels_file, "One label per line and row, which colours the plots")
         ->option_text("FILE");
+}
+
+void add_workbook_options(CLI::App& app, Options& options) {
+    app.add_option("--sheet", options.sheet, "Of an Excel workbook (the first)")
+        ->option_text("NAME");
 }
 
 void add_transformation_options(CLI::App& app, Options& options) {
@@ -354,6 +359,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     });
     ParsedCommand command;
     add_input_options(app, command.options);
+    add_workbook_options(app, command.options);
     add_transformation_options(app, command.options);
     add_output_options(app, command.options);
     add_method_options(app, command.options);

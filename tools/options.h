@@ -31,6 +31,10 @@ struct Options {
     std::optional<char> delimiter;
     /// What becomes of missing values; if it is not given they are zero, with a warning.
     std::optional<MissingPolicy> missing;
+    /// The sheet of a workbook; empty for the first.
+    std::string sheet;
+    /// What is done to the values before they are embedded.
+    Transformations transformations;
     /// Whether rows get standard gene names for systematic ones before the run.
     bool standard_names = false;
     /// A gene to look up instead of a run; empty for a run.

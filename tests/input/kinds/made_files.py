@@ -11,6 +11,8 @@ import tarfile
 import zipfile
 import zlib
 
+from made_workbooks import workbooks
+
 TIME = (2026, 1, 1, 0, 0, 0)
 
 
@@ -123,7 +125,7 @@ def made_files(directory):
     return {
         **arrays(rows),
         **first_bytes(),
-        "counts.npy": counts_array(table_of(text("counts.tsv").decode())),
+        "counts.npy": counts_array(table_of(text("rna_seq_counts.tsv").decode())),
         "chemostat.tsv.gz": packed(matrix),
         "two_members.tsv.gz": packed(matrix[:half]) + packed(matrix[half:]),
         "packed_without_saying.tsv": packed(matrix),
@@ -147,4 +149,6 @@ def made_files(directory):
         "workspace.RData": packed(b"RDX3\n" + r_object()),
         "database.sqlite": sqlite(directory),
         "figure.png": picture(),
+        **{name: zipped(parts) for name, parts in workbooks(matrix.decode()).items()},
+        "cut_off.xlsx": zipped(workbooks(matrix.decode())["sheet.xlsx"])[:-100],
     }
