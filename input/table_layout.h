@@ -17,6 +17,8 @@ struct TableLayout {
     /// What such files are called, such as "GCT file"; empty for ordinary text.
     std::string name;
     char delimiter = '\t';
+    /// The delimiter that is guessed if none is given; none if there is nothing to guess.
+    std::optional<char> guessed_delimiter;
     /// The decimal sign if the user gives one, else that of the thread's locale.
     std::optional<char> decimal;
     /// Lines of the file in front of the first that may be a row.

@@ -1,0 +1,1 @@
+#include "input/field_checks.h"

@@ -1,0 +1,1 @@
+#include "input/known_layouts.h"

@@ -1,0 +1,1 @@
+#include "input/layout_of.h"

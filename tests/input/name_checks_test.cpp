@@ -1,0 +1,1 @@
+#include "input/name_checks.h"
