@@ -92,7 +92,7 @@ class BlockOfRows {
             for_each_line(text.substr(0, plain),
                           [&](std::string_view line) { addText<false>(line, rules); });
             text.remove_prefix(plain);
-            if (!text.empty()) {
+            if (!text.empty() && !has_ended) {
                 text.remove_prefix(addRecord(text, rules));
             }
         }

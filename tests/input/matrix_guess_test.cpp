@@ -53,7 +53,7 @@ TEST_F(MatrixGuess, OfTheDelimiterIsTheOneWithMostNumbers) {
         {"ARG5,6\t0,1\t0,2\n", '\t'},
         // Fields in quotes.
         {"\"a, b, 1\";\"1\";\"2\"\n", ';'},
-        {"\"1\n2,3,4,5\"\t1\n", '\t'},
+        {"\"1\n2,3,4\"\t1\t2\n", '\t'},
         // Comments do not count.
         {"# 1,2,3\nG1;1.5;2\n", ';'},
         {"G1|1|2\n", std::nullopt},
