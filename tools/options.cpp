@@ -131,7 +131,7 @@ char parse_delimiter(const std::string& text) {
     if (name != kNames.end()) {
         return name->second;
     }
-    if (text.size() != 1 || text == "\n" || text == "\r") {
+    if (text.size() != 1 || text == "\n" || text == "\r" || text == "\"") {
         throw CLI::ValidationError(
             "--delimiter", "should be tab, comma, semicolon, space or one character, not " + text);
     }
