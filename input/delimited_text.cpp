@@ -65,8 +65,7 @@ const std::string* find_first_field(std::string_view line,
     line.remove_prefix(is_quoted ? 1 : 0);
     const auto entry = std::find_if(list.begin(), list.end(), [&](const std::string& text) {
         return line.starts_with(text) &&
-               (line.size() == text.size() ||
-                line[text.size()] == (is_quoted ? '"' : delimiter));
+               (line.size() == text.size() || line[text.size()] == (is_quoted ? '"' : delimiter));
     });
     return entry == list.end() ? nullptr : &*entry;
 }
@@ -86,7 +85,7 @@ class BlockOfRows {
         while (!text.empty() && !has_ended) {
             const std::size_t quote = std::min(text.find('"'), text.size());
             const std::size_t line_feed = text.substr(0, quote).rfind('\n');
-            const std::size_t plain = quote == text.size()                   ? quote
+            const std::size_t plain = quote == text.size()                  ? quote
                                       : line_feed == std::string_view::npos ? 0
                                                                             : line_feed + 1;
             for_each_line(text.substr(0, plain),
@@ -163,13 +162,12 @@ class BlockOfRows {
         };
         const std::size_t fields = addRow(rules, visit_fields);
         // What trimming has left out is empty fields.
-        const auto row_end = text.begin() + (row.data() - text.data()) +
-                             static_cast<std::ptrdiff_t>(row.size());
+        const auto row_end =
+            text.begin() + (row.data() - text.data()) + static_cast<std::ptrdiff_t>(row.size());
         const auto more = std::count(row_end, text.end(), layout.delimiter) +
                           (row.ends_with(layout.delimiter) ? 1 : 0);
         lengths.back().untrimmed = layout.valuesAmong(fields + static_cast<std::size_t>(more));
-        noteName(rules,
-                 text.starts_with(layout.delimiter) && !row.starts_with(layout.delimiter));
+        noteName(rules, text.starts_with(layout.delimiter) && !row.starts_with(layout.delimiter));
     }
 
     bool isNoRow(std::string_view row, const TableLayout& layout) {
@@ -257,9 +255,8 @@ class BlockOfRows {
     void noteName(const RowRules& rules, bool has_lost_field) {
         const std::string& name = names.back();
         double value = 0.0;
-        if (has_lost_field &&
-            rules.values.read(name.c_str(), name.c_str() + name.size(), value) ==
-                FieldKind::Number) {
+        if (has_lost_field && rules.values.read(name.c_str(), name.c_str() + name.size(), value) ==
+                                  FieldKind::Number) {
             note(report.lost_names, 0, "");
         }
         if (name.empty() && rules.names_field != kNoField) {
@@ -305,12 +302,12 @@ void add(std::vector<ColumnFindings>& columns, const std::vector<ColumnFindings>
 void add(MatrixReport& report, MatrixReport&& more, std::size_t lines_above) {
     report.numbers += more.numbers;
     for (FieldFindings MatrixReport::*const findings : {&MatrixReport::not_numbers,
-                                                         &MatrixReport::with_text_behind,
-                                                         &MatrixReport::decimal_commas,
-                                                         &MatrixReport::grouped_digits,
-                                                         &MatrixReport::not_finite,
-                                                         &MatrixReport::lost_names,
-                                                         &MatrixReport::unnamed}) {
+                                                        &MatrixReport::with_text_behind,
+                                                        &MatrixReport::decimal_commas,
+                                                        &MatrixReport::grouped_digits,
+                                                        &MatrixReport::not_finite,
+                                                        &MatrixReport::lost_names,
+                                                        &MatrixReport::unnamed}) {
         add(report.*findings, std::move(more.*findings), lines_above);
     }
     add(report.by_column, more.by_column);

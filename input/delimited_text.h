@@ -13,9 +13,9 @@ namespace ovik {
 /// Reads the rows of a text by its layout, on all cores, and takes note of what their fields hold,
 /// but for names that repeat.
 ///
-/// Text of the ordinary layout without quotes is read by the rules of `read_matrix_w_index` with one
-/// header line, except that a missing value is NaN instead of 0 (`FieldKind::Missing`), and so are
-/// empty fields at the end of a line that trimming takes away, if other rows have values there.
+/// Text of the ordinary layout without quotes is read by the rules of `read_matrix_w_index` with
+/// one header line, except that a missing value is NaN instead of 0 (`FieldKind::Missing`), and so
+/// are empty fields at the end of a line that trimming takes away, if other rows have values there.
 /// Fields in quotes lose them (quoted_record.h).
 ///
 /// @param source         read to its end

@@ -105,11 +105,10 @@ std::vector<std::size_t> text_columns(const MatrixReport& report) {
 
 /// What options call a column: its header if that tells it from the others, else its number.
 std::string column_for_option(const TableLayout& layout, std::size_t field) {
-    const bool has_name = field < layout.header.size() && !layout.header[field].empty() &&
-                          layout.header[field].find(',') == std::string::npos &&
-                          std::count(layout.header.begin(),
-                                     layout.header.end(),
-                                     layout.header[field]) == 1;
+    const bool has_name =
+        field < layout.header.size() && !layout.header[field].empty() &&
+        layout.header[field].find(',') == std::string::npos &&
+        std::count(layout.header.begin(), layout.header.end(), layout.header[field]) == 1;
     return has_name ? layout.header[field] : std::to_string(field + 1);
 }
 
@@ -156,8 +155,7 @@ void check_texts(const std::string& path,
     if (count == 0) {
         return;
     }
-    const std::vector<FieldPlace> first =
-        first_of(report.not_numbers, report.with_text_behind);
+    const std::vector<FieldPlace> first = first_of(report.not_numbers, report.with_text_behind);
     refuse(path,
            counted(count, "field is no number", "fields are no numbers") + "\n" +
                places_text(first, layout) + (count > first.size() ? "  ...\n" : "") +
@@ -165,8 +163,7 @@ void check_texts(const std::string& path,
            "Mend such fields; if a text stands for a missing value, say so with " +
                options.spell("na", first.front().text) +
                "; a column that is no values is left out with " +
-               options.spell("skip-columns",
-                             column_for_option(layout, first.front().field - 1)) +
+               options.spell("skip-columns", column_for_option(layout, first.front().field - 1)) +
                ".");
 }
 

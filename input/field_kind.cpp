@@ -23,8 +23,8 @@ bool is_digit(char c) {
 ///
 /// @return how many
 std::size_t take_digits(std::string_view& text) {
-    const auto count = static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_digit) -
-                                                text.begin());
+    const auto count = static_cast<std::size_t>(
+        std::find_if_not(text.begin(), text.end(), is_digit) - text.begin());
     text.remove_prefix(count);
     return count;
 }

@@ -71,6 +71,12 @@ std::optional<std::vector<double>> numbers_of(const std::vector<std::string>& fi
     return numbers.empty() ? std::nullopt : std::optional(std::move(numbers));
 }
 
+std::vector<std::string_view> lines_of(std::string_view text) {
+    std::vector<std::string_view> lines;
+    for_each_line(text, [&](std::string_view line) { lines.push_back(line); });
+    return lines;
+}
+
 bool may_head_columns(const std::vector<double>& numbers) {
     return std::is_sorted(numbers.begin(), numbers.end()) ||
            std::all_of(numbers.begin(), numbers.end(), [](double v) { return v == std::floor(v); });
@@ -83,8 +89,7 @@ std::size_t find_header(const std::string& path,
                         std::size_t first_text,
                         char delimiter,
                         const LoadOptions& options) {
-    std::vector<std::string_view> lines;
-    for_each_line(text, [&](std::string_view line) { lines.push_back(line); });
+    const std::vector<std::string_view> lines = lines_of(text);
     if (first_text >= lines.size()) {
         return 0;
     }
@@ -114,6 +119,36 @@ std::size_t find_header(const std::string& path,
                      "all numbers\nTake the comments away if it is the header; if it is a row, "
                      "there is none: " +
                      options.spell("no-header", "") + ".");
+}
+
+std::size_t header_below_title(std::string_view text,
+                               std::size_t header,
+                               char delimiter,
+                               const LoadOptions& options) {
+    constexpr std::size_t kLinesLookedAt = 20;
+    const std::vector<std::string_view> lines = lines_of(text);
+    if (header >= lines.size()) {
+        return header;
+    }
+    const std::size_t fields = fields_of(lines[header], delimiter, true).size();
+    for (std::size_t line = header + 1; line < std::min(lines.size(), header + kLinesLookedAt);
+         ++line) {
+        std::vector<std::string> values = fields_of(lines[line], delimiter, true);
+        if (!is_matrix_row(trimmed_matrix_line(lines[line])) || values.size() <= fields + 1) {
+            continue;
+        }
+        const std::string name = values.front();
+        values.erase(values.begin());
+        const bool has_number =
+            std::any_of(values.begin(), values.end(), [&options](const std::string& value) {
+                return numbers_of({value}, options).has_value();
+            });
+        const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+        const bool heads = !has_number || (numbers && is_header_word(name) && !name.empty() &&
+                                           may_head_columns(*numbers));
+        return heads ? line : header;
+    }
+    return header;
 }
 
 bool looks_like_row(const std::string& name,

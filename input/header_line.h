@@ -24,6 +24,16 @@ std::size_t find_header(const std::string& path,
                         char delimiter,
                         const LoadOptions& options);
 
+/// The header of a text whose header seems to be a title: a line of few fields, with a line further
+/// down that has more and heads columns.
+///
+/// @param header  the line taken for it so far, from 0
+/// @return the line of the header, from 0; `header` if that is no title
+std::size_t header_below_title(std::string_view text,
+                               std::size_t header,
+                               char delimiter,
+                               const LoadOptions& options);
+
 /// Whether what stands in the place of the header is more likely a row: it has values, and its name
 /// is that of a gene or made like those of the rows, or its values are not what measurements are
 /// headed with, which is whole or rising numbers (time points, doses).

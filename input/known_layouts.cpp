@@ -74,8 +74,8 @@ void describe_cluster_table(const TableHead& head, TableLayout& layout) {
 /// A series matrix, or a data set of the same database, in which genes have names beside the
 /// identifiers of the probes.
 void describe_geo_table(const TableHead& head, TableLayout& layout) {
-    const bool is_series = std::any_of(
-        head.opening.begin(), head.opening.end(), [](const std::string& line) {
+    const bool is_series =
+        std::any_of(head.opening.begin(), head.opening.end(), [](const std::string& line) {
             return line.starts_with("!series_matrix_table_begin");
         });
     layout.end_mark = is_series ? "!series_matrix_table_end" : "!dataset_table_end";
@@ -157,8 +157,9 @@ void describe_plain_text(const TableHead& head, TableLayout& layout) {
     layout.no_rows = summary_rows();
     if (!head.opening.empty() && !head.header.empty()) {
         const std::size_t lines = head.opening.size();
-        layout.notes.push_back((lines == 1 ? "line 1 is" : "lines 1 to " + std::to_string(lines) + " are") +
-                               " above the header, and no rows");
+        layout.notes.push_back(
+            (lines == 1 ? "line 1 is" : "lines 1 to " + std::to_string(lines) + " are") +
+            " above the header, and no rows");
     }
 }
 
@@ -166,9 +167,7 @@ void describe_plain_text(const TableHead& head, TableLayout& layout) {
 
 const std::vector<KnownLayout>& known_layouts() {
     static const std::vector<KnownLayout> kLayouts = {
-        {.name = "GCT",
-         .recognises = is_gct,
-         .describe = describe_gct},
+        {.name = "GCT", .recognises = is_gct, .describe = describe_gct},
         {.name = "GEO table",
          .recognises =
              [](const TableHead& head) {
@@ -183,8 +182,8 @@ const std::vector<KnownLayout>& known_layouts() {
              [](const TableHead& head) {
                  return opens_with(head, {"Geneid", "Chr", "Start", "End", "Strand", "Length"});
              },
-         .describe =
-             [](const TableHead& /*head*/, TableLayout& layout) { leave_out(layout, 1, 6); }},
+         .describe = [](const TableHead& /*head*/,
+                        TableLayout& layout) { leave_out(layout, 1, 6); }},
         {.name = "Salmon table",
          .recognises =
              [](const TableHead& head) {
@@ -194,7 +193,8 @@ const std::vector<KnownLayout>& known_layouts() {
         {.name = "kallisto table",
          .recognises =
              [](const TableHead& head) {
-                 return opens_with(head, {"target_id", "length", "eff_length", "est_counts", "tpm"});
+                 return opens_with(head,
+                                   {"target_id", "length", "eff_length", "est_counts", "tpm"});
              },
          .describe = describe_abundances},
         {.name = "RSEM table",

@@ -146,8 +146,7 @@ std::string fields_note(const TableLayout& layout) {
     }
     return layout.name +
            (layout.names_field ? ": names from " + name_of(*layout.names_field) : "") +
-           (no_values.empty() ? ""
-                              : "; no values: " + listed(no_values));
+           (no_values.empty() ? "" : "; no values: " + listed(no_values));
 }
 
 /// @throws InputError if what stands in the place of the header is a row
@@ -174,8 +173,8 @@ void check_header(const std::string& path,
         std::find(layout.no_rows.begin(), layout.no_rows.end(), name) != layout.no_rows.end();
     if (is_summary || looks_like_row(name, values, names, options)) {
         throw InputError(path + ":" + std::to_string(head.opening.size() + 1) +
-                         ": the line in the place of the header looks like a row (\"" +
-                         name + "\" and numbers), and as a header it would be left out\nIf there is "
+                         ": the line in the place of the header looks like a row (\"" + name +
+                         "\" and numbers), and as a header it would be left out\nIf there is "
                          "no header, say " +
                          options.spell("no-header", "") + "; else give the columns names.");
     }
@@ -215,10 +214,10 @@ TableLayout layout_of(MatrixSource& source, const LoadOptions& options) {
     layout.decimal = options.decimal;
     layout.lines_above = head.lines_above;
     layout.header = head.header;
-    const auto known =
-        std::find_if(known_layouts().begin(),
-                     known_layouts().end(),
-                     [&head](const KnownLayout& each) { return each.recognises(head); });
+    const auto known = std::find_if(
+        known_layouts().begin(), known_layouts().end(), [&head](const KnownLayout& each) {
+            return each.recognises(head);
+        });
     layout.name = known->name;
     known->describe(head, layout);
     check_delimiter(source.name(), head, options);

@@ -67,16 +67,14 @@ std::size_t settle_missing(const std::string& name,
     const std::string summary = name + ": " + missing_summary(matrix, missing);
     const std::string places = missing_places(matrix, missing);
     if (policy == MissingPolicy::Error) {
-        throw InputError(summary + "\n" + places +
-                         "Fill them in, or choose with " + options.spell("missing", "") +
-                         " what becomes of them.");
+        throw InputError(summary + "\n" + places + "Fill them in, or choose with " +
+                         options.spell("missing", "") + " what becomes of them.");
     }
     const std::size_t rows = matrix.report.rows;
     treat_missing(name, policy, missing, options.spell, matrix, loaded.labels);
     if (!options.missing) {
         remarks.push_back({Remark::Kind::Warning,
-                           summary + ", and read as 0\n" + places +
-                               options.spell("missing", "") +
+                           summary + ", and read as 0\n" + places + options.spell("missing", "") +
                                " can also fill in means (row-mean, column-mean), leave such rows "
                                "out (drop), or refuse them (error)."});
         return missing.count;

@@ -28,7 +28,8 @@ struct LoadOptions {
     std::string names_column;
     /// Columns of delimited text that are no values, by header or by number as above.
     std::vector<std::string> skip_columns;
-    /// Texts that stand for a missing value besides the usual ones; blanks around them do not count.
+    /// Texts that stand for a missing value besides the usual ones; blanks around them do not
+    /// count.
     std::vector<std::string> missing_signs;
     /// Whether a name is that of a gene besides the systematic names of yeast, which are known. May
     /// be empty.

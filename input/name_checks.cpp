@@ -86,18 +86,18 @@ std::string transposed_warning(const std::string& path,
     const std::size_t columns = matrix.column_names.size();
     const std::size_t genes_in_columns = count_genes(matrix.column_names, options);
     const bool has_gene_columns = columns >= 3 && 2 * genes_in_columns > columns;
-    const bool is_wide = matrix.report.columns >= kFewColumns &&
-                         matrix.report.columns > 10 * matrix.report.rows;
+    const bool is_wide =
+        matrix.report.columns >= kFewColumns && matrix.report.columns > 10 * matrix.report.rows;
     if ((!has_gene_columns && !is_wide) ||
         2 * count_genes(matrix.row_names, options) > matrix.row_names.size()) {
         return "";
     }
     return path + ": " +
-           (has_gene_columns ? std::to_string(genes_in_columns) + " of " +
-                                   std::to_string(columns) + " columns are named as genes"
-                             : "there are far more columns (" +
-                                   std::to_string(matrix.report.columns) + ") than rows (" +
-                                   std::to_string(matrix.report.rows) + ")") +
+           (has_gene_columns
+                ? std::to_string(genes_in_columns) + " of " + std::to_string(columns) +
+                      " columns are named as genes"
+                : "there are far more columns (" + std::to_string(matrix.report.columns) +
+                      ") than rows (" + std::to_string(matrix.report.rows) + ")") +
            ", and the map is one of the rows, such as \"" + matrix.row_names[0] +
            "\"\nIf the genes should be mapped, transpose the matrix first: "
            "pandas.read_csv(FILE, sep=\"\\t\", index_col=0).T.to_csv(FILE2, sep=\"\\t\")";

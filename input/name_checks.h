@@ -8,8 +8,8 @@
 
 namespace ovik {
 
-/// Refuses rows whose names are numbers that are more likely values: not whole, or not each its own.
-/// Identifiers that are numbers are noted.
+/// Refuses rows whose names are numbers that are more likely values: not whole, or not each its
+/// own. Identifiers that are numbers are noted.
 ///
 /// @throws InputError with the cure
 void check_names(const std::string& path,

@@ -44,7 +44,7 @@ namespace quoted_record {
 std::optional<std::size_t> closing_quote(std::string_view text, std::size_t start, char delimiter) {
     const std::size_t close = find_single_quote(text, start + 1);
     return close != kNowhere && is_field_end(text, close + 1, delimiter) ? std::optional(close)
-                                                                       : std::nullopt;
+                                                                         : std::nullopt;
 }
 
 std::size_t unquote(std::string& text, std::size_t open, std::size_t close) {

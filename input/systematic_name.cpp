@@ -18,7 +18,8 @@ bool is_letter(char c, char first, char last) {
 
 /// Chromosome, arm, three digits, strand; overlapping and later found genes have a letter more.
 bool is_nuclear(std::string_view text) {
-    return (text.size() == 7 || (text.size() == 9 && text[7] == '-' && is_letter(text[8], 'A', 'Z'))) &&
+    return (text.size() == 7 ||
+            (text.size() == 9 && text[7] == '-' && is_letter(text[8], 'A', 'Z'))) &&
            is_letter(text[0], 'Y', 'Y') && is_letter(text[1], 'A', 'P') &&
            (is_letter(text[2], 'L', 'L') || is_letter(text[2], 'R', 'R')) &&
            std::all_of(text.begin() + 3, text.begin() + 6, is_digit) &&

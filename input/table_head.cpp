@@ -32,6 +32,13 @@ std::string_view text_of(const MatrixSource& source) {
     return text;
 }
 
+/// The delimiter that the first line gives, as "sep=;" of spreadsheets does; none if it is no such
+/// line.
+std::optional<char> delimiter_line(std::string_view text) {
+    const std::size_t end = text.substr(0, 7).find_first_of("\r\n");
+    return text.starts_with("sep=") && end == 5 ? std::optional(text[4]) : std::nullopt;
+}
+
 bool opens_as_geo(std::string_view text) {
     constexpr std::array<std::string_view, 7> kOpenings = {
         "!Series_", "!Sample_", "!dataset", "^DATABASE", "^DATASET", "^SERIES", "^PLATFORM"};
@@ -70,6 +77,9 @@ std::optional<std::size_t> known_header_line(MatrixSource& source) {
     const std::string_view trimmed = trimmed_matrix_line(first_line);
     if (trimmed == "#1.2" || trimmed == "#1.3") {
         return 2;
+    }
+    if (delimiter_line(text)) {
+        return 1;
     }
     return opens_as_geo(text) ? std::optional(header_behind_table_begin(source)) : std::nullopt;
 }
@@ -136,14 +146,21 @@ std::optional<std::size_t> header_line(MatrixSource& source,
     const std::string_view text = text_of(source);
     const std::size_t first = known.value_or(first_text_line(text));
     const std::size_t without = first + (options.has_header || known ? 1 : 0);
+    LoadOptions given = options;
+    given.delimiter = options.delimiter ? options.delimiter : delimiter_line(text);
     const Delimiters delimiters =
-        find_delimiter(source.name(), without_lines(text, without), options, known.has_value());
+        find_delimiter(source.name(), without_lines(text, without), given, known.has_value());
     head.delimiter = delimiters.used;
     head.guessed_delimiter = delimiters.guessed;
+    if (!options.has_header && delimiter_line(text)) {
+        return std::nullopt;
+    }
     if (known || !options.has_header) {
         return known;
     }
-    return first == 0 ? 0 : find_header(source.name(), text, first, head.delimiter, options);
+    const std::size_t header =
+        first == 0 ? 0 : find_header(source.name(), text, first, head.delimiter, options);
+    return header_below_title(text, header, head.delimiter, options);
 }
 
 }  // namespace
@@ -171,10 +188,9 @@ TableHead read_table_head(MatrixSource& source, const LoadOptions& options) {
 
 std::vector<std::string> fields_of(std::string_view record, char delimiter, bool keeps_front) {
     const std::string_view usual = trimmed_matrix_line(record);
-    const std::size_t front =
-        keeps_front && record.starts_with(delimiter)
-            ? 0
-            : static_cast<std::size_t>(usual.data() - record.data());
+    const std::size_t front = keeps_front && record.starts_with(delimiter)
+                                  ? 0
+                                  : static_cast<std::size_t>(usual.data() - record.data());
     const auto end = static_cast<std::size_t>(usual.data() - record.data()) + usual.size();
     std::string line(record.substr(front, end - front));
     std::vector<std::string> fields;

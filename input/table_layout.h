@@ -8,11 +8,11 @@
 
 namespace ovik {
 
-/// What the first lines of a delimited text say about its form: where its rows begin, which field of
-/// a row is its name and which are no values. Fields count from 0.
+/// What the first lines of a delimited text say about its form: where its rows begin, which field
+/// of a row is its name and which are no values. Fields count from 0.
 ///
-/// A layout as it is made here is that of ordinary text: one header line, then a name and its values
-/// per line.
+/// A layout as it is made here is that of ordinary text: one header line, then a name and its
+/// values per line.
 struct TableLayout {
     /// What such files are called, such as "GCT file"; empty for ordinary text.
     std::string name;

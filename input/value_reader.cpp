@@ -35,8 +35,8 @@ FieldKind ValueReader::readSpecial(const char* field, const char* end, double& v
     std::string converted(text);
     const bool has_other_sign = text.find(locale_decimal_) != std::string_view::npos;
     std::replace(converted.begin(), converted.end(), decimal_, locale_decimal_);
-    const FieldKind kind = classify_field(
-        numbers_, converted.c_str(), converted.c_str() + converted.size(), value);
+    const FieldKind kind =
+        classify_field(numbers_, converted.c_str(), converted.c_str() + converted.size(), value);
     return has_other_sign && kind == FieldKind::Number ? FieldKind::TextBehind : kind;
 }
 

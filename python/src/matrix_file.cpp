@@ -55,7 +55,8 @@ std::string spelled(const std::string& option, const std::string& value) {
         return argument;
     }
     if (option == "delimiter") {
-        return argument + "=" + (value == "tab" ? "\"\\t\"" : in_quotes(value == "space" ? " " : value));
+        return argument + "=" +
+               (value == "tab" ? "\"\\t\"" : in_quotes(value == "space" ? " " : value));
     }
     return argument + "=" + (option == "skip-columns" ? list_of(value) : in_quotes(value));
 }

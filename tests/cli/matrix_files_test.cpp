@@ -165,7 +165,9 @@ TEST_F(MatrixFile, IsRefusedWhenAValueIsText) {
         std::string value;
         const char* reason;
     } kCases[] = {
-        {"a word", "x", ": 1 field is no number\n  line 3: row \"G2\", column \"a\" (field 2): \"x\""},
+        {"a word",
+         "x",
+         ": 1 field is no number\n  line 3: row \"G2\", column \"a\" (field 2): \"x\""},
         {"a gene named like a missing value", "NAN1", "(field 2): \"NAN1\"\nand text is no value"},
         {"a typographic minus",
          "\xE2\x88\x92"
@@ -184,14 +186,14 @@ TEST_F(MatrixFile, IsRefusedWhenAValueIsText) {
             refusal("g\ta\tb\nG1\t1\t2\nG2\t" + value + "\t5\nG3\t-4\t0.5\nG4\t2\t2\n");
         EXPECT_NE(message.find(reason), std::string::npos) << what << ": " << message;
     }
-    const std::string column =
-        refusal("g\tnote\ta\nG1\t1 x\t2\nG2\ty\t5\nG3\tz\t0.5\nG4\t7\t2\n");
+    const std::string column = refusal("g\tnote\ta\nG1\t1 x\t2\nG2\ty\t5\nG3\tz\t0.5\nG4\t7\t2\n");
     EXPECT_NE(column.find("column \"note\" (field 2): 3 of 4 rows"), std::string::npos) << column;
     EXPECT_NE(column.find("with --skip-columns note;"), std::string::npos) << column;
 }
 
 TEST_F(MatrixFile, IsReadAsTheOptionsSay) {
     const std::string expected = table_of(kPlain, {"-q"});
+
     const struct {
         const char* what;
         std::string content;
@@ -287,8 +289,7 @@ TEST_F(MatrixFile, CannotSteerTheTerminal) {
     EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
     EXPECT_EQ(outcome.err.find('\x07'), std::string::npos);
     EXPECT_NE(outcome.out.find("not found: G [2J1, G2, G3, ...\n"), std::string::npos);
-    const CommandOutcome refused =
-        run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n");
+    const CommandOutcome refused = run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n");
     EXPECT_EQ(refused.exit_status, kBadInput);
     EXPECT_NE(refused.err.find("line 2: row \"G"), std::string::npos);
     EXPECT_EQ(refused.err.find('\x1b'), std::string::npos);

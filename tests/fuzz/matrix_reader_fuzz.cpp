@@ -226,9 +226,7 @@ void check_matrix(const InspectedMatrix& matrix, const std::vector<PlainRow>& ro
     }
 }
 
-void check_inspection(const std::string& path,
-                      char delimiter,
-                      const std::string& content) {
+void check_inspection(const std::string& path, char delimiter, const std::string& content) {
     const test::PlainRecords records = test::plain_records(content, 1, delimiter);
     TableLayout layout;
     layout.delimiter = delimiter;

@@ -137,8 +137,8 @@ TEST_F(DelimitedText, LeavesOutLinesThatAreNoRows) {
     TableLayout layout;
     layout.no_rows = {"EWEIGHT"};
     layout.end_mark = "!end";
-    const InspectedMatrix matrix = inspect(
-        "h\ta\nEWEIGHT\tx\n\"EWEIGHT\"\tx\nEWEIGHTS\t1\nG1\t2\n!end\nG2\t\"x\n", layout);
+    const InspectedMatrix matrix =
+        inspect("h\ta\nEWEIGHT\tx\n\"EWEIGHT\"\tx\nEWEIGHTS\t1\nG1\t2\n!end\nG2\t\"x\n", layout);
     EXPECT_THAT(matrix.row_names, ElementsAre("EWEIGHTS", "G1"));
     EXPECT_THAT(matrix.row_lines, ElementsAre(4U, 5U));
     EXPECT_THAT(matrix.report.no_rows, ElementsAre("EWEIGHT", "EWEIGHT"));
@@ -172,9 +172,8 @@ TEST_F(DelimitedText, TakesFieldsOutOfTheirQuotes) {
 }
 
 TEST_F(DelimitedText, RefusesAQuoteThatNothingClosesWithItsLine) {
-    for (const char* const content : {"h\nG1\t1\n\"G2\t2\nG3\t3\n",
-                                      "h\nG1\t1\n\"G2\t2\nG3\"x\t3\n",
-                                      "h\nG1\t1\nG2\t\"2\n"}) {
+    for (const char* const content :
+         {"h\nG1\t1\n\"G2\t2\nG3\t3\n", "h\nG1\t1\n\"G2\t2\nG3\"x\t3\n", "h\nG1\t1\nG2\t\"2\n"}) {
         EXPECT_THAT(refusal(content), testing::HasSubstr("m.txt:3: a quote opens a field"));
     }
 }
@@ -361,13 +360,15 @@ TEST_F(DelimitedText, IsReadAsTheOptionsSay) {
     options = {};
     options.has_header = false;
     options.has_names = false;
-    EXPECT_THAT(values_of(read("\xEF\xBB\xBF" "1,2\n3,4\n5,6\n", options)),
+    EXPECT_THAT(values_of(read("\xEF\xBB\xBF"
+                               "1,2\n3,4\n5,6\n",
+                               options)),
                 ElementsAre(1.0, 2.0, 3.0, 4.0, 5.0, 6.0));
 }
 
 TEST_F(DelimitedText, TellsWhichLinesWereNoRows) {
-    const InspectedMatrix matrix =
-        read("YORF\tNAME\tGWEIGHT\ta\nEWEIGHT\t\t\t1\nYAL001C\tTFC3\t1\t0.5\nYAL002W\tVPS8\t1\t2\n");
+    const InspectedMatrix matrix = read(
+        "YORF\tNAME\tGWEIGHT\ta\nEWEIGHT\t\t\t1\nYAL001C\tTFC3\t1\t0.5\nYAL002W\tVPS8\t1\t2\n");
     EXPECT_THAT(matrix.row_names, ElementsAre("YAL001C", "YAL002W"));
     EXPECT_THAT(matrix.report.notes,
                 ElementsAre("gene expression table (.pcl): names from YORF; no values: NAME and "

@@ -57,6 +57,7 @@ TEST_F(CheckFields, RefusesNamesThatWereLost) {
 
 TEST_F(CheckFields, RefusesTextWithoutNumbersWithTheCure) {
     report().numbers = 0;
+
     const struct {
         char used;
         std::optional<char> guessed;
@@ -76,7 +77,8 @@ TEST_F(CheckFields, RefusesTextWithoutNumbersWithTheCure) {
 }
 
 TEST_F(CheckFields, RefusesDecimalCommas) {
-    report().with_text_behind = {3, {{2, "G1", 2, "0,5"}, {2, "G1", 3, "1,25"}, {3, "G2", 2, "2,5"}}};
+    report().with_text_behind = {3,
+                                 {{2, "G1", 2, "0,5"}, {2, "G1", 3, "1,25"}, {3, "G2", 2, "2,5"}}};
     report().decimal_commas = report().with_text_behind;
     EXPECT_EQ(refusal(),
               "m: 3 numbers have a decimal comma\n"

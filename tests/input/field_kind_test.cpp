@@ -89,7 +89,8 @@ TEST(HasGroupedDigits, KnowsNumbersWithCommasBetweenThousands) {
     for (const char* field : {"1,234", "12,345,678", "-1,234.5", " 999,999 "}) {
         EXPECT_TRUE(has_grouped_digits(field)) << field;
     }
-    for (const char* field : {"", "1234", "1,23", "1234,567", "0,123", "1,234,5", ",123", "1,234x"}) {
+    for (const char* field :
+         {"", "1234", "1,23", "1234,567", "0,123", "1,234,5", ",123", "1,234x"}) {
         EXPECT_FALSE(has_grouped_digits(field)) << field;
     }
 }

@@ -42,6 +42,27 @@ TEST(FindHeader, RefusesToGuess) {
     }
 }
 
+TEST(HeaderBelowTitle, IsTheFirstLineOfManyFieldsIfThatHeadsColumns) {
+    const struct {
+        const char* text;
+        std::size_t header;
+    } kCases[] = {
+        {"Table S1. Ratios\n\ngene\ta\tb\nG1\t1\t2\n", 2},
+        {"Table S1\nof 2008\n\ta\tb\nG1\t1\t2\n", 2},
+        {"Table S1\ngene\t0\t7\nG1\t1\t2\n", 1},
+        // Headers of one word, and what is no title.
+        {"g\nG1\t1\t2\nG2\t1\t2\n", 0},
+        {"g\nx\t1\tNA\nG2\t1\t2\n", 0},
+        {"gene\ta\tb\nG1\tx\ty\n", 0},
+        {"a\tb\nG1\tx\ty\n", 0},
+        {"", 0},
+    };
+
+    for (const auto& [text, header] : kCases) {
+        EXPECT_EQ(header_below_title(text, 0, '\t', {}), header) << text;
+    }
+}
+
 TEST(LooksLikeRow, IsTrueOfValuesThatHeadNothing) {
     EXPECT_TRUE(looks_like_row("x", {"0.5", "-1.25"}, {}, {}));
     EXPECT_TRUE(looks_like_row("x", {"NA", "0.5", "-1.25"}, {}, {}));

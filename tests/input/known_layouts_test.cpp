@@ -126,7 +126,12 @@ TEST(KnownLayouts, KnowTablesOfReadCounts) {
         {"Salmon table", {"Name", "Length", "EffectiveLength", "TPM", "NumReads"}},
         {"kallisto table", {"target_id", "length", "eff_length", "est_counts", "tpm"}},
         {"RSEM table",
-         {"gene_id", "transcript_id(s)", "length", "effective_length", "expected_count", "TPM",
+         {"gene_id",
+          "transcript_id(s)",
+          "length",
+          "effective_length",
+          "expected_count",
+          "TPM",
           "FPKM"}},
     };
 

@@ -64,9 +64,10 @@ TEST_F(LayoutOf, LeavesOutTheColumnsThatAreNamed) {
     options_.skip_columns = {"gene", "4"};
     EXPECT_THAT(valuesOf(kAnnotated), ElementsAre(2U, 4U));
     options_.skip_columns = {"gene", "none"};
-    EXPECT_THAT(refusal(kAnnotated),
-                HasSubstr("m: there is no column \"none\" (skip-columns)\nThe columns are \"id\", "
-                          "\"gene\", \"a\", \"note\", \"b\"; their numbers, from 1, will do, too."));
+    EXPECT_THAT(
+        refusal(kAnnotated),
+        HasSubstr("m: there is no column \"none\" (skip-columns)\nThe columns are \"id\", "
+                  "\"gene\", \"a\", \"note\", \"b\"; their numbers, from 1, will do, too."));
     options_.skip_columns = {"6"};
     EXPECT_THAT(refusal(kAnnotated), HasSubstr("there is no column \"6\""));
     options_.skip_columns = {"id"};
@@ -101,14 +102,16 @@ TEST_F(LayoutOf, RefusesARowInThePlaceOfTheHeader) {
     for (const char* const content : {"G0\t0.5\t-1.25\nG1\t1\t2\n",
                                       "YAL001C\t5\t9\nYAL002W\t1\t2\n",
                                       "N_unmapped\t5\t5\nN_multimapping\t1\t2\nYAL001C\t1\t1\n"}) {
-        EXPECT_THAT(refusal(content), HasSubstr("m:1: the line in the place of the header")) << content;
+        EXPECT_THAT(refusal(content), HasSubstr("m:1: the line in the place of the header"))
+            << content;
     }
     options_.has_header = false;
     EXPECT_EQ(refusal("G0\t0.5\t-1.25\nG1\t1\t2\n"), "");
     options_.has_header = true;
     // Only what would be values counts.
     options_.skip_columns = {"2"};
-    EXPECT_THAT(refusal("YAL001C\tTFC3\t0.5\t0.1\nYAL002W\tVPS8\t1\t2\n"), HasSubstr("looks like a row"));
+    EXPECT_THAT(refusal("YAL001C\tTFC3\t0.5\t0.1\nYAL002W\tVPS8\t1\t2\n"),
+                HasSubstr("looks like a row"));
 }
 
 TEST_F(LayoutOf, RefusesDelimitersThatSeemToStandWithinFields) {

@@ -115,8 +115,7 @@ TEST_F(Load, RemarksInTheOrderInWhichThingsAreFound) {
     loaded("# a note\nh\tb\nG1\t1\nG1\t2\nG3\t\nG4\t4\n");
     ASSERT_EQ(remarks_.size(), 3U);
     EXPECT_EQ(remarks_[0].kind, Remark::Kind::Note);
-    EXPECT_EQ(remarks_[0].text,
-              directory_.file("m") + ": line 1 is above the header, and no rows");
+    EXPECT_EQ(remarks_[0].text, directory_.file("m") + ": line 1 is above the header, and no rows");
     EXPECT_THAT(remarks_[1].text, HasSubstr("1 row repeats the name of an earlier one"));
     EXPECT_EQ(remarks_[2].kind, Remark::Kind::Information);
     EXPECT_EQ(
@@ -181,7 +180,8 @@ TEST_F(Load, RefusesMissingValuesAsAskedFor) {
     EXPECT_EQ(refusal(kText),
               directory_.file("m") +
                   ": 1 of 8 values is missing, in 1 of 4 rows and 1 of 2 columns\n"
-                  "  line 3: row \"G2\", column \"b\" (field 3)\nFill them in, or choose with <missing> what "
+                  "  line 3: row \"G2\", column \"b\" (field 3)\nFill them in, or choose with "
+                  "<missing> what "
                   "becomes of them.");
     EXPECT_THAT(remarks_, IsEmpty());
 }

@@ -50,16 +50,19 @@ TEST(CheckNames, RefusesNumbersThatAreNoIdentifiers) {
 TEST(CheckNames, NotesIdentifiersThatAreNumbers) {
     InspectedMatrix matrix = matrix_of({"850290", "850291", "12"});
     EXPECT_EQ(refusal(matrix), "");
-    EXPECT_THAT(matrix.report.notes,
-                ElementsAre("the names of the rows are numbers, in field 1: if they are values, say "
-                            "no-names; if another column has the names, say which with "
-                            "names-column NAME"));
+    EXPECT_THAT(
+        matrix.report.notes,
+        ElementsAre("the names of the rows are numbers, in field 1: if they are values, say "
+                    "no-names; if another column has the names, say which with "
+                    "names-column NAME"));
 }
 
 TEST(CheckNames, LetsNamesAndRowNumbersPass) {
-    for (const std::vector<std::string>& names :
-         {std::vector<std::string>{"0", "1", "2"}, {"1", "2", "3"}, {"0.5", "x", "0.5"},
-          {"NA", "", "-"}, {"NAN1", "NAN1"}}) {
+    for (const std::vector<std::string>& names : {std::vector<std::string>{"0", "1", "2"},
+                                                  {"1", "2", "3"},
+                                                  {"0.5", "x", "0.5"},
+                                                  {"NA", "", "-"},
+                                                  {"NAN1", "NAN1"}}) {
         InspectedMatrix matrix = matrix_of(names);
         EXPECT_EQ(refusal(matrix), "") << names[0];
         EXPECT_THAT(matrix.report.notes, IsEmpty());
@@ -68,11 +71,10 @@ TEST(CheckNames, LetsNamesAndRowNumbersPass) {
 
 TEST(TransposedWarning, TellsOfGenesInColumns) {
     LoadOptions options;
-    EXPECT_THAT(transposed_warning("m",
-                                   options,
-                                   matrix_of({"t0", "t1"}, {"YAL001C", "YAL002W", "x"})),
-                HasSubstr("m: 2 of 3 columns are named as genes, and the map is one of the rows, "
-                          "such as \"t0\""));
+    EXPECT_THAT(
+        transposed_warning("m", options, matrix_of({"t0", "t1"}, {"YAL001C", "YAL002W", "x"})),
+        HasSubstr("m: 2 of 3 columns are named as genes, and the map is one of the rows, "
+                  "such as \"t0\""));
     EXPECT_EQ(transposed_warning("m", options, matrix_of({"t0"}, {"YAL001C", "x", "y"})), "");
     EXPECT_EQ(transposed_warning("m", options, matrix_of({"YAL003W"}, {"YAL001C", "YAL002W", "x"})),
               "");

@@ -41,9 +41,8 @@ RC_GTEST_PROP(ForEachRecordFieldProperty, SplitsOtherLinesAsLines, ()) {
     const auto text = *rc::gen::container<std::string>(rc::gen::element('a', '1', ',', ' ', '\''));
     std::string line = text;
     std::vector<std::string> expected;
-    for_each_matrix_field(line, ',', [&](const char* field, const char* end) {
-        expected.emplace_back(field, end);
-    });
+    for_each_matrix_field(
+        line, ',', [&](const char* field, const char* end) { expected.emplace_back(field, end); });
     RC_ASSERT(fields_of(text) == expected);
 }
 

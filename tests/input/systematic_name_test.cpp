@@ -12,8 +12,17 @@ TEST(IsSystematicName, KnowsThoseOfYeast) {
 }
 
 TEST(IsSystematicName, KnowsNoOthers) {
-    for (const char* name : {"", "CDC28", "YQL001C", "YAX001C", "YAL01C", "YAL001X", "YAL001C-",
-                             "YAL001C-AB", "YAL001CA", "Q045", "XAL001C"}) {
+    for (const char* name : {"",
+                             "CDC28",
+                             "YQL001C",
+                             "YAX001C",
+                             "YAL01C",
+                             "YAL001X",
+                             "YAL001C-",
+                             "YAL001C-AB",
+                             "YAL001CA",
+                             "Q045",
+                             "XAL001C"}) {
         EXPECT_FALSE(is_systematic_name(name)) << name;
     }
 }

@@ -67,6 +67,16 @@ TEST_F(ReadTableHead, LooksBehindLinesThatAreEmptyOrComments) {
     EXPECT_THAT(in_comment.rows, SizeIs(2));
 }
 
+TEST_F(ReadTableHead, LooksBelowTitlesAndLinesThatGiveTheDelimiter) {
+    const TableHead titled = head("Table S1\n\ngene\t0\t7\nG1\t1\t2\n");
+    EXPECT_THAT(titled.opening, ElementsAre("Table S1", ""));
+    EXPECT_THAT(titled.header, ElementsAre("gene", "0", "7"));
+    const TableHead separated = head("sep=;\r\ngene;0;7\r\nG1;1,5;2\r\n");
+    EXPECT_EQ(separated.delimiter, ';');
+    EXPECT_THAT(separated.opening, ElementsAre("sep=;"));
+    EXPECT_THAT(separated.header, ElementsAre("gene", "0", "7"));
+}
+
 TEST_F(ReadTableHead, HasNoHeaderIfThereIsNone) {
     LoadOptions options;
     options.has_header = false;
@@ -80,8 +90,9 @@ TEST_F(ReadTableHead, FindsTheTablesOfGeo) {
     std::string content = "!Series_title\t\"a, b\"\n!Series_type\t\"x\"\n";
     // Longer than the head that is read at first.
     content += "!Sample_title" + std::string(3000000, '\t') + "\n";
-    content += "!series_matrix_table_begin\n\"ID_REF\"\t\"GSM1\"\n\"YAL001C\"\t1.5\n"
-               "!series_matrix_table_end\n";
+    content +=
+        "!series_matrix_table_begin\n\"ID_REF\"\t\"GSM1\"\n\"YAL001C\"\t1.5\n"
+        "!series_matrix_table_end\n";
     for (const std::string& text : {content, test::gzipped(content)}) {
         const TableHead geo = head(text);
         EXPECT_THAT(geo.opening, SizeIs(4));

@@ -163,8 +163,8 @@ inline PlainQuote plain_quote(const std::string& text, std::size_t open, char de
            std::string_view(" \t\v\f\r").find(text[behind]) != std::string_view::npos) {
         ++behind;
     }
-    quote.ends_field = quote.is_closed && (behind >= text.size() || text[behind] == delimiter ||
-                                           text[behind] == '\n');
+    quote.ends_field = quote.is_closed &&
+                       (behind >= text.size() || text[behind] == delimiter || text[behind] == '\n');
     return quote;
 }
 
@@ -198,8 +198,7 @@ inline std::vector<std::string> plain_split_record(const std::string& text, char
     std::vector<std::string> fields;
     std::size_t at = 0;
     while (at < text.size()) {
-        const PlainQuote quote =
-            text[at] == '"' ? plain_quote(text, at, delimiter) : PlainQuote();
+        const PlainQuote quote = text[at] == '"' ? plain_quote(text, at, delimiter) : PlainQuote();
         std::string field;
         std::size_t end = 0;
         if (quote.ends_field) {
