@@ -6,6 +6,7 @@
 #include "input/matrix_checks.h"
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
+#include "input/name_checks.h"
 #include "input/row_texts.h"
 #include "input/transformations.h"
 #include "util/input_error.h"
@@ -23,7 +24,7 @@ std::vector<std::string> row_numbers(std::size_t count) {
     return numbers;
 }
 
-/// The names of rows whose format has none.
+/// The names of rows that have none in their file.
 std::vector<std::string> names_of_rows(const std::string& path,
                                        const LoadOptions& options,
                                        std::size_t count,
@@ -32,9 +33,8 @@ std::vector<std::string> names_of_rows(const std::string& path,
         return read_row_texts(options.row_names_file, count, "name");
     }
     remarks.push_back({Remark::Kind::Note,
-                       "the format of " + path +
-                           " has no names, and rows are called by their numbers; --row-names gives "
-                           "them names"});
+                       path + ": its rows have no names, and are called by their numbers; " +
+                           options.spell("row-names", "FILE") + " gives them names"});
     return row_numbers(count);
 }
 
@@ -42,11 +42,13 @@ std::vector<std::string> names_of_rows(const std::string& path,
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
                           const LoadOptions& options) {
-    if (format.has_names && !options.row_names_file.empty()) {
-        throw InputError("--row-names: the rows of " + source.name() + " have names of their own");
+    if (format.has_names && options.has_names && !options.row_names_file.empty()) {
+        throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
+                         " have names of their own");
     }
     if (!options.sheet.empty() && format.name != "xlsx") {
-        throw InputError("--sheet: " + source.name() + " is no Excel workbook (.xlsx)");
+        throw InputError(options.spell("sheet", "") + ": " + source.name() +
+                         " is no Excel workbook (.xlsx)");
     }
     InspectedMatrix matrix = format.read(source, options);
     if (!format.is_text) {
@@ -71,15 +73,16 @@ std::size_t settle_missing(const std::string& name,
     const std::string summary = name + ": " + missing_summary(matrix, missing);
     const std::string places = missing_places(matrix, missing);
     if (policy == MissingPolicy::Error) {
-        throw InputError(summary + "\n" + places + options.missing_advice);
+        throw InputError(summary + "\n" + places + "Fill them in, or choose with " +
+                         options.spell("missing", "") + " what becomes of them.");
     }
     const std::size_t rows = matrix.report.rows;
-    treat_missing(name, policy, missing, matrix, loaded.labels);
+    treat_missing(name, policy, missing, options.spell, matrix, loaded.labels);
     if (!options.missing) {
         remarks.push_back({Remark::Kind::Warning,
-                           summary + ", and read as 0\n" + places +
-                               "--missing can also fill in means (row-mean, column-mean), leave "
-                               "such rows out (drop), or refuse them (error)."});
+                           summary + ", and read as 0\n" + places + options.spell("missing", "") +
+                               " can also fill in means (row-mean, column-mean), leave such rows "
+                               "out (drop), or refuse them (error)."});
         return missing.count;
     }
     remarks.push_back(
@@ -103,13 +106,17 @@ LoadedMatrix load(const std::string& path,
     loaded.format = format.name;
     InspectedMatrix& matrix = loaded.matrix;
     matrix = read_rows(source, format, options);
-    if (!format.has_names) {
+    if (!format.has_names || !matrix.has_names) {
         matrix.row_names = names_of_rows(path, options, matrix.report.rows, remarks);
     }
     matrix.row_lines.resize(matrix.report.rows, 0);
     note_duplicate_names(matrix);
     for (const std::string& note : matrix.report.notes) {
         remarks.push_back({Remark::Kind::Note, name + ": " + note});
+    }
+    const std::string transposed = transposed_warning(name, options, matrix);
+    if (!transposed.empty()) {
+        remarks.push_back({Remark::Kind::Warning, transposed});
     }
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         remarks.push_back({Remark::Kind::Warning, std::move(warning)});
@@ -123,8 +130,8 @@ LoadedMatrix load(const std::string& path,
     }
     loaded.missing = settle_missing(name, options, loaded, remarks);
     if (options.transformations.any()) {
-        remarks.push_back(
-            {Remark::Kind::Information, transform(name, options.transformations, matrix)});
+        remarks.push_back({Remark::Kind::Information,
+                           transform(name, options.transformations, options.spell, matrix)});
     }
     if (options.check_values) {
         check_values(name, matrix);

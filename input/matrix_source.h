@@ -42,6 +42,12 @@ class MatrixSource {
     /// The first bytes, with the first lines whole.
     [[nodiscard]] std::string_view head() const { return head_; }
 
+    /// Reads on until the head is about twice as long.
+    ///
+    /// @return whether there was more to read
+    /// @throws InputError, std::system_error as the constructor
+    bool growHead();
+
     /// Whether the head is all there is.
     [[nodiscard]] bool isWholeInHead() const { return is_whole_in_head_; }
 
@@ -57,6 +63,7 @@ class MatrixSource {
   private:
     void open();
     void readHead();
+    void growHeadTo(std::size_t size);
 
     std::string name_;
     std::string path_;

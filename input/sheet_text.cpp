@@ -170,6 +170,7 @@ class SheetWriter {
         const DateFormat format =
             style < rules_.date_formats.size() ? rules_.date_formats[style] : DateFormat::None;
         if (format == DateFormat::None) {
+            std::replace(number.begin(), number.end(), '.', rules_.decimal);
             return number;
         }
         const std::string date =

@@ -18,12 +18,14 @@ struct CellRules {
     const std::vector<DateFormat>& date_formats;
     /// Whether dates count from 1904.
     bool since_1904;
+    /// The decimal sign that numbers get, so that they read like those that are stored as text.
+    char decimal;
 };
 
 /// A sheet as text: a line per row, tabs between the cells, cells quoted as RFC 4180 says where
 /// they have to be.
 struct SheetText {
-    /// Line n of it is row n of the sheet. Numbers are as the file has them, dates as the sheet
+    /// Line n of it is row n of the sheet. Numbers have the digits of the file, dates as the sheet
     /// shows them, errors "#N/A". Rows end in as many tabs as make them as wide as the widest, once
     /// a row has had more than one cell.
     std::string text;

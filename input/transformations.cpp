@@ -87,7 +87,9 @@ std::vector<double> deviations_of(const Columns& part) {
     return sums;
 }
 
-void take_logarithms(const std::string& path, InspectedMatrix& matrix) {
+void take_logarithms(const std::string& path,
+                     const OptionSpelling& spell,
+                     InspectedMatrix& matrix) {
     const std::size_t columns = matrix.report.columns;
     double* const values = matrix.values.get();
     double* const end = values + matrix.report.rows * columns;
@@ -96,13 +98,14 @@ void take_logarithms(const std::string& path, InspectedMatrix& matrix) {
         const auto place = static_cast<std::size_t>(negative - values);
         const std::size_t line = matrix.row_lines[place / columns];
         const std::size_t column = place % columns;
-        throw InputError(
-            path + (line == 0 ? "" : ":" + std::to_string(line)) + ": row \"" +
-            matrix.row_names[place / columns] + "\" has a value below 0 in column " +
-            (matrix.column_names.empty() ? std::to_string(column + 1)
-                                         : "\"" + matrix.column_names[column] + "\"") +
-            ", and --log1p is for counts and other values from 0\nLeave --log1p away: values with "
-            "negative ones among them are most often logarithms already.");
+        throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": row \"" +
+                         matrix.row_names[place / columns] + "\" has a value below 0 in column " +
+                         (matrix.column_names.empty() ? std::to_string(column + 1)
+                                                      : "\"" + matrix.column_names[column] + "\"") +
+                         ", and " + spell("log1p", "") +
+                         " is for counts and other values from 0\nLeave it away: values with "
+                         "negative ones among "
+                         "them are most often logarithms already.");
     }
     parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
         double* const row = values + n * columns;
@@ -207,13 +210,13 @@ std::string names_of(const Transformations& transformations) {
 
 std::string transform(const std::string& path,
                       const Transformations& transformations,
+                      const OptionSpelling& spell,
                       InspectedMatrix& matrix) {
-    check_all_finite(path +
-                         ": values are missing, and cannot be transformed\nSay with --missing what "
-                         "becomes of them first.",
+    check_all_finite(path + ": values are missing, and cannot be transformed\nSay with " +
+                         spell("missing", "") + " what becomes of them first.",
                      matrix);
     if (transformations.log1p) {
-        take_logarithms(path, matrix);
+        take_logarithms(path, spell, matrix);
     }
     // What is left of equal values in a row, by rounding, is in proportion to those values.
     constexpr double kRounding = 1e-13;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "input/inspected_matrix.h"
+#include "input/option_spelling.h"
 
 namespace ovik {
 
@@ -41,12 +42,14 @@ std::string names_of(const Transformations& transformations);
 /// is not scaled, and is exactly 0 after centring by columns.
 ///
 /// @param path    for messages
+/// @param spell   how messages name the options
 /// @param matrix  at least two rows; no value is missing
 /// @return what was done, in a sentence for the user
 /// @throws InputError if there is a value below 0 of which to take the logarithm, with its place;
 /// if a value is missing; if sums get beyond what `double` holds
 std::string transform(const std::string& path,
                       const Transformations& transformations,
+                      const OptionSpelling& spell,
                       InspectedMatrix& matrix);
 
 }  // namespace ovik

@@ -114,7 +114,7 @@ void Workbook::readStyles() {
     }
 }
 
-SheetText Workbook::sheetText(std::size_t sheet) const {
+SheetText Workbook::sheetText(std::size_t sheet, char decimal) const {
     std::optional<std::string> member = archive_.member(members_[sheet]);
     if (!member) {
         throw InputError(name_ + ": the workbook lacks its sheet \"" + names_[sheet] +
@@ -122,7 +122,7 @@ SheetText Workbook::sheetText(std::size_t sheet) const {
     }
     const XmlPart part(name_, std::move(*member));
     return text_of_sheet(
-        name_, part.document(), CellRules{shared_strings_, date_formats_, since_1904_});
+        name_, part.document(), CellRules{shared_strings_, date_formats_, since_1904_, decimal});
 }
 
 }  // namespace ovik

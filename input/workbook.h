@@ -22,9 +22,10 @@ class Workbook {
     /// The names of the sheets that have cells and are not hidden, in their order; at least one.
     [[nodiscard]] const std::vector<std::string>& sheetNames() const { return names_; }
 
-    /// @param sheet  less than the number of names
+    /// @param sheet    less than the number of names
+    /// @param decimal  the decimal sign of the numbers in the text
     /// @throws InputError if the sheet is damaged, too large, or has a formula without a result
-    [[nodiscard]] SheetText sheetText(std::size_t sheet) const;
+    [[nodiscard]] SheetText sheetText(std::size_t sheet, char decimal) const;
 
   private:
     void readSheets();

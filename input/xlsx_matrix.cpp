@@ -1,9 +1,12 @@
 #include "input/xlsx_matrix.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -48,9 +51,9 @@ std::size_t sheet_of(const Workbook& workbook,
 }
 
 /// What to do about a sheet that is not the one with the matrix; empty if there is no other.
-std::string other_sheets(const Workbook& workbook) {
+std::string other_sheets(const Workbook& workbook, const OptionSpelling& spell) {
     const std::vector<std::string>& names = workbook.sheetNames();
-    return names.size() > 1 ? "; --sheet reads another: " + listed(names) : "";
+    return names.size() > 1 ? "; " + spell("sheet", "") + " reads another: " + listed(names) : "";
 }
 
 }  // namespace
@@ -59,20 +62,25 @@ InspectedMatrix read_xlsx_matrix(MatrixSource& source, const LoadOptions& option
     const std::string bytes = all_bytes_of(source);
     const Workbook workbook(source.name(), bytes);
     const std::size_t sheet = sheet_of(workbook, source.name(), options.sheet);
-    SheetText content = workbook.sheetText(sheet);
+    const char decimal = options.decimal.value_or('.');
+    SheetText content = workbook.sheetText(sheet, decimal);
     if (content.text.find('\t') == std::string::npos) {
         throw InputError(source.name() + ": sheet \"" + workbook.sheetNames()[sheet] +
-                         "\" holds no table of names and numbers" + other_sheets(workbook));
+                         "\" holds no table of names and numbers" +
+                         other_sheets(workbook, options.spell));
     }
     MatrixSource text(source.name(), std::move(content.text));
     LoadOptions of_text = options;
     of_text.delimiter = '\t';
+    // Not given if it need not be: what has the other sign is then refused with the cure.
+    const bool is_usual = std::string_view(std::localeconv()->decimal_point) == ".";
+    of_text.decimal = options.decimal || is_usual ? options.decimal : std::optional(decimal);
     InspectedMatrix matrix = read_delimited_text(text, of_text);
     const std::vector<std::string>& names = workbook.sheetNames();
     std::vector<std::string>& notes = matrix.report.notes;
     if (names.size() > 1 && options.sheet.empty()) {
         notes.push_back("read is the first of " + std::to_string(names.size()) + " sheets, \"" +
-                        names[sheet] + "\"" + other_sheets(workbook));
+                        names[sheet] + "\"" + other_sheets(workbook, options.spell));
     }
     if (content.errors > 0) {
         notes.push_back(counted(content.errors, "cell holds an error", "cells hold errors") +

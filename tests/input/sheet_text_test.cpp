@@ -18,7 +18,7 @@ class SheetAsText : public testing::Test {
   protected:
     SheetText sheet(const std::string& rows) {
         const XmlPart part("m.xlsx", "<worksheet><sheetData>" + rows + "</sheetData></worksheet>");
-        return text_of_sheet("m.xlsx", part.document(), {strings_, formats_, false});
+        return text_of_sheet("m.xlsx", part.document(), {strings_, formats_, false, decimal_});
     }
 
     std::string text(const std::string& rows) { return sheet(rows).text; }
@@ -32,6 +32,7 @@ class SheetAsText : public testing::Test {
         return "";
     }
 
+    char decimal_ = '.';
     std::vector<std::string> strings_ = {"gene", "TFC3", "a\tb", "say \"x\"\n"};
     std::vector<DateFormat> formats_ = {
         DateFormat::None, DateFormat::DayAndMonth, DateFormat::Other};
@@ -48,6 +49,12 @@ TEST_F(SheetAsText, KeepsTheDigitsOfNumbers) {
     EXPECT_EQ(text("<row><c><v>0.30000000000000004</v></c><c t='n'><v>1E-3</v></c>"
                    "<c><f>A1+1</f><v>-1.3</v></c><c t='str'><f>A1</f><v>text</v></c></row>"),
               "0.30000000000000004\t1E-3\t-1.3\ttext\n");
+}
+
+TEST_F(SheetAsText, HasTheDecimalSignThatIsAskedFor) {
+    decimal_ = ',';
+    EXPECT_EQ(text("<row><c><v>0.1</v></c><c><v>1.5E-3</v></c><c t='str'><v>0.1</v></c></row>"),
+              "0,1\t1,5E-3\t0.1\n");
 }
 
 TEST_F(SheetAsText, KeepsThePlacesOfCellsThatAreEmptyOrLeftOut) {

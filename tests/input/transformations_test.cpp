@@ -42,13 +42,13 @@ std::vector<double> transformed(const Transformations& transformations,
                                 std::size_t columns,
                                 const std::vector<double>& values) {
     InspectedMatrix matrix = matrix_of(columns, values);
-    transform("m.tsv", transformations, matrix);
+    transform("m.tsv", transformations, plainly_spelled, matrix);
     return values_of(matrix);
 }
 
 std::string refusal(const Transformations& transformations, InspectedMatrix matrix) {
     try {
-        transform("m.tsv", transformations, matrix);
+        transform("m.tsv", transformations, plainly_spelled, matrix);
     } catch (const InputError& error) {
         return error.what();
     }
@@ -86,7 +86,7 @@ TEST(Log1p, IsTheNaturalLogarithmOfOneMore) {
 TEST(Log1p, RefusesTheFirstNegativeValueByItsPlace) {
     InspectedMatrix matrix = matrix_of(2, {0, 1, 2, -0.5, -1, 3});
     EXPECT_THAT(refusal(kLog1p, std::move(matrix)),
-                HasSubstr("m.tsv:3: row \"G2\" has a value below 0 in column 2, and --log1p"));
+                HasSubstr("m.tsv:3: row \"G2\" has a value below 0 in column 2, and log1p"));
     matrix = matrix_of(2, {0, 1, 2, -0.5, -1, 3});
     matrix.column_names = {"a", "b"};
     matrix.row_lines.assign(3, 0);
@@ -120,13 +120,13 @@ TEST(Scaling, LeavesConstantColumnsAsTheyAreAndSaysSo) {
         values.insert(values.end(), {0.1, n < 24 ? 1.0 : 2.0});
     }
     InspectedMatrix matrix = matrix_of(2, values);
-    EXPECT_EQ(transform("m.tsv", kScale, matrix),
+    EXPECT_EQ(transform("m.tsv", kScale, plainly_spelled, matrix),
               "m.tsv: transformed by scale (standard deviations with n - 1; 1 column is constant "
               "and not scaled)");
     EXPECT_EQ(matrix.values[0], 0.1);
     EXPECT_EQ(matrix.values[96], 0.1);
     matrix = matrix_of(2, values);
-    transform("m.tsv", {.centre = Centring::Columns, .scale = true}, matrix);
+    transform("m.tsv", {.centre = Centring::Columns, .scale = true}, plainly_spelled, matrix);
     EXPECT_EQ(matrix.values[0], 0.0);
     EXPECT_EQ(matrix.values[96], 0.0);
 }
@@ -156,14 +156,14 @@ TEST(Transformations, AreAppliedInTheirOrder) {
         transformed(kScale, 2, transformed(kColumns, 2, transformed(kLog1p, 2, values)));
     EXPECT_EQ(transformed({true, Centring::Columns, true}, 2, values), steps);
     InspectedMatrix matrix = matrix_of(2, values);
-    EXPECT_EQ(transform("m.tsv", {true, Centring::Columns, false}, matrix),
+    EXPECT_EQ(transform("m.tsv", {true, Centring::Columns, false}, plainly_spelled, matrix),
               "m.tsv: transformed by log1p, center columns");
 }
 
 TEST(Transformations, RefuseWhatIsMissingAndSumsOutOfRange) {
     EXPECT_THAT(
         refusal(kRows, matrix_of(1, {1, std::nan(""), 2})),
-        HasSubstr("m.tsv: values are missing, and cannot be transformed\nSay with --missing"));
+        HasSubstr("m.tsv: values are missing, and cannot be transformed\nSay with missing"));
     EXPECT_THAT(refusal(kColumns, matrix_of(1, {1.7e308, 1.7e308, 1e308})),
                 HasSubstr("m.tsv: the values are too large to be transformed"));
 }

@@ -19,7 +19,7 @@ constexpr const char* kRow = "<row><c t='s'><v>1</v></c><c s='1'><v>45566</v></c
 
 std::string refusal(const std::string& bytes) {
     try {
-        static_cast<void>(Workbook("m.xlsx", bytes).sheetText(0));
+        static_cast<void>(Workbook("m.xlsx", bytes).sheetText(0, '.'));
     } catch (const InputError& error) {
         return error.what();
     }
@@ -33,8 +33,8 @@ TEST(Workbook, HasSheetsByName) {
     const std::string bytes = file.bytes();
     const Workbook workbook("m.xlsx", bytes);
     EXPECT_THAT(workbook.sheetNames(), ElementsAre("expression & more", "notes"));
-    EXPECT_EQ(workbook.sheetText(0).text, "1\n");
-    EXPECT_EQ(workbook.sheetText(1).text, "2\n");
+    EXPECT_EQ(workbook.sheetText(0, '.').text, "1\n");
+    EXPECT_EQ(workbook.sheetText(1, '.').text, "2\n");
 }
 
 TEST(Workbook, LeavesHiddenSheetsOut) {
@@ -51,13 +51,13 @@ TEST(Workbook, KnowsTextsStylesAndCalendar) {
     file.styles =
         "<numFmts><numFmt numFmtId='164' formatCode='d\\-mmm'/></numFmts>"
         "<cellXfs><xf numFmtId='0'/><xf numFmtId='164'/></cellXfs>";
-    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0).text, "TFC3\t1-Oct\n");
+    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0, '.').text, "TFC3\t1-Oct\n");
     file.styles = "<cellXfs><xf numFmtId='0'/><xf numFmtId='14'/></cellXfs>";
-    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0).text, "TFC3\t2024-10-01\n");
+    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0, '.').text, "TFC3\t2024-10-01\n");
     file.properties = "<workbookPr date1904='1'/>";
-    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0).text, "TFC3\t2028-10-02\n");
+    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0, '.').text, "TFC3\t2028-10-02\n");
     file.styles.clear();
-    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0).text, "TFC3\t45566\n");
+    EXPECT_EQ(Workbook("m.xlsx", file.bytes()).sheetText(0, '.').text, "TFC3\t45566\n");
 }
 
 TEST(Workbook, OfAnotherKindOrWithoutItsPartsIsRefused) {

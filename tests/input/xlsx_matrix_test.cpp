@@ -86,7 +86,7 @@ TEST_F(XlsxMatrix, IsOfTheFirstSheetOrTheOneThatIsNamed) {
     EXPECT_EQ(remarks_[0].kind, Remark::Kind::Note);
     EXPECT_EQ(remarks_[0].text,
               directory_.file("m.xlsx") +
-                  ": read is the first of 2 sheets, \"values\"; --sheet reads another: \"values\", "
+                  ": read is the first of 2 sheets, \"values\"; sheet reads another: \"values\", "
                   "\"other\"");
     options_.sheet = "other";
     EXPECT_EQ(loaded(file_.bytes()).matrix.row_names[0], "G1");
@@ -95,7 +95,7 @@ TEST_F(XlsxMatrix, IsOfTheFirstSheetOrTheOneThatIsNamed) {
     EXPECT_THAT(
         refusal(file_.bytes()),
         HasSubstr("m.xlsx: the workbook has no sheet \"Other\", but \"values\", \"other\""));
-    EXPECT_THAT(refusal("g\ta\nG1\t1\nG2\t2\nG3\t3\n"), HasSubstr("--sheet: "));
+    EXPECT_THAT(refusal("g\ta\nG1\t1\nG2\t2\nG3\t3\n"), testing::StartsWith("sheet: "));
 }
 
 TEST_F(XlsxMatrix, LacksValuesWhereCellsAreEmptyOrHoldErrors) {
@@ -111,6 +111,15 @@ TEST_F(XlsxMatrix, LacksValuesWhereCellsAreEmptyOrHoldErrors) {
     ASSERT_EQ(remarks_.size(), 2U);
     EXPECT_EQ(remarks_[0].text,
               directory_.file("m.xlsx") + ": 1 cell holds an error, taken as missing: B4 (#NUM!)");
+}
+
+TEST_F(XlsxMatrix, TakesNumbersAndTextsWithDecimalCommasOnRequest) {
+    file_.sheets = {{"values",
+                     kHeader + row("G1", {"1.5", "2"}) + row("G2", {"2", "3"}) + "<row>" +
+                         text_cell("G3") + text_cell("0,25") + "<c><v>-4.5</v></c></row>"}};
+    EXPECT_THAT(refusal(file_.bytes()), HasSubstr("\"0,25\""));
+    options_.decimal = ',';
+    EXPECT_THAT(values_of(loaded(file_.bytes())), ElementsAre(1.5, 2, 2, 3, 0.25, -4.5));
 }
 
 TEST_F(XlsxMatrix, SaysWhichGeneTheSheetTookForADate) {

@@ -7,6 +7,7 @@ _ovik_tsne() {
   local IFS=$'\n'
   case $previous in
     --delimiter) COMPREPLY=($(compgen -W $'tab\ncomma\nsemicolon\nspace' -- "$current")) ;;
+    --decimal) COMPREPLY=($(compgen -W $'.\n,' -- "$current")) ;;
     --missing)
       COMPREPLY=($(compgen -W $'zero\nrow-mean\ncolumn-mean\ndrop\nerror' -- "$current"))
       ;;

@@ -33,6 +33,10 @@ class Error(str):
     """An error such as #DIV/0!."""
 
 
+class Truth(str):
+    """Whether something holds: "0" or "1"."""
+
+
 class Formula(str):
     """A formula that nobody has calculated."""
 
@@ -50,6 +54,8 @@ def cell_xml(cell, where, strings, prefix):
         return tags(f' s="{DATE_STYLE}"', value(cell))
     if isinstance(cell, Error):
         return tags(' t="e"', value(cell))
+    if isinstance(cell, Truth):
+        return tags(' t="b"', value(cell))
     if isinstance(cell, Formula):
         return tags("", f"<{prefix}f>{escape(cell)}</{prefix}f>")
     return tags(' t="s"', value(str(strings.setdefault(cell, len(strings)))))
@@ -98,6 +104,11 @@ def rows_of(text):
     return [head] + [[row[0], *map(Number, row[1:])] for row in rows]
 
 
+def in_rows(text):
+    """The rows of a plain table without its head, all of them texts."""
+    return [line.split("\t") for line in text.splitlines()[1:]]
+
+
 def workbooks(text):
     """The parts of each workbook by file name.
 
@@ -112,7 +123,8 @@ def workbooks(text):
 
     notes = Sheet("read me", [["Expression in chemostats"], ["see sheet 2"]])
     values = Sheet("values", table)
-    in_strings = [table[0]] + [list(map(str, row)) for row in table[1:]]
+    commas = [table[0]] + [[text.replace(".", ",") for text in row] for row in in_rows(text)]
+    in_strings = [table[0]] + in_rows(text)
     october_first = Day("45566")
     return {
         "sheet.xlsx": parts_of([values]),
@@ -122,6 +134,10 @@ def workbooks(text):
         "notes_first.xlsx": parts_of([notes, values]),
         "hidden_sheet.xlsx": parts_of([Sheet("old", rows_of(text)[:4], "hidden"), values]),
         "numbers_as_text.xlsx": parts_of([Sheet("values", in_strings)]),
+        "texts_with_commas.xlsx": parts_of([Sheet("values", commas)]),
+        "titled.xlsx": parts_of([Sheet("Table S1", [["Table S1. Expression in chemostats"], [], *table])]),
+        "date_for_a_value.xlsx": parts_of([Sheet("values", changed(3, 2, october_first))]),
+        "truth.xlsx": parts_of([Sheet("values", changed(3, 2, Truth("1")))]),
         "empty_cells.xlsx": parts_of([Sheet("values", [
             [None if (n, d) in ((2, 2), (5, 5), (7, 1)) else cell for d, cell in enumerate(row)]
             for n, row in enumerate(table)])]),
