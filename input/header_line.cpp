@@ -21,17 +21,6 @@ char lower_case(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Whether a text is one that stands above names, such as "gene".
-bool is_header_word(std::string_view text) {
-    static constexpr std::string_view kWords[] = {
-        "",      "feature", "features", "gene",   "gene_id", "gene_name", "geneid", "genes",
-        "id",    "id_ref",  "ids",      "locus",  "name",    "names",     "orf",    "orfs",
-        "probe", "probes",  "row",      "sample", "samples", "symbol",    "time",   "yorf"};
-    std::string word;
-    std::transform(text.begin(), text.end(), std::back_inserter(word), lower_case);
-    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
-}
-
 /// A name whose runs of digits are one 0 each: names that are numbered become the same.
 std::string shape_of(const std::string& name) {
     std::string shape;
@@ -53,22 +42,26 @@ bool is_numbered_like(const std::string& name, const std::vector<std::string>& n
            });
 }
 
-/// The numbers of fields that are all numbers or missing; none if another is among them, or there
-/// is no number.
+/// The numbers among fields, with whatever decimal sign; none if there is no number, or as much
+/// text.
 std::optional<std::vector<double>> numbers_of(const std::vector<std::string>& fields,
                                               const LoadOptions& options) {
     const ValueReader reader(options.decimal, options.missing_signs);
+    const ValueReader with_commas(',', options.missing_signs);
     std::vector<double> numbers;
+    std::size_t texts = 0;
     for (const std::string& field : fields) {
+        const char* const end = field.c_str() + field.size();
         double value = 0.0;
-        const FieldKind kind = reader.read(field.c_str(), field.c_str() + field.size(), value);
-        if (kind == FieldKind::Number) {
+        const FieldKind kind = reader.read(field.c_str(), end, value);
+        if (kind == FieldKind::Number ||
+            with_commas.read(field.c_str(), end, value) == FieldKind::Number) {
             numbers.push_back(value);
         } else if (kind != FieldKind::Missing) {
-            return std::nullopt;
+            ++texts;
         }
     }
-    return numbers.empty() ? std::nullopt : std::optional(std::move(numbers));
+    return numbers.size() <= texts ? std::nullopt : std::optional(std::move(numbers));
 }
 
 std::vector<std::string_view> lines_of(std::string_view text) {
@@ -107,7 +100,7 @@ std::size_t find_header(const std::string& path,
             return line;
         }
     }
-    if (is_header_word(name)) {
+    if (name.empty() || heads_names(name)) {
         return first_text;
     }
     const bool is_empty = trimmed_matrix_line(lines[0]).empty();
@@ -144,8 +137,8 @@ std::size_t header_below_title(std::string_view text,
                 return numbers_of({value}, options).has_value();
             });
         const std::optional<std::vector<double>> numbers = numbers_of(values, options);
-        const bool heads = !has_number || (numbers && is_header_word(name) && !name.empty() &&
-                                           may_head_columns(*numbers));
+        const bool heads =
+            !has_number || (numbers && heads_names(name) && may_head_columns(*numbers));
         return heads ? line : header;
     }
     return header;
@@ -158,6 +151,24 @@ bool looks_like_row(const std::string& name,
     const std::optional<std::vector<double>> numbers = numbers_of(values, options);
     return numbers && (looks_like_gene(name, options) || is_numbered_like(name, names) ||
                        !may_head_columns(*numbers));
+}
+
+bool heads_names(std::string_view text) {
+    static constexpr std::string_view kWords[] = {"feature",   "features",
+                                                  "gene",      "gene_id",
+                                                  "gene_name", "geneid",
+                                                  "genes",     "id",
+                                                  "id_ref",    "ids",
+                                                  "locus",     "name",
+                                                  "names",     "orf",
+                                                  "orfs",      "probe",
+                                                  "probes",    "row",
+                                                  "sample",    "samples",
+                                                  "symbol",    "systematic_name",
+                                                  "time",      "yorf"};
+    std::string word;
+    std::transform(text.begin(), text.end(), std::back_inserter(word), lower_case);
+    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
 }
 
 bool looks_like_gene(const std::string& name, const LoadOptions& options) {

@@ -34,9 +34,9 @@ std::size_t header_below_title(std::string_view text,
                                char delimiter,
                                const LoadOptions& options);
 
-/// Whether what stands in the place of the header is more likely a row: it has values, and its name
-/// is that of a gene or made like those of the rows, or its values are not what measurements are
-/// headed with, which is whole or rising numbers (time points, doses).
+/// Whether what stands in the place of the header is more likely a row: most of it is numbers, and
+/// its name is that of a gene or made like those of the rows, or its values are not what
+/// measurements are headed with, which is whole or rising numbers (time points, doses).
 ///
 /// @param name    the field in the place of the names; empty if there is none
 /// @param values  the fields in the places of values
@@ -45,6 +45,9 @@ bool looks_like_row(const std::string& name,
                     const std::vector<std::string>& values,
                     const std::vector<std::string>& names,
                     const LoadOptions& options);
+
+/// Whether a text is one that stands above names, such as "gene".
+bool heads_names(std::string_view text);
 
 /// Whether a name is that of a yeast gene, as far as can be told.
 bool looks_like_gene(const std::string& name, const LoadOptions& options);

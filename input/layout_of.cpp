@@ -191,6 +191,15 @@ void check_delimiter(const std::string& path, const TableHead& head, const LoadO
             ", as if decimal commas stood between delimiters that are commas, too\nSave the file "
             "with another delimiter (tab or semicolon), or with a decimal point.");
     }
+    if (head.lacks_names_header && head.header.size() > 2 && options.has_names &&
+        heads_names(head.header[1])) {
+        throw InputError(path + ": the header has " +
+                         counted(head.header.size() - 1, "field", "fields") +
+                         " and the rows have " + std::to_string(head.row_fields) + ", though \"" +
+                         head.header[1] + "\" heads the names\nCheck the delimiter (" +
+                         options.spell("delimiter", "") +
+                         "), and whether decimal commas stand between delimiters that are commas.");
+    }
     const auto has_empty = [](const std::vector<std::string>& row) {
         return std::find(row.begin(), row.end(), "") != row.end();
     };

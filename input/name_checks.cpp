@@ -15,7 +15,7 @@ namespace ovik {
 namespace {
 
 /// What names are if all are numbers, but for some that are missing.
-enum class NumericNames { None, RowNumbers, Identifiers, Values };
+enum class NumericNames { None, Identifiers, Values };
 
 /// Identifiers are whole numbers that differ.
 NumericNames numeric_names(const std::vector<std::string>& names, const LoadOptions& options) {
@@ -23,15 +23,12 @@ NumericNames numeric_names(const std::vector<std::string>& names, const LoadOpti
     std::unordered_set<double> seen;
     std::size_t numbers = 0;
     bool are_whole = true;
-    bool count_rows = true;
     for (const std::string& name : names) {
         double value = 0.0;
         const FieldKind kind = reader.read(name.c_str(), name.c_str() + name.size(), value);
         if (kind == FieldKind::Number) {
             seen.insert(value);
             are_whole = are_whole && value == std::floor(value);
-            const auto number = static_cast<double>(numbers);
-            count_rows = count_rows && (value == number || value == number + 1.0);
             ++numbers;
         } else if (kind != FieldKind::Missing) {
             return NumericNames::None;
@@ -40,10 +37,7 @@ NumericNames numeric_names(const std::vector<std::string>& names, const LoadOpti
     if (numbers == 0) {
         return NumericNames::None;
     }
-    if (!are_whole || seen.size() < numbers) {
-        return NumericNames::Values;
-    }
-    return count_rows ? NumericNames::RowNumbers : NumericNames::Identifiers;
+    return are_whole && seen.size() == numbers ? NumericNames::Identifiers : NumericNames::Values;
 }
 
 std::size_t count_genes(const std::vector<std::string>& names, const LoadOptions& options) {

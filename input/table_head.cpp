@@ -121,7 +121,7 @@ void read_rows(std::string_view text, TableHead& head) {
 
 /// Puts the fields of a header where a row has them: a field for the names may be left out, or
 /// trimmed away.
-std::vector<std::string> aligned_header(std::string_view record, const TableHead& head) {
+std::vector<std::string> aligned_header(std::string_view record, TableHead& head) {
     std::vector<std::string> whole = fields_of(record, head.delimiter, true);
     std::vector<std::string> usual = fields_of(record, head.delimiter, false);
     const std::size_t fields = head.row_fields;
@@ -130,6 +130,7 @@ std::vector<std::string> aligned_header(std::string_view record, const TableHead
                                                                                          : usual;
     if (header.size() + 1 == fields) {
         header.insert(header.begin(), "");
+        head.lacks_names_header = true;
     }
     if (!header.empty() && header[0].starts_with('#')) {
         const std::size_t name = header[0].find_first_not_of("# ");

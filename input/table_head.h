@@ -22,6 +22,8 @@ struct TableHead {
     std::optional<char> guessed_delimiter;
     /// The fields of the header, in the places of the fields of a row; empty if there is none.
     std::vector<std::string> header;
+    /// Whether the header has one field less than the rows, and an empty one in front was added.
+    bool lacks_names_header = false;
     /// The fields of the first rows, and of lines like them.
     std::vector<std::vector<std::string>> rows;
     /// Fields of the longest of these rows.

@@ -24,6 +24,8 @@ TEST(FindHeader, TellsHeadersFromRowsBehindCommentsAndEmptyLines) {
         // A row, so that the first line is the header.
         {"# note\nYAL001C\t1\t2\nG2\t1\t2\n", 1, 0},
         {"# note\nG1\t1.5\t0.25\nG2\t1\t2\n", 1, 0},
+        {"# note\nG1\t1,5\t0,25\nG2\t1\t2\n", 1, 0},
+        {"# note\nG1\t1.5\tND\t0.25\nG2\t1\t2\t3\n", 1, 0},
         {"\nG1\t1\t2\nG2\t1\t2\n", 1, 0},
     };
 
@@ -53,6 +55,7 @@ TEST(HeaderBelowTitle, IsTheFirstLineOfManyFieldsIfThatHeadsColumns) {
         // Headers of one word, and what is no title.
         {"g\nG1\t1\t2\nG2\t1\t2\n", 0},
         {"g\nx\t1\tNA\nG2\t1\t2\n", 0},
+        {"g\nG1\t0,5\t1,5\nG2\t1\t2\n", 0},
         {"gene\ta\tb\nG1\tx\ty\n", 0},
         {"a\tb\nG1\tx\ty\n", 0},
         {"", 0},
@@ -66,6 +69,8 @@ TEST(HeaderBelowTitle, IsTheFirstLineOfManyFieldsIfThatHeadsColumns) {
 TEST(LooksLikeRow, IsTrueOfValuesThatHeadNothing) {
     EXPECT_TRUE(looks_like_row("x", {"0.5", "-1.25"}, {}, {}));
     EXPECT_TRUE(looks_like_row("x", {"NA", "0.5", "-1.25"}, {}, {}));
+    EXPECT_TRUE(looks_like_row("x", {"ND", "0.5", "-1.25"}, {}, {}));
+    EXPECT_TRUE(looks_like_row("x", {"0,5", "-1,25"}, {}, {}));
     EXPECT_TRUE(looks_like_row("YAL001C", {"0", "7"}, {"A", "B"}, {}));
     EXPECT_TRUE(looks_like_row("G0", {"0", "7"}, {"G1", "G25"}, {}));
 }

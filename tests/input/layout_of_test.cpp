@@ -117,9 +117,13 @@ TEST_F(LayoutOf, RefusesARowInThePlaceOfTheHeader) {
 TEST_F(LayoutOf, RefusesDelimitersThatSeemToStandWithinFields) {
     EXPECT_THAT(refusal("g,a,b\nG1,0,5,1,5\nG2,1,5,2,5\n"),
                 HasSubstr("the header has 3 fields and the rows have 5, as if decimal commas"));
+    EXPECT_THAT(
+        refusal("gene,a\nG1,0,5\nG2,1,5\n"),
+        HasSubstr("the header has 2 fields and the rows have 3, though \"gene\" heads the"));
+    EXPECT_EQ(refusal("WT,mutant\nG1,0,5\nG2,1,5\n"), "");
     EXPECT_THAT(refusal("gene   a   b\nG1   1   2\n"), HasSubstr("several blanks stand between"));
     options_.delimiter = ' ';
-    EXPECT_EQ(refusal("gene a b\nG1 1  2\n"), "");
+    EXPECT_EQ(refusal("gene a b c\nG1 1  2\n"), "");
 }
 
 }  // namespace

@@ -57,12 +57,9 @@ TEST(CheckNames, NotesIdentifiersThatAreNumbers) {
                     "names-column NAME"));
 }
 
-TEST(CheckNames, LetsNamesAndRowNumbersPass) {
-    for (const std::vector<std::string>& names : {std::vector<std::string>{"0", "1", "2"},
-                                                  {"1", "2", "3"},
-                                                  {"0.5", "x", "0.5"},
-                                                  {"NA", "", "-"},
-                                                  {"NAN1", "NAN1"}}) {
+TEST(CheckNames, LetsNamesPass) {
+    for (const std::vector<std::string>& names :
+         {std::vector<std::string>{"0.5", "x", "0.5"}, {"NA", "", "-"}, {"NAN1", "NAN1"}}) {
         InspectedMatrix matrix = matrix_of(names);
         EXPECT_EQ(refusal(matrix), "") << names[0];
         EXPECT_THAT(matrix.report.notes, IsEmpty());
