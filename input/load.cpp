@@ -7,6 +7,7 @@
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
 #include "input/name_checks.h"
+#include "input/odd_values.h"
 #include "input/row_texts.h"
 #include "input/transformations.h"
 #include "util/input_error.h"
@@ -56,6 +57,28 @@ InspectedMatrix read_rows(MatrixSource& source,
     }
     check_matrix(source.name(), matrix.report);
     return matrix;
+}
+
+/// Says how the file was taken, and what about its matrix may not be as its user means it.
+void add_remarks(const std::string& name,
+                 const LoadOptions& options,
+                 const InspectedMatrix& matrix,
+                 std::vector<Remark>& remarks) {
+    for (const std::string& note : matrix.report.notes) {
+        remarks.push_back({Remark::Kind::Note, name + ": " + note});
+    }
+    std::vector<std::string> warnings = {transposed_warning(name, options, matrix)};
+    for (std::string& warning : matrix_warnings(name, matrix.report)) {
+        warnings.push_back(std::move(warning));
+    }
+    warnings.push_back(date_names_warning(name, matrix.row_names, matrix.row_lines));
+    warnings.push_back(odd_rows_warning(name, matrix));
+    warnings.push_back(odd_columns_warning(name, options.spell, matrix));
+    for (std::string& warning : warnings) {
+        if (!warning.empty()) {
+            remarks.push_back({Remark::Kind::Warning, std::move(warning)});
+        }
+    }
 }
 
 /// @return how many values were missing
@@ -111,20 +134,7 @@ LoadedMatrix load(const std::string& path,
     }
     matrix.row_lines.resize(matrix.report.rows, 0);
     note_duplicate_names(matrix);
-    for (const std::string& note : matrix.report.notes) {
-        remarks.push_back({Remark::Kind::Note, name + ": " + note});
-    }
-    const std::string transposed = transposed_warning(name, options, matrix);
-    if (!transposed.empty()) {
-        remarks.push_back({Remark::Kind::Warning, transposed});
-    }
-    for (std::string& warning : matrix_warnings(name, matrix.report)) {
-        remarks.push_back({Remark::Kind::Warning, std::move(warning)});
-    }
-    std::string dates = date_names_warning(name, matrix.row_names, matrix.row_lines);
-    if (!dates.empty()) {
-        remarks.push_back({Remark::Kind::Warning, std::move(dates)});
-    }
+    add_remarks(name, options, matrix, remarks);
     if (!options.labels_file.empty()) {
         loaded.labels = read_row_texts(options.labels_file, matrix.report.rows, "label");
     }
