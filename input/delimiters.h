@@ -2,9 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
-#include "input/inspected_matrix.h"
-#include "input/matrix_source.h"
+#include "input/load_options.h"
 
 namespace ovik {
 
@@ -14,15 +14,16 @@ struct Delimiters {
     std::optional<char> guessed;
 };
 
-/// @param given  by the user
+/// @param path         for messages
+/// @param rows         the text behind the header
+/// @param has_default  whether it is the tab if nothing is given and nothing can be guessed
 /// @throws InputError if nothing is given and nothing can be guessed
-Delimiters find_delimiter(const MatrixSource& source, std::optional<char> given);
+Delimiters find_delimiter(const std::string& path,
+                          std::string_view rows,
+                          const LoadOptions& options,
+                          bool has_default);
 
-/// Refuses text that its delimiter does not part into names and numbers.
-///
-/// @throws InputError with the cure: a name got lost to the trimming, or there is no number
-void check_delimited(const std::string& path,
-                     const Delimiters& delimiters,
-                     const MatrixReport& report);
+/// What messages call a delimiter, and options too: "tab".
+std::string delimiter_text(char delimiter);
 
 }  // namespace ovik

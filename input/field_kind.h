@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "util/number_field.h"
 
 namespace ovik {
@@ -10,13 +12,25 @@ enum class FieldKind {
     /// Nothing but blanks, or one of the usual signs of a missing value: NA, N/A, #N/A, NaN, null,
     /// none (in capitals or not), "-", "--", "." and "?".
     Missing,
-    /// Other text that does not open with a number.
+    /// Other text that does not open with a finite number.
     NotNumber,
     /// A number with text behind it.
     TextBehind,
     /// An infinity, a number beyond the range of `double`, or a NaN with a sign or a payload.
     NotFinite,
 };
+
+/// Whether a field holds one of these signs, or nothing but blanks.
+bool is_missing_sign(std::string_view field);
+
+/// A text without the blanks around it.
+std::string_view without_blanks(std::string_view text);
+
+/// Whether a field is a number with a decimal comma, as 0,12 or -1,5E3.
+bool has_decimal_comma(std::string_view field);
+
+/// Whether a field is a number whose digits commas group by three, as 1,234 or 12,345,678.5.
+bool has_grouped_digits(std::string_view field);
 
 /// Tells what a field holds; blanks around it do not count.
 ///

@@ -30,9 +30,9 @@ void note_infinite_values(InspectedMatrix& matrix) {
     const double* value = matrix.values.get();
     for (std::size_t n = 0; n < report.rows; ++n) {
         for (std::size_t d = 0; d < report.columns; ++d, ++value) {
-            if (std::isinf(*value) && report.not_finite.count++ == 0) {
-                report.not_finite.first = {
-                    0, std::to_string(n + 1), d + 1, *value > 0 ? "inf" : "-inf"};
+            if (std::isinf(*value) && report.not_finite.count++ < FieldFindings::kListed) {
+                report.not_finite.places.push_back(
+                    {0, std::to_string(n + 1), d + 1, *value > 0 ? "inf" : "-inf"});
             }
         }
     }

@@ -18,10 +18,19 @@ struct FieldPlace {
     std::string text;
 };
 
-/// Fields of one kind: how many, and the first of them.
+/// Fields of one kind: how many, and the first three of them.
 struct FieldFindings {
+    static constexpr std::size_t kListed = 3;
+
     std::size_t count = 0;
-    FieldPlace first;
+    std::vector<FieldPlace> places;
+};
+
+/// What the fields of a column hold besides numbers, and how many of each.
+struct ColumnFindings {
+    /// Text, alone or behind a number.
+    std::size_t texts = 0;
+    std::size_t missing = 0;
 };
 
 /// A row whose number of values differs from that of the others.
@@ -31,18 +40,24 @@ struct RaggedRow {
     std::size_t values = 0;
 };
 
-/// What there is to say of a matrix: for delimited text, what `read_matrix_w_index` would pass over
-/// in silence. Only rows and columns are of every format.
+/// What there is to say of a matrix. Only rows and columns are of every format; the rest is of
+/// delimited text.
 struct MatrixReport {
     std::size_t rows = 0;
     /// Values of a row.
     std::size_t columns = 0;
-    /// Fields of delimited text that open with a number.
+    /// Fields that open with a number.
     std::size_t numbers = 0;
-    /// Fields that do not open with a number, though not missing, and read as 0.
+    /// Fields that do not open with a number, though not missing.
     FieldFindings not_numbers;
-    /// Numbers with text behind them, which is ignored.
+    /// Numbers with text behind them.
     FieldFindings with_text_behind;
+    /// Those of them that are numbers with a decimal comma.
+    FieldFindings decimal_commas;
+    /// Those of them whose digits a comma groups by three, and which may be decimal commas, too.
+    FieldFindings grouped_digits;
+    /// For each column that has a field without a number, up to the last of them.
+    std::vector<ColumnFindings> by_column;
     /// NaN other than as a sign of a missing value, and infinities, also of numbers beyond the
     /// range of `double`.
     FieldFindings not_finite;
@@ -54,14 +69,16 @@ struct MatrixReport {
     FieldFindings lost_names;
     /// Rows whose name is empty.
     FieldFindings unnamed;
-    /// Rows whose name stands in double quotes, which stay part of it.
-    FieldFindings quoted_names;
+    /// First fields of lines that the layout of the file says are no rows.
+    std::vector<std::string> no_rows;
+    /// Whether the line that ends the table stands there.
+    bool has_end_mark = false;
     /// Rows whose name stood above already.
     std::size_t duplicate_names = 0;
     /// The first few of these names.
     std::vector<std::string> first_duplicate_names;
-    /// Whether the first line, which is discarded, looks like a row of data.
-    bool header_looks_like_data = false;
+    /// What there is to tell of how the file was taken, a text each.
+    std::vector<std::string> notes;
 };
 
 /// The rows of a matrix file, and what there is to say about them.
@@ -71,8 +88,12 @@ struct InspectedMatrix {
     std::vector<std::string> row_names;
     /// The line on which each row stands in the file, from 1; 0 in formats that have none.
     std::vector<std::size_t> row_lines;
+    /// Whether the rows have names.
+    bool has_names = true;
     /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;
+    /// The field of a line, from 1, that holds each column; empty in formats that have no lines.
+    std::vector<std::size_t> column_fields;
     /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
     /// there are rows of different length.
     std::unique_ptr<double[]> values;

@@ -2,10 +2,14 @@
 
 #include <utility>
 
+#include "input/date_names.h"
 #include "input/matrix_checks.h"
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
+#include "input/name_checks.h"
+#include "input/odd_values.h"
 #include "input/row_texts.h"
+#include "input/transformations.h"
 #include "util/input_error.h"
 
 namespace ovik {
@@ -21,7 +25,7 @@ std::vector<std::string> row_numbers(std::size_t count) {
     return numbers;
 }
 
-/// The names of rows whose format has none.
+/// The names of rows that have none in their file.
 std::vector<std::string> names_of_rows(const std::string& path,
                                        const LoadOptions& options,
                                        std::size_t count,
@@ -30,9 +34,8 @@ std::vector<std::string> names_of_rows(const std::string& path,
         return read_row_texts(options.row_names_file, count, "name");
     }
     remarks.push_back({Remark::Kind::Note,
-                       "the format of " + path +
-                           " has no names, and rows are called by their numbers; --row-names gives "
-                           "them names"});
+                       path + ": its rows have no names, and are called by their numbers; " +
+                           options.spell("row-names", "FILE") + " gives them names"});
     return row_numbers(count);
 }
 
@@ -40,8 +43,13 @@ std::vector<std::string> names_of_rows(const std::string& path,
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
                           const LoadOptions& options) {
-    if (format.has_names && !options.row_names_file.empty()) {
-        throw InputError("--row-names: the rows of " + source.name() + " have names of their own");
+    if (format.has_names && options.has_names && !options.row_names_file.empty()) {
+        throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
+                         " have names of their own");
+    }
+    if (!options.sheet.empty() && format.name != "xlsx") {
+        throw InputError(options.spell("sheet", "") + ": " + source.name() +
+                         " is no Excel workbook (.xlsx)");
     }
     InspectedMatrix matrix = format.read(source, options);
     if (!format.is_text) {
@@ -49,6 +57,28 @@ InspectedMatrix read_rows(MatrixSource& source,
     }
     check_matrix(source.name(), matrix.report);
     return matrix;
+}
+
+/// Says how the file was taken, and what about its matrix may not be as its user means it.
+void add_remarks(const std::string& name,
+                 const LoadOptions& options,
+                 const InspectedMatrix& matrix,
+                 std::vector<Remark>& remarks) {
+    for (const std::string& note : matrix.report.notes) {
+        remarks.push_back({Remark::Kind::Note, name + ": " + note});
+    }
+    std::vector<std::string> warnings = {transposed_warning(name, options, matrix)};
+    for (std::string& warning : matrix_warnings(name, matrix.report)) {
+        warnings.push_back(std::move(warning));
+    }
+    warnings.push_back(date_names_warning(name, matrix.row_names, matrix.row_lines));
+    warnings.push_back(odd_rows_warning(name, matrix));
+    warnings.push_back(odd_columns_warning(name, options.spell, matrix));
+    for (std::string& warning : warnings) {
+        if (!warning.empty()) {
+            remarks.push_back({Remark::Kind::Warning, std::move(warning)});
+        }
+    }
 }
 
 /// @return how many values were missing
@@ -66,15 +96,16 @@ std::size_t settle_missing(const std::string& name,
     const std::string summary = name + ": " + missing_summary(matrix, missing);
     const std::string places = missing_places(matrix, missing);
     if (policy == MissingPolicy::Error) {
-        throw InputError(summary + "\n" + places + options.missing_advice);
+        throw InputError(summary + "\n" + places + "Fill them in, or choose with " +
+                         options.spell("missing", "") + " what becomes of them.");
     }
     const std::size_t rows = matrix.report.rows;
-    treat_missing(name, policy, missing, matrix, loaded.labels);
+    treat_missing(name, policy, missing, options.spell, matrix, loaded.labels);
     if (!options.missing) {
         remarks.push_back({Remark::Kind::Warning,
-                           summary + ", and read as 0\n" + places +
-                               "--missing can also fill in means (row-mean, column-mean), leave "
-                               "such rows out (drop), or refuse them (error)."});
+                           summary + ", and read as 0\n" + places + options.spell("missing", "") +
+                               " can also fill in means (row-mean, column-mean), leave such rows "
+                               "out (drop), or refuse them (error)."});
         return missing.count;
     }
     remarks.push_back(
@@ -98,20 +129,22 @@ LoadedMatrix load(const std::string& path,
     loaded.format = format.name;
     InspectedMatrix& matrix = loaded.matrix;
     matrix = read_rows(source, format, options);
-    if (!format.has_names) {
+    if (!format.has_names || !matrix.has_names) {
         matrix.row_names = names_of_rows(path, options, matrix.report.rows, remarks);
     }
     matrix.row_lines.resize(matrix.report.rows, 0);
     note_duplicate_names(matrix);
-    for (std::string& warning : matrix_warnings(name, matrix.report)) {
-        remarks.push_back({Remark::Kind::Warning, std::move(warning)});
-    }
+    add_remarks(name, options, matrix, remarks);
     if (!options.labels_file.empty()) {
         LabelFile file = read_label_file(options.labels_file, matrix.report.rows);
         loaded.labels = std::move(file.labels);
         loaded.label_table = std::move(file.table);
     }
     loaded.missing = settle_missing(name, options, loaded, remarks);
+    if (options.transformations.any()) {
+        remarks.push_back({Remark::Kind::Information,
+                           transform(name, options.transformations, options.spell, matrix)});
+    }
     if (options.check_values) {
         check_values(name, matrix);
     }

@@ -3,9 +3,13 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
+#include "input/option_spelling.h"
+#include "input/table_layout.h"
+#include "input/transformations.h"
 
 namespace ovik {
 
@@ -13,20 +17,42 @@ namespace ovik {
 struct LoadOptions {
     /// Between the fields of delimited text. Not given: guessed.
     std::optional<char> delimiter;
+    /// The decimal sign of delimited text, '.' or ','. Not given: that of the thread's locale, and
+    /// numbers with the other one are refused.
+    std::optional<char> decimal;
+    /// Whether delimited text has a header line.
+    bool has_header = true;
+    /// Whether delimited text has names of its rows.
+    bool has_names = true;
+    /// The column of the names in delimited text: what its header says, or else the number of its
+    /// field, from 1. Empty: what the layout of the file says, or else the first.
+    std::string names_column;
+    /// Columns of delimited text that are no values, by header or by number as above.
+    std::vector<std::string> skip_columns;
+    /// Texts that stand for a missing value besides the usual ones; blanks around them do not
+    /// count.
+    std::vector<std::string> missing_signs;
+    /// Whether a name is that of a gene besides the systematic names of yeast, which are known. May
+    /// be empty.
+    std::function<bool(const std::string& name)> is_gene;
+    /// The sheet of a workbook; empty: the first that is not hidden.
+    std::string sheet;
     /// What becomes of missing values. Not given: they are 0, and a remark warns of it.
     std::optional<MissingPolicy> missing;
-    /// What the user can do about missing values, which ends their refusal; may be empty.
-    std::string missing_advice;
+    /// How messages spell the option that is the cure.
+    OptionSpelling spell = plainly_spelled;
     /// A file with one name per line and row, for formats that have none; empty: rows are numbered.
     std::string row_names_file;
     /// A file of labels, as `read_label_file` takes it; empty: no labels.
     std::string labels_file;
+    /// What is done to the values once none is missing.
+    Transformations transformations;
     /// Whether what is left after the treatment of missing values is refused if it cannot be
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.
     bool check_values = true;
-    /// If set, called with delimited text and its delimiter before more than the head is read. What
+    /// If set, called with delimited text and its layout before more than the head is read. What
     /// it throws, `load` throws.
-    std::function<void(const MatrixSource& source, char delimiter)> before_reading;
+    std::function<void(const MatrixSource& source, const TableLayout& layout)> before_reading;
 };
 
 }  // namespace ovik

@@ -38,7 +38,7 @@ std::string place(const std::string& path, const FieldPlace& place) {
 /// @throws InputError with the first value that is not finite
 void check_finite(const std::string& path, const MatrixReport& report) {
     if (report.not_finite.count > 0) {
-        const FieldPlace& first = report.not_finite.first;
+        const FieldPlace& first = report.not_finite.places.front();
         throw InputError(place(path, first) + " is \"" + first.text +
                          "\", which is not a finite number (" +
                          counted(report.not_finite.count, "such field", "such fields") +
@@ -117,36 +117,10 @@ void check_values(const std::string& path, const InspectedMatrix& matrix) {
 
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report) {
     std::vector<std::string> warnings;
-    if (report.not_numbers.count > 0) {
-        const FieldPlace& first = report.not_numbers.first;
-        warnings.push_back(
-            place(path, first) + " is \"" + first.text +
-            "\", which is not a number, and read as 0" +
-            (first.text.find('"') != std::string::npos ? "; numbers should stand without quotes"
-                                                       : "") +
-            " (" + counted(report.not_numbers.count, "such field", "such fields") + " in all)");
-    }
-    if (report.with_text_behind.count > 0) {
-        const FieldPlace& first = report.with_text_behind.first;
-        warnings.push_back(
-            place(path, first) + " is \"" + first.text +
-            "\": the text behind the number is ignored" +
-            (first.text.find(',') != std::string::npos ? "; a decimal comma should be a point"
-                                                       : "") +
-            " (" + counted(report.with_text_behind.count, "such field", "such fields") +
-            " in all)");
-    }
     if (report.unnamed.count > 0) {
-        warnings.push_back(path + ":" + std::to_string(report.unnamed.first.line) +
+        warnings.push_back(path + ":" + std::to_string(report.unnamed.places.front().line) +
                            ": the row has no name (" +
                            counted(report.unnamed.count, "such row", "such rows") + " in all)");
-    }
-    if (report.quoted_names.count > 0) {
-        warnings.push_back(path + ":" + std::to_string(report.quoted_names.first.line) +
-                           ": the quotes are part of the name " + report.quoted_names.first.row +
-                           ", so that the gene table does not know it (" +
-                           counted(report.quoted_names.count, "such row", "such rows") +
-                           " in all)");
     }
     if (report.duplicate_names > 0) {
         std::string names;
@@ -157,11 +131,6 @@ std::vector<std::string> matrix_warnings(const std::string& path, const MatrixRe
             path + ": " + counted(report.duplicate_names, "row repeats", "rows repeat") +
             " the name of an earlier one (" + names +
             (report.duplicate_names > report.first_duplicate_names.size() ? ", ...)" : ")"));
-    }
-    if (report.header_looks_like_data) {
-        warnings.push_back(path +
-                           ":1: the first line looks like a row, but it is taken as the header and "
-                           "not embedded; put a header line above it if it is one");
     }
     return warnings;
 }

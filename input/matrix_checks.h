@@ -23,8 +23,8 @@ void check_row_count(const std::string& path, std::size_t rows);
 /// @throws InputError with the cure: rows all equal, values too large or too close to one another
 void check_values(const std::string& path, const InspectedMatrix& matrix);
 
-/// What the user should know of a matrix that can be embedded, a text each: fields that read as 0,
-/// text that is ignored, quoted and duplicate names, a first line that looks like data.
+/// What the user should know of a matrix that can be embedded, a text each: empty and duplicate
+/// names.
 std::vector<std::string> matrix_warnings(const std::string& path, const MatrixReport& report);
 
 }  // namespace ovik

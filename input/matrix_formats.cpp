@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "input/delimited_text.h"
+#include "input/foreign_formats.h"
 #include "input/matrix_market.h"
 #include "input/npy_matrix.h"
 #include "input/text_head.h"
+#include "input/xlsx_matrix.h"
 #include "util/input_error.h"
 
 namespace ovik {
@@ -21,6 +23,9 @@ const std::vector<MatrixFormat>& matrix_formats() {
          .read = [](MatrixSource& source,
                     const LoadOptions& /*options*/) { return read_matrix_market(source); },
          .is_text = true},
+#ifdef OVIK_READS_XLSX
+        {.name = "xlsx", .recognises = is_workbook, .read = read_xlsx_matrix, .has_names = true},
+#endif
         {.name = "text",
          .recognises = [](std::string_view head) { return foreign_format(head).empty(); },
          .read = read_delimited_text,

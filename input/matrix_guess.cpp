@@ -4,9 +4,9 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "input/field_kind.h"
+#include "input/quoted_record.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
 #include "util/number_field.h"
@@ -17,67 +17,77 @@ namespace {
 
 constexpr std::size_t kRowsLookedAt = 20;
 
-/// The first few rows, trimmed; of a head that is not all there is, the last line is left out.
-std::vector<std::string> first_rows(const MatrixSource& source) {
-    std::string_view head = source.head();
-    if (!source.isWholeInHead()) {
-        head = head.substr(0, head.rfind('\n') + 1);  // npos + 1 is 0
-    }
-    std::vector<std::string> rows;
-    bool is_header = true;
-    for_each_line(head, [&](std::string_view line) {
-        const std::string_view row = trimmed_matrix_line(line);
-        if (!is_header && rows.size() < kRowsLookedAt && is_matrix_row(row)) {
-            rows.emplace_back(row);
-        }
-        is_header = false;
-    });
-    return rows;
+/// Whether a value field counts as one. Decimal commas are more likely than values that are
+/// separated by them.
+bool is_number_like(const NumberReader& reader, const char* field, const char* end) {
+    double value = 0.0;
+    return classify_field(reader, field, end, value) == FieldKind::Number ||
+           has_decimal_comma({field, static_cast<std::size_t>(end - field)});
 }
 
-std::size_t count_numbers(std::string line, char delimiter, const NumberReader& reader) {
+std::size_t count_numbers(std::string_view text, char delimiter, const NumberReader& reader) {
     std::size_t numbers = 0;
-    bool at_name = true;
-    for_each_matrix_field(line, delimiter, [&](const char* field, const char* end) {
-        double value = 0.0;
-        const FieldKind kind = classify_field(reader, field, end, value);
-        // Decimal commas leave text behind every number; they are more likely than values that
-        // are separated by them.
-        const bool counts = kind == FieldKind::Number || kind == FieldKind::TextBehind;
-        numbers += !at_name && counts ? 1 : 0;
-        at_name = false;
-    });
+    std::size_t rows = 0;
+    std::string row;
+    while (!text.empty() && rows < kRowsLookedAt) {
+        const QuotedRecord record = first_record(text, delimiter);
+        row = trimmed_matrix_line(text.substr(0, record.length));
+        text.remove_prefix(record.length);
+        if (!is_matrix_row(row)) {
+            continue;
+        }
+        ++rows;
+        bool at_name = true;
+        for_each_record_field(row, delimiter, [&](const char* field, const char* end) {
+            numbers += !at_name && is_number_like(reader, field, end) ? 1 : 0;
+            at_name = false;
+        });
+    }
     return numbers;
 }
 
 }  // namespace
 
-std::optional<char> guess_delimiter(const MatrixSource& source) {
+std::optional<char> guess_delimiter(std::string_view rows) {
     constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
     const NumberReader reader;
-    for (const std::string& row : first_rows(source)) {
-        for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
-            numbers[i] += count_numbers(row, kCandidates[i], reader);
-        }
+    for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
+        numbers[i] = count_numbers(rows, kCandidates[i], reader);
     }
     const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));
     return *most == 0 ? std::nullopt : std::optional(kCandidates[most - std::begin(numbers)]);
 }
 
-std::optional<MatrixShape> guess_shape(const MatrixSource& source, char delimiter) {
-    const std::vector<std::string> rows = first_rows(source);
-    if (!source.size() || rows.empty()) {
+std::optional<MatrixShape> guess_shape(const MatrixSource& source, const TableLayout& layout) {
+    std::size_t rows = 0;
+    std::size_t bytes = 0;
+    std::size_t fields = 0;
+    for_each_line(whole_lines(source, layout.lines_above), [&](std::string_view line) {
+        const std::string_view row = trimmed_matrix_line(line);
+        if (rows < kRowsLookedAt && is_matrix_row(row)) {
+            ++rows;
+            bytes += row.size() + 1;
+            const auto delimiters = std::count(row.begin(), row.end(), layout.delimiter);
+            fields = std::max(fields, static_cast<std::size_t>(delimiters) + 1);
+        }
+    });
+    if (!source.size() || rows == 0) {
         return std::nullopt;
     }
-    std::size_t bytes = 0;
-    std::size_t columns = 0;
-    for (const std::string& row : rows) {
-        bytes += row.size() + 1;
-        const auto delimiters = std::count(row.begin(), row.end(), delimiter);
-        columns = std::max(columns, static_cast<std::size_t>(delimiters));
+    return MatrixShape{*source.size() / std::max<std::size_t>(bytes / rows, 1),
+                       layout.valuesAmong(fields)};
+}
+
+std::string_view whole_lines(const MatrixSource& source, std::size_t without) {
+    std::string_view head = source.head();
+    if (!source.isWholeInHead()) {
+        head = head.substr(0, head.rfind('\n') + 1);  // npos + 1 is 0
     }
-    return MatrixShape{*source.size() / std::max<std::size_t>(bytes / rows.size(), 1), columns};
+    for (; without > 0 && !head.empty(); --without) {
+        head.remove_prefix(std::min(head.find('\n'), head.size() - 1) + 1);
+    }
+    return head;
 }
 
 }  // namespace ovik

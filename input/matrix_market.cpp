@@ -173,8 +173,9 @@ class MarketReader {
         if (*rest != '\0' || rest == word.c_str()) {
             refuse("\"" + word + "\" should be a number");
         }
-        if (std::isinf(value) && matrix_.report.not_finite.count++ == 0) {
-            matrix_.report.not_finite.first = {line_, std::to_string(row_ + 1), column_ + 1, word};
+        if (std::isinf(value) && matrix_.report.not_finite.count++ < FieldFindings::kListed) {
+            matrix_.report.not_finite.places.push_back(
+                {line_, std::to_string(row_ + 1), column_ + 1, word});
         }
         return value;
     }

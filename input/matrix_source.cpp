@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <sstream>
 #include <system_error>
 #include <utility>
 
@@ -37,8 +38,25 @@ MatrixSource::MatrixSource(const std::string& path)
     });
 }
 
+MatrixSource::MatrixSource(std::string name, std::string text)
+    : name_(std::move(name)),
+      size_(text.size()) {
+    text_ = std::make_unique<std::istringstream>(std::move(text));
+    text_->exceptions(std::ios::badbit);
+    readHead();
+}
+
 std::string MatrixSource::takeHead() {
     return std::exchange(head_, {});
+}
+
+bool MatrixSource::growHead() {
+    if (is_whole_in_head_) {
+        return false;
+    }
+    with_read_failures_named(name_, [&] { growHeadTo(2 * head_.size()); });
+    is_whole_in_head_ = !*text_;
+    return true;
 }
 
 void MatrixSource::open() {
@@ -67,14 +85,8 @@ void MatrixSource::open() {
 
 /// Reads the first bytes, as they are unpacked, until they hold the first lines.
 void MatrixSource::readHead() {
-    const auto grow = [this](std::size_t size) {
-        const std::size_t before = head_.size();
-        head_.resize(size);
-        text_->read(head_.data() + before, static_cast<std::streamsize>(size - before));
-        head_.resize(before + static_cast<std::size_t>(text_->gcount()));
-    };
-    grow(kGzipMagic.size());
-    if (head_ == kGzipMagic) {
+    growHeadTo(kGzipMagic.size());
+    if (file_ && head_ == kGzipMagic) {
         // Back to the start, without a step back, which a pipe does not allow.
         unpacked_ = std::make_unique<GzipBuffer>(*file_->rdbuf(), std::exchange(head_, {}), name_);
         text_ = std::make_unique<std::istream>(unpacked_.get());
@@ -82,16 +94,23 @@ void MatrixSource::readHead() {
         size_.reset();
         is_seekable_ = false;
     }
-    grow(kHeadBytes);
+    growHeadTo(kHeadBytes);
     const auto is_enough = [this] {
         const auto lines = std::count(head_.begin(), head_.end(), '\n');
         return lines >= (head_.size() < kUsualHead ? kHeadLines : kFewestLines) ||
                head_.size() >= kLargestHead;
     };
     while (*text_ && !is_enough()) {
-        grow(2 * head_.size());
+        growHeadTo(2 * head_.size());
     }
     is_whole_in_head_ = !*text_;
+}
+
+void MatrixSource::growHeadTo(std::size_t size) {
+    const std::size_t before = head_.size();
+    head_.resize(size);
+    text_->read(head_.data() + before, static_cast<std::streamsize>(size - before));
+    head_.resize(before + static_cast<std::size_t>(text_->gcount()));
 }
 
 }  // namespace ovik

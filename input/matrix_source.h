@@ -24,10 +24,15 @@ class MatrixSource {
     /// @throws std::system_error if it cannot be read
     explicit MatrixSource(const std::string& path);
 
+    /// Text at hand, such as what another format was made into.
+    ///
+    /// @param name  what messages call it
+    MatrixSource(std::string name, std::string text);
+
     /// What messages call it.
     [[nodiscard]] const std::string& name() const { return name_; }
 
-    /// The path that opens the file; of standard input, too.
+    /// The path that opens the file; of standard input, too. Empty for text at hand.
     [[nodiscard]] const std::string& path() const { return path_; }
 
     /// Whether the bytes lie in a regular file as they are, not packed: a reader may then open
@@ -36,6 +41,12 @@ class MatrixSource {
 
     /// The first bytes, with the first lines whole.
     [[nodiscard]] std::string_view head() const { return head_; }
+
+    /// Reads on until the head is about twice as long.
+    ///
+    /// @return whether there was more to read
+    /// @throws InputError, std::system_error as the constructor
+    bool growHead();
 
     /// Whether the head is all there is.
     [[nodiscard]] bool isWholeInHead() const { return is_whole_in_head_; }
@@ -52,6 +63,7 @@ class MatrixSource {
   private:
     void open();
     void readHead();
+    void growHeadTo(std::size_t size);
 
     std::string name_;
     std::string path_;

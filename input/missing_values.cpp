@@ -33,11 +33,11 @@ std::string line_text(const InspectedMatrix& matrix, std::size_t row) {
     return line == 0 ? "" : "line " + std::to_string(line) + ": ";
 }
 
-/// Columns without names are numbered. On a line, fields count from 1, and the first is the name of
-/// the row.
+/// Columns without names are numbered; on a line, by its fields.
 std::string column_name(const InspectedMatrix& matrix, std::size_t column) {
-    const std::string place = matrix.row_lines[0] == 0 ? "column " + std::to_string(column + 1)
-                                                       : "field " + std::to_string(column + 2);
+    const std::string place = matrix.column_fields.empty()
+                                  ? "column " + std::to_string(column + 1)
+                                  : "field " + std::to_string(matrix.column_fields[column]);
     return matrix.column_names.empty()
                ? place
                : "column \"" + matrix.column_names[column] + "\" (" + place + ")";
@@ -69,6 +69,7 @@ void fill_in(double* values, std::size_t count, std::size_t stride, double value
 
 void fill_in_row_means(const std::string& path,
                        const MissingCounts& missing,
+                       const OptionSpelling& spell,
                        InspectedMatrix& matrix) {
     const std::size_t columns = matrix.report.columns;
     for (std::size_t n = 0; n < matrix.report.rows; ++n) {
@@ -77,9 +78,11 @@ void fill_in_row_means(const std::string& path,
             const std::size_t line = matrix.row_lines[n];
             throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": " +
                              row_name(matrix, n) +
-                             " has no number of which to take the mean\nTake such rows out "
-                             "(--missing drop leaves out all rows with missing values), or fill in "
-                             "the means of the columns (--missing column-mean).");
+                             " has no number of which to take the mean\nTake such rows out (" +
+                             spell("missing", "drop") +
+                             " leaves out all rows with missing values), or fill in the means of "
+                             "the columns (" +
+                             spell("missing", "column-mean") + ").");
         }
         if (missing.by_row[n] > 0) {
             fill_in(row, columns, 1, mean_of_numbers(row, columns, 1));
@@ -218,11 +221,12 @@ std::string treatment(MissingPolicy policy, std::size_t rows_before, std::size_t
 void treat_missing(const std::string& path,
                    MissingPolicy policy,
                    const MissingCounts& missing,
+                   const OptionSpelling& spell,
                    InspectedMatrix& matrix,
                    std::vector<std::string>& labels) {
     switch (policy) {
         case MissingPolicy::RowMean:
-            fill_in_row_means(path, missing, matrix);
+            fill_in_row_means(path, missing, spell, matrix);
             break;
         case MissingPolicy::ColumnMean:
             fill_in_column_means(missing, matrix);

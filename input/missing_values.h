@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "input/inspected_matrix.h"
+#include "input/option_spelling.h"
 
 namespace ovik {
 
@@ -56,11 +57,13 @@ std::string treatment(MissingPolicy policy, std::size_t rows_before, std::size_t
 /// @param path    for messages
 /// @param matrix  `values` is not null; `report.rows` and the rows' names and lines follow when
 ///                rows are left out
+/// @param spell   writes the options that are the cure
 /// @param labels  one per row, or empty; they follow
 /// @throws InputError if a row has no number of which to take the mean
 void treat_missing(const std::string& path,
                    MissingPolicy policy,
                    const MissingCounts& missing,
+                   const OptionSpelling& spell,
                    InspectedMatrix& matrix,
                    std::vector<std::string>& labels);
 

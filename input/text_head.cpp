@@ -1,34 +1,20 @@
 #include "input/text_head.h"
 
 #include <algorithm>
-#include <utility>
+#include <string_view>
 
 #include "util/input_error.h"
 
 namespace ovik {
 
-std::string foreign_format(std::string_view head) {
-    if (head.starts_with("PK\x03\x04")) {
-        return "this is a zip archive or a spreadsheet: save the sheet as tab-separated text";
-    }
-    for (const auto& [magic, program] : {std::pair{"\xfd"
-                                                   "7zXZ",
-                                                   "xz"},
-                                         std::pair{"BZh", "bzip2"},
-                                         std::pair{"\x28\xb5\x2f\xfd", "zstd"}}) {
-        if (head.starts_with(magic)) {
-            return std::string("this is packed by ") + program + ": unpack it first (" + program +
-                   " -d), or pack it with gzip";
-        }
-    }
-    if (head.starts_with("\xff\xfe") || head.starts_with("\xfe\xff")) {
-        return "this is UTF-16 text: save it as UTF-8 or plain ASCII";
-    }
-    return "";
-}
-
 void check_text_head(const MatrixSource& source) {
     const std::string_view head = source.head();
+    if (source.isWholeInHead() && head.find_first_not_of(" \t\v\f\r\n") == std::string_view::npos) {
+        throw InputError(source.name() +
+                         (head.empty() ? ": the file is empty" : ": the file holds blanks alone") +
+                         "\nCheck that the program that was to write it has done so, or fetch it "
+                         "anew.");
+    }
     const std::size_t nul = head.find('\0');
     if (nul != std::string_view::npos) {
         refuse_nul_byte(

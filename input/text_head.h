@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 
 #include "input/matrix_source.h"
 
@@ -10,11 +9,8 @@
 
 namespace ovik {
 
-/// What a file is that is often taken for text, and what to do about it: a spreadsheet, a file that
-/// is packed otherwise than by gzip, UTF-16. Empty for all others.
-std::string foreign_format(std::string_view head);
-
-/// @throws InputError if the head of a text has a NUL byte, or no line feeds between its lines
+/// @throws InputError if a text is empty or all blank, or its head has a NUL byte or no line feeds
+/// between its lines
 void check_text_head(const MatrixSource& source);
 
 /// @param name  of the file

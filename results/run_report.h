@@ -23,7 +23,7 @@ struct RunReport {
     std::size_t threads = 1;
     /// Path of the matrix; "-" for standard input.
     std::string input;
-    /// Format of the input: "text", "npy" or "matrix market".
+    /// Format of the input: "text", "npy", "matrix market" or "xlsx".
     std::string format;
     std::size_t rows = 0;
     std::size_t columns = 0;

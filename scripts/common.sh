@@ -2,7 +2,8 @@
 
 cd "$(dirname "$0")/.."
 
-build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-dev libxxhash-dev zlib1g-dev gnuplot-nox"
+build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-dev libxxhash-dev zlib1g-dev
+  libpugixml-dev libminizip-dev gnuplot-nox"
 test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev python3
   chromium fonts-dejavu-core groff-base locales
   pybind11-dev python3-dev python3-numpy python3-pip python3-pytest python3-setuptools python3-venv

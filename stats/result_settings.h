@@ -30,6 +30,8 @@ struct ResultSettings {
     /// The name under which the gene table lists each row, where it is another than its own; the
     /// chart page shows it. Empty for none.
     std::vector<std::string> genes = {};
+    /// What was done to the values before the fit, for the plots; empty for nothing.
+    std::string transformations = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
 };

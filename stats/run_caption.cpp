@@ -7,13 +7,18 @@
 
 namespace ovik {
 
-std::vector<std::pair<std::string, std::string>> caption_parameters(const FitOptions& options,
-                                                                    std::size_t rows,
-                                                                    std::size_t columns,
-                                                                    const FitReport& report) {
+std::vector<std::pair<std::string, std::string>> caption_parameters(
+    const FitOptions& options,
+    std::size_t rows,
+    std::size_t columns,
+    const FitReport& report,
+    const std::string& transformations) {
     std::vector<std::pair<std::string, std::string>> parameters{
         {"Method", std::string(method_of(options).name) + " t-SNE"},
         {"Input", std::to_string(rows) + " rows, " + std::to_string(columns) + " columns"}};
+    if (!transformations.empty()) {
+        parameters.emplace_back("Transformations", transformations);
+    }
     visit_fit_options(options, [&parameters](const auto& option) {
         // The page of a run that was ended is that of a run with this last iteration.
         if (option.words.decides_states) {

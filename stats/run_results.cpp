@@ -42,8 +42,11 @@ WrittenResults write_results(const ResultSettings& settings,
     written.log_failure =
         append_run_log(out_base, settings.data_title, run.options.perplexity, stem);
     if (settings.draw_plots) {
-        const auto parameters =
-            caption_parameters(run.options, run.embedding.rows, run.input_columns, run.report);
+        const auto parameters = caption_parameters(run.options,
+                                                   run.embedding.rows,
+                                                   run.input_columns,
+                                                   run.report,
+                                                   settings.transformations);
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;

@@ -97,6 +97,9 @@ class TSNE {
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
     int checkpoint_every = 50;
+    /// What was done to the input before it came here, such as "log1p": the chart page names it,
+    /// and so do checkpoints, which are not gone on with if it differs. Empty: nothing.
+    std::string transformations;
     /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
     /// from the random start. Empty: none.
     std::string resume_path;

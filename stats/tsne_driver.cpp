@@ -110,6 +110,9 @@ RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
             run.options.emplace_back(option.words.name, shortest_text(option.value));
         }
     });
+    if (!transformations.empty()) {
+        run.options.emplace_back("transformations", transformations);
+    }
     return run;
 }
 
@@ -251,6 +254,7 @@ void TSNE<T>::writeResults(const FitOptions& options,
          .label_columns = label_columns,
          .functions = row_functions,
          .genes = row_genes,
+         .transformations = transformations,
          .draw_plots = draw_plots},
         out_base,
         {{Y, static_cast<std::size_t>(N), static_cast<std::size_t>(options.out_dims)},

@@ -23,6 +23,9 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
         }
     });
     const std::string precision = options.precision == Precision::Float ? "float" : "double";
+    const std::string transformations = names_of(options.transformations);
+    report.options.emplace_back("transformations",
+                                transformations.empty() ? "null" : json_text(transformations));
     report.options.emplace_back("precision", json_text(precision));
     report.options.emplace_back("title", json_text(options.title));
     report.input = options.matrix;

@@ -1,5 +1,8 @@
 #include "tools/load_matrix.h"
 
+#include <string>
+
+#include "annotation/gene_names.h"
 #include "util/available_memory.h"
 #include "util/console.h"
 #include "util/plain_text.h"
@@ -11,16 +14,44 @@ namespace ovik::tool {
 
 namespace {
 
+/// Writes an option as it stands on a command line.
+std::string spelled(const std::string& option, const std::string& value) {
+    constexpr const char* kPlain =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_.,:/+-";
+    if (value.empty()) {
+        return "--" + option;
+    }
+    // What opens with a dash would be taken for an option.
+    const std::string joint = value.front() == '-' ? "=" : " ";
+    if (value.find_first_not_of(kPlain) == std::string::npos) {
+        return "--" + option + joint + value;
+    }
+    std::string quoted;
+    for (const char c : value) {
+        quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return "--" + option + joint + "'" + quoted + "'";
+}
+
 LoadOptions load_options(const Options& options) {
     LoadOptions load;
     load.delimiter = options.delimiter;
+    load.decimal = options.decimal;
+    load.has_header = options.has_header;
+    load.has_names = options.has_names;
+    load.names_column = options.names_column;
+    load.skip_columns = options.skip_columns;
+    load.missing_signs = options.missing_signs;
+    load.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     load.missing = options.missing;
-    load.missing_advice = "Fill them in, or choose with --missing what becomes of them.";
+    load.spell = spelled;
+    load.sheet = options.sheet;
+    load.transformations = options.transformations;
     load.row_names_file = options.row_names_file;
     load.labels_file = options.labels_file;
     if (!options.force) {
-        load.before_reading = [](const MatrixSource& source, char delimiter) {
-            check_memory_of_reading(source, delimiter, available_memory());
+        load.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
+            check_memory_of_reading(source, layout, available_memory());
         };
     }
     return load;

@@ -59,9 +59,9 @@ void check_memory(const RunSize& size, const AvailableMemory& available) {
 }
 
 void check_memory_of_reading(const MatrixSource& source,
-                             char delimiter,
+                             const TableLayout& layout,
                              const AvailableMemory& available) {
-    const std::optional<MatrixShape> shape = guess_shape(source, delimiter);
+    const std::optional<MatrixShape> shape = guess_shape(source, layout);
     if (!shape) {
         return;
     }

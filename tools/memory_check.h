@@ -3,6 +3,7 @@
 #include <string>
 
 #include "input/matrix_source.h"
+#include "input/table_layout.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"
 
@@ -22,7 +23,7 @@ void check_memory(const RunSize& size, const AvailableMemory& available);
 ///
 /// @param source  the matrix, whose rows are taken to be as long as the first few
 void check_memory_of_reading(const MatrixSource& source,
-                             char delimiter,
+                             const TableLayout& layout,
                              const AvailableMemory& available);
 
 }  // namespace ovik::tool

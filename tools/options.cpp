@@ -131,7 +131,7 @@ char parse_delimiter(const std::string& text) {
     if (name != kNames.end()) {
         return name->second;
     }
-    if (text.size() != 1 || text == "\n" || text == "\r") {
+    if (text.size() != 1 || text == "\n" || text == "\r" || text == "\"") {
         throw CLI::ValidationError(
             "--delimiter", "should be tab, comma, semicolon, space or one character, not " + text);
     }
@@ -251,18 +251,53 @@ void add_checkpoint_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
 }
 
+/// How the text of a matrix is to be taken.
+void add_text_options(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--decimal",
+           [&options](const std::string& text) { options.decimal = text.front(); },
+           "Decimal sign of the text: . or , (.)")
+        ->option_text("SIGN")
+        ->check(CLI::IsMember({".", ","}));
+    app.add_option_function<std::string>(
+           "--skip-columns",
+           [&options](const std::string& text) { options.skip_columns = parts_of(text); },
+           "Columns that are no values, by header or number, separated by commas")
+        ->option_text("NAME");
+    CLI::Option* const names =
+        app.add_option("--names-column",
+                       options.names_column,
+                       "Column of the names of the rows, by header or number (the first)")
+            ->option_text("NAME");
+    app.add_option("--na",
+                   options.missing_signs,
+                   "Text that stands for a missing value, besides NA and the like; repeatable")
+        ->option_text("TEXT")
+        ->allow_extra_args(false);
+    app.add_flag_callback(
+        "--no-header",
+        [&options] { options.has_header = false; },
+        "The first line of the text is a row");
+    app.add_flag_callback(
+           "--no-names",
+           [&options] { options.has_names = false; },
+           "The first column of the text is values; rows are called by their numbers")
+        ->excludes(names);
+}
+
 void add_input_options(CLI::App& app, Options& options) {
     app.add_option(
            "MATRIX",
            options.matrix,
            "Delimited text (one header line, then a name and its values per line), plain or "
-           "gzip'd; NumPy (.npy) or Matrix Market; - for standard input")
+           "gzip'd; NumPy (.npy), Matrix Market or Excel (.xlsx); - for standard input")
         ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
            [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
            "Between fields: tab, comma, semicolon, space or a character (guessed)")
         ->option_text("TEXT");
+    add_text_options(app, options);
     app.add_option_function<std::string>(
            "--missing",
            [&options](const std::string& text) { options.missing = missing_policy(text); },
@@ -287,7 +322,7 @@ void add_input_options(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"file", "standard", "other"}));
     app.add_option("--row-names",
                    options.row_names_file,
-                   "One name per line and row, for NumPy and Matrix Market files")
+                   "One name per line and row, for files without names")
         ->option_text("FILE");
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
         ->option_text("NAME");
@@ -301,6 +336,27 @@ void add_input_options(CLI::App& app, Options& options) {
            "One label per line and row, or a table with a header of names and labels; they colour "
            "the plots")
         ->option_text("FILE");
+}
+
+void add_workbook_options(CLI::App& app, Options& options) {
+    app.add_option("--sheet", options.sheet, "Of an Excel workbook (the first)")
+        ->option_text("NAME");
+}
+
+void add_transformation_options(CLI::App& app, Options& options) {
+    Transformations& transformations = options.transformations;
+    app.add_flag("--log1p", transformations.log1p, "Take log(1 + x) of the values, for counts");
+    app.add_option_function<std::string>(
+           "--center",
+           [&transformations](const std::string& text) {
+               transformations.centre = *centring_of(text);
+           },
+           "Subtract the means of rows or of columns")
+        ->option_text("WHICH")
+        ->check(CLI::IsMember({"rows", "columns"}));
+    app.add_flag("--scale",
+                 transformations.scale,
+                 "Divide each column by its standard deviation; behind --log1p and --center");
 }
 
 void check_combination(const Options& options) {
@@ -352,6 +408,8 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     });
     ParsedCommand command;
     add_input_options(app, command.options);
+    add_workbook_options(app, command.options);
+    add_transformation_options(app, command.options);
     add_output_options(app, command.options);
     add_method_options(app, command.options);
     add_checkpoint_options(app, command.options);

@@ -65,18 +65,14 @@ void for_each_line(std::string_view text, const Visit& visit) {
     }
 }
 
-/// Parses the rest of a text file, threads taking blocks of whole lines in turns. All of them parse
-/// under the locale of the caller.
+/// Parses a text in blocks, threads taking them in turns. All of them parse under the locale of the
+/// caller.
 ///
-/// @param file   not owned; read from where it stands
-/// @param begun  what has been read of it
-/// @param parse  `parse(block, parsed)` takes a block into a `Parsed` of its own, which is as new
+/// @param blocks  `blocks.next(block)` fetches the next block, as that of `LineBlocks` does
+/// @param parse   `parse(block, parsed)` takes a block into a `Parsed` of its own, which is as new
 /// @return what was made of each block, in file order
-template <typename Parsed, typename Parse>
-std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, const Parse& parse) {
-    // Long enough to be worth taking turns for, short enough for the caches.
-    constexpr std::size_t kBlockBytes = std::size_t{1} << 20U;
-    LineBlocks blocks(file, kBlockBytes, std::move(begun));
+template <typename Parsed, typename Blocks, typename Parse>
+std::deque<Parsed> parse_blocks(Blocks& blocks, const Parse& parse) {
     // The places of blocks stay while others are added.
     std::deque<Parsed> results;
     std::mutex turn;
@@ -95,6 +91,19 @@ std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, cons
         }
     });
     return results;
+}
+
+/// Bytes of a block: long enough to be worth taking turns for, short enough for the caches.
+constexpr std::size_t kTextBlockBytes = std::size_t{1} << 20U;
+
+/// Parses the rest of a text file in blocks of whole lines. See `parse_blocks`.
+///
+/// @param file   not owned; read from where it stands
+/// @param begun  what has been read of it
+template <typename Parsed, typename Parse>
+std::deque<Parsed> parse_line_blocks(std::istream& file, std::string begun, const Parse& parse) {
+    LineBlocks blocks(file, kTextBlockBytes, std::move(begun));
+    return parse_blocks<Parsed>(blocks, parse);
 }
 
 }  // namespace ovik

@@ -6,6 +6,7 @@ import locale
 import os
 import stat
 import warnings
+from collections.abc import Sequence
 from typing import NamedTuple
 
 import numpy as np
@@ -31,6 +32,12 @@ def read_matrix(
     path: str | os.PathLike[str],
     delimiter: str | None = None,
     *,
+    decimal: str | None = None,
+    header: bool = True,
+    names: bool = True,
+    names_column: str | int | None = None,
+    skip_columns: str | int | Sequence[str | int] = (),
+    na: str | Sequence[str] = (),
     missing: str | None = None,
     encoding: str = "utf-8",
 ) -> Matrix:
@@ -43,7 +50,20 @@ def read_matrix(
         (``.npy``) or a Matrix Market file; plain or packed by gzip. Told apart by their first bytes.
     delimiter : str, optional
         The character between the fields of delimited text. By default the one that gives the most
-        numbers: tab, comma, semicolon or blank.
+        numbers: tab, comma, semicolon or blank. Fields may stand in double quotes.
+    decimal : {None, ".", ","}, optional
+        The decimal sign. By default a point, and numbers with a decimal comma are refused.
+    header : bool, default True
+        Whether the text has a header line. Lines above it that are comments or empty are skipped.
+    names : bool, default True
+        Whether the rows have names; without, they are called ``"1"``, ``"2"`` and so on.
+    names_column : str or int, optional
+        The column of the names: its header, or the number of its field from 1. By default the
+        first, or what files of its kind have (.pcl and .cdt, GEO, GCT, featureCounts and others).
+    skip_columns : str, int or sequence of them, default ()
+        Columns that are no values, such as descriptions, named as above.
+    na : str or sequence of str, default ()
+        Texts that stand for a missing value besides ``NA`` and the like.
     missing : {None, "zero", "row-mean", "column-mean", "drop", "error"}, optional
         What becomes of missing values (empty fields, ``NA``, ``NaN``, ``null`` and the like; NaN in
         arrays). None leaves them NaN, which `TSNE` refuses. The others are what the command has:
@@ -62,21 +82,29 @@ def read_matrix(
     OSError
         If the file cannot be opened or read to its end; FileNotFoundError and so on.
     ValueError
-        If it does not hold a matrix of finite numbers with at least 3 rows; the text names file,
-        line, row and cure. Also for names that are not of the encoding (UnicodeDecodeError).
+        If it does not hold a matrix of finite numbers with at least 3 rows, or a value is text; the
+        message names file, line, row and cure. Also for names that are not of the encoding (UnicodeDecodeError).
     RuntimeError
         If the process has set a numeric locale with a decimal comma.
 
     Warns
     -----
     UserWarning
-        For text where a number should be, which is read as 0.0, for text behind a number, which is
-        ignored, and for names that are empty, quoted or repeated.
+        For names that are empty or repeated, and for a matrix with genes in its columns.
     """
     _require_readable(path)
     _require_decimal_point()
+    form = {
+        "delimiter": _checked_delimiter(delimiter),
+        "decimal": _checked_decimal(decimal),
+        "has_header": bool(header),
+        "has_names": bool(names),
+        "names_column": "" if names_column is None else _column(names_column, encoding),
+        "skip_columns": [_column(column, encoding) for column in _listed(skip_columns)],
+        "missing_signs": [sign.encode(encoding) for sign in _listed(na)],
+    }
     values, row_names, column_names, remarks = _core.read_matrix(
-        os.fsencode(path), _checked_delimiter(delimiter), missing or ""
+        os.fsencode(path), form, missing or ""
     )
     for remark in remarks:
         warnings.warn(remark.decode(errors="replace"), stacklevel=2)
@@ -107,7 +135,24 @@ def _checked_delimiter(delimiter: str | None) -> str | None:
         not isinstance(delimiter, str)
         or len(delimiter) != 1
         or not delimiter.isascii()
-        or delimiter in "\r\n\0"
+        or delimiter in '\r\n\0"'
     ):
         raise ValueError(f"delimiter should be one character, such as '\\t', not {delimiter!r}")
     return delimiter
+
+
+def _checked_decimal(decimal: str | None) -> str | None:
+    if decimal not in (None, ".", ","):
+        raise ValueError(f"decimal should be '.' or ',', not {decimal!r}")
+    return decimal
+
+
+def _listed(one_or_more: object) -> list:
+    """What may be one text or number, or a sequence of them, as a list."""
+    return [one_or_more] if isinstance(one_or_more, (str, int)) else list(one_or_more)
+
+
+def _column(column: str | int, encoding: str) -> bytes:
+    if isinstance(column, bool) or not isinstance(column, (str, int)):
+        raise ValueError(f"a column should be a header or a number, not {column!r}")
+    return str(column).encode(encoding)

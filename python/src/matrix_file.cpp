@@ -1,7 +1,9 @@
 #include "python/src/matrix_file.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "annotation/gene_names.h"
 #include "input/load.h"
 #include "util/input_error.h"
 
@@ -22,14 +24,59 @@ MissingPolicy policy_of(const std::string& name) {
     return *policy;
 }
 
+/// A text as it stands in a program.
+std::string in_quotes(const std::string& text) {
+    std::string quoted;
+    for (const char c : text) {
+        quoted += c == '"' || c == '\\' ? std::string{'\\', c} : std::string(1, c);
+    }
+    return '"' + quoted + '"';
+}
+
+/// Texts between commas as a list.
+std::string list_of(const std::string& texts) {
+    std::string list;
+    std::size_t begin = 0;
+    for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
+        end = texts.find(',', begin);
+        list += (list.empty() ? "" : ", ") + in_quotes(texts.substr(begin, end - begin));
+    }
+    return "[" + list + "]";
+}
+
+/// Writes an option as the argument of `read_matrix` that it is.
+std::string spelled(const std::string& option, const std::string& value) {
+    if (option.starts_with("no-")) {
+        return option.substr(3) + "=False";
+    }
+    std::string argument = option;
+    std::replace(argument.begin(), argument.end(), '-', '_');
+    if (value.empty()) {
+        return argument;
+    }
+    if (option == "delimiter") {
+        return argument + "=" +
+               (value == "tab" ? "\"\\t\"" : in_quotes(value == "space" ? " " : value));
+    }
+    return argument + "=" + (option == "skip-columns" ? list_of(value) : in_quotes(value));
+}
+
 }  // namespace
 
 MatrixFile read_matrix_file(const std::string& path,
-                            std::optional<char> delimiter,
+                            const TextForm& form,
                             const std::string& missing) {
     LoadOptions options;
-    options.delimiter = delimiter;
+    options.delimiter = form.delimiter;
+    options.decimal = form.decimal;
+    options.has_header = form.has_header;
+    options.has_names = form.has_names;
+    options.names_column = form.names_column;
+    options.skip_columns = form.skip_columns;
+    options.missing_signs = form.missing_signs;
+    options.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     options.missing = policy_of(missing);
+    options.spell = spelled;
     options.check_values = false;
     std::vector<Remark> remarks;
     MatrixFile file;

@@ -16,16 +16,27 @@ struct MatrixFile {
     std::vector<std::string> warnings;
 };
 
+/// How a text is taken, as the arguments of Python say; see `LoadOptions`.
+struct TextForm {
+    std::optional<char> delimiter;
+    std::optional<char> decimal;
+    bool has_header = true;
+    bool has_names = true;
+    std::string names_column;
+    std::vector<std::string> skip_columns;
+    std::vector<std::string> missing_signs;
+};
+
 /// Reads a matrix file of any format that the command reads.
 ///
-/// @param path       also one that opens as standard input, "-"
-/// @param delimiter  of delimited text; none: guessed
-/// @param missing    what becomes of missing values, by its name on the command line; empty: they
+/// @param path     also one that opens as standard input, "-"
+/// @param missing  what becomes of missing values, by its name on the command line; empty: they
 /// stay NaN
-/// @throws InputError if the file cannot be read as a matrix, or there is no such policy
+/// @throws InputError if the file cannot be read as a matrix, or there is no such policy; its text
+/// spells options as arguments of Python
 /// @throws std::system_error if it cannot be read to its end
 MatrixFile read_matrix_file(const std::string& path,
-                            std::optional<char> delimiter,
+                            const TextForm& form,
                             const std::string& missing);
 
 }  // namespace ovik::python

@@ -207,11 +207,23 @@ Array as_array(InspectedMatrix& matrix) {
     return Array({matrix.report.rows, matrix.report.columns}, values, owner);
 }
 
+/// @param form  each member of `TextForm` by its name
+TextForm form_of(const py::dict& form) {
+    return {form["delimiter"].cast<std::optional<char>>(),
+            form["decimal"].cast<std::optional<char>>(),
+            form["has_header"].cast<bool>(),
+            form["has_names"].cast<bool>(),
+            form["names_column"].cast<std::string>(),
+            form["skip_columns"].cast<std::vector<std::string>>(),
+            form["missing_signs"].cast<std::vector<std::string>>()};
+}
+
 py::tuple read_matrix(const std::string& path,
-                      std::optional<char> delimiter,
+                      const py::dict& arguments,
                       const std::string& missing) {
+    const TextForm form = form_of(arguments);
     MatrixFile file = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
-        return read_matrix_file(path, delimiter, missing);
+        return read_matrix_file(path, form, missing);
     });
     const std::vector<py::bytes> row_names = as_bytes(file.matrix.row_names);
     const std::vector<py::bytes> column_names = as_bytes(file.matrix.column_names);
@@ -245,6 +257,6 @@ PYBIND11_MODULE(_core, module) {
         return std::pair(available.bytes, available.limit);
     });
     module.def("check_options", ovik::python::check_options, "options"_a);
-    module.def("read_matrix", ovik::python::read_matrix, "path"_a, "delimiter"_a, "missing"_a);
+    module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }

@@ -92,8 +92,8 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
         std::vector<std::string> options;
         const char* reason;
     } kCases[] = {
-        {"empty", "", {}, "found no numbers"},
-        {"a line end alone", "\n", {}, "found no numbers"},
+        {"empty", "", {}, ": the file is empty"},
+        {"a line end alone", "\n", {}, ": the file holds blanks alone"},
         {"a header alone", "g\ta\tb\n", {}, "found no numbers"},
         {"a header alone, delimiter given", "g\ta\tb\n", {"--delimiter", "tab"}, "has 0 rows"},
         {"one cell", "5", {}, "found no numbers"},
@@ -101,7 +101,7 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
         {"one row", "g\ta\nG1\t1\n", {}, "has 1 row, and an embedding needs at least 3"},
         {"UTF-16, little-endian", "\xFF\xFEg\n", {}, "UTF-16"},
         {"UTF-16, big-endian", "\xFE\xFF\ng\n", {}, "UTF-16"},
-        {"UTF-16 without a mark", utf16, {}, ":1: the line holds a NUL byte"},
+        {"UTF-16 without a mark", utf16, {}, "UTF-16"},
         {"NUL in a name", std::string("g\nG1\t1\nG\0\t2\nG3\t3\n", 17), {}, ":3: the line holds"},
         {"NUL in a number",
          std::string("g\nG1\t1\0\nG2\t2\nG3\t3\n", 18),
@@ -116,23 +116,27 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
          std::string(70000, 'h') + std::string(1, '\0') + "\nG1\t1\n",
          {},
          ":1: the line holds a NUL byte"},
-        {"a program", elf, {}, ":1: the line holds a NUL byte"},
-        {"a picture", png, {}, "the line holds a NUL byte"},
+        {"a program", elf, {}, "this is a program"},
+        {"a picture", png, {}, "this is a picture (PNG)"},
         {"gzip", "\x1f\x8b\x08xyz", {}, "the gzip data are damaged"},
-        {"zip", "PK\x03\x04xyz", {}, "spreadsheet"},
+        {"zip", "PK\x03\x04xyz", {}, "this is a zip archive: unpack it"},
         {"carriage returns alone", "g\ta\rG1\t1\rG2\t2\rG3\t4\r", {}, "old Macintoshes"},
         {"a short row", "g\nG1\t1\t2\nG2\t3\nG3\t1\t2\n", {}, ":3: row \"G2\" has 1 value"},
         {"a long row", "g\nG1\t1\t2\nG2\t3\t4\t5\nG3\t1\t2\n", {}, ":3: row \"G2\" has 3 values"},
-        {"a quoted line end",
-         "g\nG1\t1\t2\n\"G\n2\"\t3\t4\nG3\t1\t2\n",
+        {"an unbalanced quote", "g\nG1\t1\n\"G2\t3\nG3\t2\n", {}, ":3: a quote opens a field"},
+        {"a quote closed amid a field",
+         "g\nG1\t1\n\"G2\t3\nG3\"x\t2\n",
          {},
-         ":3: row \"\"G\" has 0 values"},
+         ":3: a quote opens a field"},
         {"a name lost to trimming", "g\nG1\t1\t2\n\t3\t4\t5\nG3\t1\t2\n", {}, "has no name"},
         {"infinity", "g\nG1\t1\nG2\tinf\nG3\t3\n", {}, "\"inf\", which is not a finite number"},
         {"a number too large", "g\nG1\t1\nG2\t1e999\nG3\t3\n", {}, "\"1e999\", which is not"},
         {"a NaN with a sign", "g\nG1\t1\nG2\t-nan\nG3\t3\n", {}, "\"-nan\", which is not"},
         {"equal rows", "g\nG1\t1\nG2\t1\nG3\t1\n", {}, "all rows hold the same values"},
-        {"numbers in quotes", "g\nG1\t\"1\"\nG2\t\"2\"\nG3\t\"3\"\n", {}, "found no numbers"},
+        {"a name lost in front of the names",
+         "g\th\ta\n\tG1\t1\n2\tG2\t2\n3\tG3\n",
+         {"--names-column", "h"},
+         ":4: row \"G3\" has 0 values"},
         {"no number, delimiter given",
          "g\nG1\tx\nG2\ty\nG3\tz\n",
          {"--delimiter", "tab"},
@@ -140,7 +144,7 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
         {"another delimiter",
          kPlain,
          {"--delimiter", "comma"},
-         "holds no numbers with , between the fields\nThere are with --delimiter 'tab'"},
+         "holds no numbers with , between the fields\nThere are with --delimiter tab, which"},
         {"another delimiter",
          "g;a\nG1;1\nG2;2\nG3;4\n",
          {"--delimiter", "space"},
@@ -154,26 +158,81 @@ TEST_F(MatrixFile, IsRefusedWithTheReasonWhenItIsNoMatrix) {
     }
 }
 
+TEST_F(MatrixFile, IsRefusedWhenAValueIsText) {
+    const struct {
+        const char* what;
+        /// What stands for the value 3 of row G2.
+        std::string value;
+        const char* reason;
+    } kCases[] = {
+        {"a word",
+         "x",
+         ": 1 field is no number\n  line 3: row \"G2\", column \"a\" (field 2): \"x\""},
+        {"a gene named like a missing value", "NAN1", "(field 2): \"NAN1\"\nand text is no value"},
+        {"a typographic minus",
+         "\xE2\x88\x92"
+         "3",
+         ": 1 field is no number"},
+        {"Arabic digits", "\xD9\xA3", ": 1 field is no number"},
+        {"a decimal comma", "3,5", ": 1 number has a decimal comma\n  line 3: row \"G2\", column"},
+        {"a comma between thousands", "3,500", ": 1 number has a comma among the digits"},
+        {"an unfinished exponent", "3e", ": 1 field is no number"},
+        {"a Fortran exponent", "3d5", ": 1 field is no number"},
+        {"an error of a spreadsheet", "#DIV/0!", "say so with --na '#DIV/0!';"},
+    };
+
+    for (const auto& [what, value, reason] : kCases) {
+        const std::string message =
+            refusal("g\ta\tb\nG1\t1\t2\nG2\t" + value + "\t5\nG3\t-4\t0.5\nG4\t2\t2\n");
+        EXPECT_NE(message.find(reason), std::string::npos) << what << ": " << message;
+    }
+    const std::string column = refusal("g\tnote\ta\nG1\t1 x\t2\nG2\ty\t5\nG3\tz\t0.5\nG4\t7\t2\n");
+    EXPECT_NE(column.find("column \"note\" (field 2): 3 of 4 rows"), std::string::npos) << column;
+    EXPECT_NE(column.find("with --skip-columns note;"), std::string::npos) << column;
+}
+
+TEST_F(MatrixFile, IsReadAsTheOptionsSay) {
+    const std::string expected = table_of(kPlain, {"-q"});
+
+    const struct {
+        const char* what;
+        std::string content;
+        std::vector<std::string> options;
+    } kCases[] = {
+        {"decimal commas",
+         "g;a;b\nG1;1,0;2\nG2;3;5\nG3;-4;0,5\nG4;2;2\n",
+         {"-q", "--decimal", ","}},
+        {"columns that are no values",
+         "g\tx\ta\ty\tb\nG1\tu\t1\tv\t2\nG2\tu\t3\tv\t5\nG3\tu\t-4\tv\t0.5\nG4\tu\t2\tv\t2\n",
+         {"-q", "--skip-columns", "x,4"}},
+        {"names in the last column",
+         "a\tb\tg\n1\t2\tG1\n3\t5\tG2\n-4\t0.5\tG3\n2\t2\tG4\n",
+         {"-q", "--names-column", "g"}},
+        {"no header", kPlain.substr(kPlain.find('\n') + 1), {"-q", "--no-header"}},
+        {"no names",
+         "a\tb\n1\t2\n3\t5\n-4\t0.5\n2\t2\n",
+         {"-q", "--no-names", "--row-names", directory_.write("names", "G1\nG2\nG3\nG4\n")}},
+        {"signs of missing values",
+         "g\ta\tb\nG1\t1\t2\nG2\t3\t5\nG3\t-4\t0.5\nG4\t2\t2\nG5\tND\t7\nG6\t1\t-999\n",
+         {"-q", "--na", "ND", "--na=-999", "--missing", "drop"}},
+        {"quotes",
+         "\"g\",\"a\",\"b\"\n\"G1\",\"1\",\"2\"\nG2,3,5\n\"G3\",-4,0.5\nG4,\"2\",\"2\"\n",
+         {"-q"}},
+    };
+
+    for (const auto& [what, content, options] : kCases) {
+        EXPECT_EQ(table_of(content, options), expected) << what;
+    }
+}
+
 TEST_F(MatrixFile, IsReadWithAWarningWhenItIsOdd) {
     const struct {
         const char* what;
-        /// What stands for the value 3 of row G2, or for the name.
+        /// What stands for row G2.
         std::string row;
         const char* warning;
     } kCases[] = {
-        {"a word", "G2\tx\t5", ":3: field 2 of row \"G2\" is \"x\", which is not a number"},
-        {"a typographic minus",
-         "G2\t\xE2\x88\x92"
-         "3\t5",
-         "which is not a number, and read as 0 ("},
-        {"Arabic digits", "G2\t\xD9\xA3\t5", "which is not a number, and read as 0 ("},
-        {"quotes", "G2\t\"3\"\t5", "read as 0; numbers should stand without quotes (1 such field"},
-        {"a decimal comma", "G2\t3,5\t5", "\"3,5\": the text behind the number is ignored; a dec"},
-        {"an unfinished exponent", "G2\t3e\t5", "\"3e\": the text behind the number is ignored"},
-        {"a Fortran exponent", "G2\t3d5\t5", "\"3d5\": the text behind the number is ignored"},
         {"a missing value", "G2\tNA\t5", ": 1 of 8 values is missing, in 1 of 4 rows and 1 of 2"},
-        {"a name in quotes", "\"G2\"\t3\t5", ":3: the quotes are part of the name \"G2\", so"},
-        {"an unbalanced quote", "\"G2\t3\t5", ":3: the quotes are part of the name \"G2, so"},
         {"a name twice", "G1\t3\t5", ": 1 row repeats the name of an earlier one (\"G1\")"},
     };
 
@@ -186,6 +245,19 @@ TEST_F(MatrixFile, IsReadWithAWarningWhenItIsOdd) {
     }
     const CommandOutcome unnamed = run_on("g,a\nG1,1\n,2\nG3,4\n", {"--delimiter", "comma"});
     EXPECT_NE(unnamed.err.find(":3: the row has no name (1 such row in all)"), std::string::npos);
+    const CommandOutcome transposed =
+        run_on("s\tCDC28\tYAL001C\tRPL3\nt0\t1\t2\t3\nt1\t2\t2\t4\nt2\t5\t2\t3\n");
+    EXPECT_EQ(transposed.exit_status, kSuccess);
+    EXPECT_NE(transposed.err.find(": 3 of 3 columns are named as genes"), std::string::npos);
+    const CommandOutcome pcl = run_on(
+        "YORF\tNAME\tGWEIGHT\ta\nEWEIGHT\t\t\t1\nYAL001C\t3 x\t1\t1\nYAL002W\ty\t1\t2\n"
+        "YAL003W\tz\t1\t4\n");
+    EXPECT_EQ(pcl.exit_status, kSuccess);
+    EXPECT_NE(pcl.err.find("note: " + matrix_path() +
+                           ": gene expression table (.pcl): names from YORF; no values: NAME and "
+                           "GWEIGHT\n"),
+              std::string::npos)
+        << pcl.err;
 }
 
 TEST_F(MatrixFile, MayHaveVeryLongNamesAndManyColumns) {
@@ -211,17 +283,21 @@ TEST_F(MatrixFile, MayHaveVeryLongNamesAndManyColumns) {
 }
 
 TEST_F(MatrixFile, CannotSteerTheTerminal) {
-    const CommandOutcome outcome = run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n",
-                                          {"--no-plots", "--names", "file"});
+    const CommandOutcome outcome = run_on("g\ta\nG\x1b[2J1\t1\nG2\t2\nG3\t4\nG4\t4\n", {"--no-plots", "--names", "file"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
     EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
     EXPECT_EQ(outcome.err.find('\x07'), std::string::npos);
     EXPECT_NE(outcome.out.find("not found: G [2J1, G2, G3, ...\n"), std::string::npos);
+    const CommandOutcome refused = run_on("g\ta\nG\x1b[2J1\tx\x1b]0;t\x07\nG2\t2\nG3\t4\nG4\t4\n");
+    EXPECT_EQ(refused.exit_status, kBadInput);
+    EXPECT_NE(refused.err.find("line 2: row \"G"), std::string::npos);
+    EXPECT_EQ(refused.err.find('\x1b'), std::string::npos);
+    EXPECT_EQ(refused.err.find('\x07'), std::string::npos);
 }
 
 TEST_F(MatrixFile, IsRefusedWhenItIsNoFile) {
     EXPECT_NE(refusal_of(directory_.prefix()).find("this is a directory"), std::string::npos);
-    EXPECT_NE(refusal_of("/dev/null").find("found no numbers"), std::string::npos);
+    EXPECT_NE(refusal_of("/dev/null").find("the file is empty"), std::string::npos);
     const std::string dangling = directory_.file("link");
     std::filesystem::create_symlink("nowhere", dangling);
     EXPECT_NE(refusal_of(dangling).find("there is no such file"), std::string::npos);

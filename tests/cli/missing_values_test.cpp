@@ -84,7 +84,7 @@ TEST_F(MissingValues, AreTreatedAsAskedFor) {
 
 TEST_F(MissingValues, TakeTheirRowsAndLabelsWithThemWhenDropped) {
     const std::string matrix =
-        "g,a,b\nG1,1,2\nG2,,4\nG3,5,4\nG4,7,x\nG5,?,?\nG6,1,9\nG7,2,2\nG8,9,null\n";
+        "g,a,b\nG1,1,2\nG2,,4\nG3,5,4\nG4,7,0\nG5,?,?\nG6,1,9\nG7,2,2\nG8,9,null\n";
     const std::string labels = directory_.write("labels", "l1\nl2\nl3\nl4\nl5\nl6\nl7\nl8\n");
     const CommandOutcome outcome = run_on(matrix, {"--missing", "drop", "--labels", labels});
     EXPECT_EQ(outcome.exit_status, kSuccess);

@@ -30,10 +30,21 @@ std::vector<double> values_of(const InspectedMatrix& matrix) {
 class DelimitedText : public testing::Test {
   protected:
     InspectedMatrix inspect(const std::string& content, char delimiter = '\t') {
+        TableLayout layout;
+        layout.delimiter = delimiter;
+        return inspect(content, layout);
+    }
+
+    InspectedMatrix inspect(const std::string& content, const TableLayout& layout) {
         MatrixSource source(directory_.write("m.txt", content));
-        InspectedMatrix matrix = inspect_matrix(source, delimiter);
+        InspectedMatrix matrix = inspect_matrix(source, layout);
         note_duplicate_names(matrix);
         return matrix;
+    }
+
+    InspectedMatrix read(const std::string& content, const LoadOptions& options = {}) {
+        MatrixSource source(directory_.write("m.txt", content));
+        return read_delimited_text(source, options);
     }
 
     /// Why text is refused that is read with these options; empty if it is not.
@@ -61,16 +72,15 @@ TEST_F(DelimitedText, CountsRowsColumnsAndNumbers) {
     EXPECT_EQ(report.columns, 2U);
     EXPECT_EQ(report.numbers, 4U);
     EXPECT_EQ(report.ragged_rows, 0U);
-    EXPECT_FALSE(report.header_looks_like_data);
 }
 
 TEST_F(DelimitedText, PlacesFieldsThatAreNoNumbers) {
     const MatrixReport report = inspect("h\nG1,1,2\nG2,,x1\nG3, ,y\n", ',').report;
     EXPECT_EQ(report.not_numbers.count, 2U);
-    EXPECT_EQ(report.not_numbers.first.line, 3U);
-    EXPECT_EQ(report.not_numbers.first.row, "G2");
-    EXPECT_EQ(report.not_numbers.first.field, 3U);
-    EXPECT_EQ(report.not_numbers.first.text, "x1");
+    EXPECT_EQ(report.not_numbers.places.at(0).line, 3U);
+    EXPECT_EQ(report.not_numbers.places.at(0).row, "G2");
+    EXPECT_EQ(report.not_numbers.places.at(0).field, 3U);
+    EXPECT_EQ(report.not_numbers.places.at(0).text, "x1");
     EXPECT_EQ(report.numbers, 2U);
 }
 
@@ -92,10 +102,118 @@ TEST_F(DelimitedText, FillsUpRowsWhoseLastFieldsAreEmpty) {
     EXPECT_EQ(inspect("h\nG1\t1\t2\t3\nG2\t1\t\n").report.ragged_rows, 1U);
 }
 
-TEST_F(DelimitedText, NamesColumnsAsTheFirstLineDoes) {
-    EXPECT_THAT(inspect("gene\ta\tb\nG1\t1\t2\n").column_names, ElementsAre("a", "b"));
-    EXPECT_THAT(inspect("a\tb\nG1\t1\t2\n").column_names, ElementsAre("a", "b"));
-    EXPECT_THAT(inspect("a\nG1\t1\t2\n").column_names, IsEmpty());
+TEST_F(DelimitedText, NamesColumnsAsTheHeaderDoes) {
+    TableLayout layout;
+    layout.header = {"gene", "a", "b"};
+    const InspectedMatrix named = inspect("gene\ta\tb\nG1\t1\t2\n", layout);
+    EXPECT_THAT(named.column_names, ElementsAre("a", "b"));
+    EXPECT_THAT(named.column_fields, ElementsAre(2U, 3U));
+    EXPECT_THAT(inspect("gene\ta\tb\nG1\t1\t2\t3\n", layout).column_names, IsEmpty());
+}
+
+TEST_F(DelimitedText, TakesNamesAndValuesFromTheFieldsThatTheLayoutSays) {
+    TableLayout layout;
+    layout.names_field = 2;
+    layout.leaveOut(0);
+    layout.header = {"id", "a", "gene", "b"};
+    // Empty fields in front stay; the note of a field has the name that comes behind it.
+    const InspectedMatrix matrix =
+        inspect("id\ta\tgene\tb\n7\t1\tG1\t2\n\t3\tG2\t\n9\tx\tG3\t4\n", layout);
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", "G2", "G3"));
+    EXPECT_THAT(values_of(matrix), ElementsAre(1.0, 2.0, 3.0, IsNan(), 0.0, 4.0));
+    EXPECT_THAT(matrix.column_names, ElementsAre("a", "b"));
+    EXPECT_THAT(matrix.column_fields, ElementsAre(2U, 4U));
+    EXPECT_EQ(matrix.report.not_numbers.places.at(0).row, "G3");
+    EXPECT_EQ(matrix.report.not_numbers.places.at(0).field, 2U);
+    layout = {};
+    layout.names_field.reset();
+    const InspectedMatrix unnamed = inspect("a\tb\n1\t2\n3\t4\n", layout);
+    EXPECT_FALSE(unnamed.has_names);
+    EXPECT_THAT(values_of(unnamed), ElementsAre(1.0, 2.0, 3.0, 4.0));
+    EXPECT_EQ(unnamed.report.unnamed.count, 0U);
+}
+
+TEST_F(DelimitedText, LeavesOutLinesThatAreNoRows) {
+    TableLayout layout;
+    layout.no_rows = {"EWEIGHT"};
+    layout.end_mark = "!end";
+    const InspectedMatrix matrix =
+        inspect("h\ta\nEWEIGHT\tx\n\"EWEIGHT\"\tx\nEWEIGHTS\t1\nG1\t2\n!end\nG2\t\"x\n", layout);
+    EXPECT_THAT(matrix.row_names, ElementsAre("EWEIGHTS", "G1"));
+    EXPECT_THAT(matrix.row_lines, ElementsAre(4U, 5U));
+    EXPECT_THAT(matrix.report.no_rows, ElementsAre("EWEIGHT", "EWEIGHT"));
+    EXPECT_TRUE(matrix.report.has_end_mark);
+    EXPECT_EQ(matrix.report.not_numbers.count, 0U);
+}
+
+TEST_F(DelimitedText, LeavesOutAllBlocksBehindTheEndOfTheTable) {
+    std::string content = "h\nG1\t1\nG2\t2\n!end\n";
+    for (int n = 0; n < 400000; ++n) {
+        content += "N\tx\ty\n";
+    }
+    TableLayout layout;
+    layout.end_mark = "!end";
+    const InspectedMatrix matrix = inspect(content, layout);
+    EXPECT_THAT(values_of(matrix), ElementsAre(1.0, 2.0));
+}
+
+TEST_F(DelimitedText, TakesFieldsOutOfTheirQuotes) {
+    const InspectedMatrix matrix = inspect(
+        "h,a,b\n\"ARG5,6\",1,\"2\"\n\"a \"\"b\"\"\",\"NA\",\"-3\"\n"
+        "\"two\r\nlines\",\"\", \"4\"\n5\" of it,\"6\" ,7\n\"x\" y,8,\"z\"\n",
+        ',');
+    EXPECT_THAT(matrix.row_names,
+                ElementsAre("ARG5,6", "a \"b\"", "two lines", "5\" of it", "\"x\" y"));
+    EXPECT_THAT(values_of(matrix),
+                ElementsAre(1.0, 2.0, IsNan(), -3.0, IsNan(), 0.0, 6.0, 7.0, 8.0, 0.0));
+    EXPECT_THAT(matrix.row_lines, ElementsAre(2U, 3U, 4U, 6U, 7U));
+    EXPECT_EQ(matrix.report.not_numbers.count, 2U);
+    EXPECT_EQ(matrix.report.not_numbers.places.at(0).text, " \"4\"");
+}
+
+TEST_F(DelimitedText, RefusesAQuoteThatNothingClosesWithItsLine) {
+    for (const char* const content :
+         {"h\nG1\t1\n\"G2\t2\nG3\t3\n", "h\nG1\t1\n\"G2\t2\nG3\"x\t3\n", "h\nG1\t1\nG2\t\"2\n"}) {
+        EXPECT_THAT(refusal(content), testing::HasSubstr("m.txt:3: a quote opens a field"));
+    }
+}
+
+/// Text of which every field may stand in quotes, and the same in quotes alone where it has to be.
+RC_GTEST_FIXTURE_PROP(DelimitedTextProperty, ReadsQuotedFieldsAsOthers, ()) {
+    const auto rows = *rc::gen::inRange(1, 30);
+    std::string plain = "h\ta\tb\n";
+    std::string quoted = plain;
+    for (int n = 0; n < rows; ++n) {
+        for (int field = 0; field < 3; ++field) {
+            const std::string text = field == 0
+                                         ? *rc::gen::element<std::string>("G", "5\"", "a b", "'x")
+                                         : *rc::gen::element<std::string>("1", "-2.5", "NA", "x");
+            std::string in_quotes = "\"";
+            for (const char c : text) {
+                in_quotes += c == '"' ? "\"\"" : std::string(1, c);
+            }
+            plain += text;
+            quoted += *rc::gen::arbitrary<bool>() ? in_quotes + "\"" : text;
+            (plain += field < 2 ? "\t" : "\n");
+            (quoted += field < 2 ? "\t" : "\n");
+        }
+    }
+    const auto inspected = [&](const std::string& content) {
+        MatrixSource source(directory_.write("m.txt", content));
+        return inspect_matrix(source, TableLayout());
+    };
+    const InspectedMatrix expected = inspected(plain);
+    const InspectedMatrix matrix = inspected(quoted);
+    RC_ASSERT(matrix.row_names == expected.row_names);
+    RC_ASSERT(matrix.row_lines == expected.row_lines);
+    RC_ASSERT(matrix.report.not_numbers.count == expected.report.not_numbers.count);
+    const std::vector<double> values = values_of(matrix);
+    const std::vector<double> expected_values = values_of(expected);
+    RC_ASSERT(std::equal(values.begin(),
+                         values.end(),
+                         expected_values.begin(),
+                         expected_values.end(),
+                         [](double a, double b) { return a == b || (a != a && b != b); }));
 }
 
 RC_GTEST_FIXTURE_PROP(DelimitedTextProperty, ReadsWhatTheReaderReads, ()) {
@@ -115,7 +233,9 @@ RC_GTEST_FIXTURE_PROP(DelimitedTextProperty, ReadsWhatTheReaderReads, ()) {
     std::vector<std::string> names;
     read_matrix_w_index<double>(expected, names, path, 1, ',');
     MatrixSource source(path);
-    const InspectedMatrix matrix = inspect_matrix(source, ',');
+    TableLayout layout;
+    layout.delimiter = ',';
+    const InspectedMatrix matrix = inspect_matrix(source, layout);
     RC_ASSERT(matrix.row_names == names);
     if (matrix.values != nullptr) {
         std::vector<double> joined;
@@ -139,22 +259,43 @@ TEST_F(DelimitedText, CountsLinesAcrossBlocks) {
     EXPECT_EQ(matrix.row_lines.back(), 400001U);
     EXPECT_EQ(matrix.row_names[123456], "G123456");
     EXPECT_EQ(matrix.report.not_numbers.count, 4U);
-    EXPECT_EQ(matrix.report.not_numbers.first.line, 100001U);
+    EXPECT_EQ(matrix.report.not_numbers.places.at(0).line, 100001U);
     EXPECT_EQ(matrix.row_names[399999], "N");
     EXPECT_EQ(matrix.report.first_duplicate_names, (std::vector<std::string>{"N", "N", "N"}));
+}
+
+/// Names of several lines, so that the records of one block end in the next one.
+TEST_F(DelimitedText, ReadsQuotedRecordsAcrossBlocksWithAnyNumberOfThreads) {
+    std::string content = "h\ta\n";
+    constexpr std::size_t kRows = 60000;
+    for (std::size_t n = 0; n < kRows; ++n) {
+        content += "\"G" + std::to_string(n) + "\n" + std::string(n % 97, 'x') + "\t\"\t" +
+                   std::to_string(n) + "\n";
+    }
+    for (const int threads : test::kThreadCounts) {
+        SCOPED_TRACE(threads);
+        const test::ThreadCount scope(threads);
+        const InspectedMatrix matrix = inspect(content);
+        ASSERT_EQ(matrix.report.rows, kRows);
+        for (std::size_t n = 0; n < kRows; ++n) {
+            ASSERT_EQ(matrix.values[n], static_cast<double>(n));
+            ASSERT_EQ(matrix.row_lines[n], 2 * n + 2);
+        }
+        EXPECT_EQ(matrix.row_names[3], "G3 xxx\t");
+    }
 }
 
 TEST_F(DelimitedText, PlacesTextBehindNumbers) {
     const MatrixReport report = inspect("h\nG1\t1.5abc\t2 \t3\n").report;
     EXPECT_EQ(report.with_text_behind.count, 1U);
-    EXPECT_EQ(report.with_text_behind.first.text, "1.5abc");
+    EXPECT_EQ(report.with_text_behind.places.at(0).text, "1.5abc");
 }
 
 TEST_F(DelimitedText, PlacesValuesThatAreNotFinite) {
     const MatrixReport report = inspect("h\nG1\t1\nG2\t-nan\nG3\tinf\nG4\t1e999\n").report;
     EXPECT_EQ(report.not_finite.count, 3U);
-    EXPECT_EQ(report.not_finite.first.line, 3U);
-    EXPECT_EQ(report.not_finite.first.text, "-nan");
+    EXPECT_EQ(report.not_finite.places.at(0).line, 3U);
+    EXPECT_EQ(report.not_finite.places.at(0).text, "-nan");
 }
 
 TEST_F(DelimitedText, ListsRaggedRows) {
@@ -170,8 +311,8 @@ TEST_F(DelimitedText, ListsRaggedRows) {
 TEST_F(DelimitedText, TellsOfNamesThatAreTrimmedAway) {
     const MatrixReport ragged = inspect("h\nG1\t1\t2\n\t3\t4\n").report;
     EXPECT_EQ(ragged.lost_names.count, 1U);
-    EXPECT_EQ(ragged.lost_names.first.line, 3U);
-    EXPECT_EQ(ragged.lost_names.first.row, "3");
+    EXPECT_EQ(ragged.lost_names.places.at(0).line, 3U);
+    EXPECT_EQ(ragged.lost_names.places.at(0).row, "3");
     EXPECT_EQ(inspect("h\n\t1\t2\n\t3\t4\n").report.lost_names.count, 2U);
     // A line that is only indented has its name.
     EXPECT_EQ(inspect("h\n\tG1\t1\n\tG2\t3\n").report.lost_names.count, 0U);
@@ -181,7 +322,7 @@ TEST_F(DelimitedText, TellsOfNamesThatAreTrimmedAway) {
 TEST_F(DelimitedText, CountsRowsWithoutName) {
     const MatrixReport report = inspect("h\nG1,1\n,2\n,3\n", ',').report;
     EXPECT_EQ(report.unnamed.count, 2U);
-    EXPECT_EQ(report.unnamed.first.line, 3U);
+    EXPECT_EQ(report.unnamed.places.at(0).line, 3U);
     EXPECT_EQ(report.duplicate_names, 0U);
 }
 
@@ -191,25 +332,48 @@ TEST_F(DelimitedText, ListsDuplicateNames) {
     EXPECT_EQ(report.first_duplicate_names, (std::vector<std::string>{"A", "A"}));
 }
 
-TEST_F(DelimitedText, SuspectsAHeaderOfMeasurements) {
-    EXPECT_TRUE(inspect("G0\t0.5\t-1.25\nG1\t1\t2\n").report.header_looks_like_data);
-    EXPECT_FALSE(inspect("gene\t0\t7\t3\nG1\t1\t2\t3\n").report.header_looks_like_data);
-    EXPECT_FALSE(inspect("gene\t0.5\t1\t2\nG1\t1\t2\t3\n").report.header_looks_like_data);
-    EXPECT_FALSE(inspect("gene\ta\t0.5\nG1\t1\t2\n").report.header_looks_like_data);
-}
-
 TEST_F(DelimitedText, RefusesNulBytesWithTheirLine) {
     EXPECT_EQ(refusal(std::string("h\nG1\t1\nG\0\t2\n", 12)),
               directory_.file("m.txt") + ":3: the line holds a NUL byte, so this is no text file");
 }
 
 TEST_F(DelimitedText, IsReadWithTheDelimiterThatIsGivenOrGuessed) {
-    MatrixSource semicolons(directory_.write("m.txt", "h\nG1;1,5;2\nG2;3;4\n"));
-    EXPECT_THAT(values_of(read_delimited_text(semicolons, {})), ElementsAre(1.0, 2.0, 3.0, 4.0));
-    MatrixSource commas(directory_.file("m.txt"));
+    EXPECT_THAT(values_of(read("h\nG1;1.5;2\nG2;3;4\n")), ElementsAre(1.5, 2.0, 3.0, 4.0));
     LoadOptions options;
     options.delimiter = ',';
-    EXPECT_THAT(read_delimited_text(commas, options).row_names, ElementsAre("G1;1", "G2;3;4"));
+    EXPECT_THAT(read("h\nG1;1,5\nG2;3;4,1\n", options).row_names, ElementsAre("G1;1", "G2;3;4"));
+}
+
+TEST_F(DelimitedText, IsReadAsTheOptionsSay) {
+    LoadOptions options;
+    options.decimal = ',';
+    options.missing_signs = {"ND"};
+    options.skip_columns = {"note"};
+    options.names_column = "gene";
+    const InspectedMatrix matrix =
+        read("id;gene;a;note;b\n1;G1;0,5;x;ND\n2;G2;-1,25e1;y;3\n3;G3;0;;4\n", options);
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", "G2", "G3"));
+    EXPECT_THAT(values_of(matrix), ElementsAre(0.5, IsNan(), -12.5, 3.0, 0.0, 4.0));
+    EXPECT_THAT(matrix.column_names, ElementsAre("a", "b"));
+    EXPECT_THAT(matrix.report.notes,
+                ElementsAre("in front of the names, and so no values: column \"id\" (field 1)"));
+    options = {};
+    options.has_header = false;
+    options.has_names = false;
+    EXPECT_THAT(values_of(read("\xEF\xBB\xBF"
+                               "1,2\n3,4\n5,6\n",
+                               options)),
+                ElementsAre(1.0, 2.0, 3.0, 4.0, 5.0, 6.0));
+}
+
+TEST_F(DelimitedText, TellsWhichLinesWereNoRows) {
+    const InspectedMatrix matrix = read(
+        "YORF\tNAME\tGWEIGHT\ta\nEWEIGHT\t\t\t1\nYAL001C\tTFC3\t1\t0.5\nYAL002W\tVPS8\t1\t2\n");
+    EXPECT_THAT(matrix.row_names, ElementsAre("YAL001C", "YAL002W"));
+    EXPECT_THAT(matrix.report.notes,
+                ElementsAre("gene expression table (.pcl): names from YORF; no values: NAME and "
+                            "GWEIGHT",
+                            "no rows: EWEIGHT"));
 }
 
 TEST_F(DelimitedText, IsRefusedWithoutNamesOrNumbers) {
@@ -217,15 +381,16 @@ TEST_F(DelimitedText, IsRefusedWithoutNamesOrNumbers) {
     LoadOptions options;
     options.delimiter = ',';
     EXPECT_THAT(refusal("h\nG1\t1\n", options),
-                testing::HasSubstr("holds no numbers with , between the fields"));
+                testing::HasSubstr("holds no numbers with , between the fields\nThere are with "
+                                   "delimiter tab"));
 }
 
 TEST_F(DelimitedText, TellsBeforeMoreThanTheHeadIsRead) {
     struct TooLarge {};
 
     LoadOptions options;
-    options.before_reading = [](const MatrixSource& source, char delimiter) {
-        EXPECT_EQ(delimiter, ',');
+    options.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
+        EXPECT_EQ(layout.delimiter, ',');
         EXPECT_EQ(source.head(), "h\nG1,1\nG\0");
         throw TooLarge();
     };

@@ -1,85 +1,47 @@
 #include "input/delimiters.h"
 
-#include <string>
+#include <optional>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "util/input_error.h"
 
-#include "tests/support/temporary_directory.h"
-
 namespace ovik {
 namespace {
 
 using testing::HasSubstr;
 
-class DelimitersTest : public testing::Test {
-  protected:
-    Delimiters find(const std::string& content, std::optional<char> given) {
-        return find_delimiter(MatrixSource(directory_.write("m.txt", content)), given);
-    }
+LoadOptions with_delimiter(std::optional<char> delimiter) {
+    LoadOptions options;
+    options.delimiter = delimiter;
+    return options;
+}
 
-    static std::string refusal(const Delimiters& delimiters, const MatrixReport& report) {
-        try {
-            check_delimited("m.txt", delimiters, report);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
-    }
-
-    test::TemporaryDirectory directory_;
-};
-
-TEST_F(DelimitersTest, AreGivenOrGuessed) {
-    const Delimiters guessed = find("h\nG1,1\n", std::nullopt);
+TEST(FindDelimiter, TakesTheOneThatIsGivenOrGuessed) {
+    const Delimiters guessed = find_delimiter("m", "G1,1\n", {}, false);
     EXPECT_EQ(guessed.used, ',');
     EXPECT_EQ(guessed.guessed, ',');
-    const Delimiters given = find("h\nG1,1\n", ';');
+    const Delimiters given = find_delimiter("m", "G1,1\n", with_delimiter(';'), false);
     EXPECT_EQ(given.used, ';');
     EXPECT_EQ(given.guessed, ',');
-    EXPECT_EQ(find("h\nG1|1\n", '|').guessed, std::nullopt);
+    EXPECT_EQ(find_delimiter("m", "G1|1\n", with_delimiter('|'), false).guessed, std::nullopt);
+    EXPECT_EQ(find_delimiter("m", "G1\n", {}, true).used, '\t');
 }
 
-TEST_F(DelimitersTest, AreRefusedIfThereIsNothingToGuess) {
+TEST(FindDelimiter, RefusesWhatHasNothingToGuess) {
     try {
-        find("h\nG1|1\n", std::nullopt);
+        find_delimiter("m.txt", "G1|1\n", {}, false);
         ADD_FAILURE();
     } catch (const InputError& error) {
-        EXPECT_THAT(error.what(), HasSubstr("/m.txt: found no numbers behind the first line"));
+        EXPECT_THAT(error.what(), HasSubstr("m.txt: found no numbers behind the first line"));
     }
 }
 
-TEST_F(DelimitersTest, ThatPartNoNumbersAreRefusedWithTheCure) {
-    const struct {
-        Delimiters delimiters;
-        const char* cure;
-    } kCases[] = {
-        {{',', '\t'}, "no numbers with , between the fields\nThere are with --delimiter 'tab'"},
-        {{'\t', ' '}, "no numbers with tab between the fields\nThere are with --delimiter 'space'"},
-        {{'|', std::nullopt}, "no numbers with | between the fields\nEvery line behind the first"},
-        {{',', ','}, "no numbers with , between the fields\nEvery line behind the first"},
-    };
-
-    MatrixReport report;
-    report.rows = 3;
-    for (const auto& [delimiters, cure] : kCases) {
-        EXPECT_THAT(refusal(delimiters, report), HasSubstr(cure));
-    }
-    report.numbers = 1;
-    EXPECT_EQ(refusal({',', '\t'}, report), "");
-}
-
-TEST_F(DelimitersTest, ThatLoseNamesAreRefusedWithTheLine) {
-    MatrixReport report;
-    report.rows = 3;
-    report.numbers = 3;
-    report.lost_names.count = 2;
-    report.lost_names.first = {5, "1.5", 1, ""};
-    EXPECT_THAT(refusal({'\t', '\t'}, report),
-                HasSubstr("m.txt:5: the row has no name: the line opens with the delimiter, and "
-                          "\"1.5\" would be taken for the name (2 such rows)"));
+TEST(DelimiterText, NamesBlanks) {
+    EXPECT_EQ(delimiter_text('\t'), "tab");
+    EXPECT_EQ(delimiter_text(' '), "space");
+    EXPECT_EQ(delimiter_text(';'), ";");
 }
 
 }  // namespace

@@ -56,6 +56,9 @@ TEST(ClassifyField, TakesOtherTextForNoNumber) {
                               "1",
                               "\xD9\xA1",
                               "missing",
+                              "NAN1",
+                              "INF2",
+                              "1e999kg",
                               "- -"}) {
         EXPECT_EQ(kind_of(field), FieldKind::NotNumber) << field;
     }
@@ -70,6 +73,25 @@ TEST(ClassifyField, SeesTextBehindANumber) {
 TEST(ClassifyField, SeesWhatIsNotFinite) {
     for (const char* field : {"inf", "-inf", "Infinity", "1e999", "-1e999", "-nan", "nan(1)"}) {
         EXPECT_EQ(kind_of(field), FieldKind::NotFinite) << field;
+    }
+}
+
+TEST(HasDecimalComma, KnowsNumbersWithAComma) {
+    for (const char* field : {"0,12", "-1,5", "+1,5E3", ",5", "5,", " 1,2 ", "1,234"}) {
+        EXPECT_TRUE(has_decimal_comma(field)) << field;
+    }
+    for (const char* field : {"", ",", "1.5", "1", "1,2,3", "1,2kg", "1,2E", "x,1", "1,234.5"}) {
+        EXPECT_FALSE(has_decimal_comma(field)) << field;
+    }
+}
+
+TEST(HasGroupedDigits, KnowsNumbersWithCommasBetweenThousands) {
+    for (const char* field : {"1,234", "12,345,678", "-1,234.5", " 999,999 "}) {
+        EXPECT_TRUE(has_grouped_digits(field)) << field;
+    }
+    for (const char* field :
+         {"", "1234", "1,23", "1234,567", "0,123", "1,234,5", ",123", "1,234x"}) {
+        EXPECT_FALSE(has_grouped_digits(field)) << field;
     }
 }
 

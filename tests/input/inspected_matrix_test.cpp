@@ -34,7 +34,7 @@ TEST(NoteDuplicateNames, FindsNoneAmongNamesThatDifferOrAreEmpty) {
     EXPECT_THAT(report.first_duplicate_names, IsEmpty());
 }
 
-TEST(NoteInfiniteValues, PlacesTheFirstByRowAndColumn) {
+TEST(NoteInfiniteValues, PlacesThemByRowAndColumn) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     InspectedMatrix matrix;
     matrix.report.rows = 2;
@@ -43,10 +43,11 @@ TEST(NoteInfiniteValues, PlacesTheFirstByRowAndColumn) {
         0.0, std::numeric_limits<double>::quiet_NaN(), 1e308, 1.0, -kInfinity, kInfinity});
     note_infinite_values(matrix);
     EXPECT_EQ(matrix.report.not_finite.count, 2U);
-    EXPECT_EQ(matrix.report.not_finite.first.line, 0U);
-    EXPECT_EQ(matrix.report.not_finite.first.row, "2");
-    EXPECT_EQ(matrix.report.not_finite.first.field, 2U);
-    EXPECT_EQ(matrix.report.not_finite.first.text, "-inf");
+    EXPECT_EQ(matrix.report.not_finite.places.at(0).line, 0U);
+    EXPECT_EQ(matrix.report.not_finite.places.at(0).row, "2");
+    EXPECT_EQ(matrix.report.not_finite.places.at(0).field, 2U);
+    EXPECT_EQ(matrix.report.not_finite.places.at(0).text, "-inf");
+    EXPECT_EQ(matrix.report.not_finite.places.at(1).field, 3U);
 }
 
 }  // namespace

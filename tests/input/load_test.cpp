@@ -103,17 +103,19 @@ TEST_F(Load, RemarksInTheOrderInWhichThingsAreFound) {
     EXPECT_EQ(remarks_[0].kind, Remark::Kind::Note);
     EXPECT_EQ(
         remarks_[0].text,
-        "the format of " + directory_.file("m") +
-            " has no names, and rows are called by their numbers; --row-names gives them names");
+        directory_.file("m") +
+            ": its rows have no names, and are called by their numbers; row-names FILE gives them "
+            "names");
     EXPECT_EQ(remarks_[1].kind, Remark::Kind::Warning);
     EXPECT_THAT(remarks_[1].text,
                 StartsWith(directory_.file("m") +
                            ": 1 of 3 values is missing, in 1 of 3 rows and 1 of 1 column, and read "
                            "as 0\n  row \"3\", column 1\n"));
     options_.missing = MissingPolicy::Drop;
-    loaded("h\tb\nG1\t1\nG1\tx\nG3\t\nG4\t4\n");
+    loaded("# a note\nh\tb\nG1\t1\nG1\t2\nG3\t\nG4\t4\n");
     ASSERT_EQ(remarks_.size(), 3U);
-    EXPECT_THAT(remarks_[0].text, HasSubstr("which is not a number, and read as 0"));
+    EXPECT_EQ(remarks_[0].kind, Remark::Kind::Note);
+    EXPECT_EQ(remarks_[0].text, directory_.file("m") + ": line 1 is above the header, and no rows");
     EXPECT_THAT(remarks_[1].text, HasSubstr("1 row repeats the name of an earlier one"));
     EXPECT_EQ(remarks_[2].kind, Remark::Kind::Information);
     EXPECT_EQ(
@@ -124,10 +126,9 @@ TEST_F(Load, RemarksInTheOrderInWhichThingsAreFound) {
 }
 
 TEST_F(Load, KeepsTheRemarksOnAMatrixThatIsThenRefused) {
-    EXPECT_THAT(refusal("h\tb\nG1\t0\nG1\tx\nG3\t0\n"), HasSubstr("all rows hold the same values"));
-    ASSERT_EQ(remarks_.size(), 2U);
-    EXPECT_THAT(remarks_[0].text, HasSubstr("which is not a number"));
-    EXPECT_THAT(remarks_[1].text, HasSubstr("repeats the name"));
+    EXPECT_THAT(refusal("h\tb\nG1\t0\nG1\t0\nG3\t0\n"), HasSubstr("all rows hold the same values"));
+    ASSERT_EQ(remarks_.size(), 1U);
+    EXPECT_THAT(remarks_[0].text, HasSubstr("repeats the name"));
 }
 
 TEST_F(Load, TakesNamesAndLabelsFromFiles) {
@@ -140,12 +141,26 @@ TEST_F(Load, TakesNamesAndLabelsFromFiles) {
     ASSERT_EQ(remarks_.size(), 2U);
     EXPECT_THAT(remarks_[0].text, HasSubstr("1 row repeats the name of an earlier one (\"B\")"));
     EXPECT_THAT(refusal(kText),
-                StartsWith("--row-names: the rows of " + directory_.file("m") + " have names"));
+                StartsWith("row-names: the rows of " + directory_.file("m") + " have names"));
     options_.row_names_file = directory_.write("names", "A\n");
     EXPECT_THAT(refusal(kMarket), HasSubstr("holds 1 name, but the matrix has 4 rows"));
     options_.row_names_file.clear();
     options_.labels_file = directory_.write("labels", "a\n");
     EXPECT_THAT(refusal(kText), HasSubstr("holds 1 label, but the matrix has 4 rows"));
+}
+
+TEST_F(Load, NumbersTheRowsOfTextWithoutNames) {
+    options_.has_names = false;
+    EXPECT_THAT(loaded("a\tb\n1\t2\n3\t4\n5\t7\n").matrix.row_names, ElementsAre("1", "2", "3"));
+    options_.row_names_file = directory_.write("names", "A\nB\nC\n");
+    EXPECT_THAT(loaded("a\tb\n1\t2\n3\t4\n5\t7\n").matrix.row_names, ElementsAre("A", "B", "C"));
+}
+
+TEST_F(Load, WarnsOfGenesInColumns) {
+    loaded("s\tYAL001C\tYAL002W\tYAL003W\nt0\t1\t2\t3\nt1\t1\t2\t4\nt2\t5\t2\t3\n");
+    ASSERT_EQ(remarks_.size(), 1U);
+    EXPECT_EQ(remarks_[0].kind, Remark::Kind::Warning);
+    EXPECT_THAT(remarks_[0].text, HasSubstr("m: 3 of 3 columns are named as genes"));
 }
 
 TEST_F(Load, LeavesMissingValuesAsAskedFor) {
@@ -159,11 +174,15 @@ TEST_F(Load, LeavesMissingValuesAsAskedFor) {
 
 TEST_F(Load, RefusesMissingValuesAsAskedFor) {
     options_.missing = MissingPolicy::Error;
-    options_.missing_advice = "Measure them.";
+    options_.spell = [](const std::string& option, const std::string& value) {
+        return "<" + option + value + ">";
+    };
     EXPECT_EQ(refusal(kText),
               directory_.file("m") +
                   ": 1 of 8 values is missing, in 1 of 4 rows and 1 of 2 columns\n"
-                  "  line 3: row \"G2\", column \"b\" (field 3)\nMeasure them.");
+                  "  line 3: row \"G2\", column \"b\" (field 3)\nFill them in, or choose with "
+                  "<missing> what "
+                  "becomes of them.");
     EXPECT_THAT(remarks_, IsEmpty());
 }
 
@@ -213,16 +232,16 @@ TEST_F(Load, RefusesWhatIsNoMatrixWhateverIsAskedFor) {
 
 TEST_F(Load, AsksBeforeItReadsText) {
     char seen = 0;
-    options_.before_reading = [&seen](const MatrixSource& source, char delimiter) {
+    options_.before_reading = [&seen](const MatrixSource& source, const TableLayout& layout) {
         EXPECT_TRUE(source.isSeekable());
-        seen = delimiter;
+        seen = layout.delimiter;
     };
     loaded("h\nA,1\nB,2\nC,3\n");
     EXPECT_EQ(seen, ',');
     options_.delimiter = ';';
     refusal("h\nA,1\nB,2\nC,3\n");
     EXPECT_EQ(seen, ';');
-    options_.before_reading = [](const MatrixSource& /*source*/, char /*delimiter*/) {
+    options_.before_reading = [](const MatrixSource& /*source*/, const TableLayout& /*layout*/) {
         throw InputError("too large");
     };
     EXPECT_EQ(refusal("h\nA;1\nB;2\n"), "too large");

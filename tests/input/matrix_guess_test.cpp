@@ -24,11 +24,17 @@ TEST_F(MatrixGuess, OfTheShapeIsAFewPercentOff) {
     for (int n = 100; n < 1100; ++n) {
         content += "G100\t1.25\t" + std::to_string(n) + "\n";
     }
-    const auto shape = guess_shape(source(content), '\t');
+    const auto shape = guess_shape(source(content), TableLayout());
     ASSERT_TRUE(shape);
     EXPECT_EQ(shape->columns, 2U);
     EXPECT_NEAR(static_cast<double>(shape->rows), 1000.0, 50.0);
-    EXPECT_FALSE(guess_shape(source("h\n"), '\t'));
+    EXPECT_FALSE(guess_shape(source("h\n"), TableLayout()));
+    TableLayout layout;
+    layout.lines_above = 2;
+    layout.leaveOut(1);
+    const auto annotated = guess_shape(source("a line\nh\tname\ta\nG1\tx\t1\n"), layout);
+    ASSERT_TRUE(annotated);
+    EXPECT_EQ(annotated->columns, 1U);
 }
 
 TEST_F(MatrixGuess, OfTheDelimiterIsTheOneWithMostNumbers) {
@@ -36,22 +42,26 @@ TEST_F(MatrixGuess, OfTheDelimiterIsTheOneWithMostNumbers) {
         const char* content;
         std::optional<char> delimiter;
     } kCases[] = {
-        {"h\nG1\t1\t2\n", '\t'},
-        {"h\nG1,1,2\n", ','},
-        {"h\nG1;1;2\n", ';'},
-        {"h\nG1 1 2\n", ' '},
+        {"G1\t1\t2\n", '\t'},
+        {"G1,1,2\n", ','},
+        {"G1;1;2\n", ';'},
+        {"G1 1 2\n", ' '},
         // Names and decimal numbers with commas.
-        {"h\nADE5,7\t1\t2\n", '\t'},
-        {"h\nG1\t0,17\t0,33\n", '\t'},
-        {"h\nG1;0,17;0,33\n", ';'},
-        // Headers and comments do not count.
-        {"h h\n# 1,2,3\nG1;1.5;2\n", ';'},
-        {"h\nG1|1|2\n", std::nullopt},
+        {"ADE5,7\t1\t2\n", '\t'},
+        {"G1\t0,17\t0,33\n", '\t'},
+        {"G1;0,17;0,33\n", ';'},
+        {"ARG5,6\t0,1\t0,2\n", '\t'},
+        // Fields in quotes.
+        {"\"a, b, 1\";\"1\";\"2\"\n", ';'},
+        {"\"1\n2,3,4\"\t1\t2\n", '\t'},
+        // Comments do not count.
+        {"# 1,2,3\nG1;1.5;2\n", ';'},
+        {"G1|1|2\n", std::nullopt},
         {"", std::nullopt},
     };
 
     for (const auto& [content, delimiter] : kCases) {
-        EXPECT_EQ(guess_delimiter(source(content)), delimiter) << content;
+        EXPECT_EQ(guess_delimiter(content), delimiter) << content;
     }
 }
 

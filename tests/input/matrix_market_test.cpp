@@ -60,10 +60,10 @@ TEST_F(MatrixMarket, PlacesInfinitiesByTheirLine) {
     const FieldFindings found =
         read("%%MatrixMarket matrix array real general\n2 1\n1\n-inf\n").report.not_finite;
     EXPECT_EQ(found.count, 1U);
-    EXPECT_EQ(found.first.line, 4U);
-    EXPECT_EQ(found.first.row, "2");
-    EXPECT_EQ(found.first.field, 1U);
-    EXPECT_EQ(found.first.text, "-inf");
+    EXPECT_EQ(found.places.at(0).line, 4U);
+    EXPECT_EQ(found.places.at(0).row, "2");
+    EXPECT_EQ(found.places.at(0).field, 1U);
+    EXPECT_EQ(found.places.at(0).text, "-inf");
 }
 
 TEST_F(MatrixMarket, IsRefusedWithTheLine) {

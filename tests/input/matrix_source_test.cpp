@@ -72,6 +72,25 @@ TEST_F(MatrixSourceTest, HasAHeadThatHoldsTheFirstLinesWhole) {
     EXPECT_EQ(contentOf(source).size(), 4 * line.size() + 3);
 }
 
+TEST_F(MatrixSourceTest, TakesTextAtHandAsItIs) {
+    for (const std::string text : {"", "h\nG1\t1\n", "\x1f\x8b no gzip"}) {
+        MatrixSource source("m.xlsx", text);
+        EXPECT_EQ(source.name(), "m.xlsx");
+        EXPECT_EQ(source.path(), "");
+        EXPECT_FALSE(source.isSeekable());
+        EXPECT_TRUE(source.isWholeInHead());
+        EXPECT_EQ(source.size(), text.size());
+        EXPECT_EQ(contentOf(source), text);
+    }
+    std::string lines;
+    while (lines.size() < 500000) {
+        lines += "a line of many\n";
+    }
+    MatrixSource source("m.xlsx", lines);
+    EXPECT_FALSE(source.isWholeInHead());
+    EXPECT_EQ(contentOf(source), lines);
+}
+
 TEST_F(MatrixSourceTest, RefusesWhatCannotBeOpenedOrUnpacked) {
     const struct {
         std::string path;

@@ -24,6 +24,7 @@ InspectedMatrix matrix_of(const std::vector<double>& values) {
     InspectedMatrix matrix;
     matrix.report.rows = values.size() / 2;
     matrix.report.columns = 2;
+    matrix.column_fields = {2, 3};
     for (std::size_t n = 0; n < matrix.report.rows; ++n) {
         matrix.row_names.emplace_back(1, static_cast<char>('A' + n));
         matrix.row_lines.push_back(2 * n + 2);
@@ -39,7 +40,7 @@ std::vector<double> values_of(const InspectedMatrix& matrix) {
 }
 
 void treat(MissingPolicy policy, InspectedMatrix& matrix, std::vector<std::string>& labels) {
-    treat_missing("m", policy, count_missing(matrix), matrix, labels);
+    treat_missing("m", policy, count_missing(matrix), plainly_spelled, matrix, labels);
 }
 
 TEST(MissingPolicies, HaveNames) {
@@ -83,6 +84,7 @@ TEST(MissingValues, ArePlacedByLineRowAndColumn) {
     EXPECT_THAT(missing_places(matrix, missing),
                 testing::StartsWith("  line 2: row \"A\", column \"b\" (field 3)\n"));
     matrix.row_lines.assign(3, 0);
+    matrix.column_fields.clear();
     EXPECT_THAT(missing_places(matrix, missing),
                 testing::StartsWith("  row \"A\", column \"b\" (column 2)\n"));
     matrix.column_names.clear();

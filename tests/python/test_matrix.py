@@ -74,20 +74,66 @@ def test_delimiter_can_be_given(write):
     assert ovik.read_matrix(path, "|").values.tolist() == [[1], [2], [3]]
 
 
-@pytest.mark.parametrize("delimiter", ["", "ab", "\n", "é", b",", 3])
+@pytest.mark.parametrize("delimiter", ["", "ab", "\n", '"', "é", b",", 3])
 def test_delimiter_is_one_character(write, delimiter):
     with pytest.raises(ValueError, match="delimiter should be one character"):
         ovik.read_matrix(write(TEXT), delimiter)
 
 
-def test_odd_fields_are_warned_of(write):
-    path = write("g,a\nG1,1\nG2,x\nG2,3\n")
-    with pytest.warns(UserWarning) as warned:
-        assert ovik.read_matrix(path).values.tolist() == [[1], [0], [3]]
-    texts = [str(warning.message) for warning in warned]
-    assert texts[0].startswith(f'{path}:3: field 2 of row "G2" is "x", which is not a number')
-    assert "1 row repeats the name" in texts[1]
+def test_odd_names_are_warned_of(write):
+    path = write("g,a\nG1,1\nG2,2\nG2,3\n")
+    with pytest.warns(UserWarning, match="1 row repeats the name") as warned:
+        assert ovik.read_matrix(path).values.tolist() == [[1], [2], [3]]
     assert {warning.filename for warning in warned} == {__file__}
+
+
+@pytest.mark.parametrize("content, cure", [
+    ("g,a\nG1,1\nG2,ND\nG3,3\n", 'na="ND"'),
+    ("g;a\nG1;0,5\nG2;1,5\nG3;3\n", 'decimal="," reads them'),
+    ("g,note,b\nG1,x,1\nG2,y,2\nG3,3 z,3\n", 'skip_columns=["note"]'),
+    ("g,note,b\nG1,x,1\nG2,y,2\nG3,3 z,3\n", 'names_column="note"'),
+    ("G0,0.5,-1\nG1,1,2\nG2,2,1\n", "header=False"),
+    ("a,b\n0.5,1\n0.25,2\n0.5,3\n", "names=False"),
+    ("g\ta\nG1\t1\nG2\t2\nG3\t3\n", 'delimiter="\\t"'),
+])
+def test_text_is_no_value(write, content, cure):
+    delimiter = "," if "\t" in content else None
+    with pytest.raises(ValueError) as caught:
+        ovik.read_matrix(write(content), delimiter)
+    assert cure in str(caught.value)
+
+
+@pytest.mark.parametrize("content, options", [
+    ("gene;a;b\nG1;1;2,5\nG2;-3;4e2\nG3;0;NA\n", {"decimal": ","}),
+    ("G1,1,2.5\nG2,-3,4e2\nG3,0,NA\n", {"header": False}),
+    ("gene,a,x,b\nG1,1,x,2.5\nG2,-3,1 y,4e2\nG3,0,z,NA\n", {"skip_columns": "x"}),
+    ("gene,a,x,b\nG1,1,x,2.5\nG2,-3,1 y,4e2\nG3,0,z,NA\n", {"skip_columns": [3]}),
+    ("id,gene,a,b\n7,G1,1,2.5\n8,G2,-3,4e2\n9,G3,0,NA\n", {"names_column": "gene"}),
+    ("gene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,ND\n", {"na": "ND"}),
+    ('"gene","a","b"\n"G1",1,2.5\n"G2","-3",4e2\nG3,"0",""\n', {}),
+    ("# a note\ngene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,NA\n", {}),
+])
+def test_text_is_read_as_the_arguments_say(write, content, options):
+    matrix = ovik.read_matrix(write(content), **options)
+    assert np.array_equal(matrix.values, [[1, 2.5], [-3, 400], [0, np.nan]], equal_nan=True)
+    assert matrix.row_names == ["G1", "G2", "G3"]
+    assert matrix.column_names == ([] if "header" in options else ["a", "b"])
+
+
+def test_rows_without_names_have_numbers(write):
+    matrix = ovik.read_matrix(write("a,b\n1,2\n3,4\n5,7\n"), names=False)
+    assert matrix.values.tolist() == [[1, 2], [3, 4], [5, 7]]
+    assert matrix.row_names == ["1", "2", "3"]
+
+
+@pytest.mark.parametrize("options, message", [
+    ({"decimal": ";"}, "decimal should be"),
+    ({"skip_columns": [True]}, "a column should be"),
+    ({"skip_columns": "none"}, 'there is no column "none"'),
+])
+def test_arguments_that_fit_no_text(write, options, message):
+    with pytest.raises(ValueError, match=message):
+        ovik.read_matrix(write(TEXT), **options)
 
 
 def test_files_that_cannot_be_opened(tmp_path):
@@ -101,7 +147,7 @@ def test_files_that_cannot_be_opened(tmp_path):
     ("g,a\nG1,1\nG2,1,2\nG3,1\n", ':3: row "G2" has 2 values, but the first row has 1'),
     ("g,a\nG1,1\nG2,2\n", "has 2 rows, and an embedding needs at least 3"),
     ("g,a\nG1,1\nG2,inf\nG3,2\n", "which is not a finite number"),
-    ("", "found no numbers"),
+    ("", "the file is empty"),
     ("g,a\nG1,1\nG2,1\0\nG3,2\n", "NUL"),
     (gzip.compress(TEXT.encode())[:-9], "m.csv"),
     (b"\x93NUMPY\x01\x00", "m.csv"),

@@ -119,7 +119,7 @@ TEST(Embedding, RefusesTextsOfAnotherNumber) {
     const ResultSettings plain{.out_dir = directory.prefix(), .out_name = "run"};
     std::vector<ResultSettings> refused(4, plain);
     refused[0].labels = few;
-    refused[1].label_columns = {{.title = "group", .texts = few}};
+    refused[1].label_columns = {{.title = "group", .texts = few, .numbers = {}}};
     refused[2].functions = few;
     refused[3].genes = few;
     for (const ResultSettings& settings : refused) {

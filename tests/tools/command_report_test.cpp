@@ -33,7 +33,14 @@ TEST(BeginReport, SaysWhatWasCalledWithWhichNumbers) {
     EXPECT_EQ(option(report, "theta"), "0.25");
     EXPECT_EQ(option(report, "max_iter"), "7");
     EXPECT_EQ(option(report, "precision"), "\"float\"");
+    EXPECT_EQ(option(report, "transformations"), "null");
     EXPECT_EQ(option(report, "title"), "\"Yeast \\\"A\\\"\"");
+}
+
+TEST(BeginReport, NamesWhatIsDoneToTheValues) {
+    Options options;
+    options.transformations = {true, Centring::Rows, false};
+    EXPECT_EQ(option(begin_report(options, {}), "transformations"), "\"log1p, center rows\"");
 }
 
 TEST(BeginReport, LeavesThePerplexityToTheRuns) {

@@ -81,7 +81,8 @@ class CheckMemoryOfReading : public testing::Test {
   protected:
     [[nodiscard]] std::string refusalOf(const std::string& path, double bytes) const {
         return refusal([&] {
-            check_memory_of_reading(MatrixSource(path), '\t', {bytes, "in this container"});
+            check_memory_of_reading(
+                MatrixSource(path), TableLayout(), {bytes, "in this container"});
         });
     }
 

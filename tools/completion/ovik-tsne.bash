@@ -7,11 +7,13 @@ _ovik_tsne() {
   local IFS=$'\n'
   case $previous in
     --delimiter) COMPREPLY=($(compgen -W $'tab\ncomma\nsemicolon\nspace' -- "$current")) ;;
+    --decimal) COMPREPLY=($(compgen -W $'.\n,' -- "$current")) ;;
     --missing)
       COMPREPLY=($(compgen -W $'zero\nrow-mean\ncolumn-mean\ndrop\nerror' -- "$current"))
       ;;
     --names) COMPREPLY=($(compgen -W $'file\nstandard\nother' -- "$current")) ;;
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
+    --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;

@@ -1,0 +1,178 @@
+#include "input/header_line.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <iterator>
+#include <optional>
+
+#include "input/systematic_name.h"
+#include "input/table_head.h"
+#include "input/value_reader.h"
+#include "util/input_error.h"
+#include "util/line_blocks.h"
+#include "util/matrix_line.h"
+
+namespace ovik {
+
+namespace {
+
+char lower_case(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// A name whose runs of digits are one 0 each: names that are numbered become the same.
+std::string shape_of(const std::string& name) {
+    std::string shape;
+    for (const char c : name) {
+        const bool is_digit = c >= '0' && c <= '9';
+        if (!is_digit || shape.empty() || shape.back() != '0') {
+            shape += is_digit ? '0' : c;
+        }
+    }
+    return shape;
+}
+
+/// Whether names are numbered, and one more is of their kind.
+bool is_numbered_like(const std::string& name, const std::vector<std::string>& names) {
+    const std::string shape = shape_of(name);
+    return !names.empty() && shape.find('0') != std::string::npos && shape != "0" &&
+           std::all_of(names.begin(), names.end(), [&shape](const std::string& other) {
+               return shape_of(other) == shape;
+           });
+}
+
+/// The numbers among fields, with whatever decimal sign; none if there is no number, or as much
+/// text.
+std::optional<std::vector<double>> numbers_of(const std::vector<std::string>& fields,
+                                              const LoadOptions& options) {
+    const ValueReader reader(options.decimal, options.missing_signs);
+    const ValueReader with_commas(',', options.missing_signs);
+    std::vector<double> numbers;
+    std::size_t texts = 0;
+    for (const std::string& field : fields) {
+        const char* const end = field.c_str() + field.size();
+        double value = 0.0;
+        const FieldKind kind = reader.read(field.c_str(), end, value);
+        if (kind == FieldKind::Number ||
+            with_commas.read(field.c_str(), end, value) == FieldKind::Number) {
+            numbers.push_back(value);
+        } else if (kind != FieldKind::Missing) {
+            ++texts;
+        }
+    }
+    return numbers.size() <= texts ? std::nullopt : std::optional(std::move(numbers));
+}
+
+std::vector<std::string_view> lines_of(std::string_view text) {
+    std::vector<std::string_view> lines;
+    for_each_line(text, [&](std::string_view line) { lines.push_back(line); });
+    return lines;
+}
+
+bool may_head_columns(const std::vector<double>& numbers) {
+    return std::is_sorted(numbers.begin(), numbers.end()) ||
+           std::all_of(numbers.begin(), numbers.end(), [](double v) { return v == std::floor(v); });
+}
+
+}  // namespace
+
+std::size_t find_header(const std::string& path,
+                        std::string_view text,
+                        std::size_t first_text,
+                        char delimiter,
+                        const LoadOptions& options) {
+    const std::vector<std::string_view> lines = lines_of(text);
+    if (first_text >= lines.size()) {
+        return 0;
+    }
+    std::vector<std::string> values = fields_of(lines[first_text], delimiter, true);
+    const std::string name = values.empty() ? "" : values.front();
+    values.erase(values.begin(), values.begin() + (values.empty() ? 0 : 1));
+    const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+    if (!numbers) {
+        return first_text;
+    }
+    // A comment with a field for each of this line's heads it.
+    for (std::size_t line = first_text; line-- > 0;) {
+        if (trimmed_matrix_line(lines[line]).starts_with('#') && !values.empty() &&
+            fields_of(lines[line], delimiter, false).size() == values.size() + 1) {
+            return line;
+        }
+    }
+    if (name.empty() || heads_names(name)) {
+        return first_text;
+    }
+    const bool is_empty = trimmed_matrix_line(lines[0]).empty();
+    if (is_empty || looks_like_gene(name, options) || !may_head_columns(*numbers)) {
+        return 0;
+    }
+    throw InputError(path + ":" + std::to_string(first_text + 1) +
+                     ": the line behind the comments may be the header or a row: its fields are "
+                     "all numbers\nTake the comments away if it is the header; if it is a row, "
+                     "there is none: " +
+                     options.spell("no-header", "") + ".");
+}
+
+std::size_t header_below_title(std::string_view text,
+                               std::size_t header,
+                               char delimiter,
+                               const LoadOptions& options) {
+    constexpr std::size_t kLinesLookedAt = 20;
+    const std::vector<std::string_view> lines = lines_of(text);
+    if (header >= lines.size()) {
+        return header;
+    }
+    const std::size_t fields = fields_of(lines[header], delimiter, true).size();
+    for (std::size_t line = header + 1; line < std::min(lines.size(), header + kLinesLookedAt);
+         ++line) {
+        std::vector<std::string> values = fields_of(lines[line], delimiter, true);
+        if (!is_matrix_row(trimmed_matrix_line(lines[line])) || values.size() <= fields + 1) {
+            continue;
+        }
+        const std::string name = values.front();
+        values.erase(values.begin());
+        const bool has_number =
+            std::any_of(values.begin(), values.end(), [&options](const std::string& value) {
+                return numbers_of({value}, options).has_value();
+            });
+        const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+        const bool heads =
+            !has_number || (numbers && heads_names(name) && may_head_columns(*numbers));
+        return heads ? line : header;
+    }
+    return header;
+}
+
+bool looks_like_row(const std::string& name,
+                    const std::vector<std::string>& values,
+                    const std::vector<std::string>& names,
+                    const LoadOptions& options) {
+    const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+    return numbers && (looks_like_gene(name, options) || is_numbered_like(name, names) ||
+                       !may_head_columns(*numbers));
+}
+
+bool heads_names(std::string_view text) {
+    static constexpr std::string_view kWords[] = {"feature",   "features",
+                                                  "gene",      "gene_id",
+                                                  "gene_name", "geneid",
+                                                  "genes",     "id",
+                                                  "id_ref",    "ids",
+                                                  "locus",     "name",
+                                                  "names",     "orf",
+                                                  "orfs",      "probe",
+                                                  "probes",    "row",
+                                                  "sample",    "samples",
+                                                  "symbol",    "systematic_name",
+                                                  "time",      "yorf"};
+    std::string word;
+    std::transform(text.begin(), text.end(), std::back_inserter(word), lower_case);
+    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
+}
+
+bool looks_like_gene(const std::string& name, const LoadOptions& options) {
+    return is_systematic_name(name) || (options.is_gene && options.is_gene(name));
+}
+
+}  // namespace ovik

@@ -1,0 +1,248 @@
+#include "input/transformations.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include "util/counted.h"
+#include "util/input_error.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+/// Fewest rows or columns for which another thread is worth its start.
+constexpr std::size_t kRowGrain = 256;
+constexpr std::size_t kColumnGrain = 16;
+
+/// A range of columns of a matrix: what happens to them is worked out row by row, which is the
+/// order in which they lie in memory and the order of each column's sum.
+struct Columns {
+    double* values;
+    std::size_t rows;
+    std::size_t columns;
+    IndexRange range;
+
+    [[nodiscard]] double* row(std::size_t n) const { return values + n * columns + range.begin; }
+};
+
+template <typename Body>
+void for_columns(InspectedMatrix& matrix, const Body& body) {
+    const MatrixReport& report = matrix.report;
+    parallel_for(
+        report.columns, kColumnGrain, [&](std::size_t /*worker*/, const IndexRange& range) {
+            body(Columns{matrix.values.get(), report.rows, report.columns, range});
+        });
+}
+
+std::vector<double> means_of(const Columns& part) {
+    std::vector<double> means(part.range.size(), 0.0);
+    for (std::size_t n = 0; n < part.rows; ++n) {
+        const double* const row = part.row(n);
+        for (std::size_t d = 0; d < means.size(); ++d) {
+            means[d] += row[d];
+        }
+    }
+    for (double& mean : means) {
+        mean /= static_cast<double>(part.rows);
+    }
+    return means;
+}
+
+/// Whether all values of a column are the same, one answer per column.
+std::vector<char> constant_columns(const Columns& part) {
+    std::vector<char> is_constant(part.range.size(), 1);
+    for (std::size_t n = 1; n < part.rows; ++n) {
+        for (std::size_t d = 0; d < is_constant.size(); ++d) {
+            if (part.row(n)[d] != part.row(0)[d]) {
+                is_constant[d] = 0;
+            }
+        }
+    }
+    return is_constant;
+}
+
+/// Standard deviations of the columns, each formed of deviations that are divided by the largest,
+/// so that no square gets out of range.
+std::vector<double> deviations_of(const Columns& part) {
+    const std::vector<double> means = means_of(part);
+    std::vector<double> largest(means.size(), 0.0);
+    for (std::size_t n = 0; n < part.rows; ++n) {
+        for (std::size_t d = 0; d < means.size(); ++d) {
+            largest[d] = std::max(largest[d], std::fabs(part.row(n)[d] - means[d]));
+        }
+    }
+    std::vector<double> sums(means.size(), 0.0);
+    for (std::size_t n = 0; n < part.rows; ++n) {
+        for (std::size_t d = 0; d < means.size(); ++d) {
+            const double share = (part.row(n)[d] - means[d]) / largest[d];
+            sums[d] += share * share;
+        }
+    }
+    for (std::size_t d = 0; d < means.size(); ++d) {
+        sums[d] = largest[d] * std::sqrt(sums[d] / static_cast<double>(part.rows - 1));
+    }
+    return sums;
+}
+
+void take_logarithms(const std::string& path,
+                     const OptionSpelling& spell,
+                     InspectedMatrix& matrix) {
+    const std::size_t columns = matrix.report.columns;
+    double* const values = matrix.values.get();
+    double* const end = values + matrix.report.rows * columns;
+    const double* const negative = std::find_if(values, end, [](double x) { return x < 0.0; });
+    if (negative != end) {
+        const auto place = static_cast<std::size_t>(negative - values);
+        const std::size_t line = matrix.row_lines[place / columns];
+        const std::size_t column = place % columns;
+        throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": row \"" +
+                         matrix.row_names[place / columns] + "\" has a value below 0 in column " +
+                         (matrix.column_names.empty() ? std::to_string(column + 1)
+                                                      : "\"" + matrix.column_names[column] + "\"") +
+                         ", and " + spell("log1p", "") +
+                         " is for counts and other values from 0\nLeave it away: values with "
+                         "negative ones among "
+                         "them are most often logarithms already.");
+    }
+    parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
+        double* const row = values + n * columns;
+        std::transform(row, row + columns, row, [](double x) { return std::log1p(x); });
+    });
+}
+
+void centre_rows(InspectedMatrix& matrix) {
+    const std::size_t columns = matrix.report.columns;
+    parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
+        double* const row = matrix.values.get() + n * columns;
+        double sum = 0.0;
+        for (std::size_t d = 0; d < columns; ++d) {
+            sum += row[d];
+        }
+        const double mean = sum / static_cast<double>(columns);
+        std::for_each(row, row + columns, [mean](double& x) { x -= mean; });
+    });
+}
+
+void centre_columns(InspectedMatrix& matrix) {
+    for_columns(matrix, [](const Columns& part) {
+        const std::vector<char> is_constant = constant_columns(part);
+        std::vector<double> means = means_of(part);
+        for (std::size_t d = 0; d < means.size(); ++d) {
+            // The rounded mean of equal values may be another one.
+            means[d] = is_constant[d] != 0 ? part.row(0)[d] : means[d];
+        }
+        for (std::size_t n = 0; n < part.rows; ++n) {
+            for (std::size_t d = 0; d < means.size(); ++d) {
+                part.row(n)[d] -= means[d];
+            }
+        }
+    });
+}
+
+/// @param rounding  standard deviations up to this are nothing but rounding
+/// @return columns that are constant, and stay as they are
+std::size_t scale_columns(InspectedMatrix& matrix, double rounding) {
+    std::vector<char> is_constant(matrix.report.columns, 0);
+    for_columns(matrix, [&](const Columns& part) {
+        const std::vector<char> all_equal = constant_columns(part);
+        std::vector<double> divisors = deviations_of(part);
+        for (std::size_t d = 0; d < divisors.size(); ++d) {
+            if (all_equal[d] != 0 || divisors[d] <= rounding) {
+                is_constant[part.range.begin + d] = 1;
+                divisors[d] = 1.0;
+            }
+        }
+        for (std::size_t n = 0; n < part.rows; ++n) {
+            for (std::size_t d = 0; d < divisors.size(); ++d) {
+                part.row(n)[d] /= divisors[d];
+            }
+        }
+    });
+    return static_cast<std::size_t>(std::count(is_constant.begin(), is_constant.end(), 1));
+}
+
+double largest_magnitude(const InspectedMatrix& matrix) {
+    const double* const values = matrix.values.get();
+    double largest = 0.0;
+    for (std::size_t i = 0; i < matrix.report.rows * matrix.report.columns; ++i) {
+        largest = std::max(largest, std::fabs(values[i]));
+    }
+    return largest;
+}
+
+/// @throws InputError if any value is not finite
+void check_all_finite(const std::string& reason, const InspectedMatrix& matrix) {
+    const double* const values = matrix.values.get();
+    const std::size_t count = matrix.report.rows * matrix.report.columns;
+    if (!std::all_of(values, values + count, [](double x) { return std::isfinite(x); })) {
+        throw InputError(reason);
+    }
+}
+
+}  // namespace
+
+std::optional<Centring> centring_of(std::string_view name) {
+    if (name == "rows") {
+        return Centring::Rows;
+    }
+    return name == "columns" ? std::optional(Centring::Columns) : std::nullopt;
+}
+
+std::string names_of(const Transformations& transformations) {
+    std::string names;
+    const auto add = [&names](const char* name) {
+        names += (names.empty() ? "" : ", ") + std::string(name);
+    };
+    if (transformations.log1p) {
+        add("log1p");
+    }
+    if (transformations.centre != Centring::None) {
+        add(transformations.centre == Centring::Rows ? "center rows" : "center columns");
+    }
+    if (transformations.scale) {
+        add("scale");
+    }
+    return names;
+}
+
+std::string transform(const std::string& path,
+                      const Transformations& transformations,
+                      const OptionSpelling& spell,
+                      InspectedMatrix& matrix) {
+    check_all_finite(path + ": values are missing, and cannot be transformed\nSay with " +
+                         spell("missing", "") + " what becomes of them first.",
+                     matrix);
+    if (transformations.log1p) {
+        take_logarithms(path, spell, matrix);
+    }
+    // What is left of equal values in a row, by rounding, is in proportion to those values.
+    constexpr double kRounding = 1e-13;
+    double rounding = 0.0;
+    if (transformations.centre == Centring::Rows) {
+        rounding = kRounding * largest_magnitude(matrix);
+        centre_rows(matrix);
+    } else if (transformations.centre == Centring::Columns) {
+        centre_columns(matrix);
+    }
+    std::string done = path + ": transformed by " + names_of(transformations);
+    if (transformations.scale) {
+        const std::size_t constant = scale_columns(matrix, rounding);
+        done += " (standard deviations with n - 1";
+        done += constant == 0 ? ")"
+                              : "; " +
+                                    counted(constant,
+                                            "column is constant and not scaled",
+                                            "columns are constant and not scaled") +
+                                    ")";
+    }
+    check_all_finite(path +
+                         ": the values are too large to be transformed\nBring them to a common "
+                         "scale first.",
+                     matrix);
+    return done;
+}
+
+}  // namespace ovik

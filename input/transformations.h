@@ -1,0 +1,55 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "input/inspected_matrix.h"
+#include "input/option_spelling.h"
+
+namespace ovik {
+
+/// What is subtracted from the values.
+enum class Centring {
+    None,
+    /// From each value the mean of its row, so that rows that run alike at different levels are
+    /// alike.
+    Rows,
+    /// From each value the mean of its column, which moves no row relative to the others.
+    Columns,
+};
+
+/// "rows" and "columns"; none for other texts.
+std::optional<Centring> centring_of(std::string_view name);
+
+/// What is done to the values of a matrix before they are embedded, in the order of the members.
+struct Transformations {
+    /// log(1 + x), the natural logarithm: for counts.
+    bool log1p = false;
+    Centring centre = Centring::None;
+    /// Each column is divided by its standard deviation, of n - 1 degrees of freedom.
+    bool scale = false;
+
+    /// Whether anything is done.
+    [[nodiscard]] bool any() const { return log1p || centre != Centring::None || scale; }
+};
+
+/// Names what is done in its order: "log1p, center columns, scale". Empty if nothing is.
+std::string names_of(const Transformations& transformations);
+
+/// Transforms the values. Means and sums of squares are formed in the order of rows or columns, in
+/// double precision: the same bits for any number of threads. A column whose values are all equal
+/// is not scaled, and is exactly 0 after centring by columns.
+///
+/// @param path    for messages
+/// @param spell   how messages name the options
+/// @param matrix  at least two rows; no value is missing
+/// @return what was done, in a sentence for the user
+/// @throws InputError if there is a value below 0 of which to take the logarithm, with its place;
+/// if a value is missing; if sums get beyond what `double` holds
+std::string transform(const std::string& path,
+                      const Transformations& transformations,
+                      const OptionSpelling& spell,
+                      InspectedMatrix& matrix);
+
+}  // namespace ovik

@@ -1,0 +1,110 @@
+#include "input/odd_values.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// Columns of values, with the names "a", "b" and so on, behind a field of names.
+InspectedMatrix matrix_of(const std::vector<std::vector<double>>& columns) {
+    InspectedMatrix matrix;
+    matrix.report.rows = columns[0].size();
+    matrix.report.columns = columns.size();
+    matrix.values = std::make_unique<double[]>(matrix.report.rows * matrix.report.columns);
+    for (std::size_t d = 0; d < columns.size(); ++d) {
+        matrix.column_names.emplace_back(1, static_cast<char>('a' + d));
+        matrix.column_fields.push_back(d + 2);
+        for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+            matrix.values[n * columns.size() + d] = columns[d][n];
+        }
+    }
+    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+        matrix.row_names.push_back("G" + std::to_string(n + 1));
+        matrix.row_lines.push_back(n + 2);
+    }
+    return matrix;
+}
+
+std::string warning(const std::vector<std::vector<double>>& columns) {
+    return odd_columns_warning("m.tsv", plainly_spelled, matrix_of(columns));
+}
+
+const std::vector<double> kRatios = {0.5, -1.25, 0.75, 2};
+const std::vector<double> kCounts = {5, 120, 0, 37};
+
+TEST(OddColumns, AreWholeNumbersAmongFractions) {
+    EXPECT_EQ(warning({{850134, 855001, 851222, 853010}, kRatios, kRatios}),
+              "m.tsv: column \"a\" (field 2) is unlike the other columns: whole numbers alone\n"
+              "If it is no measurement, such as an identifier, a length or a cluster, leave it out "
+              "with skip-columns a.");
+    EXPECT_THAT(warning({kRatios, kRatios, {0, 1, 0, 2}}),
+                StartsWith("m.tsv: column \"c\" (field 4) is unlike"));
+    EXPECT_THAT(
+        warning({{0, 1, 0, 2}, kRatios, kRatios, {1, 2, 3, std::nan("")}, kRatios, kRatios}),
+        HasSubstr("column \"a\" (field 2), column \"d\" (field 5) are unlike"));
+}
+
+TEST(OddColumns, AreFarAboveAllOthers) {
+    EXPECT_THAT(warning({kCounts, {850134, 855001, 851222, 853010}, kCounts}),
+                HasSubstr("column \"b\" (field 3) is unlike the other columns: every value is far "
+                          "above all of theirs"));
+    EXPECT_EQ(warning({kCounts, {1190, 1300, 1210, 5000}, kCounts}), "");
+    EXPECT_EQ(warning({kCounts, {850134, 855001, 851222, 853010}}), "");
+}
+
+TEST(OddColumns, AreNoneOfUsualMatrices) {
+    EXPECT_EQ(warning({kRatios, kRatios}), "");
+    EXPECT_EQ(warning({kCounts, kCounts, kCounts}), "");
+    EXPECT_EQ(warning({kRatios, kCounts}), "");
+    // The reference of ratios, and a sample without values.
+    EXPECT_EQ(warning({{0, 0, 0, 0}, kRatios, kRatios}), "");
+    const double missing = std::nan("");
+    EXPECT_EQ(warning({{missing, missing, missing, missing}, kRatios, kRatios}), "");
+    EXPECT_EQ(warning({{1000, 1000, 1000, 1000}, kRatios, kRatios}), "");
+}
+
+TEST(OddColumns, AreCalledByNumberWhereTheHeaderDoesNotTell) {
+    InspectedMatrix matrix = matrix_of({kRatios, {3, 1, 2, 0}, kRatios});
+    for (const char* const name : {"a", "x,y", ""}) {
+        matrix.column_names[1] = name;
+        EXPECT_THAT(odd_columns_warning("m.tsv", plainly_spelled, matrix),
+                    HasSubstr("with skip-columns 3."))
+            << name;
+    }
+}
+
+TEST(OddColumns, OfArraysAreNamedByNumber) {
+    InspectedMatrix matrix = matrix_of({kRatios, {3, 1, 2, 0}, kRatios});
+    matrix.column_names.clear();
+    EXPECT_THAT(
+        odd_columns_warning("m.tsv", plainly_spelled, matrix),
+        testing::AllOf(HasSubstr("m.tsv: field 3 is unlike"), HasSubstr("with skip-columns 3.")));
+    matrix.column_fields.clear();
+    EXPECT_THAT(
+        odd_columns_warning("m.npy", plainly_spelled, matrix),
+        testing::AllOf(HasSubstr("m.npy: column 2 is unlike"), HasSubstr(", leave it out.")));
+}
+
+TEST(OddRows, AreNamedLikeASummaryOrAHeader) {
+    InspectedMatrix matrix = matrix_of({kRatios});
+    EXPECT_EQ(odd_rows_warning("m.tsv", matrix), "");
+    matrix.row_names = {"time", "SUM1", "MEAN1", "Total"};
+    EXPECT_EQ(odd_rows_warning("m.tsv", matrix),
+              "m.tsv: rows \"time\" (line 2), \"Total\" (line 5) are named like a summary or a "
+              "second header, and would be embedded as the others are\n"
+              "Take what is no measurement of its own out of the file.");
+    matrix.row_names = {"G1", "G2", "G3", "Average"};
+    matrix.row_lines.assign(4, 0);
+    EXPECT_THAT(odd_rows_warning("m.npy", matrix), StartsWith("m.npy: row \"Average\" is named"));
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,125 @@
+#include "input/table_head.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "util/input_error.h"
+
+#include "tests/support/gzip.h"
+#include "tests/support/temporary_directory.h"
+
+namespace ovik {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ReadTableHead : public testing::Test {
+  protected:
+    TableHead head(const std::string& content, const LoadOptions& options = {}) {
+        MatrixSource source(directory_.write("m", content));
+        return read_table_head(source, options);
+    }
+
+    test::TemporaryDirectory directory_;
+};
+
+TEST_F(ReadTableHead, TakesTheFirstLineForTheHeader) {
+    const TableHead plain = head("gene\ta\tb\nG1\t1\t2\n# x\nG2\t3\t4\n");
+    EXPECT_THAT(plain.opening, IsEmpty());
+    EXPECT_EQ(plain.lines_above, 1U);
+    EXPECT_EQ(plain.delimiter, '\t');
+    EXPECT_THAT(plain.header, ElementsAre("gene", "a", "b"));
+    EXPECT_THAT(plain.rows, ElementsAre(ElementsAre("G1", "1", "2"), ElementsAre("G2", "3", "4")));
+    EXPECT_EQ(plain.row_fields, 3U);
+}
+
+TEST_F(ReadTableHead, PutsTheFieldsOfTheHeaderWhereTheRowsHaveThem) {
+    for (const char* const content : {"a\tb\nG1\t1\t2\n",
+                                      "\ta\tb\nG1\t1\t2\n",
+                                      "\xEF\xBB\xBF\"\",\"a\",\"b\"\r\nG1,1,2\r\n",
+                                      "\"a\" \"b\"\n\"G1\" 1 2\n"}) {
+        EXPECT_THAT(head(content).header, ElementsAre("", "a", "b")) << content;
+    }
+    EXPECT_THAT(head("\tname\ta\n\tG1\t1\n").header, ElementsAre("name", "a"));
+    EXPECT_THAT(head("a\nG1\t1\t2\n").header, ElementsAre("a"));
+}
+
+TEST_F(ReadTableHead, TakesARecordOfSeveralLinesForTheHeader) {
+    const TableHead quoted = head("gene,\"a\nb\"\nG1,1\n");
+    EXPECT_THAT(quoted.header, ElementsAre("gene", "a b"));
+    EXPECT_EQ(quoted.lines_above, 2U);
+    EXPECT_THAT(quoted.rows, SizeIs(1));
+}
+
+TEST_F(ReadTableHead, LooksBehindLinesThatAreEmptyOrComments) {
+    const TableHead commented = head("# a note, 1\n\ngene\ta\nG1\t1\n");
+    EXPECT_THAT(commented.opening, ElementsAre("# a note, 1", ""));
+    EXPECT_EQ(commented.lines_above, 3U);
+    EXPECT_THAT(commented.header, ElementsAre("gene", "a"));
+    const TableHead in_comment = head("# note\n#gene\ta\tb\nG1\t1\t2\nG2\t3\t4\n");
+    EXPECT_THAT(in_comment.header, ElementsAre("gene", "a", "b"));
+    EXPECT_EQ(in_comment.lines_above, 2U);
+    EXPECT_THAT(in_comment.rows, SizeIs(2));
+}
+
+TEST_F(ReadTableHead, LooksBelowTitlesAndLinesThatGiveTheDelimiter) {
+    const TableHead titled = head("Table S1\n\ngene\t0\t7\nG1\t1\t2\n");
+    EXPECT_THAT(titled.opening, ElementsAre("Table S1", ""));
+    EXPECT_THAT(titled.header, ElementsAre("gene", "0", "7"));
+    const TableHead separated = head("sep=;\r\ngene;0;7\r\nG1;1,5;2\r\n");
+    EXPECT_EQ(separated.delimiter, ';');
+    EXPECT_THAT(separated.opening, ElementsAre("sep=;"));
+    EXPECT_THAT(separated.header, ElementsAre("gene", "0", "7"));
+}
+
+TEST_F(ReadTableHead, HasNoHeaderIfThereIsNone) {
+    LoadOptions options;
+    options.has_header = false;
+    const TableHead bare = head("# note\nG1\t1\nG2\t2\n", options);
+    EXPECT_THAT(bare.header, IsEmpty());
+    EXPECT_EQ(bare.lines_above, 0U);
+    EXPECT_THAT(bare.rows, SizeIs(2));
+}
+
+TEST_F(ReadTableHead, FindsTheTablesOfGeo) {
+    std::string content = "!Series_title\t\"a, b\"\n!Series_type\t\"x\"\n";
+    // Longer than the head that is read at first.
+    content += "!Sample_title" + std::string(3000000, '\t') + "\n";
+    content +=
+        "!series_matrix_table_begin\n\"ID_REF\"\t\"GSM1\"\n\"YAL001C\"\t1.5\n"
+        "!series_matrix_table_end\n";
+    for (const std::string& text : {content, test::gzipped(content)}) {
+        const TableHead geo = head(text);
+        EXPECT_THAT(geo.opening, SizeIs(4));
+        EXPECT_EQ(geo.lines_above, 5U);
+        EXPECT_THAT(geo.header, ElementsAre("ID_REF", "GSM1"));
+        EXPECT_EQ(geo.rows.at(0).at(0), "YAL001C");
+    }
+    try {
+        head("^SERIES = GSE1\n!Series_title = x\n");
+        ADD_FAILURE();
+    } catch (const InputError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("opens as a file of GEO, but has no table"));
+    }
+}
+
+TEST_F(ReadTableHead, FindsTheTableOfAGctFile) {
+    const TableHead gct = head("#1.2\n1\t2\nName\tDescription\ta\tb\nG1\tx\t1\t2\n");
+    EXPECT_THAT(gct.opening, ElementsAre("#1.2", "1\t2"));
+    EXPECT_THAT(gct.header, ElementsAre("Name", "Description", "a", "b"));
+}
+
+TEST(FieldsOf, KeepDelimitersInFrontIfTheyShall) {
+    EXPECT_THAT(fields_of("\ta\tb \r\n", '\t', true), ElementsAre("", "a", "b"));
+    EXPECT_THAT(fields_of("\ta\tb\t\n", '\t', false), ElementsAre("a", "b"));
+    EXPECT_THAT(fields_of(" a,b\n", ',', true), ElementsAre("a", "b"));
+    EXPECT_THAT(fields_of("", ',', true), IsEmpty());
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,194 @@
+#include "input/transformations.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "util/input_error.h"
+
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+InspectedMatrix matrix_of(std::size_t columns, const std::vector<double>& values) {
+    InspectedMatrix matrix;
+    matrix.report.rows = values.size() / columns;
+    matrix.report.columns = columns;
+    matrix.values = std::make_unique<double[]>(values.size());
+    std::copy(values.begin(), values.end(), matrix.values.get());
+    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+        matrix.row_names.push_back("G" + std::to_string(n + 1));
+        matrix.row_lines.push_back(n + 2);
+    }
+    return matrix;
+}
+
+std::vector<double> values_of(const InspectedMatrix& matrix) {
+    const double* const values = matrix.values.get();
+    return {values, values + matrix.report.rows * matrix.report.columns};
+}
+
+std::vector<double> transformed(const Transformations& transformations,
+                                std::size_t columns,
+                                const std::vector<double>& values) {
+    InspectedMatrix matrix = matrix_of(columns, values);
+    transform("m.tsv", transformations, plainly_spelled, matrix);
+    return values_of(matrix);
+}
+
+std::string refusal(const Transformations& transformations, InspectedMatrix matrix) {
+    try {
+        transform("m.tsv", transformations, plainly_spelled, matrix);
+    } catch (const InputError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+constexpr Transformations kLog1p{.log1p = true};
+constexpr Transformations kRows{.centre = Centring::Rows};
+constexpr Transformations kColumns{.centre = Centring::Columns};
+constexpr Transformations kScale{.scale = true};
+
+TEST(Centring, IsKnownByItsName) {
+    EXPECT_EQ(centring_of("rows"), Centring::Rows);
+    EXPECT_EQ(centring_of("columns"), Centring::Columns);
+    EXPECT_EQ(centring_of("Rows"), std::nullopt);
+    EXPECT_EQ(centring_of(""), std::nullopt);
+}
+
+TEST(Transformations, AreNamedInTheirOrder) {
+    EXPECT_EQ(names_of({}), "");
+    EXPECT_FALSE(Transformations().any());
+    EXPECT_EQ(names_of(kLog1p), "log1p");
+    EXPECT_EQ(names_of({true, Centring::Rows, true}), "log1p, center rows, scale");
+    EXPECT_EQ(names_of({false, Centring::Columns, true}), "center columns, scale");
+    for (const Transformations& one : {kLog1p, kRows, kColumns, kScale}) {
+        EXPECT_TRUE(one.any());
+    }
+}
+
+TEST(Log1p, IsTheNaturalLogarithmOfOneMore) {
+    EXPECT_THAT(transformed(kLog1p, 2, {0, 1, 1e-20, 1e6}),
+                ElementsAre(0.0, std::log1p(1.0), 1e-20, std::log1p(1e6)));
+}
+
+TEST(Log1p, RefusesTheFirstNegativeValueByItsPlace) {
+    InspectedMatrix matrix = matrix_of(2, {0, 1, 2, -0.5, -1, 3});
+    EXPECT_THAT(refusal(kLog1p, std::move(matrix)),
+                HasSubstr("m.tsv:3: row \"G2\" has a value below 0 in column 2, and log1p"));
+    matrix = matrix_of(2, {0, 1, 2, -0.5, -1, 3});
+    matrix.column_names = {"a", "b"};
+    matrix.row_lines.assign(3, 0);
+    EXPECT_THAT(refusal(kLog1p, std::move(matrix)),
+                HasSubstr("m.tsv: row \"G2\" has a value below 0 in column \"b\""));
+    EXPECT_EQ(refusal(kLog1p, matrix_of(1, {-0.0, 1})), "");
+}
+
+TEST(CentringOfRows, SubtractsTheMeanOfEachRow) {
+    EXPECT_THAT(transformed(kRows, 3, {1, 2, 6, 5, 5, 5}), ElementsAre(-2, -1, 3, 0, 0, 0));
+}
+
+TEST(CentringOfColumns, SubtractsTheMeanOfEachColumn) {
+    EXPECT_THAT(transformed(kColumns, 2, {1, 10, 2, 20, 6, 60}),
+                ElementsAre(-2, -20, -1, -10, 3, 30));
+}
+
+TEST(CentringOfColumns, MakesConstantColumnsExactlyZero) {
+    // The rounded mean of 49 times 0.1 is not 0.1.
+    EXPECT_THAT(transformed(kColumns, 1, std::vector<double>(49, 0.1)), Each(0.0));
+}
+
+TEST(Scaling, DividesByTheStandardDeviationOfOneDegreeLess) {
+    // Deviations -1, 0, 1 and -10, 0, 10: the sums of squares are 2 and 200, halved.
+    EXPECT_THAT(transformed(kScale, 2, {1, 10, 2, 20, 3, 30}), ElementsAre(1, 1, 2, 2, 3, 3));
+}
+
+TEST(Scaling, LeavesConstantColumnsAsTheyAreAndSaysSo) {
+    std::vector<double> values;
+    for (int n = 0; n < 49; ++n) {
+        values.insert(values.end(), {0.1, n < 24 ? 1.0 : 2.0});
+    }
+    InspectedMatrix matrix = matrix_of(2, values);
+    EXPECT_EQ(transform("m.tsv", kScale, plainly_spelled, matrix),
+              "m.tsv: transformed by scale (standard deviations with n - 1; 1 column is constant "
+              "and not scaled)");
+    EXPECT_EQ(matrix.values[0], 0.1);
+    EXPECT_EQ(matrix.values[96], 0.1);
+    matrix = matrix_of(2, values);
+    transform("m.tsv", {.centre = Centring::Columns, .scale = true}, plainly_spelled, matrix);
+    EXPECT_EQ(matrix.values[0], 0.0);
+    EXPECT_EQ(matrix.values[96], 0.0);
+}
+
+TEST(Scaling, DoesNotBlowUpWhatRoundingLeavesOfCentredRows) {
+    // Rows of three equal values: what their mean is off by is no measurement.
+    std::vector<double> values;
+    for (int n = 0; n < 20; ++n) {
+        values.insert(values.end(), 3, 0.1 * n + 0.7);
+    }
+    const std::vector<double> result =
+        transformed({.centre = Centring::Rows, .scale = true}, 3, values);
+    EXPECT_THAT(result, Each(testing::Lt(1e-15)));
+    EXPECT_THAT(result, Each(testing::Gt(-1e-15)));
+}
+
+TEST(Scaling, ReachesValuesWhoseSquaresAreOutOfRange) {
+    EXPECT_THAT(transformed(kScale, 1, {1e200, 2e200, 3e200}),
+                Each(testing::AllOf(testing::Gt(0.99), testing::Lt(3.01))));
+    EXPECT_THAT(transformed(kScale, 1, {1e-200, 2e-200, 3e-200}),
+                Each(testing::AllOf(testing::Gt(0.99), testing::Lt(3.01))));
+}
+
+TEST(Transformations, AreAppliedInTheirOrder) {
+    const std::vector<double> values = {0, 3, 1, 7, 4, 2, 9, 8};
+    const std::vector<double> steps =
+        transformed(kScale, 2, transformed(kColumns, 2, transformed(kLog1p, 2, values)));
+    EXPECT_EQ(transformed({true, Centring::Columns, true}, 2, values), steps);
+    InspectedMatrix matrix = matrix_of(2, values);
+    EXPECT_EQ(transform("m.tsv", {true, Centring::Columns, false}, plainly_spelled, matrix),
+              "m.tsv: transformed by log1p, center columns");
+}
+
+TEST(Transformations, RefuseWhatIsMissingAndSumsOutOfRange) {
+    EXPECT_THAT(
+        refusal(kRows, matrix_of(1, {1, std::nan(""), 2})),
+        HasSubstr("m.tsv: values are missing, and cannot be transformed\nSay with missing"));
+    EXPECT_THAT(refusal(kColumns, matrix_of(1, {1.7e308, 1.7e308, 1e308})),
+                HasSubstr("m.tsv: the values are too large to be transformed"));
+}
+
+TEST(Transformations, GiveTheSameBitsForAnyNumberOfThreads) {
+    constexpr std::size_t kColumnCount = 67;
+    std::vector<double> values(1031 * kColumnCount);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = static_cast<double>((i * 7919) % 10007) / 3.0;
+    }
+    for (const Centring centre : {Centring::Rows, Centring::Columns}) {
+        const Transformations all{true, centre, true};
+        std::vector<double> of_one;
+        for (const int threads : test::kThreadCounts) {
+            const test::ThreadCount count(threads);
+            const std::vector<double> result = transformed(all, kColumnCount, values);
+            if (threads == 1) {
+                of_one = result;
+            }
+            ASSERT_EQ(result.size(), of_one.size());
+            EXPECT_EQ(std::memcmp(result.data(), of_one.data(), result.size() * sizeof(double)), 0)
+                << threads;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace ovik
