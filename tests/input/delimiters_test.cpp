@@ -7,6 +7,7 @@
 
 #include "util/input_error.h"
 
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik {
@@ -21,12 +22,7 @@ class DelimitersTest : public testing::Test {
     }
 
     static std::string refusal(const Delimiters& delimiters, const MatrixReport& report) {
-        try {
-            check_delimited("m.txt", delimiters, report);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { check_delimited("m.txt", delimiters, report); });
     }
 
     test::TemporaryDirectory directory_;
