@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the snippets of docs/recipes.md as they stand there, in order, and looks at what they leave.
+"""Runs the snippets of docs/recipes.md as they stand there, in order, and looks at what they leave;
+and that of data/README.md which makes the labels.
 
 Usage: recipes_test.py COMMAND SOURCE_DIRECTORY
 """
@@ -157,6 +158,18 @@ def run_sbatch(place, text):
     require(len(digests) == 1, "all runs had the same input")
 
 
+def check_labels(place, source):
+    """The labels of the data are those that the words of the descriptions give."""
+    (_, text), = snippets((source / "data/README.md").read_text())
+    rows = (source / "data/brauer2008_chemostat.tsv").read_text().splitlines(True)[: ROWS + 1]
+    (place.directory / "first_rows.tsv").write_text("".join(rows))
+    place.run("ovik-tsne", "first_rows.tsv", "--out-dir", "out", "--name", "brauer2008",
+              "--perplexity", "30", "--no-plots", "--quiet")
+    labels = place.run("/bin/sh", "-e", text=text).splitlines()
+    given = (source / "data/brauer2008_labels.txt").read_text().splitlines()[:ROWS]
+    require(labels == given and len(set(given)) == 4, "the labels are made of the descriptions")
+
+
 RUNNERS = {
     "r": run_r,
     "python": run_python,
@@ -173,6 +186,7 @@ def main():
     require({language for language, _ in found} == set(RUNNERS), "snippets of every kind are there")
     with tempfile.TemporaryDirectory() as directory:
         place = Workplace(directory, command, source)
+        check_labels(place, source)
         for language, text in found:
             print(f"{language}: {text.splitlines()[0]}", flush=True)
             RUNNERS[language](place, text)
