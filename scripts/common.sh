@@ -6,7 +6,7 @@ build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-de
 test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev python3
   chromium fonts-dejavu-core groff-base locales
   pybind11-dev python3-dev python3-numpy python3-pip python3-pytest python3-setuptools python3-venv
-  python3-wheel r-base-core snakemake
+  python3-wheel python3-yaml r-base-core snakemake
   pkgconf clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"
 # A machine may have them from elsewhere than Debian.
 command -v npm >/dev/null || test_packages="$test_packages nodejs npm"
