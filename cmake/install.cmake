@@ -37,3 +37,10 @@ if(OVIK_READS_XLSX)
 endif()
 configure_file(cmake/ovik.pc.in ovik.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ovik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The documents, in the places that their links have for one another.
+install(FILES README.md CHANGELOG.md CITATION.cff CONTRIBUTING.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+foreach(folder annotation data)
+  install(FILES ${folder}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/${folder})
+endforeach()
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -80,6 +80,8 @@ class NeighbourIndex {
     /// How many random numbers the build drew.
     [[nodiscard]] std::size_t drawCount() const { return draw_count_; }
 
+    [[nodiscard]] const Metric& metric() const { return metric_; }
+
     /// The row at a position of the tree order. Near rows often have near positions.
     [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
 

@@ -55,14 +55,14 @@ class SPTree {
     /// Builds the tree anew over as many points as before.
     OVIK_API void rebuild(const double* data);
 
-    /// Adds the attractive forces along the entries of a sparse similarity matrix.
+    /// Adds the attractive forces along the entries of a sparse matrix of joint affinities.
     ///
     /// For every entry (n, m, p), in order, row n of `pos_f` grows by p * q * (Y_n - Y_m), with
     /// q = 1 / (1 + squared distance of Y_n and Y_m). Rows are spread over the cores.
     ///
     /// @param row_P  N + 1 row starts
     /// @param col_P  column of each entry
-    /// @param val_P  similarity of each entry
+    /// @param val_P  affinity of each entry
     /// @param N      number of rows, as in the constructor
     /// @param pos_f  row-major, N x D
     OVIK_API void computeEdgeForces(const unsigned int* row_P,
@@ -71,7 +71,7 @@ class SPTree {
                                     int N,
                                     double* pos_f) const;
 
-    /// Adds the repulsive force on one point, and its share of the normalisation.
+    /// Adds the repulsive force on one point, and its term of the normalisation Z.
     ///
     /// With q = 1 / (1 + squared distance) and c the number of points in a cell, `neg_f` grows by
     /// c * q^2 * (Y_point - centre) for every cell or leaf that is taken as one point, and `*sum_Q`
@@ -95,7 +95,7 @@ class SPTree {
     void rebuildPart(std::size_t part);
     void finishRebuild();
 
-    /// The repulsive forces on many points, and their shares of the normalisation: what
+    /// The repulsive forces on many points, and their terms of the normalisation Z: what
     /// `computeNonEdgeForces` adds for each, to zero.
     ///
     /// @param begin   the points stand at `begin` to `end` - 1 in the tree's own order, in which

@@ -127,6 +127,29 @@ std::string colour_bar(std::size_t position) {
                           "0.35 size 0.02, 0.35\n";
 }
 
+/// Coordinates below 1 and from 10000 on have ticks too long for their room: they count powers of
+/// ten.
+constexpr std::string_view kShortTicks =
+    "\n# Ticks of very small and very large coordinates count a power of ten.\n"
+    "end = (abs(mid_x) > abs(mid_y) ? abs(mid_x) : abs(mid_y)) + half_x\n"
+    "power = floor(log10(end))\n"
+    "tick_unit = end > 1000.0 * half_x ? 1.0 : power < -1 ? 10.0**(power - 1) \\\n"
+    "  : power > 3 ? 10.0**(power - 1) : 1.0\n"
+    "unit_note = ''\n"
+    "if (tick_unit < 1.0 ? 1 : tick_unit > 1.0) {\n"
+    "  unit_note = sprintf(', in units of %g', tick_unit)\n"
+    "  least_step = half_x / 4.0\n"
+    "  decade = 10.0**floor(log10(least_step))\n"
+    "  multiple = least_step / decade\n"
+    "  step = decade * (multiple <= 2.0 ? 2.0 : multiple <= 5.0 ? 5.0 : 10.0)\n"
+    "  set xtics (0)\n"
+    "  set ytics (0)\n"
+    "  set for [n = floor((mid_x - half_x) / step):ceil((mid_x + half_x) / step)] \\\n"
+    "    xtics add (sprintf('%g', n * step / tick_unit) n * step)\n"
+    "  set for [n = floor((mid_y - half_y) / step):ceil((mid_y + half_y) / step)] \\\n"
+    "    ytics add (sprintf('%g', n * step / tick_unit) n * step)\n"
+    "}\n";
+
 /// What is the same for every panel: where they stand, and which part of the plane they show.
 std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& legend) {
     const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
@@ -147,12 +170,15 @@ std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& leg
            "unit = unit > 0 ? unit : 1.0 / figure_width\n"
            "half_x = unit * panel_width * figure_width / 2\n"
            "half_y = unit * panel_height * figure_height / 2\n"
-           "set xrange [(min_x + max_x) / 2.0 - half_x : (min_x + max_x) / 2.0 + half_x]\n"
-           "set yrange [(min_y + max_y) / 2.0 - half_y : (min_y + max_y) / 2.0 + half_y]\n"
+           "mid_x = (min_x + max_x) / 2.0\n"
+           "mid_y = (min_y + max_y) / 2.0\n"
+           "set xrange [mid_x - half_x : mid_x + half_x]\n"
+           "set yrange [mid_y - half_y : mid_y + half_y]\n"
            "set format '%g'\n"
            "set tics out nomirror scale 0.6\n"
            "set xtics offset 0,0.3\n"
-           "set ytics offset 0.5,0\n"
+           "set ytics offset 0.5,0\n" +
+           std::string(kShortTicks) +
            "set key at screen right_edge + 0.012,top_edge left top Left reverse noenhanced "
            "samplen 0.5 width -2 font 'Sans," +
            std::to_string(legend.font_size) + "'\n" +
@@ -212,14 +238,15 @@ std::string draw_panel(const Figure& figure,
         "left_edge + " + steps(position % grid.columns) + " * (panel_width + gap_x)";
     const std::string top =
         "top_edge - " + steps(position / grid.columns) + " * (panel_height + gap_y)";
-    std::string script =
-        "set lmargin at screen " + left + "\nset rmargin at screen " + left +
-        " + panel_width\nset tmargin at screen " + top + "\nset bmargin at screen " + top +
-        " - panel_height\nset xlabel " + gnuplot_line(panel.x_title, kTitleLength) +
-        " offset 0,0.4 noenhanced\nset ylabel " + gnuplot_line(panel.y_title, kTitleLength) +
-        " offset 1.5,0 noenhanced\n"
-        // Something to draw, so that a panel without points has its axes.
-        "plot NaN notitle";
+    std::string script = "set lmargin at screen " + left + "\nset rmargin at screen " + left +
+                         " + panel_width\nset tmargin at screen " + top +
+                         "\nset bmargin at screen " + top + " - panel_height\nset xlabel " +
+                         gnuplot_line(panel.x_title, kTitleLength) +
+                         ".unit_note offset 0,0.4 noenhanced\nset ylabel " +
+                         gnuplot_line(panel.y_title, kTitleLength) +
+                         ".unit_note offset 1.5,0 noenhanced\n"
+                         // Something to draw, so that a panel without points has its axes.
+                         "plot NaN notitle";
     if (figure.scale) {
         return colour_bar(position) + script + draw_numbers(panel, position, grid) + "\n";
     }

@@ -24,7 +24,7 @@
 ///     embedding, velocity, gains                   rows x output dimensions reals each, row-major
 ///     checksum of all bytes before                 integer, XXH3 of 64 bits
 ///
-/// Similarities, gradient, momentum and the state of exaggeration are not in it: they follow from
+/// Affinities, gradient, momentum and the state of exaggeration are not in it: they follow from
 /// the matrix, the options and the iteration, and are computed anew to the same bits. Neither is
 /// the last iteration of the run, on which nothing but its end depends.
 

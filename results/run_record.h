@@ -40,7 +40,7 @@ struct RunRecord {
     int iteration = -1;
     /// The cost of every iteration, as the progress bar shows it.
     std::vector<double> costs;
-    /// The cost of the map against the similarities without exaggeration.
+    /// The cost of the map against the affinities without exaggeration.
     double final_cost = 0.0;
     RecordedSeconds seconds;
     /// The quality of the map; empty unless it was asked for.

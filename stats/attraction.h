@@ -9,8 +9,8 @@
 
 namespace ovik {
 
-/// The attractive forces along the entries of a sparse similarity matrix, and the cost of an
-/// embedding over them; after the construction, nothing is allocated.
+/// The attractive forces along the entries of a sparse matrix of joint affinities, and the cost of
+/// an embedding over them; after the construction, nothing is allocated.
 ///
 /// The cost is the Kullback-Leibler divergence over the stored entries, the sum of
 /// p * log((p + DBL_MIN) / (q / Z + DBL_MIN)), formed row by row. It does not steer the

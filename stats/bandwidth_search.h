@@ -6,7 +6,7 @@
 
 namespace ovik {
 
-/// Bisection for the precision beta of the Gaussian whose similarities have a wanted entropy.
+/// Bisection for the precision beta of the Gaussian whose affinities have a wanted entropy.
 class BandwidthSearch {
   public:
     [[nodiscard]] double beta() const { return beta_; }
@@ -35,16 +35,16 @@ class BandwidthSearch {
     double max_beta_ = DBL_MAX;
 };
 
-/// Conditional similarities of one point to others, calibrated to a perplexity.
+/// Conditional affinities of one point to others, calibrated to a perplexity.
 ///
-/// Searches the bandwidth for which the entropy of the similarities is log(perplexity), then
+/// Searches the bandwidth for which the entropy of the affinities is log(perplexity), then
 /// divides them by their sum. If the attempts run out, the last trial stands. A perplexity of 0 or
 /// less or NaN uses up all attempts.
 ///
 /// @param squared_distances  count values
 /// @param similarities       count values, written
 /// @param attempts           at least 1
-/// @param fill               `fill(beta)` writes the unnormalised similarities of a trial
+/// @param fill               `fill(beta)` writes the unnormalised affinities of a trial
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008,
 /// equation 1
 template <typename Fill>

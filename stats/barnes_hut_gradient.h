@@ -11,7 +11,7 @@ namespace ovik {
 /// The t-SNE gradient with sparse attractive and approximate repulsive forces: see
 /// `TSNE::computeGradient`. The usual factor of 4 is left to the learning rate.
 ///
-/// @param P         similarities, with N rows
+/// @param P         joint affinities, with N rows
 /// @param Y         embedding, row-major, N x dims
 /// @param gradient  row-major, N x dims, written
 /// @param theta     accuracy; see `SPTree`

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -11,19 +12,14 @@ namespace ovik {
 
 namespace {
 
-/// An upper bound of the distances between points.
-double diameter(const double* points, std::size_t N, std::size_t dims) {
-    double squared = 0.0;
-    for (std::size_t d = 0; d < dims; ++d) {
-        double least = points[d];
-        double most = points[d];
-        for (std::size_t n = 1; n < N; ++n) {
-            least = std::min(least, points[n * dims + d]);
-            most = std::max(most, points[n * dims + d]);
-        }
-        squared += (most - least) * (most - least);
+/// An upper bound of the distances between points under a metric with the triangle inequality,
+/// which the index asks for: the way over the first point.
+double longest_way(const double* points, std::size_t N, std::size_t dims, const Metric& metric) {
+    double longest = 0.0;
+    for (std::size_t n = 1; n < N; ++n) {
+        longest = std::max(longest, metric.distance(points, points + n * dims, dims));
     }
-    return std::sqrt(squared);
+    return 2.0 * longest;
 }
 
 }  // namespace
@@ -51,8 +47,8 @@ const NeighbourIndex& CachedNeighbours::index(const double* points,
     lists_.resize(N * most_);
     found_.resize(N);
     has_list_.resize(N);
-    margin_ = N > 0 ? kMargin * diameter(points, N, dims) : 0.0;
     index_ = std::make_unique<NeighbourIndex>(points, N, dims, euclidean_metric(), random);
+    margin_ = kMargin * longest_way(points, N, dims, index_->metric());
     N_ = N;
     points_ = digest;
     return *index_;

@@ -8,7 +8,7 @@
 
 namespace ovik {
 
-/// Conditional similarities P(m|n) of all pairs of points, each row calibrated to a perplexity
+/// Conditional affinities P(m|n) of all pairs of points, each row calibrated to a perplexity
 /// (at most 500 attempts) and normalised to sum 1. The diagonal is a tiny positive number, not
 /// zero.
 ///

@@ -13,7 +13,7 @@ namespace ovik {
 
 namespace {
 
-/// Fewest points for which similarities are stored by panels, so that the forces are computed side
+/// Fewest points for which affinities are stored by panels, so that the forces are computed side
 /// by side.
 constexpr std::size_t kFewestInPanels = 64;
 

@@ -11,14 +11,14 @@
 
 namespace ovik {
 
-/// The exact method: dense similarities, forces over all pairs.
+/// The exact method: dense affinities, forces over all pairs.
 class ExactObjective : public Objective {
   public:
-    /// Computes the joint similarities of the rows of X, which sum to 1.
+    /// Computes the joint affinities of the rows of X, which sum to 1.
     ///
     /// @param X         read here only
     /// @param out_dims  dimensions of the embedding
-    /// @param notes     told `ExactMethod`, `Symmetrizing` and what the similarities tell
+    /// @param notes     told `ExactMethod`, `Symmetrizing` and what the affinities tell
     /// @throws WorkMemoryError if an N x N matrix does not fit in memory
     ExactObjective(MatrixView<const double> X,
                    std::size_t out_dims,
@@ -47,11 +47,11 @@ class ExactObjective : public Objective {
 
     std::size_t N_;
     std::size_t out_dims_;
-    /// The joint similarities: stored by panels with a diagonal of 0 (see `rows_to_panels`) or, for
+    /// The joint affinities: stored by panels with a diagonal of 0 (see `rows_to_panels`) or, for
     /// embeddings that `SymmetricForces` does not take, row-major.
     MallocArray<double> P_;
     bool in_panels_;
-    /// The diagonal of the joint similarities, while these are stored by panels.
+    /// The diagonal of the joint affinities, while these are stored by panels.
     MallocArray<double> diagonal_;
     SymmetricForces forces_;
 };

@@ -24,7 +24,7 @@ class RandomStream;
 /// result but `resumed_state`, which takes the place of the random start.
 struct FitHooks {
     FitNotes on_note = {};
-    /// Takes the message about the input similarities, once they are there.
+    /// Takes the message about the joint affinities, once they are there.
     std::function<void(const std::string& message)> on_similarities = {};
     /// Called after each iteration; false ends the fit there. An exception ends it, too, and leaves
     /// `fit`.
@@ -43,9 +43,9 @@ struct FitReport {
     /// The iteration done last.
     IterationReport reached;
     /// Of every iteration done, as it was reported: until early exaggeration ends, against the
-    /// exaggerated similarities.
+    /// exaggerated affinities.
     std::vector<double> costs;
-    /// Of the embedding, against the similarities without exaggeration.
+    /// Of the embedding, against the affinities without exaggeration.
     double final_cost = 0.0;
     /// How the input was centred and scaled.
     InputScale scale;

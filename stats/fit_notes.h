@@ -6,14 +6,14 @@ namespace ovik {
 
 /// What a fit tells in passing. Front ends that show it have words of their own.
 enum class FitNote {
-    /// Work arrays are there, and the similarities of the input begin.
+    /// Work arrays are there, and the affinities begin.
     SimilaritiesBegin,
     /// The exact method begins.
     ExactMethod,
     /// Before and after the distances of all pairs of rows.
     DistancesBegin,
     DistancesDone,
-    /// The dense similarities are made symmetric.
+    /// The dense affinities are made symmetric.
     Symmetrizing,
     /// The perplexity is above the number of neighbours that a row gets.
     PerplexityAboveNeighbours,

@@ -9,7 +9,7 @@ struct IterationReport {
     /// Last iteration of the run, unless it is ended before.
     int max_iter = 0;
     /// The cost, as the progress bar shows it: until early exaggeration ends, it is taken against
-    /// the exaggerated similarities.
+    /// the exaggerated affinities.
     double cost = 0.0;
     /// Whether all coordinates are numbers. The run goes on with others, but its map is of no use.
     bool finite = true;

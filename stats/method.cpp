@@ -39,7 +39,7 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
-    // Made once the similarities are there, which need the memory first.
+    // Made once the affinities are there, which need the memory first.
     SparseForces forces(N, dims, std::make_unique<TreeRepulsion>(N, dims, input.options.theta));
     return std::make_unique<SparseObjective>(std::move(P), N, std::move(forces));
 }

@@ -5,7 +5,7 @@
 
 namespace ovik {
 
-/// What gradient descent needs of a method: the input similarities that it holds, and the gradient
+/// What gradient descent needs of a method: the joint affinities that it holds, and the gradient
 /// and cost of an embedding against them, which are made of attractive forces, repulsive forces and
 /// their normalisation. An embedding is row-major, N x output dimensions.
 class Objective {
@@ -15,22 +15,22 @@ class Objective {
     Objective& operator=(const Objective&) = delete;
     virtual ~Objective() = default;
 
-    /// Multiplies the similarities (early exaggeration).
+    /// Multiplies the affinities (early exaggeration).
     virtual void exaggerate(double factor) = 0;
 
-    /// Divides the similarities: the end of early exaggeration.
+    /// Divides the affinities: the end of early exaggeration.
     virtual void endExaggeration(double factor) = 0;
 
     /// Writes the gradient at embedding Y, of the same shape.
     virtual void gradient(const double* Y, double* dY) = 0;
 
-    /// The Kullback-Leibler divergence of embedding Y, against the similarities as they stand.
+    /// The Kullback-Leibler divergence of embedding Y, against the affinities as they stand.
     [[nodiscard]] virtual double cost(const double* Y) = 0;
 
     /// The cost at Y, and the gradient there, which the next iteration needs.
     virtual double costAndGradient(const double* Y, double* dY) = 0;
 
-    /// The message that tells of the similarities once they are there.
+    /// The message that tells of the affinities once they are there.
     ///
     /// @param elapsed  processor time that they took
     [[nodiscard]] virtual std::string report(std::clock_t elapsed) const = 0;

@@ -48,7 +48,7 @@ void Optimisation::iterate() {
     if (schedule_.endsExaggeration(iteration)) {
         objective_.endExaggeration(schedule_.exaggeration());
     }
-    // Until exaggeration ends the cost is that against the exaggerated similarities, on purpose.
+    // Until exaggeration ends the cost is that against the exaggerated affinities, on purpose.
     reached_.cost =
         isDone() ? objective_.cost(Y) : objective_.costAndGradient(Y, descent_.gradient());
 }

@@ -13,7 +13,7 @@ class Optimisation {
   public:
     /// All but the schedule has to outlive the object, and is changed by it.
     ///
-    /// @param objective  with exaggerated similarities
+    /// @param objective  with exaggerated affinities
     /// @param descent    for the elements of the embedding
     /// @param embedding  the start, rows x output dimensions
     Optimisation(Objective& objective,
@@ -32,7 +32,7 @@ class Optimisation {
     /// The state after the iteration done last.
     [[nodiscard]] FitState state() const;
 
-    /// The cost of the embedding as it stands, against the similarities without exaggeration. Ends
+    /// The cost of the embedding as it stands, against the affinities without exaggeration. Ends
     /// exaggeration: no iteration may follow.
     double finalCost();
 

@@ -4,7 +4,7 @@
 
 namespace ovik {
 
-/// When a fit changes its course: which iteration is the last, how long similarities are
+/// When a fit changes its course: which iteration is the last, how long affinities are
 /// exaggerated, which momentum an iteration has.
 ///
 /// A change that is set to a negative iteration never comes.
@@ -14,7 +14,7 @@ class Schedule {
 
     [[nodiscard]] int lastIteration() const { return options_.max_iter; }
 
-    /// The factor of the similarities in the first phase.
+    /// The factor of the affinities in the first phase.
     [[nodiscard]] double exaggeration() const { return options_.exaggeration; }
 
     /// Whether early exaggeration ends with an iteration, after its step and before its cost.
@@ -22,7 +22,7 @@ class Schedule {
         return iteration == options_.stop_lying_iter;
     }
 
-    /// Whether the step of an iteration is taken against exaggerated similarities.
+    /// Whether the step of an iteration is taken against exaggerated affinities.
     [[nodiscard]] bool isExaggerated(int iteration) const {
         return !liesBehind(iteration, options_.stop_lying_iter);
     }

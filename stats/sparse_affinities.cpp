@@ -49,7 +49,7 @@ struct RowScratch {
     std::vector<double> squared_distances;
 };
 
-/// Fills rows of the matrix of conditional similarities.
+/// Fills rows of the matrix of conditional affinities.
 class RowFiller {
   public:
     /// All arguments but the numbers have to outlive the object.
@@ -93,7 +93,7 @@ class RowFiller {
     }
 
   private:
-    /// Fills the row of point n: columns nearest first, and their similarities.
+    /// Fills the row of point n: columns nearest first, and their affinities.
     ///
     /// @param nearest            the point itself and its neighbours
     /// @param squared_distances  scratch for K values

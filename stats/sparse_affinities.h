@@ -31,7 +31,7 @@ struct NeighbourHooks {
 ///
 /// The K + 1 nearest are asked of a vantage-point tree and the first, taken to be the point itself,
 /// is skipped. Where a point has fewer neighbours (K is not below N, or distances are not finite)
-/// the rest of its row points at the point itself with similarity 0.0. Queries are spread over the
+/// the rest of its row points at the point itself with affinity 0.0. Queries are spread over the
 /// cores. A perplexity above K is told of, and the work goes on.
 ///
 /// @param points  row-major, N x dims

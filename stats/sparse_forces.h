@@ -16,7 +16,8 @@ namespace ovik {
 /// Entry i of the gradient is attraction[i] - repulsion[i] / Z, where every point's term of the
 /// normalisation Z is added in point order.
 ///
-/// All functions take the similarities `P` with N rows and an embedding `Y`, row-major, N x dims.
+/// All functions take the joint affinities `P` with N rows and an embedding `Y`, row-major, N x
+/// dims.
 class SparseForces {
   public:
     /// @throws WorkMemoryError if the forces do not fit in memory

@@ -4,7 +4,7 @@
 
 #include "util/malloc_pointer.h"
 
-/// Sparse similarity matrices in compressed-row form, with N rows.
+/// Sparse matrices of affinities in compressed-row form, with N rows.
 
 namespace ovik {
 

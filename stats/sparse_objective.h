@@ -8,7 +8,7 @@
 
 namespace ovik {
 
-/// Sparse joint similarities, and forces along their entries against any repulsion.
+/// Sparse joint affinities, and forces along their entries against any repulsion.
 class SparseObjective : public Objective {
   public:
     /// @param P       symmetric, N rows, entries that sum to 1
@@ -21,7 +21,7 @@ class SparseObjective : public Objective {
     [[nodiscard]] double cost(const double* Y) override;
     double costAndGradient(const double* Y, double* dY) override;
 
-    /// Gives the density of the similarity matrix, and the time with fractions of a second.
+    /// Gives the density of the affinity matrix, and the time with fractions of a second.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
 
   private:

@@ -8,8 +8,8 @@
 
 namespace ovik {
 
-/// The gradient and cost of `exact_gradient` and `exact_cost` for symmetric similarities P and an
-/// embedding that changes from one iteration to the next; several times as fast.
+/// The gradient and cost of `exact_gradient` and `exact_cost` for symmetric joint affinities P and
+/// an embedding that changes from one iteration to the next; several times as fast.
 ///
 /// The gradient is that of `exact_gradient` bit for bit. The cost agrees with `exact_cost` to about
 /// 1e-13 times the sum of P: it adds up in another order and takes each pair once. Both are the

@@ -191,7 +191,7 @@ class TSNE {
     /// Whether the last `actuate` wrote its result table.
     [[nodiscard]] bool tableWritten() const { return table_written_; }
 
-    /// The cost of the last embedding, against the similarities without exaggeration.
+    /// The cost of the last embedding, against the affinities without exaggeration.
     [[nodiscard]] double finalCost() const { return final_cost_; }
 
     /// The cost of each iteration of the last embedding, as `FitReport::costs`.
@@ -221,11 +221,11 @@ class TSNE {
     /// Fills DD, N x N, with squared distances. See `squared_distance_matrix`.
     OVIK_API static void computeSquaredEuclideanDistance(const double* X, int N, int D, double* DD);
 
-    /// Fills P, N x N, with conditional similarities. See `dense_conditional_affinities`.
+    /// Fills P, N x N, with conditional affinities. See `dense_conditional_affinities`.
     OVIK_API static void computeGaussianPerplexity(
         const double* X, int N, int D, double* P, double perplexity);
 
-    /// Stores conditional similarities to the K nearest neighbours: three blocks from `malloc`,
+    /// Stores conditional affinities to the K nearest neighbours: three blocks from `malloc`,
     /// which the caller frees. See `neighbour_affinities`.
     OVIK_API static void computeGaussianPerplexity(const double* X,
                                                    int N,

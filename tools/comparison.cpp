@@ -7,6 +7,8 @@
 #include <iterator>
 #include <system_error>
 
+#include <nlohmann/json.hpp>
+
 #include "plots/comparison_page.h"
 #include "stats/method.h"
 #include "util/console.h"
@@ -18,7 +20,6 @@
 
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
-#include <nlohmann/json.hpp>
 
 namespace ovik::tool {
 

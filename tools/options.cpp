@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 
 #include "stats/option_texts.h"
+#include "util/similar_name.h"
 
 #include "tools/exit_status.h"
 
@@ -26,9 +27,9 @@ constexpr const char* kDescription =
     "figure.\n"
     "\n"
     "Examples:\n"
-    "  ovik-tsne expression.tsv --perplexity 30 --out-dir results --name yeast\n"
-    "      writes results/yeast_tsne_30_0.csv (table), .html (chart page), .png, .svg and .gp\n"
-    "      (figure and its script), and appends a record to results/yeast.log\n"
+    "  ovik-tsne expression.tsv --perplexity 30 --out-dir out --name yeast\n"
+    "      writes out/yeast_tsne_30_0.csv (table), .html (chart page), .png, .svg and .gp\n"
+    "      (figure and its script), and appends a record to out/yeast.log\n"
     "  ovik-tsne expression.tsv.gz --perplexity 5,10,30,50 --quality\n"
     "      a run for each perplexity, and a page to compare them\n"
     "  zcat expression.tsv.gz | ovik-tsne - --name yeast --json yeast.json\n"
@@ -378,6 +379,36 @@ std::string stem_of(std::filesystem::path path) {
     return path.stem().string();
 }
 
+/// All names of all options, with their dashes.
+std::vector<std::string> option_names(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+        for (const std::string& name : option->get_snames()) {
+            names.push_back("-" + name);
+        }
+    }
+    return names;
+}
+
+/// What is wrong with a command line. An option that does not exist comes first: what else is wrong
+/// may follow from it, such as its value in the place of the matrix.
+std::string explanation(const CLI::App& app, const CLI::Error& error) {
+    const std::vector<std::string> names = option_names(app);
+    for (const std::string& argument : app.remaining()) {
+        const std::string name = argument.substr(0, argument.find('='));
+        if (!name.starts_with('-') || name.find_first_not_of('-') == std::string::npos ||
+            std::find(names.begin(), names.end(), name) != names.end()) {
+            continue;
+        }
+        const std::string meant = similar_name(name, names);
+        return "unknown option " + name + (meant.empty() ? "" : "; did you mean " + meant + "?");
+    }
+    return error.what();
+}
+
 void fill_in_defaults(Options& options) {
     if (options.name.empty() && !options.collected_reports.empty()) {
         options.name = "collected";
@@ -403,8 +434,8 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     app.set_version_flag("--version", "ovik-tsne " OVIK_VERSION);
     app.footer(kFooter);
     app.get_formatter()->column_width(32);
-    app.failure_message([](const CLI::App* /*app*/, const CLI::Error& error) {
-        return std::string("ovik-tsne: ") + error.what() + "\nRun with --help for the options.\n";
+    app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+        return "ovik-tsne: " + explanation(*failed, error) + "\nRun with --help for the options.\n";
     });
     ParsedCommand command;
     add_input_options(app, command.options);

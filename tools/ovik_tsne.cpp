@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <omp.h>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -16,6 +17,7 @@
 #include "stats/exit_without_memory.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"
+#include "util/console.h"
 #include "util/input_error.h"
 #include "util/stopwatch.h"
 #include "util/threads.h"
@@ -71,8 +73,13 @@ ExitStatus embed(const Options& options, RunReport report) {
     if (!options.checkpoint.empty()) {
         check_checkpoint_path(options.checkpoint);
     }
-    if (options.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), "cannot silence standard output");
+    std::optional<ConsoleSilence> silence;
+    if (options.quiet) {
+        silence.emplace();
+        if (std::freopen("/dev/null", "w", stdout) == nullptr) {
+            throw std::system_error(
+                errno, std::generic_category(), "cannot silence standard output");
+        }
     }
     const std::string threads_note = set_thread_count(options.threads);
     if (!threads_note.empty()) {

@@ -32,7 +32,7 @@ struct TreeView {
     const double* centres;
 };
 
-/// Writes the repulsive forces on some points, and their shares of the normalisation.
+/// Writes the repulsive forces on some points, and their terms of the normalisation Z.
 ///
 /// @param begin   the points stand at `begin` to `end` - 1 in Morton order
 /// @param neg_f   row-major, N x dims; the rows of these points are written

@@ -6,8 +6,8 @@
 
 namespace ovik {
 
-/// A sparse similarity matrix and an embedding, as a pass over the entries of the matrix reads
-/// them.
+/// A sparse matrix of joint affinities and an embedding, as a pass over the entries of the matrix
+/// reads them.
 struct EdgeView {
     const unsigned int* row_P;
     const unsigned int* col_P;
@@ -24,10 +24,10 @@ struct EdgeView {
 /// Each is formed in eight strands, of every eighth entry, which are then added in order.
 struct RowCost {
     /// The sum of p * log((p + DBL_MIN) * (1 + squared distance)); NaN if the embedding is so wide
-    /// or the similarities so far from their range that the guard of the cost's denominator may
+    /// or the affinities so far from their range that the guard of the cost's denominator may
     /// matter.
     double log_sum;
-    /// The sum of the similarities p.
+    /// The sum of the affinities p.
     double weight_sum;
 };
 

@@ -226,7 +226,7 @@ class ForceLanes {
     [[nodiscard]] std::size_t firstRow() const { return first_row_; }
 
   private:
-    /// The joint similarities of the rows and point m.
+    /// The joint affinities of the rows and point m.
     [[nodiscard]] Lanes inputSimilarities(std::size_t m) const {
         // Processors do not look ahead beyond a page of memory.
         constexpr std::size_t kPage = 4096;

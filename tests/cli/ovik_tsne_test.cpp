@@ -137,7 +137,7 @@ TEST_F(Command, PrintsNothingWhenQuiet) {
         const CommandOutcome outcome = run_on(grid_matrix(70), {"--quiet", "--theta", theta});
         EXPECT_EQ(outcome.exit_status, kSuccess);
         EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err.find("639"), std::string::npos);
+        EXPECT_EQ(outcome.err, "");
         EXPECT_NE(result("m_tsne_20_0.csv"), "");
     }
 }

@@ -4,9 +4,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/command_test.h"
-#include <nlohmann/json.hpp>
 
 /// The report that the real program writes of a run, and the page that it makes of reports.
 

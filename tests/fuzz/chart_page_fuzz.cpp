@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "plots/javas.h"
 #include "plots/page_template.h"
 #include "plots/plotted_run.h"
@@ -21,7 +23,6 @@
 #include "tests/fuzz/support/require.h"
 #include "tests/fuzz/support/utf8.h"
 #include "tests/support/temporary_directory.h"
-#include <nlohmann/json.hpp>
 
 /// The chart page, taken apart as a browser does: whatever the data, they are the text of the title
 /// and of one script element that is JSON, and all else is the page as it is built.

@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "util/input_error.h"
 #include "util/matrix_reader.h"
 
 #include "tests/support/locales.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/threads.h"
 
@@ -50,12 +50,7 @@ class DelimitedText : public testing::Test {
     /// Why text is refused that is read with these options; empty if it is not.
     std::string refusal(const std::string& content, const LoadOptions& options = {}) {
         MatrixSource source(directory_.write("m.txt", content));
-        try {
-            read_delimited_text(source, options);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { read_delimited_text(source, options); });
     }
 
     test::TemporaryDirectory directory_;

@@ -12,6 +12,7 @@
 #include "util/input_error.h"
 
 #include "tests/support/gzip.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik {
@@ -50,12 +51,7 @@ class Load : public testing::Test {
     }
 
     std::string refusal(const std::string& content) {
-        try {
-            loaded(content);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { loaded(content); });
     }
 
     test::TemporaryDirectory directory_;

@@ -7,23 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "util/input_error.h"
+#include "tests/support/refusal.h"
 
 namespace ovik {
 namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-template <typename Check>
-std::string refusal(const Check& check) {
-    try {
-        check();
-    } catch (const InputError& error) {
-        return error.what();
-    }
-    return "";
-}
 
 TEST(CheckMatrix, RefusesRowsThatMakeNoMatrix) {
     MatrixReport ragged;
@@ -61,11 +51,12 @@ TEST(CheckMatrix, RefusesRowsThatMakeNoMatrix) {
     };
 
     for (const auto& each : kCases) {
-        EXPECT_THAT(refusal([&] { check_matrix("m", each.report); }), HasSubstr(each.reason));
+        EXPECT_THAT(test::refusal_of([&] { check_matrix("m", each.report); }),
+                    HasSubstr(each.reason));
     }
     MatrixReport good;
     good.rows = 3;
-    EXPECT_EQ(refusal([&] { check_matrix("m", good); }), "");
+    EXPECT_EQ(test::refusal_of([&] { check_matrix("m", good); }), "");
 }
 
 TEST(CheckValues, RefusesWhatCannotBeEmbedded) {
@@ -85,7 +76,7 @@ TEST(CheckValues, RefusesWhatCannotBeEmbedded) {
         matrix.report.columns = 2;
         matrix.values.reset(new double[6]);
         std::copy(values.begin(), values.end(), matrix.values.get());
-        return refusal([&] { check_values("m", matrix); });
+        return test::refusal_of([&] { check_values("m", matrix); });
     };
     for (const auto& [values, reason] : kCases) {
         EXPECT_THAT(refusal_of(values), HasSubstr(reason));

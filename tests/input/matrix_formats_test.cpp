@@ -5,9 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "util/input_error.h"
-
 #include "tests/support/gzip.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik {
@@ -23,12 +22,7 @@ class MatrixFormats : public testing::Test {
 
     std::string refusal(const std::string& content, const std::vector<MatrixFormat>& formats) {
         const MatrixSource source(directory_.write("m", content));
-        try {
-            format_of(source, formats);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { format_of(source, formats); });
     }
 
     test::TemporaryDirectory directory_;

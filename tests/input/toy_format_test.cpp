@@ -11,6 +11,7 @@
 #include "util/input_error.h"
 
 #include "tests/support/gzip.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 /// What docs/architecture.md says of a new input format, followed step by step.
@@ -62,12 +63,7 @@ class ToyFormat : public testing::Test {
     }
 
     std::string refusal(const std::string& content) {
-        try {
-            loaded(content);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { loaded(content); });
     }
 
     test::TemporaryDirectory directory_;

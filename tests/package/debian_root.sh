@@ -1,22 +1,14 @@
 #!/bin/sh
 # Installs the Debian packages in a new Debian, uses them, and removes them again.
 #
-# usage: debian_root.sh PROJECT ROOT; needs root and debootstrap, and status 77 says that one is
-# missing. ROOT is a directory that is made anew, on a file system with 2 GB to spare. Debian comes
-# from where this machine's own apt has it.
+# usage: debian_root.sh PROJECT ROOT; needs what new_debian.sh needs, and status 77 says that it is
+# missing. ROOT is a directory that is made anew, on a file system with 2 GB to spare.
 set -eu
 project=$1
 root=$2
 table_md5=9145c3adf35493d79941eab4412bd589
 
-[ "$(id -u)" = 0 ] || { echo "SKIPPED: only root can make a Debian root"; exit 77; }
-command -v debootstrap >/dev/null || { echo "SKIPPED: debootstrap is not installed"; exit 77; }
-# shellcheck disable=SC2016 # variables of apt
-source=$(apt-get indextargets --format '$(SITE) $(CODENAME) $(COMPONENT) $(ORIGIN)' \
-  'Created-By: Packages' | grep -m 1 ' [a-z]* main Debian$') ||
-  { echo "SKIPPED: apt knows no mirror of Debian"; exit 77; }
-mirror=${source%% *}
-codename=$(echo "$source" | cut -d ' ' -f 2)
+. "$(dirname "$0")/new_debian.sh"
 
 inside() {
   chroot "$root" env -i --chdir=/trial PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
@@ -30,18 +22,7 @@ list_files() {
     -o -print | sort
 }
 
-echo "A new $codename from $mirror"
-rm -rf --one-file-system "$root"
-mkdir -p "$root"
-debootstrap --variant=minbase "$codename" "$root" "$mirror" >"$root.log" 2>&1 ||
-  { tail -n 20 "$root.log"; exit 1; }
-# What this machine needs to reach the mirror.
-certificates=${SSL_CERT_FILE:-/etc/ssl/certs/ca-certificates.crt}
-if [ -f "$certificates" ]; then
-  mkdir -p "$root/etc/ssl/certs"
-  cp "$certificates" "$root/etc/ssl/certs/ca-certificates.crt"
-fi
-apt-config dump Acquire::http::Proxy Acquire::https::Proxy >"$root/etc/apt/apt.conf.d/90proxy"
+new_debian "$root"
 mkdir "$root/trial"
 cp "$project"/build/packages/*.deb "$project/data/brauer2008_chemostat.tsv" "$root/trial"
 cp -r "$project/tests/package" "$root/trial/consumers"
@@ -63,6 +44,9 @@ list_files >"$root.before"
 echo "Installing" $names
 # shellcheck disable=SC2086 # a list of words
 inside apt-get install -q -y $packages >>"$root.log" 2>&1
+
+echo "Following the links of the documents"
+"$project/tests/package/links.py" "$root/usr/share/doc/ovik"
 
 echo "Running the command"
 inside ovik-tsne --version

@@ -7,11 +7,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
 #include "plots/page_template.h"
-
-#include <nlohmann/json.hpp>
 
 namespace ovik {
 

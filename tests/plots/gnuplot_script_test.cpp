@@ -94,8 +94,8 @@ TEST(GnuplotScript, CentresWholeNumbersBetweenTheirBounds) {
     Figure figure = figure_with_panels(1);
     figure.bounds = {0, 1, 0, 1};
     // An integer by an integer would be cut to an integer.
-    EXPECT_THAT(script_of(figure), HasSubstr("set xrange [(min_x + max_x) / 2.0 - half_x"));
-    EXPECT_THAT(script_of(figure), HasSubstr("set yrange [(min_y + max_y) / 2.0 - half_y"));
+    EXPECT_THAT(script_of(figure), HasSubstr("mid_x = (min_x + max_x) / 2.0\n"));
+    EXPECT_THAT(script_of(figure), HasSubstr("mid_y = (min_y + max_y) / 2.0\n"));
 }
 
 }  // namespace

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <regex>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -225,6 +228,58 @@ TEST_F(Figure, WidensRangesOfZeroWidth) {
     EXPECT_EQ(draw(table("one", {"A"}), std::vector<double>{0, 0, 0, 0}), "");
     EXPECT_EQ(marker_count(svg(directory_.file("one"))), 1U);
     EXPECT_EQ(draw(table("thin"), std::vector<double>{2, 2, 0, 8}), "");
+}
+
+/// The texts of a picture that are numbers.
+std::vector<std::string> numbers_of(const std::string& svg) {
+    const std::regex text("<text>([^<]*)</text>");
+    std::vector<std::string> numbers;
+    for (std::sregex_iterator found(svg.begin(), svg.end(), text), end; found != end; ++found) {
+        const std::string number = (*found)[1];
+        if (!number.empty() && number.find_first_not_of("-.0123456789e") == std::string::npos) {
+            numbers.push_back(number);
+        }
+    }
+    return numbers;
+}
+
+TEST_F(Figure, CountsPowersOfTenWhereTicksWouldBeLong) {
+    const std::string base = table("f");
+
+    const struct {
+        std::vector<double> bounds;
+        const char* title;
+    } kCases[] = {
+        {{-40, 30, -35, 35}, "<text>Component 1</text>"},
+        {{-4000, 3000, -3500, 3500}, "<text>Component 1</text>"},
+        {{-0.9, 0.2, -0.5, 0.5}, "<text>Component 1</text>"},
+        {{-0.11, 0.11, -0.05, 0.05}, "<text>Component 1</text>"},
+        {{-0.05, 0.08, -0.05, 0.05}, "<text>Component 1, in units of 0.001</text>"},
+        {{-6e-5, 6e-4, -1e-2, 9e-3}, "<text>Component 1, in units of 0.0001</text>"},
+        {{-1e-5, 1e-5, -1e-5, 2e-5}, "<text>Component 1, in units of 1e-06</text>"},
+        {{-70000, 2, -35, 35}, "<text>Component 1, in units of 1000</text>"},
+        {{1e-3, 2e-3, 5e-3, 6e-3}, "<text>Component 1, in units of 0.0001</text>"},
+        {{-1e200, 1e200, -35, 35}, "<text>Component 1, in units of 1e+199</text>"},
+    };
+
+    for (const auto& [bounds, title] : kCases) {
+        SCOPED_TRACE(title);
+        EXPECT_EQ(draw(base, bounds), "");
+        EXPECT_THAT(svg(base), HasSubstr(title));
+        const std::vector<std::string> ticks = numbers_of(svg(base));
+        EXPECT_GE(ticks.size(), 4U);
+        EXPECT_LE(ticks.size(), 24U);
+        for (const std::string& tick : ticks) {
+            EXPECT_LE(tick.size(), 5U) << tick;
+        }
+    }
+}
+
+TEST_F(Figure, LeavesTicksOfPointsFarFromTheMiddleToGnuplot) {
+    const std::string base = table("far");
+    EXPECT_EQ(draw(base, std::vector<double>{1e9, 1e9 + 1, 0, 1}), "");
+    EXPECT_EQ(draw(base, std::vector<double>{1e9, 1e9, 0, 0}), "");
+    EXPECT_THAT(svg(base), HasSubstr("<text>Component 1</text>"));
 }
 
 TEST_F(Figure, HasAxesWithoutPoints) {

@@ -9,11 +9,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "results/result_table.h"
 
 #include "tests/support/temporary_directory.h"
-#include <nlohmann/json.hpp>
 
 namespace ovik {
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs the snippets of docs/recipes.md as they stand there, in order, and looks at what they leave.
+"""Runs the snippets of docs/recipes.md as they stand there, in order, and looks at what they leave;
+and that of data/README.md which makes the labels.
 
 Usage: recipes_test.py COMMAND SOURCE_DIRECTORY
 """
@@ -73,16 +74,16 @@ class Workplace:
 
 
 def check_comparison(place):
-    page = place.read("results/yeast_tsne_comparison.html")
+    page = place.read("out/yeast_tsne_comparison.html")
     titles = re.findall(r"<h2>.*?(Perplexity \d+)", page)
     require(titles == [f"Perplexity {p}" for p in PERPLEXITIES], f"all runs on the page: {titles}")
     for picture in re.findall(r'<img src="\./([^"]+)"', page):
-        require((place.directory / "results" / picture).exists(), f"{picture} is there")
+        require((place.directory / "out" / picture).exists(), f"{picture} is there")
 
 
 def forget_sweep(place):
-    shutil.rmtree(place.directory / "results")
-    (place.directory / "results").mkdir()
+    shutil.rmtree(place.directory / "out")
+    (place.directory / "out").mkdir()
 
 
 def run_r(place, text):
@@ -113,14 +114,14 @@ def run_shell(place, text):
         genes = printed.split()
         require(len(set(genes)) == 10 and "RPL3" not in genes, f"ten other genes: {genes}")
     if "zcat" in text:
-        require(len(place.read("results/without_first_column_tsne_30_0.csv").splitlines())
+        require(len(place.read("out/without_first_column_tsne_30_0.csv").splitlines())
                 == ROWS + 1, "a row per gene from standard input")
     if "--quality" in text:
         page = place.read("sweep/yeast_tsne_comparison.html")
         require(page.count("<img ") == 4 and "trustworthiness" in page, "a page of four runs")
         for name in ("30_0.csv", "30_0.png"):
             ours = (place.directory / f"sweep/yeast_tsne_{name}").read_bytes()
-            require(ours == (place.directory / f"results/yeast_tsne_{name}").read_bytes(),
+            require(ours == (place.directory / f"out/yeast_tsne_{name}").read_bytes(),
                     f"{name} is that of the run by itself")
 
 
@@ -129,7 +130,7 @@ def run_snakemake(place, text):
     (place.directory / "Snakefile").write_text(text)
     place.run("snakemake", "--cores", "2", "--quiet")
     check_comparison(place)
-    logged = place.read("results/yeast.log").count("1-1-1-0\n")
+    logged = place.read("out/yeast.log").count("1-1-1-0\n")
     require(logged == len(PERPLEXITIES), f"{logged} records of runs side by side")
 
 
@@ -152,12 +153,40 @@ def run_sbatch(place, text):
     stand_in.chmod(0o755)
     place.run("/bin/sh", "-e", text=text)
     check_comparison(place)
-    reports = [json.loads(place.read(f"results/{p}.json")) for p in PERPLEXITIES]
+    reports = [json.loads(place.read(f"out/{p}.json")) for p in PERPLEXITIES]
     digests = {report["input"]["digest"]["values"] for report in reports}
     require(len(digests) == 1, "all runs had the same input")
 
 
+def check_labels(place, source):
+    """The labels of the data are those that the words of the descriptions give."""
+    (_, text), = snippets((source / "data/README.md").read_text())
+    rows = (source / "data/brauer2008_chemostat.tsv").read_text().splitlines(True)[: ROWS + 1]
+    (place.directory / "first_rows.tsv").write_text("".join(rows))
+    place.run("ovik-tsne", "first_rows.tsv", "--out-dir", "out", "--name", "brauer2008",
+              "--perplexity", "30", "--no-plots", "--quiet")
+    labels = place.run("/bin/sh", "-e", text=text).splitlines()
+    given = (source / "data/brauer2008_labels.txt").read_text().splitlines()[:ROWS]
+    require(labels == given and len(set(given)) == 4, "the labels are made of the descriptions")
+
+
+def run_docker(place, text):
+    """With a stand-in for docker that runs the command in the directory which is its volume."""
+    stand_in = place.directory / "programs/docker"
+    stand_in.write_text(
+        "#!/bin/sh\n"
+        '[ "$1 $2 $3" = "run --rm --user" ] && [ "$5" = --volume ] || exit 9\n'
+        f'[ "$6" = "{place.directory}:/data" ] && [ "${{7%:*}}" = ovik-tsne ] || exit 8\n'
+        'shift 7; exec ovik-tsne "$@"\n'
+    )
+    stand_in.chmod(0o755)
+    place.run("/bin/sh", "-e", text=text)
+    require(len(place.read("out/expression_tsne_30_0.csv").splitlines()) == ROWS + 1,
+            "a row per gene from the container")
+
+
 RUNNERS = {
+    "docker": run_docker,
     "r": run_r,
     "python": run_python,
     "sh": run_shell,
@@ -173,6 +202,7 @@ def main():
     require({language for language, _ in found} == set(RUNNERS), "snippets of every kind are there")
     with tempfile.TemporaryDirectory() as directory:
         place = Workplace(directory, command, source)
+        check_labels(place, source)
         for language, text in found:
             print(f"{language}: {text.splitlines()[0]}", flush=True)
             RUNNERS[language](place, text)

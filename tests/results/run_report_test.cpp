@@ -4,9 +4,9 @@
 #include <system_error>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/temporary_directory.h"
-#include <nlohmann/json.hpp>
 
 namespace ovik {
 namespace {

@@ -7,8 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "util/input_error.h"
-
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/threads.h"
 
@@ -26,12 +25,7 @@ class Loading : public testing::Test {
     std::string write(const std::string& content) { return directory_.write("m.tsv", content); }
 
     std::string refusal(const std::string& path) {
-        try {
-            tsne_.init(path, 10, '\t');
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { tsne_.init(path, 10, '\t'); });
     }
 
     test::TemporaryDirectory directory_;

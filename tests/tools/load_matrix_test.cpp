@@ -5,8 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "util/input_error.h"
-
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik::tool {
@@ -29,12 +28,7 @@ class LoadMatrix : public testing::Test {
     }
 
     std::string refusal(const std::string& content) {
-        try {
-            loaded(content);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::refusal_of([&] { loaded(content); });
     }
 
     test::TemporaryDirectory directory_;

@@ -302,12 +302,25 @@ TEST(ParseCommandLine, RefusesPartsOfFileNamesWithASlash) {
 TEST(ParseCommandLine, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(refusal({}), "MATRIX is required");
     EXPECT_THAT(refusal({"m.tsv", "second.tsv"}), HasSubstr("second.tsv"));
-    EXPECT_THAT(refusal({"m.tsv", "--no-such-option"}), HasSubstr("--no-such-option"));
+    EXPECT_EQ(refusal({"m.tsv", "--no-such-option"}), "unknown option --no-such-option");
     EXPECT_THAT(refusal({"m.tsv", "--perplexity"}), StartsWith("--perplexity"));
     EXPECT_THAT(refusal({"m.tsv", "--checkpoint-every", "5"}), HasSubstr("--checkpoint"));
-    // A later version may have another option of this start.
-    EXPECT_THAT(refusal({"m.tsv", "--perp", "5"}), HasSubstr("--perp"));
-    EXPECT_THAT(refusal({"m.tsv", "--Perplexity", "5"}), HasSubstr("--Perplexity"));
+    // A second matrix is no option, whatever it is called.
+    EXPECT_THAT(refusal({"m.tsv", "-"}), HasSubstr("not expected: -"));
+    EXPECT_THAT(refusal({"m.tsv", "--", "--quiet"}), HasSubstr("not expected: "));
+}
+
+TEST(ParseCommandLine, SuggestsTheOptionThatWasMeant) {
+    const std::string meant = "; did you mean --perplexity?";
+    EXPECT_EQ(refusal({"m.tsv", "--perplexty", "5"}), "unknown option --perplexty" + meant);
+    EXPECT_EQ(refusal({"--perplexty", "5", "m.tsv"}), "unknown option --perplexty" + meant);
+    EXPECT_EQ(refusal({"m.tsv", "--perplexty=5"}), "unknown option --perplexty" + meant);
+    // A later version may have another option of this start: it is not taken.
+    EXPECT_EQ(refusal({"m.tsv", "--perp", "5"}), "unknown option --perp" + meant);
+    EXPECT_EQ(refusal({"m.tsv", "--Perplexity", "5"}), "unknown option --Perplexity" + meant);
+    // The option comes before what follows from it.
+    EXPECT_EQ(refusal({"m.tsv", "--checkpoint-every", "5", "--chekpoint", "c"}),
+              "unknown option --chekpoint; did you mean --checkpoint?");
 }
 
 TEST(ParseCommandLine, NamesARunAfterItsMatrix) {

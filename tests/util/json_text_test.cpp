@@ -3,9 +3,8 @@
 #include <limits>
 
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
-
 #include <nlohmann/json.hpp>
+#include <rapidcheck/gtest.h>
 
 namespace ovik {
 namespace {
