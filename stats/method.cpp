@@ -31,10 +31,7 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     SparseMatrix P;
     {
         const SparseMatrix conditional = neighbour_affinities(
-            input.X,
-            perplexity,
-            neighbour_count(perplexity, N),
-            {input.notes, input.cached_neighbours, input.graph, &input.random});
+            input.X, perplexity, neighbour_count(perplexity, N), input.neighbourHooks());
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);

@@ -12,6 +12,7 @@
 #include "stats/fit_options.h"
 #include "stats/memory_estimate.h"
 #include "stats/objective.h"
+#include "stats/sparse_affinities.h"
 #include "util/matrix_view.h"
 #include "util/random_stream.h"
 
@@ -29,7 +30,13 @@ struct MethodInput {
     CachedNeighbours* cached_neighbours = nullptr;
     /// Null, or what takes the neighbours that the method finds.
     NeighbourGraph* graph = nullptr;
+    /// Seeded; methods that search for neighbours draw from it first, and the random start then.
     RandomStream& random = process_random_stream();
+
+    /// What a search for neighbours takes of it.
+    [[nodiscard]] NeighbourHooks neighbourHooks() const {
+        return {notes, cached_neighbours, graph, &random};
+    }
 };
 
 /// What the stages of a method take beside the input, in bytes.

@@ -422,13 +422,12 @@ TEST(Fit, LetsExceptionsOfTheHooksThrough) {
 std::unique_ptr<Objective> make_all_pairs(const MethodInput& input) {
     const std::size_t N = input.X.rows;
     const double perplexity = input.options.perplexity;
-    const SparseMatrix conditional =
-        neighbour_affinities(input.X.values,
-                             N,
-                             input.X.columns,
-                             perplexity,
-                             neighbour_count(perplexity, N),
-                             {input.notes, input.cached_neighbours, input.graph});
+    const SparseMatrix conditional = neighbour_affinities(input.X.values,
+                                                          N,
+                                                          input.X.columns,
+                                                          perplexity,
+                                                          neighbour_count(perplexity, N),
+                                                          input.neighbourHooks());
     SparseMatrix P = symmetrized(conditional.view(), N);
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
