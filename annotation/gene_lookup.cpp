@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <string>
-#include <unordered_map>
+#include <utility>
 
 #include "annotation/gene_names.h"
 
@@ -19,19 +19,24 @@ std::string upper_case(std::string_view text) {
     return result;
 }
 
-using GeneIndex = std::unordered_multimap<std::string, const GeneEntry*>;
+/// A name of a gene in upper case, and the gene.
+using Naming = std::pair<std::string, const GeneEntry*>;
 
-/// From every name of a gene, in upper case, to the gene.
-GeneIndex index_names() {
-    GeneIndex index;
+/// Every name of every gene in byte order; those of one name in the order of the list, each once.
+std::vector<Naming> sorted_names() {
+    std::vector<Naming> names;
+    names.reserve(2 * gene_list().size() + gene_aliases().size());
     for (const GeneEntry& gene : gene_list()) {
-        index.emplace(upper_case(gene.name), &gene);
-        index.emplace(upper_case(gene.systematic), &gene);
+        names.emplace_back(upper_case(gene.name), &gene);
+        names.emplace_back(upper_case(gene.systematic), &gene);
     }
     for (const GeneAlias& alias : gene_aliases()) {
-        index.emplace(upper_case(alias.alias), find_systematic_gene(alias.systematic));
+        names.emplace_back(upper_case(alias.alias), find_systematic_gene(alias.systematic));
     }
-    return index;
+    // The list is one array, so the order of addresses is that of the list.
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
 }
 
 /// The name without the mark of a protein behind it; empty if it has none.
@@ -43,15 +48,16 @@ std::string_view without_protein_mark(std::string_view name) {
 }  // namespace
 
 std::vector<const GeneEntry*> genes_called(std::string_view name) {
-    static const GeneIndex index = index_names();
+    static const std::vector<Naming> names = sorted_names();
+    const std::string wanted = upper_case(name);
     std::vector<const GeneEntry*> genes;
-    const auto [first, last] = index.equal_range(upper_case(name));
-    for (auto entry = first; entry != last; ++entry) {
-        genes.push_back(entry->second);
+    auto naming = std::lower_bound(
+        names.begin(), names.end(), wanted, [](const Naming& one, const std::string& other) {
+            return one.first < other;
+        });
+    for (; naming != names.end() && naming->first == wanted; ++naming) {
+        genes.push_back(naming->second);
     }
-    // The list is one array, so the order of addresses is that of the list.
-    std::sort(genes.begin(), genes.end());
-    genes.erase(std::unique(genes.begin(), genes.end()), genes.end());
     return genes;
 }
 
