@@ -7,7 +7,7 @@ import os
 import stat
 import warnings
 from collections.abc import Sequence
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
 import numpy as np
 from numpy.typing import NDArray
@@ -94,7 +94,7 @@ def read_matrix(
     """
     _require_readable(path)
     _require_decimal_point()
-    form = {
+    form: dict[str, Any] = {
         "delimiter": _checked_delimiter(delimiter),
         "decimal": _checked_decimal(decimal),
         "has_header": bool(header),
@@ -147,7 +147,7 @@ def _checked_decimal(decimal: str | None) -> str | None:
     return decimal
 
 
-def _listed(one_or_more: object) -> list:
+def _listed(one_or_more: Any) -> list[Any]:
     """What may be one text or number, or a sequence of them, as a list."""
     return [one_or_more] if isinstance(one_or_more, (str, int)) else list(one_or_more)
 
