@@ -95,6 +95,15 @@ void take_names_from(std::size_t field, const TableHead& head, TableLayout& layo
     layout.notes.push_back("in front of the names, and so no values: " + fields);
 }
 
+[[noreturn]] void refuse_to_skip_names(const std::string& path,
+                                       const TableLayout& layout,
+                                       const LoadOptions& options) {
+    throw InputError(path + ": " + layout.fieldText(*layout.names_field) +
+                     " holds the names of the rows, and cannot be left out (" +
+                     options.spell("skip-columns", "") + ")\nSay which column has the names: " +
+                     options.spell("names-column", "NAME") + ".");
+}
+
 /// Changes a layout as the options say.
 void apply(const LoadOptions& options,
            const std::string& path,
@@ -109,13 +118,9 @@ void apply(const LoadOptions& options,
         layout.names_field.reset();
     }
     for (const std::string& column : options.skip_columns) {
-        const std::string option = options.spell("skip-columns", "");
-        const std::size_t field = field_of(path, column, option, head);
+        const std::size_t field = field_of(path, column, options.spell("skip-columns", ""), head);
         if (field == layout.names_field) {
-            throw InputError(path + ": " + layout.fieldText(field) +
-                             " holds the names of the rows, and cannot be left out (" + option +
-                             ")\nSay which column has the names: " +
-                             options.spell("names-column", "NAME") + ".");
+            refuse_to_skip_names(path, layout, options);
         }
         layout.leaveOut(field);
     }

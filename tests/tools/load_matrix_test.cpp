@@ -87,6 +87,38 @@ TEST_F(LoadMatrix, TakesTheDelimiter) {
     EXPECT_EQ(loaded(kBars).matrix.values[3], 5.0);
 }
 
+TEST_F(LoadMatrix, TakesTextAsTheOptionsSay) {
+    constexpr const char* kText = "1;G1;1,5;x;ND\n2;G2;3;y;5\n3;G3;4;z;0\n";
+    options_.has_header = false;
+    options_.decimal = ',';
+    options_.names_column = "2";
+    options_.skip_columns = {"4"};
+    options_.missing_signs = {"ND"};
+    options_.missing = MissingPolicy::Zero;
+    const LoadedMatrix matrix = loaded(kText);
+    EXPECT_EQ(matrix.matrix.row_names, (std::vector<std::string>{"G1", "G2", "G3"}));
+    EXPECT_EQ(matrix.matrix.values[0], 1.5);
+    EXPECT_EQ(matrix.missing, 1U);
+    EXPECT_THAT(err_, HasSubstr("note: "));
+}
+
+TEST_F(LoadMatrix, SpellsOptionsForAShell) {
+    const struct {
+        const char* text;
+        const char* option;
+    } kCases[] = {
+        {"ND", "with --na ND;"},
+        {"#N A", "with --na '#N A';"},
+        {"it's", "with --na 'it'\\''s';"},
+        {"-x", "with --na=-x;"},
+    };
+
+    for (const auto& [text, option] : kCases) {
+        EXPECT_THAT(refusal(std::string("h\ta\nG1\t1\nG2\t") + text + "\nG3\t2\n"),
+                    HasSubstr(option));
+    }
+}
+
 TEST_F(LoadMatrix, WarnsOnStandardErrorAndSaysWhatWasAskedForOnStandardOutput) {
     constexpr const char* kGap = "h\ta\tb\nG1\t1\tNA\nG2\t3\t5\nG3\t4\t0\n";
     EXPECT_EQ(loaded(kGap).missing, 1U);
@@ -102,8 +134,7 @@ TEST_F(LoadMatrix, WarnsOnStandardErrorAndSaysWhatWasAskedForOnStandardOutput) {
 }
 
 TEST_F(LoadMatrix, PrintsWhatItFoundBeforeARefusal) {
-    // Text reads as 0, and then all rows are equal.
-    EXPECT_NE(refusal("h\ta\tb\nG1\tx\t2\nG2\t0\t2\nG3\t0\t2\n"), "");
+    EXPECT_NE(refusal("h\ta\tb\nG1\t0\t2\nG1\t0\t2\nG3\t0\t2\n"), "");
     EXPECT_THAT(err_, StartsWith("ovik-tsne: warning: "));
     EXPECT_EQ(out_, "");
 }

@@ -256,6 +256,24 @@ TEST(ParseCommandLine, TakesDelimitersByNameAndAsTheyAre) {
     }
 }
 
+TEST(ParseCommandLine, TakesHowTextIsToBeRead) {
+    const Options usual = options_of({});
+    EXPECT_EQ(usual.decimal, std::nullopt);
+    EXPECT_TRUE(usual.has_header && usual.has_names);
+    EXPECT_THAT(usual.skip_columns, IsEmpty());
+    EXPECT_THAT(usual.missing_signs, IsEmpty());
+    EXPECT_EQ(options_of({"--decimal", ","}).decimal, ',');
+    EXPECT_EQ(options_of({"--decimal", "."}).decimal, '.');
+    EXPECT_THAT(refusal({"m", "--decimal", ";"}), HasSubstr("--decimal"));
+    EXPECT_THAT(options_of({"--skip-columns", "a b,3"}).skip_columns, ElementsAre("a b", "3"));
+    EXPECT_EQ(options_of({"--names-column", "gene"}).names_column, "gene");
+    EXPECT_THAT(options_of({"--na", "ND", "--na=-999"}).missing_signs, ElementsAre("ND", "-999"));
+    EXPECT_FALSE(options_of({"--no-header"}).has_header);
+    EXPECT_FALSE(options_of({"--no-names"}).has_names);
+    EXPECT_THAT(refusal({"m", "--no-names", "--names-column", "2"}), HasSubstr("--no-names"));
+    EXPECT_THAT(refusal({"m", "--delimiter", "\""}), HasSubstr("--delimiter"));
+}
+
 TEST(ParseCommandLine, TakesFormsOfCoordinates) {
     EXPECT_TRUE(options_of({"--coordinates", "tsv"}).coordinates_tsv);
     EXPECT_FALSE(options_of({"--coordinates", "tsv"}).coordinates_npy);
