@@ -149,7 +149,7 @@ class BlockOfRows {
             return;
         }
         const std::string_view row = trimmed(text, rules);
-        if (!is_matrix_row(row) || isNoRow(row, layout)) {
+        if (!is_record_row(row, layout.delimiter) || isNoRow(row, layout)) {
             return;
         }
         line_ = row;

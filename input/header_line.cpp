@@ -6,6 +6,7 @@
 #include <iterator>
 #include <optional>
 
+#include "input/quoted_record.h"
 #include "input/systematic_name.h"
 #include "input/table_head.h"
 #include "input/value_reader.h"
@@ -75,6 +76,29 @@ bool may_head_columns(const std::vector<double>& numbers) {
            std::all_of(numbers.begin(), numbers.end(), [](double v) { return v == std::floor(v); });
 }
 
+/// The fields of a record up to the last that is not empty; none of comments.
+std::vector<std::string> filled_fields_of(std::string_view record, char delimiter) {
+    if (!is_matrix_row(trimmed_matrix_line(record))) {
+        return {};
+    }
+    std::vector<std::string> fields = fields_of(record, delimiter, true);
+    while (!fields.empty() && fields.back().empty()) {
+        fields.pop_back();
+    }
+    return fields;
+}
+
+/// Whether fields are headers: texts alone, or numbers behind what heads names.
+bool heads_columns(const std::vector<std::string>& fields, const LoadOptions& options) {
+    const std::vector<std::string> values(fields.begin() + 1, fields.end());
+    const bool has_number =
+        std::any_of(values.begin(), values.end(), [&options](const std::string& value) {
+            return numbers_of({value}, options).has_value();
+        });
+    const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+    return !has_number || (numbers && heads_names(fields.front()) && may_head_columns(*numbers));
+}
+
 }  // namespace
 
 std::size_t find_header(const std::string& path,
@@ -118,28 +142,22 @@ std::size_t header_below_title(std::string_view text,
                                std::size_t header,
                                char delimiter,
                                const LoadOptions& options) {
-    constexpr std::size_t kLinesLookedAt = 20;
-    const std::vector<std::string_view> lines = lines_of(text);
-    if (header >= lines.size()) {
-        return header;
-    }
-    const std::size_t fields = fields_of(lines[header], delimiter, true).size();
-    for (std::size_t line = header + 1; line < std::min(lines.size(), header + kLinesLookedAt);
-         ++line) {
-        std::vector<std::string> values = fields_of(lines[line], delimiter, true);
-        if (!is_matrix_row(trimmed_matrix_line(lines[line])) || values.size() <= fields + 1) {
-            continue;
+    constexpr std::size_t kRecordsLookedAt = 20;
+    std::size_t line = 0;
+    std::optional<std::size_t> fields_of_title;
+    for (std::size_t looked_at = 0; !text.empty() && looked_at < kRecordsLookedAt;) {
+        const std::string_view record = text.substr(0, first_record(text, delimiter).length);
+        if (line >= header) {
+            const std::vector<std::string> fields = filled_fields_of(record, delimiter);
+            if (!fields_of_title) {
+                fields_of_title = fields.size();
+            } else if (fields.size() > *fields_of_title + 1) {
+                return heads_columns(fields, options) ? line : header;
+            }
+            ++looked_at;
         }
-        const std::string name = values.front();
-        values.erase(values.begin());
-        const bool has_number =
-            std::any_of(values.begin(), values.end(), [&options](const std::string& value) {
-                return numbers_of({value}, options).has_value();
-            });
-        const std::optional<std::vector<double>> numbers = numbers_of(values, options);
-        const bool heads =
-            !has_number || (numbers && heads_names(name) && may_head_columns(*numbers));
-        return heads ? line : header;
+        line += lines_of(record).size();
+        text.remove_prefix(record.size());
     }
     return header;
 }

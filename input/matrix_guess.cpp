@@ -33,7 +33,7 @@ std::size_t count_numbers(std::string_view text, char delimiter, const NumberRea
         const QuotedRecord record = first_record(text, delimiter);
         row = trimmed_matrix_line(text.substr(0, record.length));
         text.remove_prefix(record.length);
-        if (!is_matrix_row(row)) {
+        if (!is_record_row(row, delimiter)) {
             continue;
         }
         ++rows;

@@ -1,7 +1,5 @@
 #include "input/quoted_record.h"
 
-#include "util/matrix_line.h"
-
 namespace ovik {
 
 namespace {

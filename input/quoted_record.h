@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "util/matrix_line.h"
+
 /// Records of delimited text whose fields may stand in double quotes (RFC 4180): a field that opens
 /// with a quote may hold delimiters and line feeds, and a quote within it is doubled. Quotes that
 /// stand elsewhere in a field are text, and so are those of a field without delimiter or line feed
@@ -27,6 +29,14 @@ struct QuotedRecord {
 ///
 /// @param text  not empty; opens a line
 QuotedRecord first_record(std::string_view text, char delimiter);
+
+/// Whether a trimmed record is a row: neither empty nor a comment, and more than delimiters, which
+/// spreadsheets write for empty rows.
+inline bool is_record_row(std::string_view trimmed, char delimiter) {
+    return is_matrix_row(trimmed) &&
+           (trimmed.front() != delimiter ||
+            trimmed.find_first_not_of(delimiter) != std::string_view::npos);
+}
 
 /// Splits a record without a bad quote, as `for_each_matrix_field` splits lines: the fields are
 /// visited without their quotes, and line ends within them become blanks.

@@ -112,7 +112,7 @@ void read_rows(std::string_view text, TableHead& head) {
         const QuotedRecord record = first_record(text, head.delimiter);
         const std::string_view row = text.substr(0, record.length);
         text.remove_prefix(record.length);
-        if (is_matrix_row(trimmed_matrix_line(row))) {
+        if (is_record_row(trimmed_matrix_line(row), head.delimiter)) {
             head.rows.push_back(fields_of(row, head.delimiter, false));
             head.row_fields = std::max(head.row_fields, head.rows.back().size());
         }

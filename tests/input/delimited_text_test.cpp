@@ -146,6 +146,12 @@ TEST_F(DelimitedText, LeavesOutLinesThatAreNoRows) {
     EXPECT_EQ(matrix.report.not_numbers.count, 0U);
 }
 
+TEST_F(DelimitedText, SkipsTheEmptyRowsOfSpreadsheets) {
+    const InspectedMatrix matrix = inspect("h,a,b\n,,\nG1,1,2\n,,\r\n,,3\n,\n", ',');
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", ""));
+    EXPECT_THAT(values_of(matrix), ElementsAre(1.0, 2.0, IsNan(), 3.0));
+}
+
 TEST_F(DelimitedText, LeavesOutAllBlocksBehindTheEndOfTheTable) {
     std::string content = "h\nG1\t1\nG2\t2\n!end\n";
     for (int n = 0; n < 400000; ++n) {

@@ -52,7 +52,10 @@ TEST(HeaderBelowTitle, IsTheFirstLineOfManyFieldsIfThatHeadsColumns) {
         {"Table S1. Ratios\n\ngene\ta\tb\nG1\t1\t2\n", 2},
         {"Table S1\nof 2008\n\ta\tb\nG1\t1\t2\n", 2},
         {"Table S1\ngene\t0\t7\nG1\t1\t2\n", 1},
+        {"Table S1\t\t\n\t\t\t\ngene\ta\tb\nG1\t1\t2\n", 2},
         // Headers of one word, and what is no title.
+        {"gene\t\"a\nb\"\tc\td\te\tf\nG1\t1\t2\t3\t4\t5\n", 0},
+        {"gene\t\"a\nb\tc\td\te\"\tf\nG1\t1\t2\n", 0},
         {"g\nG1\t1\t2\nG2\t1\t2\n", 0},
         {"g\nx\t1\tNA\nG2\t1\t2\n", 0},
         {"g\nG1\t0,5\t1,5\nG2\t1\t2\n", 0},

@@ -50,8 +50,9 @@ TEST_F(ReadTableHead, PutsTheFieldsOfTheHeaderWhereTheRowsHaveThem) {
 }
 
 TEST_F(ReadTableHead, TakesARecordOfSeveralLinesForTheHeader) {
-    const TableHead quoted = head("gene,\"a\nb\"\nG1,1\n");
-    EXPECT_THAT(quoted.header, ElementsAre("gene", "a b"));
+    const TableHead quoted = head("gene,\"a\nb\",c,d\nG1,1,2,3\n");
+    EXPECT_THAT(quoted.opening, IsEmpty());
+    EXPECT_THAT(quoted.header, ElementsAre("gene", "a b", "c", "d"));
     EXPECT_EQ(quoted.lines_above, 2U);
     EXPECT_THAT(quoted.rows, SizeIs(1));
 }

@@ -230,7 +230,7 @@ inline PlainRecords plain_records(std::string_view text, std::size_t header, cha
     const std::vector<std::string> lines = plain_lines(text);
     for (std::size_t i = header; i < lines.size(); ++i) {
         const std::string first = plain_trimmed(lines[i]);
-        if (first.empty() || first[0] == '#') {
+        if (first.find_first_not_of(delimiter) == std::string::npos || first[0] == '#') {
             continue;
         }
         const std::size_t line = i;
