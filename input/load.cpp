@@ -65,7 +65,10 @@ void add_remarks(const std::string& name,
                  const InspectedMatrix& matrix,
                  std::vector<Remark>& remarks) {
     for (const std::string& note : matrix.report.notes) {
-        remarks.push_back({Remark::Kind::Note, name + ": " + note});
+        std::string text = name;
+        text += ": ";
+        text += note;
+        remarks.push_back({Remark::Kind::Note, std::move(text)});
     }
     std::vector<std::string> warnings = {transposed_warning(name, options, matrix)};
     for (std::string& warning : matrix_warnings(name, matrix.report)) {

@@ -16,12 +16,14 @@ constexpr std::size_t kListed = 3;
 
 /// What the numbers of a column are like.
 struct ColumnCharacter {
+    std::size_t count = 0;
     bool is_whole = true;
     double lowest = std::numeric_limits<double>::infinity();
     double highest = -std::numeric_limits<double>::infinity();
     double least_magnitude = std::numeric_limits<double>::infinity();
 
     void add(double value) {
+        ++count;
         is_whole = is_whole && value == std::floor(value);
         lowest = std::min(lowest, value);
         highest = std::max(highest, value);
@@ -48,14 +50,16 @@ std::vector<ColumnCharacter> characters_of(const InspectedMatrix& matrix) {
     return columns;
 }
 
-/// Columns of whole numbers, if two thirds of those that vary have fractions.
+/// Columns of whole numbers, so many that they are no chance, if two thirds of those that vary have
+/// fractions.
 std::vector<std::size_t> whole_among_fractions(const std::vector<ColumnCharacter>& columns) {
+    constexpr std::size_t kFewestNumbers = 10;
     std::vector<std::size_t> whole;
     std::size_t varying = 0;
     for (std::size_t d = 0; d < columns.size(); ++d) {
         if (columns[d].varies()) {
             ++varying;
-            if (columns[d].is_whole) {
+            if (columns[d].is_whole && columns[d].count >= kFewestNumbers) {
                 whole.push_back(d);
             }
         }

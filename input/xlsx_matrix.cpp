@@ -4,9 +4,7 @@
 #include <clocale>
 #include <cstddef>
 #include <iterator>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,6 +17,12 @@
 namespace ovik {
 
 namespace {
+
+/// The decimal sign by which text is read where none is given.
+char decimal_of_locale() {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): only read, before threads are started
+    return std::localeconv()->decimal_point[0];
+}
 
 std::string all_bytes_of(MatrixSource& source) {
     std::string bytes = source.takeHead();
@@ -62,7 +66,7 @@ InspectedMatrix read_xlsx_matrix(MatrixSource& source, const LoadOptions& option
     const std::string bytes = all_bytes_of(source);
     const Workbook workbook(source.name(), bytes);
     const std::size_t sheet = sheet_of(workbook, source.name(), options.sheet);
-    const char decimal = options.decimal.value_or('.');
+    const char decimal = options.decimal.value_or(decimal_of_locale());
     SheetText content = workbook.sheetText(sheet, decimal);
     if (content.text.find('\t') == std::string::npos) {
         throw InputError(source.name() + ": sheet \"" + workbook.sheetNames()[sheet] +
@@ -72,9 +76,6 @@ InspectedMatrix read_xlsx_matrix(MatrixSource& source, const LoadOptions& option
     MatrixSource text(source.name(), std::move(content.text));
     LoadOptions of_text = options;
     of_text.delimiter = '\t';
-    // Not given if it need not be: what has the other sign is then refused with the cure.
-    const bool is_usual = std::string_view(std::localeconv()->decimal_point) == ".";
-    of_text.decimal = options.decimal || is_usual ? options.decimal : std::optional(decimal);
     InspectedMatrix matrix = read_delimited_text(text, of_text);
     const std::vector<std::string>& names = workbook.sheetNames();
     std::vector<std::string>& notes = matrix.report.notes;

@@ -13,17 +13,18 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// Columns of values, with the names "a", "b" and so on, behind a field of names.
+/// Columns of values, each of them three times, with the names "a", "b" and so on, behind a field
+/// of names.
 InspectedMatrix matrix_of(const std::vector<std::vector<double>>& columns) {
     InspectedMatrix matrix;
-    matrix.report.rows = columns[0].size();
+    matrix.report.rows = 3 * columns[0].size();
     matrix.report.columns = columns.size();
     matrix.values = std::make_unique<double[]>(matrix.report.rows * matrix.report.columns);
     for (std::size_t d = 0; d < columns.size(); ++d) {
         matrix.column_names.emplace_back(1, static_cast<char>('a' + d));
         matrix.column_fields.push_back(d + 2);
         for (std::size_t n = 0; n < matrix.report.rows; ++n) {
-            matrix.values[n * columns.size() + d] = columns[d][n];
+            matrix.values[n * columns.size() + d] = columns[d][n % columns[d].size()];
         }
     }
     for (std::size_t n = 0; n < matrix.report.rows; ++n) {
@@ -48,7 +49,7 @@ TEST(OddColumns, AreWholeNumbersAmongFractions) {
     EXPECT_THAT(warning({kRatios, kRatios, {0, 1, 0, 2}}),
                 StartsWith("m.tsv: column \"c\" (field 4) is unlike"));
     EXPECT_THAT(
-        warning({{0, 1, 0, 2}, kRatios, kRatios, {1, 2, 3, std::nan("")}, kRatios, kRatios}),
+        warning({{0, 1, 0, 2}, kRatios, kRatios, {1, 2, 3, 4, 5, std::nan("")}, kRatios, kRatios}),
         HasSubstr("column \"a\" (field 2), column \"d\" (field 5) are unlike"));
 }
 
@@ -64,6 +65,9 @@ TEST(OddColumns, AreNoneOfUsualMatrices) {
     EXPECT_EQ(warning({kRatios, kRatios}), "");
     EXPECT_EQ(warning({kCounts, kCounts, kCounts}), "");
     EXPECT_EQ(warning({kRatios, kCounts}), "");
+    // Nine whole numbers may be chance.
+    const std::vector<double> three_ratios = {0.5, -1.25, 0.75};
+    EXPECT_EQ(warning({{3, 1, 2}, three_ratios, three_ratios}), "");
     // The reference of ratios, and a sample without values.
     EXPECT_EQ(warning({{0, 0, 0, 0}, kRatios, kRatios}), "");
     const double missing = std::nan("");
@@ -96,13 +100,17 @@ TEST(OddColumns, OfArraysAreNamedByNumber) {
 TEST(OddRows, AreNamedLikeASummaryOrAHeader) {
     InspectedMatrix matrix = matrix_of({kRatios});
     EXPECT_EQ(odd_rows_warning("m.tsv", matrix), "");
-    matrix.row_names = {"time", "SUM1", "MEAN1", "Total"};
+    matrix.row_names[0] = "time";
+    matrix.row_names[1] = "SUM1";
+    matrix.row_names[2] = "MEAN1";
+    matrix.row_names[3] = "Total";
     EXPECT_EQ(odd_rows_warning("m.tsv", matrix),
               "m.tsv: rows \"time\" (line 2), \"Total\" (line 5) are named like a summary or a "
               "second header, and would be embedded as the others are\n"
               "Take what is no measurement of its own out of the file.");
-    matrix.row_names = {"G1", "G2", "G3", "Average"};
-    matrix.row_lines.assign(4, 0);
+    matrix = matrix_of({kRatios});
+    matrix.row_names[11] = "Average";
+    matrix.row_lines.assign(12, 0);
     EXPECT_THAT(odd_rows_warning("m.npy", matrix), StartsWith("m.npy: row \"Average\" is named"));
 }
 

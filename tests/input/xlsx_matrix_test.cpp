@@ -1,5 +1,6 @@
 #include "input/xlsx_matrix.h"
 
+#include <clocale>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "util/input_error.h"
 
 #include "tests/support/gzip.h"
+#include "tests/support/locales.h"
 #include "tests/support/temporary_directory.h"
 #include "tests/support/workbook.h"
 
@@ -78,6 +80,17 @@ TEST_F(XlsxMatrix, HasTheNamesAndTheDoublesOfTheSheet) {
         EXPECT_THAT(values_of(matrix), ElementsAre(0.1, 1e-3, -2, 0.30000000000000004, 4, 5));
         EXPECT_THAT(remarks_, IsEmpty());
     }
+}
+
+TEST_F(XlsxMatrix, HasTheSameDoublesInEveryLocale) {
+    const test::MadeLocales made({"de_DE.UTF-8"});
+    if (!made.failure().empty()) {
+        GTEST_SKIP() << made.failure();
+    }
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+    const LoadedMatrix matrix = loaded(file_.bytes());
+    std::setlocale(LC_NUMERIC, "C");
+    EXPECT_THAT(values_of(matrix), ElementsAre(0.1, 1e-3, -2, 0.30000000000000004, 4, 5));
 }
 
 TEST_F(XlsxMatrix, IsOfTheFirstSheetOrTheOneThatIsNamed) {
