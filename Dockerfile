@@ -11,6 +11,8 @@ RUN apt-get update \
         g++ \
         libcli11-dev \
         libgoogle-glog-dev \
+        libminizip-dev \
+        libpugixml-dev \
         libxxhash-dev \
         make \
         nlohmann-json3-dev \
@@ -33,6 +35,8 @@ RUN apt-get update \
         gnuplot-nox \
         libgomp1 \
         libgoogle-glog0v6 \
+        libminizip1 \
+        libpugixml1v5 \
         procps \
         zlib1g \
     && rm -rf /var/lib/apt/lists/* \
