@@ -117,6 +117,9 @@ std::size_t find_header(const std::string& path,
     if (!numbers) {
         return first_text;
     }
+    if (heads_names(name) && may_head_columns(*numbers)) {
+        return first_text;
+    }
     // A comment with a field for each of this line's heads it.
     for (std::size_t line = first_text; line-- > 0;) {
         if (trimmed_matrix_line(lines[line]).starts_with('#') && !values.empty() &&
@@ -124,7 +127,7 @@ std::size_t find_header(const std::string& path,
             return line;
         }
     }
-    if (name.empty() || heads_names(name)) {
+    if (name.empty()) {
         return first_text;
     }
     const bool is_empty = trimmed_matrix_line(lines[0]).empty();

@@ -19,6 +19,7 @@ TEST(FindHeader, TellsHeadersFromRowsBehindCommentsAndEmptyLines) {
         // Time points, by the word above the names.
         {"# note\ngene\t0\t7\nG1\t1\t2\n", 1, 1},
         {"# note\n\t0\t7\nG1\t1\t2\n", 1, 1},
+        {"# a\tb\tc\ngene\t0\t7\nG1\t1\t2\n", 1, 1},
         // A comment that has a field for each of the row's.
         {"# note\n#x\ty\tz\nG1\t1\t2\n", 2, 1},
         // A row, so that the first line is the header.
