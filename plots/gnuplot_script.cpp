@@ -35,6 +35,7 @@ struct PanelGrid {
 struct Legend {
     Legend(const Figure& figure, const FigureStyle& style) {
         constexpr double kCharacterWidth = 0.75;  // pixels per point of the font, on average
+        constexpr double kWideCharacterWidth = 0.9;
         constexpr double kMarkerWidth = 44;
         constexpr double kLineHeight = 1.9;
         constexpr int kSmallestFont = 11;
@@ -46,7 +47,9 @@ struct Legend {
         const double wanted = room / (kCharacterWidth * static_cast<double>(longest));
         const double largest = std::max<double>(kSmallestFont, 0.7 * style.font_size);
         font_size = static_cast<int>(std::clamp<double>(wanted, kSmallestFont, largest));
-        characters = static_cast<std::size_t>(std::max(1.0, room / (kCharacterWidth * font_size)));
+        // Labels that are cut may have been cut among wide letters.
+        const double width = font_size > kSmallestFont ? kCharacterWidth : kWideCharacterWidth;
+        characters = static_cast<std::size_t>(std::max(1.0, room / (width * font_size)));
         const double height = std::max(0.0, (style.top - style.bottom) * style.height);
         lines = static_cast<std::size_t>(std::max(2.0, height / (kLineHeight * font_size)));
     }

@@ -7,7 +7,7 @@ import os
 import stat
 import warnings
 from collections.abc import Sequence
-from typing import Any, NamedTuple
+from typing import Any, Literal, NamedTuple
 
 import numpy as np
 from numpy.typing import NDArray
@@ -39,6 +39,10 @@ def read_matrix(
     skip_columns: str | int | Sequence[str | int] = (),
     na: str | Sequence[str] = (),
     missing: str | None = None,
+    sheet: str | None = None,
+    log1p: bool = False,
+    center: Literal["rows", "columns"] | None = None,
+    scale: bool = False,
     encoding: str = "utf-8",
 ) -> Matrix:
     """Read a matrix as the command ``ovik-tsne`` does.
@@ -47,7 +51,8 @@ def read_matrix(
     ----------
     path : str or path-like
         Delimited text (one header line, then a name and its values per line), a NumPy array
-        (``.npy``) or a Matrix Market file; plain or packed by gzip. Told apart by their first bytes.
+        (``.npy``), a Matrix Market file or an Excel workbook; plain or packed by gzip. Told apart by
+        their first bytes.
     delimiter : str, optional
         The character between the fields of delimited text. By default the one that gives the most
         numbers: tab, comma, semicolon or blank. Fields may stand in double quotes.
@@ -68,6 +73,15 @@ def read_matrix(
         What becomes of missing values (empty fields, ``NA``, ``NaN``, ``null`` and the like; NaN in
         arrays). None leaves them NaN, which `TSNE` refuses. The others are what the command has:
         0, the means of rows or columns, rows left out, or an error.
+    sheet : str, optional
+        The sheet of an Excel workbook. By default the first that is not hidden.
+    log1p : bool, default False
+        Whether to take log(1 + x) of the values: for counts. No value may be missing for this and
+        the next two; they are done in this order.
+    center : {None, "rows", "columns"}, optional
+        Which means to subtract.
+    scale : bool, default False
+        Whether to divide each column by its standard deviation (n - 1).
     encoding : str, default "utf-8"
         Of the names.
 
@@ -102,6 +116,10 @@ def read_matrix(
         "names_column": "" if names_column is None else _column(names_column, encoding),
         "skip_columns": [_column(column, encoding) for column in _listed(skip_columns)],
         "missing_signs": [sign.encode(encoding) for sign in _listed(na)],
+        "sheet": "" if sheet is None else sheet.encode(encoding),
+        "log1p": bool(log1p),
+        "center": _checked_center(center),
+        "scale": bool(scale),
     }
     values, row_names, column_names, remarks = _core.read_matrix(
         os.fsencode(path), form, missing or ""
@@ -145,6 +163,12 @@ def _checked_decimal(decimal: str | None) -> str | None:
     if decimal not in (None, ".", ","):
         raise ValueError(f"decimal should be '.' or ',', not {decimal!r}")
     return decimal
+
+
+def _checked_center(center: str | None) -> str:
+    if center not in (None, "rows", "columns"):
+        raise ValueError(f"center should be None, 'rows' or 'columns', not {center!r}")
+    return center or ""
 
 
 def _listed(one_or_more: Any) -> list[Any]:

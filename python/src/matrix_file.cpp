@@ -51,6 +51,9 @@ std::string spelled(const std::string& option, const std::string& value) {
     }
     std::string argument = option;
     std::replace(argument.begin(), argument.end(), '-', '_');
+    if (option == "log1p" || option == "scale") {
+        return argument + "=True";
+    }
     if (value.empty()) {
         return argument;
     }
@@ -74,6 +77,8 @@ MatrixFile read_matrix_file(const std::string& path,
     options.names_column = form.names_column;
     options.skip_columns = form.skip_columns;
     options.missing_signs = form.missing_signs;
+    options.sheet = form.sheet;
+    options.transformations = form.transformations;
     options.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     options.missing = policy_of(missing);
     options.spell = spelled;

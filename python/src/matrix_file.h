@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "input/inspected_matrix.h"
+#include "input/transformations.h"
 
 namespace ovik::python {
 
@@ -25,6 +26,8 @@ struct TextForm {
     std::string names_column;
     std::vector<std::string> skip_columns;
     std::vector<std::string> missing_signs;
+    std::string sheet;
+    Transformations transformations;
 };
 
 /// Reads a matrix file of any format that the command reads.

@@ -215,7 +215,11 @@ TextForm form_of(const py::dict& form) {
             form["has_names"].cast<bool>(),
             form["names_column"].cast<std::string>(),
             form["skip_columns"].cast<std::vector<std::string>>(),
-            form["missing_signs"].cast<std::vector<std::string>>()};
+            form["missing_signs"].cast<std::vector<std::string>>(),
+            form["sheet"].cast<std::string>(),
+            {.log1p = form["log1p"].cast<bool>(),
+             .centre = centring_of(form["center"].cast<std::string>()).value_or(Centring::None),
+             .scale = form["scale"].cast<bool>()}};
 }
 
 py::tuple read_matrix(const std::string& path,

@@ -1,13 +1,17 @@
 """The matrix reader."""
 
 import gzip
+import io
 import locale
+import zipfile
 
 import numpy as np
 import pytest
 
 import ovik
 
+MAIN = "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
+RELATIONS = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
 TEXT = "gene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,NA\n"
 
 
@@ -118,6 +122,56 @@ def test_text_is_read_as_the_arguments_say(write, content, options):
     assert np.array_equal(matrix.values, [[1, 2.5], [-3, 400], [0, np.nan]], equal_nan=True)
     assert matrix.row_names == ["G1", "G2", "G3"]
     assert matrix.column_names == ([] if "header" in options else ["a", "b"])
+
+
+def test_values_are_transformed_in_the_order_of_the_options(write):
+    text = "gene,a,b,c\nG1,1,2.5,0\nG2,3,400,7\nG3,0,5,2\nG4,9,1,6\n"
+    expected = np.log1p(ovik.read_matrix(write(text)).values)
+    expected -= expected.mean(axis=1, keepdims=True)
+    expected /= expected.std(axis=0, ddof=1)
+    matrix = ovik.read_matrix(write(text), log1p=True, center="rows", scale=True)
+    assert matrix.values == pytest.approx(expected, rel=1e-14)
+
+
+@pytest.mark.parametrize("options, message", [
+    ({"log1p": True}, 'row "G2" has a value below 0 in column "a"'),
+    ({"scale": True, "missing": None}, "values are missing"),
+    ({"center": "x"}, "center should be None, 'rows' or 'columns', not 'x'"),
+])
+def test_values_that_cannot_be_transformed_are_refused(write, options, message):
+    with pytest.raises(ValueError, match=message):
+        ovik.read_matrix(write(TEXT), **{"missing": "zero", **options})
+
+
+def test_sheet_of_a_workbook_is_chosen(write):
+    def sheet(cells):
+        rows = "".join(
+            "<row>" + "".join(f"<c t=\"{kind}\"><v>{value}</v></c>" for kind, value in row) + "</row>"
+            for row in cells
+        )
+        return f'<worksheet xmlns="{MAIN}"><sheetData>{rows}</sheetData></worksheet>'
+
+    def table(first):
+        return [[("str", "gene"), ("str", "a")]] + [
+            [("str", f"G{n}"), ("n", first + n)] for n in range(3)
+        ]
+
+    packed = io.BytesIO()
+    with zipfile.ZipFile(packed, "w") as archive:
+        archive.writestr("xl/workbook.xml", f'<workbook xmlns="{MAIN}" xmlns:r="{RELATIONS}"><sheets>'
+                         '<sheet name="one" sheetId="1" r:id="r1"/>'
+                         '<sheet name="two" sheetId="2" r:id="r2"/></sheets></workbook>')
+        archive.writestr("xl/_rels/workbook.xml.rels",
+                         '<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">'
+                         + "".join(f'<Relationship Id="r{n}" Type="{RELATIONS}/worksheet" Target="{n}.xml"/>'
+                                   for n in (1, 2)) + "</Relationships>")
+        archive.writestr("xl/1.xml", sheet(table(5)))
+        archive.writestr("xl/2.xml", sheet(table(8)))
+    workbook = write(packed.getvalue(), "m.xlsx")
+    assert ovik.read_matrix(workbook).values.tolist() == [[5], [6], [7]]
+    assert ovik.read_matrix(workbook, sheet="two").values.tolist() == [[8], [9], [10]]
+    with pytest.raises(ValueError, match="three"):
+        ovik.read_matrix(workbook, sheet="three")
 
 
 def test_rows_without_names_have_numbers(write):
