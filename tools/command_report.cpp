@@ -23,7 +23,7 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
         }
     });
     const std::string precision = options.precision == Precision::Float ? "float" : "double";
-    const std::string transformations = names_of(options.transformations);
+    const std::string transformations = names_of(options.load.transformations);
     report.options.emplace_back("transformations",
                                 transformations.empty() ? "null" : json_text(transformations));
     report.options.emplace_back("precision", json_text(precision));

@@ -60,7 +60,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.draw_plots = options.plots;
     tsne.checkpoint_path = options.checkpoint;
     tsne.checkpoint_every = options.checkpoint_every;
-    tsne.transformations = names_of(options.transformations);
+    tsne.transformations = names_of(options.load.transformations);
     tsne.resume_path = options.resume;
     tsne.cached_neighbours = std::move(input.neighbours);
 }

@@ -194,7 +194,7 @@ std::vector<LabelColumn> settle_labels(const LoadedMatrix& loaded, const Options
     }
     JoinedLabels joined = join_labels(*loaded.label_table,
                                       loaded.matrix.row_names,
-                                      options.labels_file,
+                                      options.load.labels_file,
                                       options.names != RowNames::Other);
     print_info(one_line_utf8(joined_labels_line(joined.counts)));
     return std::move(joined.columns);

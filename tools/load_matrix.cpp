@@ -34,21 +34,9 @@ std::string spelled(const std::string& option, const std::string& value) {
 }
 
 LoadOptions load_options(const Options& options) {
-    LoadOptions load;
-    load.delimiter = options.delimiter;
-    load.decimal = options.decimal;
-    load.has_header = options.has_header;
-    load.has_names = options.has_names;
-    load.names_column = options.names_column;
-    load.skip_columns = options.skip_columns;
-    load.missing_signs = options.missing_signs;
+    LoadOptions load = options.load;
     load.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
-    load.missing = options.missing;
     load.spell = spelled;
-    load.sheet = options.sheet;
-    load.transformations = options.transformations;
-    load.row_names_file = options.row_names_file;
-    load.labels_file = options.labels_file;
     if (!options.force) {
         load.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
             check_memory_of_reading(source, layout, available_memory());

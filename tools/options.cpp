@@ -256,32 +256,32 @@ void add_checkpoint_options(CLI::App& app, Options& options) {
 void add_text_options(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
            "--decimal",
-           [&options](const std::string& text) { options.decimal = text.front(); },
+           [&options](const std::string& text) { options.load.decimal = text.front(); },
            "Decimal sign of the text: . or , (.)")
         ->option_text("SIGN")
         ->check(CLI::IsMember({".", ","}));
     app.add_option_function<std::string>(
            "--skip-columns",
-           [&options](const std::string& text) { options.skip_columns = parts_of(text); },
+           [&options](const std::string& text) { options.load.skip_columns = parts_of(text); },
            "Columns that are no values, by header or number, separated by commas")
         ->option_text("NAME");
     CLI::Option* const names =
         app.add_option("--names-column",
-                       options.names_column,
+                       options.load.names_column,
                        "Column of the names of the rows, by header or number (the first)")
             ->option_text("NAME");
     app.add_option("--na",
-                   options.missing_signs,
+                   options.load.missing_signs,
                    "Text that stands for a missing value, besides NA and the like; repeatable")
         ->option_text("TEXT")
         ->allow_extra_args(false);
     app.add_flag_callback(
         "--no-header",
-        [&options] { options.has_header = false; },
+        [&options] { options.load.has_header = false; },
         "The first line of the text is a row");
     app.add_flag_callback(
            "--no-names",
-           [&options] { options.has_names = false; },
+           [&options] { options.load.has_names = false; },
            "The first column of the text is values; rows are called by their numbers")
         ->excludes(names);
 }
@@ -295,13 +295,13 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
-           [&options](const std::string& text) { options.delimiter = parse_delimiter(text); },
+           [&options](const std::string& text) { options.load.delimiter = parse_delimiter(text); },
            "Between fields: tab, comma, semicolon, space or a character (guessed)")
         ->option_text("TEXT");
     add_text_options(app, options);
     app.add_option_function<std::string>(
            "--missing",
-           [&options](const std::string& text) { options.missing = missing_policy(text); },
+           [&options](const std::string& text) { options.load.missing = missing_policy(text); },
            "Values: zero, row-mean, column-mean, drop (their rows) or error (zero, and a warning)")
         ->option_text("POLICY")
         ->check([](const std::string& text) {
@@ -322,7 +322,7 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("KIND")
         ->check(CLI::IsMember({"file", "standard", "other"}));
     app.add_option("--row-names",
-                   options.row_names_file,
+                   options.load.row_names_file,
                    "One name per line and row, for files without names")
         ->option_text("FILE");
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
@@ -333,19 +333,19 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("REPORT ...");
     app.add_option(
            "--labels",
-           options.labels_file,
+           options.load.labels_file,
            "One label per line and row, or a table with a header of names and labels; they colour "
            "the plots")
         ->option_text("FILE");
 }
 
 void add_workbook_options(CLI::App& app, Options& options) {
-    app.add_option("--sheet", options.sheet, "Of an Excel workbook (the first)")
+    app.add_option("--sheet", options.load.sheet, "Of an Excel workbook (the first)")
         ->option_text("NAME");
 }
 
 void add_transformation_options(CLI::App& app, Options& options) {
-    Transformations& transformations = options.transformations;
+    Transformations& transformations = options.load.transformations;
     app.add_flag("--log1p", transformations.log1p, "Take log(1 + x) of the values, for counts");
     app.add_option_function<std::string>(
            "--center",

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "input/missing_values.h"
-#include "input/transformations.h"
+#include "input/load_options.h"
 #include "stats/fit_options.h"
 
 namespace ovik::tool {
@@ -37,32 +36,11 @@ struct Options {
     std::vector<double> perplexities;
     /// What the map is made by; the perplexity is that of one of the runs, and set for each.
     FitOptions fit;
-    /// What separates fields; guessed from the file if it is not given.
-    std::optional<char> delimiter;
-    /// The decimal sign of delimited text; if it is not given a point, and commas are refused.
-    std::optional<char> decimal;
-    /// Whether delimited text has a header, and names of its rows.
-    bool has_header = true;
-    bool has_names = true;
-    /// The column of the names, by header or number; empty: what the file's layout says.
-    std::string names_column;
-    /// Columns that are no values, by header or number.
-    std::vector<std::string> skip_columns;
-    /// Texts that stand for a missing value besides the usual ones.
-    std::vector<std::string> missing_signs;
-    /// What becomes of missing values; if it is not given they are zero, with a warning.
-    std::optional<MissingPolicy> missing;
-    /// The sheet of a workbook; empty for the first.
-    std::string sheet;
-    /// What is done to the values before they are embedded.
-    Transformations transformations;
+    /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
+    LoadOptions load;
     RowNames names = RowNames::AsInFile;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
-    /// File of the labels, one per line and row or a table of names and labels; empty for none.
-    std::string labels_file;
-    /// Names of the rows, for formats that have none; empty: numbers.
-    std::string row_names_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
     /// File of the checkpoint; empty for none.

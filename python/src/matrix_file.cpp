@@ -67,18 +67,8 @@ std::string spelled(const std::string& option, const std::string& value) {
 }  // namespace
 
 MatrixFile read_matrix_file(const std::string& path,
-                            const TextForm& form,
+                            LoadOptions options,
                             const std::string& missing) {
-    LoadOptions options;
-    options.delimiter = form.delimiter;
-    options.decimal = form.decimal;
-    options.has_header = form.has_header;
-    options.has_names = form.has_names;
-    options.names_column = form.names_column;
-    options.skip_columns = form.skip_columns;
-    options.missing_signs = form.missing_signs;
-    options.sheet = form.sheet;
-    options.transformations = form.transformations;
     options.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     options.missing = policy_of(missing);
     options.spell = spelled;

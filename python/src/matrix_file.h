@@ -1,11 +1,10 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "input/inspected_matrix.h"
-#include "input/transformations.h"
+#include "input/load_options.h"
 
 namespace ovik::python {
 
@@ -17,29 +16,17 @@ struct MatrixFile {
     std::vector<std::string> warnings;
 };
 
-/// How a text is taken, as the arguments of Python say; see `LoadOptions`.
-struct TextForm {
-    std::optional<char> delimiter;
-    std::optional<char> decimal;
-    bool has_header = true;
-    bool has_names = true;
-    std::string names_column;
-    std::vector<std::string> skip_columns;
-    std::vector<std::string> missing_signs;
-    std::string sheet;
-    Transformations transformations;
-};
-
 /// Reads a matrix file of any format that the command reads.
 ///
 /// @param path     also one that opens as standard input, "-"
+/// @param options  what the arguments of Python say; the rest is filled in
 /// @param missing  what becomes of missing values, by its name on the command line; empty: they
 /// stay NaN
 /// @throws InputError if the file cannot be read as a matrix, or there is no such policy; its text
 /// spells options as arguments of Python
 /// @throws std::system_error if it cannot be read to its end
 MatrixFile read_matrix_file(const std::string& path,
-                            const TextForm& form,
+                            LoadOptions options,
                             const std::string& missing);
 
 }  // namespace ovik::python

@@ -207,27 +207,30 @@ Array as_array(InspectedMatrix& matrix) {
     return Array({matrix.report.rows, matrix.report.columns}, values, owner);
 }
 
-/// @param form  each member of `TextForm` by its name
-TextForm form_of(const py::dict& form) {
-    return {form["delimiter"].cast<std::optional<char>>(),
-            form["decimal"].cast<std::optional<char>>(),
-            form["has_header"].cast<bool>(),
-            form["has_names"].cast<bool>(),
-            form["names_column"].cast<std::string>(),
-            form["skip_columns"].cast<std::vector<std::string>>(),
-            form["missing_signs"].cast<std::vector<std::string>>(),
-            form["sheet"].cast<std::string>(),
-            {.log1p = form["log1p"].cast<bool>(),
-             .centre = centring_of(form["center"].cast<std::string>()).value_or(Centring::None),
-             .scale = form["scale"].cast<bool>()}};
+/// @param form  those members by name, and `center`
+LoadOptions load_options(const py::dict& form) {
+    LoadOptions options;
+    options.delimiter = form["delimiter"].cast<std::optional<char>>();
+    options.decimal = form["decimal"].cast<std::optional<char>>();
+    options.has_header = form["has_header"].cast<bool>();
+    options.has_names = form["has_names"].cast<bool>();
+    options.names_column = form["names_column"].cast<std::string>();
+    options.skip_columns = form["skip_columns"].cast<std::vector<std::string>>();
+    options.missing_signs = form["missing_signs"].cast<std::vector<std::string>>();
+    options.sheet = form["sheet"].cast<std::string>();
+    options.transformations.log1p = form["log1p"].cast<bool>();
+    options.transformations.centre =
+        centring_of(form["center"].cast<std::string>()).value_or(Centring::None);
+    options.transformations.scale = form["scale"].cast<bool>();
+    return options;
 }
 
 py::tuple read_matrix(const std::string& path,
                       const py::dict& arguments,
                       const std::string& missing) {
-    const TextForm form = form_of(arguments);
+    const LoadOptions options = load_options(arguments);
     MatrixFile file = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
-        return read_matrix_file(path, form, missing);
+        return read_matrix_file(path, options, missing);
     });
     const std::vector<py::bytes> row_names = as_bytes(file.matrix.row_names);
     const std::vector<py::bytes> column_names = as_bytes(file.matrix.column_names);

@@ -81,8 +81,8 @@ void check_options(const Options& options, const std::vector<std::string>& argum
     OVIK_REQUIRE(options.checkpoint_every >= 1 && options.checkpoint_every <= 1000000000);
     OVIK_REQUIRE(was_given(options.checkpoint_every, 50, arguments));
     OVIK_REQUIRE(options.checkpoint_every == 50 || !options.checkpoint.empty());
-    if (options.delimiter) {
-        OVIK_REQUIRE(*options.delimiter != '\n' && *options.delimiter != '\r');
+    if (options.load.delimiter) {
+        OVIK_REQUIRE(*options.load.delimiter != '\n' && *options.load.delimiter != '\r');
     }
     OVIK_REQUIRE(options.precision == Precision::Double || options.precision == Precision::Float);
 }

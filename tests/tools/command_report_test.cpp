@@ -39,7 +39,7 @@ TEST(BeginReport, SaysWhatWasCalledWithWhichNumbers) {
 
 TEST(BeginReport, NamesWhatIsDoneToTheValues) {
     Options options;
-    options.transformations = {true, Centring::Rows, false};
+    options.load.transformations = {true, Centring::Rows, false};
     EXPECT_EQ(option(begin_report(options, {}), "transformations"), "\"log1p, center rows\"");
 }
 

@@ -65,30 +65,30 @@ TEST_F(LoadMatrix, GivesNamesAndValuesAndIsSilentIfThereIsNothingToSay) {
 }
 
 TEST_F(LoadMatrix, TakesTheFilesBesideTheMatrix) {
-    options_.labels_file = directory_.write("labels.txt", "x\ny\nx\n");
+    options_.load.labels_file = directory_.write("labels.txt", "x\ny\nx\n");
     EXPECT_EQ(loaded(kMatrix).labels, (std::vector<std::string>{"x", "y", "x"}));
-    options_.labels_file = directory_.write("labels.txt", "x\ny\n");
+    options_.load.labels_file = directory_.write("labels.txt", "x\ny\n");
     EXPECT_THAT(refusal(kMatrix), HasSubstr("holds 2 labels, but the matrix has 3 rows"));
-    options_.labels_file.clear();
-    options_.row_names_file = directory_.write("names.txt", "a\nb\nc\n");
+    options_.load.labels_file.clear();
+    options_.load.row_names_file = directory_.write("names.txt", "a\nb\nc\n");
     EXPECT_THAT(refusal(kMatrix), HasSubstr("--row-names"));
 }
 
 TEST_F(LoadMatrix, TakesTheDelimiter) {
     constexpr const char* kBars = "h|a|b\nG1|1|2\nG2|3|5\nG3|4|0\n";
     EXPECT_NE(refusal(kBars), "");
-    options_.delimiter = '|';
+    options_.load.delimiter = '|';
     EXPECT_EQ(loaded(kBars).matrix.values[3], 5.0);
 }
 
 TEST_F(LoadMatrix, TakesTextAsTheOptionsSay) {
     constexpr const char* kText = "1;G1;1,5;x;ND\n2;G2;3;y;5\n3;G3;4;z;0\n";
-    options_.has_header = false;
-    options_.decimal = ',';
-    options_.names_column = "2";
-    options_.skip_columns = {"4"};
-    options_.missing_signs = {"ND"};
-    options_.missing = MissingPolicy::Zero;
+    options_.load.has_header = false;
+    options_.load.decimal = ',';
+    options_.load.names_column = "2";
+    options_.load.skip_columns = {"4"};
+    options_.load.missing_signs = {"ND"};
+    options_.load.missing = MissingPolicy::Zero;
     const LoadedMatrix matrix = loaded(kText);
     EXPECT_EQ(matrix.matrix.row_names, (std::vector<std::string>{"G1", "G2", "G3"}));
     EXPECT_EQ(matrix.matrix.values[0], 1.5);
@@ -118,11 +118,11 @@ TEST_F(LoadMatrix, WarnsOnStandardErrorAndSaysWhatWasAskedForOnStandardOutput) {
     EXPECT_EQ(loaded(kGap).missing, 1U);
     EXPECT_EQ(out_, "");
     EXPECT_THAT(err_, StartsWith("ovik-tsne: warning: "));
-    options_.missing = MissingPolicy::RowMean;
+    options_.load.missing = MissingPolicy::RowMean;
     EXPECT_EQ(loaded(kGap).matrix.values[1], 1.0);
     EXPECT_THAT(out_, StartsWith("-- "));
     EXPECT_EQ(err_, "");
-    options_.missing = MissingPolicy::Error;
+    options_.load.missing = MissingPolicy::Error;
     EXPECT_THAT(refusal(kGap),
                 testing::EndsWith("Fill them in, or choose with --missing what becomes of them."));
 }

@@ -78,12 +78,12 @@ TEST(ParseCommandLine, FillsInDefaults) {
     EXPECT_EQ(options.title, "m");
     EXPECT_EQ(options.suffix, "");
     EXPECT_THAT(options.perplexities, IsEmpty());
-    EXPECT_FALSE(options.delimiter);
-    EXPECT_FALSE(options.missing);
+    EXPECT_FALSE(options.load.delimiter);
+    EXPECT_FALSE(options.load.missing);
     EXPECT_EQ(options.names, RowNames::AsInFile);
     EXPECT_EQ(options.gene, "");
-    EXPECT_EQ(options.labels_file, "");
-    EXPECT_EQ(options.row_names_file, "");
+    EXPECT_EQ(options.load.labels_file, "");
+    EXPECT_EQ(options.load.row_names_file, "");
     EXPECT_TRUE(options.plots);
     EXPECT_EQ(options.checkpoint, "");
     EXPECT_EQ(options.checkpoint_every, 50);
@@ -141,11 +141,11 @@ TEST(ParseCommandLine, TakesWhatIsGiven) {
     EXPECT_EQ(options.name, "yeast");
     EXPECT_EQ(options.suffix, "_a");
     EXPECT_EQ(options.title, "Yeast genes");
-    EXPECT_EQ(options.labels_file, "labels.txt");
-    EXPECT_EQ(options.row_names_file, "names.txt");
+    EXPECT_EQ(options.load.labels_file, "labels.txt");
+    EXPECT_EQ(options.load.row_names_file, "names.txt");
     EXPECT_EQ(options.names, RowNames::Standard);
     EXPECT_TRUE(options.annotated_tsv);
-    EXPECT_EQ(options.missing, MissingPolicy::RowMean);
+    EXPECT_EQ(options.load.missing, MissingPolicy::RowMean);
     EXPECT_EQ(options.precision, Precision::Float);
     EXPECT_EQ(options.threads, 3);
     EXPECT_EQ(options.checkpoint, "fit.ckpt");
@@ -246,13 +246,13 @@ TEST(ParseCommandLine, ReadsCountsAsDecimalNumbers) {
 }
 
 TEST(ParseCommandLine, TakesDelimitersByNameAndAsTheyAre) {
-    EXPECT_EQ(options_of({"--delimiter", "tab"}).delimiter, '\t');
-    EXPECT_EQ(options_of({"--delimiter", "\\t"}).delimiter, '\t');
-    EXPECT_EQ(options_of({"--delimiter", "\t"}).delimiter, '\t');
-    EXPECT_EQ(options_of({"--delimiter", "comma"}).delimiter, ',');
-    EXPECT_EQ(options_of({"--delimiter", "semicolon"}).delimiter, ';');
-    EXPECT_EQ(options_of({"--delimiter", "space"}).delimiter, ' ');
-    EXPECT_EQ(options_of({"--delimiter", "|"}).delimiter, '|');
+    EXPECT_EQ(options_of({"--delimiter", "tab"}).load.delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "\\t"}).load.delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "\t"}).load.delimiter, '\t');
+    EXPECT_EQ(options_of({"--delimiter", "comma"}).load.delimiter, ',');
+    EXPECT_EQ(options_of({"--delimiter", "semicolon"}).load.delimiter, ';');
+    EXPECT_EQ(options_of({"--delimiter", "space"}).load.delimiter, ' ');
+    EXPECT_EQ(options_of({"--delimiter", "|"}).load.delimiter, '|');
     constexpr const char* kReason =
         "--delimiter: should be tab, comma, semicolon, space or one character, not ";
     for (const std::string text : {"ab", "Tab", "\n", "\r", "\xc2\xb7"}) {
@@ -262,18 +262,19 @@ TEST(ParseCommandLine, TakesDelimitersByNameAndAsTheyAre) {
 
 TEST(ParseCommandLine, TakesHowTextIsToBeRead) {
     const Options usual = options_of({});
-    EXPECT_EQ(usual.decimal, std::nullopt);
-    EXPECT_TRUE(usual.has_header && usual.has_names);
-    EXPECT_THAT(usual.skip_columns, IsEmpty());
-    EXPECT_THAT(usual.missing_signs, IsEmpty());
-    EXPECT_EQ(options_of({"--decimal", ","}).decimal, ',');
-    EXPECT_EQ(options_of({"--decimal", "."}).decimal, '.');
+    EXPECT_EQ(usual.load.decimal, std::nullopt);
+    EXPECT_TRUE(usual.load.has_header && usual.load.has_names);
+    EXPECT_THAT(usual.load.skip_columns, IsEmpty());
+    EXPECT_THAT(usual.load.missing_signs, IsEmpty());
+    EXPECT_EQ(options_of({"--decimal", ","}).load.decimal, ',');
+    EXPECT_EQ(options_of({"--decimal", "."}).load.decimal, '.');
     EXPECT_THAT(refusal({"m", "--decimal", ";"}), HasSubstr("--decimal"));
-    EXPECT_THAT(options_of({"--skip-columns", "a b,3"}).skip_columns, ElementsAre("a b", "3"));
-    EXPECT_EQ(options_of({"--names-column", "gene"}).names_column, "gene");
-    EXPECT_THAT(options_of({"--na", "ND", "--na=-999"}).missing_signs, ElementsAre("ND", "-999"));
-    EXPECT_FALSE(options_of({"--no-header"}).has_header);
-    EXPECT_FALSE(options_of({"--no-names"}).has_names);
+    EXPECT_THAT(options_of({"--skip-columns", "a b,3"}).load.skip_columns, ElementsAre("a b", "3"));
+    EXPECT_EQ(options_of({"--names-column", "gene"}).load.names_column, "gene");
+    EXPECT_THAT(options_of({"--na", "ND", "--na=-999"}).load.missing_signs,
+                ElementsAre("ND", "-999"));
+    EXPECT_FALSE(options_of({"--no-header"}).load.has_header);
+    EXPECT_FALSE(options_of({"--no-names"}).load.has_names);
     EXPECT_THAT(refusal({"m", "--no-names", "--names-column", "2"}), HasSubstr("--no-names"));
     EXPECT_THAT(refusal({"m", "--delimiter", "\""}), HasSubstr("--delimiter"));
 }
@@ -291,10 +292,10 @@ TEST(ParseCommandLine, TakesFormsOfCoordinates) {
 }
 
 TEST(ParseCommandLine, TakesPoliciesForMissingValues) {
-    EXPECT_EQ(options_of({"--missing", "zero"}).missing, MissingPolicy::Zero);
-    EXPECT_EQ(options_of({"--missing", "column-mean"}).missing, MissingPolicy::ColumnMean);
-    EXPECT_EQ(options_of({"--missing", "drop"}).missing, MissingPolicy::Drop);
-    EXPECT_EQ(options_of({"--missing", "error"}).missing, MissingPolicy::Error);
+    EXPECT_EQ(options_of({"--missing", "zero"}).load.missing, MissingPolicy::Zero);
+    EXPECT_EQ(options_of({"--missing", "column-mean"}).load.missing, MissingPolicy::ColumnMean);
+    EXPECT_EQ(options_of({"--missing", "drop"}).load.missing, MissingPolicy::Drop);
+    EXPECT_EQ(options_of({"--missing", "error"}).load.missing, MissingPolicy::Error);
     for (const std::string text : {"mean", "Zero", "leave"}) {
         EXPECT_EQ(refusal_of("--missing", text),
                   "--missing: should be zero, row-mean, column-mean, drop or error, not " + text);
