@@ -4,11 +4,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/command_test.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/gzip.h"
-#include <nlohmann/json.hpp>
 
 /// Labels by name, and the annotated table, by the real program; R and Python read the table.
 

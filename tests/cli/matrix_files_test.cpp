@@ -283,7 +283,8 @@ TEST_F(MatrixFile, MayHaveVeryLongNamesAndManyColumns) {
 }
 
 TEST_F(MatrixFile, CannotSteerTheTerminal) {
-    const CommandOutcome outcome = run_on("g\ta\nG\x1b[2J1\t1\nG2\t2\nG3\t4\nG4\t4\n", {"--no-plots", "--names", "file"});
+    const CommandOutcome outcome =
+        run_on("g\ta\nG\x1b[2J1\t1\nG2\t2\nG3\t4\nG4\t4\n", {"--no-plots", "--names", "file"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
     EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
     EXPECT_EQ(outcome.err.find('\x07'), std::string::npos);
