@@ -26,6 +26,9 @@ class RecordBlocks {
     /// @return false at the end of the file
     bool next(std::string& block);
 
+    /// Whether there may be more of the file.
+    [[nodiscard]] bool hasMore() const { return lines_.hasMore(); }
+
   private:
     /// Where the record begins that is open at the end of a block; the block's size if none is.
     [[nodiscard]] std::size_t openRecord(const std::string& block, std::size_t from) const;

@@ -108,8 +108,12 @@ ExitStatus embed(const Options& options, RunReport report) {
     start_logging(options.quiet);
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
-    return run_perplexities(
+    const ExitStatus status = run_perplexities(
         std::move(loaded), labels, perplexities, options, std::move(report), since_start);
+    if (const std::string note = denied_threads_note(); !note.empty()) {
+        complain("note: " + note);
+    }
+    return status;
 }
 
 /// Does what the command line asks for.

@@ -4,7 +4,6 @@
 #include <deque>
 #include <istream>
 #include <mutex>
-#include <omp.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -49,6 +48,9 @@ class LineBlocks {
         return !block.empty();
     }
 
+    /// Whether there may be more of the file.
+    [[nodiscard]] bool hasMore() const { return static_cast<bool>(file_); }
+
   private:
     std::istream& file_;
     std::size_t size_;
@@ -65,10 +67,10 @@ void for_each_line(std::string_view text, const Visit& visit) {
     }
 }
 
-/// Parses a text in blocks, threads taking them in turns. All of them parse under the locale of the
-/// caller.
+/// Parses a text in blocks, threads taking them in turns; a text of one block takes no other
+/// thread. All of them parse under the locale of the caller.
 ///
-/// @param blocks  `blocks.next(block)` fetches the next block, as that of `LineBlocks` does
+/// @param blocks  `next` and `hasMore`, as `LineBlocks` has them
 /// @param parse   `parse(block, parsed)` takes a block into a `Parsed` of its own, which is as new
 /// @return what was made of each block, in file order
 template <typename Parsed, typename Blocks, typename Parse>
@@ -80,13 +82,19 @@ std::deque<Parsed> parse_blocks(Blocks& blocks, const Parse& parse) {
         const std::lock_guard lock(turn);
         return blocks.next(block) ? &results.emplace_back() : nullptr;
     };
-    const auto workers = static_cast<std::size_t>(omp_get_max_threads());
+    std::string first;
+    Parsed* const first_parsed = fetch(first);
+    if (first_parsed == nullptr) {
+        return results;
+    }
+    const auto workers = static_cast<std::size_t>(blocks.hasMore() ? most_workers() : 1);
     // The caller waits for the workers, and so keeps its locale while they use it.
     const locale_t callers_locale = thread_locale();
-    parallel_for(workers, 1, [&](std::size_t /*worker*/, IndexRange /*share*/) {
+    parallel_for(workers, 1, [&](std::size_t worker, IndexRange /*share*/) {
         const ThreadLocale scope(callers_locale);
-        std::string block;
-        while (Parsed* const parsed = fetch(block)) {
+        std::string block = worker == 0 ? std::move(first) : std::string();
+        Parsed* parsed = worker == 0 ? first_parsed : fetch(block);
+        for (; parsed != nullptr; parsed = fetch(block)) {
             parse(std::string_view(block), *parsed);
         }
     });

@@ -6,6 +6,8 @@
 #include <exception>
 #include <omp.h>
 
+#include "util/team.h"
+
 /// The parallel loops of the toolkit. Results never depend on the number of threads: workers write
 /// disjoint elements, and sums are formed in index order.
 
@@ -28,17 +30,50 @@ inline IndexRange static_share(std::size_t count, std::size_t workers, std::size
     return {begin, begin + quotient + (worker < remainder ? 1 : 0)};
 }
 
-/// Most workers that a loop gets, however many threads OpenMP offers: the runtime does not survive
-/// a request for far more threads than there are processors.
+/// Most workers that a loop gets, however many threads are asked for: more only stand in one
+/// another's way.
 inline int most_workers() {
-    return std::min(4 * omp_get_num_procs(), 1024);
+    static const int most = std::min(4 * omp_get_num_procs(), 1024);
+    return most;
 }
 
 /// How many workers a loop over `count` indices gets: the threads that OpenMP offers, at least one
-/// and at most one per `grain` indices, never more than `most_workers`.
+/// and at most one per `grain` indices, never more than `most_workers`; one within another loop.
 inline int worker_count(std::size_t count, std::size_t grain = 1) {
+    if (Team::isAtWork() || omp_get_active_level() >= omp_get_max_active_levels()) {
+        return 1;
+    }
     const auto offered = static_cast<std::size_t>(std::min(omp_get_max_threads(), most_workers()));
     return static_cast<int>(std::max<std::size_t>(1, std::min(offered, count / grain)));
+}
+
+/// Runs `body(piece)` for every piece from 0 to `count` - 1, side by side by the team of the
+/// calling thread: who is free takes the next.
+///
+/// @param workers  at most so many threads
+/// @throws what a piece threw: one of the exceptions, after all pieces have ended
+template <typename Body>
+void parallel_pieces(std::size_t count, std::size_t workers, const Body& body) {
+    std::atomic_flag has_failed;
+    std::exception_ptr failure;
+    const auto guarded = [&](std::size_t piece) {
+        try {
+            body(piece);
+        } catch (...) {
+            if (!has_failed.test_and_set()) {
+                failure = std::current_exception();
+            }
+        }
+    };
+    using Guarded = decltype(guarded);
+    Team::ofThisThread().run(
+        count,
+        workers,
+        [](const void* loop, std::size_t piece) { (*static_cast<const Guarded*>(loop))(piece); },
+        &guarded);
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
 }
 
 /// Runs `body(worker, range)` for contiguous shares of the indices 0 to `count` - 1, one per
@@ -48,37 +83,37 @@ inline int worker_count(std::size_t count, std::size_t grain = 1) {
 /// @throws what a worker threw: one of the exceptions, after all workers have ended
 template <typename Body>
 void parallel_for(std::size_t count, std::size_t grain, const Body& body) {
-    const int workers = worker_count(count, grain);
+    const auto workers = static_cast<std::size_t>(worker_count(count, grain));
     if (workers == 1) {
         body(0, IndexRange{0, count});
         return;
     }
-    std::exception_ptr failure;
-#pragma omp parallel num_threads(workers) default(none) shared(count, body, failure)
-    {
-        const auto worker = static_cast<std::size_t>(omp_get_thread_num());
-        const auto team = static_cast<std::size_t>(omp_get_num_threads());
-        // An exception that leaves an OpenMP region ends the process.
-        try {
-            body(worker, static_share(count, team, worker));
-        } catch (...) {
-#pragma omp critical(ovik_parallel_for_failure)
-            failure = std::current_exception();
-        }
-    }
-    if (failure) {
-        std::rethrow_exception(failure);
-    }
+    parallel_pieces(workers, workers, [&](std::size_t worker) {
+        body(worker, static_share(count, workers, worker));
+    });
 }
 
-/// Runs `body(i)` for every i from 0 to `count` - 1, by the contiguous shares of `parallel_for`.
+/// Runs `body(i)` for every i from 0 to `count` - 1, by contiguous shares: several for each worker,
+/// so that one whose processor is taken away holds up no other for long.
+///
+/// @param grain  as `parallel_for` has it
 template <typename Body>
 void parallel_for_each(std::size_t count, std::size_t grain, const Body& body) {
-    parallel_for(count, grain, [&body](std::size_t /*worker*/, IndexRange range) {
+    constexpr std::size_t kSharesOfWorker = 8;
+    const auto workers = static_cast<std::size_t>(worker_count(count, grain));
+    const std::size_t shares =
+        workers == 1 ? 1 : std::min(kSharesOfWorker * workers, count / grain);
+    const auto run_share = [&](std::size_t share) {
+        const IndexRange range = static_share(count, shares, share);
         for (std::size_t i = range.begin; i < range.end; ++i) {
             body(i);
         }
-    });
+    };
+    if (workers == 1) {
+        run_share(0);
+    } else {
+        parallel_pieces(shares, workers, run_share);
+    }
 }
 
 /// Runs the tasks `body(i, worker)` for every i from 0 to `count` - 1 by a dynamic schedule: a

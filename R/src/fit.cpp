@@ -57,6 +57,9 @@ Outcome run_fit(MatrixView<double> X,
         hooks.on_similarities = manner.tell;
     }
     outcome.fit = fit(X, options, hooks);
+    if (outcome.threads_note.empty()) {
+        outcome.threads_note = denied_threads_note();
+    }
     return outcome;
 }
 

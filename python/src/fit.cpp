@@ -123,6 +123,9 @@ Outcome run_fit(MatrixView<const double> points,
                                                 {manner.quality_neighbours})
                               .front();
     }
+    if (outcome.threads_note.empty()) {
+        outcome.threads_note = denied_threads_note();
+    }
     return outcome;
 }
 

@@ -134,7 +134,7 @@ def test_other_threads_run_and_fits_give_what_each_gives_alone(points):
 
 
 def test_forked_process_fits_too(points):
-    """OpenMP's workers do not survive a fork: waiting for them would never end."""
+    """Threads do not survive a fork: waiting for them would never end."""
     big = np.random.default_rng(2).normal(size=(3000, 4))
     expected = ovik.TSNE(n_iter=3, n_jobs=2).fit_transform(big)
     child = os.fork()

@@ -1,5 +1,7 @@
 #include "util/parallel.h"
 
+#include <algorithm>
+#include <numeric>
 #include <stdexcept>
 #include <vector>
 
@@ -44,6 +46,58 @@ TEST(ParallelForEach, VisitsEveryIndexOnce) {
         std::vector<int> visits(1001, 0);
         parallel_for_each(visits.size(), 1, [&](std::size_t i) { visits[i] += 1; });
         EXPECT_EQ(visits, std::vector<int>(1001, 1));
+    }
+}
+
+TEST(ParallelFor, GivesEachWorkerItsShare) {
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        const auto workers = static_cast<std::size_t>(worker_count(1000, 1));
+        std::vector<IndexRange> shares(workers);
+        parallel_for(
+            1000, 1, [&](std::size_t worker, IndexRange share) { shares[worker] = share; });
+        for (std::size_t worker = 0; worker < workers; ++worker) {
+            const IndexRange expected = static_share(1000, workers, worker);
+            EXPECT_EQ(shares[worker].begin, expected.begin);
+            EXPECT_EQ(shares[worker].end, expected.end);
+        }
+    }
+}
+
+TEST(ParallelFor, HasOneWorkerWithinALoop) {
+    const test::ThreadCount scope(4);
+    std::vector<int> workers(4, 0);
+    parallel_for(4, 1, [&](std::size_t worker, IndexRange /*share*/) {
+        workers[worker] = worker_count(1000);
+        parallel_for(1000, 1, [&](std::size_t inner, IndexRange share) {
+            workers[worker] += inner == 0 && share.size() == 1000 ? 1 : 0;
+        });
+    });
+    EXPECT_EQ(workers, std::vector<int>(4, 2));
+}
+
+TEST(ParallelFor, HasOneWorkerWithinALoopOfOpenMp) {
+    const test::ThreadCount scope(4);
+    int workers = 0;
+#pragma omp parallel num_threads(2)
+    {
+#pragma omp single
+        workers = worker_count(1000);
+    }
+    EXPECT_EQ(workers, 1);
+}
+
+TEST(ParallelTasks, AreDoneOnceByAsManyWorkers) {
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        std::vector<int> visits(1001, 0);
+        std::vector<int> of_workers(3, 0);
+        parallel_tasks(visits.size(), std::min(threads, 3), [&](std::size_t i, std::size_t worker) {
+            visits[i] += 1;
+            of_workers.at(worker) += 1;
+        });
+        EXPECT_EQ(visits, std::vector<int>(1001, 1));
+        EXPECT_EQ(std::accumulate(of_workers.begin(), of_workers.end(), 0), 1001);
     }
 }
 
