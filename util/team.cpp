@@ -29,11 +29,6 @@ constexpr std::uint32_t loop_of(std::uint32_t word) {
 
 thread_local bool is_at_work = false;
 
-std::size_t processor_count() {
-    static const auto count = static_cast<std::size_t>(omp_get_num_procs());
-    return count;
-}
-
 void pause() {
 #if defined(__x86_64__)
     __builtin_ia32_pause();
@@ -42,8 +37,8 @@ void pause() {
 
 /// Looks until something has happened, or long enough.
 template <typename Predicate>
-void look_for(const Predicate& has_happened, int looks) {
-    for (int look = 0; look < looks && !has_happened(); ++look) {
+void look_for(const Predicate& has_happened) {
+    for (int look = 0; look < kLooks && !has_happened(); ++look) {
         pause();
     }
 }
@@ -75,9 +70,6 @@ struct Team::Board {
     const void* loop = nullptr;
     std::size_t count = 0;
     std::atomic<std::uint32_t> seats = 0;
-    /// How long to look for something before sleeping: not at all if there are more threads than
-    /// processors, of which each would look in the place of one that works.
-    std::atomic<int> looks = 0;
 
     /// The piece that is taken next.
     alignas(kCacheLine) std::atomic<std::size_t> next = 0;
@@ -105,7 +97,7 @@ std::uint32_t Team::Board::wait(std::uint32_t last_loop) {
         now = word;
         return loop_of(now) != last_loop;
     };
-    look_for(is_another, looks);
+    look_for(is_another);
     while (!is_another()) {
         word.wait(now);
     }
@@ -130,7 +122,7 @@ void Team::Board::join(std::uint32_t now) {
 void Team::Board::close() {
     word.fetch_and(~kIsOpen);
     const auto is_left = [this] { return (word & kHelpers) == 0; };
-    look_for(is_left, looks);
+    look_for(is_left);
     for (;;) {
         const std::uint32_t before = departures;
         if (is_left()) {
@@ -141,7 +133,8 @@ void Team::Board::close() {
 }
 
 Team& Team::ofThisThread() {
-    thread_local Team team;
+    static const auto processors = static_cast<std::size_t>(omp_get_num_procs());
+    thread_local Team team(processors);
     return team;
 }
 
@@ -149,7 +142,10 @@ bool Team::isAtWork() {
     return is_at_work;
 }
 
-Team::Team() : board_(std::make_shared<Board>()), process_(getpid()) {}
+Team::Team(std::size_t processors)
+    : most_helpers_(processors - 1),
+      board_(std::make_shared<Board>()),
+      process_(getpid()) {}
 
 Team::~Team() {
     board_->is_over = true;
@@ -158,7 +154,7 @@ Team::~Team() {
 }
 
 void Team::run(std::size_t count, std::size_t threads, Piece piece, const void* loop) {
-    const std::size_t wanted = std::min(threads, count) - 1;
+    const std::size_t wanted = std::min(std::min(threads, count) - 1, most_helpers_);
     startHelpers(wanted);
     const std::size_t helpers = std::min(wanted, helpers_);
     Board& board = *board_;
@@ -167,7 +163,6 @@ void Team::run(std::size_t count, std::size_t threads, Piece piece, const void* 
     board.count = count;
     board.next = 0;
     board.seats = static_cast<std::uint32_t>(helpers);
-    board.looks = helpers < processor_count() ? kLooks : 0;
     board.word = loop_of(board.word) + kNextLoop + kIsOpen;
     if (helpers == helpers_) {
         board.word.notify_all();

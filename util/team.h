@@ -28,7 +28,8 @@ class Team {
     /// Whether the calling thread is at work on a piece: loops that it begins are its own alone.
     OVIK_API static bool isAtWork();
 
-    Team();
+    /// @param processors  as many threads take part in a loop at most, however many are asked for
+    explicit Team(std::size_t processors);
     Team(const Team&) = delete;
     Team& operator=(const Team&) = delete;
     ~Team();
@@ -40,7 +41,7 @@ class Team {
     /// @param piece    is called with `loop` and the numbers 0 to `count` - 1
     OVIK_API void run(std::size_t count, std::size_t threads, Piece piece, const void* loop);
 
-    /// Helpers that there are.
+    /// Helpers that there are: no more than other processors.
     [[nodiscard]] std::size_t helpers() const { return helpers_; }
 
     /// Helpers that a loop has asked for and the system has not granted; 0 if it had all.
@@ -52,6 +53,7 @@ class Team {
 
     void startHelpers(std::size_t wanted);
 
+    std::size_t most_helpers_;
     std::shared_ptr<Board> board_;
     std::size_t helpers_ = 0;
     std::size_t denied_ = 0;

@@ -20,6 +20,9 @@ namespace {
 using testing::Each;
 using testing::SizeIs;
 
+/// Of the teams here, whatever the machine has.
+constexpr std::size_t kProcessors = 8;
+
 /// Lets a team do `body(piece)` for every piece.
 template <typename Body>
 void run(Team& team, std::size_t count, std::size_t threads, const Body& body) {
@@ -64,7 +67,7 @@ char state_of(const std::string& thread) {
 }
 
 TEST(Team, DoesEachPieceOnce) {
-    Team team;
+    Team team(kProcessors);
     for (int round = 0; round < 200; ++round) {
         for (const std::size_t threads : {1U, 2U, 3U, 8U}) {
             for (const std::size_t count : {1U, 2U, 7U, 100U}) {
@@ -77,7 +80,7 @@ TEST(Team, DoesEachPieceOnce) {
 }
 
 TEST(Team, HasNoMoreHelpersThanItsLoopsHaveWorkFor) {
-    Team team;
+    Team team(kProcessors);
     EXPECT_EQ(team.helpers(), 0U);
     visits(team, 1, 8);
     EXPECT_EQ(team.helpers(), 0U);
@@ -87,8 +90,18 @@ TEST(Team, HasNoMoreHelpersThanItsLoopsHaveWorkFor) {
     EXPECT_EQ(team.helpers(), 2U);
 }
 
+TEST(Team, HasNoMoreThreadsThanProcessors) {
+    Team team(3);
+    EXPECT_THAT(visits(team, 100, 8), Each(1));
+    EXPECT_EQ(team.helpers(), 2U);
+    EXPECT_EQ(team.denied(), 0U);
+    Team alone(1);
+    EXPECT_THAT(visits(alone, 100, 8), Each(1));
+    EXPECT_EQ(alone.helpers(), 0U);
+}
+
 TEST(Team, WorksSideBySide) {
-    Team team;
+    Team team(kProcessors);
     const std::set<std::thread::id> four = participants(team, 4);
     EXPECT_THAT(four, SizeIs(4));
     EXPECT_EQ(four.count(std::this_thread::get_id()), 1U);
@@ -97,7 +110,7 @@ TEST(Team, WorksSideBySide) {
 }
 
 TEST(Team, TellsWhoIsAtWork) {
-    Team team;
+    Team team(kProcessors);
     EXPECT_FALSE(Team::isAtWork());
     std::vector<char> at_work(50, 0);
     run(team, at_work.size(), 3, [&](std::size_t piece) {
@@ -108,7 +121,7 @@ TEST(Team, TellsWhoIsAtWork) {
 }
 
 TEST(Team, LetsHelpersSleep) {
-    Team team;
+    Team team(kProcessors);
     std::string helper;
     std::atomic<int> arrived = 0;
     const pid_t own = gettid();
@@ -129,7 +142,7 @@ TEST(Team, LetsHelpersSleep) {
 }
 
 TEST(Team, HasHelpersOfItsOwnInAForkedProcess) {
-    Team team;
+    Team team(kProcessors);
     visits(team, 10, 3);
     const pid_t child = fork();
     if (child == 0) {
@@ -137,7 +150,7 @@ TEST(Team, HasHelpersOfItsOwnInAForkedProcess) {
         std::set<std::thread::id> threads;
         {
             threads = participants(team, 3);
-            Team another;
+            Team another(kProcessors);
             visits(another, 10, 3);
         }
         _exit(threads.size() == 3 ? 0 : 1);
@@ -154,7 +167,7 @@ TEST(Team, EndsInAForkedProcessWithoutHelpers) {
         alarm(600);
         pid_t grandchild = 0;
         {
-            Team team;
+            Team team(kProcessors);
             visits(team, 10, 3);
             grandchild = fork();
         }
