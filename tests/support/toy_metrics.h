@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include "neighbours/metric.h"
 
@@ -34,6 +35,16 @@ const MetricKernels& plain_kernels(InstructionSet /*instructions*/) {
                 }
                 const double distance = Distance(own, other, points.dims);
                 squared_distances[m] = distance * distance;
+            }
+        },
+        [](const double* points,
+           std::size_t dims,
+           const double* target,
+           const std::uint32_t* rows,
+           std::size_t count,
+           double* distances) {
+            for (std::size_t i = 0; i < count; ++i) {
+                distances[i] = Distance(target, points + rows[i] * dims, dims);
             }
         }};
     return kKernels;

@@ -1,0 +1,137 @@
+#include "neighbours/neighbour_search.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+constexpr std::size_t kTargetsPerTask = 8 * kTargets;
+
+/// The stream that numbers were drawn from before.
+class RepeatedStream final : public RandomStream {
+  public:
+    explicit RepeatedStream(const std::vector<int>& numbers) : numbers_(numbers) {}
+
+    void seed(unsigned int /*seed*/) override { next_ = 0; }
+
+    int next() override { return numbers_[next_++]; }
+
+  private:
+    const std::vector<int>& numbers_;
+    std::size_t next_ = 0;
+};
+
+/// Gives up where most rows are uncertain, as those of a lattice are.
+class Patience {
+  public:
+    void count(bool is_certain) { ++(is_certain ? certain_ : uncertain_); }
+
+    [[nodiscard]] bool isAtAnEnd() const {
+        constexpr std::size_t kFirstRows = 256;
+        return uncertain_ > kFirstRows && uncertain_ > certain_;
+    }
+
+  private:
+    std::atomic<std::size_t> certain_{0};
+    std::atomic<std::size_t> uncertain_{0};
+};
+
+}  // namespace
+
+NeighbourSearch::NeighbourSearch(std::size_t N,
+                                 std::size_t dims,
+                                 RandomStream& random,
+                                 const Metric& metric)
+    : N_(N),
+      dims_(dims),
+      metric_(metric),
+      draws_(NeighbourIndex::drawCount(N)) {
+    std::generate(draws_.begin(), draws_.end(), [&random] { return random.next(); });
+}
+
+std::size_t NeighbourSearch::workerCount() const {
+    return static_cast<std::size_t>(worker_count(N_));
+}
+
+const NeighbourIndex& NeighbourSearch::index(const double* points) {
+    if (index_ == nullptr) {
+        RepeatedStream stream(draws_);
+        index_ = std::make_unique<NeighbourIndex>(points, N_, dims_, metric_, stream);
+    }
+    return *index_;
+}
+
+void NeighbourSearch::findAll(const double* points, std::size_t count, const Visit& visit) {
+    std::vector<char> is_found(N_);
+    {
+        const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
+        std::vector<CandidateSearch::Scratch> scratch(workerCount());
+        Patience patience;
+        const auto search_block = [&](std::size_t block, std::size_t worker) {
+            if (patience.isAtAnEnd()) {
+                return;
+            }
+            const auto take = [&](std::size_t row, std::span<const NearRow> nearest) {
+                const bool certain = is_certain(nearest, count, candidates.margin());
+                patience.count(certain);
+                if (certain) {
+                    visit(row, nearest.first(count), worker);
+                    is_found[row] = 1;
+                }
+            };
+            candidates.search(block, scratch[worker], take);
+        };
+        parallel_tasks(candidates.blockCount(), worker_count(N_), search_block);
+    }
+    findOthers(points, count, is_found, visit);
+}
+
+void NeighbourSearch::findOthers(const double* points,
+                                 std::size_t count,
+                                 const std::vector<char>& is_found,
+                                 const Visit& visit) {
+    if (std::find(is_found.begin(), is_found.end(), 0) == is_found.end()) {
+        return;
+    }
+    const NeighbourIndex& tree = index(points);
+    // In tree order: near points look at the same blocks.
+    std::vector<std::uint32_t> rows;
+    for (std::size_t position = 0; position < N_; ++position) {
+        if (is_found[tree.rowAt(position)] == 0) {
+            rows.push_back(tree.rowAt(position));
+        }
+    }
+    const std::size_t tasks = (rows.size() + kTargetsPerTask - 1) / kTargetsPerTask;
+
+    struct Scratch {
+        NeighbourIndex::Queries queries;
+        std::vector<NearRow> nearest;
+    };
+
+    std::vector<Scratch> scratch(workerCount());
+    parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
+        auto& [queries, nearest] = scratch[worker];
+        const std::size_t end = std::min((task + 1) * kTargetsPerTask, rows.size());
+        for (std::size_t first = task * kTargetsPerTask; first < end; first += kTargets) {
+            const std::size_t target_count = std::min(kTargets, end - first);
+            const double* targets[kTargets];
+            for (std::size_t t = 0; t < target_count; ++t) {
+                targets[t] = points + rows[first + t] * dims_;
+            }
+            tree.search(targets, target_count, count, queries);
+            for (std::size_t t = 0; t < target_count; ++t) {
+                nearest.clear();
+                for (const auto& neighbour : queries.neighbours[t]) {
+                    nearest.push_back({tree.rowAt(neighbour.position), neighbour.distance});
+                }
+                visit(rows[first + t], nearest, worker);
+            }
+        }
+    });
+}
+
+}  // namespace ovik
