@@ -1,6 +1,8 @@
 #include "neighbours/row_blocks.h"
 
 #include <algorithm>
+#include <array>
+#include <cfloat>
 #include <numeric>
 
 #include "neighbours/kernels/candidate_kernels.h"
@@ -112,32 +114,54 @@ std::size_t RowBlocks::split(IndexRange range) {
     return static_cast<std::size_t>(kept - sides_.begin());
 }
 
-/// Splits a range of few rows if its parts lie in much smaller balls than the whole.
-///
-/// @return where the second part begins; the end of the range if it stays whole
-std::size_t RowBlocks::splitGroups(IndexRange range) {
-    constexpr std::size_t kFewestRows = 16;
-    constexpr double kMuchSmaller = 0.75;
-    if (range.size() < kFewestRows) {
-        return range.end;
-    }
-    std::vector<double> centre(dims_);
-    const double whole = radius(range, centre.data());
-    sortSides(range);
-    const auto begin = sides_.begin() + static_cast<std::ptrdiff_t>(range.begin);
-    const auto end = sides_.begin() + static_cast<std::ptrdiff_t>(range.end);
-    const auto middle =
-        static_cast<std::size_t>(std::partition(begin, end, is_on_first_side) - sides_.begin());
-    takeSides(range);
-    const IndexRange parts[] = {{range.begin, middle}, {middle, range.end}};
-    double sum = 0.0;
-    for (const IndexRange part : parts) {
-        if (part.size() == 0) {
-            return range.end;
+/// Adds the rows of a small range to the leaves: as one, or if they lie in a few groups that keep
+/// apart, as these.
+void RowBlocks::addGroups(IndexRange range, std::vector<IndexRange>& leaves) {
+    constexpr std::size_t kMostGroups = 8;
+    constexpr std::size_t kFewestRows = 8;
+    // How far the rows of a group may be from one of them, as a share of the distance of all.
+    constexpr double kApart = 0.4;
+    const std::size_t most_groups = std::min(kMostGroups, range.size() / kFewestRows);
+    std::array<std::size_t, kMostRows> groups{};
+    std::array<double, kMostRows> nearest{};
+    nearest.fill(DBL_MAX);
+    double whole = 0.0;
+    double farthest = 0.0;
+    std::size_t chosen = range.begin;
+    std::size_t count = 0;
+    // Each group is around the row that is farthest from those of the others.
+    while (count < most_groups && (count < 2 || farthest > kApart * whole)) {
+        measure(rowAt(chosen), range);
+        farthest = 0.0;
+        for (std::size_t i = 0; i < range.size(); ++i) {
+            const double distance = distances_[range.begin + i];
+            if (distance < nearest[i]) {
+                nearest[i] = distance;
+                groups[i] = count;
+            }
+            if (nearest[i] > farthest) {
+                farthest = nearest[i];
+                chosen = range.begin + i;
+            }
         }
-        sum += radius(part, centre.data()) * static_cast<double>(part.size());
+        whole = count == 0 ? farthest : whole;
+        ++count;
     }
-    return sum < kMuchSmaller * whole * static_cast<double>(range.size()) ? middle : range.end;
+    if (count < 2 || whole == 0.0 || farthest > kApart * whole) {
+        leaves.push_back(range);
+        return;
+    }
+    std::size_t next = range.begin;
+    for (std::size_t group = 0; group < count; ++group) {
+        const std::size_t first = next;
+        for (std::size_t i = 0; i < range.size(); ++i) {
+            if (groups[i] == group) {
+                sides_[next++].row = order_[range.begin + i];
+            }
+        }
+        leaves.push_back({first, next});
+    }
+    takeSides(range);
 }
 
 /// Writes the mean of the rows of a range.
@@ -167,16 +191,11 @@ void RowBlocks::takeSides(IndexRange range) {
 }
 
 void RowBlocks::splitToEnd(IndexRange range, std::vector<IndexRange>& leaves) {
-    std::size_t middle = range.end;
-    if (range.size() > kMostRows) {
-        middle = split(range);
-    } else {
-        middle = splitGroups(range);
-    }
-    if (middle == range.end) {
-        leaves.push_back(range);
+    if (range.size() <= kMostRows) {
+        addGroups(range, leaves);
         return;
     }
+    const std::size_t middle = split(range);
     splitToEnd({range.begin, middle}, leaves);
     splitToEnd({middle, range.end}, leaves);
 }

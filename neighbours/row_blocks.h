@@ -57,7 +57,7 @@ class RowBlocks {
     void sortSides(IndexRange range);
     void takeSides(IndexRange range);
     std::size_t split(IndexRange range);
-    std::size_t splitGroups(IndexRange range);
+    void addGroups(IndexRange range, std::vector<IndexRange>& leaves);
     void splitToEnd(IndexRange range, std::vector<IndexRange>& leaves);
     void placeBlocks(const std::vector<IndexRange>& leaves);
     void fill(std::size_t block);

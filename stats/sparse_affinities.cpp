@@ -183,6 +183,30 @@ class SymmetricRows {
           transposed_(transposed),
           places_(N, kNotStored) {}
 
+    /// How many entries row n has.
+    unsigned int count(std::size_t n) {
+        const Arrival* const begin = transposed_.begin(n);
+        const Arrival* const end = transposed_.end(n);
+        unsigned int entries = 0;
+        for (const Arrival* arrival = begin; arrival != end; ++arrival) {
+            places_[arrival->row] = kUnmatched;
+            entries += arrival->row == n ? 0 : 1;
+        }
+        for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
+            const unsigned int j = P_.col_P[i];
+            entries += places_[j] == kNotStored || n <= j ? 1 : 0;
+            if (j > n && places_[j] == kUnmatched) {
+                // What row j stores about n is no entry of its own.
+                places_[j] = kMatched;
+                --entries;
+            }
+        }
+        for (const Arrival* arrival = begin; arrival != end; ++arrival) {
+            places_[arrival->row] = kNotStored;
+        }
+        return entries;
+    }
+
     /// Calls `emit(column, value)` for every entry of row n, in the order in which rows 0, 1, ...
     /// bring them up: what earlier rows store about n, then its own entries, then what later rows
     /// store and n does not.
@@ -213,6 +237,9 @@ class SymmetricRows {
     }
 
   private:
+    static constexpr unsigned int kUnmatched = 0;
+    static constexpr unsigned int kMatched = 1;
+
     /// Finds the pairs of entries that lie across the diagonal from one another. Of several
     /// arrivals from a row the last counts.
     void findMirrors(std::size_t n) {
@@ -317,9 +344,7 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
     auto row_P = malloc_array<unsigned int>(N + 1);
     require_allocated(row_counts, row_P);
     for_each_row(P, transposed, N, [&](std::size_t n, SymmetricRows& rows) {
-        unsigned int count = 0;
-        rows.visit(n, [&](unsigned int, double) { ++count; });
-        row_counts[n] = count;
+        row_counts[n] = rows.count(n);
     });
     const std::size_t entries =
         std::accumulate(row_counts.get(), row_counts.get() + N, std::size_t{0});

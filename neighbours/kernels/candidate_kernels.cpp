@@ -192,21 +192,46 @@ std::size_t count_not_above(const float* values, std::size_t count, float limit)
     return found;
 }
 
-float bound(const float* values, std::size_t count, std::size_t wanted) {
-    float low = values[0];
-    float high = values[0];
-    for (std::size_t i = 1; i < count; ++i) {
-        low = values[i] < low ? values[i] : low;
-        high = values[i] > high ? values[i] : high;
+/// The least and the greatest of some values.
+void find_range(const float* values, std::size_t count, float& least, float& greatest) {
+    least = values[0];
+    greatest = values[0];
+    std::size_t i = 0;
+    if (count >= kFloats) {
+        Floats low = load_floats(values);
+        Floats high = low;
+        for (; i + kFloats <= count; i += kFloats) {
+            const Floats some = load_floats(values + i);
+            low = some < low ? some : low;
+            high = some > high ? some : high;
+        }
+        for (std::size_t lane = 0; lane < kFloats; ++lane) {
+            least = low[lane] < least ? low[lane] : least;
+            greatest = high[lane] > greatest ? high[lane] : greatest;
+        }
     }
-    // Bisection: after as many steps few values are left between the bounds.
-    constexpr int kSteps = 14;
-    for (int step = 0; step < kSteps; ++step) {
+    for (; i < count; ++i) {
+        least = values[i] < least ? values[i] : least;
+        greatest = values[i] > greatest ? values[i] : greatest;
+    }
+}
+
+float bound(const float* values, std::size_t count, std::size_t wanted) {
+    float low = 0.0F;
+    float high = 0.0F;
+    find_range(values, count, low, high);
+    // Bisection until few more than are wanted are found.
+    constexpr int kMostSteps = 14;
+    const std::size_t most = wanted + wanted / 32;
+    std::size_t found = count;
+    for (int step = 0; step < kMostSteps && found > most; ++step) {
         const float middle = low * 0.5F + high * 0.5F;
-        const std::size_t found = count_not_above(values, count, middle);
-        (found >= wanted ? high : low) = middle;
-        if (found == wanted) {
-            break;
+        const std::size_t below = count_not_above(values, count, middle);
+        if (below >= wanted) {
+            high = middle;
+            found = below;
+        } else {
+            low = middle;
         }
     }
     return high;

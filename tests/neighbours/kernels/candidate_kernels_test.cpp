@@ -142,7 +142,7 @@ TEST_P(CandidateKernelsTest, FindABoundOfAsManyAsAreWanted) {
             const auto found = std::count_if(
                 values.begin(), values.end(), [=](float value) { return value <= bound; });
             EXPECT_GE(found, static_cast<std::ptrdiff_t>(wanted));
-            EXPECT_LE(found, static_cast<std::ptrdiff_t>(wanted + 3));
+            EXPECT_LE(found, static_cast<std::ptrdiff_t>(wanted + 3 + wanted / 32));
         }
     }
     const std::vector<float> equal(50, 2.5F);
