@@ -250,20 +250,28 @@ void CandidateSearch::tighten(std::size_t target, Scratch& scratch) const {
 void CandidateSearch::measure(std::uint32_t row,
                               const Candidates& candidates,
                               Scratch& scratch) const {
-    scratch.rows.resize(candidates.count);
-    scratch.distances.resize(candidates.count);
-    scratch.nearest.resize(candidates.count);
-    for (std::size_t i = 0; i < candidates.count; ++i) {
+    const std::size_t count = candidates.count;
+    scratch.rows.resize(count);
+    scratch.distances.resize(count + kPackedMultiple);
+    scratch.places.resize(count);
+    scratch.nearest.resize(count);
+    for (std::size_t i = 0; i < count; ++i) {
         scratch.rows[i] = blocks_->order()[candidates.positions[i]];
     }
-    row_distances_(points_,
-                   dims_,
-                   points_ + std::size_t{row} * dims_,
-                   scratch.rows.data(),
-                   candidates.count,
-                   scratch.distances.data());
-    for (std::size_t i = 0; i < candidates.count; ++i) {
-        scratch.nearest[i] = {scratch.rows[i], scratch.distances[i]};
+    double* const distances = scratch.distances.data();
+    row_distances_(
+        points_, dims_, points_ + std::size_t{row} * dims_, scratch.rows.data(), count, distances);
+    // Up to here comparing all with all takes less time than sorting.
+    constexpr std::size_t kMostRanked = 256;
+    if (count <= kMostRanked) {
+        kernels_->rank(distances, count, scratch.places.data());
+        for (std::size_t i = 0; i < count; ++i) {
+            scratch.nearest[scratch.places[i]] = {scratch.rows[i], distances[i]};
+        }
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        scratch.nearest[i] = {scratch.rows[i], distances[i]};
     }
     std::sort(scratch.nearest.begin(),
               scratch.nearest.end(),

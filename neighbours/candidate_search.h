@@ -52,6 +52,7 @@ class CandidateSearch {
         std::vector<NearBlock> blocks;
         std::vector<double> distances;
         std::vector<std::uint32_t> rows;
+        std::vector<std::uint32_t> places;
         std::vector<NearRow> nearest;
     };
 

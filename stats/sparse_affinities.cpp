@@ -249,6 +249,8 @@ class SymmetricRows {
         own_places_.clear();
         for (std::size_t a = 0; a < arrival_count; ++a) {
             places_[arrivals[a].row] = static_cast<unsigned int>(a);
+            // Far from one another.
+            __builtin_prefetch(P_.val_P + arrivals[a].entry);
         }
         for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
             const unsigned int place = places_[P_.col_P[i]];

@@ -263,9 +263,56 @@ void drop(Candidates& candidates) {
     candidates.count = kept;
 }
 
+/// A number for each lane of doubles.
+typedef std::int64_t Counts __attribute__((vector_size(kLanes * sizeof(double))));
+
+/// Distances that are ranked side by side.
+constexpr std::size_t kRankedVectors = kPackedMultiple / kLanes / (OVIK_LANES == 2 ? 2 : 1);
+constexpr std::size_t kRanked = kRankedVectors * kLanes;
+
+/// Counts in each lane the distances of a range that are less, or not greater.
+template <bool OrEqual>
+void count_below(const double* distances,
+                 std::size_t begin,
+                 std::size_t end,
+                 const Lanes* ranked,
+                 Counts* counts) {
+    for (std::size_t i = begin; i < end; ++i) {
+        const Lanes other = broadcast(distances[i]);
+        for (std::size_t v = 0; v < kRankedVectors; ++v) {
+            // True is -1.
+            counts[v] -= OrEqual ? other <= ranked[v] : other < ranked[v];
+        }
+    }
+}
+
+void rank(double* distances, std::size_t count, std::uint32_t* places) {
+    for (std::size_t i = count; i < count + kPackedMultiple; ++i) {
+        distances[i] = __builtin_huge_val();
+    }
+    for (std::size_t first = 0; first < count; first += kRanked) {
+        Lanes ranked[kRankedVectors];
+        for (std::size_t v = 0; v < kRankedVectors; ++v) {
+            ranked[v] = load(distances + first + v * kLanes);
+        }
+        const std::size_t end = first + kRanked < count ? first + kRanked : count;
+        Counts counts[kRankedVectors] = {};
+        // Those before come first where they are equal, those behind do not.
+        count_below<true>(distances, 0, first, ranked, counts);
+        count_below<false>(distances, first, count, ranked, counts);
+        for (std::size_t i = first; i < end; ++i) {
+            auto place = static_cast<std::uint32_t>(counts[(i - first) / kLanes][i % kLanes]);
+            for (std::size_t j = first; j < i; ++j) {
+                place += distances[j] == distances[i] ? 1 : 0;
+            }
+            places[i] = place;
+        }
+    }
+}
+
 }  // namespace
 
 extern const CandidateKernels kEuclideanCandidates;
-const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop};
+const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop, &rank};
 
 }  // namespace ovik::OVIK_KERNELS

@@ -75,6 +75,15 @@ struct CandidateKernels {
 
     /// Drops the candidates above the limit; the others keep their order.
     void (*drop)(Candidates& candidates);
+
+    /// The place of each distance among all of them in ascending order; of equal ones in the order
+    /// of their index. Takes the time of count^2 comparisons.
+    ///
+    /// @param distances  count values, not NaN, followed by room for kPackedMultiple more, which
+    /// are
+    ///                   overwritten
+    /// @param places     as many values
+    void (*rank)(double* distances, std::size_t count, std::uint32_t* places);
 };
 
 /// The kernels of Euclidean distances.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -168,6 +169,27 @@ TEST_P(CandidateKernelsTest, DropWhatIsAboveTheLimitAndKeepTheOrder) {
         positions.resize(candidates.count);
         EXPECT_EQ(values, expected);
         EXPECT_EQ(positions, expected_positions);
+    }
+}
+
+TEST_P(CandidateKernelsTest, RankDistancesAndEqualOnesByIndex) {
+    for (std::size_t count = 0; count <= 67; ++count) {
+        for (const double grid : {1.0, 1000.0}) {
+            std::vector<double> distances = test::random_values(count + kPackedMultiple, 38, grid);
+            for (double& distance : distances) {
+                distance = std::fabs(std::round(distance));
+            }
+            std::vector<std::uint32_t> order(count);
+            std::iota(order.begin(), order.end(), 0U);
+            std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+                return distances[a] < distances[b];
+            });
+            std::vector<std::uint32_t> places(count);
+            kernels.rank(distances.data(), count, places.data());
+            for (std::uint32_t i = 0; i < count; ++i) {
+                EXPECT_EQ(places[order[i]], i) << count << " distances";
+            }
+        }
     }
 }
 
