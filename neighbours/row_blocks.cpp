@@ -12,7 +12,7 @@ namespace ovik {
 namespace {
 
 /// Ranges of rows that are split by a task each: enough of them for a dynamic schedule.
-constexpr std::size_t kTasks = 64;
+constexpr std::size_t kTasks = 16;
 
 /// Fewest distances for which another thread pays.
 constexpr std::size_t kDistanceGrain = 2048;

@@ -207,33 +207,42 @@ class SymmetricRows {
         return entries;
     }
 
-    /// Calls `emit(column, value)` for every entry of row n, in the order in which rows 0, 1, ...
-    /// bring them up: what earlier rows store about n, then its own entries, then what later rows
-    /// store and n does not.
-    template <typename Emit>
-    void visit(std::size_t n, const Emit& emit) {
+    /// Writes row n, in the order in which rows 0, 1, ... bring its entries up: what earlier rows
+    /// store about n, then its own entries, then what later rows store and n does not.
+    void write(std::size_t n, unsigned int* columns, double* values) {
         findMirrors(n);
         const Arrival* const arrivals = transposed_.begin(n);
+        const std::size_t arrival_count = mirrors_.size();
+        columns_.resize(arrival_count + own_places_.size());
+        values_.resize(columns_.size());
+        std::size_t slot = 0;
+        // Where an entry is stored or not cannot be foretold: it is written in any case, and
+        // written over by the next.
+        const auto put = [&](bool is_stored, unsigned int column, double value) {
+            columns_[slot] = column;
+            values_[slot] = value * 0.5;
+            slot += is_stored ? 1 : 0;
+        };
         std::size_t a = 0;
-        for (; a < mirrors_.size() && arrivals[a].row < n; ++a) {
+        for (; a < arrival_count && arrivals[a].row < n; ++a) {
             const double value = P_.val_P[arrivals[a].entry];
-            const double sum = mirrors_[a] == kNotStored ? value : value + P_.val_P[mirrors_[a]];
-            emit(arrivals[a].row, sum * 0.5);
+            const bool has_mirror = mirrors_[a] != kNotStored;
+            const double other = P_.val_P[has_mirror ? mirrors_[a] : arrivals[a].entry];
+            put(true, arrivals[a].row, has_mirror ? value + other : value);
         }
         for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
             const unsigned int j = P_.col_P[i];
             const unsigned int place = own_places_[i - P_.row_P[n]];
-            if (place == kNotStored) {
-                emit(j, P_.val_P[i] * 0.5);
-            } else if (n <= j) {
-                emit(j, (P_.val_P[i] + P_.val_P[arrivals[place].entry]) * 0.5);
-            }
+            const bool has_mirror = place != kNotStored;
+            const double other = P_.val_P[has_mirror ? arrivals[place].entry : i];
+            put(!has_mirror || n <= j, j, has_mirror ? P_.val_P[i] + other : P_.val_P[i]);
         }
-        for (; a < mirrors_.size(); ++a) {
-            if (arrivals[a].row > n && mirrors_[a] == kNotStored) {
-                emit(arrivals[a].row, P_.val_P[arrivals[a].entry] * 0.5);
-            }
+        for (; a < arrival_count; ++a) {
+            const bool is_other = arrivals[a].row > n && mirrors_[a] == kNotStored;
+            put(is_other, arrivals[a].row, P_.val_P[arrivals[a].entry]);
         }
+        std::copy_n(columns_.begin(), slot, columns);
+        std::copy_n(values_.begin(), slot, values);
     }
 
   private:
@@ -272,6 +281,9 @@ class SymmetricRows {
     std::vector<unsigned int> mirrors_;
     /// For each entry of row n, the place of the arrival from where it goes to.
     std::vector<unsigned int> own_places_;
+    /// The row that is written.
+    std::vector<unsigned int> columns_;
+    std::vector<double> values_;
 };
 
 /// Runs `visit(n, rows)` for every row, spread over the cores.
@@ -357,12 +369,8 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
         std::move(row_P), malloc_array<unsigned int>(entries), malloc_array<double>(entries)};
     require_allocated(result.col_P, result.val_P);
     for_each_row(P, transposed, N, [&](std::size_t n, SymmetricRows& rows) {
-        std::size_t slot = result.row_P[n];
-        rows.visit(n, [&](unsigned int column, double value) {
-            result.col_P[slot] = column;
-            result.val_P[slot] = value;
-            ++slot;
-        });
+        const unsigned int start = result.row_P[n];
+        rows.write(n, result.col_P.get() + start, result.val_P.get() + start);
     });
     return result;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
