@@ -25,7 +25,7 @@ struct Metric {
     /// What forbids to measure a row of `dims` coordinates; null if nothing does.
     const char* (*complaint)(const double* row, std::size_t dims);
     /// The loops that find out cheaply which rows may be near; null where there are none.
-    const CandidateKernels& (*candidates)(InstructionSet instructions) = nullptr;
+    const CandidateKernels& (*candidates)(InstructionSet instructions);
 };
 
 /// The metrics that there are.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 
 #include "util/parallel.h"
 
@@ -40,6 +41,50 @@ class Patience {
     std::atomic<std::size_t> uncertain_{0};
 };
 
+/// Asks a tree for the neighbours of some rows.
+class TreeQueries {
+  public:
+    TreeQueries(const NeighbourIndex& tree,
+                const double* points,
+                std::size_t dims,
+                std::size_t count,
+                const NeighbourSearch::Visit& visit)
+        : tree_(tree),
+          points_(points),
+          dims_(dims),
+          count_(count),
+          visit_(visit) {}
+
+    /// What a worker needs.
+    struct Scratch {
+        NeighbourIndex::Queries queries;
+        std::vector<NearRow> nearest;
+    };
+
+    /// Visits at most kTargets rows.
+    void ask(std::span<const std::uint32_t> rows, std::size_t worker, Scratch& scratch) const {
+        const double* targets[kTargets];
+        for (std::size_t t = 0; t < rows.size(); ++t) {
+            targets[t] = points_ + rows[t] * dims_;
+        }
+        tree_.search(targets, rows.size(), count_, scratch.queries);
+        for (std::size_t t = 0; t < rows.size(); ++t) {
+            scratch.nearest.clear();
+            for (const auto& neighbour : scratch.queries.neighbours[t]) {
+                scratch.nearest.push_back({tree_.rowAt(neighbour.position), neighbour.distance});
+            }
+            visit_(rows[t], scratch.nearest, worker);
+        }
+    }
+
+  private:
+    const NeighbourIndex& tree_;
+    const double* points_;
+    std::size_t dims_;
+    std::size_t count_;
+    const NeighbourSearch::Visit& visit_;
+};
+
 }  // namespace
 
 NeighbourSearch::NeighbourSearch(std::size_t N,
@@ -67,27 +112,33 @@ const NeighbourIndex& NeighbourSearch::index(const double* points) {
 
 void NeighbourSearch::findAll(const double* points, std::size_t count, const Visit& visit) {
     std::vector<char> is_found(N_);
-    {
-        const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
-        std::vector<CandidateSearch::Scratch> scratch(workerCount());
-        Patience patience;
-        const auto search_block = [&](std::size_t block, std::size_t worker) {
-            if (patience.isAtAnEnd()) {
-                return;
-            }
-            const auto take = [&](std::size_t row, std::span<const NearRow> nearest) {
+    findCertain(points, count, is_found, visit);
+    findOthers(points, count, is_found, visit);
+}
+
+/// Visits the rows of which the neighbours are certain without the tree, and marks them as found.
+void NeighbourSearch::findCertain(const double* points,
+                                  std::size_t count,
+                                  std::vector<char>& is_found,
+                                  const Visit& visit) const {
+    const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
+    std::vector<CandidateSearch::Scratch> scratch(workerCount());
+    Patience patience;
+    const auto search_block = [&](std::size_t block, std::size_t worker) {
+        if (patience.isAtAnEnd()) {
+            return;
+        }
+        candidates.search(
+            block, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
                 const bool certain = is_certain(nearest, count, candidates.margin());
                 patience.count(certain);
                 if (certain) {
                     visit(row, nearest.first(count), worker);
                     is_found[row] = 1;
                 }
-            };
-            candidates.search(block, scratch[worker], take);
-        };
-        parallel_tasks(candidates.blockCount(), worker_count(N_), search_block);
-    }
-    findOthers(points, count, is_found, visit);
+            });
+    };
+    parallel_tasks(candidates.blockCount(), worker_count(N_), search_block);
 }
 
 void NeighbourSearch::findOthers(const double* points,
@@ -105,31 +156,14 @@ void NeighbourSearch::findOthers(const double* points,
             rows.push_back(tree.rowAt(position));
         }
     }
+    const TreeQueries queries(tree, points, dims_, count, visit);
+    std::vector<TreeQueries::Scratch> scratch(workerCount());
+    const std::span<const std::uint32_t> all(rows);
     const std::size_t tasks = (rows.size() + kTargetsPerTask - 1) / kTargetsPerTask;
-
-    struct Scratch {
-        NeighbourIndex::Queries queries;
-        std::vector<NearRow> nearest;
-    };
-
-    std::vector<Scratch> scratch(workerCount());
     parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
-        auto& [queries, nearest] = scratch[worker];
         const std::size_t end = std::min((task + 1) * kTargetsPerTask, rows.size());
-        for (std::size_t first = task * kTargetsPerTask; first < end; first += kTargets) {
-            const std::size_t target_count = std::min(kTargets, end - first);
-            const double* targets[kTargets];
-            for (std::size_t t = 0; t < target_count; ++t) {
-                targets[t] = points + rows[first + t] * dims_;
-            }
-            tree.search(targets, target_count, count, queries);
-            for (std::size_t t = 0; t < target_count; ++t) {
-                nearest.clear();
-                for (const auto& neighbour : queries.neighbours[t]) {
-                    nearest.push_back({tree.rowAt(neighbour.position), neighbour.distance});
-                }
-                visit(rows[first + t], nearest, worker);
-            }
+        for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
+            queries.ask(all.subspan(i, std::min(kTargets, end - i)), worker, scratch[worker]);
         }
     });
 }

@@ -51,6 +51,10 @@ class NeighbourSearch {
                     const Visit& visit);
 
   private:
+    void findCertain(const double* points,
+                     std::size_t count,
+                     std::vector<char>& is_found,
+                     const Visit& visit) const;
     const NeighbourIndex& index(const double* points);
 
     std::size_t N_;

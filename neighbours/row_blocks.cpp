@@ -1,8 +1,6 @@
 #include "neighbours/row_blocks.h"
 
 #include <algorithm>
-#include <array>
-#include <cfloat>
 #include <numeric>
 
 #include "neighbours/kernels/candidate_kernels.h"
@@ -122,46 +120,49 @@ void RowBlocks::addGroups(IndexRange range, std::vector<IndexRange>& leaves) {
     // How far the rows of a group may be from one of them, as a share of the distance of all.
     constexpr double kApart = 0.4;
     const std::size_t most_groups = std::min(kMostGroups, range.size() / kFewestRows);
-    std::array<std::size_t, kMostRows> groups{};
-    std::array<double, kMostRows> nearest{};
-    nearest.fill(DBL_MAX);
-    double whole = 0.0;
-    double farthest = 0.0;
-    std::size_t chosen = range.begin;
-    std::size_t count = 0;
-    // Each group is around the row that is farthest from those of the others.
-    while (count < most_groups && (count < 2 || farthest > kApart * whole)) {
-        measure(rowAt(chosen), range);
-        farthest = 0.0;
-        for (std::size_t i = 0; i < range.size(); ++i) {
-            const double distance = distances_[range.begin + i];
-            if (distance < nearest[i]) {
-                nearest[i] = distance;
-                groups[i] = count;
-            }
-            if (nearest[i] > farthest) {
-                farthest = nearest[i];
-                chosen = range.begin + i;
-            }
-        }
-        whole = count == 0 ? farthest : whole;
-        ++count;
+    Groups groups;
+    groups.farthest = range.begin;
+    const double whole = addGroup(range, groups);
+    double distance = whole;
+    while (groups.count < most_groups && distance > kApart * whole) {
+        distance = addGroup(range, groups);
     }
-    if (count < 2 || whole == 0.0 || farthest > kApart * whole) {
+    if (groups.count == 1 || distance > kApart * whole) {
         leaves.push_back(range);
         return;
     }
     std::size_t next = range.begin;
-    for (std::size_t group = 0; group < count; ++group) {
+    for (std::size_t group = 0; group < groups.count; ++group) {
         const std::size_t first = next;
         for (std::size_t i = 0; i < range.size(); ++i) {
-            if (groups[i] == group) {
+            if (groups.of_rows[i] == group) {
                 sides_[next++].row = order_[range.begin + i];
             }
         }
         leaves.push_back({first, next});
     }
     takeSides(range);
+}
+
+/// Takes the row that is farthest from all groups for the middle of another one.
+///
+/// @return the greatest distance of a row from the middle of its group
+double RowBlocks::addGroup(IndexRange range, Groups& groups) {
+    measure(rowAt(groups.farthest), range);
+    double farthest = 0.0;
+    for (std::size_t i = 0; i < range.size(); ++i) {
+        const double distance = distances_[range.begin + i];
+        if (distance < groups.distances[i]) {
+            groups.distances[i] = distance;
+            groups.of_rows[i] = groups.count;
+        }
+        if (groups.distances[i] > farthest) {
+            farthest = groups.distances[i];
+            groups.farthest = range.begin + i;
+        }
+    }
+    ++groups.count;
+    return farthest;
 }
 
 /// Writes the mean of the rows of a range.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cfloat>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -47,6 +49,18 @@ class RowBlocks {
     [[nodiscard]] const double* centres() const { return centres_.data(); }
 
   private:
+    /// Groups of the rows of a small range.
+    struct Groups {
+        Groups() { distances.fill(DBL_MAX); }
+
+        std::size_t count = 0;
+        /// The position of the row that is farthest from the middle of its group.
+        std::size_t farthest = 0;
+        /// For each row its group, and its distance from the middle of that.
+        std::array<std::size_t, kMostRows> of_rows{};
+        std::array<double, kMostRows> distances{};
+    };
+
     [[nodiscard]] const double* rowAt(std::size_t position) const {
         return points_ + order_[position] * dims_;
     }
@@ -58,6 +72,7 @@ class RowBlocks {
     void takeSides(IndexRange range);
     std::size_t split(IndexRange range);
     void addGroups(IndexRange range, std::vector<IndexRange>& leaves);
+    double addGroup(IndexRange range, Groups& groups);
     void splitToEnd(IndexRange range, std::vector<IndexRange>& leaves);
     void placeBlocks(const std::vector<IndexRange>& leaves);
     void fill(std::size_t block);
