@@ -27,7 +27,12 @@ const char* no_complaint(const double* /*row*/, std::size_t /*dims*/) {
 }
 
 constexpr Metric kMetrics[] = {
-    {"euclidean", &distance_in_order, &euclidean_kernels, true, &no_complaint},
+    {"euclidean",
+     &distance_in_order,
+     &euclidean_kernels,
+     true,
+     &no_complaint,
+     &euclidean_candidates},
 };
 
 }  // namespace

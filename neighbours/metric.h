@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <span>
 
+#include "neighbours/kernels/candidate_kernels.h"
 #include "neighbours/kernels/metric_kernels.h"
 #include "util/instruction_set.h"
 
@@ -23,6 +24,8 @@ struct Metric {
     bool has_triangle_inequality;
     /// What forbids to measure a row of `dims` coordinates; null if nothing does.
     const char* (*complaint)(const double* row, std::size_t dims);
+    /// The loops that find out cheaply which rows may be near; null where there are none.
+    const CandidateKernels& (*candidates)(InstructionSet instructions);
 };
 
 /// The metrics that there are.

@@ -102,7 +102,6 @@ void NeighbourIndex::drawVantagePoints(Range range, RandomStream& random) {
         return;
     }
     thresholds_[range.lower] = static_cast<double>(random.next()) / 2147483647.0;
-    ++draw_count_;
     drawVantagePoints(range.left(), random);
     drawVantagePoints(range.right(), random);
 }
@@ -135,6 +134,22 @@ void NeighbourIndex::buildSubtree(const double* points, Range range) {
     split(points, range);
     buildSubtree(points, range.left());
     buildSubtree(points, range.right());
+}
+
+std::size_t NeighbourIndex::drawCount(std::size_t N) {
+    // The ranges of a level of the tree have few different sizes.
+    std::map<std::size_t, std::size_t> counts;
+    const auto count = [&counts](const auto& self, Range range) -> std::size_t {
+        if (range.size() < 2) {
+            return 0;
+        }
+        const auto [entry, is_new] = counts.try_emplace(range.size(), 1);
+        if (is_new) {
+            entry->second += self(self, range.left()) + self(self, range.right());
+        }
+        return entry->second;
+    };
+    return count(count, {0, N});
 }
 
 std::size_t NeighbourIndex::blockCount(std::size_t N) {

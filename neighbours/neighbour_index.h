@@ -77,10 +77,8 @@ class NeighbourIndex {
     /// its memory for.
     static std::size_t blockCount(std::size_t N);
 
-    /// How many random numbers the build drew.
-    [[nodiscard]] std::size_t drawCount() const { return draw_count_; }
-
-    [[nodiscard]] const Metric& metric() const { return metric_; }
+    /// How many random numbers the build over N rows draws.
+    static std::size_t drawCount(std::size_t N);
 
     /// The row at a position of the tree order. Near rows often have near positions.
     [[nodiscard]] std::uint32_t rowAt(std::size_t position) const { return items_[position].row; }
@@ -141,7 +139,6 @@ class NeighbourIndex {
 
     const Metric& metric_;
     std::size_t dims_;
-    std::size_t draw_count_ = 0;
     std::vector<Item> items_;
     /// What was drawn for the vantage point at each position, and once the subtree is built, the
     /// median distance of the points below it.

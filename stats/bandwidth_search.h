@@ -3,6 +3,9 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <span>
+
+#include "stats/entropy_bracket.h"
 
 namespace ovik {
 
@@ -35,36 +38,56 @@ class BandwidthSearch {
     double max_beta_ = DBL_MAX;
 };
 
+/// The points whose affinities to one are calibrated.
+struct CalibratedPoints {
+    std::span<const double> squared_distances;
+    /// As many values, written.
+    double* similarities;
+    /// The point itself, if it is among them, at distance 0, to which `fill` gives DBL_MIN at most;
+    /// else as many as there are points.
+    std::size_t left_out;
+};
+
 /// Conditional affinities of one point to others, calibrated to a perplexity.
 ///
 /// Searches the bandwidth for which the entropy of the affinities is log(perplexity), then
 /// divides them by their sum. If the attempts run out, the last trial stands. A perplexity of 0 or
-/// less or NaN uses up all attempts.
+/// less or NaN uses up all attempts. Attempts whose outcome is certain beforehand are passed over.
 ///
-/// @param squared_distances  count values
-/// @param similarities       count values, written
-/// @param attempts           at least 1
-/// @param fill               `fill(beta)` writes the unnormalised affinities of a trial
+/// @param attempts  at least 1
+/// @param guess     about where the precision may be, above 0: saves time, without effect on
+/// results
+/// @param fill      `fill(beta)` writes the unnormalised affinities of a trial:
+///                  exp(-beta * squared distance), rounded in any way
+/// @return a guess for points like these
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008,
 /// equation 1
 template <typename Fill>
-void calibrate_similarities(const double* squared_distances,
-                            double* similarities,
-                            std::size_t count,
-                            double perplexity,
-                            int attempts,
-                            const Fill& fill) {
+double calibrate_similarities(const CalibratedPoints& points,
+                              double perplexity,
+                              int attempts,
+                              double guess,
+                              const Fill& fill) {
     const double wanted_entropy = std::log(perplexity);
+    double* const similarities = points.similarities;
+    const std::size_t count = points.squared_distances.size();
+    EntropyBracket bracket(points.squared_distances, points.left_out, wanted_entropy);
+    const double next_guess = bracket.narrow(guess);
     BandwidthSearch search;
     double sum_P = DBL_MIN;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const double beta = search.beta();
+        const double side = attempt + 1 < attempts ? bracket.sideOf(beta) : 0.0;
+        if (side != 0.0) {
+            search.accept(side);
+            continue;
+        }
         fill(beta);
         sum_P = DBL_MIN;
         double entropy = 0.0;
         for (std::size_t m = 0; m < count; ++m) {
             sum_P += similarities[m];
-            entropy += similarities[m] * squared_distances[m] * beta;
+            entropy += similarities[m] * points.squared_distances[m] * beta;
         }
         entropy = entropy / sum_P + std::log(sum_P);
         if (search.accept(entropy - wanted_entropy)) {
@@ -74,6 +97,7 @@ void calibrate_similarities(const double* squared_distances,
     for (std::size_t m = 0; m < count; ++m) {
         similarities[m] = similarities[m] / sum_P;
     }
+    return next_guess;
 }
 
 }  // namespace ovik

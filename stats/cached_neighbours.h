@@ -4,9 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "neighbours/neighbour_index.h"
+#include "neighbours/neighbour_search.h"
 #include "results/checkpoint.h"
-#include "util/parallel.h"
 #include "util/random_stream.h"
 
 namespace ovik {
@@ -23,42 +22,34 @@ class CachedNeighbours {
     /// @param most  neighbours of a row that any run will want, without the row itself
     explicit CachedNeighbours(std::size_t most) : most_(most + 1) {}
 
-    /// The index over the points, built by the first call.
+    /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
     /// @throws std::invalid_argument if the points are not those of the first call
-    const NeighbourIndex& index(const double* points,
-                                std::size_t N,
-                                std::size_t dims,
-                                RandomStream& random = process_random_stream());
+    void begin(const double* points,
+               std::size_t N,
+               std::size_t dims,
+               RandomStream& random = process_random_stream());
 
-    /// Does what `NeighbourIndex::search` does, for the rows at some positions of the tree order.
-    /// Several threads may ask at once for different positions.
-    ///
-    /// @param positions  at most `kTargets`
-    /// @param targets    the rows at these positions
-    void search(IndexRange positions,
-                const double* const* targets,
-                std::size_t count,
-                NeighbourIndex::Queries& queries);
+    /// How many workers `findAll` has at most.
+    [[nodiscard]] std::size_t workerCount() const { return search_->workerCount(); }
+
+    /// Does what `NeighbourSearch::findAll` does, once a run has begun.
+    void findAll(const double* points, std::size_t count, const NeighbourSearch::Visit& visit);
 
   private:
-    using Neighbour = NeighbourIndex::Neighbour;
-
-    [[nodiscard]] bool isCertain(std::size_t position, std::size_t count) const;
+    void fillLists(const double* points);
 
     /// How many neighbours of each row are cached, the row itself among them.
     std::size_t most_;
-    std::unique_ptr<NeighbourIndex> index_;
-    std::size_t N_ = 0;
+    std::unique_ptr<NeighbourSearch> search_;
+    std::size_t dims_ = 0;
     Digest points_{};
-    /// Distances that differ by less may be told apart in one search and not in another.
+    /// That of the search for candidates.
     double margin_ = 0.0;
-    /// `most_` for each position, of which `found_` are there.
-    std::vector<Neighbour> lists_;
+    /// One more than `most_` for each row, of which the first `found_` are there.
+    std::vector<NearRow> lists_;
     std::vector<std::size_t> found_;
-    /// Not a bit each: threads write side by side.
-    std::vector<char> has_list_;
 };
 
 }  // namespace ovik

@@ -37,7 +37,7 @@ void dense_conditional_affinities(const double* points,
             row[n] = DBL_MIN;
         };
         calibrate_similarities(
-            row_distances, row, point_count, perplexity, kBandwidthAttempts, fill);
+            {{row_distances, point_count}, row, n}, perplexity, kBandwidthAttempts, 1.0, fill);
     });
 }
 

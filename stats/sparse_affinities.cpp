@@ -5,13 +5,14 @@
 #include <limits>
 #include <numeric>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "neighbours/neighbour_graph.h"
-#include "neighbours/neighbour_index.h"
+#include "neighbours/neighbour_search.h"
 #include "stats/bandwidth_search.h"
 #include "stats/cached_neighbours.h"
 #include "util/malloc_array.h"
@@ -22,7 +23,6 @@ namespace ovik {
 namespace {
 
 constexpr int kBandwidthAttempts = 200;
-constexpr std::size_t kTargetsPerTask = 8 * kTargets;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {
@@ -43,99 +43,68 @@ NeighbourGraph graph_without_neighbours(std::size_t N, std::size_t neighbour_cou
     return graph;
 }
 
-/// What one worker needs to calibrate row after row.
-struct RowScratch {
-    NeighbourIndex::Queries queries;
-    std::vector<double> squared_distances;
-};
-
 /// Fills rows of the matrix of conditional affinities.
 class RowFiller {
   public:
-    /// All arguments but the numbers have to outlive the object.
-    ///
-    /// @param hooks   `cached`, if there is one, holds the index; `graph` has room for all rows
-    /// @param points  those of the index, row-major
-    /// @param K       entries of a row
-    RowFiller(const NeighbourIndex& index,
-              const NeighbourHooks& hooks,
-              const double* points,
-              std::size_t dims,
-              double perplexity,
+    /// @param K             entries of a row
+    /// @param worker_count  how many workers fill rows side by side
+    /// @param matrix        has to outlive the object
+    /// @param graph         null, or what takes the neighbours; filled up beforehand
+    RowFiller(double perplexity,
               std::size_t K,
-              SparseMatrix& matrix)
-        : index_(index),
-          hooks_(hooks),
-          points_(points),
-          dims_(dims),
-          perplexity_(perplexity),
+              std::size_t worker_count,
+              SparseMatrix& matrix,
+              NeighbourGraph* graph)
+        : perplexity_(perplexity),
           K_(K),
-          matrix_(matrix) {}
+          matrix_(matrix),
+          graph_(graph),
+          scratch_(worker_count, Scratch{std::vector<double>(K), 1.0}) {}
 
-    /// Fills the rows of at most kTargets positions of the tree order.
-    void fill(IndexRange positions, RowScratch& scratch) const {
-        const double* targets[kTargets];
-        for (std::size_t i = positions.begin; i < positions.end; ++i) {
-            targets[i - positions.begin] = points_ + index_.rowAt(i) * dims_;
+    /// Fills the row of point n: columns nearest first, and their affinities.
+    ///
+    /// @param nearest  the point itself and its neighbours
+    void fill(std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
+        auto& [squared_distances, guess] = scratch_[worker];
+        unsigned int* const columns = matrix_.col_P.get() + n * K_;
+        double* const similarities = matrix_.val_P.get() + n * K_;
+        const std::span<const NearRow> others = nearest.subspan(nearest.empty() ? 0 : 1);
+        const std::size_t count = others.size();
+        for (std::size_t m = 0; m < count; ++m) {
+            squared_distances[m] = others[m].distance * others[m].distance;
+            columns[m] = others[m].row;
         }
-        if (hooks_.cached != nullptr) {
-            hooks_.cached->search(positions, targets, K_ + 1, scratch.queries);
-        } else {
-            index_.search(targets, positions.size(), K_ + 1, scratch.queries);
-        }
-        for (std::size_t i = positions.begin; i < positions.end; ++i) {
-            const auto& nearest = scratch.queries.neighbours[i - positions.begin];
-            fillRow(index_.rowAt(i), nearest, scratch.squared_distances.data());
-            if (hooks_.graph != nullptr) {
-                noteNeighbours(index_.rowAt(i), nearest);
+        const auto fill = [&](double beta) {
+            for (std::size_t m = 0; m < count; ++m) {
+                const double distance = others[m].distance;
+                similarities[m] = std::exp(((-beta) * distance) * distance);
+            }
+        };
+        const CalibratedPoints points{{squared_distances.data(), count}, similarities, count};
+        guess = calibrate_similarities(points, perplexity_, kBandwidthAttempts, guess, fill);
+        std::fill(columns + count, columns + K_, static_cast<unsigned int>(n));
+        std::fill(similarities + count, similarities + K_, 0.0);
+        if (graph_ != nullptr) {
+            for (std::size_t m = 0; m < count; ++m) {
+                graph_->neighbours[n * K_ + m] = others[m].row;
+                graph_->distances[n * K_ + m] = others[m].distance;
             }
         }
     }
 
   private:
-    /// Fills the row of point n: columns nearest first, and their affinities.
-    ///
-    /// @param nearest            the point itself and its neighbours
-    /// @param squared_distances  scratch for K values
-    void fillRow(std::size_t n,
-                 const std::vector<NeighbourIndex::Neighbour>& nearest,
-                 double* squared_distances) const {
-        unsigned int* const columns = matrix_.col_P.get() + n * K_;
-        double* const similarities = matrix_.val_P.get() + n * K_;
-        const std::size_t count = nearest.empty() ? 0 : nearest.size() - 1;
-        for (std::size_t m = 0; m < count; ++m) {
-            const double distance = nearest[m + 1].distance;
-            squared_distances[m] = distance * distance;
-            columns[m] = index_.rowAt(nearest[m + 1].position);
-        }
-        const auto fill = [&](double beta) {
-            for (std::size_t m = 0; m < count; ++m) {
-                const double distance = nearest[m + 1].distance;
-                similarities[m] = std::exp(((-beta) * distance) * distance);
-            }
-        };
-        calibrate_similarities(
-            squared_distances, similarities, count, perplexity_, kBandwidthAttempts, fill);
-        std::fill(columns + count, columns + K_, static_cast<unsigned int>(n));
-        std::fill(similarities + count, similarities + K_, 0.0);
-    }
+    struct Scratch {
+        std::vector<double> squared_distances;
+        /// The precision of the row before.
+        double guess;
+    };
 
-    /// Takes the neighbours of point n over into the graph, which is filled up beforehand.
-    void noteNeighbours(std::size_t n,
-                        const std::vector<NeighbourIndex::Neighbour>& nearest) const {
-        for (std::size_t m = 0; m + 1 < nearest.size(); ++m) {
-            hooks_.graph->neighbours[n * K_ + m] = index_.rowAt(nearest[m + 1].position);
-            hooks_.graph->distances[n * K_ + m] = nearest[m + 1].distance;
-        }
-    }
-
-    const NeighbourIndex& index_;
-    const NeighbourHooks& hooks_;
-    const double* points_;
-    std::size_t dims_;
     double perplexity_;
     std::size_t K_;
     SparseMatrix& matrix_;
+    NeighbourGraph* graph_;
+    /// One for each worker.
+    std::vector<Scratch> scratch_;
 };
 
 constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
@@ -201,70 +170,133 @@ class Transposed {
 
     [[nodiscard]] const Arrival* end(std::size_t column) const { return begin(column + 1); }
 
-    /// The arrival from a row in a column, the last one if there are several; null if there is
-    /// none.
-    [[nodiscard]] const Arrival* find(std::size_t row, std::size_t column) const {
-        const Arrival* const behind = std::upper_bound(
-            begin(column), end(column), row, [](std::size_t key, const Arrival& arrival) {
-                return key < arrival.row;
-            });
-        return behind != begin(column) && behind[-1].row == row ? behind - 1 : nullptr;
-    }
-
   private:
     MallocArray<std::size_t> starts_;
     MallocArray<Arrival> arrivals_;
 };
 
-/// Calls `emit(column, value)` for every entry of row n of the symmetric form, in the order in
-/// which rows 0, 1, ... bring them up: what earlier rows store about n, then its own entries, then
-/// what later rows store and n does not.
-///
-/// @param mirrors  scratch
-template <typename Emit>
-void for_each_symmetric_entry(const SparseMatrixView& P,
-                              const Transposed& transposed,
-                              std::size_t n,
-                              std::vector<unsigned int>& mirrors,
-                              const Emit& emit) {
-    const Arrival* const arrivals = transposed.begin(n);
-    const auto arrival_count = static_cast<std::size_t>(transposed.end(n) - arrivals);
-    // For each arrival, the entry of row n that goes back to where it came from.
-    mirrors.assign(arrival_count, kNotStored);
-    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-        if (const Arrival* const mirror = transposed.find(P.col_P[i], n)) {
-            mirrors[static_cast<std::size_t>(mirror - arrivals)] = i;
-        }
-    }
-    std::size_t a = 0;
-    for (; a < arrival_count && arrivals[a].row < n; ++a) {
-        const double value = P.val_P[arrivals[a].entry];
-        const double sum = mirrors[a] == kNotStored ? value : value + P.val_P[mirrors[a]];
-        emit(arrivals[a].row, sum * 0.5);
-    }
-    for (unsigned int i = P.row_P[n]; i < P.row_P[n + 1]; ++i) {
-        const unsigned int j = P.col_P[i];
-        const Arrival* const mirror = transposed.find(j, n);
-        if (mirror == nullptr) {
-            emit(j, P.val_P[i] * 0.5);
-        } else if (n <= j) {
-            emit(j, (P.val_P[i] + P.val_P[mirror->entry]) * 0.5);
-        }
-    }
-    for (; a < arrival_count; ++a) {
-        if (arrivals[a].row > n && mirrors[a] == kNotStored) {
-            emit(arrivals[a].row, P.val_P[arrivals[a].entry] * 0.5);
-        }
-    }
-}
+/// Goes through the rows of the symmetric form of a matrix.
+class SymmetricRows {
+  public:
+    SymmetricRows(const SparseMatrixView& P, const Transposed& transposed, std::size_t N)
+        : P_(P),
+          transposed_(transposed),
+          places_(N, kNotStored) {}
 
-/// Runs `visit(n, mirrors)` for every row, spread over the cores.
+    /// How many entries row n has.
+    unsigned int count(std::size_t n) {
+        const Arrival* const begin = transposed_.begin(n);
+        const Arrival* const end = transposed_.end(n);
+        unsigned int entries = 0;
+        for (const Arrival* arrival = begin; arrival != end; ++arrival) {
+            places_[arrival->row] = kUnmatched;
+            entries += arrival->row == n ? 0 : 1;
+        }
+        for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
+            const unsigned int j = P_.col_P[i];
+            entries += places_[j] == kNotStored || n <= j ? 1 : 0;
+            if (j > n && places_[j] == kUnmatched) {
+                // What row j stores about n is no entry of its own.
+                places_[j] = kMatched;
+                --entries;
+            }
+        }
+        for (const Arrival* arrival = begin; arrival != end; ++arrival) {
+            places_[arrival->row] = kNotStored;
+        }
+        return entries;
+    }
+
+    /// Writes row n, in the order in which rows 0, 1, ... bring its entries up: what earlier rows
+    /// store about n, then its own entries, then what later rows store and n does not.
+    void write(std::size_t n, unsigned int* columns, double* values) {
+        findMirrors(n);
+        const Arrival* const arrivals = transposed_.begin(n);
+        const std::size_t arrival_count = mirrors_.size();
+        columns_.resize(arrival_count + own_places_.size());
+        values_.resize(columns_.size());
+        std::size_t slot = 0;
+        // Where an entry is stored or not cannot be foretold: it is written in any case, and
+        // written over by the next.
+        const auto put = [&](bool is_stored, unsigned int column, double value) {
+            columns_[slot] = column;
+            values_[slot] = value * 0.5;
+            slot += is_stored ? 1 : 0;
+        };
+        std::size_t a = 0;
+        for (; a < arrival_count && arrivals[a].row < n; ++a) {
+            const double value = P_.val_P[arrivals[a].entry];
+            const bool has_mirror = mirrors_[a] != kNotStored;
+            const double other = P_.val_P[has_mirror ? mirrors_[a] : arrivals[a].entry];
+            put(true, arrivals[a].row, has_mirror ? value + other : value);
+        }
+        for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
+            const unsigned int j = P_.col_P[i];
+            const unsigned int place = own_places_[i - P_.row_P[n]];
+            const bool has_mirror = place != kNotStored;
+            const double other = P_.val_P[has_mirror ? arrivals[place].entry : i];
+            put(!has_mirror || n <= j, j, has_mirror ? P_.val_P[i] + other : P_.val_P[i]);
+        }
+        for (; a < arrival_count; ++a) {
+            const bool is_other = arrivals[a].row > n && mirrors_[a] == kNotStored;
+            put(is_other, arrivals[a].row, P_.val_P[arrivals[a].entry]);
+        }
+        std::copy_n(columns_.begin(), slot, columns);
+        std::copy_n(values_.begin(), slot, values);
+    }
+
+  private:
+    static constexpr unsigned int kUnmatched = 0;
+    static constexpr unsigned int kMatched = 1;
+
+    /// Finds the pairs of entries that lie across the diagonal from one another. Of several
+    /// arrivals from a row the last counts.
+    void findMirrors(std::size_t n) {
+        const Arrival* const arrivals = transposed_.begin(n);
+        const auto arrival_count = static_cast<std::size_t>(transposed_.end(n) - arrivals);
+        mirrors_.assign(arrival_count, kNotStored);
+        own_places_.clear();
+        for (std::size_t a = 0; a < arrival_count; ++a) {
+            places_[arrivals[a].row] = static_cast<unsigned int>(a);
+            // Far from one another.
+            __builtin_prefetch(P_.val_P + arrivals[a].entry);
+        }
+        for (unsigned int i = P_.row_P[n]; i < P_.row_P[n + 1]; ++i) {
+            const unsigned int place = places_[P_.col_P[i]];
+            own_places_.push_back(place);
+            if (place != kNotStored) {
+                mirrors_[place] = i;
+            }
+        }
+        for (std::size_t a = 0; a < arrival_count; ++a) {
+            places_[arrivals[a].row] = kNotStored;
+        }
+    }
+
+    const SparseMatrixView& P_;
+    const Transposed& transposed_;
+    /// For each row, its place among the arrivals of the row that is visited.
+    std::vector<unsigned int> places_;
+    /// For each arrival, the entry of row n that goes back to where it came from.
+    std::vector<unsigned int> mirrors_;
+    /// For each entry of row n, the place of the arrival from where it goes to.
+    std::vector<unsigned int> own_places_;
+    /// The row that is written.
+    std::vector<unsigned int> columns_;
+    std::vector<double> values_;
+};
+
+/// Runs `visit(n, rows)` for every row, spread over the cores.
 template <typename Visit>
-void for_each_row(std::size_t N, const Visit& visit) {
-    parallel_for(N, kRowGrain, [&](std::size_t /*worker*/, IndexRange rows) {
-        std::vector<unsigned int> mirrors;
-        for (std::size_t n = rows.begin; n < rows.end; ++n) {
-            visit(n, mirrors);
+void for_each_row(const SparseMatrixView& P,
+                  const Transposed& transposed,
+                  std::size_t N,
+                  const Visit& visit) {
+    const std::size_t grain = std::max(kRowGrain, N / static_cast<std::size_t>(kMostCounters));
+    parallel_for(N, grain, [&](std::size_t /*worker*/, IndexRange range) {
+        SymmetricRows rows(P, transposed, N);
+        for (std::size_t n = range.begin; n < range.end; ++n) {
+            visit(n, rows);
         }
     });
 }
@@ -292,29 +324,31 @@ SparseMatrix neighbour_affinities(const double* points,
     for (std::size_t n = 0; n <= N; ++n) {
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
-    std::optional<NeighbourIndex> own_index;
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
-    const NeighbourIndex& index =
-        hooks.cached != nullptr ? hooks.cached->index(points, N, dims, random)
-                                : own_index.emplace(points, N, dims, euclidean_metric(), random);
+    std::optional<NeighbourSearch> own_search;
+    if (hooks.cached != nullptr) {
+        hooks.cached->begin(points, N, dims, random);
+    } else {
+        own_search.emplace(N, dims, random);
+    }
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
         *hooks.graph = graph_without_neighbours(N, row_length);
     }
-    const RowFiller rows(index, hooks, points, dims, perplexity, row_length, matrix);
-    // In tree order: near points look at the same blocks.
-    const std::size_t tasks = (N + kTargetsPerTask - 1) / kTargetsPerTask;
-    const int workers = worker_count(tasks);
-    std::vector<RowScratch> scratch(static_cast<std::size_t>(workers));
-    for (RowScratch& worker : scratch) {
-        worker.squared_distances.resize(row_length);
+    const auto find_all = [&](auto& search) {
+        RowFiller rows(perplexity, row_length, search.workerCount(), matrix, hooks.graph);
+        search.findAll(
+            points,
+            row_length + 1,
+            [&rows](std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
+                rows.fill(n, nearest, worker);
+            });
+    };
+    if (hooks.cached != nullptr) {
+        find_all(*hooks.cached);
+    } else {
+        find_all(*own_search);
     }
-    parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
-        const std::size_t end = std::min((task + 1) * kTargetsPerTask, N);
-        for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
-            rows.fill({i, std::min(i + kTargets, end)}, scratch[worker]);
-        }
-    });
     return matrix;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
@@ -323,10 +357,8 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
     const auto row_counts = malloc_array<unsigned int>(N);
     auto row_P = malloc_array<unsigned int>(N + 1);
     require_allocated(row_counts, row_P);
-    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
-        unsigned int count = 0;
-        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int, double) { ++count; });
-        row_counts[n] = count;
+    for_each_row(P, transposed, N, [&](std::size_t n, SymmetricRows& rows) {
+        row_counts[n] = rows.count(n);
     });
     const std::size_t entries =
         std::accumulate(row_counts.get(), row_counts.get() + N, std::size_t{0});
@@ -336,13 +368,9 @@ SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {
     SparseMatrix result{
         std::move(row_P), malloc_array<unsigned int>(entries), malloc_array<double>(entries)};
     require_allocated(result.col_P, result.val_P);
-    for_each_row(N, [&](std::size_t n, std::vector<unsigned int>& mirrors) {
-        std::size_t slot = result.row_P[n];
-        for_each_symmetric_entry(P, transposed, n, mirrors, [&](unsigned int column, double value) {
-            result.col_P[slot] = column;
-            result.val_P[slot] = value;
-            ++slot;
-        });
+    for_each_row(P, transposed, N, [&](std::size_t n, SymmetricRows& rows) {
+        const unsigned int start = result.row_P[n];
+        rows.write(n, result.col_P.get() + start, result.val_P.get() + start);
     });
     return result;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks

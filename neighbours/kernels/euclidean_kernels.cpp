@@ -79,9 +79,62 @@ void squared_distances(const PointsByColumn& points, std::size_t n, double* resu
     }
 }
 
+/// Vectors of rows whose sums are formed side by side.
+constexpr std::size_t kRowVectors = 2;
+constexpr std::size_t kRowsAtOnce = kRowVectors * kLanes;
+
+/// Measures kRowsAtOnce rows, given by where they begin.
+void measure_rows(const double* const* rows,
+                  std::size_t dims,
+                  const double* target,
+                  double* distances) {
+    Lanes sums[kRowVectors] = {};
+    std::size_t d = 0;
+    for (; d + 2 <= dims; d += 2) {
+        for (std::size_t v = 0; v < kRowVectors; ++v) {
+            Lanes both[2];
+            load_pairs([=](std::size_t lane) { return rows[v * kLanes + lane] + d; }, both);
+            for (std::size_t i = 0; i < 2; ++i) {
+                const Lanes difference = both[i] - target[d + i];
+                sums[v] += difference * difference;
+            }
+        }
+    }
+    for (std::size_t v = 0; v < kRowVectors; ++v) {
+        if (d < dims) {
+            const Lanes last =
+                each_lane([=](std::size_t lane) { return rows[v * kLanes + lane][d]; });
+            const Lanes difference = last - target[d];
+            sums[v] += difference * difference;
+        }
+        store(distances + v * kLanes, square_root(sums[v]));
+    }
+}
+
+void row_distances(const double* points,
+                   std::size_t dims,
+                   const double* target,
+                   const std::uint32_t* rows,
+                   std::size_t count,
+                   double* distances) {
+    for (std::size_t first = 0; first < count; first += kRowsAtOnce) {
+        const std::size_t rest = count - first < kRowsAtOnce ? count - first : kRowsAtOnce;
+        const double* starts[kRowsAtOnce];
+        for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
+            // The last row stands in for those that are missing.
+            starts[i] = points + rows[first + (i < rest ? i : rest - 1)] * dims;
+        }
+        double results[kRowsAtOnce];
+        measure_rows(starts, dims, target, results);
+        for (std::size_t i = 0; i < rest; ++i) {
+            distances[first + i] = results[i];
+        }
+    }
+}
+
 }  // namespace
 
 extern const MetricKernels kEuclideanKernels;
-const MetricKernels kEuclideanKernels = {&block_distances, &squared_distances};
+const MetricKernels kEuclideanKernels = {&block_distances, &squared_distances, &row_distances};
 
 }  // namespace ovik::OVIK_KERNELS

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "util/instruction_set.h"
 
@@ -41,11 +42,24 @@ using DistancesOfPoint = void (*)(const PointsByColumn& points,
                                   std::size_t n,
                                   double* squared_distances);
 
+/// Writes the distances of a target from some rows of a matrix.
+///
+/// @param points     row-major, with `dims` columns
+/// @param rows       count numbers of rows
+/// @param distances  count values
+using RowDistances = void (*)(const double* points,
+                              std::size_t dims,
+                              const double* target,
+                              const std::uint32_t* rows,
+                              std::size_t count,
+                              double* distances);
+
 /// The loops of a metric over many points, all of which have to give the bits of its distance of
 /// two points.
 struct MetricKernels {
     BlockDistances block_distances;
     DistancesOfPoint squared_distances;
+    RowDistances row_distances;
 };
 
 }  // namespace ovik

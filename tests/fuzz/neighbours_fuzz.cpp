@@ -5,19 +5,21 @@
 #include <cstdlib>
 #include <omp.h>
 #include <set>
+#include <span>
 #include <vector>
 
 #include "neighbours/data_point.h"
 #include "neighbours/euclidean_distance.h"
 #include "neighbours/neighbour_index.h"
+#include "neighbours/neighbour_search.h"
 #include "neighbours/vptree.h"
 
 #include "tests/fuzz/support/points.h"
 #include "tests/fuzz/support/require.h"
 #include "tests/support/instruction_sets.h"
 
-/// The vantage-point tree against a comparison of all points, and the index for many queries
-/// against the tree.
+/// The vantage-point tree against a comparison of all points, and the index for many queries and
+/// the search of all rows against the tree.
 
 namespace ovik {
 namespace {
@@ -138,6 +140,28 @@ std::vector<Answer> ask(const NeighbourIndex& index,
     return answers;
 }
 
+/// The search of all rows, which takes another way than the tree.
+void check_search(const test::PointsInput& input,
+                  const std::vector<DataPoint<double>>& targets,
+                  const std::vector<Answer>& answers,
+                  std::size_t k) {
+    std::vector<Answer> of_rows(input.count());
+    NeighbourSearch search(input.count(), input.dims, process_random_stream());
+    search.findAll(input.values.data(),
+                   k,
+                   [&](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+                       for (const NearRow& near : nearest) {
+                           of_rows[row].rows.push_back(static_cast<int>(near.row));
+                           of_rows[row].distances.push_back(near.distance);
+                       }
+                   });
+    for (std::size_t t = 0; t < targets.size(); ++t) {
+        if (targets[t].index >= 0) {
+            OVIK_REQUIRE(of_rows[static_cast<std::size_t>(targets[t].index)] == answers[t]);
+        }
+    }
+}
+
 void check_points(const test::PointsInput& input) {
     constexpr unsigned int kSeed = 5;
     constexpr std::size_t kMostTargets = 6;
@@ -172,6 +196,9 @@ void check_points(const test::PointsInput& input) {
         for (const std::size_t group_size : {std::size_t{1}, 1 + input.choices[2] % kTargets}) {
             OVIK_REQUIRE(ask(index, targets, group_size, k) == answers);
         }
+        std::srand(kSeed);
+        check_search(input, targets, answers, k);
+        OVIK_REQUIRE(std::rand() == next_draw);
     }
 }
 

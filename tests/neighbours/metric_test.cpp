@@ -1,6 +1,7 @@
 #include "neighbours/metric.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <set>
@@ -106,6 +107,36 @@ TEST(Metric, HasKernelsWithTheBitsOfItsDistance) {
                               metric.distance(targets[i / kBlockPoints], point.data(), dims))
                         << metric.name << ", " << dims << " dimensions";
                 }
+            }
+        }
+    }
+}
+
+TEST(Metric, HasKernelsForSomeRowsWithTheBitsOfItsDistance) {
+    for (const Metric& metric : {euclidean_metric(), test::kMaximumMetric}) {
+        for (const InstructionSet set : test::available_instruction_sets()) {
+            const MetricKernels& kernels = metric.kernels(set);
+            for (std::size_t dims = 0; dims <= 35; ++dims) {
+                const std::vector<double> points = test::random_values(50 * dims + 1, 98);
+                std::vector<std::uint32_t> rows;
+                for (std::uint32_t i = 0; i < dims + 3; ++i) {
+                    rows.push_back(i * 17 % 50);
+                }
+                // The value behind the last must stay.
+                std::vector<double> distances(rows.size() + 1, -1.0);
+                kernels.row_distances(points.data(),
+                                      dims,
+                                      points.data() + 7 * dims,
+                                      rows.data(),
+                                      rows.size(),
+                                      distances.data());
+                for (std::size_t i = 0; i < rows.size(); ++i) {
+                    ASSERT_EQ(distances[i],
+                              metric.distance(
+                                  points.data() + 7 * dims, points.data() + rows[i] * dims, dims))
+                        << metric.name << ", " << dims << " dimensions";
+                }
+                ASSERT_EQ(distances.back(), -1.0);
             }
         }
     }

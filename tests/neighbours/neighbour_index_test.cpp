@@ -9,13 +9,10 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include "neighbours/data_point.h"
-#include "neighbours/euclidean_distance.h"
-#include "neighbours/vptree.h"
-
 #include "tests/support/instruction_sets.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
+#include "tests/support/tree_answers.h"
 
 /// The index for many queries against the vantage-point tree: the same neighbours, the same order,
 /// the same distances to the last bit.
@@ -23,40 +20,8 @@
 namespace ovik {
 namespace {
 
-struct Answer {
-    std::vector<int> rows;
-    std::vector<double> distances;
-
-    bool operator==(const Answer&) const = default;
-};
-
-struct Answers {
-    std::vector<Answer> of_rows;
-    int next_draw = 0;
-
-    bool operator==(const Answers&) const = default;
-};
-
-Answers of_tree(const std::vector<double>& points, std::size_t dims, int k) {
-    std::vector<DataPoint<double>> list;
-    for (std::size_t n = 0; n < points.size() / dims; ++n) {
-        list.emplace_back(static_cast<int>(dims), static_cast<int>(n), points.data() + n * dims);
-    }
-    std::srand(5);
-    VpTree<DataPoint<double>, &euclidean_distance> tree;
-    tree.create(list);
-    Answers answers{{}, std::rand()};
-    for (const auto& target : list) {
-        std::vector<DataPoint<double>> results;
-        Answer answer;
-        tree.search(target, k, &results, &answer.distances);
-        for (const auto& result : results) {
-            answer.rows.push_back(result.index);
-        }
-        answers.of_rows.push_back(answer);
-    }
-    return answers;
-}
+using test::Answer;
+using test::Answers;
 
 /// @param group_size  targets that are searched for together
 Answers of_index(const std::vector<double>& points,
@@ -64,7 +29,7 @@ Answers of_index(const std::vector<double>& points,
                  int k,
                  std::size_t group_size) {
     const std::size_t N = points.size() / dims;
-    std::srand(5);
+    std::srand(test::kTreeSeed);
     const NeighbourIndex index(points.data(), N, dims);
     Answers answers{{}, std::rand()};
     NeighbourIndex::Queries queries;
@@ -88,7 +53,7 @@ Answers of_index(const std::vector<double>& points,
 }
 
 void expect_the_same(const std::vector<double>& points, std::size_t dims, int k) {
-    const Answers expected = of_tree(points, dims, k);
+    const Answers expected = test::answers_of_tree(points, dims, k);
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
         for (const InstructionSet instructions : test::kInstructionSets) {
@@ -155,7 +120,7 @@ RC_GTEST_PROP(NeighbourIndex, AnswersAsTheTreeDoesOnAnyPoints, ()) {
         *rc::gen::container<std::vector<int>>(count * dims, rc::gen::inRange(-range, range));
     const std::vector<double> points(grid.begin(), grid.end());
     const auto group_size = *rc::gen::inRange<std::size_t>(1, kTargets + 1);
-    RC_ASSERT(of_index(points, dims, k, group_size) == of_tree(points, dims, k));
+    RC_ASSERT(of_index(points, dims, k, group_size) == test::answers_of_tree(points, dims, k));
 }
 
 TEST(NeighbourIndex, KnowsHowManyBlocksItTakes) {
@@ -165,6 +130,20 @@ TEST(NeighbourIndex, KnowsHowManyBlocksItTakes) {
     // A point alone, and its halves of 7 and 9.
     EXPECT_EQ(NeighbourIndex::blockCount(17), 3U);
     EXPECT_LT(NeighbourIndex::blockCount(100000), 100000U / 8);
+}
+
+TEST(NeighbourIndex, KnowsHowManyNumbersItDraws) {
+    for (const std::size_t N : {0U, 1U, 2U, 3U, 15U, 16U, 17U, 100U, 999U}) {
+        const std::vector<double> points = test::random_values(N * 2, 69);
+        std::srand(7);
+        const NeighbourIndex index(points.data(), N, 2);
+        const int next = std::rand();
+        std::srand(7);
+        for (std::size_t draw = 0; draw < NeighbourIndex::drawCount(N); ++draw) {
+            std::rand();
+        }
+        EXPECT_EQ(std::rand(), next) << N << " points";
+    }
 }
 
 TEST(NeighbourIndex, AsksNoMoreOnceItHasDuplicatesEnough) {

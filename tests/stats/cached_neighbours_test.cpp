@@ -107,8 +107,8 @@ TEST(CachedNeighbours, RefuseAnotherMatrix) {
     CachedNeighbours cached(6);
     affinities(matrix, 6, &cached);
     matrix.values[7] += 1.0;
-    EXPECT_THROW(cached.index(matrix.values.data(), matrix.rows(), 3), std::invalid_argument);
-    EXPECT_THROW(cached.index(matrix.values.data(), 5, 3), std::invalid_argument);
+    EXPECT_THROW(cached.begin(matrix.values.data(), matrix.rows(), 3), std::invalid_argument);
+    EXPECT_THROW(cached.begin(matrix.values.data(), 5, 3), std::invalid_argument);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include "neighbours/metric.h"
 
@@ -35,6 +36,16 @@ const MetricKernels& plain_kernels(InstructionSet /*instructions*/) {
                 const double distance = Distance(own, other, points.dims);
                 squared_distances[m] = distance * distance;
             }
+        },
+        [](const double* points,
+           std::size_t dims,
+           const double* target,
+           const std::uint32_t* rows,
+           std::size_t count,
+           double* distances) {
+            for (std::size_t i = 0; i < count; ++i) {
+                distances[i] = Distance(target, points + rows[i] * dims, dims);
+            }
         }};
     return kKernels;
 }
@@ -60,12 +71,16 @@ inline const char* no_complaint(const double* /*row*/, std::size_t /*dims*/) {
 }
 
 /// The maximum norm of the difference, with the triangle inequality.
-inline constexpr Metric kMaximumMetric = {
-    "maximum", &largest_difference, &plain_kernels<&largest_difference>, true, &no_complaint};
+inline constexpr Metric kMaximumMetric = {"maximum",
+                                          &largest_difference,
+                                          &plain_kernels<&largest_difference>,
+                                          true,
+                                          &no_complaint,
+                                          nullptr};
 
 /// Squared Euclidean distances, which are without the triangle inequality.
 inline constexpr Metric kSquaresMetric = {
-    "squares", &sum_of_squares, &plain_kernels<&sum_of_squares>, false, &no_complaint};
+    "squares", &sum_of_squares, &plain_kernels<&sum_of_squares>, false, &no_complaint, nullptr};
 
 /// The maximum norm, for rows whose first coordinate is not negative.
 inline constexpr Metric kComplainingMetric = {
@@ -75,6 +90,7 @@ inline constexpr Metric kComplainingMetric = {
     true,
     [](const double* row, std::size_t dims) -> const char* {
         return dims > 0 && row[0] < 0.0 ? "the first coordinate is negative" : nullptr;
-    }};
+    },
+    nullptr};
 
 }  // namespace ovik::test

@@ -66,14 +66,15 @@ inline Lanes each_lane(const Value& value) {
     return lanes;
 }
 
-/// pairs[2 * indices[lane]] and the value after it.
-inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
+/// For each lane, the value at an address and the value after it.
+template <typename Address>
+inline void load_pairs(const Address& address, Lanes* both) {
     // The processor's own gather instructions are slow where they are mended against reading stale
     // data; these are loads.
     typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
     const auto pair = [=](std::size_t lane) {
         Pair values;
-        __builtin_memcpy(&values, pairs + 2 * std::size_t{indices[lane]}, sizeof values);
+        __builtin_memcpy(&values, address(lane), sizeof values);
         return values;
     };
 #if OVIK_LANES == 2
@@ -96,6 +97,11 @@ inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lane
     both[1] = __builtin_shufflevector(low, high, 1, 3, 5, 7, 9, 11, 13, 15);
     #endif
 #endif
+}
+
+/// pairs[2 * indices[lane]] and the value after it.
+inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
+    load_pairs([=](std::size_t lane) { return pairs + 2 * std::size_t{indices[lane]}; }, both);
 }
 
 inline Bits as_bits(Lanes lanes) {

@@ -1,0 +1,318 @@
+#include "neighbours/kernels/candidate_kernels.h"
+
+#include "util/kernels/lanes.h"
+
+namespace ovik::OVIK_KERNELS {
+
+namespace {
+
+/// Lanes of single precision.
+constexpr std::size_t kFloats = 2 * kLanes;
+
+typedef float Floats __attribute__((vector_size(kFloats * sizeof(float))));
+typedef float HalfFloats __attribute__((vector_size(kLanes * sizeof(float))));
+typedef std::int32_t Choices __attribute__((vector_size(kFloats * sizeof(float))));
+
+/// Targets and vectors of sources whose sums are formed side by side: what the registers hold.
+constexpr std::size_t kTileTargets = 6;
+constexpr std::size_t kTileVectors = OVIK_LANES == 8 ? 4 : 2;
+
+Floats load_floats(const float* from) {
+    Floats lanes;
+    __builtin_memcpy(&lanes, from, sizeof lanes);
+    return lanes;
+}
+
+Floats broadcast_float(float x) {
+    return x - Floats{};
+}
+
+/// a * b + c, fused where the processor has that.
+Floats add_product(Floats a, Floats b, Floats c) {
+#if OVIK_LANES == 8
+    return _mm512_fmadd_ps(a, b, c);
+#elif OVIK_LANES == 4
+    return _mm256_fmadd_ps(a, b, c);
+#else
+    return a * b + c;
+#endif
+}
+
+/// Bit `lane` tells whether that lane is at most the limit.
+Mask not_above(Floats values, Floats limit) {
+#if OVIK_LANES == 8
+    return _mm512_cmp_ps_mask(values, limit, _CMP_LE_OQ);
+#elif OVIK_LANES == 4
+    return static_cast<Mask>(_mm256_movemask_ps(_mm256_cmp_ps(values, limit, _CMP_LE_OQ)));
+#else
+    const Choices choices = values <= limit;
+    return static_cast<Mask>((choices[0] & 1) | (choices[1] & 2) | (choices[2] & 4) |
+                             (choices[3] & 8));
+#endif
+}
+
+std::size_t bit_count(Mask mask) {
+    return static_cast<std::size_t>(__builtin_popcount(mask));
+}
+
+/// Appends the lanes of the mask, of which the positions are `first` and those after it.
+void append(Floats values, Mask mask, std::uint32_t first, Candidates& candidates) {
+    float* const to = candidates.values + candidates.count;
+    std::uint32_t* const positions = candidates.positions + candidates.count;
+#if OVIK_LANES == 8
+    const __m512i lanes = _mm512_set_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    const __m512i all = _mm512_add_epi32(lanes, _mm512_set1_epi32(static_cast<int>(first)));
+    const auto chosen = static_cast<__mmask16>(mask);
+    // Whole vectors: there is room behind the candidates.
+    _mm512_storeu_ps(to, _mm512_maskz_compress_ps(chosen, values));
+    _mm512_storeu_si512(positions, _mm512_maskz_compress_epi32(chosen, all));
+#else
+    float lanes[kFloats];
+    __builtin_memcpy(lanes, &values, sizeof lanes);
+    std::size_t i = 0;
+    for (Mask rest = mask; rest != 0; rest &= rest - 1, ++i) {
+        const auto lane = static_cast<std::uint32_t>(__builtin_ctz(rest));
+        to[i] = lanes[lane];
+        positions[i] = first + lane;
+    }
+#endif
+    candidates.count += bit_count(mask);
+}
+
+/// A tile of a block of targets against one of sources.
+struct Tile {
+    const PackedRows& targets;
+    const PackedRows& sources;
+    std::size_t dims;
+    std::uint32_t first_position;
+    Candidates* candidates;
+};
+
+/// Offers some vectors of sources to some targets, their sums side by side in registers.
+template <std::size_t Targets, std::size_t Vectors>
+void collect_tile(const Tile& tile, std::size_t target, std::size_t source) {
+    Floats sums[Targets][Vectors] = {};
+    for (std::size_t d = 0; d < tile.dims; ++d) {
+        const float* const of_targets = tile.targets.coordinates + d * tile.targets.stride + target;
+        const float* const of_sources = tile.sources.coordinates + d * tile.sources.stride + source;
+        Floats column[Vectors];
+        for (std::size_t v = 0; v < Vectors; ++v) {
+            column[v] = load_floats(of_sources + v * kFloats);
+        }
+        for (std::size_t t = 0; t < Targets; ++t) {
+            const Floats factor = broadcast_float(of_targets[t]);
+            for (std::size_t v = 0; v < Vectors; ++v) {
+                sums[t][v] = add_product(factor, column[v], sums[t][v]);
+            }
+        }
+    }
+    for (std::size_t t = 0; t < Targets; ++t) {
+        Candidates& of_target = tile.candidates[target + t];
+        const Floats limit = broadcast_float(of_target.limit);
+        for (std::size_t v = 0; v < Vectors; ++v) {
+            const std::size_t first = source + v * kFloats;
+            const Floats twice = sums[t][v] + sums[t][v];
+            const Floats values = load_floats(tile.sources.starts + first) - twice;
+            const Mask mask = not_above(values, limit);
+            if (mask != 0) {
+                const auto position = tile.first_position + static_cast<std::uint32_t>(first);
+                append(values, mask, position, of_target);
+            }
+        }
+    }
+}
+
+/// Offers some vectors of sources to all targets, the number of which is even with what pads them.
+template <std::size_t Vectors>
+void collect_vectors(const Tile& tile, std::size_t target_count, std::size_t source) {
+    std::size_t target = 0;
+    for (; target + kTileTargets <= target_count + 1; target += kTileTargets) {
+        collect_tile<kTileTargets, Vectors>(tile, target, source);
+    }
+    for (; target < target_count; target += 2) {
+        collect_tile<2, Vectors>(tile, target, source);
+    }
+}
+
+void collect(const PackedRows& targets,
+             std::size_t target_count,
+             const PackedRows& sources,
+             std::size_t dims,
+             std::uint32_t first_position,
+             Candidates* candidates) {
+    const Tile tile{targets, sources, dims, first_position, candidates};
+    std::size_t source = 0;
+    for (; source + kTileVectors * kFloats <= sources.stride; source += kTileVectors * kFloats) {
+        collect_vectors<kTileVectors>(tile, target_count, source);
+    }
+    for (; source < sources.stride; source += kFloats) {
+        collect_vectors<1>(tile, target_count, source);
+    }
+}
+
+/// Vectors of rows that are packed side by side.
+constexpr std::size_t kPackedVectors = kPackedMultiple / kLanes;
+
+void pack(const double* columns,
+          std::size_t stride,
+          std::size_t dims,
+          const Frame& frame,
+          float* packed,
+          double* squared_norms) {
+    const Lanes scale = broadcast(frame.scale);
+    for (std::size_t i = 0; i < stride; i += kPackedMultiple) {
+        Lanes sums[kPackedVectors] = {};
+        for (std::size_t d = 0; d < dims; ++d) {
+            const double* const column = columns + d * stride + i;
+            float* const to = packed + d * stride + i;
+            for (std::size_t v = 0; v < kPackedVectors; ++v) {
+                const Lanes difference = (load(column + v * kLanes) - frame.centre[d]) * scale;
+                const HalfFloats rounded = __builtin_convertvector(difference, HalfFloats);
+                __builtin_memcpy(to + v * kLanes, &rounded, sizeof rounded);
+                sums[v] += difference * difference;
+            }
+        }
+        for (std::size_t v = 0; v < kPackedVectors; ++v) {
+            store(squared_norms + i + v * kLanes, sums[v]);
+        }
+    }
+}
+
+/// How many of the values are at most the limit.
+std::size_t count_not_above(const float* values, std::size_t count, float limit) {
+    const Floats limits = broadcast_float(limit);
+    std::size_t found = 0;
+    std::size_t i = 0;
+    for (; i + kFloats <= count; i += kFloats) {
+        found += bit_count(not_above(load_floats(values + i), limits));
+    }
+    for (; i < count; ++i) {
+        found += values[i] <= limit ? 1 : 0;
+    }
+    return found;
+}
+
+/// The least and the greatest of some values.
+void find_range(const float* values, std::size_t count, float& least, float& greatest) {
+    least = values[0];
+    greatest = values[0];
+    std::size_t i = 0;
+    if (count >= kFloats) {
+        Floats low = load_floats(values);
+        Floats high = low;
+        for (; i + kFloats <= count; i += kFloats) {
+            const Floats some = load_floats(values + i);
+            low = some < low ? some : low;
+            high = some > high ? some : high;
+        }
+        for (std::size_t lane = 0; lane < kFloats; ++lane) {
+            least = low[lane] < least ? low[lane] : least;
+            greatest = high[lane] > greatest ? high[lane] : greatest;
+        }
+    }
+    for (; i < count; ++i) {
+        least = values[i] < least ? values[i] : least;
+        greatest = values[i] > greatest ? values[i] : greatest;
+    }
+}
+
+float bound(const float* values, std::size_t count, std::size_t wanted) {
+    float low = 0.0F;
+    float high = 0.0F;
+    find_range(values, count, low, high);
+    // Bisection until few more than are wanted are found.
+    constexpr int kMostSteps = 14;
+    const std::size_t most = wanted + wanted / 32;
+    std::size_t found = count;
+    for (int step = 0; step < kMostSteps && found > most; ++step) {
+        const float middle = low * 0.5F + high * 0.5F;
+        const std::size_t below = count_not_above(values, count, middle);
+        if (below >= wanted) {
+            high = middle;
+            found = below;
+        } else {
+            low = middle;
+        }
+    }
+    return high;
+}
+
+void drop(Candidates& candidates) {
+    float* const values = candidates.values;
+    std::uint32_t* const positions = candidates.positions;
+    std::size_t kept = 0;
+    std::size_t i = 0;
+#if OVIK_LANES == 8
+    for (; i + kFloats <= candidates.count; i += kFloats) {
+        const Floats some = load_floats(values + i);
+        const Mask mask = not_above(some, broadcast_float(candidates.limit));
+        const auto chosen = static_cast<__mmask16>(mask);
+        const __m512i places = _mm512_loadu_si512(positions + i);
+        // Whole vectors: what follows the kept has been read.
+        _mm512_storeu_ps(values + kept, _mm512_maskz_compress_ps(chosen, some));
+        _mm512_storeu_si512(positions + kept, _mm512_maskz_compress_epi32(chosen, places));
+        kept += bit_count(mask);
+    }
+#endif
+    for (; i < candidates.count; ++i) {
+        const float value = values[i];
+        values[kept] = value;
+        positions[kept] = positions[i];
+        kept += value <= candidates.limit ? 1 : 0;
+    }
+    candidates.count = kept;
+}
+
+/// A number for each lane of doubles.
+typedef std::int64_t Counts __attribute__((vector_size(kLanes * sizeof(double))));
+
+/// Distances that are ranked side by side.
+constexpr std::size_t kRankedVectors = kPackedMultiple / kLanes / (OVIK_LANES == 2 ? 2 : 1);
+constexpr std::size_t kRanked = kRankedVectors * kLanes;
+
+/// Counts in each lane the distances of a range that are less, or not greater.
+template <bool OrEqual>
+void count_below(const double* distances,
+                 std::size_t begin,
+                 std::size_t end,
+                 const Lanes* ranked,
+                 Counts* counts) {
+    for (std::size_t i = begin; i < end; ++i) {
+        const Lanes other = broadcast(distances[i]);
+        for (std::size_t v = 0; v < kRankedVectors; ++v) {
+            // True is -1.
+            counts[v] -= OrEqual ? other <= ranked[v] : other < ranked[v];
+        }
+    }
+}
+
+void rank(double* distances, std::size_t count, std::uint32_t* places) {
+    for (std::size_t i = count; i < count + kPackedMultiple; ++i) {
+        distances[i] = __builtin_huge_val();
+    }
+    for (std::size_t first = 0; first < count; first += kRanked) {
+        Lanes ranked[kRankedVectors];
+        for (std::size_t v = 0; v < kRankedVectors; ++v) {
+            ranked[v] = load(distances + first + v * kLanes);
+        }
+        const std::size_t end = first + kRanked < count ? first + kRanked : count;
+        Counts counts[kRankedVectors] = {};
+        // Those before come first where they are equal, those behind do not.
+        count_below<true>(distances, 0, first, ranked, counts);
+        count_below<false>(distances, first, count, ranked, counts);
+        for (std::size_t i = first; i < end; ++i) {
+            auto place = static_cast<std::uint32_t>(counts[(i - first) / kLanes][i % kLanes]);
+            for (std::size_t j = first; j < i; ++j) {
+                place += distances[j] == distances[i] ? 1 : 0;
+            }
+            places[i] = place;
+        }
+    }
+}
+
+}  // namespace
+
+extern const CandidateKernels kEuclideanCandidates;
+const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop, &rank};
+
+}  // namespace ovik::OVIK_KERNELS

@@ -1,0 +1,171 @@
+#include "neighbours/neighbour_search.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+constexpr std::size_t kTargetsPerTask = 8 * kTargets;
+
+/// The stream that numbers were drawn from before.
+class RepeatedStream final : public RandomStream {
+  public:
+    explicit RepeatedStream(const std::vector<int>& numbers) : numbers_(numbers) {}
+
+    void seed(unsigned int /*seed*/) override { next_ = 0; }
+
+    int next() override { return numbers_[next_++]; }
+
+  private:
+    const std::vector<int>& numbers_;
+    std::size_t next_ = 0;
+};
+
+/// Gives up where most rows are uncertain, as those of a lattice are.
+class Patience {
+  public:
+    void count(bool is_certain) { ++(is_certain ? certain_ : uncertain_); }
+
+    [[nodiscard]] bool isAtAnEnd() const {
+        constexpr std::size_t kFirstRows = 256;
+        return uncertain_ > kFirstRows && uncertain_ > certain_;
+    }
+
+  private:
+    std::atomic<std::size_t> certain_{0};
+    std::atomic<std::size_t> uncertain_{0};
+};
+
+/// Asks a tree for the neighbours of some rows.
+class TreeQueries {
+  public:
+    TreeQueries(const NeighbourIndex& tree,
+                const double* points,
+                std::size_t dims,
+                std::size_t count,
+                const NeighbourSearch::Visit& visit)
+        : tree_(tree),
+          points_(points),
+          dims_(dims),
+          count_(count),
+          visit_(visit) {}
+
+    /// What a worker needs.
+    struct Scratch {
+        NeighbourIndex::Queries queries;
+        std::vector<NearRow> nearest;
+    };
+
+    /// Visits at most kTargets rows.
+    void ask(std::span<const std::uint32_t> rows, std::size_t worker, Scratch& scratch) const {
+        const double* targets[kTargets];
+        for (std::size_t t = 0; t < rows.size(); ++t) {
+            targets[t] = points_ + rows[t] * dims_;
+        }
+        tree_.search(targets, rows.size(), count_, scratch.queries);
+        for (std::size_t t = 0; t < rows.size(); ++t) {
+            scratch.nearest.clear();
+            for (const auto& neighbour : scratch.queries.neighbours[t]) {
+                scratch.nearest.push_back({tree_.rowAt(neighbour.position), neighbour.distance});
+            }
+            visit_(rows[t], scratch.nearest, worker);
+        }
+    }
+
+  private:
+    const NeighbourIndex& tree_;
+    const double* points_;
+    std::size_t dims_;
+    std::size_t count_;
+    const NeighbourSearch::Visit& visit_;
+};
+
+}  // namespace
+
+NeighbourSearch::NeighbourSearch(std::size_t N,
+                                 std::size_t dims,
+                                 RandomStream& random,
+                                 const Metric& metric)
+    : N_(N),
+      dims_(dims),
+      metric_(metric),
+      draws_(NeighbourIndex::drawCount(N)) {
+    std::generate(draws_.begin(), draws_.end(), [&random] { return random.next(); });
+}
+
+std::size_t NeighbourSearch::workerCount() const {
+    return static_cast<std::size_t>(worker_count(N_));
+}
+
+const NeighbourIndex& NeighbourSearch::index(const double* points) {
+    if (index_ == nullptr) {
+        RepeatedStream stream(draws_);
+        index_ = std::make_unique<NeighbourIndex>(points, N_, dims_, metric_, stream);
+    }
+    return *index_;
+}
+
+void NeighbourSearch::findAll(const double* points, std::size_t count, const Visit& visit) {
+    std::vector<char> is_found(N_);
+    findCertain(points, count, is_found, visit);
+    findOthers(points, count, is_found, visit);
+}
+
+/// Visits the rows of which the neighbours are certain without the tree, and marks them as found.
+void NeighbourSearch::findCertain(const double* points,
+                                  std::size_t count,
+                                  std::vector<char>& is_found,
+                                  const Visit& visit) const {
+    const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
+    std::vector<CandidateSearch::Scratch> scratch(workerCount());
+    Patience patience;
+    const auto search_block = [&](std::size_t block, std::size_t worker) {
+        if (patience.isAtAnEnd()) {
+            return;
+        }
+        candidates.search(
+            block, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
+                const bool certain = is_certain(nearest, count, candidates.margin());
+                patience.count(certain);
+                if (certain) {
+                    visit(row, nearest.first(count), worker);
+                    is_found[row] = 1;
+                }
+            });
+    };
+    parallel_tasks(candidates.blockCount(), worker_count(N_), search_block);
+}
+
+void NeighbourSearch::findOthers(const double* points,
+                                 std::size_t count,
+                                 const std::vector<char>& is_found,
+                                 const Visit& visit) {
+    if (std::find(is_found.begin(), is_found.end(), 0) == is_found.end()) {
+        return;
+    }
+    const NeighbourIndex& tree = index(points);
+    // In tree order: near points look at the same blocks.
+    std::vector<std::uint32_t> rows;
+    for (std::size_t position = 0; position < N_; ++position) {
+        if (is_found[tree.rowAt(position)] == 0) {
+            rows.push_back(tree.rowAt(position));
+        }
+    }
+    const TreeQueries queries(tree, points, dims_, count, visit);
+    std::vector<TreeQueries::Scratch> scratch(workerCount());
+    const std::span<const std::uint32_t> all(rows);
+    const std::size_t tasks = (rows.size() + kTargetsPerTask - 1) / kTargetsPerTask;
+    parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
+        const std::size_t end = std::min((task + 1) * kTargetsPerTask, rows.size());
+        for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
+            queries.ask(all.subspan(i, std::min(kTargets, end - i)), worker, scratch[worker]);
+        }
+    });
+}
+
+}  // namespace ovik

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "neighbours/candidate_search.h"
+#include "neighbours/metric.h"
+#include "neighbours/neighbour_index.h"
+#include "util/random_stream.h"
+
+namespace ovik {
+
+/// The nearest neighbours of all rows of a matrix, exactly those of the vantage-point tree in its
+/// order, found by `CandidateSearch` where that is certain to be so. The tree is built for the
+/// other rows alone, if there are any; random numbers are drawn for it in any case.
+class NeighbourSearch {
+  public:
+    /// Is given a row, the rows that are nearest to it, nearest first, and the number of the worker
+    /// that calls: below `workerCount()`. Workers call side by side.
+    using Visit =
+        std::function<void(std::size_t row, std::span<const NearRow> nearest, std::size_t worker)>;
+
+    /// Draws what the tree will need from a stream.
+    ///
+    /// @param metric  with the triangle inequality; must outlive the search
+    NeighbourSearch(std::size_t N,
+                    std::size_t dims,
+                    RandomStream& random,
+                    const Metric& metric = euclidean_metric());
+
+    /// How many workers there are at most.
+    [[nodiscard]] std::size_t workerCount() const;
+
+    [[nodiscard]] std::size_t rowCount() const { return N_; }
+
+    /// Visits every row with its `count` nearest, itself among them; with fewer where there are not
+    /// so many at a finite distance.
+    ///
+    /// @param points  row-major, N x dims, the same in all calls
+    void findAll(const double* points, std::size_t count, const Visit& visit);
+
+    /// Visits the rows that are not found yet, by the tree.
+    ///
+    /// @param is_found  for each row whether it is left out
+    void findOthers(const double* points,
+                    std::size_t count,
+                    const std::vector<char>& is_found,
+                    const Visit& visit);
+
+  private:
+    void findCertain(const double* points,
+                     std::size_t count,
+                     std::vector<char>& is_found,
+                     const Visit& visit) const;
+    const NeighbourIndex& index(const double* points);
+
+    std::size_t N_;
+    std::size_t dims_;
+    const Metric& metric_;
+    /// What was drawn for the tree.
+    std::vector<int> draws_;
+    std::unique_ptr<NeighbourIndex> index_;
+};
+
+}  // namespace ovik

@@ -1,0 +1,197 @@
+#include "neighbours/kernels/candidate_kernels.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/instruction_sets.h"
+#include "tests/support/random_points.h"
+
+namespace ovik {
+namespace {
+
+class CandidateKernelsTest : public testing::TestWithParam<InstructionSet> {
+  protected:
+    const CandidateKernels& kernels = euclidean_candidates(GetParam());
+};
+
+INSTANTIATE_TEST_SUITE_P(EveryInstructionSet,
+                         CandidateKernelsTest,
+                         testing::ValuesIn(test::available_instruction_sets()));
+
+std::vector<float> random_floats(std::size_t count, unsigned int seed) {
+    const std::vector<double> values = test::random_values(count, seed);
+    std::vector<float> floats;
+    for (const double value : values) {
+        floats.push_back(static_cast<float>(value));
+    }
+    return floats;
+}
+
+TEST_P(CandidateKernelsTest, PackRowsRelativeToTheCentre) {
+    constexpr std::size_t kDims = 5;
+    constexpr std::size_t kStride = 2 * kPackedMultiple;
+    const std::vector<double> columns = test::random_values(kDims * kStride, 31, 100.0);
+    const std::vector<double> centre = test::random_values(kDims, 32, 100.0);
+    std::vector<float> packed(columns.size());
+    std::vector<double> norms(kStride);
+    kernels.pack(
+        columns.data(), kStride, kDims, {centre.data(), 0.25}, packed.data(), norms.data());
+    for (std::size_t i = 0; i < kStride; ++i) {
+        double norm = 0.0;
+        for (std::size_t d = 0; d < kDims; ++d) {
+            const double difference = (columns[d * kStride + i] - centre[d]) * 0.25;
+            EXPECT_EQ(packed[d * kStride + i], static_cast<float>(difference));
+            norm += difference * difference;
+        }
+        EXPECT_NEAR(norms[i], norm, 1e-12 * norm);
+    }
+}
+
+/// The value of a source for a target, and what rounding may make of it.
+struct Value {
+    double value;
+    double error;
+};
+
+Value value_of(const PackedRows& targets,
+               std::size_t t,
+               const PackedRows& sources,
+               std::size_t s,
+               std::size_t dims) {
+    double value = sources.starts[s];
+    double size = std::fabs(value);
+    for (std::size_t d = 0; d < dims; ++d) {
+        const double product = double{targets.coordinates[d * targets.stride + t]} *
+                               double{sources.coordinates[d * sources.stride + s]};
+        value -= 2.0 * product;
+        size += 2.0 * std::fabs(product);
+    }
+    return {value, static_cast<double>(dims + 2) * FLT_EPSILON * size};
+}
+
+/// @param stride  of the sources, of which the last five pad
+void expect_to_collect(const CandidateKernels& kernels,
+                       std::size_t target_count,
+                       std::size_t stride,
+                       std::size_t dims) {
+    const std::size_t target_stride =
+        (target_count + kPackedMultiple - 1) / kPackedMultiple * kPackedMultiple;
+    const std::vector<float> of_targets = random_floats(target_stride * dims, 33);
+    const std::vector<float> of_sources = random_floats(stride * dims, 34);
+    std::vector<float> starts = random_floats(stride, 35);
+    std::fill(starts.end() - 5, starts.end(), HUGE_VALF);
+    const PackedRows targets{of_targets.data(), nullptr, target_stride};
+    const PackedRows sources{of_sources.data(), starts.data(), stride};
+    const std::size_t room = stride + 1 + kPackedMultiple;
+    std::vector<float> values(target_stride * room);
+    std::vector<std::uint32_t> positions(target_stride * room);
+    std::vector<Candidates> candidates;
+    for (std::size_t t = 0; t < target_stride; ++t) {
+        values[t * room] = -1e9F;
+        candidates.push_back({values.data() + t * room,
+                              positions.data() + t * room,
+                              1,
+                              t >= target_count ? -FLT_MAX
+                              : t % 3 == 0      ? FLT_MAX
+                                                : 0.25F});
+    }
+    kernels.collect(targets, target_count, sources, dims, 1000, candidates.data());
+    for (std::size_t t = 0; t < target_stride; ++t) {
+        const Candidates& found = candidates[t];
+        ASSERT_GE(found.count, 1U);
+        ASSERT_LE(found.count, stride + 1);
+        EXPECT_EQ(found.values[0], -1e9F);
+        std::vector<bool> is_found(stride, false);
+        for (std::size_t i = 1; i < found.count; ++i) {
+            const std::size_t s = found.positions[i] - 1000;
+            ASSERT_LT(s, stride);
+            EXPECT_FALSE(is_found[s]) << "offered twice";
+            is_found[s] = true;
+            const auto [value, error] = value_of(targets, t, sources, s, dims);
+            ASSERT_NEAR(found.values[i], value, error);
+            ASSERT_LE(found.values[i], found.limit);
+        }
+        for (std::size_t s = 0; s < stride; ++s) {
+            const auto [value, error] = value_of(targets, t, sources, s, dims);
+            if (std::isfinite(value) && value + error <= found.limit) {
+                ASSERT_TRUE(is_found[s]) << "target " << t << ", source " << s;
+            }
+        }
+    }
+}
+
+TEST_P(CandidateKernelsTest, CollectAllThatAreNotAboveTheLimit) {
+    for (const std::size_t target_count : {1U, 2U, 5U, 6U, 7U, 16U, 31U}) {
+        for (const std::size_t stride : {16U, 48U, 64U, 128U}) {
+            expect_to_collect(kernels, target_count, stride, 7);
+        }
+    }
+    expect_to_collect(kernels, 13, 80, 1);
+    expect_to_collect(kernels, 13, 80, 300);
+}
+
+TEST_P(CandidateKernelsTest, FindABoundOfAsManyAsAreWanted) {
+    for (std::size_t count = 1; count < 200; count += 7) {
+        const std::vector<float> values = random_floats(count, 36);
+        for (std::size_t wanted = 1; wanted <= count; wanted += 3) {
+            const float bound = kernels.bound(values.data(), count, wanted);
+            const auto found = std::count_if(
+                values.begin(), values.end(), [=](float value) { return value <= bound; });
+            EXPECT_GE(found, static_cast<std::ptrdiff_t>(wanted));
+            EXPECT_LE(found, static_cast<std::ptrdiff_t>(wanted + 3 + wanted / 32));
+        }
+    }
+    const std::vector<float> equal(50, 2.5F);
+    EXPECT_EQ(kernels.bound(equal.data(), 50, 20), 2.5F);
+}
+
+TEST_P(CandidateKernelsTest, DropWhatIsAboveTheLimitAndKeepTheOrder) {
+    for (std::size_t count = 0; count <= 67; ++count) {
+        std::vector<float> values = random_floats(count + kPackedMultiple, 37);
+        std::vector<std::uint32_t> positions(values.size());
+        std::vector<float> expected;
+        std::vector<std::uint32_t> expected_positions;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            positions[i] = 7 * i;
+            if (values[i] <= 0.5F) {
+                expected.push_back(values[i]);
+                expected_positions.push_back(7 * i);
+            }
+        }
+        Candidates candidates{values.data(), positions.data(), count, 0.5F};
+        kernels.drop(candidates);
+        values.resize(candidates.count);
+        positions.resize(candidates.count);
+        EXPECT_EQ(values, expected);
+        EXPECT_EQ(positions, expected_positions);
+    }
+}
+
+TEST_P(CandidateKernelsTest, RankDistancesAndEqualOnesByIndex) {
+    for (std::size_t count = 0; count <= 67; ++count) {
+        for (const double grid : {1.0, 1000.0}) {
+            std::vector<double> distances = test::random_values(count + kPackedMultiple, 38, grid);
+            for (double& distance : distances) {
+                distance = std::fabs(std::round(distance));
+            }
+            std::vector<std::uint32_t> order(count);
+            std::iota(order.begin(), order.end(), 0U);
+            std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+                return distances[a] < distances[b];
+            });
+            std::vector<std::uint32_t> places(count);
+            kernels.rank(distances.data(), count, places.data());
+            for (std::uint32_t i = 0; i < count; ++i) {
+                EXPECT_EQ(places[order[i]], i) << count << " distances";
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace ovik

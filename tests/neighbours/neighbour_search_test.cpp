@@ -1,0 +1,215 @@
+#include "neighbours/neighbour_search.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/instruction_sets.h"
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+#include "tests/support/toy_metrics.h"
+#include "tests/support/tree_answers.h"
+
+/// The search against the vantage-point tree: the same neighbours, the same order, the same
+/// distances to the last bit.
+
+namespace ovik {
+namespace {
+
+using test::Answers;
+
+Answers answers_of_search(const std::vector<double>& points, std::size_t dims, std::size_t count) {
+    const std::size_t N = points.size() / dims;
+    std::srand(test::kTreeSeed);
+    NeighbourSearch search(N, dims, process_random_stream());
+    Answers answers{std::vector<test::Answer>(N), std::rand()};
+    std::atomic<std::size_t> visits{0};
+    search.findAll(points.data(),
+                   count,
+                   [&](std::size_t row, std::span<const NearRow> nearest, std::size_t worker) {
+                       EXPECT_LT(worker, search.workerCount());
+                       ++visits;
+                       for (const NearRow& near : nearest) {
+                           answers.of_rows[row].rows.push_back(static_cast<int>(near.row));
+                           answers.of_rows[row].distances.push_back(near.distance);
+                       }
+                   });
+    EXPECT_EQ(visits, N);
+    return answers;
+}
+
+void expect_the_same(const std::vector<double>& points, std::size_t dims, std::size_t count) {
+    const Answers expected = test::answers_of_tree(points, dims, static_cast<int>(count));
+    for (const int threads : {1, 3}) {
+        const test::ThreadCount scope(threads);
+        for (const InstructionSet set : test::available_instruction_sets()) {
+            const test::InstructionLimit limit(set);
+            ASSERT_TRUE(answers_of_search(points, dims, count) == expected)
+                << threads << " threads, instruction set " << static_cast<int>(set);
+        }
+    }
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFinds) {
+    expect_the_same(test::random_values(600 * 7, 61), 7, 31);
+    expect_the_same(test::random_values(400 * 50, 62), 50, 10);
+    expect_the_same(test::random_values(900, 63), 1, 5);
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsInClustersFarApart) {
+    std::vector<double> points = test::random_values(800 * 4, 64, 1e-3);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i] += static_cast<double>(i / 4 % 23 * 100);
+    }
+    expect_the_same(points, 4, 20);
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsOfTiesAndDuplicates) {
+    std::vector<double> points = test::random_values(800 * 3, 65, 1.5);
+    for (double& value : points) {
+        value = std::round(value);
+    }
+    expect_the_same(points, 3, 12);
+    // A few duplicates among rows that have none.
+    points = test::random_values(500 * 3, 66);
+    for (const std::size_t row : {7U, 99U, 260U}) {
+        std::copy_n(points.begin() + 3 * 42, 3, points.begin() + static_cast<int>(3 * row));
+    }
+    expect_the_same(points, 3, 12);
+    expect_the_same(std::vector<double>(200, 1.0), 2, 9);
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsWhereDistancesDifferInTheLastPlace) {
+    std::vector<double> points = {0.0, 0.0};
+    for (int n = 0; n < 300; ++n) {
+        points.push_back(std::cos(0.02 * n));
+        points.push_back(std::sin(0.02 * n));
+    }
+    expect_the_same(points, 2, 50);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i] = 1.0 + static_cast<double>(i * 7 % 31) * std::numeric_limits<double>::epsilon();
+    }
+    expect_the_same(points, 2, 50);
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsOfNumbersThatAreNotFinite) {
+    std::vector<double> points = test::random_values(300 * 2, 67);
+    const double inf = std::numeric_limits<double>::infinity();
+    points[31] = std::nan("");
+    points[100] = inf;
+    points[101] = -inf;
+    points[208] = 1e200;
+    expect_the_same(points, 2, 7);
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsOfNumbersOfAnySize) {
+    for (const double scale : {1e150, 1e153, 1e-90, 1e-110, 1e-160, 1e-300}) {
+        expect_the_same(test::random_values(200 * 2, 68, scale), 2, 7);
+    }
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsForEveryNumberOfRowsAndNeighbours) {
+    for (std::size_t N = 0; N <= 67; N += N < 5 ? 1 : 31) {
+        for (const std::size_t count : {0U, 1U, 2U, 6U, 66U, 67U, 68U, 90U}) {
+            const std::vector<double> points = test::random_values(N * 2, 69);
+            EXPECT_TRUE(answers_of_search(points, 2, count) ==
+                        test::answers_of_tree(points, 2, static_cast<int>(count)))
+                << N << " rows, " << count << " neighbours";
+        }
+    }
+}
+
+/// Rows of one of many kinds.
+std::vector<double> rows_of_some_kind(std::mt19937& generator, std::size_t count) {
+    const auto pick = [&](int most) {
+        return static_cast<int>(generator() % static_cast<unsigned>(most));
+    };
+    std::normal_distribution<double> normal;
+    const int kind = pick(5);
+    const int grid = 1 + pick(40);
+    std::vector<double> values(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        switch (kind) {
+            case 0:
+                values[i] = pick(grid + 1);
+                break;
+            case 1:
+                values[i] = normal(generator) + 50.0 * pick(3);
+                break;
+            case 2:
+                // Values of a table with one decimal.
+                values[i] = std::round(10.0 * normal(generator)) / 10.0;
+                break;
+            case 3:
+                values[i] = i > 9 && pick(4) == 0 ? values[i - 8] : normal(generator);
+                break;
+            default:
+                values[i] = normal(generator);
+        }
+    }
+    return values;
+}
+
+TEST(NeighbourSearch, FindsWhatTheTreeFindsOfAnyRows) {
+    std::mt19937 generator(70);
+    constexpr int kCases = 1000;
+    for (int i = 0; i < kCases; ++i) {
+        const test::ThreadCount scope(i % 64 == 0 ? 3 : 1);
+        const std::size_t dims = 1 + generator() % 8;
+        const std::size_t N = 64 + generator() % 40;
+        const std::size_t count = 1 + generator() % 20;
+        const std::vector<double> points = rows_of_some_kind(generator, N * dims);
+        ASSERT_TRUE(answers_of_search(points, dims, count) ==
+                    test::answers_of_tree(points, dims, static_cast<int>(count)))
+            << "case " << i << ": " << N << " x " << dims << ", " << count << " neighbours";
+    }
+}
+
+TEST(NeighbourSearch, TakesAnyMetricWithTheTriangleInequality) {
+    const std::vector<double> points = test::random_values(300 * 3, 71);
+    NeighbourSearch search(300, 3, process_random_stream(), test::kMaximumMetric);
+    std::atomic<std::size_t> visits{0};
+    search.findAll(points.data(),
+                   5,
+                   [&](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+                       ++visits;
+                       std::vector<double> distances;
+                       for (std::size_t n = 0; n < 300; ++n) {
+                           distances.push_back(test::kMaximumMetric.distance(
+                               points.data() + 3 * row, points.data() + 3 * n, 3));
+                       }
+                       std::sort(distances.begin(), distances.end());
+                       for (std::size_t i = 0; i < 5; ++i) {
+                           EXPECT_EQ(nearest[i].distance, distances[i]);
+                       }
+                   });
+    EXPECT_EQ(visits, 300U);
+}
+
+TEST(NeighbourSearch, VisitsTheRowsThatAreNotFoundYet) {
+    const std::vector<double> points = test::random_values(300 * 3, 72);
+    std::vector<char> is_found(300, 1);
+    is_found[17] = is_found[200] = 0;
+    NeighbourSearch search(300, 3, process_random_stream());
+    std::vector<std::size_t> visited;
+    search.findOthers(
+        points.data(),
+        5,
+        is_found,
+        [&](std::size_t row, std::span<const NearRow> nearest, std::size_t) {
+            visited.push_back(row);
+            EXPECT_EQ(nearest.size(), 5U);
+            EXPECT_EQ(nearest.front(), (NearRow{static_cast<std::uint32_t>(row), 0.0}));
+        });
+    std::sort(visited.begin(), visited.end());
+    EXPECT_EQ(visited, (std::vector<std::size_t>{17, 200}));
+}
+
+}  // namespace
+}  // namespace ovik
