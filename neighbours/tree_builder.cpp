@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kGridBits = 32;
 
-/// Most leading bits of a key that choose its bucket; each bucket is sorted by itself.
+/// Most leading bits of a key that choose its bucket.
 constexpr int kBucketBits = 12;
 
 /// Fewest points for which another thread pays.
@@ -110,17 +110,21 @@ void sort_nearly_sorted(GridKey* first, GridKey* last) {
 template <std::size_t Dims>
 void weigh_cell(TreeCell* cells, double* centres, std::size_t cell, std::size_t any_dims) {
     const std::size_t dims = Dims > 0 ? Dims : any_dims;
-    double* const sum = centres + cell * dims;
+    const TreeCell whole = cells[cell];
+    double* const centre = centres + cell * dims;
+    // Where they are so many as is known, the sums are kept in registers.
+    double held[Dims > 0 ? Dims : 1] = {};
+    double* const sum = Dims > 0 ? held : centre;
     std::fill_n(sum, dims, 0.0);
-    const std::size_t end = cell + cells[cell].skip;
+    const std::size_t end = cell + whole.skip;
     for (std::size_t child = cell + 1; child < end; child += cells[child].skip) {
-        cells[child].parent = cells[cell].rank;
         for (std::size_t d = 0; d < dims; ++d) {
             sum[d] += cells[child].weight * centres[child * dims + d];
         }
+        cells[child].parent = whole.rank;
     }
     for (std::size_t d = 0; d < dims; ++d) {
-        sum[d] = sum[d] / cells[cell].weight;
+        centre[d] = sum[d] / whole.weight;
     }
 }
 
@@ -209,7 +213,8 @@ TreeBuilder::TreeBuilder(std::size_t dims, std::size_t point_count)
       first_cell_(2 * point_count) {
     std::iota(order_.begin(), order_.end(), 0U);
     for (std::size_t bit = 0; bit < level_of_bit_.size() && dims > 0; ++bit) {
-        level_of_bit_[bit] = kGridBits - key_bits_ + static_cast<int>(bit / dims);
+        level_of_bit_[bit] =
+            static_cast<std::int8_t>(kGridBits - key_bits_ + static_cast<int>(bit / dims));
     }
     segments_.reserve(cellsOf(segment_levels_));
     // Every coarse cell has two children at least.
@@ -325,60 +330,57 @@ void TreeBuilder::listSegments() {
         const std::uint32_t first = bucket_starts_[bucket];
         const std::uint32_t last = bucket_starts_[bucket + step];
         if (first < last) {
-            segments_.push_back({first, last, bucket, 0, 0, false});
+            segments_.push_back({first, last, 0, 0, false});
         }
     }
 }
 
 void TreeBuilder::buildPart(std::size_t part) {
     Segment& segment = segments_[part];
-    std::size_t bucket = segment.bucket;
-    for (std::uint32_t first = segment.first; first < segment.last; ++bucket) {
-        sortBucket(first, bucket_starts_[bucket + 1]);
-        first = bucket_starts_[bucket + 1];
-    }
-    markSplitLevels(segment.first, segment.last);
+    sort_nearly_sorted(keys_.data() + segment.first, keys_.data() + segment.last);
+    orderPoints(segment.first, segment.last);
     const std::size_t end = 2 * std::size_t{segment.last};
     segment.is_deep = false;
     const Grid grid{side_, kSameCell, 0, &segment.is_deep};
     segment.cell_count = end - emitRange(segment.first, segment.last, grid, end);
 }
 
-/// Sorts the keys of a bucket, and the points with them.
-void TreeBuilder::sortBucket(std::uint32_t first, std::uint32_t last) {
-    sort_nearly_sorted(keys_.data() + first, keys_.data() + last);
-    for (std::uint32_t position = first; position < last; ++position) {
-        order_[position] = keys_[position].row;
-    }
+/// Lists the points of sorted keys, and the split levels of neighbours.
+void TreeBuilder::orderPoints(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t begin = first; begin < last;) {
+        const GridKey& key = keys_[begin];
+        order_[begin] = key.row;
         std::uint32_t end = begin + 1;
-        while (end < last && keys_[end].bits == keys_[begin].bits) {
-            ++end;
+        if (end < last && keys_[end].bits == key.bits) [[unlikely]] {
+            end = orderPointsOfKey(begin, last);
         }
-        if (end - begin > 1) {
-            for (std::uint32_t position = begin; position < end; ++position) {
-                encode(order_[position]);
-            }
-            sortByCode(begin, end);
+        if (end < last) {
+            split_levels_[end - 1] = splitLevelOfKeys(key, keys_[end]);
         }
         begin = end;
     }
 }
 
+/// The same for the points from `first` on that have the same key.
+///
+/// @return the place behind them
+std::uint32_t TreeBuilder::orderPointsOfKey(std::uint32_t first, std::uint32_t last) {
+    std::uint32_t end = first;
+    for (; end < last && keys_[end].bits == keys_[first].bits; ++end) {
+        order_[end] = keys_[end].row;
+        encode(order_[end]);
+    }
+    sortByCode(first, end);
+    return end;
+}
+
+/// Sorts points by their codes, and lists the split levels of neighbours.
 void TreeBuilder::sortByCode(std::uint32_t first, std::uint32_t last) {
     std::sort(order_.begin() + first,
               order_.begin() + last,
               [this](std::uint32_t a, std::uint32_t b) { return precedes(a, b); });
-}
-
-/// Fills in the split levels of the neighbouring points of a segment.
-void TreeBuilder::markSplitLevels(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t position = first; position + 1 < last; ++position) {
-        const GridKey& a = keys_[position];
-        const GridKey& b = keys_[position + 1];
-        split_levels_[position] = static_cast<std::int8_t>(
-            a.bits != b.bits ? splitLevelOfKeys(a, b)
-                             : splitLevelOfRows(order_[position], order_[position + 1]));
+        split_levels_[position] = splitLevelOfRows(order_[position], order_[position + 1]);
     }
 }
 
@@ -421,7 +423,15 @@ std::size_t TreeBuilder::emitUnit(std::uint32_t first,
     }
     parts_.cells[end - 1] = {
         -1.0, static_cast<double>(last - first), first, last, 1, kLeafRank, kAboveRoot};
-    std::copy_n(data_ + order_[first] * dims_, dims_, parts_.centres.data() + (end - 1) * dims_);
+    const double* const place = data_ + order_[first] * dims_;
+    double* const centre = parts_.centres.data() + (end - 1) * dims_;
+    if (dims_ == 2) {
+        // In the place of a call for so little.
+        centre[0] = place[0];
+        centre[1] = place[1];
+    } else {
+        std::copy_n(place, dims_, centre);
+    }
     return end - 1;
 }
 
@@ -442,10 +452,6 @@ double TreeBuilder::refineGrid(std::uint32_t first, std::uint32_t last) {
         }
     }
     sortByCode(first, last);
-    for (std::uint32_t position = first; position + 1 < last; ++position) {
-        split_levels_[position] =
-            static_cast<std::int8_t>(splitLevelOfRows(order_[position], order_[position + 1]));
-    }
     return side;
 }
 
@@ -527,15 +533,15 @@ int TreeBuilder::highestDifferingBit(std::uint32_t a, std::uint32_t b) const {
 }
 
 /// The split level of two points of different keys.
-int TreeBuilder::splitLevelOfKeys(const GridKey& a, const GridKey& b) const {
+std::int8_t TreeBuilder::splitLevelOfKeys(const GridKey& a, const GridKey& b) const {
     const int bit = static_cast<int>(std::bit_width(a.bits ^ b.bits)) - 1;
     return level_of_bit_[static_cast<std::size_t>(bit)];
 }
 
-int TreeBuilder::splitLevelOfRows(std::uint32_t a, std::uint32_t b) const {
+std::int8_t TreeBuilder::splitLevelOfRows(std::uint32_t a, std::uint32_t b) const {
     const int level = highestDifferingBit(a, b);
     if (level >= 0) {
-        return level;
+        return static_cast<std::int8_t>(level);
     }
     return comparePlaces(a, b) == 0 ? kSamePlace : kSameCell;
 }

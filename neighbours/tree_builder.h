@@ -58,8 +58,6 @@ class TreeBuilder {
     struct Segment {
         std::uint32_t first;
         std::uint32_t last;
-        /// The first bucket of the part.
-        std::size_t bucket;
         std::size_t cell_count;
         /// Where the cells of the part begin in the whole tree.
         std::size_t place;
@@ -96,9 +94,9 @@ class TreeBuilder {
     [[nodiscard]] std::uint64_t keyOf(std::uint32_t row);
     void fillBuckets();
     void listSegments();
-    void sortBucket(std::uint32_t first, std::uint32_t last);
+    void orderPoints(std::uint32_t first, std::uint32_t last);
+    std::uint32_t orderPointsOfKey(std::uint32_t first, std::uint32_t last);
     void sortByCode(std::uint32_t first, std::uint32_t last);
-    void markSplitLevels(std::uint32_t first, std::uint32_t last);
     std::size_t emitRange(std::uint32_t first,
                           std::uint32_t last,
                           const Grid& grid,
@@ -112,8 +110,8 @@ class TreeBuilder {
 
     [[nodiscard]] Bounds bounds(std::uint32_t first, std::uint32_t last, std::size_t d) const;
     [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
-    [[nodiscard]] int splitLevelOfKeys(const GridKey& a, const GridKey& b) const;
-    [[nodiscard]] int splitLevelOfRows(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] std::int8_t splitLevelOfKeys(const GridKey& a, const GridKey& b) const;
+    [[nodiscard]] std::int8_t splitLevelOfRows(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
 
@@ -125,7 +123,7 @@ class TreeBuilder {
     int bucket_levels_;
     int segment_levels_;
     /// The split level of points whose keys differ in this bit first.
-    std::array<int, 64> level_of_bit_{};
+    std::array<std::int8_t, 64> level_of_bit_{};
     const double* data_ = nullptr;
     double side_ = 0.0;
     double reach_ = 0.0;

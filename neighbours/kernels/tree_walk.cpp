@@ -48,6 +48,9 @@ class Batch {
     void visit(const TreeView& tree, Lanes squared_theta) {
         const TreeCell& cell = tree.cells[next_];
         const double* const centre = tree.centres + next_ * Dims;
+        // The next cell may be that behind this one.
+        prefetch(&cell.squared_side, cell.skip * sizeof(TreeCell));
+        prefetch(centre, cell.skip * Dims * sizeof(double));
         Lanes offset[kVectors][Dims];
         Lanes squared_distance[kVectors];
         BatchMask far = 0;
