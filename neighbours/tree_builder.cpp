@@ -80,6 +80,22 @@ std::uint64_t spread_in_space(std::uint32_t code) {
     return bits;
 }
 
+/// Visits keys from the last to the first, those of each quarter in turns with those of the others:
+/// near keys are of one bucket, whose count would wait for itself.
+template <typename Visit>
+void visit_in_turns(const std::vector<GridKey>& keys, const Visit& visit) {
+    constexpr std::size_t kTurns = 4;
+    const std::size_t quarter = keys.size() / kTurns;
+    for (std::size_t i = keys.size(); i-- > kTurns * quarter;) {
+        visit(keys[i]);
+    }
+    for (std::size_t i = quarter; i-- > 0;) {
+        for (std::size_t turn = 0; turn < kTurns; ++turn) {
+            visit(keys[turn * quarter + i]);
+        }
+    }
+}
+
 bool comes_before(const GridKey& a, const GridKey& b) {
     return a.bits != b.bits ? a.bits < b.bits : a.row < b.row;
 }
@@ -314,14 +330,11 @@ void TreeBuilder::fillBuckets() {
         static_cast<unsigned int>((key_bits_ - bucket_levels_) * static_cast<int>(dims_));
     const auto bucket = [shift](const GridKey& key) { return shift < 64 ? key.bits >> shift : 0; };
     std::fill(bucket_starts_.begin(), bucket_starts_.end(), 0U);
-    for (const GridKey& key : unsorted_) {
-        ++bucket_starts_[bucket(key)];
-    }
+    visit_in_turns(unsorted_, [&](const GridKey& key) { ++bucket_starts_[bucket(key)]; });
     // The end of each bucket moves to its start while the bucket is filled from its end.
     std::inclusive_scan(bucket_starts_.begin(), bucket_starts_.end(), bucket_starts_.begin());
-    for (auto key = unsorted_.rbegin(); key != unsorted_.rend(); ++key) {
-        keys_[--bucket_starts_[bucket(*key)]] = *key;
-    }
+    visit_in_turns(unsorted_,
+                   [&](const GridKey& key) { keys_[--bucket_starts_[bucket(key)]] = key; });
 }
 
 void TreeBuilder::listSegments() {
