@@ -5,7 +5,8 @@
 namespace ovik {
 
 /// The tree as the engine uses it: built in parts among other tasks, and walked by many points in
-/// vector instructions. What the steps do stands at `SPTree`.
+/// vector instructions. What the steps do stands at `SPTree`; a tree that is built by them answers
+/// `computeRepulsion` alone.
 class PartwiseSPTree : public SPTree {
   public:
     using SPTree::SPTree;

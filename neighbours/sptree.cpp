@@ -23,13 +23,16 @@ double square_of(double theta) {
     return theta > 0.0 ? theta * theta : 0.0;
 }
 
-/// The walk of many points together; null for dimensions in which points walk one by one.
-TreeWalk walk_together(std::size_t dims) {
+/// The walk of many points together; null for trees in which points walk one by one.
+TreeWalk walk_together(const TreeView& tree, double squared_theta) {
+    if (tree.is_deep || tree.reach >= kMostReach || squared_theta > kMostSquaredTheta) {
+        return nullptr;
+    }
     const WalkKernels& kernels = walk_kernels(instruction_set());
-    if (dims == 2) {
+    if (tree.dims == 2) {
         return kernels.in_plane;
     }
-    return dims == 3 ? kernels.in_space : nullptr;
+    return tree.dims == 3 ? kernels.in_space : nullptr;
 }
 
 }  // namespace
@@ -51,6 +54,7 @@ void SPTree::rebuild(const double* data) {
                    worker_count(point_count_, kBuildGrain),
                    [this](std::size_t part, std::size_t /*worker*/) { builder_->buildPart(part); });
     builder_->join();
+    builder_->rankPoints();
 }
 
 std::size_t SPTree::prepareRebuild(const double* data) {
@@ -93,13 +97,20 @@ void SPTree::computeNonEdgeForces(unsigned int point,
                                   double theta,
                                   double* neg_f,
                                   double* sum_Q) const {
+    addRepulsion({point, builder_->rank()[point]}, square_of(theta), neg_f, sum_Q);
+}
+
+void SPTree::addRepulsion(const Walker& walker,
+                          double squared_theta,
+                          double* neg_f,
+                          double* sum_Q) const {
     switch (dims_) {
         case 2:
-            return addRepulsion<2>(point, square_of(theta), neg_f, sum_Q);
+            return addRepulsionIn<2>(walker, squared_theta, neg_f, sum_Q);
         case 3:
-            return addRepulsion<3>(point, square_of(theta), neg_f, sum_Q);
+            return addRepulsionIn<3>(walker, squared_theta, neg_f, sum_Q);
         default:
-            return addRepulsion<0>(point, square_of(theta), neg_f, sum_Q);
+            return addRepulsionIn<0>(walker, squared_theta, neg_f, sum_Q);
     }
 }
 
@@ -107,15 +118,16 @@ void SPTree::computeRepulsion(
     std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const {
     TreeView tree = builder_->view();
     tree.data = data_;
-    if (const TreeWalk walk = walk_together(dims_)) {
-        walk(tree, square_of(theta), begin, end, neg_f, shares);
+    const double squared_theta = square_of(theta);
+    if (const TreeWalk walk = walk_together(tree, squared_theta)) {
+        walk(tree, squared_theta, begin, end, neg_f, shares);
         return;
     }
     for (std::size_t position = begin; position < end; ++position) {
         const std::uint32_t point = tree.order[position];
         std::fill_n(neg_f + point * dims_, dims_, 0.0);
         shares[point] = 0.0;
-        addRepulsion<0>(point, square_of(theta), neg_f + point * dims_, shares + point);
+        addRepulsion({point, position}, squared_theta, neg_f + point * dims_, shares + point);
     }
 }
 
@@ -123,20 +135,19 @@ void SPTree::computeRepulsion(
 ///
 /// @tparam Dims  the number of dimensions where it is known to the compiler, else 0
 template <std::size_t Dims>
-void SPTree::addRepulsion(unsigned int point,
-                          double squared_theta,
-                          double* neg_f,
-                          double* sum_Q) const {
+void SPTree::addRepulsionIn(const Walker& walker,
+                            double squared_theta,
+                            double* neg_f,
+                            double* sum_Q) const {
     const std::size_t dims = Dims > 0 ? Dims : dims_;
     const TreeView tree = builder_->view();
-    const double* const own = data_ + point * dims;
-    const std::uint32_t rank = builder_->rank()[point];
+    const double* const own = data_ + walker.point * dims;
     double share = 0.0;
     for (std::size_t i = 0; i < tree.cell_count;) {
         const TreeCell& cell = tree.cells[i];
         const double* const centre = tree.centres + i * dims;
         const bool is_leaf = cell.skip == 1;
-        const bool holds_point = rank >= cell.first && rank - cell.first < cell.weight;
+        const bool holds_point = walker.position >= cell.first && walker.position < cell.last;
         double squared_distance = 0.0;
         for (std::size_t d = 0; d < dims; ++d) {
             const double difference = own[d] - centre[d];

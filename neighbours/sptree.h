@@ -105,8 +105,22 @@ class SPTree {
     void computeRepulsion(
         std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const;
 
+    /// A point, and its position in the tree's own order.
+    struct Walker {
+        std::size_t point;
+        std::size_t position;
+    };
+
+    void addRepulsion(const Walker& walker,
+                      double squared_theta,
+                      double* neg_f,
+                      double* sum_Q) const;
+
     template <std::size_t Dims>
-    void addRepulsion(unsigned int point, double squared_theta, double* neg_f, double* sum_Q) const;
+    void addRepulsionIn(const Walker& walker,
+                        double squared_theta,
+                        double* neg_f,
+                        double* sum_Q) const;
 
     std::size_t dims_;
     std::size_t point_count_;

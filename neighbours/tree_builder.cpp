@@ -6,15 +6,18 @@
 #include <cmath>
 #include <numeric>
 
+#include "util/kernel_dispatch.h"
 #include "util/parallel.h"
 
 namespace ovik {
+
+OVIK_DISPATCH_KERNELS(GridKernels, kGridKernels, grid_kernels)
 
 namespace {
 
 constexpr int kGridBits = 32;
 
-/// Most leading bits of a key that choose its bucket; each bucket is sorted by itself.
+/// Most leading bits of a key that choose its bucket.
 constexpr int kBucketBits = 12;
 
 /// Fewest points for which another thread pays.
@@ -26,6 +29,11 @@ constexpr std::int8_t kSameCell = -1;
 constexpr std::int8_t kSamePlace = -2;
 /// In the place of a split level: there is no point before the first of a range.
 constexpr int kEdge = kGridBits;
+
+/// A grid has a rank for each split level from `kSameCell` on; so many grids within grids have some
+/// of their own.
+constexpr int kRanksOfGrid = kGridBits - kSameCell;
+constexpr int kMostNesting = kAboveRoot / kRanksOfGrid - 1;
 
 /// Cell of one coordinate on a grid of 2^32 cells over [low, low + side].
 std::uint32_t grid_code(double coordinate, double low, double side) {
@@ -54,15 +62,86 @@ double wider(double side, double low, double high) {
     return low < high ? std::max(side, std::min(high - low, DBL_MAX)) : side;
 }
 
-/// Puts a zero bit before each bit.
-std::uint64_t spread(std::uint32_t value) {
-    std::uint64_t bits = value;
-    bits = (bits | bits << 16U) & 0x0000FFFF0000FFFFU;
-    bits = (bits | bits << 8U) & 0x00FF00FF00FF00FFU;
-    bits = (bits | bits << 4U) & 0x0F0F0F0F0F0F0F0FU;
-    bits = (bits | bits << 2U) & 0x3333333333333333U;
-    bits = (bits | bits << 1U) & 0x5555555555555555U;
+/// 2^exponent for exponents of normal numbers.
+double power_of_two(int exponent) {
+    constexpr int kBias = 1023;
+    constexpr unsigned int kMantissaBits = 52;
+    return std::bit_cast<double>(static_cast<std::uint64_t>(kBias + exponent) << kMantissaBits);
+}
+
+/// Puts two zero bits before each of the 21 highest bits, which become the lowest.
+std::uint64_t spread_in_space(std::uint32_t code) {
+    std::uint64_t bits = code >> 11U;
+    bits = (bits | bits << 32U) & 0x001F00000000FFFFU;
+    bits = (bits | bits << 16U) & 0x001F0000FF0000FFU;
+    bits = (bits | bits << 8U) & 0x100F00F00F00F00FU;
+    bits = (bits | bits << 4U) & 0x10C30C30C30C30C3U;
+    bits = (bits | bits << 2U) & 0x1249249249249249U;
     return bits;
+}
+
+/// Visits keys from the last to the first, those of each quarter in turns with those of the others:
+/// near keys are of one bucket, whose count would wait for itself.
+template <typename Visit>
+void visit_in_turns(const std::vector<GridKey>& keys, const Visit& visit) {
+    constexpr std::size_t kTurns = 4;
+    const std::size_t quarter = keys.size() / kTurns;
+    for (std::size_t i = keys.size(); i-- > kTurns * quarter;) {
+        visit(keys[i]);
+    }
+    for (std::size_t i = quarter; i-- > 0;) {
+        for (std::size_t turn = 0; turn < kTurns; ++turn) {
+            visit(keys[turn * quarter + i]);
+        }
+    }
+}
+
+bool comes_before(const GridKey& a, const GridKey& b) {
+    return a.bits != b.bits ? a.bits < b.bits : a.row < b.row;
+}
+
+/// Sorts keys that for the most part are sorted.
+void sort_nearly_sorted(GridKey* first, GridKey* last) {
+    // Keys move to their places one by one, while the moves are no more than other ways to sort
+    // would take.
+    constexpr std::ptrdiff_t kMovesOfEach = 8;
+    std::ptrdiff_t moves = kMovesOfEach * (last - first);
+    for (GridKey* next = first; next < last && moves >= 0; ++next) {
+        const GridKey key = *next;
+        GridKey* place = next;
+        for (; place > first && comes_before(key, place[-1]); --place) {
+            *place = place[-1];
+        }
+        *place = key;
+        moves -= next - place;
+    }
+    if (moves < 0) {
+        std::sort(first, last, comes_before);
+    }
+}
+
+/// Fills in a cell's centre of mass from those of its children, and its rank in them.
+///
+/// @tparam Dims  the number of dimensions where it is known to the compiler, else 0
+template <std::size_t Dims>
+void weigh_cell(TreeCell* cells, double* centres, std::size_t cell, std::size_t any_dims) {
+    const std::size_t dims = Dims > 0 ? Dims : any_dims;
+    const TreeCell whole = cells[cell];
+    double* const centre = centres + cell * dims;
+    // Where they are so many as is known, the sums are kept in registers.
+    double held[Dims > 0 ? Dims : 1] = {};
+    double* const sum = Dims > 0 ? held : centre;
+    std::fill_n(sum, dims, 0.0);
+    const std::size_t end = cell + whole.skip;
+    for (std::size_t child = cell + 1; child < end; child += cells[child].skip) {
+        for (std::size_t d = 0; d < dims; ++d) {
+            sum[d] += cells[child].weight * centres[child * dims + d];
+        }
+        cells[child].parent = whole.rank;
+    }
+    for (std::size_t d = 0; d < dims; ++d) {
+        centre[d] = sum[d] / whole.weight;
+    }
 }
 
 }  // namespace
@@ -79,7 +158,11 @@ class TreeBuilder::Assembler {
         std::size_t end;
     };
 
-    Assembler(CellArray& array, double grid_side) : array_(array), grid_side_(grid_side) {}
+    /// @param nesting  the number of grids around this one
+    Assembler(CellArray& array, double grid_side, int nesting)
+        : array_(array),
+          grid_side_(grid_side),
+          first_rank_(std::min(nesting, kMostNesting) * kRanksOfGrid) {}
 
     /// Takes a unit and writes the cells that it completes in front of it.
     ///
@@ -95,11 +178,14 @@ class TreeBuilder::Assembler {
             around.last = cell.last;
             around.end = cell.end;
             --begin;
-            const double side = std::ldexp(grid_side_, cell.level + 1 - kGridBits);
+            const double side = grid_side_ * power_of_two(cell.level + 1 - kGridBits);
             array_.cells[begin] = {side * side,
                                    static_cast<double>(cell.last - unit.first),
                                    unit.first,
-                                   static_cast<std::uint32_t>(cell.end - begin)};
+                                   cell.last,
+                                   static_cast<std::uint32_t>(cell.end - begin),
+                                   static_cast<std::uint8_t>(first_rank_ + cell.level - kSameCell),
+                                   kAboveRoot};
             on_written(begin);
         }
         if (split_level != kEdge && (depth_ == 0 || open_[depth_ - 1].level > split_level)) {
@@ -118,6 +204,7 @@ class TreeBuilder::Assembler {
 
     CellArray& array_;
     double grid_side_;
+    int first_rank_;
     /// Levels fall from the outermost to the innermost.
     OpenCell open_[kGridBits + 1] = {};
     std::size_t depth_ = 0;
@@ -140,6 +227,11 @@ TreeBuilder::TreeBuilder(std::size_t dims, std::size_t point_count)
       parts_{std::vector<TreeCell>(2 * point_count), std::vector<double>(2 * point_count * dims)},
       whole_(parts_),
       first_cell_(2 * point_count) {
+    std::iota(order_.begin(), order_.end(), 0U);
+    for (std::size_t bit = 0; bit < level_of_bit_.size() && dims > 0; ++bit) {
+        level_of_bit_[bit] =
+            static_cast<std::int8_t>(kGridBits - key_bits_ + static_cast<int>(bit / dims));
+    }
     segments_.reserve(cellsOf(segment_levels_));
     // Every coarse cell has two children at least.
     coarse_cells_.reserve(cellsOf(segment_levels_));
@@ -151,13 +243,16 @@ TreeView TreeBuilder::view() const {
             order_.data(),
             whole_.cells.data() + first_cell_,
             whole_.cells.size() - first_cell_,
-            whole_.centres.data() + first_cell_ * dims_};
+            whole_.centres.data() + first_cell_ * dims_,
+            reach_,
+            is_deep_};
 }
 
 std::size_t TreeBuilder::prepare(const double* data) {
     data_ = data;
     segments_.clear();
     if (point_count_ > 0) {
+        layGrid();
         fillKeys();
         fillBuckets();
         listSegments();
@@ -166,27 +261,59 @@ std::size_t TreeBuilder::prepare(const double* data) {
 }
 
 /// Lays a grid over all points.
-void TreeBuilder::fillKeys() {
-    std::iota(order_.begin(), order_.end(), 0U);
+void TreeBuilder::layGrid() {
     side_ = 0.0;
+    reach_ = 0.0;
+    double low[2];
+    double high[2];
+    const bool is_ordinary =
+        dims_ == 2 && grid_kernels(instruction_set()).bounds(data_, point_count_, low, high);
     for (std::size_t d = 0; d < dims_; ++d) {
-        const auto [low, high] = bounds(0, static_cast<std::uint32_t>(point_count_), d);
-        low_[d] = low;
-        side_ = wider(side_, low, high);
+        const Bounds box = is_ordinary ? Bounds{low[d], high[d]}
+                                       : bounds(0, static_cast<std::uint32_t>(point_count_), d);
+        low_[d] = box.low;
+        side_ = wider(side_, box.low, box.high);
+        reach_ = std::max({reach_, -box.low, box.high, box.is_finite ? 0.0 : HUGE_VAL});
     }
-    parallel_for_each(point_count_, kPointGrain, [this](std::size_t row) {
-        for (std::size_t d = 0; d < dims_; ++d) {
-            codes_[row * dims_ + d] = grid_code(data_[row * dims_ + d], low_[d], side_);
+}
+
+/// Lists the keys of the points, in the order of the tree before: that is nearly the order to come,
+/// which makes sorting quick.
+void TreeBuilder::fillKeys() {
+    const GridKernels& kernels = grid_kernels(instruction_set());
+    parallel_for(point_count_, kPointGrain, [&](std::size_t /*worker*/, IndexRange range) {
+        if (dims_ == 2) {
+            kernels.keys(data_,
+                         order_.data() + range.begin,
+                         range.size(),
+                         {{low_[0], low_[1]}, side_},
+                         unsorted_.data() + range.begin);
+            return;
         }
-        unsorted_[row] = {keyOf(row), static_cast<std::uint32_t>(row)};
+        for (std::size_t position = range.begin; position < range.end; ++position) {
+            const std::uint32_t row = order_[position];
+            unsorted_[position] = {keyOf(row), row};
+        }
     });
 }
 
+/// Writes the cells of a point on the grid over all.
+///
+/// @return one for each dimension
+const std::uint32_t* TreeBuilder::encode(std::uint32_t row) {
+    std::uint32_t* const codes = codes_.data() + row * dims_;
+    for (std::size_t d = 0; d < dims_; ++d) {
+        codes[d] = grid_code(data_[row * dims_ + d], low_[d], side_);
+    }
+    return codes;
+}
+
 /// The leading bits of a point's codes, interleaved, the first dimension first.
-std::uint64_t TreeBuilder::keyOf(std::size_t row) const {
-    const std::uint32_t* const codes = codes_.data() + row * dims_;
-    if (dims_ == 2) {
-        return spread(codes[0]) << 1U | spread(codes[1]);
+std::uint64_t TreeBuilder::keyOf(std::uint32_t row) {
+    const std::uint32_t* const codes = encode(row);
+    if (dims_ == 3) {
+        return spread_in_space(codes[0]) << 2U | spread_in_space(codes[1]) << 1U |
+               spread_in_space(codes[2]);
     }
     std::uint64_t key = 0;
     for (int bit = kGridBits - 1; bit >= kGridBits - key_bits_; --bit) {
@@ -201,18 +328,13 @@ std::uint64_t TreeBuilder::keyOf(std::size_t row) const {
 void TreeBuilder::fillBuckets() {
     const auto shift =
         static_cast<unsigned int>((key_bits_ - bucket_levels_) * static_cast<int>(dims_));
-    const auto bucket = [shift](const Key& key) { return shift < 64 ? key.bits >> shift : 0; };
+    const auto bucket = [shift](const GridKey& key) { return shift < 64 ? key.bits >> shift : 0; };
     std::fill(bucket_starts_.begin(), bucket_starts_.end(), 0U);
-    for (const Key& key : unsorted_) {
-        ++bucket_starts_[bucket(key)];
-    }
-    std::exclusive_scan(bucket_starts_.begin(), bucket_starts_.end(), bucket_starts_.begin(), 0U);
-    for (const Key& key : unsorted_) {
-        keys_[bucket_starts_[bucket(key)]++] = key;
-    }
-    // Each start has moved on to the next one.
-    std::copy_backward(bucket_starts_.begin(), bucket_starts_.end() - 1, bucket_starts_.end());
-    bucket_starts_[0] = 0;
+    visit_in_turns(unsorted_, [&](const GridKey& key) { ++bucket_starts_[bucket(key)]; });
+    // The end of each bucket moves to its start while the bucket is filled from its end.
+    std::inclusive_scan(bucket_starts_.begin(), bucket_starts_.end(), bucket_starts_.begin());
+    visit_in_turns(unsorted_,
+                   [&](const GridKey& key) { keys_[--bucket_starts_[bucket(key)]] = key; });
 }
 
 void TreeBuilder::listSegments() {
@@ -221,76 +343,75 @@ void TreeBuilder::listSegments() {
         const std::uint32_t first = bucket_starts_[bucket];
         const std::uint32_t last = bucket_starts_[bucket + step];
         if (first < last) {
-            segments_.push_back({first, last, bucket, 0, 0});
+            segments_.push_back({first, last, 0, 0, false});
         }
     }
 }
 
 void TreeBuilder::buildPart(std::size_t part) {
     Segment& segment = segments_[part];
-    std::size_t bucket = segment.bucket;
-    for (std::uint32_t first = segment.first; first < segment.last; ++bucket) {
-        sortBucket(first, bucket_starts_[bucket + 1]);
-        first = bucket_starts_[bucket + 1];
-    }
-    markSplitLevels(segment.first, segment.last);
+    sort_nearly_sorted(keys_.data() + segment.first, keys_.data() + segment.last);
+    orderPoints(segment.first, segment.last);
     const std::size_t end = 2 * std::size_t{segment.last};
-    segment.cell_count = end - emitRange(segment.first, segment.last, kSameCell, side_, end);
-    for (std::uint32_t position = segment.first; position < segment.last; ++position) {
-        rank_[order_[position]] = position;
-    }
+    segment.is_deep = false;
+    const Grid grid{side_, kSameCell, 0, &segment.is_deep};
+    segment.cell_count = end - emitRange(segment.first, segment.last, grid, end);
 }
 
-/// Sorts the keys of a bucket, and the points with them.
-void TreeBuilder::sortBucket(std::uint32_t first, std::uint32_t last) {
-    std::sort(keys_.begin() + first, keys_.begin() + last);
-    for (std::uint32_t position = first; position < last; ++position) {
-        order_[position] = keys_[position].row;
-    }
+/// Lists the points of sorted keys, and the split levels of neighbours.
+void TreeBuilder::orderPoints(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t begin = first; begin < last;) {
+        const GridKey& key = keys_[begin];
+        order_[begin] = key.row;
         std::uint32_t end = begin + 1;
-        while (end < last && keys_[end].bits == keys_[begin].bits) {
-            ++end;
+        if (end < last && keys_[end].bits == key.bits) [[unlikely]] {
+            end = orderPointsOfKey(begin, last);
         }
-        if (end - begin > 1) {
-            sortByCode(begin, end);
+        if (end < last) {
+            split_levels_[end - 1] = splitLevelOfKeys(key, keys_[end]);
         }
         begin = end;
     }
 }
 
+/// The same for the points from `first` on that have the same key.
+///
+/// @return the place behind them
+std::uint32_t TreeBuilder::orderPointsOfKey(std::uint32_t first, std::uint32_t last) {
+    std::uint32_t end = first;
+    for (; end < last && keys_[end].bits == keys_[first].bits; ++end) {
+        order_[end] = keys_[end].row;
+        encode(order_[end]);
+    }
+    sortByCode(first, end);
+    return end;
+}
+
+/// Sorts points by their codes, and lists the split levels of neighbours.
 void TreeBuilder::sortByCode(std::uint32_t first, std::uint32_t last) {
     std::sort(order_.begin() + first,
               order_.begin() + last,
               [this](std::uint32_t a, std::uint32_t b) { return precedes(a, b); });
-}
-
-/// Fills in the split levels of the neighbouring points of a segment.
-void TreeBuilder::markSplitLevels(std::uint32_t first, std::uint32_t last) {
     for (std::uint32_t position = first; position + 1 < last; ++position) {
-        const Key& a = keys_[position];
-        const Key& b = keys_[position + 1];
-        split_levels_[position] = static_cast<std::int8_t>(
-            a.bits != b.bits ? splitLevelOfKeys(a, b)
-                             : splitLevelOfRows(order_[position], order_[position + 1]));
+        split_levels_[position] = splitLevelOfRows(order_[position], order_[position + 1]);
     }
 }
 
 /// Writes the cells of some sorted points in front of `end`.
 ///
-/// @param within  the highest split level of two points that still belong to one unit
-/// @param side    of the grid
 /// @return the first of the cells, which is the one that holds them all
-std::size_t TreeBuilder::emitRange(
-    std::uint32_t first, std::uint32_t last, int within, double side, std::size_t end) {
-    Assembler assembler(parts_, side);
+std::size_t TreeBuilder::emitRange(std::uint32_t first,
+                                   std::uint32_t last,
+                                   const Grid& grid,
+                                   std::size_t end) {
+    Assembler assembler(parts_, grid.side, grid.nesting);
     while (last > first) {
         std::uint32_t begin = last - 1;
-        while (begin > first && split_levels_[begin - 1] <= within) {
+        while (begin > first && split_levels_[begin - 1] <= grid.within) {
             --begin;
         }
         const int split_level = begin > first ? split_levels_[begin - 1] : kEdge;
-        const std::size_t unit = emitUnit(begin, last, end);
+        const std::size_t unit = emitUnit(begin, last, grid, end);
         end = assembler.take({begin, last, unit, end}, split_level, [this](std::size_t cell) {
             weigh(parts_, cell);
         });
@@ -300,15 +421,30 @@ std::size_t TreeBuilder::emitRange(
 }
 
 /// Writes a leaf for points at one place, or the cells of a finer grid.
-std::size_t TreeBuilder::emitUnit(std::uint32_t first, std::uint32_t last, std::size_t end) {
-    if (comparePlaces(order_[first], order_[last - 1]) != 0) {
+std::size_t TreeBuilder::emitUnit(std::uint32_t first,
+                                  std::uint32_t last,
+                                  const Grid& around,
+                                  std::size_t end) {
+    if (last - first > 1 && comparePlaces(order_[first], order_[last - 1]) != 0) {
         const double side = refineGrid(first, last);
         // Places that the grid tells no further apart become units.
         const bool is_blind = highestDifferingBit(order_[first], order_[last - 1]) < 0;
-        return emitRange(first, last, is_blind ? kSamePlace : kSameCell, side, end);
+        const Grid grid{
+            side, is_blind ? kSamePlace : kSameCell, around.nesting + 1, around.is_deep};
+        *grid.is_deep = *grid.is_deep || grid.nesting > kMostNesting;
+        return emitRange(first, last, grid, end);
     }
-    parts_.cells[end - 1] = {0.0, static_cast<double>(last - first), first, 1};
-    std::copy_n(data_ + order_[first] * dims_, dims_, parts_.centres.data() + (end - 1) * dims_);
+    parts_.cells[end - 1] = {
+        -1.0, static_cast<double>(last - first), first, last, 1, kLeafRank, kAboveRoot};
+    const double* const place = data_ + order_[first] * dims_;
+    double* const centre = parts_.centres.data() + (end - 1) * dims_;
+    if (dims_ == 2) {
+        // In the place of a call for so little.
+        centre[0] = place[0];
+        centre[1] = place[1];
+    } else {
+        std::copy_n(place, dims_, centre);
+    }
     return end - 1;
 }
 
@@ -318,32 +454,30 @@ std::size_t TreeBuilder::emitUnit(std::uint32_t first, std::uint32_t last, std::
 double TreeBuilder::refineGrid(std::uint32_t first, std::uint32_t last) {
     double side = 0.0;
     for (std::size_t d = 0; d < dims_; ++d) {
-        const auto [low, high] = bounds(first, last, d);
-        side = wider(side, low, high);
+        const Bounds box = bounds(first, last, d);
+        side = wider(side, box.low, box.high);
     }
     for (std::size_t d = 0; d < dims_; ++d) {
-        const double low = bounds(first, last, d).first;
+        const double low = bounds(first, last, d).low;
         for (std::uint32_t position = first; position < last; ++position) {
             const std::size_t i = order_[position] * dims_ + d;
             codes_[i] = grid_code(data_[i], low, side);
         }
     }
     sortByCode(first, last);
-    for (std::uint32_t position = first; position + 1 < last; ++position) {
-        split_levels_[position] =
-            static_cast<std::int8_t>(splitLevelOfRows(order_[position], order_[position + 1]));
-    }
     return side;
 }
 
 void TreeBuilder::join() {
     std::size_t end = whole_.cells.size();
-    Assembler assembler(whole_, side_);
+    Assembler assembler(whole_, side_, 0);
     coarse_cells_.clear();
+    is_deep_ = false;
     for (std::size_t i = segments_.size(); i-- > 0;) {
         Segment& segment = segments_[i];
         const int split_level =
             i > 0 ? splitLevelOfKeys(keys_[segment.first - 1], keys_[segment.first]) : kEdge;
+        is_deep_ = is_deep_ || segment.is_deep;
         segment.place = end - segment.cell_count;
         end = assembler.take({segment.first, segment.last, segment.place, end},
                              split_level,
@@ -367,35 +501,39 @@ void TreeBuilder::join() {
     }
 }
 
-/// Fills in a cell's centre of mass from those of its children.
-void TreeBuilder::weigh(CellArray& array, std::size_t cell) const {
-    double* const sum = array.centres.data() + cell * dims_;
-    std::fill_n(sum, dims_, 0.0);
-    const std::size_t end = cell + array.cells[cell].skip;
-    for (std::size_t child = cell + 1; child < end; child += array.cells[child].skip) {
-        for (std::size_t d = 0; d < dims_; ++d) {
-            sum[d] += array.cells[child].weight * array.centres[child * dims_ + d];
-        }
-    }
-    for (std::size_t d = 0; d < dims_; ++d) {
-        sum[d] = sum[d] / array.cells[cell].weight;
+void TreeBuilder::rankPoints() {
+    for (std::uint32_t position = 0; position < order_.size(); ++position) {
+        rank_[order_[position]] = position;
     }
 }
 
-/// The least and the greatest finite coordinate of some points; DBL_MAX and -DBL_MAX if none is.
-std::pair<double, double> TreeBuilder::bounds(std::uint32_t first,
-                                              std::uint32_t last,
-                                              std::size_t d) const {
-    double low = DBL_MAX;
-    double high = -DBL_MAX;
+/// Fills in a cell's centre of mass from those of its children, and its rank in them.
+void TreeBuilder::weigh(CellArray& array, std::size_t cell) const {
+    switch (dims_) {
+        case 2:
+            return weigh_cell<2>(array.cells.data(), array.centres.data(), cell, dims_);
+        case 3:
+            return weigh_cell<3>(array.cells.data(), array.centres.data(), cell, dims_);
+        default:
+            return weigh_cell<0>(array.cells.data(), array.centres.data(), cell, dims_);
+    }
+}
+
+/// Looks at coordinate d of some points.
+TreeBuilder::Bounds TreeBuilder::bounds(std::uint32_t first,
+                                        std::uint32_t last,
+                                        std::size_t d) const {
+    Bounds bounds;
     for (std::uint32_t position = first; position < last; ++position) {
         const double coordinate = data_[order_[position] * dims_ + d];
         if (std::isfinite(coordinate)) {
-            low = std::min(low, coordinate);
-            high = std::max(high, coordinate);
+            bounds.low = std::min(bounds.low, coordinate);
+            bounds.high = std::max(bounds.high, coordinate);
+        } else {
+            bounds.is_finite = false;
         }
     }
-    return {low, high};
+    return bounds;
 }
 
 /// The highest bit in which the codes of two points differ in any dimension; -1 if none.
@@ -408,15 +546,15 @@ int TreeBuilder::highestDifferingBit(std::uint32_t a, std::uint32_t b) const {
 }
 
 /// The split level of two points of different keys.
-int TreeBuilder::splitLevelOfKeys(const Key& a, const Key& b) const {
+std::int8_t TreeBuilder::splitLevelOfKeys(const GridKey& a, const GridKey& b) const {
     const int bit = static_cast<int>(std::bit_width(a.bits ^ b.bits)) - 1;
-    return kGridBits - key_bits_ + bit / static_cast<int>(dims_);
+    return level_of_bit_[static_cast<std::size_t>(bit)];
 }
 
-int TreeBuilder::splitLevelOfRows(std::uint32_t a, std::uint32_t b) const {
+std::int8_t TreeBuilder::splitLevelOfRows(std::uint32_t a, std::uint32_t b) const {
     const int level = highestDifferingBit(a, b);
     if (level >= 0) {
-        return level;
+        return static_cast<std::int8_t>(level);
     }
     return comparePlaces(a, b) == 0 ? kSamePlace : kSameCell;
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
+#include <cfloat>
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
+#include "neighbours/kernels/grid_keys.h"
 #include "neighbours/kernels/tree_walk.h"
 
 namespace ovik {
@@ -36,29 +38,41 @@ class TreeBuilder {
     /// The tree that was built last; `data` is null.
     [[nodiscard]] TreeView view() const;
 
-    /// The position of each point in Morton order.
+    /// Lists the positions of the points of the tree that is there.
+    void rankPoints();
+
+    /// The position of each point in Morton order, as `rankPoints` last listed it.
     [[nodiscard]] const std::uint32_t* rank() const { return rank_.data(); }
 
   private:
-    /// The leading bits of a point's Morton code.
-    struct Key {
-        std::uint64_t bits;
-        std::uint32_t row;
-
-        bool operator<(const Key& other) const {
-            return bits != other.bits ? bits < other.bits : row < other.row;
-        }
+    /// The least and the greatest finite coordinate of points in one dimension; DBL_MAX and
+    /// -DBL_MAX if none is.
+    struct Bounds {
+        double low = DBL_MAX;
+        double high = -DBL_MAX;
+        /// Whether all of them are finite.
+        bool is_finite = true;
     };
 
     /// Part of the tree: the points of one coarse cell.
     struct Segment {
         std::uint32_t first;
         std::uint32_t last;
-        /// The first bucket of the part.
-        std::size_t bucket;
         std::size_t cell_count;
         /// Where the cells of the part begin in the whole tree.
         std::size_t place;
+        bool is_deep;
+    };
+
+    /// A grid whose cells are written.
+    struct Grid {
+        double side;
+        /// The highest split level of two points that still belong to one unit.
+        int within;
+        /// The number of grids around it.
+        int nesting;
+        /// Set where grids are nested too deep for ranks of their own.
+        bool* is_deep;
     };
 
     /// Cells that are written back to front, each behind its children.
@@ -74,25 +88,30 @@ class TreeBuilder {
         return std::size_t{1} << dims_ * static_cast<std::size_t>(levels);
     }
 
+    void layGrid();
     void fillKeys();
-    [[nodiscard]] std::uint64_t keyOf(std::size_t row) const;
+    const std::uint32_t* encode(std::uint32_t row);
+    [[nodiscard]] std::uint64_t keyOf(std::uint32_t row);
     void fillBuckets();
     void listSegments();
-    void sortBucket(std::uint32_t first, std::uint32_t last);
+    void orderPoints(std::uint32_t first, std::uint32_t last);
+    std::uint32_t orderPointsOfKey(std::uint32_t first, std::uint32_t last);
     void sortByCode(std::uint32_t first, std::uint32_t last);
-    void markSplitLevels(std::uint32_t first, std::uint32_t last);
-    std::size_t emitRange(
-        std::uint32_t first, std::uint32_t last, int within, double side, std::size_t end);
-    std::size_t emitUnit(std::uint32_t first, std::uint32_t last, std::size_t end);
+    std::size_t emitRange(std::uint32_t first,
+                          std::uint32_t last,
+                          const Grid& grid,
+                          std::size_t end);
+    std::size_t emitUnit(std::uint32_t first,
+                         std::uint32_t last,
+                         const Grid& around,
+                         std::size_t end);
     double refineGrid(std::uint32_t first, std::uint32_t last);
     void weigh(CellArray& array, std::size_t cell) const;
 
-    [[nodiscard]] std::pair<double, double> bounds(std::uint32_t first,
-                                                   std::uint32_t last,
-                                                   std::size_t d) const;
+    [[nodiscard]] Bounds bounds(std::uint32_t first, std::uint32_t last, std::size_t d) const;
     [[nodiscard]] int highestDifferingBit(std::uint32_t a, std::uint32_t b) const;
-    [[nodiscard]] int splitLevelOfKeys(const Key& a, const Key& b) const;
-    [[nodiscard]] int splitLevelOfRows(std::uint32_t a, std::uint32_t b) const;
+    [[nodiscard]] std::int8_t splitLevelOfKeys(const GridKey& a, const GridKey& b) const;
+    [[nodiscard]] std::int8_t splitLevelOfRows(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] bool precedes(std::uint32_t a, std::uint32_t b) const;
     [[nodiscard]] int comparePlaces(std::uint32_t a, std::uint32_t b) const;
 
@@ -103,13 +122,17 @@ class TreeBuilder {
     /// Grid levels that the buckets tell apart, and the segments.
     int bucket_levels_;
     int segment_levels_;
+    /// The split level of points whose keys differ in this bit first.
+    std::array<std::int8_t, 64> level_of_bit_{};
     const double* data_ = nullptr;
     double side_ = 0.0;
+    double reach_ = 0.0;
+    bool is_deep_ = false;
     std::vector<double> low_;
     /// Grid cell of each point, N x dims.
     std::vector<std::uint32_t> codes_;
-    std::vector<Key> unsorted_;
-    std::vector<Key> keys_;
+    std::vector<GridKey> unsorted_;
+    std::vector<GridKey> keys_;
     std::vector<std::uint32_t> bucket_starts_;
     std::vector<std::uint32_t> order_;
     std::vector<std::uint32_t> rank_;

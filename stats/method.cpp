@@ -65,7 +65,7 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const double searching = of_queries + (size.is_shared ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
-            12.0 * symmetric + 157.0 * N + 44.0 * N * d,
+            12.0 * symmetric + 189.0 * N + 44.0 * N * d,
             index + 16.0 * entries + 16.0 * N};
 }
 

@@ -1,5 +1,6 @@
 #include "neighbours/kernels/tree_walk.h"
 
+#include "util/kernels/division.h"
 #include "util/kernels/lanes.h"
 
 namespace ovik::OVIK_KERNELS {
@@ -12,47 +13,71 @@ constexpr std::size_t kVectors = kWalkBatch / kLanes;
 /// Bit `lane` tells of that point of a batch.
 using BatchMask = unsigned int;
 
-/// Points that walk the tree together. A lane that has taken a cell as one point sleeps until the
-/// walk comes to the cell behind it, so that every lane takes the cells that it would take alone,
-/// in the same order.
+/// Points that walk the tree together. Every lane takes the cells that it would take alone, in the
+/// same order; it sleeps while others are within a cell that it has taken as one point.
 ///
-/// What the next step of the walk depends on is kept out of branches: a processor that guesses
-/// wrong at one loses more time than lanes cost that compute in vain.
+/// All lanes compute for every cell, and there are no branches but rare ones: a processor that
+/// guesses wrong at a branch loses more time than lanes cost that compute in vain.
 template <std::size_t Dims>
 class Batch {
   public:
-    Batch(const TreeView& tree, std::size_t begin, std::size_t end)
-        : begin_(static_cast<std::uint32_t>(begin)),
-          end_(static_cast<std::uint32_t>(end)) {
+    /// Sets out for the points at `begin` to `end` - 1 in Morton order.
+    void start(const TreeView& tree, std::size_t begin, std::size_t end) {
+        begin_ = static_cast<std::uint32_t>(begin);
+        end_ = static_cast<std::uint32_t>(end);
+        next_ = 0;
+        double own[Dims][kWalkBatch] = {};
         for (std::size_t lane = 0; lane < end - begin; ++lane) {
             for (std::size_t d = 0; d < Dims; ++d) {
-                own_[lane / kLanes][d][lane % kLanes] =
-                    tree.data[tree.order[begin + lane] * Dims + d];
+                own[d][lane] = tree.data[tree.order[begin + lane] * Dims + d];
             }
         }
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            share_[v] = Lanes{};
+            for (std::size_t d = 0; d < Dims; ++d) {
+                own_[v][d] = load(own[d] + v * kLanes);
+                force_[v][d] = Lanes{};
+            }
+        }
+        opened_[kAboveRoot] = lanesBefore(end_);
     }
 
-    void walk(const TreeView& tree, double squared_theta) {
-        BatchMask awake = lanesBefore(end_);
-        // Every sleep leaves fewer lanes awake than the one around it.
-        Sleep sleeps[kWalkBatch];
-        std::size_t depth = 0;
-        for (std::size_t i = 0; i < tree.cell_count;) {
-            while (depth > 0 && sleeps[depth - 1].end == i) {
-                awake = sleeps[--depth].awake;
-            }
-            const std::size_t next = i + tree.cells[i].skip;
-            const BatchMask opening = awake & ~take(tree, i, awake, squared_theta);
-            // A leaf has nothing to open: a lane that does not take it goes on behind it.
-            if (opening == 0 || next == i + 1) {
-                i = next;
-                continue;
-            }
-            sleeps[depth] = {next, awake};
-            depth += opening != awake ? 1 : 0;
-            awake = opening;
-            ++i;
+    [[nodiscard]] bool isWalking(const TreeView& tree) const { return next_ < tree.cell_count; }
+
+    /// Comes to the next cell.
+    void visit(const TreeView& tree, Lanes squared_theta) {
+        const TreeCell& cell = tree.cells[next_];
+        const double* const centre = tree.centres + next_ * Dims;
+        // The next cell may be that behind this one.
+        prefetch(&cell.squared_side, cell.skip * sizeof(TreeCell));
+        prefetch(centre, cell.skip * Dims * sizeof(double));
+        Lanes offset[kVectors][Dims];
+        Lanes squared_distance[kVectors];
+        BatchMask far = 0;
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            squared_distance[v] = offsets(v, centre, offset[v]);
+            far |= less(broadcast(cell.squared_side), squared_theta * squared_distance[v])
+                   << v * kLanes;
         }
+        const BatchMask awake = opened_[cell.parent];
+        BatchMask taken = awake & far;
+        if (cell.first < end_ && cell.last > begin_) [[unlikely]] {
+            const BatchMask holding = lanesBefore(cell.last) & ~lanesBefore(cell.first);
+            taken &= ~holding;
+            takeOthersOfLeaf(cell, centre, awake & holding);
+        }
+        for (std::size_t v = 0; v < kVectors; ++v) {
+            const Lanes w = 1.0 + squared_distance[v];
+            // Every other quotient leaves the unit that divides to the one before.
+            const Lanes q = v % 2 == 0 ? 1.0 / w : reciprocal(w);
+            add(v, taken >> v * kLanes, cell.weight, q, offset[v]);
+        }
+        const BatchMask opening = awake & ~taken;
+        opened_[cell.rank] = opening;
+        // To the next cell if a lane opens this one, else to the one behind. A leaf has nothing to
+        // open: there they are the same.
+        const std::uint32_t is_over = opening == 0 ? ~0U : 0U;
+        next_ += 1 + ((cell.skip - 1) & is_over);
     }
 
     void deliver(const TreeView& tree, double* neg_f, double* shares) const {
@@ -64,7 +89,7 @@ class Batch {
                 store(force[d] + v * kLanes, force_[v][d]);
             }
         }
-        for (std::size_t lane = 0; begin_ + lane < end_ && lane < kWalkBatch; ++lane) {
+        for (std::size_t lane = 0; lane < end_ - begin_; ++lane) {
             const std::size_t point = tree.order[begin_ + lane];
             shares[point] = share[lane];
             for (std::size_t d = 0; d < Dims; ++d) {
@@ -74,47 +99,26 @@ class Batch {
     }
 
   private:
-    /// Until the cell `end`, lanes sleep that are awake afterwards.
-    struct Sleep {
-        std::size_t end;
-        BatchMask awake;
-    };
-
-    /// Lets the lanes that are awake and may take a cell as one point do so.
-    ///
-    /// @return which lanes took it
-    BatchMask take(const TreeView& tree, std::size_t i, BatchMask awake, double squared_theta) {
-        const TreeCell& cell = tree.cells[i];
-        const bool is_leaf = cell.skip == 1;
-        const bool is_shared = is_leaf && cell.weight > 1.0;
-        Lanes offset[kVectors][Dims];
-        Lanes squared_distance[kVectors];
-        BatchMask far = 0;
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            squared_distance[v] = offsets(v, tree.centres + i * Dims, offset[v]);
-            far |= less(broadcast(cell.squared_side), squared_theta * squared_distance[v])
-                   << v * kLanes;
+    /// Adds, for points of a leaf that they share with others, those others.
+    void takeOthersOfLeaf(const TreeCell& cell, const double* centre, BatchMask holding) {
+        if (cell.skip != 1 || cell.last - cell.first == 1) {
+            return;
         }
-        const BatchMask holding = lanesIn(cell);
-        const BatchMask taken = awake & (is_leaf ? ~0U : far) & ~(is_shared ? 0U : holding);
         for (std::size_t v = 0; v < kVectors; ++v) {
-            Lanes weight = broadcast(cell.weight);
-            if (is_shared) {
-                // All points of the leaf but the lane's own.
-                weight -= keep(holding >> v * kLanes, broadcast(1.0));
-            }
-            add(v, taken >> v * kLanes, weight, squared_distance[v], offset[v]);
+            Lanes offset[Dims];
+            const Lanes w = 1.0 + offsets(v, centre, offset);
+            add(v, holding >> v * kLanes, cell.weight - 1.0, 1.0 / w, offset);
         }
-        return taken;
     }
 
-    void add(std::size_t v, Mask taken, Lanes weight, Lanes squared_distance, const Lanes* offset) {
-        const Lanes q = 1.0 / (1.0 + squared_distance);
-        const Lanes weighted = weight * q;
-        share_[v] += keep(taken, weighted);
+    void add(std::size_t v, Mask lanes, double weight, Lanes q, const Lanes* offset) {
+        // The other lanes add a zero, which leaves their sums as they are: those begin with +0 and
+        // never become -0.
+        const Lanes weighted = keep(lanes, weight * q);
+        share_[v] += weighted;
         const Lanes factor = weighted * q;
         for (std::size_t d = 0; d < Dims; ++d) {
-            force_[v][d] += keep(taken, factor * offset[d]);
+            force_[v][d] += factor * offset[d];
         }
     }
 
@@ -131,26 +135,20 @@ class Batch {
         return squared_distance;
     }
 
-    /// Marks the lanes that stand for points of a cell.
-    [[nodiscard]] BatchMask lanesIn(const TreeCell& cell) const {
-        const std::uint32_t end = cell.first + static_cast<std::uint32_t>(cell.weight);
-        if (cell.first >= end_ || end <= begin_) [[likely]] {
-            return 0;
-        }
-        return lanesBefore(end) & ~lanesBefore(cell.first);
-    }
-
     /// Marks the lanes that stand for points before a position.
     [[nodiscard]] BatchMask lanesBefore(std::uint32_t position) const {
         const std::uint32_t within = position < begin_ ? begin_ : position < end_ ? position : end_;
         return (1U << (within - begin_)) - 1U;
     }
 
-    std::uint32_t begin_;
-    std::uint32_t end_;
+    std::uint32_t begin_ = 0;
+    std::uint32_t end_ = 0;
+    std::uint32_t next_ = 0;
     Lanes own_[kVectors][Dims]{};
     Lanes force_[kVectors][Dims]{};
     Lanes share_[kVectors]{};
+    /// The lanes that opened the cell around the next one, by its rank.
+    BatchMask opened_[kRanks]{};
 };
 
 template <std::size_t Dims>
@@ -160,11 +158,42 @@ void walk_tree(const TreeView& tree,
                std::size_t end,
                double* neg_f,
                double* shares) {
-    for (std::size_t first = begin; first < end; first += kWalkBatch) {
-        const std::size_t last = first + kWalkBatch < end ? first + kWalkBatch : end;
-        Batch<Dims> batch(tree, first, last);
-        batch.walk(tree, squared_theta);
-        batch.deliver(tree, neg_f, shares);
+    // Two batches in turns: what one does next depends on a comparison that takes its time, in
+    // which the other goes on.
+    Batch<Dims> batches[2];
+    bool is_out[2] = {};
+    const Lanes theta = broadcast(squared_theta);
+    const auto set_out = [&](std::size_t i) {
+        is_out[i] = begin < end;
+        if (is_out[i]) {
+            const std::size_t last = begin + kWalkBatch < end ? begin + kWalkBatch : end;
+            batches[i].start(tree, begin, last);
+            begin = last;
+        }
+    };
+    const auto come_home = [&](std::size_t i) {
+        if (is_out[i] && !batches[i].isWalking(tree)) {
+            batches[i].deliver(tree, neg_f, shares);
+            set_out(i);
+        }
+    };
+    set_out(0);
+    set_out(1);
+    while (is_out[0] && is_out[1]) {
+        do {
+            batches[0].visit(tree, theta);
+            batches[1].visit(tree, theta);
+        } while (batches[0].isWalking(tree) && batches[1].isWalking(tree));
+        come_home(0);
+        come_home(1);
+    }
+    for (std::size_t i = 0; i < 2; ++i) {
+        if (is_out[i]) {
+            while (batches[i].isWalking(tree)) {
+                batches[i].visit(tree, theta);
+            }
+            batches[i].deliver(tree, neg_f, shares);
+        }
     }
 }
 

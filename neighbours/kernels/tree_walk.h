@@ -9,15 +9,28 @@ namespace ovik {
 
 /// A cell of a space-partitioning tree; cells stand in depth-first order, each before its children.
 struct TreeCell {
+    /// Below zero in a leaf, so that a leaf is far from everything.
     double squared_side;
     /// Number of the points in the cell.
     double weight;
-    /// Position in Morton order of its first point.
+    /// Positions in Morton order: of its first point, and the one behind its last.
     std::uint32_t first;
+    std::uint32_t last;
     /// Number of cells of its subtree, itself included: what follows it is `skip` cells on. A leaf
     /// has 1.
     std::uint32_t skip;
+    /// A number that no cell around this one has, unless the tree is `is_deep`.
+    std::uint8_t rank;
+    /// The rank of the cell around it.
+    std::uint8_t parent;
 };
+
+/// Ranks of cells are below this one.
+constexpr std::size_t kRanks = 256;
+/// The rank of all leaves, which have no cells within.
+constexpr std::uint8_t kLeafRank = 255;
+/// In the place of the rank of a cell around the root.
+constexpr std::uint8_t kAboveRoot = 254;
 
 /// A finished tree, as the walk reads it.
 struct TreeView {
@@ -30,13 +43,19 @@ struct TreeView {
     std::size_t cell_count;
     /// Centres of mass, row-major, cell_count x dims.
     const double* centres;
+    /// The largest size of a coordinate; infinite if one is not finite.
+    double reach;
+    /// Whether more cells lie within one another than there are ranks.
+    bool is_deep;
 };
 
 /// Writes the repulsive forces on some points, and their terms of the normalisation Z.
 ///
-/// @param begin   the points stand at `begin` to `end` - 1 in Morton order
-/// @param neg_f   row-major, N x dims; the rows of these points are written
-/// @param shares  N values; those of these points are written
+/// @param tree           not deep, with a reach below `kMostReach`
+/// @param squared_theta  at most `kMostSquaredTheta`
+/// @param begin          the points stand at `begin` to `end` - 1 in Morton order
+/// @param neg_f          row-major, N x dims; the rows of these points are written
+/// @param shares         N values; those of these points are written
 using TreeWalk = void (*)(const TreeView& tree,
                           double squared_theta,
                           std::size_t begin,
@@ -44,8 +63,12 @@ using TreeWalk = void (*)(const TreeView& tree,
                           double* neg_f,
                           double* shares);
 
+/// Within these limits no number on the walk overflows, and 1 + squared distance is below 2^210.
+constexpr double kMostReach = 0x1p100;
+constexpr double kMostSquaredTheta = 0x1p100;
+
 /// Points that walk the tree together in every instruction set: a good size for the shares of
-/// threads is a multiple of it.
+/// threads is a multiple of twice as many.
 constexpr std::size_t kWalkBatch = 16;
 
 /// The walk in two and in three dimensions.

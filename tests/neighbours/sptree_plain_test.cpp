@@ -67,7 +67,7 @@ Bits together(const PartwiseSPTree& tree, std::size_t N, std::size_t dims, doubl
 
 void expect_plain(const std::vector<double>& data, std::size_t dims) {
     const std::size_t N = data.size() / dims;
-    for (const double theta : {0.0, 0.2, 0.5, 1.0}) {
+    for (const double theta : {0.0, 0.05, 0.2, 0.5, 1.0, 2.0}) {
         const Bits expected = plain_repulsion(data, dims, theta);
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount scope(threads);

@@ -17,11 +17,16 @@ struct Tree {
     Tree(std::vector<double> data, std::size_t dims, bool last_part_first = false)
         : points(std::move(data)),
           builder(dims, points.size() / dims) {
+        build(last_part_first);
+    }
+
+    void build(bool last_part_first = false) {
         const std::size_t parts = builder.prepare(points.data());
         for (std::size_t i = 0; i < parts; ++i) {
             builder.buildPart(last_part_first ? parts - 1 - i : i);
         }
         builder.join();
+        builder.rankPoints();
     }
 
     [[nodiscard]] std::size_t pointCount() const { return points.size() / builder.view().dims; }
@@ -94,7 +99,7 @@ TEST(TreeBuilder, LetsPointsAtOnePlaceShareALeaf) {
     const TreeView view = tree.builder.view();
     ASSERT_EQ(view.cell_count, 1U);
     EXPECT_EQ(view.cells[0].weight, 50.0);
-    EXPECT_EQ(view.cells[0].squared_side, 0.0);
+    EXPECT_LT(view.cells[0].squared_side, 0.0);
     EXPECT_EQ(view.centres[0], 1.25);
     // Points of one place keep the order of their rows.
     EXPECT_TRUE(std::is_sorted(view.order, view.order + 50));
@@ -109,18 +114,99 @@ TEST(TreeBuilder, LaysAFinerGridOverPointsTooCloseForOne) {
     EXPECT_GE(tree.builder.view().cell_count, 41U);
 }
 
-TEST(TreeBuilder, BuildsTheSameTreeInAnyOrderOfParts) {
-    const std::vector<double> points = test::random_values(2 * 5000, 24);
-    const Tree tree(points, 2);
-    const Tree other(points, 2, true);
+void expect_same(const Tree& tree, const Tree& other) {
     const TreeView a = tree.builder.view();
     const TreeView b = other.builder.view();
     ASSERT_EQ(a.cell_count, b.cell_count);
-    EXPECT_TRUE(std::equal(a.order, a.order + 5000, b.order));
-    EXPECT_TRUE(std::equal(a.centres, a.centres + 2 * a.cell_count, b.centres));
+    EXPECT_TRUE(std::equal(a.order, a.order + tree.pointCount(), b.order));
+    EXPECT_TRUE(std::equal(a.centres, a.centres + a.dims * a.cell_count, b.centres));
+    EXPECT_EQ(a.reach, b.reach);
     for (std::size_t i = 0; i < a.cell_count; ++i) {
         ASSERT_EQ(a.cells[i].squared_side, b.cells[i].squared_side);
+        ASSERT_EQ(a.cells[i].weight, b.cells[i].weight);
         ASSERT_EQ(a.cells[i].skip, b.cells[i].skip);
+    }
+}
+
+TEST(TreeBuilder, BuildsTheSameTreeInAnyOrderOfParts) {
+    const std::vector<double> points = test::random_values(2 * 5000, 24);
+    expect_same(Tree(points, 2), Tree(points, 2, true));
+}
+
+TEST(TreeBuilder, BuildsTheSameTreeAfterAnyOther) {
+    constexpr std::size_t kCount = 3000;
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        Tree tree(test::random_values(dims * kCount, 25), dims);
+        const std::vector<double> step = test::random_values(dims * kCount, 26, 1e-3);
+        // From a little to as far as the embedding is wide, then to where all orders turn round.
+        for (const double scale : {1.0, 30.0, 1000.0, -2000.0}) {
+            for (std::size_t i = 0; i < step.size(); ++i) {
+                tree.points[i] += scale * step[i];
+            }
+            tree.build();
+            expect_same(tree, Tree(tree.points, dims));
+        }
+        for (double& coordinate : tree.points) {
+            coordinate = std::fabs(std::round(coordinate));
+        }
+        tree.points[0] = 1e9;
+        tree.build();
+        expect_same(tree, Tree(tree.points, dims));
+    }
+}
+
+/// Whether each cell has a rank of its own among those around it, and names that of its parent.
+void expect_ranks(const TreeView& tree, std::size_t i, std::vector<std::uint8_t> around) {
+    const TreeCell& cell = tree.cells[i];
+    ASSERT_EQ(cell.parent, around.back());
+    if (cell.skip == 1) {
+        ASSERT_EQ(cell.rank, kLeafRank);
+        return;
+    }
+    ASSERT_EQ(std::count(around.begin(), around.end(), cell.rank), 0);
+    ASSERT_LT(cell.rank, kAboveRoot);
+    around.push_back(cell.rank);
+    for (std::size_t child = i + 1; child < i + cell.skip; child += tree.cells[child].skip) {
+        expect_ranks(tree, child, around);
+    }
+}
+
+TEST(TreeBuilder, RanksTheCellsAroundEachCell) {
+    for (std::size_t dims = 1; dims <= 3; ++dims) {
+        const Tree ordinary(test::random_values(dims * 3000, 28), dims);
+        expect_ranks(ordinary.builder.view(), 0, {kAboveRoot});
+        std::vector<double> points = test::random_values(dims * 300, 29);
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            // So near one another that three grids lie within one another.
+            points[i] = std::ldexp(points[i], -40 * static_cast<int>(i / dims % 3));
+        }
+        const Tree nested(points, dims);
+        EXPECT_FALSE(nested.builder.view().is_deep);
+        expect_ranks(nested.builder.view(), 0, {kAboveRoot});
+    }
+}
+
+TEST(TreeBuilder, TellsWhereGridsLieWithinOneAnotherTooDeepForRanks) {
+    std::vector<double> points;
+    for (int i = 0; i < 60; ++i) {
+        points.insert(points.end(), {std::ldexp(1.0, -16 * i), 0.0});
+    }
+    EXPECT_TRUE(Tree(points, 2).builder.view().is_deep);
+    points.resize(2 * 10);
+    EXPECT_FALSE(Tree(points, 2).builder.view().is_deep);
+}
+
+TEST(TreeBuilder, KnowsTheLargestSizeOfACoordinate) {
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        std::vector<double> points = test::random_values(dims * 20, 27);
+        points[7] = -1e9;
+        EXPECT_EQ(Tree(points, dims).builder.view().reach, 1e9);
+        points[8] = 1e10;
+        EXPECT_EQ(Tree(points, dims).builder.view().reach, 1e10);
+        for (const double odd : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+            points[9] = odd;
+            EXPECT_EQ(Tree(points, dims).builder.view().reach, HUGE_VAL);
+        }
     }
 }
 

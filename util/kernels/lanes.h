@@ -154,14 +154,23 @@ inline Mask equal(Lanes a, Lanes b) {
     return lane_bits(a == b);
 }
 
+/// For every mask, all bits of its lanes.
+struct MaskBits {
+    std::uint64_t bits[1U << kLanes][kLanes] = {};
+
+    constexpr MaskBits() {
+        for (std::size_t i = 0; i < sizeof bits / sizeof(std::uint64_t); ++i) {
+            bits[i / kLanes][i % kLanes] = (i / kLanes >> i % kLanes) % 2 == 0 ? 0 : ~0ULL;
+        }
+    }
+};
+
+alignas(sizeof(Lanes)) constexpr MaskBits kMaskBits;
+
 inline Lanes keep(Mask mask, Lanes a) {
-    #if OVIK_LANES == 4
-    const Bits lane = {1, 2, 4, 8};
-    #else
-    const Bits lane = {1, 2};
-    #endif
-    const Truths kept = ((mask & lane) == lane);
-    return as_lanes(as_bits(a) & reinterpret_cast<Bits>(kept));
+    Bits bits;
+    __builtin_memcpy(&bits, kMaskBits.bits[mask & kAll], sizeof bits);
+    return as_lanes(as_bits(a) & bits);
 }
 
 #endif
