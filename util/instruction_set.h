@@ -6,6 +6,7 @@ namespace ovik {
 /// the same results to the last bit.
 enum class InstructionSet {
     Scalar,
+    /// With FMA.
     Avx2,
     /// Stands for AVX-512 F, DQ and VL, with FMA.
     Avx512,
@@ -20,7 +21,10 @@ enum class InstructionSet {
 #ifdef __x86_64__
     #define OVIK_INSTRUCTION_SETS(ROW, ...)                                                      \
         ROW(Scalar, scalar, true, __VA_ARGS__)                                                   \
-        ROW(Avx2, avx2, __builtin_cpu_supports("avx2") != 0, __VA_ARGS__)                        \
+        ROW(Avx2,                                                                                \
+            avx2,                                                                                \
+            __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0,           \
+            __VA_ARGS__)                                                                         \
         ROW(Avx512,                                                                              \
             avx512,                                                                              \
             __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 && \
