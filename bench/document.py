@@ -93,6 +93,7 @@ set style data histograms
 set style histogram rowstacked
 set style fill solid border rgb 'white'
 set boxwidth 0.6
+set bmargin 4
 set ylabel 'per cent of a run of {ITERATIONS} iterations'
 set yrange [0:100]
 set key outside right center invert

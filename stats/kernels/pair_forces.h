@@ -31,7 +31,8 @@ class GroupForces {
     GroupForces(const Points<Dims>& Y, const PointGroup& group, double* forces)
         : Y_(Y),
           first_(group.first),
-          memory_(forces + place_in_panels(group, Y.dims())) {
+          memory_(forces + place_in_panels(group, Y.dims())),
+          forces_{} {
         for (std::size_t d = 0; d < Dims; ++d) {
             forces_[d] = load(memory_ + d * kPanelWidth);
         }

@@ -55,7 +55,7 @@ struct MiddleTable {
         }
     }
 
-    double pairs[2 * 16 * kExponents];
+    double pairs[kExponents * 32];
 };
 
 alignas(16) constexpr MiddleTable kMiddleTable;
