@@ -67,12 +67,12 @@ def processor():
 
 
 def commit():
-    """The commit that is built, and whether files differ from it."""
+    """The commit that is built, and whether files that matter differ from it."""
     def git(*words):
         return subprocess.run(["git", "-C", ROOT, *words], capture_output=True, text=True,
                               check=True).stdout.strip()
 
-    changed = " with changes" if git("status", "--porcelain", "--untracked-files=no") else ""
+    changed = " with changes" if git("status", "--porcelain", "--untracked-files=no", ":!docs") else ""
     return git("rev-parse", "--short=10", "HEAD") + changed
 
 
