@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <omp.h>
@@ -46,29 +47,64 @@ struct Columns {
     EmbeddingColumns view;
 };
 
-/// The forces, and where asked for the cost, of a panel of eight rows against 2000 points.
-void exact_panel(benchmark::State& state) {
+constexpr std::size_t kRowsOfBlock = 128;
+constexpr std::size_t kColumnsOfBlock = 64;
+
+/// The forces of the pairs of a block, as a run has them one after the other, or their costs.
+void exact_block(benchmark::State& state) {
     const auto set = static_cast<InstructionSet>(state.range(0));
     if (!has_set(state, set)) {
         return;
     }
     constexpr std::size_t kPoints = 2000;
     const Columns Y(kPoints);
-    const std::vector<double> P(kPoints * kPanelWidth, 1.0 / kPoints / kPoints);
-    double force[2 * kPanelWidth];
-    double cost[kPanelWidth];
+    const std::vector<double> P(kPoints * kPoints, 1.0 / kPoints / kPoints);
+    std::vector<double> forces(2 * kPoints, 0.0);
+    std::vector<double> costs(kPoints, 0.0);
+    const std::vector<std::uint64_t> significant(kPoints / kPanelWidth * words_per_panel(kPoints),
+                                                 ~std::uint64_t{0});
     const PairKernels& kernels = pair_kernels(set);
-    const bool with_cost = state.range(1) != 0;
+    const bool cost = state.range(1) != 0;
+    std::size_t column = kRowsOfBlock;
     for (auto _ : state) {
-        std::fill(std::begin(force), std::end(force), 0.0);
-        const PanelTask task{1e5, P.data(), force, cost};
-        (with_cost ? kernels.add_forces_and_cost : kernels.add_forces)(Y.view, 0, task);
-        benchmark::DoNotOptimize(force);
+        const PairBlock block = {0, kRowsOfBlock, column, column + kColumnsOfBlock};
+        if (cost) {
+            kernels.add_costs(Y.view, block, {P.data(), significant.data(), costs.data()});
+        } else {
+            kernels.add_forces(Y.view, block, {1e5, P.data(), forces.data()});
+        }
+        column += kColumnsOfBlock;
+        column = column + kColumnsOfBlock > kPoints ? kRowsOfBlock : column;
+        benchmark::DoNotOptimize(forces.data());
+        benchmark::DoNotOptimize(costs.data());
+    }
+    state.SetItemsProcessed(state.iterations() *
+                            static_cast<std::int64_t>(kRowsOfBlock * kColumnsOfBlock));
+}
+
+BENCHMARK(exact_block)->ArgNames({"set", "cost"})->ArgsProduct({{0, 1, 2}, {0, 1}});
+
+/// Similarities of the pairs of eight rows with 2000 points, rounded and added up.
+void rounded_similarities(benchmark::State& state) {
+    const auto set = static_cast<InstructionSet>(state.range(0));
+    if (!has_set(state, set)) {
+        return;
+    }
+    constexpr std::size_t kPoints = 2000;
+    const Columns Y(kPoints);
+    const std::vector<double> shifts(kPoints, 1.5 * 0x1p16);
+    const std::vector<double> half_units(kPoints, 0x1p-37);
+    std::vector<double> sums(kPoints, 0.0);
+    const auto ties = std::make_unique<bool[]>(kPoints);
+    for (auto _ : state) {
+        pair_kernels(set).add_rounded_similarities(
+            Y.view, 0, {shifts.data(), half_units.data()}, {sums.data(), ties.get()});
+        benchmark::DoNotOptimize(sums.data());
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kPoints * kPanelWidth));
 }
 
-BENCHMARK(exact_panel)->ArgNames({"set", "cost"})->ArgsProduct({{0, 1, 2}, {0, 1}});
+BENCHMARK(rounded_similarities)->ArgName("set")->DenseRange(0, 2);
 
 void logarithms(benchmark::State& state) {
     const auto set = static_cast<InstructionSet>(state.range(0));

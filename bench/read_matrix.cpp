@@ -2,14 +2,23 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <omp.h>
 #include <string>
 #include <vector>
 
 #include "util/matrix_reader.h"
 
-/// Reads a tab-separated matrix file and prints the millions of bytes a second that it took and the
-/// values that it holds.
+/// Reads a tab-separated matrix file and prints the millions of bytes a second that it took, the
+/// values that it holds, and the threads of the process after that.
+
+namespace {
+
+std::ptrdiff_t thread_count() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     if (argc != 3) {
@@ -27,5 +36,5 @@ int main(int argc, char** argv) {
         values += row.size();
     }
     const auto bytes = static_cast<double>(std::filesystem::file_size(argv[1]));
-    std::printf("%.1f %zu\n", bytes / 1e6 / elapsed.count(), values);
+    std::printf("%.1f %zu %td\n", bytes / 1e6 / elapsed.count(), values, thread_count());
 }

@@ -50,6 +50,7 @@ void ExactObjective::movePIntoPanels() {
     }
     rows_to_panels(P_.get(), N_);
     in_panels_ = true;
+    forces_.takeAffinities(P_.get(), diagonal_.get());
 }
 
 void ExactObjective::movePIntoRows() {
@@ -64,6 +65,7 @@ void ExactObjective::exaggerate(double factor) {
     multiply_all(P_.get(), entryCount(), factor);
     if (in_panels_) {
         multiply_all(diagonal_.get(), N_, factor);
+        forces_.takeAffinities(P_.get(), diagonal_.get());
     }
 }
 
@@ -71,6 +73,7 @@ void ExactObjective::endExaggeration(double factor) {
     divide_all(P_.get(), entryCount(), factor);
     if (in_panels_) {
         divide_all(diagonal_.get(), N_, factor);
+        forces_.takeAffinities(P_.get(), diagonal_.get());
     }
 }
 
@@ -85,7 +88,7 @@ bool ExactObjective::takeForPanels(const double* Y) {
 
 void ExactObjective::gradient(const double* Y, double* dY) {
     if (takeForPanels(Y)) {
-        forces_.gradient(P_.get(), dY);
+        forces_.gradient(dY);
     } else {
         exact_gradient(P_.get(), Y, N_, out_dims_, dY);
     }
@@ -93,7 +96,7 @@ void ExactObjective::gradient(const double* Y, double* dY) {
 
 double ExactObjective::costAndGradient(const double* Y, double* dY) {
     if (takeForPanels(Y)) {
-        return unlessZero(forces_.cost(P_.get(), diagonal_.get(), dY), Y);
+        return unlessZero(forces_.cost(dY), Y);
     }
     exact_gradient(P_.get(), Y, N_, out_dims_, dY);
     return exact_cost(P_.get(), Y, N_, out_dims_);
@@ -101,7 +104,7 @@ double ExactObjective::costAndGradient(const double* Y, double* dY) {
 
 double ExactObjective::cost(const double* Y) {
     if (takeForPanels(Y)) {
-        return unlessZero(forces_.cost(P_.get(), diagonal_.get(), nullptr), Y);
+        return unlessZero(forces_.cost(nullptr), Y);
     }
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }

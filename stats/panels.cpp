@@ -12,7 +12,7 @@ namespace {
 template <typename Body>
 void rewrite_panels(double* matrix, std::size_t point_count, const Body& body) {
     const std::size_t panel_size = kPanelWidth * point_count;
-    const std::size_t panels = padded_to_panels(point_count) / kPanelWidth;
+    const std::size_t panels = panel_count(point_count);
     const auto copies =
         malloc_array<double>(static_cast<std::size_t>(worker_count(panels)) * panel_size);
     require_allocated(copies);

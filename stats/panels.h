@@ -16,6 +16,11 @@ constexpr std::size_t panel_matrix_size(std::size_t point_count) {
     return padded_to_panels(point_count) * point_count;
 }
 
+/// Panels of as many rows.
+constexpr std::size_t panel_count(std::size_t point_count) {
+    return padded_to_panels(point_count) / kPanelWidth;
+}
+
 /// Brings a row-major matrix into panels, in place.
 ///
 /// @param matrix  room for panel_matrix_size(point_count) elements
@@ -25,12 +30,12 @@ void rows_to_panels(double* matrix, std::size_t point_count);
 /// Brings a matrix that is stored by panels back into row-major order, in place.
 void panels_to_rows(double* matrix, std::size_t point_count);
 
+/// Fewest panels for which another thread pays.
+constexpr std::size_t kPanelGrain = 8;
+
 /// How many workers loops over panels of pairs get.
 inline std::size_t panel_worker_count(std::size_t point_count) {
-    // Panels for which another thread pays.
-    constexpr std::size_t kGrain = 8;
-    return static_cast<std::size_t>(
-        worker_count(padded_to_panels(point_count) / kPanelWidth, kGrain));
+    return static_cast<std::size_t>(worker_count(panel_count(point_count), kPanelGrain));
 }
 
 /// The dynamic schedule of a loop over panels: a worker that is free takes the next panel, so that
@@ -38,8 +43,7 @@ inline std::size_t panel_worker_count(std::size_t point_count) {
 /// not depend on which worker takes which panel.
 class PanelQueue {
   public:
-    explicit PanelQueue(std::size_t point_count)
-        : panel_count_(padded_to_panels(point_count) / kPanelWidth) {}
+    explicit PanelQueue(std::size_t point_count) : panel_count_(panel_count(point_count)) {}
 
     /// Calls `body(panel)` for panels that nobody has taken, until none is left.
     template <typename Body>

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <numbers>
+#include <numeric>
 
 #include "stats/panels.h"
 #include "util/parallel.h"
@@ -30,10 +32,18 @@ SymmetricForces::SymmetricForces(std::size_t point_count,
       dims_(dims),
       worker_count_(panel_worker_count(point_count)),
       similarity_sum_(point_count, kernels),
+      blocks_(point_count, worker_count_),
+      cost_terms_(point_count, kernels),
       coordinates_(calloc_array<double>(padded_to_panels(point_count) * dims)),
       forces_(malloc_array<double>(padded_to_panels(point_count) * dims)),
       costs_(malloc_array<double>(padded_to_panels(point_count))) {
     require_allocated(coordinates_, forces_, costs_);
+}
+
+void SymmetricForces::takeAffinities(const double* P, const double* diagonal) {
+    P_ = P;
+    diagonal_ = diagonal;
+    cost_terms_.take(P);
 }
 
 bool SymmetricForces::take(const double* Y) {
@@ -54,26 +64,14 @@ EmbeddingColumns SymmetricForces::columns() const {
     return {coordinates_.get(), point_count_, dims_};
 }
 
-/// Lets the kernel fill the forces of all panels, and returns the sum of all similarities.
-template <typename Kernel>
-double SymmetricForces::addPanels(const double* P, const Kernel& kernel) {
-    const EmbeddingColumns Y = columns();
-    const double sum_Q = similarity_sum_(Y);
-    const std::size_t force_size = dims_ * kPanelWidth;
-    PanelQueue panels(point_count_);
-    parallel_for_each(worker_count_, 1, [&](std::size_t /*worker*/) {
-        panels.work([&](std::size_t panel) {
-            double* const force = forces_.get() + panel * force_size;
-            std::fill_n(force, force_size, 0.0);
-            kernel(Y,
-                   panel,
-                   PanelTask{sum_Q,
-                             P + panel * kPanelWidth * point_count_,
-                             force,
-                             costs_.get() + panel * kPanelWidth});
-        });
-    });
-    return sum_Q;
+/// Calls `body(block)` for all pairs, in an order in which forces and costs may be added.
+template <typename Body>
+void SymmetricForces::forBlocks(const Body& body) {
+    const std::size_t padded_count = padded_to_panels(point_count_);
+    std::fill_n(forces_.get(), padded_count * dims_, 0.0);
+    std::fill_n(costs_.get(), padded_count, 0.0);
+    blocks_.restart();
+    parallel_for_each(worker_count_, 1, [&](std::size_t /*worker*/) { blocks_.work(body); });
 }
 
 void SymmetricForces::copyGradient(double* gradient) const {
@@ -86,21 +84,39 @@ void SymmetricForces::copyGradient(double* gradient) const {
     }
 }
 
-void SymmetricForces::gradient(const double* P, double* gradient) {
-    addPanels(P, kernels_.add_forces);
+void SymmetricForces::gradient(double* gradient) {
+    const EmbeddingColumns Y = columns();
+    const ForceTask task = {similarity_sum_(Y), P_, forces_.get()};
+    forBlocks([&](const PairBlock& block) { kernels_.add_forces(Y, block, task); });
     copyGradient(gradient);
 }
 
-double SymmetricForces::cost(const double* P, const double* diagonal, double* gradient) {
-    const double sum_Q = addPanels(P, kernels_.add_forces_and_cost);
+double SymmetricForces::cost(double* gradient) {
+    const EmbeddingColumns Y = columns();
+    const double sum_Q = similarity_sum_(Y);
+    const ForceTask forces = {sum_Q, P_, forces_.get()};
+    const CostTask costs = {P_, cost_terms_.significant(), costs_.get()};
+    forBlocks([&](const PairBlock& block) {
+        if (gradient != nullptr) {
+            kernels_.add_forces(Y, block, forces);
+        }
+        kernels_.add_costs(Y, block, costs);
+    });
     if (gradient != nullptr) {
         copyGradient(gradient);
     }
-    double cost = 0.0;
+    return totalCost(sum_Q);
+}
+
+/// The cost from the sums of the rows, which have each pair once and binary logarithms.
+double SymmetricForces::totalCost(double sum_Q) const {
+    const double pairs = std::accumulate(costs_.get(), costs_.get() + point_count_, 0.0);
+    double diagonal = 0.0;
     for (std::size_t n = 0; n < point_count_; ++n) {
-        cost += costs_[n] + diagonal_cost(diagonal[n], sum_Q);
+        diagonal += diagonal_cost(diagonal_[n], sum_Q);
     }
-    return cost;
+    return cost_terms_.entropy() + 2.0 * std::numbers::ln2 * pairs +
+           cost_terms_.sum() * std::log(sum_Q) + diagonal;
 }
 
 }  // namespace ovik

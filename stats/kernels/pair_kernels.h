@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "util/instruction_set.h"
 
@@ -44,14 +45,38 @@ struct RoundedRowSums {
     bool* tie;
 };
 
-/// What the gradient and the cost need of one panel of rows.
-struct PanelTask {
+/// Pairs of the points of some panels, `first_row` to `end_row`, with those of others and of later
+/// panels, `first_column` to `end_column`. All are whole panels; the ends may lie beyond the last
+/// point. Of the columns those before a row's own panel are left out.
+struct PairBlock {
+    std::size_t first_row;
+    std::size_t end_row;
+    std::size_t first_column;
+    std::size_t end_column;
+};
+
+/// What the gradient needs. Both matrices are stored by panels.
+struct ForceTask {
     double sum_Q;     ///< the sum of all similarities
-    const double* P;  ///< point_count x kPanelWidth: the panel's columns of a symmetric matrix
-    double* force;    ///< dims x kPanelWidth, zeros, which become the gradient
-    /// kPanelWidth values, written for the rows of points: the cost of the pairs of each row with
-    /// later rows, counted twice.
-    double* cost;
+    const double* P;  ///< point_count x point_count, symmetric, the diagonal 0
+    double* forces;   ///< point_count x dims: the gradient as far as it is summed, which goes on
+};
+
+/// Columns that one word of `CostTask::significant` tells of.
+constexpr std::size_t kColumnsPerWord = 64;
+
+/// The words of a panel.
+[[gnu::always_inline]] constexpr std::size_t words_per_panel(std::size_t point_count) {
+    return (point_count + kColumnsPerWord - 1) / kColumnsPerWord;
+}
+
+/// What the cost needs.
+struct CostTask {
+    const double* P;  ///< as in `ForceTask`
+    /// For each panel of rows a bit for each column: whether a pair of it counts for the cost. Bits
+    /// of columns before the panel are 0.
+    const std::uint64_t* significant;
+    double* costs;  ///< padded_to_panels(point_count) sums, which go on
 };
 
 /// The loops over pairs of points, as one instruction set has them.
@@ -68,13 +93,14 @@ struct PairKernels {
                                      const RowRounding& rounding,
                                      const RoundedRowSums& sums);
 
-    /// The gradient of the rows of a panel, each summed in order.
-    void (*add_forces)(const EmbeddingColumns& Y, std::size_t panel, const PanelTask& task);
+    /// Adds the forces of the pairs of a block to both of their points. Each force is summed in the
+    /// order of the other points if blocks come after those above and to the left of them.
+    void (*add_forces)(const EmbeddingColumns& Y, const PairBlock& block, const ForceTask& task);
 
-    /// Does what `add_forces` does, and adds up the cost.
-    void (*add_forces_and_cost)(const EmbeddingColumns& Y,
-                                std::size_t panel,
-                                const PanelTask& task);
+    /// Adds to the sum of each row of a block p * log2(1 + squared distance) of its significant
+    /// pairs with later rows, in order; of the pairs within a panel half to each of both rows. The
+    /// columns of blocks begin at multiples of `kColumnsPerWord`.
+    void (*add_costs)(const EmbeddingColumns& Y, const PairBlock& block, const CostTask& task);
 
     /// The sum of `count` values, each rounded by a shift of 1.5 * 2^k.
     ///
@@ -86,6 +112,9 @@ struct PairKernels {
     /// Natural logarithms of `count` positive normal numbers; errors are at most 1e-14, or 1e-15 of
     /// logarithms of 10 and more.
     void (*logarithms)(const double* values, std::size_t count, double* results);
+    /// Binary logarithms of `count` numbers of 1 or more, below 2^212; errors are at most 1e-13,
+    /// and 2e-16 of the logarithm.
+    void (*binary_logarithms)(const double* values, std::size_t count, double* results);
     /// Correctly rounded 1 / x of `count` numbers of 1 or more, below 2^210.
     void (*reciprocals)(const double* values, std::size_t count, double* results);
     /// Correctly rounded x / divisor of `count` numbers; all within 2^-210 to 2^210.

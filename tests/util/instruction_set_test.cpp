@@ -14,10 +14,10 @@ namespace {
 std::vector<InstructionSet> sets_of_processor() {
     std::vector<InstructionSet> sets = {InstructionSet::Scalar};
 #ifdef __x86_64__
-    if (__builtin_cpu_supports("avx2")) {
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
         sets.push_back(InstructionSet::Avx2);
-        if (__builtin_cpu_supports("fma") && __builtin_cpu_supports("avx512f") &&
-            __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl")) {
+        if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+            __builtin_cpu_supports("avx512vl")) {
             sets.push_back(InstructionSet::Avx512);
         }
     }

@@ -2,8 +2,9 @@
 
 #include "util/kernels/lanes.h"
 
-/// Quotients that are correctly rounded: with AVX-512 not by its division, which is slow where one
-/// waits for the other. Where much else is to do meanwhile, `/` is the faster one.
+/// Quotients that are correctly rounded: where there are fused steps not by the processor's
+/// division, which is slow where one waits for the other. Where much else is to do meanwhile, `/`
+/// is the faster one.
 
 namespace ovik::OVIK_KERNELS {
 
@@ -31,19 +32,19 @@ inline Lanes reciprocal(Lanes x) {
 class Divisor {
   public:
     explicit Divisor(double divisor) : divisor_(broadcast(divisor)) {
-#if OVIK_LANES == 8
+#if OVIK_FUSED
         reciprocal_ = 1.0 / divisor_;
-        reciprocal_rest_ = _mm512_fnmadd_pd(reciprocal_, divisor_, broadcast(1.0)) / divisor_;
+        reciprocal_rest_ = fused_difference(broadcast(1.0), reciprocal_, divisor_) / divisor_;
 #endif
     }
 
     Lanes operator()(Lanes x) const {
-#if OVIK_LANES == 8
+#if OVIK_FUSED
         // With the reciprocal to 106 bits, the quotient is within a unit in the last place; from
         // there, one correction gives the correct rounding (Markstein, as above).
-        const Lanes quotient = _mm512_fmadd_pd(x, reciprocal_, x * reciprocal_rest_);
-        const Lanes rest = _mm512_fnmadd_pd(quotient, divisor_, x);
-        return _mm512_fmadd_pd(rest, reciprocal_, quotient);
+        const Lanes quotient = fused_sum(x * reciprocal_rest_, x, reciprocal_);
+        const Lanes rest = fused_difference(x, quotient, divisor_);
+        return fused_sum(quotient, rest, reciprocal_);
 #else
         return x / divisor_;
 #endif
@@ -51,7 +52,7 @@ class Divisor {
 
   private:
     Lanes divisor_;
-#if OVIK_LANES == 8
+#if OVIK_FUSED
     Lanes reciprocal_;
     Lanes reciprocal_rest_;
 #endif

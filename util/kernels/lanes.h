@@ -28,6 +28,13 @@
     #define OVIK_LANES 2
 #endif
 
+/// Whether products and sums can share a rounding.
+#if OVIK_LANES == 8 || (OVIK_LANES == 4 && defined(__FMA__))
+    #define OVIK_FUSED 1
+#else
+    #define OVIK_FUSED 0
+#endif
+
 namespace ovik::OVIK_KERNELS {
 
 constexpr std::size_t kLanes = OVIK_LANES;
@@ -184,6 +191,28 @@ inline Lanes square_root(Lanes a) {
     return each_lane([=](std::size_t lane) { return __builtin_sqrt(a[lane]); });
 #endif
 }
+
+#if OVIK_FUSED
+
+/// a + b * c, rounded once.
+inline Lanes fused_sum(Lanes a, Lanes b, Lanes c) {
+    #if OVIK_LANES == 8
+    return _mm512_fmadd_pd(b, c, a);
+    #else
+    return _mm256_fmadd_pd(b, c, a);
+    #endif
+}
+
+/// a - b * c, rounded once.
+inline Lanes fused_difference(Lanes a, Lanes b, Lanes c) {
+    #if OVIK_LANES == 8
+    return _mm512_fnmadd_pd(b, c, a);
+    #else
+    return _mm256_fnmadd_pd(b, c, a);
+    #endif
+}
+
+#endif
 
 /// The larger of a >= 0 and |b|, neither NaN.
 inline Lanes larger_size(Lanes a, Lanes b) {

@@ -139,6 +139,30 @@ TEST_P(PairKernelsTest, LogarithmsAreCloseAndTheSameForEveryInstructionSet) {
     }
 }
 
+TEST_P(PairKernelsTest, BinaryLogarithmsAreCloseAndTheSameForEveryInstructionSet) {
+    std::mt19937_64 generator(107);
+    std::uniform_real_distribution<double> significand(1.0, 2.0);
+    std::uniform_int_distribution<int> exponent(0, 211);
+    std::vector<double> x = {1.0, 0x1.fffffffffffffp211};
+    // The ends of the sixteenths, where the error is largest, and numbers between.
+    for (int i = 16; i <= 32; ++i) {
+        x.push_back(i / 16.0);
+        x.push_back(std::nextafter(i / 8.0, 0.0));
+    }
+    for (int i = 0; i < 50000; ++i) {
+        x.push_back(std::ldexp(significand(generator), i % 2 == 0 ? 0 : exponent(generator)));
+    }
+    std::vector<double> actual(x.size());
+    std::vector<double> portable(x.size());
+    kernels.binary_logarithms(x.data(), x.size(), actual.data());
+    pair_kernels(InstructionSet::Scalar).binary_logarithms(x.data(), x.size(), portable.data());
+    EXPECT_EQ(actual, portable);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const double expected = std::log2(x[i]);
+        ASSERT_NEAR(actual[i], expected, 1e-13 + 2e-16 * std::fabs(expected)) << x[i];
+    }
+}
+
 TEST_P(PairKernelsTest, LogarithmsOfOtherNumbersAreFinite) {
     // So that their product with a similarity of zero is zero.
     for (const double x : {0.0, 0x1p-1074, HUGE_VAL}) {
@@ -203,8 +227,8 @@ TEST_P(PairKernelsTest, SimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) 
     }
 }
 
-/// What the loops over panels write for the rows of points, one after the other.
-std::vector<double> results_of_panels(const PairKernels& kernels, std::size_t N, std::size_t dims) {
+/// What the sums over panels write for the rows of points, one after the other.
+std::vector<double> sums_of_panels(const PairKernels& kernels, std::size_t N, std::size_t dims) {
     const std::vector<double> columns = embedding_columns(N, dims);
     const EmbeddingColumns Y = {columns.data(), N, dims};
     const std::size_t padded = padded_to_panels(N);
@@ -212,38 +236,143 @@ std::vector<double> results_of_panels(const PairKernels& kernels, std::size_t N,
     const std::vector<double> half_units(padded, 0x1p-43);
     std::vector<double> sums(padded, 0.0);
     const auto ties = std::make_unique<bool[]>(padded);
-    std::vector<double> P(padded * N, 1e-4);
-    for (std::size_t i = 0; i < P.size(); ++i) {
-        P[i] *= static_cast<double>(i % 5 + 1);
-    }
-    std::vector<double> results;
     for (std::size_t panel = 0; panel < padded / kPanelWidth; ++panel) {
         kernels.add_rounded_similarities(
             Y, panel, {shifts.data(), half_units.data()}, {sums.data(), ties.get()});
-        const std::size_t rows = std::min(kPanelWidth, N - panel * kPanelWidth);
-        for (const bool with_cost : {false, true}) {
-            std::vector<double> force(dims * kPanelWidth, 0.0);
-            std::vector<double> cost(kPanelWidth, 0.0);
-            const PanelTask task = {
-                100.0, P.data() + panel * kPanelWidth * N, force.data(), cost.data()};
-            (with_cost ? kernels.add_forces_and_cost : kernels.add_forces)(Y, panel, task);
-            for (std::size_t d = 0; d < dims; ++d) {
-                results.insert(
-                    results.end(), &force[d * kPanelWidth], &force[d * kPanelWidth] + rows);
-            }
-            results.insert(results.end(), cost.data(), cost.data() + rows);
-        }
     }
+    std::vector<double> results;
     results.insert(results.end(), sums.data(), sums.data() + N);
     results.insert(results.end(), ties.get(), ties.get() + N);
     return results;
+}
+
+/// A symmetric matrix by panels, with zeros in its diagonal.
+std::vector<double> symmetric_panels(std::size_t N) {
+    std::vector<double> P(padded_to_panels(N) * N, 0.0);
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t m = 0; m < N; ++m) {
+            P[n / kPanelWidth * kPanelWidth * N + m * kPanelWidth + n % kPanelWidth] =
+                n == m ? 0.0 : 1e-4 * static_cast<double>((n + m) % 5);
+        }
+    }
+    return P;
+}
+
+struct ForcesAndCosts {
+    std::vector<double> forces;
+    std::vector<double> costs;
+};
+
+/// By blocks of some rows and of as many columns as a word tells of.
+ForcesAndCosts sums_of_blocks(const PairKernels& kernels,
+                              std::size_t N,
+                              std::size_t dims,
+                              std::size_t rows_per_block) {
+    const std::vector<double> columns = embedding_columns(N, dims);
+    const EmbeddingColumns Y = {columns.data(), N, dims};
+    const std::vector<double> P = symmetric_panels(N);
+    const std::size_t padded = padded_to_panels(N);
+    std::vector<std::uint64_t> significant(padded / kPanelWidth * words_per_panel(N), 0);
+    for (std::size_t n = 0; n < padded; n += kPanelWidth) {
+        for (std::size_t m = n; m < N; ++m) {
+            significant[n / kPanelWidth * words_per_panel(N) + m / kColumnsPerWord] |=
+                std::uint64_t{m % 7 != 3} << (m % kColumnsPerWord);
+        }
+    }
+    ForcesAndCosts sums = {std::vector<double>(padded * dims), std::vector<double>(padded)};
+    for (std::size_t row = 0; row < N; row += rows_per_block) {
+        for (std::size_t column = row / kColumnsPerWord * kColumnsPerWord; column < N;
+             column += kColumnsPerWord) {
+            const PairBlock block = {row, row + rows_per_block, column, column + kColumnsPerWord};
+            kernels.add_forces(Y, block, {100.0, P.data(), sums.forces.data()});
+            kernels.add_costs(Y, block, {P.data(), significant.data(), sums.costs.data()});
+        }
+    }
+    // What lies behind the last point is nobody's.
+    for (std::size_t n = N; n < padded; ++n) {
+        sums.costs[n] = 0.0;
+        for (std::size_t d = 0; d < dims; ++d) {
+            sums.forces[n / kPanelWidth * kPanelWidth * dims + d * kPanelWidth + n % kPanelWidth] =
+                0.0;
+        }
+    }
+    return sums;
+}
+
+/// The sum over m, in order, of the offsets from m times the multiplier.
+double plain_force(std::size_t N, std::size_t dims, std::size_t n, std::size_t d) {
+    const std::vector<double> columns = embedding_columns(N, dims);
+    const std::size_t stride = padded_to_panels(N);
+    double force = 0.0;
+    for (std::size_t m = 0; m < N; ++m) {
+        double squared_distance = 0.0;
+        for (std::size_t i = 0; i < dims; ++i) {
+            const double difference = columns[i * stride + n] - columns[i * stride + m];
+            squared_distance += difference * difference;
+        }
+        const double q = 1.0 / (squared_distance + 1.0);
+        const double p = n == m ? 0.0 : 1e-4 * static_cast<double>((n + m) % 5);
+        force += (columns[d * stride + n] - columns[d * stride + m]) * (q * (p - q / 100.0));
+    }
+    return force;
+}
+
+TEST_P(PairKernelsTest, ForcesAreThoseOfAPlainLoopForEveryNumberOfPoints) {
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        for (const std::size_t N : {2U, 7U, 8U, 9U, 20U, 63U, 64U, 65U, 67U, 131U}) {
+            const ForcesAndCosts sums = sums_of_blocks(kernels, N, dims, 24);
+            for (std::size_t n = 0; n < N; n += N < 64 ? 1 : 5) {
+                for (std::size_t d = 0; d < dims; ++d) {
+                    ASSERT_EQ(sums.forces[n / kPanelWidth * kPanelWidth * dims + d * kPanelWidth +
+                                          n % kPanelWidth],
+                              plain_force(N, dims, n, d))
+                        << n << " of " << N << " points in " << dims << " dimensions";
+                }
+            }
+        }
+    }
+}
+
+TEST_P(PairKernelsTest, CostsAreThoseOfAPlainLoopOverSignificantPairs) {
+    constexpr std::size_t kPoints = 131;
+    const std::vector<double> P = symmetric_panels(kPoints);
+    const std::vector<double> costs = sums_of_blocks(kernels, kPoints, 2, 24).costs;
+    const std::vector<double> columns = embedding_columns(kPoints, 2);
+    const double* const x = columns.data();
+    const double* const y = x + padded_to_panels(kPoints);
+    for (std::size_t n = 0; n < kPoints; ++n) {
+        const std::size_t panel = n / kPanelWidth * kPanelWidth;
+        double expected = 0.0;
+        for (std::size_t m = panel; m < kPoints; ++m) {
+            const double p = P[panel * kPoints + m * kPanelWidth + n % kPanelWidth];
+            const double squared_distance =
+                (x[n] - x[m]) * (x[n] - x[m]) + (y[n] - y[m]) * (y[n] - y[m]);
+            const double share = m < panel + kPanelWidth ? 0.5 : 1.0;
+            expected += m % 7 == 3 ? 0.0 : share * p * std::log2(1.0 + squared_distance);
+        }
+        ASSERT_NEAR(costs[n], expected, 1e-14) << n;
+    }
+}
+
+TEST_P(PairKernelsTest, BlocksHaveTheBitsOfTheScalarOnesForEveryNumberOfPointsAndRows) {
+    const PairKernels& scalar = pair_kernels(InstructionSet::Scalar);
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        for (std::size_t N = 2; N <= 67; ++N) {
+            const ForcesAndCosts expected = sums_of_blocks(scalar, N, dims, 128);
+            for (const std::size_t rows : {8U, 24U, 128U}) {
+                const ForcesAndCosts actual = sums_of_blocks(kernels, N, dims, rows);
+                ASSERT_EQ(actual.forces, expected.forces) << N << " x " << dims;
+                ASSERT_EQ(actual.costs, expected.costs) << N << " x " << dims;
+            }
+        }
+    }
 }
 
 TEST_P(PairKernelsTest, PanelsHaveTheBitsOfTheScalarOnesForEveryNumberOfPoints) {
     const PairKernels& scalar = pair_kernels(InstructionSet::Scalar);
     for (std::size_t dims = 1; dims <= 4; ++dims) {
         for (std::size_t N = 2; N <= 67; ++N) {
-            ASSERT_EQ(results_of_panels(kernels, N, dims), results_of_panels(scalar, N, dims))
+            ASSERT_EQ(sums_of_panels(kernels, N, dims), sums_of_panels(scalar, N, dims))
                 << N << " points in " << dims << " dimensions";
         }
     }
@@ -261,6 +390,9 @@ TEST_P(PairKernelsTest, LoopsOverValuesHaveTheBitsOfTheScalarOnesForEveryNumberO
         std::vector<double> expected(count + 1, -1.0);
         kernels.logarithms(x.data(), count, actual.data());
         scalar.logarithms(x.data(), count, expected.data());
+        EXPECT_EQ(actual, expected);
+        kernels.binary_logarithms(x.data(), count, actual.data());
+        scalar.binary_logarithms(x.data(), count, expected.data());
         EXPECT_EQ(actual, expected);
         kernels.reciprocals(x.data(), count, actual.data());
         scalar.reciprocals(x.data(), count, expected.data());
