@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "input/block_of_rows.h"
+#include "input/byte_order_mark.h"
 #include "input/field_checks.h"
 #include "input/layout_of.h"
 #include "input/name_checks.h"
@@ -25,8 +26,6 @@
 namespace ovik {
 
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 /// Adds findings of lines further down, which were counted from the line `lines`.
 void add(FieldFindings& findings, FieldFindings&& more, std::size_t lines) {

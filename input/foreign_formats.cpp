@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <optional>
 
+#include "input/byte_order_mark.h"
+
 namespace ovik {
 
 namespace {
@@ -178,10 +180,7 @@ std::optional<Foreign> of_tar(std::string_view head) {
 }
 
 std::string_view without_white_space_in_front(std::string_view text) {
-    constexpr std::string_view kMark = "\xef\xbb\xbf";
-    if (text.starts_with(kMark)) {
-        text.remove_prefix(kMark.size());
-    }
+    text = without_byte_order_mark(text);
     const std::size_t begin = text.find_first_not_of(" \t\r\n");
     return begin == std::string_view::npos ? std::string_view() : text.substr(begin);
 }

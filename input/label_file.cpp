@@ -1,13 +1,10 @@
 #include "input/label_file.h"
 
 #include <algorithm>
-#include <istream>
 #include <map>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
-#include "input/gzip_buffer.h"
 #include "input/row_texts.h"
 #include "util/counted.h"
 #include "util/input_error.h"
@@ -21,22 +18,6 @@ struct Record {
     std::size_t line = 0;
     std::vector<std::string> fields;
 };
-
-std::string unpacked(std::string text, const std::string& path) {
-    constexpr std::string_view kGzipMagic = "\x1f\x8b";
-    if (!text.starts_with(kGzipMagic)) {
-        return text;
-    }
-    std::stringbuf nothing_more;
-    GzipBuffer content(nothing_more, std::move(text), path);
-    std::istream stream(&content);
-    stream.exceptions(std::ios::badbit);
-    std::ostringstream result;
-    for (char c = 0; stream.get(c);) {
-        result.put(c);
-    }
-    return result.str();
-}
 
 /// What separates the fields of a table; nothing if the text is none.
 std::optional<char> separator_of(const std::string& text) {
@@ -219,13 +200,9 @@ LabelTable table_of(std::vector<Record> records, char separator, const std::stri
 }  // namespace
 
 LabelFile read_label_file(const std::string& path, std::size_t row_count) {
-    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-    std::string text = unpacked(read_row_file(path, "label"), path);
+    const std::string text = read_row_file(path, "label");
     LabelFile file;
     if (const std::optional<char> separator = separator_of(text)) {
-        if (text.starts_with(kByteOrderMark)) {
-            text.erase(0, kByteOrderMark.size());
-        }
         file.table = table_of(read_records(text, *separator, path), *separator, path);
     } else {
         file.labels = row_texts_of(text, path, row_count, "label");

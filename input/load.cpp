@@ -4,6 +4,7 @@
 
 #include "input/date_names.h"
 #include "input/matrix_checks.h"
+#include "input/matrix_formats.h"
 #include "input/matrix_source.h"
 #include "input/missing_values.h"
 #include "input/name_checks.h"
@@ -120,6 +121,12 @@ std::size_t settle_missing(const std::string& name,
 }
 
 }  // namespace
+
+LoadedMatrix load(const std::string& path,
+                  const LoadOptions& options,
+                  std::vector<Remark>& remarks) {
+    return load(path, options, remarks, matrix_formats());
+}
 
 LoadedMatrix load(const std::string& path,
                   const LoadOptions& options,

@@ -8,9 +8,11 @@
 #include "input/inspected_matrix.h"
 #include "input/label_file.h"
 #include "input/load_options.h"
-#include "input/matrix_formats.h"
+#include "util/api.h"
 
 namespace ovik {
+
+struct MatrixFormat;
 
 /// Something that the user should know of a matrix, though it can be worked with.
 struct Remark {
@@ -49,12 +51,18 @@ struct LoadedMatrix {
 /// @param path     a file, or "-" for standard input
 /// @param remarks  what there is to say is appended, in the order in which it was found; also what
 ///                 was found before the matrix was refused
-/// @param formats  as `format_of` has them
 /// @throws InputError if the matrix cannot be read, or not be embedded
 /// @throws std::system_error if a file cannot be read to its end
+OVIK_API LoadedMatrix load(const std::string& path,
+                           const LoadOptions& options,
+                           std::vector<Remark>& remarks);
+
+/// The same with formats other than those of `matrix_formats`.
+///
+/// @param formats  as `format_of` has them
 LoadedMatrix load(const std::string& path,
                   const LoadOptions& options,
                   std::vector<Remark>& remarks,
-                  const std::vector<MatrixFormat>& formats = matrix_formats());
+                  const std::vector<MatrixFormat>& formats);
 
 }  // namespace ovik

@@ -5,13 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "input/matrix_source.h"
 #include "input/missing_values.h"
 #include "input/option_spelling.h"
-#include "input/table_layout.h"
 #include "input/transformations.h"
 
 namespace ovik {
+
+class MatrixSource;
+struct TableLayout;
 
 /// How a matrix is loaded.
 struct LoadOptions {
@@ -51,7 +52,7 @@ struct LoadOptions {
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.
     bool check_values = true;
     /// If set, called with delimited text and its layout before more than the head is read. What
-    /// it throws, `load` throws.
+    /// it throws, `load` throws. Its arguments are of use within this project alone.
     std::function<void(const MatrixSource& source, const TableLayout& layout)> before_reading;
 };
 

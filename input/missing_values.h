@@ -7,6 +7,7 @@
 
 #include "input/inspected_matrix.h"
 #include "input/option_spelling.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -29,7 +30,7 @@ enum class MissingPolicy {
 
 /// The policy of a name: zero, row-mean, column-mean, drop, error. `Leave` has none: what is
 /// embedded lacks no value.
-std::optional<MissingPolicy> missing_policy(const std::string& name);
+OVIK_API std::optional<MissingPolicy> missing_policy(const std::string& name);
 
 /// The missing values of a matrix: how many there are in all, in each row and in each column.
 struct MissingCounts {

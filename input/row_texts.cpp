@@ -4,8 +4,15 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <istream>
+#include <sstream>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
+#include "input/byte_order_mark.h"
+#include "input/foreign_formats.h"
+#include "input/gzip_buffer.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
@@ -26,6 +33,32 @@ std::string rest_of(std::istream& stream) {
     return text;
 }
 
+std::string unpacked(std::string text, const std::string& path) {
+    constexpr std::string_view kGzipMagic = "\x1f\x8b";
+    if (!text.starts_with(kGzipMagic)) {
+        return text;
+    }
+    std::stringbuf nothing_more;
+    GzipBuffer content(nothing_more, std::move(text), path);
+    std::istream stream(&content);
+    stream.exceptions(std::ios::badbit);
+    std::ostringstream result;
+    for (char c = 0; stream.get(c);) {
+        result.put(c);
+    }
+    return result.str();
+}
+
+/// @throws InputError if this is no text
+void check_text(const std::string& text, const std::string& path) {
+    if (text.find('\0') == std::string::npos) {
+        return;
+    }
+    const std::string foreign = foreign_format(text);
+    throw InputError(path + ": " +
+                     (foreign.empty() ? "this holds NUL bytes, and so is no text" : foreign));
+}
+
 }  // namespace
 
 std::string read_row_file(const std::string& path, const std::string& what) {
@@ -34,7 +67,10 @@ std::string read_row_file(const std::string& path, const std::string& what) {
         throw InputError(path + ": the " + what + "s cannot be read (" +
                          std::generic_category().message(errno != 0 ? errno : EISDIR) + ")");
     }
-    return with_read_failures_named(path, [&] { return rest_of(file); });
+    std::string text =
+        unpacked(with_read_failures_named(path, [&] { return rest_of(file); }), path);
+    check_text(text, path);
+    return std::string(without_byte_order_mark(text));
 }
 
 std::vector<std::string> lines_of(const std::string& text) {

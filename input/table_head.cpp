@@ -4,6 +4,7 @@
 #include <array>
 #include <iterator>
 
+#include "input/byte_order_mark.h"
 #include "input/delimiters.h"
 #include "input/header_line.h"
 #include "input/matrix_guess.h"
@@ -17,7 +18,6 @@ namespace ovik {
 namespace {
 
 constexpr std::size_t kRowsLookedAt = 20;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::vector<std::string_view> lines_of(std::string_view text) {
     std::vector<std::string_view> lines;
@@ -27,9 +27,7 @@ std::vector<std::string_view> lines_of(std::string_view text) {
 
 /// The lines of the head that are whole, without a byte order mark.
 std::string_view text_of(const MatrixSource& source) {
-    std::string_view text = whole_lines(source, 0);
-    text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    return text;
+    return without_byte_order_mark(whole_lines(source, 0));
 }
 
 /// The delimiter that the first line gives, as "sep=;" of spreadsheets does; none if it is no such

@@ -6,6 +6,7 @@
 
 #include "input/inspected_matrix.h"
 #include "input/option_spelling.h"
+#include "util/api.h"
 
 namespace ovik {
 
@@ -20,7 +21,7 @@ enum class Centring {
 };
 
 /// "rows" and "columns"; none for other texts.
-std::optional<Centring> centring_of(std::string_view name);
+OVIK_API std::optional<Centring> centring_of(std::string_view name);
 
 /// What is done to the values of a matrix before they are embedded, in the order of the members.
 struct Transformations {

@@ -76,12 +76,26 @@ class LineFinder {
 /// A header that is left out would cost the first row its label without a word.
 void check_header(const LabelTable& table,
                   const std::vector<std::string>& row_names,
-                  const std::string& path) {
+                  const std::string& path,
+                  bool genes) {
     const std::string& title = table.names_title;
-    if (!title.empty() && std::find(row_names.begin(), row_names.end(), title) != row_names.end()) {
-        throw InputError(path + ": the first line opens with " + title +
-                         ", the name of a row, where titles are expected\nPut a header line above "
-                         "it, such as: name, label.");
+    if (title.empty()) {
+        return;
+    }
+    const std::string refusal_begin = path + ": the first line opens with " + title;
+    const std::string refusal_end =
+        ", where titles are expected\nPut a header line above it, such as: name, label.";
+    if (std::find(row_names.begin(), row_names.end(), title) != row_names.end()) {
+        throw InputError(refusal_begin + ", the name of a row" + refusal_end);
+    }
+    const std::string_view gene = genes ? gene_of(title) : "";
+    const auto row =
+        gene.empty() ? row_names.end()
+                     : std::find_if(row_names.begin(), row_names.end(), [gene](const auto& name) {
+                           return gene_of(name) == gene;
+                       });
+    if (row != row_names.end()) {
+        throw InputError(refusal_begin + ", a name of the gene of the row " + *row + refusal_end);
     }
 }
 
@@ -167,7 +181,7 @@ JoinedLabels join_labels(const LabelTable& table,
                          const std::vector<std::string>& row_names,
                          const std::string& path,
                          bool genes) {
-    check_header(table, row_names, path);
+    check_header(table, row_names, path, genes);
     JoinedLabels joined;
     joined.counts.rows = row_names.size();
     const std::vector<std::size_t> lines =

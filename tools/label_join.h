@@ -39,8 +39,8 @@ struct JoinedLabels {
 ///
 /// @param path   of the labels, for messages
 /// @param genes  whether names stand for genes of yeast
-/// @throws InputError if no row has a label, or the header holds the name of a row, or two lines
-/// are of the gene of one row
+/// @throws InputError if no row has a label, or the header opens with a name of a row or of its
+/// gene, or two lines are of the gene of one row
 JoinedLabels join_labels(const LabelTable& table,
                          const std::vector<std::string>& row_names,
                          const std::string& path,

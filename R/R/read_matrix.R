@@ -1,63 +1,118 @@
-# Matrix files, with the numbers that the command reads. R's own reading of decimal numbers differs in the
-# last place now and then, 2.694577 being one, and maps of such numbers differ as a whole.
+# Matrix files, read by the library as the command reads them.
 
-missing_signs <- c("", "na", "n/a", "#n/a", "nan", "null", "none", "-", "--", ".", "?")
-
-read_matrix <- function(file, sep = "\t") {
-  lines <- readLines(file, warn = FALSE)
-  header <- scan(text = utils::head(lines, 1), what = "", sep = sep, quote = "\"", quiet = TRUE)
-  fields <- read_fields(file, lines[-1], sep)
-  values <- unlist(fields[-1], use.names = FALSE)
-  numbers <- matrix(.Call(C_numbers_of, as.character(values)), nrow(fields))
-  rownames(numbers) <- fields[[1]]
-  colnames(numbers) <- column_names(file, header, ncol(numbers))
-  refuse_text(file, numbers, values)
-  numbers
-}
-
-# The rows as a data frame of texts.
-read_fields <- function(file, lines, sep) {
-  lines <- lines[!grepl("^(#|[[:space:]]*$)", lines, useBytes = TRUE)]
-  if (length(lines) == 0) {
-    refuse(sprintf("%s has no rows", file), "A header line stands above rows of a name and its values.")
-  }
-  tryCatch(
-    utils::read.table(
-      text = lines, sep = sep, quote = "\"", comment.char = "", colClasses = "character", na.strings = character(),
-      fill = FALSE, strip.white = FALSE
-    ),
-    error = function(failure) {
-      refuse(
-        sprintf("%s: %s, not counting the header and lines that are skipped", file, conditionMessage(failure)),
-        "Every row needs the same number of fields: check sep, and fill in what is missing."
-      )
-    }
+read_matrix <- function(
+  file,
+  delimiter = NULL,
+  decimal = NULL,
+  header = TRUE,
+  names = TRUE,
+  names_column = NULL,
+  skip_columns = NULL,
+  na = NULL,
+  missing = NULL,
+  sheet = NULL,
+  row_names = NULL,
+  log1p = FALSE,
+  center = NULL,
+  scale = FALSE
+) {
+  form <- list(
+    delimiter = checked_delimiter(delimiter),
+    decimal = checked_choice("decimal", decimal, c(".", ",")),
+    header = checked_flag("header", header),
+    names = checked_flag("names", names),
+    names_column = checked_columns("names_column", names_column, 1),
+    skip_columns = checked_columns("skip_columns", skip_columns),
+    na = checked_signs(na),
+    missing = checked_choice("missing", missing, c("zero", "row-mean", "column-mean", "drop", "error")),
+    sheet = if (!is.null(sheet)) checked_text("sheet", sheet, "the name of a sheet"),
+    row_names = if (!is.null(row_names)) checked_file("row_names", row_names),
+    log1p = checked_flag("log1p", log1p),
+    center = checked_choice("center", center, c("rows", "columns")),
+    scale = checked_flag("scale", scale)
   )
+  told(.Call(C_read_matrix, checked_file("file", file), form))
 }
 
-# The header may lack a name for the column of names, as files that R wrote do.
-column_names <- function(file, header, count) {
-  if (count == 0) {
-    refuse(sprintf("%s has a single column", file), "Check sep, which stands between the values.")
+# The matrix of what was read, once the user knows what there is to say of it.
+told <- function(read) {
+  # Longer messages would lose their end, which says what to do.
+  before <- options(warning.length = 8170)
+  on.exit(options(before))
+  for (text in printable(read$notes)) message(text)
+  for (text in printable(read$warnings)) warning(text, call. = FALSE)
+  if (nzchar(read$refusal)) stop(printable(read$refusal), call. = FALSE)
+  columns <- read$column_names
+  matrix <- read$values
+  dimnames(matrix) <- list(as_in_file(read$row_names), if (length(columns)) as_in_file(columns))
+  matrix
+}
+
+# Texts of a file need not be UTF-8.
+printable <- function(texts) iconv(texts, "UTF-8", "UTF-8", sub = "byte")
+
+as_in_file <- function(names) {
+  Encoding(names)[!validUTF8(names)] <- "unknown"
+  names
+}
+
+is_one_text <- function(value) is.character(value) && length(value) == 1 && !is.na(value) && nzchar(value)
+
+checked_text <- function(name, value, requirement) {
+  if (!is_one_text(value)) stop(sprintf("%s should be %s, not %s", name, requirement, shown(value)), call. = FALSE)
+  value
+}
+
+# Standard input is R's own.
+checked_file <- function(name, value) {
+  if (!is_one_text(value) || value == "-") {
+    stop(sprintf("%s should be the name of a file, not %s", name, shown(value)), call. = FALSE)
   }
-  if (!length(header) %in% c(count, count + 1)) {
+  path.expand(value)
+}
+
+checked_choice <- function(name, value, choices) {
+  if (!is.null(value) && !(is_one_text(value) && value %in% choices)) {
+    listed <- paste0("\"", choices, "\"", collapse = ", ")
+    stop(sprintf("%s should be NULL or one of %s, not %s", name, listed, shown(value)), call. = FALSE)
+  }
+  value
+}
+
+checked_flag <- function(name, value) {
+  check_flag(name, value)
+  value
+}
+
+checked_delimiter <- function(value) {
+  is_one_character <- is_one_text(value) && nchar(value, "bytes") == 1 && !value %in% c("\r", "\n", "\"") &&
+    charToRaw(value) < as.raw(0x80)
+  if (!is.null(value) && !is_one_character) {
+    stop(sprintf("delimiter should be one character, such as \"\\t\", not %s", shown(value)), call. = FALSE)
+  }
+  value
+}
+
+# Columns by header or by number, as texts; NULL stands for one that is not given.
+checked_columns <- function(name, value, most = Inf) {
+  if (is.null(value)) return(if (most == 1) NULL else character())
+  is_number <- is.numeric(value) && all(is.finite(value) & value >= 1 & value <= 1e9 & value == round(value))
+  if (!(is_number || (is.character(value) && !anyNA(value))) || length(value) > most) {
     refuse(
-      sprintf("%s: the first line has %d fields, and rows have %d", file, length(header), count + 1),
-      "It should be a header with a name for each column."
+      sprintf("%s should be headers or numbers of columns, not %s", name, shown(value)),
+      if (most == 1) "Give one of them." else "Columns count from 1, which is mostly that of the names."
     )
   }
-  utils::tail(header, count)
+  if (is.numeric(value)) sprintf("%d", as.integer(value)) else value
 }
 
-refuse_text <- function(file, numbers, values) {
-  text <- which(is.na(numbers) & !tolower(trimws(values)) %in% missing_signs)
-  if (length(text) == 0) return(invisible())
-  at <- arrayInd(text[1], dim(numbers))
-  refuse(
-    sprintf(
-      "%s: row %s, column %s is \"%s\", which is not a number (%d such fields)", file,
-      place(at[1], rownames(numbers)), place(at[2], colnames(numbers)), values[text[1]], length(text)
-    ),
-    "Take columns of text out, and write decimal points as points."
-  )
+checked_signs <- function(value) {
+  if (is.null(value)) return(character())
+  if (!is.character(value) || anyNA(value)) {
+    refuse(
+      sprintf("na should be texts as they stand in the file, not %s", shown(value)),
+      "\"-999\" stands for a missing value where the file has -999, and not where it has -999.0."
+    )
+  }
+  value
 }

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <cstddef>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -10,7 +11,7 @@
 #include <cpp11/declarations.hpp>
 
 #include "fit.h"
-#include "number_text.h"
+#include "matrix_file.h"
 #include "options.h"
 #include "own_thread.h"
 #include "told_lines.h"
@@ -53,15 +54,14 @@ std::vector<double> row_by_row(const double* columnwise, std::size_t rows, std::
     return values;
 }
 
-/// @param embedding  row by row
-cpp11::writable::doubles_matrix<> as_matrix(const std::vector<double>& embedding,
-                                            std::size_t rows,
-                                            std::size_t dims) {
-    cpp11::writable::doubles_matrix<> matrix(static_cast<int>(rows), static_cast<int>(dims));
-    double* const values = REAL(matrix.data());
+/// @param values  row by row
+cpp11::sexp as_matrix(const double* values, std::size_t rows, std::size_t columns) {
+    cpp11::sexp matrix =
+        cpp11::safe[Rf_allocMatrix](REALSXP, static_cast<int>(rows), static_cast<int>(columns));
+    double* const columnwise = REAL(matrix);
     for (std::size_t n = 0; n < rows; ++n) {
-        for (std::size_t d = 0; d < dims; ++d) {
-            values[d * rows + n] = embedding[n * dims + d];
+        for (std::size_t d = 0; d < columns; ++d) {
+            columnwise[d * rows + n] = values[n * columns + d];
         }
     }
     return matrix;
@@ -83,7 +83,7 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
     const FitReport& report = outcome.fit.report;
     cpp11::writable::list result;
     result.push_back(
-        {"Y"_nm = as_matrix(outcome.fit.embedding, rows, static_cast<std::size_t>(dims))});
+        {"Y"_nm = as_matrix(outcome.fit.embedding.data(), rows, static_cast<std::size_t>(dims))});
     result.push_back({"cost"_nm = report.final_cost});
     result.push_back({"costs"_nm = cpp11::writable::doubles(report.costs)});
     result.push_back({"iteration"_nm = report.reached.iteration});
@@ -126,6 +126,63 @@ bool option_holds(const std::string& name, double value) {
     return is_held;
 }
 
+/// The text of an argument that is one text, or of one that is none: empty.
+std::string text_of(SEXP argument) {
+    return Rf_isNull(argument) ? "" : cpp11::as_cpp<std::string>(argument);
+}
+
+std::optional<char> character_of(SEXP argument) {
+    const std::string text = text_of(argument);
+    return text.empty() ? std::nullopt : std::optional(text.front());
+}
+
+/// The name of a file, as the system has it.
+std::string path_of(SEXP name) {
+    return Rf_isNull(name) ? "" : cpp11::safe[Rf_translateChar](STRING_ELT(name, 0));
+}
+
+/// @param form  the arguments of `read_matrix` by name, checked
+LoadOptions load_options(const cpp11::list& form) {
+    LoadOptions options;
+    options.delimiter = character_of(form["delimiter"]);
+    options.decimal = character_of(form["decimal"]);
+    options.has_header = cpp11::as_cpp<bool>(form["header"]);
+    options.has_names = cpp11::as_cpp<bool>(form["names"]);
+    options.names_column = text_of(form["names_column"]);
+    options.skip_columns = cpp11::as_cpp<std::vector<std::string>>(form["skip_columns"]);
+    options.missing_signs = cpp11::as_cpp<std::vector<std::string>>(form["na"]);
+    options.sheet = text_of(form["sheet"]);
+    options.row_names_file = path_of(form["row_names"]);
+    options.transformations.log1p = cpp11::as_cpp<bool>(form["log1p"]);
+    options.transformations.centre = centring_of(text_of(form["center"])).value_or(Centring::None);
+    options.transformations.scale = cpp11::as_cpp<bool>(form["scale"]);
+    return options;
+}
+
+/// Values, names, and what there is to say; of a file that is refused the latter alone.
+cpp11::writable::list read_matrix(SEXP path, const cpp11::list& form) {
+    const LoadOptions options = load_options(form);
+    const std::string missing = text_of(form["missing"]);
+    const std::string name = path_of(path);
+    const MatrixFile file = in_own_thread(
+        [&](const std::atomic<bool>& /*is_interrupted*/) {
+            return read_matrix_file(name, options, missing);
+        },
+        [] { cpp11::check_user_interrupt(); });
+    cpp11::writable::list result;
+    result.push_back({"warnings"_nm = file.warnings});
+    result.push_back({"notes"_nm = file.notes});
+    result.push_back({"refusal"_nm = file.refusal});
+    if (file.refusal.empty()) {
+        const InspectedMatrix& matrix = file.matrix;
+        result.push_back({"values"_nm = as_matrix(
+                              matrix.values.get(), matrix.report.rows, matrix.report.columns)});
+        result.push_back({"row_names"_nm = matrix.row_names});
+        result.push_back({"column_names"_nm = matrix.column_names});
+    }
+    return result;
+}
+
 }  // namespace
 
 }  // namespace ovik::r
@@ -152,15 +209,13 @@ static SEXP ovik_option_holds(SEXP name, SEXP value) {
     END_CPP11
 }
 
-static SEXP ovik_numbers_of(SEXP texts) {
+static SEXP ovik_read_matrix(SEXP path, SEXP form) {
     BEGIN_CPP11
-    const R_xlen_t count = Rf_xlength(texts);
-    cpp11::writable::doubles numbers(count);
-    double* const values = REAL(numbers.data());
-    for (R_xlen_t i = 0; i < count; ++i) {
-        values[i] = ovik::r::number_of(CHAR(STRING_ELT(texts, i)));
+    try {
+        return ovik::r::read_matrix(path, form);
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error("The memory of the matrix cannot be had");
     }
-    return numbers;
     END_CPP11
 }
 
@@ -168,8 +223,8 @@ static SEXP ovik_numbers_of(SEXP texts) {
 attribute_visible void R_init_ovik(DllInfo* library) {
     static const R_CallMethodDef routines[] = {
         {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 4},
-        {"numbers_of", reinterpret_cast<DL_FUNC>(&ovik_numbers_of), 1},
         {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
+        {"read_matrix", reinterpret_cast<DL_FUNC>(&ovik_read_matrix), 2},
         {nullptr, nullptr, 0}};
     R_registerRoutines(library, nullptr, routines, nullptr, nullptr);
     R_useDynamicSymbols(library, FALSE);

@@ -9,7 +9,7 @@
 from ._anndata import pp_tsne
 from ._core import __version__
 from ._genes import Gene, gene_function
-from ._matrix import Matrix, read_matrix
+from ._matrix import Matrix, MatrixNote, read_matrix
 from ._page import Page, page
 from ._plot import plot
 from ._tsne import TSNE
@@ -18,6 +18,7 @@ __all__ = [
     "TSNE",
     "Gene",
     "Matrix",
+    "MatrixNote",
     "Page",
     "__version__",
     "gene_function",

@@ -15,6 +15,10 @@ from numpy.typing import NDArray
 from . import _core
 
 
+class MatrixNote(UserWarning):
+    """Tells how a matrix file was taken where it could be taken otherwise."""
+
+
 class Matrix(NamedTuple):
     """A matrix file."""
 
@@ -40,6 +44,7 @@ def read_matrix(
     na: str | Sequence[str] = (),
     missing: str | None = None,
     sheet: str | None = None,
+    row_names: str | os.PathLike[str] | None = None,
     log1p: bool = False,
     center: Literal["rows", "columns"] | None = None,
     scale: bool = False,
@@ -68,13 +73,16 @@ def read_matrix(
     skip_columns : str, int or sequence of them, default ()
         Columns that are no values, such as descriptions, named as above.
     na : str or sequence of str, default ()
-        Texts that stand for a missing value besides ``NA`` and the like.
+        Texts that stand for a missing value besides ``NA`` and the like, as the file has them:
+        ``"-999"`` where it has -999.
     missing : {None, "zero", "row-mean", "column-mean", "drop", "error"}, optional
         What becomes of missing values (empty fields, ``NA``, ``NaN``, ``null`` and the like; NaN in
         arrays). None leaves them NaN, which `TSNE` refuses. The others are what the command has:
         0, the means of rows or columns, rows left out, or an error.
     sheet : str, optional
         The sheet of an Excel workbook. By default the first that is not hidden.
+    row_names : str or path-like, optional
+        A file with the name of a row per line, for formats that have none.
     log1p : bool, default False
         Whether to take log(1 + x) of the values: for counts. No value may be missing for this and
         the next two; they are done in this order.
@@ -104,9 +112,15 @@ def read_matrix(
     Warns
     -----
     UserWarning
-        For names that are empty or repeated, and for a matrix with genes in its columns.
+        For names that are empty or repeated, for a matrix with genes in its columns, and for what
+        else may not be as it is meant.
+    MatrixNote
+        A UserWarning that tells how the file was taken: the first of several sheets, cells with
+        errors, names that are numbers, a kind of table that is known.
     """
     _require_readable(path)
+    if row_names is not None:
+        _require_readable(row_names)
     _require_decimal_point()
     form: dict[str, Any] = {
         "delimiter": _checked_delimiter(delimiter),
@@ -115,21 +129,24 @@ def read_matrix(
         "has_names": bool(names),
         "names_column": "" if names_column is None else _column(names_column, encoding),
         "skip_columns": [_column(column, encoding) for column in _listed(skip_columns)],
-        "missing_signs": [sign.encode(encoding) for sign in _listed(na)],
+        "missing_signs": [_checked_sign(sign).encode(encoding) for sign in _listed(na)],
         "sheet": "" if sheet is None else sheet.encode(encoding),
+        "row_names": "" if row_names is None else os.fsencode(row_names),
         "log1p": bool(log1p),
         "center": _checked_center(center),
         "scale": bool(scale),
     }
-    values, row_names, column_names, remarks = _core.read_matrix(
+    values, rows, columns, remarks, notes = _core.read_matrix(
         os.fsencode(path), form, missing or ""
     )
+    for note in notes:
+        warnings.warn(note.decode(errors="replace"), MatrixNote, stacklevel=2)
     for remark in remarks:
         warnings.warn(remark.decode(errors="replace"), stacklevel=2)
     return Matrix(
         values,
-        [text.decode(encoding) for text in row_names],
-        [text.decode(encoding) for text in column_names],
+        [text.decode(encoding) for text in rows],
+        [text.decode(encoding) for text in columns],
     )
 
 
@@ -171,9 +188,18 @@ def _checked_center(center: str | None) -> str:
     return center or ""
 
 
+def _checked_sign(sign: str) -> str:
+    if not isinstance(sign, str):
+        raise ValueError(
+            f"na should be texts as they stand in the file, not {sign!r}\n"
+            '"-999" stands for a missing value where the file has -999, and not where it has -999.0.'
+        )
+    return sign
+
+
 def _listed(one_or_more: Any) -> list[Any]:
     """What may be one text or number, or a sequence of them, as a list."""
-    return [one_or_more] if isinstance(one_or_more, (str, int)) else list(one_or_more)
+    return [one_or_more] if isinstance(one_or_more, (str, int, float)) else list(one_or_more)
 
 
 def _column(column: str | int, encoding: str) -> bytes:

@@ -96,8 +96,8 @@ class TSNE(FitParameters):
 
     Notes
     -----
-    One fit runs at a time in a process; others wait. The interpreter lock is free meanwhile. Ctrl-C
-    ends a fit after the iteration at hand, or with the first one.
+    Fits may run at once, each in a thread of its own and with the interpreter lock free. Ctrl-C ends
+    one in the main thread after the iteration at hand, or with the first one.
 
     There is no `transform`: new rows cannot be added to an embedding.
 

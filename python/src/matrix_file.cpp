@@ -79,6 +79,8 @@ MatrixFile read_matrix_file(const std::string& path,
     for (Remark& remark : remarks) {
         if (remark.kind == Remark::Kind::Warning) {
             file.warnings.push_back(std::move(remark.text));
+        } else if (remark.kind == Remark::Kind::Note) {
+            file.notes.push_back(std::move(remark.text));
         }
     }
     return file;

@@ -12,8 +12,10 @@ namespace ovik::python {
 struct MatrixFile {
     /// `values` is not null.
     InspectedMatrix matrix;
-    /// What the user should know of it, a text each.
+    /// What is odd about the matrix, a text each.
     std::vector<std::string> warnings;
+    /// How the file was taken where it could be taken otherwise, a text each.
+    std::vector<std::string> notes;
 };
 
 /// Reads a matrix file of any format that the command reads.

@@ -218,6 +218,7 @@ LoadOptions load_options(const py::dict& form) {
     options.skip_columns = form["skip_columns"].cast<std::vector<std::string>>();
     options.missing_signs = form["missing_signs"].cast<std::vector<std::string>>();
     options.sheet = form["sheet"].cast<std::string>();
+    options.row_names_file = form["row_names"].cast<std::string>();
     options.transformations.log1p = form["log1p"].cast<bool>();
     options.transformations.centre =
         centring_of(form["center"].cast<std::string>()).value_or(Centring::None);
@@ -234,7 +235,11 @@ py::tuple read_matrix(const std::string& path,
     });
     const std::vector<py::bytes> row_names = as_bytes(file.matrix.row_names);
     const std::vector<py::bytes> column_names = as_bytes(file.matrix.column_names);
-    return py::make_tuple(as_array(file.matrix), row_names, column_names, as_bytes(file.warnings));
+    return py::make_tuple(as_array(file.matrix),
+                          row_names,
+                          column_names,
+                          as_bytes(file.warnings),
+                          as_bytes(file.notes));
 }
 
 /// @return name, systematic name and function of the gene of this name, else of this systematic

@@ -54,6 +54,15 @@ TEST_F(LabelFiles, OfOneColumnAreTheirLines) {
     EXPECT_FALSE(file.table);
     EXPECT_THAT(read("x\na, b\nc\n").labels, ElementsAre("x", "a, b", "c"));
     EXPECT_THAT(read("\"a\"\n#\n\"\n").labels, ElementsAre("\"a\"", "#", "\""));
+    EXPECT_THAT(read("\xef\xbb\xbf"
+                     "a\nb\na\n")
+                    .labels,
+                ElementsAre("a", "b", "a"));
+    EXPECT_THAT(read(test::gzipped("\xef\xbb\xbf"
+                                   "a\nb\na\n"))
+                    .labels,
+                ElementsAre("a", "b", "a"));
+    EXPECT_THAT(read(">2fold\nnone\nnone\n").labels, ElementsAre(">2fold", "none", "none"));
     EXPECT_THAT(refusal("a\nb\n"), HasSubstr(": holds 2 labels, but the matrix has 3 rows\n"));
 }
 
@@ -105,6 +114,9 @@ TEST_F(LabelFiles, AreRefusedWithTheLine) {
     EXPECT_THAT(refusal("gene\tx\n\"CDC28\"a\t1\n"), HasSubstr(", line 2: text stands behind"));
     EXPECT_THAT(refusal("gene\tx\nCDC28\n"), HasSubstr(", line 2: has 1 field,"));
     EXPECT_THAT(refusal("\"a\tb\nc\"\n"), HasSubstr(": holds no line"));
+    EXPECT_THAT(
+        refusal(std::string("PK\x03\x04\0\0 xl/workbook.xml\t\n\t\n", 26)),
+        HasSubstr(": this is an Excel workbook (.xlsx): open it in the spreadsheet program"));
 }
 
 std::string quoted(const std::string& text) {

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "input/matrix_source.h"
+#include "input/table_layout.h"
 #include "util/input_error.h"
 
 #include "tests/support/gzip.h"

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "input/load.h"
+#include "input/matrix_formats.h"
+#include "input/matrix_source.h"
 #include "util/input_error.h"
 
 #include "tests/support/gzip.h"

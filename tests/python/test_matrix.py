@@ -40,15 +40,23 @@ def test_every_format_gives_the_same_matrix(write, tmp_path):
     expected = ovik.read_matrix(write(TEXT)).values
     np.save(tmp_path / "m.npy", expected)
     market = "%%MatrixMarket matrix array real general\n3 2\n1\n-3\n0\n2.5\n400\nNaN\n"
-    for path in (
-        write(gzip.compress(TEXT.encode()), "m.csv.gz"),
-        tmp_path / "m.npy",
-        str(write(market, "m.mtx")),
-    ):
-        matrix = ovik.read_matrix(path)
+    packed = ovik.read_matrix(write(gzip.compress(TEXT.encode()), "m.csv.gz"))
+    assert np.array_equal(packed.values, expected, equal_nan=True)
+    for path in (tmp_path / "m.npy", str(write(market, "m.mtx"))):
+        with pytest.warns(ovik.MatrixNote, match='row_names="FILE" gives them names'):
+            matrix = ovik.read_matrix(path)
         assert np.array_equal(matrix.values, expected, equal_nan=True)
     assert matrix.row_names == ["1", "2", "3"]
     assert matrix.column_names == []
+
+
+@pytest.mark.filterwarnings("error")
+def test_names_of_an_array_may_come_from_a_file(write, tmp_path):
+    np.save(tmp_path / "m.npy", [[1.0, 2], [3, 4], [5, 7]])
+    names = write("CDC28\nTUB1\nPGK1\n", "names.txt")
+    assert ovik.read_matrix(tmp_path / "m.npy", row_names=names).row_names == ["CDC28", "TUB1", "PGK1"]
+    with pytest.raises(FileNotFoundError):
+        ovik.read_matrix(tmp_path / "m.npy", row_names=tmp_path / "none.txt")
 
 
 @pytest.mark.parametrize("missing, last_row", [
@@ -89,6 +97,19 @@ def test_odd_names_are_warned_of(write):
     with pytest.warns(UserWarning, match="1 row repeats the name") as warned:
         assert ovik.read_matrix(path).values.tolist() == [[1], [2], [3]]
     assert {warning.filename for warning in warned} == {__file__}
+    assert not any(issubclass(warning.category, ovik.MatrixNote) for warning in warned)
+
+
+@pytest.mark.parametrize("content, note", [
+    ("Name\tLength\tEffectiveLength\tTPM\tNumReads\n"
+     "A\t9\t8\t1.5\t4\nB\t9\t8\t2\t7\nC\t9\t8\t3\t9\n", "Salmon"),
+    ("gene,a,b\n850298,1,2\n851234,3,4\n852345,5,7\n", "the names of the rows are numbers"),
+    ("# by hand\ngene,a,b\nG1,1,2\nG2,3,4\nG3,5,7\n", "line 1 is above the header"),
+])
+def test_how_a_file_is_taken_is_noted(write, content, note):
+    with pytest.warns(ovik.MatrixNote, match=note) as warned:
+        ovik.read_matrix(write(content))
+    assert {warning.filename for warning in warned} == {__file__}
 
 
 @pytest.mark.parametrize("content, cure", [
@@ -107,6 +128,7 @@ def test_text_is_no_value(write, content, cure):
     assert cure in str(caught.value)
 
 
+@pytest.mark.filterwarnings("ignore::ovik.MatrixNote")
 @pytest.mark.parametrize("content, options", [
     ("gene;a;b\nG1;1;2,5\nG2;-3;4e2\nG3;0;NA\n", {"decimal": ","}),
     ("G1,1,2.5\nG2,-3,4e2\nG3,0,NA\n", {"header": False}),
@@ -168,14 +190,16 @@ def test_sheet_of_a_workbook_is_chosen(write):
         archive.writestr("xl/1.xml", sheet(table(5)))
         archive.writestr("xl/2.xml", sheet(table(8)))
     workbook = write(packed.getvalue(), "m.xlsx")
-    assert ovik.read_matrix(workbook).values.tolist() == [[5], [6], [7]]
+    with pytest.warns(ovik.MatrixNote, match='read is the first of 2 sheets, "one"; sheet reads another'):
+        assert ovik.read_matrix(workbook).values.tolist() == [[5], [6], [7]]
     assert ovik.read_matrix(workbook, sheet="two").values.tolist() == [[8], [9], [10]]
     with pytest.raises(ValueError, match="three"):
         ovik.read_matrix(workbook, sheet="three")
 
 
 def test_rows_without_names_have_numbers(write):
-    matrix = ovik.read_matrix(write("a,b\n1,2\n3,4\n5,7\n"), names=False)
+    with pytest.warns(ovik.MatrixNote, match="its rows have no names"):
+        matrix = ovik.read_matrix(write("a,b\n1,2\n3,4\n5,7\n"), names=False)
     assert matrix.values.tolist() == [[1, 2], [3, 4], [5, 7]]
     assert matrix.row_names == ["1", "2", "3"]
 
@@ -184,6 +208,9 @@ def test_rows_without_names_have_numbers(write):
     ({"decimal": ";"}, "decimal should be"),
     ({"skip_columns": [True]}, "a column should be"),
     ({"skip_columns": "none"}, 'there is no column "none"'),
+    ({"skip_columns": 2.5}, "a column should be"),
+    ({"na": -999}, 'na should be texts as they stand in the file, not -999\n"-999" stands for'),
+    ({"na": ["ND", -999.0]}, "na should be texts .* not -999.0"),
 ])
 def test_arguments_that_fit_no_text(write, options, message):
     with pytest.raises(ValueError, match=message):

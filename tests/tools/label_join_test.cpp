@@ -98,9 +98,23 @@ TEST(JoinLabels, RefusesFilesThatAreNotOfTheRows) {
     table.names_title = "a";
     EXPECT_THAT(refusal(table, {"a", "b"}),
                 HasSubstr("f.tsv: the first line opens with a, the name of a row"));
+    table.names_title = "YBR160W";
+    EXPECT_THAT(refusal(table, {"b", "CDC28"}),
+                HasSubstr("f.tsv: the first line opens with YBR160W, a name of the gene of the row "
+                          "CDC28, where titles are expected\nPut a header line above it"));
+    table.names_title = "cdc28";
+    EXPECT_THAT(refusal(table, {"b", "CDC28"}), HasSubstr("opens with cdc28, a name of the gene"));
+    EXPECT_THAT(refusal(table, {"b", "TUB1"}), "not refused");
     EXPECT_THAT(refusal(table_of({"CDC28", "YBR160W"}, {{"1", "2"}}), {"cdc28"}),
                 HasSubstr("f.tsv: lines 2 (CDC28) and 3 (YBR160W) are of one gene, that of the row "
                           "cdc28\n"));
+}
+
+TEST(JoinLabels, TakesAnyTitleWhereRowsAreNoGenes) {
+    LabelTable table = table_of({"b"}, {{"x"}});
+    table.names_title = "cdc28";
+    EXPECT_THAT(join_labels(table, {"b", "CDC28"}, "f.tsv", false).columns[0].texts,
+                ElementsAre("x", ""));
 }
 
 TEST(JoinLabels, CallsAColumnWithoutATitleLabel) {
