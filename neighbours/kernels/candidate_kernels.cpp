@@ -192,34 +192,27 @@ std::size_t count_not_above(const float* values, std::size_t count, float limit)
     return found;
 }
 
-/// The least and the greatest of some values.
-void find_range(const float* values, std::size_t count, float& least, float& greatest) {
-    least = values[0];
-    greatest = values[0];
+/// The least of some values, or of their opposites, by the factor 1 or -1.
+float least_of(const float* values, std::size_t count, float factor) {
+    Floats least = broadcast_float(values[0] * factor);
     std::size_t i = 0;
-    if (count >= kFloats) {
-        Floats low = load_floats(values);
-        Floats high = low;
-        for (; i + kFloats <= count; i += kFloats) {
-            const Floats some = load_floats(values + i);
-            low = some < low ? some : low;
-            high = some > high ? some : high;
-        }
-        for (std::size_t lane = 0; lane < kFloats; ++lane) {
-            least = low[lane] < least ? low[lane] : least;
-            greatest = high[lane] > greatest ? high[lane] : greatest;
-        }
+    for (; i + kFloats <= count; i += kFloats) {
+        const Floats some = load_floats(values + i) * factor;
+        least = some < least ? some : least;
     }
+    float result = values[0] * factor;
     for (; i < count; ++i) {
-        least = values[i] < least ? values[i] : least;
-        greatest = values[i] > greatest ? values[i] : greatest;
+        result = values[i] * factor < result ? values[i] * factor : result;
     }
+    for (std::size_t lane = 0; lane < kFloats; ++lane) {
+        result = least[lane] < result ? least[lane] : result;
+    }
+    return result;
 }
 
 float bound(const float* values, std::size_t count, std::size_t wanted) {
-    float low = 0.0F;
-    float high = 0.0F;
-    find_range(values, count, low, high);
+    float low = least_of(values, count, 1.0F);
+    float high = -least_of(values, count, -1.0F);
     // Bisection until few more than are wanted are found.
     constexpr int kMostSteps = 14;
     const std::size_t most = wanted + wanted / 32;
