@@ -68,8 +68,10 @@ def write_stages(bars):
     table = document.table(["seconds of", *[label for label, _ in bars]],
                            [[name, *[f"{seconds[i]:.2f}" for _, seconds in bars]]
                             for i, name in enumerate(document.STAGES)])
-    document.write_block("stages", document.where_measured("shortest times") + "\n\n" + table)
     document.draw_stages(bars)
+    image = "![Stages of runs in per cent](images/stages.svg)"
+    text = document.where_measured("shortest times")
+    document.write_block("stages", "\n\n".join([text, table, image]))
 
 
 def measure_all(session, runs):

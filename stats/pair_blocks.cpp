@@ -1,6 +1,7 @@
 #include "stats/pair_blocks.h"
 
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 namespace ovik {
@@ -76,8 +77,9 @@ std::size_t PairBlocks::takeStrip() {
 
 /// A strip for this worker, or the number of strips when all are done.
 std::size_t PairBlocks::waitForStrip() {
-    // About as long as a block takes.
-    constexpr int kPatience = 100;
+    // About as long as a block takes, and as the last few at the end.
+    constexpr int kTriesAwake = 100;
+    constexpr int kTriesYielding = 300;
     for (int tries = 0;; ++tries) {
         std::size_t open = first_open_.load();
         while (open < strips_.size() && isDone(open)) {
@@ -87,8 +89,11 @@ std::size_t PairBlocks::waitForStrip() {
         if (strip < strips_.size() || open == strips_.size()) {
             return strip;
         }
-        // Who does the block that this worker waits for may need its processor.
-        if (tries > kPatience) {
+        // Who does the block that this worker waits for may need its processor: the system gives
+        // one that sleeps to a thread that waits for another.
+        if (tries > kTriesYielding) {
+            std::this_thread::sleep_for(std::chrono::microseconds(50));
+        } else if (tries > kTriesAwake) {
             std::this_thread::yield();
         }
     }

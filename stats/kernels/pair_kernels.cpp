@@ -93,6 +93,7 @@ class SimilarityRows {
         RoundedSum columns = {load(sums_.sum + m), Lanes{}};
         for (std::size_t i = 0; i < kRowsAtOnce; ++i) {
             const Lanes w = Y_.reciprocalSimilarity(m, first_row_ + i);
+            // The divider and the other units at the same time.
             const Lanes q = count(i % 2 == 0 ? reciprocal(w) : 1.0 / w);
             rows_[i].add(q, shifts_[i]);
             columns.add(q, shift);
