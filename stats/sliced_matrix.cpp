@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "stats/elementwise.h"
+#include "util/huge_pages.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -105,6 +106,7 @@ void SlicedMatrix::fill(const unsigned int* row_P, Value* values, const Convert&
 void SlicedMatrix::takeColumns(const unsigned int* row_P, const unsigned int* col_P) {
     places_ = malloc_array<std::uint32_t>(storedCount());
     require_allocated(places_);
+    prefer_huge_pages(places_.get(), storedCount() * sizeof(std::uint32_t));
     const auto dims = static_cast<std::uint32_t>(dims_);
     fill(row_P, places_.get(), [=](std::size_t entry) { return col_P[entry] * dims; });
 }
@@ -112,6 +114,7 @@ void SlicedMatrix::takeColumns(const unsigned int* row_P, const unsigned int* co
 void SlicedMatrix::takeValues(const unsigned int* row_P, const double* val_P) {
     value_block_ = malloc_array<double>(storedCount() + kCacheLine / sizeof(double));
     require_allocated(value_block_);
+    prefer_huge_pages(value_block_.get(), storedCount() * sizeof(double));
     void* begin = value_block_.get();
     std::size_t space = storedCount() * sizeof(double) + kCacheLine;
     values_ =
