@@ -1,51 +1,40 @@
 #pragma once
 
-#include <cstddef>
-
-#include "stats/kernels/edge_pass.h"
-#include "stats/sparse_matrix.h"
-#include "util/malloc_array.h"
 #include "util/parallel.h"
 
 namespace ovik {
 
 /// The attractive forces along the entries of a sparse matrix of joint affinities, and the cost of
-/// an embedding over them; after the construction, nothing is allocated.
+/// an embedding over them: the Kullback-Leibler divergence, the sum of
+/// p * log((p + DBL_MIN) / (q / Z + DBL_MIN)), where q = 1 / (1 + squared distance).
 ///
-/// The cost is the Kullback-Leibler divergence over the stored entries, the sum of
-/// p * log((p + DBL_MIN) / (q / Z + DBL_MIN)), formed row by row. It does not steer the
-/// optimisation; its logarithms are those of the vector kernels where the numbers allow it.
+/// The forces on a point, the sum of p * q * (Y_n - Y_m), are added in the order of the entries of
+/// its row. The cost does not steer the optimisation; it is the same for any number of threads and
+/// every instruction set.
 class Attraction {
   public:
-    /// @param N     rows of the matrix and points of the embeddings
-    /// @param dims  of the embeddings
-    /// @throws WorkMemoryError
-    Attraction(std::size_t N, std::size_t dims);
+    Attraction() = default;
+    Attraction(const Attraction&) = delete;
+    Attraction& operator=(const Attraction&) = delete;
+    virtual ~Attraction() = default;
 
-    /// Passes the entries of some rows. Different rows may be passed side by side.
+    /// Passes the entries of a range of rows; different ranges may be passed side by side. A range
+    /// stands for as many rows in an order that the attraction chooses.
     ///
-    /// @param P          N rows
     /// @param Y          row-major, N x dims
+    /// @param rows       begins at a multiple of 8, and ends at one or with the last row
     /// @param forces     row-major, N x dims; the rows are written; null if none are wanted
     /// @param with_cost  whether `cost` will be asked for this embedding
-    void pass(const SparseMatrixView& P,
-              const double* Y,
-              IndexRange rows,
-              double* forces,
-              bool with_cost);
+    virtual void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) = 0;
 
     /// The cost of the embedding whose rows have all been passed; 0.0 without entries.
     ///
     /// @param Z  normalisation
-    [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y, double Z) const;
+    [[nodiscard]] virtual double cost(const double* Y, double Z) = 0;
 
-  private:
-    [[nodiscard]] EdgeView edgesOf(const SparseMatrixView& P, const double* Y) const;
-
-    std::size_t N_;
-    std::size_t dims_;
-    EdgePass pass_;
-    MallocArray<RowCost> row_costs_;
+  protected:
+    Attraction(Attraction&&) = default;
+    Attraction& operator=(Attraction&&) = default;
 };
 
 }  // namespace ovik

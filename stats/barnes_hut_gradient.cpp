@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "stats/row_attraction.h"
 #include "stats/sparse_forces.h"
 #include "stats/tree_repulsion.h"
 
@@ -21,12 +22,14 @@ void barnes_hut_gradient(const SparseMatrixView& P,
                          std::size_t dims,
                          double* gradient,
                          double theta) {
-    forces_of(N, dims, theta).gradient(P, Y, gradient);
+    RowAttraction attraction(P, N, dims);
+    forces_of(N, dims, theta).gradient(attraction, Y, gradient);
 }
 
 double barnes_hut_cost(
     const SparseMatrixView& P, const double* Y, std::size_t N, std::size_t dims, double theta) {
-    return forces_of(N, dims, theta).cost(P, Y);
+    RowAttraction attraction(P, N, dims);
+    return forces_of(N, dims, theta).cost(attraction, Y);
 }
 
 }  // namespace ovik

@@ -36,9 +36,10 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
+    SlicedAttraction attraction(SlicedMatrix(std::move(P), N, dims), dims);
     // Made once the affinities are there, which need the memory first.
     SparseForces forces(N, dims, std::make_unique<TreeRepulsion>(N, dims, input.options.theta));
-    return std::make_unique<SparseObjective>(std::move(P), N, std::move(forces));
+    return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
 }
 
 MethodMemory exact_memory(const RunSize& size) {
@@ -65,7 +66,7 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const double searching = of_queries + (size.is_shared ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
-            12.0 * symmetric + 189.0 * N + 44.0 * N * d,
+            12.0 * symmetric + 185.0 * N + 44.0 * N * d,
             index + 16.0 * entries + 16.0 * N};
 }
 

@@ -12,7 +12,7 @@ namespace ovik {
 namespace {
 
 /// Points or rows of one task: enough to be worth taking, few enough to share evenly, and a
-/// multiple of the points that walk a tree together.
+/// multiple of the points that walk a tree together and of the rows of a slice.
 constexpr std::size_t kTaskRows = 64;
 
 /// Fewest points for which another thread pays.
@@ -23,35 +23,34 @@ constexpr std::size_t kForceGrain = 16;
 SparseForces::SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion)
     : N_(N),
       dims_(dims),
-      attraction_(N, dims),
       repulsion_(std::move(repulsion)),
       repulsive_forces_(malloc_array<double>(N * dims)),
       z_terms_(malloc_array<double>(N)) {
     require_allocated(repulsive_forces_, z_terms_);
 }
 
-void SparseForces::gradient(const SparseMatrixView& P, const double* Y, double* gradient) {
-    subtractRepulsion(gradient, computeForces(P, Y, gradient, false));
+void SparseForces::gradient(Attraction& attraction, const double* Y, double* gradient) {
+    subtractRepulsion(gradient, computeForces(attraction, Y, gradient, false));
 }
 
-double SparseForces::cost(const SparseMatrixView& P, const double* Y) {
-    const double Z = computeForces(P, Y, nullptr, true);
-    return attraction_.cost(P, Y, Z);
+double SparseForces::cost(Attraction& attraction, const double* Y) {
+    const double Z = computeForces(attraction, Y, nullptr, true);
+    return attraction.cost(Y, Z);
 }
 
-double SparseForces::costAndGradient(const SparseMatrixView& P, const double* Y, double* gradient) {
-    const double Z = computeForces(P, Y, gradient, true);
+double SparseForces::costAndGradient(Attraction& attraction, const double* Y, double* gradient) {
+    const double Z = computeForces(attraction, Y, gradient, true);
     subtractRepulsion(gradient, Z);
-    return attraction_.cost(P, Y, Z);
+    return attraction.cost(Y, Z);
 }
 
 /// Computes the repulsive forces, the sums of the cost if wanted, and the attractive forces unless
-/// `attraction` is null.
+/// they have no place to go to.
 ///
 /// @return the normalisation Z
-double SparseForces::computeForces(const SparseMatrixView& P,
+double SparseForces::computeForces(Attraction& attraction,
                                    const double* Y,
-                                   double* attraction,
+                                   double* attractive_forces,
                                    bool with_cost) {
     const std::size_t tasks = (N_ + kTaskRows - 1) / kTaskRows;
     const auto rows_of = [this](std::size_t task) {
@@ -65,7 +64,7 @@ double SparseForces::computeForces(const SparseMatrixView& P,
         if (i < parts) {
             repulsion_->preparePart(i);
         } else {
-            attraction_.pass(P, Y, rows_of(i - parts), attraction, with_cost);
+            attraction.pass(Y, rows_of(i - parts), attractive_forces, with_cost);
         }
     });
     repulsion_->finishPreparation();

@@ -5,7 +5,6 @@
 
 #include "stats/attraction.h"
 #include "stats/repulsion.h"
-#include "stats/sparse_matrix.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -16,35 +15,34 @@ namespace ovik {
 /// Entry i of the gradient is attraction[i] - repulsion[i] / Z, where every point's term of the
 /// normalisation Z is added in point order.
 ///
-/// All functions take the joint affinities `P` with N rows and an embedding `Y`, row-major, N x
-/// dims.
+/// All functions take the attraction of N points, by their joint affinities, and an embedding `Y`,
+/// row-major, N x dims.
 class SparseForces {
   public:
     /// @throws WorkMemoryError if the forces do not fit in memory
     SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion);
 
     /// @param gradient  row-major, N x dims, written
-    void gradient(const SparseMatrixView& P, const double* Y, double* gradient);
+    void gradient(Attraction& attraction, const double* Y, double* gradient);
 
     /// The cost of an embedding; 0.0 without points.
-    [[nodiscard]] double cost(const SparseMatrixView& P, const double* Y);
+    [[nodiscard]] double cost(Attraction& attraction, const double* Y);
 
     /// Both, in one computation of the repulsion and one pass over the entries; the same values.
     ///
     /// @param gradient  row-major, N x dims, written
     /// @return the cost
-    double costAndGradient(const SparseMatrixView& P, const double* Y, double* gradient);
+    double costAndGradient(Attraction& attraction, const double* Y, double* gradient);
 
   private:
-    double computeForces(const SparseMatrixView& P,
+    double computeForces(Attraction& attraction,
                          const double* Y,
-                         double* attraction,
+                         double* attractive_forces,
                          bool with_cost);
     void subtractRepulsion(double* gradient, double Z) const;
 
     std::size_t N_;
     std::size_t dims_;
-    Attraction attraction_;
     std::unique_ptr<Repulsion> repulsion_;
     MallocArray<double> repulsive_forces_;
     MallocArray<double> z_terms_;

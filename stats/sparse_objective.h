@@ -1,19 +1,17 @@
 #pragma once
 
-#include <cstddef>
-
 #include "stats/objective.h"
+#include "stats/sliced_attraction.h"
 #include "stats/sparse_forces.h"
-#include "stats/sparse_matrix.h"
 
 namespace ovik {
 
 /// Sparse joint affinities, and forces along their entries against any repulsion.
 class SparseObjective : public Objective {
   public:
-    /// @param P       symmetric, N rows, entries that sum to 1
-    /// @param forces  for embeddings of N points
-    SparseObjective(SparseMatrix P, std::size_t N, SparseForces forces);
+    /// @param attraction  by a symmetric matrix with entries that sum to 1
+    /// @param forces      for embeddings with a point for each of its rows
+    SparseObjective(SlicedAttraction attraction, SparseForces forces);
 
     void exaggerate(double factor) override;
     void endExaggeration(double factor) override;
@@ -25,10 +23,7 @@ class SparseObjective : public Objective {
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;
 
   private:
-    [[nodiscard]] std::size_t entryCount() const { return P_.row_P[N_]; }
-
-    std::size_t N_;
-    SparseMatrix P_;
+    SlicedAttraction attraction_;
     SparseForces forces_;
 };
 

@@ -76,7 +76,7 @@ Bits spread(Bits bits) {
 
 Bits keys_of(const double* points, const std::uint32_t* rows, const PlaneGrid& grid) {
     Lanes place[2];
-    gather_pairs(points, rows, place);
+    gather_pairs<2>(points, rows, place);
     return spread(grid_cells(place[0], grid.low[0], grid.side)) << 1 |
            spread(grid_cells(place[1], grid.low[1], grid.side));
 }

@@ -90,7 +90,7 @@ class Row {
     /// offsets if `Dims` is not 0.
     Lanes squaredDistances(const unsigned int* columns, Lanes* offsets) const {
         if constexpr (Dims == 2) {
-            gather_pairs(Y_, columns, offsets);
+            gather_pairs<2>(Y_, columns, offsets);
         }
         Lanes squared_distance{};
         for (std::size_t d = 0; d < dims_; ++d) {

@@ -432,7 +432,8 @@ std::unique_ptr<Objective> make_all_pairs(const MethodInput& input) {
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
     return std::make_unique<SparseObjective>(
-        std::move(P), N, SparseForces(N, dims, std::make_unique<test::AllPairsRepulsion>(N, dims)));
+        SlicedAttraction(SlicedMatrix(std::move(P), N, dims), dims),
+        SparseForces(N, dims, std::make_unique<test::AllPairsRepulsion>(N, dims)));
 }
 
 /// A method as docs/architecture.md says to add one, but for its row in the list.

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "stats/sliced_attraction.h"
 #include "stats/sparse_forces.h"
 #include "stats/tree_repulsion.h"
 
@@ -57,6 +58,7 @@ TEST(SparseForces, AllocateNothingAfterTheFirstEmbedding) {
     }
     const std::vector<double> val_P(kCount, 1.0 / kCount);
     const SparseMatrixView P{row_P.data(), col_P.data(), val_P.data()};
+    SlicedAttraction attraction(SlicedMatrix(P, kCount, 2), 2);
     const std::vector<double> Y = test::random_values(2 * kCount, 71, 10.0);
     // Coincident points, and some too near for one grid.
     std::vector<double> other(2 * kCount, 1.0);
@@ -64,12 +66,13 @@ TEST(SparseForces, AllocateNothingAfterTheFirstEmbedding) {
     other[8] = 1.0 + 1e-15;
     std::vector<double> dY(2 * kCount);
     SparseForces forces(kCount, 2, std::make_unique<TreeRepulsion>(kCount, 2, 0.5));
-    double cost = forces.costAndGradient(P, Y.data(), dY.data());
+    double cost = forces.costAndGradient(attraction, Y.data(), dY.data());
     const long before = allocations;
     for (int i = 0; i < 10; ++i) {
-        cost += forces.costAndGradient(P, i % 2 == 0 ? other.data() : Y.data(), dY.data());
-        forces.gradient(P, Y.data(), dY.data());
-        cost += forces.cost(P, Y.data());
+        attraction.matrix().multiply(2.0);
+        cost += forces.costAndGradient(attraction, i % 2 == 0 ? other.data() : Y.data(), dY.data());
+        forces.gradient(attraction, Y.data(), dY.data());
+        cost += forces.cost(attraction, Y.data());
     }
     EXPECT_EQ(allocations, before);
     EXPECT_GT(cost, 0.0);

@@ -4,8 +4,11 @@
 #include <memory>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "stats/row_attraction.h"
+#include "stats/sliced_attraction.h"
 #include "stats/tree_repulsion.h"
 
 #include "tests/plain/plain_sptree.h"
@@ -20,7 +23,26 @@ namespace {
 
 using test::Ring;
 
-TEST(SparseForces, EqualThePlainProgram) {
+/// Expects what the plain program gives of each of the operations.
+///
+/// @return the cost
+double expect_plain_values(SparseForces& forces,
+                           Attraction& attraction,
+                           const std::vector<double>& Y,
+                           const std::vector<double>& gradient,
+                           double expected_cost) {
+    std::vector<double> dY(Y.size());
+    forces.gradient(attraction, Y.data(), dY.data());
+    EXPECT_EQ(dY, gradient);
+    const double cost = forces.cost(attraction, Y.data());
+    EXPECT_NEAR(cost, expected_cost, 1e-13 * std::fabs(expected_cost));
+    dY.assign(dY.size(), -7.0);
+    EXPECT_EQ(forces.costAndGradient(attraction, Y.data(), dY.data()), cost);
+    EXPECT_EQ(dY, gradient);
+    return cost;
+}
+
+TEST(SparseForces, EqualThePlainProgramAlongRowsAndSlices) {
     constexpr std::size_t kCount = 700;
     const Ring ring(kCount);
     const plain::SparseRows rows = test::rows_of(ring);
@@ -28,25 +50,24 @@ TEST(SparseForces, EqualThePlainProgram) {
         const std::vector<double> Y = test::random_values(dims * kCount, 33, 5.0);
         const std::vector<double> expected = plain::barnes_hut_gradient(rows, Y, dims, 0.5);
         const double expected_cost = plain::barnes_hut_cost(rows, Y, dims, 0.5);
-        double first_cost = 0.0;
+        std::vector<double> costs_of_rows;
+        std::vector<double> costs_of_slices;
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount scope(threads);
             for (const InstructionSet instructions : test::kInstructionSets) {
                 const test::InstructionLimit limit(instructions);
                 SparseForces forces(
                     kCount, dims, std::make_unique<TreeRepulsion>(kCount, dims, 0.5));
-                std::vector<double> dY(Y.size());
-                forces.gradient(ring.view(), Y.data(), dY.data());
-                EXPECT_EQ(dY, expected);
-                const double cost = forces.cost(ring.view(), Y.data());
-                EXPECT_NEAR(cost, expected_cost, 1e-13 * std::fabs(expected_cost));
-                first_cost = first_cost == 0.0 ? cost : first_cost;
-                EXPECT_EQ(cost, first_cost);
-                dY.assign(dY.size(), -7.0);
-                EXPECT_EQ(forces.costAndGradient(ring.view(), Y.data(), dY.data()), cost);
-                EXPECT_EQ(dY, expected);
+                RowAttraction along_rows(ring.view(), kCount, dims);
+                SlicedAttraction along_slices(SlicedMatrix(ring.view(), kCount, dims), dims);
+                costs_of_rows.push_back(
+                    expect_plain_values(forces, along_rows, Y, expected, expected_cost));
+                costs_of_slices.push_back(
+                    expect_plain_values(forces, along_slices, Y, expected, expected_cost));
             }
         }
+        EXPECT_THAT(costs_of_rows, testing::Each(costs_of_rows[0]));
+        EXPECT_THAT(costs_of_slices, testing::Each(costs_of_slices[0]));
     }
 }
 
@@ -58,8 +79,9 @@ TEST(SparseForces, TakeAnotherRepulsionInThePlaceOfTheTrees) {
     SparseForces pairs(kCount, 2, std::make_unique<test::AllPairsRepulsion>(kCount, 2));
     std::vector<double> expected(Y.size());
     std::vector<double> dY(Y.size());
-    const double cost = tree.costAndGradient(ring.view(), Y.data(), expected.data());
-    EXPECT_NEAR(pairs.costAndGradient(ring.view(), Y.data(), dY.data()), cost, 1e-10);
+    RowAttraction attraction(ring.view(), kCount, 2);
+    const double cost = tree.costAndGradient(attraction, Y.data(), expected.data());
+    EXPECT_NEAR(pairs.costAndGradient(attraction, Y.data(), dY.data()), cost, 1e-10);
     for (std::size_t i = 0; i < Y.size(); ++i) {
         EXPECT_NEAR(dY[i], expected[i], 1e-14);
     }

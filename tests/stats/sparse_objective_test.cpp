@@ -1,6 +1,5 @@
 #include "stats/sparse_objective.h"
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <utility>
@@ -9,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "stats/tree_repulsion.h"
-#include "util/malloc_array.h"
 
 #include "tests/plain/plain_sptree.h"
 #include "tests/support/all_pairs_repulsion.h"
@@ -23,17 +21,9 @@ using test::Ring;
 
 constexpr std::size_t kCount = 200;
 
-template <typename Number>
-MallocArray<Number> copy_of(const std::vector<Number>& values) {
-    MallocArray<Number> copy = malloc_array<Number>(values.size());
-    std::copy(values.begin(), values.end(), copy.get());
-    return copy;
-}
-
 SparseObjective objective_of(const Ring& ring, std::unique_ptr<Repulsion> repulsion) {
     const std::size_t N = ring.row_P.size() - 1;
-    return {{copy_of(ring.row_P), copy_of(ring.col_P), copy_of(ring.val_P)},
-            N,
+    return {SlicedAttraction(SlicedMatrix(ring.view(), N, 2), 2),
             SparseForces(N, 2, std::move(repulsion))};
 }
 

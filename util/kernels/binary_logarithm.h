@@ -85,7 +85,7 @@ inline Lanes binary_logarithm(Lanes x) {
         indices[lane] = static_cast<std::uint32_t>(places[lane]);
     }
     Lanes of_middles[2];
-    gather_pairs(kMiddleTable.pairs, indices, of_middles);
+    gather_pairs<2>(kMiddleTable.pairs, indices, of_middles);
     const Lanes quotient = x * of_middles[0];
     const Lanes middle = of_middles[1];
 #endif

@@ -53,7 +53,7 @@ inline void store(double* to, Lanes lanes) {
 }
 
 /// Asks for memory `bytes` behind an address, which need not exist.
-inline void prefetch(const double* values, std::size_t bytes) {
+inline void prefetch(const void* values, std::size_t bytes) {
     const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(values) + bytes;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a sum of pointers would have to stay in the array
     __builtin_prefetch(reinterpret_cast<const void*>(address));
@@ -106,9 +106,11 @@ inline void load_pairs(const Address& address, Lanes* both) {
 #endif
 }
 
-/// pairs[2 * indices[lane]] and the value after it.
-inline void gather_pairs(const double* pairs, const std::uint32_t* indices, Lanes* both) {
-    load_pairs([=](std::size_t lane) { return pairs + 2 * std::size_t{indices[lane]}; }, both);
+/// values[Stride * indices[lane]] and the value after it.
+template <std::size_t Stride>
+inline void gather_pairs(const double* values, const std::uint32_t* indices, Lanes* both) {
+    load_pairs([=](std::size_t lane) { return values + Stride * std::size_t{indices[lane]}; },
+               both);
 }
 
 inline Bits as_bits(Lanes lanes) {
@@ -225,6 +227,30 @@ inline Lanes larger_size(Lanes a, Lanes b) {
     #else
     return a > size ? a : size;
     #endif
+#endif
+}
+
+/// The entries of a table of 8 at the lowest three bits of each index below 2^32.
+inline Lanes look_up_in_8(const double* table, Bits index) {
+#if OVIK_LANES == 8
+    return _mm512_permutexvar_pd(reinterpret_cast<__m512i>(index), load(table));
+#elif OVIK_LANES == 4
+    // The halves of the numbers by themselves: there are eight of either in a vector.
+    const auto part = [=](std::size_t first) {
+        return reinterpret_cast<__m256>(_mm256_loadu_pd(table + first));
+    };
+    const auto in_order = [](__m256 halves) {
+        return reinterpret_cast<__m256>(
+            _mm256_permute4x64_pd(reinterpret_cast<__m256d>(halves), 0xD8));
+    };
+    const __m256 low = in_order(_mm256_shuffle_ps(part(0), part(4), 0x88));
+    const __m256 high = in_order(_mm256_shuffle_ps(part(0), part(4), 0xDD));
+    const __m256i both =
+        reinterpret_cast<__m256i>(_mm256_moveldup_ps(reinterpret_cast<__m256>(index)));
+    return reinterpret_cast<Lanes>(_mm256_blend_ps(
+        _mm256_permutevar8x32_ps(low, both), _mm256_permutevar8x32_ps(high, both), 0xAA));
+#else
+    return each_lane([=](std::size_t lane) { return table[index[lane] & 7U]; });
 #endif
 }
 

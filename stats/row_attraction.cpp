@@ -1,4 +1,4 @@
-#include "stats/attraction.h"
+#include "stats/row_attraction.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -32,28 +32,28 @@ double plain_cost(const EdgeView& edges, IndexRange rows, double Z) {
 
 }  // namespace
 
-Attraction::Attraction(std::size_t N, std::size_t dims)
-    : N_(N),
+RowAttraction::RowAttraction(const SparseMatrixView& P, std::size_t N, std::size_t dims)
+    : P_(P),
+      N_(N),
       dims_(dims),
       pass_(edge_kernels(instruction_set()).pass),
       row_costs_(malloc_array<RowCost>(N)) {
     require_allocated(row_costs_);
 }
 
-EdgeView Attraction::edgesOf(const SparseMatrixView& P, const double* Y) const {
-    return {P.row_P, P.col_P, P.val_P, Y, dims_};
+EdgeView RowAttraction::edgesOf(const double* Y) const {
+    return {P_.row_P, P_.col_P, P_.val_P, Y, dims_};
 }
 
-void Attraction::pass(
-    const SparseMatrixView& P, const double* Y, IndexRange rows, double* forces, bool with_cost) {
+void RowAttraction::pass(const double* Y, IndexRange rows, double* forces, bool with_cost) {
     if (forces != nullptr) {
         std::fill(forces + rows.begin * dims_, forces + rows.end * dims_, 0.0);
     }
-    pass_(edgesOf(P, Y), rows.begin, rows.end, forces, with_cost ? row_costs_.get() : nullptr);
+    pass_(edgesOf(Y), rows.begin, rows.end, forces, with_cost ? row_costs_.get() : nullptr);
 }
 
-double Attraction::cost(const SparseMatrixView& P, const double* Y, double Z) const {
-    const EdgeView edges = edgesOf(P, Y);
+double RowAttraction::cost(const double* Y, double Z) {
+    const EdgeView edges = edgesOf(Y);
     const double log_Z = std::log(Z);
     double cost = 0.0;
     for (std::size_t n = 0; n < N_; ++n) {

@@ -1,0 +1,150 @@
+#include "stats/sliced_attraction.h"
+
+#include <cfloat>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/random_points.h"
+
+namespace ovik {
+namespace {
+
+struct Rows {
+    std::vector<unsigned int> row_P;
+    std::vector<unsigned int> col_P;
+    std::vector<double> val_P;
+
+    [[nodiscard]] SparseMatrixView view() const {
+        return {row_P.data(), col_P.data(), val_P.data()};
+    }
+};
+
+std::string printed(double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%f", value);
+    return text;
+}
+
+TEST(SlicedAttraction, OfNoEntriesCostsNothingWhateverTheNormalisation) {
+    const unsigned int row_P[2] = {0, 0};
+    SlicedAttraction attraction(SlicedMatrix({row_P, nullptr, nullptr}, 1, 2), 2);
+    const double Y[2] = {1.0, 2.0};
+    double forces[2] = {7.0, 7.0};
+    attraction.pass(Y, {0, 1}, forces, true);
+    EXPECT_EQ(forces[0], 0.0);
+    EXPECT_EQ(forces[1], 0.0);
+    // The normalisation of a single point is 0.
+    EXPECT_EQ(attraction.cost(Y, 0.0), 0.0);
+    EXPECT_FALSE(std::signbit(attraction.cost(Y, 0.0)));
+}
+
+TEST(SlicedAttraction, PrintsACostOfNothingWithTheSignOfThePlainSum) {
+    // Two points with each other's whole similarity: p = 0.5 and q / Z = 0.5, for any distance.
+    const Rows rows{{0, 1, 2}, {1, 0}, {0.5, 0.5}};
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 2, 1), 1);
+    for (const double distance : {0.0, 0.1, 0.3, 0.7, 1.1, 2.3, 10.0, 1234.5}) {
+        const double Y[2] = {0.0, distance};
+        const double q = 1.0 / (1.0 + distance * distance);
+        attraction.pass(Y, {0, 2}, nullptr, true);
+        double plain = 0.0;
+        for (int entry = 0; entry < 2; ++entry) {
+            plain += 0.5 * std::log((0.5 + 2.2250738585072014e-308) /
+                                    (q / (q + q) + 2.2250738585072014e-308));
+        }
+        EXPECT_EQ(printed(attraction.cost(Y, q + q)), printed(plain)) << distance;
+    }
+}
+
+TEST(SlicedAttraction, PullsAlongTheEntriesInTheirOrder) {
+    const Rows rows{{0, 2, 2, 3}, {1, 2, 0}, {0.25, 0.5, 0.125}};
+    const std::vector<double> Y = test::random_values(6, 3);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2);
+    std::vector<double> forces(6, 7.0);
+    attraction.pass(Y.data(), {0, 3}, forces.data(), false);
+    for (std::size_t n = 0; n < 3; ++n) {
+        double expected[2] = {};
+        for (unsigned int i = rows.row_P[n]; i < rows.row_P[n + 1]; ++i) {
+            const double dx = Y[2 * n] - Y[std::size_t{rows.col_P[i]} * 2];
+            const double dy = Y[2 * n + 1] - Y[std::size_t{rows.col_P[i]} * 2 + 1];
+            const double q = 1.0 / (1.0 + (0.0 + dx * dx + dy * dy));
+            expected[0] += rows.val_P[i] * q * dx;
+            expected[1] += rows.val_P[i] * q * dy;
+        }
+        EXPECT_EQ(forces[2 * n], expected[0]) << n;
+        EXPECT_EQ(forces[2 * n + 1], expected[1]) << n;
+    }
+}
+
+/// The cost of the definition, entry by entry.
+double plain_cost(const Rows& rows, const std::vector<double>& Y, double Z) {
+    double cost = 0.0;
+    for (std::size_t n = 0; n + 1 < rows.row_P.size(); ++n) {
+        for (unsigned int i = rows.row_P[n]; i < rows.row_P[n + 1]; ++i) {
+            const double dx = Y[2 * n] - Y[std::size_t{rows.col_P[i]} * 2];
+            const double dy = Y[2 * n + 1] - Y[std::size_t{rows.col_P[i]} * 2 + 1];
+            const double q = 1.0 / (1.0 + (dx * dx + dy * dy));
+            cost += rows.val_P[i] * std::log((rows.val_P[i] + DBL_MIN) / (q / Z + DBL_MIN));
+        }
+    }
+    return cost;
+}
+
+/// Three entries a row, between points in the plane.
+Rows three_a_row(std::size_t N) {
+    Rows rows{{0}, {}, {}};
+    for (std::size_t n = 0; n < N; ++n) {
+        for (std::size_t step = 1; step <= 3; ++step) {
+            rows.col_P.push_back(static_cast<unsigned int>((n + 5 * step) % N));
+            rows.val_P.push_back(1.0 / static_cast<double>(6 * N * step));
+        }
+        rows.row_P.push_back(static_cast<unsigned int>(rows.col_P.size()));
+    }
+    return rows;
+}
+
+TEST(SlicedAttraction, CostsWhatTheEntriesDoWithinItsBound) {
+    constexpr std::size_t kCount = 500;
+    const Rows rows = three_a_row(kCount);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2);
+    // The last two are beyond what the sums over the slices hold for.
+    for (const double scale : {1e-4, 1.0, 100.0, 1e8, 1e90, 1e120, 1e200}) {
+        const std::vector<double> Y = test::random_values(2 * kCount, 5, scale);
+        for (const double Z : {1e-3, 1.0, 2e5}) {
+            attraction.pass(Y.data(), {0, kCount}, nullptr, true);
+            const double expected = plain_cost(rows, Y, Z);
+            EXPECT_NEAR(attraction.cost(Y.data(), Z),
+                        expected,
+                        2e-12 * attraction.matrix().sums().weight + 1e-14 * std::fabs(expected))
+                << scale << " " << Z;
+        }
+    }
+}
+
+TEST(SlicedAttraction, FormsTheCostAnewWhenTheAffinitiesChange) {
+    constexpr std::size_t kCount = 100;
+    Rows rows = three_a_row(kCount);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2);
+    const std::vector<double> Y = test::random_values(2 * kCount, 6, 3.0);
+    const auto cost = [&] {
+        attraction.pass(Y.data(), {0, kCount}, nullptr, true);
+        return attraction.cost(Y.data(), 1e3);
+    };
+    EXPECT_NEAR(cost(), plain_cost(rows, Y, 1e3), 2e-12);
+    attraction.matrix().multiply(12.0);
+    for (double& p : rows.val_P) {
+        p *= 12.0;
+    }
+    EXPECT_NEAR(cost(), plain_cost(rows, Y, 1e3), 24e-12);
+    attraction.matrix().divide(12.0);
+    for (double& p : rows.val_P) {
+        p /= 12.0;
+    }
+    EXPECT_NEAR(cost(), plain_cost(rows, Y, 1e3), 2e-12);
+}
+
+}  // namespace
+}  // namespace ovik
