@@ -102,7 +102,8 @@ struct InspectedMatrix {
 /// Takes note of names that repeat.
 void note_duplicate_names(InspectedMatrix& matrix);
 
-/// Takes note of infinities among the values, by row and column.
+/// Takes note of infinities among the values, by row and column; of none if there are no values
+/// because rows are of different length.
 void note_infinite_values(InspectedMatrix& matrix);
 
 }  // namespace ovik

@@ -150,6 +150,13 @@ TEST_F(XlsxMatrix, IsRefusedLikeTextByTheRowOfTheSheet) {
         {"values",
          kHeader + row("G1", {"1", "2"}) + row("G2", {"1e999", "3"}) + row("G3", {"2", "3"})}};
     EXPECT_THAT(refusal(file_.bytes()), HasSubstr("m.xlsx:3: field 2 of row \"G2\" is \"1e999\""));
+    file_.sheets = {{"values",
+                     kHeader + row("G1", {"1", "2"}) + row("G2", {"2", "1"}) +
+                         row("G3", {"3", "3"}) + "<row><c/>" +
+                         text_cell("Note: values are log2 ratios") + "</row>"}};
+    EXPECT_THAT(refusal(file_.bytes()),
+                HasSubstr("m.xlsx:5: row \"Note: values are log2 ratios\" has 0 values, but the "
+                          "first row has 2"));
     file_.sheets = {{"values", ""}};
     EXPECT_THAT(refusal(file_.bytes()),
                 HasSubstr("m.xlsx: sheet \"values\" holds no table of names and numbers"));

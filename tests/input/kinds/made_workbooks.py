@@ -141,6 +141,7 @@ def workbooks(text):
         "empty_cells.xlsx": parts_of([Sheet("values", [
             [None if (n, d) in ((2, 2), (5, 5), (7, 1)) else cell for d, cell in enumerate(row)]
             for n, row in enumerate(table)])]),
+        "footnote.xlsx": parts_of([Sheet("values", [*table, [None, "Note: values are log2 ratios"]])]),
         "errors.xlsx": parts_of([Sheet("values", changed(2, 2, Error("#DIV/0!")))]),
         "date_for_a_gene.xlsx": parts_of([Sheet("values", changed(3, 0, october_first))]),
         "uncalculated.xlsx": parts_of([Sheet("values", changed(3, 2, Formula("LOG(B4,2)")))]),
