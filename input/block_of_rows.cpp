@@ -13,14 +13,22 @@ namespace ovik {
 
 namespace {
 
+std::size_t delimiters_in_front(std::string_view line, char delimiter) {
+    return std::min(line.find_first_not_of(delimiter), line.size());
+}
+
 /// Trims a line. Where names and values stand in other fields than usual, an empty field in front
-/// has to stay.
+/// has to stay, unless every row has it.
 std::string_view trimmed(std::string_view line, const RowRules& rules) {
+    const TableLayout& layout = rules.layout;
     const std::string_view usual = trimmed_matrix_line(line);
-    if (rules.is_ordinary || !line.starts_with(rules.layout.delimiter)) {
+    if (rules.is_ordinary || !line.starts_with(layout.delimiter)) {
         return usual;
     }
-    return line.substr(0, static_cast<std::size_t>(usual.data() - line.data()) + usual.size());
+    const auto start = static_cast<std::size_t>(usual.data() - line.data());
+    const std::size_t front =
+        std::min({start, layout.empty_front, delimiters_in_front(line, layout.delimiter)});
+    return line.substr(front, start - front + usual.size());
 }
 
 /// The entry of a list that is the first field of a line; null if none is.
@@ -105,7 +113,9 @@ void BlockOfRows::addText(std::string_view text, const RowRules& rules) {
     const auto more = std::count(row_end, text.end(), layout.delimiter) +
                       (row.ends_with(layout.delimiter) ? 1 : 0);
     lengths.back().untrimmed = layout.valuesAmong(fields + static_cast<std::size_t>(more));
-    noteName(rules, text.starts_with(layout.delimiter) && !row.starts_with(layout.delimiter));
+    noteName(rules,
+             std::min(static_cast<std::size_t>(row.data() - text.data()),
+                      delimiters_in_front(text, layout.delimiter)));
 }
 
 bool BlockOfRows::isNoRow(std::string_view row, const TableLayout& layout) {
@@ -190,14 +200,19 @@ void BlockOfRows::note(FieldFindings& findings, std::size_t field, const char* t
     }
 }
 
-void BlockOfRows::noteName(const RowRules& rules, bool has_lost_field) {
+void BlockOfRows::noteName(const RowRules& rules, std::size_t lost_fields) {
     const std::string& name = names.back();
-    double value = 0.0;
-    if (has_lost_field &&
-        rules.values.read(name.c_str(), name.c_str() + name.size(), value) == FieldKind::Number) {
-        note(report.lost_names, 0, "");
+    const bool has_names = rules.names_field != RowRules::kNoField;
+    if (has_names && lost_fields > 0) {
+        double value = 0.0;
+        const FieldKind kind = rules.values.read(name.c_str(), name.c_str() + name.size(), value);
+        const bool is_usual = lost_fields <= rules.layout.empty_front;
+        if ((kind == FieldKind::Number && (!is_usual || rules.names_field == 0)) ||
+            (kind == FieldKind::Missing && !is_usual)) {
+            note(report.lost_names, 0, "");
+        }
     }
-    if (name.empty() && rules.names_field != RowRules::kNoField) {
+    if (name.empty() && has_names) {
         note(report.unnamed, 0, "");
     }
     of_this_row_.clear();

@@ -76,8 +76,8 @@ class BlockOfRows {
     /// Takes note of a field of the row that came last, whose name may not be known yet.
     void note(FieldFindings& findings, std::size_t field, const char* text);
 
-    /// @param has_lost_field  whether trimming has taken an empty field from the front of the line
-    void noteName(const RowRules& rules, bool has_lost_field);
+    /// @param lost_fields  empty fields that trimming has taken from the front of the line
+    void noteName(const RowRules& rules, std::size_t lost_fields);
 
     std::string line_;
     /// Findings that the row being read has added a place to.

@@ -227,6 +227,7 @@ TableLayout layout_of(MatrixSource& source, const LoadOptions& options) {
     layout.guessed_delimiter = head.guessed_delimiter;
     layout.decimal = options.decimal;
     layout.lines_above = head.lines_above;
+    layout.empty_front = head.empty_front;
     layout.header = head.header;
     const auto known = std::find_if(
         known_layouts().begin(), known_layouts().end(), [&head](const KnownLayout& each) {

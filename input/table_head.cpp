@@ -107,20 +107,49 @@ std::size_t first_text_line(std::string_view text) {
     return found;
 }
 
+/// The delimiters with which a record opens, if trimming takes them away.
+std::size_t empty_fields_in_front(std::string_view record, char delimiter) {
+    const std::string_view behind =
+        record.substr(std::min(record.find_first_not_of(delimiter), record.size()));
+    return trimmed_matrix_line(record).starts_with(delimiter) ? 0 : record.size() - behind.size();
+}
+
+/// The empty fields at the end of a record that are no fields of it once it is trimmed.
+std::size_t empty_fields_behind(std::string_view record, char delimiter) {
+    const std::string_view usual = trimmed_matrix_line(record);
+    const std::string_view behind =
+        record.substr(static_cast<std::size_t>(usual.data() - record.data()) + usual.size());
+    const auto delimiters = std::count(behind.begin(), behind.end(), delimiter);
+    return static_cast<std::size_t>(delimiters) + (usual.ends_with(delimiter) ? 1 : 0);
+}
+
 void read_rows(std::string_view text, TableHead& head) {
     while (!text.empty() && head.rows.size() < kRowsLookedAt) {
         const QuotedRecord record = first_record(text, head.delimiter);
         const std::string_view row = text.substr(0, record.length);
         text.remove_prefix(record.length);
         if (is_record_row(trimmed_matrix_line(row), head.delimiter)) {
+            const std::size_t front = empty_fields_in_front(row, head.delimiter);
+            head.empty_front = head.rows.empty() ? front : std::min(head.empty_front, front);
             head.rows.push_back(fields_of(row, head.delimiter, false));
-            head.row_fields = std::max(head.row_fields, head.rows.back().size());
+            const std::size_t fields = head.rows.back().size();
+            const std::size_t untrimmed = fields + empty_fields_behind(row, head.delimiter);
+            head.untrimmed_fields =
+                head.rows.size() == 1 ? untrimmed : std::min(head.untrimmed_fields, untrimmed);
+            head.row_fields = std::max(head.row_fields, fields);
         }
     }
 }
 
+/// Where the header has a field for each empty one in front of the rows, they are a column.
+std::size_t most_empty_front(std::string_view record, const TableHead& head) {
+    const bool has_all =
+        fields_of(record, head.delimiter, true).size() == head.row_fields + head.empty_front;
+    return has_all ? empty_fields_in_front(record, head.delimiter) : head.empty_front;
+}
+
 /// Puts the fields of a header where a row has them: a field for the names may be left out, or
-/// trimmed away.
+/// trimmed away, as empty ones at the end are.
 std::vector<std::string> aligned_header(std::string_view record, TableHead& head) {
     std::vector<std::string> whole = fields_of(record, head.delimiter, true);
     std::vector<std::string> usual = fields_of(record, head.delimiter, false);
@@ -128,6 +157,10 @@ std::vector<std::string> aligned_header(std::string_view record, TableHead& head
     std::vector<std::string>& header =
         whole.size() == fields || (usual.size() != fields && whole.size() + 1 == fields) ? whole
                                                                                          : usual;
+    const std::size_t untrimmed = header.size() + empty_fields_behind(record, head.delimiter);
+    if (header.size() < fields && untrimmed >= fields && untrimmed == head.untrimmed_fields) {
+        header.resize(fields);
+    }
     if (header.size() + 1 == fields) {
         header.insert(header.begin(), "");
         head.lacks_names_header = true;
@@ -182,7 +215,11 @@ TableHead read_table_head(MatrixSource& source, const LoadOptions& options) {
     head.lines_above = header.value_or(0) + lines_of(record).size();
     read_rows(rows, head);
     if (header) {
+        head.empty_front = std::min(head.empty_front, most_empty_front(record, head));
         head.header = aligned_header(record, head);
+    } else if (!options.has_names) {
+        // Without names, the first column may be one of missing values.
+        head.empty_front = 0;
     }
     return head;
 }

@@ -28,6 +28,11 @@ struct TableHead {
     std::vector<std::vector<std::string>> rows;
     /// Fields of the longest of these rows.
     std::size_t row_fields = 0;
+    /// Fields that every one of these rows has, with those that trimming has taken from its end.
+    std::size_t untrimmed_fields = 0;
+    /// Empty fields in front of each of these rows that are no fields of its own: the header has
+    /// none, or as many.
+    std::size_t empty_front = 0;
 };
 
 /// Finds header and rows at the start of a text: behind the `#1.2` of a GCT file, behind the

@@ -23,6 +23,9 @@ struct TableLayout {
     std::optional<char> decimal;
     /// Lines of the file in front of the first that may be a row.
     std::size_t lines_above = 1;
+    /// Empty fields with which every row opens and which are no columns: fields are counted behind
+    /// them.
+    std::size_t empty_front = 0;
     /// What the header calls each field of a row; empty if the file has no header.
     std::vector<std::string> header;
     /// The field of the names; none if rows have no names.

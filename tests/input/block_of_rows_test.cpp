@@ -45,6 +45,33 @@ TEST(BlockOfRows, KnowsTheLineOfAQuoteThatNothingCloses) {
     EXPECT_EQ(block_of("G1,1\nG2,\"2\nG3,3\n").first_bad_quote_line, 2U);
 }
 
+TEST(BlockOfRows, CountsFieldsBehindTheEmptyOnesOfEveryRow) {
+    TableLayout layout;
+    layout.empty_front = 1;
+    layout.leaveOut(1);
+    const BlockOfRows block = block_of("\tG1\t7\t1\nG2\t8\t2\n\t\t9\t3\n", layout);
+    EXPECT_THAT(block.names, ElementsAre("G1", "G2", ""));
+    EXPECT_THAT(block.values, ElementsAre(1.0, 2.0, 3.0));
+    EXPECT_EQ(block.report.unnamed.count, 1U);
+}
+
+TEST(BlockOfRows, TakesANumberOrAMissingValueBehindALostNameForAValue) {
+    for (const char* const row : {"\t1\t2\n", "\tNA\t2\n", "\t-\t2\n"}) {
+        EXPECT_EQ(block_of(row, TableLayout()).report.lost_names.count, 1U) << row;
+    }
+    for (const char* const row : {"\tG1\t2\n", "NA\t2\n", "7\t2\n"}) {
+        EXPECT_EQ(block_of(row, TableLayout()).report.lost_names.count, 0U) << row;
+    }
+    TableLayout layout;
+    layout.empty_front = 1;
+    EXPECT_EQ(block_of("\tNA\t2\n", layout).report.lost_names.count, 0U);
+    EXPECT_EQ(block_of("\t\tNA\t2\n", layout).report.lost_names.count, 1U);
+    layout.names_field = 1;
+    EXPECT_EQ(block_of("\tG1\t1\t2\n", layout).report.lost_names.count, 0U);
+    layout.names_field.reset();
+    EXPECT_EQ(block_of("\t\t1\t2\n", layout).report.lost_names.count, 0U);
+}
+
 TEST(BlockOfRows, LeavesOutWhatTheLayoutSaysAndEndsWhereItSays) {
     TableLayout layout = with_commas();
     layout.leaveOut(1);
