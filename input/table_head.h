@@ -43,6 +43,9 @@ struct TableHead {
 /// from a row
 TableHead read_table_head(MatrixSource& source, const LoadOptions& options);
 
+/// Whether a text opens as the files of GEO do.
+bool opens_as_geo(std::string_view text);
+
 /// The fields of a record as they are read, trimmed and without quotes. A delimiter at its start
 /// stays if `keeps_front`.
 std::vector<std::string> fields_of(std::string_view record, char delimiter, bool keeps_front);

@@ -41,6 +41,36 @@ TEST(BlockOfRows, CountsTheLinesWithinQuotes) {
     EXPECT_EQ(block.first_bad_quote_line, std::nullopt);
 }
 
+TEST(BlockOfRows, TakesNoteOfRowsThatGoOnOverLineEnds) {
+    const BlockOfRows block =
+        block_of("G1,1,2\n\"G2,1,2\nG3,1,2\nG4\",3,4\nG5,5,6\n\"G\n6\",7,8\n\"G7\",1,2\n");
+    EXPECT_THAT(block.names, ElementsAre("G1", "G2,1,2 G3,1,2 G4", "G5", "G 6", "G7"));
+    EXPECT_EQ(block.report.rows_over_lines.count, 2U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.count, 1U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.first_line, 2U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.last_line, 4U);
+    EXPECT_EQ(block.lines, 8U);
+}
+
+TEST(BlockOfRows, TakesDescriptionsWithLineEndsForNoRows) {
+    const BlockOfRows block = block_of("G1,\"one, of\nthe list\",1,2,3,4\n");
+    EXPECT_EQ(block.report.rows_over_lines.count, 1U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.count, 0U);
+}
+
+TEST(BlockOfRows, KeepsCommentsThatMayBeRows) {
+    const BlockOfRows block =
+        block_of("G1,1,2\n#N/A,3,4\n# a remark, of 2020, and more\n#,,\n# 5\n  #1,5,\n");
+    ASSERT_EQ(block.comments.size(), 2U);
+    EXPECT_EQ(block.comments[0].line, 2U);
+    EXPECT_EQ(block.comments[0].first_field, "#N/A");
+    EXPECT_EQ(block.comments[0].length.values, 2U);
+    EXPECT_EQ(block.comments[1].first_field, "#1");
+    EXPECT_EQ(block.comments[1].length.values, 1U);
+    EXPECT_EQ(block.comments[1].length.untrimmed, 2U);
+    EXPECT_THAT(block.names, ElementsAre("G1"));
+}
+
 TEST(BlockOfRows, KnowsTheLineOfAQuoteThatNothingCloses) {
     EXPECT_EQ(block_of("G1,1\nG2,\"2\nG3,3\n").first_bad_quote_line, 2U);
 }

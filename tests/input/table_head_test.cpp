@@ -130,6 +130,16 @@ TEST_F(ReadTableHead, HasNoHeaderIfThereIsNone) {
     EXPECT_THAT(bare.rows, SizeIs(2));
 }
 
+TEST_F(ReadTableHead, HasTheRowsBehindTheLineThatGivesTheDelimiter) {
+    LoadOptions options;
+    options.has_header = false;
+    const TableHead bare = head("sep=;\r\nG1;1;2\r\nG2;3;4\r\n", options);
+    EXPECT_THAT(bare.header, IsEmpty());
+    EXPECT_EQ(bare.delimiter, ';');
+    EXPECT_EQ(bare.lines_above, 1U);
+    EXPECT_THAT(bare.rows, ElementsAre(ElementsAre("G1", "1", "2"), ElementsAre("G2", "3", "4")));
+}
+
 TEST_F(ReadTableHead, FindsTheTablesOfGeo) {
     std::string content = "!Series_title\t\"a, b\"\n!Series_type\t\"x\"\n";
     // Longer than the head that is read at first.
