@@ -17,6 +17,18 @@ namespace ovik {
 
 namespace {
 
+/// What stands above names: in small letters, without what stands between words, blanks around
+/// each.
+constexpr std::string_view kHeadsOfNames =
+    " accession array barcode cell cellid cells clid compound condition contig days dose drug "
+    "ensembl ensemblid entrez entrezid experiment feature featureid features gene geneid "
+    "geneids genename genenames genes genesymbol hour hours id identifier idref ids index "
+    "isoform locus locustag minutes name names orf orfid orfname orfs otu otuid peptide probe "
+    "probeid probes probeset probesetid protein proteinid proteins row rowid rowname rownames "
+    "sample sampleid samples species spot standardname strain strains symbol symbols "
+    "systematicid systematicname tag targetid taxon time timeh timemin timepoint timepoints "
+    "transcript transcriptid transcripts treatment uid uniprot uniprotid uniqid variable yorf ";
+
 char lower_case(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -177,103 +189,13 @@ bool may_be_row(bool has_names,
 }
 
 bool heads_names(std::string_view text) {
-    static constexpr std::string_view kWords[] = {"accession",
-                                                  "array",
-                                                  "barcode",
-                                                  "cell",
-                                                  "cellid",
-                                                  "cells",
-                                                  "clid",
-                                                  "condition",
-                                                  "contig",
-                                                  "days",
-                                                  "compound",
-                                                  "drug",
-                                                  "treatment",
-                                                  "dose",
-                                                  "ensembl",
-                                                  "ensemblid",
-                                                  "entrez",
-                                                  "entrezid",
-                                                  "experiment",
-                                                  "feature",
-                                                  "featureid",
-                                                  "features",
-                                                  "gene",
-                                                  "geneid",
-                                                  "geneids",
-                                                  "genename",
-                                                  "genenames",
-                                                  "genes",
-                                                  "genesymbol",
-                                                  "hour",
-                                                  "hours",
-                                                  "id",
-                                                  "identifier",
-                                                  "idref",
-                                                  "ids",
-                                                  "index",
-                                                  "isoform",
-                                                  "locus",
-                                                  "locustag",
-                                                  "minutes",
-                                                  "name",
-                                                  "names",
-                                                  "orf",
-                                                  "orfid",
-                                                  "orfname",
-                                                  "orfs",
-                                                  "otu",
-                                                  "otuid",
-                                                  "peptide",
-                                                  "probe",
-                                                  "probeid",
-                                                  "probes",
-                                                  "probeset",
-                                                  "probesetid",
-                                                  "protein",
-                                                  "proteinid",
-                                                  "proteins",
-                                                  "row",
-                                                  "rowid",
-                                                  "rowname",
-                                                  "rownames",
-                                                  "sample",
-                                                  "sampleid",
-                                                  "samples",
-                                                  "species",
-                                                  "spot",
-                                                  "standardname",
-                                                  "strain",
-                                                  "strains",
-                                                  "symbol",
-                                                  "symbols",
-                                                  "systematicid",
-                                                  "systematicname",
-                                                  "tag",
-                                                  "targetid",
-                                                  "taxon",
-                                                  "time",
-                                                  "timeh",
-                                                  "timemin",
-                                                  "timepoint",
-                                                  "timepoints",
-                                                  "transcript",
-                                                  "transcriptid",
-                                                  "transcripts",
-                                                  "uid",
-                                                  "uniprot",
-                                                  "uniprotid",
-                                                  "uniqid",
-                                                  "variable",
-                                                  "yorf"};
-    std::string word;
+    std::string word = " ";
     for (const char c : text) {
         if (std::string_view(" \t._-()[]/").find(c) == std::string_view::npos) {
             word += lower_case(c);
         }
     }
-    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
+    return kHeadsOfNames.find(word + ' ') != std::string_view::npos;
 }
 
 bool looks_like_gene(const std::string& name, const LoadOptions& options) {
