@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include "input/field_checks.h"
 #include "input/quoted_record.h"
+#include "input/text_lines.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
 
@@ -14,13 +16,34 @@ namespace ovik {
 namespace {
 
 /// Trims a line. Where names and values stand in other fields than usual, an empty field in front
-/// has to stay.
+/// has to stay, unless every row has it.
 std::string_view trimmed(std::string_view line, const RowRules& rules) {
+    const TableLayout& layout = rules.layout;
     const std::string_view usual = trimmed_matrix_line(line);
-    if (rules.is_ordinary || !line.starts_with(rules.layout.delimiter)) {
+    if (rules.is_ordinary || !line.starts_with(layout.delimiter)) {
         return usual;
     }
-    return line.substr(0, static_cast<std::size_t>(usual.data() - line.data()) + usual.size());
+    const auto start = static_cast<std::size_t>(usual.data() - line.data());
+    const std::size_t front =
+        std::min({start, layout.empty_front, delimiters_in_front(line, layout.delimiter)});
+    return line.substr(front, start - front + usual.size());
+}
+
+/// Whether a field in quotes may be several rows between two stray quotes: for each of its line
+/// ends, there are at least half as many delimiters in it as in the row around it.
+bool may_hold_rows(std::string_view row, char delimiter) {
+    const auto count_in = [](std::string_view text, char c) {
+        return std::count(text.begin(), text.end(), c);
+    };
+    const std::vector<std::string_view> fields = fields_over_lines(row, delimiter);
+    auto around = count_in(row, delimiter);
+    for (const std::string_view field : fields) {
+        around -= count_in(field, delimiter);
+    }
+    return std::any_of(fields.begin(), fields.end(), [&](std::string_view field) {
+        const auto within = count_in(field, delimiter);
+        return within > 0 && 2 * within >= count_in(field, '\n') * around;
+    });
 }
 
 /// The entry of a list that is the first field of a line; null if none is.
@@ -66,10 +89,25 @@ std::size_t BlockOfRows::addRecord(std::string_view text, const RowRules& rules)
         lines += line_feeds_in(whole);
         return record.length;
     }
-    const std::size_t line_feeds = line_feeds_in(whole);
-    addText<true>(whole.ends_with('\n') ? whole.substr(0, whole.size() - 1) : whole, rules);
-    lines += line_feeds - (whole.ends_with('\n') ? 1 : 0);
+    const std::string_view row = whole.ends_with('\n') ? whole.substr(0, whole.size() - 1) : whole;
+    const std::size_t line_feeds = line_feeds_in(row);
+    addText<true>(row, rules);
+    if (line_feeds > 0 && !has_ended) {
+        noteLines(row, lines, lines + line_feeds, rules.layout.delimiter);
+    }
+    lines += line_feeds;
     return record.length;
+}
+
+void BlockOfRows::noteLines(std::string_view row,
+                            std::size_t first_line,
+                            std::size_t last_line,
+                            char delimiter) {
+    const RowsOverLines one = {1, first_line, last_line};
+    report.rows_over_lines.add(one, 0);
+    if (may_hold_rows(row, delimiter)) {
+        report.rows_that_may_be_several.add(one, 0);
+    }
 }
 
 template <bool IsQuoted>
@@ -87,6 +125,10 @@ void BlockOfRows::addText(std::string_view text, const RowRules& rules) {
         return;
     }
     const std::string_view row = trimmed(text, rules);
+    if (row.starts_with('#')) {
+        addComment(row, empty_fields_behind(text, row, layout.delimiter), rules);
+        return;
+    }
     if (!is_record_row(row, layout.delimiter) || isNoRow(row, layout)) {
         return;
     }
@@ -99,13 +141,36 @@ void BlockOfRows::addText(std::string_view text, const RowRules& rules) {
         }
     };
     const std::size_t fields = addRow(rules, visit_fields);
-    // What trimming has left out is empty fields.
-    const auto row_end =
-        text.begin() + (row.data() - text.data()) + static_cast<std::ptrdiff_t>(row.size());
-    const auto more = std::count(row_end, text.end(), layout.delimiter) +
-                      (row.ends_with(layout.delimiter) ? 1 : 0);
-    lengths.back().untrimmed = layout.valuesAmong(fields + static_cast<std::size_t>(more));
-    noteName(rules, text.starts_with(layout.delimiter) && !row.starts_with(layout.delimiter));
+    lengths.back().untrimmed =
+        layout.valuesAmong(fields + empty_fields_behind(text, row, layout.delimiter));
+    noteName(rules,
+             std::min(static_cast<std::size_t>(row.data() - text.data()),
+                      delimiters_in_front(text, layout.delimiter)));
+}
+
+void BlockOfRows::addComment(std::string_view text, std::size_t more, const RowRules& rules) {
+    if (text.find(rules.layout.delimiter) == std::string_view::npos) {
+        return;
+    }
+    line_ = text;
+    std::string first_field;
+    std::size_t fields = 0;
+    std::size_t numbers = 0;
+    for_each_matrix_field(line_, rules.layout.delimiter, [&](const char* field, const char* end) {
+        double value = 0.0;
+        if (fields == 0) {
+            first_field.assign(field, end);
+        } else if (rules.layout.isValue(fields)) {
+            numbers += rules.values.read(field, end, value) == FieldKind::Number ? 1 : 0;
+        }
+        ++fields;
+    });
+    if (2 * numbers > rules.layout.valuesAmong(fields)) {
+        comments.push_back(
+            {lines,
+             std::move(first_field),
+             {rules.layout.valuesAmong(fields), rules.layout.valuesAmong(fields + more)}});
+    }
 }
 
 bool BlockOfRows::isNoRow(std::string_view row, const TableLayout& layout) {
@@ -190,14 +255,19 @@ void BlockOfRows::note(FieldFindings& findings, std::size_t field, const char* t
     }
 }
 
-void BlockOfRows::noteName(const RowRules& rules, bool has_lost_field) {
+void BlockOfRows::noteName(const RowRules& rules, std::size_t lost_fields) {
     const std::string& name = names.back();
-    double value = 0.0;
-    if (has_lost_field &&
-        rules.values.read(name.c_str(), name.c_str() + name.size(), value) == FieldKind::Number) {
-        note(report.lost_names, 0, "");
+    const bool has_names = rules.names_field != RowRules::kNoField;
+    if (has_names && lost_fields > 0) {
+        double value = 0.0;
+        const FieldKind kind = rules.values.read(name.c_str(), name.c_str() + name.size(), value);
+        const bool is_usual = lost_fields <= rules.layout.empty_front;
+        if ((kind == FieldKind::Number && (!is_usual || rules.names_field == 0)) ||
+            (kind == FieldKind::Missing && !is_usual)) {
+            note(report.lost_names, 0, "");
+        }
     }
-    if (name.empty() && rules.names_field != RowRules::kNoField) {
+    if (name.empty() && has_names) {
         note(report.unnamed, 0, "");
     }
     of_this_row_.clear();

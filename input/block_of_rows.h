@@ -32,6 +32,13 @@ class BlockOfRows {
         std::size_t untrimmed;
     };
 
+    /// A line that opens with "#" and has numbers in most of its fields.
+    struct Comment {
+        std::size_t line;
+        std::string first_field;
+        Length length;
+    };
+
     /// Adds the rows of a text of whole records.
     void addAll(std::string_view text, const RowRules& rules);
 
@@ -46,7 +53,9 @@ class BlockOfRows {
     std::vector<Length> lengths;
     /// The values of all rows, row after row.
     std::vector<double> values;
-    /// What the fields hold: `numbers`, findings, `by_column` and `no_rows` alone are filled in.
+    std::vector<Comment> comments;
+    /// What the fields hold: `numbers`, findings, `by_column`, `no_rows`, and
+    /// rows over lines alone are filled in.
     MatrixReport report;
 
   private:
@@ -55,9 +64,20 @@ class BlockOfRows {
     /// @return bytes of it
     std::size_t addRecord(std::string_view text, const RowRules& rules);
 
+    /// Takes note of a row that goes on over line ends.
+    void noteLines(std::string_view row,
+                   std::size_t first_line,
+                   std::size_t last_line,
+                   char delimiter);
+
     /// @param text  a line, or a record of several lines, without the line feed at its end
     template <bool IsQuoted>
     void addText(std::string_view text, const RowRules& rules);
+
+    /// Keeps a comment that may be a row.
+    ///
+    /// @param more  empty fields that trimming has taken from its end
+    void addComment(std::string_view text, std::size_t more, const RowRules& rules);
 
     bool isNoRow(std::string_view row, const TableLayout& layout);
 
@@ -76,8 +96,8 @@ class BlockOfRows {
     /// Takes note of a field of the row that came last, whose name may not be known yet.
     void note(FieldFindings& findings, std::size_t field, const char* text);
 
-    /// @param has_lost_field  whether trimming has taken an empty field from the front of the line
-    void noteName(const RowRules& rules, bool has_lost_field);
+    /// @param lost_fields  empty fields that trimming has taken from the front of the line
+    void noteName(const RowRules& rules, std::size_t lost_fields);
 
     std::string line_;
     /// Findings that the row being read has added a place to.

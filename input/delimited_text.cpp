@@ -16,6 +16,7 @@
 #include "input/quoted_record.h"
 #include "input/record_blocks.h"
 #include "input/text_head.h"
+#include "input/text_remarks.h"
 #include "input/value_reader.h"
 #include "util/input_error.h"
 #include "util/input_file.h"
@@ -78,8 +79,19 @@ void add(MatrixReport& report, MatrixReport&& more, std::size_t lines_above) {
                                                         &MatrixReport::unnamed}) {
         add(report.*findings, std::move(more.*findings), lines_above);
     }
+    report.rows_over_lines.add(more.rows_over_lines, lines_above);
+    report.rows_that_may_be_several.add(more.rows_that_may_be_several, lines_above);
     add(report.by_column, more.by_column);
     std::move(more.no_rows.begin(), more.no_rows.end(), std::back_inserter(report.no_rows));
+}
+
+/// Takes note of a comment that has the fields of a row.
+void add_skipped_row(MatrixReport& report, std::size_t line, const std::string& first_field) {
+    FieldFindings& findings =
+        is_name_behind_hash(first_field) ? report.skipped_names : report.skipped_rows;
+    if (findings.count++ < FieldFindings::kListed) {
+        findings.places.push_back({line, first_field, 1, first_field});
+    }
 }
 
 /// Adds the findings of a block and takes its names over.
@@ -96,6 +108,11 @@ void take_over(BlockOfRows& block, std::size_t lines_above, InspectedMatrix& mat
         }
         matrix.row_lines.push_back(line);
         matrix.row_names.push_back(std::move(block.names[n]));
+    }
+    for (const BlockOfRows::Comment& comment : block.comments) {
+        if (fits(comment.length, report.columns)) {
+            add_skipped_row(report, lines_above + comment.line, comment.first_field);
+        }
     }
     add(report, std::move(block.report), lines_above);
     report.has_end_mark = report.has_end_mark || block.has_ended;
@@ -123,17 +140,40 @@ std::unique_ptr<double[]> joined_values(Blocks& blocks, std::size_t rows, std::s
     return values;
 }
 
-/// Takes the lines above the first row away from the start of a text.
-///
-/// @return how many there were, which may be less than there should be
-std::size_t take_lines(std::string& text, std::size_t lines) {
-    std::size_t taken = 0;
+/// Where the first lines of a head end.
+struct HeadLines {
+    std::size_t count = 0;
     std::size_t bytes = 0;
-    for (; taken < lines && bytes < text.size(); ++taken) {
-        bytes = std::min(text.find('\n', bytes), text.size() - 1) + 1;
+};
+
+/// @param most  lines; there are less if the head has less whole ones
+HeadLines first_lines(const MatrixSource& source, std::size_t most) {
+    const std::string_view head = source.head();
+    HeadLines lines;
+    while (lines.count < most && lines.bytes < head.size()) {
+        const std::size_t line_feed = head.find('\n', lines.bytes);
+        if (line_feed == std::string_view::npos && !source.isWholeInHead()) {
+            break;
+        }
+        lines.bytes = std::min(line_feed, head.size() - 1) + 1;
+        ++lines.count;
     }
-    text.erase(0, bytes);
-    return taken;
+    return lines;
+}
+
+/// Takes the head of a file without the lines above its first row.
+///
+/// @param source  its head grows until it holds them
+/// @param lines   how many there are; becomes less if the file has less
+std::string take_head_below(MatrixSource& source, std::size_t& lines) {
+    HeadLines above = first_lines(source, lines);
+    while (above.count < lines && source.growHead()) {
+        above = first_lines(source, lines);
+    }
+    lines = above.count;
+    std::string head = source.takeHead();
+    head.erase(0, above.bytes);
+    return head;
 }
 
 Blocks parse(MatrixSource& source, std::string begun, const RowRules& rules) {
@@ -178,21 +218,6 @@ std::vector<std::string> column_names_of(const TableLayout& layout, std::size_t 
     return names.size() == columns ? names : std::vector<std::string>();
 }
 
-/// What there is to tell of how the file was taken.
-std::vector<std::string> notes_of(const TableLayout& layout, const MatrixReport& report) {
-    std::vector<std::string> notes = layout.notes;
-    std::string rows;
-    for (const std::string& name : layout.no_rows) {
-        if (std::find(report.no_rows.begin(), report.no_rows.end(), name) != report.no_rows.end()) {
-            rows += (rows.empty() ? "" : ", ") + name;
-        }
-    }
-    if (!rows.empty()) {
-        notes.push_back("no rows: " + rows);
-    }
-    return notes;
-}
-
 }  // namespace
 
 InspectedMatrix inspect_matrix(MatrixSource& source,
@@ -200,8 +225,8 @@ InspectedMatrix inspect_matrix(MatrixSource& source,
                                const std::vector<std::string>& missing_signs) {
     // Takes note of the locale of this thread, by which all of the text is read.
     const RowRules rules{layout, ValueReader(layout.decimal, missing_signs)};
-    std::string begun = source.takeHead();
-    std::size_t lines = take_lines(begun, layout.lines_above);
+    std::size_t lines = layout.lines_above;
+    std::string begun = take_head_below(source, lines);
     if (lines == 0 && begun.starts_with(kByteOrderMark)) {
         begun.erase(0, kByteOrderMark.size());
     }
@@ -217,6 +242,7 @@ InspectedMatrix inspect_matrix(MatrixSource& source,
     }
     report.rows = matrix.row_names.size();
     matrix.has_names = layout.names_field.has_value();
+    matrix.header = layout.header;
     matrix.column_names = column_names_of(layout, report.columns);
     for (const std::size_t field : layout.valueFields(report.columns)) {
         matrix.column_fields.push_back(field + 1);
@@ -233,7 +259,8 @@ InspectedMatrix read_delimited_text(MatrixSource& source, const LoadOptions& opt
         options.before_reading(source, layout);
     }
     InspectedMatrix matrix = inspect_matrix(source, layout, options.missing_signs);
-    matrix.report.notes = notes_of(layout, matrix.report);
+    matrix.report.notes = text_notes(layout, matrix.report);
+    matrix.report.warnings = text_warnings(layout, matrix.report);
     check_fields(source.name(), layout, options, matrix);
     check_names(source.name(), layout, options, matrix);
     return matrix;

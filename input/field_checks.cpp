@@ -103,15 +103,6 @@ std::vector<std::size_t> text_columns(const MatrixReport& report) {
     return columns;
 }
 
-/// What options call a column: its header if that tells it from the others, else its number.
-std::string column_for_option(const TableLayout& layout, std::size_t field) {
-    const bool has_name =
-        field < layout.header.size() && !layout.header[field].empty() &&
-        layout.header[field].find(',') == std::string::npos &&
-        std::count(layout.header.begin(), layout.header.end(), layout.header[field]) == 1;
-    return has_name ? layout.header[field] : std::to_string(field + 1);
-}
-
 /// @throws InputError if a column is mostly text
 void check_columns(const std::string& path,
                    const TableLayout& layout,
@@ -131,7 +122,7 @@ void check_columns(const std::string& path,
                      std::to_string(matrix.report.by_column[column].texts) + " of " +
                      counted(matrix.report.rows, "row", "rows") + "\n";
         }
-        to_skip += (to_skip.empty() ? "" : ",") + column_for_option(layout, field);
+        to_skip += (to_skip.empty() ? "" : ",") + column_handle(layout.header, field);
     }
     const std::vector<FieldPlace> first =
         first_of(matrix.report.not_numbers, matrix.report.with_text_behind);
@@ -142,7 +133,7 @@ void check_columns(const std::string& path,
            "Leave out what is no value with " + options.spell("skip-columns", to_skip) +
                "; names of the rows in another column than the first are read with " +
                options.spell("names-column",
-                             column_for_option(layout, matrix.column_fields[columns[0]] - 1)) +
+                             column_handle(layout.header, matrix.column_fields[columns[0]] - 1)) +
                ".");
 }
 
@@ -156,15 +147,16 @@ void check_texts(const std::string& path,
         return;
     }
     const std::vector<FieldPlace> first = first_of(report.not_numbers, report.with_text_behind);
-    refuse(path,
-           counted(count, "field is no number", "fields are no numbers") + "\n" +
-               places_text(first, layout) + (count > first.size() ? "  ...\n" : "") +
-               "and text is no value",
-           "Mend such fields; if a text stands for a missing value, say so with " +
-               options.spell("na", first.front().text) +
-               "; a column that is no values is left out with " +
-               options.spell("skip-columns", column_for_option(layout, first.front().field - 1)) +
-               ".");
+    refuse(
+        path,
+        counted(count, "field is no number", "fields are no numbers") + "\n" +
+            places_text(first, layout) + (count > first.size() ? "  ...\n" : "") +
+            "and text is no value",
+        "Mend such fields; if a text stands for a missing value, say so with " +
+            options.spell("na", first.front().text) +
+            "; a column that is no values is left out with " +
+            options.spell("skip-columns", column_handle(layout.header, first.front().field - 1)) +
+            ".");
 }
 
 /// @throws InputError if the file says that there is more of the table

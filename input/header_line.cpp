@@ -3,20 +3,31 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <iterator>
 #include <optional>
 
 #include "input/quoted_record.h"
 #include "input/systematic_name.h"
 #include "input/table_head.h"
+#include "input/text_lines.h"
 #include "input/value_reader.h"
 #include "util/input_error.h"
-#include "util/line_blocks.h"
 #include "util/matrix_line.h"
 
 namespace ovik {
 
 namespace {
+
+/// What stands above names: in small letters, without what stands between words, blanks around
+/// each.
+constexpr std::string_view kHeadsOfNames =
+    " accession array barcode cell cellid cells clid compound condition contig days dose drug "
+    "ensembl ensemblid entrez entrezid experiment feature featureid features gene geneid "
+    "geneids genename genenames genes genesymbol hour hours id identifier idref ids index "
+    "isoform locus locustag minutes name names orf orfid orfname orfs otu otuid peptide probe "
+    "probeid probes probeset probesetid protein proteinid proteins row rowid rowname rownames "
+    "sample sampleid samples species spot standardname strain strains symbol symbols "
+    "systematicid systematicname tag targetid taxon time timeh timemin timepoint timepoints "
+    "transcript transcriptid transcripts treatment uid uniprot uniprotid uniqid variable yorf ";
 
 char lower_case(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -65,12 +76,6 @@ std::optional<std::vector<double>> numbers_of(const std::vector<std::string>& fi
     return numbers.size() <= texts ? std::nullopt : std::optional(std::move(numbers));
 }
 
-std::vector<std::string_view> lines_of(std::string_view text) {
-    std::vector<std::string_view> lines;
-    for_each_line(text, [&](std::string_view line) { lines.push_back(line); });
-    return lines;
-}
-
 bool may_head_columns(const std::vector<double>& numbers) {
     return std::is_sorted(numbers.begin(), numbers.end()) ||
            std::all_of(numbers.begin(), numbers.end(), [](double v) { return v == std::floor(v); });
@@ -106,7 +111,7 @@ std::size_t find_header(const std::string& path,
                         std::size_t first_text,
                         char delimiter,
                         const LoadOptions& options) {
-    const std::vector<std::string_view> lines = lines_of(text);
+    const std::vector<std::string_view> lines = line_views(text);
     if (first_text >= lines.size()) {
         return 0;
     }
@@ -159,7 +164,7 @@ std::size_t header_below_title(std::string_view text,
             }
             ++looked_at;
         }
-        line += lines_of(record).size();
+        line += line_views(record).size();
         text.remove_prefix(record.size());
     }
     return header;
@@ -174,22 +179,23 @@ bool looks_like_row(const std::string& name,
                        !may_head_columns(*numbers));
 }
 
+bool may_be_row(bool has_names,
+                const std::string& name,
+                const std::vector<std::string>& values,
+                const LoadOptions& options) {
+    const std::optional<std::vector<double>> numbers = numbers_of(values, options);
+    return numbers && (has_names ? !name.empty() && !heads_names(name)
+                                 : !std::is_sorted(numbers->begin(), numbers->end()));
+}
+
 bool heads_names(std::string_view text) {
-    static constexpr std::string_view kWords[] = {"feature",   "features",
-                                                  "gene",      "gene_id",
-                                                  "gene_name", "geneid",
-                                                  "genes",     "id",
-                                                  "id_ref",    "ids",
-                                                  "locus",     "name",
-                                                  "names",     "orf",
-                                                  "orfs",      "probe",
-                                                  "probes",    "row",
-                                                  "sample",    "samples",
-                                                  "symbol",    "systematic_name",
-                                                  "time",      "yorf"};
-    std::string word;
-    std::transform(text.begin(), text.end(), std::back_inserter(word), lower_case);
-    return std::find(std::begin(kWords), std::end(kWords), word) != std::end(kWords);
+    std::string word = " ";
+    for (const char c : text) {
+        if (std::string_view(" \t._-()[]/").find(c) == std::string_view::npos) {
+            word += lower_case(c);
+        }
+    }
+    return kHeadsOfNames.find(word + ' ') != std::string_view::npos;
 }
 
 bool looks_like_gene(const std::string& name, const LoadOptions& options) {

@@ -46,7 +46,17 @@ bool looks_like_row(const std::string& name,
                     const std::vector<std::string>& names,
                     const LoadOptions& options);
 
-/// Whether a text is one that stands above names, such as "gene".
+/// Whether what stands in the place of the header may be a row all the same: numbers behind what is
+/// not known to head names, or, of rows without names, numbers that do not rise.
+///
+/// @param has_names  whether rows have names; the other arguments are those of `looks_like_row`
+bool may_be_row(bool has_names,
+                const std::string& name,
+                const std::vector<std::string>& values,
+                const LoadOptions& options);
+
+/// Whether a text is one that stands above names, such as "gene", in capitals or not and whatever
+/// stands between its words.
 bool heads_names(std::string_view text);
 
 /// Whether a name is that of a yeast gene, as far as can be told.

@@ -28,6 +28,9 @@ void note_duplicate_names(InspectedMatrix& matrix) {
 void note_infinite_values(InspectedMatrix& matrix) {
     MatrixReport& report = matrix.report;
     const double* value = matrix.values.get();
+    if (value == nullptr) {
+        return;
+    }
     for (std::size_t n = 0; n < report.rows; ++n) {
         for (std::size_t d = 0; d < report.columns; ++d, ++value) {
             if (std::isinf(*value) && report.not_finite.count++ < FieldFindings::kListed) {

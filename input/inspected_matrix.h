@@ -40,6 +40,22 @@ struct RaggedRow {
     std::size_t values = 0;
 };
 
+/// Rows with a field in quotes that goes on over line ends: how many, and the first of them.
+struct RowsOverLines {
+    std::size_t count = 0;
+    /// The first line of the first of them, and the last.
+    std::size_t first_line = 0;
+    std::size_t last_line = 0;
+
+    void add(const RowsOverLines& further_down, std::size_t lines_above) {
+        if (count == 0) {
+            first_line = further_down.first_line + lines_above;
+            last_line = further_down.last_line + lines_above;
+        }
+        count += further_down.count;
+    }
+};
+
 /// What there is to say of a matrix. Only rows and columns are of every format; the rest is of
 /// delimited text.
 struct MatrixReport {
@@ -69,6 +85,14 @@ struct MatrixReport {
     FieldFindings lost_names;
     /// Rows whose name is empty.
     FieldFindings unnamed;
+    /// Lines that are skipped because they open with "#", though they have the fields of a row.
+    FieldFindings skipped_rows;
+    /// More such lines, which open with what may be a name, such as "#N/A" or "#1".
+    FieldFindings skipped_names;
+    RowsOverLines rows_over_lines;
+    /// Those of them with about as many delimiters in such a field as rows have, as two stray
+    /// quotes make one.
+    RowsOverLines rows_that_may_be_several;
     /// First fields of lines that the layout of the file says are no rows.
     std::vector<std::string> no_rows;
     /// Whether the line that ends the table stands there.
@@ -79,6 +103,8 @@ struct MatrixReport {
     std::vector<std::string> first_duplicate_names;
     /// What there is to tell of how the file was taken, a text each.
     std::vector<std::string> notes;
+    /// What of it may not be as the user means it; each opens with ":" and the line, or with ": ".
+    std::vector<std::string> warnings;
 };
 
 /// The rows of a matrix file, and what there is to say about them.
@@ -92,6 +118,8 @@ struct InspectedMatrix {
     bool has_names = true;
     /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;
+    /// What the file calls each field of a line; empty in formats without a header.
+    std::vector<std::string> header;
     /// The field of a line, from 1, that holds each column; empty in formats that have no lines.
     std::vector<std::size_t> column_fields;
     /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
@@ -102,7 +130,8 @@ struct InspectedMatrix {
 /// Takes note of names that repeat.
 void note_duplicate_names(InspectedMatrix& matrix);
 
-/// Takes note of infinities among the values, by row and column.
+/// Takes note of infinities among the values, by row and column; of none if there are no values
+/// because rows are of different length.
 void note_infinite_values(InspectedMatrix& matrix);
 
 }  // namespace ovik

@@ -58,17 +58,25 @@ bool is_cluster_table(const TableHead& head) {
     return (weights && *weights > 0) || has_row(head, "EWEIGHT");
 }
 
-/// Tables of Cluster and of the databases that write as it does: weights of genes and of
+/// Tables of Cluster and of the databases that write as it does: weights and orders of genes and of
 /// experiments, and identifiers of the trees' leaves (GID, AID) once they are clustered.
 void describe_cluster_table(const TableHead& head, TableLayout& layout) {
+    constexpr std::size_t kLastOfNames = 3;
     const bool has_leaves = opens_with(head, {"GID"});
     layout.names_field = has_leaves ? 1 : 0;
-    layout.no_rows = {"EWEIGHT", "AID"};
+    layout.no_rows = {"EWEIGHT", "EORDER", "AID"};
     layout.name += has_leaves || has_row(head, "AID") ? " (.cdt)" : " (.pcl)";
     const std::optional<std::size_t> weights = find_field(head, "GWEIGHT");
     const std::optional<std::size_t> name = find_field(head, "NAME");
-    const std::size_t last_of_names = name && *name <= 3 ? *name + 1 : 0;
-    leave_out(layout, 0, std::max(weights ? *weights + 1 : 0, last_of_names));
+    const std::optional<std::size_t> order = find_field(head, "GORDER");
+    const auto end_of = [](std::optional<std::size_t> field, std::size_t last) {
+        return field && *field <= last ? *field + 1 : 0;
+    };
+    leave_out(layout,
+              0,
+              std::max({weights ? *weights + 1 : 0,
+                        end_of(name, kLastOfNames),
+                        end_of(order, kLastOfNames + 1)}));
 }
 
 /// A series matrix, or a data set of the same database, in which genes have names beside the
@@ -171,7 +179,7 @@ const std::vector<KnownLayout>& known_layouts() {
         {.name = "GEO table",
          .recognises =
              [](const TableHead& head) {
-                 return !head.opening.empty() && head.opening.back().starts_with('!');
+                 return !head.opening.empty() && opens_as_geo(head.opening.front());
              },
          .describe = describe_geo_table},
         {.name = "gene expression table",

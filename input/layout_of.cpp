@@ -19,18 +19,18 @@ namespace {
 std::string columns_text(const TableHead& head) {
     constexpr std::size_t kListed = 8;
     if (head.header.empty()) {
-        return "There is no header, and the fields have numbers from 1.";
+        return "There is no header, and the fields have numbers from " + field_handle(0) + ".";
     }
     std::string text = "The columns are ";
     for (std::size_t field = 0; field < std::min(kListed, head.header.size()); ++field) {
         text += (field == 0 ? "\"" : ", \"") + head.header[field] + "\"";
     }
-    return text + (head.header.size() > kListed ? ", ...; " : "; ") +
-           "their numbers, from 1, will do, too.";
+    return text + (head.header.size() > kListed ? ", ...; " : "; ") + "\"" + field_handle(0) +
+           "\" is always the first.";
 }
 
 /// The number of a field by its text, from 0; none if it is none.
-std::optional<std::size_t> field_by_number(const std::string& text, std::size_t fields) {
+std::optional<std::size_t> field_by_number(std::string_view text, std::size_t fields) {
     std::size_t number = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
@@ -39,7 +39,8 @@ std::optional<std::size_t> field_by_number(const std::string& text, std::size_t 
                : std::nullopt;
 }
 
-/// The field of a column that the user names by its header, or else by its number.
+/// The field of a column that the user names by "#" and its number, by its header, or else by its
+/// number alone.
 ///
 /// @param option  that names it
 /// @throws InputError if there is none, or more than one
@@ -47,12 +48,17 @@ std::size_t field_of(const std::string& path,
                      const std::string& column,
                      const std::string& option,
                      const TableHead& head) {
+    const std::size_t fields = std::max(head.row_fields, head.header.size());
+    if (column.starts_with('#')) {
+        if (const auto field = field_by_number(std::string_view(column).substr(1), fields)) {
+            return *field;
+        }
+    }
     const auto is_it = [&column](const std::string& header) {
         return without_blanks(header) == without_blanks(column);
     };
     const auto found = std::find_if(head.header.begin(), head.header.end(), is_it);
     if (found == head.header.end()) {
-        const std::size_t fields = std::max(head.row_fields, head.header.size());
         if (const std::optional<std::size_t> field = field_by_number(column, fields)) {
             return *field;
         }
@@ -63,8 +69,8 @@ std::size_t field_of(const std::string& path,
     const auto again = std::find_if(found + 1, head.header.end(), is_it);
     if (again != head.header.end()) {
         throw InputError(path + ": more than one column is called \"" + column + "\" (" + option +
-                         ")\nSay which by its number: " + std::to_string(field + 1) + ", " +
-                         std::to_string(again - head.header.begin() + 1) + ".");
+                         ")\nSay which by its number: " + field_handle(field) + ", " +
+                         field_handle(static_cast<std::size_t>(again - head.header.begin())) + ".");
     }
     return field;
 }
@@ -154,11 +160,13 @@ std::string fields_note(const TableLayout& layout) {
            (no_values.empty() ? "" : "; no values: " + listed(no_values));
 }
 
-/// @throws InputError if what stands in the place of the header is a row
+/// Warns of a row that may stand in the place of the header.
+///
+/// @throws InputError if a row stands there
 void check_header(const std::string& path,
                   const TableHead& head,
-                  const TableLayout& layout,
-                  const LoadOptions& options) {
+                  const LoadOptions& options,
+                  TableLayout& layout) {
     std::string name;
     std::vector<std::string> values;
     for (std::size_t field = 0; field < head.header.size(); ++field) {
@@ -182,6 +190,15 @@ void check_header(const std::string& path,
                          "\" and numbers), and as a header it would be left out\nIf there is "
                          "no header, say " +
                          options.spell("no-header", "") + "; else give the columns names.");
+    }
+    if (may_be_row(layout.names_field.has_value(), name, values, options)) {
+        layout.warnings.push_back(
+            ":" + std::to_string(head.opening.size() + 1) +
+            ": the line in the place of the header may be a row (" +
+            (name.empty() ? "" : "\"" + name + "\" and ") +
+            "numbers), and is no row of the map\nIf there is no header, say " +
+            options.spell("no-header", "") +
+            (name.empty() ? "." : "; if it is the header, call its first field \"gene\"."));
     }
 }
 
@@ -227,6 +244,7 @@ TableLayout layout_of(MatrixSource& source, const LoadOptions& options) {
     layout.guessed_delimiter = head.guessed_delimiter;
     layout.decimal = options.decimal;
     layout.lines_above = head.lines_above;
+    layout.empty_front = head.empty_front;
     layout.header = head.header;
     const auto known = std::find_if(
         known_layouts().begin(), known_layouts().end(), [&head](const KnownLayout& each) {
@@ -239,7 +257,7 @@ TableLayout layout_of(MatrixSource& source, const LoadOptions& options) {
     if (!layout.name.empty()) {
         layout.notes.insert(layout.notes.begin(), fields_note(layout));
     } else if (options.has_header) {
-        check_header(source.name(), head, layout, options);
+        check_header(source.name(), head, options, layout);
     }
     return layout;
 }

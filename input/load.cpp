@@ -71,7 +71,11 @@ void add_remarks(const std::string& name,
         text += note;
         remarks.push_back({Remark::Kind::Note, std::move(text)});
     }
-    std::vector<std::string> warnings = {transposed_warning(name, options, matrix)};
+    std::vector<std::string> warnings;
+    for (const std::string& warning : matrix.report.warnings) {
+        warnings.push_back(name + warning);
+    }
+    warnings.push_back(transposed_warning(name, options, matrix));
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         warnings.push_back(std::move(warning));
     }

@@ -26,7 +26,8 @@ struct LoadOptions {
     /// Whether delimited text has names of its rows.
     bool has_names = true;
     /// The column of the names in delimited text: what its header says, or else the number of its
-    /// field, from 1. Empty: what the layout of the file says, or else the first.
+    /// field, from 1; "#3" is field 3 whatever the headers are. Empty: what the layout of the file
+    /// says, or else the first.
     std::string names_column;
     /// Columns of delimited text that are no values, by header or by number as above.
     std::vector<std::string> skip_columns;

@@ -11,8 +11,9 @@
 namespace ovik {
 
 /// Names columns that are unlike all others, as identifiers, lengths and numbers of clusters are:
-/// whole numbers alone where most columns have fractions, or values that are all far above those of
-/// the other columns. Empty if there are none. Values that are all equal say nothing.
+/// numbers that count the rows, whole numbers alone where most columns have fractions, values that
+/// are all far above those of the other columns, or whole numbers under a header such as "length".
+/// Empty if there are none. Values that are all equal say nothing.
 ///
 /// @param path    for the message
 /// @param spell   how the message names the option that leaves a column out
@@ -21,8 +22,8 @@ std::string odd_columns_warning(const std::string& path,
                                 const OptionSpelling& spell,
                                 const InspectedMatrix& matrix);
 
-/// Names rows that are called "Total", "mean", "time" and the like, as sums below a table and
-/// second header lines are. Empty if there are none.
+/// Names rows that are called "Total", "mean", "time", "dose" and the like, as sums below a table
+/// and second header lines are. Empty if there are none.
 std::string odd_rows_warning(const std::string& path, const InspectedMatrix& matrix);
 
 }  // namespace ovik

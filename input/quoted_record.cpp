@@ -86,4 +86,21 @@ QuotedRecord first_record(std::string_view text, char delimiter) {
     }
 }
 
+std::vector<std::string_view> fields_over_lines(std::string_view record, char delimiter) {
+    std::vector<std::string_view> fields;
+    const std::string_view trimmed = trimmed_matrix_line(record);
+    auto at = static_cast<std::size_t>(trimmed.data() - record.data());
+    while (at < record.size()) {
+        const auto close =
+            record[at] == '"' ? quoted_record::closing_quote(record, at, delimiter) : std::nullopt;
+        const std::size_t end = close.value_or(at);
+        const std::string_view between = record.substr(at, end - at);
+        if (between.find('\n') != kNowhere) {
+            fields.push_back(between.substr(1));
+        }
+        at = std::min(record.find(delimiter, end), record.size() - 1) + 1;
+    }
+    return fields;
+}
+
 }  // namespace ovik

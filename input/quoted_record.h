@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "util/matrix_line.h"
 
@@ -29,6 +30,10 @@ struct QuotedRecord {
 ///
 /// @param text  not empty; opens a line
 QuotedRecord first_record(std::string_view text, char delimiter);
+
+/// The fields of a record without a bad quote that hold line feeds, with what stands between their
+/// quotes.
+std::vector<std::string_view> fields_over_lines(std::string_view record, char delimiter);
 
 /// Whether a trimmed record is a row: neither empty nor a comment, and more than delimiters, which
 /// spreadsheets write for empty rows.

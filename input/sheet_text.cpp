@@ -46,8 +46,13 @@ std::optional<std::size_t> column_of(std::string_view reference) {
     return letters == 0 || column > kMostColumns ? std::nullopt : std::optional(column - 1);
 }
 
+/// A text as a field of one line: line ends become blanks, as in quoted fields of text.
 std::string quoted_if_needed(std::string text) {
-    if (text.find_first_of("\t\r\n\"") == std::string::npos) {
+    for (std::size_t at = text.find_first_of("\r\n"); at != std::string::npos;
+         at = text.find_first_of("\r\n", at + 1)) {
+        text.replace(at, text.compare(at, 2, "\r\n") == 0 ? 2 : 1, " ");
+    }
+    if (text.find_first_of("\t\"") == std::string::npos) {
         return text;
     }
     for (std::size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 2)) {
@@ -69,27 +74,11 @@ class SheetWriter {
         for (; lines_ < number; ++lines_) {
             sheet_.text += '\n';
         }
-        std::size_t cells = 0;
-        std::size_t columns = 0;
-        std::size_t next = 0;
-        for (const pugi::xml_node cell : row.children()) {
-            if (tag_of(cell) != "c") {
-                continue;
-            }
-            const std::size_t column = columnOf(cell, next);
-            next = column + 1;
-            const std::string text = textOf(cell, {number, column});
-            if (text.empty()) {
-                continue;
-            }
-            sheet_.text.append(column - (columns == 0 ? 0 : columns - 1), '\t');
-            sheet_.text += text;
-            columns = column + 1;
-            ++cells;
-        }
-        has_table_begun_ = has_table_begun_ || cells > 1;
-        if (has_table_begun_ && cells > 0) {
-            sheet_.text.append(width_ - columns, '\t');
+        const RowOutline outline = addCells(row, number);
+        quoteName(outline);
+        has_table_begun_ = has_table_begun_ || outline.cells > 1;
+        if (has_table_begun_ && outline.cells > 0) {
+            sheet_.text.append(width_ - outline.columns, '\t');
         }
         sheet_.text += '\n';
         ++lines_;
@@ -101,6 +90,56 @@ class SheetWriter {
     SheetText take() { return std::move(sheet_); }
 
   private:
+    /// What a row has: cells that are not empty, numbers among them, columns up to the last, and
+    /// where the first of them begins and ends in the text.
+    struct RowOutline {
+        std::size_t cells = 0;
+        std::size_t numbers = 0;
+        std::size_t columns = 0;
+        std::size_t first_begin = 0;
+        std::size_t first_end = 0;
+    };
+
+    RowOutline addCells(const pugi::xml_node& row, std::size_t number) {
+        RowOutline outline;
+        std::size_t next = 0;
+        for (const pugi::xml_node cell : row.children()) {
+            if (tag_of(cell) != "c") {
+                continue;
+            }
+            const std::size_t column = columnOf(cell, next);
+            next = column + 1;
+            const CellPlace place = {number, column};
+            const bool is_first = outline.cells == 0;
+            const std::string text =
+                is_first && isError(cell) ? errorName(cell, place) : textOf(cell, place);
+            if (text.empty()) {
+                continue;
+            }
+            sheet_.text.append(column - (is_first ? 0 : outline.columns - 1), '\t');
+            sheet_.text += text;
+            if (is_first) {
+                outline.first_end = sheet_.text.size();
+                outline.first_begin = outline.first_end - text.size();
+            }
+            outline.columns = column + 1;
+            ++outline.cells;
+            outline.numbers += isNumber(cell) ? 1 : 0;
+        }
+        return outline;
+    }
+
+    /// Quotes the first cell of the row that came last if it opens with "#", though half of the
+    /// cells or more are numbers: such a row below the header is no remark.
+    void quoteName(const RowOutline& outline) {
+        const bool is_remark =
+            outline.cells > 0 && sheet_.text.compare(outline.first_begin, 1, "#") == 0;
+        if (is_remark && has_header_come_ && 2 * outline.numbers >= outline.cells) {
+            sheet_.text.insert(outline.first_end, 1, '"').insert(outline.first_begin, 1, '"');
+        }
+        has_header_come_ = has_header_come_ || (outline.cells > 1 && !is_remark);
+    }
+
     /// @param next  the column of a cell that does not say its own
     [[nodiscard]] std::size_t columnOf(const pugi::xml_node& cell, std::size_t next) const {
         const pugi::xml_attribute reference = cell.attribute("r");
@@ -135,6 +174,24 @@ class SheetWriter {
         }
         return type.empty() || type == "n" ? numberText(cell, std::move(text))
                                            : quoted_if_needed(std::move(text));
+    }
+
+    static bool isError(const pugi::xml_node& cell) {
+        return std::string_view(cell.attribute("t").value()) == "e";
+    }
+
+    /// The first cell of a row is its name, and no value.
+    std::string errorName(const pugi::xml_node& cell, const CellPlace& place) {
+        std::string error = child(cell, "v").text().get();
+        if (!error.empty() && sheet_.error_names++ == 0) {
+            sheet_.first_error_name = place_text(place) + " (" + error + ")";
+        }
+        return error;
+    }
+
+    static bool isNumber(const pugi::xml_node& cell) {
+        const std::string_view type = cell.attribute("t").value();
+        return type.empty() || type == "n";
     }
 
     /// What a formula gives is not in the file of a program that does not calculate.
@@ -184,6 +241,7 @@ class SheetWriter {
     std::size_t width_;
     std::size_t lines_ = 0;
     bool has_table_begun_ = false;
+    bool has_header_come_ = false;
     SheetText sheet_;
 };
 
@@ -201,13 +259,39 @@ std::size_t width_of(const pugi::xml_node& rows) {
     return width;
 }
 
+bool is_hidden(const pugi::xml_node& node) {
+    const std::string_view value = node.attribute("hidden").value();
+    return value == "1" || value == "true";
+}
+
+std::size_t hidden_rows_of(const pugi::xml_node& rows) {
+    const auto list = rows.children();
+    return static_cast<std::size_t>(
+        std::count_if(list.begin(), list.end(), [](const pugi::xml_node& row) {
+            return is_hidden(row) && child(row, "c");
+        }));
+}
+
+/// The hidden columns among the first ones.
+std::size_t hidden_columns_of(const pugi::xml_node& columns, std::size_t width) {
+    std::size_t hidden = 0;
+    for (const pugi::xml_node column : columns.children()) {
+        const std::size_t first = column.attribute("min").as_ullong();
+        const std::size_t last = std::min<std::size_t>(column.attribute("max").as_ullong(), width);
+        hidden += is_hidden(column) && first >= 1 && first <= last ? last - first + 1 : 0;
+    }
+    return hidden;
+}
+
 }  // namespace
 
 SheetText text_of_sheet(const std::string& name,
                         const pugi::xml_document& sheet,
                         const CellRules& rules) {
-    const pugi::xml_node rows = child(child(sheet, "worksheet"), "sheetData");
-    SheetWriter writer(name, rules, width_of(rows));
+    const pugi::xml_node worksheet = child(sheet, "worksheet");
+    const pugi::xml_node rows = child(worksheet, "sheetData");
+    const std::size_t width = width_of(rows);
+    SheetWriter writer(name, rules, width);
     std::size_t next = 0;
     for (const pugi::xml_node row : rows.children()) {
         const pugi::xml_attribute number = row.attribute("r");
@@ -219,7 +303,10 @@ SheetText text_of_sheet(const std::string& name,
         writer.add(row, place);
         next = place + 1;
     }
-    return writer.take();
+    SheetText text = writer.take();
+    text.hidden_rows = hidden_rows_of(rows);
+    text.hidden_columns = hidden_columns_of(child(worksheet, "cols"), width);
+    return text;
 }
 
 }  // namespace ovik

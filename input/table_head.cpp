@@ -9,6 +9,7 @@
 #include "input/header_line.h"
 #include "input/matrix_guess.h"
 #include "input/quoted_record.h"
+#include "input/text_lines.h"
 #include "util/input_error.h"
 #include "util/line_blocks.h"
 #include "util/matrix_line.h"
@@ -18,12 +19,6 @@ namespace ovik {
 namespace {
 
 constexpr std::size_t kRowsLookedAt = 20;
-
-std::vector<std::string_view> lines_of(std::string_view text) {
-    std::vector<std::string_view> lines;
-    for_each_line(text, [&](std::string_view line) { lines.push_back(line); });
-    return lines;
-}
 
 /// The lines of the head that are whole, without a byte order mark.
 std::string_view text_of(const MatrixSource& source) {
@@ -37,21 +32,13 @@ std::optional<char> delimiter_line(std::string_view text) {
     return text.starts_with("sep=") && end == 5 ? std::optional(text[4]) : std::nullopt;
 }
 
-bool opens_as_geo(std::string_view text) {
-    constexpr std::array<std::string_view, 7> kOpenings = {
-        "!Series_", "!Sample_", "!dataset", "^DATABASE", "^DATASET", "^SERIES", "^PLATFORM"};
-    return std::any_of(kOpenings.begin(), kOpenings.end(), [text](std::string_view opening) {
-        return text.starts_with(opening);
-    });
-}
-
 /// The line behind the one that says that the table begins, from 0.
 ///
 /// @param source  its head grows until it holds that line and rows behind it
 /// @throws InputError if there is none
 std::size_t header_behind_table_begin(MatrixSource& source) {
     while (true) {
-        const std::vector<std::string_view> lines = lines_of(text_of(source));
+        const std::vector<std::string_view> lines = line_views(text_of(source));
         const auto begin = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
             return line.starts_with("!series_matrix_table_begin") ||
                    line.starts_with("!dataset_table_begin");
@@ -105,20 +92,41 @@ std::size_t first_text_line(std::string_view text) {
     return found;
 }
 
+/// The delimiters with which a record opens, if trimming takes them away.
+std::size_t empty_fields_in_front(std::string_view record, char delimiter) {
+    return trimmed_matrix_line(record).starts_with(delimiter)
+               ? 0
+               : delimiters_in_front(record, delimiter);
+}
+
 void read_rows(std::string_view text, TableHead& head) {
     while (!text.empty() && head.rows.size() < kRowsLookedAt) {
         const QuotedRecord record = first_record(text, head.delimiter);
         const std::string_view row = text.substr(0, record.length);
         text.remove_prefix(record.length);
         if (is_record_row(trimmed_matrix_line(row), head.delimiter)) {
+            const std::size_t front = empty_fields_in_front(row, head.delimiter);
+            head.empty_front = head.rows.empty() ? front : std::min(head.empty_front, front);
             head.rows.push_back(fields_of(row, head.delimiter, false));
-            head.row_fields = std::max(head.row_fields, head.rows.back().size());
+            const std::size_t fields = head.rows.back().size();
+            const std::size_t untrimmed =
+                fields + empty_fields_behind(row, trimmed_matrix_line(row), head.delimiter);
+            head.untrimmed_fields =
+                head.rows.size() == 1 ? untrimmed : std::min(head.untrimmed_fields, untrimmed);
+            head.row_fields = std::max(head.row_fields, fields);
         }
     }
 }
 
+/// Where the header has a field for each empty one in front of the rows, they are a column.
+std::size_t most_empty_front(std::string_view record, const TableHead& head) {
+    const bool has_all =
+        fields_of(record, head.delimiter, true).size() == head.row_fields + head.empty_front;
+    return has_all ? empty_fields_in_front(record, head.delimiter) : head.empty_front;
+}
+
 /// Puts the fields of a header where a row has them: a field for the names may be left out, or
-/// trimmed away.
+/// trimmed away, as empty ones at the end are.
 std::vector<std::string> aligned_header(std::string_view record, TableHead& head) {
     std::vector<std::string> whole = fields_of(record, head.delimiter, true);
     std::vector<std::string> usual = fields_of(record, head.delimiter, false);
@@ -126,6 +134,11 @@ std::vector<std::string> aligned_header(std::string_view record, TableHead& head
     std::vector<std::string>& header =
         whole.size() == fields || (usual.size() != fields && whole.size() + 1 == fields) ? whole
                                                                                          : usual;
+    const std::size_t untrimmed =
+        header.size() + empty_fields_behind(record, trimmed_matrix_line(record), head.delimiter);
+    if (header.size() < fields && untrimmed >= fields && untrimmed == head.untrimmed_fields) {
+        header.resize(fields);
+    }
     if (header.size() + 1 == fields) {
         header.insert(header.begin(), "");
         head.lacks_names_header = true;
@@ -169,18 +182,24 @@ TableHead read_table_head(MatrixSource& source, const LoadOptions& options) {
     TableHead head;
     const std::optional<std::size_t> header = header_line(source, options, known, head);
     const std::string_view text = text_of(source);
-    std::string_view rows = without_lines(text, header.value_or(0));
-    for (const std::string_view line : lines_of(text.substr(0, text.size() - rows.size()))) {
+    // Without a header, the line that gives the delimiter is still no row.
+    const std::size_t above = header.value_or(delimiter_line(text) ? 1 : 0);
+    std::string_view rows = without_lines(text, above);
+    for (const std::string_view line : line_views(text.substr(0, text.size() - rows.size()))) {
         head.opening.emplace_back(trimmed_matrix_line(line));
     }
     const std::size_t header_bytes =
         header && !rows.empty() ? first_record(rows, head.delimiter).length : 0;
     const std::string_view record = rows.substr(0, header_bytes);
     rows.remove_prefix(header_bytes);
-    head.lines_above = header.value_or(0) + lines_of(record).size();
+    head.lines_above = above + line_views(record).size();
     read_rows(rows, head);
     if (header) {
+        head.empty_front = std::min(head.empty_front, most_empty_front(record, head));
         head.header = aligned_header(record, head);
+    } else if (!options.has_names) {
+        // Without names, the first column may be one of missing values.
+        head.empty_front = 0;
     }
     return head;
 }
@@ -197,6 +216,14 @@ std::vector<std::string> fields_of(std::string_view record, char delimiter, bool
         fields.emplace_back(field, field_end);
     });
     return fields;
+}
+
+bool opens_as_geo(std::string_view text) {
+    constexpr std::array<std::string_view, 7> kOpenings = {
+        "!Series_", "!Sample_", "!dataset", "^DATABASE", "^DATASET", "^SERIES", "^PLATFORM"};
+    return std::any_of(kOpenings.begin(), kOpenings.end(), [text](std::string_view opening) {
+        return text.starts_with(opening);
+    });
 }
 
 }  // namespace ovik

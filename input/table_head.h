@@ -28,6 +28,11 @@ struct TableHead {
     std::vector<std::vector<std::string>> rows;
     /// Fields of the longest of these rows.
     std::size_t row_fields = 0;
+    /// Fields that every one of these rows has, with those that trimming has taken from its end.
+    std::size_t untrimmed_fields = 0;
+    /// Empty fields in front of each of these rows that are no fields of its own: the header has
+    /// none, or as many.
+    std::size_t empty_front = 0;
 };
 
 /// Finds header and rows at the start of a text: behind the `#1.2` of a GCT file, behind the
@@ -37,6 +42,9 @@ struct TableHead {
 /// @throws InputError if there are no numbers and no delimiter is given, or no header can be told
 /// from a row
 TableHead read_table_head(MatrixSource& source, const LoadOptions& options);
+
+/// Whether a text opens as the files of GEO do.
+bool opens_as_geo(std::string_view text);
 
 /// The fields of a record as they are read, trimmed and without quotes. A delimiter at its start
 /// stays if `keeps_front`.

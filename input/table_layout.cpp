@@ -1,5 +1,9 @@
 #include "input/table_layout.h"
 
+#include <algorithm>
+
+#include "input/field_kind.h"
+
 namespace ovik {
 
 std::size_t TableLayout::valuesAmong(std::size_t fields) const {
@@ -35,6 +39,22 @@ std::string TableLayout::fieldText(std::size_t field) const {
     return field < header.size() && !header[field].empty()
                ? "column \"" + header[field] + "\" (" + number + ")"
                : number;
+}
+
+std::string column_handle(const std::vector<std::string>& header, std::size_t field) {
+    const std::string_view name =
+        field < header.size() ? without_blanks(header[field]) : std::string_view();
+    const bool is_number = name.find_first_not_of("0123456789") == std::string_view::npos;
+    const bool is_plain = !is_number && !name.starts_with('#') &&
+                          name.find(',') == std::string_view::npos &&
+                          std::count_if(header.begin(), header.end(), [name](const auto& other) {
+                              return without_blanks(other) == name;
+                          }) == 1;
+    return is_plain ? std::string(name) : field_handle(field);
+}
+
+std::string field_handle(std::size_t field) {
+    return "#" + std::to_string(field + 1);
 }
 
 }  // namespace ovik

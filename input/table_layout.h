@@ -23,6 +23,9 @@ struct TableLayout {
     std::optional<char> decimal;
     /// Lines of the file in front of the first that may be a row.
     std::size_t lines_above = 1;
+    /// Empty fields with which every row opens and which are no columns: fields are counted behind
+    /// them.
+    std::size_t empty_front = 0;
     /// What the header calls each field of a row; empty if the file has no header.
     std::vector<std::string> header;
     /// The field of the names; none if rows have no names.
@@ -37,6 +40,8 @@ struct TableLayout {
     std::optional<std::size_t> promised_rows;
     /// What there is to tell the user of how the file is taken, a sentence each.
     std::vector<std::string> notes;
+    /// What of it may not be as the user means it; opens with ":" and the line, or with ": ".
+    std::vector<std::string> warnings;
 
     /// Whether a field is a value.
     [[nodiscard]] bool isValue(std::size_t field) const {
@@ -58,5 +63,15 @@ struct TableLayout {
     /// What messages call a field: its header and its number, counted from 1.
     [[nodiscard]] std::string fieldText(std::size_t field) const;
 };
+
+/// What options call a column so that it cannot be another one: its header, or "#3" for field 3 if
+/// the header is empty, a number, of several columns or not to be told apart in a list.
+///
+/// @param header  of all fields; may be shorter
+/// @param field   from 0
+std::string column_handle(const std::vector<std::string>& header, std::size_t field);
+
+/// The same for a field that has no header: "#3" for field 3.
+std::string field_handle(std::size_t field);
 
 }  // namespace ovik

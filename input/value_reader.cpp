@@ -6,20 +6,20 @@
 
 namespace ovik {
 
-namespace {
-
 char decimal_of_locale() {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): only read, before threads are started
     return std::localeconv()->decimal_point[0];
 }
 
-}  // namespace
-
 ValueReader::ValueReader(std::optional<char> decimal, std::vector<std::string> missing_signs)
     : missing_signs_(std::move(missing_signs)),
       decimal_(decimal.value_or(decimal_of_locale())),
       locale_decimal_(decimal_of_locale()),
-      is_special_(decimal_ != locale_decimal_ || !missing_signs_.empty()) {}
+      is_special_(decimal_ != locale_decimal_ || !missing_signs_.empty()) {
+    for (std::string& sign : missing_signs_) {
+        sign = std::string(without_blanks(sign));
+    }
+}
 
 FieldKind ValueReader::readSpecial(const char* field, const char* end, double& value) const {
     const std::string_view text(field, static_cast<std::size_t>(end - field));

@@ -9,13 +9,18 @@
 
 namespace ovik {
 
+/// The decimal sign of this thread's locale.
+char decimal_of_locale();
+
 /// Reads the value fields of delimited text.
 class ValueReader {
   public:
     /// Takes note of the locale of this thread; fields have to be read under the same one.
     ///
     /// @param decimal        the decimal sign; not given: that of the locale
-    /// @param missing_signs  texts that stand for a missing value besides the usual ones
+    /// @param missing_signs  texts that stand for a missing value besides the usual ones; blanks
+    /// around
+    ///                       them do not count
     explicit ValueReader(std::optional<char> decimal = std::nullopt,
                          std::vector<std::string> missing_signs = {});
 

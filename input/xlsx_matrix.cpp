@@ -1,7 +1,6 @@
 #include "input/xlsx_matrix.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "input/delimited_text.h"
+#include "input/value_reader.h"
 #include "input/workbook.h"
 #include "util/counted.h"
 #include "util/input_error.h"
@@ -17,12 +17,6 @@
 namespace ovik {
 
 namespace {
-
-/// The decimal sign by which text is read where none is given.
-char decimal_of_locale() {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): only read, before threads are started
-    return std::localeconv()->decimal_point[0];
-}
 
 std::string all_bytes_of(MatrixSource& source) {
     std::string bytes = source.takeHead();
@@ -83,10 +77,21 @@ InspectedMatrix read_xlsx_matrix(MatrixSource& source, const LoadOptions& option
         notes.push_back("read is the first of " + std::to_string(names.size()) + " sheets, \"" +
                         names[sheet] + "\"" + other_sheets(workbook, options.spell));
     }
+    if (content.hidden_rows + content.hidden_columns > 0) {
+        notes.push_back("hidden parts of the sheet are read as the others are: " +
+                        counted(content.hidden_rows, "row", "rows") + ", " +
+                        counted(content.hidden_columns, "column", "columns"));
+    }
     if (content.errors > 0) {
         notes.push_back(counted(content.errors, "cell holds an error", "cells hold errors") +
                         ", taken as missing: " + content.first_error +
                         (content.errors > 1 ? ", ..." : ""));
+    }
+    if (content.error_names > 0) {
+        matrix.report.warnings.push_back(
+            ": " + counted(content.error_names, "row opens", "rows open") +
+            " with an error in the place of a name: " + content.first_error_name +
+            (content.error_names > 1 ? ", ..." : "") + "\nGive such rows their names.");
     }
     return matrix;
 }

@@ -41,8 +41,65 @@ TEST(BlockOfRows, CountsTheLinesWithinQuotes) {
     EXPECT_EQ(block.first_bad_quote_line, std::nullopt);
 }
 
+TEST(BlockOfRows, TakesNoteOfRowsThatGoOnOverLineEnds) {
+    const BlockOfRows block =
+        block_of("G1,1,2\n\"G2,1,2\nG3,1,2\nG4\",3,4\nG5,5,6\n\"G\n6\",7,8\n\"G7\",1,2\n");
+    EXPECT_THAT(block.names, ElementsAre("G1", "G2,1,2 G3,1,2 G4", "G5", "G 6", "G7"));
+    EXPECT_EQ(block.report.rows_over_lines.count, 2U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.count, 1U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.first_line, 2U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.last_line, 4U);
+    EXPECT_EQ(block.lines, 8U);
+}
+
+TEST(BlockOfRows, TakesDescriptionsWithLineEndsForNoRows) {
+    const BlockOfRows block = block_of("G1,\"one, of\nthe list\",1,2,3,4\n");
+    EXPECT_EQ(block.report.rows_over_lines.count, 1U);
+    EXPECT_EQ(block.report.rows_that_may_be_several.count, 0U);
+}
+
+TEST(BlockOfRows, KeepsCommentsThatMayBeRows) {
+    const BlockOfRows block =
+        block_of("G1,1,2\n#N/A,3,4\n# a remark, of 2020, and more\n#,,\n# 5\n  #1,5,\n");
+    ASSERT_EQ(block.comments.size(), 2U);
+    EXPECT_EQ(block.comments[0].line, 2U);
+    EXPECT_EQ(block.comments[0].first_field, "#N/A");
+    EXPECT_EQ(block.comments[0].length.values, 2U);
+    EXPECT_EQ(block.comments[1].first_field, "#1");
+    EXPECT_EQ(block.comments[1].length.values, 1U);
+    EXPECT_EQ(block.comments[1].length.untrimmed, 2U);
+    EXPECT_THAT(block.names, ElementsAre("G1"));
+}
+
 TEST(BlockOfRows, KnowsTheLineOfAQuoteThatNothingCloses) {
     EXPECT_EQ(block_of("G1,1\nG2,\"2\nG3,3\n").first_bad_quote_line, 2U);
+}
+
+TEST(BlockOfRows, CountsFieldsBehindTheEmptyOnesOfEveryRow) {
+    TableLayout layout;
+    layout.empty_front = 1;
+    layout.leaveOut(1);
+    const BlockOfRows block = block_of("\tG1\t7\t1\nG2\t8\t2\n\t\t9\t3\n", layout);
+    EXPECT_THAT(block.names, ElementsAre("G1", "G2", ""));
+    EXPECT_THAT(block.values, ElementsAre(1.0, 2.0, 3.0));
+    EXPECT_EQ(block.report.unnamed.count, 1U);
+}
+
+TEST(BlockOfRows, TakesANumberOrAMissingValueBehindALostNameForAValue) {
+    for (const char* const row : {"\t1\t2\n", "\tNA\t2\n", "\t-\t2\n"}) {
+        EXPECT_EQ(block_of(row, TableLayout()).report.lost_names.count, 1U) << row;
+    }
+    for (const char* const row : {"\tG1\t2\n", "NA\t2\n", "7\t2\n"}) {
+        EXPECT_EQ(block_of(row, TableLayout()).report.lost_names.count, 0U) << row;
+    }
+    TableLayout layout;
+    layout.empty_front = 1;
+    EXPECT_EQ(block_of("\tNA\t2\n", layout).report.lost_names.count, 0U);
+    EXPECT_EQ(block_of("\t\tNA\t2\n", layout).report.lost_names.count, 1U);
+    layout.names_field = 1;
+    EXPECT_EQ(block_of("\tG1\t1\t2\n", layout).report.lost_names.count, 0U);
+    layout.names_field.reset();
+    EXPECT_EQ(block_of("\t\t1\t2\n", layout).report.lost_names.count, 0U);
 }
 
 TEST(BlockOfRows, LeavesOutWhatTheLayoutSaysAndEndsWhereItSays) {

@@ -426,5 +426,46 @@ TEST_F(DelimitedText, FollowsTheLocaleOfTheCaller) {
     freelocale(german);
 }
 
+TEST_F(DelimitedText, TellsOfCommentsThatHaveTheFieldsOfARow) {
+    const InspectedMatrix matrix = inspect(
+        "h\ta\tb\nG1\t1\t2\n#N/A\t3\t4\n# 2\t5\n#\tof\tall\n#G4\t5\t6\n#2\t7\n#3\t7\t\nG5\t8\t9\n");
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", "G5"));
+    EXPECT_EQ(matrix.report.skipped_rows.count, 1U);
+    EXPECT_EQ(matrix.report.skipped_rows.places.at(0).line, 6U);
+    EXPECT_EQ(matrix.report.skipped_names.count, 2U);
+    EXPECT_EQ(matrix.report.skipped_names.places.at(0).text, "#N/A");
+    EXPECT_EQ(matrix.report.skipped_names.places.at(1).line, 8U);
+}
+
+TEST_F(DelimitedText, WarnsOfRowsWithinTheQuotesOfOne) {
+    const InspectedMatrix matrix =
+        read("gene\ta\tb\nG1\t1\t2\n\"TUB1\t3\t4\nG3\t5\t6\nPGK1\"\t7\t8\nG5\t1\t1\n");
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", "TUB1\t3\t4 G3\t5\t6 PGK1", "G5"));
+    ASSERT_EQ(matrix.report.warnings.size(), 1U);
+    EXPECT_THAT(matrix.report.warnings[0], testing::StartsWith(":3: lines 3 to 5 are one row"));
+    EXPECT_THAT(read("gene\ta\tb\nG1\t1\t2\n\"G\n2\"\t3\t4\n").report.notes,
+                ElementsAre("lines 3 to 4 are one row, with a line end in quotes"));
+}
+
+TEST_F(DelimitedText, IsReadBehindLinesThatAreLongerThanTheHead) {
+    constexpr std::size_t kColumns = 40000;
+    constexpr std::size_t kLines = 30;
+    const auto line = [](const std::string& name, const std::string& value) {
+        std::string text = name;
+        for (std::size_t d = 0; d < kColumns; ++d) {
+            text += '\t' + value;
+        }
+        return text + '\n';
+    };
+    std::string content = "#1.3\n3\t40000\t0\t30\n" + line("id", "s");
+    for (std::size_t n = 0; n < kLines; ++n) {
+        content += line("dose", "5");
+    }
+    const InspectedMatrix matrix =
+        read(content + line("G1", "1") + line("G2", "2") + line("G3", "3"));
+    EXPECT_THAT(matrix.row_names, ElementsAre("G1", "G2", "G3"));
+    EXPECT_THAT(matrix.row_lines, ElementsAre(34U, 35U, 36U));
+}
+
 }  // namespace
 }  // namespace ovik

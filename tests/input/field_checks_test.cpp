@@ -111,7 +111,7 @@ TEST_F(CheckFields, RefusesColumnsOfTextByName) {
     EXPECT_THAT(refusal(), HasSubstr("with skip-columns a,b;"));
     // Headers that options cannot tell apart are numbers.
     layout_.header = {"gene", "x,y", "x,y"};
-    EXPECT_THAT(refusal(), HasSubstr("with skip-columns 2,3;"));
+    EXPECT_THAT(refusal(), HasSubstr("with skip-columns #2,#3;"));
 }
 
 TEST_F(CheckFields, RefusesSingleTexts) {

@@ -1,5 +1,8 @@
 #include "input/header_line.h"
 
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -94,6 +97,29 @@ TEST(LooksLikeGene, AsksTheCallerToo) {
     EXPECT_FALSE(looks_like_gene("CDC28", options));
     options.is_gene = [](const std::string& name) { return name == "CDC28"; };
     EXPECT_TRUE(looks_like_gene("CDC28", options));
+}
+
+TEST(MayBeRow, IsSaidOfNumbersBehindWhatIsNotKnownToHeadNames) {
+    const std::vector<std::string> rising = {"137", "582", "867"};
+    const std::vector<std::string> counts = {"12", "30", "4"};
+    for (const auto& values : {rising, counts}) {
+        EXPECT_TRUE(may_be_row(true, "TP53", values, {}));
+        EXPECT_TRUE(may_be_row(true, "15S_rRNA", values, {}));
+        EXPECT_FALSE(may_be_row(true, "gene", values, {}));
+        EXPECT_FALSE(may_be_row(true, "", values, {}));
+    }
+    EXPECT_FALSE(may_be_row(true, "TP53", {"a", "b", "1"}, {}));
+    EXPECT_TRUE(may_be_row(false, "", counts, {}));
+    EXPECT_FALSE(may_be_row(false, "", rising, {}));
+}
+
+TEST(HeadsNames, KnowsTheWordsHoweverTheyAreWritten) {
+    for (const char* const text : {"gene", "Gene ID", "gene_id", "PROBE.SET.ID", "Time (min)"}) {
+        EXPECT_TRUE(heads_names(text)) << text;
+    }
+    for (const char* const text : {"", "TP53", "CDC28", "id1", "gene CDC28"}) {
+        EXPECT_FALSE(heads_names(text)) << text;
+    }
 }
 
 }  // namespace

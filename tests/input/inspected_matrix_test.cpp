@@ -50,5 +50,13 @@ TEST(NoteInfiniteValues, PlacesThemByRowAndColumn) {
     EXPECT_EQ(matrix.report.not_finite.places.at(1).field, 3U);
 }
 
+TEST(NoteInfiniteValues, FindsNoneWhereRowsOfDifferentLengthLeaveNoValues) {
+    InspectedMatrix matrix;
+    matrix.report.rows = 2;
+    matrix.report.columns = 3;
+    note_infinite_values(matrix);
+    EXPECT_EQ(matrix.report.not_finite.count, 0U);
+}
+
 }  // namespace
 }  // namespace ovik

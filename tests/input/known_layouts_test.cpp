@@ -67,7 +67,7 @@ TEST(KnownLayouts, KnowTablesOfCluster) {
     EXPECT_EQ(pcl.name, "gene expression table (.pcl)");
     EXPECT_EQ(pcl.names_field, 0U);
     EXPECT_THAT(values_of(pcl), ElementsAre("a", "b"));
-    EXPECT_THAT(pcl.no_rows, ElementsAre("EWEIGHT", "AID"));
+    EXPECT_THAT(pcl.no_rows, ElementsAre("EWEIGHT", "EORDER", "AID"));
     const TableLayout cdt = layout_of_head(head_of({"GID", "UNIQID", "NAME", "GWEIGHT", "a"}));
     EXPECT_EQ(cdt.name, "gene expression table (.cdt)");
     EXPECT_EQ(cdt.names_field, 1U);
@@ -142,6 +142,17 @@ TEST(KnownLayouts, KnowTablesOfReadCounts) {
         ASSERT_THAT(layout.notes, SizeIs(1));
         EXPECT_THAT(layout.notes[0], HasSubstr("holds one sample"));
     }
+}
+
+TEST(KnownLayouts, LeaveOutTheOrdersOfCluster) {
+    const TableLayout ordered = layout_of_head(head_of(
+        {"YORF", "NAME", "GWEIGHT", "GORDER", "a", "b"}, {{"EWEIGHT", "", "", "", "1", "1"}}));
+    EXPECT_THAT(values_of(ordered), ElementsAre("a", "b"));
+    EXPECT_THAT(ordered.no_rows, testing::Contains("EORDER"));
+}
+
+TEST(KnownLayouts, TakeARemarkForNoTableOfGeo) {
+    EXPECT_EQ(layout_of_head(head_of({"gene", "a", "b"}, {}, {"! made by lab X"})).name, "");
 }
 
 }  // namespace

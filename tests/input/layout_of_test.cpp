@@ -64,16 +64,30 @@ TEST_F(LayoutOf, LeavesOutTheColumnsThatAreNamed) {
     options_.skip_columns = {"gene", "4"};
     EXPECT_THAT(valuesOf(kAnnotated), ElementsAre(2U, 4U));
     options_.skip_columns = {"gene", "none"};
-    EXPECT_THAT(
-        refusal(kAnnotated),
-        HasSubstr("m: there is no column \"none\" (skip-columns)\nThe columns are \"id\", "
-                  "\"gene\", \"a\", \"note\", \"b\"; their numbers, from 1, will do, too."));
+    EXPECT_THAT(refusal(kAnnotated),
+                HasSubstr("m: there is no column \"none\" (skip-columns)\nThe columns are \"id\", "
+                          "\"gene\", \"a\", \"note\", \"b\"; \"#1\" is always the first."));
     options_.skip_columns = {"6"};
     EXPECT_THAT(refusal(kAnnotated), HasSubstr("there is no column \"6\""));
     options_.skip_columns = {"id"};
     EXPECT_THAT(refusal(kAnnotated), HasSubstr("holds the names of the rows"));
     options_.skip_columns = {"a"};
-    EXPECT_THAT(refusal("g\ta\ta\nG1\t1\t2\n"), HasSubstr("Say which by its number: 2, 3."));
+    EXPECT_THAT(refusal("g\ta\ta\nG1\t1\t2\n"), HasSubstr("Say which by its number: #2, #3."));
+}
+
+TEST_F(LayoutOf, TakesANumberBehindAHashForAFieldWhateverTheHeadersAre) {
+    constexpr const char* kNumbered = "gene\t\t3\t2\t#2\nG1\tx\t1\t2\t3\nG2\ty\t3\t4\t5\n";
+    options_.skip_columns = {"#2"};
+    EXPECT_THAT(valuesOf(kNumbered), ElementsAre(2U, 3U, 4U));
+    options_.skip_columns = {"2"};
+    EXPECT_THAT(valuesOf(kNumbered), ElementsAre(1U, 2U, 4U));
+    options_.skip_columns = {"#2", "5"};
+    EXPECT_THAT(valuesOf(kNumbered), ElementsAre(2U, 3U));
+    options_.skip_columns = {"#6"};
+    EXPECT_THAT(refusal(kNumbered), HasSubstr("there is no column \"#6\""));
+    options_.skip_columns = {};
+    options_.names_column = "#2";
+    EXPECT_EQ(layout(kNumbered).names_field, 1U);
 }
 
 TEST_F(LayoutOf, TakesNamesFromTheColumnThatIsNamed) {
@@ -112,6 +126,21 @@ TEST_F(LayoutOf, RefusesARowInThePlaceOfTheHeader) {
     options_.skip_columns = {"2"};
     EXPECT_THAT(refusal("YAL001C\tTFC3\t0.5\t0.1\nYAL002W\tVPS8\t1\t2\n"),
                 HasSubstr("looks like a row"));
+}
+
+TEST_F(LayoutOf, WarnsOfWhatMayBeARowInThePlaceOfTheHeader) {
+    EXPECT_THAT(
+        layout("TP53\t137\t582\nRB1\t1\t2\nMYC\t3\t2\n").warnings,
+        ElementsAre(":1: the line in the place of the header may be a row (\"TP53\" and numbers), "
+                    "and is no row of the map\nIf there is no header, say no-header; if it is the "
+                    "header, call its first field \"gene\"."));
+    for (const char* const content : {"gene\t0\t10\nRB1\t1\t2\nMYC\t3\t2\n",
+                                      "\t0\t10\nRB1\t1\t2\nMYC\t3\t2\n",
+                                      "TP53\ta\tb\nRB1\t1\t2\nMYC\t3\t2\n"}) {
+        EXPECT_THAT(layout(content).warnings, IsEmpty()) << content;
+    }
+    options_.has_header = false;
+    EXPECT_THAT(layout("TP53\t137\t582\nRB1\t1\t2\nMYC\t3\t2\n").warnings, IsEmpty());
 }
 
 TEST_F(LayoutOf, RefusesDelimitersThatSeemToStandWithinFields) {

@@ -102,5 +102,14 @@ TEST(FirstRecord, TellsWhereAQuoteOpensThatIsNotClosed) {
     EXPECT_TRUE(first_record("\"a\"\"\n", ',').is_open);
 }
 
+TEST(FieldsOverLines, AreThoseInQuotesWithLineFeeds) {
+    using testing::ElementsAre;
+    using testing::IsEmpty;
+    EXPECT_THAT(fields_over_lines("\"a\nb\",\"c\",\"d,\ne\"\n", ','), ElementsAre("a\nb", "d,\ne"));
+    EXPECT_THAT(fields_over_lines("  \"a\n\"\"b\",1", ','), ElementsAre("a\n\"\"b"));
+    EXPECT_THAT(fields_over_lines("\"a,b\",5\",c\n", ','), IsEmpty());
+    EXPECT_THAT(fields_over_lines("", ','), IsEmpty());
+}
+
 }  // namespace
 }  // namespace ovik

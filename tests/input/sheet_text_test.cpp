@@ -72,7 +72,7 @@ TEST_F(SheetAsText, DoesNotWidenATitleAboveTheTable) {
 
 TEST_F(SheetAsText, QuotesWhatHoldsTabsQuotesOrLineEnds) {
     EXPECT_EQ(text("<row><c t='s'><v>2</v></c><c t='s'><v>3</v></c></row>"),
-              "\"a\tb\"\t\"say \"\"x\"\"\n\"\n");
+              "\"a\tb\"\t\"say \"\"x\"\" \"\n");
 }
 
 TEST_F(SheetAsText, ShowsDatesAsTheSheetDoes) {
@@ -120,6 +120,36 @@ TEST_F(SheetAsText, IsRefusedWhereRowsOrCellsAreNotInOrder) {
                     HasSubstr("the cells of the sheet are not in order"))
             << cells;
     }
+}
+
+TEST_F(SheetAsText, QuotesNamesThatWouldMakeARowARemark) {
+    const std::string header =
+        "<row><c t='s'><v>0</v></c><c t='inlineStr'><is><t>a</t></is></c></row>";
+    const auto row = [](const std::string& first) {
+        return "<row>" + first + "<c><v>5</v></c></row>";
+    };
+    const std::string number = "<c t='inlineStr'><is><t>#1</t></is></c>";
+    EXPECT_EQ(text(header + row(number)), "gene\ta\n\"#1\"\t5\n");
+    // A remark above the header, and one of a single cell.
+    EXPECT_EQ(text(row(number) + header), "#1\t5\ngene\ta\n");
+    EXPECT_EQ(text(header + "<row>" + number + "</row>"), "gene\ta\n#1\t\n");
+    const SheetText errors = sheet(header + row("<c t='e'><v>#REF!</v></c>"));
+    EXPECT_EQ(errors.text, "gene\ta\n\"#REF!\"\t5\n");
+    EXPECT_EQ(errors.errors, 0U);
+    EXPECT_EQ(errors.error_names, 1U);
+    EXPECT_EQ(errors.first_error_name, "A2 (#REF!)");
+}
+
+TEST_F(SheetAsText, CountsHiddenRowsAndColumns) {
+    const XmlPart part("m.xlsx",
+                       "<worksheet><cols><col min='2' max='3' hidden='1'/><col min='5' max='5'/>"
+                       "<col min='6' max='16384' hidden='true'/></cols><sheetData>"
+                       "<row hidden='1'><c><v>1</v></c></row><row hidden='1'/>"
+                       "<row><c r='F3'><v>1</v></c></row></sheetData></worksheet>");
+    const SheetText found =
+        text_of_sheet("m.xlsx", part.document(), {strings_, formats_, false, '.'});
+    EXPECT_EQ(found.hidden_rows, 1U);
+    EXPECT_EQ(found.hidden_columns, 3U);
 }
 
 }  // namespace

@@ -49,6 +49,49 @@ TEST_F(ReadTableHead, PutsTheFieldsOfTheHeaderWhereTheRowsHaveThem) {
     EXPECT_THAT(head("a\nG1\t1\t2\n").header, ElementsAre("a"));
 }
 
+TEST_F(ReadTableHead, CountsEmptyHeadersAtTheEnd) {
+    for (const char* const content : {"g,a,b,\nG1,1,2,3\nG2,1,2,\n",
+                                      "g\ta\tb\t\r\nG1\t1\t2\t3\r\n",
+                                      "\xEF\xBB\xBFg,a,b,\nG1,1,2,3\n"}) {
+        const TableHead found = head(content);
+        EXPECT_THAT(found.header, ElementsAre("g", "a", "b", "")) << content;
+        EXPECT_FALSE(found.lacks_names_header) << content;
+    }
+    EXPECT_THAT(head("g,a,,\nG1,1,2,3\n").header, ElementsAre("g", "a", "", ""));
+    // Every line ends in a delimiter, and the header has none for the names.
+    const TableHead found = head("a\tb\t\nG1\t1\t2\t\nG2\t3\t4\t\n");
+    EXPECT_THAT(found.header, ElementsAre("", "a", "b"));
+    EXPECT_TRUE(found.lacks_names_header);
+}
+
+TEST_F(ReadTableHead, KnowsTheEmptyFieldsThatAreNoColumns) {
+    const struct {
+        const char* content;
+        std::size_t empty_front;
+        std::size_t header_fields;
+    } kCases[] = {
+        {"g\ta\nG1\t1\nG2\t2\n", 0, 2},
+        {"\tg\ta\n\tG1\t1\n\tG2\t2\n", 1, 2},
+        {"\t\tg\ta\n\t\tG1\t1\n\t\tG2\t2\n", 2, 2},
+        {"g a\n G1 1\n G2 2\n", 1, 2},
+        // One row has a value there, or the header has a name for the column.
+        {"\tg\ta\n\tG1\t1\nx\tG2\t2\n", 0, 3},
+        {"id\tg\ta\n\tG1\t1\n\tG2\t2\n", 0, 3},
+        {",g,a\n,G1,1\n,G2,2\n", 0, 3},
+    };
+
+    for (const auto& [content, empty_front, header_fields] : kCases) {
+        const TableHead found = head(content);
+        EXPECT_EQ(found.empty_front, empty_front) << content;
+        EXPECT_THAT(found.header, SizeIs(header_fields)) << content;
+    }
+    LoadOptions options;
+    options.has_header = false;
+    EXPECT_EQ(head("\tG1\t1\n\tG2\t2\n", options).empty_front, 1U);
+    options.has_names = false;
+    EXPECT_EQ(head("\t1\t1\n\t2\t2\n", options).empty_front, 0U);
+}
+
 TEST_F(ReadTableHead, TakesARecordOfSeveralLinesForTheHeader) {
     const TableHead quoted = head("gene,\"a\nb\",c,d\nG1,1,2,3\n");
     EXPECT_THAT(quoted.opening, IsEmpty());
@@ -85,6 +128,16 @@ TEST_F(ReadTableHead, HasNoHeaderIfThereIsNone) {
     EXPECT_THAT(bare.header, IsEmpty());
     EXPECT_EQ(bare.lines_above, 0U);
     EXPECT_THAT(bare.rows, SizeIs(2));
+}
+
+TEST_F(ReadTableHead, HasTheRowsBehindTheLineThatGivesTheDelimiter) {
+    LoadOptions options;
+    options.has_header = false;
+    const TableHead bare = head("sep=;\r\nG1;1;2\r\nG2;3;4\r\n", options);
+    EXPECT_THAT(bare.header, IsEmpty());
+    EXPECT_EQ(bare.delimiter, ';');
+    EXPECT_EQ(bare.lines_above, 1U);
+    EXPECT_THAT(bare.rows, ElementsAre(ElementsAre("G1", "1", "2"), ElementsAre("G2", "3", "4")));
 }
 
 TEST_F(ReadTableHead, FindsTheTablesOfGeo) {

@@ -45,5 +45,14 @@ TEST(TableLayout, CallsFieldsByHeaderAndNumber) {
     EXPECT_EQ(layout.fieldText(2), "field 3");
 }
 
+TEST(ColumnHandle, IsTheHeaderIfThatIsNoOtherColumn) {
+    const std::vector<std::string> header = {"gene", "", "2", "a", " a", "b,c", "#4", "d", "0.5"};
+    const std::vector<std::string> handles = {
+        "gene", "#2", "#3", "#4", "#5", "#6", "#7", "d", "0.5", "#10"};
+    for (std::size_t field = 0; field < handles.size(); ++field) {
+        EXPECT_EQ(column_handle(header, field), handles[field]);
+    }
+}
+
 }  // namespace
 }  // namespace ovik

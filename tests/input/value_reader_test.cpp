@@ -63,5 +63,12 @@ TEST(ValueReader, HasTheGivenDecimalSignInEveryLocale) {
     std::setlocale(LC_NUMERIC, "C");
 }
 
+TEST(ValueReader, TakesNoNoticeOfBlanksAroundMissingSigns) {
+    const ValueReader reader(std::nullopt, {" not done\t"});
+    EXPECT_EQ(read(reader, "not done").kind, FieldKind::Missing);
+    EXPECT_EQ(read(reader, " not done").kind, FieldKind::Missing);
+    EXPECT_EQ(read(reader, "notdone").kind, FieldKind::NotNumber);
+}
+
 }  // namespace
 }  // namespace ovik

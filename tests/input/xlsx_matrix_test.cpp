@@ -126,6 +126,24 @@ TEST_F(XlsxMatrix, LacksValuesWhereCellsAreEmptyOrHoldErrors) {
               directory_.file("m.xlsx") + ": 1 cell holds an error, taken as missing: B4 (#NUM!)");
 }
 
+TEST_F(XlsxMatrix, SaysWhatTheSheetHidesAndWhichNamesAreErrors) {
+    file_.sheets = {{"values",
+                     kHeader + row("G1", {"1", "2"}) + "<row hidden='1'>" + text_cell("G2") +
+                         "<c><v>2</v></c><c><v>1</v></c></row><row><c t='e'><v>#REF!</v></c>"
+                         "<c><v>4</v></c><c><v>4</v></c></row>"}};
+    const LoadedMatrix matrix = loaded(file_.bytes());
+    EXPECT_THAT(matrix.matrix.row_names, ElementsAre("G1", "G2", "#REF!"));
+    ASSERT_EQ(remarks_.size(), 2U);
+    EXPECT_EQ(remarks_[0].text,
+              directory_.file("m.xlsx") +
+                  ": hidden parts of the sheet are read as the others are: 1 row, 0 columns");
+    EXPECT_EQ(remarks_[1].kind, Remark::Kind::Warning);
+    EXPECT_EQ(remarks_[1].text,
+              directory_.file("m.xlsx") +
+                  ": 1 row opens with an error in the place of a name: A4 (#REF!)\nGive such rows "
+                  "their names.");
+}
+
 TEST_F(XlsxMatrix, TakesNumbersAndTextsWithDecimalCommasOnRequest) {
     file_.sheets = {{"values",
                      kHeader + row("G1", {"1.5", "2"}) + row("G2", {"2", "3"}) + "<row>" +
@@ -150,6 +168,13 @@ TEST_F(XlsxMatrix, IsRefusedLikeTextByTheRowOfTheSheet) {
         {"values",
          kHeader + row("G1", {"1", "2"}) + row("G2", {"1e999", "3"}) + row("G3", {"2", "3"})}};
     EXPECT_THAT(refusal(file_.bytes()), HasSubstr("m.xlsx:3: field 2 of row \"G2\" is \"1e999\""));
+    file_.sheets = {{"values",
+                     kHeader + row("G1", {"1", "2"}) + row("G2", {"2", "1"}) +
+                         row("G3", {"3", "3"}) + "<row><c/>" +
+                         text_cell("Note: values are log2 ratios") + "</row>"}};
+    EXPECT_THAT(refusal(file_.bytes()),
+                HasSubstr("m.xlsx:5: row \"Note: values are log2 ratios\" has 0 values, but the "
+                          "first row has 2"));
     file_.sheets = {{"values", ""}};
     EXPECT_THAT(refusal(file_.bytes()),
                 HasSubstr("m.xlsx: sheet \"values\" holds no table of names and numbers"));

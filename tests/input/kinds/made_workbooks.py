@@ -13,12 +13,13 @@ def place(row, column):
 
 
 class Sheet:
-    """Rows of cells: numbers as text in a Number, texts, None for empty cells."""
+    """Rows of cells: numbers as text in a Number, texts, None for empty cells. One column may be hidden."""
 
-    def __init__(self, name, rows, state="visible"):
+    def __init__(self, name, rows, state="visible", hidden=None):
         self.name = name
         self.rows = rows
         self.state = state
+        self.hidden = hidden
 
 
 class Number(str):
@@ -61,15 +62,17 @@ def cell_xml(cell, where, strings, prefix):
     return tags(' t="s"', value(str(strings.setdefault(cell, len(strings)))))
 
 
-def sheet_xml(rows, strings, prefix):
+def sheet_xml(sheet, strings, prefix):
     lines = []
-    for n, row in enumerate(rows):
+    for n, row in enumerate(sheet.rows):
         cells = "".join(cell_xml(cell, place(n, d), strings, prefix)
                         for d, cell in enumerate(row) if cell is not None)
         if cells:
             lines.append(f"<{prefix}row r=\"{n + 1}\">{cells}</{prefix}row>")
     space = f'xmlns:{prefix[:-1]}="{NAMESPACE}"' if prefix else f'xmlns="{NAMESPACE}"'
-    return (f"{HEAD}<{prefix}worksheet {space}><{prefix}sheetData>{''.join(lines)}"
+    columns = "" if sheet.hidden is None else (
+        f'<{prefix}cols><{prefix}col min="{sheet.hidden}" max="{sheet.hidden}" hidden="1"/></{prefix}cols>')
+    return (f"{HEAD}<{prefix}worksheet {space}>{columns}<{prefix}sheetData>{''.join(lines)}"
             f"</{prefix}sheetData></{prefix}worksheet>")
 
 
@@ -82,7 +85,7 @@ def parts_of(sheets, prefix=""):
     parts = {"[Content_Types].xml": f"{HEAD}<Types/>"}
     listed, relations = "", ""
     for i, sheet in enumerate(sheets, 1):
-        parts[f"xl/worksheets/sheet{i}.xml"] = sheet_xml(sheet.rows, strings, prefix)
+        parts[f"xl/worksheets/sheet{i}.xml"] = sheet_xml(sheet, strings, prefix)
         listed += (f'<sheet name={quoteattr(sheet.name)} sheetId="{i}" state="{sheet.state}" '
                    f'r:id="rId{i}"/>')
         relations += (f'<Relationship Id="rId{i}" Type="{RELATIONS}/worksheet" '
@@ -141,8 +144,12 @@ def workbooks(text):
         "empty_cells.xlsx": parts_of([Sheet("values", [
             [None if (n, d) in ((2, 2), (5, 5), (7, 1)) else cell for d, cell in enumerate(row)]
             for n, row in enumerate(table)])]),
+        "footnote.xlsx": parts_of([Sheet("values", [*table, [None, "Note: values are log2 ratios"]])]),
         "errors.xlsx": parts_of([Sheet("values", changed(2, 2, Error("#DIV/0!")))]),
         "date_for_a_gene.xlsx": parts_of([Sheet("values", changed(3, 0, october_first))]),
+        "errors_for_names.xlsx": parts_of([Sheet("values", [
+            *table[:4], [Error("#REF!"), *table[1][1:]], *table[4:]])]),
+        "hidden_column.xlsx": parts_of([Sheet("values", table, hidden=3)]),
         "uncalculated.xlsx": parts_of([Sheet("values", changed(3, 2, Formula("LOG(B4,2)")))]),
         "empty_sheet.xlsx": parts_of([Sheet("Sheet1", [])]),
         "binary.xlsb": {"[Content_Types].xml": "<Types/>", "xl/workbook.bin": "\x83\x01"},
