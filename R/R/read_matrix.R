@@ -103,7 +103,7 @@ checked_columns <- function(name, value, most = Inf) {
       if (most == 1) "Give one of them." else "Columns count from 1, which is mostly that of the names."
     )
   }
-  if (is.numeric(value)) sprintf("%d", as.integer(value)) else value
+  if (is.numeric(value)) sprintf("#%d", as.integer(value)) else value
 }
 
 checked_signs <- function(value) {

@@ -205,4 +205,5 @@ def _listed(one_or_more: Any) -> list[Any]:
 def _column(column: str | int, encoding: str) -> bytes:
     if isinstance(column, bool) or not isinstance(column, (str, int)):
         raise ValueError(f"a column should be a header or a number, not {column!r}")
-    return str(column).encode(encoding)
+    text = f"#{column}" if isinstance(column, int) else column
+    return text.encode(encoding)

@@ -146,6 +146,12 @@ def test_text_is_read_as_the_arguments_say(write, content, options):
     assert matrix.column_names == ([] if "header" in options else ["a", "b"])
 
 
+@pytest.mark.filterwarnings("ignore::ovik.MatrixNote")
+def test_a_number_is_a_field_where_headers_are_numbers_too(write):
+    matrix = ovik.read_matrix(write("gene,3,2,1\nG1,1,7,2\nG2,3,5,4\nG3,5,6,8\n"), skip_columns=3)
+    assert matrix.column_names == ["3", "1"]
+
+
 def test_values_are_transformed_in_the_order_of_the_options(write):
     text = "gene,a,b,c\nG1,1,2.5,0\nG2,3,400,7\nG3,0,5,2\nG4,9,1,6\n"
     expected = np.log1p(ovik.read_matrix(write(text)).values)

@@ -76,6 +76,8 @@ test_that("the arguments say how text is read", {
   described <- file_of("id,gene,x,a,b", paste0(c("p,", "q,", "r,"), sub(",", ",text,", rows)))
   expect_identical(suppressMessages(read_matrix(described, names_column = "gene", skip_columns = 3)), small())
   expect_identical(suppressMessages(read_matrix(described, names_column = 2, skip_columns = c("id", "x"))), small())
+  numbered <- file_of("gene,3,2,1", "CDC28,1,7,2", "TUB1,3,5,4", "PGK1,5,6,8")
+  expect_identical(colnames(suppressMessages(read_matrix(numbered, skip_columns = 3))), c("3", "1"))
 })
 
 test_that("arrays are read, with the names of a file", {
