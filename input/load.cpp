@@ -9,6 +9,7 @@
 #include "input/name_checks.h"
 #include "input/odd_values.h"
 #include "input/row_texts.h"
+#include "input/thousands_points.h"
 #include "input/transformations.h"
 #include "util/input_error.h"
 
@@ -70,7 +71,9 @@ void add_remarks(const std::string& name,
         text += note;
         remarks.push_back({Remark::Kind::Note, std::move(text)});
     }
-    std::vector<std::string> warnings = {transposed_warning(name, options, matrix)};
+    std::vector<std::string> warnings = {
+        transposed_warning(name, options, matrix),
+        thousands_points_warning(name, options.spell, matrix.report)};
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         warnings.push_back(std::move(warning));
     }

@@ -108,14 +108,19 @@ std::size_t first_text_line(std::string_view text) {
 }
 
 void read_rows(std::string_view text, TableHead& head) {
+    std::size_t line = head.lines_above + 1;
     while (!text.empty() && head.rows.size() < kRowsLookedAt) {
         const QuotedRecord record = first_record(text, head.delimiter);
         const std::string_view row = text.substr(0, record.length);
         text.remove_prefix(record.length);
         if (is_record_row(trimmed_matrix_line(row), head.delimiter)) {
             head.rows.push_back(fields_of(row, head.delimiter, false));
-            head.row_fields = std::max(head.row_fields, head.rows.back().size());
+            if (head.rows.back().size() > head.row_fields) {
+                head.row_fields = head.rows.back().size();
+                head.longest_row_line = line;
+            }
         }
+        line += lines_of(row).size();
     }
 }
 

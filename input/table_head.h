@@ -26,8 +26,10 @@ struct TableHead {
     bool lacks_names_header = false;
     /// The fields of the first rows, and of lines like them.
     std::vector<std::vector<std::string>> rows;
-    /// Fields of the longest of these rows.
+    /// Fields of the longest of these rows, and the line on which the first of that length begins,
+    /// from 1.
     std::size_t row_fields = 0;
+    std::size_t longest_row_line = 0;
 };
 
 /// Finds header and rows at the start of a text: behind the `#1.2` of a GCT file, behind the
