@@ -64,6 +64,10 @@ std::vector<std::string> suggest_gene_names(std::string_view name) {
             names.emplace_back(gene->name);
         }
     }
+    const GeneEntry* const meant = names.empty() ? identify_gene(name).gene : nullptr;
+    if (meant != nullptr && meant->name != name) {
+        names.emplace_back(meant->name);
+    }
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;

@@ -23,7 +23,8 @@ OVIK_API std::string_view standard_gene_name(std::string_view systematic);
 
 /// Names under which the table lists genes that may be meant by `name`: the same in other letter
 /// case, and those of genes that have it, in any letter case, as systematic name or as standard
-/// name of another release. Without `name` itself.
+/// name of another release; without any, that of the gene whose protein has the name. Without
+/// `name` itself.
 OVIK_API std::vector<std::string> suggest_gene_names(std::string_view name);
 
 }  // namespace ovik

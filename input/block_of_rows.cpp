@@ -191,7 +191,7 @@ std::size_t BlockOfRows::addRow(const RowRules& rules, const VisitFields& visit_
         if (field == rules.names_field) {
             names.back().assign(text, end);
         } else if (field >= rules.layout.left_out.size() || !rules.layout.left_out[field]) {
-            addValue(rules.values, text, end, field, values.size() - row_start);
+            addValue(rules, text, end, field, values.size() - row_start);
         }
         ++field;
     });
@@ -203,19 +203,21 @@ std::size_t BlockOfRows::addRow(const RowRules& rules, const VisitFields& visit_
     return field;
 }
 
-void BlockOfRows::addValue(const ValueReader& reader,
+void BlockOfRows::addValue(const RowRules& rules,
                            const char* text,
                            const char* end,
                            std::size_t field,
                            std::size_t column) {
     double value = 0.0;
-    const FieldKind kind = reader.read(text, end, value);
+    const FieldKind kind = rules.values.read(text, end, value);
     values.push_back(kind == FieldKind::Missing ? std::nan("") : value);
     if (kind != FieldKind::Missing && kind != FieldKind::NotNumber) {
         ++report.numbers;
     }
     if (kind != FieldKind::Number) {
         noteField(kind, text, field, column);
+    } else if (rules.doubts_points) {
+        notePoints(text, field);
     }
 }
 
@@ -245,6 +247,18 @@ void BlockOfRows::noteField(FieldKind kind,
         note(report.grouped_digits, field, text);
     } else if (has_decimal_comma(text)) {
         note(report.decimal_commas, field, text);
+    } else if (has_point_groups(text)) {
+        note(report.point_groups, field, text);
+    }
+}
+
+void BlockOfRows::notePoints(const char* text, std::size_t field) {
+    if (has_point_groups(text)) {
+        note(report.doubtful_points, field, text);
+    } else if (std::string_view(text).find_first_of(".eExX") == std::string_view::npos) {
+        ++report.whole_numbers;
+    } else {
+        ++report.plain_fractions;
     }
 }
 

@@ -19,6 +19,8 @@ struct RowRules {
     const TableLayout& layout;
     ValueReader values;
     bool is_ordinary = layout.isOrdinary();
+    /// Whether what is read with a point in it may be a number with points between thousands.
+    bool doubts_points = layout.delimiter == ';' && !layout.decimal;
     std::size_t names_field = layout.names_field.value_or(kNoField);
 };
 
@@ -85,13 +87,16 @@ class BlockOfRows {
     template <typename VisitFields>
     std::size_t addRow(const RowRules& rules, const VisitFields& visit_fields);
 
-    void addValue(const ValueReader& reader,
+    void addValue(const RowRules& rules,
                   const char* text,
                   const char* end,
                   std::size_t field,
                   std::size_t column);
 
     void noteField(FieldKind kind, const char* text, std::size_t field, std::size_t column);
+
+    /// Takes note of how a number uses points.
+    void notePoints(const char* text, std::size_t field);
 
     /// Takes note of a field of the row that came last, whose name may not be known yet.
     void note(FieldFindings& findings, std::size_t field, const char* text);

@@ -70,10 +70,14 @@ void add(std::vector<ColumnFindings>& columns, const std::vector<ColumnFindings>
 /// Adds what fields hold in a block further down.
 void add(MatrixReport& report, MatrixReport&& more, std::size_t lines_above) {
     report.numbers += more.numbers;
+    report.whole_numbers += more.whole_numbers;
+    report.plain_fractions += more.plain_fractions;
     for (FieldFindings MatrixReport::*const findings : {&MatrixReport::not_numbers,
                                                         &MatrixReport::with_text_behind,
                                                         &MatrixReport::decimal_commas,
                                                         &MatrixReport::grouped_digits,
+                                                        &MatrixReport::point_groups,
+                                                        &MatrixReport::doubtful_points,
                                                         &MatrixReport::not_finite,
                                                         &MatrixReport::lost_names,
                                                         &MatrixReport::unnamed}) {

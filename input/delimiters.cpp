@@ -9,7 +9,7 @@ Delimiters find_delimiter(const std::string& path,
                           std::string_view rows,
                           const LoadOptions& options,
                           bool has_default) {
-    const std::optional<char> guessed = guess_delimiter(rows);
+    const std::optional<char> guessed = guess_delimiter(rows, options.decimal);
     if (!options.delimiter && !guessed && !has_default) {
         throw InputError(
             path +

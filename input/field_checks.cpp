@@ -63,6 +63,26 @@ void check_lost_names(const std::string& path, const FieldFindings& lost_names) 
     }
 }
 
+/// @throws InputError if points stand between thousands in many of the fields with text
+void check_point_groups(const std::string& path,
+                        const TableLayout& layout,
+                        const LoadOptions& options,
+                        const MatrixReport& report) {
+    const FieldFindings& points = report.point_groups;
+    const std::size_t commas = report.decimal_commas.count;
+    const std::size_t texts = report.not_numbers.count + report.with_text_behind.count;
+    if (points.count < commas || 2 * (points.count + commas) <= texts) {
+        return;
+    }
+    refuse(path,
+           counted(points.count, "number has", "numbers have") + " points between thousands\n" +
+               places_text(points.places, layout) + "which are no part of a number",
+           std::string("Take the points out of the numbers") +
+               (options.decimal == ',' ? "."
+                                       : "; decimal commas are then read with " +
+                                             options.spell("decimal", ",") + "."));
+}
+
 /// @throws InputError if most of the fields with text are numbers of another way to write them
 void check_decimal_sign(const std::string& path,
                         const TableLayout& layout,
@@ -71,8 +91,15 @@ void check_decimal_sign(const std::string& path,
     const FieldFindings& commas = report.decimal_commas;
     const FieldFindings& groups = report.grouped_digits;
     const std::size_t texts = report.not_numbers.count + report.with_text_behind.count;
-    if (2 * (commas.count + groups.count) <= texts || options.decimal == ',') {
+    if (2 * (commas.count + groups.count) <= texts) {
         return;
+    }
+    if (options.decimal == ',') {
+        refuse(path,
+               counted(groups.count, "number has", "numbers have") + " commas between thousands\n" +
+                   places_text(groups.places, layout) + "and " + options.spell("decimal", ",") +
+                   " takes commas for the decimal sign",
+               "Write the numbers without commas between thousands, and leave the option out.");
     }
     if (commas.count > 0 && !options.decimal) {
         refuse(path,
@@ -166,6 +193,13 @@ void check_end(const std::string& path, const TableLayout& layout, const MatrixR
                "the table does not end with " + layout.end_mark + ": the file was cut off",
                "Fetch it again.");
     }
+    if (layout.end_mark == "!series_matrix_table_end" && report.rows == 0) {
+        refuse(
+            path,
+            "the table of the series matrix is empty",
+            "The values of such a series, most often of RNA sequencing, are in its supplementary "
+            "files: take the matrix of counts or of expression values from there.");
+    }
     if (layout.promised_rows && *layout.promised_rows != report.rows) {
         refuse(path,
                "says that it has " + counted(*layout.promised_rows, "row", "rows") + ", and has " +
@@ -187,6 +221,7 @@ void check_fields(const std::string& path,
                "holds no numbers with " + delimiter_text(layout.delimiter) + " between the fields",
                delimiter_advice(layout, options));
     }
+    check_point_groups(path, layout, options, report);
     check_decimal_sign(path, layout, options, report);
     if (report.ragged_rows == 0) {
         check_columns(path, layout, options, matrix);

@@ -36,6 +36,25 @@ bool take(std::string_view& text, std::string_view characters) {
     return is_there;
 }
 
+/// Whether a field is a number whose digits are grouped by three.
+bool has_groups(std::string_view field, std::string_view separator, std::string_view decimal) {
+    std::string_view text = without_blanks(field);
+    take(text, "+-");
+    const bool is_zero = text.starts_with('0');
+    const std::size_t whole = take_digits(text);
+    std::size_t groups = 0;
+    while (take(text, separator)) {
+        if (take_digits(text) != 3) {
+            return false;
+        }
+        ++groups;
+    }
+    if (take(text, decimal)) {
+        take_digits(text);
+    }
+    return !is_zero && whole >= 1 && whole <= 3 && groups > 0 && text.empty();
+}
+
 }  // namespace
 
 bool is_missing_sign(std::string_view field) {
@@ -73,21 +92,11 @@ bool has_decimal_comma(std::string_view field) {
 }
 
 bool has_grouped_digits(std::string_view field) {
-    std::string_view text = without_blanks(field);
-    take(text, "+-");
-    const bool is_zero = text.starts_with('0');
-    const std::size_t whole = take_digits(text);
-    std::size_t groups = 0;
-    while (take(text, ",")) {
-        if (take_digits(text) != 3) {
-            return false;
-        }
-        ++groups;
-    }
-    if (take(text, ".")) {
-        take_digits(text);
-    }
-    return !is_zero && whole >= 1 && whole <= 3 && groups > 0 && text.empty();
+    return has_groups(field, ",", ".");
+}
+
+bool has_point_groups(std::string_view field) {
+    return has_groups(field, ".", ",");
 }
 
 FieldKind classify_field(const NumberReader& numbers,

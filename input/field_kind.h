@@ -32,6 +32,10 @@ bool has_decimal_comma(std::string_view field);
 /// Whether a field is a number whose digits commas group by three, as 1,234 or 12,345,678.5.
 bool has_grouped_digits(std::string_view field);
 
+/// Whether a field is a number whose digits points group by three, with a decimal comma or none, as
+/// 1.234, 12.345.678 or 1.234,5.
+bool has_point_groups(std::string_view field);
+
 /// Tells what a field holds; blanks around it do not count.
 ///
 /// @param numbers  made under the locale by which the text is read

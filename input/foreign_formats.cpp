@@ -233,9 +233,13 @@ std::optional<Foreign> of_json(std::string_view head) {
     // A header may open with "[1]", as R prints it.
     if (inside.starts_with('"') || (text.front() == '[' && inside.starts_with('[')) ||
         (text.front() == '[' && inside.starts_with('{'))) {
+        // As pandas writes columns, index and values apart.
+        const bool is_split = inside.starts_with("\"columns\"");
         return Foreign{"a JSON document",
-                       "write its table as text (in Python: "
-                       "pandas.read_json(\"FILE\").to_csv(\"matrix.tsv\", sep=\"\\t\"))"};
+                       is_split ? "write its table as text (in Python: pandas.read_json(\"FILE\", "
+                                  "orient=\"split\").to_csv(\"matrix.tsv\", sep=\"\\t\"))"
+                                : "write its table as text (in Python: pandas.read_json(\"FILE\")"
+                                  ".to_csv(\"matrix.tsv\", sep=\"\\t\"))"};
     }
     return std::nullopt;
 }

@@ -72,6 +72,13 @@ struct MatrixReport {
     FieldFindings decimal_commas;
     /// Those of them whose digits a comma groups by three, and which may be decimal commas, too.
     FieldFindings grouped_digits;
+    /// Those of them whose digits points group by three.
+    FieldFindings point_groups;
+    /// The numbers that can be read where semicolons are the delimiter and no decimal sign is
+    /// given: those with a point in the place of one between thousands, whole ones, and the others.
+    FieldFindings doubtful_points;
+    std::size_t whole_numbers = 0;
+    std::size_t plain_fractions = 0;
     /// For each column that has a field without a number, up to the last of them.
     std::vector<ColumnFindings> by_column;
     /// NaN other than as a sign of a missing value, and infinities, also of numbers beyond the

@@ -33,7 +33,10 @@ std::optional<char> separator_of(const std::string& text) {
         return '\t';
     }
     const bool is_comma = std::all_of(lines.begin() + 1, lines.end(), has(','));
-    return is_comma ? std::optional(',') : std::nullopt;
+    // Where semicolons separate, commas may be decimal ones; a header has none of those.
+    const bool is_semicolon =
+        std::all_of(lines.begin(), lines.end(), has(';')) && !(is_comma && has(',')(lines.front()));
+    return is_semicolon ? std::optional(';') : is_comma ? std::optional(',') : std::nullopt;
 }
 
 /// Takes a text apart, record by record.
@@ -157,8 +160,10 @@ void check_field_count(const Record& record,
                          counted(record.fields.size(), "field", "fields") +
                          ", the header stands for " + std::to_string(count) +
                          "\nGive each line a name and a label per column" +
-                         (separator == ',' ? ", and put names that hold a comma in double quotes."
-                                           : ", separated by tabs."));
+                         (separator == '\t' ? ", separated by tabs."
+                                            : std::string(", and put names that hold a ") +
+                                                  (separator == ',' ? "comma" : "semicolon") +
+                                                  " in double quotes."));
     }
 }
 

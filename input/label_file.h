@@ -30,9 +30,10 @@ struct LabelFile {
 
 /// Reads a file of labels, plain or packed by gzip.
 ///
-/// A table has a header line, then lines of a name and a label per column, separated by tabs or
-/// commas; fields in double quotes may hold separators, line ends and, doubled, quotes. The header
-/// may leave out what the names are called. Any other file has a label per line and row.
+/// A table has a header line, then lines of a name and a label per column, separated by tabs,
+/// semicolons or commas; fields in double quotes may hold separators, line ends and, doubled,
+/// quotes. The header may leave out what the names are called. Any other file has a label per line
+/// and row.
 ///
 /// @throws InputError if the file cannot be read; if the lines of a table differ in their number of
 /// fields, or names or titles occur twice; if there is not one label per row

@@ -23,7 +23,9 @@ std::string columns_text(const TableHead& head) {
     }
     std::string text = "The columns are ";
     for (std::size_t field = 0; field < std::min(kListed, head.header.size()); ++field) {
-        text += (field == 0 ? "\"" : ", \"") + head.header[field] + "\"";
+        text += (field == 0 ? "" : ", ") + (head.header[field].empty()
+                                                ? "field " + std::to_string(field + 1)
+                                                : "\"" + head.header[field] + "\"");
     }
     return text + (head.header.size() > kListed ? ", ...; " : "; ") + "\"" + field_handle(0) +
            "\" is always the first.";
@@ -213,8 +215,18 @@ void check_delimiter(const std::string& path, const TableHead& head, const LoadO
             ", as if decimal commas stood between delimiters that are commas, too\nSave the file "
             "with another delimiter (tab or semicolon), or with a decimal point.");
     }
+    const auto is_longest = [&head](const std::vector<std::string>& row) {
+        return row.size() == head.row_fields;
+    };
     if (head.lacks_names_header && head.header.size() > 2 && options.has_names &&
         heads_names(head.header[1])) {
+        if (!std::all_of(head.rows.begin(), head.rows.end(), is_longest)) {
+            throw InputError(path + ":" + std::to_string(head.longest_row_line) +
+                             ": the line has " + std::to_string(head.row_fields) +
+                             " fields and the header " + std::to_string(head.header.size() - 1) +
+                             "\nEvery row needs a name and as many values as the header has "
+                             "columns: mend the line, or check the delimiter.");
+        }
         throw InputError(path + ": the header has " +
                          counted(head.header.size() - 1, "field", "fields") +
                          " and the rows have " + std::to_string(head.row_fields) + ", though \"" +

@@ -10,6 +10,7 @@
 #include "input/name_checks.h"
 #include "input/odd_values.h"
 #include "input/row_texts.h"
+#include "input/thousands_points.h"
 #include "input/transformations.h"
 #include "util/input_error.h"
 
@@ -76,6 +77,7 @@ void add_remarks(const std::string& name,
         warnings.push_back(name + warning);
     }
     warnings.push_back(transposed_warning(name, options, matrix));
+    warnings.push_back(thousands_points_warning(name, options.spell, matrix.report));
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         warnings.push_back(std::move(warning));
     }

@@ -21,11 +21,20 @@ constexpr std::size_t kRowsLookedAt = 20;
 /// separated by them.
 bool is_number_like(const NumberReader& reader, const char* field, const char* end) {
     double value = 0.0;
+    const std::string_view text(field, static_cast<std::size_t>(end - field));
     return classify_field(reader, field, end, value) == FieldKind::Number ||
-           has_decimal_comma({field, static_cast<std::size_t>(end - field)});
+           has_decimal_comma(text) || has_point_groups(text);
 }
 
-std::size_t count_numbers(std::string_view text, char delimiter, const NumberReader& reader) {
+/// @param needs_comma  whether numbers with a decimal comma alone count
+std::size_t count_numbers(std::string_view text,
+                          char delimiter,
+                          bool needs_comma,
+                          const NumberReader& reader) {
+    const auto counts = [&](const char* field, const char* end) {
+        return needs_comma ? has_decimal_comma({field, static_cast<std::size_t>(end - field)})
+                           : is_number_like(reader, field, end);
+    };
     std::size_t numbers = 0;
     std::size_t rows = 0;
     std::string row;
@@ -39,7 +48,7 @@ std::size_t count_numbers(std::string_view text, char delimiter, const NumberRea
         ++rows;
         bool at_name = true;
         for_each_record_field(row, delimiter, [&](const char* field, const char* end) {
-            numbers += !at_name && is_number_like(reader, field, end) ? 1 : 0;
+            numbers += !at_name && counts(field, end) ? 1 : 0;
             at_name = false;
         });
     }
@@ -48,12 +57,14 @@ std::size_t count_numbers(std::string_view text, char delimiter, const NumberRea
 
 }  // namespace
 
-std::optional<char> guess_delimiter(std::string_view rows) {
+std::optional<char> guess_delimiter(std::string_view rows, std::optional<char> decimal) {
     constexpr char kCandidates[] = {'\t', ';', ',', ' '};
     std::size_t numbers[std::size(kCandidates)] = {};
     const NumberReader reader;
     for (std::size_t i = 0; i < std::size(kCandidates); ++i) {
-        numbers[i] = count_numbers(rows, kCandidates[i], reader);
+        // Fields in quotes alone can have decimal commas between delimiters that are commas.
+        const bool needs_comma = kCandidates[i] == ',' && decimal == ',';
+        numbers[i] = count_numbers(rows, kCandidates[i], needs_comma, reader);
     }
     const auto* const most = std::max_element(std::begin(numbers), std::end(numbers));
     return *most == 0 ? std::nullopt : std::optional(kCandidates[most - std::begin(numbers)]);

@@ -14,8 +14,11 @@ namespace ovik {
 /// The delimiter under which the first rows hold the most numbers: tab, semicolon, comma or blank,
 /// in this order among equals; none if none of them parts a number from the name.
 ///
-/// @param rows  the text from the first row on; of a longer one the first 20 rows are looked at
-std::optional<char> guess_delimiter(std::string_view rows);
+/// @param rows     the text from the first row on; of a longer one the first 20 rows are looked at
+/// @param decimal  the decimal sign if it is given: with a comma, commas between plain numbers are
+///                 no delimiters
+std::optional<char> guess_delimiter(std::string_view rows,
+                                    std::optional<char> decimal = std::nullopt);
 
 /// Rows and columns of a matrix.
 struct MatrixShape {

@@ -158,11 +158,13 @@ class SheetWriter {
             return quoted_if_needed(string_of(child(cell, "is")));
         }
         const pugi::xml_node value = child(cell, "v");
-        if (!value) {
+        std::string text = value.text().get();
+        const bool is_empty_number = text.empty() && (type.empty() || type == "n");
+        if (!value || is_empty_number) {
+            // What a formula gives may also be an empty text, which is of the type of texts.
             requireNoFormula(cell, place);
             return "";
         }
-        std::string text = value.text().get();
         if (type == "s") {
             return quoted_if_needed(sharedString(text));
         }

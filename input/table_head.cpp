@@ -100,6 +100,7 @@ std::size_t empty_fields_in_front(std::string_view record, char delimiter) {
 }
 
 void read_rows(std::string_view text, TableHead& head) {
+    std::size_t line = head.lines_above + 1;
     while (!text.empty() && head.rows.size() < kRowsLookedAt) {
         const QuotedRecord record = first_record(text, head.delimiter);
         const std::string_view row = text.substr(0, record.length);
@@ -113,8 +114,12 @@ void read_rows(std::string_view text, TableHead& head) {
                 fields + empty_fields_behind(row, trimmed_matrix_line(row), head.delimiter);
             head.untrimmed_fields =
                 head.rows.size() == 1 ? untrimmed : std::min(head.untrimmed_fields, untrimmed);
-            head.row_fields = std::max(head.row_fields, fields);
+            if (fields > head.row_fields) {
+                head.row_fields = fields;
+                head.longest_row_line = line;
+            }
         }
+        line += line_views(row).size();
     }
 }
 

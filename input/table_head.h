@@ -26,8 +26,10 @@ struct TableHead {
     bool lacks_names_header = false;
     /// The fields of the first rows, and of lines like them.
     std::vector<std::vector<std::string>> rows;
-    /// Fields of the longest of these rows.
+    /// Fields of the longest of these rows, and the line on which the first of that length begins,
+    /// from 1.
     std::size_t row_fields = 0;
+    std::size_t longest_row_line = 0;
     /// Fields that every one of these rows has, with those that trimming has taken from its end.
     std::size_t untrimmed_fields = 0;
     /// Empty fields in front of each of these rows that are no fields of its own: the header has

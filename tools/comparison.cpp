@@ -136,9 +136,9 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
                                record_of(run),
                                directory});
         }
-    } catch (const Json::exception& error) {
-        throw InputError(path + ": not the report of a run (" + error.what() +
-                         ")\nGive the files that runs wrote with --json.");
+    } catch (const Json::exception&) {
+        throw InputError(path +
+                         ": not the report of a run\nGive the files that runs wrote with --json.");
     }
     return entries;
 }

@@ -9,11 +9,13 @@
 #include <utility>
 
 #include "annotation/gene_lookup.h"
-#include "input/field_kind.h"
+#include "input/value_reader.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 #include "util/plain_text.h"
+
+#include "tools/standard_streams.h"
 
 namespace ovik::tool {
 
@@ -136,15 +138,13 @@ void count_names_left(const LabelTable& table,
 
 /// The labels as numbers, NaN where they are missing; empty if one is no finite number, or all are
 /// missing.
-std::vector<double> as_numbers(const std::vector<std::string>& texts) {
-    const NumberReader reader;
+std::vector<double> as_numbers(const std::vector<std::string>& texts, const ValueReader& reader) {
     std::vector<double> numbers;
     numbers.reserve(texts.size());
     bool has_number = false;
     for (const std::string& text : texts) {
         double value = 0.0;
-        const FieldKind kind =
-            classify_field(reader, text.c_str(), text.c_str() + text.size(), value);
+        const FieldKind kind = reader.read(text.c_str(), text.c_str() + text.size(), value);
         if (kind != FieldKind::Number && kind != FieldKind::Missing) {
             return {};
         }
@@ -157,9 +157,13 @@ std::vector<double> as_numbers(const std::vector<std::string>& texts) {
 
 LabelColumn column_of(const LabelTable& table,
                       std::size_t position,
-                      const std::vector<std::size_t>& lines) {
+                      const std::vector<std::size_t>& lines,
+                      std::optional<char> decimal) {
     const std::vector<std::string>& fields = table.columns[position];
-    const std::vector<double> numbers = as_numbers(fields);
+    std::vector<double> numbers = as_numbers(fields, ValueReader());
+    if (numbers.empty()) {
+        numbers = as_numbers(fields, ValueReader(decimal));
+    }
     LabelColumn column;
     column.title = table.titles[position].empty() ? "label" : table.titles[position];
     for (const std::size_t line : lines) {
@@ -180,7 +184,8 @@ LabelColumn column_of(const LabelTable& table,
 JoinedLabels join_labels(const LabelTable& table,
                          const std::vector<std::string>& row_names,
                          const std::string& path,
-                         bool genes) {
+                         bool genes,
+                         std::optional<char> decimal) {
     check_header(table, row_names, path, genes);
     JoinedLabels joined;
     joined.counts.rows = row_names.size();
@@ -195,11 +200,27 @@ JoinedLabels join_labels(const LabelTable& table,
                          "per line and row has no column of names and no header.");
     }
     for (std::size_t position = 0; position < table.columns.size(); ++position) {
-        joined.columns.push_back(column_of(table, position, lines));
+        joined.columns.push_back(column_of(table, position, lines, decimal));
     }
     const std::vector<std::string>& first = joined.columns.front().texts;
     joined.counts.unlabelled = static_cast<std::size_t>(std::count(first.begin(), first.end(), ""));
     return joined;
+}
+
+std::string comma_labels_warning(const LabelTable& table,
+                                 const std::vector<LabelColumn>& columns,
+                                 const std::string& path) {
+    const ValueReader with_commas(',');
+    for (std::size_t position = 0; position < columns.size(); ++position) {
+        if (!columns[position].isNumeric() &&
+            !as_numbers(table.columns[position], with_commas).empty()) {
+            return "warning: " + path + ": the labels of \"" + columns[position].title +
+                   "\" are numbers with decimal commas, and are taken for groups\n--decimal , "
+                   "reads them as a quantity, and numbers with a comma in the matrix, too; else "
+                   "write them with points.";
+        }
+    }
+    return "";
 }
 
 std::vector<LabelColumn> settle_labels(const LoadedMatrix& loaded, const Options& options) {
@@ -209,7 +230,13 @@ std::vector<LabelColumn> settle_labels(const LoadedMatrix& loaded, const Options
     JoinedLabels joined = join_labels(*loaded.label_table,
                                       loaded.matrix.row_names,
                                       options.load.labels_file,
-                                      options.names != RowNames::Other);
+                                      options.names != RowNames::Other,
+                                      options.load.decimal);
+    const std::string warning =
+        comma_labels_warning(*loaded.label_table, joined.columns, options.load.labels_file);
+    if (!warning.empty()) {
+        complain(warning);
+    }
     print_info(one_line_utf8(joined_labels_line(joined.counts)));
     return std::move(joined.columns);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,12 +40,21 @@ struct JoinedLabels {
 ///
 /// @param path   of the labels, for messages
 /// @param genes  whether names stand for genes of yeast
+/// @param decimal  the decimal sign that numbers may have besides that of the locale
 /// @throws InputError if no row has a label, or the header opens with a name of a row or of its
 /// gene, or two lines are of the gene of one row
 JoinedLabels join_labels(const LabelTable& table,
                          const std::vector<std::string>& row_names,
                          const std::string& path,
-                         bool genes);
+                         bool genes,
+                         std::optional<char> decimal = std::nullopt);
+
+/// A warning if labels are numbers with decimal commas that have been taken for groups; else empty.
+///
+/// @param path  of the labels
+std::string comma_labels_warning(const LabelTable& table,
+                                 const std::vector<LabelColumn>& columns,
+                                 const std::string& path);
 
 /// The labels that a matrix was loaded with, by name, and what there is to say of them on the
 /// console; none if it has no labels by name.

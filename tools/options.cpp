@@ -364,6 +364,11 @@ void check_combination(const Options& options) {
     if (options.matrix.empty() && options.gene.empty() && options.collected_reports.empty()) {
         throw CLI::RequiredError("MATRIX");
     }
+    if (!options.matrix.empty() && !options.collected_reports.empty()) {
+        throw CLI::ValidationError(
+            "--collect",
+            "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
     if (options.perplexities.size() > 1 &&
         !(options.checkpoint.empty() && options.resume.empty())) {
         throw CLI::ValidationError("--checkpoint and --resume",

@@ -97,6 +97,7 @@ ExitStatus embed(const Options& options, RunReport report) {
     const RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();
     if (options.dry_run) {
+        settle_names(loaded.matrix.row_names, options.names);
         print_plan(options, perplexities, size, available);
     }
     if (!options.force) {

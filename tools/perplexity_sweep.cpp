@@ -11,6 +11,7 @@
 #include "input/duplicate_rows.h"
 #include "results/checkpoint.h"
 #include "stats/cached_neighbours.h"
+#include "stats/fit_checks.h"
 #include "stats/method.h"
 #include "stats/tsne.h"
 #include "util/console.h"
@@ -24,7 +25,6 @@
 #include "tools/embedding_run.h"
 #include "tools/interruption.h"
 #include "tools/result_paths.h"
-#include "tools/row_genes.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -38,22 +38,6 @@ double peak_memory() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return 1024.0 * static_cast<double>(usage.ru_maxrss);
-}
-
-/// Gives rows the names that were asked for and looks them up; warns if few are found.
-RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
-    if (names == RowNames::Other) {
-        return rows_without_genes(row_names.size());
-    }
-    RowGenes genes = look_up_rows(row_names);
-    if (names == RowNames::Standard) {
-        rename_to_standard(row_names);
-    }
-    const std::string warning = few_genes_warning(genes, row_names);
-    if (!warning.empty()) {
-        complain(warning);
-    }
-    return genes;
 }
 
 /// What several runs share.
@@ -139,12 +123,27 @@ double default_perplexity(std::size_t rows) {
     while (3.0 * largest > available) {
         largest = std::nextafter(largest, 0.0);
     }
-    print_info("Perplexity " + num2string(largest, 2) + ", the largest that " +
-               std::to_string(rows) + " rows allow (the usual 20 needs 61)");
+    print_info("Perplexity " + num2string(largest, 2) + ", the largest that is advised for " +
+               std::to_string(rows) + " rows (the usual 20 needs 61)");
     return largest;
 }
 
 }  // namespace
+
+RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
+    if (names == RowNames::Other) {
+        return rows_without_genes(row_names.size());
+    }
+    RowGenes genes = look_up_rows(row_names);
+    if (names == RowNames::Standard) {
+        rename_to_standard(row_names);
+    }
+    const std::string warning = few_genes_warning(genes, row_names);
+    if (!warning.empty()) {
+        complain(warning);
+    }
+    return genes;
+}
 
 std::vector<double> choose_perplexities(const Options& options, std::size_t rows) {
     for (const double perplexity : options.perplexities) {
@@ -152,6 +151,10 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
             throw InputError("--perplexity: a row has " + std::to_string(rows - 1) +
                              " others, so it cannot have as many neighbours or more\nGive at most "
                              "a third of that; 5 to 50 are usual.");
+        }
+        const std::string remark = perplexity_remark(perplexity, rows);
+        if (!remark.empty()) {
+            complain("warning: " + remark);
         }
     }
     return options.perplexities.empty() ? std::vector<double>{default_perplexity(rows)}

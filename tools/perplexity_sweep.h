@@ -10,10 +10,15 @@
 
 #include "tools/exit_status.h"
 #include "tools/options.h"
+#include "tools/row_genes.h"
 
 namespace ovik::tool {
 
-/// The perplexities of the runs: as given, or 20, or the largest that few rows allow.
+/// Gives rows the names that were asked for and looks them up; warns if few are found.
+RowGenes settle_names(std::vector<std::string>& row_names, RowNames names);
+
+/// The perplexities of the runs: as given, or 20, or a third of the other rows where those are few.
+/// Warns of given ones that are above that.
 ///
 /// @throws InputError if one asks for as many neighbours as a row has others
 std::vector<double> choose_perplexities(const Options& options, std::size_t rows);

@@ -64,14 +64,15 @@ std::vector<std::string> other_names_of(const RowGenes& genes,
 RowGenes look_up_rows(const std::vector<std::string>& row_names) {
     RowGenes genes;
     genes.rows.reserve(row_names.size());
-    for (const std::string& name : row_names) {
+    for (std::size_t n = 0; n < row_names.size(); ++n) {
+        const std::string& name = row_names[n];
         const NamedGene row = identify_gene(name);
         genes.rows.push_back(row);
         genes.listed += row.match == NameMatch::Listed ? 1U : 0U;
         genes.mapped += row.match == NameMatch::Mapped ? 1U : 0U;
         genes.ambiguous += row.match == NameMatch::Ambiguous ? 1U : 0U;
         if (row.gene == nullptr && genes.first_missing.size() < kListed) {
-            genes.first_missing.push_back(name);
+            genes.first_missing.push_back(name.empty() ? "row " + std::to_string(n + 1) : name);
         }
     }
     return genes;

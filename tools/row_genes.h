@@ -18,7 +18,7 @@ struct RowGenes {
     std::size_t mapped = 0;
     /// Rows that carry a name of several genes.
     std::size_t ambiguous = 0;
-    /// The names of the first rows that are of no gene.
+    /// The names of the first rows that are of no gene; "row 3" of a row without a name.
     std::vector<std::string> first_missing;
 
     [[nodiscard]] std::size_t found() const { return listed + mapped; }

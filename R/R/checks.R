@@ -68,7 +68,11 @@ matrix_of_table <- function(x) {
         if (count > 1) paste0(" (", count, " such columns, also '", others[2], "')") else ""
       ),
       sprintf(
-        "Leave such columns out, or make the names of the rows of one: rownames(x) <- x$%s.", others[1]
+        paste(
+          "Leave such columns out, or make the names of the rows of one and take it out then:",
+          "rownames(x) <- x$%1$s; x$%1$s <- NULL."
+        ),
+        others[1]
       )
     )
   }

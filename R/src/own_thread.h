@@ -20,8 +20,8 @@ inline void leave_signals_to_others() {
 /// calls `meanwhile()` every now and then in the calling thread until it has ended. An exception of
 /// `meanwhile` sets `is_interrupted`; the job is to end soon, and its outcome is forgotten.
 ///
-/// The thread is for the settings of OpenMP, which belong to the thread that begins a loop: those of
-/// the calling thread stay as they are.
+/// The thread is for the settings of OpenMP, which belong to the thread that begins a loop: those
+/// of the calling thread stay as they are.
 ///
 /// @return what the job returns
 /// @throws what the job throws, or `meanwhile`

@@ -11,7 +11,7 @@ from typing import TYPE_CHECKING, Any
 from numpy.typing import ArrayLike
 
 from . import _core
-from ._shown import shown_map, texts_of_rows
+from ._shown import entries_of_rows, shown_map, texts_of
 
 if TYPE_CHECKING:
     from ._tsne import TSNE
@@ -78,7 +78,8 @@ def page(
     tsne : TSNE or array-like of shape (n_samples, n_components)
         A fitted estimator, or an embedding. Of more than two components the page shows every pair.
     labels : iterable of length n_samples, optional
-        What colours the points, by groups.
+        What colours the points, by groups. As names and functions, a Series or a dict finds its rows
+        by name where the map has names; rows that a dict leaves out have none.
     names : iterable of str, optional
         Of the rows. By default those of the matrix or table that was fitted, else ``"1"``, ``"2"``
         and so on.
@@ -97,7 +98,8 @@ def page(
     Raises
     ------
     ValueError
-        If there is no embedding, or another number of names, labels or functions than of rows.
+        If there is no embedding, another number of names, labels or functions than of rows, or none
+        of the name of a row.
 
     Examples
     --------
@@ -105,13 +107,16 @@ def page(
     """
     shown = shown_map(tsne)
     count = len(shown.embedding)
+    given_names = entries_of_rows("names", names, shown.keys, count)
     of_input = shown.names or [str(row) for row in range(1, count + 1)]
+    # Rows without names of their own are found by those that they are given.
+    keys = shown.keys or (texts_of(given_names) if given_names else None)
     texts = {
         "title": _as_bytes(title or "t-SNE map"),
         "name": _as_bytes("ovik_map"),
-        "names": _list_of_bytes("names", of_input if names is None else names, count),
-        "labels": _list_of_bytes("labels", labels, count),
-        "functions": _list_of_bytes("functions", functions, count),
+        "names": _list_of_bytes(of_input if given_names is None else given_names),
+        "labels": _list_of_bytes(entries_of_rows("labels", labels, keys, count)),
+        "functions": _list_of_bytes(entries_of_rows("functions", functions, keys, count)),
         "parameters": shown.parameters,
     }
     return Page(_core.page(shown.embedding, texts), height)
@@ -121,8 +126,8 @@ def _as_bytes(text: str) -> bytes:
     return text.encode("utf-8", "surrogateescape")
 
 
-def _list_of_bytes(name: str, texts: Iterable[Any] | None, count: int) -> list[bytes]:
-    return [_as_bytes(text) for text in texts_of_rows(name, texts, count)]
+def _list_of_bytes(entries: list[Any] | None) -> list[bytes]:
+    return [_as_bytes(text) for text in texts_of(entries)]
 
 
 def _permissions(path: str) -> int:

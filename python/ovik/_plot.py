@@ -9,7 +9,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from ._palette import style_of
-from ._shown import shown_map, texts_of_rows
+from ._shown import entries_of_rows, shown_map, texts_of
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
@@ -40,7 +40,8 @@ def plot(
         A fitted estimator, or an embedding.
     labels : iterable of length n_samples, optional
         What colours the points: real numbers by a scale, everything else by groups, in the order in
-        which they appear.
+        which they appear. A Series or a dict finds its rows by name where the map has names; rows that
+        a dict leaves out have no label.
     ax : Axes, optional
         Where to draw; by default a new figure.
     title : str, optional
@@ -60,7 +61,7 @@ def plot(
     Raises
     ------
     ValueError
-        If there is no embedding, no such component, or another number of labels.
+        If there is no embedding, no such component, another number of labels, or no label of the name of a row.
     ImportError
         If matplotlib is not there; on Debian it is the package python3-matplotlib.
 
@@ -71,8 +72,7 @@ def plot(
     shown = shown_map(tsne)
     x, y = _columns(shown.embedding, components)
     # Checked before matplotlib is looked for: what is wrong is wrong without it, too.
-    given = None if labels is None else list(labels)
-    texts = texts_of_rows("labels", given, len(x))
+    given = entries_of_rows("labels", labels, shown.keys, len(x))
     if ax is None:
         from matplotlib import pyplot
 
@@ -83,7 +83,7 @@ def plot(
     elif _are_real_numbers(given):
         _draw_scale(ax, x, y, np.asarray(given), area, legend)
     else:
-        _draw_groups(ax, x, y, texts, area, legend)
+        _draw_groups(ax, x, y, texts_of(given), area, legend)
     ax.set(
         title=title,
         xlabel=f"Component {components[0]}",

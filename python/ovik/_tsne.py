@@ -307,6 +307,7 @@ class TSNE(FitParameters):
         self.n_features_in_ = given.values.shape[1]
         start = [] if isinstance(self.init, str) else [("Start", "given")]
         self._caption = outcome["caption"] + start
+        self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (
             ("trustworthiness_", outcome["trustworthiness"]),
             ("knn_recall_", outcome["knn_recall"]),

@@ -60,8 +60,8 @@ class WaitingThread {
 /// Runs `job(is_interrupted)` in a thread of its own and waits for its end with the interpreter
 /// lock released.
 ///
-/// The thread is for the settings of OpenMP, which belong to the thread that begins a loop: those of
-/// the calling thread stay as they are.
+/// The thread is for the settings of OpenMP, which belong to the thread that begins a loop: those
+/// of the calling thread stay as they are.
 ///
 /// @return what the job returns
 /// @throws what the job throws

@@ -42,6 +42,7 @@ TEST(SuggestGeneNames, KnowsOtherCaseSystematicNamesAndAliases) {
     EXPECT_EQ(suggest_gene_names("yal069w"), Names{"YAL069W"});
     EXPECT_EQ(suggest_gene_names("DFP3"), Names{"YCR007C"});
     EXPECT_EQ(suggest_gene_names("MF(ALPHA)1"), Names{"MF"});
+    EXPECT_EQ(suggest_gene_names("tyr1p"), Names{"TYR1"});
 }
 
 TEST(SuggestGeneNames, HasNothingForTheNameItselfAndForNonsense) {

@@ -18,7 +18,7 @@ using test::kSuccess;
 
 /// All long options of a text.
 std::set<std::string> options_in(const std::string& text) {
-    static const std::regex kOption("--[a-z]+(-[a-z]+)*");
+    static const std::regex kOption("--[a-z0-9]+(-[a-z0-9]+)*");
     return {std::sregex_token_iterator(text.begin(), text.end(), kOption),
             std::sregex_token_iterator()};
 }
@@ -73,6 +73,7 @@ TEST_F(Manual, CompletionsKnowAllOptions) {
 
 TEST_F(Manual, BashCompletesValuesAndFiles) {
     EXPECT_EQ(offers("", "--ch"), "--checkpoint\n--checkpoint-every\n");
+    EXPECT_EQ(offers("", "--log"), "--log1p\n");
     EXPECT_EQ(offers("--missing", "c"), "column-mean\n");
     EXPECT_EQ(offers("--precision", ""), "double\nfloat\n");
     EXPECT_EQ(offers("--perplexity", "3"), "\n");

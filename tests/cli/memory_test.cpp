@@ -34,7 +34,8 @@ class Memory : public test::CommandTest {
 
 TEST_F(Memory, AndFilesAreToldByADryRun) {
     const std::string path = matrix(100, 3);
-    const CommandOutcome outcome = run({path, "-o", results_, "--dry-run", "-p", "12"});
+    const CommandOutcome outcome =
+        run({path, "-o", results_, "--dry-run", "-p", "12", "--names", "other"});
     EXPECT_EQ(outcome.exit_status, kSuccess);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out.find("-- Input: 100 rows, 3 columns\n"

@@ -93,8 +93,8 @@ TEST_F(Command, RunsTheExactMethodForAThetaOfZero) {
 TEST_F(Command, TakesWhatPerplexityASmallMatrixAllowsAndSaysSo) {
     const CommandOutcome outcome = run_on(grid_matrix(31));
     EXPECT_EQ(outcome.exit_status, kSuccess);
-    EXPECT_EQ(outcome.out.find("-- Perplexity 10.00, the largest that 31 rows allow (the usual 20 "
-                               "needs 61)\n-- Random seed:  11\n-- Launching"),
+    EXPECT_EQ(outcome.out.find("-- Perplexity 10.00, the largest that is advised for 31 rows (the "
+                               "usual 20 needs 61)\n-- Random seed:  11\n-- Launching"),
               0U);
     EXPECT_NE(result("m_tsne_10_0.csv"), "");
     for (int rows = 3; rows < 61; rows += 4) {
@@ -449,6 +449,10 @@ TEST_F(Command, SaysHowManyRowsTheGeneTableHolds) {
                       "not X1, X2, X3, ...\n"),
         0U);
     EXPECT_NE(some.err.find("--names other"), std::string::npos);
+    EXPECT_EQ(run_on("h\nCDC28\t1\nX1\t2\nRPL3\t3\nX2\t4\nX3\t6\nX4\t6\n",
+                     {"--names", "file", "--dry-run"})
+                  .err,
+              some.err);
     const CommandOutcome all = run_on("h\nCDC28\t1\nTUB1\t2\nRPL3\t3\n", {"--names", "file"});
     EXPECT_EQ(all.err, "");
     EXPECT_NE(all.out.find("\n-- Gene table: 3 of 3 rows found\n"), std::string::npos);

@@ -154,11 +154,21 @@ TEST_F(Report, IsRefusedWhenItIsNone) {
         const CommandOutcome outcome =
             run({"-o", results_, "--collect", directory_.write("r.json", content)});
         EXPECT_EQ(outcome.exit_status, kBadInput);
-        EXPECT_THAT(outcome.err, HasSubstr("r.json: not the report of a run"));
+        EXPECT_THAT(outcome.err,
+                    testing::EndsWith("r.json: not the report of a run\nGive the files that runs "
+                                      "wrote with --json.\n"));
         EXPECT_FALSE(std::filesystem::exists(results_));
     }
     EXPECT_THAT(run({"--collect", directory_.file("none")}).err,
                 HasSubstr("none: No such file or directory"));
+}
+
+TEST_F(Report, IsNotCollectedWhereAMatrixIsGiven) {
+    const CommandOutcome outcome = run({"m.tsv", "--collect", directory_.write("r.json", "{}")});
+    EXPECT_EQ(outcome.exit_status, kBadInput);
+    EXPECT_THAT(outcome.err,
+                HasSubstr("--collect: makes a page of reports instead of a run: m.tsv "
+                          "would not be read"));
 }
 
 }  // namespace

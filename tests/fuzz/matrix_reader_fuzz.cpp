@@ -254,7 +254,7 @@ std::size_t count_numbers(const std::string& content, char delimiter) {
         count += static_cast<std::size_t>(
             std::count_if(row.fields.begin(), row.fields.end(), [](const PlainField& field) {
                 return (field.isNumber() && std::isfinite(field.value) && field.hasBlankRest()) ||
-                       has_decimal_comma(field.text);
+                       has_decimal_comma(field.text) || has_point_groups(field.text);
             }));
     }
     return count;

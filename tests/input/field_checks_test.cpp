@@ -97,6 +97,33 @@ TEST_F(CheckFields, RefusesCommasBetweenThousands) {
     EXPECT_THAT(refusal(), EndsWith("if they are decimal commas, decimal , reads them."));
 }
 
+TEST_F(CheckFields, RefusesPointsBetweenThousands) {
+    report().with_text_behind = {2, {{2, "G1", 2, "1.000,00"}, {3, "G2", 2, "1.007,05"}}};
+    report().point_groups = report().with_text_behind;
+    EXPECT_EQ(refusal(),
+              "m: 2 numbers have points between thousands\n"
+              "  line 2: row \"G1\", column \"a\" (field 2): \"1.000,00\"\n"
+              "  line 3: row \"G2\", column \"a\" (field 2): \"1.007,05\"\n"
+              "which are no part of a number\n"
+              "Take the points out of the numbers; decimal commas are then read with decimal ,.");
+    options_.decimal = ',';
+    EXPECT_THAT(refusal(), EndsWith("\nTake the points out of the numbers."));
+    // Most of the texts are another matter.
+    report().with_text_behind.count = 4;
+    EXPECT_THAT(refusal(), StartsWith("m: 4 fields are no numbers"));
+}
+
+TEST_F(CheckFields, RefusesCommasBetweenThousandsWhereTheyAreTheDecimalSign) {
+    report().with_text_behind = {1, {{2, "G1", 2, "1,234.5"}}};
+    report().grouped_digits = report().with_text_behind;
+    options_.decimal = ',';
+    EXPECT_EQ(refusal(),
+              "m: 1 number has commas between thousands\n"
+              "  line 2: row \"G1\", column \"a\" (field 2): \"1,234.5\"\n"
+              "and decimal , takes commas for the decimal sign\n"
+              "Write the numbers without commas between thousands, and leave the option out.");
+}
+
 TEST_F(CheckFields, RefusesColumnsOfTextByName) {
     report().not_numbers = {2, {{2, "G1", 2, "x"}, {3, "G2", 2, "y"}}};
     report().with_text_behind = {1, {{4, "G3", 2, "3 x"}}};
@@ -132,6 +159,12 @@ TEST_F(CheckFields, RefusesSingleTexts) {
 TEST_F(CheckFields, RefusesTablesThatAreCutOff) {
     layout_.end_mark = "!end";
     EXPECT_THAT(refusal(), StartsWith("m: the table does not end with !end: the file was cut off"));
+    layout_.end_mark = "!series_matrix_table_end";
+    report().has_end_mark = true;
+    report().rows = 0;
+    EXPECT_THAT(refusal(), StartsWith("m: the table of the series matrix is empty\n"));
+    EXPECT_THAT(refusal(), HasSubstr("are in its supplementary files"));
+    report().rows = 4;
     layout_.end_mark = "";
     layout_.promised_rows = 5;
     EXPECT_THAT(refusal(), StartsWith("m: says that it has 5 rows, and has 4\n"));

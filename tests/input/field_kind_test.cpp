@@ -95,6 +95,16 @@ TEST(HasGroupedDigits, KnowsNumbersWithCommasBetweenThousands) {
     }
 }
 
+TEST(HasPointGroups, KnowsNumbersWithPointsBetweenThousands) {
+    for (const char* field : {"1.234", "12.345.678", "-1.234,5", "1.000,00", " 999.999 "}) {
+        EXPECT_TRUE(has_point_groups(field)) << field;
+    }
+    for (const char* field :
+         {"", "1234", "1.23", "1234.567", "0.123", "1.234.5", ".123", "1.234x", "1,234.5"}) {
+        EXPECT_FALSE(has_point_groups(field)) << field;
+    }
+}
+
 TEST(ClassifyField, ReadsAsStrtod) {
     double value = -1.0;
     const std::string number = "1.5abc";

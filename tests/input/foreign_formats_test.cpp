@@ -111,7 +111,8 @@ TEST(ForeignFormat, IsNamedWithTheCure) {
          "Save As"},
         {"<?xml version=\"1.0\"?><svg>", "a picture (SVG):", "table of numbers"},
         {"<?xml version=\"1.0\"?><MINiML>", "an XML document:", "table of numbers"},
-        {"{\"gene\": 1}", "a JSON document:", "pandas.read_json"},
+        {"{\"gene\": 1}", "a JSON document:", "pandas.read_json(\"FILE\")"},
+        {"{\"columns\":[\"a\"],", "a JSON document:", "(\"FILE\", orient=\"split\").to_csv"},
         {"[\n  {\"gene\": 1}]", "a JSON document:", "pandas.read_json"},
         {"[[1, 2], [3, 4]]", "a JSON document:", "pandas.read_json"},
     };

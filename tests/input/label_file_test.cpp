@@ -85,6 +85,20 @@ TEST_F(LabelFiles, MayHaveCommasQuotesAndLineEnds) {
     EXPECT_THAT(labels.columns, ElementsAre(ElementsAre("1\n2", ""), ElementsAre("x", "5\"")));
 }
 
+TEST_F(LabelFiles, MayHaveSemicolons) {
+    const LabelTable labels = table("gene;module;score\r\nSFB2;M0;0,0\r\n\"A;B\";M1;0,1\r\n");
+    EXPECT_EQ(labels.names_title, "gene");
+    EXPECT_THAT(labels.titles, ElementsAre("module", "score"));
+    EXPECT_THAT(labels.names, ElementsAre("SFB2", "A;B"));
+    EXPECT_THAT(labels.columns, ElementsAre(ElementsAre("M0", "M1"), ElementsAre("0,0", "0,1")));
+    EXPECT_THAT(table("gene;x\nADE5,7;1\nARG5,6;2\n").names, ElementsAre("ADE5,7", "ARG5,6"));
+    // Commas that all lines have are what separates.
+    EXPECT_THAT(table("gene,GO;slim\nSFB2,a;b\nQRI7,c;d\n").titles, ElementsAre("GO;slim"));
+    EXPECT_THAT(table("gene,GO\nSFB2,a;b\nQRI7,c;d\n").names, ElementsAre("SFB2", "QRI7"));
+    EXPECT_THAT(refusal("gene;x\nSFB2;1;2\nCFT2;1\n"),
+                HasSubstr("and put names that hold a semicolon in double quotes."));
+}
+
 TEST_F(LabelFiles, OfRHaveNoTitleAboveTheNames) {
     const LabelTable labels = table("\"group\"\t\"score\"\n\"CDC28\"\t\"x\"\t1.5\n");
     EXPECT_EQ(labels.names_title, "");

@@ -67,6 +67,8 @@ TEST_F(LayoutOf, LeavesOutTheColumnsThatAreNamed) {
     EXPECT_THAT(refusal(kAnnotated),
                 HasSubstr("m: there is no column \"none\" (skip-columns)\nThe columns are \"id\", "
                           "\"gene\", \"a\", \"note\", \"b\"; \"#1\" is always the first."));
+    EXPECT_THAT(refusal("id\t\t\tb\nG1\t1\t2\t3\n"),
+                HasSubstr("The columns are \"id\", field 2, field 3, \"b\"; \"#1\" is always"));
     options_.skip_columns = {"6"};
     EXPECT_THAT(refusal(kAnnotated), HasSubstr("there is no column \"6\""));
     options_.skip_columns = {"id"};
@@ -149,6 +151,9 @@ TEST_F(LayoutOf, RefusesDelimitersThatSeemToStandWithinFields) {
     EXPECT_THAT(
         refusal("gene,a\nG1,0,5\nG2,1,5\n"),
         HasSubstr("the header has 2 fields and the rows have 3, though \"gene\" heads the"));
+    // Of one line among others it is known which.
+    EXPECT_THAT(refusal("gene,a\nG1,0\n# x\nG2,1,5\nG3,1,5\n"),
+                HasSubstr("m:4: the line has 3 fields and the header 2\n"));
     EXPECT_EQ(refusal("WT,mutant\nG1,0,5\nG2,1,5\n"), "");
     EXPECT_THAT(refusal("gene   a   b\nG1   1   2\n"), HasSubstr("several blanks stand between"));
     options_.delimiter = ' ';

@@ -51,6 +51,7 @@ TEST_F(MatrixGuess, OfTheDelimiterIsTheOneWithMostNumbers) {
         {"G1\t0,17\t0,33\n", '\t'},
         {"G1;0,17;0,33\n", ';'},
         {"ARG5,6\t0,1\t0,2\n", '\t'},
+        {"G1;1.000,00;1.007,05\n", ';'},
         // Fields in quotes.
         {"\"a, b, 1\";\"1\";\"2\"\n", ';'},
         {"\"1\n2,3,4\"\t1\t2\n", '\t'},
@@ -63,6 +64,14 @@ TEST_F(MatrixGuess, OfTheDelimiterIsTheOneWithMostNumbers) {
     for (const auto& [content, delimiter] : kCases) {
         EXPECT_EQ(guess_delimiter(content), delimiter) << content;
     }
+}
+
+TEST_F(MatrixGuess, OfTheDelimiterIsNoCommaThatIsTheDecimalSign) {
+    EXPECT_EQ(guess_delimiter("G1,1,2\n", ','), std::nullopt);
+    EXPECT_EQ(guess_delimiter("G1;x0,1;y0,2\n", ','), std::nullopt);
+    EXPECT_EQ(guess_delimiter("G1,1,2\n", '.'), ',');
+    // In quotes it is not between fields.
+    EXPECT_EQ(guess_delimiter("G1,\"1,5\",\"2\"\n", ','), ',');
 }
 
 }  // namespace

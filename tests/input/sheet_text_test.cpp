@@ -96,9 +96,19 @@ TEST_F(SheetAsText, IsEmptyWithoutRows) {
     EXPECT_EQ(text(""), "");
 }
 
+TEST_F(SheetAsText, TakesAnEmptyTextOfAFormulaForAnEmptyCell) {
+    EXPECT_EQ(text("<row><c><v>1</v></c><c t='str'><f>IF(A1,\"\",2)</f><v></v></c>"
+                   "<c s='1'><v></v></c><c><v>3</v></c></row>"),
+              "1\t\t\t3\n");
+}
+
 TEST_F(SheetAsText, IsRefusedWhereItHoldsNoValueToRead) {
     EXPECT_THAT(refusal("<row/><row><c/><c><f>B1*2</f></c></row>"),
                 HasSubstr("m.xlsx: cell B2 holds a formula that has not been calculated"));
+    // As programs write it that leave the result empty.
+    EXPECT_THAT(refusal("<row><c><v>1</v></c><c><f>A1*2</f><v></v></c></row>"),
+                HasSubstr("m.xlsx: cell B1 holds a formula that has not been calculated"));
+    EXPECT_THAT(refusal("<row><c s='1'><f>A1*2</f><v/></c></row>"), HasSubstr("cell A1 holds"));
     EXPECT_THAT(refusal("<row><c t='s'><v>4</v></c></row>"),
                 HasSubstr("m.xlsx: the workbook lacks"));
     EXPECT_THAT(refusal("<row><c t='s'><v>x</v></c></row>"), HasSubstr("lacks text x of its list"));

@@ -36,6 +36,9 @@ TEST_F(ReadTableHead, TakesTheFirstLineForTheHeader) {
     EXPECT_THAT(plain.header, ElementsAre("gene", "a", "b"));
     EXPECT_THAT(plain.rows, ElementsAre(ElementsAre("G1", "1", "2"), ElementsAre("G2", "3", "4")));
     EXPECT_EQ(plain.row_fields, 3U);
+    EXPECT_EQ(plain.longest_row_line, 2U);
+    EXPECT_EQ(head("gene\ta\nG1\t1\n# x\n\nG2\t\"3\n3\"\nG3\t1\t2\nG4\t1\t2\n").longest_row_line,
+              7U);
 }
 
 TEST_F(ReadTableHead, PutsTheFieldsOfTheHeaderWhereTheRowsHaveThem) {

@@ -114,6 +114,7 @@ def test_how_a_file_is_taken_is_noted(write, content, note):
 
 @pytest.mark.parametrize("content, cure", [
     ("g,a\nG1,1\nG2,ND\nG3,3\n", 'na="ND"'),
+    ("g;a\nG1;1.000,5\nG2;2\nG3;3\n", "Take the points out of the numbers"),
     ("g;a\nG1;0,5\nG2;1,5\nG3;3\n", 'decimal="," reads them'),
     ("g,note,b\nG1,x,1\nG2,y,2\nG3,3 z,3\n", 'skip_columns=["note"]'),
     ("g,note,b\nG1,x,1\nG2,y,2\nG3,3 z,3\n", 'names_column="note"'),
@@ -136,6 +137,7 @@ def test_text_is_no_value(write, content, cure):
     ("gene,a,x,b\nG1,1,x,2.5\nG2,-3,1 y,4e2\nG3,0,z,NA\n", {"skip_columns": [3]}),
     ("id,gene,a,b\n7,G1,1,2.5\n8,G2,-3,4e2\n9,G3,0,NA\n", {"names_column": "gene"}),
     ("gene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,ND\n", {"na": "ND"}),
+    ("gene;a;b\nG1;1;2,5\nG2;-3;4e2\nG3;0;n.d.\n", {"decimal": ",", "na": "n.d."}),
     ('"gene","a","b"\n"G1",1,2.5\n"G2","-3",4e2\nG3,"0",""\n', {}),
     ("# a note\ngene,a,b\nG1,1,2.5\nG2,-3,4e2\nG3,0,NA\n", {}),
 ])

@@ -83,6 +83,23 @@ def test_data_frame_gives_names(points):
     assert data_of(ovik.page(framed).html)["names"][:2] == ["G0", "G1"]
 
 
+def test_series_and_dicts_find_their_rows_by_name(points):
+    pandas = pytest.importorskip("pandas")
+    framed = pandas.DataFrame(points[:3, :2], index=["A", "B", "C"])
+    shown = data_of(ovik.page(
+        framed, pandas.Series({"C": "z", "A": "x", "B": "y"}), names={"B": "b", "A": "a", "C": "c"},
+        functions=pandas.Series({"B": "two", "C": "three", "A": "one"}),
+    ).html)
+    assert shown["labels"] == ["x", "y", "z"] and shown["names"] == ["a", "b", "c"]
+    assert shown["functions"] == ["one", "two", "three"]
+    # Names that are given serve a map without any.
+    labels = {"C": "z", "A": "x"}
+    shown = data_of(ovik.page(points[:3, :2], labels, names=["A", "B", "C"]).html)
+    assert shown["labels"] == ["x", "", "z"]
+    with pytest.raises(ValueError, match="functions has no entry for 1 of 3 rows of the map .'C'."):
+        ovik.page(framed, functions=pandas.Series({"A": "one", "B": "two"}))
+
+
 def test_notebook_shows_it_in_a_frame_of_its_own(tsne):
     page = ovik.page(tsne, height=500)
     shown = page._repr_html_()

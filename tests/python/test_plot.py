@@ -64,6 +64,59 @@ def test_groups_have_colours_as_they_appear(points):
     assert ovik.plot(points, labels, legend=False).get_legend() is None
 
 
+@pytest.fixture
+def named_map(points):
+    pandas = pytest.importorskip("pandas")
+    return pandas.DataFrame(points[:, :2], index=[f"G{row}" for row in range(90)])
+
+
+def test_series_finds_its_rows_by_name(points, named_map):
+    pandas = pytest.importorskip("pandas")
+    values = pandas.Series(points[:, 3], index=named_map.index)
+    for shuffled in (values[::-1], pandas.concat([pandas.Series({"other": 1.0}), values.sample(frac=1)])):
+        axes = ovik.plot(named_map, shuffled)
+        assert np.array_equal(axes.collections[0].get_array(), points[:, 3])
+    tsne = ovik.TSNE(n_iter=1).fit(pandas.DataFrame(points, index=named_map.index))
+    assert np.array_equal(ovik.plot(tsne, values[::-1]).collections[0].get_array(), points[:, 3])
+    # Whole numbers are names, too, where they do not just count.
+    counted = pandas.DataFrame(points).sample(frac=1, random_state=3)
+    tsne = ovik.TSNE(n_iter=1).fit(counted)
+    drawn_numbers = ovik.plot(tsne, pandas.Series(points[:, 3])).collections[0].get_array()
+    assert np.array_equal(drawn_numbers, counted[3])
+
+
+def test_series_without_names_goes_by_the_order(points, named_map):
+    pandas = pytest.importorskip("pandas")
+    for labels in (pandas.Series(points[:, 3]), list(points[:, 3])):
+        assert np.array_equal(ovik.plot(named_map, labels).collections[0].get_array(), points[:, 3])
+    named = pandas.Series(points[:, 3], index=named_map.index[::-1])
+    for unnamed_map in (points, pandas.DataFrame(points)):
+        assert np.array_equal(ovik.plot(unnamed_map, named).collections[0].get_array(), points[:, 3])
+
+
+def test_series_of_other_names_is_refused(points, named_map):
+    pandas = pytest.importorskip("pandas")
+    with pytest.raises(ValueError, match=r"has no entry for 90 of 90 rows of the map \('G0', 'G1', 'G2', "
+                                         r"\.\.\.\); its index has 'H0', 'H1', 'H2', "):
+        ovik.plot(named_map, pandas.Series(points[:, 3], index=[f"H{row}" for row in range(90)]))
+    with pytest.raises(ValueError, match=r"no entry for 1 of 90 rows of the map \('G7'\)"):
+        ovik.plot(named_map, pandas.Series(points[:, 3], index=named_map.index).drop("G7"))
+    twice = pandas.Series(["a"] * 91, index=[*reversed(named_map.index), "G5"])
+    with pytest.raises(ValueError, match="the index of labels has 'G5' more than once"):
+        ovik.plot(named_map, twice)
+
+
+def test_dict_goes_by_name(named_map, points):
+    axes = ovik.plot(named_map, {"G1": "a", "G0": "b", "other": "c"})
+    assert drawn(axes) == [(COLOURS[0], 1), (COLOURS[1], 1), (COLOURS[2], 88)]
+    scale = ovik.plot(named_map, {"G1": 0.5}).collections[0].get_array()
+    assert scale[1] == 0.5 and scale.mask.sum() == 89
+    with pytest.raises(ValueError, match="labels is a dict, and the rows of the map have no names"):
+        ovik.plot(points, {"G1": "a"})
+    with pytest.raises(ValueError, match="no key of labels .'H1'. is the name of a row .'G0', "):
+        ovik.plot(named_map, {"H1": "a"})
+
+
 def test_numbers_have_a_scale(points):
     axes = ovik.plot(points, points[:, 3])
     assert np.array_equal(axes.collections[0].get_array(), points[:, 3])

@@ -68,6 +68,22 @@ TEST(JoinLabels, FindsRowsByOtherNamesOfTheirGenes) {
     EXPECT_THAT(exact.columns[0].texts, ElementsAre("d", "", ""));
 }
 
+TEST(JoinLabels, ReadDecimalCommasWhereTheyAreAskedFor) {
+    const LabelTable table =
+        table_of({"a", "b", "c"}, {{"-0,24", "NA", "1"}, {"0.5", "1", "2"}, {"x", "1,5", ""}});
+    const JoinedLabels joined = join_labels(table, {"a", "b", "c"}, "f.tsv", true, ',');
+    EXPECT_THAT(joined.columns[0].numbers, ElementsAre(-0.24, testing::IsNan(), 1.0));
+    EXPECT_THAT(joined.columns[1].numbers, ElementsAre(0.5, 1.0, 2.0));
+    EXPECT_FALSE(joined.columns[2].isNumeric());
+    EXPECT_EQ(comma_labels_warning(table, joined.columns, "f.tsv"), "");
+    const JoinedLabels groups = join_labels(table, {"a", "b", "c"}, "f.tsv", true);
+    EXPECT_FALSE(groups.columns[0].isNumeric());
+    EXPECT_TRUE(groups.columns[1].isNumeric());
+    EXPECT_THAT(comma_labels_warning(table, groups.columns, "f.tsv"),
+                testing::StartsWith("warning: f.tsv: the labels of \"t1\" are numbers with decimal "
+                                    "commas, and are taken for groups\n--decimal , reads them"));
+}
+
 TEST(JoinLabels, TellsNumbersFromGroups) {
     const JoinedLabels joined = join_labels(table_of({"a", "b", "c"},
                                                      {{"1.5", "NA", "-2e3"},

@@ -47,6 +47,15 @@ TEST(ChoosePerplexities, TakesThoseGivenInTheirOrder) {
     EXPECT_THAT(chosen(with_perplexities({28.9}), 30).perplexities, ElementsAre(28.9));
 }
 
+TEST(ChoosePerplexities, WarnsOfThoseThatAreLargeForTheRows) {
+    testing::internal::CaptureStderr();
+    chosen(with_perplexities({1.0, 3.0}), 5);
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "ovik-tsne: warning: perplexity 3 is large for 5 rows: it should be at most a third of "
+        "the 4 others that a row has\n");
+}
+
 TEST(ChoosePerplexities, IsTwentyWhereTheRowsAllowIt) {
     for (const std::size_t rows : {61U, 62U, 100000U}) {
         const Chosen usual = chosen({}, rows);
@@ -55,7 +64,7 @@ TEST(ChoosePerplexities, IsTwentyWhereTheRowsAllowIt) {
     }
 }
 
-TEST(ChoosePerplexities, IsTheLargestThatFewRowsAllow) {
+TEST(ChoosePerplexities, IsTheLargestThatIsAdvisedForFewRows) {
     for (std::size_t rows = 3; rows <= 60; ++rows) {
         const Chosen largest = chosen({}, rows);
         ASSERT_EQ(largest.perplexities.size(), 1U);
@@ -64,11 +73,12 @@ TEST(ChoosePerplexities, IsTheLargestThatFewRowsAllow) {
         EXPECT_LE(3.0 * perplexity, others) << rows;
         EXPECT_GT(3.0 * std::nextafter(std::nextafter(perplexity, HUGE_VAL), HUGE_VAL), others);
         EXPECT_THAT(largest.out,
-                    HasSubstr(", the largest that " + std::to_string(rows) +
-                              " rows allow (the usual 20 needs 61)\n"));
+                    HasSubstr(", the largest that is advised for " + std::to_string(rows) +
+                              " rows (the usual 20 needs 61)\n"));
     }
     EXPECT_EQ(chosen({}, 31).out,
-              "-- Perplexity 10.00, the largest that 31 rows allow (the usual 20 needs 61)\n");
+              "-- Perplexity 10.00, the largest that is advised for 31 rows (the usual 20 needs "
+              "61)\n");
 }
 
 TEST(ChoosePerplexities, RefusesAsManyNeighboursAsARowHasOthers) {

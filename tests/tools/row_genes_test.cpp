@@ -63,6 +63,8 @@ TEST(FoundGenesLine, NamesTheFirstFewThatAreMissing) {
               "Gene table: 1 of 4 rows found; not found: a1x, b2x, c3x");
     EXPECT_EQ(line_of({"a1x", "b2x", "c3x", "d4x", "CDC28"}),
               "Gene table: 1 of 5 rows found; not found: a1x, b2x, c3x, ...");
+    EXPECT_EQ(line_of({"CDC28", "", "a1x"}),
+              "Gene table: 1 of 3 rows found; not found: row 2, a1x");
 }
 
 TEST(FoundGenesLine, CountsWhatWasMapped) {

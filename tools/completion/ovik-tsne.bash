@@ -19,7 +19,7 @@ _ovik_tsne() {
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;
     *)
       if [[ $current == -* ]]; then
-        COMPREPLY=($(compgen -W "$(ovik-tsne --help | grep -oE '^  (-[a-z],)?--[a-z-]+' |
+        COMPREPLY=($(compgen -W "$(ovik-tsne --help | grep -oE '^  (-[a-z],)?--[a-z0-9-]+' |
           tr -d ' ' | tr ',' '\n')" -- "$current"))
       elif [[ $previous != -* ]] || ! ovik-tsne --help | grep -E '^  (-[a-z],)?--' |
         grep -E -- "[ ,]$previous (NUMBER|COUNT|TEXT|NAME)" >/dev/null; then

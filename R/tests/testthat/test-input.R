@@ -25,7 +25,7 @@ test_that("names of rows are kept where there are some", {
 test_that("columns that are no numbers are refused by name", {
   table <- as.data.frame(groups())
   table$gene <- rep(c("CDC28", "RPL3"), 30)
-  expect_error(short(table), "column 'gene' of x is no column of numbers but 'character'.*rownames\\(x\\) <- x\\$gene")
+  expect_error(short(table), "column 'gene' of x is no column of numbers but 'character'.*rownames\\(x\\) <- x\\$gene; x\\$gene <- NULL\\.")
   table$gene <- factor(table$gene)
   table$day <- as.Date("2026-11-22") + 1:60
   expect_error(short(table), "'gene' .* 'factor' \\(2 such columns, also 'day'\\)")
