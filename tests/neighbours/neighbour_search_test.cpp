@@ -30,10 +30,11 @@ Answers answers_of_search(const std::vector<double>& points, std::size_t dims, s
     NeighbourSearch search(N, dims, process_random_stream());
     Answers answers{std::vector<test::Answer>(N), std::rand()};
     std::atomic<std::size_t> visits{0};
+    const std::size_t workers = search.workerCount();
     search.findAll(points.data(),
                    count,
                    [&](std::size_t row, std::span<const NearRow> nearest, std::size_t worker) {
-                       EXPECT_LT(worker, search.workerCount());
+                       EXPECT_LT(worker, workers);
                        ++visits;
                        for (const NearRow& near : nearest) {
                            answers.of_rows[row].rows.push_back(static_cast<int>(near.row));
