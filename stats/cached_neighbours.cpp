@@ -58,7 +58,8 @@ void CachedNeighbours::findAll(const double* points,
                                const NeighbourSearch::Visit& visit) {
     const std::size_t N = search_->rowCount();
     std::vector<char> is_found(N);
-    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+    const std::size_t listed = lists_.empty() ? 0 : N;
+    parallel_for(listed, 1, [&](std::size_t worker, IndexRange rows) {
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
             const std::span<const NearRow> list(lists_.data() + n * (most_ + 1), found_[n]);
             if (is_certain(list, count, margin_)) {

@@ -187,7 +187,7 @@ TEST(SlicedMatrix, HasNoSumOfLogarithmsThatAreNone) {
 }
 
 TEST(SlicedMatrix, RefusesMorePlacesThanItCanCount) {
-    const unsigned int row_P[1] = {0};
+    const unsigned int row_P[2] = {0, 0};
     const SparseMatrixView P{row_P, nullptr, nullptr};
     EXPECT_THROW(SlicedMatrix(P, 1, std::size_t{1} << 32U), std::length_error);
 }
