@@ -56,8 +56,8 @@ struct Team::Board {
     /// What a helper does from its start to its end.
     void help(std::uint32_t last_loop);
 
-    /// Works on the loop of a word if there is a seat left.
-    void join(std::uint32_t word);
+    /// Works on the loop of the word `now` if there is a seat left.
+    void join(std::uint32_t now);
 
     /// Waits until a loop begins, or the end is there.
     std::uint32_t wait(std::uint32_t last_loop);
@@ -65,14 +65,14 @@ struct Team::Board {
     /// Closes the loop, and waits for the helpers that are at it.
     void close();
 
+    /// The piece that is taken next.
+    alignas(kCacheLine) std::atomic<std::size_t> next = 0;
     // Of the loop, written before it opens.
     Piece piece = nullptr;
     const void* loop = nullptr;
     std::size_t count = 0;
     std::atomic<std::uint32_t> seats = 0;
 
-    /// The piece that is taken next.
-    alignas(kCacheLine) std::atomic<std::size_t> next = 0;
     alignas(kCacheLine) std::atomic<std::uint32_t> word = 0;
     /// Changes when the last helper leaves a loop that is closed.
     std::atomic<std::uint32_t> departures = 0;
