@@ -15,7 +15,10 @@ ValueReader::ValueReader(std::optional<char> decimal, std::vector<std::string> m
     : missing_signs_(std::move(missing_signs)),
       decimal_(decimal.value_or(decimal_of_locale())),
       locale_decimal_(decimal_of_locale()),
-      is_special_(decimal_ != locale_decimal_ || !missing_signs_.empty()) {
+      is_special_(!missing_signs_.empty()) {
+    if (decimal.has_value()) {
+        is_special_ = is_special_ || *decimal != locale_decimal_;
+    }
     for (std::string& sign : missing_signs_) {
         sign = std::string(without_blanks(sign));
     }

@@ -1,7 +1,9 @@
 #include "util/team.h"
 
 #include <algorithm>
+#include <new>
 #include <omp.h>
+#include <pthread.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -41,6 +43,17 @@ void look_for(const Predicate& has_happened) {
     for (int look = 0; look < kLooks && !has_happened(); ++look) {
         pause();
     }
+}
+
+/// A place in each thread for a team, which ends with the thread.
+pthread_key_t make_key() {
+    pthread_key_t key = 0;
+    const int error = pthread_key_create(&key, [](void* team) { delete static_cast<Team*>(team); });
+    if (error != 0) {
+        throw std::system_error(
+            error, std::generic_category(), "threads have no place of their own");
+    }
+    return key;
 }
 
 }  // namespace
@@ -134,8 +147,18 @@ void Team::Board::close() {
 
 Team& Team::ofThisThread() {
     static const auto processors = static_cast<std::size_t>(omp_get_num_procs());
-    thread_local Team team(processors);
-    return team;
+    // Not a thread_local object: where the memory to note its destructor is lacking, the C library
+    // ends the process.
+    static const pthread_key_t key = make_key();
+    void* const before = pthread_getspecific(key);
+    if (before != nullptr) {
+        return *static_cast<Team*>(before);
+    }
+    auto team = std::make_unique<Team>(processors);
+    if (pthread_setspecific(key, team.get()) != 0) {
+        throw std::bad_alloc();
+    }
+    return *team.release();
 }
 
 bool Team::isAtWork() {

@@ -26,7 +26,7 @@ def ending(outcome):
     last_line = outcome.error_text.splitlines()[-1]
     if last_line.endswith(OUT_OF_MEMORY):
         return OUT_OF_MEMORY
-    for opening in ("ovik-tsne: ", "Figure "):
+    for opening in ("ovik-tsne: ", "libgomp: ", "Figure "):
         if last_line.startswith(opening):
             return f"line that opens with {opening!r}"
     raise Faulty(f"does not end with a line of its own: {outcome.error_text!r}")
