@@ -1,33 +1,18 @@
 #include "stats/row_attraction.h"
 
 #include <cmath>
-#include <cstdio>
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/printed.h"
 #include "tests/support/random_points.h"
+#include "tests/support/sparse_rows.h"
 
 namespace ovik {
 namespace {
 
-/// A matrix whose rows have the same number of entries.
-struct Rows {
-    std::vector<unsigned int> row_P;
-    std::vector<unsigned int> col_P;
-    std::vector<double> val_P;
-
-    [[nodiscard]] SparseMatrixView view() const {
-        return {row_P.data(), col_P.data(), val_P.data()};
-    }
-};
-
-std::string printed(double value) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%f", value);
-    return text;
-}
+using Rows = test::SparseRows;
 
 TEST(RowAttraction, OfNoEntriesCostsNothingWhateverTheNormalisation) {
     const unsigned int row_P[2] = {0, 0};
@@ -56,7 +41,7 @@ TEST(RowAttraction, PrintsACostOfNothingWithTheSignOfThePlainSum) {
             plain += 0.5 * std::log((0.5 + 2.2250738585072014e-308) /
                                     (q / (q + q) + 2.2250738585072014e-308));
         }
-        EXPECT_EQ(printed(attraction.cost(Y, q + q)), printed(plain)) << distance;
+        EXPECT_EQ(test::printed(attraction.cost(Y, q + q)), test::printed(plain)) << distance;
     }
 }
 

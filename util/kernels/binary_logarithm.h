@@ -1,42 +1,27 @@
 #pragma once
 
 #include "util/kernels/lanes.h"
+#include "util/kernels/sixteenths.h"
 
 namespace ovik::OVIK_KERNELS {
 
-/// The reciprocals of the middles of the sixteenths of [1, 2), and the middles' binary logarithms.
-constexpr double kMiddles[2][16] = {{32. / 33.,
-                                     32. / 35.,
-                                     32. / 37.,
-                                     32. / 39.,
-                                     32. / 41.,
-                                     32. / 43.,
-                                     32. / 45.,
-                                     32. / 47.,
-                                     32. / 49.,
-                                     32. / 51.,
-                                     32. / 53.,
-                                     32. / 55.,
-                                     32. / 57.,
-                                     32. / 59.,
-                                     32. / 61.,
-                                     32. / 63.},
-                                    {0.044394119358453395,
-                                     0.1292830169449665,
-                                     0.2094533656289497,
-                                     0.28540221886224837,
-                                     0.3575520046180836,
-                                     0.42626475470209796,
-                                     0.49185309632967467,
-                                     0.5545888516776374,
-                                     0.6147098441152083,
-                                     0.6724253419714956,
-                                     0.7279204545631992,
-                                     0.7813597135246597,
-                                     0.8328900141647417,
-                                     0.8826430493618412,
-                                     0.9307373375628862,
-                                     0.9772799234999165}};
+/// The binary logarithms of the middles of the sixteenths of [1, 2).
+alignas(sizeof(Lanes)) constexpr double kMiddleLogarithms[16] = {0.044394119358453395,
+                                                                 0.1292830169449665,
+                                                                 0.2094533656289497,
+                                                                 0.28540221886224837,
+                                                                 0.3575520046180836,
+                                                                 0.42626475470209796,
+                                                                 0.49185309632967467,
+                                                                 0.5545888516776374,
+                                                                 0.6147098441152083,
+                                                                 0.6724253419714956,
+                                                                 0.7279204545631992,
+                                                                 0.7813597135246597,
+                                                                 0.8328900141647417,
+                                                                 0.8826430493618412,
+                                                                 0.9307373375628862,
+                                                                 0.9772799234999165};
 
 /// Numbers below 2^kExponents have logarithms.
 constexpr std::size_t kExponents = 212;
@@ -49,8 +34,8 @@ struct MiddleTable {
         double unit = 1.0;
         for (std::size_t e = 0; e < kExponents; ++e, unit *= 0.5) {
             for (std::size_t i = 0; i < 16; ++i) {
-                pairs[2 * (16 * e + i)] = kMiddles[0][i] * unit;
-                pairs[2 * (16 * e + i) + 1] = static_cast<double>(e) + kMiddles[1][i];
+                pairs[2 * (16 * e + i)] = kReciprocals[i] * unit;
+                pairs[2 * (16 * e + i) + 1] = static_cast<double>(e) + kMiddleLogarithms[i];
             }
         }
     }
@@ -74,8 +59,8 @@ inline Lanes binary_logarithm(Lanes x) {
 #if OVIK_LANES == 8
     const Bits sixteenth = as_bits(x) >> 48U;
     const Lanes m = _mm512_maskz_getmant_pd(0xFF, x, _MM_MANT_NORM_1_2, _MM_MANT_SIGN_src);
-    const Lanes quotient = m * look_up(kMiddles[0], sixteenth);
-    const Lanes middle = _mm512_maskz_getexp_pd(0xFF, x) + look_up(kMiddles[1], sixteenth);
+    const Lanes quotient = m * look_up(kReciprocals, sixteenth);
+    const Lanes middle = _mm512_maskz_getexp_pd(0xFF, x) + look_up(kMiddleLogarithms, sixteenth);
 #else
     // Exponent and sixteenth are the highest 16 bits of a number.
     constexpr std::uint64_t kBitsOfOne = 0x3FF0;

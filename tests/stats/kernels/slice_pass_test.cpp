@@ -10,6 +10,7 @@
 
 #include "stats/sliced_matrix.h"
 
+#include "tests/support/embedded_rows.h"
 #include "tests/support/instruction_sets.h"
 #include "tests/support/random_points.h"
 
@@ -25,31 +26,11 @@ INSTANTIATE_TEST_SUITE_P(EveryInstructionSet,
                          SliceKernelsTest,
                          testing::ValuesIn(test::available_instruction_sets()));
 
-/// A matrix whose row n has n entries, in an embedding of as many points.
-struct Rows {
-    Rows(std::size_t N, std::size_t dims) : Y(test::random_values(N * dims, 81)), dims(dims) {
-        starts.push_back(0);
-        for (std::size_t n = 0; n < N; ++n) {
-            for (std::size_t i = 0; i < n; ++i) {
-                columns.push_back(static_cast<unsigned int>((n + 3 * i + 1) % N));
-                values.push_back(1e-3 / static_cast<double>(i + 1));
-            }
-            starts.push_back(static_cast<unsigned int>(columns.size()));
-        }
-    }
+using Rows = test::EmbeddedRows;
 
-    [[nodiscard]] std::size_t count() const { return starts.size() - 1; }
-
-    [[nodiscard]] SlicedMatrix sliced() const {
-        return {{starts.data(), columns.data(), values.data()}, count(), dims};
-    }
-
-    std::vector<double> Y;
-    std::size_t dims;
-    std::vector<unsigned int> starts;
-    std::vector<unsigned int> columns;
-    std::vector<double> values;
-};
+SlicedMatrix sliced_form(const Rows& rows) {
+    return {rows.view(), rows.count(), rows.dims};
+}
 
 /// What the kernels write for some slices of a matrix; -7 where they write nothing.
 struct Written {
@@ -59,7 +40,7 @@ struct Written {
             std::size_t end,
             bool with_forces = true,
             bool with_cost = true)
-        : sliced(rows.sliced()),
+        : sliced(sliced_form(rows)),
           forces(rows.Y.size(), -7.0),
           log_sums(sliced.sliceCount(), -7.0),
           entropies(sliced.sliceCount(), -7.0),
@@ -84,31 +65,6 @@ struct Written {
     std::vector<double> weights;
 };
 
-/// Of a row: 1 + squared distance of the points of an entry.
-double inverse_q(const Rows& rows, std::size_t n, std::size_t entry) {
-    double squared_distance = 0.0;
-    for (std::size_t d = 0; d < rows.dims; ++d) {
-        const double difference =
-            rows.Y[n * rows.dims + d] - rows.Y[rows.columns[entry] * rows.dims + d];
-        squared_distance += difference * difference;
-    }
-    return 1.0 + squared_distance;
-}
-
-std::vector<double> plain_forces(const Rows& rows) {
-    std::vector<double> forces(rows.Y.size(), 0.0);
-    for (std::size_t n = 0; n < rows.count(); ++n) {
-        for (std::size_t i = rows.starts[n]; i < rows.starts[n + 1]; ++i) {
-            const double factor = rows.values[i] * (1.0 / inverse_q(rows, n, i));
-            for (std::size_t d = 0; d < rows.dims; ++d) {
-                forces[n * rows.dims + d] +=
-                    factor * (rows.Y[n * rows.dims + d] - rows.Y[rows.columns[i] * rows.dims + d]);
-            }
-        }
-    }
-    return forces;
-}
-
 // Rows of 0 to 67 entries, in dimensions of their own loops and in others.
 constexpr std::size_t kRows = 68;
 constexpr std::size_t kDims[] = {1, 2, 3, 4};
@@ -116,7 +72,7 @@ constexpr std::size_t kDims[] = {1, 2, 3, 4};
 TEST_P(SliceKernelsTest, WriteTheForcesOfAPlainLoopForEveryNumberOfEntries) {
     for (const std::size_t dims : kDims) {
         const Rows rows(kRows, dims);
-        EXPECT_EQ(Written(kernels, rows).forces, plain_forces(rows)) << dims << " dimensions";
+        EXPECT_EQ(Written(kernels, rows).forces, rows.forces(0.0)) << dims << " dimensions";
     }
 }
 
@@ -153,7 +109,7 @@ TEST_P(SliceKernelsTest, AddUpTheCostOfASlice) {
                      n != kNoRow && i < rows.starts[n + 1];
                      ++i) {
                     const double p = rows.values[i];
-                    log_sum += p * std::log(inverse_q(rows, n, i));
+                    log_sum += p * std::log(rows.inverseQ(n, i));
                     entropy += p * std::log(p + DBL_MIN);
                     weight += p;
                 }
