@@ -1,7 +1,9 @@
 #include "stats/sparse_forces.h"
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "stats/elementwise.h"
@@ -17,6 +19,52 @@ constexpr std::size_t kTaskRows = 64;
 
 /// Fewest points for which another thread pays.
 constexpr std::size_t kForceGrain = 16;
+
+/// The preparation of a repulsion, shared by workers who have something else to do while one of
+/// them begins it.
+class SharedPreparation {
+  public:
+    /// All have to outlive the object.
+    SharedPreparation(Repulsion& repulsion, const double* Y, std::size_t workers)
+        : repulsion_(repulsion),
+          Y_(Y),
+          workers_(workers) {}
+
+    /// Begins it, if nobody has.
+    void begin() {
+        if (has_begun_.test_and_set()) {
+            return;
+        }
+        const Announcement announcement{is_open_};
+        parts_.emplace(repulsion_.prepare(Y_), workers_);
+    }
+
+    /// Takes parts until none is left; waits for the beginning. There are none if that failed.
+    void takeParts(std::size_t worker) {
+        is_open_.wait(false);
+        if (parts_) {
+            parts_->take(worker, [this](std::size_t part) { repulsion_.preparePart(part); });
+        }
+    }
+
+  private:
+    /// Tells at its end, whatever that is, that nobody need wait any longer.
+    struct Announcement {
+        std::atomic<bool>& is_open;
+
+        ~Announcement() {
+            is_open = true;
+            is_open.notify_all();
+        }
+    };
+
+    Repulsion& repulsion_;
+    const double* Y_;
+    std::size_t workers_;
+    std::atomic_flag has_begun_;
+    std::atomic<bool> is_open_ = false;
+    std::optional<SharedTasks> parts_;
+};
 
 }  // namespace
 
@@ -57,15 +105,17 @@ double SparseForces::computeForces(Attraction& attraction,
         return IndexRange{task * kTaskRows, std::min((task + 1) * kTaskRows, N_)};
     };
     const int workers = worker_count(N_, kForceGrain);
-    const std::size_t parts = repulsion_->prepare(Y);
-    // Attraction does not need what repulsion prepares: both at once leave one pause fewer at which
-    // threads wait.
-    parallel_tasks(parts + tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
-        if (i < parts) {
-            repulsion_->preparePart(i);
-        } else {
-            attraction.pass(Y, rows_of(i - parts), attractive_forces, with_cost);
-        }
+    const auto worker_share = static_cast<std::size_t>(workers);
+    SharedTasks attractive_tasks(tasks, worker_share);
+    SharedPreparation preparation(*repulsion_, Y, worker_share);
+    // Attraction does not need what repulsion prepares: it is done while that begins. The parts
+    // come last, so that who builds some of them finds them in the cache when points are pushed.
+    parallel_for(worker_share, 1, [&](std::size_t worker, IndexRange /*share*/) {
+        preparation.begin();
+        attractive_tasks.take(worker, [&](std::size_t task) {
+            attraction.pass(Y, rows_of(task), attractive_forces, with_cost);
+        });
+        preparation.takeParts(worker);
     });
     repulsion_->finishPreparation();
     parallel_tasks(tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {

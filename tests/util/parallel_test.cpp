@@ -101,6 +101,28 @@ TEST(ParallelTasks, AreDoneOnceByAsManyWorkers) {
     }
 }
 
+TEST(SharedTasks, AreTakenFromTheOwnShareFirst) {
+    SharedTasks tasks(10, 3);
+    std::vector<std::size_t> taken;
+    const auto take = [&](std::size_t i) { taken.push_back(i); };
+    tasks.take(1, take);
+    // Shares of 4, 3 and 3 tasks.
+    EXPECT_EQ(taken, (std::vector<std::size_t>{4, 5, 6, 7, 8, 9, 0, 1, 2, 3}));
+    tasks.take(0, take);
+    EXPECT_EQ(taken.size(), 10U);
+}
+
+TEST(SharedTasks, MayBeFewerThanWorkersAndTheSharesToo) {
+    for (const std::size_t count : {0, 1, 5, 100}) {
+        SharedTasks tasks(count, 40);
+        std::vector<int> visits(count, 0);
+        for (std::size_t worker = 40; worker-- > 0;) {
+            tasks.take(worker, [&](std::size_t i) { visits[i] += 1; });
+        }
+        EXPECT_EQ(visits, std::vector<int>(count, 1));
+    }
+}
+
 TEST(ParallelFor, HandsAnExceptionToTheCaller) {
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
