@@ -1,5 +1,6 @@
 #include "stats/centring.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -11,12 +12,37 @@ namespace ovik {
 
 namespace {
 
-/// Writes the mean of every column, for which there are zeros.
-void column_means(const double* X, std::size_t rows, std::size_t columns, double* means) {
+/// Adds the rows to sums that stay in registers.
+template <std::size_t Columns>
+void add_rows(const double* X, std::size_t rows, double* sums) {
+    double held[Columns] = {};
+    for (std::size_t n = 0; n < rows; ++n) {
+        for (std::size_t d = 0; d < Columns; ++d) {
+            held[d] += X[n * Columns + d];
+        }
+    }
+    std::copy_n(held, Columns, sums);
+}
+
+void add_rows(const double* X, std::size_t rows, std::size_t columns, double* sums) {
     for (std::size_t n = 0; n < rows; ++n) {
         for (std::size_t d = 0; d < columns; ++d) {
-            means[d] += X[n * columns + d];
+            sums[d] += X[n * columns + d];
         }
+    }
+}
+
+/// Writes the mean of every column, for which there are zeros.
+void column_means(const double* X, std::size_t rows, std::size_t columns, double* means) {
+    switch (columns) {
+        case 2:
+            add_rows<2>(X, rows, means);
+            break;
+        case 3:
+            add_rows<3>(X, rows, means);
+            break;
+        default:
+            add_rows(X, rows, columns, means);
     }
     const double reciprocal = 1.0 / static_cast<double>(rows);
     for (std::size_t d = 0; d < columns; ++d) {

@@ -2,23 +2,19 @@
 
 #include <algorithm>
 
-#include "stats/elementwise.h"
+#include "stats/kernels/descent_step.h"
+#include "util/instruction_set.h"
+#include "util/kernel_dispatch.h"
 #include "util/parallel.h"
 
 namespace ovik {
 
+OVIK_DISPATCH_KERNELS(DescentKernels, kDescentKernels, descent_kernels)
+
 namespace {
 
-constexpr double kGainIncrease = 0.2;
-constexpr double kGainDecay = 0.8;
-constexpr double kSmallestGain = 0.01;
-
-/// Whether both are zero, both negative or both neither; a NaN counts as positive. Without
-/// branches: the processor would guess them wrong every other time.
-bool have_same_sign(double a, double b) {
-    return static_cast<int>(a < 0.0) + 2 * static_cast<int>(a == 0.0) ==
-           static_cast<int>(b < 0.0) + 2 * static_cast<int>(b == 0.0);
-}
+/// Fewest elements for which another thread pays.
+constexpr std::size_t kStepGrain = 2048;
 
 }  // namespace
 
@@ -39,17 +35,16 @@ void GradientDescent::restore(const double* velocity, const double* gains) {
 }
 
 void GradientDescent::step(double* Y, double momentum) {
-    const double* const gradient = gradient_.get();
-    double* const velocity = velocity_.get();
-    double* const gains = gains_.get();
-    const double learning_rate = learning_rate_;
-    parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
-        const double decayed = gains[i] * kGainDecay;
-        const double increased = gains[i] + kGainIncrease;
-        const double gain = have_same_sign(gradient[i], velocity[i]) ? decayed : increased;
-        gains[i] = gain < kSmallestGain ? kSmallestGain : gain;
-        velocity[i] = velocity[i] * momentum - (gains[i] * learning_rate) * gradient[i];
-        Y[i] += velocity[i];
+    const DescentKernels& kernels = descent_kernels(instruction_set());
+    parallel_for(count_, kStepGrain, [&](std::size_t /*worker*/, IndexRange range) {
+        const std::size_t first = range.begin;
+        kernels.step({gradient_.get() + first,
+                      velocity_.get() + first,
+                      gains_.get() + first,
+                      Y + first,
+                      range.size()},
+                     learning_rate_,
+                     momentum);
     });
 }
 
