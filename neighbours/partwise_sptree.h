@@ -14,6 +14,7 @@ class PartwiseSPTree : public SPTree {
     using SPTree::computeRepulsion;
     using SPTree::finishRebuild;
     using SPTree::prepareRebuild;
+    using SPTree::rebuild;
     using SPTree::rebuildPart;
 };
 

@@ -24,8 +24,8 @@ double square_of(double theta) {
 }
 
 /// The walk of many points together; null for trees in which points walk one by one.
-TreeWalk walk_together(const TreeView& tree, double squared_theta) {
-    if (tree.is_deep || tree.reach >= kMostReach || squared_theta > kMostSquaredTheta) {
+TreeWalk walk_together(const TreeView& tree) {
+    if (tree.is_deep || tree.reach >= kMostReach) {
         return nullptr;
     }
     const WalkKernels& kernels = walk_kernels(instruction_set());
@@ -49,7 +49,11 @@ SPTree::SPTree(unsigned int D, const double* data, unsigned int N) : SPTree(D, N
 SPTree::~SPTree() = default;
 
 void SPTree::rebuild(const double* data) {
-    const std::size_t parts = prepareRebuild(data);
+    rebuild(data, 0.0);
+}
+
+void SPTree::rebuild(const double* data, double theta) {
+    const std::size_t parts = prepareRebuild(data, theta);
     parallel_tasks(parts,
                    worker_count(point_count_, kBuildGrain),
                    [this](std::size_t part, std::size_t /*worker*/) { builder_->buildPart(part); });
@@ -57,9 +61,10 @@ void SPTree::rebuild(const double* data) {
     builder_->rankPoints();
 }
 
-std::size_t SPTree::prepareRebuild(const double* data) {
+std::size_t SPTree::prepareRebuild(const double* data, double theta) {
     data_ = data;
-    return builder_->prepare(data);
+    squared_theta_ = square_of(theta);
+    return builder_->prepare(data, squared_theta_);
 }
 
 void SPTree::rebuildPart(std::size_t part) {
@@ -114,20 +119,21 @@ void SPTree::addRepulsion(const Walker& walker,
     }
 }
 
-void SPTree::computeRepulsion(
-    std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const {
+void SPTree::computeRepulsion(std::size_t begin,
+                              std::size_t end,
+                              double* neg_f,
+                              double* shares) const {
     TreeView tree = builder_->view();
     tree.data = data_;
-    const double squared_theta = square_of(theta);
-    if (const TreeWalk walk = walk_together(tree, squared_theta)) {
-        walk(tree, squared_theta, begin, end, neg_f, shares);
+    if (const TreeWalk walk = walk_together(tree)) {
+        walk(tree, begin, end, neg_f, shares);
         return;
     }
     for (std::size_t position = begin; position < end; ++position) {
         const std::uint32_t point = tree.order[position];
         std::fill_n(neg_f + point * dims_, dims_, 0.0);
         shares[point] = 0.0;
-        addRepulsion({point, position}, squared_theta, neg_f + point * dims_, shares + point);
+        addRepulsion({point, position}, squared_theta_, neg_f + point * dims_, shares + point);
     }
 }
 
@@ -153,7 +159,8 @@ void SPTree::addRepulsionIn(const Walker& walker,
             const double difference = own[d] - centre[d];
             squared_distance += difference * difference;
         }
-        const bool is_far = !holds_point && cell.squared_side < squared_theta * squared_distance;
+        const bool is_far =
+            !holds_point && tree.squared_sides[i] < squared_theta * squared_distance;
         if (!is_leaf && !is_far) {
             ++i;
             continue;

@@ -88,22 +88,24 @@ class SPTree {
   private:
     friend class PartwiseSPTree;
 
+    /// The same, for walks of many points with one `theta`.
+    void rebuild(const double* data, double theta);
+
     /// `rebuild` in steps, for the engine with other work to spread over the cores meanwhile:
     /// `prepareRebuild` returns a number of parts, each of them is built by `rebuildPart`, on any
     /// thread, and `finishRebuild` puts them together.
-    std::size_t prepareRebuild(const double* data);
+    std::size_t prepareRebuild(const double* data, double theta);
     void rebuildPart(std::size_t part);
     void finishRebuild();
 
     /// The repulsive forces on many points, and their terms of the normalisation Z: what
-    /// `computeNonEdgeForces` adds for each, to zero.
+    /// `computeNonEdgeForces` adds for each, to zero, with the `theta` that the tree is built for.
     ///
     /// @param begin   the points stand at `begin` to `end` - 1 in the tree's own order, in which
     ///                near points stand together: all points are those from 0 to N - 1
     /// @param neg_f   row-major, N x D; the rows of these points are written
     /// @param shares  N values; those of these points are written
-    void computeRepulsion(
-        std::size_t begin, std::size_t end, double theta, double* neg_f, double* shares) const;
+    void computeRepulsion(std::size_t begin, std::size_t end, double* neg_f, double* shares) const;
 
     /// A point, and its position in the tree's own order.
     struct Walker {
@@ -125,6 +127,8 @@ class SPTree {
     std::size_t dims_;
     std::size_t point_count_;
     const double* data_ = nullptr;
+    /// Of the walk of many points.
+    double squared_theta_ = 0.0;
     std::unique_ptr<TreeBuilder> builder_;
 };
 

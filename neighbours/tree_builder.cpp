@@ -69,6 +69,55 @@ double power_of_two(int exponent) {
     return std::bit_cast<double>(static_cast<std::uint64_t>(kBias + exponent) << kMantissaBits);
 }
 
+/// The largest number from 0 up, or infinity, for which a statement does not hold that holds from
+/// some number on, if at all.
+template <typename Predicate>
+double largest_without(const Predicate& holds) {
+    // The bits of such numbers are in their order.
+    std::uint64_t below = 0;
+    auto above = std::bit_cast<std::uint64_t>(HUGE_VAL) + 1;
+    while (above - below > 1) {
+        const std::uint64_t middle = below + (above - below) / 2;
+        (holds(std::bit_cast<double>(middle)) ? above : below) = middle;
+    }
+    return std::bit_cast<double>(below);
+}
+
+/// The squared side of the cells that are split at a level.
+double squared_side(double grid_side, int level) {
+    const double side = grid_side * power_of_two(level + 1 - kGridBits);
+    return side * side;
+}
+
+/// The largest squared distance from which a cell of a squared side is not far: for which
+///
+///     squared_side < squared_theta * squared_distance,
+///
+/// with the product rounded as it is, does not hold. Comparing distances with it spares the walk
+/// the product.
+double squared_reach(double squared_side, double squared_theta) {
+    const auto is_far = [=](double squared_distance) {
+        return squared_side < squared_theta * squared_distance;
+    };
+    double reach = squared_side / squared_theta;
+    if (squared_theta == 0.0 || std::isinf(reach)) {
+        return HUGE_VAL;
+    }
+    // The quotient is next to the limit, unless numbers are so small that many products are alike.
+    constexpr double kSmallest = 0x1p-900;
+    if (squared_side < kSmallest || reach < kSmallest) {
+        return largest_without(is_far);
+    }
+    while (is_far(reach)) {
+        reach = std::nextafter(reach, 0.0);
+    }
+    for (double next = std::nextafter(reach, HUGE_VAL); !is_far(next);
+         next = std::nextafter(next, HUGE_VAL)) {
+        reach = next;
+    }
+    return reach;
+}
+
 /// Puts two zero bits before each of the 21 highest bits, which become the lowest.
 std::uint64_t spread_in_space(std::uint32_t code) {
     std::uint64_t bits = code >> 11U;
@@ -100,13 +149,14 @@ bool comes_before(const GridKey& a, const GridKey& b) {
     return a.bits != b.bits ? a.bits < b.bits : a.row < b.row;
 }
 
-/// Sorts keys that for the most part are sorted.
-void sort_nearly_sorted(GridKey* first, GridKey* last) {
-    // Keys move to their places one by one, while the moves are no more than other ways to sort
-    // would take.
-    constexpr std::ptrdiff_t kMovesOfEach = 8;
+/// Moves keys to their places one by one.
+///
+/// @return false, with the keys in some order, if that took too many moves
+bool sort_by_moves(GridKey* first, GridKey* last) {
+    // Less than other ways to sort would take.
+    constexpr std::ptrdiff_t kMovesOfEach = 4;
     std::ptrdiff_t moves = kMovesOfEach * (last - first);
-    for (GridKey* next = first; next < last && moves >= 0; ++next) {
+    for (GridKey* next = first; next < last; ++next) {
         const GridKey key = *next;
         GridKey* place = next;
         for (; place > first && comes_before(key, place[-1]); --place) {
@@ -114,8 +164,46 @@ void sort_nearly_sorted(GridKey* first, GridKey* last) {
         }
         *place = key;
         moves -= next - place;
+        if (moves < 0) {
+            return false;
+        }
     }
-    if (moves < 0) {
+    return true;
+}
+
+constexpr unsigned int kDigitBits = 8;
+
+/// Sorts keys by one digit of their bits, and leaves those with the same in their order.
+void sort_by_digit(const GridKey* from, std::size_t count, unsigned int shift, GridKey* to) {
+    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
+    const auto digit = [shift](const GridKey& key) { return (key.bits >> shift) % kDigits; };
+    std::uint32_t places[kDigits] = {};
+    for (std::size_t i = 0; i < count; ++i) {
+        ++places[digit(from[i])];
+    }
+    std::exclusive_scan(places, places + kDigits, places, 0U);
+    for (std::size_t i = 0; i < count; ++i) {
+        to[places[digit(from[i])]++] = from[i];
+    }
+}
+
+/// Sorts keys that for the most part are sorted.
+///
+/// @param spare  has room for as many keys
+void sort_nearly_sorted(GridKey* first, GridKey* last, GridKey* spare) {
+    if (sort_by_moves(first, last)) {
+        return;
+    }
+    std::uint64_t differing = 0;
+    for (const GridKey* key = first; key < last; ++key) {
+        differing |= key->bits ^ first->bits;
+    }
+    const auto width = static_cast<unsigned int>(std::bit_width(differing));
+    const unsigned int shift = width < 2 * kDigitBits ? 0 : width - 2 * kDigitBits;
+    const auto count = static_cast<std::size_t>(last - first);
+    sort_by_digit(first, count, shift, spare);
+    sort_by_digit(spare, count, shift + kDigitBits, first);
+    if (!sort_by_moves(first, last)) {
         std::sort(first, last, comes_before);
     }
 }
@@ -159,9 +247,10 @@ class TreeBuilder::Assembler {
     };
 
     /// @param nesting  the number of grids around this one
-    Assembler(CellArray& array, double grid_side, int nesting)
+    Assembler(CellArray& array, double grid_side, const LevelReaches& reaches, int nesting)
         : array_(array),
           grid_side_(grid_side),
+          reaches_(reaches),
           first_rank_(std::min(nesting, kMostNesting) * kRanksOfGrid) {}
 
     /// Takes a unit and writes the cells that it completes in front of it.
@@ -178,8 +267,8 @@ class TreeBuilder::Assembler {
             around.last = cell.last;
             around.end = cell.end;
             --begin;
-            const double side = grid_side_ * power_of_two(cell.level + 1 - kGridBits);
-            array_.cells[begin] = {side * side,
+            array_.squared_sides[begin] = squared_side(grid_side_, cell.level);
+            array_.cells[begin] = {reaches_[static_cast<std::size_t>(cell.level - kSameCell)],
                                    static_cast<double>(cell.last - unit.first),
                                    unit.first,
                                    cell.last,
@@ -204,6 +293,7 @@ class TreeBuilder::Assembler {
 
     CellArray& array_;
     double grid_side_;
+    const LevelReaches& reaches_;
     int first_rank_;
     /// Levels fall from the outermost to the innermost.
     OpenCell open_[kGridBits + 1] = {};
@@ -224,7 +314,9 @@ TreeBuilder::TreeBuilder(std::size_t dims, std::size_t point_count)
       order_(point_count),
       rank_(point_count),
       split_levels_(point_count),
-      parts_{std::vector<TreeCell>(2 * point_count), std::vector<double>(2 * point_count * dims)},
+      parts_{std::vector<TreeCell>(2 * point_count),
+             std::vector<double>(2 * point_count * dims),
+             std::vector<double>(2 * point_count)},
       whole_(parts_),
       first_cell_(2 * point_count) {
     std::iota(order_.begin(), order_.end(), 0U);
@@ -244,12 +336,14 @@ TreeView TreeBuilder::view() const {
             whole_.cells.data() + first_cell_,
             whole_.cells.size() - first_cell_,
             whole_.centres.data() + first_cell_ * dims_,
+            whole_.squared_sides.data() + first_cell_,
             reach_,
             is_deep_};
 }
 
-std::size_t TreeBuilder::prepare(const double* data) {
+std::size_t TreeBuilder::prepare(const double* data, double squared_theta) {
     data_ = data;
+    squared_theta_ = squared_theta;
     segments_.clear();
     if (point_count_ > 0) {
         layGrid();
@@ -275,6 +369,17 @@ void TreeBuilder::layGrid() {
         side_ = wider(side_, box.low, box.high);
         reach_ = std::max({reach_, -box.low, box.high, box.is_finite ? 0.0 : HUGE_VAL});
     }
+    reaches_ = reachesOn(side_);
+}
+
+/// From how far the cells of a grid are opened, level by level.
+TreeBuilder::LevelReaches TreeBuilder::reachesOn(double grid_side) const {
+    LevelReaches reaches;
+    for (std::size_t i = 0; i < reaches.size(); ++i) {
+        reaches[i] =
+            squared_reach(squared_side(grid_side, static_cast<int>(i) + kSameCell), squared_theta_);
+    }
+    return reaches;
 }
 
 /// Lists the keys of the points, in the order of the tree before: that is nearly the order to come,
@@ -350,11 +455,13 @@ void TreeBuilder::listSegments() {
 
 void TreeBuilder::buildPart(std::size_t part) {
     Segment& segment = segments_[part];
-    sort_nearly_sorted(keys_.data() + segment.first, keys_.data() + segment.last);
+    sort_nearly_sorted(keys_.data() + segment.first,
+                       keys_.data() + segment.last,
+                       unsorted_.data() + segment.first);
     orderPoints(segment.first, segment.last);
     const std::size_t end = 2 * std::size_t{segment.last};
     segment.is_deep = false;
-    const Grid grid{side_, kSameCell, 0, &segment.is_deep};
+    const Grid grid{side_, &reaches_, kSameCell, 0, &segment.is_deep};
     segment.cell_count = end - emitRange(segment.first, segment.last, grid, end);
 }
 
@@ -404,7 +511,7 @@ std::size_t TreeBuilder::emitRange(std::uint32_t first,
                                    std::uint32_t last,
                                    const Grid& grid,
                                    std::size_t end) {
-    Assembler assembler(parts_, grid.side, grid.nesting);
+    Assembler assembler(parts_, grid.side, *grid.reaches, grid.nesting);
     while (last > first) {
         std::uint32_t begin = last - 1;
         while (begin > first && split_levels_[begin - 1] <= grid.within) {
@@ -429,8 +536,9 @@ std::size_t TreeBuilder::emitUnit(std::uint32_t first,
         const double side = refineGrid(first, last);
         // Places that the grid tells no further apart become units.
         const bool is_blind = highestDifferingBit(order_[first], order_[last - 1]) < 0;
+        const LevelReaches reaches = reachesOn(side);
         const Grid grid{
-            side, is_blind ? kSamePlace : kSameCell, around.nesting + 1, around.is_deep};
+            side, &reaches, is_blind ? kSamePlace : kSameCell, around.nesting + 1, around.is_deep};
         *grid.is_deep = *grid.is_deep || grid.nesting > kMostNesting;
         return emitRange(first, last, grid, end);
     }
@@ -470,7 +578,7 @@ double TreeBuilder::refineGrid(std::uint32_t first, std::uint32_t last) {
 
 void TreeBuilder::join() {
     std::size_t end = whole_.cells.size();
-    Assembler assembler(whole_, side_, 0);
+    Assembler assembler(whole_, side_, reaches_, 0);
     coarse_cells_.clear();
     is_deep_ = false;
     for (std::size_t i = segments_.size(); i-- > 0;) {
@@ -495,6 +603,9 @@ void TreeBuilder::join() {
                        std::copy_n(parts_.centres.data() + from * dims_,
                                    segment.cell_count * dims_,
                                    whole_.centres.data() + segment.place * dims_);
+                       std::copy_n(parts_.squared_sides.data() + from,
+                                   segment.cell_count,
+                                   whole_.squared_sides.data() + segment.place);
                    });
     for (const std::size_t cell : coarse_cells_) {
         weigh(whole_, cell);

@@ -25,9 +25,12 @@ class TreeBuilder {
 
     /// Begins to build the tree: sorts the points into parts that can be built side by side.
     ///
-    /// @param data  row-major, point_count x dims; read until `join` has ended
+    /// @param data           row-major, point_count x dims; read until `join` has ended
+    /// @param squared_theta  0 or more: a cell is far enough if its squared side is below this
+    /// times
+    ///                       the squared distance
     /// @return the number of parts
-    std::size_t prepare(const double* data);
+    std::size_t prepare(const double* data, double squared_theta);
 
     /// Builds one part; other threads may build others.
     void buildPart(std::size_t part);
@@ -64,9 +67,14 @@ class TreeBuilder {
         bool is_deep;
     };
 
+    /// For each split level from `kSameCell` on, a squared distance.
+    using LevelReaches = std::array<double, 33>;
+
     /// A grid whose cells are written.
     struct Grid {
         double side;
+        /// For each level, `squared_reach` of the cells that are split there.
+        const LevelReaches* reaches;
         /// The highest split level of two points that still belong to one unit.
         int within;
         /// The number of grids around it.
@@ -79,6 +87,7 @@ class TreeBuilder {
     struct CellArray {
         std::vector<TreeCell> cells;
         std::vector<double> centres;
+        std::vector<double> squared_sides;
     };
 
     class Assembler;
@@ -89,6 +98,7 @@ class TreeBuilder {
     }
 
     void layGrid();
+    [[nodiscard]] LevelReaches reachesOn(double grid_side) const;
     void fillKeys();
     const std::uint32_t* encode(std::uint32_t row);
     [[nodiscard]] std::uint64_t keyOf(std::uint32_t row);
@@ -125,7 +135,9 @@ class TreeBuilder {
     /// The split level of points whose keys differ in this bit first.
     std::array<std::int8_t, 64> level_of_bit_{};
     const double* data_ = nullptr;
+    double squared_theta_ = 0.0;
     double side_ = 0.0;
+    LevelReaches reaches_{};
     double reach_ = 0.0;
     bool is_deep_ = false;
     std::vector<double> low_;

@@ -20,14 +20,14 @@ class TreeRepulsion : public Repulsion {
         : tree_(static_cast<unsigned int>(dims), static_cast<unsigned int>(N)),
           theta_(theta) {}
 
-    std::size_t prepare(const double* Y) override { return tree_.prepareRebuild(Y); }
+    std::size_t prepare(const double* Y) override { return tree_.prepareRebuild(Y, theta_); }
 
     void preparePart(std::size_t part) override { tree_.rebuildPart(part); }
 
     void finishPreparation() override { tree_.finishRebuild(); }
 
     void compute(IndexRange points, double* forces, double* z_terms) const override {
-        tree_.computeRepulsion(points.begin, points.end, theta_, forces, z_terms);
+        tree_.computeRepulsion(points.begin, points.end, forces, z_terms);
     }
 
   private:

@@ -22,15 +22,21 @@ template <std::size_t Dims>
 class Batch {
   public:
     /// Sets out for the points at `begin` to `end` - 1 in Morton order.
-    void start(const TreeView& tree, std::size_t begin, std::size_t end) {
+    void start(
+        const TreeView& tree, std::size_t begin, std::size_t end, double* neg_f, double* shares) {
         begin_ = static_cast<std::uint32_t>(begin);
         end_ = static_cast<std::uint32_t>(end);
         next_ = 0;
         double own[Dims][kWalkBatch] = {};
         for (std::size_t lane = 0; lane < end - begin; ++lane) {
+            const std::size_t point = tree.order[begin + lane];
             for (std::size_t d = 0; d < Dims; ++d) {
-                own[d][lane] = tree.data[tree.order[begin + lane] * Dims + d];
+                own[d][lane] = tree.data[point * Dims + d];
             }
+            // Near points need not be near in memory: another processor may have written beside
+            // them.
+            prefetch_to_write(neg_f + point * Dims);
+            prefetch_to_write(shares + point);
         }
         for (std::size_t v = 0; v < kVectors; ++v) {
             share_[v] = Lanes{};
@@ -45,19 +51,22 @@ class Batch {
     [[nodiscard]] bool isWalking(const TreeView& tree) const { return next_ < tree.cell_count; }
 
     /// Comes to the next cell.
-    void visit(const TreeView& tree, Lanes squared_theta) {
+    ///
+    /// @tparam Turn  of batches that walk in turns, the number of this one
+    template <std::size_t Turn>
+    void visit(const TreeView& tree) {
         const TreeCell& cell = tree.cells[next_];
         const double* const centre = tree.centres + next_ * Dims;
         // The next cell may be that behind this one.
-        prefetch(&cell.squared_side, cell.skip * sizeof(TreeCell));
+        prefetch(&cell.squared_reach, cell.skip * sizeof(TreeCell));
         prefetch(centre, cell.skip * Dims * sizeof(double));
+        const Lanes weight = broadcast(cell.weight);
         Lanes offset[kVectors][Dims];
         Lanes squared_distance[kVectors];
         BatchMask far = 0;
         for (std::size_t v = 0; v < kVectors; ++v) {
             squared_distance[v] = offsets(v, centre, offset[v]);
-            far |= less(broadcast(cell.squared_side), squared_theta * squared_distance[v])
-                   << v * kLanes;
+            far |= less(broadcast(cell.squared_reach), squared_distance[v]) << v * kLanes;
         }
         const BatchMask awake = opened_[cell.parent];
         BatchMask taken = awake & far;
@@ -68,9 +77,9 @@ class Batch {
         }
         for (std::size_t v = 0; v < kVectors; ++v) {
             const Lanes w = 1.0 + squared_distance[v];
-            // Every other quotient leaves the unit that divides to the one before.
-            const Lanes q = v % 2 == 0 ? 1.0 / w : reciprocal(w);
-            add(v, taken >> v * kLanes, cell.weight, q, offset[v]);
+            // As many as keep the unit that divides at work: it takes longer than the others.
+            const Lanes q = v % 2 == 0 || Turn == 0 ? 1.0 / w : reciprocal(w);
+            add(v, taken >> v * kLanes, weight, q, offset[v]);
         }
         const BatchMask opening = awake & ~taken;
         opened_[cell.rank] = opening;
@@ -104,14 +113,15 @@ class Batch {
         if (cell.skip != 1 || cell.last - cell.first == 1) {
             return;
         }
+        const Lanes others = broadcast(cell.weight - 1.0);
         for (std::size_t v = 0; v < kVectors; ++v) {
             Lanes offset[Dims];
             const Lanes w = 1.0 + offsets(v, centre, offset);
-            add(v, holding >> v * kLanes, cell.weight - 1.0, 1.0 / w, offset);
+            add(v, holding >> v * kLanes, others, 1.0 / w, offset);
         }
     }
 
-    void add(std::size_t v, Mask lanes, double weight, Lanes q, const Lanes* offset) {
+    void add(std::size_t v, Mask lanes, Lanes weight, Lanes q, const Lanes* offset) {
         // The other lanes add a zero, which leaves their sums as they are: those begin with +0 and
         // never become -0.
         const Lanes weighted = keep(lanes, weight * q);
@@ -152,22 +162,17 @@ class Batch {
 };
 
 template <std::size_t Dims>
-void walk_tree(const TreeView& tree,
-               double squared_theta,
-               std::size_t begin,
-               std::size_t end,
-               double* neg_f,
-               double* shares) {
+void walk_tree(
+    const TreeView& tree, std::size_t begin, std::size_t end, double* neg_f, double* shares) {
     // Two batches in turns: what one does next depends on a comparison that takes its time, in
     // which the other goes on.
     Batch<Dims> batches[2];
     bool is_out[2] = {};
-    const Lanes theta = broadcast(squared_theta);
     const auto set_out = [&](std::size_t i) {
         is_out[i] = begin < end;
         if (is_out[i]) {
             const std::size_t last = begin + kWalkBatch < end ? begin + kWalkBatch : end;
-            batches[i].start(tree, begin, last);
+            batches[i].start(tree, begin, last, neg_f, shares);
             begin = last;
         }
     };
@@ -181,8 +186,8 @@ void walk_tree(const TreeView& tree,
     set_out(1);
     while (is_out[0] && is_out[1]) {
         do {
-            batches[0].visit(tree, theta);
-            batches[1].visit(tree, theta);
+            batches[0].template visit<0>(tree);
+            batches[1].template visit<1>(tree);
         } while (batches[0].isWalking(tree) && batches[1].isWalking(tree));
         come_home(0);
         come_home(1);
@@ -190,7 +195,7 @@ void walk_tree(const TreeView& tree,
     for (std::size_t i = 0; i < 2; ++i) {
         if (is_out[i]) {
             while (batches[i].isWalking(tree)) {
-                batches[i].visit(tree, theta);
+                batches[i].template visit<1>(tree);
             }
             batches[i].deliver(tree, neg_f, shares);
         }

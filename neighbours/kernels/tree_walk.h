@@ -9,8 +9,9 @@ namespace ovik {
 
 /// A cell of a space-partitioning tree; cells stand in depth-first order, each before its children.
 struct TreeCell {
-    /// Below zero in a leaf, so that a leaf is far from everything.
-    double squared_side;
+    /// The largest squared distance from which the cell is opened, by the `theta` that the tree is
+    /// built for; infinite if it is opened from everywhere, below zero in a leaf, which never is.
+    double squared_reach;
     /// Number of the points in the cell.
     double weight;
     /// Positions in Morton order: of its first point, and the one behind its last.
@@ -43,6 +44,8 @@ struct TreeView {
     std::size_t cell_count;
     /// Centres of mass, row-major, cell_count x dims.
     const double* centres;
+    /// Of the cells but the leaves.
+    const double* squared_sides;
     /// The largest size of a coordinate; infinite if one is not finite.
     double reach;
     /// Whether more cells lie within one another than there are ranks.
@@ -51,21 +54,15 @@ struct TreeView {
 
 /// Writes the repulsive forces on some points, and their terms of the normalisation Z.
 ///
-/// @param tree           not deep, with a reach below `kMostReach`
-/// @param squared_theta  at most `kMostSquaredTheta`
-/// @param begin          the points stand at `begin` to `end` - 1 in Morton order
-/// @param neg_f          row-major, N x dims; the rows of these points are written
-/// @param shares         N values; those of these points are written
-using TreeWalk = void (*)(const TreeView& tree,
-                          double squared_theta,
-                          std::size_t begin,
-                          std::size_t end,
-                          double* neg_f,
-                          double* shares);
+/// @param tree    not deep, with a reach below `kMostReach`
+/// @param begin   the points stand at `begin` to `end` - 1 in Morton order
+/// @param neg_f   row-major, N x dims; the rows of these points are written
+/// @param shares  N values; those of these points are written
+using TreeWalk = void (*)(
+    const TreeView& tree, std::size_t begin, std::size_t end, double* neg_f, double* shares);
 
-/// Within these limits no number on the walk overflows, and 1 + squared distance is below 2^210.
+/// Below it no number on the walk overflows, and 1 + squared distance is below 2^210.
 constexpr double kMostReach = 0x1p100;
-constexpr double kMostSquaredTheta = 0x1p100;
 
 /// Points that walk the tree together in every instruction set: a good size for the shares of
 /// threads is a multiple of twice as many.

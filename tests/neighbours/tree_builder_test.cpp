@@ -1,6 +1,7 @@
 #include "neighbours/tree_builder.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <numeric>
 #include <vector>
@@ -21,7 +22,7 @@ struct Tree {
     }
 
     void build(bool last_part_first = false) {
-        const std::size_t parts = builder.prepare(points.data());
+        const std::size_t parts = builder.prepare(points.data(), squared_theta);
         for (std::size_t i = 0; i < parts; ++i) {
             builder.buildPart(last_part_first ? parts - 1 - i : i);
         }
@@ -32,6 +33,7 @@ struct Tree {
     [[nodiscard]] std::size_t pointCount() const { return points.size() / builder.view().dims; }
 
     std::vector<double> points;
+    double squared_theta = 0.25;
     TreeBuilder builder;
 };
 
@@ -50,7 +52,8 @@ void expect_sound(const Tree& tree) {
         std::uint32_t next = cell.first;
         for (std::size_t child = i + 1; child < i + cell.skip; child += view.cells[child].skip) {
             EXPECT_EQ(view.cells[child].first, next);
-            EXPECT_LT(view.cells[child].squared_side, cell.squared_side);
+            EXPECT_TRUE(view.cells[child].skip == 1 ||
+                        view.squared_sides[child] < view.squared_sides[i]);
             next += static_cast<std::uint32_t>(view.cells[child].weight);
         }
         EXPECT_TRUE(cell.skip == 1 || next == cell.first + static_cast<std::uint32_t>(cell.weight));
@@ -85,13 +88,50 @@ TEST(TreeBuilder, SplitsASquareAtItsSplitLevels) {
     const Tree tree({0.0, 0.0, 1.0, 1.0, 8.0, 8.0}, 2);
     const TreeView view = tree.builder.view();
     ASSERT_EQ(view.cell_count, 5U);
-    EXPECT_EQ(view.cells[0].squared_side, 64.0);
+    EXPECT_EQ(view.squared_sides[0], 64.0);
+    EXPECT_EQ(view.cells[0].squared_reach, 256.0);
     EXPECT_EQ(view.cells[0].skip, 5U);
     // The pair is split at the third halving: its smallest cell has a side of 2.
-    EXPECT_EQ(view.cells[1].squared_side, 4.0);
+    EXPECT_EQ(view.squared_sides[1], 4.0);
+    EXPECT_EQ(view.cells[1].squared_reach, 16.0);
     EXPECT_EQ(view.cells[1].weight, 2.0);
     EXPECT_EQ(view.cells[4].skip, 1U);
     EXPECT_EQ(view.cells[4].weight, 1.0);
+}
+
+TEST(TreeBuilder, KnowsFromHowFarCellsAreOpened) {
+    std::vector<double> points = test::random_values(2 * 200, 27);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i] = std::ldexp(points[i], -40 * static_cast<int>(i / 2 % 3));
+    }
+    Tree tree(points, 2);
+    for (const double theta :
+         {1e-160, 1e-12, 0.1, 0.5, 1.0 / 3.0, 1.0, 7.0, 1e12, 1e150, HUGE_VAL}) {
+        tree.squared_theta = theta * theta;
+        tree.build();
+        const TreeView view = tree.builder.view();
+        for (std::size_t i = 0; i < view.cell_count; ++i) {
+            const double reach = view.cells[i].squared_reach;
+            const auto is_far = [&](double squared_distance) {
+                return view.squared_sides[i] < tree.squared_theta * squared_distance;
+            };
+            if (view.cells[i].skip == 1) {
+                EXPECT_LT(reach, 0.0);
+            } else if (std::isinf(reach)) {
+                EXPECT_FALSE(is_far(DBL_MAX)) << theta;
+            } else {
+                EXPECT_FALSE(is_far(reach)) << theta;
+                EXPECT_TRUE(is_far(std::nextafter(reach, HUGE_VAL))) << theta;
+            }
+        }
+    }
+}
+
+TEST(TreeBuilder, OpensEveryCellForAThetaOfZero) {
+    Tree tree(test::random_values(2 * 50, 27), 2);
+    tree.squared_theta = 0.0;
+    tree.build();
+    EXPECT_EQ(tree.builder.view().cells[0].squared_reach, HUGE_VAL);
 }
 
 TEST(TreeBuilder, LetsPointsAtOnePlaceShareALeaf) {
@@ -99,7 +139,7 @@ TEST(TreeBuilder, LetsPointsAtOnePlaceShareALeaf) {
     const TreeView view = tree.builder.view();
     ASSERT_EQ(view.cell_count, 1U);
     EXPECT_EQ(view.cells[0].weight, 50.0);
-    EXPECT_LT(view.cells[0].squared_side, 0.0);
+    EXPECT_LT(view.cells[0].squared_reach, 0.0);
     EXPECT_EQ(view.centres[0], 1.25);
     // Points of one place keep the order of their rows.
     EXPECT_TRUE(std::is_sorted(view.order, view.order + 50));
@@ -122,7 +162,8 @@ void expect_same(const Tree& tree, const Tree& other) {
     EXPECT_TRUE(std::equal(a.centres, a.centres + a.dims * a.cell_count, b.centres));
     EXPECT_EQ(a.reach, b.reach);
     for (std::size_t i = 0; i < a.cell_count; ++i) {
-        ASSERT_EQ(a.cells[i].squared_side, b.cells[i].squared_side);
+        ASSERT_EQ(a.cells[i].squared_reach, b.cells[i].squared_reach);
+        ASSERT_TRUE(a.cells[i].skip == 1 || a.squared_sides[i] == b.squared_sides[i]);
         ASSERT_EQ(a.cells[i].weight, b.cells[i].weight);
         ASSERT_EQ(a.cells[i].skip, b.cells[i].skip);
     }

@@ -59,6 +59,11 @@ inline void prefetch(const void* values, std::size_t bytes) {
     __builtin_prefetch(reinterpret_cast<const void*>(address));
 }
 
+/// Asks for memory that will be written.
+inline void prefetch_to_write(const double* value) {
+    __builtin_prefetch(value, 1);
+}
+
 inline Lanes broadcast(double x) {
     return x - Lanes{};
 }
