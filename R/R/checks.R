@@ -25,12 +25,48 @@ is_one_number <- function(value) is.numeric(value) && length(value) == 1 && !is.
 
 shown <- function(value) paste(utils::head(deparse(value), 1), collapse = "")
 
+# What an option may be as the library takes it: NULL, one text, numbers without NA.
+is_plain <- function(value) {
+  is.null(value) || (is.character(value) && length(value) == 1 && !is.na(value)) ||
+    (is.numeric(value) && length(value) > 0 && !anyNA(value))
+}
+
 check_options <- function(options) {
   for (name in names(options)) {
     value <- options[[name]]
-    if (!is_one_number(value) || !.Call(C_option_holds, name, as.double(value))) {
+    if (!is_plain(value) || !.Call(C_option_holds, name, bare_value(value))) {
       stop(sprintf("%s should be %s, not %s", name, requirements[[name]], shown(value)), call. = FALSE)
     }
+  }
+}
+
+bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
+
+# Coordinates to start from as a plain matrix; NULL where `start` is a name.
+checked_start <- function(start, rows, dims) {
+  if (!is.matrix(start)) return(NULL)
+  if (!is.numeric(start) || is.object(start)) {
+    refuse(sprintf("start is a matrix of '%s'", class(start[1])), "Give a matrix of plain numbers.")
+  }
+  if (!identical(dim(start), c(rows, as.integer(dims)))) {
+    refuse(
+      sprintf("start has %d rows and %d columns, and the map has %d and %d", nrow(start), ncol(start), rows, dims),
+      "Give a place for every row of x."
+    )
+  }
+  if (!all(is.finite(start))) {
+    refuse(
+      sprintf("start has %s in row %d", format(start[!is.finite(start)][1]), row(start)[!is.finite(start)][1]),
+      "Give a place for every row of x."
+    )
+  }
+  storage.mode(start) <- "double"
+  start
+}
+
+check_preset <- function(preset) {
+  if (!identical(preset, "classic") && !identical(preset, "refined")) {
+    stop(sprintf("preset should be \"classic\" or \"refined\", not %s", shown(preset)), call. = FALSE)
   }
 }
 
