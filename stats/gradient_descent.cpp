@@ -22,9 +22,8 @@ bool have_same_sign(double a, double b) {
 
 }  // namespace
 
-GradientDescent::GradientDescent(std::size_t count, double learning_rate)
+GradientDescent::GradientDescent(std::size_t count)
     : count_(count),
-      learning_rate_(learning_rate),
       gradient_(malloc_array<double>(count)),
       velocity_(malloc_array<double>(count)),
       gains_(malloc_array<double>(count)) {
@@ -38,11 +37,10 @@ void GradientDescent::restore(const double* velocity, const double* gains) {
     std::copy_n(gains, count_, gains_.get());
 }
 
-void GradientDescent::step(double* Y, double momentum) {
+void GradientDescent::step(double* Y, double momentum, double learning_rate) {
     const double* const gradient = gradient_.get();
     double* const velocity = velocity_.get();
     double* const gains = gains_.get();
-    const double learning_rate = learning_rate_;
     parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
         const double decayed = gains[i] * kGainDecay;
         const double increased = gains[i] + kGainIncrease;

@@ -15,7 +15,7 @@ class GradientDescent {
   public:
     /// Starts with no velocity and gains of 1 for an embedding of `count` elements.
     /// Throws WorkMemoryError if the arrays do not fit in memory.
-    explicit GradientDescent(std::size_t count, double learning_rate = FitOptions().learning_rate);
+    explicit GradientDescent(std::size_t count);
 
     /// The array into which the caller writes the gradient of the next step.
     [[nodiscard]] double* gradient() { return gradient_.get(); }
@@ -35,11 +35,10 @@ class GradientDescent {
     /// learning rate) * gradient and is added to Y.
     ///
     /// @param Y  `count` elements, modified
-    void step(double* Y, double momentum);
+    void step(double* Y, double momentum, double learning_rate = FitOptions().learning_rate);
 
   private:
     std::size_t count_;
-    double learning_rate_;
     MallocArray<double> gradient_;
     MallocArray<double> velocity_;
     MallocArray<double> gains_;
