@@ -47,7 +47,7 @@ FitReport fit_into(MatrixView<double> Y,
     OwnRandomStream own_stream;
     RandomStream& stream = random != nullptr ? *random : own_stream;
     stream.seed(static_cast<unsigned int>(options.seed));
-    std::optional<GradientDescent> descent(std::in_place, Y.size());
+    std::optional<GradientDescent> descent(std::in_place, Y.size(), options.gains);
     tell(hooks.on_note, FitNote::SimilaritiesBegin);
     FitReport report;
     const std::clock_t start = std::clock();

@@ -22,8 +22,9 @@ bool have_same_sign(double a, double b) {
 
 }  // namespace
 
-GradientDescent::GradientDescent(std::size_t count)
+GradientDescent::GradientDescent(std::size_t count, GainKind gains)
     : count_(count),
+      gain_kind_(gains),
       gradient_(malloc_array<double>(count)),
       velocity_(malloc_array<double>(count)),
       gains_(malloc_array<double>(count)) {
@@ -38,6 +39,10 @@ void GradientDescent::restore(const double* velocity, const double* gains) {
 }
 
 void GradientDescent::step(double* Y, double momentum, double learning_rate) {
+    if (gain_kind_ == GainKind::Constant) {
+        stepWithoutGains(Y, momentum, learning_rate);
+        return;
+    }
     const double* const gradient = gradient_.get();
     double* const velocity = velocity_.get();
     double* const gains = gains_.get();
@@ -47,6 +52,15 @@ void GradientDescent::step(double* Y, double momentum, double learning_rate) {
         const double gain = have_same_sign(gradient[i], velocity[i]) ? decayed : increased;
         gains[i] = gain < kSmallestGain ? kSmallestGain : gain;
         velocity[i] = velocity[i] * momentum - (gains[i] * learning_rate) * gradient[i];
+        Y[i] += velocity[i];
+    });
+}
+
+void GradientDescent::stepWithoutGains(double* Y, double momentum, double learning_rate) {
+    const double* const gradient = gradient_.get();
+    double* const velocity = velocity_.get();
+    parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
+        velocity[i] = velocity[i] * momentum - learning_rate * gradient[i];
         Y[i] += velocity[i];
     });
 }

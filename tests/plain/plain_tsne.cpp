@@ -380,6 +380,9 @@ std::vector<double> embed_exactly(const Matrix& input,
         for (std::size_t i = 0; i < Y.size(); ++i) {
             gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
             gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
+            if (!schedule.has_gains) {
+                gains[i] = 1.0;
+            }
             uY[i] = uY[i] * momentum - (gains[i] * learning_rate) * dY[i];
             Y[i] += uY[i];
         }

@@ -85,6 +85,7 @@ struct Schedule {
     int hold_iter = 125;
     int release_iter = 125;
     bool has_automatic_rate = false;
+    bool has_gains = true;
     double stop_when = 0.0;
 };
 
