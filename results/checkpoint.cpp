@@ -23,7 +23,7 @@ namespace ovik {
 namespace {
 
 constexpr std::string_view kMagic = "OVIKCKPT";
-constexpr std::uint64_t kVersion = 2;
+constexpr std::uint64_t kVersion = 3;
 constexpr std::size_t kNumberSize = 8;
 /// Magic and version, by which a file is known for what it is.
 constexpr std::size_t kOpeningSize = 2 * kNumberSize;
@@ -31,8 +31,8 @@ constexpr std::size_t kOpeningSize = 2 * kNumberSize;
 constexpr std::size_t kShapeSize = kOpeningSize + 4 * kNumberSize;
 /// A limit far above what the text of the options takes; a longer one is damage.
 constexpr std::uint64_t kMostOptionBytes = 1U << 16U;
-/// What stands between the options and the arrays: two digests, iteration and cost.
-constexpr std::size_t kProgressSize = 6 * kNumberSize;
+/// What stands between the options and the arrays: two digests, iteration and two costs.
+constexpr std::size_t kProgressSize = 7 * kNumberSize;
 constexpr std::size_t kArrays = 3;
 
 /// Texts and numbers as bytes.
@@ -169,6 +169,7 @@ std::string encoded(const Checkpoint& checkpoint) {
     file.put(run.names);
     file.put(checkpoint.iteration);
     file.put(checkpoint.cost);
+    file.put(checkpoint.marked_cost);
     for (const auto* array : {&checkpoint.embedding, &checkpoint.velocity, &checkpoint.gains}) {
         file.put(array->data(), array->size());
     }
@@ -274,6 +275,7 @@ Checkpoint read_header(const std::string& path, std::ifstream& file, std::string
     run.names = progress.digest();
     checkpoint.iteration = progress.smallInteger();
     checkpoint.cost = progress.real();
+    checkpoint.marked_cost = progress.real();
     return checkpoint;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <utility>
@@ -10,7 +11,7 @@
 /// Checkpoints: the state of a fit between two iterations, as a file from which it can be gone on
 /// with.
 ///
-/// The file, version 2. All numbers have 8 bytes, the lowest first; reals are IEEE 754 doubles, and
+/// The file, version 3. All numbers have 8 bytes, the lowest first; reals are IEEE 754 doubles, and
 /// negative integers two's complements.
 ///
 ///     "OVIKCKPT"                                   8 bytes
@@ -20,7 +21,7 @@
 ///     options that decide the states of the fit    text, a line "name=value" each
 ///     digest of the values, digest of the names    two integers each, low half first
 ///     iteration done last                          integer
-///     cost after it                                real
+///     cost after it, and after the mark before it  two reals
 ///     embedding, velocity, gains                   rows x output dimensions reals each, row-major
 ///     checksum of all bytes before                 integer, XXH3 of 64 bits
 ///
@@ -62,6 +63,8 @@ struct Checkpoint {
     RunIdentity run;
     int iteration = 0;
     double cost = 0.0;
+    /// After the last iteration before at which the gain was looked at; infinite before the first.
+    double marked_cost = std::numeric_limits<double>::infinity();
     std::vector<double> embedding;
     std::vector<double> velocity;
     std::vector<double> gains;

@@ -21,6 +21,7 @@ void CheckpointKeeper::keep(const FitSnapshot& snapshot, bool is_last) {
     try {
         checkpoint_.iteration = snapshot.iteration;
         checkpoint_.cost = snapshot.cost;
+        checkpoint_.marked_cost = snapshot.marked_cost;
         checkpoint_.embedding.assign(snapshot.embedding.begin(), snapshot.embedding.end());
         checkpoint_.velocity.assign(snapshot.velocity.begin(), snapshot.velocity.end());
         checkpoint_.gains.assign(snapshot.gains.begin(), snapshot.gains.end());

@@ -14,6 +14,8 @@ struct FitSnapshot {
     std::span<const double> embedding;
     std::span<const double> velocity;
     std::span<const double> gains;
+    /// As `Checkpoint::marked_cost`.
+    double marked_cost = Checkpoint().marked_cost;
 };
 
 /// Saves the state of a fit as it goes on. A checkpoint that cannot be written costs the run

@@ -37,9 +37,7 @@ class Embedding {
 
     /// False if a hook ended the fit before its last iteration: points may be far from their
     /// places.
-    [[nodiscard]] bool isComplete() const {
-        return fit_.report.reached.iteration >= fit_.report.reached.max_iter;
-    }
+    [[nodiscard]] bool isComplete() const { return fit_.report.reached.isLast(); }
 
     /// What the user should know of a map that could be made, in a sentence without a full stop, as
     /// of a perplexity that is large for so few rows; empty for nothing.

@@ -51,8 +51,17 @@ double weighted_offset_sum(const double* coordinates,
 
 void exact_gradient(
     const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient) {
+    exact_gradient(P, Y, N, dims, gradient, 1.0);
+}
+
+void exact_gradient(const double* P,
+                    const double* Y,
+                    std::size_t N,
+                    std::size_t dims,
+                    double* gradient,
+                    double annealing) {
     const PointColumns columns(Y, N, dims);
-    const double sum_Q = sum_similarities(columns, 0.0);
+    const double sum_Q = annealing * sum_similarities(columns, 0.0);
     const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
     require_allocated(buffers);
     parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
@@ -64,7 +73,8 @@ void exact_gradient(
                 multipliers[m] = q * (P[n * N + m] - q / sum_Q);
             }
             for (std::size_t d = 0; d < dims; ++d) {
-                gradient[n * dims + d] = weighted_offset_sum(columns.column(d), n, N, multipliers);
+                gradient[n * dims + d] =
+                    annealing * weighted_offset_sum(columns.column(d), n, N, multipliers);
             }
         }
     });

@@ -22,6 +22,15 @@ namespace ovik {
 OVIK_API void exact_gradient(
     const double* P, const double* Y, std::size_t N, std::size_t dims, double* gradient);
 
+/// The same with affinities that count for more: `annealing` times the sums of Q_nm * (P_nm - Q_nm
+/// / (annealing * sum_Q)).
+void exact_gradient(const double* P,
+                    const double* Y,
+                    std::size_t N,
+                    std::size_t dims,
+                    double* gradient,
+                    double annealing);
+
 /// The same for an embedding with its shape.
 inline void exact_gradient(const double* P, MatrixView<const double> Y, double* gradient) {
     exact_gradient(P, Y.values, Y.rows, Y.columns, gradient);

@@ -86,11 +86,16 @@ bool ExactObjective::takeForPanels(const double* Y) {
     return in_panels_;
 }
 
+void ExactObjective::anneal(double factor) {
+    annealing_ = factor;
+    forces_.anneal(factor);
+}
+
 void ExactObjective::gradient(const double* Y, double* dY) {
     if (takeForPanels(Y)) {
         forces_.gradient(dY);
     } else {
-        exact_gradient(P_.get(), Y, N_, out_dims_, dY);
+        exact_gradient(P_.get(), Y, N_, out_dims_, dY, annealing_);
     }
 }
 
@@ -98,7 +103,7 @@ double ExactObjective::costAndGradient(const double* Y, double* dY) {
     if (takeForPanels(Y)) {
         return unlessZero(forces_.cost(dY), Y);
     }
-    exact_gradient(P_.get(), Y, N_, out_dims_, dY);
+    exact_gradient(P_.get(), Y, N_, out_dims_, dY, annealing_);
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 

@@ -27,6 +27,7 @@ class ExactObjective : public Objective {
 
     void exaggerate(double factor) override;
     void endExaggeration(double factor) override;
+    void anneal(double factor) override;
     void gradient(const double* Y, double* dY) override;
     double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
@@ -47,6 +48,7 @@ class ExactObjective : public Objective {
 
     std::size_t N_;
     std::size_t out_dims_;
+    double annealing_ = 1.0;
     /// The joint affinities: stored by panels with a diagonal of 0 (see `rows_to_panels`) or, for
     /// embeddings that `SymmetricForces` does not take, row-major.
     MallocArray<double> P_;

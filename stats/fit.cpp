@@ -47,7 +47,7 @@ FitReport fit_into(MatrixView<double> Y,
     OwnRandomStream own_stream;
     RandomStream& stream = random != nullptr ? *random : own_stream;
     stream.seed(static_cast<unsigned int>(options.seed));
-    std::optional<GradientDescent> descent(std::in_place, Y.size(), options.learning_rate);
+    std::optional<GradientDescent> descent(std::in_place, Y.size(), options.gains);
     tell(hooks.on_note, FitNote::SimilaritiesBegin);
     FitReport report;
     const std::clock_t start = std::clock();
@@ -62,7 +62,7 @@ FitReport fit_into(MatrixView<double> Y,
                      stream});
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
-    const Schedule schedule(options);
+    const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
     draw_initial_embedding(Y.values, Y.size(), options.start_spread, stream);
     if (hooks.on_similarities) {

@@ -43,7 +43,7 @@ struct FitReport {
     /// The iteration done last.
     IterationReport reached;
     /// Of every iteration done, as it was reported: until early exaggeration ends, against the
-    /// exaggerated affinities.
+    /// exaggerated affinities, but in the annealed schedule.
     std::vector<double> costs;
     /// Of the embedding, against the affinities without exaggeration.
     double final_cost = 0.0;

@@ -35,8 +35,16 @@ enum class StartKind {
 enum class ScheduleKind {
     /// Exaggeration ends at once, and the momentum changes at once.
     Classic,
-    /// Exaggeration falls little by little, with one momentum throughout.
+    /// Exaggeration falls little by little; momentum changes when it has.
     Annealed,
+};
+
+/// What each coordinate's step is multiplied by beside the learning rate.
+enum class GainKind {
+    /// A factor of its own that grows and shrinks with the signs of its gradients.
+    Adaptive,
+    /// 1 throughout.
+    Constant,
 };
 
 /// What the similarities of a row with its neighbours are.
@@ -60,6 +68,9 @@ inline constexpr std::array<std::string_view, 3> kChoiceNames<StartKind>{"random
 
 template <>
 inline constexpr std::array<std::string_view, 2> kChoiceNames<ScheduleKind>{"classic", "annealed"};
+
+template <>
+inline constexpr std::array<std::string_view, 2> kChoiceNames<GainKind>{"adaptive", "constant"};
 
 template <>
 inline constexpr std::array<std::string_view, 2> kChoiceNames<AffinityKind>{"perplexity",

@@ -81,7 +81,10 @@ void print_progress(const IterationReport& reached) {
 
 void print_end_of_iterations(const IterationReport& reached) {
     end_progress_bar();
-    if (reached.iteration < reached.max_iter) {
+    if (reached.settled) {
+        print_info("Settled at iteration " + std::to_string(reached.iteration) +
+                   ": the cost gained too little in the last 50");
+    } else if (reached.iteration < reached.max_iter) {
         print_info("Ended early, at iteration " + std::to_string(reached.iteration) + " of " +
                    std::to_string(reached.max_iter));
     }

@@ -42,6 +42,7 @@ struct FitOptions {
     /// Of the annealed schedule.
     int hold_iter = 125;
     int release_iter = 125;
+    GainKind gains = GainKind::Adaptive;
     /// Whether the learning rate follows from the number of rows, whatever `learning_rate` is.
     bool automatic_rate = false;
     /// 0 for a fit that goes on to its last iteration.
@@ -249,6 +250,13 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .title = "Falling exaggeration",
             .sentence = "Iterations in which exaggeration then falls to 1",
             .unit = "iterations"});
+    choice(options.gains,
+           kPreset.gains,
+           {.name = "gains",
+            .python = "gains",
+            .flags = "--gains",
+            .title = "Gains",
+            .sentence = "Factor of each coordinate's learning rate"});
     option(
         options.stop_when,
         kPreset.stop_when,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <span>
 
 #include "stats/iteration_report.h"
@@ -13,9 +14,12 @@ struct FitState {
     std::span<const double> embedding;
     std::span<const double> velocity;
     std::span<const double> gains;
+    /// The cost after the last iteration before `reached.iteration` at which the gain was looked at
+    /// (`Schedule::isMark`); infinite before the first.
+    double marked_cost = std::numeric_limits<double>::infinity();
 
     /// Whether no iteration follows unless the limit is raised.
-    [[nodiscard]] bool isLast() const { return reached.iteration >= reached.max_iter; }
+    [[nodiscard]] bool isLast() const { return reached.isLast(); }
 };
 
 }  // namespace ovik

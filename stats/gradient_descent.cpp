@@ -18,9 +18,9 @@ constexpr std::size_t kStepGrain = 2048;
 
 }  // namespace
 
-GradientDescent::GradientDescent(std::size_t count, double learning_rate)
+GradientDescent::GradientDescent(std::size_t count, GainKind gains)
     : count_(count),
-      learning_rate_(learning_rate),
+      gain_kind_(gains),
       gradient_(malloc_array<double>(count)),
       velocity_(malloc_array<double>(count)),
       gains_(malloc_array<double>(count)) {
@@ -34,7 +34,11 @@ void GradientDescent::restore(const double* velocity, const double* gains) {
     std::copy_n(gains, count_, gains_.get());
 }
 
-void GradientDescent::step(double* Y, double momentum) {
+void GradientDescent::step(double* Y, double momentum, double learning_rate) {
+    if (gain_kind_ == GainKind::Constant) {
+        stepWithoutGains(Y, momentum, learning_rate);
+        return;
+    }
     const DescentKernels& kernels = descent_kernels(instruction_set());
     parallel_for(count_, kStepGrain, [&](std::size_t /*worker*/, IndexRange range) {
         const std::size_t first = range.begin;
@@ -43,8 +47,17 @@ void GradientDescent::step(double* Y, double momentum) {
                       gains_.get() + first,
                       Y + first,
                       range.size()},
-                     learning_rate_,
+                     learning_rate,
                      momentum);
+    });
+}
+
+void GradientDescent::stepWithoutGains(double* Y, double momentum, double learning_rate) {
+    const double* const gradient = gradient_.get();
+    double* const velocity = velocity_.get();
+    parallel_for_each(count_, kStepGrain, [=](std::size_t i) {
+        velocity[i] = velocity[i] * momentum - learning_rate * gradient[i];
+        Y[i] += velocity[i];
     });
 }
 

@@ -9,10 +9,15 @@ struct IterationReport {
     /// Last iteration of the run, unless it is ended before.
     int max_iter = 0;
     /// The cost, as the progress bar shows it: until early exaggeration ends, it is taken against
-    /// the exaggerated affinities.
+    /// the exaggerated affinities, but in the annealed schedule, which leaves these as they are.
     double cost = 0.0;
     /// Whether all coordinates are numbers. The run goes on with others, but its map is of no use.
     bool finite = true;
+    /// Whether the run ends here because the cost gains too little (`FitOptions::stop_when`).
+    bool settled = false;
+
+    /// Whether no iteration follows, unless a later last one or another least gain is set.
+    [[nodiscard]] bool isLast() const { return settled || iteration >= max_iter; }
 };
 
 }  // namespace ovik

@@ -21,6 +21,11 @@ class Objective {
     /// Divides the affinities: the end of early exaggeration.
     virtual void endExaggeration(double factor) = 0;
 
+    /// Sets by how much affinities count for more in the gradients to come: at a factor a, each is
+    /// a * (attraction - repulsion / (a * Z)), with the attraction of the affinities as they stand
+    /// and the normalisation Z. 1 at first. Costs do not depend on it.
+    virtual void anneal(double factor) = 0;
+
     /// Writes the gradient at embedding Y, of the same shape.
     virtual void gradient(const double* Y, double* dY) = 0;
 

@@ -23,6 +23,8 @@ void Optimisation::resume(const FitState& state) {
     descent_.restore(state.velocity.data(), state.gains.data());
     reached_.iteration = state.reached.iteration;
     reached_.cost = state.reached.cost;
+    marked_cost_ = state.marked_cost;
+    reached_.settled = schedule_.isSettled(reached_.iteration, reached_.cost, marked_cost_);
     if (!schedule_.isExaggerated(reached_.iteration + 1)) {
         objective_.endExaggeration(schedule_.exaggeration());
     }
@@ -32,25 +34,32 @@ FitState Optimisation::state() const {
     return {reached_,
             embedding_.all(),
             {descent_.velocity(), embedding_.size()},
-            {descent_.gains(), embedding_.size()}};
+            {descent_.gains(), embedding_.size()},
+            marked_cost_};
 }
 
 void Optimisation::iterate() {
     double* const Y = embedding_.values;
+    if (schedule_.isMark(reached_.iteration)) {
+        marked_cost_ = reached_.cost;
+    }
+    const int iteration = ++reached_.iteration;
     if (!has_gradient_) {
+        objective_.anneal(schedule_.annealing(iteration));
         objective_.gradient(Y, descent_.gradient());
         has_gradient_ = true;
     }
-    const int iteration = ++reached_.iteration;
-    descent_.step(Y, schedule_.momentum(iteration));
+    descent_.step(Y, schedule_.momentum(iteration), schedule_.learningRate(iteration));
     zero_mean(Y, embedding_.rows, embedding_.columns);
     reached_.finite = isFinite();
     if (schedule_.endsExaggeration(iteration)) {
         objective_.endExaggeration(schedule_.exaggeration());
     }
     // Until exaggeration ends the cost is that against the exaggerated affinities, on purpose.
+    objective_.anneal(schedule_.annealing(iteration + 1));
     reached_.cost =
         isDone() ? objective_.cost(Y) : objective_.costAndGradient(Y, descent_.gradient());
+    reached_.settled = schedule_.isSettled(iteration, reached_.cost, marked_cost_);
 }
 
 double Optimisation::finalCost() {

@@ -44,6 +44,7 @@ class Optimisation {
     MatrixView<double> embedding_;
     Schedule schedule_;
     IterationReport reached_;
+    double marked_cost_ = FitState().marked_cost;
     bool has_gradient_ = false;
 };
 

@@ -126,8 +126,10 @@ double SparseForces::computeForces(Attraction& attraction,
 
 void SparseForces::subtractRepulsion(double* gradient, double Z) const {
     const double* const repulsion = repulsive_forces_.get();
+    const double factor = annealing_;
+    const double annealed_Z = factor * Z;
     parallel_for_each(N_ * dims_, kElementwiseGrain, [=](std::size_t i) {
-        gradient[i] = gradient[i] - repulsion[i] / Z;
+        gradient[i] = factor * (gradient[i] - repulsion[i] / annealed_Z);
     });
 }
 

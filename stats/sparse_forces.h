@@ -12,8 +12,8 @@ namespace ovik {
 /// The t-SNE gradient and cost with attractive forces along the entries of a sparse matrix and any
 /// repulsive forces, for one embedding after the other; after the first, nothing is allocated.
 ///
-/// Entry i of the gradient is attraction[i] - repulsion[i] / Z, where every point's term of the
-/// normalisation Z is added in point order.
+/// Entry i of the gradient is a * (attraction[i] - repulsion[i] / (a * Z)), where every point's
+/// term of the normalisation Z is added in point order, and a is 1 unless `anneal` has set it.
 ///
 /// All functions take the attraction of N points, by their joint affinities, and an embedding `Y`,
 /// row-major, N x dims.
@@ -21,6 +21,9 @@ class SparseForces {
   public:
     /// @throws WorkMemoryError if the forces do not fit in memory
     SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion);
+
+    /// Sets the factor by which attraction counts for more in the gradients to come.
+    void anneal(double factor) { annealing_ = factor; }
 
     /// @param gradient  row-major, N x dims, written
     void gradient(Attraction& attraction, const double* Y, double* gradient);
@@ -43,6 +46,7 @@ class SparseForces {
 
     std::size_t N_;
     std::size_t dims_;
+    double annealing_ = 1.0;
     std::unique_ptr<Repulsion> repulsion_;
     MallocArray<double> repulsive_forces_;
     MallocArray<double> z_terms_;

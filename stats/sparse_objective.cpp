@@ -18,6 +18,10 @@ void SparseObjective::endExaggeration(double factor) {
     attraction_.matrix().divide(factor);
 }
 
+void SparseObjective::anneal(double factor) {
+    forces_.anneal(factor);
+}
+
 void SparseObjective::gradient(const double* Y, double* dY) {
     forces_.gradient(attraction_, Y, dY);
 }

@@ -15,6 +15,7 @@ class SparseObjective : public Objective {
 
     void exaggerate(double factor) override;
     void endExaggeration(double factor) override;
+    void anneal(double factor) override;
     void gradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
     double costAndGradient(const double* Y, double* dY) override;

@@ -79,14 +79,14 @@ void SymmetricForces::copyGradient(double* gradient) const {
         const double* const force =
             forces_.get() + n / kPanelWidth * kPanelWidth * dims_ + n % kPanelWidth;
         for (std::size_t d = 0; d < dims_; ++d) {
-            gradient[n * dims_ + d] = force[d * kPanelWidth];
+            gradient[n * dims_ + d] = annealing_ * force[d * kPanelWidth];
         }
     }
 }
 
 void SymmetricForces::gradient(double* gradient) {
     const EmbeddingColumns Y = columns();
-    const ForceTask task = {similarity_sum_(Y), P_, forces_.get()};
+    const ForceTask task = {annealing_ * similarity_sum_(Y), P_, forces_.get()};
     forBlocks([&](const PairBlock& block) { kernels_.add_forces(Y, block, task); });
     copyGradient(gradient);
 }
@@ -94,7 +94,7 @@ void SymmetricForces::gradient(double* gradient) {
 double SymmetricForces::cost(double* gradient) {
     const EmbeddingColumns Y = columns();
     const double sum_Q = similarity_sum_(Y);
-    const ForceTask forces = {sum_Q, P_, forces_.get()};
+    const ForceTask forces = {annealing_ * sum_Q, P_, forces_.get()};
     const CostTask costs = {P_, cost_terms_.significant(), costs_.get()};
     forBlocks([&](const PairBlock& block) {
         if (gradient != nullptr) {

@@ -37,6 +37,9 @@ class SymmetricForces {
     /// `kLargestCoordinate`
     [[nodiscard]] bool take(const double* Y);
 
+    /// Sets the factor of the affinities in the gradients to come, as `exact_gradient` has it.
+    void anneal(double factor) { annealing_ = factor; }
+
     /// @param gradient  row-major, point_count x dims, written
     void gradient(double* gradient);
 
@@ -57,6 +60,7 @@ class SymmetricForces {
     SimilaritySum similarity_sum_;
     PairBlocks blocks_;
     CostTerms cost_terms_;
+    double annealing_ = 1.0;
     const double* P_ = nullptr;
     const double* diagonal_ = nullptr;
     MallocArray<double> coordinates_;

@@ -72,12 +72,17 @@ FitState state_of(const Checkpoint& checkpoint) {
     state.embedding = checkpoint.embedding;
     state.velocity = checkpoint.velocity;
     state.gains = checkpoint.gains;
+    state.marked_cost = checkpoint.marked_cost;
     return state;
 }
 
 FitSnapshot snapshot_of(const FitState& state) {
-    return {
-        state.reached.iteration, state.reached.cost, state.embedding, state.velocity, state.gains};
+    return {state.reached.iteration,
+            state.reached.cost,
+            state.embedding,
+            state.velocity,
+            state.gains,
+            state.marked_cost};
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ std::string progress_line(const IterationReport& reached) {
 /// Whether an iteration is one of those that are told of: few enough to be read.
 bool is_told(const IterationReport& reached) {
     constexpr int kBetweenLines = 50;
-    return reached.iteration % kBetweenLines == 0 || reached.iteration == reached.max_iter;
+    return reached.iteration % kBetweenLines == 0 || reached.isLast();
 }
 
 void require_going_on(const IterationReport& reached, const std::atomic<bool>& is_interrupted) {

@@ -191,7 +191,8 @@ void SPTree::visit(
 std::vector<double> barnes_hut_gradient(const SparseRows& P,
                                         const std::vector<double>& Y,
                                         std::size_t dims,
-                                        double theta) {
+                                        double theta,
+                                        double annealing) {
     const SPTree tree(dims, Y);
     std::vector<double> pos_f(Y.size(), 0.0);
     std::vector<double> neg_f(Y.size(), 0.0);
@@ -211,7 +212,7 @@ std::vector<double> barnes_hut_gradient(const SparseRows& P,
         tree.addRepulsion(n, theta, neg_f.data() + n * dims, &sum_Q);
     }
     for (std::size_t i = 0; i < Y.size(); ++i) {
-        pos_f[i] -= neg_f[i] / sum_Q;
+        pos_f[i] = annealing * (pos_f[i] - neg_f[i] / (annealing * sum_Q));
     }
     return pos_f;
 }
@@ -287,7 +288,9 @@ std::vector<double> descend_with_tree(SparseRows P,
         }
     };
     const std::size_t N = P.size();
-    scale_similarities(schedule.exaggeration, 1.0);
+    if (!schedule.is_annealed) {
+        scale_similarities(schedule.exaggeration, 1.0);
+    }
     std::vector<double> Y(N * no_dims);
     for (double& y : Y) {
         y = normal_deviate() * schedule.start_spread;
@@ -295,26 +298,29 @@ std::vector<double> descend_with_tree(SparseRows P,
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
-    double momentum = schedule.momentum;
-    for (int iter = 0; iter <= schedule.max_iter; ++iter) {
-        const std::vector<double> dY = barnes_hut_gradient(P, Y, no_dims, theta);
+    std::vector<double> all_costs;
+    for (int iter = 0; iter <= schedule.max_iter && !has_settled(schedule, all_costs); ++iter) {
+        const std::vector<double> dY =
+            barnes_hut_gradient(P, Y, no_dims, theta, annealing_of(schedule, iter));
+        const double momentum = momentum_of(schedule, iter);
+        const double learning_rate = learning_rate_of(schedule, N, iter);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
             gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
-            uY[i] = momentum * uY[i] - gains[i] * schedule.learning_rate * dY[i];
+            if (!schedule.has_gains) {
+                gains[i] = 1.0;
+            }
+            uY[i] = momentum * uY[i] - gains[i] * learning_rate * dY[i];
             Y[i] += uY[i];
         }
         centre_columns(Y, N, no_dims);
-        if (iter == schedule.stop_lying_iter) {
+        if (!schedule.is_annealed && iter == schedule.stop_lying_iter) {
             scale_similarities(1.0, schedule.exaggeration);
         }
-        if (iter == schedule.mom_switch_iter) {
-            momentum = schedule.final_momentum;
-        }
-        const double now = barnes_hut_cost(P, Y, no_dims, theta);
-        if (costs != nullptr) {
-            costs->push_back(now);
-        }
+        all_costs.push_back(barnes_hut_cost(P, Y, no_dims, theta));
+    }
+    if (costs != nullptr) {
+        costs->insert(costs->end(), all_costs.begin(), all_costs.end());
     }
     return Y;
 }

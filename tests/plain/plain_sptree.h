@@ -78,7 +78,8 @@ class SPTree {
 std::vector<double> barnes_hut_gradient(const SparseRows& P,
                                         const std::vector<double>& Y,
                                         std::size_t dims,
-                                        double theta);
+                                        double theta,
+                                        double annealing = 1.0);
 
 double barnes_hut_cost(const SparseRows& P,
                        const std::vector<double>& Y,

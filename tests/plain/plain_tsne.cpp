@@ -157,7 +157,8 @@ void symmetrise_and_normalise(std::vector<double>& P, std::size_t N) {
 std::vector<double> gradient(const std::vector<double>& P,
                              const std::vector<double>& Y,
                              std::size_t N,
-                             std::size_t dims) {
+                             std::size_t dims,
+                             double annealing) {
     std::vector<double> Q = squared_distances(Y, N, dims);
     double sum_Q = 0.0;
     for (std::size_t n = 0; n < N; ++n) {
@@ -172,12 +173,16 @@ std::vector<double> gradient(const std::vector<double>& P,
     for (std::size_t n = 0; n < N; ++n) {
         for (std::size_t m = 0; m < N; ++m) {
             if (m != n) {
-                const double mult = Q[n * N + m] * (P[n * N + m] - Q[n * N + m] / sum_Q);
+                const double mult =
+                    Q[n * N + m] * (P[n * N + m] - Q[n * N + m] / (annealing * sum_Q));
                 for (std::size_t d = 0; d < dims; ++d) {
                     dC[n * dims + d] += (Y[n * dims + d] - Y[m * dims + d]) * mult;
                 }
             }
         }
+    }
+    for (double& element : dC) {
+        element *= annealing;
     }
     return dC;
 }
@@ -301,6 +306,49 @@ double normal_deviate() {
     return x * std::sqrt((std::log(r) * -2.0) / r);
 }
 
+double exaggeration_of(const Schedule& schedule, int iter) {
+    if (!schedule.is_annealed) {
+        return iter <= schedule.stop_lying_iter ? schedule.exaggeration : 1.0;
+    }
+    if (iter < schedule.hold_iter) {
+        return schedule.exaggeration;
+    }
+    const int left = std::max(schedule.hold_iter + schedule.release_iter - iter, 0);
+    return 1.0 + (schedule.exaggeration - 1.0) *
+                     (static_cast<double>(left) / static_cast<double>(schedule.release_iter + 1));
+}
+
+double annealing_of(const Schedule& schedule, int iter) {
+    return schedule.is_annealed ? exaggeration_of(schedule, iter) : 1.0;
+}
+
+double momentum_of(const Schedule& schedule, int iter) {
+    if (schedule.is_annealed) {
+        const bool is_released = iter >= schedule.hold_iter + schedule.release_iter;
+        return is_released ? schedule.final_momentum : std::min(schedule.final_momentum, 0.8);
+    }
+    return iter <= schedule.mom_switch_iter ? schedule.momentum : schedule.final_momentum;
+}
+
+double learning_rate_of(const Schedule& schedule, std::size_t N, int iter) {
+    return schedule.has_automatic_rate
+               ? std::max(200.0, static_cast<double>(N) / exaggeration_of(schedule, iter))
+               : schedule.learning_rate;
+}
+
+bool has_settled(const Schedule& schedule, const std::vector<double>& costs) {
+    const int iter = static_cast<int>(costs.size()) - 1;
+    const int last_exaggerated = schedule.is_annealed
+                                     ? schedule.hold_iter + schedule.release_iter - 1
+                                     : schedule.stop_lying_iter;
+    const int before = iter - 50;
+    if (iter % 50 != 0 || before < 0 || before < last_exaggerated) {
+        return false;
+    }
+    const double now = costs[static_cast<std::size_t>(iter)];
+    return costs[static_cast<std::size_t>(before)] - now < schedule.stop_when * now;
+}
+
 std::vector<double> embed_exactly(const Matrix& input,
                                   std::size_t no_dims,
                                   double perplexity,
@@ -311,8 +359,10 @@ std::vector<double> embed_exactly(const Matrix& input,
     normalise_input(X, N, input.columns);
     std::vector<double> P = conditional_similarities(X, N, input.columns, perplexity);
     symmetrise_and_normalise(P, N);
-    for (double& p : P) {
-        p *= schedule.exaggeration;
+    if (!schedule.is_annealed) {
+        for (double& p : P) {
+            p *= schedule.exaggeration;
+        }
     }
     srand(schedule.seed);
     std::vector<double> Y(N * no_dims);
@@ -322,27 +372,32 @@ std::vector<double> embed_exactly(const Matrix& input,
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
-    double momentum = schedule.momentum;
-    for (int iter = 0; iter <= schedule.max_iter; ++iter) {
-        const std::vector<double> dY = gradient(P, Y, N, no_dims);
+    std::vector<double> all_costs;
+    for (int iter = 0; iter <= schedule.max_iter && !has_settled(schedule, all_costs); ++iter) {
+        const std::vector<double> dY = gradient(P, Y, N, no_dims, annealing_of(schedule, iter));
+        const double momentum = momentum_of(schedule, iter);
+        const double learning_rate = learning_rate_of(schedule, N, iter);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             gains[i] = sign(dY[i]) != sign(uY[i]) ? gains[i] + 0.2 : gains[i] * 0.8;
             gains[i] = gains[i] < 0.01 ? 0.01 : gains[i];
-            uY[i] = uY[i] * momentum - (gains[i] * schedule.learning_rate) * dY[i];
+            if (!schedule.has_gains) {
+                gains[i] = 1.0;
+            }
+            uY[i] = uY[i] * momentum - (gains[i] * learning_rate) * dY[i];
             Y[i] += uY[i];
         }
         centre_columns(Y, N, no_dims);
-        if (iter == schedule.stop_lying_iter) {
+        if (!schedule.is_annealed && iter == schedule.stop_lying_iter) {
             for (double& p : P) {
                 p /= schedule.exaggeration;
             }
         }
-        if (iter == schedule.mom_switch_iter) {
-            momentum = schedule.final_momentum;
+        if (costs != nullptr || schedule.stop_when > 0.0) {
+            all_costs.push_back(cost(P, Y, N, no_dims));
         }
-        if (costs != nullptr) {
-            costs->push_back(cost(P, Y, N, no_dims));
-        }
+    }
+    if (costs != nullptr) {
+        costs->insert(costs->end(), all_costs.begin(), all_costs.end());
     }
     return Y;
 }

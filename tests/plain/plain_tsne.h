@@ -41,10 +41,12 @@ std::vector<double> conditional_similarities(const std::vector<double>& points,
 /// Sum of the conditional similarities of both directions, divided by their total.
 void symmetrise_and_normalise(std::vector<double>& P, std::size_t N);
 
+/// @param annealing  the factor by which P counts for more
 std::vector<double> gradient(const std::vector<double>& P,
                              const std::vector<double>& Y,
                              std::size_t N,
-                             std::size_t dims);
+                             std::size_t dims,
+                             double annealing = 1.0);
 
 double cost(const std::vector<double>& P,
             const std::vector<double>& Y,
@@ -79,7 +81,28 @@ struct Schedule {
     double start_spread = 0.0001;
     double momentum = 0.5;
     double final_momentum = 0.8;
+    bool is_annealed = false;
+    int hold_iter = 125;
+    int release_iter = 125;
+    bool has_automatic_rate = false;
+    bool has_gains = true;
+    double stop_when = 0.0;
 };
+
+/// The factor of the similarities in the step of an iteration.
+double exaggeration_of(const Schedule& schedule, int iter);
+
+/// That factor where it is no part of the similarities, as in the annealed schedule; else 1.
+double annealing_of(const Schedule& schedule, int iter);
+
+double momentum_of(const Schedule& schedule, int iter);
+
+double learning_rate_of(const Schedule& schedule, std::size_t N, int iter);
+
+/// Whether a run ends with its last iteration so far.
+///
+/// @param costs  of all iterations so far
+bool has_settled(const Schedule& schedule, const std::vector<double>& costs);
 
 /// The whole exact method on an input matrix.
 ///

@@ -25,6 +25,7 @@ Checkpoint small_checkpoint() {
         2, 5, 3, {{"perplexity", "12.75"}, {"theta", "0.5"}, {"switch", "-1"}}, {1, 2}, {3, 4}};
     checkpoint.iteration = 137;
     checkpoint.cost = 1.5;
+    checkpoint.marked_cost = 2.0;
     checkpoint.embedding = {0.0, -0.0, 1e-310, -1e300, 0.1, 2.0};
     checkpoint.velocity = {1.0, 2.0, 3.0, 4.0, 5.0, 6.0};
     checkpoint.gains = {0.01, 1.0, 1.2, 0.8, 0.64, 7.0};
@@ -75,6 +76,7 @@ TEST_F(CheckpointFile, GivesBackEveryBit) {
     EXPECT_EQ(read.run.names, (Digest{3, 4}));
     EXPECT_EQ(read.iteration, 137);
     EXPECT_EQ(read.cost, 1.5);
+    EXPECT_EQ(read.marked_cost, 2.0);
     EXPECT_TRUE(same_bits(read.embedding, written.embedding));
     EXPECT_TRUE(same_bits(read.velocity, written.velocity));
     EXPECT_TRUE(same_bits(read.gains, written.gains));
@@ -90,18 +92,19 @@ TEST_F(CheckpointFile, HasTheLowestByteFirst) {
     using std::string_literals::operator""s;
     EXPECT_EQ(bytes.substr(0, 40),
               "OVIKCKPT"
-              "\2\0\0\0\0\0\0\0"
+              "\3\0\0\0\0\0\0\0"
               "\2\0\0\0\0\0\0\0"
               "\5\0\0\0\0\0\0\0"
               "\3\0\0\0\0\0\0\0"s);
     const std::string options = "perplexity=12.75\ntheta=0.5\nswitch=-1\n";
     EXPECT_EQ(bytes.substr(40, 8), "\x25\0\0\0\0\0\0\0"s);
     EXPECT_EQ(bytes.substr(48, options.size()), options);
-    // Behind two digests, 137, and 1.5, which is 0x3ff8000000000000.
+    // Behind two digests, 137, 1.5, which is 0x3ff8000000000000, and 2.
     const std::size_t progress = 48 + options.size() + 32;
     EXPECT_EQ(bytes.substr(progress, 8), "\x89\0\0\0\0\0\0\0"s);
     EXPECT_EQ(bytes.substr(progress + 8, 8), "\0\0\0\0\0\0\xf8\x3f"s);
-    EXPECT_EQ(bytes.size(), progress + 16 + 3 * 6 * 8 + 8);
+    EXPECT_EQ(bytes.substr(progress + 16, 8), "\0\0\0\0\0\0\0\x40"s);
+    EXPECT_EQ(bytes.size(), progress + 24 + 3 * 6 * 8 + 8);
 }
 
 TEST_F(CheckpointFile, IsRefusedWhereverItIsCut) {
@@ -147,7 +150,7 @@ TEST_F(CheckpointFile, IsRefusedForWhatIsWrongWithIt) {
     changed = whole;
     changed[8] = 1;
     EXPECT_THAT(refusal(changed),
-                HasSubstr("this is a checkpoint of version 1, and only those of version 2 can"));
+                HasSubstr("this is a checkpoint of version 1, and only those of version 3 can"));
     // More options than there can be.
     changed = whole;
     changed[45] = '\x7f';

@@ -64,14 +64,18 @@ struct KeptState {
         : reached(state.reached),
           embedding(state.embedding.begin(), state.embedding.end()),
           velocity(state.velocity.begin(), state.velocity.end()),
-          gains(state.gains.begin(), state.gains.end()) {}
+          gains(state.gains.begin(), state.gains.end()),
+          marked_cost(state.marked_cost) {}
 
-    [[nodiscard]] FitState view() const { return {reached, embedding, velocity, gains}; }
+    [[nodiscard]] FitState view() const {
+        return {reached, embedding, velocity, gains, marked_cost};
+    }
 
     IterationReport reached;
     std::vector<double> embedding;
     std::vector<double> velocity;
     std::vector<double> gains;
+    double marked_cost;
 };
 
 /// The state of a fit after an iteration.
@@ -173,7 +177,7 @@ TEST(Fit, ReportsTheCostOfEveryIterationAndOfTheMap) {
     ASSERT_EQ(early.report.costs.size(), 6U);
     EXPECT_NEAR(early.report.final_cost, plain::cost(P, early.embedding, kRows, 2), 1e-10);
     for (double& p : P) {
-        p *= Schedule(options).exaggeration();
+        p *= Schedule(options, kRows).exaggeration();
     }
     EXPECT_NEAR(early.report.costs.back(), plain::cost(P, early.embedding, kRows, 2), 1e-8);
 }

@@ -113,5 +113,20 @@ TEST(GradientDescent, FindsTheMinimumOfABowl) {
     EXPECT_NEAR(y[1], 2.0, 1e-6);
 }
 
+TEST(GradientDescent, LeavesConstantGainsAlone) {
+    GradientDescent descent(2, GainKind::Constant);
+    double Y[2] = {1.0, -1.0};
+    descent.gradient()[0] = 0.5;
+    descent.gradient()[1] = -0.25;
+    descent.step(Y, 0.9, 4.0);
+    EXPECT_EQ(Y[0], 1.0 - 2.0);
+    EXPECT_EQ(Y[1], -1.0 + 1.0);
+    descent.gradient()[0] = -0.5;
+    descent.step(Y, 0.9, 8.0);
+    EXPECT_EQ(descent.velocity()[0], -2.0 * 0.9 + 4.0);
+    EXPECT_EQ(descent.gains()[0], 1.0);
+    EXPECT_EQ(descent.gains()[1], 1.0);
+}
+
 }  // namespace
 }  // namespace ovik

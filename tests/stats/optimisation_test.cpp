@@ -24,6 +24,8 @@ class Bowl : public Objective {
         factor_ /= factor;
     }
 
+    void anneal(double factor) override { annealings.push_back(factor); }
+
     void gradient(const double* Y, double* dY) override {
         calls += "gradient ";
         fill(Y, dY);
@@ -54,11 +56,13 @@ class Bowl : public Objective {
     static double place(std::size_t i) { return static_cast<double>(i / kDims) - 1.0; }
 
     std::string calls;
+    std::vector<double> annealings;
 
   private:
     void fill(const double* Y, double* dY) const {
         for (std::size_t i = 0; i < kCount; ++i) {
-            dY[i] = 1e-5 * factor_ * (Y[i] - place(i));
+            const double annealing = annealings.empty() ? 1.0 : annealings.back();
+            dY[i] = 1e-5 * annealing * factor_ * (Y[i] - place(i));
         }
     }
 
@@ -70,8 +74,8 @@ struct Descent {
     explicit Descent(const FitOptions& options)
         : descent(kCount),
           embedding{0.5, -0.25, 0.125, 2.0, -1.0, 0.75},
-          optimisation(bowl, descent, {embedding.data(), kRows, kDims}, Schedule(options)) {
-        bowl.exaggerate(Schedule(options).exaggeration());
+          optimisation(bowl, descent, {embedding.data(), kRows, kDims}, Schedule(options, kRows)) {
+        bowl.exaggerate(Schedule(options, kRows).exaggeration());
     }
 
     void finish() {
@@ -108,7 +112,7 @@ TEST(Optimisation, AsksForGradientsBeforeStepsAndForCostsAfterThem) {
 TEST(Optimisation, TakesTheStepsOfTheDescentAndCentresThem) {
     Descent run(kOptions);
     Bowl bowl;
-    bowl.exaggerate(Schedule(kOptions).exaggeration());
+    bowl.exaggerate(Schedule(kOptions, kRows).exaggeration());
     GradientDescent descent(kCount);
     std::vector<double> Y = run.embedding;
     for (int iteration = 0; iteration <= 4; ++iteration) {
@@ -122,7 +126,7 @@ TEST(Optimisation, TakesTheStepsOfTheDescentAndCentresThem) {
             }
         }
         if (iteration == 2) {
-            bowl.endExaggeration(Schedule(kOptions).exaggeration());
+            bowl.endExaggeration(Schedule(kOptions, kRows).exaggeration());
         }
         EXPECT_EQ(run.embedding, Y) << iteration;
         const FitState state = run.optimisation.state();
@@ -185,10 +189,10 @@ TEST(Optimisation, HasAFinalCostWithoutExaggeration) {
     EXPECT_EQ(ended.bowl.calls, calls);
     Descent exaggerated({.max_iter = 4, .stop_lying_iter = 5});
     exaggerated.finish();
-    EXPECT_NEAR(
-        exaggerated.optimisation.finalCost(),
-        exaggerated.optimisation.state().reached.cost / Schedule(FitOptions()).exaggeration(),
-        1e-14);
+    EXPECT_NEAR(exaggerated.optimisation.finalCost(),
+                exaggerated.optimisation.state().reached.cost /
+                    Schedule(FitOptions(), kRows).exaggeration(),
+                1e-14);
     EXPECT_EQ(exaggerated.bowl.calls, "gradient both both both both cost end cost ");
     // Before any iteration it is that of the start.
     Descent none({.max_iter = -1});
@@ -221,13 +225,115 @@ TEST(Optimisation, GoesThroughItsIterationsWithoutRows) {
         double costAndGradient(const double*, double*) override { return 0.0; }
     } nothing;
 
-    Optimisation optimisation(nothing, descent, {nullptr, 0, kDims}, Schedule(kOptions));
+    Optimisation optimisation(nothing, descent, {nullptr, 0, kDims}, Schedule(kOptions, kRows));
     while (!optimisation.isDone()) {
         optimisation.iterate();
         EXPECT_TRUE(optimisation.state().reached.finite);
     }
     EXPECT_EQ(optimisation.state().reached.iteration, 4);
     EXPECT_TRUE(optimisation.state().embedding.empty());
+}
+
+constexpr FitOptions kAnnealed{.max_iter = 4,
+                               .exaggeration = 5.0,
+                               .schedule = ScheduleKind::Annealed,
+                               .hold_iter = 1,
+                               .release_iter = 3};
+
+TEST(Optimisation, AnnealsTheGradientOfEveryStepAndNoCost) {
+    Descent run(kAnnealed);
+    run.finish();
+    EXPECT_EQ(run.bowl.calls, "gradient both both both both cost ");
+    EXPECT_EQ(run.bowl.annealings, (std::vector<double>{5.0, 4.0, 3.0, 2.0, 1.0, 1.0}));
+    EXPECT_EQ(run.optimisation.state().reached.cost, run.bowl.value(run.embedding.data()));
+    EXPECT_EQ(run.optimisation.finalCost(), run.optimisation.state().reached.cost);
+}
+
+TEST(Optimisation, TakesTheLearningRateOfTheSchedule) {
+    FitOptions options = kAnnealed;
+    options.learning_rate = 50.0;
+    Descent run(options);
+    const std::vector<double> start = run.embedding;
+    run.optimisation.iterate();
+    Bowl bowl;
+    bowl.anneal(5.0);
+    GradientDescent descent(kCount);
+    std::vector<double> Y = start;
+    bowl.gradient(Y.data(), descent.gradient());
+    descent.step(Y.data(), 0.8, 50.0);
+    EXPECT_EQ(run.optimisation.state().velocity[0], descent.velocity()[0]);
+}
+
+TEST(Optimisation, GoesOnFromAnAnnealedStateToTheSameBytes) {
+    FitOptions options = kAnnealed;
+    options.max_iter = 9;
+    options.automatic_rate = true;
+    Descent unbroken(options);
+    unbroken.finish();
+    for (int last = 0; last <= 9; ++last) {
+        FitOptions shorter = options;
+        shorter.max_iter = last;
+        Descent first(shorter);
+        first.finish();
+        Descent second(options);
+        second.optimisation.resume(first.optimisation.state());
+        second.finish();
+        EXPECT_EQ(second.embedding, unbroken.embedding) << last;
+        EXPECT_EQ(second.optimisation.state().reached.cost,
+                  unbroken.optimisation.state().reached.cost);
+    }
+}
+
+constexpr FitOptions kSettling{.max_iter = 1000,
+                               .learning_rate = 2000.0,
+                               .schedule = ScheduleKind::Annealed,
+                               .hold_iter = 10,
+                               .release_iter = 10,
+                               .stop_when = 0.9};
+
+TEST(Optimisation, EndsWhereTheCostGainsTooLittle) {
+    Descent run(kSettling);
+    run.finish();
+    const IterationReport& reached = run.optimisation.state().reached;
+    EXPECT_TRUE(reached.settled);
+    EXPECT_EQ(reached.iteration % 50, 0);
+    EXPECT_GE(reached.iteration, 100);
+    EXPECT_LT(reached.iteration, 1000);
+    EXPECT_EQ(reached.max_iter, 1000);
+    // It is where the rule holds for the first time.
+    FitOptions endless = kSettling;
+    endless.stop_when = 0.0;
+    Descent other(endless);
+    std::vector<double> costs;
+    while (static_cast<int>(costs.size()) <= reached.iteration) {
+        other.optimisation.iterate();
+        costs.push_back(other.optimisation.state().reached.cost);
+    }
+    EXPECT_EQ(other.embedding, run.embedding);
+    EXPECT_FALSE(other.optimisation.isDone());
+    for (std::size_t mark = 100; mark < costs.size(); mark += 50) {
+        EXPECT_EQ(costs[mark - 50] - costs[mark] < 0.9 * costs[mark], mark + 1 == costs.size())
+            << mark;
+    }
+}
+
+TEST(Optimisation, EndsAtTheSameIterationWhereverItGoesOnFrom) {
+    Descent unbroken(kSettling);
+    unbroken.finish();
+    const int end = unbroken.optimisation.state().reached.iteration;
+    for (int last = 0; last <= end; ++last) {
+        FitOptions shorter = kSettling;
+        shorter.max_iter = last;
+        Descent first(shorter);
+        first.finish();
+        Descent second(kSettling);
+        second.optimisation.resume(first.optimisation.state());
+        EXPECT_EQ(second.optimisation.isDone(), last == end);
+        second.finish();
+        EXPECT_EQ(second.optimisation.state().reached.iteration, end) << last;
+        EXPECT_TRUE(second.optimisation.state().reached.settled);
+        EXPECT_EQ(second.embedding, unbroken.embedding) << last;
+    }
 }
 
 }  // namespace

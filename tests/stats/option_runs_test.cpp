@@ -47,6 +47,36 @@ const OtherNumber kOtherNumbers[] = {
      [](FitOptions& options, plain::Schedule& schedule) {
          schedule.final_momentum = options.final_momentum = 0.65;
      }},
+    {"AutomaticRate",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         schedule.has_automatic_rate = options.automatic_rate = true;
+         schedule.learning_rate = options.learning_rate = 57.5;
+     }},
+    {"ConstantGains",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         options.gains = GainKind::Constant;
+         schedule.has_gains = false;
+     }},
+    {"AnnealedSchedule",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         options.schedule = ScheduleKind::Annealed;
+         schedule.is_annealed = true;
+         schedule.hold_iter = options.hold_iter = 15;
+         schedule.release_iter = options.release_iter = 20;
+         schedule.final_momentum = options.final_momentum = 0.95;
+     }},
+    {"AnnealedScheduleWithoutGains",
+     [](FitOptions& options, plain::Schedule& schedule) {
+         options.schedule = ScheduleKind::Annealed;
+         options.gains = GainKind::Constant;
+         schedule.is_annealed = true;
+         schedule.has_gains = false;
+         schedule.exaggeration = options.exaggeration = 4.0;
+         schedule.hold_iter = options.hold_iter = 20;
+         schedule.release_iter = options.release_iter = 10;
+         schedule.has_automatic_rate = options.automatic_rate = true;
+         schedule.final_momentum = options.final_momentum = 0.99;
+     }},
 };
 
 class OptionRun : public testing::TestWithParam<OtherNumber> {
@@ -86,6 +116,52 @@ TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
 INSTANTIATE_TEST_SUITE_P(Each, OptionRun, testing::ValuesIn(kOtherNumbers), [](const auto& test) {
     return std::string(test.param.name);
 });
+
+/// A run of some hundred iterations that ends by itself.
+plain::Schedule settling(FitOptions& options) {
+    options.schedule = ScheduleKind::Annealed;
+    plain::Schedule schedule = kSchedule;
+    schedule.max_iter = 600;
+    schedule.is_annealed = true;
+    schedule.hold_iter = options.hold_iter = 30;
+    schedule.release_iter = options.release_iter = 40;
+    schedule.stop_when = options.stop_when = 0.004;
+    return schedule;
+}
+
+TEST(SettlingRun, EndsWhereThePlainProgramEnds) {
+    FitOptions options;
+    const plain::Schedule schedule = settling(options);
+    const test::TemporaryDirectory directory;
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", kRows);
+    const plain::Matrix input = plain::read_tab_separated(path, kRows);
+    for (const double theta : {0.0, 0.5}) {
+        std::vector<double> costs;
+        const std::vector<double> Y =
+            theta == 0.0 ? plain::embed_exactly(input, 2, kPerplexity, schedule, &costs)
+                         : plain::embed_with_tree(input, 2, kPerplexity, theta, schedule, &costs);
+        ASSERT_GE(costs.size(), 151U);
+        ASSERT_LT(costs.size(), 600U);
+        for (const int threads : {1, 2, 5}) {
+            const test::ThreadCount scope(threads);
+            std::vector<int> seen;
+            const test::RunOutcome run =
+                test::run_engine(path,
+                                 {.perplexity = kPerplexity,
+                                  .theta = theta,
+                                  .max_iter = schedule.max_iter,
+                                  .options = options,
+                                  .on_iteration = [&seen](const IterationReport& reached) {
+                                      seen.push_back(reached.iteration);
+                                      return true;
+                                  }});
+            EXPECT_EQ(run.Y, Y) << theta;
+            EXPECT_EQ(seen.size(), costs.size());
+            EXPECT_NE(run.out.find("Settled at iteration " + std::to_string(seen.back())),
+                      std::string::npos);
+        }
+    }
+}
 
 }  // namespace
 }  // namespace ovik
