@@ -6,6 +6,8 @@
 
 #include <climits>
 
+#include "stats/fit_choices.h"
+
 /// The numbers that shape a map: each with its default, range, unit and meaning, in this place
 /// alone. Command line, manual page, completions, Python parameters, reports, the page's footer and
 /// the identity of checkpoints are made by visiting them.
@@ -27,6 +29,7 @@ struct FitOptions {
     double start_spread = 0.0001;
     double momentum = 0.5;
     double final_momentum = 0.8;
+    MetricKind metric = MetricKind::Euclidean;
 };
 
 /// What front ends call an option, and what they say of it.
