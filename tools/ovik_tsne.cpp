@@ -66,7 +66,7 @@ RunSize size_of_runs(const Options& options,
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(const Options& options, RunReport report) {
+ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -92,6 +92,8 @@ ExitStatus embed(const Options& options, RunReport report) {
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
+    settle_fit_options(options, matrix.rows, matrix.columns);
+    report.options = reported_options(options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const RunSize size = size_of_runs(options, matrix, perplexities);
