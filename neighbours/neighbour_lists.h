@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "neighbours/candidate_search.h"
+#include "neighbours/near_row.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
 
@@ -32,9 +32,9 @@ struct NeighbourLists {
 /// A neighbour of a row, as it is given.
 struct GivenNeighbour {
     /// From 0.
-    std::size_t row;
-    std::size_t neighbour;
-    double distance;
+    std::size_t row = 0;
+    std::size_t neighbour = 0;
+    double distance = 0.0;
     /// The line of the file where it stands, from 1; 0 without a file.
     std::size_t line = 0;
 };

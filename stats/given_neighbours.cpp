@@ -6,6 +6,7 @@
 
 #include "input/market_entries.h"
 #include "input/matrix_source.h"
+#include "stats/cached_neighbours.h"
 #include "stats/method.h"
 #include "stats/option_texts.h"
 #include "util/counted.h"
@@ -61,6 +62,34 @@ class GraphSink : public MarketSink {
     std::vector<GivenNeighbour> neighbours_;
 };
 
+double largest_perplexity(const FitOptions& options) {
+    return options.multiscale.empty()
+               ? options.perplexity
+               : *std::max_element(options.multiscale.begin(), options.multiscale.end());
+}
+
+/// How many neighbours of each row a fit takes.
+std::size_t wanted_neighbours(const FitOptions& options, std::size_t rows) {
+    return options.affinity == AffinityKind::Uniform
+               ? static_cast<std::size_t>(options.neighbours)
+               : static_cast<std::size_t>(neighbour_count(largest_perplexity(options), rows));
+}
+
+void check_perplexity(double perplexity,
+                      std::size_t row,
+                      std::size_t count,
+                      std::size_t wanted,
+                      const std::string& source) {
+    if (perplexity >= static_cast<double>(count)) {
+        throw InputError(source + ": row " + std::to_string(row) + " has " +
+                         counted(count, "neighbour", "neighbours") + ", and a perplexity of " +
+                         plain_number(perplexity) + " needs more than as many\nGive " +
+                         std::to_string(wanted) +
+                         " neighbours of every row, three times the perplexity, or a lower "
+                         "perplexity.");
+    }
+}
+
 }  // namespace
 
 NeighbourLists read_neighbour_lists(const std::string& path, std::size_t row_count) {
@@ -75,36 +104,35 @@ NeighbourLists read_neighbour_lists(const std::string& path, std::size_t row_cou
     return neighbour_lists(graph.take(), row_count, source.name());
 }
 
+std::shared_ptr<CachedNeighbours> make_given_neighbours(NeighbourLists lists) {
+    return std::make_shared<CachedNeighbours>(std::move(lists));
+}
+
 std::string check_given_neighbours(const NeighbourLists& lists,
                                    const FitOptions& options,
-                                   const std::string& source) {
+                                   const std::string& source,
+                                   std::size_t first) {
     if (!method_of(options).has_neighbours) {
         throw InputError(source +
                          ": the exact method takes all pairs of rows, and no neighbours\n"
                          "Take Barnes-Hut: a theta above 0, such as 0.5.");
     }
-    const auto wanted =
-        static_cast<std::size_t>(neighbour_count(options.perplexity, lists.rowCount()));
+    const std::size_t wanted = wanted_neighbours(options, lists.rowCount());
     std::size_t fewest = wanted;
     std::size_t short_rows = 0;
     for (std::size_t n = 0; n < lists.rowCount(); ++n) {
         const std::size_t count = lists.of(n).size();
         fewest = std::min(fewest, count);
         short_rows += count < wanted ? 1 : 0;
-        if (options.perplexity >= static_cast<double>(count)) {
-            throw InputError(source + ": row " + std::to_string(n + 1) + " has " +
-                             counted(count, "neighbour", "neighbours") + ", and a perplexity of " +
-                             plain_number(options.perplexity) + " needs more than as many\nGive " +
-                             std::to_string(wanted) +
-                             " neighbours of every row, three times the perplexity, or a lower "
-                             "perplexity.");
+        if (options.affinity == AffinityKind::Perplexity) {
+            check_perplexity(largest_perplexity(options), n + first, count, wanted, source);
         }
     }
     if (short_rows == 0) {
         return "";
     }
-    return source + ": " + counted(short_rows, "row has", "rows have") + " fewer than " +
-           std::to_string(wanted) + " neighbours, three times the perplexity, the fewest " +
+    return source + ": " + counted(short_rows, "row has", "rows have") + " fewer than the " +
+           std::to_string(wanted) + " neighbours that the fit takes, the fewest " +
            std::to_string(fewest) + ": their similarities end there";
 }
 

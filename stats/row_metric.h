@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "stats/fit_choices.h"
-#include "util/api.h"
 #include "util/matrix_view.h"
 
 /// Correlations between rows as Euclidean distances: rows are brought into a form in which half the
@@ -17,7 +16,7 @@
 namespace ovik {
 
 /// Whether rows are compared by their correlation or angle, so that those without one are refused.
-OVIK_API bool compares_directions(MetricKind metric);
+bool compares_directions(MetricKind metric);
 
 /// Brings every row into the form that a metric asks for, in place:
 ///
@@ -32,14 +31,14 @@ OVIK_API bool compares_directions(MetricKind metric);
 /// bytes. Rows that `rows_without_direction` finds become NaN, or noise of rounding.
 ///
 /// @param X  modified; finite
-OVIK_API void prepare_rows(MatrixView<double> X, MetricKind metric);
+void prepare_rows(MatrixView<double> X, MetricKind metric);
 
 /// The rows that have no correlation with any other, in their order: for Pearson and Spearman rows
 /// whose values are all equal, or differ from their mean by no more than its rounding (columns *
 /// 2^-53 of the largest absolute value); for the cosine rows of zeros; for other metrics none.
 ///
 /// @param X  finite
-OVIK_API std::vector<std::size_t> rows_without_direction(MatrixView<const double> X,
+std::vector<std::size_t> rows_without_direction(MatrixView<const double> X,
                                                          MetricKind metric);
 
 /// What messages about the rows of a matrix call it and them.
@@ -53,7 +52,7 @@ struct RowWords {
 };
 
 /// Some rows in the words of messages: the first three, and whether there are more.
-OVIK_API std::string listed_rows(const std::vector<std::size_t>& rows, const RowWords& words);
+std::string listed_rows(const std::vector<std::size_t>& rows, const RowWords& words);
 
 /// Refuses what a metric cannot tell apart.
 ///
@@ -62,7 +61,7 @@ OVIK_API std::string listed_rows(const std::vector<std::size_t>& rows, const Row
 /// @throws InputError if there are such rows, with the first three of them and the cure; if rows
 /// have too few columns: 2 values have a correlation of 1 or -1; if all rows are in the same
 /// direction, so that all distances are 0 but for rounding
-OVIK_API void check_rows(MatrixView<const double> X,
+void check_rows(MatrixView<const double> X,
                          MetricKind metric,
                          const RowWords& words,
                          const std::string& cure);

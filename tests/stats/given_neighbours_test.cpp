@@ -96,8 +96,14 @@ TEST(CheckGivenNeighbours, TellsOfRowsThatHaveFewerThanTheFitTakes) {
     counts[3] = 5;
     counts[9] = 3;
     EXPECT_EQ(check_given_neighbours(lists_of(counts), options, "g"),
-              "g: 2 rows have fewer than 6 neighbours, three times the perplexity, the fewest 3: "
-              "their similarities end there");
+              "g: 2 rows have fewer than the 6 neighbours that the fit takes, the fewest 3: their "
+              "similarities end there");
+    options.affinity = AffinityKind::Uniform;
+    options.neighbours = 4;
+    options.perplexity = 9.0;
+    EXPECT_EQ(check_given_neighbours(lists_of(counts), options, "g"),
+              "g: 1 row has fewer than the 4 neighbours that the fit takes, the fewest 3: their "
+              "similarities end there");
 }
 
 TEST(CheckGivenNeighbours, RefusesRowsThatCannotHaveThePerplexity) {

@@ -14,6 +14,7 @@ _ovik_tsne() {
     --names) COMPREPLY=($(compgen -W $'file\nstandard\nother' -- "$current")) ;;
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
+    --constant-rows) COMPREPLY=($(compgen -W $'refuse\ndrop' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;
