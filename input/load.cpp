@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "input/date_names.h"
+#include "input/distance_matrix.h"
+#include "input/market_entries.h"
 #include "input/matrix_checks.h"
 #include "input/matrix_formats.h"
 #include "input/matrix_source.h"
@@ -76,14 +78,18 @@ void add_remarks(const std::string& name,
     for (const std::string& warning : matrix.report.warnings) {
         warnings.push_back(name + warning);
     }
-    warnings.push_back(transposed_warning(name, options, matrix));
+    if (!options.holds_distances) {
+        warnings.push_back(transposed_warning(name, options, matrix));
+    }
     warnings.push_back(thousands_points_warning(name, options.spell, matrix.report));
     for (std::string& warning : matrix_warnings(name, matrix.report)) {
         warnings.push_back(std::move(warning));
     }
     warnings.push_back(date_names_warning(name, matrix.row_names, matrix.row_lines));
-    warnings.push_back(odd_rows_warning(name, matrix));
-    warnings.push_back(odd_columns_warning(name, options.spell, matrix));
+    if (!options.holds_distances) {
+        warnings.push_back(odd_rows_warning(name, matrix));
+        warnings.push_back(odd_columns_warning(name, options.spell, matrix));
+    }
     for (std::string& warning : warnings) {
         if (!warning.empty()) {
             remarks.push_back({Remark::Kind::Warning, std::move(warning)});
@@ -126,6 +132,46 @@ std::size_t settle_missing(const std::string& name,
     return missing.count;
 }
 
+/// Fills in what is missing, transforms the values and checks them.
+void settle_values(const std::string& name,
+                   const LoadOptions& options,
+                   LoadedMatrix& loaded,
+                   std::vector<Remark>& remarks) {
+    InspectedMatrix& matrix = loaded.matrix;
+    loaded.missing = settle_missing(name, options, loaded, remarks);
+    if (options.transformations.any()) {
+        remarks.push_back({Remark::Kind::Information,
+                           transform(name, options.transformations, options.spell, matrix)});
+    }
+    if (options.check_values) {
+        check_values(name, matrix);
+    }
+}
+
+/// @throws InputError if distances that are left out would be taken for 0
+void refuse_sparse_distances(const MatrixSource& source) {
+    if (opens_sparse_market(source.head())) {
+        throw InputError(
+            source.name() +
+            ": holds a sparse matrix, and a distance that it leaves out would count as "
+            "0\nWrite all distances as a dense matrix (\"array\"). A graph of "
+            "neighbours is given beside the matrix of the data.");
+    }
+}
+
+/// @throws InputError if distances would be changed
+void refuse_changes_of_distances(const LoadOptions& options) {
+    if (options.missing && options.missing != MissingPolicy::Error) {
+        throw InputError(options.spell("missing", "") +
+                         ": a distance cannot be filled in, nor left out\nGive a matrix of all "
+                         "distances, or the values of which they are computed.");
+    }
+    if (options.transformations.any()) {
+        throw InputError("distances are not transformed (" + names_of(options.transformations) +
+                         ")\nTransform the values of which they are computed.");
+    }
+}
+
 }  // namespace
 
 LoadedMatrix load(const std::string& path,
@@ -138,8 +184,14 @@ LoadedMatrix load(const std::string& path,
                   const LoadOptions& options,
                   std::vector<Remark>& remarks,
                   const std::vector<MatrixFormat>& formats) {
+    if (options.holds_distances) {
+        refuse_changes_of_distances(options);
+    }
     MatrixSource source(path);
     const std::string& name = source.name();
+    if (options.holds_distances) {
+        refuse_sparse_distances(source);
+    }
     const MatrixFormat& format = format_of(source, formats);
     LoadedMatrix loaded;
     loaded.format = format.name;
@@ -156,13 +208,10 @@ LoadedMatrix load(const std::string& path,
         loaded.labels = std::move(file.labels);
         loaded.label_table = std::move(file.table);
     }
-    loaded.missing = settle_missing(name, options, loaded, remarks);
-    if (options.transformations.any()) {
-        remarks.push_back({Remark::Kind::Information,
-                           transform(name, options.transformations, options.spell, matrix)});
-    }
-    if (options.check_values) {
-        check_values(name, matrix);
+    if (options.holds_distances) {
+        check_distance_matrix(name, matrix);
+    } else {
+        settle_values(name, options, loaded, remarks);
     }
     return loaded;
 }

@@ -49,6 +49,10 @@ struct LoadOptions {
     std::string labels_file;
     /// What is done to the values once none is missing.
     Transformations transformations;
+    /// Whether the matrix holds the distances of all rows from all rows, in the place of
+    /// measurements: it is refused unless it does (`check_distance_matrix`), what is odd about
+    /// measurements is not looked for, and nothing is filled in or transformed.
+    bool holds_distances = false;
     /// Whether what is left after the treatment of missing values is refused if it cannot be
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.
     bool check_values = true;

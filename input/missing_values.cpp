@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "input/row_removal.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 
@@ -101,32 +102,6 @@ void fill_in_column_means(const MissingCounts& missing, InspectedMatrix& matrix)
                 column, rows, columns, has_numbers ? mean_of_numbers(column, rows, columns) : 0.0);
         }
     }
-}
-
-void leave_rows_out(const MissingCounts& missing,
-                    InspectedMatrix& matrix,
-                    std::vector<std::string>& labels) {
-    const std::size_t columns = matrix.report.columns;
-    std::size_t kept = 0;
-    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
-        if (missing.by_row[n] > 0) {
-            continue;
-        }
-        if (kept < n) {
-            double* const values = matrix.values.get();
-            std::copy_n(values + n * columns, columns, values + kept * columns);
-            matrix.row_names[kept] = std::move(matrix.row_names[n]);
-            matrix.row_lines[kept] = matrix.row_lines[n];
-            if (!labels.empty()) {
-                labels[kept] = std::move(labels[n]);
-            }
-        }
-        ++kept;
-    }
-    matrix.report.rows = kept;
-    matrix.row_names.resize(kept);
-    matrix.row_lines.resize(kept);
-    labels.resize(std::min(labels.size(), kept));
 }
 
 }  // namespace
@@ -232,7 +207,8 @@ void treat_missing(const std::string& path,
             fill_in_column_means(missing, matrix);
             break;
         case MissingPolicy::Drop:
-            leave_rows_out(missing, matrix, labels);
+            leave_rows_out(
+                [&missing](std::size_t row) { return missing.by_row[row] > 0; }, matrix, labels);
             break;
         default:
             fill_in(matrix.values.get(), matrix.report.rows * matrix.report.columns, 1, 0.0);

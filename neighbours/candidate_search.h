@@ -8,17 +8,10 @@
 
 #include "neighbours/kernels/candidate_kernels.h"
 #include "neighbours/metric.h"
+#include "neighbours/near_row.h"
 #include "neighbours/row_blocks.h"
 
 namespace ovik {
-
-/// A row, and its distance from a target.
-struct NearRow {
-    std::uint32_t row;
-    double distance;
-
-    bool operator==(const NearRow&) const = default;
-};
 
 /// Finds the rows nearest to each row of a matrix: blocks of rows are compared in single precision,
 /// with a bound of error, which leaves few candidates for each row; these are measured. Blocks too

@@ -9,6 +9,16 @@
 
 namespace ovik {
 
+namespace {
+
+void draw_as_a_search(std::size_t N, RandomStream& random) {
+    for (std::size_t draw = 0; draw < NeighbourIndex::drawCount(N); ++draw) {
+        random.next();
+    }
+}
+
+}  // namespace
+
 std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
     return std::make_shared<CachedNeighbours>(most);
 }
@@ -17,6 +27,13 @@ void CachedNeighbours::begin(const double* points,
                              std::size_t N,
                              std::size_t dims,
                              RandomStream& random) {
+    if (given_) {
+        if (N != given_->rowCount()) {
+            throw std::invalid_argument("the neighbours that are given are of another matrix");
+        }
+        draw_as_a_search(N, random);
+        return;
+    }
     const Digest digest = digest_of({points, N * dims});
     if (search_ == nullptr) {
         search_ = std::make_unique<NeighbourSearch>(N, dims, random);
@@ -28,9 +45,12 @@ void CachedNeighbours::begin(const double* points,
     if (N != search_->rowCount() || digest != points_) {
         throw std::invalid_argument("neighbours of another matrix are cached");
     }
-    for (std::size_t draw = 0; draw < NeighbourIndex::drawCount(N); ++draw) {
-        random.next();
-    }
+    draw_as_a_search(N, random);
+}
+
+std::size_t CachedNeighbours::workerCount() const {
+    return given_ ? static_cast<std::size_t>(worker_count(given_->rowCount()))
+                  : search_->workerCount();
 }
 
 void CachedNeighbours::fillLists(const double* points) {
@@ -56,6 +76,10 @@ void CachedNeighbours::fillLists(const double* points) {
 void CachedNeighbours::findAll(const double* points,
                                std::size_t count,
                                const NeighbourSearch::Visit& visit) {
+    if (given_) {
+        visitGiven(count, visit);
+        return;
+    }
     const std::size_t N = search_->rowCount();
     std::vector<char> is_found(N);
     const std::size_t listed = lists_.empty() ? 0 : N;
@@ -69,6 +93,34 @@ void CachedNeighbours::findAll(const double* points,
         }
     });
     search_->findOthers(points, count, is_found, visit);
+}
+
+/// @param count  with the row itself, which stands first
+void CachedNeighbours::visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const {
+    const std::size_t most = std::max<std::size_t>(count, 1) - 1;
+    parallel_for(given_->rowCount(), 1, [&](std::size_t worker, IndexRange rows) {
+        std::vector<NearRow> nearest;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            const std::span<const NearRow> others = given_->of(n);
+            const std::span<const NearRow> head = others.first(std::min(most, others.size()));
+            nearest.assign(1, {static_cast<std::uint32_t>(n), 0.0});
+            nearest.insert(nearest.end(), head.begin(), head.end());
+            visit(n, nearest, worker);
+        }
+    });
+}
+
+std::string CachedNeighbours::identity() const {
+    if (!given_) {
+        return "";
+    }
+    std::vector<double> numbers(given_->starts.begin(), given_->starts.end());
+    for (const NearRow& one : given_->nearest) {
+        numbers.push_back(one.row);
+        numbers.push_back(one.distance);
+    }
+    const Digest digest = digest_of(numbers);
+    return std::to_string(digest.low) + " " + std::to_string(digest.high);
 }
 
 }  // namespace ovik

@@ -2,8 +2,12 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "neighbours/neighbour_lists.h"
 #include "neighbours/neighbour_search.h"
 #include "results/checkpoint.h"
 #include "util/random_stream.h"
@@ -17,31 +21,44 @@ namespace ovik {
 /// where it is certain to be what a search of its own would give. Where distances are equal, or
 /// too close at the end of the head, that depends on the way of the search, and it is made again.
 /// The stream of random numbers is left as a search of its own leaves it.
+///
+/// Neighbours may also be given, in the place of any search: runs then get the head of each list,
+/// the whole list if it is shorter.
 class CachedNeighbours {
   public:
     /// @param most  neighbours of a row that any run will want, without the row itself
     explicit CachedNeighbours(std::size_t most) : most_(most + 1) {}
 
+    /// @param given  of the rows of any matrix that has as many
+    explicit CachedNeighbours(NeighbourLists given) : given_(std::move(given)) {}
+
     /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
-    /// @throws std::invalid_argument if the points are not those of the first call
+    /// @throws std::invalid_argument if the points are not those of the first call, or not as many
+    /// as there are lists
     void begin(const double* points,
                std::size_t N,
                std::size_t dims,
                RandomStream& random = process_random_stream());
 
     /// How many workers `findAll` has at most.
-    [[nodiscard]] std::size_t workerCount() const { return search_->workerCount(); }
+    [[nodiscard]] std::size_t workerCount() const;
 
     /// Does what `NeighbourSearch::findAll` does, once a run has begun.
     void findAll(const double* points, std::size_t count, const NeighbourSearch::Visit& visit);
 
+    /// What tells neighbours that were given from others; empty if none were, since those of a
+    /// search follow from the matrix.
+    [[nodiscard]] std::string identity() const;
+
   private:
     void fillLists(const double* points);
+    void visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const;
 
     /// How many neighbours of each row are cached, the row itself among them.
-    std::size_t most_;
+    std::size_t most_ = 0;
+    std::optional<NeighbourLists> given_;
     std::unique_ptr<NeighbourSearch> search_;
     std::size_t dims_ = 0;
     Digest points_{};

@@ -25,6 +25,15 @@ OVIK_API void dense_conditional_affinities(const double* points,
                                            double perplexity,
                                            const FitNotes& notes = {});
 
+/// The same by a matrix of distances, which are multiplied by the power of two that brings the
+/// largest into [0.5, 1), and then squared; negative ones count as 0.
+///
+/// @param distances  square; row n has the distances of the others from n
+void dense_affinities_of_distances(MatrixView<const double> distances,
+                                   double* P,
+                                   double perplexity,
+                                   const FitNotes& notes = {});
+
 /// The same for the rows of a matrix.
 inline void dense_conditional_affinities(MatrixView<const double> points,
                                          double* P,

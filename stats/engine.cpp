@@ -48,6 +48,7 @@ Embedding Engine::run(const FitHooks& hooks) const {
     check_fit_options(options, X_.rows, X_.columns);
     // The values are the caller's, who may have changed them since.
     check_fit_matrix(X_, *names_);
+    check_metric(X_, options, *names_);
     // What the fit centres and scales.
     std::vector<double> X(X_.all().begin(), X_.all().end());
     FitHooks watching = hooks;

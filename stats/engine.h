@@ -31,8 +31,8 @@ class Engine {
 
     /// Takes a matrix to embed, in the place of an earlier one.
     ///
-    /// @param X      rows x columns, row-major; not copied, must outlive the runs, which leave it
-    /// as
+    /// @param X      rows x columns, row-major, or with the metric `Precomputed` the distances of
+    /// all rows from all rows; not copied, must outlive the runs, which leave it as
     ///               it is
     /// @param names  one per row, or none
     /// @throws InputError with row, column and cure, if it cannot be embedded: no values, fewer
@@ -56,9 +56,10 @@ class Engine {
     ///
     /// @param hooks  progress and its end, called by the calling thread: see `FitHooks`
     /// @throws std::logic_error before any input
-    /// @throws InputError if an option is out of its range (`visit_fit_options`), options do not fit
-    /// each other, or the matrix cannot bear one, such as a perplexity of as many neighbours as
-    /// there are other rows; if the values have been changed since `setInput` and cannot be
+    /// @throws InputError if an option is out of its range (`visit_fit_options`), options do not
+    /// fit each other, or the matrix cannot bear one, such as a perplexity of as many neighbours as
+    /// there are other rows; if the metric cannot compare the rows, or the values are no distances
+    /// where it is `Precomputed`; if the values have been changed since `setInput` and cannot be
     /// embedded; if the embedding gets out of range
     /// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
     /// @throws what `fit` throws, and what a hook throws

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/dense_affinities.h"
 #include "stats/fit_notes.h"
 #include "stats/objective.h"
 #include "stats/panels.h"
@@ -11,6 +12,12 @@
 
 namespace ovik {
 
+/// Fills a matrix of conditional affinities, as `dense_conditional_affinities` does.
+using DenseAffinities = void (*)(MatrixView<const double> X,
+                                 double* P,
+                                 double perplexity,
+                                 const FitNotes& notes);
+
 /// The exact method: dense affinities, forces over all pairs.
 class ExactObjective : public Objective {
   public:
@@ -19,11 +26,13 @@ class ExactObjective : public Objective {
     /// @param X         read here only
     /// @param out_dims  dimensions of the embedding
     /// @param notes     told `ExactMethod`, `Symmetrizing` and what the affinities tell
+    /// @param affinities  how conditional affinities follow from X
     /// @throws WorkMemoryError if an N x N matrix does not fit in memory
     ExactObjective(MatrixView<const double> X,
                    std::size_t out_dims,
                    double perplexity,
-                   const FitNotes& notes = {});
+                   const FitNotes& notes = {},
+                   DenseAffinities affinities = &dense_conditional_affinities);
 
     void exaggerate(double factor) override;
     void endExaggeration(double factor) override;

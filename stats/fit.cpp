@@ -6,10 +6,12 @@
 #include <stdexcept>
 
 #include "stats/centring.h"
+#include "stats/fit_checks.h"
 #include "stats/gradient_descent.h"
 #include "stats/method.h"
 #include "stats/normal_deviates.h"
 #include "stats/optimisation.h"
+#include "stats/row_metric.h"
 #include "util/random_stream.h"
 #include "util/stopwatch.h"
 
@@ -23,6 +25,16 @@ void check_resumed_state(const FitState* state, std::size_t count) {
                              state->gains.size() != count)) {
         throw std::invalid_argument("the state to go on from is of an embedding of another shape");
     }
+}
+
+/// Brings rows into the form whose Euclidean distances are those of the metric. Distances stay as
+/// they are.
+InputScale prepare_input(MatrixView<double> X, MetricKind metric) {
+    if (metric == MetricKind::Precomputed) {
+        return {};
+    }
+    prepare_rows(X, metric);
+    return centre_and_scale(X);
 }
 
 /// Iterates until the last iteration, or until a hook ends the fit.
@@ -44,6 +56,7 @@ FitReport fit_into(MatrixView<double> Y,
                    const Method& method,
                    RandomStream* random) {
     check_resumed_state(hooks.resumed_state, Y.size());
+    check_metric(X, options, {});
     OwnRandomStream own_stream;
     RandomStream& stream = random != nullptr ? *random : own_stream;
     stream.seed(static_cast<unsigned int>(options.seed));
@@ -52,7 +65,7 @@ FitReport fit_into(MatrixView<double> Y,
     FitReport report;
     const std::clock_t start = std::clock();
     Stopwatch watch;
-    report.scale = centre_and_scale(X);
+    report.scale = prepare_input(X, options.metric);
     std::unique_ptr<Objective> objective =
         method.make({X,
                      options,

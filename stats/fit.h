@@ -31,8 +31,8 @@ struct FitHooks {
     std::function<bool(const FitState&)> on_iteration = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
-    /// Null, or the neighbours that fits of one matrix share, one fit at a time; not used by the
-    /// exact method.
+    /// Null, or the neighbours that fits of one matrix share, one fit at a time, or that were given
+    /// in the place of a search; not used by the exact method, nor where the input holds distances.
     CachedNeighbours* cached_neighbours = nullptr;
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
@@ -47,7 +47,7 @@ struct FitReport {
     std::vector<double> costs;
     /// Of the embedding, against the affinities without exaggeration.
     double final_cost = 0.0;
-    /// How the input was centred and scaled.
+    /// How the input was centred and scaled; without means where it holds distances.
     InputScale scale;
     /// Empty unless `wants_neighbours`, and where the method searches for none.
     NeighbourGraph neighbours;
@@ -69,10 +69,14 @@ struct Fit {
 /// own, which gives the numbers of `rand` after `srand` with the seed. Several threads may fit at
 /// once, each with arrays and hooks of its own. The result is the same for any number of threads.
 ///
-/// @param X        centred and scaled in place (`centre_and_scale`)
+/// @param X        brought into the form of the metric (`prepare_rows`), then centred and scaled
+///                 (`centre_and_scale`), in place; under the metric `Precomputed` the distances of
+///                 all rows from all rows, which stay as they are
 /// @param options  `out_dims` not negative
 /// @param Y        the embedding, X.rows x out_dims, written
 /// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
+/// @throws InputError if the metric cannot compare the rows, or X holds no distances where it is
+/// `Precomputed`
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
 /// @throws std::invalid_argument if `resumed_state` is of another shape than Y
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;

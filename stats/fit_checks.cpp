@@ -5,9 +5,11 @@
 #include <limits>
 #include <vector>
 
+#include "input/distance_matrix.h"
 #include "stats/option_checks.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/row_metric.h"
 #include "util/counted.h"
 #include "util/format.h"
 #include "util/input_error.h"
@@ -91,6 +93,19 @@ void check_fit_matrix(MatrixView<const double> X, std::span<const std::string> n
         throw InputError(
             "the values are too close to one another to be computed with\nBring them to a common "
             "scale, for example by logarithms.");
+    }
+}
+
+void check_metric(MatrixView<const double> X,
+                  const FitOptions& options,
+                  std::span<const std::string> names) {
+    if (options.metric == MetricKind::Precomputed) {
+        check_distance_matrix(X, {.source = "", .names = names});
+    } else {
+        check_rows(X,
+                   options.metric,
+                   {.source = "", .names = names},
+                   "Take such rows out, or compare the rows by the metric euclidean.");
     }
 }
 

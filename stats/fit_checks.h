@@ -18,6 +18,14 @@ namespace ovik {
 /// or too large; rows that are all equal, or too close to one another
 void check_fit_matrix(MatrixView<const double> X, std::span<const std::string> names);
 
+/// Refuses a matrix that the metric of the options cannot compare the rows of, once
+/// `check_fit_matrix` takes it.
+///
+/// @throws InputError with the cure: what `check_rows` and `check_distance_matrix` refuse
+void check_metric(MatrixView<const double> X,
+                  const FitOptions& options,
+                  std::span<const std::string> names);
+
 /// Refuses options that are out of their ranges, do not fit each other, or are such as the matrix
 /// cannot bear.
 ///

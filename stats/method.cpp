@@ -7,6 +7,9 @@
 #include <climits>
 
 #include "neighbours/neighbour_index.h"
+#include "neighbours/neighbour_lists.h"
+#include "stats/cached_neighbours.h"
+#include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_objective.h"
 #include "stats/sparse_affinities.h"
@@ -18,20 +21,39 @@ namespace ovik {
 
 namespace {
 
+bool holds_distances(const FitOptions& options) {
+    return options.metric == MetricKind::Precomputed;
+}
+
 std::unique_ptr<Objective> make_exact(const MethodInput& input) {
+    DenseAffinities affinities = &dense_conditional_affinities;
+    if (holds_distances(input.options)) {
+        affinities = &dense_affinities_of_distances;
+    }
     return std::make_unique<ExactObjective>(input.X,
                                             static_cast<std::size_t>(input.options.out_dims),
                                             input.options.perplexity,
-                                            input.notes);
+                                            input.notes,
+                                            affinities);
+}
+
+/// Conditional affinities of every row to its nearest others.
+SparseMatrix conditional_affinities(const MethodInput& input) {
+    const int K = neighbour_count(input.options.perplexity, input.X.rows);
+    NeighbourHooks hooks = input.neighbourHooks();
+    std::optional<CachedNeighbours> nearest;
+    if (holds_distances(input.options)) {
+        nearest.emplace(nearest_by_distance(input.X, static_cast<std::size_t>(std::max(K, 0))));
+        hooks.cached = &*nearest;
+    }
+    return neighbour_affinities(input.X, input.options.perplexity, K, hooks);
 }
 
 std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     const std::size_t N = input.X.rows;
-    const double perplexity = input.options.perplexity;
     SparseMatrix P;
     {
-        const SparseMatrix conditional = neighbour_affinities(
-            input.X, perplexity, neighbour_count(perplexity, N), input.neighbourHooks());
+        const SparseMatrix conditional = conditional_affinities(input);
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);
@@ -62,8 +84,10 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const double symmetric = symmetric_share(D) * entries;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
-    const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
-    const double searching = of_queries + (size.is_shared ? 0.0 : index);
+    const bool is_given = holds_distances(size.options);
+    // Lists of neighbours, before they are joined and after, are all that distances need.
+    const double index = is_given ? 32.0 * entries : 164.0 * N + blocks * (128.0 * D + 256.0);
+    const double searching = (is_given ? 0.0 : of_queries) + (size.is_shared ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
             12.0 * symmetric + 185.0 * N + 44.0 * N * d,

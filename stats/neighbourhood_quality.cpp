@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <span>
+#include <utility>
 
 #include "neighbours/metric.h"
 #include "stats/kernels/neighbour_ranks.h"
@@ -45,19 +48,28 @@ class Columns {
     std::size_t dims_;
 };
 
+/// Writes something that grows with the distances of all rows from one, in their order.
+using RowMeasure = std::function<void(std::size_t row, double* distances)>;
+
+/// @param points  must outlive the result
+RowMeasure measure_of(const Columns& points, const Metric& metric) {
+    return [points = points.view(),
+            squared_distances = metric.kernels(instruction_set()).squared_distances](
+               std::size_t row, double* distances) { squared_distances(points, row, distances); };
+}
+
 /// The nearest neighbours of one row, found anew for each.
 class Neighbours {
   public:
-    Neighbours(const Columns& points, std::size_t count, const Metric& metric)
-        : points_(points.view()),
-          squared_distances_(metric.kernels(instruction_set()).squared_distances),
+    Neighbours(RowMeasure measure, std::size_t N, std::size_t count)
+        : measure_(std::move(measure)),
           kernels_(rank_kernels(instruction_set())),
-          distances_(padded_to_panels(points_.point_count), kInfinity),
+          distances_(padded_to_panels(N), kInfinity),
           nearest_(count),
           nearest_distances_(count) {}
 
     void find(std::size_t row) {
-        squared_distances_(points_, row, distances_.data());
+        measure_(row, distances_.data());
         distances_[row] = kInfinity;
         kernels_.nearest(distances_.data(),
                          distances_.size(),
@@ -76,8 +88,7 @@ class Neighbours {
     }
 
   private:
-    PointsByColumn points_;
-    DistancesOfPoint squared_distances_;
+    RowMeasure measure_;
     const RankKernels& kernels_;
     std::vector<double> distances_;
     std::vector<std::uint32_t> nearest_;
@@ -118,6 +129,41 @@ NeighbourhoodQuality quality_of(const Sums& sums, std::size_t N, std::size_t siz
             static_cast<double>(sums.recalled) / (n * k)};
 }
 
+/// The quality by measures of the input and of the embedding.
+///
+/// @param N  above 0
+std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
+                                             const RowMeasure& embedding,
+                                             std::size_t N,
+                                             const std::vector<std::size_t>& sizes) {
+    constexpr std::size_t kRowsOfTask = 32;
+    const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
+    const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
+    const int workers = worker_count(tasks);
+    std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
+    std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
+                                   Neighbours(input, N, largest));
+    std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
+                                       Neighbours(embedding, N, largest));
+    parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
+        for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
+            inputs[worker].find(n);
+            embeddings[worker].find(n);
+            add_row(inputs[worker], embeddings[worker], sizes, sums[task]);
+        }
+    });
+    std::vector<NeighbourhoodQuality> result;
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        Sums total;
+        for (const std::vector<Sums>& of_task : sums) {
+            total.excess += of_task[i].excess;
+            total.recalled += of_task[i].recalled;
+        }
+        result.push_back(quality_of(total, N, sizes[i]));
+    }
+    return result;
+}
+
 }  // namespace
 
 std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
@@ -136,38 +182,29 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         std::size_t dims,
                                                         const std::vector<std::size_t>& sizes,
                                                         const Metric& metric) {
-    constexpr std::size_t kRowsOfTask = 32;
     if (N == 0 || sizes.empty()) {
         return {};
     }
     require_measurable_rows(metric, X, N, D);
-    const Columns input_columns(X, N, D);
-    const Columns embedding_columns(Y, N, dims);
-    const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
-    const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
-    const int workers = worker_count(tasks);
-    std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
-    std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
-                                   Neighbours(input_columns, largest, metric));
-    std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
-                                       Neighbours(embedding_columns, largest, euclidean_metric()));
-    parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
-        for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
-            inputs[worker].find(n);
-            embeddings[worker].find(n);
-            add_row(inputs[worker], embeddings[worker], sizes, sums[task]);
-        }
-    });
-    std::vector<NeighbourhoodQuality> result;
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        Sums total;
-        for (const std::vector<Sums>& of_task : sums) {
-            total.excess += of_task[i].excess;
-            total.recalled += of_task[i].recalled;
-        }
-        result.push_back(quality_of(total, N, sizes[i]));
+    const Columns input(X, N, D);
+    const Columns embedding(Y, N, dims);
+    return quality_by(
+        measure_of(input, metric), measure_of(embedding, euclidean_metric()), N, sizes);
+}
+
+std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
+    MatrixView<const double> distances,
+    MatrixView<const double> Y,
+    const std::vector<std::size_t>& sizes) {
+    if (distances.rows == 0 || sizes.empty()) {
+        return {};
     }
-    return result;
+    const Columns embedding(Y.values, Y.rows, Y.columns);
+    const RowMeasure of_row = [distances](std::size_t row, double* result) {
+        const std::span<const double> given = distances.row(row);
+        std::copy(given.begin(), given.end(), result);
+    };
+    return quality_by(of_row, measure_of(embedding, euclidean_metric()), distances.rows, sizes);
 }
 
 }  // namespace ovik

@@ -54,6 +54,14 @@ inline std::vector<NeighbourhoodQuality> neighbourhood_quality(
     return neighbourhood_quality(X.values, X.rows, X.columns, Y.values, Y.columns, sizes);
 }
 
+/// The same for neighbours in the input by a matrix of distances.
+///
+/// @param distances  N x N; row n has the distances of the others from n
+OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
+    MatrixView<const double> distances,
+    MatrixView<const double> Y,
+    const std::vector<std::size_t>& sizes);
+
 /// The same for neighbours in the input under any metric; those in the embedding are Euclidean.
 ///
 /// @throws InputError if the metric has a complaint of a row of the input

@@ -9,6 +9,7 @@
 
 #include "results/checkpoint.h"
 #include "results/checkpoint_keeper.h"
+#include "stats/cached_neighbours.h"
 #include "stats/exit_without_memory.h"
 #include "stats/fit.h"
 #include "stats/fit_console.h"
@@ -146,6 +147,10 @@ RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
             run.options.push_back(identity_entry(option));
         }
     });
+    const std::string given = cached_neighbours == nullptr ? "" : cached_neighbours->identity();
+    if (!given.empty()) {
+        run.options.emplace_back("given neighbours", given);
+    }
     if (!transformations.empty()) {
         run.options.emplace_back("transformations", transformations);
     }

@@ -5,6 +5,7 @@
 
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/row_metric.h"
 #include "util/console.h"
 #include "util/json_text.h"
 
@@ -43,6 +44,13 @@ std::vector<std::pair<std::string, std::string>> reported_options(const Options&
     const std::string transformations = names_of(options.load.transformations);
     reported.emplace_back("transformations",
                           transformations.empty() ? "null" : json_text(transformations));
+    reported.emplace_back("constant_rows",
+                          compares_directions(options.fit.metric)
+                              ? json_text(options.drops_constant_rows ? "drop" : "refuse")
+                              : "null");
+    reported.emplace_back(
+        "neighbours_from",
+        options.neighbours_file.empty() ? "null" : json_text(options.neighbours_file));
     reported.emplace_back("precision", json_text(precision));
     reported.emplace_back("title", json_text(options.title));
     return reported;

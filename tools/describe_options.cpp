@@ -191,9 +191,10 @@ struct PythonParameter {
     const char* preset;
 };
 
-constexpr std::array<PythonParameter, 8> kPythonAlone = {{
+constexpr std::array<PythonParameter, 9> kPythonAlone = {{
     {"random_state", "RandomState", "None"},
     {"preset", "Preset", "\"classic\""},
+    {"neighbour_graph", "NeighbourGraph", "None"},
     {"callbacks", "Callback | Sequence[Callback] | None", "None"},
     {"callbacks_every_iters", "int", "50"},
     {"on_interrupt", "OnInterrupt", "\"raise\""},

@@ -7,6 +7,7 @@
 #include "util/console.h"
 #include "util/plain_text.h"
 
+#include "tools/constant_rows.h"
 #include "tools/memory_check.h"
 #include "tools/standard_streams.h"
 
@@ -37,6 +38,7 @@ LoadOptions load_options(const Options& options) {
     LoadOptions load = options.load;
     load.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     load.spell = spelled;
+    load.holds_distances = options.fit.metric == MetricKind::Precomputed;
     if (!options.force) {
         load.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
             check_memory_of_reading(source, layout, available_memory());
@@ -70,6 +72,7 @@ LoadedMatrix load_matrix(const Options& options) {
         throw;
     }
     print_remarks(remarks);
+    settle_constant_rows(loaded, options);
     return loaded;
 }
 

@@ -16,10 +16,14 @@ std::vector<RecordedQuality> report_map_quality(const TSNE<T>& tsne, int dims) {
     std::snprintf(line, sizeof line, "Cost without exaggeration: %.4f", tsne.finalCost());
     print_info(line);
     std::vector<RecordedQuality> recorded;
-    for (const auto& [neighbours, trustworthiness, preservation] :
-         neighbourhood_quality({tsne.X, N, static_cast<std::size_t>(tsne.D)},
-                               {tsne.Y, N, static_cast<std::size_t>(dims)},
-                               sizes)) {
+    // Of the matrix as it was prepared for the metric.
+    const MatrixView<const double> X{tsne.X, N, static_cast<std::size_t>(tsne.D)};
+    const MatrixView<const double> Y{tsne.Y, N, static_cast<std::size_t>(dims)};
+    const std::vector<NeighbourhoodQuality> measured =
+        tsne.options.metric == MetricKind::Precomputed
+            ? neighbourhood_quality_of_distances(X, Y, sizes)
+            : neighbourhood_quality(X, Y, sizes);
+    for (const auto& [neighbours, trustworthiness, preservation] : measured) {
         std::snprintf(line,
                       sizeof line,
                       "Nearest %zu: trustworthiness %.4f, %.1f %% of them kept",

@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include "stats/option_texts.h"
+#include "stats/row_metric.h"
 #include "util/input_error.h"
 #include "util/similar_name.h"
 
@@ -323,9 +324,26 @@ void add_preset(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"classic", "refined"}));
 }
 
+/// How rows are compared, beside the metric.
+void add_comparison_options(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--constant-rows",
+           [&options](const std::string& text) { options.drops_constant_rows = text == "drop"; },
+           "Rows that do not vary, beside --metric pearson, spearman or cosine (there rows of "
+           "zeros): refuse or drop (refuse)")
+        ->option_text("POLICY")
+        ->check(CLI::IsMember({"refuse", "drop"}));
+    app.add_option("--neighbours-from",
+                   options.neighbours_file,
+                   "Distances of the rows from their neighbours, a Matrix Market graph, instead of "
+                   "a search; not for --theta 0")
+        ->option_text("FILE");
+}
+
 void add_method_options(CLI::App& app, Options& options) {
     add_preset(app, options);
     visit_fit_options(options.fit, FitOptionAdder(app, options));
+    add_comparison_options(app, options);
     app.add_option_function<std::string>(
            "--precision",
            [&options](const std::string& text) {
@@ -484,6 +502,21 @@ void check_combination(const Options& options) {
     }
 }
 
+/// Refuses what does not go with the metric.
+void check_comparison(const CLI::App& app, const Options& options) {
+    if (app.count("--constant-rows") > 0 && !compares_directions(options.fit.metric)) {
+        throw CLI::ValidationError(
+            "--constant-rows",
+            "is about rows that have no correlation, and has no effect beside --metric " +
+                std::string(choice_name(options.fit.metric)) + "\nLeave it out.");
+    }
+    if (!options.neighbours_file.empty() && options.fit.metric == MetricKind::Precomputed) {
+        throw CLI::ValidationError("--neighbours-from",
+                                   "does not go with --metric precomputed: both give distances"
+                                   "\nLeave one of them out.");
+    }
+}
+
 /// The file name of a matrix without its extension, and without that of gzip.
 std::string stem_of(std::filesystem::path path) {
     if (path.extension() == ".gz") {
@@ -576,6 +609,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
         check_combination(command.options);
+        check_comparison(app, command.options);
         check_fit(app, command.options);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {

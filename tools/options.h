@@ -51,6 +51,10 @@ struct Options {
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
+    /// Whether rows that the metric cannot compare are left out, and not refused.
+    bool drops_constant_rows = false;
+    /// Graph of the neighbours of the rows, in the place of a search; empty for a search.
+    std::string neighbours_file;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
     /// Whether the chart page and the figure are drawn.

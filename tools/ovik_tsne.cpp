@@ -32,6 +32,7 @@
 #include "tools/label_join.h"
 #include "tools/load_matrix.h"
 #include "tools/memory_check.h"
+#include "tools/neighbour_file.h"
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
@@ -96,6 +97,7 @@ ExitStatus embed(Options options, RunReport report) {
     report.options = reported_options(options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
+    const auto neighbours = load_neighbours(options, perplexities, matrix.rows);
     const RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();
     if (options.dry_run) {
@@ -111,8 +113,13 @@ ExitStatus embed(Options options, RunReport report) {
     start_logging(options.quiet);
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
-    const ExitStatus status = run_perplexities(
-        std::move(loaded), labels, perplexities, options, std::move(report), since_start);
+    const ExitStatus status = run_perplexities(std::move(loaded),
+                                               labels,
+                                               perplexities,
+                                               neighbours,
+                                               options,
+                                               std::move(report),
+                                               since_start);
     if (const std::string note = denied_threads_note(); !note.empty()) {
         complain("note: " + note);
     }

@@ -45,7 +45,9 @@ double peak_memory() {
 std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
                                                     const Options& options,
                                                     std::size_t rows) {
-    if (perplexities.size() < 2 || !method_of(options.fit).has_neighbours) {
+    // Distances tell the neighbours without a search.
+    if (perplexities.size() < 2 || !method_of(options.fit).has_neighbours ||
+        options.fit.metric == MetricKind::Precomputed) {
         return nullptr;
     }
     const double largest = *std::max_element(perplexities.begin(), perplexities.end());
@@ -168,6 +170,7 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 ExitStatus run_perplexities(LoadedMatrix loaded,
                             const std::vector<LabelColumn>& labels,
                             const std::vector<double>& perplexities,
+                            const std::shared_ptr<CachedNeighbours>& given,
                             const Options& options,
                             RunReport report,
                             Stopwatch since_start) {
@@ -178,7 +181,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
         std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
     describe_input(report, loaded);
     const std::shared_ptr<CachedNeighbours> neighbours =
-        shared_neighbours(perplexities, options, report.rows);
+        given != nullptr ? given : shared_neighbours(perplexities, options, report.rows);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
         report.runs.push_back(run_embedding(

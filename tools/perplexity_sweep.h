@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "input/load.h"
 #include "results/label_column.h"
 #include "results/run_report.h"
+#include "stats/cached_neighbours.h"
 #include "util/stopwatch.h"
 
 #include "tools/exit_status.h"
@@ -27,11 +29,13 @@ std::vector<double> choose_perplexities(const Options& options, std::size_t rows
 /// results, the page that compares several runs, and the report.
 ///
 /// @param labels       of the rows, by name; empty for those of the matrix, or none
+/// @param given        neighbours in the place of a search, or null
 /// @param report       what is known beforehand: options, command line, threads, memory, times
 /// @param since_start  of the command
 ExitStatus run_perplexities(LoadedMatrix loaded,
                             const std::vector<LabelColumn>& labels,
                             const std::vector<double>& perplexities,
+                            const std::shared_ptr<CachedNeighbours>& given,
                             const Options& options,
                             RunReport report,
                             Stopwatch since_start);

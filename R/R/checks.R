@@ -135,7 +135,74 @@ check_values <- function(x) {
   }
   check_finite(x)
   check_scale(x)
-  warn_of_row_numbers(x)
+}
+
+# What the metric cannot compare.
+check_metric <- function(x, metric) {
+  if (metric == "precomputed") {
+    check_distances(x)
+  } else {
+    check_variation(x, metric)
+    warn_of_row_numbers(x)
+  }
+}
+
+# Rows that have no correlation with others: the library refuses them too, by their numbers alone.
+check_variation <- function(x, metric) {
+  if (metric == "euclidean") return(invisible())
+  is_flat <- apply(x, 1, function(row) if (metric == "cosine") all(row == 0) else all(row == row[1]))
+  if (!any(is_flat)) return(invisible())
+  rows <- which(is_flat)
+  listed <- vapply(utils::head(rows, 3), function(row) as.character(place(row, rownames(x))), "")
+  refuse(
+    sprintf(
+      "%d %s no %s with any other, since the values %s: row %s%s",
+      length(rows), if (length(rows) == 1) "row has" else "rows have",
+      if (metric == "cosine") "cosine" else "correlation",
+      if (metric == "cosine") "are all 0" else "do not vary",
+      paste(listed, collapse = ", "), if (length(rows) > 3) ", ..." else ""
+    ),
+    "Leave such rows out, or give metric = \"euclidean\"."
+  )
+}
+
+# What is no matrix of distances. Rounding may leave 1e-10 of the largest.
+check_distances <- function(x) {
+  if (nrow(x) != ncol(x)) {
+    refuse(
+      sprintf("x has %d rows and %d columns: a matrix of distances is square", nrow(x), ncol(x)),
+      "Give the distances of all rows from all rows, or the values themselves with another metric."
+    )
+  }
+  if (!is.null(rownames(x)) && !is.null(colnames(x)) && any(rownames(x) != colnames(x))) {
+    other <- which(rownames(x) != colnames(x))[1]
+    refuse(
+      sprintf("row %d of x is '%s', and column %d is '%s'", other, rownames(x)[other], other, colnames(x)[other]),
+      "In a matrix of distances the columns are the rows once more, in the same order."
+    )
+  }
+  rounding <- 1e-10 * max(x)
+  refuse_distance <- function(bad, what, cure) {
+    if (!any(bad)) return(invisible())
+    at <- which(bad, arr.ind = TRUE)[1, ]
+    refuse(
+      sprintf(
+        "the distance of x in row %s, column %s is %s%s", place(at[1], rownames(x)), place(at[2], colnames(x)),
+        format(x[at[1], at[2]], digits = 15), what(at)
+      ),
+      cure
+    )
+  }
+  no_similarities <- "Distances are needed, not similarities: 1 - r makes one of a correlation."
+  refuse_distance(x < -rounding, function(at) ", below 0", no_similarities)
+  refuse_distance(
+    row(x) == col(x) & x > rounding, function(at) ", and not 0: that of the row from itself", no_similarities
+  )
+  refuse_distance(
+    abs(x - t(x)) > rounding,
+    function(at) sprintf(", and %s the other way round", format(x[at[2], at[1]], digits = 15)),
+    "Distances are the same both ways: give the mean of both, (x + t(x)) / 2."
+  )
 }
 
 # Files that were written with the numbers of the rows have them as their first column.

@@ -20,13 +20,20 @@ tsne.SummarizedExperiment <- function(x, perplexity = 30, ..., assay = 1L) {
   with_call(result, call)
 }
 
-# The engine searches for neighbours among rows of values. A map of distances by way of coordinates
-# made up for them would be another one.
 tsne.dist <- function(x, perplexity = 30, ...) {
-  refuse(
-    "x is a 'dist', and tsne() embeds the rows of a matrix, not distances",
-    "Give the matrix that the distances were computed from; tsne() takes Euclidean ones itself."
-  )
+  call <- match.call()
+  if ("metric" %in% names(list(...))) {
+    refuse("x is a 'dist', so that no other metric is of use", "Leave metric out.")
+  }
+  distances <- as.matrix(x)
+  # as.matrix numbers what has no names.
+  if (is.null(attr(x, "Labels"))) dimnames(distances) <- NULL
+  result <- if (missing(perplexity)) {
+    tsne.matrix(distances, metric = "precomputed", ...)
+  } else {
+    tsne.matrix(distances, perplexity, metric = "precomputed", ...)
+  }
+  with_call(result, call)
 }
 
 tsne.default <- function(x, perplexity = 30, ...) {
@@ -38,7 +45,7 @@ tsne.default <- function(x, perplexity = 30, ...) {
     "Give a matrix with a row for each point of the map."
   }
   refuse(
-    sprintf("x should be a matrix, a data frame or a SummarizedExperiment, not of class '%s'", class(x)[1]),
+    sprintf("x should be a matrix, a data frame, a dist or a SummarizedExperiment, not of class '%s'", class(x)[1]),
     cure
   )
 }
@@ -54,6 +61,7 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
   threads <- checked_threads(threads)
   check_flag("verbose", verbose)
   check_values(x)
+  check_metric(x, bare_value(options$metric))
   start <- checked_start(start, nrow(x), options$dims)
   given <- intersect(names(options), names(call))
   sent <- options[union("perplexity", given)]

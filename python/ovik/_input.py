@@ -55,6 +55,15 @@ def as_input(X: Any) -> Input:
     return Input(_as_values(X), getattr(X, "index", None), _names(columns))
 
 
+def refuse_sparse_distances(X: Any) -> None:
+    """Refuse a sparse matrix as one of distances."""
+    if hasattr(X, "toarray"):
+        raise ValueError(
+            'X is sparse: with metric="precomputed" a distance that it leaves out would count as 0\n'
+            "Give an array of all distances, or the rows themselves with neighbour_graph=X."
+        )
+
+
 def check_finite(values: NDArray[np.float64]) -> None:
     """Refuse values that are not finite, with their number and the first place."""
     finite = np.isfinite(values)

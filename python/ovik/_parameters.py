@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 from collections.abc import Callable, Sequence
 from typing import Any, Literal, TypeAlias
 
@@ -10,6 +11,7 @@ from numpy.typing import ArrayLike, NDArray
 
 RandomState: TypeAlias = int | np.random.RandomState | np.random.Generator | None
 Preset: TypeAlias = Literal["classic", "refined"]
+NeighbourGraph: TypeAlias = str | os.PathLike[str] | tuple[ArrayLike, ArrayLike, ArrayLike] | Any
 Callback: TypeAlias = Callable[[int, float, NDArray[np.float64]], Any]
 OnInterrupt: TypeAlias = Literal["raise", "keep"]
 
@@ -45,6 +47,7 @@ class FitParameters:
         stop_when: float = 0.0,
         random_state: RandomState = None,
         preset: Preset = "classic",
+        neighbour_graph: NeighbourGraph = None,
         callbacks: Callback | Sequence[Callback] | None = None,
         callbacks_every_iters: int = 50,
         on_interrupt: OnInterrupt = "raise",
@@ -76,6 +79,7 @@ class FitParameters:
         self.stop_when = stop_when
         self.random_state = random_state
         self.preset = preset
+        self.neighbour_graph = neighbour_graph
         self.callbacks = callbacks
         self.callbacks_every_iters = callbacks_every_iters
         self.on_interrupt = on_interrupt

@@ -111,6 +111,61 @@ def is_default(value: Any, default: Any) -> bool:
     )
 
 
+def neighbour_graph_of(graph: Any, n_samples: int, metric: Any) -> Any:
+    """Neighbours in the place of a search as the engine takes them: None, a path, or three arrays."""
+    if graph is None:
+        return None
+    if metric == "precomputed":
+        raise ValueError(
+            'neighbour_graph does not go with metric="precomputed": both give distances\n'
+            "Leave one of them out."
+        )
+    if isinstance(graph, (str, bytes, os.PathLike)):
+        return os.fsencode(graph)
+    if hasattr(graph, "tocsr"):
+        _require_graph_shape(graph.shape, n_samples)
+        graph = graph.tocsr()
+        graph = (graph.data, graph.indices, graph.indptr)
+    try:
+        data, indices, indptr = graph
+        distances = np.array(data, dtype=np.float64, order="C")
+        neighbours = _whole_numbers(indices)
+        starts = _whole_numbers(indptr)
+    except (TypeError, ValueError) as error:
+        raise ValueError(
+            "neighbour_graph should be a file, a sparse matrix, or the arrays data, indices and indptr "
+            f"of one in compressed rows: {error}"
+        ) from error
+    if distances.ndim != 1 or neighbours.shape != distances.shape or starts.ndim != 1:
+        raise ValueError(
+            "neighbour_graph should have as many indices as data, and a start for each row, not arrays "
+            f"of the shapes {distances.shape}, {neighbours.shape} and {starts.shape}"
+        )
+    _require_graph_shape((len(starts) - 1, n_samples), n_samples)
+    if starts[0] != 0 or starts[-1] != len(distances) or (np.diff(starts) < 0).any():
+        raise ValueError(
+            f"indptr of neighbour_graph should rise from 0 to the {len(distances)} entries that there are"
+        )
+    if len(neighbours) and neighbours.min() < 0:
+        raise ValueError(f"neighbour_graph has the index {neighbours.min()}: rows count from 0")
+    return distances, neighbours, starts
+
+
+def _whole_numbers(values: Any) -> NDArray[np.int64]:
+    array = np.asarray(values)
+    if array.dtype.kind not in "iu":
+        raise ValueError(f"indices are whole numbers, not {array.dtype}")
+    return np.array(array, dtype=np.int64, order="C")
+
+
+def _require_graph_shape(shape: tuple[int, ...], n_samples: int) -> None:
+    if tuple(shape) != (n_samples, n_samples):
+        raise ValueError(
+            f"neighbour_graph has the shape {tuple(shape)}, and X has {n_samples} rows\n"
+            "The graph has to be of the rows of X, in their order."
+        )
+
+
 def quality_neighbours(quality: Any, n_samples: int) -> int:
     """How many neighbours the quality is measured for; 0 for not at all."""
     if quality is None:

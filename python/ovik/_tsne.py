@@ -11,7 +11,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
-from ._input import Input, as_input, check_finite, check_perplexity
+from ._input import Input, as_input, check_finite, check_perplexity, refuse_sparse_distances
 from ._matrix import Matrix
 from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out
 from ._parameters import DESCRIPTIONS, FitParameters
@@ -19,6 +19,7 @@ from ._settings import (
     PRESETS,
     automatic_learning_rate,
     is_default,
+    neighbour_graph_of,
     one_callback,
     one_of,
     quality_neighbours,
@@ -46,6 +47,11 @@ class TSNE(FitParameters):
         What the parameters above stand for where they have their default: the classical run, or
         what gives better and more stable maps. A parameter with another value than its default
         keeps it.
+    neighbour_graph : path, sparse matrix or tuple of three arrays, default None
+        Distances of the rows from their neighbours, taken instead of a search: a Matrix Market file,
+        a sparse matrix of shape (n_samples, n_samples), or the arrays ``(data, indices, indptr)`` of
+        one in compressed rows. An entry that is stored is a distance, also where it is 0. Not for
+        ``theta=0``, nor ``metric="precomputed"``.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
         embedding; if one returns something true, the fit ends there. Until early exaggeration ends
@@ -133,6 +139,8 @@ class TSNE(FitParameters):
         Parameters
         ----------
         X : array-like of shape (n_samples, n_features)
+            With ``metric="precomputed"`` of shape (n_samples, n_samples): the distances of all rows
+            from all rows, symmetric, the diagonal 0.
             At least 3 rows and 1 column of finite numbers: an array, lists, a data frame, a sparse
             matrix, what `read_matrix` gives. Not changed, and not copied before the engine's own
             copy if it is a C-contiguous float64 array; sparse ones are made dense.
@@ -156,7 +164,7 @@ class TSNE(FitParameters):
         KeyboardInterrupt
             On Ctrl-C, unless `on_interrupt` is "keep".
         """
-        self._fit(as_input(X))
+        self._fit(self._input(X))
         return self
 
     def fit_transform(self, X: ArrayLike | Matrix, y: Any = None) -> NDArray[np.float64]:
@@ -165,7 +173,7 @@ class TSNE(FitParameters):
         After ``set_output(transform="pandas")`` it is a data frame with the index of X.
         """
         container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))
-        given = as_input(X)
+        given = self._input(X)
         self._fit(given)
         result: NDArray[np.float64] = contained(
             self.embedding_, container, given.index, self.get_feature_names_out()
@@ -245,6 +253,11 @@ class TSNE(FitParameters):
         del parameters["self"]
         return parameters
 
+    def _input(self, X: ArrayLike | Matrix) -> Input:
+        if self.metric == "precomputed":
+            refuse_sparse_distances(X)
+        return as_input(X)
+
     def _fit(self, given: Input) -> None:
         n_samples, n_features = given.values.shape
         start = start_of(self.init, (n_samples, self.n_components))
@@ -258,8 +271,9 @@ class TSNE(FitParameters):
         outcome = _core.embed(given.values, options, manner)
         # Warnings come last: where they are errors, the embedding is not lost.
         self._take_over(given, options, outcome)
-        if outcome["note"]:
-            warnings.warn(outcome["note"], stacklevel=3)
+        for note in (outcome["note"], outcome["neighbours_note"]):
+            if note:
+                warnings.warn(note, stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
             self._warn_of_interruption(outcome["iteration"], options)
 
@@ -295,6 +309,7 @@ class TSNE(FitParameters):
             "threads": thread_count(self.n_jobs),
             "verbose": bool(self.verbose),
             "init": start,
+            "neighbours": neighbour_graph_of(self.neighbour_graph, n_samples, self.metric),
             "quality": quality_neighbours(self.quality, n_samples),
             "callback": one_callback(self.callbacks),
             "callback_every": whole_number(

@@ -10,7 +10,9 @@
 
 #include "input/inspected_matrix.h"
 #include "input/matrix_checks.h"
+#include "stats/cached_neighbours.h"
 #include "stats/fit_console.h"
+#include "stats/given_neighbours.h"
 #include "stats/run_caption.h"
 #include "util/console.h"
 #include "util/threads.h"
@@ -83,6 +85,18 @@ bool goes_on(const FitState& state,
     return !stops && !outcome.is_interrupted;
 }
 
+/// @param X  as the fit left it: prepared for the metric, as the command has it
+NeighbourhoodQuality quality_of(MatrixView<const double> X,
+                                const Fit& fit,
+                                const FitOptions& options,
+                                std::size_t neighbours) {
+    const MatrixView<const double> Y{
+        fit.embedding.data(), X.rows, static_cast<std::size_t>(options.out_dims)};
+    return options.metric == MetricKind::Precomputed
+               ? neighbourhood_quality_of_distances(X, Y, {neighbours}).front()
+               : neighbourhood_quality(X, Y, {neighbours}).front();
+}
+
 }  // namespace
 
 Outcome run_fit(MatrixView<const double> points,
@@ -95,6 +109,13 @@ Outcome run_fit(MatrixView<const double> points,
     const GivenStart start(manner.start, points.rows * static_cast<std::size_t>(options.out_dims));
     FitHooks hooks;
     hooks.resumed_state = start.state();
+    std::shared_ptr<CachedNeighbours> neighbours;
+    if (manner.neighbours != nullptr) {
+        outcome.neighbours_note =
+            check_given_neighbours(*manner.neighbours, options, "neighbour_graph", 0);
+        neighbours = make_given_neighbours(*manner.neighbours);
+        hooks.cached_neighbours = neighbours.get();
+    }
     hooks.on_iteration = [&](const FitState& state) {
         if (manner.verbose) {
             print_progress<double>(state.reached);
@@ -114,14 +135,10 @@ Outcome run_fit(MatrixView<const double> points,
     }
     outcome.caption = caption_parameters(options, points.rows, points.columns, outcome.fit.report);
     if (manner.quality_neighbours > 0) {
-        // Of the matrix as it was centred and scaled, as the command has it.
-        outcome.quality = neighbourhood_quality(X.get(),
-                                                points.rows,
-                                                points.columns,
-                                                outcome.fit.embedding.data(),
-                                                static_cast<std::size_t>(options.out_dims),
-                                                {manner.quality_neighbours})
-                              .front();
+        outcome.quality = quality_of({X.get(), points.rows, points.columns},
+                                     outcome.fit,
+                                     options,
+                                     manner.quality_neighbours);
     }
     if (outcome.threads_note.empty()) {
         outcome.threads_note = denied_threads_note();

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "neighbours/neighbour_lists.h"
 #include "stats/fit.h"
 #include "stats/neighbourhood_quality.h"
 
@@ -20,6 +21,8 @@ struct FitManner {
     bool verbose = false;
     /// The start, row-major, rows x output dimensions; null for the random one.
     const double* start = nullptr;
+    /// Null, or neighbours in the place of a search; they do for the fit.
+    const NeighbourLists* neighbours = nullptr;
     /// How many nearest neighbours of each row the quality is measured for, less than half the
     /// rows; 0: it is not measured.
     std::size_t quality_neighbours = 0;
@@ -41,6 +44,8 @@ struct Outcome {
     std::vector<std::pair<std::string, std::string>> caption;
     /// What the user should know of the threads; mostly empty.
     std::string threads_note;
+    /// What the user should know of the neighbours that were given; mostly empty.
+    std::string neighbours_note;
 };
 
 /// Embeds the points; the coordinates are those that the command would give.

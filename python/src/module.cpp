@@ -1,10 +1,12 @@
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
+#include "stats/given_neighbours.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
 
@@ -80,12 +83,42 @@ py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
         "is_interrupted"_a = outcome.is_interrupted,
         "caption"_a = outcome.caption,
-        "note"_a = outcome.threads_note);
+        "note"_a = outcome.threads_note,
+        "neighbours_note"_a = outcome.neighbours_note);
+}
+
+using Indices = py::array_t<std::int64_t, py::array::c_style | py::array::forcecast>;
+
+/// The neighbours of a compressed sparse matrix: row i has those from starts[i] on.
+NeighbourLists lists_of(const Array& distances, const Indices& neighbours, const Indices& starts) {
+    std::vector<GivenNeighbour> given;
+    given.reserve(static_cast<std::size_t>(distances.size()));
+    for (py::ssize_t row = 0; row + 1 < starts.size(); ++row) {
+        for (std::int64_t i = starts.at(row); i < starts.at(row + 1); ++i) {
+            given.push_back({static_cast<std::size_t>(row),
+                             static_cast<std::size_t>(neighbours.at(i)),
+                             distances.at(i)});
+        }
+    }
+    return neighbour_lists(
+        std::move(given), static_cast<std::size_t>(starts.size() - 1), "neighbour_graph");
+}
+
+/// @param graph  None, the path of a file, or distances, neighbours and starts
+std::optional<NeighbourLists> given_neighbours(const py::object& graph, std::size_t rows) {
+    if (graph.is_none()) {
+        return std::nullopt;
+    }
+    if (py::isinstance<py::bytes>(graph)) {
+        return read_neighbour_lists(graph.cast<std::string>(), rows);
+    }
+    const auto [distances, neighbours, starts] = graph.cast<std::tuple<Array, Indices, Indices>>();
+    return lists_of(distances, neighbours, starts);
 }
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
-///                the embedding, or None), quality, callback (a function or None), callback_every,
-///                keeps_interrupted
+///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
+///                callback (a function or None), callback_every, keeps_interrupted
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points{
         X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
@@ -97,6 +130,9 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
     chosen.threads = manner["threads"].cast<int>();
     chosen.verbose = manner["verbose"].cast<bool>();
     chosen.start = start ? start->data() : nullptr;
+    const std::optional<NeighbourLists> neighbours =
+        given_neighbours(manner["neighbours"], points.rows);
+    chosen.neighbours = neighbours ? &*neighbours : nullptr;
     chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
     chosen.callback_every = manner["callback_every"].cast<int>();
     chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();

@@ -86,6 +86,46 @@ TEST_F(Load, GivesTheSameMatrixOfEveryFormat) {
     }
 }
 
+TEST_F(Load, TakesDistancesAsTheyAre) {
+    options_.holds_distances = true;
+    // Genes in the header, as in the first column, are what a table of distances has.
+    options_.is_gene = [](const std::string& /*name*/) { return true; };
+    const LoadedMatrix matrix = loaded("gene\tA\tB\tC\nA\t0\t100\t2\nB\t100\t0\t3\nC\t2\t3\t0\n");
+    EXPECT_THAT(values_of(matrix), ElementsAre(0, 100, 2, 100, 0, 3, 2, 3, 0));
+    EXPECT_THAT(matrix.matrix.row_names, ElementsAre("A", "B", "C"));
+    EXPECT_THAT(remarks_, IsEmpty());
+    EXPECT_THAT(
+        values_of(loaded("%%MatrixMarket matrix array real symmetric\n3 3\n0\n1\n2\n0\n3\n0\n")),
+        ElementsAre(0, 1, 2, 1, 0, 3, 2, 3, 0));
+}
+
+TEST_F(Load, RefusesWhatAreNoDistances) {
+    options_.holds_distances = true;
+    EXPECT_THAT(
+        refusal("gene\tA\tB\tC\nA\t0\t1\t2\nB\t1\t0\t3\nC\t2\t4\t0\n"),
+        HasSubstr("m:4: row 3 (\"C\"), column 2 (\"B\"): the distance is 4, and 3 the other"));
+    EXPECT_THAT(refusal("gene\tA\tC\tB\nA\t0\t1\t2\nB\t1\t0\t3\nC\t2\t3\t0\n"),
+                HasSubstr("row 2 is \"B\", and column 2 is \"C\""));
+    EXPECT_THAT(refusal("gene\tA\tB\tC\nA\t0\tNA\t2\nB\t1\t0\t3\nC\t2\t3\t0\n"),
+                HasSubstr("m:2: row 1 (\"A\"), column 2 (\"B\"): the distance is nan\n"));
+    EXPECT_THAT(refusal(kText), HasSubstr("4 rows and 2 columns: a matrix of distances is square"));
+    EXPECT_THAT(refusal("%%MatrixMarket matrix coordinate real symmetric\n3 3 3\n2 1 1\n3 1 2\n3 2 "
+                        "3\n"),
+                HasSubstr("m: holds a sparse matrix"));
+}
+
+TEST_F(Load, ChangesNoDistances) {
+    options_.holds_distances = true;
+    const char* const kDistances = "g\tA\tB\tC\nA\t0\t1\t2\nB\t1\t0\t3\nC\t2\t3\t0\n";
+    options_.missing = MissingPolicy::Error;
+    EXPECT_EQ(refusal(kDistances), "");
+    options_.missing = MissingPolicy::RowMean;
+    EXPECT_THAT(refusal(kDistances), StartsWith("missing: a distance cannot be filled in"));
+    options_.missing.reset();
+    options_.transformations.log1p = true;
+    EXPECT_THAT(refusal(kDistances), StartsWith("distances are not transformed (log1p)"));
+}
+
 TEST_F(Load, PrintsNothing) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();

@@ -245,8 +245,12 @@ double barnes_hut_cost(const SparseRows& P,
 SparseRows joint_similarities(const Matrix& input, double perplexity) {
     std::vector<double> X = input.values;
     normalise_input(X, input.rows, input.columns);
-    SparseRows P = symmetrise(neighbour_similarities(
+    return joined(neighbour_similarities(
         X, input.rows, input.columns, perplexity, static_cast<std::size_t>(3.0 * perplexity)));
+}
+
+SparseRows joined(const SparseRows& conditional) {
+    SparseRows P = symmetrise(conditional);
     double total = 0.0;
     for (const auto& row : P) {
         for (const auto& entry : row) {

@@ -89,6 +89,9 @@ double barnes_hut_cost(const SparseRows& P,
 /// The joint similarities of a matrix whose points have no neighbours at equal distance.
 SparseRows joint_similarities(const Matrix& input, double perplexity);
 
+/// The joint similarities of conditional ones.
+SparseRows joined(const SparseRows& conditional);
+
 /// The whole Barnes-Hut method on such a matrix. The gradient and the cost each build a tree.
 ///
 /// @param costs  if not null, the cost of each iteration is appended

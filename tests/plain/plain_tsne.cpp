@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace plain {
 
@@ -107,7 +108,12 @@ std::vector<double> conditional_similarities(const std::vector<double>& points,
                                              std::size_t N,
                                              std::size_t dims,
                                              double perplexity) {
-    const std::vector<double> distances = squared_distances(points, N, dims);
+    return conditional_similarities_by(squared_distances(points, N, dims), N, perplexity);
+}
+
+std::vector<double> conditional_similarities_by(const std::vector<double>& distances,
+                                                std::size_t N,
+                                                double perplexity) {
     std::vector<double> P(N * N);
     for (std::size_t n = 0; n < N; ++n) {
         Bandwidth bandwidth;
@@ -215,13 +221,23 @@ SparseRows neighbour_similarities(const std::vector<double>& points,
                                   std::size_t dims,
                                   double perplexity,
                                   std::size_t K) {
-    const std::vector<double> squares = squared_distances(points, N, dims);
+    std::vector<double> distances = squared_distances(points, N, dims);
+    for (double& distance : distances) {
+        distance = std::sqrt(distance);
+    }
+    return neighbour_similarities_by(distances, N, perplexity, K);
+}
+
+SparseRows neighbour_similarities_by(const std::vector<double>& distances,
+                                     std::size_t N,
+                                     double perplexity,
+                                     std::size_t K) {
     SparseRows rows(N);
     for (std::size_t n = 0; n < N; ++n) {
         std::vector<std::pair<double, std::size_t>> others;
         for (std::size_t m = 0; m < N; ++m) {
             if (m != n) {
-                others.emplace_back(std::sqrt(squares[n * N + m]), m);
+                others.emplace_back(distances[n * N + m], m);
             }
         }
         std::sort(others.begin(), others.end());
@@ -359,6 +375,14 @@ std::vector<double> embed_exactly(const Matrix& input,
     normalise_input(X, N, input.columns);
     std::vector<double> P = conditional_similarities(X, N, input.columns, perplexity);
     symmetrise_and_normalise(P, N);
+    return descend_exactly(std::move(P), N, no_dims, schedule, costs);
+}
+
+std::vector<double> descend_exactly(std::vector<double> P,
+                                    std::size_t N,
+                                    std::size_t no_dims,
+                                    const Schedule& schedule,
+                                    std::vector<double>* costs) {
     if (!schedule.is_annealed) {
         for (double& p : P) {
             p *= schedule.exaggeration;

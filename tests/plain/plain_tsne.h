@@ -38,6 +38,11 @@ std::vector<double> conditional_similarities(const std::vector<double>& points,
                                              std::size_t dims,
                                              double perplexity);
 
+/// The same by the squared distances of all pairs.
+std::vector<double> conditional_similarities_by(const std::vector<double>& squared_distances,
+                                                std::size_t N,
+                                                double perplexity);
+
 /// Sum of the conditional similarities of both directions, divided by their total.
 void symmetrise_and_normalise(std::vector<double>& P, std::size_t N);
 
@@ -62,6 +67,12 @@ SparseRows neighbour_similarities(const std::vector<double>& points,
                                   std::size_t dims,
                                   double perplexity,
                                   std::size_t K);
+
+/// The same by the distances of all pairs.
+SparseRows neighbour_similarities_by(const std::vector<double>& distances,
+                                     std::size_t N,
+                                     double perplexity,
+                                     std::size_t K);
 
 SparseRows symmetrise(const SparseRows& conditional);
 
@@ -113,5 +124,12 @@ std::vector<double> embed_exactly(const Matrix& input,
                                   double perplexity,
                                   const Schedule& schedule,
                                   std::vector<double>* costs);
+
+/// Gradient descent on given similarities, N x N, from the start of the seed.
+std::vector<double> descend_exactly(std::vector<double> P,
+                                    std::size_t N,
+                                    std::size_t no_dims,
+                                    const Schedule& schedule,
+                                    std::vector<double>* costs);
 
 }  // namespace plain

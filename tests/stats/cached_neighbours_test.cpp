@@ -4,10 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "neighbours/neighbour_graph.h"
 #include "stats/sparse_affinities.h"
 
 #include "tests/support/random_points.h"
@@ -100,6 +102,43 @@ TEST(CachedNeighbours, SearchForMoreThanIsKept) {
     CachedNeighbours cached(10);
     EXPECT_EQ(affinities(matrix, 60, &cached), expected);
     EXPECT_EQ(affinities(matrix, 60, &cached), expected);
+}
+
+TEST(CachedNeighbours, AreThoseThatAreGiven) {
+    // As they are found, to the bit: the largest distance is between 0.5 and 1.
+    Matrix matrix{test::random_values(120 * 3, 4), 3};
+    NeighbourGraph graph;
+    neighbour_affinities(matrix.values.data(), 120, 3, 10.0, 119, {.graph = &graph});
+    const double largest = *std::max_element(graph.distances.begin(), graph.distances.end());
+    for (double& value : matrix.values) {
+        value *= 0.75 / largest;
+    }
+    neighbour_affinities(matrix.values.data(), 120, 3, 10.0, 119, {.graph = &graph});
+    std::vector<GivenNeighbour> given;
+    for (std::size_t i = 0; i < graph.neighbours.size(); ++i) {
+        given.push_back({i / 119, graph.neighbours[i], graph.distances[i]});
+    }
+    const Outcome expected = affinities(matrix, 30, nullptr);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        CachedNeighbours cached(neighbour_lists(given, 120, "g"));
+        EXPECT_EQ(affinities(matrix, 30, &cached), expected);
+        EXPECT_EQ(affinities(matrix, 30, &cached), expected);
+        EXPECT_THROW(cached.begin(matrix.values.data(), 119, 3), std::invalid_argument);
+    }
+}
+
+TEST(CachedNeighbours, AreToldFromOthersThatAreGiven) {
+    const auto identity = [](const std::vector<GivenNeighbour>& given) {
+        return CachedNeighbours(neighbour_lists(given, 3, "g")).identity();
+    };
+    const std::string one = identity({{0, 1, 1}, {1, 0, 1}, {2, 1, 0.5}});
+    EXPECT_NE(one, "");
+    EXPECT_EQ(identity({{2, 1, 0.5}, {1, 0, 1}, {0, 1, 1}}), one);
+    EXPECT_NE(identity({{0, 1, 1}, {1, 0, 1}, {2, 1, 0.25}}), one);
+    EXPECT_NE(identity({{0, 1, 1}, {1, 0, 1}, {2, 0, 0.5}}), one);
+    EXPECT_NE(identity({{0, 1, 1}, {1, 0, 1}, {2, 1, 0.5}, {2, 0, 1}}), one);
+    EXPECT_EQ(CachedNeighbours(10).identity(), "");
 }
 
 TEST(CachedNeighbours, RefuseAnotherMatrix) {

@@ -1,5 +1,6 @@
 #include "stats/dense_affinities.h"
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <numeric>
@@ -114,6 +115,36 @@ TEST(DenseAffinities, AreThoseOfTheRowsOfAMatrix) {
     dense_conditional_affinities(points.data(), 10, 3, expected.data(), 2.5);
     dense_conditional_affinities({points.data(), 10, 3}, P.data(), 2.5);
     EXPECT_EQ(P, expected);
+}
+
+TEST(DenseAffinities, OfDistancesAreThoseOfThePlainProgramForAnyThreads) {
+    constexpr std::size_t kRows = 30;
+    std::vector<double> distances(kRows * kRows, 0.0);
+    const std::vector<double> values = test::random_values(kRows * kRows, 9);
+    double largest = 0.0;
+    for (std::size_t n = 0; n < kRows; ++n) {
+        for (std::size_t m = 0; m < n; ++m) {
+            const double distance = std::fabs(values[n * kRows + m]);
+            distances[n * kRows + m] = distances[m * kRows + n] = distance;
+            largest = std::max(largest, distance);
+        }
+    }
+    ASSERT_GT(largest, 2.0);
+    ASSERT_LT(largest, 4.0);
+    std::vector<double> squares = distances;
+    for (double& square : squares) {
+        square = (0.25 * square) * (0.25 * square);
+    }
+    const std::vector<double> expected = plain::conditional_similarities_by(squares, kRows, 5.0);
+    // What rounding leaves in the place of 0 is no distance.
+    distances[0] = 1e-12;
+    distances[kRows + 1] = -1e-12;
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        std::vector<double> P(kRows * kRows);
+        dense_affinities_of_distances({distances.data(), kRows, kRows}, P.data(), 5.0);
+        EXPECT_EQ(P, expected);
+    }
 }
 
 }  // namespace

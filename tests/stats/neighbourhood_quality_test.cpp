@@ -127,6 +127,34 @@ TEST(NeighbourhoodQuality, TakesNoInputThatTheMetricComplainsOf) {
         1.0);
 }
 
+TEST(NeighbourhoodQuality, OfDistancesIsThatOfTheRowsTheyAreBetween) {
+    constexpr std::size_t kRows = 70;
+    const std::vector<double> X = test::random_values(kRows * 4, 31);
+    const std::vector<double> Y = test::random_values(kRows * 2, 32);
+    std::vector<double> distances(kRows * kRows);
+    for (std::size_t n = 0; n < kRows; ++n) {
+        for (std::size_t m = 0; m < kRows; ++m) {
+            double squares = 0.0;
+            for (std::size_t d = 0; d < 4; ++d) {
+                squares += (X[n * 4 + d] - X[m * 4 + d]) * (X[n * 4 + d] - X[m * 4 + d]);
+            }
+            distances[n * kRows + m] = std::sqrt(squares);
+        }
+    }
+    const auto expected = neighbourhood_quality({X.data(), kRows, 4}, {Y.data(), kRows, 2}, {3, 9});
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        const auto quality = neighbourhood_quality_of_distances(
+            {distances.data(), kRows, kRows}, {Y.data(), kRows, 2}, {3, 9});
+        ASSERT_EQ(quality.size(), 2U);
+        for (std::size_t i = 0; i < 2; ++i) {
+            EXPECT_EQ(quality[i].trustworthiness, expected[i].trustworthiness);
+            EXPECT_EQ(quality[i].preservation, expected[i].preservation);
+        }
+    }
+    EXPECT_TRUE(neighbourhood_quality_of_distances({}, {}, {10}).empty());
+}
+
 TEST(NeighbourhoodQuality, OfNothingIsNothing) {
     EXPECT_TRUE(neighbourhood_quality(nullptr, 0, 3, nullptr, 2, {10}).empty());
     const double row = 1.0;

@@ -122,8 +122,13 @@ Options short_runs(const test::TemporaryDirectory& directory) {
 
 ExitStatus run(const Options& options, const std::vector<double>& perplexities) {
     testing::internal::CaptureStdout();
-    const ExitStatus status = run_perplexities(
-        random_matrix(50, 4), {}, perplexities, options, begin_report(options, {}), Stopwatch());
+    const ExitStatus status = run_perplexities(random_matrix(50, 4),
+                                               {},
+                                               perplexities,
+                                               nullptr,
+                                               options,
+                                               begin_report(options, {}),
+                                               Stopwatch());
     testing::internal::GetCapturedStdout();
     return status;
 }

@@ -14,6 +14,7 @@ _ovik_tsne() {
     --names) COMPREPLY=($(compgen -W $'file\nstandard\nother' -- "$current")) ;;
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
+    --constant-rows) COMPREPLY=($(compgen -W $'refuse\ndrop' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --preset) COMPREPLY=($(compgen -W $'classic\nrefined' -- "$current")) ;;
     --metric)

@@ -58,8 +58,54 @@ test_that("what is no matrix of numbers is refused", {
   expect_error(short(matrix(0, 9, 0)), "9 rows and 0 columns")
 })
 
-test_that("distances are refused, since the rows are needed", {
-  expect_error(short(dist(groups())), "not distances\nGive the matrix that the distances were computed from")
+test_that("distances are embedded as a dist or as a matrix", {
+  x <- groups()
+  for (theta in c(0, 0.5)) {
+    of_dist <- short(dist(x), theta = theta)
+    of_matrix <- short(unname(as.matrix(dist(x))), theta = theta, metric = "precomputed")
+    expect_identical(of_dist$Y, of_matrix$Y)
+    expect_identical(dim(of_dist$Y), c(nrow(x), 2L))
+    expect_null(rownames(of_dist$Y))
+    expect_false(identical(of_dist$Y, short(as.matrix(dist(x, "manhattan")), theta = theta, metric = "precomputed")$Y))
+  }
+  rownames(x) <- paste0("g", seq_len(nrow(x)))
+  expect_identical(rownames(short(dist(x))$Y), rownames(x))
+  expect_error(short(dist(x), metric = "pearson"), "no other metric is of use\nLeave metric out")
+})
+
+test_that("what is no matrix of distances is refused with its place", {
+  distances <- as.matrix(dist(groups()))
+  precomputed <- function(x) short(x, metric = "precomputed")
+  expect_error(precomputed(groups()), "60 rows and 4 columns: a matrix of distances is square")
+  bad <- distances
+  bad[7, 3] <- bad[7, 3] + 1
+  expect_error(precomputed(bad), "row 7 \\('7'\\), column 3 \\('3'\\) is .*the other way round")
+  bad <- distances
+  bad[5, 5] <- 2
+  expect_error(precomputed(bad), "row 5 .*column 5 .*is 2, and not 0: that of the row from itself")
+  bad <- distances
+  bad[5, 4] <- bad[4, 5] <- -1
+  expect_error(precomputed(bad), "row 5 .*column 4 .*is -1, below 0\nDistances are needed")
+  bad <- distances[, c(2, 1, 3:60)]
+  expect_error(precomputed(bad), "row 1 of x is '1', and column 1 is '2'")
+  expect_silent(precomputed(distances + 1e-13))
+})
+
+test_that("rows are compared by their correlation, and those without one are refused by name", {
+  x <- groups()
+  scaled <- x * 2^(seq_len(nrow(x)) %% 7 - 3)
+  for (metric in c("pearson", "cosine", "spearman")) {
+    expect_identical(short(scaled, metric = metric)$Y, short(x, metric = metric)$Y)
+  }
+  x[4, ] <- 3
+  rownames(x) <- paste0("g", seq_len(nrow(x)))
+  expect_error(short(x, metric = "pearson"), "1 row has no correlation .* do not vary: row 4 \\('g4'\\)\n")
+  expect_silent(short(x, metric = "cosine"))
+  x[c(4, 5, 8, 9), ] <- 0
+  expect_error(
+    short(x, metric = "cosine"),
+    "4 rows have no cosine .* all 0: row 4 \\('g4'\\), 5 \\('g5'\\), 8 \\('g8'\\), \\.\\.\\.\n"
+  )
 })
 
 test_that("a first column that counts the rows gets a warning", {

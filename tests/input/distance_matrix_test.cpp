@@ -1,0 +1,102 @@
+#include "input/distance_matrix.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/refusal.h"
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string refusal(const std::vector<double>& values,
+                    std::size_t columns,
+                    const DistanceWords& words = {}) {
+    return test::refusal_of([&] {
+        check_distance_matrix({values.data(), values.size() / columns, columns}, words);
+    });
+}
+
+/// A matrix from a file, with the names "A", "B" and so on, on every second line.
+InspectedMatrix matrix_of(const std::vector<double>& values, std::size_t columns) {
+    InspectedMatrix matrix;
+    matrix.report.rows = values.size() / columns;
+    matrix.report.columns = columns;
+    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
+        matrix.row_names.emplace_back(1, static_cast<char>('A' + n));
+        matrix.row_lines.push_back(2 * n + 2);
+    }
+    matrix.values.reset(new double[values.size()]);
+    std::copy(values.begin(), values.end(), matrix.values.get());
+    return matrix;
+}
+
+std::string refusal(const InspectedMatrix& matrix) {
+    return test::refusal_of([&] { check_distance_matrix("d.tsv", matrix); });
+}
+
+TEST(DistanceMatrix, MayBeOfAnySize) {
+    EXPECT_EQ(refusal({0, 1, 2, 1, 0, 3, 2, 3, 0}, 3), "");
+    EXPECT_EQ(refusal({0, 1e300, 1e300, 0}, 2), "");
+    EXPECT_EQ(refusal({0, 1e-299, 1e-299, 0}, 2), "");
+}
+
+TEST(DistanceMatrix, MayBeOffByRounding) {
+    EXPECT_EQ(refusal({2e-16, 1, 2 + 4e-16, 1, -2e-16, 3, 2, 3, 0}, 3), "");
+    EXPECT_EQ(refusal({0, 1, -1e-16, 1, 0, 3, 0, 3, 0}, 3), "");
+    EXPECT_NE(refusal({2e-9, 1, 1, 0}, 2), "");
+    EXPECT_NE(refusal({0, 1, 1 + 2e-9, 0}, 2), "");
+    EXPECT_NE(refusal({0, 1, -2e-9, 1, 0, 1, -2e-9, 1, 0}, 3), "");
+}
+
+TEST(DistanceMatrix, IsSquare) {
+    EXPECT_THAT(refusal({0, 1, 2, 1, 0, 3}, 3),
+                StartsWith("2 rows and 3 columns: a matrix of distances is square\n"));
+    EXPECT_THAT(refusal(matrix_of({0, 1, 2, 1, 0, 3}, 3)), StartsWith("d.tsv: 2 rows and 3"));
+}
+
+TEST(DistanceMatrix, IsRefusedWithRowColumnAndValues) {
+    const double kNan = std::nan("");
+    const double kInfinity = std::numeric_limits<double>::infinity();
+    EXPECT_THAT(refusal({0, 1, kNan, 1, 0, 3, 2, 3, 0}, 3),
+                StartsWith("row 0, column 2, both counted from 0: the distance is nan\n"));
+    EXPECT_THAT(refusal({0, 1, 2, 1, 0, kInfinity, 2, 3, 0}, 3), HasSubstr("distance is inf"));
+    EXPECT_THAT(refusal({0, 2e300, 2e300, 0}, 2), HasSubstr("the distance is 2e+300\n"));
+    EXPECT_THAT(refusal({0, 1, -2, 1, 0, 3, -2, 3, 0}, 3),
+                StartsWith("row 0, column 2, both counted from 0: the distance -2 is negative\n"));
+    EXPECT_THAT(refusal({1, 0.5, 0.5, 1}, 2),
+                HasSubstr("row 0, column 0, both counted from 0: the distance of the row from "
+                          "itself is 1, not 0\nDistances are needed, not similarities"));
+    EXPECT_THAT(refusal({0, 1, 2, 1, 0, 3, 2, 3.5, 0}, 3),
+                StartsWith("row 2, column 1, both counted from 0: the distance is 3.5, and 3 the "
+                           "other way round\n"));
+    EXPECT_THAT(refusal({0, 0, 0, 0}, 2), HasSubstr("nothing to embed"));
+}
+
+TEST(DistanceMatrix, FromAFileIsRefusedWithLineAndNames) {
+    EXPECT_THAT(refusal(matrix_of({0, 1, 2, 1, 0, 3, 2, 4, 0}, 3)),
+                StartsWith("d.tsv:6: row 3 (\"C\"), column 2 (\"B\"): the distance is 4, and 3"));
+}
+
+TEST(DistanceMatrix, HasTheRowsInTheOrderOfTheColumns) {
+    InspectedMatrix matrix = matrix_of({0, 1, 2, 1, 0, 3, 2, 3, 0}, 3);
+    EXPECT_EQ(refusal(matrix), "");
+    matrix.column_names = {"A", "B", "C"};
+    EXPECT_EQ(refusal(matrix), "");
+    matrix.column_names = {"A", "C", "B"};
+    EXPECT_THAT(refusal(matrix),
+                StartsWith("d.tsv: row 2 is \"B\", and column 2 is \"C\"\nIn a matrix of"));
+    matrix.has_names = false;
+    EXPECT_EQ(refusal(matrix), "");
+}
+
+}  // namespace
+}  // namespace ovik
