@@ -39,6 +39,8 @@ struct Options {
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
+    /// Whether the command line says so.
+    bool names_are_given = false;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
     /// Whether the chart page and the figure are drawn.

@@ -35,6 +35,7 @@
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
+#include "tools/row_genes.h"
 #include "tools/standard_streams.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
@@ -66,7 +67,7 @@ RunSize size_of_runs(const Options& options,
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(const Options& options, RunReport report) {
+ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -91,6 +92,9 @@ ExitStatus embed(const Options& options, RunReport report) {
     LoadedMatrix loaded = load_matrix(options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
+    if (options.load.transformations.transpose && !options.names_are_given) {
+        options.names = kind_of_names(loaded.matrix.row_names);
+    }
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);

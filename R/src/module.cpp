@@ -156,6 +156,7 @@ LoadOptions load_options(const cpp11::list& form) {
     options.transformations.log1p = cpp11::as_cpp<bool>(form["log1p"]);
     options.transformations.centre = centring_of(text_of(form["center"])).value_or(Centring::None);
     options.transformations.scale = cpp11::as_cpp<bool>(form["scale"]);
+    options.transformations.transpose = cpp11::as_cpp<bool>(form["transpose"]);
     return options;
 }
 
