@@ -23,6 +23,11 @@ struct PrincipalComponents {
     /// scores, loadings and variances are 0.
     std::size_t varying = 0;
 
+    /// The coordinates of the rows, rows x count.
+    [[nodiscard]] MatrixView<const double> scoresView() const {
+        return {scores.data(), count == 0 ? 0 : scores.size() / count, count};
+    }
+
     /// The share of the variance that the components keep, 0 to 1; NaN if there is none to keep.
     [[nodiscard]] double varianceKept() const;
 };

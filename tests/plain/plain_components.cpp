@@ -240,19 +240,4 @@ Components principal_components(const std::vector<double>& points,
     return components;
 }
 
-std::vector<double> component_start(const Components& components,
-                                    std::size_t count,
-                                    std::size_t N,
-                                    std::size_t no_dims,
-                                    double spread) {
-    const double factor = spread / std::sqrt(components.variances[0]);
-    std::vector<double> Y(N * no_dims);
-    for (std::size_t n = 0; n < N; ++n) {
-        for (std::size_t d = 0; d < no_dims; ++d) {
-            Y[n * no_dims + d] = components.scores[n * count + d] * factor;
-        }
-    }
-    return Y;
-}
-
 }  // namespace plain

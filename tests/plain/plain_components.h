@@ -22,12 +22,4 @@ Components principal_components(const std::vector<double>& points,
                                 std::size_t dims,
                                 std::size_t count);
 
-/// A start along the first components: all of them times one factor, with which the first has the
-/// standard deviation `spread`.
-std::vector<double> component_start(const Components& components,
-                                    std::size_t count,
-                                    std::size_t N,
-                                    std::size_t no_dims,
-                                    double spread);
-
 }  // namespace plain
