@@ -96,6 +96,8 @@ ExitStatus embed(Options options, RunReport report) {
         options.names = kind_of_names(loaded.matrix.row_names);
     }
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
+    settle_fit_options(options, matrix.rows, matrix.columns);
+    report.options = reported_options(options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const RunSize size = size_of_runs(options, matrix, perplexities);
