@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "neighbours/neighbour_search.h"
-#include "stats/centring.h"
 #include "stats/elementwise.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
@@ -87,15 +86,6 @@ void place_others(MatrixView<double> Y,
     });
 }
 
-/// The standard deviation of a column that is centred.
-double deviation(MatrixView<const double> Y, std::size_t d) {
-    double squares = 0.0;
-    for (std::size_t n = 0; n < Y.rows; ++n) {
-        squares += Y.row(n)[d] * Y.row(n)[d];
-    }
-    return std::sqrt(squares / (static_cast<double>(Y.rows) - 1.0));
-}
-
 /// @throws InputError if a column has one value alone
 void check_varies(MatrixView<const double> Y) {
     for (std::size_t d = 0; d < Y.columns; ++d) {
@@ -154,20 +144,13 @@ bool has_rows_without_place(MatrixView<const double> places) {
 
 void start_at_places(MatrixView<double> Y,
                      MatrixView<const double> places,
-                     const NeighbourGraph& graph,
-                     double spread) {
+                     const NeighbourGraph& graph) {
     if (Y.size() == 0) {
         return;
     }
     std::copy(places.values, places.values + places.size(), Y.values);
     place_others(Y, places, graph);
     check_varies(Y);
-    zero_mean(Y.values, Y.rows, Y.columns);
-    double widest = 0.0;
-    for (std::size_t d = 0; d < Y.columns; ++d) {
-        widest = std::max(widest, deviation(Y, d));
-    }
-    multiply_all(Y.values, Y.size(), spread / widest);
 }
 
 NeighbourGraph placing_neighbours(MatrixView<const double> X) {

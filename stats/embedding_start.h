@@ -32,8 +32,7 @@ void start_along_components(MatrixView<double> Y,
 /// infinite
 bool has_rows_without_place(MatrixView<const double> places);
 
-/// Starts at given places, centred, all times one factor, with which the coordinate that varies
-/// most has the standard deviation `spread`, of rows - 1 degrees of freedom.
+/// Starts at given places, as they stand.
 ///
 /// A row without a place gets the median, coordinate by coordinate, of those of its nearest
 /// neighbours that have one, of the first `kPlacingNeighbours`; where none has, of all rows that
@@ -45,8 +44,7 @@ bool has_rows_without_place(MatrixView<const double> places);
 /// @throws InputError if a coordinate is the same in all rows: the map could not leave it
 void start_at_places(MatrixView<double> Y,
                      MatrixView<const double> places,
-                     const NeighbourGraph& graph,
-                     double spread);
+                     const NeighbourGraph& graph);
 
 /// The `kPlacingNeighbours` nearest neighbours of all rows, or all others if there are fewer, for
 /// methods that search for none.

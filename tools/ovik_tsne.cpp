@@ -37,6 +37,7 @@
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/standard_streams.h"
+#include "tools/start_file.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -104,6 +105,7 @@ ExitStatus embed(Options options, RunReport report) {
     const AvailableMemory available = available_memory();
     if (options.dry_run) {
         settle_names(loaded.matrix.row_names, options.names);
+        settle_start(options, loaded.matrix.row_names);
         print_plan(options, perplexities, size, available);
     }
     if (!options.force) {

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "tests/plain/plain_tsne.h"
-
 namespace plain {
 
 namespace {
@@ -61,8 +59,7 @@ std::vector<double> start_at_places(const std::vector<double>& points,
                                     std::size_t N,
                                     std::size_t dims,
                                     const std::vector<double>& places,
-                                    std::size_t no_dims,
-                                    double spread) {
+                                    std::size_t no_dims) {
     std::vector<double> Y = places;
     std::vector<std::size_t> all_placed;
     for (std::size_t n = 0; n < N; ++n) {
@@ -91,18 +88,6 @@ std::vector<double> start_at_places(const std::vector<double>& points,
             }
             Y[n * no_dims + d] = median(values);
         }
-    }
-    centre_columns(Y, N, no_dims);
-    double widest = 0.0;
-    for (std::size_t d = 0; d < no_dims; ++d) {
-        double squares = 0.0;
-        for (std::size_t n = 0; n < N; ++n) {
-            squares += Y[n * no_dims + d] * Y[n * no_dims + d];
-        }
-        widest = std::max(widest, std::sqrt(squares / (static_cast<double>(N) - 1.0)));
-    }
-    for (double& y : Y) {
-        y = y * (spread / widest);
     }
     return Y;
 }

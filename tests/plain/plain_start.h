@@ -19,9 +19,8 @@ std::vector<double> component_start(const Components& components,
                                     std::size_t no_dims,
                                     double spread);
 
-/// A start at places, centred and scaled so that the coordinate that varies most has the standard
-/// deviation `spread`. Rows without a place (NaN) get the median of the nearest rows that have one,
-/// among their 25 nearest, or else that of all.
+/// A start at places, as they stand. Rows without a place (NaN) get the median of the nearest rows
+/// that have one, among their 25 nearest, or else that of all.
 ///
 /// @param points  N x dims, of which the neighbours are
 /// @param places  N x no_dims
@@ -29,7 +28,6 @@ std::vector<double> start_at_places(const std::vector<double>& points,
                                     std::size_t N,
                                     std::size_t dims,
                                     const std::vector<double>& places,
-                                    std::size_t no_dims,
-                                    double spread);
+                                    std::size_t no_dims);
 
 }  // namespace plain

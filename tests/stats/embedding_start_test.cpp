@@ -42,11 +42,10 @@ std::vector<double> places_with_gaps(std::size_t rows, std::size_t dims) {
 
 std::vector<double> start_of(std::vector<double> places,
                              std::size_t dims,
-                             const NeighbourGraph& graph,
-                             double spread) {
+                             const NeighbourGraph& graph) {
     std::vector<double> Y(places.size());
     const std::size_t rows = places.size() / dims;
-    start_at_places({Y.data(), rows, dims}, {places.data(), rows, dims}, graph, spread);
+    start_at_places({Y.data(), rows, dims}, {places.data(), rows, dims}, graph);
     return Y;
 }
 
@@ -92,12 +91,11 @@ TEST(StartAtPlaces, EqualsThePlainProgramBitForBit) {
     for (const std::size_t dims : {2, 3}) {
         const std::vector<double> X = test::random_values(kRows * 4, 19);
         const std::vector<double> places = places_with_gaps(kRows, dims);
-        const std::vector<double> expected =
-            plain::start_at_places(X, kRows, 4, places, dims, 0.0001);
+        const std::vector<double> expected = plain::start_at_places(X, kRows, 4, places, dims);
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount scope(threads);
             const NeighbourGraph graph = placing_neighbours({X.data(), kRows, 4});
-            EXPECT_EQ(start_of(places, dims, graph, 0.0001), expected) << threads;
+            EXPECT_EQ(start_of(places, dims, graph), expected) << threads;
         }
     }
 }
@@ -105,15 +103,15 @@ TEST(StartAtPlaces, EqualsThePlainProgramBitForBit) {
 TEST(StartAtPlaces, PutsRowsAtTheMedianOfTheirNeighbours) {
     // Rows 3 and 4 have no place: row 3 lies among three that have one, row 4 among none.
     const NeighbourGraph graph{5, 3, {1, 2, 3, 0, 2, 3, 1, 0, 3, 1, 0, 2, 3, 3, 4}, {}};
-    const std::vector<double> Y = start_of(
-        {0.0, 0.0, 6.0, 3.0, 9.0, -3.0, kNoPlace, kNoPlace, kNoPlace, kNoPlace}, 2, graph, 1.0);
+    const std::vector<double> Y =
+        start_of({0.0, 0.0, 6.0, 3.0, 9.0, -3.0, kNoPlace, kNoPlace, kNoPlace, kNoPlace}, 2, graph);
     EXPECT_EQ(Y[6], Y[2]);
     EXPECT_EQ(Y[7], Y[1]);
     EXPECT_EQ(Y[8], Y[6]);
     EXPECT_EQ(Y[9], Y[7]);
     const NeighbourGraph two{4, 2, {1, 2, 0, 2, 0, 1, 1, 2}, {}};
     const std::vector<double> mean =
-        start_of({0.0, 5.0, 6.0, 3.0, 9.0, -3.0, kNoPlace, kNoPlace}, 2, two, 1.0);
+        start_of({0.0, 5.0, 6.0, 3.0, 9.0, -3.0, kNoPlace, kNoPlace}, 2, two);
     EXPECT_NEAR(mean[6], (mean[2] + mean[4]) / 2.0, 1e-15);
     EXPECT_NEAR(mean[7], (mean[3] + mean[5]) / 2.0, 1e-15);
 }
@@ -131,17 +129,17 @@ TEST(StartAtPlaces, LooksAtTheNearestAlone) {
         places[2 * n] = static_cast<double>(n * n);
         places[2 * n + 1] = -static_cast<double>(n);
     }
-    const std::vector<double> Y = start_of(places, 2, graph, 1.0);
+    const std::vector<double> Y = start_of(places, 2, graph);
     EXPECT_EQ(Y[0], Y[56]);
     EXPECT_EQ(Y[1], Y[57]);
 }
 
 TEST(StartAtPlaces, RefusesWhatTheMapCouldNotLeave) {
     EXPECT_THAT(test::refusal_of([] {
-                    start_of({1.0, 2.0, 3.0, 2.0, 5.0, 2.0}, 2, {}, 1.0);
+                    start_of({1.0, 2.0, 3.0, 2.0, 5.0, 2.0}, 2, {});
                 }),
                 HasSubstr("coordinate 2 of the start is the same in all rows"));
-    EXPECT_THAT(test::refusal_of([] { start_of(std::vector<double>(6, kNoPlace), 2, {}, 1.0); }),
+    EXPECT_THAT(test::refusal_of([] { start_of(std::vector<double>(6, kNoPlace), 2, {}); }),
                 HasSubstr("the start has a place for none of the rows"));
 }
 
