@@ -42,6 +42,39 @@ check_options <- function(options) {
 
 bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
 
+# The coordinates of a start in the order of the rows of x, NA for rows that it has not; NULL for a start
+# that the fit makes.
+start_places <- function(start, x, dims) {
+  if (is.data.frame(start)) start <- matrix_of_table(start)
+  if (!is.matrix(start)) return(NULL)
+  by_name <- !is.null(rownames(start)) && !is.null(rownames(x))
+  if (by_name) {
+    twice <- rownames(start)[duplicated(rownames(start))]
+    if (length(twice) > 0) {
+      refuse(sprintf("start has the row '%s' twice", twice[1]), "Give each name one row.")
+    }
+    start <- start[match(rownames(x), rownames(start)), , drop = FALSE]
+  }
+  if (!is.numeric(start) || nrow(start) != nrow(x) || !isTRUE(ncol(start) == dims)) {
+    refuse(
+      sprintf("start should have the shape of the map, %d x %s, and has %d x %d", nrow(x), shown(dims), nrow(start), ncol(start)),
+      "Give a row of coordinates for each row of x, or name the rows of both."
+    )
+  }
+  missing <- rowSums(is.na(start))
+  if (any(is.infinite(start)) || !all(missing %in% c(0, dims))) {
+    refuse(
+      "start has rows with coordinates that are not finite beside others that are",
+      "A row of NA starts at the median of its neighbours."
+    )
+  }
+  if (all(missing > 0)) {
+    refuse("start has coordinates for none of the rows of x", "Compare rownames(start) with rownames(x).")
+  }
+  storage.mode(start) <- "double"
+  start
+}
+
 check_preset <- function(preset) {
   if (!identical(preset, "classic") && !identical(preset, "refined")) {
     stop(sprintf("preset should be \"classic\" or \"refined\", not %s", shown(preset)), call. = FALSE)

@@ -46,6 +46,8 @@ tsne.default <- function(x, perplexity = 30, ...) {
 # Embeds a matrix; `options` are those of the fit, by the names of the arguments, of which the call has
 # those that are given.
 embed <- function(x, options, preset, labels, threads, verbose, call) {
+  start <- start_places(options$start, x, options$dims)
+  if (!is.null(start)) options$start <- "given"
   check_options(options)
   check_preset(preset)
   threads <- checked_threads(threads)
@@ -59,7 +61,7 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
 
   values <- x
   storage.mode(values) <- "double"
-  fit <- .Call(C_embed, values, options, threads, verbose)
+  fit <- .Call(C_embed, values, options, start, threads, verbose)
   if (nzchar(fit$threads_note)) warning(fit$threads_note, call. = FALSE)
 
   dimnames(fit$Y) <- list(rownames(x), paste0("tsne", seq_len(ncol(fit$Y))))

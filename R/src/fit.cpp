@@ -46,6 +46,8 @@ Outcome run_fit(MatrixView<double> X,
     Outcome outcome;
     outcome.threads_note = set_thread_count(manner.threads);
     FitHooks hooks;
+    const auto dims = static_cast<std::size_t>(options.out_dims);
+    hooks.start = {manner.start.data(), manner.start.size() / dims, dims};
     hooks.on_iteration = [&](const FitState& state) {
         require_going_on(state.reached, is_interrupted);
         if (manner.tell && is_told(state.reached)) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <ovik/stats/fit.h>
 #include <string>
+#include <vector>
 
 namespace ovik::r {
 
@@ -11,6 +12,9 @@ namespace ovik::r {
 struct FitManner {
     /// Number of threads; 0 for all cores.
     int threads = 0;
+    /// Where the rows start, row by row, NaN in rows that start among their neighbours; empty for a
+    /// start that the fit makes.
+    std::vector<double> start = {};
     /// Takes the lines that tell how far the fit is, called by the thread of the fit; may be empty.
     std::function<void(std::string)> tell = {};
 };

@@ -18,7 +18,8 @@ struct FitManner {
     int threads = 0;
     /// Whether the engine's console lines show.
     bool verbose = false;
-    /// The start, row-major, rows x output dimensions; null for the random one.
+    /// The start, row-major, rows x output dimensions, NaN in rows that start among their
+    /// neighbours; null for one that the fit makes.
     const double* start = nullptr;
     /// How many nearest neighbours of each row the quality is measured for, less than half the
     /// rows; 0: it is not measured.

@@ -88,6 +88,12 @@ double barnes_hut_cost(const SparseRows& P,
 /// The joint similarities of a matrix whose points have no neighbours at equal distance.
 SparseRows joint_similarities(const Matrix& input, double perplexity);
 
+/// The same of points as they stand, N x dims.
+SparseRows joint_similarities(const std::vector<double>& points,
+                              std::size_t N,
+                              std::size_t dims,
+                              double perplexity);
+
 /// The whole Barnes-Hut method on such a matrix. The gradient and the cost each build a tree.
 ///
 /// @param costs  if not null, the cost of each iteration is appended

@@ -79,6 +79,8 @@ struct Schedule {
     double start_spread = 0.0001;
     double momentum = 0.5;
     double final_momentum = 0.8;
+    /// Null, or the embedding to start from, N x no_dims.
+    const std::vector<double>* start = nullptr;
 };
 
 /// The whole exact method on an input matrix.
