@@ -42,34 +42,34 @@ check_options <- function(options) {
 
 bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
 
-# The coordinates of a start in the order of the rows of x, NA for rows that it has not; NULL for a start
-# that the fit makes.
-start_places <- function(start, x, dims) {
-  if (is.data.frame(start)) start <- matrix_of_table(start)
+# The coordinates of a start as a plain matrix in the order of the rows of x, NA in rows that it has not;
+# NULL where `start` is a name. Rows are found by name where both have names.
+checked_start <- function(start, x, dims) {
   if (!is.matrix(start)) return(NULL)
-  by_name <- !is.null(rownames(start)) && !is.null(rownames(x))
-  if (by_name) {
+  if (!is.numeric(start) || is.object(start)) {
+    refuse(sprintf("start is a matrix of '%s'", class(start[1])), "Give a matrix of plain numbers.")
+  }
+  if (!is.null(rownames(start)) && !is.null(rownames(x))) {
     twice <- rownames(start)[duplicated(rownames(start))]
-    if (length(twice) > 0) {
-      refuse(sprintf("start has the row '%s' twice", twice[1]), "Give each name one row.")
-    }
+    if (length(twice) > 0) refuse(sprintf("start has the row '%s' twice", twice[1]), "Give each name one row.")
     start <- start[match(rownames(x), rownames(start)), , drop = FALSE]
   }
-  if (!is.numeric(start) || nrow(start) != nrow(x) || !isTRUE(ncol(start) == dims)) {
+  if (!identical(dim(start), c(nrow(x), as.integer(dims)))) {
     refuse(
-      sprintf("start should have the shape of the map, %d x %s, and has %d x %d", nrow(x), shown(dims), nrow(start), ncol(start)),
-      "Give a row of coordinates for each row of x, or name the rows of both."
+      sprintf("start has %d rows and %d columns, and the map has %d and %d", nrow(start), ncol(start), nrow(x), dims),
+      "Give a place for every row of x, or names for the rows of both."
     )
   }
   missing <- rowSums(is.na(start))
-  if (any(is.infinite(start)) || !all(missing %in% c(0, dims))) {
+  broken <- missing != 0 & missing != ncol(start) | rowSums(is.infinite(start)) > 0
+  if (any(broken)) {
     refuse(
-      "start has rows with coordinates that are not finite beside others that are",
-      "A row of NA starts at the median of its neighbours."
+      sprintf("start has coordinates in row %d that are not finite", which(broken)[1]),
+      "Give all of a place, or NA for all of it: the row starts at the median of its neighbours then."
     )
   }
   if (all(missing > 0)) {
-    refuse("start has coordinates for none of the rows of x", "Compare rownames(start) with rownames(x).")
+    refuse("start has a place for none of the rows of x", "Compare rownames(start) with rownames(x).")
   }
   storage.mode(start) <- "double"
   start

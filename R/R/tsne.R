@@ -46,13 +46,16 @@ tsne.default <- function(x, perplexity = 30, ...) {
 # Embeds a matrix; `options` are those of the fit, by the names of the arguments, of which the call has
 # those that are given.
 embed <- function(x, options, preset, labels, threads, verbose, call) {
-  start <- start_places(options$start, x, options$dims)
-  if (!is.null(start)) options$start <- "given"
+  start <- options$start
+  if (is.data.frame(start)) start <- matrix_of_table(start)
+  if (is.matrix(start)) options$start <- "given"
+  if (identical(start, "given")) options$start <- "" # The name stands for coordinates alone.
   check_options(options)
   check_preset(preset)
   threads <- checked_threads(threads)
   check_flag("verbose", verbose)
   check_values(x)
+  start <- checked_start(start, x, options$dims)
   given <- intersect(names(options), names(call))
   sent <- options[union("perplexity", given)]
   options <- .Call(C_settle, lapply(sent, bare_value), given, preset, dim(x))

@@ -176,7 +176,7 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
 }
 
 /// @param x      a matrix of real numbers
-/// @param start  NULL, or a matrix of coordinates, NA in rows without
+/// @param start  NULL, or one of the shape of the map, NA in rows without
 cpp11::writable::list embed(
     SEXP x, const cpp11::list& arguments, SEXP start, int threads, bool verbose) {
     const TheOneFit the_one_fit;
@@ -188,7 +188,7 @@ cpp11::writable::list embed(
     FitManner manner;
     manner.threads = threads;
     if (!Rf_isNull(start)) {
-        manner.start = row_by_row(REAL(start), rows, static_cast<std::size_t>(Rf_ncols(start)));
+        manner.start = row_by_row(REAL(start), rows, static_cast<std::size_t>(options.out_dims));
     }
     if (verbose) {
         manner.tell = [&lines](std::string line) { lines.add(std::move(line)); };
