@@ -46,7 +46,7 @@ std::string spelled_as_argument(const std::string& option,
     }
     std::string argument = option;
     std::replace(argument.begin(), argument.end(), '-', '_');
-    if (option == "log1p" || option == "scale") {
+    if (option == "log1p" || option == "scale" || option == "transpose") {
         return argument + syntax.assigns + syntax.is_true;
     }
     return value.empty() ? argument : argument + syntax.assigns + value_of(option, value, syntax);

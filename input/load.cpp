@@ -14,6 +14,8 @@
 #include "input/row_texts.h"
 #include "input/thousands_points.h"
 #include "input/transformations.h"
+#include "input/transpose.h"
+#include "util/counted.h"
 #include "util/input_error.h"
 
 namespace ovik {
@@ -47,7 +49,7 @@ std::vector<std::string> names_of_rows(const std::string& path,
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
                           const LoadOptions& options) {
-    if (format.has_names && options.has_names && !options.row_names_file.empty()) {
+    if (format.has_names && options.has_names && !transposes && !options.row_names_file.empty()) {
         throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
                          " have names of their own");
     }
@@ -59,7 +61,7 @@ InspectedMatrix read_rows(MatrixSource& source,
     if (!format.is_text) {
         note_infinite_values(matrix);
     }
-    check_matrix(source.name(), matrix.report);
+    check_matrix(source.name(), matrix.report, !transposes);
     return matrix;
 }
 
@@ -78,7 +80,7 @@ void add_remarks(const std::string& name,
     for (const std::string& warning : matrix.report.warnings) {
         warnings.push_back(name + warning);
     }
-    if (!options.holds_distances) {
+    if (!options.holds_distances && !options.transformations.transpose) {
         warnings.push_back(transposed_warning(name, options, matrix));
     }
     warnings.push_back(thousands_points_warning(name, options.spell, matrix.report));
@@ -126,13 +128,59 @@ std::size_t settle_missing(const std::string& name,
     }
     remarks.push_back(
         {Remark::Kind::Information, summary + ": " + treatment(policy, rows, matrix.report.rows)});
-    if (policy == MissingPolicy::Drop && options.check_values) {
+    if (policy == MissingPolicy::Drop && options.check_values &&
+        !options.transformations.transpose) {
         check_row_count(name + ", without the rows that lack values", matrix.report.rows);
     }
     return missing.count;
 }
 
-/// Fills in what is missing, transforms the values and checks them.
+/// Sees to it that the rows have names; as columns they need none.
+void settle_row_names(const std::string& path,
+                      const LoadOptions& options,
+                      bool have_names,
+                      InspectedMatrix& matrix,
+                      std::vector<Remark>& remarks) {
+    if (options.transformations.transpose) {
+        check_columns_as_rows(path, options, matrix);
+        if (!have_names) {
+            matrix.row_names = row_numbers(matrix.report.rows);
+        }
+        return;
+    }
+    if (!have_names) {
+        matrix.row_names = names_of_rows(path, options, matrix.report.rows, remarks);
+    }
+    note_duplicate_names(matrix);
+}
+
+/// Makes the columns the rows, under their names or those of a file.
+void make_columns_rows(const std::string& path,
+                       const LoadOptions& options,
+                       InspectedMatrix& matrix,
+                       std::vector<Remark>& remarks) {
+    const std::size_t count = matrix.report.columns;
+    transpose(matrix,
+              matrix.column_names.empty() ? read_row_texts(options.row_names_file, count, "name")
+                                          : std::move(matrix.column_names));
+    remarks.push_back({Remark::Kind::Information,
+                       path + ": transposed, so that its " +
+                           counted(count, "column is a point", "columns are the points")});
+    if (options.check_values) {
+        check_row_count(path + ", transposed", count);
+    }
+}
+
+void read_labels(const LoadOptions& options, LoadedMatrix& loaded) {
+    if (!options.labels_file.empty()) {
+        LabelFile file = read_label_file(options.labels_file, loaded.matrix.report.rows);
+        loaded.labels = std::move(file.labels);
+        loaded.label_table = std::move(file.table);
+    }
+}
+
+/// Fills in what is missing, transforms the values, makes columns rows if that is wanted, and
+/// checks what comes out.
 void settle_values(const std::string& name,
                    const LoadOptions& options,
                    LoadedMatrix& loaded,
@@ -142,6 +190,10 @@ void settle_values(const std::string& name,
     if (options.transformations.any()) {
         remarks.push_back({Remark::Kind::Information,
                            transform(name, options.transformations, options.spell, matrix)});
+    }
+    if (options.transformations.transpose) {
+        make_columns_rows(name, options, matrix, remarks);
+        read_labels(options, loaded);
     }
     if (options.check_values) {
         check_values(name, matrix);
@@ -166,7 +218,7 @@ void refuse_changes_of_distances(const LoadOptions& options) {
                          ": a distance cannot be filled in, nor left out\nGive a matrix of all "
                          "distances, or the values of which they are computed.");
     }
-    if (options.transformations.any()) {
+    if (options.transformations.any() || options.transformations.transpose) {
         throw InputError("distances are not transformed (" + names_of(options.transformations) +
                          ")\nTransform the values of which they are computed.");
     }
@@ -197,16 +249,11 @@ LoadedMatrix load(const std::string& path,
     loaded.format = format.name;
     InspectedMatrix& matrix = loaded.matrix;
     matrix = read_rows(source, format, options);
-    if (!format.has_names || !matrix.has_names) {
-        matrix.row_names = names_of_rows(path, options, matrix.report.rows, remarks);
-    }
+    settle_row_names(path, options, format.has_names && matrix.has_names, matrix, remarks);
     matrix.row_lines.resize(matrix.report.rows, 0);
-    note_duplicate_names(matrix);
     add_remarks(name, options, matrix, remarks);
-    if (!options.labels_file.empty()) {
-        LabelFile file = read_label_file(options.labels_file, matrix.report.rows);
-        loaded.labels = std::move(file.labels);
-        loaded.label_table = std::move(file.table);
+    if (!options.transformations.transpose) {
+        read_labels(options, loaded);
     }
     if (options.holds_distances) {
         check_distance_matrix(name, matrix);

@@ -85,11 +85,13 @@ bool all_rows_are_equal(const InspectedMatrix& matrix) {
 
 }  // namespace
 
-void check_matrix(const std::string& path, const MatrixReport& report) {
+void check_matrix(const std::string& path, const MatrixReport& report, bool has_points_in_rows) {
     if (report.ragged_rows > 0) {
         refuse_ragged(path, report);
     }
-    check_row_count(path, report.rows);
+    if (has_points_in_rows || report.rows == 0) {
+        check_row_count(path, report.rows);
+    }
     check_finite(path, report);
 }
 

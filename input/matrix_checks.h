@@ -10,9 +10,12 @@ namespace ovik {
 
 /// Refuses a file whose rows do not make a matrix.
 ///
+/// @param has_points_in_rows  whether the rows are to be embedded, which have to be enough then
 /// @throws InputError with the first line, row and cure: rows of unequal length, too few rows,
 /// values that are not finite
-void check_matrix(const std::string& path, const MatrixReport& report);
+void check_matrix(const std::string& path,
+                  const MatrixReport& report,
+                  bool has_points_in_rows = true);
 
 /// @throws InputError if there are fewer than 3 rows, or more than the engine can count
 void check_row_count(const std::string& path, std::size_t rows);

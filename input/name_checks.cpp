@@ -93,8 +93,8 @@ std::string transposed_warning(const std::string& path,
                 : "there are far more columns (" + std::to_string(matrix.report.columns) +
                       ") than rows (" + std::to_string(matrix.report.rows) + ")") +
            ", and the map is one of the rows, such as \"" + matrix.row_names[0] +
-           "\"\nIf the genes should be mapped, transpose the matrix first: "
-           "pandas.read_csv(FILE, sep=\"\\t\", index_col=0).T.to_csv(FILE2, sep=\"\\t\")";
+           "\"\nIf the genes should be mapped, " + options.spell("transpose", "") +
+           " makes points of the columns.";
 }
 
 }  // namespace ovik

@@ -205,6 +205,9 @@ std::string names_of(const Transformations& transformations) {
     if (transformations.scale) {
         add("scale");
     }
+    if (transformations.transpose) {
+        add("transpose");
+    }
     return names;
 }
 
@@ -227,7 +230,9 @@ std::string transform(const std::string& path,
     } else if (transformations.centre == Centring::Columns) {
         centre_columns(matrix);
     }
-    std::string done = path + ": transformed by " + names_of(transformations);
+    Transformations of_values = transformations;
+    of_values.transpose = false;
+    std::string done = path + ": transformed by " + names_of(of_values);
     if (transformations.scale) {
         const std::size_t constant = scale_columns(matrix, rounding);
         done += " (standard deviations with n - 1";

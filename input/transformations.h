@@ -30,17 +30,19 @@ struct Transformations {
     Centring centre = Centring::None;
     /// Each column is divided by its standard deviation, of n - 1 degrees of freedom.
     bool scale = false;
+    /// The columns become the rows: what is above speaks of rows and columns as the file has them.
+    bool transpose = false;
 
-    /// Whether anything is done.
+    /// Whether any value is changed.
     [[nodiscard]] bool any() const { return log1p || centre != Centring::None || scale; }
 };
 
-/// Names what is done in its order: "log1p, center columns, scale". Empty if nothing is.
+/// Names what is done in its order: "log1p, center columns, scale, transpose". Empty if nothing is.
 std::string names_of(const Transformations& transformations);
 
-/// Transforms the values. Means and sums of squares are formed in the order of rows or columns, in
-/// double precision: the same bits for any number of threads. A column whose values are all equal
-/// is not scaled, and is exactly 0 after centring by columns.
+/// Transforms the values, which stay where they are. Means and sums of squares are formed in the
+/// order of rows or columns, in double precision: the same bits for any number of threads. A column
+/// whose values are all equal is not scaled, and is exactly 0 after centring by columns.
 ///
 /// @param path    for messages
 /// @param spell   how messages name the options

@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
@@ -340,6 +341,16 @@ Digest digest_of(std::span<const std::string> texts) {
         stream.add(text.bytes());
     }
     return stream.digest();
+}
+
+std::string hexadecimal(const Digest& digest) {
+    char text[40];
+    std::snprintf(text,
+                  sizeof text,
+                  "%016llx%016llx",
+                  static_cast<unsigned long long>(digest.high),
+                  static_cast<unsigned long long>(digest.low));
+    return text;
 }
 
 std::string write_checkpoint(const std::string& path, const Checkpoint& checkpoint) {

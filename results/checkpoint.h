@@ -45,6 +45,9 @@ Digest digest_of(std::span<const double> values);
 /// The fingerprint of some texts; it depends on where each of them ends.
 Digest digest_of(std::span<const std::string> texts);
 
+/// A digest as text.
+std::string hexadecimal(const Digest& digest);
+
 /// What decides the states that a fit goes through.
 struct RunIdentity {
     std::size_t rows = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,8 @@ struct RunRecord {
     std::vector<double> costs;
     /// The cost of the map against the affinities without exaggeration.
     double final_cost = 0.0;
+    /// The share of the variance that principal components keep, if they stand for the columns.
+    std::optional<double> variance_kept;
     RecordedSeconds seconds;
     /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;

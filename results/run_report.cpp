@@ -14,16 +14,6 @@ namespace {
 /// Changes when a reader of earlier reports would no longer understand.
 constexpr int kReportVersion = 1;
 
-std::string hexadecimal(const Digest& digest) {
-    char text[40];
-    std::snprintf(text,
-                  sizeof text,
-                  "%016llx%016llx",
-                  static_cast<unsigned long long>(digest.high),
-                  static_cast<unsigned long long>(digest.low));
-    return text;
-}
-
 /// A time in the form "2026-11-21T18:58:03Z".
 std::string utc_text(long long seconds) {
     const auto time = static_cast<std::time_t>(seconds);
@@ -79,16 +69,18 @@ std::string json_files(const std::vector<ResultFile>& files,
 }
 
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
-    return json_object({{"perplexity", json_text(run.perplexity)},
-                        {"last_iteration", json_text(run.iteration)},
-                        {"final_cost", json_text(run.final_cost)},
-                        {"seconds",
-                         json_object({{"similarities", json_text(run.seconds.similarities)},
-                                      {"fitting", json_text(run.seconds.fitting)},
-                                      {"results", json_text(run.seconds.results)}})},
-                        {"quality", json_quality(run.quality)},
-                        {"files", json_files(run.files, directory)},
-                        {"costs", json_list_of(run.costs)}});
+    return json_object(
+        {{"perplexity", json_text(run.perplexity)},
+         {"last_iteration", json_text(run.iteration)},
+         {"final_cost", json_text(run.final_cost)},
+         {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
+         {"seconds",
+          json_object({{"similarities", json_text(run.seconds.similarities)},
+                       {"fitting", json_text(run.seconds.fitting)},
+                       {"results", json_text(run.seconds.results)}})},
+         {"quality", json_quality(run.quality)},
+         {"files", json_files(run.files, directory)},
+         {"costs", json_list_of(run.costs)}});
 }
 
 }  // namespace

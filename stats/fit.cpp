@@ -1,17 +1,21 @@
 #include "stats/fit.h"
 
+#include <algorithm>
 #include <ctime>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 
 #include "stats/centring.h"
+#include "stats/embedding_start.h"
 #include "stats/fit_checks.h"
 #include "stats/gradient_descent.h"
 #include "stats/method.h"
 #include "stats/normal_deviates.h"
 #include "stats/optimisation.h"
+#include "stats/principal_components.h"
 #include "stats/row_metric.h"
+#include "util/input_error.h"
 #include "util/random_stream.h"
 #include "util/stopwatch.h"
 
@@ -37,6 +41,105 @@ InputScale prepare_input(MatrixView<double> X, MetricKind metric) {
     return centre_and_scale(X);
 }
 
+/// @throws InputError if places of another shape are given
+void check_start(const FitOptions& options, const FitHooks& hooks, MatrixView<const double> Y) {
+    if (options.start == StartKind::Given &&
+        (hooks.start.values == nullptr || hooks.start.rows != Y.rows ||
+         hooks.start.columns != Y.columns)) {
+        throw InputError("the start should give a place to each of the " + std::to_string(Y.rows) +
+                         " rows in " + std::to_string(Y.columns) +
+                         " dimensions\nGive it in this shape, with NaN for rows without a place.");
+    }
+}
+
+/// The principal components that are to stand for the columns, if any are.
+std::optional<PrincipalComponents> reduced_columns(MatrixView<const double> X,
+                                                   const FitOptions& options,
+                                                   const FitHooks& hooks,
+                                                   FitReport& report) {
+    if (options.pca <= 0) {
+        return std::nullopt;
+    }
+    const auto count = static_cast<std::size_t>(options.pca);
+    if (count > std::min(X.rows, X.columns)) {
+        throw std::invalid_argument("there are fewer rows or columns than principal components");
+    }
+    PrincipalComponents components = principal_components(X, count);
+    report.variance_kept = components.varianceKept();
+    if (hooks.on_components) {
+        hooks.on_components(*report.variance_kept);
+    }
+    return components;
+}
+
+/// The rows that a fit embeds, and how they start.
+class Rows {
+  public:
+    /// @param X  centred and scaled; read while the object is used
+    Rows(MatrixView<const double> X,
+         const FitOptions& options,
+         const FitHooks& hooks,
+         FitReport& report)
+        : X_(X),
+          options_(options),
+          places_(hooks.start),
+          components_(reduced_columns(X, options, hooks, report)),
+          needs_neighbours_(options.start == StartKind::Given && has_rows_without_place(places_)) {}
+
+    /// The rows as the method sees them.
+    [[nodiscard]] MatrixView<const double> view() const {
+        return components_ ? components_->scoresView() : X_;
+    }
+
+    /// Whether the start depends on the neighbours of the rows.
+    [[nodiscard]] bool needNeighbours() const { return needs_neighbours_; }
+
+    /// Writes the start of the embedding.
+    ///
+    /// @param graph  of the method, empty if that searches for no neighbours
+    void start(MatrixView<double> Y, const NeighbourGraph& graph, RandomStream& random) const {
+        switch (options_.start) {
+            case StartKind::Random:
+                draw_initial_embedding(Y.values, Y.size(), options_.start_spread, random);
+                break;
+            case StartKind::Pca:
+                startAlongComponents(Y);
+                break;
+            case StartKind::Given:
+                startAtPlaces(Y, graph);
+                break;
+        }
+    }
+
+  private:
+    void startAlongComponents(MatrixView<double> Y) const {
+        if (components_) {
+            start_along_components(Y, *components_, options_.start_spread);
+            return;
+        }
+        const std::size_t count = std::min({Y.columns, X_.rows, X_.columns});
+        start_along_components(Y, principal_components(X_, count), options_.start_spread);
+    }
+
+    void startAtPlaces(MatrixView<double> Y, const NeighbourGraph& graph) const {
+        if (needs_neighbours_ && graph.rows == 0) {
+            start_at_places(Y,
+                            places_,
+                            options_.metric == MetricKind::Precomputed
+                                ? placing_neighbours_by_distance(X_)
+                                : placing_neighbours(view()));
+        } else {
+            start_at_places(Y, places_, graph);
+        }
+    }
+
+    MatrixView<const double> X_;
+    const FitOptions& options_;
+    MatrixView<const double> places_;
+    std::optional<PrincipalComponents> components_;
+    bool needs_neighbours_;
+};
+
 /// Iterates until the last iteration, or until a hook ends the fit.
 void iterate(Optimisation& optimisation, const FitHooks& hooks, FitReport& report) {
     bool goes_on = true;
@@ -57,6 +160,7 @@ FitReport fit_into(MatrixView<double> Y,
                    RandomStream* random) {
     check_resumed_state(hooks.resumed_state, Y.size());
     check_metric(X, options, {});
+    check_start(options, hooks, Y);
     OwnRandomStream own_stream;
     RandomStream& stream = random != nullptr ? *random : own_stream;
     stream.seed(static_cast<unsigned int>(options.seed));
@@ -66,18 +170,23 @@ FitReport fit_into(MatrixView<double> Y,
     const std::clock_t start = std::clock();
     Stopwatch watch;
     report.scale = prepare_input(X, options.metric);
-    std::unique_ptr<Objective> objective =
-        method.make({X,
-                     options,
-                     hooks.on_note,
-                     hooks.cached_neighbours,
-                     hooks.wants_neighbours ? &report.neighbours : nullptr,
-                     stream});
+    std::optional<Rows> rows(std::in_place, X, options, hooks, report);
+    const bool has_graph = hooks.wants_neighbours || rows->needNeighbours();
+    std::unique_ptr<Objective> objective = method.make({rows->view(),
+                                                        options,
+                                                        hooks.on_note,
+                                                        hooks.cached_neighbours,
+                                                        has_graph ? &report.neighbours : nullptr,
+                                                        stream});
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
-    draw_initial_embedding(Y.values, Y.size(), options.start_spread, stream);
+    rows->start(Y, report.neighbours, stream);
+    rows.reset();
+    if (!hooks.wants_neighbours) {
+        report.neighbours = {};
+    }
     if (hooks.on_similarities) {
         hooks.on_similarities(objective->report(similarities_end - start));
     }

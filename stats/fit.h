@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ struct Method;
 class RandomStream;
 
 /// What a fit takes from, and gives to, its surroundings. Nothing of it changes a number of the
-/// result but `resumed_state`, which takes the place of the random start.
+/// result but `start`, and `resumed_state`, which takes the place of any start.
 struct FitHooks {
     FitNotes on_note = {};
     /// Takes the message about the joint affinities, once they are there.
@@ -29,6 +30,12 @@ struct FitHooks {
     /// Called after each iteration; false ends the fit there. An exception ends it, too, and leaves
     /// `fit`.
     std::function<bool(const FitState&)> on_iteration = {};
+    /// Is given the share of the variance that principal components keep, if they stand for the
+    /// columns, before neighbours are searched for.
+    std::function<void(double share)> on_components = {};
+    /// Where the rows start if the options say `StartKind::Given`, else not looked at: rows x output
+    /// dimensions. A row of NaN starts at the median of its neighbours (`start_at_places`).
+    MatrixView<const double> start = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
     /// Null, or the neighbours that fits of one matrix share, one fit at a time, or that were given
@@ -49,6 +56,8 @@ struct FitReport {
     double final_cost = 0.0;
     /// How the input was centred and scaled; without means where it holds distances.
     InputScale scale;
+    /// The share of the variance that principal components keep, if they stand for the columns.
+    std::optional<double> variance_kept;
     /// Empty unless `wants_neighbours`, and where the method searches for none.
     NeighbourGraph neighbours;
     RunTimes seconds;
@@ -78,7 +87,10 @@ struct Fit {
 /// @throws InputError if the metric cannot compare the rows, or X holds no distances where it is
 /// `Precomputed`
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
-/// @throws std::invalid_argument if `resumed_state` is of another shape than Y
+/// @throws std::invalid_argument if `resumed_state` is of another shape than Y, or there are to be
+/// more principal components than rows or columns
+/// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not finite;
+/// if it keeps the map flat, as principal components do along which rows do not vary
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
 /// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
 OVIK_API FitReport fit_into(MatrixView<double> Y,

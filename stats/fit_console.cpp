@@ -67,6 +67,13 @@ FitNotes console_notes(double perplexity) {
     };
 }
 
+void print_components(int components, int columns, double share) {
+    char percent[16];
+    std::snprintf(percent, sizeof percent, "%.1f", 100.0 * share);
+    print_info(std::to_string(components) + " principal components stand for " +
+               std::to_string(columns) + " columns, with " + percent + " % of the variance");
+}
+
 template <typename T>
 void print_progress(const IterationReport& reached) {
     char cost_text[512];  // "%f" of a double has at most 317 characters

@@ -17,6 +17,11 @@ void print_launch(const FitOptions& options, int N);
 /// log.
 FitNotes console_notes(double perplexity);
 
+/// Says what principal components keep of the variance of the columns that they stand for.
+///
+/// @param share  0 to 1
+void print_components(int components, int columns, double share);
+
 /// Redraws the progress bar, in the precision T.
 template <typename T>
 void print_progress(const IterationReport& reached);

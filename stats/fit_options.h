@@ -158,7 +158,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "start_spread",
             .flags = "--start-spread",
             .title = "Spread of the start",
-            .sentence = "Standard deviation of the random start",
+            .sentence =
+                "Standard deviation of a random start, or of one by components along the first",
             .is_always_told = true});
     option(options.momentum,
            kPreset.momentum,

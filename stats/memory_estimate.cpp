@@ -11,6 +11,26 @@ namespace {
 /// What program, libraries, gene table and threads take.
 constexpr double kProgramBytes = 14e6;
 
+/// What principal components take while they are found; 0 if none are wanted.
+double components_memory(const RunSize& size) {
+    const FitOptions& options = size.options;
+    if (options.pca == 0 && options.start != StartKind::Pca) {
+        return 0.0;
+    }
+    const auto N = static_cast<double>(size.rows);
+    const auto D = static_cast<double>(size.columns);
+    const double smaller = std::min(N, D);
+    return 48.0 * smaller * smaller + (N < D ? 8.0 * N * D : 0.0);
+}
+
+/// The run as the method sees it.
+RunSize with_components(RunSize size) {
+    if (size.options.pca > 0) {
+        size.columns = static_cast<std::size_t>(size.options.pca);
+    }
+    return size;
+}
+
 }  // namespace
 
 double MemoryEstimate::peak() const {
@@ -22,14 +42,16 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     const auto d = static_cast<double>(size.options.out_dims);
     const double table_rows = N * d * std::max(d - 1.0, 0.0) / 2.0;
     const double input = 8.0 * N * static_cast<double>(size.columns);
-    const MethodMemory method = method_of(size.options).memory(size);
+    const MethodMemory method = method_of(size.options).memory(with_components(size));
     double lasting = kProgramBytes + input + 80.0 * N;
     MemoryEstimate estimate;
     estimate.reading = lasting + input;
     if (size.is_shared) {
         lasting += input + method.shared;
     }
-    estimate.similarities = lasting + method.similarities;
+    const double scores = 8.0 * N * static_cast<double>(std::max(size.options.pca, 0));
+    estimate.similarities =
+        lasting + std::max(components_memory(size), scores + method.similarities);
     estimate.fitting = lasting + 32.0 * N * d + method.fitting;
     estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N
                                                  : 160.0 * table_rows + 130.0 * N);

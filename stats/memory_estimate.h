@@ -34,6 +34,9 @@ struct RunSize {
 /// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
 ///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
 ///   and the symmetric entries (12 S);
+/// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
+///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
+///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (153 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the

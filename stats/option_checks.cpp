@@ -84,6 +84,30 @@ void check_components(const FitOptions& options,
     }
 }
 
+/// The components that a map can start along: of rows that are centred there is one less.
+void check_start(const FitOptions& options,
+                 std::size_t rows,
+                 std::size_t columns,
+                 const OptionSource& source) {
+    if (options.start != StartKind::Pca) {
+        return;
+    }
+    const auto dims = static_cast<std::size_t>(options.out_dims);
+    const std::string start = spelled(options, source, "start");
+    const std::string of_the_map =
+        " needs a component for each of the " + std::to_string(dims) + " dimensions of the map";
+    if (options.pca > 0 && static_cast<std::size_t>(options.pca) < dims) {
+        throw InputError(start + of_the_map + "\nGive more than " +
+                         spelled(options, source, "pca") + ", or take the random start.");
+    }
+    if (std::min(rows - 1, columns) < dims) {
+        throw InputError(start + of_the_map + ", and the matrix has " +
+                         counted(rows, "row", "rows") + " and " +
+                         counted(columns, "column", "columns") +
+                         "\nTake the random start, or fewer dimensions.");
+    }
+}
+
 }  // namespace
 
 OptionSource source_of(const FitOptions& options) {
@@ -118,6 +142,7 @@ void check_options_for(const FitOptions& options,
     check_neighbours(options, rows, source);
     check_multiscale(options, rows, source);
     check_components(options, rows, columns, source);
+    check_start(options, rows, columns, source);
 }
 
 }  // namespace ovik

@@ -30,7 +30,8 @@ OVIK_API OptionSource source_of(const FitOptions& options);
 OVIK_API void check_options_together(const FitOptions& options, const OptionSource& source);
 
 /// Refuses options that a matrix cannot bear: neighbours or perplexities as many as other rows, no
-/// fewer principal components than columns or rows.
+/// fewer principal components than columns or rows, a start along fewer than the map has
+/// dimensions.
 ///
 /// @param rows     of the matrix
 /// @param columns  of the matrix

@@ -26,10 +26,14 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
             parameters.emplace_back(option.words.title, value_text(option));
         }
     });
-    char cost[64];
-    std::snprintf(cost, sizeof cost, "%g", report.reached.cost);
+    char text[64];
+    if (report.variance_kept) {
+        std::snprintf(text, sizeof text, "%.1f %%", 100.0 * *report.variance_kept);
+        parameters.emplace_back("Variance kept", text);
+    }
+    std::snprintf(text, sizeof text, "%g", report.reached.cost);
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
-    parameters.emplace_back("Final cost", cost);
+    parameters.emplace_back("Final cost", text);
     return parameters;
 }
 

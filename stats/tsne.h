@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <system_error>
@@ -97,11 +98,14 @@ class TSNE {
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
     int checkpoint_every = 50;
+    /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN in
+    /// rows that start among their neighbours.
+    std::vector<double> start_places;
     /// What was done to the input before it came here, such as "log1p": the chart page names it,
     /// and so do checkpoints, which are not gone on with if it differs. Empty: nothing.
     std::string transformations;
     /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
-    /// from the random start. Empty: none.
+    /// from its start. Empty: none.
     std::string resume_path;
     /// Neighbours that runs of several objects over the same input share, so that they are searched
     /// for once; the results are those of separate runs. Not used by the exact method. Null: the
@@ -193,6 +197,10 @@ class TSNE {
 
     /// The cost of the last embedding, against the affinities without exaggeration.
     [[nodiscard]] double finalCost() const { return final_cost_; }
+
+    /// The share of the variance that principal components kept in the last run, if they stood for
+    /// the columns.
+    [[nodiscard]] std::optional<double> varianceKept() const { return variance_kept_; }
 
     /// The cost of each iteration of the last embedding, as `FitReport::costs`.
     [[nodiscard]] const std::vector<double>& costs() const { return costs_; }
@@ -305,6 +313,7 @@ class TSNE {
     bool table_written_ = false;
     bool log_written_ = false;
     double final_cost_ = 0.0;
+    std::optional<double> variance_kept_;
     std::vector<double> costs_;
     RunTimes times_;
     std::string checkpoint_failure_;

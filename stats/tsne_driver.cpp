@@ -151,6 +151,9 @@ RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
     if (!given.empty()) {
         run.options.emplace_back("given neighbours", given);
     }
+    if (options.start == StartKind::Given) {
+        run.options.emplace_back("start_places", hexadecimal(digest_of(start_places)));
+    }
     if (!transformations.empty()) {
         run.options.emplace_back("transformations", transformations);
     }
@@ -249,6 +252,11 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
         resumed ? std::optional(state_of(*resumed)) : std::nullopt;
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
+    if (options.out_dims > 0) {
+        const auto dims = static_cast<std::size_t>(options.out_dims);
+        hooks.start = {start_places.data(), start_places.size() / dims, dims};
+    }
+    hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
     FitReport report = exiting_without_memory([&] {
         const auto columns = static_cast<std::size_t>(std::max(D, 0));
         return fit_into(embedding,
@@ -263,6 +271,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     final_cost_ = report.final_cost;
     costs_ = std::move(report.costs);
     times_ = report.seconds;
+    variance_kept_ = report.variance_kept;
     print_fitting_time(report.fitting_clock);
     return report;
 }
@@ -272,6 +281,7 @@ template <typename T>
 void TSNE<T>::forgetResults() {
     checkpoint_failure_.clear();
     final_cost_ = 0.0;
+    variance_kept_.reset();
     costs_.clear();
     times_ = {};
     table_written_ = false;

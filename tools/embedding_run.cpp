@@ -64,6 +64,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.checkpoint_every = options.checkpoint_every;
     tsne.transformations = names_of(options.load.transformations);
     tsne.resume_path = options.resume;
+    tsne.start_places = std::move(input.start_places);
     tsne.cached_neighbours = std::move(input.neighbours);
 }
 
@@ -184,6 +185,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
                  options.fit.mom_switch_iter);
     record.costs = tsne.costs();
     record.final_cost = tsne.finalCost();
+    record.variance_kept = tsne.varianceKept();
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};
     if (options.quality) {

@@ -26,6 +26,8 @@ struct RunInput {
     std::vector<std::string> labels;
     /// Labels by name, in the place of the former; empty for none.
     std::vector<LabelColumn> label_columns;
+    /// Where the rows start, rows x output dimensions; empty for a start of another kind.
+    std::vector<double> start_places;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
 };

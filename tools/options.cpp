@@ -439,6 +439,7 @@ void add_input_options(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
            "--names",
            [&options](const std::string& text) {
+               options.names_are_given = true;
                options.names = text == "standard" ? RowNames::Standard
                                : text == "other"  ? RowNames::Other
                                                   : RowNames::AsInFile;
@@ -484,6 +485,10 @@ void add_transformation_options(CLI::App& app, Options& options) {
     app.add_flag("--scale",
                  transformations.scale,
                  "Divide each column by its standard deviation; behind --log1p and --center");
+    app.add_flag(
+        "--transpose",
+        transformations.transpose,
+        "Embed the columns, by their names in the header; behind all that is done to them");
 }
 
 void check_combination(const Options& options) {

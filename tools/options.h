@@ -51,6 +51,8 @@ struct Options {
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
+    /// Whether the command line says so.
+    bool names_are_given = false;
     /// Whether rows that the metric cannot compare are left out, and not refused.
     bool drops_constant_rows = false;
     /// Graph of the neighbours of the rows, in the place of a search; empty for a search.

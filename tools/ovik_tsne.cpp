@@ -36,7 +36,9 @@
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
+#include "tools/row_genes.h"
 #include "tools/standard_streams.h"
+#include "tools/start_file.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -92,6 +94,9 @@ ExitStatus embed(Options options, RunReport report) {
     LoadedMatrix loaded = load_matrix(options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
+    if (options.load.transformations.transpose && !options.names_are_given) {
+        options.names = kind_of_names(loaded.matrix.row_names);
+    }
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     report.options = reported_options(options);
@@ -102,6 +107,7 @@ ExitStatus embed(Options options, RunReport report) {
     const AvailableMemory available = available_memory();
     if (options.dry_run) {
         settle_names(loaded.matrix.row_names, options.names);
+        settle_start(options, loaded.matrix.row_names);
         print_plan(options, perplexities, size, available);
     }
     if (!options.force) {

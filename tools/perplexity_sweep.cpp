@@ -27,6 +27,7 @@
 #include "tools/interruption.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
+#include "tools/start_file.h"
 
 namespace ovik::tool {
 
@@ -60,6 +61,7 @@ RunInput input_of_run(LoadedMatrix& loaded,
                       const std::shared_ptr<const RowGenes>& genes,
                       const std::vector<LabelColumn>& labels,
                       const std::shared_ptr<CachedNeighbours>& neighbours,
+                      const std::vector<double>& start_places,
                       bool is_last) {
     RunInput input;
     input.rows = loaded.matrix.report.rows;
@@ -76,6 +78,7 @@ RunInput input_of_run(LoadedMatrix& loaded,
     input.labels = loaded.labels;
     input.label_columns = labels;
     input.neighbours = neighbours;
+    input.start_places = start_places;
     return input;
 }
 
@@ -180,12 +183,15 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     const auto genes =
         std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
     describe_input(report, loaded);
+    const std::vector<double> start_places = settle_start(options, loaded.matrix.row_names);
     const std::shared_ptr<CachedNeighbours> neighbours =
         given != nullptr ? given : shared_neighbours(perplexities, options, report.rows);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
-        report.runs.push_back(run_embedding(
-            options, input_of_run(loaded, genes, labels, neighbours, is_last), perplexity));
+        report.runs.push_back(
+            run_embedding(options,
+                          input_of_run(loaded, genes, labels, neighbours, start_places, is_last),
+                          perplexity));
         if (interruption_status() != Success) {
             break;
         }

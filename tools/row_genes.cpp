@@ -78,6 +78,10 @@ RowGenes look_up_rows(const std::vector<std::string>& row_names) {
     return genes;
 }
 
+RowNames kind_of_names(const std::vector<std::string>& names) {
+    return 2 * look_up_rows(names).found() >= names.size() ? RowNames::AsInFile : RowNames::Other;
+}
+
 RowGenes rows_without_genes(std::size_t row_count) {
     RowGenes genes;
     genes.rows.resize(row_count);

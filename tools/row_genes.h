@@ -6,6 +6,8 @@
 
 #include "annotation/gene_lookup.h"
 
+#include "tools/options.h"
+
 namespace ovik::tool {
 
 /// What the gene table knows of the rows of a matrix.
@@ -40,6 +42,9 @@ std::vector<std::string> other_names_of(const RowGenes& genes,
 /// Looks the rows up, also by other letter case, systematic names, names of proteins and standard
 /// names of other releases.
 RowGenes look_up_rows(const std::vector<std::string>& row_names);
+
+/// What names that were those of columns are: of genes, if the table knows at least half of them.
+RowNames kind_of_names(const std::vector<std::string>& names);
 
 /// What is known of rows that are no genes of yeast: nothing.
 RowGenes rows_without_genes(std::size_t row_count);

@@ -42,23 +42,34 @@ check_options <- function(options) {
 
 bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
 
-# Coordinates to start from as a plain matrix; NULL where `start` is a name.
-checked_start <- function(start, rows, dims) {
+# The coordinates of a start as a plain matrix in the order of the rows of x, NA in rows that it has not;
+# NULL where `start` is a name. Rows are found by name where both have names.
+checked_start <- function(start, x, dims) {
   if (!is.matrix(start)) return(NULL)
   if (!is.numeric(start) || is.object(start)) {
     refuse(sprintf("start is a matrix of '%s'", class(start[1])), "Give a matrix of plain numbers.")
   }
-  if (!identical(dim(start), c(rows, as.integer(dims)))) {
+  if (!is.null(rownames(start)) && !is.null(rownames(x))) {
+    twice <- rownames(start)[duplicated(rownames(start))]
+    if (length(twice) > 0) refuse(sprintf("start has the row '%s' twice", twice[1]), "Give each name one row.")
+    start <- start[match(rownames(x), rownames(start)), , drop = FALSE]
+  }
+  if (!identical(dim(start), c(nrow(x), as.integer(dims)))) {
     refuse(
-      sprintf("start has %d rows and %d columns, and the map has %d and %d", nrow(start), ncol(start), rows, dims),
-      "Give a place for every row of x."
+      sprintf("start has %d rows and %d columns, and the map has %d and %d", nrow(start), ncol(start), nrow(x), dims),
+      "Give a place for every row of x, or names for the rows of both."
     )
   }
-  if (!all(is.finite(start))) {
+  missing <- rowSums(is.na(start))
+  broken <- missing != 0 & missing != ncol(start) | rowSums(is.infinite(start)) > 0
+  if (any(broken)) {
     refuse(
-      sprintf("start has %s in row %d", format(start[!is.finite(start)][1]), row(start)[!is.finite(start)][1]),
-      "Give a place for every row of x."
+      sprintf("start has coordinates in row %d that are not finite", which(broken)[1]),
+      "Give all of a place, or NA for all of it: the row starts at the median of its neighbours then."
     )
+  }
+  if (all(missing > 0)) {
+    refuse("start has a place for none of the rows of x", "Compare rownames(start) with rownames(x).")
   }
   storage.mode(start) <- "double"
   start

@@ -14,7 +14,8 @@ read_matrix <- function(
   row_names = NULL,
   log1p = FALSE,
   center = NULL,
-  scale = FALSE
+  scale = FALSE,
+  transpose = FALSE
 ) {
   form <- list(
     delimiter = checked_delimiter(delimiter),
@@ -29,7 +30,8 @@ read_matrix <- function(
     row_names = if (!is.null(row_names)) checked_file("row_names", row_names),
     log1p = checked_flag("log1p", log1p),
     center = checked_choice("center", center, c("rows", "columns")),
-    scale = checked_flag("scale", scale)
+    scale = checked_flag("scale", scale),
+    transpose = checked_flag("transpose", transpose)
   )
   told(.Call(C_read_matrix, checked_file("file", file), form))
 }

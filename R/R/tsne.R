@@ -54,6 +54,7 @@ tsne.default <- function(x, perplexity = 30, ...) {
 # those that are given.
 embed <- function(x, options, preset, labels, threads, verbose, call) {
   start <- options$start
+  if (is.data.frame(start)) start <- matrix_of_table(start)
   if (is.matrix(start)) options$start <- "given"
   if (identical(start, "given")) options$start <- "" # The name stands for coordinates alone.
   check_options(options)
@@ -62,7 +63,7 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
   check_flag("verbose", verbose)
   check_values(x)
   check_metric(x, bare_value(options$metric))
-  start <- checked_start(start, nrow(x), options$dims)
+  start <- checked_start(start, x, options$dims)
   given <- intersect(names(options), names(call))
   sent <- options[union("perplexity", given)]
   options <- .Call(C_settle, lapply(sent, bare_value), given, preset, dim(x))

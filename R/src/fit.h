@@ -12,10 +12,11 @@ namespace ovik::r {
 struct FitManner {
     /// Number of threads; 0 for all cores.
     int threads = 0;
+    /// Where the rows start, row by row, NaN in rows that start among their neighbours; empty for a
+    /// start that the fit makes.
+    std::vector<double> start = {};
     /// Takes the lines that tell how far the fit is, called by the thread of the fit; may be empty.
     std::function<void(std::string)> tell = {};
-    /// The start, row by row, rows x output dimensions; empty for one that the fit makes.
-    std::vector<double> start = {};
 };
 
 struct Outcome {

@@ -176,7 +176,7 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
 }
 
 /// @param x      a matrix of real numbers
-/// @param start  one of the shape of the map, or NULL
+/// @param start  NULL, or one of the shape of the map, NA in rows without
 cpp11::writable::list embed(
     SEXP x, const cpp11::list& arguments, SEXP start, int threads, bool verbose) {
     const TheOneFit the_one_fit;
@@ -245,6 +245,7 @@ LoadOptions load_options(const cpp11::list& form) {
     options.transformations.log1p = cpp11::as_cpp<bool>(form["log1p"]);
     options.transformations.centre = centring_of(text_of(form["center"])).value_or(Centring::None);
     options.transformations.scale = cpp11::as_cpp<bool>(form["scale"]);
+    options.transformations.transpose = cpp11::as_cpp<bool>(form["transpose"]);
     return options;
 }
 

@@ -48,6 +48,7 @@ def read_matrix(
     log1p: bool = False,
     center: Literal["rows", "columns"] | None = None,
     scale: bool = False,
+    transpose: bool = False,
     encoding: str = "utf-8",
 ) -> Matrix:
     """Read a matrix as the command ``ovik-tsne`` does.
@@ -90,6 +91,8 @@ def read_matrix(
         Which means to subtract.
     scale : bool, default False
         Whether to divide each column by its standard deviation (n - 1).
+    transpose : bool, default False
+        Whether to make rows of the columns at last, which need names of their own then.
     encoding : str, default "utf-8"
         Of the names.
 
@@ -135,6 +138,7 @@ def read_matrix(
         "log1p": bool(log1p),
         "center": _checked_center(center),
         "scale": bool(scale),
+        "transpose": bool(transpose),
     }
     values, rows, columns, remarks, notes = _core.read_matrix(
         os.fsencode(path), form, missing or ""

@@ -79,8 +79,13 @@ def automatic_learning_rate(n_samples: int, exaggeration: float, least: float) -
     return max(n_samples / exaggeration, least)
 
 
-def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
-    """The coordinates to start from; None for a start that the fit makes."""
+def start_of(
+    init: Any, shape: tuple[int, int], index: Any = None
+) -> NDArray[np.float64] | None:
+    """The coordinates to start from, NaN in rows without; None for a start that the fit makes.
+
+    A data frame gives them by the names of its index where the rows have an index, too.
+    """
     if isinstance(init, str):
         if init not in _STARTS:
             raise ValueError(
@@ -88,6 +93,8 @@ def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
                 "Another start can be computed and given as an array."
             )
         return None
+    if index is not None and hasattr(init, "reindex"):
+        init = _reindexed(init, index)
     try:
         start = np.array(init, dtype=np.float64, order="C")
     except (TypeError, ValueError) as error:
@@ -99,9 +106,25 @@ def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
             f"init should have a row per row of X and a column per component, the shape {shape}, not "
             f"{start.shape}"
         )
-    if not np.isfinite(start).all():
-        raise ValueError("init holds values that are not finite (NaN or infinite)")
+    missing = np.isnan(start)
+    if np.isinf(start).any() or (missing.any(axis=1) != missing.all(axis=1)).any():
+        raise ValueError(
+            "init holds values that are not finite (NaN or infinite) in rows with others that are\n"
+            "A row of NaN starts at the median of its neighbours."
+        )
+    if missing.all():
+        raise ValueError("init has coordinates for none of the rows of X")
     return start
+
+
+def _reindexed(init: Any, index: Any) -> Any:
+    """The rows of a data frame that an index asks for, NaN for those that it has not."""
+    if not init.index.is_unique:
+        raise ValueError(
+            f"init has the row {init.index[init.index.duplicated()][0]!r} twice\n"
+            "Give each name one row, or an array in the order of the rows of X."
+        )
+    return init.reindex(index)
 
 
 def is_default(value: Any, default: Any) -> bool:

@@ -260,7 +260,7 @@ class TSNE(FitParameters):
 
     def _fit(self, given: Input) -> None:
         n_samples, n_features = given.values.shape
-        start = start_of(self.init, (n_samples, self.n_components))
+        start = start_of(self.init, (n_samples, self.n_components), given.index)
         options = self._settled_options(n_samples, n_features, start is not None)
         manner = self._checked_manner(n_samples, start)
         check_finite(given.values)

@@ -49,26 +49,6 @@ bool is_due(const FitManner& manner, const FitState& state) {
            (state.isLast() || state.reached.iteration % manner.callback_every == 0);
 }
 
-/// A start in the place of the random one: the state before the first iteration.
-class GivenStart {
-  public:
-    GivenStart(const double* start, std::size_t count)
-        : velocity_(start == nullptr ? 0 : count, 0.0),
-          gains_(velocity_.size(), 1.0) {
-        state_.embedding = {start, velocity_.size()};
-        state_.velocity = velocity_;
-        state_.gains = gains_;
-    }
-
-    /// Null without one.
-    [[nodiscard]] const FitState* state() const { return velocity_.empty() ? nullptr : &state_; }
-
-  private:
-    std::vector<double> velocity_;
-    std::vector<double> gains_;
-    FitState state_;
-};
-
 /// Goes on from an iteration, or not.
 ///
 /// @throws std::runtime_error if the embedding is of no use, or not wanted
@@ -106,9 +86,8 @@ Outcome run_fit(MatrixView<const double> points,
     Outcome outcome;
     outcome.threads_note = set_thread_count(manner.threads);
     const std::unique_ptr<double[]> X = checked_copy(points);
-    const GivenStart start(manner.start, points.rows * static_cast<std::size_t>(options.out_dims));
     FitHooks hooks;
-    hooks.resumed_state = start.state();
+    hooks.start = {manner.start, points.rows, static_cast<std::size_t>(options.out_dims)};
     std::shared_ptr<CachedNeighbours> neighbours;
     if (manner.neighbours != nullptr) {
         outcome.neighbours_note =
@@ -126,6 +105,9 @@ Outcome run_fit(MatrixView<const double> points,
         print_launch(options, static_cast<int>(points.rows));
         hooks.on_note = console_notes(options.perplexity);
         hooks.on_similarities = [](const std::string& message) { print_info(message); };
+        hooks.on_components = [&](double share) {
+            print_components(options.pca, static_cast<int>(points.columns), share);
+        };
     }
     outcome.fit = fit({X.get(), points.rows, points.columns}, options, hooks);
     if (manner.verbose) {

@@ -19,7 +19,8 @@ struct FitManner {
     int threads = 0;
     /// Whether the engine's console lines show.
     bool verbose = false;
-    /// The start, row-major, rows x output dimensions; null for the random one.
+    /// The start, row-major, rows x output dimensions, NaN in rows that start among their
+    /// neighbours; null for one that the fit makes.
     const double* start = nullptr;
     /// Null, or neighbours in the place of a search; they do for the fit.
     const NeighbourLists* neighbours = nullptr;

@@ -193,6 +193,7 @@ LoadOptions load_options(const py::dict& form) {
     options.transformations.centre =
         centring_of(form["center"].cast<std::string>()).value_or(Centring::None);
     options.transformations.scale = form["scale"].cast<bool>();
+    options.transformations.transpose = form["transpose"].cast<bool>();
     return options;
 }
 

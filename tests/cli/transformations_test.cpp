@@ -139,5 +139,79 @@ TEST_F(TransformationsOfTheCommand, FollowTheTreatmentOfMissingValues) {
                       {"--log1p", "--center", "rows"}));
 }
 
+/// Six times of a course, of 40 genes each, with the times in the columns.
+std::string courses() {
+    std::string content = "gene";
+    for (const int d : {0, 1, 2, 3, 4, 5}) {
+        content += "\tt" + std::to_string(d);
+    }
+    for (int n = 0; n < kRows; ++n) {
+        content += "\nGENE" + std::to_string(n);
+        for (const int d : {0, 1, 2, 3, 4, 5}) {
+            content += "\t" + std::to_string(count_of(n, d));
+        }
+    }
+    return content + "\n";
+}
+
+/// The same with the times in the rows.
+std::string turned_courses() {
+    std::string content = "time";
+    for (int n = 0; n < kRows; ++n) {
+        content += "\tGENE" + std::to_string(n);
+    }
+    for (const int d : {0, 1, 2, 3, 4, 5}) {
+        content += "\nt" + std::to_string(d);
+        for (int n = 0; n < kRows; ++n) {
+            content += "\t" + std::to_string(count_of(n, d));
+        }
+    }
+    return content + "\n";
+}
+
+TEST_F(TransformationsOfTheCommand, TransposeEmbedsTheColumns) {
+    const std::string expected = tableOf(turned_courses(), {"--names", "other"});
+    EXPECT_EQ(tableOf(courses(), {"--transpose"}), expected);
+    EXPECT_THAT(expected, HasSubstr("\nt5,"));
+    EXPECT_THAT(out_, HasSubstr("transposed, so that its 6 columns are the points"));
+    EXPECT_THAT(out_, HasSubstr("Perplexity 1.67, the largest that is advised for 6 rows"));
+    EXPECT_THAT(out_, Not(HasSubstr("Gene table")));
+}
+
+TEST_F(TransformationsOfTheCommand, TransposeJoinsLabelsByTheNamesOfColumns) {
+    const CommandOutcome outcome = run_on(
+        courses(),
+        {"--transpose", "--no-plots", "--labels", directory_.write("l", "t\tlight\nt3\ton\n")});
+    EXPECT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("Labels: 1 of 6 rows labelled"));
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(TransformationsOfTheCommand, TransposeLooksUpColumnsThatAreGenes) {
+    std::string content = "time\tCDC28\tHO\tYAL001C\tnone\n";
+    for (const char* const row : {"t0\t1\t2\t3\t4\n", "t1\t2\t5\t1\t1\n", "t2\t5\t3\t2\t9\n"}) {
+        content += row;
+    }
+    const std::vector<std::string> arguments = {
+        directory_.write("m.txt", content), "--out-dir", results_, "--no-plots", "--transpose"};
+    const CommandOutcome genes = run(arguments);
+    EXPECT_EQ(genes.exit_status, kSuccess) << genes.err;
+    EXPECT_THAT(genes.out, HasSubstr("Gene table: 3 of 4 rows found"));
+    const CommandOutcome others = run(
+        {directory_.write("m.txt", courses()), "--out-dir", results_, "--no-plots", "--transpose"});
+    EXPECT_THAT(others.out, Not(HasSubstr("Gene table")));
+    EXPECT_EQ(others.err, "");
+}
+
+TEST_F(TransformationsOfTheCommand, TransposeAsksForNamesOfColumns) {
+    const CommandOutcome outcome =
+        run_on("G1\t1\t2\t3\nG2\t3\t4\t7\n", {"--transpose", "--no-header"});
+    EXPECT_EQ(outcome.exit_status, kBadInput);
+    EXPECT_THAT(
+        outcome.err,
+        HasSubstr("--transpose makes points of the columns, and its 3 columns have no names"));
+    EXPECT_THAT(outcome.err, HasSubstr("--row-names FILE"));
+}
+
 }  // namespace
 }  // namespace ovik

@@ -245,8 +245,15 @@ double barnes_hut_cost(const SparseRows& P,
 SparseRows joint_similarities(const Matrix& input, double perplexity) {
     std::vector<double> X = input.values;
     normalise_input(X, input.rows, input.columns);
+    return joint_similarities(X, input.rows, input.columns, perplexity);
+}
+
+SparseRows joint_similarities(const std::vector<double>& points,
+                              std::size_t N,
+                              std::size_t dims,
+                              double perplexity) {
     return joined(neighbour_similarities(
-        X, input.rows, input.columns, perplexity, static_cast<std::size_t>(3.0 * perplexity)));
+        points, N, dims, perplexity, static_cast<std::size_t>(3.0 * perplexity)));
 }
 
 SparseRows joined(const SparseRows& conditional) {
@@ -298,6 +305,9 @@ std::vector<double> descend_with_tree(SparseRows P,
     std::vector<double> Y(N * no_dims);
     for (double& y : Y) {
         y = normal_deviate() * schedule.start_spread;
+    }
+    if (schedule.start != nullptr) {
+        Y = *schedule.start;
     }
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);

@@ -91,6 +91,11 @@ SparseRows joint_similarities(const Matrix& input, double perplexity);
 
 /// The joint similarities of conditional ones.
 SparseRows joined(const SparseRows& conditional);
+/// The same of points as they stand, N x dims.
+SparseRows joint_similarities(const std::vector<double>& points,
+                              std::size_t N,
+                              std::size_t dims,
+                              double perplexity);
 
 /// The whole Barnes-Hut method on such a matrix. The gradient and the cost each build a tree.
 ///

@@ -393,6 +393,9 @@ std::vector<double> descend_exactly(std::vector<double> P,
     for (double& y : Y) {
         y = normal_deviate() * schedule.start_spread;
     }
+    if (schedule.start != nullptr) {
+        Y = *schedule.start;
+    }
     std::vector<double> uY(N * no_dims, 0.0);
     std::vector<double> gains(N * no_dims, 1.0);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };

@@ -98,6 +98,8 @@ struct Schedule {
     bool has_automatic_rate = false;
     bool has_gains = true;
     double stop_when = 0.0;
+    /// Null, or the embedding to start from, N x no_dims.
+    const std::vector<double>* start = nullptr;
 };
 
 /// The factor of the similarities in the step of an iteration.

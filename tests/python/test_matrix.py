@@ -163,7 +163,17 @@ def test_values_are_transformed_in_the_order_of_the_options(write):
     assert matrix.values == pytest.approx(expected, rel=1e-14)
 
 
+def test_columns_become_rows_at_last(write):
+    text = "gene,a,b,c\nG1,1,2.5,0\nG2,3,400,7\nG3,0,5,2\n"
+    expected = ovik.read_matrix(write(text), center="rows")
+    matrix = ovik.read_matrix(write(text), center="rows", transpose=True)
+    np.testing.assert_array_equal(matrix.values, expected.values.T)
+    assert matrix.row_names == ["a", "b", "c"]
+    assert matrix.column_names == ["G1", "G2", "G3"]
+
+
 @pytest.mark.parametrize("options, message", [
+    ({"transpose": True, "header": False}, "transpose=True makes points of the columns"),
     ({"log1p": True}, 'row "G2" has a value below 0 in column "a"'),
     ({"scale": True, "missing": None}, "values are missing"),
     ({"center": "x"}, "center should be None, 'rows' or 'columns', not 'x'"),

@@ -67,6 +67,38 @@ def test_start_is_where_the_map_begins(points):
     assert not np.array_equal(moved.embedding_, fit(points, theta=0.0).embedding_)
 
 
+def test_start_finds_rows_by_name(points):
+    pd = pytest.importorskip("pandas")
+    start = np.random.default_rng(4).normal(scale=10, size=(90, 2))
+    names = [f"G{row}" for row in range(90)]
+    named = pd.DataFrame(start, index=names)
+    by_place = fit(points, init=start).embedding_
+    X = pd.DataFrame(points, index=names)
+    assert np.array_equal(fit(X, init=named.iloc[::-1]).embedding_, by_place)
+    start[[3, 80]] = np.nan
+    without = fit(points, init=start).embedding_
+    assert np.array_equal(fit(X, init=named.drop(index=["G3", "G80"])).embedding_, without)
+    assert np.isfinite(without).all()
+    assert "init has the row 'G4' twice" in refusal(X, init=named.rename({"G5": "G4"}))
+
+
+def test_start_along_components_is_centred_and_scaled(points):
+    still = fit(points, init="pca", n_iter=1, learning_rate=1e-12).embedding_
+    centred = points - points.mean(axis=0)
+    directions = np.linalg.svd(centred)[2][:2]
+    largest = np.abs(directions).argmax(axis=1)
+    scores = centred @ (directions.T * np.sign(directions[[0, 1], largest]))
+    expected = scores * 1e-4 / scores[:, 0].std(ddof=1)
+    assert np.allclose(still, expected, rtol=1e-8, atol=1e-13)
+
+
+def test_components_stand_for_columns(points):
+    reduced = fit(points, pca=3)
+    assert reduced.embedding_.shape == (90, 2)
+    assert not np.array_equal(reduced.embedding_, fit(points).embedding_)
+    assert "components reduce nothing" in refusal(points, pca=points.shape[1])
+
+
 def test_start_is_not_changed(points):
     start = np.random.default_rng(4).normal(size=(90, 2))
     before = start.copy()
@@ -78,7 +110,9 @@ def test_start_is_not_changed(points):
     ("grid", 'init should be "random", "pca" or an array of the shape (90, 2), not \'grid\''),
     ("given", 'init should be "random", "pca" or an array'),
     (np.zeros((90, 3)), "the shape (90, 2), not (90, 3)"),
-    (np.full((90, 2), np.nan), "not finite"),
+    (np.full((90, 2), np.nan), "init has coordinates for none of the rows"),
+    (np.tile([np.nan, 1.0], (90, 1)), "not finite"),
+    (np.full((90, 2), np.inf), "not finite"),
     ([["a", "b"]] * 90, 'init should be "random", "pca" or an array of numbers'),
     (None, "not ()"),
 ])

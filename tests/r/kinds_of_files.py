@@ -18,7 +18,7 @@ from kinds_of_files import lay_out  # noqa: E402
 # What the command refuses before a fit, and R with the fit itself.
 LEFT_TO_THE_FIT = ("all rows hold the same values", "too close", "too large")
 FLAGS = {"--no-header": "header = FALSE", "--no-names": "names = FALSE", "--log1p": "log1p = TRUE",
-         "--scale": "scale = TRUE"}
+         "--scale": "scale = TRUE", "--transpose": "transpose = TRUE"}
 DELIMITERS = {"space": " ", "tab": "\\t"}
 
 # What R makes of each file, a line each.

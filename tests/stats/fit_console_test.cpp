@@ -127,6 +127,11 @@ TEST(PrintFittingTime, GivesSeconds) {
               "-- Performed fitting in 2.50s\n");
 }
 
+TEST(FitConsole, SaysWhatComponentsKeep) {
+    EXPECT_EQ(printed([] { print_components(50, 173, 0.98765); }).out,
+              "-- 50 principal components stand for 173 columns, with 98.8 % of the variance\n");
+}
+
 TEST(FitConsole, PrintsAndLogsNothingInSilence) {
     const test::RecordingSink sink;
     const Printed shown = printed([] {
@@ -145,6 +150,7 @@ TEST(FitConsole, PrintsAndLogsNothingInSilence) {
         print_progress<double>({.iteration = 1, .max_iter = 2});
         print_end_of_iterations({.iteration = 1, .max_iter = 2});
         print_fitting_time(1000);
+        print_components(2, 3, 0.5);
     });
     EXPECT_EQ(shown.out, "");
     EXPECT_EQ(shown.err, "");

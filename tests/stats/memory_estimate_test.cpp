@@ -54,6 +54,18 @@ TEST(EstimateMemory, CountsWhatThreadsNeedForNeighbours) {
     EXPECT_GT(many, 2.0 * estimate_memory(size).peak());
 }
 
+TEST(EstimateMemory, CountsPrincipalComponents) {
+    RunSize wide{.rows = 4000, .columns = 8000, .options = {.perplexity = 5.0}};
+    const double without = estimate_memory(wide).similarities;
+    wide.options.start = StartKind::Pca;
+    EXPECT_GT(estimate_memory(wide).similarities, without + 48.0 * 4000 * 4000);
+    wide = kExact;
+    wide.columns = 1000;
+    const double of_columns = estimate_memory(wide).similarities;
+    wide.options.pca = 50;
+    EXPECT_LT(estimate_memory(wide).similarities, of_columns - 8.0 * 900 * 20000);
+}
+
 TEST(EstimateMemory, DoesNotOverflow) {
     const RunSize huge{.rows = 2147483647, .columns = 2147483647, .options = {.theta = 0.0}};
     EXPECT_GT(estimate_memory(huge).peak(), 7e19);

@@ -103,6 +103,17 @@ TEST(CheckOptionsFor, RefusesPerplexitiesThatTheRowsCannotBear) {
     EXPECT_THAT(refusal(options, 20, 5), StartsWith("multiscale 5,19: a row has 19 others"));
 }
 
+TEST(CheckOptionsFor, RefusesAStartAlongFewerComponentsThanTheMapHas) {
+    EXPECT_EQ(refusal({.out_dims = 3, .start = StartKind::Pca}, 4, 3), "");
+    EXPECT_THAT(
+        refusal({.out_dims = 3, .start = StartKind::Pca}, 3, 30),
+        StartsWith("start pca needs a component for each of the 3 dimensions of the map, and "
+                   "the matrix has 3 rows and 30 columns\n"));
+    EXPECT_THAT(refusal({.out_dims = 3, .start = StartKind::Pca}, 30, 2), HasSubstr("2 columns"));
+    EXPECT_THAT(refusal({.out_dims = 3, .pca = 2, .start = StartKind::Pca}, 30, 20),
+                HasSubstr("Give more than pca 2, or take the random start."));
+}
+
 TEST(CheckOptionsFor, RefusesComponentsThatReduceNothing) {
     EXPECT_EQ(refusal({.pca = 5}, 20, 6), "");
     EXPECT_THAT(refusal({.pca = 6}, 20, 6),

@@ -24,6 +24,13 @@ TEST(RunCaption, ShowsWhatTheMapWasMadeByAndWhatItCameTo) {
     EXPECT_EQ(parameters.back(), Parameter("Final cost", "1.25"));
 }
 
+TEST(RunCaption, ShowsWhatComponentsKeep) {
+    FitReport report;
+    report.variance_kept = 0.93456;
+    const auto parameters = caption_parameters({}, 90, 6, report);
+    EXPECT_EQ(parameters[parameters.size() - 3], Parameter("Variance kept", "93.5 %"));
+}
+
 /// The value of a parameter; "missing" if it is not shown.
 std::string shown(const FitOptions& options, const std::string& title) {
     for (const auto& [name, value] : caption_parameters(options, 90, 6, {})) {

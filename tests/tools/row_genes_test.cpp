@@ -75,6 +75,11 @@ TEST(FoundGenesLine, CountsWhatWasMapped) {
     EXPECT_THAT(line_of({"mf", "ddi2"}), HasSubstr("; 2 names of several genes; "));
 }
 
+TEST(KindOfNames, IsOfGenesIfTheTableKnowsHalfOfThem) {
+    EXPECT_EQ(kind_of_names({"CDC28", "a1x"}), RowNames::AsInFile);
+    EXPECT_EQ(kind_of_names({"CDC28", "a1x", "b2x"}), RowNames::Other);
+}
+
 TEST(FewGenesWarning, IsForFewerThanHalfOfTheRows) {
     EXPECT_EQ(warning_of({}), "");
     EXPECT_EQ(warning_of({"cdc28", "a1x"}), "");

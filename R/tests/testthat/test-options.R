@@ -77,7 +77,7 @@ test_that("a map starts where it is told", {
   expect_identical(still$options$start, "given")
   expect_error(tsne(x, 10, start = start[-1, ]), "start has 59 rows and 2 columns, and the map has 60 and 2")
   start[7, 2] <- NA
-  expect_error(tsne(x, 10, start = start), "start has NA in row 7")
+  expect_error(tsne(x, 10, start = start), "start has coordinates in row 7 that are not finite")
 })
 
 test_that("arguments that no method has are refused with the one that may be meant", {
@@ -125,4 +125,25 @@ test_that("labels with names go to the rows of these names", {
   names(named)[1] <- "a"
   rownames(x)[6] <- "a"
   expect_error(labels(named), "more than once")
+})
+
+test_that("maps start along components, or at places", {
+  x <- groups(30)
+  rownames(x) <- paste0("r", 1:30)
+  along <- tsne(x, 5, max_iter = 30, start = "pca")
+  expect_false(identical(along$Y, tsne(x, 5, max_iter = 30)$Y))
+  places <- matrix(sin(seq_len(60)), 30, dimnames = list(rownames(x), NULL))
+  at <- tsne(x, 5, max_iter = 30, start = places)
+  expect_identical(tsne(x, 5, max_iter = 30, start = places[30:1, ])$Y, at$Y)
+  expect_identical(tsne(x, 5, max_iter = 30, start = as.data.frame(places))$Y, at$Y)
+  expect_identical(at$options$start, "given")
+  gap <- places
+  gap[4, ] <- NA
+  expect_identical(tsne(x, 5, max_iter = 30, start = places[-4, ])$Y, tsne(x, 5, max_iter = 30, start = gap)$Y)
+  expect_error(tsne(x, 5, start = bare(places)[-1, ]), "start has 29 rows and 2 columns, and the map has 30 and 2")
+  expect_error(tsne(x, 5, start = places[c(1, 1:30), ]), "start has the row 'r1' twice")
+  gap[5, 1] <- NA
+  expect_error(tsne(x, 5, start = gap), "coordinates in row 5 that are not finite")
+  expect_error(tsne(x, 5, start = gap[4, , drop = FALSE]), "a place for none of the rows of x")
+  expect_error(tsne(x, 5, pca = 4), "reduce nothing")
 })

@@ -108,6 +108,11 @@ test_that("values are transformed in the order of the arguments", {
   expect_equal(read_matrix(path, log1p = TRUE, center = "rows", scale = TRUE), expected, tolerance = 1e-14)
 })
 
+test_that("columns become rows at last", {
+  path <- file_of("gene,a,b,c", "CDC28,1,2.5,0", "TUB1,3,400,7", "PGK1,0,5,2")
+  expect_identical(read_matrix(path, center = "rows", transpose = TRUE), t(read_matrix(path, center = "rows")))
+})
+
 test_that("quotes, comments, repeated names and a header of values alone are read", {
   path <- file_of("\"a, 1\",b", "\"ARG5,6\",\"1.5\",2", "", "# none", "\"5'\",3,4", "\"5'\",5,6")
   expect_warning(read <- read_matrix(path), "1 row repeats the name")

@@ -1,0 +1,201 @@
+#include "stats/embedding_start.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "neighbours/neighbour_lists.h"
+#include "neighbours/neighbour_search.h"
+#include "stats/elementwise.h"
+#include "util/input_error.h"
+#include "util/parallel.h"
+#include "util/random_stream.h"
+
+namespace ovik {
+
+namespace {
+
+bool has_place(MatrixView<const double> places, std::size_t n) {
+    return !std::isnan(places.row(n)[0]);
+}
+
+/// The middle one of some values, or the mean of the two in the middle; sorts them.
+double median(std::vector<double>& values) {
+    std::sort(values.begin(), values.end());
+    const std::size_t upper = values.size() / 2;
+    const std::size_t lower = (values.size() - 1) / 2;
+    return lower == upper ? values[upper] : (values[lower] + values[upper]) / 2.0;
+}
+
+/// Writes the median place of some rows.
+void write_median(MatrixView<const double> places,
+                  const std::vector<std::size_t>& rows,
+                  std::span<double> median_place) {
+    std::vector<double> values(rows.size());
+    for (std::size_t d = 0; d < places.columns; ++d) {
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            values[i] = places.row(rows[i])[d];
+        }
+        median_place[d] = median(values);
+    }
+}
+
+/// The neighbours of row n that have a place, of those that are looked at.
+std::vector<std::size_t> placed_neighbours(MatrixView<const double> places,
+                                           const NeighbourGraph& graph,
+                                           std::size_t n) {
+    std::vector<std::size_t> placed;
+    const std::size_t looked_at = std::min(graph.neighbour_count, kPlacingNeighbours);
+    for (std::size_t m = 0; m < looked_at; ++m) {
+        const std::size_t neighbour = graph.neighbours[n * graph.neighbour_count + m];
+        if (neighbour != n && has_place(places, neighbour)) {
+            placed.push_back(neighbour);
+        }
+    }
+    return placed;
+}
+
+void place_others(MatrixView<double> Y,
+                  MatrixView<const double> places,
+                  const NeighbourGraph& graph) {
+    std::vector<std::size_t> all_placed;
+    for (std::size_t n = 0; n < Y.rows; ++n) {
+        if (has_place(places, n)) {
+            all_placed.push_back(n);
+        }
+    }
+    if (all_placed.empty()) {
+        throw InputError(
+            "the start has a place for none of the rows\nCheck that it is of the same rows, by "
+            "their names.");
+    }
+    std::vector<double> middle(Y.columns);
+    write_median(places, all_placed, middle);
+    parallel_for_each(Y.rows, kElementwiseGrain, [&](std::size_t n) {
+        if (has_place(places, n)) {
+            return;
+        }
+        const std::vector<std::size_t> placed = placed_neighbours(places, graph, n);
+        if (placed.empty()) {
+            std::copy(middle.begin(), middle.end(), Y.row(n).begin());
+        } else {
+            write_median(places, placed, Y.row(n));
+        }
+    });
+}
+
+/// @throws InputError if a column has one value alone
+void check_varies(MatrixView<const double> Y) {
+    for (std::size_t d = 0; d < Y.columns; ++d) {
+        bool varies = false;
+        for (std::size_t n = 1; n < Y.rows && !varies; ++n) {
+            varies = Y.row(n)[d] != Y.row(0)[d];
+        }
+        if (!varies) {
+            throw InputError("coordinate " + std::to_string(d + 1) +
+                             " of the start is the same in all rows, and the map could not leave "
+                             "it\nGive another start, or take the random one.");
+        }
+    }
+}
+
+/// Room for the placing neighbours of so many rows, filled up as where there are none.
+NeighbourGraph graph_without_neighbours(std::size_t rows) {
+    NeighbourGraph graph;
+    graph.rows = rows;
+    graph.neighbour_count = std::min(kPlacingNeighbours, rows - 1);
+    graph.distances.assign(rows * graph.neighbour_count, std::numeric_limits<double>::infinity());
+    graph.neighbours.resize(rows * graph.neighbour_count);
+    for (std::size_t i = 0; i < graph.neighbours.size(); ++i) {
+        graph.neighbours[i] = static_cast<std::uint32_t>(i / graph.neighbour_count);
+    }
+    return graph;
+}
+
+void fill_in(NeighbourGraph& graph, std::size_t row, std::span<const NearRow> nearest) {
+    const std::size_t begin = row * graph.neighbour_count;
+    for (std::size_t m = 0; m < std::min(nearest.size(), graph.neighbour_count); ++m) {
+        graph.neighbours[begin + m] = nearest[m].row;
+        graph.distances[begin + m] = nearest[m].distance;
+    }
+}
+
+}  // namespace
+
+void start_along_components(MatrixView<double> Y,
+                            const PrincipalComponents& components,
+                            double spread) {
+    if (Y.size() == 0) {
+        return;
+    }
+    if (components.varying < Y.columns) {
+        throw InputError("a start by principal components needs one for each of the " +
+                         std::to_string(Y.columns) +
+                         " dimensions of the map, and the rows vary along " +
+                         std::to_string(components.varying) +
+                         " alone\nTake the random start, or fewer dimensions.");
+    }
+    const double factor = spread / std::sqrt(components.variances[0]);
+    parallel_for_each(Y.rows, kElementwiseGrain, [&](std::size_t n) {
+        for (std::size_t d = 0; d < Y.columns; ++d) {
+            Y.row(n)[d] = components.scores[n * components.count + d] * factor;
+        }
+    });
+}
+
+bool has_rows_without_place(MatrixView<const double> places) {
+    bool has_any = false;
+    for (std::size_t n = 0; n < places.rows; ++n) {
+        const std::span<const double> place = places.row(n);
+        const auto missing =
+            std::count_if(place.begin(), place.end(), [](double x) { return std::isnan(x); });
+        const bool is_finite =
+            std::none_of(place.begin(), place.end(), [](double x) { return std::isinf(x); });
+        if (!is_finite || (missing != 0 && static_cast<std::size_t>(missing) != place.size())) {
+            throw InputError("the start of row " + std::to_string(n) +
+                             ", counted from 0, is not finite\nGive all of its coordinates, or NaN "
+                             "for each of them: it starts among its neighbours then.");
+        }
+        has_any = has_any || missing != 0;
+    }
+    return has_any;
+}
+
+void start_at_places(MatrixView<double> Y,
+                     MatrixView<const double> places,
+                     const NeighbourGraph& graph) {
+    if (Y.size() == 0) {
+        return;
+    }
+    std::copy(places.values, places.values + places.size(), Y.values);
+    place_others(Y, places, graph);
+    check_varies(Y);
+}
+
+NeighbourGraph placing_neighbours(MatrixView<const double> X) {
+    NeighbourGraph graph = graph_without_neighbours(X.rows);
+    OwnRandomStream stream;
+    NeighbourSearch search(X.rows, X.columns, stream);
+    search.findAll(
+        X.values,
+        graph.neighbour_count + 1,
+        [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+            // The first is taken for the row itself.
+            fill_in(graph, row, nearest.subspan(std::min<std::size_t>(1, nearest.size())));
+        });
+    return graph;
+}
+
+NeighbourGraph placing_neighbours_by_distance(MatrixView<const double> distances) {
+    NeighbourGraph graph = graph_without_neighbours(distances.rows);
+    const NeighbourLists lists = nearest_by_distance(distances, graph.neighbour_count);
+    for (std::size_t row = 0; row < graph.rows; ++row) {
+        fill_in(graph, row, lists.of(row));
+    }
+    return graph;
+}
+
+}  // namespace ovik

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+
+#include "neighbours/neighbour_graph.h"
+#include "stats/principal_components.h"
+#include "util/matrix_view.h"
+
+/// Starts of an embedding other than the random one (`stats/normal_deviates.h`). The result is the
+/// same for any number of threads.
+
+namespace ovik {
+
+/// So many nearest neighbours decide where a row starts that has no place of its own.
+constexpr std::size_t kPlacingNeighbours = 25;
+
+/// Starts along the first principal components of the rows, all times one factor, with which the
+/// first has the standard deviation `spread`, of rows - 1 degrees of freedom.
+///
+/// @param Y           written; no more columns than there are components
+/// @param components  of the rows of Y
+/// @throws InputError if the rows vary along fewer components than Y has columns: the map would
+/// stay flat
+void start_along_components(MatrixView<double> Y,
+                            const PrincipalComponents& components,
+                            double spread);
+
+/// Whether a row is without a place, which NaN stands for.
+///
+/// @param places  rows x output dimensions
+/// @throws InputError if some coordinates of a row are there and others are not, or one is
+/// infinite
+bool has_rows_without_place(MatrixView<const double> places);
+
+/// Starts at given places, as they stand.
+///
+/// A row without a place gets the median, coordinate by coordinate, of those of its nearest
+/// neighbours that have one, of the first `kPlacingNeighbours`; where none has, of all rows that
+/// have one. Of an even number of values the median is the mean of the two in the middle.
+///
+/// @param Y       written
+/// @param places  of the shape of Y; NaN where a row has none
+/// @param graph   neighbours of the rows, nearest first; not looked at if all rows have a place
+/// @throws InputError if a coordinate is the same in all rows: the map could not leave it
+void start_at_places(MatrixView<double> Y,
+                     MatrixView<const double> places,
+                     const NeighbourGraph& graph);
+
+/// The `kPlacingNeighbours` nearest neighbours of all rows, or all others if there are fewer, for
+/// methods that search for none.
+NeighbourGraph placing_neighbours(MatrixView<const double> X);
+
+/// The same by a matrix of distances.
+NeighbourGraph placing_neighbours_by_distance(MatrixView<const double> distances);
+
+}  // namespace ovik

@@ -1,0 +1,192 @@
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "stats/cached_neighbours.h"
+#include "stats/engine.h"
+#include "stats/fit.h"
+
+#include "tests/plain/plain_sptree.h"
+#include "tests/plain/plain_start.h"
+#include "tests/plain/plain_tsne.h"
+#include "tests/support/random_points.h"
+#include "tests/support/refusal.h"
+#include "tests/support/threads.h"
+
+/// Runs with starts other than the random one, and of principal components in the place of the
+/// columns, against the plain program.
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr std::size_t kRows = 100;
+constexpr double kPerplexity = 10.0;
+constexpr double kTheta = 0.5;
+
+class StartRun : public testing::Test {
+  protected:
+    StartRun() { plain::normalise_input(points_, kRows, input_.columns); }
+
+    static FitOptions optionsOf(StartKind start, double theta = kTheta) {
+        return {.perplexity = kPerplexity,
+                .theta = theta,
+                .max_iter = 40,
+                .stop_lying_iter = 15,
+                .mom_switch_iter = 20,
+                .start = start};
+    }
+
+    /// The same embedding for several numbers of threads.
+    [[nodiscard]] std::vector<double> run(const FitOptions& options,
+                                          const std::vector<double>& places = {}) const {
+        Engine engine(options);
+        engine.setInput(input_.values, input_.columns);
+        const auto dims = static_cast<std::size_t>(options.out_dims);
+        FitHooks hooks;
+        hooks.start = {places.data(), places.size() / dims, dims};
+        std::optional<std::vector<double>> Y;
+        for (const int threads : {1, 2, 5}) {
+            const test::ThreadCount scope(threads);
+            std::vector<double> with_these = engine.run(hooks).takeValues();
+            EXPECT_TRUE(!Y || *Y == with_these) << threads << " threads";
+            Y = std::move(with_these);
+        }
+        return *Y;
+    }
+
+    /// What the plain program makes of a start.
+    [[nodiscard]] std::vector<double> plainRun(const std::vector<double>& start,
+                                               double theta) const {
+        plain::Schedule schedule{40, 15, 20};
+        schedule.start = &start;
+        return theta == 0.0
+                   ? plain::embed_exactly(input_, 2, kPerplexity, schedule, nullptr)
+                   : plain::embed_with_tree(input_, 2, kPerplexity, theta, schedule, nullptr);
+    }
+
+    plain::Matrix input_ =
+        plain::read_tab_separated(OVIK_DATA_DIR "/brauer2008_chemostat.tsv", kRows);
+    /// Centred and scaled.
+    std::vector<double> points_ = input_.values;
+};
+
+TEST_F(StartRun, AlongComponentsEqualsThePlainProgram) {
+    const std::vector<double> start = plain::component_start(
+        plain::principal_components(points_, kRows, input_.columns, 2), 2, kRows, 2, 0.0001);
+    for (const double theta : {0.0, kTheta}) {
+        EXPECT_EQ(run(optionsOf(StartKind::Pca, theta)), plainRun(start, theta)) << theta;
+    }
+}
+
+TEST_F(StartRun, AtPlacesEqualsThePlainProgram) {
+    std::vector<double> places = test::random_values(kRows * 2, 3, 20.0);
+    for (const double theta : {0.0, kTheta}) {
+        EXPECT_EQ(run(optionsOf(StartKind::Given, theta), places), plainRun(places, theta));
+    }
+    for (std::size_t n = 1; n < kRows; n += 4) {
+        places[2 * n] = places[2 * n + 1] = std::nan("");
+    }
+    const std::vector<double> start =
+        plain::start_at_places(points_, kRows, input_.columns, places, 2);
+    for (const double theta : {0.0, kTheta}) {
+        EXPECT_EQ(run(optionsOf(StartKind::Given, theta), places), plainRun(start, theta)) << theta;
+    }
+}
+
+TEST_F(StartRun, OfComponentsInThePlaceOfColumnsEqualsThePlainProgram) {
+    constexpr std::size_t kComponents = 7;
+    const plain::Components components =
+        plain::principal_components(points_, kRows, input_.columns, kComponents);
+    const std::vector<double> along =
+        plain::component_start(components, kComponents, kRows, 2, 0.0001);
+    plain::Schedule schedule{40, 15, 20};
+    schedule.start = &along;
+    const std::vector<double> expected = plain::descend_with_tree(
+        plain::joint_similarities(components.scores, kRows, kComponents, kPerplexity),
+        2,
+        kTheta,
+        schedule,
+        nullptr);
+    FitOptions options = optionsOf(StartKind::Pca);
+    options.pca = kComponents;
+    EXPECT_EQ(run(options), expected);
+    EXPECT_NE(run(optionsOf(StartKind::Pca)), expected);
+}
+
+TEST_F(StartRun, TellsWhatComponentsKeep) {
+    FitOptions options = optionsOf(StartKind::Random);
+    Engine engine(options);
+    engine.setInput(input_.values, input_.columns);
+    double told = -1.0;
+    FitHooks hooks;
+    hooks.on_components = [&told](double share) { told = share; };
+    EXPECT_FALSE(engine.run(hooks).report().variance_kept.has_value());
+    EXPECT_EQ(told, -1.0);
+    engine.options.pca = 10;
+    const double ten = engine.run(hooks).report().variance_kept.value_or(0.0);
+    EXPECT_EQ(told, ten);
+    engine.options.pca = static_cast<int>(input_.columns) - 1;
+    EXPECT_GT(engine.run(hooks).report().variance_kept.value_or(0.0), ten);
+    EXPECT_LT(told, 1.0);
+    EXPECT_GT(ten, 0.5);
+}
+
+TEST_F(StartRun, DoesNotChangeNeighboursThatRunsShare) {
+    // What is searched for with a row without a place is not kept in the report.
+    std::vector<double> places = test::random_values(kRows * 2, 3);
+    places[0] = places[1] = std::nan("");
+    const std::vector<double> expected = run(optionsOf(StartKind::Given), places);
+    CachedNeighbours shared(60);
+    for (const double perplexity : {20.0, kPerplexity}) {
+        FitOptions options = optionsOf(StartKind::Given);
+        options.perplexity = perplexity;
+        FitHooks hooks;
+        hooks.start = {places.data(), kRows, 2};
+        hooks.cached_neighbours = &shared;
+        std::vector<double> X = input_.values;
+        const Fit map = fit({X.data(), kRows, input_.columns}, options, hooks);
+        EXPECT_TRUE(map.report.neighbours.neighbours.empty());
+        EXPECT_EQ(map.embedding == expected, perplexity == kPerplexity);
+    }
+}
+
+TEST_F(StartRun, TakesEqualRows) {
+    for (std::size_t n = 0; n < 60; ++n) {
+        for (std::size_t d = 0; d < input_.columns; ++d) {
+            input_.values[n * input_.columns + d] = input_.values[(n % 2) * input_.columns + d];
+        }
+    }
+    for (const double theta : {0.0, kTheta}) {
+        for (const double y : run(optionsOf(StartKind::Pca, theta))) {
+            ASSERT_TRUE(std::isfinite(y));
+        }
+    }
+}
+
+TEST_F(StartRun, RefusesAStartOfAnotherShape) {
+    const std::string said =
+        "the start should give a place to each of the 100 rows in 2 dimensions";
+    EXPECT_THAT(test::refusal_of([&] { (void)run(optionsOf(StartKind::Given)); }), HasSubstr(said));
+    EXPECT_THAT(
+        test::refusal_of([&] { (void)run(optionsOf(StartKind::Given), std::vector<double>(198)); }),
+        HasSubstr(said));
+}
+
+TEST_F(StartRun, RefusesRowsThatVaryAlongALine) {
+    for (std::size_t n = 0; n < kRows; ++n) {
+        for (std::size_t d = 0; d < input_.columns; ++d) {
+            input_.values[n * input_.columns + d] = static_cast<double>(n * n % 101);
+        }
+    }
+    EXPECT_THAT(test::refusal_of([&] { (void)run(optionsOf(StartKind::Pca)); }),
+                HasSubstr("the rows vary along 1 alone"));
+}
+
+}  // namespace
+}  // namespace ovik
