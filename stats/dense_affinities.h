@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "stats/fit_notes.h"
 #include "util/api.h"
@@ -32,5 +33,22 @@ inline void dense_conditional_affinities(MatrixView<const double> points,
                                          const FitNotes& notes = {}) {
     dense_conditional_affinities(points.values, points.rows, points.columns, P, perplexity, notes);
 }
+
+/// The mean of these affinities over several perplexities: the sum in their order times the
+/// reciprocal of their number.
+///
+/// @param perplexities  at least one
+OVIK_API void dense_multiscale_affinities(MatrixView<const double> points,
+                                          double* P,
+                                          std::span<const double> perplexities,
+                                          const FitNotes& notes = {});
+
+/// The same affinity 1 / K to the K nearest others of each row, those of smallest squared distance;
+/// of rows equally far the earlier ones. K is `neighbour_count`, or how many others there are at a
+/// finite distance where that is less. All other affinities are 0, but for a diagonal as above.
+OVIK_API void dense_uniform_affinities(MatrixView<const double> points,
+                                       double* P,
+                                       std::size_t neighbour_count,
+                                       const FitNotes& notes = {});
 
 }  // namespace ovik

@@ -241,11 +241,8 @@ double barnes_hut_cost(const SparseRows& P,
     return sum;
 }
 
-SparseRows joint_similarities(const Matrix& input, double perplexity) {
-    std::vector<double> X = input.values;
-    normalise_input(X, input.rows, input.columns);
-    SparseRows P = symmetrise(neighbour_similarities(
-        X, input.rows, input.columns, perplexity, static_cast<std::size_t>(3.0 * perplexity)));
+SparseRows joint_similarities(const SparseRows& conditional) {
+    SparseRows P = symmetrise(conditional);
     double total = 0.0;
     for (const auto& row : P) {
         for (const auto& entry : row) {
@@ -258,6 +255,13 @@ SparseRows joint_similarities(const Matrix& input, double perplexity) {
         }
     }
     return P;
+}
+
+SparseRows joint_similarities(const Matrix& input, double perplexity) {
+    std::vector<double> X = input.values;
+    normalise_input(X, input.rows, input.columns);
+    return joint_similarities(neighbour_similarities(
+        X, input.rows, input.columns, perplexity, static_cast<std::size_t>(3.0 * perplexity)));
 }
 
 std::vector<double> embed_with_tree(const Matrix& input,

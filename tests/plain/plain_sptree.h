@@ -85,6 +85,9 @@ double barnes_hut_cost(const SparseRows& P,
                        std::size_t dims,
                        double theta);
 
+/// The joint similarities of conditional ones: symmetric, with a sum of 1.
+SparseRows joint_similarities(const SparseRows& conditional);
+
 /// The joint similarities of a matrix whose points have no neighbours at equal distance.
 SparseRows joint_similarities(const Matrix& input, double perplexity);
 
