@@ -15,6 +15,7 @@
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
+#include "stats/map_agreement.h"
 #include "stats/option_texts.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
@@ -242,6 +243,21 @@ py::tuple read_matrix(const std::string& path,
                           as_bytes(file.notes));
 }
 
+/// @return disparity and share of common neighbours, averaged over the pairs of maps
+std::pair<double, double> agreement(const std::vector<Array>& maps, std::size_t neighbours) {
+    std::vector<MatrixView<const double>> views;
+    views.reserve(maps.size());
+    for (const Array& map : maps) {
+        views.push_back({map.data(),
+                         static_cast<std::size_t>(map.shape(0)),
+                         static_cast<std::size_t>(map.shape(1))});
+    }
+    const MapAgreement found = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        return mean_agreement(views, neighbours);
+    });
+    return {found.disparity, found.shared_neighbours};
+}
+
 /// @return name, systematic name and function of the gene of this name, else of this systematic
 /// name; None if there is none
 py::object gene_entry(const std::string& name) {
@@ -270,5 +286,6 @@ PYBIND11_MODULE(_core, module) {
     });
     module.def("check_options", ovik::python::check_options, "options"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
+    module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }
