@@ -68,6 +68,7 @@ void CachedNeighbours::findAll(const double* points,
             }
         }
     });
+    const std::lock_guard lock(mutex_);
     search_->findOthers(points, count, is_found, visit);
 }
 

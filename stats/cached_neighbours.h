@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "neighbours/neighbour_search.h"
@@ -17,6 +18,8 @@ namespace ovik {
 /// where it is certain to be what a search of its own would give. Where distances are equal, or
 /// too close at the end of the head, that depends on the way of the search, and it is made again.
 /// The stream of random numbers is left as a search of its own leaves it.
+///
+/// Runs may go on side by side, in threads of their own, once the first one has them.
 class CachedNeighbours {
   public:
     /// @param most  neighbours of a row that any run will want, without the row itself
@@ -39,6 +42,9 @@ class CachedNeighbours {
 
   private:
     void fillLists(const double* points);
+
+    /// Held by whoever asks the search, which may build its tree then.
+    std::mutex mutex_;
 
     /// How many neighbours of each row are cached, the row itself among them.
     std::size_t most_;

@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "stats/bandwidth_search.h"
@@ -16,19 +17,6 @@ namespace ovik {
 namespace {
 
 constexpr int kBandwidthAttempts = 500;
-
-/// Runs `fill(n, squared_distances)` for every row, spread over the cores.
-template <typename Fill>
-void for_each_row(MatrixView<const double> points, const FitNotes& notes, const Fill& fill) {
-    const auto distances = malloc_array<double>(points.rows * points.rows);
-    require_allocated(distances);
-    tell(notes, FitNote::DistancesBegin);
-    squared_distance_matrix(points.values, points.rows, points.columns, distances.get());
-    tell(notes, FitNote::DistancesDone);
-    parallel_for_each(points.rows, 1, [&](std::size_t n) {
-        fill(n, std::span<const double>(distances.get() + n * points.rows, points.rows));
-    });
-}
 
 /// Writes the affinities of row n to all others under one perplexity.
 void calibrate_row(std::size_t n,
@@ -71,54 +59,67 @@ std::vector<std::uint32_t> nearest_others(std::size_t n,
 
 }  // namespace
 
+DenseRow calibrated_row(std::vector<double> perplexities) {
+    if (perplexities.size() == 1) {
+        return [perplexity = perplexities.front()](
+                   std::size_t n, std::span<const double> squared_distances, double* row) {
+            calibrate_row(n, squared_distances, perplexity, row);
+        };
+    }
+    return [perplexities = std::move(perplexities)](
+               std::size_t n, std::span<const double> squared_distances, double* row) {
+        const std::size_t count = squared_distances.size();
+        std::vector<double> of_scale(count);
+        std::fill_n(row, count, 0.0);
+        for (const double perplexity : perplexities) {
+            calibrate_row(n, squared_distances, perplexity, of_scale.data());
+            for (std::size_t m = 0; m < count; ++m) {
+                row[m] += of_scale[m];
+            }
+        }
+        const double share = 1.0 / static_cast<double>(perplexities.size());
+        for (std::size_t m = 0; m < count; ++m) {
+            row[m] *= share;
+        }
+    };
+}
+
+DenseRow uniform_row(std::size_t neighbour_count) {
+    return
+        [neighbour_count](std::size_t n, std::span<const double> squared_distances, double* row) {
+            const std::vector<std::uint32_t> nearest =
+                nearest_others(n, squared_distances, neighbour_count);
+            std::fill_n(row, squared_distances.size(), 0.0);
+            for (const std::uint32_t m : nearest) {
+                row[m] = 1.0 / static_cast<double>(nearest.size());
+            }
+            row[n] = DBL_MIN;
+        };
+}
+
+void dense_conditional_affinities(MatrixView<const double> points,
+                                  double* P,
+                                  const DenseRow& fill_row,
+                                  const FitNotes& notes) {
+    const std::size_t N = points.rows;
+    const auto distances = malloc_array<double>(N * N);
+    require_allocated(distances);
+    tell(notes, FitNote::DistancesBegin);
+    squared_distance_matrix(points.values, N, points.columns, distances.get());
+    tell(notes, FitNote::DistancesDone);
+    parallel_for_each(N, 1, [&](std::size_t n) {
+        fill_row(n, {distances.get() + n * N, N}, P + n * N);
+    });
+}
+
 void dense_conditional_affinities(const double* points,
                                   std::size_t point_count,
                                   std::size_t dims,
                                   double* P,
                                   double perplexity,
                                   const FitNotes& notes) {
-    for_each_row({points, point_count, dims},
-                 notes,
-                 [=](std::size_t n, std::span<const double> squared_distances) {
-                     calibrate_row(n, squared_distances, perplexity, P + n * point_count);
-                 });
-}
-
-void dense_multiscale_affinities(MatrixView<const double> points,
-                                 double* P,
-                                 std::span<const double> perplexities,
-                                 const FitNotes& notes) {
-    const double share = 1.0 / static_cast<double>(perplexities.size());
-    for_each_row(points, notes, [=](std::size_t n, std::span<const double> squared_distances) {
-        double* const row = P + n * points.rows;
-        std::vector<double> of_scale(points.rows);
-        std::fill_n(row, points.rows, 0.0);
-        for (const double perplexity : perplexities) {
-            calibrate_row(n, squared_distances, perplexity, of_scale.data());
-            for (std::size_t m = 0; m < points.rows; ++m) {
-                row[m] += of_scale[m];
-            }
-        }
-        for (std::size_t m = 0; m < points.rows; ++m) {
-            row[m] *= share;
-        }
-    });
-}
-
-void dense_uniform_affinities(MatrixView<const double> points,
-                              double* P,
-                              std::size_t neighbour_count,
-                              const FitNotes& notes) {
-    for_each_row(points, notes, [=](std::size_t n, std::span<const double> squared_distances) {
-        double* const row = P + n * points.rows;
-        const std::vector<std::uint32_t> nearest =
-            nearest_others(n, squared_distances, neighbour_count);
-        std::fill_n(row, points.rows, 0.0);
-        for (const std::uint32_t m : nearest) {
-            row[m] = 1.0 / static_cast<double>(nearest.size());
-        }
-        row[n] = DBL_MIN;
-    });
+    dense_conditional_affinities(
+        {points, point_count, dims}, P, calibrated_row({perplexity}), notes);
 }
 
 }  // namespace ovik

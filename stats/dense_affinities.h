@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <span>
+#include <vector>
 
 #include "stats/fit_notes.h"
 #include "util/api.h"
@@ -34,21 +36,25 @@ inline void dense_conditional_affinities(MatrixView<const double> points,
     dense_conditional_affinities(points.values, points.rows, points.columns, P, perplexity, notes);
 }
 
-/// The mean of these affinities over several perplexities: the sum in their order times the
+/// Writes the affinities of row n to all rows, by their squared distances from it.
+using DenseRow =
+    std::function<void(std::size_t n, std::span<const double> squared_distances, double* row)>;
+
+/// Affinities as above; of several perplexities the mean: the sum in their order times the
 /// reciprocal of their number.
 ///
 /// @param perplexities  at least one
-OVIK_API void dense_multiscale_affinities(MatrixView<const double> points,
-                                          double* P,
-                                          std::span<const double> perplexities,
-                                          const FitNotes& notes = {});
+DenseRow calibrated_row(std::vector<double> perplexities);
 
-/// The same affinity 1 / K to the K nearest others of each row, those of smallest squared distance;
-/// of rows equally far the earlier ones. K is `neighbour_count`, or how many others there are at a
-/// finite distance where that is less. All other affinities are 0, but for a diagonal as above.
-OVIK_API void dense_uniform_affinities(MatrixView<const double> points,
-                                       double* P,
-                                       std::size_t neighbour_count,
-                                       const FitNotes& notes = {});
+/// The same affinity 1 / K to the K nearest others, those of smallest squared distance; of rows
+/// equally far the earlier ones. K is `neighbour_count`, or how many others there are at a finite
+/// distance where that is less. All other affinities are 0, but for a diagonal as above.
+DenseRow uniform_row(std::size_t neighbour_count);
+
+/// Conditional affinities of any kind; else as the former.
+void dense_conditional_affinities(MatrixView<const double> points,
+                                  double* P,
+                                  const DenseRow& fill_row,
+                                  const FitNotes& notes = {});
 
 }  // namespace ovik

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "stats/add_transpose.h"
-#include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_forces.h"
 #include "util/format.h"
@@ -26,6 +25,12 @@ ExactObjective::ExactObjective(MatrixView<const double> X,
                                std::size_t out_dims,
                                double perplexity,
                                const FitNotes& notes)
+    : ExactObjective(X, out_dims, calibrated_row({perplexity}), notes) {}
+
+ExactObjective::ExactObjective(MatrixView<const double> X,
+                               std::size_t out_dims,
+                               const DenseRow& fill_row,
+                               const FitNotes& notes)
     : N_(X.rows),
       out_dims_(out_dims),
       in_panels_(false),
@@ -34,7 +39,7 @@ ExactObjective::ExactObjective(MatrixView<const double> X,
     tell(notes, FitNote::ExactMethod);
     P_ = malloc_array<double>(panel_matrix_size(N_));
     require_allocated(P_, diagonal_);
-    dense_conditional_affinities(X, P_.get(), perplexity, notes);
+    dense_conditional_affinities(X, P_.get(), fill_row, notes);
     tell(notes, FitNote::Symmetrizing);
     add_transpose(P_.get(), N_);
     divide_by_sum(P_.get(), N_ * N_);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/dense_affinities.h"
 #include "stats/fit_notes.h"
 #include "stats/objective.h"
 #include "stats/panels.h"
@@ -23,6 +24,14 @@ class ExactObjective : public Objective {
     ExactObjective(MatrixView<const double> X,
                    std::size_t out_dims,
                    double perplexity,
+                   const FitNotes& notes = {});
+
+    /// The same with conditional affinities of any kind.
+    ///
+    /// @param fill_row  as `dense_conditional_affinities` takes it
+    ExactObjective(MatrixView<const double> X,
+                   std::size_t out_dims,
+                   const DenseRow& fill_row,
                    const FitNotes& notes = {});
 
     void exaggerate(double factor) override;

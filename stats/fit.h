@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "stats/fit_state.h"
 #include "stats/input_scale.h"
 #include "stats/run_times.h"
+#include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
 
@@ -31,8 +33,8 @@ struct FitHooks {
     std::function<bool(const FitState&)> on_iteration = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
-    /// Null, or the neighbours that fits of one matrix share, one fit at a time; not used by the
-    /// exact method.
+    /// Null, or the neighbours that fits of one matrix share, several at once when one of them has
+    /// begun its iterations; not used by the exact method.
     CachedNeighbours* cached_neighbours = nullptr;
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
@@ -54,6 +56,8 @@ struct FitReport {
     RunTimes seconds;
     /// Processor time of the iterations, in the units of `std::clock`.
     std::clock_t fitting_clock = 0;
+    /// Of several seeds (`stats/seed_fits.h`); none of a fit by itself.
+    std::optional<SeedReport> seeds = {};
 };
 
 /// A map, and how it came about.

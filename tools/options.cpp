@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <stdexcept>
 #include <system_error>
@@ -218,6 +219,12 @@ class FitOptionAdder {
 
 void add_method_options(CLI::App& app, Options& options) {
     visit_fit_options(options.fit, FitOptionAdder(app, options));
+    app.add_option(
+           "--seeds",
+           options.seeds,
+           "Fit from so many seeds, keep the map of lowest cost, tell how far they agree (1)")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, 1000));
     app.add_option_function<std::string>(
            "--precision",
            [&options](const std::string& text) {
@@ -376,6 +383,24 @@ void check_combination(const Options& options) {
     }
 }
 
+/// @throws CLI::ValidationError if there are not so many seeds, or a checkpoint has to serve
+/// several
+void check_seeds(const Options& options) {
+    if (options.seeds == 1) {
+        return;
+    }
+    if (!(options.checkpoint.empty() && options.resume.empty())) {
+        throw CLI::ValidationError("--checkpoint and --resume",
+                                   "are for one seed: a checkpoint is of one fit");
+    }
+    const int largest = std::numeric_limits<int>::max() - (options.seeds - 1);
+    if (options.fit.seed > largest) {
+        throw CLI::ValidationError("--seed",
+                                   "should be at most " + std::to_string(largest) + ", so that " +
+                                       std::to_string(options.seeds - 1) + " more follow it");
+    }
+}
+
 /// The file name of a matrix without its extension, and without that of gzip.
 std::string stem_of(std::filesystem::path path) {
     if (path.extension() == ".gz") {
@@ -452,6 +477,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
         check_combination(command.options);
+        check_seeds(command.options);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;

@@ -50,6 +50,8 @@ struct Options {
     /// Checkpoint to go on from; empty for a run that starts anew.
     std::string resume;
     Precision precision = Precision::Double;
+    /// From how many seeds each map is fitted, of which the best is kept.
+    int seeds = 1;
     /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.
