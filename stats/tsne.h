@@ -111,8 +111,8 @@ class TSNE {
     std::shared_ptr<CachedNeighbours> cached_neighbours;
 
     /// From how many seeds the embedding is fitted, at least 1: `options.seed` and those that
-    /// follow. The one of lowest cost is kept, and the results are those of a run with its seed. Not
-    /// with checkpoints. See `fit_seeds_into` (stats/seed_fits.h).
+    /// follow. The one of lowest cost is kept, and the results are those of a run with its seed.
+    /// Not with checkpoints. See `fit_seeds_into` (stats/seed_fits.h).
     int seeds = 1;
     /// Most of these fits that run side by side, each by one thread; 0 for as many as there are
     /// threads.

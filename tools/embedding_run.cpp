@@ -64,7 +64,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.resume_path = options.resume;
     tsne.cached_neighbours = std::move(input.neighbours);
     tsne.seeds = options.seeds;
-    tsne.seeds_at_once = input.seeds_at_once;
+    tsne.seeds_at_once = options.seeds_at_once;
 }
 
 /// Takes over what the fits of several seeds came to.

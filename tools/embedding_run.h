@@ -29,8 +29,6 @@ struct RunInput {
     std::vector<LabelColumn> label_columns;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
-    /// Most fits of several seeds that run side by side; 0 for as many as there are threads.
-    std::size_t seeds_at_once = 0;
 };
 
 /// Runs the engine, writes the results, and says on the console what became of them.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -52,6 +53,9 @@ struct Options {
     Precision precision = Precision::Double;
     /// From how many seeds each map is fitted, of which the best is kept.
     int seeds = 1;
+    /// Most of these fits that run side by side; 0 for as many as there are threads. Not of the
+    /// command line: settled by the memory that there is.
+    std::size_t seeds_at_once = 0;
     /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.

@@ -62,11 +62,12 @@ RunSize size_of_runs(const Options& options,
     size.has_plots = options.plots;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
+    size.seeds = options.seeds;
     return size;
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(const Options& options, RunReport report) {
+ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -94,8 +95,10 @@ ExitStatus embed(const Options& options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
-    const RunSize size = size_of_runs(options, matrix, perplexities);
+    RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();
+    options.seeds_at_once = seeds_at_once(size, available);
+    size.seeds_at_once = options.seeds_at_once;
     if (options.dry_run) {
         settle_names(loaded.matrix.row_names, options.names);
         print_plan(options, perplexities, size, available);
