@@ -93,6 +93,8 @@ ExitStatus embed(Options options, RunReport report) {
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
+    settle_fit_options(options, matrix.rows, matrix.columns);
+    report.options = reported_options(options);
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     RunSize size = size_of_runs(options, matrix, perplexities);

@@ -16,8 +16,9 @@ from ._matrix import Matrix
 from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out
 from ._parameters import DESCRIPTIONS, FitParameters
 from ._settings import (
-    METRICS,
+    PRESETS,
     automatic_learning_rate,
+    is_default,
     one_callback,
     one_of,
     quality_neighbours,
@@ -41,11 +42,10 @@ class TSNE(FitParameters):
 {options}    random_state : None, int, RandomState or Generator, default None
         The seed as others call it: a whole number, or what one is drawn from. None leaves it to
         `seed`, which is always the same.
-    metric : {"euclidean"}, default "euclidean"
-        Distance between rows.
-    init : "random" or array-like of shape (n_samples, n_components), default "random"
-        Where the rows start: at random, or as given, unscaled. The random start spreads by
-        `start_spread`; a far wider one keeps its shape, whatever the rows are like.
+    preset : {"classic", "refined"}, default "classic"
+        What the parameters above stand for where they have their default: the classical run, or
+        what gives better and more stable maps. A parameter with another value than its default
+        keeps it.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
         embedding; if one returns something true, the fit ends there. Until early exaggeration ends
@@ -246,10 +246,12 @@ class TSNE(FitParameters):
         return parameters
 
     def _fit(self, given: Input) -> None:
-        options = self._checked_options(len(given.values))
-        manner = self._checked_manner(len(given.values), options)
+        start = start_of(self.init, (len(given.values), self.n_components))
+        options = self._settled_options(*given.values.shape, start is not None)
+        manner = self._checked_manner(len(given.values), start)
         check_finite(given.values)
-        check_perplexity(float(self.perplexity), len(given.values))
+        if options["perplexity"] is not None:
+            check_perplexity(options["perplexity"], len(given.values))
         if self.verbose:
             sys.stdout.flush()
         outcome = _core.embed(given.values, options, manner)
@@ -258,30 +260,40 @@ class TSNE(FitParameters):
         if outcome["note"]:
             warnings.warn(outcome["note"], stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
-            self._warn_of_interruption(outcome["iteration"])
+            self._warn_of_interruption(outcome["iteration"], options)
 
-    def _checked_options(self, n_samples: int) -> dict[str, Any]:
-        """The options of the fit as numbers."""
-        options = self._fit_options()
-        preset = self._parameters()
-        is_automatic = isinstance(self.learning_rate, str) and self.learning_rate == "auto"
-        if is_automatic:
-            options["learning_rate"] = preset["learning_rate"].default
-        options["seed"] = seed_of(self.random_state, self.seed, preset["seed"].default)
-        _core.check_options(options)
-        if is_automatic:
+    def _settled_options(
+        self, n_samples: int, n_features: int, has_start: bool
+    ) -> dict[str, Any]:
+        """The options of the fit, None where one has no effect beside the others.
+
+        What a parameter says counts where it is not the default; else it is as the preset says.
+        """
+        default = {name: parameter.default for name, parameter in self._parameters().items()}
+        given = {
+            name: value
+            for name, value in self._fit_options().items()
+            if not is_default(value, default[name])
+        }
+        given["seed"] = seed_of(self.random_state, self.seed, default["seed"])
+        if has_start:
+            given["init"] = "given"
+        one_of("preset", self.preset, PRESETS)
+        options = _core.settle_options(given, self.preset, n_samples, n_features)
+        if options["learning_rate"] == "auto":
             options["learning_rate"] = automatic_learning_rate(
-                n_samples, self.exaggeration, options["learning_rate"]
+                n_samples, options["exaggeration"], default["learning_rate"]
             )
         return options
 
-    def _checked_manner(self, n_samples: int, options: dict[str, Any]) -> dict[str, Any]:
+    def _checked_manner(
+        self, n_samples: int, start: NDArray[np.float64] | None
+    ) -> dict[str, Any]:
         """How the fit is made, beside its options."""
-        one_of("metric", self.metric, METRICS)
         return {
             "threads": thread_count(self.n_jobs),
             "verbose": bool(self.verbose),
-            "init": start_of(self.init, (n_samples, int(options["n_components"]))),
+            "init": start,
             "quality": quality_neighbours(self.quality, n_samples),
             "callback": one_callback(self.callbacks),
             "callback_every": whole_number(
@@ -290,9 +302,13 @@ class TSNE(FitParameters):
             "keeps_interrupted": one_of("on_interrupt", self.on_interrupt, ("raise", "keep")) == "keep",
         }
 
-    def _warn_of_interruption(self, iteration: int) -> None:
+    def _warn_of_interruption(self, iteration: int, options: dict[str, Any]) -> None:
+        if options["schedule"] == "classic":
+            end_of_exaggeration = options["stop_lying_iter"]
+        else:
+            end_of_exaggeration = options["hold_iter"] + options["release_iter"]
         text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
-        if iteration < self.stop_lying_iter:
+        if iteration < end_of_exaggeration:
             text += ": early exaggeration has not ended, so the groups stand closer than they should"
         warnings.warn(text, stacklevel=4)
 
@@ -305,8 +321,7 @@ class TSNE(FitParameters):
         self.seed_ = int(options["seed"])
         self.learning_rate_ = float(options["learning_rate"])
         self.n_features_in_ = given.values.shape[1]
-        start = [] if isinstance(self.init, str) else [("Start", "given")]
-        self._caption = outcome["caption"] + start
+        self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (
             ("trustworthiness_", outcome["trustworthiness"]),

@@ -1,5 +1,4 @@
 #include <atomic>
-#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -9,19 +8,18 @@
 #include <utility>
 #include <vector>
 
-#include <climits>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
 #include "stats/map_agreement.h"
-#include "stats/option_texts.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
 
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
+#include "python/src/options.h"
 #include "python/src/own_thread.h"
 #include "python/src/page.h"
 
@@ -52,70 +50,6 @@ void translate(std::exception_ptr thrown) {
         const py::tuple arguments = py::make_tuple(error.code().value(), decoded(error.what()));
         PyErr_SetObject(PyExc_OSError, arguments.ptr());
     }
-}
-
-/// Forgets that a value is no number; what else went wrong, such as Ctrl-C, goes on.
-void forget_wrong_kind() {
-    if (PyErr_Occurred() == nullptr) {
-        return;
-    }
-    if (PyErr_ExceptionMatches(PyExc_TypeError) == 0 &&
-        PyErr_ExceptionMatches(PyExc_ValueError) == 0 &&
-        PyErr_ExceptionMatches(PyExc_OverflowError) == 0) {
-        throw py::error_already_set();
-    }
-    PyErr_Clear();
-}
-
-/// @return none if it is no number
-std::optional<double> number_of(const py::object& object, double /*kind*/) {
-    const double number = py::isinstance<py::str>(object) || py::isinstance<py::bytes>(object)
-                              ? std::nan("")
-                              : PyFloat_AsDouble(object.ptr());
-    const bool is_number = PyErr_Occurred() == nullptr;
-    forget_wrong_kind();
-    return is_number ? std::optional(number) : std::nullopt;
-}
-
-/// @return none if it is no whole number, or too large for any option
-std::optional<int> number_of(const py::object& object, int /*kind*/) {
-    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
-    const long number = index ? PyLong_AsLong(index.ptr()) : 0;
-    const bool is_number = PyErr_Occurred() == nullptr && number >= INT_MIN && number <= INT_MAX;
-    forget_wrong_kind();
-    return is_number ? std::optional(static_cast<int>(number)) : std::nullopt;
-}
-
-/// The options among keyword arguments.
-///
-/// @throws InputError if one is out of its range, or there is no such option
-FitOptions options_of(const py::dict& arguments) {
-    FitOptions options;
-    std::size_t known = 0;
-    visit_fit_options(options, [&](auto option) {
-        const py::str name(option.words.python.data(), option.words.python.size());
-        if (!arguments.contains(name)) {
-            return;
-        }
-        ++known;
-        const py::object given = arguments[name];
-        const auto number = number_of(given, option.preset);
-        if (!number || !option.range.holds(*number)) {
-            throw InputError(std::string(option.words.python) + " should be " +
-                             requirement_text(option.range) + ", not " +
-                             py::repr(given).cast<std::string>());
-        }
-        option.value = *number;
-    });
-    if (known != arguments.size()) {
-        throw InputError("there is an option of another name among the parameters of the fit");
-    }
-    return options;
-}
-
-/// @throws InputError as `options_of`
-void check_options(const py::dict& arguments) {
-    options_of(arguments);
 }
 
 /// Shows a state to a function of Python, with a copy of the embedding.
@@ -156,7 +90,7 @@ py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points{
         X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
-    const FitOptions options = options_of(arguments);
+    const FitOptions options = settled_options(arguments);
     const py::ssize_t shape[] = {X.shape(0), options.out_dims};
     const auto start = manner["init"].cast<std::optional<Array>>();
     const py::object callback = manner["callback"];
@@ -284,7 +218,12 @@ PYBIND11_MODULE(_core, module) {
         const ovik::AvailableMemory available = ovik::available_memory();
         return std::pair(available.bytes, available.limit);
     });
-    module.def("check_options", ovik::python::check_options, "options"_a);
+    module.def("settle_options",
+               ovik::python::settle_options,
+               "given"_a,
+               "preset"_a,
+               "rows"_a,
+               "columns"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
     module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
