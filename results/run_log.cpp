@@ -7,27 +7,47 @@
 
 namespace ovik {
 
+namespace {
+
+std::string perplexity_text(double perplexity) {
+    return "perplexity = " + num2string(perplexity, 1);
+}
+
+}  // namespace
+
 std::string run_log_record(const std::string& data_title,
-                           double perplexity,
+                           const std::string& affinities,
                            const std::string& table_stem) {
-    const std::string sentence =
-        data_title + " using t-SNE method (perplexity = " + num2string(perplexity, 1) + ").";
+    const std::string sentence = data_title + " using t-SNE method (" + affinities + ").";
     return "1-1-1-0\n" + sentence + "\n" + sentence +
            " The darker color means that there are overlaps.\n" + table_stem + "\n";
 }
 
+std::string run_log_record(const std::string& data_title,
+                           double perplexity,
+                           const std::string& table_stem) {
+    return run_log_record(data_title, perplexity_text(perplexity), table_stem);
+}
+
 std::error_code append_run_log(const std::string& out_base,
                                const std::string& data_title,
-                               double perplexity,
+                               const std::string& affinities,
                                const std::string& table_stem) {
     const bool written = write_string(out_base + ".log",
-                                      run_log_record(data_title, perplexity, table_stem),
+                                      run_log_record(data_title, affinities, table_stem),
                                       "",
                                       "a+",
                                       "",
                                       "#",
                                       "\n");
     return written ? std::error_code() : std::error_code(errno, std::generic_category());
+}
+
+std::error_code append_run_log(const std::string& out_base,
+                               const std::string& data_title,
+                               double perplexity,
+                               const std::string& table_stem) {
+    return append_run_log(out_base, data_title, perplexity_text(perplexity), table_stem);
 }
 
 }  // namespace ovik

@@ -5,6 +5,7 @@
 
 #include <glog/logging.h>
 
+#include "stats/chosen_affinities.h"
 #include "stats/seed_texts.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -38,9 +39,24 @@ void check_perplexity(double perplexity, int N) {
 
 void print_launch(const FitOptions& options, int N) {
     print_info("Random seed:  " + num2string(options.seed));
-    check_perplexity(options.perplexity, N);
-    print_info("Launching t-SNE at perplexity = " + num2string(options.perplexity, 2) +
-               " and theta = " + num2string(options.theta, 2));
+    std::string affinities = "with " + affinities_text(options);
+    if (has_perplexity(options)) {
+        check_perplexity(options.perplexity, N);
+        affinities = "at perplexity = " + num2string(options.perplexity, 2);
+    }
+    print_info("Launching t-SNE " + affinities + " and theta = " + num2string(options.theta, 2));
+}
+
+FitNotes console_notes(const FitOptions& options) {
+    if (has_perplexity(options)) {
+        return console_notes(options.perplexity);
+    }
+    return [notes = console_notes(0.0)](FitNote note) {
+        // What the log has of these is a perplexity.
+        if (note != FitNote::DistancesBegin && note != FitNote::DistancesDone) {
+            notes(note);
+        }
+    };
 }
 
 FitNotes console_notes(double perplexity) {

@@ -18,6 +18,10 @@ void print_launch(const FitOptions& options, int N);
 /// log.
 FitNotes console_notes(double perplexity);
 
+/// The same for a fit that may have other affinities than those of one perplexity, which is then
+/// not logged.
+FitNotes console_notes(const FitOptions& options);
+
 /// Redraws the progress bar, in the precision T.
 template <typename T>
 void print_progress(const IterationReport& reached);

@@ -7,6 +7,7 @@
 #include <climits>
 
 #include "neighbours/neighbour_index.h"
+#include "stats/chosen_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_objective.h"
 #include "stats/sparse_affinities.h"
@@ -21,17 +22,24 @@ namespace {
 std::unique_ptr<Objective> make_exact(const MethodInput& input) {
     return std::make_unique<ExactObjective>(input.X,
                                             static_cast<std::size_t>(input.options.out_dims),
-                                            input.options.perplexity,
+                                            chosen_dense_row(input.options),
                                             input.notes);
+}
+
+SparseMatrix sparse_affinities(const MethodInput& input) {
+    const int K = affinity_neighbours(input.options, input.X.rows);
+    if (has_perplexity(input.options) && input.options.perplexity > static_cast<double>(K)) {
+        tell(input.notes, FitNote::PerplexityAboveNeighbours);
+    }
+    const auto rows = chosen_rows(input.options, input.X.rows);
+    return conditional_affinities(input.X, *rows, K, input.neighbourHooks());
 }
 
 std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     const std::size_t N = input.X.rows;
-    const double perplexity = input.options.perplexity;
     SparseMatrix P;
     {
-        const SparseMatrix conditional = neighbour_affinities(
-            input.X, perplexity, neighbour_count(perplexity, N), input.neighbourHooks());
+        const SparseMatrix conditional = sparse_affinities(input);
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);
@@ -57,7 +65,7 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
-    const double K = std::clamp(3.0 * size.options.perplexity, 0.0, std::max(N - 1.0, 0.0));
+    const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
     const double entries = N * K;
     const double symmetric = symmetric_share(D) * entries;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
@@ -78,7 +86,7 @@ std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
 
 std::optional<LighterFit> lighter_than_barnes_hut(const FitOptions& options) {
     constexpr double kUsualPerplexity = 30.0;
-    if (options.perplexity <= kUsualPerplexity) {
+    if (!has_perplexity(options) || options.perplexity <= kUsualPerplexity) {
         return std::nullopt;
     }
     LighterFit lighter{"A perplexity of 30", options};

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "stats/cached_neighbours.h"
+#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 #include "util/parallel.h"
 #include "util/stopwatch.h"
@@ -35,7 +36,7 @@ class SeedFits {
           fits_(count) {
         if (hooks_.cached_neighbours == nullptr && method_of(options).has_neighbours) {
             own_neighbours_ = std::make_unique<CachedNeighbours>(
-                static_cast<std::size_t>(neighbour_count(options.perplexity, X.rows)));
+                static_cast<std::size_t>(affinity_neighbours(options, X.rows)));
             hooks_.cached_neighbours = own_neighbours_.get();
         }
     }

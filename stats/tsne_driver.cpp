@@ -245,7 +245,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     CheckpointKeeper keeper(checkpoint_path, checkpoint_every, std::move(run));
     SeedProgress progress(seeds, options.max_iter);
     FitHooks hooks;
-    hooks.on_note = console_notes(options.perplexity);
+    hooks.on_note = console_notes(options);
     hooks.on_similarities = [&](const std::string& message) {
         print_info(message);
         if (resumed) {

@@ -1,7 +1,9 @@
 #include "tools/comparison.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -10,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "plots/comparison_page.h"
+#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 #include "stats/option_texts.h"
 #include "util/console.h"
@@ -40,6 +43,12 @@ Facts input_facts(const ComparisonEntry& entry) {
         {"Input",
          counted(entry.rows, "row", "rows") + ", " + counted(entry.columns, "column", "columns")},
         {"Method", method_of(entry.options).title(entry.options)}};
+}
+
+/// What the similarities of a run are made by.
+std::string affinities_of(const ComparisonEntry& entry) {
+    return std::isnan(entry.run.perplexity) ? affinities_text(entry.options)
+                                            : "perplexity " + shortest_text(entry.run.perplexity);
 }
 
 Facts run_facts(const RunRecord& run) {
@@ -85,7 +94,8 @@ ComparedRun compared_run(const ComparisonEntry& entry,
 /// @throws nlohmann::json::exception if the report lacks something, or it is of another kind
 RunRecord record_of(const Json& run) {
     RunRecord record;
-    record.perplexity = run.at("perplexity").get<double>();
+    const Json& perplexity = run.at("perplexity");
+    record.perplexity = perplexity.is_null() ? std::nan("") : perplexity.get<double>();
     record.iteration = run.at("last_iteration").get<int>();
     record.final_cost = run.at("final_cost").get<double>();
     for (const Json& quality : run.at("quality")) {
@@ -176,8 +186,10 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
     }
     for (const ComparisonEntry& entry : entries) {
         ComparedRun run = compared_run(entry, directory);
-        run.title = (one_title ? "Perplexity " : entry.title + ": perplexity ") +
-                    shortest_text(entry.run.perplexity);
+        const std::string affinities = affinities_of(entry);
+        run.title = one_title
+                        ? static_cast<char>(std::toupper(affinities[0])) + affinities.substr(1)
+                        : entry.title + ": " + affinities;
         if (!one_input) {
             run.facts = input_facts(entry);
         }
@@ -201,7 +213,8 @@ ExitStatus collect_reports(const Options& options) {
     }
     std::stable_sort(
         entries.begin(), entries.end(), [](const ComparisonEntry& a, const ComparisonEntry& b) {
-            return a.run.perplexity < b.run.perplexity;
+            // Those without one come last.
+            return !std::isnan(a.run.perplexity) && !(a.run.perplexity >= b.run.perplexity);
         });
     prepare_directory(options.out_dir);
     return write_comparison(comparison_path(options), entries) ? Success : FailedRun;

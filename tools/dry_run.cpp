@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 #include "util/console.h"
 #include "util/counted.h"
@@ -34,8 +35,10 @@ void print_plan(const Options& options,
     print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
                counted(size.columns, "column", "columns"));
     print_info("Method: " + std::string(method_of(options.fit).name) +
-               " (theta = " + num2string(options.fit.theta, 2) + "), perplexity " +
-               all_perplexities + ", " + std::to_string(options.fit.out_dims) + " dimensions, " +
+               " (theta = " + num2string(options.fit.theta, 2) + "), " +
+               (has_perplexity(options.fit) ? "perplexity " + all_perplexities
+                                            : affinities_text(options.fit)) +
+               ", " + std::to_string(options.fit.out_dims) + " dimensions, " +
                std::to_string(options.fit.max_iter + 1) + " iterations");
     if (options.seeds > 1) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +

@@ -1,5 +1,6 @@
 #include "tools/embedding_run.h"
 
+#include <cmath>
 #include <cstdio>
 #include <stdexcept>
 #include <system_error>
@@ -8,6 +9,7 @@
 #include "plots/cost_figure.h"
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
+#include "stats/chosen_affinities.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
@@ -206,6 +208,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
     record.files = finish_results(tsne, options, input, record);
+    if (!has_perplexity(options.fit)) {
+        record.perplexity = std::nan("");
+    }
     return record;
 }
 

@@ -39,6 +39,14 @@ TEST(PrintLaunch, TellsSeedAndOptions) {
               "-- Launching t-SNE at perplexity = 12.75 and theta = 0.25\n");
 }
 
+TEST(PrintLaunch, TellsOfOtherAffinitiesThanThoseOfOnePerplexity) {
+    FitOptions options;
+    options.affinity = AffinityKind::Uniform;
+    EXPECT_EQ(launched(options, 30),
+              "-- Random seed:  11\n"
+              "-- Launching t-SNE with uniform affinities to 15 neighbours and theta = 0.50\n");
+}
+
 TEST(PrintLaunch, TellsOfAPerplexityThatTheRowsCannotBear) {
     constexpr const char* kComplaint = "perplexity is too large for the number of data points!";
     // Three times the perplexity may be all others, and no more.
