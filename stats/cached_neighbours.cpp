@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 #include <stdexcept>
+#include <utility>
 
 #include "stats/tsne.h"
 #include "util/parallel.h"
@@ -13,24 +14,24 @@ std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
     return std::make_shared<CachedNeighbours>(most);
 }
 
-void CachedNeighbours::begin(const double* points,
-                             std::size_t N,
-                             std::size_t dims,
-                             RandomStream& random) {
+std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
+                                                         std::size_t N,
+                                                         std::size_t dims,
+                                                         RandomStream& random) {
+    auto search = std::make_unique<NeighbourSearch>(N, dims, random);
     const Digest digest = digest_of({points, N * dims});
+    const std::lock_guard lock(mutex_);
     if (search_ == nullptr) {
-        search_ = std::make_unique<NeighbourSearch>(N, dims, random);
+        search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
         fillLists(points);
-        return;
+        return nullptr;
     }
     if (N != search_->rowCount() || digest != points_) {
         throw std::invalid_argument("neighbours of another matrix are cached");
     }
-    for (std::size_t draw = 0; draw < NeighbourIndex::drawCount(N); ++draw) {
-        random.next();
-    }
+    return search->draws() == search_->draws() ? nullptr : std::move(search);
 }
 
 void CachedNeighbours::fillLists(const double* points) {
@@ -55,7 +56,8 @@ void CachedNeighbours::fillLists(const double* points) {
 
 void CachedNeighbours::findAll(const double* points,
                                std::size_t count,
-                               const NeighbourSearch::Visit& visit) {
+                               const NeighbourSearch::Visit& visit,
+                               NeighbourSearch* own_search) {
     const std::size_t N = search_->rowCount();
     std::vector<char> is_found(N);
     const std::size_t listed = lists_.empty() ? 0 : N;
@@ -68,6 +70,9 @@ void CachedNeighbours::findAll(const double* points,
             }
         }
     });
+    if (own_search != nullptr) {
+        return own_search->findOthers(points, count, is_found, visit);
+    }
     const std::lock_guard lock(mutex_);
     search_->findOthers(points, count, is_found, visit);
 }

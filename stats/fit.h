@@ -33,8 +33,8 @@ struct FitHooks {
     std::function<bool(const FitState&)> on_iteration = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
-    /// Null, or the neighbours that fits of one matrix share, several at once when one of them has
-    /// begun its iterations; not used by the exact method.
+    /// Null, or the neighbours that fits of one matrix share, several at once if need be; not used
+    /// by the exact method.
     CachedNeighbours* cached_neighbours = nullptr;
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;

@@ -71,7 +71,7 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
     const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
-    const double searching = of_queries + (size.is_shared || size.seeds > 1 ? 0.0 : index);
+    const double searching = of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
             12.0 * symmetric + 185.0 * N + 44.0 * N * d,

@@ -22,8 +22,7 @@ struct SeedManner {
 /// All fits take the neighbours that the first one finds, by all threads. The others run side by
 /// side in groups of `at_once`, each by one thread; those that fill no group run one after the
 /// other by all threads. The result is the same for any number of threads: the map of each seed is
-/// that of `fit_into` with this seed. Only where rows are equally far from another may a fit of a
-/// later seed alone take other neighbours among them.
+/// that of `fit_into` with this seed.
 ///
 /// @param X      centred and scaled in place; a copy is made, and one more for each fit at once
 /// @param hooks  `on_note` and `on_similarities` hear the first fit. `on_iteration` is called with

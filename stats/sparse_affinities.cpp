@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <numeric>
-#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -315,29 +315,27 @@ SparseMatrix conditional_affinities(MatrixView<const double> points,
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
-    std::optional<NeighbourSearch> own_search;
-    if (hooks.cached != nullptr) {
-        hooks.cached->begin(points.values, N, points.columns, random);
-    } else {
-        own_search.emplace(N, points.columns, random);
-    }
+    // Null for the search of the cache.
+    const std::unique_ptr<NeighbourSearch> own_search =
+        hooks.cached != nullptr ? hooks.cached->begin(points.values, N, points.columns, random)
+                                : std::make_unique<NeighbourSearch>(N, points.columns, random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
         *hooks.graph = graph_without_neighbours(N, row_length);
     }
-    const auto find_all = [&](auto& search) {
-        RowFiller filler(rows, row_length, search.workerCount(), matrix, hooks.graph);
-        search.findAll(
-            points.values,
-            row_length + 1,
-            [&filler](std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
-                filler.fill(n, nearest, worker);
-            });
-    };
+    RowFiller filler(
+        rows,
+        row_length,
+        hooks.cached != nullptr ? hooks.cached->workerCount() : own_search->workerCount(),
+        matrix,
+        hooks.graph);
+    const auto fill = [&filler](std::size_t n,
+                                std::span<const NearRow> nearest,
+                                std::size_t worker) { filler.fill(n, nearest, worker); };
     if (hooks.cached != nullptr) {
-        find_all(*hooks.cached);
+        hooks.cached->findAll(points.values, row_length + 1, fill, own_search.get());
     } else {
-        find_all(*own_search);
+        own_search->findAll(points.values, row_length + 1, fill);
     }
     return matrix;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
