@@ -13,11 +13,11 @@ OVIK_API std::string run_log_record(const std::string& data_title,
                                     double perplexity,
                                     const std::string& table_stem);
 
-/// The same for a run that has not one perplexity.
+/// The same for a run that may have no perplexity.
 ///
-/// @param affinities  what it has in its place, in words
+/// @param neighbourhood  what stands in the place of "perplexity = 30.0"
 OVIK_API std::string run_log_record(const std::string& data_title,
-                                    const std::string& affinities,
+                                    const std::string& neighbourhood,
                                     const std::string& table_stem);
 
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
@@ -30,10 +30,10 @@ OVIK_API std::error_code append_run_log(const std::string& out_base,
                                         double perplexity,
                                         const std::string& table_stem);
 
-/// The same for a run that has not one perplexity.
+/// The same for a run that may have no perplexity.
 OVIK_API std::error_code append_run_log(const std::string& out_base,
                                         const std::string& data_title,
-                                        const std::string& affinities,
+                                        const std::string& neighbourhood,
                                         const std::string& table_stem);
 
 }  // namespace ovik

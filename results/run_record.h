@@ -55,7 +55,7 @@ struct RecordedAgreement {
 
 /// What came of one run of the engine.
 struct RunRecord {
-    /// NaN for a run that has not one perplexity.
+    /// NaN where the run has none.
     double perplexity = 0.0;
     /// The last iteration; less than was asked for if the run was ended early.
     int iteration = -1;

@@ -5,7 +5,8 @@
 
 #include <glog/logging.h>
 
-#include "stats/chosen_affinities.h"
+#include "stats/option_effect.h"
+#include "stats/run_names.h"
 #include "stats/seed_texts.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -39,16 +40,16 @@ void check_perplexity(double perplexity, int N) {
 
 void print_launch(const FitOptions& options, int N) {
     print_info("Random seed:  " + num2string(options.seed));
-    std::string affinities = "with " + affinities_text(options);
-    if (has_perplexity(options)) {
+    const bool has_perplexity = !bar_of(options, "perplexity");
+    if (has_perplexity) {
         check_perplexity(options.perplexity, N);
-        affinities = "at perplexity = " + num2string(options.perplexity, 2);
     }
-    print_info("Launching t-SNE " + affinities + " and theta = " + num2string(options.theta, 2));
+    print_info("Launching t-SNE " + std::string(has_perplexity ? "at " : "with ") +
+               neighbourhood_text(options, 2) + " and theta = " + num2string(options.theta, 2));
 }
 
 FitNotes console_notes(const FitOptions& options) {
-    if (has_perplexity(options)) {
+    if (!bar_of(options, "perplexity")) {
         return console_notes(options.perplexity);
     }
     return [notes = console_notes(0.0)](FitNote note) {

@@ -10,6 +10,7 @@
 #include "stats/chosen_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_objective.h"
+#include "stats/option_effect.h"
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_objective.h"
 #include "stats/tree_repulsion.h"
@@ -28,7 +29,7 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
 
 SparseMatrix sparse_affinities(const MethodInput& input) {
     const int K = affinity_neighbours(input.options, input.X.rows);
-    if (has_perplexity(input.options) && input.options.perplexity > static_cast<double>(K)) {
+    if (!bar_of(input.options, "perplexity") && input.options.perplexity > static_cast<double>(K)) {
         tell(input.notes, FitNote::PerplexityAboveNeighbours);
     }
     const auto rows = chosen_rows(input.options, input.X.rows);
@@ -86,7 +87,7 @@ std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
 
 std::optional<LighterFit> lighter_than_barnes_hut(const FitOptions& options) {
     constexpr double kUsualPerplexity = 30.0;
-    if (!has_perplexity(options) || options.perplexity <= kUsualPerplexity) {
+    if (bar_of(options, "perplexity") || options.perplexity <= kUsualPerplexity) {
         return std::nullopt;
     }
     LighterFit lighter{"A perplexity of 30", options};

@@ -9,8 +9,8 @@
 #include "plots/plot_hand_off.h"
 #include "results/result_table.h"
 #include "results/run_log.h"
-#include "stats/chosen_affinities.h"
 #include "stats/run_caption.h"
+#include "stats/run_names.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
@@ -41,9 +41,7 @@ WrittenResults write_results(const ResultSettings& settings,
     WrittenResults written;
     written.table_failure = write_result_table(out_base + "_" + stem + ".csv", table);
     written.log_failure =
-        has_perplexity(run.options)
-            ? append_run_log(out_base, settings.data_title, run.options.perplexity, stem)
-            : append_run_log(out_base, settings.data_title, affinities_text(run.options), stem);
+        append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
     if (settings.draw_plots) {
         const auto parameters = caption_parameters(run.options,
                                                    run.embedding.rows,

@@ -42,8 +42,8 @@ std::pair<std::string, std::string> identity_entry(const auto& option) {
     }
 }
 
-/// Adds what a run leaves unsaid of its options, so that messages can name it:
-/// the options that are not told are as preset.
+/// Adds what a run leaves unsaid of its options, since it is as preset: messages can name it then.
+/// Lists are empty by default, which says as much.
 void complete(RunIdentity& run) {
     const FitOptions presets;
     visit_fit_options(presets, [&run](const auto& option) {
@@ -51,8 +51,10 @@ void complete(RunIdentity& run) {
         const bool is_there = std::any_of(run.options.begin(),
                                           run.options.end(),
                                           [&](const auto& entry) { return entry.first == name; });
-        if (option.words.decides_states && !option.words.is_always_told && !is_there) {
-            run.options.emplace_back(name, preset_text(option));
+        const std::string preset = value_text(option);
+        if (option.words.decides_states && !option.words.is_always_told && !is_there &&
+            !preset.empty()) {
+            run.options.emplace_back(name, preset);
         }
     });
 }

@@ -12,9 +12,9 @@
 #include <nlohmann/json.hpp>
 
 #include "plots/comparison_page.h"
-#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 #include "stats/option_texts.h"
+#include "stats/run_names.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -45,21 +45,34 @@ Facts input_facts(const ComparisonEntry& entry) {
         {"Method", method_of(entry.options).title(entry.options)}};
 }
 
-/// What the similarities of a run are made by.
-std::string affinities_of(const ComparisonEntry& entry) {
-    return std::isnan(entry.run.perplexity) ? affinities_text(entry.options)
-                                            : "perplexity " + shortest_text(entry.run.perplexity);
-}
-
-Facts run_facts(const RunRecord& run) {
+Facts run_facts(const FitOptions& options, const RunRecord& run) {
     Facts facts{{"Last iteration", std::to_string(run.iteration)},
                 {"Cost", with_decimals(run.final_cost, 4)}};
+    if (const std::string choices = choices_text(options); !choices.empty()) {
+        facts.emplace_back("Choices", choices);
+    }
     for (const RecordedQuality& quality : run.quality) {
         facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
                            "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
                                with_decimals(100.0 * quality.preservation, 1) + " % kept");
     }
     return facts;
+}
+
+/// What a run is called.
+///
+/// @param is_alone  without the title of its data
+std::string title_of(const ComparisonEntry& entry, bool is_alone) {
+    if (std::isnan(entry.run.perplexity)) {
+        const std::string neighbourhood = neighbourhood_text(entry.options, 1);
+        if (!is_alone) {
+            return entry.title + ": " + neighbourhood;
+        }
+        return std::string(1, static_cast<char>(std::toupper(neighbourhood.front()))) +
+               neighbourhood.substr(1);
+    }
+    return (is_alone ? "Perplexity " : entry.title + ": perplexity ") +
+           shortest_text(entry.run.perplexity);
 }
 
 /// Whether all entries have in common what `value` takes of them.
@@ -186,14 +199,11 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
     }
     for (const ComparisonEntry& entry : entries) {
         ComparedRun run = compared_run(entry, directory);
-        const std::string affinities = affinities_of(entry);
-        run.title = one_title
-                        ? static_cast<char>(std::toupper(affinities[0])) + affinities.substr(1)
-                        : entry.title + ": " + affinities;
+        run.title = title_of(entry, one_title);
         if (!one_input) {
             run.facts = input_facts(entry);
         }
-        const Facts facts = run_facts(entry.run);
+        const Facts facts = run_facts(entry.options, entry.run);
         run.facts.insert(run.facts.end(), facts.begin(), facts.end());
         comparison.runs.push_back(std::move(run));
     }
@@ -213,8 +223,9 @@ ExitStatus collect_reports(const Options& options) {
     }
     std::stable_sort(
         entries.begin(), entries.end(), [](const ComparisonEntry& a, const ComparisonEntry& b) {
-            // Those without one come last.
-            return !std::isnan(a.run.perplexity) && !(a.run.perplexity >= b.run.perplexity);
+            // Those without a perplexity come last.
+            return a.run.perplexity < b.run.perplexity ||
+                   (!std::isnan(a.run.perplexity) && std::isnan(b.run.perplexity));
         });
     prepare_directory(options.out_dir);
     return write_comparison(comparison_path(options), entries) ? Success : FailedRun;

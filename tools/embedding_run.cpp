@@ -1,7 +1,7 @@
 #include "tools/embedding_run.h"
 
-#include <cmath>
 #include <cstdio>
+#include <limits>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -9,7 +9,7 @@
 #include "plots/cost_figure.h"
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
-#include "stats/chosen_affinities.h"
+#include "stats/option_effect.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
@@ -179,7 +179,8 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     RunRecord record;
-    record.perplexity = perplexity;
+    record.perplexity =
+        bar_of(options.fit, "perplexity") ? std::numeric_limits<double>::quiet_NaN() : perplexity;
     tsne.on_iteration = [&record](const IterationReport& reached) {
         check_finite(reached);
         record.iteration = reached.iteration;
@@ -208,9 +209,6 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
     record.files = finish_results(tsne, options, input, record);
-    if (!has_perplexity(options.fit)) {
-        record.perplexity = std::nan("");
-    }
     return record;
 }
 

@@ -266,7 +266,7 @@ class FitOptionAdder {
                             "should be " + requirement_text(option) + ", not " + text);
                     }
                     if (!option.isAutomatic()) {
-                        option.value = CLI::detail::lexical_cast(number, option.value);
+                        option.value = static_cast<Number>(std::strtod(number.c_str(), nullptr));
                     }
                 },
                 help)

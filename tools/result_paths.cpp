@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "stats/chosen_affinities.h"
+#include "stats/run_names.h"
 #include "util/format.h"
 #include "util/input_error.h"
 

@@ -106,7 +106,9 @@ def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
 
 def is_default(value: Any, default: Any) -> bool:
     """Whether a parameter is as the constructor has it; of any value, such as an array."""
-    return value is default or (isinstance(value, (int, float, str)) and value == default)
+    return value is default or (
+        type(value) is type(default) and isinstance(value, int | float | str) and value == default
+    )
 
 
 def quality_neighbours(quality: Any, n_samples: int) -> int:

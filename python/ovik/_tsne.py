@@ -246,12 +246,13 @@ class TSNE(FitParameters):
         return parameters
 
     def _fit(self, given: Input) -> None:
-        start = start_of(self.init, (len(given.values), self.n_components))
-        options = self._settled_options(*given.values.shape, start is not None)
-        manner = self._checked_manner(len(given.values), start)
+        n_samples, n_features = given.values.shape
+        start = start_of(self.init, (n_samples, self.n_components))
+        options = self._settled_options(n_samples, n_features, start is not None)
+        manner = self._checked_manner(n_samples, start)
         check_finite(given.values)
         if options["perplexity"] is not None:
-            check_perplexity(options["perplexity"], len(given.values))
+            check_perplexity(options["perplexity"], n_samples)
         if self.verbose:
             sys.stdout.flush()
         outcome = _core.embed(given.values, options, manner)

@@ -25,8 +25,8 @@ TEST(RunLogRecord, CutsThePerplexity) {
 }
 
 TEST(RunLogRecord, HasWhatARunHasInThePlaceOfAPerplexity) {
-    EXPECT_NE(run_log_record("x", "uniform affinities to 15 neighbours", "tsne_k15")
-                  .find("x using t-SNE method (uniform affinities to 15 neighbours).\n"),
+    EXPECT_NE(run_log_record("x", "uniform affinities of 15 neighbours", "tsne_k15")
+                  .find("x using t-SNE method (uniform affinities of 15 neighbours).\n"),
               std::string::npos);
 }
 

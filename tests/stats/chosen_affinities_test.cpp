@@ -118,21 +118,5 @@ TEST(AffinityNeighbours, AreThoseOfTheOptions) {
     EXPECT_EQ(affinity_neighbours(multiscale({10.0, 50.0}), 100), 99);
 }
 
-TEST(AffinitiesText, NamesWhatSimilaritiesAreMadeBy) {
-    EXPECT_EQ(affinities_text({.perplexity = 12.5}), "perplexity 12.5");
-    EXPECT_EQ(affinities_text(multiscale({10.0, 50.0})), "perplexities 10 and 50");
-    EXPECT_EQ(affinities_text(multiscale({10.0, 2.5, 50.0})), "perplexities 10, 2.5 and 50");
-    EXPECT_EQ(affinities_text(uniform(15)), "uniform affinities to 15 neighbours");
-    EXPECT_TRUE(has_perplexity({}));
-    EXPECT_FALSE(has_perplexity(uniform(15)));
-    EXPECT_FALSE(has_perplexity(multiscale({10.0})));
-}
-
-TEST(ResultStem, TellsAffinitiesApart) {
-    EXPECT_EQ(result_stem({.perplexity = 12.75}, "_x"), "tsne_12_7_x");
-    EXPECT_EQ(result_stem(multiscale({10.0, 50.0}), "_x"), "tsne_10_0-50_0_x");
-    EXPECT_EQ(result_stem(uniform(15), ""), "tsne_k15");
-}
-
 }  // namespace
 }  // namespace ovik

@@ -44,7 +44,7 @@ TEST(PrintLaunch, TellsOfOtherAffinitiesThanThoseOfOnePerplexity) {
     options.affinity = AffinityKind::Uniform;
     EXPECT_EQ(launched(options, 30),
               "-- Random seed:  11\n"
-              "-- Launching t-SNE with uniform affinities to 15 neighbours and theta = 0.50\n");
+              "-- Launching t-SNE with uniform affinities of 15 neighbours and theta = 0.50\n");
 }
 
 TEST(PrintLaunch, TellsOfAPerplexityThatTheRowsCannotBear) {
