@@ -491,6 +491,19 @@ void check_combination(const Options& options) {
     }
 }
 
+/// @throws InputError if all seeds would start at the same places
+void check_seed_starts(const Options& options) {
+    if (options.seeds == 1 || options.fit.start == StartKind::Random) {
+        return;
+    }
+    throw InputError("--seeds: " +
+                     (options.fit.start == StartKind::Pca
+                          ? std::string("--start pca gives")
+                          : std::string("a file of --start gives")) +
+                     " every seed the same start, and so the same map\nLeave --seeds out, or give "
+                     "--start random.");
+}
+
 /// @throws CLI::ValidationError if there are not so many seeds, or a checkpoint has to serve
 /// several
 void check_seeds(const Options& options) {
@@ -623,6 +636,7 @@ void settle_fit_options(Options& options, std::size_t rows, std::size_t columns)
     const OptionSource source = source_of(options);
     options.fit = with_preset(options.preset, rows, options.fit, source.is_given);
     check_options_for(options.fit, rows, columns, source);
+    check_seed_starts(options);
 }
 
 }  // namespace ovik::tool

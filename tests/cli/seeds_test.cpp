@@ -133,6 +133,9 @@ TEST_F(Seeds, AreRefusedWithWhatTheyDoNotGoWith) {
     };
     EXPECT_THAT(refusal({"--seeds", "2", "--checkpoint", directory_.file("c")}),
                 HasSubstr("--checkpoint and --resume: are for one seed"));
+    EXPECT_THAT(refusal({"--seeds", "2", "--start", "pca"}),
+                HasSubstr("--seeds: --start pca gives every seed the same start, and so the same "
+                          "map\nLeave --seeds out, or give --start random."));
     EXPECT_THAT(refusal({"--seeds", "0"}), HasSubstr("from 1 to 1000, not 0"));
     EXPECT_THAT(refusal({"--seeds", "3", "--seed", "2147483646"}),
                 HasSubstr("--seed: should be at most 2147483645, so that 2 more follow it"));
