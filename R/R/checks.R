@@ -42,6 +42,28 @@ check_options <- function(options) {
 
 bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
 
+# Coordinates to start from as a plain matrix; NULL where `start` is a name.
+checked_start <- function(start, rows, dims) {
+  if (!is.matrix(start)) return(NULL)
+  if (!is.numeric(start) || is.object(start)) {
+    refuse(sprintf("start is a matrix of '%s'", class(start[1])), "Give a matrix of plain numbers.")
+  }
+  if (!identical(dim(start), c(rows, as.integer(dims)))) {
+    refuse(
+      sprintf("start has %d rows and %d columns, and the map has %d and %d", nrow(start), ncol(start), rows, dims),
+      "Give a place for every row of x."
+    )
+  }
+  if (!all(is.finite(start))) {
+    refuse(
+      sprintf("start has %s in row %d", format(start[!is.finite(start)][1]), row(start)[!is.finite(start)][1]),
+      "Give a place for every row of x."
+    )
+  }
+  storage.mode(start) <- "double"
+  start
+}
+
 check_preset <- function(preset) {
   if (!identical(preset, "classic") && !identical(preset, "refined")) {
     stop(sprintf("preset should be \"classic\" or \"refined\", not %s", shown(preset)), call. = FALSE)

@@ -46,11 +46,15 @@ tsne.default <- function(x, perplexity = 30, ...) {
 # Embeds a matrix; `options` are those of the fit, by the names of the arguments, of which the call has
 # those that are given.
 embed <- function(x, options, preset, labels, threads, verbose, call) {
+  start <- options$start
+  if (is.matrix(start)) options$start <- "given"
+  if (identical(start, "given")) options$start <- "" # The name stands for coordinates alone.
   check_options(options)
   check_preset(preset)
   threads <- checked_threads(threads)
   check_flag("verbose", verbose)
   check_values(x)
+  start <- checked_start(start, nrow(x), options$dims)
   given <- intersect(names(options), names(call))
   sent <- options[union("perplexity", given)]
   options <- .Call(C_settle, lapply(sent, bare_value), given, preset, dim(x))
@@ -59,7 +63,7 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
 
   values <- x
   storage.mode(values) <- "double"
-  fit <- .Call(C_embed, values, options, threads, verbose)
+  fit <- .Call(C_embed, values, options, start, threads, verbose)
   if (nzchar(fit$threads_note)) warning(fit$threads_note, call. = FALSE)
 
   dimnames(fit$Y) <- list(rownames(x), paste0("tsne", seq_len(ncol(fit$Y))))

@@ -56,6 +56,14 @@ Outcome run_fit(MatrixView<double> X,
     if (manner.tell) {
         hooks.on_similarities = manner.tell;
     }
+    // A start in the place of the random one: the state before the first iteration.
+    const std::vector<double> velocity(manner.start.size(), 0.0);
+    const std::vector<double> gains(manner.start.size(), 1.0);
+    FitState start;
+    start.embedding = manner.start;
+    start.velocity = velocity;
+    start.gains = gains;
+    hooks.resumed_state = manner.start.empty() ? nullptr : &start;
     outcome.fit = fit(X, options, hooks);
     if (outcome.threads_note.empty()) {
         outcome.threads_note = denied_threads_note();

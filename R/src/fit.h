@@ -4,6 +4,7 @@
 #include <functional>
 #include <ovik/stats/fit.h>
 #include <string>
+#include <vector>
 
 namespace ovik::r {
 
@@ -13,6 +14,8 @@ struct FitManner {
     int threads = 0;
     /// Takes the lines that tell how far the fit is, called by the thread of the fit; may be empty.
     std::function<void(std::string)> tell = {};
+    /// The start, row by row, rows x output dimensions; empty for one that the fit makes.
+    std::vector<double> start = {};
 };
 
 struct Outcome {

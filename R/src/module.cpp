@@ -175,8 +175,10 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
     return result;
 }
 
-/// @param x  a matrix of real numbers
-cpp11::writable::list embed(SEXP x, const cpp11::list& arguments, int threads, bool verbose) {
+/// @param x      a matrix of real numbers
+/// @param start  one of the shape of the map, or NULL
+cpp11::writable::list embed(
+    SEXP x, const cpp11::list& arguments, SEXP start, int threads, bool verbose) {
     const TheOneFit the_one_fit;
     const auto rows = static_cast<std::size_t>(Rf_nrows(x));
     const auto columns = static_cast<std::size_t>(Rf_ncols(x));
@@ -185,6 +187,9 @@ cpp11::writable::list embed(SEXP x, const cpp11::list& arguments, int threads, b
     ToldLines lines;
     FitManner manner;
     manner.threads = threads;
+    if (!Rf_isNull(start)) {
+        manner.start = row_by_row(REAL(start), rows, static_cast<std::size_t>(options.out_dims));
+    }
     if (verbose) {
         manner.tell = [&lines](std::string line) { lines.add(std::move(line)); };
     }
@@ -273,11 +278,11 @@ cpp11::writable::list read_matrix(SEXP path, const cpp11::list& form) {
 
 extern "C" {
 
-static SEXP ovik_embed(SEXP x, SEXP options, SEXP threads, SEXP verbose) {
+static SEXP ovik_embed(SEXP x, SEXP options, SEXP start, SEXP threads, SEXP verbose) {
     BEGIN_CPP11
     try {
         return ovik::r::embed(
-            x, options, cpp11::as_cpp<int>(threads), cpp11::as_cpp<bool>(verbose));
+            x, options, start, cpp11::as_cpp<int>(threads), cpp11::as_cpp<bool>(verbose));
     } catch (const std::bad_alloc&) {
         throw std::runtime_error(
             "The memory of the fit cannot be had\nFewer rows or a lower perplexity take less; the "
@@ -316,7 +321,7 @@ static SEXP ovik_read_matrix(SEXP path, SEXP form) {
 // NOLINTNEXTLINE(readability-identifier-naming): R looks for this name
 attribute_visible void R_init_ovik(DllInfo* library) {
     static const R_CallMethodDef routines[] = {
-        {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 4},
+        {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 5},
         {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
         {"settle", reinterpret_cast<DL_FUNC>(&ovik_settle), 4},
         {"read_matrix", reinterpret_cast<DL_FUNC>(&ovik_read_matrix), 2},

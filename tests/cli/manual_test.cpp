@@ -2,9 +2,12 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "stats/fit_options.h"
 
 #include "tests/support/command_test.h"
 
@@ -79,6 +82,25 @@ TEST_F(Manual, BashCompletesValuesAndFiles) {
     EXPECT_EQ(offers("--perplexity", "3"), "\n");
     directory_.write("my matrix.tsv", "");
     EXPECT_EQ(offers("--json", directory_.file("my")), directory_.file("my matrix.tsv") + "\n");
+}
+
+TEST_F(Manual, BashCompletesChoicesOfTheFit) {
+    EXPECT_EQ(offers("--preset", "re"), "refined\n");
+    EXPECT_EQ(offers("--start", "pc"), "pca\n");
+    directory_.write("pcs.tsv", "");
+    EXPECT_EQ(offers("--start", directory_.file("pc")), directory_.file("pcs.tsv") + "\n");
+    const FitOptions options;
+    visit_fit_options(options, [](const auto& option) {
+        if constexpr (requires { option.names(); }) {
+            if (option.words.name != "start") {
+                std::string names;
+                for (const std::string_view name : option.givenNames()) {
+                    names.append(name).append("\n");
+                }
+                EXPECT_EQ(offers("--" + std::string(option.words.name), ""), names);
+            }
+        }
+    });
 }
 
 TEST_F(Manual, OwnLinesHaveNoColours) {

@@ -1,5 +1,6 @@
 #include "tools/comparison.h"
 
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -103,6 +104,17 @@ TEST_F(ComparisonTest, TellsRunsOfDifferentInputApart) {
                                    "exact t-SNE"}) {
         EXPECT_THAT(written.page, HasSubstr(text));
     }
+}
+
+TEST_F(ComparisonTest, TellsWhatARunHasChosen) {
+    ComparisonEntry uniform = entry("Yeast", std::nan(""));
+    uniform.options.affinity = AffinityKind::Uniform;
+    uniform.options.metric = MetricKind::Pearson;
+    const Written written = write(path_, {entry("Yeast", 5.0), uniform});
+    EXPECT_THAT(written.page, HasSubstr("Perplexity 5<"));
+    EXPECT_THAT(written.page, HasSubstr("Uniform affinities of 15 neighbours<"));
+    EXPECT_THAT(written.page, HasSubstr("metric pearson, affinity uniform, neighbours 15"));
+    EXPECT_THAT(write(path_, {entry("Yeast", 5.0)}).page, Not(HasSubstr("Choices")));
 }
 
 TEST_F(ComparisonTest, OfNoRunsIsAPage) {

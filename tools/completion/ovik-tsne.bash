@@ -15,6 +15,16 @@ _ovik_tsne() {
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
+    --preset) COMPREPLY=($(compgen -W $'classic\nrefined' -- "$current")) ;;
+    --metric)
+      COMPREPLY=($(compgen -W $'euclidean\npearson\ncosine\nspearman\nprecomputed' -- "$current"))
+      ;;
+    --affinity) COMPREPLY=($(compgen -W $'perplexity\nuniform' -- "$current")) ;;
+    --schedule) COMPREPLY=($(compgen -W $'classic\nannealed' -- "$current")) ;;
+    --start)
+      compopt -o filenames
+      COMPREPLY=($(compgen -W $'random\npca' -- "$current") $(compgen -f -- "$current"))
+      ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;
     *)

@@ -24,6 +24,62 @@ test_that("every option has the same default in all methods, and is in its range
   expect_identical(formals(tsne)$perplexity, defaults$perplexity)
 })
 
+test_that("choices and lists are refused with what they should be", {
+  x <- groups()
+  metrics <- "\"euclidean\", \"pearson\", \"cosine\", \"spearman\" or \"precomputed\""
+  expect_error(tsne(x, 10, metric = "manhattan"), paste0("metric should be ", metrics, ", not \"manhattan\""))
+  expect_error(tsne(x, 10, metric = 1), "metric should be .* not 1")
+  expect_error(tsne(x, 10, metric = NULL), "metric should be .* not NULL")
+  expect_error(tsne(x, 10, schedule = NA_character_), "schedule should be .* not NA")
+  expect_error(tsne(x, multiscale = c(10, 10)), "up to 8 different numbers, .* not c\\(10, 10\\)")
+  expect_error(tsne(x, multiscale = "10"), "multiscale should be")
+  expect_error(tsne(x, 10, learning_rate = "slow"), "or \"auto\", not \"slow\"")
+  expect_error(tsne(x, 10, start = "given"), "start should be \"random\", \"pca\" or a matrix of coordinates")
+  expect_error(tsne(x, 10, preset = "fine"), "preset should be \"classic\" or \"refined\", not \"fine\"")
+})
+
+test_that("arguments that do not fit each other or x are refused with the cure", {
+  x <- groups()
+  expect_error(
+    tsne(x, 10, hold_iter = 125),
+    "hold_iter has no effect beside schedule = \"classic\"\nLeave hold_iter out, or give schedule = \"annealed\"."
+  )
+  expect_error(tsne(x, 10, preset = "refined", stop_lying_iter = 250), "stop_lying_iter has no effect")
+  expect_error(tsne(x, 10, affinity = "uniform"), "perplexity has no effect beside affinity = \"uniform\"")
+  expect_error(tsne(as.data.frame(x), 10, multiscale = c(5, 10)), "beside multiscale = c\\(5,10\\)")
+  expect_error(tsne(x, affinity = "uniform", neighbours = 59), "neighbours = 59: a row has 59 others")
+  expect_error(tsne(x, 10, pca = 4), "pca = 4: the matrix has 60 rows and 4 columns")
+  expect_error(tsne(x, 10, metric = "precomputed", start = "pca"), "start = \"pca\" does not go with metric")
+})
+
+test_that("a run without a perplexity is told so", {
+  map <- tsne(as.data.frame(groups()), affinity = "uniform", neighbours = 7, max_iter = 2)
+  expect_null(map$options$perplexity)
+  expect_output(print(map), "uniform affinities of 7 neighbours, Barnes-Hut method with theta 0.5, seed 11")
+  expect_output(print(tsne(groups(), multiscale = c(5, 9), max_iter = 2)), "perplexities 5, 9, ")
+})
+
+test_that("a preset stands for what is not given", {
+  options <- function(...) tsne(groups(), 10, max_iter = 2, ...)$options
+  refined <- options(preset = "refined")
+  expect_identical(refined$schedule, "annealed")
+  expect_null(refined$stop_lying_iter)
+  expect_identical(options(preset = "refined", schedule = "classic")$schedule, "classic")
+  expect_identical(options(preset = "classic"), options())
+  expect_output(print(summary(tsne(groups(), 10, preset = "refined", max_iter = 2))), "schedule +annealed")
+})
+
+test_that("a map starts where it is told", {
+  x <- groups()
+  start <- matrix(sin(seq_len(120)) * 1e-4, 60, 2)
+  still <- tsne(x, 10, start = start, max_iter = 1, learning_rate = 1e-12)
+  expect_equal(bare(still$Y), sweep(start, 2, colMeans(start)), tolerance = 1e-9)
+  expect_identical(still$options$start, "given")
+  expect_error(tsne(x, 10, start = start[-1, ]), "start has 59 rows and 2 columns, and the map has 60 and 2")
+  start[7, 2] <- NA
+  expect_error(tsne(x, 10, start = start), "start has NA in row 7")
+})
+
 test_that("arguments that no method has are refused with the one that may be meant", {
   x <- groups()
   expect_error(tsne(x, 10, max_iters = 5), "no argument 'max_iters'\nIs 'max_iter' meant?")

@@ -24,6 +24,33 @@ test_that("the map of a text file is the command's", {
   expect_identical(rownames(map$Y), sub("\t.*", "", lines[-1]))
 })
 
+# The flags of the command that arguments are.
+flags_of <- function(arguments) {
+  values <- vapply(arguments, paste, "", collapse = ",")
+  c(rbind(paste0("--", gsub("_", "-", names(arguments))), values))
+}
+
+choices <- list(
+  list(perplexity = 7.5, metric = "pearson"),
+  list(perplexity = 7.5, pca = 3),
+  list(affinity = "uniform", neighbours = 9),
+  list(multiscale = c(5, 10)),
+  list(perplexity = 7.5, start = "pca"),
+  list(perplexity = 7.5, schedule = "annealed", hold_iter = 10, release_iter = 15, learning_rate = "auto"),
+  list(perplexity = 7.5, stop_when = 0.01),
+  list(perplexity = 7.5, preset = "refined")
+)
+
+test_that("every choice is the command's", {
+  x <- groups(90, 5)
+  path <- tempfile(fileext = ".npy")
+  write_npy(x, path)
+  for (choice in choices) {
+    map <- do.call(tsne, c(list(x, max_iter = 40), choice))
+    expect_identical(bare(map$Y), embed_by_command(path, "-i", 40, flags_of(choice)))
+  }
+})
+
 test_that("every option is the command's", {
   x <- groups(90, 5)
   path <- tempfile(fileext = ".npy")
@@ -33,13 +60,12 @@ test_that("every option is the command's", {
     mom_switch_iter = 20, seed = 5, learning_rate = 50, exaggeration = 4, start_spread = 0.01,
     momentum = 0.3, final_momentum = 0.6
   )
-  expect_setequal(names(numbers), names(ovik:::requirements))
-  flags <- paste0("--", gsub("_", "-", names(numbers)))
-  others <- setdiff(seq_along(numbers), match("dims", names(numbers)))
-  expected <- embed_by_command(path, c(rbind(flags, unlist(numbers)))[sort(c(2 * others - 1, 2 * others))], dims = 3)
+  chosen <- setdiff(unlist(lapply(choices, names)), "preset")
+  expect_setequal(c(names(numbers), chosen), names(ovik:::requirements))
+  expected <- embed_by_command(path, flags_of(numbers[names(numbers) != "dims"]), dims = 3)
   map <- do.call(tsne, c(list(x), numbers))
   expect_identical(bare(map$Y), expected)
-  expect_identical(map$options, numbers)
+  expect_identical(map$options[names(numbers)], numbers)
 })
 
 test_that("cost and costs are those of the fit", {
