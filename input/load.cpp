@@ -49,6 +49,7 @@ std::vector<std::string> names_of_rows(const std::string& path,
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
                           const LoadOptions& options) {
+    const bool transposes = options.transformations.transpose;
     if (format.has_names && options.has_names && !transposes && !options.row_names_file.empty()) {
         throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
                          " have names of their own");

@@ -36,6 +36,9 @@ class NeighbourSearch {
 
     [[nodiscard]] std::size_t rowCount() const { return N_; }
 
+    /// What was drawn for the tree: searches with the same draws find the same.
+    [[nodiscard]] const std::vector<int>& draws() const { return draws_; }
+
     /// Visits every row with its `count` nearest, itself among them; with fewer where there are not
     /// so many at a finite distance.
     ///

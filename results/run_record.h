@@ -34,6 +34,25 @@ struct RecordedQuality {
     double preservation = 0.0;
 };
 
+/// A fit of one seed among several.
+struct RecordedSeed {
+    int seed = 0;
+    /// The last iteration; less than was asked for if the run was ended early.
+    int iteration = -1;
+    double final_cost = 0.0;
+    bool is_complete = false;
+};
+
+/// How far the maps of several seeds agree, averaged over pairs.
+struct RecordedAgreement {
+    /// Procrustes disparity, 0 to 1.
+    double disparity = 0.0;
+    /// How many nearest neighbours of a row are compared.
+    std::size_t neighbours = 0;
+    /// The part of them that maps share, 0 to 1.
+    double shared_neighbours = 0.0;
+};
+
 /// What came of one run of the engine.
 struct RunRecord {
     /// NaN where the run has none.
@@ -47,6 +66,12 @@ struct RunRecord {
     /// The share of the variance that principal components keep, if they stand for the columns.
     std::optional<double> variance_kept;
     RecordedSeconds seconds;
+    /// Of a run from several seeds, one of which gave the map; empty for a run from one.
+    std::vector<RecordedSeed> seeds;
+    /// The seed of the map, if there were several.
+    int kept_seed = 0;
+    /// None of a run from one seed, or where fewer than two came to their end.
+    std::optional<RecordedAgreement> agreement;
     /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;
     std::vector<ResultFile> files;

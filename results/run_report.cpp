@@ -68,19 +68,47 @@ std::string json_files(const std::vector<ResultFile>& files,
     return json_list(list);
 }
 
+std::string json_agreement(const std::optional<RecordedAgreement>& agreement) {
+    return agreement ? json_object({{"disparity", json_text(agreement->disparity)},
+                                    {"neighbours", json_text(agreement->neighbours)},
+                                    {"shared_neighbours", json_text(agreement->shared_neighbours)}})
+                     : "null";
+}
+
+/// The members that a run from several seeds has besides.
+std::vector<std::pair<std::string, std::string>> seed_members(const RunRecord& run) {
+    if (run.seeds.empty()) {
+        return {};
+    }
+    std::vector<std::string> list;
+    list.reserve(run.seeds.size());
+    for (const RecordedSeed& one : run.seeds) {
+        list.push_back(json_object({{"seed", json_text(one.seed)},
+                                    {"last_iteration", json_text(one.iteration)},
+                                    {"final_cost", json_text(one.final_cost)},
+                                    {"complete", json_text(one.is_complete)}}));
+    }
+    return {{"seeds", json_list(list)},
+            {"kept_seed", json_text(run.kept_seed)},
+            {"agreement", json_agreement(run.agreement)}};
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
-    return json_object(
-        {{"perplexity", json_text(run.perplexity)},
-         {"last_iteration", json_text(run.iteration)},
-         {"final_cost", json_text(run.final_cost)},
-         {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
-         {"seconds",
-          json_object({{"similarities", json_text(run.seconds.similarities)},
-                       {"fitting", json_text(run.seconds.fitting)},
-                       {"results", json_text(run.seconds.results)}})},
-         {"quality", json_quality(run.quality)},
-         {"files", json_files(run.files, directory)},
-         {"costs", json_list_of(run.costs)}});
+    std::vector<std::pair<std::string, std::string>> members{
+        {"perplexity", json_text(run.perplexity)},
+        {"last_iteration", json_text(run.iteration)},
+        {"final_cost", json_text(run.final_cost)},
+        {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
+        {"seconds",
+         json_object({{"similarities", json_text(run.seconds.similarities)},
+                      {"fitting", json_text(run.seconds.fitting)},
+                      {"results", json_text(run.seconds.results)}})},
+        {"quality", json_quality(run.quality)},
+        {"files", json_files(run.files, directory)},
+        {"costs", json_list_of(run.costs)}};
+    const auto of_seeds = seed_members(run);
+    members.insert(members.end(), of_seeds.begin(), of_seeds.end());
+    return json_object(members);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 #include <stdexcept>
+#include <utility>
 
 #include "stats/tsne.h"
 #include "util/parallel.h"
@@ -23,29 +24,31 @@ std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
     return std::make_shared<CachedNeighbours>(most);
 }
 
-void CachedNeighbours::begin(const double* points,
-                             std::size_t N,
-                             std::size_t dims,
-                             RandomStream& random) {
+std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
+                                                         std::size_t N,
+                                                         std::size_t dims,
+                                                         RandomStream& random) {
     if (given_) {
         if (N != given_->rowCount()) {
             throw std::invalid_argument("the neighbours that are given are of another matrix");
         }
         draw_as_a_search(N, random);
-        return;
+        return nullptr;
     }
+    auto search = std::make_unique<NeighbourSearch>(N, dims, random);
     const Digest digest = digest_of({points, N * dims});
+    const std::lock_guard lock(mutex_);
     if (search_ == nullptr) {
-        search_ = std::make_unique<NeighbourSearch>(N, dims, random);
+        search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
         fillLists(points);
-        return;
+        return nullptr;
     }
     if (N != search_->rowCount() || digest != points_) {
         throw std::invalid_argument("neighbours of another matrix are cached");
     }
-    draw_as_a_search(N, random);
+    return search->draws() == search_->draws() ? nullptr : std::move(search);
 }
 
 std::size_t CachedNeighbours::workerCount() const {
@@ -75,7 +78,8 @@ void CachedNeighbours::fillLists(const double* points) {
 
 void CachedNeighbours::findAll(const double* points,
                                std::size_t count,
-                               const NeighbourSearch::Visit& visit) {
+                               const NeighbourSearch::Visit& visit,
+                               NeighbourSearch* own_search) {
     if (given_) {
         visitGiven(count, visit);
         return;
@@ -92,6 +96,10 @@ void CachedNeighbours::findAll(const double* points,
             }
         }
     });
+    if (own_search != nullptr) {
+        return own_search->findOthers(points, count, is_found, visit);
+    }
+    const std::lock_guard lock(mutex_);
     search_->findOthers(points, count, is_found, visit);
 }
 

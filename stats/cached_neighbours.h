@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,15 +16,18 @@
 namespace ovik {
 
 /// The nearest neighbours of all rows of a matrix, found once for several runs of different
-/// perplexity over it.
+/// perplexity or seed over it.
 ///
 /// The first run finds as many neighbours as any will want. Later ones get the head of each list
 /// where it is certain to be what a search of its own would give. Where distances are equal, or
-/// too close at the end of the head, that depends on the way of the search, and it is made again.
-/// The stream of random numbers is left as a search of its own leaves it.
+/// too close at the end of the head, that depends on the way of the search, and it is made again,
+/// by a tree of the run's own if its draws are others. The stream of random numbers is left as a
+/// search of its own leaves it.
 ///
 /// Neighbours may also be given, in the place of any search: runs then get the head of each list,
 /// the whole list if it is shorter.
+///
+/// Runs may go on side by side, in threads of their own.
 class CachedNeighbours {
   public:
     /// @param most  neighbours of a row that any run will want, without the row itself
@@ -35,18 +39,25 @@ class CachedNeighbours {
     /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
+    /// @return the search for this run's `findAll`; null for the one that runs share, or if
+    /// neighbours are given
     /// @throws std::invalid_argument if the points are not those of the first call, or not as many
     /// as there are lists
-    void begin(const double* points,
-               std::size_t N,
-               std::size_t dims,
-               RandomStream& random = process_random_stream());
+    std::unique_ptr<NeighbourSearch> begin(const double* points,
+                                           std::size_t N,
+                                           std::size_t dims,
+                                           RandomStream& random = process_random_stream());
 
     /// How many workers `findAll` has at most.
     [[nodiscard]] std::size_t workerCount() const;
 
     /// Does what `NeighbourSearch::findAll` does, once a run has begun.
-    void findAll(const double* points, std::size_t count, const NeighbourSearch::Visit& visit);
+    ///
+    /// @param own_search  what `begin` gave
+    void findAll(const double* points,
+                 std::size_t count,
+                 const NeighbourSearch::Visit& visit,
+                 NeighbourSearch* own_search = nullptr);
 
     /// What tells neighbours that were given from others; empty if none were, since those of a
     /// search follow from the matrix.
@@ -55,6 +66,10 @@ class CachedNeighbours {
   private:
     void fillLists(const double* points);
     void visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const;
+
+    /// Held by the first run while it fills the lists, and by whoever asks the shared search, which
+    /// may build its tree then.
+    std::mutex mutex_;
 
     /// How many neighbours of each row are cached, the row itself among them.
     std::size_t most_ = 0;

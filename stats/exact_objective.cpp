@@ -24,6 +24,12 @@ constexpr double kPrintsAsZero = 1e-6;
 ExactObjective::ExactObjective(MatrixView<const double> X,
                                std::size_t out_dims,
                                double perplexity,
+                               const FitNotes& notes)
+    : ExactObjective(X, out_dims, calibrated_row({perplexity}), notes) {}
+
+ExactObjective::ExactObjective(MatrixView<const double> X,
+                               std::size_t out_dims,
+                               const DenseRow& fill_row,
                                const FitNotes& notes,
                                DenseAffinities affinities)
     : N_(X.rows),
@@ -34,7 +40,7 @@ ExactObjective::ExactObjective(MatrixView<const double> X,
     tell(notes, FitNote::ExactMethod);
     P_ = malloc_array<double>(panel_matrix_size(N_));
     require_allocated(P_, diagonal_);
-    affinities(X, P_.get(), perplexity, notes);
+    affinities(X, P_.get(), fill_row, notes);
     tell(notes, FitNote::Symmetrizing);
     add_transpose(P_.get(), N_);
     divide_by_sum(P_.get(), N_ * N_);

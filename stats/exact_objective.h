@@ -15,7 +15,7 @@ namespace ovik {
 /// Fills a matrix of conditional affinities, as `dense_conditional_affinities` does.
 using DenseAffinities = void (*)(MatrixView<const double> X,
                                  double* P,
-                                 double perplexity,
+                                 const DenseRow& fill_row,
                                  const FitNotes& notes);
 
 /// The exact method: dense affinities, forces over all pairs.
@@ -26,11 +26,19 @@ class ExactObjective : public Objective {
     /// @param X         read here only
     /// @param out_dims  dimensions of the embedding
     /// @param notes     told `ExactMethod`, `Symmetrizing` and what the affinities tell
-    /// @param affinities  how conditional affinities follow from X
     /// @throws WorkMemoryError if an N x N matrix does not fit in memory
     ExactObjective(MatrixView<const double> X,
                    std::size_t out_dims,
                    double perplexity,
+                   const FitNotes& notes = {});
+
+    /// The same with conditional affinities of any kind.
+    ///
+    /// @param fill_row    as `dense_conditional_affinities` takes it
+    /// @param affinities  how conditional affinities follow from X
+    ExactObjective(MatrixView<const double> X,
+                   std::size_t out_dims,
+                   const DenseRow& fill_row,
                    const FitNotes& notes = {},
                    DenseAffinities affinities = &dense_conditional_affinities);
 

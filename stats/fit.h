@@ -12,6 +12,7 @@
 #include "stats/fit_state.h"
 #include "stats/input_scale.h"
 #include "stats/run_times.h"
+#include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
 
@@ -33,13 +34,14 @@ struct FitHooks {
     /// Is given the share of the variance that principal components keep, if they stand for the
     /// columns, before neighbours are searched for.
     std::function<void(double share)> on_components = {};
-    /// Where the rows start if the options say `StartKind::Given`, else not looked at: rows x output
-    /// dimensions. A row of NaN starts at the median of its neighbours (`start_at_places`).
+    /// Where the rows start if the options say `StartKind::Given`, else not looked at: rows x
+    /// output dimensions. A row of NaN starts at the median of its neighbours (`start_at_places`).
     MatrixView<const double> start = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
-    /// Null, or the neighbours that fits of one matrix share, one fit at a time, or that were given
-    /// in the place of a search; not used by the exact method, nor where the input holds distances.
+    /// Null, or the neighbours that fits of one matrix share, several at once if need be, or that
+    /// were given in the place of a search; not used by the exact method, nor where the input holds
+    /// distances.
     CachedNeighbours* cached_neighbours = nullptr;
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
@@ -63,6 +65,8 @@ struct FitReport {
     RunTimes seconds;
     /// Processor time of the iterations, in the units of `std::clock`.
     std::clock_t fitting_clock = 0;
+    /// Of several seeds (`stats/seed_fits.h`); none of a fit by itself.
+    std::optional<SeedReport> seeds = {};
 };
 
 /// A map, and how it came about.
@@ -89,8 +93,8 @@ struct Fit {
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
 /// @throws std::invalid_argument if `resumed_state` is of another shape than Y, or there are to be
 /// more principal components than rows or columns
-/// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not finite;
-/// if it keeps the map flat, as principal components do along which rows do not vary
+/// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not
+/// finite; if it keeps the map flat, as principal components do along which rows do not vary
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
 /// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
 OVIK_API FitReport fit_into(MatrixView<double> Y,

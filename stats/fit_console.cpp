@@ -1,11 +1,13 @@
 #include "stats/fit_console.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <glog/logging.h>
 
 #include "stats/option_effect.h"
 #include "stats/run_names.h"
+#include "stats/seed_texts.h"
 #include "util/console.h"
 #include "util/format.h"
 
@@ -44,6 +46,18 @@ void print_launch(const FitOptions& options, int N) {
     }
     print_info("Launching t-SNE " + std::string(has_perplexity ? "at " : "with ") +
                neighbourhood_text(options, 2) + " and theta = " + num2string(options.theta, 2));
+}
+
+FitNotes console_notes(const FitOptions& options) {
+    if (!bar_of(options, "perplexity")) {
+        return console_notes(options.perplexity);
+    }
+    return [notes = console_notes(0.0)](FitNote note) {
+        // What the log has of these is a perplexity.
+        if (note != FitNote::DistancesBegin && note != FitNote::DistancesDone) {
+            notes(note);
+        }
+    };
 }
 
 FitNotes console_notes(double perplexity) {
@@ -94,6 +108,27 @@ void print_end_of_iterations(const IterationReport& reached) {
     } else if (reached.iteration < reached.max_iter) {
         print_info("Ended early, at iteration " + std::to_string(reached.iteration) + " of " +
                    std::to_string(reached.max_iter));
+    }
+}
+
+void print_seeds(const SeedReport& seeds, int count) {
+    for (std::size_t i = 0; i < seeds.runs.size(); ++i) {
+        const SeedRun& run = seeds.runs[i];
+        char cost[400];  // a double has at most 309 digits before its point
+        std::snprintf(cost, sizeof cost, "%.4f", run.final_cost);
+        print_info(
+            "Seed " + std::to_string(run.seed) + ": cost without exaggeration " + cost +
+            (run.is_complete ? "" : ", ended at iteration " + std::to_string(run.iteration)) +
+            (i == seeds.kept ? ", kept" : ""));
+    }
+    const auto complete = std::count_if(
+        seeds.runs.begin(), seeds.runs.end(), [](const SeedRun& run) { return run.is_complete; });
+    if (complete < count) {
+        print_info("Ended early: of " + std::to_string(count) + " seeds " +
+                   std::to_string(complete) + " are complete");
+    }
+    if (seeds.agreement) {
+        print_info("Agreement of the maps: " + agreement_text(*seeds.agreement));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
 #include "stats/fit_state.h"
+#include "stats/seed_report.h"
 
 /// What a fit says on the console and in the log.
 
@@ -17,6 +18,10 @@ void print_launch(const FitOptions& options, int N);
 /// log.
 FitNotes console_notes(double perplexity);
 
+/// The same for a fit that may have other affinities than those of one perplexity, which is then
+/// not logged.
+FitNotes console_notes(const FitOptions& options);
+
 /// Says what principal components keep of the variance of the columns that they stand for.
 ///
 /// @param share  0 to 1
@@ -28,6 +33,11 @@ void print_progress(const IterationReport& reached);
 
 /// Ends the line of the progress bar and says so if the fit was ended early.
 void print_end_of_iterations(const IterationReport& reached);
+
+/// Tells cost and agreement of the maps of several seeds.
+///
+/// @param count  how many seeds were asked for
+void print_seeds(const SeedReport& seeds, int count);
 
 /// @param clock  processor time of the iterations
 void print_fitting_time(std::clock_t clock);

@@ -7,6 +7,7 @@
 #include "input/market_entries.h"
 #include "input/matrix_source.h"
 #include "stats/cached_neighbours.h"
+#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 #include "stats/option_texts.h"
 #include "util/counted.h"
@@ -62,19 +63,6 @@ class GraphSink : public MarketSink {
     std::vector<GivenNeighbour> neighbours_;
 };
 
-double largest_perplexity(const FitOptions& options) {
-    return options.multiscale.empty()
-               ? options.perplexity
-               : *std::max_element(options.multiscale.begin(), options.multiscale.end());
-}
-
-/// How many neighbours of each row a fit takes.
-std::size_t wanted_neighbours(const FitOptions& options, std::size_t rows) {
-    return options.affinity == AffinityKind::Uniform
-               ? static_cast<std::size_t>(options.neighbours)
-               : static_cast<std::size_t>(neighbour_count(largest_perplexity(options), rows));
-}
-
 void check_perplexity(double perplexity,
                       std::size_t row,
                       std::size_t count,
@@ -117,15 +105,18 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                          ": the exact method takes all pairs of rows, and no neighbours\n"
                          "Take Barnes-Hut: a theta above 0, such as 0.5.");
     }
-    const std::size_t wanted = wanted_neighbours(options, lists.rowCount());
+    const auto wanted =
+        static_cast<std::size_t>(std::max(affinity_neighbours(options, lists.rowCount()), 0));
+    const std::vector<double> perplexities = perplexities_of(options);
     std::size_t fewest = wanted;
     std::size_t short_rows = 0;
     for (std::size_t n = 0; n < lists.rowCount(); ++n) {
         const std::size_t count = lists.of(n).size();
         fewest = std::min(fewest, count);
         short_rows += count < wanted ? 1 : 0;
-        if (options.affinity == AffinityKind::Perplexity) {
-            check_perplexity(largest_perplexity(options), n + first, count, wanted, source);
+        if (!perplexities.empty()) {
+            const double largest = *std::max_element(perplexities.begin(), perplexities.end());
+            check_perplexity(largest, n + first, count, wanted, source);
         }
     }
     if (short_rows == 0) {

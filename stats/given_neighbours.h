@@ -23,7 +23,7 @@ class CachedNeighbours;
 OVIK_API NeighbourLists read_neighbour_lists(const std::string& path, std::size_t row_count);
 
 /// An object by which fits take neighbours that are given (`FitHooks::cached_neighbours`,
-/// `TSNE::cached_neighbours`), one fit at a time.
+/// `TSNE::cached_neighbours`), several at once if need be.
 ///
 /// @param lists  of the rows of the matrix: of `read_neighbour_lists` or `neighbour_lists`
 OVIK_API std::shared_ptr<CachedNeighbours> make_given_neighbours(NeighbourLists lists);

@@ -31,6 +31,14 @@ RunSize with_components(RunSize size) {
     return size;
 }
 
+/// How many fits of several seeds run side by side: the first one does by itself.
+double fits_at_once(const RunSize& size) {
+    const std::size_t allowed = size.seeds_at_once == 0 ? size.threads : size.seeds_at_once;
+    const std::size_t most =
+        std::min({allowed, size.threads, static_cast<std::size_t>(size.seeds - 1)});
+    return static_cast<double>(std::max<std::size_t>(most, 1));
+}
+
 }  // namespace
 
 double MemoryEstimate::peak() const {
@@ -47,12 +55,20 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     MemoryEstimate estimate;
     estimate.reading = lasting + input;
     if (size.is_shared) {
-        lasting += input + method.shared;
+        lasting += input;
+    }
+    double at_once = 1.0;
+    if (size.seeds > 1) {
+        at_once = fits_at_once(size);
+        lasting += (1.0 + at_once) * input + 8.0 * N * d * static_cast<double>(size.seeds);
+    }
+    if (size.is_shared || size.seeds > 1) {
+        lasting += method.shared;
     }
     const double scores = 8.0 * N * static_cast<double>(std::max(size.options.pca, 0));
     estimate.similarities =
-        lasting + std::max(components_memory(size), scores + method.similarities);
-    estimate.fitting = lasting + 32.0 * N * d + method.fitting;
+        lasting + at_once * std::max(components_memory(size), scores + method.similarities);
+    estimate.fitting = lasting + at_once * (32.0 * N * d + method.fitting);
     estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N
                                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;

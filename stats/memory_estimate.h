@@ -18,6 +18,10 @@ struct RunSize {
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
+    /// From how many seeds the map is fitted, and how many of these fits run side by side at most;
+    /// 0 for as many as there are threads.
+    int seeds = 1;
+    std::size_t seeds_at_once = 0;
 };
 
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
@@ -44,6 +48,10 @@ struct RunSize {
 ///
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
+///
+/// A run from R seeds has all the time what runs have that share, with A fits side by side another
+/// copy of the input for each (8 ND) and the maps (8 RNd), and A times what the stages of
+/// similarities and of fitting take.
 ///
 /// S depends on the data. It is the nearer to 2 E the more columns tell the rows apart; assumed is
 /// E * (1 + 0.06 D), at most 1.6 E, as seen with random and with real matrices. What a table row

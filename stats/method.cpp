@@ -9,9 +9,11 @@
 #include "neighbours/neighbour_index.h"
 #include "neighbours/neighbour_lists.h"
 #include "stats/cached_neighbours.h"
+#include "stats/chosen_affinities.h"
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_objective.h"
+#include "stats/option_effect.h"
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_objective.h"
 #include "stats/tree_repulsion.h"
@@ -32,28 +34,32 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
     }
     return std::make_unique<ExactObjective>(input.X,
                                             static_cast<std::size_t>(input.options.out_dims),
-                                            input.options.perplexity,
+                                            chosen_dense_row(input.options),
                                             input.notes,
                                             affinities);
 }
 
 /// Conditional affinities of every row to its nearest others.
-SparseMatrix conditional_affinities(const MethodInput& input) {
-    const int K = neighbour_count(input.options.perplexity, input.X.rows);
+SparseMatrix sparse_affinities(const MethodInput& input) {
+    const int K = affinity_neighbours(input.options, input.X.rows);
+    if (!bar_of(input.options, "perplexity") && input.options.perplexity > static_cast<double>(K)) {
+        tell(input.notes, FitNote::PerplexityAboveNeighbours);
+    }
+    const auto rows = chosen_rows(input.options, input.X.rows);
     NeighbourHooks hooks = input.neighbourHooks();
     std::optional<CachedNeighbours> nearest;
     if (holds_distances(input.options)) {
         nearest.emplace(nearest_by_distance(input.X, static_cast<std::size_t>(std::max(K, 0))));
         hooks.cached = &*nearest;
     }
-    return neighbour_affinities(input.X, input.options.perplexity, K, hooks);
+    return conditional_affinities(input.X, *rows, K, hooks);
 }
 
 std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     const std::size_t N = input.X.rows;
     SparseMatrix P;
     {
-        const SparseMatrix conditional = conditional_affinities(input);
+        const SparseMatrix conditional = sparse_affinities(input);
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);
@@ -79,19 +85,20 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
-    const double K = std::clamp(3.0 * size.options.perplexity, 0.0, std::max(N - 1.0, 0.0));
+    const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
     const double entries = N * K;
     const double symmetric = symmetric_share(D) * entries;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
     const bool is_given = holds_distances(size.options);
+    const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
     // Lists of neighbours, before they are joined and after, are all that distances need.
-    const double index = is_given ? 32.0 * entries : 164.0 * N + blocks * (128.0 * D + 256.0);
-    const double searching = (is_given ? 0.0 : of_queries) + (size.is_shared ? 0.0 : index);
+    const double searching =
+        is_given ? 32.0 * entries : of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
             12.0 * symmetric + 185.0 * N + 44.0 * N * d,
-            index + 16.0 * entries + 16.0 * N};
+            is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
 }
 
 std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
@@ -102,7 +109,7 @@ std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
 
 std::optional<LighterFit> lighter_than_barnes_hut(const FitOptions& options) {
     constexpr double kUsualPerplexity = 30.0;
-    if (options.perplexity <= kUsualPerplexity) {
+    if (bar_of(options, "perplexity") || options.perplexity <= kUsualPerplexity) {
         return std::nullopt;
     }
     LighterFit lighter{"A perplexity of 30", options};

@@ -5,6 +5,7 @@
 #include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/seed_texts.h"
 
 namespace ovik {
 
@@ -34,6 +35,13 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
     std::snprintf(text, sizeof text, "%g", report.reached.cost);
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
     parameters.emplace_back("Final cost", text);
+    if (report.seeds) {
+        parameters.emplace_back("Seeds", seeds_text(*report.seeds));
+        if (report.seeds->agreement) {
+            parameters.emplace_back("Agreement of their maps",
+                                    agreement_text(*report.seeds->agreement));
+        }
+    }
     return parameters;
 }
 

@@ -1,10 +1,9 @@
 #include "stats/sparse_affinities.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
+#include <memory>
 #include <numeric>
-#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -13,16 +12,14 @@
 
 #include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_search.h"
-#include "stats/bandwidth_search.h"
 #include "stats/cached_neighbours.h"
+#include "stats/row_affinities.h"
 #include "util/malloc_array.h"
 #include "util/parallel.h"
 
 namespace ovik {
 
 namespace {
-
-constexpr int kBandwidthAttempts = 200;
 
 void check_entry_count(std::size_t entries) {
     if (entries > std::numeric_limits<unsigned int>::max()) {
@@ -50,40 +47,32 @@ class RowFiller {
     /// @param worker_count  how many workers fill rows side by side
     /// @param matrix        has to outlive the object
     /// @param graph         null, or what takes the neighbours; filled up beforehand
-    RowFiller(double perplexity,
+    RowFiller(RowAffinities& rows,
               std::size_t K,
               std::size_t worker_count,
               SparseMatrix& matrix,
               NeighbourGraph* graph)
-        : perplexity_(perplexity),
+        : rows_(rows),
           K_(K),
           matrix_(matrix),
-          graph_(graph),
-          scratch_(worker_count, Scratch{std::vector<double>(K), 1.0}) {}
+          graph_(graph) {
+        rows_.prepare(worker_count, K);
+    }
 
     /// Fills the row of point n: columns nearest first, and their affinities.
     ///
     /// @param nearest  the point itself and its neighbours
     void fill(std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
-        auto& [squared_distances, guess] = scratch_[worker];
         unsigned int* const columns = matrix_.col_P.get() + n * K_;
-        double* const similarities = matrix_.val_P.get() + n * K_;
+        double* const affinities = matrix_.val_P.get() + n * K_;
         const std::span<const NearRow> others = nearest.subspan(nearest.empty() ? 0 : 1);
         const std::size_t count = others.size();
         for (std::size_t m = 0; m < count; ++m) {
-            squared_distances[m] = others[m].distance * others[m].distance;
             columns[m] = others[m].row;
         }
-        const auto fill = [&](double beta) {
-            for (std::size_t m = 0; m < count; ++m) {
-                const double distance = others[m].distance;
-                similarities[m] = std::exp(((-beta) * distance) * distance);
-            }
-        };
-        const CalibratedPoints points{{squared_distances.data(), count}, similarities, count};
-        guess = calibrate_similarities(points, perplexity_, kBandwidthAttempts, guess, fill);
+        rows_.fill(others, affinities, worker);
         std::fill(columns + count, columns + K_, static_cast<unsigned int>(n));
-        std::fill(similarities + count, similarities + K_, 0.0);
+        std::fill(affinities + count, affinities + K_, 0.0);
         if (graph_ != nullptr) {
             for (std::size_t m = 0; m < count; ++m) {
                 graph_->neighbours[n * K_ + m] = others[m].row;
@@ -93,18 +82,10 @@ class RowFiller {
     }
 
   private:
-    struct Scratch {
-        std::vector<double> squared_distances;
-        /// The precision of the row before.
-        double guess;
-    };
-
-    double perplexity_;
+    RowAffinities& rows_;
     std::size_t K_;
     SparseMatrix& matrix_;
     NeighbourGraph* graph_;
-    /// One for each worker.
-    std::vector<Scratch> scratch_;
 };
 
 constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
@@ -312,6 +293,15 @@ SparseMatrix neighbour_affinities(const double* points,
     if (perplexity > static_cast<double>(K)) {
         tell(hooks.notes, FitNote::PerplexityAboveNeighbours);
     }
+    CalibratedRows rows({{perplexity, static_cast<std::size_t>(std::max(K, 0))}});
+    return conditional_affinities({points, N, dims}, rows, K, hooks);
+}
+
+SparseMatrix conditional_affinities(MatrixView<const double> points,
+                                    RowAffinities& rows,
+                                    int K,
+                                    const NeighbourHooks& hooks) {
+    const std::size_t N = points.rows;
     if (K < 0 && N > 0) {
         throw WorkMemoryError();
     }
@@ -325,29 +315,27 @@ SparseMatrix neighbour_affinities(const double* points,
         matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
     }
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
-    std::optional<NeighbourSearch> own_search;
-    if (hooks.cached != nullptr) {
-        hooks.cached->begin(points, N, dims, random);
-    } else {
-        own_search.emplace(N, dims, random);
-    }
+    // Null for the search of the cache.
+    const std::unique_ptr<NeighbourSearch> own_search =
+        hooks.cached != nullptr ? hooks.cached->begin(points.values, N, points.columns, random)
+                                : std::make_unique<NeighbourSearch>(N, points.columns, random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
         *hooks.graph = graph_without_neighbours(N, row_length);
     }
-    const auto find_all = [&](auto& search) {
-        RowFiller rows(perplexity, row_length, search.workerCount(), matrix, hooks.graph);
-        search.findAll(
-            points,
-            row_length + 1,
-            [&rows](std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
-                rows.fill(n, nearest, worker);
-            });
-    };
+    RowFiller filler(
+        rows,
+        row_length,
+        hooks.cached != nullptr ? hooks.cached->workerCount() : own_search->workerCount(),
+        matrix,
+        hooks.graph);
+    const auto fill = [&filler](std::size_t n,
+                                std::span<const NearRow> nearest,
+                                std::size_t worker) { filler.fill(n, nearest, worker); };
     if (hooks.cached != nullptr) {
-        find_all(*hooks.cached);
+        hooks.cached->findAll(points.values, row_length + 1, fill, own_search.get());
     } else {
-        find_all(*own_search);
+        own_search->findAll(points.values, row_length + 1, fill);
     }
     return matrix;
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks

@@ -12,6 +12,7 @@ namespace ovik {
 class CachedNeighbours;
 struct NeighbourGraph;
 class RandomStream;
+class RowAffinities;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
@@ -53,6 +54,17 @@ inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
                                          const NeighbourHooks& hooks = {}) {
     return neighbour_affinities(points.values, points.rows, points.columns, perplexity, K, hooks);
 }
+
+/// Conditional affinities of every point to its nearest neighbours, of any kind; else as the
+/// former.
+///
+/// @param rows  gives the affinities of a row
+/// @param K     entries per row
+/// @throws what `neighbour_affinities` throws
+SparseMatrix conditional_affinities(MatrixView<const double> points,
+                                    RowAffinities& rows,
+                                    int K,
+                                    const NeighbourHooks& hooks = {});
 
 /// The symmetric form of a sparse matrix: (P(m|n) + P(n|m)) / 2 where one of the two is stored.
 ///

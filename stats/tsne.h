@@ -14,6 +14,7 @@
 #include "stats/fit_options.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
+#include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
 
@@ -112,6 +113,14 @@ class TSNE {
     /// run searches for its own. See `make_cached_neighbours`.
     std::shared_ptr<CachedNeighbours> cached_neighbours;
 
+    /// From how many seeds the embedding is fitted, at least 1: `options.seed` and those that
+    /// follow. The one of lowest cost is kept, and the results are those of a run with its seed.
+    /// Not with checkpoints. See `fit_seeds_into` (stats/seed_fits.h).
+    int seeds = 1;
+    /// Most of these fits that run side by side, each by one thread; 0 for as many as there are
+    /// threads.
+    std::size_t seeds_at_once = 0;
+
     /// @param out_dir     directory of the results, with its separator at the end
     /// @param out_name    start of their file names
     /// @param out_suffix  end of the table's file name, before ".csv"
@@ -157,7 +166,8 @@ class TSNE {
     /// @param stop_lying_iter  iteration at which early exaggeration ends
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
     /// @throws std::logic_error if `finish` has released the input
-    /// @throws std::invalid_argument if `checkpoint_every` is below 1
+    /// @throws std::invalid_argument if `checkpoint_every` is below 1, or `seeds` is, or is above 1
+    /// with a checkpoint
     /// @throws std::bad_array_new_length if `no_dims` or `N` is negative
     /// @throws InputError if `row_names` has fewer names than there are rows, and as `checkResume`
     /// does, before anything is printed or written
@@ -204,6 +214,9 @@ class TSNE {
 
     /// The cost of each iteration of the last embedding, as `FitReport::costs`.
     [[nodiscard]] const std::vector<double>& costs() const { return costs_; }
+
+    /// What the fits of several seeds came to; none of a run from one.
+    [[nodiscard]] const std::optional<SeedReport>& seedReport() const { return seed_report_; }
 
     /// How long its stages took.
     [[nodiscard]] const RunTimes& times() const { return times_; }
@@ -315,6 +328,7 @@ class TSNE {
     double final_cost_ = 0.0;
     std::optional<double> variance_kept_;
     std::vector<double> costs_;
+    std::optional<SeedReport> seed_report_;
     RunTimes times_;
     std::string checkpoint_failure_;
     std::error_code table_failure_;

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <new>
 #include <optional>
 #include <span>
@@ -17,6 +19,7 @@
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
 #include "stats/run_results.h"
+#include "stats/seed_fits.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/format.h"
@@ -76,6 +79,26 @@ FitState state_of(const Checkpoint& checkpoint) {
     state.marked_cost = checkpoint.marked_cost;
     return state;
 }
+
+/// How far a run from several seeds is: its fits one after the other.
+class SeedProgress {
+  public:
+    SeedProgress(int seeds, int max_iter)
+        : last_(std::int64_t{seeds} * (std::int64_t{max_iter} + 1) - 1) {}
+
+    /// To be called after each iteration of any of the fits.
+    IterationReport step(const IterationReport& reached) {
+        return {shown(done_++), shown(last_), reached.cost, reached.finite};
+    }
+
+  private:
+    static int shown(std::int64_t iteration) {
+        return static_cast<int>(std::min<std::int64_t>(iteration, std::numeric_limits<int>::max()));
+    }
+
+    std::int64_t done_ = 0;
+    std::int64_t last_;
+};
 
 FitSnapshot snapshot_of(const FitState& state) {
     return {state.reached.iteration,
@@ -180,8 +203,11 @@ void TSNE<T>::actuate(int no_dims,
                       int stop_lying_iter,
                       int mom_switch_iter) {
     requireNames();
-    const FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
+    FitOptions options = fitOptions(no_dims, perplexity, stop_lying_iter, mom_switch_iter);
     const FitReport report = fitAndReport(options);
+    if (report.seeds) {
+        options.seed = report.seeds->runs[report.seeds->kept].seed;
+    }
     Stopwatch watch;
     writeResults(options, report, std::move(labels));
     times_.results = watch.lap();
@@ -217,6 +243,9 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     if (checkpoint_every < 1) {
         throw std::invalid_argument("checkpoint_every has to be at least 1");
     }
+    if (seeds < 1 || (seeds > 1 && !(checkpoint_path.empty() && resume_path.empty()))) {
+        throw std::invalid_argument("a run has at least one seed, and one with a checkpoint");
+    }
     RunIdentity run;
     if (!checkpoint_path.empty() || !resume_path.empty()) {
         run = runIdentity(options);
@@ -229,8 +258,9 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     const MatrixView<double> embedding = makeEmbedding(options.out_dims);
     print_launch(options, N);
     CheckpointKeeper keeper(checkpoint_path, checkpoint_every, std::move(run));
+    SeedProgress progress(seeds, options.max_iter);
     FitHooks hooks;
-    hooks.on_note = console_notes(options.perplexity);
+    hooks.on_note = console_notes(options);
     hooks.on_similarities = [&](const std::string& message) {
         print_info(message);
         if (resumed) {
@@ -241,7 +271,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.on_iteration = [&](const FitState& state) {
         // The fit has taken its arrays over.
         resumed.reset();
-        print_progress<T>(state.reached);
+        print_progress<T>(seeds > 1 ? progress.step(state.reached) : state.reached);
         const bool goes_on = !on_iteration || on_iteration(state.reached);
         if (state.reached.finite) {
             keeper.keep(snapshot_of(state), !goes_on || state.isLast());
@@ -259,14 +289,20 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
     FitReport report = exiting_without_memory([&] {
         const auto columns = static_cast<std::size_t>(std::max(D, 0));
-        return fit_into(embedding,
-                        {X, embedding.rows, columns},
-                        options,
-                        hooks,
-                        method_of(options),
-                        &process_random_stream());
+        const MatrixView<double> input{X, embedding.rows, columns};
+        return seeds > 1 ? fit_seeds_into(embedding, input, options, {seeds, seeds_at_once}, hooks)
+                         : fit_into(embedding,
+                                    input,
+                                    options,
+                                    hooks,
+                                    method_of(options),
+                                    &process_random_stream());
     });
     print_end_of_iterations(report.reached);
+    if (report.seeds) {
+        print_seeds(*report.seeds, seeds);
+    }
+    seed_report_ = report.seeds;
     checkpoint_failure_ = keeper.failure();
     final_cost_ = report.final_cost;
     costs_ = std::move(report.costs);
@@ -283,6 +319,7 @@ void TSNE<T>::forgetResults() {
     final_cost_ = 0.0;
     variance_kept_.reset();
     costs_.clear();
+    seed_report_.reset();
     times_ = {};
     table_written_ = false;
     log_written_ = false;

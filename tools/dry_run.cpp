@@ -43,6 +43,10 @@ void print_plan(const Options& options,
                " (theta = " + num2string(options.fit.theta, 2) + "), " + neighbourhoods + ", " +
                std::to_string(options.fit.out_dims) + " dimensions, " +
                std::to_string(options.fit.max_iter + 1) + " iterations");
+    if (options.seeds > 1) {
+        print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
+                   std::to_string(options.fit.seed + options.seeds - 1));
+    }
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)
                     ? "; " + memory_text(available.bytes) + " are left " + available.limit

@@ -66,6 +66,22 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.resume_path = options.resume;
     tsne.start_places = std::move(input.start_places);
     tsne.cached_neighbours = std::move(input.neighbours);
+    tsne.seeds = options.seeds;
+    tsne.seeds_at_once = options.seeds_at_once;
+}
+
+/// Takes over what the fits of several seeds came to.
+void record_seeds(RunRecord& record, const SeedReport& seeds) {
+    for (const SeedRun& one : seeds.runs) {
+        record.seeds.push_back({one.seed, one.iteration, one.final_cost, one.is_complete});
+    }
+    record.kept_seed = seeds.runs[seeds.kept].seed;
+    record.iteration = seeds.runs[seeds.kept].iteration;
+    if (seeds.agreement) {
+        record.agreement = {seeds.agreement->disparity,
+                            seeds.agreement->neighbours,
+                            seeds.agreement->shared_neighbours};
+    }
 }
 
 /// Names the pictures of a figure, as far as there is one.
@@ -186,6 +202,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     record.costs = tsne.costs();
     record.final_cost = tsne.finalCost();
     record.variance_kept = tsne.varianceKept();
+    if (tsne.seedReport()) {
+        record_seeds(record, *tsne.seedReport());
+    }
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};
     if (options.quality) {

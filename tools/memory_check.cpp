@@ -58,6 +58,10 @@ void check_memory(const RunSize& size, const AvailableMemory& available) {
     }
 }
 
+std::size_t seeds_at_once(const RunSize& size, const AvailableMemory& available) {
+    return size.seeds == 1 || fits(size, available) ? 0 : 1;
+}
+
 void check_memory_of_reading(const MatrixSource& source,
                              const TableLayout& layout,
                              const AvailableMemory& available) {

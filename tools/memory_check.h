@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "input/matrix_source.h"
@@ -18,6 +19,10 @@ std::string memory_text(double bytes);
 /// @param available  what this process can still get, beside what it has
 /// @throws InputError with both figures and what makes the run smaller
 void check_memory(const RunSize& size, const AvailableMemory& available);
+
+/// How many fits of several seeds may run side by side in the memory that there is: 0 for as many
+/// as there are threads, else 1.
+std::size_t seeds_at_once(const RunSize& size, const AvailableMemory& available);
 
 /// Refuses to read a file whose values cannot fit, where its size is known beforehand.
 ///

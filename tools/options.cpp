@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <limits>
 #include <map>
 #include <stdexcept>
 #include <system_error>
@@ -344,6 +345,12 @@ void add_method_options(CLI::App& app, Options& options) {
     add_preset(app, options);
     visit_fit_options(options.fit, FitOptionAdder(app, options));
     add_comparison_options(app, options);
+    app.add_option(
+           "--seeds",
+           options.seeds,
+           "Fit from so many seeds, keep the map of lowest cost, tell how far they agree (1)")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, 1000));
     app.add_option_function<std::string>(
            "--precision",
            [&options](const std::string& text) {
@@ -522,6 +529,37 @@ void check_comparison(const CLI::App& app, const Options& options) {
     }
 }
 
+/// @throws InputError if all seeds would start at the same places
+void check_seed_starts(const Options& options) {
+    if (options.seeds == 1 || options.fit.start == StartKind::Random) {
+        return;
+    }
+    throw InputError("--seeds: " +
+                     (options.fit.start == StartKind::Pca
+                          ? std::string("--start pca gives")
+                          : std::string("a file of --start gives")) +
+                     " every seed the same start, and so the same map\nLeave --seeds out, or give "
+                     "--start random.");
+}
+
+/// @throws CLI::ValidationError if there are not so many seeds, or a checkpoint has to serve
+/// several
+void check_seeds(const Options& options) {
+    if (options.seeds == 1) {
+        return;
+    }
+    if (!(options.checkpoint.empty() && options.resume.empty())) {
+        throw CLI::ValidationError("--checkpoint and --resume",
+                                   "are for one seed: a checkpoint is of one fit");
+    }
+    const int largest = std::numeric_limits<int>::max() - (options.seeds - 1);
+    if (options.fit.seed > largest) {
+        throw CLI::ValidationError("--seed",
+                                   "should be at most " + std::to_string(largest) + ", so that " +
+                                       std::to_string(options.seeds - 1) + " more follow it");
+    }
+}
+
 /// The file name of a matrix without its extension, and without that of gzip.
 std::string stem_of(std::filesystem::path path) {
     if (path.extension() == ".gz") {
@@ -616,6 +654,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         check_combination(command.options);
         check_comparison(app, command.options);
         check_fit(app, command.options);
+        check_seeds(command.options);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;
@@ -636,6 +675,7 @@ void settle_fit_options(Options& options, std::size_t rows, std::size_t columns)
     const OptionSource source = source_of(options);
     options.fit = with_preset(options.preset, rows, options.fit, source.is_given);
     check_options_for(options.fit, rows, columns, source);
+    check_seed_starts(options);
 }
 
 }  // namespace ovik::tool

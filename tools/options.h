@@ -68,6 +68,11 @@ struct Options {
     /// Checkpoint to go on from; empty for a run that starts anew.
     std::string resume;
     Precision precision = Precision::Double;
+    /// From how many seeds each map is fitted, of which the best is kept.
+    int seeds = 1;
+    /// Most of these fits that run side by side; 0 for as many as there are threads. Not of the
+    /// command line: settled by the memory that there is.
+    std::size_t seeds_at_once = 0;
     /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.

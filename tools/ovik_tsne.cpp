@@ -65,6 +65,7 @@ RunSize size_of_runs(const Options& options,
     size.has_plots = options.plots;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
+    size.seeds = options.seeds;
     return size;
 }
 
@@ -103,8 +104,10 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const auto neighbours = load_neighbours(options, perplexities, matrix.rows);
-    const RunSize size = size_of_runs(options, matrix, perplexities);
+    RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();
+    options.seeds_at_once = seeds_at_once(size, available);
+    size.seeds_at_once = options.seeds_at_once;
     if (options.dry_run) {
         settle_names(loaded.matrix.row_names, options.names);
         settle_start(options, loaded.matrix.row_names);

@@ -6,6 +6,7 @@
 >>> ovik.page(tsne).save("map.html")
 """
 
+from ._agreement import Agreement, agreement
 from ._anndata import pp_tsne
 from ._core import __version__
 from ._genes import Gene, gene_function
@@ -16,11 +17,13 @@ from ._tsne import TSNE
 
 __all__ = [
     "TSNE",
+    "Agreement",
     "Gene",
     "Matrix",
     "MatrixNote",
     "Page",
     "__version__",
+    "agreement",
     "gene_function",
     "page",
     "plot",

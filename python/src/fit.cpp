@@ -103,7 +103,7 @@ Outcome run_fit(MatrixView<const double> points,
     };
     if (manner.verbose) {
         print_launch(options, static_cast<int>(points.rows));
-        hooks.on_note = console_notes(options.perplexity);
+        hooks.on_note = console_notes(options);
         hooks.on_similarities = [](const std::string& message) { print_info(message); };
         hooks.on_components = [&](double share) {
             print_components(options.pca, static_cast<int>(points.columns), share);

@@ -16,6 +16,7 @@
 
 #include "annotation/gene_names.h"
 #include "stats/given_neighbours.h"
+#include "stats/map_agreement.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
 
@@ -213,6 +214,21 @@ py::tuple read_matrix(const std::string& path,
                           as_bytes(file.notes));
 }
 
+/// @return disparity and share of common neighbours, averaged over the pairs of maps
+std::pair<double, double> agreement(const std::vector<Array>& maps, std::size_t neighbours) {
+    std::vector<MatrixView<const double>> views;
+    views.reserve(maps.size());
+    for (const Array& map : maps) {
+        views.push_back({map.data(),
+                         static_cast<std::size_t>(map.shape(0)),
+                         static_cast<std::size_t>(map.shape(1))});
+    }
+    const MapAgreement found = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        return mean_agreement(views, neighbours);
+    });
+    return {found.disparity, found.shared_neighbours};
+}
+
 /// @return name, systematic name and function of the gene of this name, else of this systematic
 /// name; None if there is none
 py::object gene_entry(const std::string& name) {
@@ -246,5 +262,6 @@ PYBIND11_MODULE(_core, module) {
                "rows"_a,
                "columns"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
+    module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }

@@ -86,11 +86,12 @@ double barnes_hut_cost(const SparseRows& P,
                        std::size_t dims,
                        double theta);
 
+/// The joint similarities of conditional ones: symmetric, with a sum of 1.
+SparseRows joined(const SparseRows& conditional);
+
 /// The joint similarities of a matrix whose points have no neighbours at equal distance.
 SparseRows joint_similarities(const Matrix& input, double perplexity);
 
-/// The joint similarities of conditional ones.
-SparseRows joined(const SparseRows& conditional);
 /// The same of points as they stand, N x dims.
 SparseRows joint_similarities(const std::vector<double>& points,
                               std::size_t N,

@@ -24,6 +24,12 @@ TEST(RunLogRecord, CutsThePerplexity) {
     EXPECT_NE(run_log_record("x", 12.75, "").find("(perplexity = 12.7)."), std::string::npos);
 }
 
+TEST(RunLogRecord, HasWhatARunHasInThePlaceOfAPerplexity) {
+    EXPECT_NE(run_log_record("x", "uniform affinities of 15 neighbours", "tsne_k15")
+                  .find("x using t-SNE method (uniform affinities of 15 neighbours).\n"),
+              std::string::npos);
+}
+
 TEST(RunLogRecord, BeginsBothSentencesWithABlankWithoutTitle) {
     EXPECT_EQ(run_log_record("", 5.0, "s"),
               "1-1-1-0\n"

@@ -68,6 +68,23 @@ TEST(RunReport, IsOneLineOfJson) {
         "\"costs\":[2.5,null]}],\"exit_status\":1}\n");
 }
 
+TEST(RunReport, HasTheSeedsOfARunFromSeveral) {
+    RunReport report = full_report();
+    report.runs[0].seeds = {{11, 1, 2.5, true}, {12, 0, 3.5, false}};
+    report.runs[0].kept_seed = 11;
+    const auto run = [&] { return json::parse(report_json(report, "/r.json"))["runs"][0]; };
+    EXPECT_EQ(
+        run()["seeds"],
+        json::parse("[{\"seed\":11,\"last_iteration\":1,\"final_cost\":2.5,\"complete\":true},"
+                    "{\"seed\":12,\"last_iteration\":0,\"final_cost\":3.5,"
+                    "\"complete\":false}]"));
+    EXPECT_EQ(run()["kept_seed"], 11);
+    EXPECT_TRUE(run()["agreement"].is_null());
+    report.runs[0].agreement = RecordedAgreement{0.25, 10, 0.5};
+    EXPECT_EQ(run()["agreement"],
+              json::parse("{\"disparity\":0.25,\"neighbours\":10,\"shared_neighbours\":0.5}"));
+}
+
 TEST(RunReport, KeepsTheNameOfStandardInput) {
     RunReport report = full_report();
     report.input = "-";

@@ -34,8 +34,8 @@ struct Matrix {
     [[nodiscard]] std::size_t rows() const { return values.size() / columns; }
 };
 
-Outcome affinities(const Matrix& matrix, int K, CachedNeighbours* cached) {
-    std::srand(11);
+Outcome affinities(const Matrix& matrix, int K, CachedNeighbours* cached, unsigned int seed = 11) {
+    std::srand(seed);
     const SparseMatrix P = neighbour_affinities(
         matrix.values.data(), matrix.rows(), matrix.columns, K / 3.0, K, {{}, cached});
     const std::size_t entries = P.row_P[matrix.rows()];
@@ -94,6 +94,26 @@ TEST(CachedNeighbours, TakeFewPointsAndSuchThatAreNotFinite) {
         values[i] = std::nan("");
     }
     expect_no_difference({values, 2}, {20, 6, 12});
+}
+
+TEST(CachedNeighbours, GiveRunsOfOtherSeedsWhatASearchOfTheirOwnGives) {
+    // A lattice, where the tree decides which of the rows equally far are found.
+    std::vector<double> values;
+    for (int n = 0; n < 600; ++n) {
+        values.push_back(n % 23);
+        values.push_back(n * 7 % 17);
+    }
+    const Matrix lattice{values, 2};
+    EXPECT_NE(affinities(lattice, 20, nullptr, 12).columns,
+              affinities(lattice, 20, nullptr, 13).columns);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        CachedNeighbours cached(20);
+        for (const unsigned int seed : {12U, 13U, 12U, 14U}) {
+            EXPECT_EQ(affinities(lattice, 20, &cached, seed),
+                      affinities(lattice, 20, nullptr, seed));
+        }
+    }
 }
 
 TEST(CachedNeighbours, SearchForMoreThanIsKept) {

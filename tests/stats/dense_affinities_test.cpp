@@ -11,6 +11,7 @@
 
 #include "stats/tsne.h"
 
+#include "tests/plain/plain_affinities.h"
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
 #include "tests/support/recording_sink.h"
@@ -142,8 +143,58 @@ TEST(DenseAffinities, OfDistancesAreThoseOfThePlainProgramForAnyThreads) {
     for (const int threads : {1, 2, 5}) {
         const test::ThreadCount scope(threads);
         std::vector<double> P(kRows * kRows);
-        dense_affinities_of_distances({distances.data(), kRows, kRows}, P.data(), 5.0);
+        dense_affinities_of_distances(
+            {distances.data(), kRows, kRows}, P.data(), calibrated_row({5.0}));
         EXPECT_EQ(P, expected);
+    }
+}
+
+constexpr std::size_t kPoints = 120;
+constexpr std::size_t kColumns = 5;
+
+TEST(UniformRow, EqualsThePlainProgramBitForBit) {
+    const std::vector<double> points = test::random_values(kPoints * kColumns, 2);
+    for (const std::size_t K : {1U, 15U, 119U}) {
+        const std::vector<double> expected =
+            plain::dense_rows(plain::uniform_similarities(points, kPoints, kColumns, K));
+        for (const int threads : test::kThreadCounts) {
+            const test::ThreadCount scope(threads);
+            std::vector<double> P(kPoints * kPoints, -1.0);
+            dense_conditional_affinities(
+                {points.data(), kPoints, kColumns}, P.data(), uniform_row(K));
+            EXPECT_EQ(P, expected) << K << " neighbours, " << threads << " threads";
+        }
+    }
+}
+
+TEST(UniformRow, OfRowsEquallyFarTakesTheEarlier) {
+    const std::vector<double> points = {0.0, 1.0, -1.0, 2.0, 1.0};
+    std::vector<double> P(25, -1.0);
+    dense_conditional_affinities({points.data(), 5, 1}, P.data(), uniform_row(2));
+    EXPECT_EQ(std::vector<double>(P.begin(), P.begin() + 5),
+              (std::vector<double>{DBL_MIN, 0.5, 0.5, 0.0, 0.0}));
+    EXPECT_EQ(std::vector<double>(P.begin() + 15, P.begin() + 20),
+              (std::vector<double>{0.0, 0.5, 0.0, DBL_MIN, 0.5}));
+}
+
+TEST(UniformRow, IsSharedAmongTheOthersAtAFiniteDistance) {
+    const std::vector<double> points = {0.0, 1.0, std::nan("")};
+    std::vector<double> P(9, -1.0);
+    dense_conditional_affinities({points.data(), 3, 1}, P.data(), uniform_row(2));
+    EXPECT_EQ(P, (std::vector<double>{DBL_MIN, 1.0, 0.0, 1.0, DBL_MIN, 0.0, 0.0, 0.0, DBL_MIN}));
+}
+
+TEST(CalibratedRow, OfSeveralPerplexitiesEqualsThePlainProgramBitForBit) {
+    const std::vector<double> points = test::random_values(kPoints * kColumns, 3);
+    const std::vector<double> perplexities = {30.0, 4.0, 12.5};
+    const std::vector<double> expected =
+        plain::dense_multiscale_similarities(points, kPoints, kColumns, perplexities);
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        std::vector<double> P(kPoints * kPoints, -1.0);
+        dense_conditional_affinities(
+            {points.data(), kPoints, kColumns}, P.data(), calibrated_row(perplexities));
+        EXPECT_EQ(P, expected) << threads << " threads";
     }
 }
 

@@ -39,6 +39,14 @@ TEST(PrintLaunch, TellsSeedAndOptions) {
               "-- Launching t-SNE at perplexity = 12.75 and theta = 0.25\n");
 }
 
+TEST(PrintLaunch, TellsOfOtherAffinitiesThanThoseOfOnePerplexity) {
+    FitOptions options;
+    options.affinity = AffinityKind::Uniform;
+    EXPECT_EQ(launched(options, 30),
+              "-- Random seed:  11\n"
+              "-- Launching t-SNE with uniform affinities of 15 neighbours and theta = 0.50\n");
+}
+
 TEST(PrintLaunch, TellsOfAPerplexityThatTheRowsCannotBear) {
     constexpr const char* kComplaint = "perplexity is too large for the number of data points!";
     // Three times the perplexity may be all others, and no more.
@@ -155,6 +163,25 @@ TEST(FitConsole, PrintsAndLogsNothingInSilence) {
     EXPECT_EQ(shown.out, "");
     EXPECT_EQ(shown.err, "");
     EXPECT_TRUE(sink.lines.empty());
+}
+
+TEST(PrintSeeds, TellsCostsAndAgreement) {
+    SeedReport seeds;
+    seeds.runs = {{11, 40, 1.5, true}, {12, 40, 1.25, true}, {13, 7, 1.0, false}};
+    seeds.kept = 1;
+    seeds.agreement = MapAgreement{0.25, 10, 0.5};
+    EXPECT_EQ(printed([&] { print_seeds(seeds, 5); }).out,
+              "-- Seed 11: cost without exaggeration 1.5000\n"
+              "-- Seed 12: cost without exaggeration 1.2500, kept\n"
+              "-- Seed 13: cost without exaggeration 1.0000, ended at iteration 7\n"
+              "-- Ended early: of 5 seeds 2 are complete\n"
+              "-- Agreement of the maps: Procrustes disparity 0.2500, 50.0 % of the 10 nearest "
+              "neighbours shared\n");
+    seeds.runs.resize(2);
+    seeds.agreement.reset();
+    EXPECT_EQ(printed([&] { print_seeds(seeds, 2); }).out,
+              "-- Seed 11: cost without exaggeration 1.5000\n"
+              "-- Seed 12: cost without exaggeration 1.2500, kept\n");
 }
 
 }  // namespace

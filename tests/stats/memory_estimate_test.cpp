@@ -74,5 +74,19 @@ TEST(EstimateMemory, DoesNotOverflow) {
     EXPECT_LT(estimate_memory(RunSize()).peak(), 1e8);
 }
 
+TEST(EstimateMemory, CountsTheFitsOfSeveralSeedsThatRunSideBySide) {
+    RunSize size = kExact;
+    size.threads = 4;
+    const double one = estimate_memory(size).peak();
+    size.seeds = 9;
+    // Matrices of four fits.
+    EXPECT_NEAR(estimate_memory(size).peak(), 4.0 * one, 0.1 * one);
+    size.seeds = 3;
+    EXPECT_NEAR(estimate_memory(size).peak(), 2.0 * one, 0.1 * one);
+    size.seeds_at_once = 1;
+    EXPECT_NEAR(estimate_memory(size).peak(), one, 0.1 * one);
+    EXPECT_GT(estimate_memory(size).peak(), one);
+}
+
 }  // namespace
 }  // namespace ovik

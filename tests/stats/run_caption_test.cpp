@@ -31,6 +31,17 @@ TEST(RunCaption, ShowsWhatComponentsKeep) {
     EXPECT_EQ(parameters[parameters.size() - 3], Parameter("Variance kept", "93.5 %"));
 }
 
+TEST(RunCaption, TellsOfSeveralSeeds) {
+    FitReport report;
+    report.seeds = SeedReport{{{11, 10, 1.5, true}, {12, 10, 1.25, true}}, 1, {}};
+    EXPECT_EQ(caption_parameters({}, 90, 6, report).back(),
+              Parameter("Seeds", "11 to 12; 12 has the lowest cost"));
+    report.seeds->agreement = MapAgreement{0.5, 10, 0.25};
+    const auto parameters = caption_parameters({}, 90, 6, report);
+    EXPECT_EQ(parameters[parameters.size() - 2].first, "Seeds");
+    EXPECT_EQ(parameters.back().first, "Agreement of their maps");
+}
+
 /// The value of a parameter; "missing" if it is not shown.
 std::string shown(const FitOptions& options, const std::string& title) {
     for (const auto& [name, value] : caption_parameters(options, 90, 6, {})) {

@@ -109,5 +109,14 @@ TEST_F(CheckMemoryOfReading, LetsPassWhatIsNotKnown) {
     EXPECT_EQ(refusalOf(directory_.write("empty.tsv", ""), -1e12), "");
 }
 
+TEST(SeedsAtOnce, AreAllUnlessTheMemoryIsTooSmall) {
+    RunSize size{.rows = 10000, .columns = 50, .options = {.theta = 0.0}, .threads = 4, .seeds = 5};
+    const double peak = estimate_memory(size).peak();
+    EXPECT_EQ(seeds_at_once(size, {peak, "on this machine"}), 0U);
+    EXPECT_EQ(seeds_at_once(size, {peak / 2.0, "on this machine"}), 1U);
+    size.seeds = 1;
+    EXPECT_EQ(seeds_at_once(size, {0.0, "on this machine"}), 0U);
+}
+
 }  // namespace
 }  // namespace ovik::tool
