@@ -37,7 +37,8 @@ struct RunSize {
 ///   (16 N^2);
 /// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
 ///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
-///   and the symmetric entries (12 S);
+///   and the symmetric entries (12 S); where the input holds distances, lists of neighbours (32 E)
+///   in the place of the index;
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
