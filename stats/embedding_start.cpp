@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numeric>
 #include <span>
 #include <string>
 #include <vector>
@@ -101,6 +103,49 @@ void check_varies(MatrixView<const double> Y) {
     }
 }
 
+/// Fills a graph of its full size in by a search among rows.
+void search_for_nearest(MatrixView<const double> X, NeighbourGraph& graph) {
+    OwnRandomStream stream;
+    NeighbourSearch search(X.rows, X.columns, stream);
+    search.findAll(
+        X.values,
+        graph.neighbour_count + 1,
+        [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+            const std::size_t begin = row * graph.neighbour_count;
+            for (std::size_t m = 0; m < graph.neighbour_count; ++m) {
+                // The first is taken for the row itself, which also stands for a missing one.
+                const bool is_there = m + 1 < nearest.size();
+                graph.neighbours[begin + m] =
+                    is_there ? nearest[m + 1].row : static_cast<std::uint32_t>(row);
+                if (is_there) {
+                    graph.distances[begin + m] = nearest[m + 1].distance;
+                }
+            }
+        });
+}
+
+/// Fills a graph of its full size in by the distances of all rows; of equal ones, the first rows
+/// are the nearest.
+void take_nearest_by_distance(MatrixView<const double> distances, NeighbourGraph& graph) {
+    parallel_for(distances.rows, 1, [&](std::size_t /*worker*/, IndexRange rows) {
+        std::vector<std::uint32_t> others;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            const std::span<const double> of_row = distances.row(n);
+            others.resize(distances.rows);
+            std::iota(others.begin(), others.end(), std::uint32_t{0});
+            others.erase(others.begin() + static_cast<std::ptrdiff_t>(n));
+            const auto end = others.begin() + static_cast<std::ptrdiff_t>(graph.neighbour_count);
+            std::partial_sort(others.begin(), end, others.end(), [&](auto a, auto b) {
+                return of_row[a] != of_row[b] ? of_row[a] < of_row[b] : a < b;
+            });
+            for (std::size_t m = 0; m < graph.neighbour_count; ++m) {
+                graph.neighbours[n * graph.neighbour_count + m] = others[m];
+                graph.distances[n * graph.neighbour_count + m] = of_row[others[m]];
+            }
+        }
+    });
+}
+
 }  // namespace
 
 void start_along_components(MatrixView<double> Y,
@@ -153,29 +198,17 @@ void start_at_places(MatrixView<double> Y,
     check_varies(Y);
 }
 
-NeighbourGraph placing_neighbours(MatrixView<const double> X) {
+NeighbourGraph placing_neighbours(MatrixView<const double> X, MetricKind metric) {
     NeighbourGraph graph;
     graph.rows = X.rows;
     graph.neighbour_count = std::min(kPlacingNeighbours, X.rows - 1);
     graph.distances.assign(X.rows * graph.neighbour_count, std::numeric_limits<double>::infinity());
     graph.neighbours.resize(X.rows * graph.neighbour_count);
-    OwnRandomStream stream;
-    NeighbourSearch search(X.rows, X.columns, stream);
-    search.findAll(
-        X.values,
-        graph.neighbour_count + 1,
-        [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
-            const std::size_t begin = row * graph.neighbour_count;
-            for (std::size_t m = 0; m < graph.neighbour_count; ++m) {
-                // The first is taken for the row itself, which also stands for a missing one.
-                const bool is_there = m + 1 < nearest.size();
-                graph.neighbours[begin + m] =
-                    is_there ? nearest[m + 1].row : static_cast<std::uint32_t>(row);
-                if (is_there) {
-                    graph.distances[begin + m] = nearest[m + 1].distance;
-                }
-            }
-        });
+    if (metric == MetricKind::Precomputed) {
+        take_nearest_by_distance(X, graph);
+    } else {
+        search_for_nearest(X, graph);
+    }
     return graph;
 }
 
