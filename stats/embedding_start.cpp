@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <span>
 #include <string>
@@ -123,6 +124,27 @@ void fill_in(NeighbourGraph& graph, std::size_t row, std::span<const NearRow> ne
     }
 }
 
+/// Fills a graph of its full size in by a search among rows.
+void search_for_nearest(MatrixView<const double> X, NeighbourGraph& graph) {
+    OwnRandomStream stream;
+    NeighbourSearch search(X.rows, X.columns, stream);
+    search.findAll(
+        X.values,
+        graph.neighbour_count + 1,
+        [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+            // The first is taken for the row itself.
+            fill_in(graph, row, nearest.subspan(std::min<std::size_t>(1, nearest.size())));
+        });
+}
+
+/// The same by the distances of all rows.
+void take_nearest_by_distance(MatrixView<const double> distances, NeighbourGraph& graph) {
+    const NeighbourLists lists = nearest_by_distance(distances, graph.neighbour_count);
+    for (std::size_t row = 0; row < graph.rows; ++row) {
+        fill_in(graph, row, lists.of(row));
+    }
+}
+
 }  // namespace
 
 void start_along_components(MatrixView<double> Y,
@@ -175,25 +197,12 @@ void start_at_places(MatrixView<double> Y,
     check_varies(Y);
 }
 
-NeighbourGraph placing_neighbours(MatrixView<const double> X) {
+NeighbourGraph placing_neighbours(MatrixView<const double> X, MetricKind metric) {
     NeighbourGraph graph = graph_without_neighbours(X.rows);
-    OwnRandomStream stream;
-    NeighbourSearch search(X.rows, X.columns, stream);
-    search.findAll(
-        X.values,
-        graph.neighbour_count + 1,
-        [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
-            // The first is taken for the row itself.
-            fill_in(graph, row, nearest.subspan(std::min<std::size_t>(1, nearest.size())));
-        });
-    return graph;
-}
-
-NeighbourGraph placing_neighbours_by_distance(MatrixView<const double> distances) {
-    NeighbourGraph graph = graph_without_neighbours(distances.rows);
-    const NeighbourLists lists = nearest_by_distance(distances, graph.neighbour_count);
-    for (std::size_t row = 0; row < graph.rows; ++row) {
-        fill_in(graph, row, lists.of(row));
+    if (metric == MetricKind::Precomputed) {
+        take_nearest_by_distance(X, graph);
+    } else {
+        search_for_nearest(X, graph);
     }
     return graph;
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "neighbours/neighbour_graph.h"
+#include "stats/fit_choices.h"
 #include "stats/principal_components.h"
 #include "util/matrix_view.h"
 
@@ -48,9 +49,10 @@ void start_at_places(MatrixView<double> Y,
 
 /// The `kPlacingNeighbours` nearest neighbours of all rows, or all others if there are fewer, for
 /// methods that search for none.
-NeighbourGraph placing_neighbours(MatrixView<const double> X);
-
-/// The same by a matrix of distances.
-NeighbourGraph placing_neighbours_by_distance(MatrixView<const double> distances);
+///
+/// @param X       the rows, or, if the metric is `Precomputed`, their distances, rows x rows
+/// @param metric  others than `Precomputed` are Euclidean between rows as X has them
+NeighbourGraph placing_neighbours(MatrixView<const double> X,
+                                  MetricKind metric = MetricKind::Euclidean);
 
 }  // namespace ovik

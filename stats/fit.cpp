@@ -123,11 +123,7 @@ class Rows {
 
     void startAtPlaces(MatrixView<double> Y, const NeighbourGraph& graph) const {
         if (needs_neighbours_ && graph.rows == 0) {
-            start_at_places(Y,
-                            places_,
-                            options_.metric == MetricKind::Precomputed
-                                ? placing_neighbours_by_distance(X_)
-                                : placing_neighbours(view()));
+            start_at_places(Y, places_, placing_neighbours(view(), options_.metric));
         } else {
             start_at_places(Y, places_, graph);
         }

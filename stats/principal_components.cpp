@@ -24,6 +24,21 @@ std::size_t row_grain(std::size_t products_of_row) {
     return std::max<std::size_t>(1, kProductGrain / std::max<std::size_t>(products_of_row, 1));
 }
 
+/// Adds up the products of some columns with those from each of them on, in row order.
+void add_products(MatrixView<const double> X, IndexRange columns, double* products) {
+    const std::size_t D = X.columns;
+    for (std::size_t n = 0; n < X.rows; ++n) {
+        const double* const x = X.values + n * D;
+        for (std::size_t i = columns.begin; i < columns.end; ++i) {
+            const double x_i = x[i];
+            double* __restrict const sums = products + i * D;
+            for (std::size_t j = i; j < D; ++j) {
+                sums[j] += x_i * x[j];
+            }
+        }
+    }
+}
+
 /// The sums of the products of every two columns, columns x columns, each in row order.
 std::vector<double> column_products(MatrixView<const double> X) {
     constexpr std::size_t kTile = 8;
@@ -32,17 +47,7 @@ std::vector<double> column_products(MatrixView<const double> X) {
     const std::size_t tiles = (D + kTile - 1) / kTile;
     const int workers = worker_count(tiles, row_grain(kTile * X.rows * D));
     parallel_tasks(tiles, workers, [&](std::size_t tile, std::size_t /*worker*/) {
-        const std::size_t end = std::min((tile + 1) * kTile, D);
-        for (std::size_t n = 0; n < X.rows; ++n) {
-            const double* const x = X.values + n * D;
-            for (std::size_t i = tile * kTile; i < end; ++i) {
-                const double x_i = x[i];
-                double* __restrict const sums = products.data() + i * D;
-                for (std::size_t j = i; j < D; ++j) {
-                    sums[j] += x_i * x[j];
-                }
-            }
-        }
+        add_products(X, {tile * kTile, std::min((tile + 1) * kTile, D)}, products.data());
     });
     for (std::size_t i = 0; i < D; ++i) {
         for (std::size_t j = 0; j < i; ++j) {

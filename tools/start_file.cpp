@@ -243,6 +243,13 @@ struct NamedPlaces {
     std::vector<std::string> names;
 };
 
+[[noreturn]] void refuse_few_coordinates(const std::string& path,
+                                         const std::string& name,
+                                         std::size_t dims) {
+    throw InputError(path + ": \"" + name + "\" has fewer than " + std::to_string(dims) +
+                     " coordinates\nGive a start with as many dimensions as the map.");
+}
+
 /// @throws InputError if a name has two places, or not all coordinates
 NamedPlaces places_of(const std::string& path,
                       const std::vector<Coordinate>& coordinates,
@@ -269,8 +276,7 @@ NamedPlaces places_of(const std::string& path,
     for (const std::string& name : named.names) {
         const std::vector<std::size_t>& at = named.places[name].lines;
         if (std::count(at.begin(), at.end(), 0U) > 0) {
-            throw InputError(path + ": \"" + name + "\" has fewer than " + std::to_string(dims) +
-                             " coordinates\nGive a start with as many dimensions as the map.");
+            refuse_few_coordinates(path, name, dims);
         }
     }
     return named;

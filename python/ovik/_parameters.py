@@ -135,7 +135,7 @@ DESCRIPTIONS = """\
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
     start_spread : float, default 0.0001
-        Standard deviation of the random start, above 0, at most 1e6.
+        Standard deviation of a random start, or of one by components along the first, above 0, at most 1e6.
     momentum : float, default 0.5
         Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.
     final_momentum : float, default 0.8

@@ -105,7 +105,7 @@ TEST_F(Starts, OfAnotherFileAreNotResumed) {
     const std::string start = directory_.write("start.csv", tableOf(matrix(), {}));
     const std::string checkpoint = directory_.file("checkpoint");
     tableOf(matrix(), {"--start", start, "--checkpoint", checkpoint});
-    tableOf(matrix(), {"--start", start, "--resume", checkpoint, "-i", "8"});
+    tableOf(matrix(), {"--start", start, "--resume", checkpoint});
     const std::string other = directory_.write("other.csv", tableOf(matrix(), {"--seed", "3"}));
     const CommandOutcome outcome =
         run_on(matrix(), {"--no-plots", "-p", "8", "--start", other, "--resume", checkpoint});

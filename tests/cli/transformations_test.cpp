@@ -174,7 +174,7 @@ TEST_F(TransformationsOfTheCommand, TransposeEmbedsTheColumns) {
     EXPECT_EQ(tableOf(courses(), {"--transpose"}), expected);
     EXPECT_THAT(expected, HasSubstr("\nt5,"));
     EXPECT_THAT(out_, HasSubstr("transposed, so that its 6 columns are the points"));
-    EXPECT_THAT(out_, HasSubstr("Perplexity 1.67, the largest that is advised for 6 rows"));
+    EXPECT_THAT(out_, HasSubstr("Perplexity 1.66, the largest that is advised for 6 rows"));
     EXPECT_THAT(out_, Not(HasSubstr("Gene table")));
 }
 

@@ -170,10 +170,11 @@ def test_columns_become_rows_at_last(write):
     np.testing.assert_array_equal(matrix.values, expected.values.T)
     assert matrix.row_names == ["a", "b", "c"]
     assert matrix.column_names == ["G1", "G2", "G3"]
+    with pytest.raises(ValueError, match="transpose=True makes points of the columns"):
+        ovik.read_matrix(write("G1,1,2,3\nG2,4,5,7\n"), transpose=True, header=False)
 
 
 @pytest.mark.parametrize("options, message", [
-    ({"transpose": True, "header": False}, "transpose=True makes points of the columns"),
     ({"log1p": True}, 'row "G2" has a value below 0 in column "a"'),
     ({"scale": True, "missing": None}, "values are missing"),
     ({"center": "x"}, "center should be None, 'rows' or 'columns', not 'x'"),

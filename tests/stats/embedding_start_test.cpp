@@ -158,6 +158,27 @@ TEST(HasRowsWithoutPlace, RefusesPlacesThatAreNotWhole) {
     EXPECT_THROW(ask({HUGE_VAL, HUGE_VAL}), InputError);
 }
 
+TEST(PlacingNeighbours, AreThoseOfDistancesThatAreGiven) {
+    constexpr std::size_t kRows = 80;
+    const std::vector<double> X = test::random_values(kRows * 3, 21);
+    std::vector<double> distances(kRows * kRows);
+    for (std::size_t n = 0; n < kRows; ++n) {
+        for (std::size_t m = 0; m < kRows; ++m) {
+            distances[n * kRows + m] = std::sqrt(std::pow(X[3 * n] - X[3 * m], 2) +
+                                                 std::pow(X[3 * n + 1] - X[3 * m + 1], 2) +
+                                                 std::pow(X[3 * n + 2] - X[3 * m + 2], 2));
+        }
+    }
+    const NeighbourGraph graph =
+        placing_neighbours({distances.data(), kRows, kRows}, MetricKind::Precomputed);
+    EXPECT_EQ(graph.neighbours, placing_neighbours({X.data(), kRows, 3}).neighbours);
+    EXPECT_EQ(graph.distances[0], distances[graph.neighbours[0]]);
+    // Equal distances, those of the row itself among them: the first rows come first.
+    const std::vector<double> equal(9);
+    EXPECT_THAT(placing_neighbours({equal.data(), 3, 3}, MetricKind::Precomputed).neighbours,
+                ElementsAre(1, 2, 0, 2, 0, 1));
+}
+
 TEST(PlacingNeighbours, AreAllOthersIfThereAreFew) {
     const std::vector<double> X = {0.0, 1.0, 5.0, 5.5};
     const NeighbourGraph graph = placing_neighbours({X.data(), 4, 1});
