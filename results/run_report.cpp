@@ -81,6 +81,7 @@ std::string json_files(const std::vector<ResultFile>& files,
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     return json_object({{"perplexity", json_text(run.perplexity)},
                         {"last_iteration", json_text(run.iteration)},
+                        {"settled", json_text(run.settled)},
                         {"final_cost", json_text(run.final_cost)},
                         {"seconds",
                          json_object({{"similarities", json_text(run.seconds.similarities)},

@@ -47,11 +47,6 @@ const OtherNumber kOtherNumbers[] = {
      [](FitOptions& options, plain::Schedule& schedule) {
          schedule.final_momentum = options.final_momentum = 0.65;
      }},
-    {"AutomaticRate",
-     [](FitOptions& options, plain::Schedule& schedule) {
-         schedule.has_automatic_rate = options.automatic_rate = true;
-         schedule.learning_rate = options.learning_rate = 57.5;
-     }},
     {"ConstantGains",
      [](FitOptions& options, plain::Schedule& schedule) {
          options.gains = GainKind::Constant;
@@ -116,6 +111,30 @@ TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
 INSTANTIATE_TEST_SUITE_P(Each, OptionRun, testing::ValuesIn(kOtherNumbers), [](const auto& test) {
     return std::string(test.param.name);
 });
+
+TEST(AutomaticRateRun, EqualsThePlainProgramWithMoreRowsThanTheLeastRate) {
+    constexpr int kManyRows = 250;
+    const test::TemporaryDirectory directory;
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", kManyRows);
+    const plain::Matrix input = plain::read_tab_separated(path, kManyRows);
+    plain::Schedule schedule = kSchedule;
+    schedule.has_automatic_rate = true;
+    FitOptions options;
+    options.automatic_rate = true;
+    const auto run = [&](const FitOptions& chosen) {
+        return test::run_engine(path,
+                                {.perplexity = kPerplexity,
+                                 .max_iter = schedule.max_iter,
+                                 .stop_lying_iter = schedule.stop_lying_iter,
+                                 .mom_switch_iter = schedule.mom_switch_iter,
+                                 .options = chosen})
+            .Y;
+    };
+    const std::vector<double> Y =
+        plain::embed_with_tree(input, 2, kPerplexity, 0.5, schedule, nullptr);
+    EXPECT_EQ(run(options), Y);
+    EXPECT_NE(run({}), Y);
+}
 
 /// A run of some hundred iterations that ends by itself.
 plain::Schedule settling(FitOptions& options) {
