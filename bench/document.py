@@ -21,14 +21,14 @@ def where_measured(what):
     return f"{processor()}; commit {commit()}; {what}."
 
 
-def write_block(name, text):
+def write_block(name, text, document_file=DOCUMENT):
     """Puts a text between the comments that begin with the block's name and end it."""
-    document = DOCUMENT.read_text()
+    document = document_file.read_text()
     pattern = f"<!-- {name} -->.*?<!-- end -->"
     if not re.search(pattern, document, flags=re.S):
-        raise SystemExit(f"{DOCUMENT} has no place for '{name}'")
+        raise SystemExit(f"{document_file} has no place for '{name}'")
     block = f"<!-- {name} -->\n{text}\n<!-- end -->"
-    DOCUMENT.write_text(re.sub(pattern, lambda _: block, document, flags=re.S))
+    document_file.write_text(re.sub(pattern, lambda _: block, document, flags=re.S))
 
 
 def plot(script):

@@ -59,6 +59,8 @@ struct RunRecord {
     double perplexity = 0.0;
     /// The last iteration; less than was asked for if the run was ended early.
     int iteration = -1;
+    /// Whether that is because the cost gained too little.
+    bool settled = false;
     /// The cost of every iteration, as the progress bar shows it.
     std::vector<double> costs;
     /// The cost of the map against the affinities without exaggeration.

@@ -97,6 +97,7 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
         {"last_iteration", json_text(run.iteration)},
+        {"settled", json_text(run.settled)},
         {"final_cost", json_text(run.final_cost)},
         {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
         {"seconds",

@@ -24,11 +24,14 @@ void copy_option(const Option& to, const Other& from) {
 
 }  // namespace
 
+// Lower costs can be had, for maps that keep fewer neighbours: docs/better-map.md.
 FitOptions refined_options(std::size_t /*rows*/) {
     FitOptions options;
-    options.schedule = ScheduleKind::Annealed;
-    options.automatic_rate = true;
     options.start = StartKind::Pca;
+    options.schedule = ScheduleKind::Annealed;
+    options.exaggeration = 4.0;
+    options.automatic_rate = true;
+    options.final_momentum = 0.95;
     return options;
 }
 

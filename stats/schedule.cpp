@@ -25,9 +25,8 @@ double Schedule::annealing(int iteration) const {
     if (iteration < options_.hold_iter) {
         return options_.exaggeration;
     }
-    const long left = std::max(endOfExaggeration() + 1 - iteration, 0L);
-    const double share =
-        static_cast<double>(left) / (static_cast<double>(options_.release_iter) + 1.0);
+    const double left = std::max(static_cast<double>(endOfExaggeration()) + 1.0 - iteration, 0.0);
+    const double share = left / (static_cast<double>(options_.release_iter) + 1.0);
     return 1.0 + (options_.exaggeration - 1.0) * share;
 }
 
@@ -50,15 +49,17 @@ double Schedule::learningRate(int iteration) const {
     return std::max(kLeastAutomaticRate, rows_ / exaggeration);
 }
 
-long Schedule::endOfExaggeration() const {
+int Schedule::endOfExaggeration() const {
     if (isAnnealed()) {
-        return long{options_.hold_iter} + options_.release_iter - 1;
+        const long long last =
+            static_cast<long long>(options_.hold_iter) + options_.release_iter - 1;
+        return static_cast<int>(std::min(last, static_cast<long long>(INT_MAX)));
     }
-    return options_.stop_lying_iter < 0 ? long{INT_MAX} : options_.stop_lying_iter;
+    return options_.stop_lying_iter < 0 ? INT_MAX : options_.stop_lying_iter;
 }
 
 bool Schedule::isMark(int iteration) const {
-    return iteration >= std::max(endOfExaggeration(), 0L) && iteration % kBetweenMarks == 0;
+    return iteration >= std::max(endOfExaggeration(), 0) && iteration % kBetweenMarks == 0;
 }
 
 bool Schedule::isSettled(int iteration, double cost, double marked_cost) const {

@@ -52,7 +52,7 @@ class Schedule {
     [[nodiscard]] double learningRate(int iteration) const;
 
     /// The iteration after whose step no affinity is exaggerated any more.
-    [[nodiscard]] long endOfExaggeration() const;
+    [[nodiscard]] int endOfExaggeration() const;
 
     /// Whether the cost after an iteration is looked at for `stop_when`: that of every fiftieth
     /// iteration, from the end of exaggeration on.

@@ -10,6 +10,7 @@
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
 #include "stats/option_effect.h"
+#include "stats/schedule.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
@@ -167,7 +168,7 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                     {options.title,
                                      record.iteration + 1 - static_cast<int>(record.costs.size()),
                                      record.costs,
-                                     options.fit.stop_lying_iter}));
+                                     Schedule(options.fit, 0).endOfExaggeration()}));
     }
     add_checkpoint(files, options.checkpoint, tsne.checkpointFailure());
     return files;
@@ -185,6 +186,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.on_iteration = [&record](const IterationReport& reached) {
         check_finite(reached);
         record.iteration = reached.iteration;
+        record.settled = reached.settled;
         return goes_on();
     };
     tsne.checkResume(

@@ -26,6 +26,7 @@ tsne.matrix <- function(
   schedule = "classic",
   hold_iter = 125,
   release_iter = 125,
+  gains = "adaptive",
   stop_when = 0,
   preset = "classic",
   labels = NULL,
@@ -54,6 +55,7 @@ tsne.matrix <- function(
     schedule = schedule,
     hold_iter = hold_iter,
     release_iter = release_iter,
+    gains = gains,
     stop_when = stop_when
   )
   refuse_others(...)
@@ -82,6 +84,7 @@ requirements <- c(
   schedule = "\"classic\" or \"annealed\"",
   hold_iter = "a whole number from 0 to 2147483647",
   release_iter = "a whole number from 0 to 2147483647",
+  gains = "\"adaptive\" or \"constant\"",
   stop_when = "a number at least 0, below 1"
 )
 # end of the options of a fit

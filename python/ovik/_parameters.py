@@ -44,6 +44,7 @@ class FitParameters:
         schedule: Literal["classic", "annealed"] = "classic",
         hold_iter: int = 125,
         release_iter: int = 125,
+        gains: Literal["adaptive", "constant"] = "adaptive",
         stop_when: float = 0.0,
         random_state: RandomState = None,
         preset: Preset = "classic",
@@ -76,6 +77,7 @@ class FitParameters:
         self.schedule = schedule
         self.hold_iter = hold_iter
         self.release_iter = release_iter
+        self.gains = gains
         self.stop_when = stop_when
         self.random_state = random_state
         self.preset = preset
@@ -110,6 +112,7 @@ class FitParameters:
             "schedule": self.schedule,
             "hold_iter": self.hold_iter,
             "release_iter": self.release_iter,
+            "gains": self.gains,
             "stop_when": self.stop_when,
         }
 
@@ -158,6 +161,8 @@ DESCRIPTIONS = """\
         Iterations at full exaggeration, of the annealed schedule, at least 0.
     release_iter : int, default 125
         Iterations in which exaggeration then falls to 1, at least 0.
+    gains : {"adaptive", "constant"}, default "adaptive"
+        Factor of each coordinate's learning rate.
     stop_when : float, default 0.0
         Share of the cost that 50 iterations have to gain for the fit to go on, or 0, at least 0, below 1.
 """

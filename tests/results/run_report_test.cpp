@@ -36,6 +36,7 @@ RunReport full_report() {
     RunRecord run;
     run.perplexity = 12.75;
     run.iteration = 1;
+    run.settled = true;
     run.costs = {2.5, std::numeric_limits<double>::quiet_NaN()};
     run.final_cost = 1.25;
     run.variance_kept = 0.5;
@@ -59,8 +60,8 @@ TEST(RunReport, IsOneLineOfJson) {
         "\"names\":\"00000000000000cd0000000000000002\"}},"
         "\"seconds\":{\"reading\":0.25,\"total\":1.5},"
         "\"memory_bytes\":{\"estimated\":1e+07,\"peak\":2e+07},"
-        "\"runs\":[{\"perplexity\":12.75,\"last_iteration\":1,\"final_cost\":1.25,\"variance_"
-        "kept\":0.5,"
+        "\"runs\":[{\"perplexity\":12.75,\"last_iteration\":1,\"settled\":true,\"final_cost\":1.25,"
+        "\"variance_kept\":0.5,"
         "\"seconds\":{\"similarities\":0.5,\"fitting\":1,\"results\":0.125},"
         "\"quality\":[{\"neighbours\":10,\"trustworthiness\":0.75,\"preservation\":0.5}],"
         "\"files\":[{\"what\":\"Result table\",\"path\":\"m.csv\",\"failure\":null},"

@@ -14,7 +14,7 @@ constexpr std::size_t kDims = 2;
 constexpr std::size_t kCount = kRows * kDims;
 
 /// The squared distance to a place for every coordinate, times the exaggeration; keeps a record of
-/// its calls.
+/// its calls. The cost may have a lowest value other than 0.
 class Bowl : public Objective {
   public:
     void exaggerate(double factor) override { factor_ *= factor; }
@@ -45,7 +45,7 @@ class Bowl : public Objective {
     [[nodiscard]] std::string report(std::clock_t /*elapsed*/) const override { return ""; }
 
     [[nodiscard]] double value(const double* Y) const {
-        double sum = 0.0;
+        double sum = lowest;
         for (std::size_t i = 0; i < kCount; ++i) {
             sum += factor_ * (Y[i] - place(i)) * (Y[i] - place(i));
         }
@@ -57,6 +57,7 @@ class Bowl : public Objective {
 
     std::string calls;
     std::vector<double> annealings;
+    double lowest = 0.0;
 
   private:
     void fill(const double* Y, double* dY) const {
@@ -285,16 +286,20 @@ TEST(Optimisation, GoesOnFromAnAnnealedStateToTheSameBytes) {
 }
 
 constexpr FitOptions kSettling{.max_iter = 1000,
-                               .learning_rate = 2000.0,
                                .schedule = ScheduleKind::Annealed,
                                .hold_iter = 10,
                                .release_iter = 10,
-                               .stop_when = 0.9};
+                               .stop_when = 0.01};
+
+/// A descent that comes to gain next to nothing.
+struct SettlingDescent : Descent {
+    explicit SettlingDescent(const FitOptions& options) : Descent(options) { bowl.lowest = 1.0; }
+};
 
 TEST(Optimisation, EndsWhereTheCostGainsTooLittle) {
-    Descent run(kSettling);
+    SettlingDescent run(kSettling);
     run.finish();
-    const IterationReport& reached = run.optimisation.state().reached;
+    const IterationReport reached = run.optimisation.state().reached;
     EXPECT_TRUE(reached.settled);
     EXPECT_EQ(reached.iteration % 50, 0);
     EXPECT_GE(reached.iteration, 100);
@@ -303,7 +308,7 @@ TEST(Optimisation, EndsWhereTheCostGainsTooLittle) {
     // It is where the rule holds for the first time.
     FitOptions endless = kSettling;
     endless.stop_when = 0.0;
-    Descent other(endless);
+    SettlingDescent other(endless);
     std::vector<double> costs;
     while (static_cast<int>(costs.size()) <= reached.iteration) {
         other.optimisation.iterate();
@@ -312,21 +317,21 @@ TEST(Optimisation, EndsWhereTheCostGainsTooLittle) {
     EXPECT_EQ(other.embedding, run.embedding);
     EXPECT_FALSE(other.optimisation.isDone());
     for (std::size_t mark = 100; mark < costs.size(); mark += 50) {
-        EXPECT_EQ(costs[mark - 50] - costs[mark] < 0.9 * costs[mark], mark + 1 == costs.size())
+        EXPECT_EQ(costs[mark - 50] - costs[mark] < 0.01 * costs[mark], mark + 1 == costs.size())
             << mark;
     }
 }
 
 TEST(Optimisation, EndsAtTheSameIterationWhereverItGoesOnFrom) {
-    Descent unbroken(kSettling);
+    SettlingDescent unbroken(kSettling);
     unbroken.finish();
     const int end = unbroken.optimisation.state().reached.iteration;
     for (int last = 0; last <= end; ++last) {
         FitOptions shorter = kSettling;
         shorter.max_iter = last;
-        Descent first(shorter);
+        SettlingDescent first(shorter);
         first.finish();
-        Descent second(kSettling);
+        SettlingDescent second(kSettling);
         second.optimisation.resume(first.optimisation.state());
         EXPECT_EQ(second.optimisation.isDone(), last == end);
         second.finish();

@@ -47,11 +47,6 @@ const OtherNumber kOtherNumbers[] = {
      [](FitOptions& options, plain::Schedule& schedule) {
          schedule.final_momentum = options.final_momentum = 0.65;
      }},
-    {"AutomaticRate",
-     [](FitOptions& options, plain::Schedule& schedule) {
-         schedule.has_automatic_rate = options.automatic_rate = true;
-         schedule.learning_rate = options.learning_rate = 57.5;
-     }},
     {"ConstantGains",
      [](FitOptions& options, plain::Schedule& schedule) {
          options.gains = GainKind::Constant;
@@ -116,6 +111,34 @@ TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
 INSTANTIATE_TEST_SUITE_P(Each, OptionRun, testing::ValuesIn(kOtherNumbers), [](const auto& test) {
     return std::string(test.param.name);
 });
+
+TEST(AutomaticRateRun, EqualsThePlainProgramWithMoreRowsThanTheLeastRate) {
+    constexpr int kManyRows = 203;
+    const test::TemporaryDirectory directory;
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", kManyRows);
+    const plain::Matrix input = plain::read_tab_separated(path, kManyRows);
+    plain::Schedule schedule = kSchedule;
+    schedule.has_automatic_rate = true;
+    FitOptions options;
+    options.automatic_rate = true;
+    const auto run = [&](const FitOptions& chosen, double theta) {
+        return test::run_engine(path,
+                                {.perplexity = kPerplexity,
+                                 .theta = theta,
+                                 .max_iter = schedule.max_iter,
+                                 .stop_lying_iter = schedule.stop_lying_iter,
+                                 .mom_switch_iter = schedule.mom_switch_iter,
+                                 .options = chosen})
+            .Y;
+    };
+    for (const double theta : {0.0, 0.5}) {
+        const std::vector<double> Y =
+            theta == 0.0 ? plain::embed_exactly(input, 2, kPerplexity, schedule, nullptr)
+                         : plain::embed_with_tree(input, 2, kPerplexity, theta, schedule, nullptr);
+        EXPECT_EQ(run(options, theta), Y) << theta;
+        EXPECT_NE(run({}, theta), Y) << theta;
+    }
+}
 
 /// A run of some hundred iterations that ends by itself.
 plain::Schedule settling(FitOptions& options) {
