@@ -47,29 +47,37 @@ enum class AffinityKind {
     Uniform,
 };
 
-/// The names of the members of a choice, in their order.
+/// The names of the members of a choice, in their order: `kAll` of the specialisations.
 template <typename Kind>
-inline constexpr std::array<std::string_view, 0> kChoiceNames{};
+struct ChoiceNames;
 
 template <>
-inline constexpr std::array<std::string_view, 5> kChoiceNames<MetricKind>{
-    "euclidean", "pearson", "cosine", "spearman", "precomputed"};
+struct ChoiceNames<MetricKind> {
+    static constexpr std::array<std::string_view, 5> kAll{
+        "euclidean", "pearson", "cosine", "spearman", "precomputed"};
+};
 
 template <>
-inline constexpr std::array<std::string_view, 3> kChoiceNames<StartKind>{"random", "pca", "given"};
+struct ChoiceNames<StartKind> {
+    static constexpr std::array<std::string_view, 3> kAll{"random", "pca", "given"};
+};
 
 template <>
-inline constexpr std::array<std::string_view, 2> kChoiceNames<ScheduleKind>{"classic", "annealed"};
+struct ChoiceNames<ScheduleKind> {
+    static constexpr std::array<std::string_view, 2> kAll{"classic", "annealed"};
+};
 
 template <>
-inline constexpr std::array<std::string_view, 2> kChoiceNames<AffinityKind>{"perplexity",
-                                                                            "uniform"};
+struct ChoiceNames<AffinityKind> {
+    static constexpr std::array<std::string_view, 2> kAll{"perplexity", "uniform"};
+};
 
 /// The name of a member of a choice; empty for what is none.
 template <typename Kind>
 constexpr std::string_view choice_name(Kind kind) {
     const auto index = static_cast<std::size_t>(kind);
-    return index < kChoiceNames<Kind>.size() ? kChoiceNames<Kind>[index] : std::string_view();
+    return index < ChoiceNames<Kind>::kAll.size() ? ChoiceNames<Kind>::kAll[index]
+                                                  : std::string_view();
 }
 
 }  // namespace ovik

@@ -88,7 +88,7 @@ struct FitChoice {
 
     /// All names, the open end's among them.
     [[nodiscard]] static constexpr std::span<const std::string_view> names() {
-        return kChoiceNames<Kind>;
+        return ChoiceNames<Kind>::kAll;
     }
 
     /// The names that users give.

@@ -22,7 +22,9 @@ enum class PresetKind {
 };
 
 template <>
-inline constexpr std::array<std::string_view, 2> kChoiceNames<PresetKind>{"classic", "refined"};
+struct ChoiceNames<PresetKind> {
+    static constexpr std::array<std::string_view, 2> kAll{"classic", "refined"};
+};
 
 /// What refined stands for.
 ///

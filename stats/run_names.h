@@ -3,7 +3,6 @@
 #include <string>
 
 #include "stats/fit_options.h"
-#include "util/api.h"
 
 /// What a run is called by the neighbourhoods of its rows: a perplexity, several in one, or a
 /// number of neighbours.
@@ -23,6 +22,6 @@ std::string choices_text(const FitOptions& options);
 /// The stem of the names of the results: "tsne_30_0", "tsne_10_0_50_0", "tsne_uniform_15".
 ///
 /// @param suffix  put behind it
-OVIK_API std::string result_stem(const FitOptions& options, const std::string& suffix);
+std::string result_stem(const FitOptions& options, const std::string& suffix);
 
 }  // namespace ovik

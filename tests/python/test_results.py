@@ -43,6 +43,24 @@ def test_schedule_is_the_commands(time_courses, embed_by_command):
     assert tsne.fit_transform(X).tobytes() == expected.embedding.tobytes()
 
 
+@pytest.mark.parametrize("params, options", [
+    ({"metric": "pearson"}, ["--metric", "pearson"]),
+    ({"pca": 5}, ["--pca", "5"]),
+    ({"affinity": "uniform", "neighbours": 9}, ["--affinity", "uniform", "--neighbours", "9"]),
+    ({"multiscale": (5, 30)}, ["--multiscale", "5,30"]),
+    ({"init": "pca"}, ["--start", "pca"]),
+    ({"schedule": "annealed", "hold_iter": 10, "release_iter": 15},
+     ["--schedule", "annealed", "--hold-iter", "10", "--release-iter", "15"]),
+    ({"learning_rate": "auto"}, ["--learning-rate", "auto"]),
+    ({"stop_when": 0.01}, ["--stop-when", "0.01"]),
+    ({"preset": "refined"}, ["--preset", "refined"]),
+])
+def test_choices_are_the_commands(time_courses, embed_by_command, params, options):
+    expected = embed_by_command(time_courses, "-i", "40", *options)
+    X = ovik.read_matrix(time_courses, missing="zero").values
+    assert ovik.TSNE(n_iter=40, **params).fit_transform(X).tobytes() == expected.embedding.tobytes()
+
+
 @pytest.mark.parametrize("stop_lying_iter", [10, 999])
 def test_cost_is_the_commands_without_exaggeration(time_courses, embed_by_command, stop_lying_iter):
     expected = embed_by_command(

@@ -35,7 +35,7 @@ TEST(FitChoice, WithAnOpenEndDoesNotOfferItsLastName) {
 }
 
 TEST(FitChoice, HasNoNameForWhatIsNoMember) {
-    MetricKind kind = static_cast<MetricKind>(kChoiceNames<MetricKind>.size());
+    MetricKind kind = static_cast<MetricKind>(ChoiceNames<MetricKind>::kAll.size());
     const FitChoice<MetricKind> option{kind, MetricKind::Euclidean, {}};
     EXPECT_EQ(option.name(), "");
     EXPECT_FALSE(option.isInRange());
