@@ -104,15 +104,27 @@ class SeedFits {
         };
         FitOptions options = options_;
         options.seed += static_cast<int>(number);
-        if (!isEnded()) {
+        if (isEnded()) {
+            return;
+        }
+        try {
             Fit made = fit(X, options, hooks);
             fits_[number] = {options.seed, is_complete, std::move(made)};
+        } catch (...) {
+            // The others need not go on for a result that there will not be.
+            end();
+            throw;
         }
     }
 
     bool isEnded() {
         const std::lock_guard lock(mutex_);
         return is_ended_;
+    }
+
+    void end() {
+        const std::lock_guard lock(mutex_);
+        is_ended_ = true;
     }
 
     /// Shows a state to the caller's hook, unless another fit has been ended by it.

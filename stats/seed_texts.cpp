@@ -5,11 +5,11 @@
 namespace ovik {
 
 std::string seeds_text(const SeedReport& seeds) {
-    const std::string first = std::to_string(seeds.runs.front().seed);
+    std::string text = std::to_string(seeds.runs.front().seed);
     if (seeds.runs.size() == 1) {
-        return first;
+        return text;
     }
-    return first + " to " + std::to_string(seeds.runs.back().seed) + "; " +
+    return text + " to " + std::to_string(seeds.runs.back().seed) + "; " +
            std::to_string(seeds.runs[seeds.kept].seed) + " has the lowest cost";
 }
 
