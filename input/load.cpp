@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "input/date_names.h"
+#include "input/known_columns.h"
 #include "input/matrix_checks.h"
 #include "input/matrix_formats.h"
 #include "input/matrix_source.h"
@@ -41,6 +42,11 @@ std::vector<std::string> names_of_rows(const std::string& path,
     return row_numbers(count);
 }
 
+/// A map needs three rows; on one that is there, any number can be placed.
+std::size_t least_rows(const LoadOptions& options) {
+    return options.known_columns != nullptr ? 1 : kLeastEmbeddedRows;
+}
+
 /// Reads the rows and checks that they make a matrix.
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
@@ -57,7 +63,7 @@ InspectedMatrix read_rows(MatrixSource& source,
     if (!format.is_text) {
         note_infinite_values(matrix);
     }
-    check_matrix(source.name(), matrix.report);
+    check_matrix(source.name(), matrix.report, least_rows(options));
     return matrix;
 }
 
@@ -110,7 +116,8 @@ std::size_t settle_missing(const std::string& name,
                          options.spell("missing", "") + " what becomes of them.");
     }
     const std::size_t rows = matrix.report.rows;
-    treat_missing(name, policy, missing, options.spell, matrix, loaded.labels);
+    treat_missing(
+        name, policy, missing, options.spell, matrix, loaded.labels, options.known_columns);
     if (!options.missing) {
         remarks.push_back({Remark::Kind::Warning,
                            summary + ", and read as 0\n" + places + options.spell("missing", "") +
@@ -121,9 +128,31 @@ std::size_t settle_missing(const std::string& name,
     remarks.push_back(
         {Remark::Kind::Information, summary + ": " + treatment(policy, rows, matrix.report.rows)});
     if (policy == MissingPolicy::Drop && options.check_values) {
-        check_row_count(name + ", without the rows that lack values", matrix.report.rows);
+        check_row_count(
+            name + ", without the rows that lack values", matrix.report.rows, least_rows(options));
     }
     return missing.count;
+}
+
+/// Transforms the values, and learns or applies what there is to know of the columns.
+void transform_values(const std::string& name,
+                      const LoadOptions& options,
+                      LoadedMatrix& loaded,
+                      std::vector<Remark>& remarks) {
+    InspectedMatrix& matrix = loaded.matrix;
+    if (options.learns_columns) {
+        loaded.columns.names = matrix.column_names;
+        loaded.columns.means = means_of_columns(matrix);
+    }
+    if (!options.transformations.any()) {
+        return;
+    }
+    remarks.push_back(
+        {Remark::Kind::Information,
+         options.known_columns != nullptr
+             ? transform_alike(
+                   name, options.transformations, *options.known_columns, options.spell, matrix)
+             : transform(name, options.transformations, options.spell, matrix, &loaded.columns)});
 }
 
 }  // namespace
@@ -156,12 +185,12 @@ LoadedMatrix load(const std::string& path,
         loaded.labels = std::move(file.labels);
         loaded.label_table = std::move(file.table);
     }
-    loaded.missing = settle_missing(name, options, loaded, remarks);
-    if (options.transformations.any()) {
-        remarks.push_back({Remark::Kind::Information,
-                           transform(name, options.transformations, options.spell, matrix)});
+    if (options.known_columns != nullptr) {
+        match_columns(name, *options.known_columns, options.spell, matrix);
     }
-    if (options.check_values) {
+    loaded.missing = settle_missing(name, options, loaded, remarks);
+    transform_values(name, options, loaded, remarks);
+    if (options.check_values && options.known_columns == nullptr) {
         check_values(name, matrix);
     }
     return loaded;

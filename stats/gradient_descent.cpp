@@ -7,21 +7,6 @@
 
 namespace ovik {
 
-namespace {
-
-constexpr double kGainIncrease = 0.2;
-constexpr double kGainDecay = 0.8;
-constexpr double kSmallestGain = 0.01;
-
-/// Whether both are zero, both negative or both neither; a NaN counts as positive. Without
-/// branches: the processor would guess them wrong every other time.
-bool have_same_sign(double a, double b) {
-    return static_cast<int>(a < 0.0) + 2 * static_cast<int>(a == 0.0) ==
-           static_cast<int>(b < 0.0) + 2 * static_cast<int>(b == 0.0);
-}
-
-}  // namespace
-
 GradientDescent::GradientDescent(std::size_t count, double learning_rate)
     : count_(count),
       learning_rate_(learning_rate),
@@ -44,10 +29,7 @@ void GradientDescent::step(double* Y, double momentum) {
     double* const gains = gains_.get();
     const double learning_rate = learning_rate_;
     parallel_for_each(count_, kElementwiseGrain, [=](std::size_t i) {
-        const double decayed = gains[i] * kGainDecay;
-        const double increased = gains[i] + kGainIncrease;
-        const double gain = have_same_sign(gradient[i], velocity[i]) ? decayed : increased;
-        gains[i] = gain < kSmallestGain ? kSmallestGain : gain;
+        gains[i] = next_gain(gains[i], gradient[i], velocity[i]);
         velocity[i] = velocity[i] * momentum - (gains[i] * learning_rate) * gradient[i];
         Y[i] += velocity[i];
     });

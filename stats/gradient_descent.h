@@ -7,6 +7,23 @@
 
 namespace ovik {
 
+/// The gain of an element for its next step: it grows by 0.2 where the signs of gradient and
+/// velocity differ and shrinks by a factor of 0.8 where they agree, not below 0.01. Zero has a sign
+/// of its own, and a NaN counts as positive.
+inline double next_gain(double gain, double gradient, double velocity) {
+    constexpr double kIncrease = 0.2;
+    constexpr double kDecay = 0.8;
+    constexpr double kSmallest = 0.01;
+    // Without branches: the processor would guess them wrong every other time.
+    const auto sign = [](double a) {
+        return static_cast<int>(a < 0.0) + 2 * static_cast<int>(a == 0.0);
+    };
+    const double decayed = gain * kDecay;
+    const double increased = gain + kIncrease;
+    const double next = sign(gradient) == sign(velocity) ? decayed : increased;
+    return next < kSmallest ? kSmallest : next;
+}
+
 /// Gradient descent with momentum and an adaptive gain per element.
 ///
 /// @par Source Jacobs, "Increased rates of convergence through learning rate adaptation",
@@ -30,8 +47,7 @@ class GradientDescent {
 
     /// Moves the embedding one step against the gradient.
     ///
-    /// A gain grows by 0.2 where the signs of gradient and velocity differ and shrinks by a factor
-    /// of 0.8 where they agree, not below 0.01. The velocity becomes velocity * momentum - (gain *
+    /// Gains become what `next_gain` says. The velocity becomes velocity * momentum - (gain *
     /// learning rate) * gradient and is added to Y.
     ///
     /// @param Y  `count` elements, modified
