@@ -11,6 +11,7 @@
 #include "plots/plot_outcome.h"
 #include "results/label_column.h"
 #include "stats/fit_options.h"
+#include "stats/input_scale.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
 #include "util/api.h"
@@ -197,6 +198,9 @@ class TSNE {
     /// The cost of each iteration of the last embedding, as `FitReport::costs`.
     [[nodiscard]] const std::vector<double>& costs() const { return costs_; }
 
+    /// How the last embedding centred and scaled its input.
+    [[nodiscard]] const InputScale& inputScale() const { return input_scale_; }
+
     /// How long its stages took.
     [[nodiscard]] const RunTimes& times() const { return times_; }
 
@@ -307,6 +311,7 @@ class TSNE {
     double final_cost_ = 0.0;
     std::vector<double> costs_;
     RunTimes times_;
+    InputScale input_scale_;
     std::string checkpoint_failure_;
     std::error_code table_failure_;
     std::error_code log_failure_;

@@ -222,6 +222,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     final_cost_ = report.final_cost;
     costs_ = std::move(report.costs);
     times_ = report.seconds;
+    input_scale_ = report.scale;
     print_fitting_time(report.fitting_clock);
     return report;
 }
@@ -233,6 +234,7 @@ void TSNE<T>::forgetResults() {
     final_cost_ = 0.0;
     costs_.clear();
     times_ = {};
+    input_scale_ = {};
     table_written_ = false;
     log_written_ = false;
     table_failure_.clear();

@@ -1,6 +1,7 @@
 #include "tools/command_report.h"
 
 #include <ctime>
+#include <sys/resource.h>
 #include <utility>
 
 #include "util/console.h"
@@ -16,6 +17,11 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
     report.version = OVIK_VERSION;
     report.command_line = std::move(command_line);
     report.started = std::time(nullptr);
+    report.input = options.matrix;
+    if (!options.onto.empty()) {
+        // The options are those of the model, which has not been read yet.
+        return report;
+    }
     // Each run has a perplexity of its own.
     visit_fit_options(options.fit, [&report](const auto& option) {
         if (option.words.name != "perplexity") {
@@ -28,8 +34,14 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
                                 transformations.empty() ? "null" : json_text(transformations));
     report.options.emplace_back("precision", json_text(precision));
     report.options.emplace_back("title", json_text(options.title));
-    report.input = options.matrix;
     return report;
+}
+
+void complete_report(RunReport& report, Stopwatch since_start) {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    report.peak_memory = 1024.0 * static_cast<double>(usage.ru_maxrss);
+    report.total_seconds = since_start.lap();
 }
 
 bool write_report(const std::string& path, const RunReport& report) {

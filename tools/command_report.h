@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "results/run_report.h"
+#include "util/stopwatch.h"
 
 #include "tools/options.h"
 
@@ -11,6 +12,9 @@ namespace ovik::tool {
 
 /// A report that says what was called, with which options, and when: now.
 RunReport begin_report(const Options& options, std::vector<std::string> command_line);
+
+/// Fills in what the whole call took: its time, and the most memory that it had at a time.
+void complete_report(RunReport& report, Stopwatch since_start);
 
 /// Writes the report and says where it is.
 ///

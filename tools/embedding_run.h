@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "input/known_columns.h"
 #include "results/label_column.h"
 #include "results/run_record.h"
 #include "stats/cached_neighbours.h"
@@ -26,6 +27,8 @@ struct RunInput {
     std::vector<std::string> labels;
     /// Labels by name, in the place of the former; empty for none.
     std::vector<LabelColumn> label_columns;
+    /// What the columns are, for a model of the map; without means if none is wanted.
+    KnownColumns columns_known;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
 };
