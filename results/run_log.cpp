@@ -10,8 +10,13 @@ namespace ovik {
 std::string run_log_record(const std::string& data_title,
                            double perplexity,
                            const std::string& table_stem) {
-    const std::string sentence =
-        data_title + " using t-SNE method (perplexity = " + num2string(perplexity, 1) + ").";
+    return run_log_record(data_title, "perplexity = " + num2string(perplexity, 1), table_stem);
+}
+
+std::string run_log_record(const std::string& data_title,
+                           const std::string& neighbourhood,
+                           const std::string& table_stem) {
+    const std::string sentence = data_title + " using t-SNE method (" + neighbourhood + ").";
     return "1-1-1-0\n" + sentence + "\n" + sentence +
            " The darker color means that there are overlaps.\n" + table_stem + "\n";
 }
@@ -20,8 +25,16 @@ std::error_code append_run_log(const std::string& out_base,
                                const std::string& data_title,
                                double perplexity,
                                const std::string& table_stem) {
+    return append_run_log(
+        out_base, data_title, "perplexity = " + num2string(perplexity, 1), table_stem);
+}
+
+std::error_code append_run_log(const std::string& out_base,
+                               const std::string& data_title,
+                               const std::string& neighbourhood,
+                               const std::string& table_stem) {
     const bool written = write_string(out_base + ".log",
-                                      run_log_record(data_title, perplexity, table_stem),
+                                      run_log_record(data_title, neighbourhood, table_stem),
                                       "",
                                       "a+",
                                       "",

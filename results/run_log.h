@@ -13,6 +13,13 @@ OVIK_API std::string run_log_record(const std::string& data_title,
                                     double perplexity,
                                     const std::string& table_stem);
 
+/// The same for a run that may have no perplexity.
+///
+/// @param neighbourhood  what stands in the place of "perplexity = 30.0"
+OVIK_API std::string run_log_record(const std::string& data_title,
+                                    const std::string& neighbourhood,
+                                    const std::string& table_stem);
+
 /// Appends the record to `out_base` + ".log", which is created if missing. A failure is not
 /// reported: the log never costs a run its other results.
 ///
@@ -21,6 +28,12 @@ OVIK_API std::string run_log_record(const std::string& data_title,
 OVIK_API std::error_code append_run_log(const std::string& out_base,
                                         const std::string& data_title,
                                         double perplexity,
+                                        const std::string& table_stem);
+
+/// The same for a run that may have no perplexity.
+OVIK_API std::error_code append_run_log(const std::string& out_base,
+                                        const std::string& data_title,
+                                        const std::string& neighbourhood,
                                         const std::string& table_stem);
 
 }  // namespace ovik

@@ -35,6 +35,7 @@ struct RecordedQuality {
 
 /// What came of one run of the engine.
 struct RunRecord {
+    /// NaN where the run has none.
     double perplexity = 0.0;
     /// The last iteration; less than was asked for if the run was ended early.
     int iteration = -1;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "stats/fit_checks.h"
+#include "stats/option_effect.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 
@@ -44,7 +45,7 @@ Embedding Engine::run(const FitHooks& hooks) const {
     if (names_ == nullptr) {
         throw std::logic_error("there is no input: call setInput before run");
     }
-    check_fit_options(options, X_.rows);
+    check_fit_options(options, X_.rows, X_.columns);
     // The values are the caller's, who may have changed them since.
     check_fit_matrix(X_, *names_);
     // What the fit centres and scales.
@@ -60,7 +61,8 @@ Embedding Engine::run(const FitHooks& hooks) const {
     map.input_columns_ = X_.columns;
     map.options_ = options;
     map.names_ = names_;
-    map.remark_ = perplexity_remark(options.perplexity, X_.rows);
+    map.remark_ =
+        bar_of(options, "perplexity") ? "" : perplexity_remark(options.perplexity, X_.rows);
     return map;
 }
 

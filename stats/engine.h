@@ -56,9 +56,10 @@ class Engine {
     ///
     /// @param hooks  progress and its end, called by the calling thread: see `FitHooks`
     /// @throws std::logic_error before any input
-    /// @throws InputError if an option is out of its range (`visit_fit_options`), or the perplexity
-    /// is not below the number of other rows; if the values have been changed since `setInput` and
-    /// cannot be embedded; if the embedding gets out of range
+    /// @throws InputError if an option is out of its range (`visit_fit_options`), options do not fit
+    /// each other, or the matrix cannot bear one, such as a perplexity of as many neighbours as
+    /// there are other rows; if the values have been changed since `setInput` and cannot be
+    /// embedded; if the embedding gets out of range
     /// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
     /// @throws what `fit` throws, and what a hook throws
     [[nodiscard]] OVIK_API Embedding run(const FitHooks& hooks = {}) const;

@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "stats/option_checks.h"
+#include "stats/option_effect.h"
 #include "stats/option_texts.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -92,14 +94,19 @@ void check_fit_matrix(MatrixView<const double> X, std::span<const std::string> n
     }
 }
 
-void check_fit_options(const FitOptions& options, std::size_t rows) {
+void check_fit_options(const FitOptions& options, std::size_t rows, std::size_t columns) {
     visit_fit_options(options, [](const auto& option) {
         if (!option.isInRange()) {
             throw InputError("the option " + std::string(option.words.name) + " should be " +
-                             requirement_text(option.range) + ", not " +
-                             plain_number(option.value));
+                             requirement_text(option) + ", not " + value_text(option));
         }
     });
+    const OptionSource source = source_of(options);
+    check_options_together(options, source);
+    check_options_for(options, rows, columns, source);
+    if (bar_of(options, "perplexity")) {
+        return;
+    }
     if (options.perplexity >= static_cast<double>(rows) - 1.0) {
         throw InputError("perplexity " + plain_number(options.perplexity) + ": a row has " +
                          std::to_string(rows - 1) +

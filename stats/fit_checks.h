@@ -18,10 +18,11 @@ namespace ovik {
 /// or too large; rows that are all equal, or too close to one another
 void check_fit_matrix(MatrixView<const double> X, std::span<const std::string> names);
 
-/// Refuses options that are out of their ranges, or a perplexity that the rows cannot bear.
+/// Refuses options that are out of their ranges, do not fit each other, or are such as the matrix
+/// cannot bear.
 ///
 /// @throws InputError with the range or the cure
-void check_fit_options(const FitOptions& options, std::size_t rows);
+void check_fit_options(const FitOptions& options, std::size_t rows, std::size_t columns);
 
 /// What there is to say of a perplexity that is large for the rows, though they bear it; empty for
 /// one that is not.

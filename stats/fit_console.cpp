@@ -4,6 +4,8 @@
 
 #include <glog/logging.h>
 
+#include "stats/option_effect.h"
+#include "stats/run_names.h"
 #include "util/console.h"
 #include "util/format.h"
 
@@ -36,9 +38,12 @@ void check_perplexity(double perplexity, int N) {
 
 void print_launch(const FitOptions& options, int N) {
     print_info("Random seed:  " + num2string(options.seed));
-    check_perplexity(options.perplexity, N);
-    print_info("Launching t-SNE at perplexity = " + num2string(options.perplexity, 2) +
-               " and theta = " + num2string(options.theta, 2));
+    const bool has_perplexity = !bar_of(options, "perplexity");
+    if (has_perplexity) {
+        check_perplexity(options.perplexity, N);
+    }
+    print_info("Launching t-SNE " + std::string(has_perplexity ? "at " : "with ") +
+               neighbourhood_text(options, 2) + " and theta = " + num2string(options.theta, 2));
 }
 
 FitNotes console_notes(double perplexity) {

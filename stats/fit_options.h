@@ -1,19 +1,21 @@
 #pragma once
 
-#include <limits>
-#include <string_view>
 #include <type_traits>
 
 #include <climits>
 
-/// The numbers that shape a map: each with its default, range, unit and meaning, in this place
-/// alone. Command line, manual page, completions, Python parameters, reports, the page's footer and
-/// the identity of checkpoints are made by visiting them.
+#include "stats/fit_choices.h"
+#include "stats/fit_option.h"
+#include "stats/number_list.h"
+
+/// The numbers, choices and lists that shape a map: each with its default, range, unit and meaning,
+/// in this place alone. Command line, manual page, completions, Python parameters, reports, the
+/// page's footer and the identity of checkpoints are made by visiting them.
 
 namespace ovik {
 
-/// What a map is made by, beside the matrix. Two fits of one matrix with equal options give the
-/// same bytes.
+/// What a map is made by, beside the matrix: the classical run as it stands here. Two fits of one
+/// matrix with equal options give the same bytes.
 struct FitOptions {
     double perplexity = 20.0;
     double theta = 0.5;
@@ -27,64 +29,40 @@ struct FitOptions {
     double start_spread = 0.0001;
     double momentum = 0.5;
     double final_momentum = 0.8;
+    MetricKind metric = MetricKind::Euclidean;
+    /// Principal components in the place of the columns; 0 for the columns themselves.
+    int pca = 0;
+    AffinityKind affinity = AffinityKind::Perplexity;
+    /// Of uniform affinities.
+    int neighbours = 15;
+    /// Perplexities whose affinities are averaged; empty for the one of `perplexity`.
+    NumberList multiscale = {};
+    StartKind start = StartKind::Random;
+    ScheduleKind schedule = ScheduleKind::Classic;
+    /// Of the annealed schedule.
+    int hold_iter = 125;
+    int release_iter = 125;
+    /// Whether the learning rate follows from the number of rows, whatever `learning_rate` is.
+    bool automatic_rate = false;
+    /// 0 for a fit that goes on to its last iteration.
+    double stop_when = 0.0;
 };
 
-/// What front ends call an option, and what they say of it.
-struct OptionWords {
-    /// In reports and checkpoints.
-    std::string_view name;
-    /// Of the Python parameter.
-    std::string_view python;
-    /// Of the command, separated by a comma.
-    std::string_view flags;
-    /// On the chart page.
-    std::string_view title;
-    /// One sentence, without a full stop.
-    std::string_view sentence;
-    /// What the number counts; empty for a plain number.
-    std::string_view unit = "";
-    /// Whether the states that a fit goes through depend on it, and not only which is the last.
-    bool decides_states = true;
-};
-
-/// The numbers that an option may have. Whether the ends belong to them is said for real numbers.
-template <typename T>
-struct OptionRange {
-    T least;
-    T most = std::numeric_limits<T>::max();
-    bool holds_least = true;
-    bool holds_most = true;
-
-    /// False for NaN and infinities.
-    [[nodiscard]] constexpr bool holds(T value) const {
-        return (holds_least ? value >= least : value > least) &&
-               (holds_most ? value <= most : value < most);
-    }
-};
-
-/// One of the options, of which `Value` is the type: `double` or `int`, or either of them const.
-template <typename Value>
-struct FitOption {
-    using Number = std::remove_const_t<Value>;
-
-    Value& value;
-    Number preset;
-    OptionRange<Number> range;
-    OptionWords words;
-
-    [[nodiscard]] bool isInRange() const { return range.holds(value); }
-};
-
-/// Calls `visit(FitOption)` with each option in turn.
+/// Calls `visit` with each option in turn: a `FitOption`, `FitChoice` or `FitList`.
 ///
-/// @param options  `FitOptions` or `const FitOptions`; `FitOption::value` refers to its members
+/// @param options  `FitOptions` or `const FitOptions`; what is called `value` refers to its members
 template <typename Options, typename Visitor>
 // NOLINTNEXTLINE(readability-function-size): a list, of one entry per option
 void visit_fit_options(Options& options, Visitor&& visit) {
     constexpr FitOptions kPreset;
+    using Rate = ConstAs<double, Options>;
     const auto option = [&visit](auto& value, auto preset, auto range, const OptionWords& words) {
         visit(FitOption<std::remove_reference_t<decltype(value)>>{value, preset, range, words});
     };
+    const auto choice =
+        [&visit](auto& value, auto preset, const OptionWords& words, std::string_view end = "") {
+            visit(FitChoice<std::remove_reference_t<decltype(value)>>{value, preset, words, end});
+        };
     option(options.perplexity,
            kPreset.perplexity,
            OptionRange<double>{.least = 1.0, .most = 1e9},
@@ -93,7 +71,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "-p,--perplexity",
             .title = "Perplexity",
             .sentence = "Effective number of neighbours of a row",
-            .unit = "neighbours"});
+            .unit = "neighbours",
+            .is_always_told = true});
     option(options.theta,
            kPreset.theta,
            OptionRange<double>{.least = 0.0},
@@ -101,7 +80,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "theta",
             .flags = "-t,--theta",
             .title = "Theta",
-            .sentence = "Accuracy of the Barnes-Hut method, or 0 for the exact method"});
+            .sentence = "Accuracy of the Barnes-Hut method, or 0 for the exact method",
+            .is_always_told = true});
     option(options.out_dims,
            kPreset.out_dims,
            OptionRange<int>{.least = 2, .most = 50},
@@ -109,7 +89,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "n_components",
             .flags = "-d,--dims",
             .title = "Output dimensions",
-            .sentence = "Dimensions of the embedding"});
+            .sentence = "Dimensions of the embedding",
+            .is_always_told = true});
     option(options.max_iter,
            kPreset.max_iter,
            OptionRange<int>{.least = 1, .most = 1'000'000'000},
@@ -119,7 +100,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .title = "Iteration limit",
             .sentence = "Last iteration, counted from 0",
             .unit = "iterations",
-            .decides_states = false});
+            .decides_states = false,
+            .is_always_told = true});
     option(options.stop_lying_iter,
            kPreset.stop_lying_iter,
            OptionRange<int>{.least = 0, .most = INT_MAX},
@@ -128,7 +110,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--stop-lying-iter",
             .title = "End of early exaggeration",
             .sentence = "Iteration at which early exaggeration ends",
-            .unit = "iterations"});
+            .unit = "iterations",
+            .is_always_told = true});
     option(options.mom_switch_iter,
            kPreset.mom_switch_iter,
            OptionRange<int>{.least = 0, .most = INT_MAX},
@@ -137,7 +120,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .flags = "--mom-switch-iter",
             .title = "Momentum switch",
             .sentence = "Iteration after which the momentum is the final one",
-            .unit = "iterations"});
+            .unit = "iterations",
+            .is_always_told = true});
     option(options.seed,
            kPreset.seed,
            OptionRange<int>{.least = 0, .most = INT_MAX},
@@ -145,15 +129,18 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "seed",
             .flags = "--seed",
             .title = "Random seed",
-            .sentence = "Seed of the random start and of the neighbour search"});
-    option(options.learning_rate,
-           kPreset.learning_rate,
-           OptionRange<double>{.least = 0.0, .most = 1e9, .holds_least = false},
-           {.name = "learning_rate",
-            .python = "learning_rate",
-            .flags = "--learning-rate",
-            .title = "Learning rate",
-            .sentence = "Length of a step, times gain and gradient"});
+            .sentence = "Seed of the random start and of the neighbour search",
+            .is_always_told = true});
+    visit(FitOption<Rate>{options.learning_rate,
+                          kPreset.learning_rate,
+                          OptionRange<double>{.least = 0.0, .most = 1e9, .holds_least = false},
+                          {.name = "learning_rate",
+                           .python = "learning_rate",
+                           .flags = "--learning-rate",
+                           .title = "Learning rate",
+                           .sentence = "Length of a step, times gain and gradient",
+                           .is_always_told = true},
+                          &options.automatic_rate});
     option(options.exaggeration,
            kPreset.exaggeration,
            OptionRange<double>{.least = 1.0, .most = 1e6},
@@ -161,7 +148,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "exaggeration",
             .flags = "--exaggeration",
             .title = "Early exaggeration",
-            .sentence = "Factor of the similarities until early exaggeration ends"});
+            .sentence = "Factor of the similarities until early exaggeration ends",
+            .is_always_told = true});
     option(options.start_spread,
            kPreset.start_spread,
            OptionRange<double>{.least = 0.0, .most = 1e6, .holds_least = false},
@@ -169,7 +157,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "start_spread",
             .flags = "--start-spread",
             .title = "Spread of the start",
-            .sentence = "Standard deviation of the random start"});
+            .sentence = "Standard deviation of the random start",
+            .is_always_told = true});
     option(options.momentum,
            kPreset.momentum,
            OptionRange<double>{.least = 0.0, .most = 1.0, .holds_most = false},
@@ -177,7 +166,8 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "momentum",
             .flags = "--momentum",
             .title = "Momentum",
-            .sentence = "Share of a step that the next one repeats, before the momentum switch"});
+            .sentence = "Share of a step that the next one repeats, before the momentum switch",
+            .is_always_told = true});
     option(options.final_momentum,
            kPreset.final_momentum,
            OptionRange<double>{.least = 0.0, .most = 1.0, .holds_most = false},
@@ -185,7 +175,90 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "final_momentum",
             .flags = "--final-momentum",
             .title = "Final momentum",
-            .sentence = "Share of a step that the next one repeats, after the momentum switch"});
+            .sentence = "Share of a step that the next one repeats, after the momentum switch",
+            .is_always_told = true});
+    choice(options.metric,
+           kPreset.metric,
+           {.name = "metric",
+            .python = "metric",
+            .flags = "--metric",
+            .title = "Metric",
+            .sentence = "Distance between rows"});
+    option(options.pca,
+           kPreset.pca,
+           OptionRange<int>{.least = 0, .most = INT_MAX},
+           {.name = "pca",
+            .python = "pca",
+            .flags = "--pca",
+            .title = "Principal components",
+            .sentence = "Principal components in the place of the columns, or 0 for the columns"});
+    choice(options.affinity,
+           kPreset.affinity,
+           {.name = "affinity",
+            .python = "affinity",
+            .flags = "--affinity",
+            .title = "Affinities",
+            .sentence = "Similarities of a row with its neighbours"});
+    option(options.neighbours,
+           kPreset.neighbours,
+           OptionRange<int>{.least = 1, .most = INT_MAX},
+           {.name = "neighbours",
+            .python = "neighbours",
+            .flags = "--neighbours",
+            .title = "Neighbours",
+            .sentence = "Nearest neighbours that get uniform affinities",
+            .unit = "neighbours"});
+    visit(FitList<ConstAs<NumberList, Options>>{
+        options.multiscale,
+        OptionRange<double>{.least = 1.0, .most = 1e9},
+        {.name = "multiscale",
+         .python = "multiscale",
+         .flags = "--multiscale",
+         .title = "Perplexities in one",
+         .sentence = "Perplexities whose affinities are averaged"}});
+    choice(options.start,
+           kPreset.start,
+           {.name = "start",
+            .python = "init",
+            .flags = "--start",
+            .title = "Start",
+            .sentence = "Where the points of the map start"},
+           "coordinates");
+    choice(options.schedule,
+           kPreset.schedule,
+           {.name = "schedule",
+            .python = "schedule",
+            .flags = "--schedule",
+            .title = "Schedule",
+            .sentence = "Course of exaggeration, momentum and learning rate"});
+    option(options.hold_iter,
+           kPreset.hold_iter,
+           OptionRange<int>{.least = 0, .most = INT_MAX},
+           {.name = "hold_iter",
+            .python = "hold_iter",
+            .flags = "--hold-iter",
+            .title = "Full exaggeration",
+            .sentence = "Iterations at full exaggeration, of the annealed schedule",
+            .unit = "iterations"});
+    option(options.release_iter,
+           kPreset.release_iter,
+           OptionRange<int>{.least = 0, .most = INT_MAX},
+           {.name = "release_iter",
+            .python = "release_iter",
+            .flags = "--release-iter",
+            .title = "Falling exaggeration",
+            .sentence = "Iterations in which exaggeration then falls to 1",
+            .unit = "iterations"});
+    option(
+        options.stop_when,
+        kPreset.stop_when,
+        OptionRange<double>{.least = 0.0, .most = 1.0, .holds_most = false},
+        {.name = "stop_when",
+         .python = "stop_when",
+         .flags = "--stop-when",
+         .title = "Least gain",
+         .sentence = "Share of the cost that 50 iterations have to gain for the fit to go on, or 0",
+         .decides_states = false});
 }
 
 }  // namespace ovik

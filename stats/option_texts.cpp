@@ -30,6 +30,27 @@ std::string plain_number(int value) {
     return std::to_string(value);
 }
 
+std::string list_text(const NumberList& numbers) {
+    std::string text;
+    for (const double number : numbers) {
+        text += (text.empty() ? "" : ",") + plain_number(number);
+    }
+    return text;
+}
+
+std::string long_name(const OptionWords& words) {
+    return std::string(words.flags.substr(words.flags.find("--") + 2));
+}
+
+std::string alternatives_text(std::span<const std::string> texts) {
+    std::string text;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        text += i == 0 ? "" : i + 1 == texts.size() ? " or " : ", ";
+        text += texts[i];
+    }
+    return text;
+}
+
 std::string range_text(const OptionRange<double>& range) {
     std::string text = (range.holds_least ? "at least " : "above ") + plain_number(range.least);
     if (range.most < DBL_MAX) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <span>
 #include <stdexcept>
@@ -251,6 +252,11 @@ PlacedRows place_rows(const FinishedMap& map,
     });
     refuse_distant(placed.nearest_distances);
     return placed;
+}
+
+bool bars_placement(std::string_view option_name) {
+    constexpr std::string_view kBarring[] = {"metric", "pca", "affinity", "multiscale"};
+    return std::find(std::begin(kBarring), std::end(kBarring), option_name) != std::end(kBarring);
 }
 
 double largest_nearest_distance(MatrixView<const double> rows) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "stats/input_scale.h"
@@ -62,6 +63,12 @@ struct PlacementDescent {
 OVIK_API PlacedRows place_rows(const FinishedMap& map,
                                MatrixView<const double> rows,
                                const PlacementDescent& descent = {});
+
+/// Whether rows can be placed on a map only if this option of it is as preset: rows are compared by
+/// the distances of their columns, and have affinities of one perplexity.
+///
+/// @param option_name  as `OptionWords` has it
+OVIK_API bool bars_placement(std::string_view option_name);
 
 /// The largest distance of a row from the one that is nearest to it: what lies farther away from
 /// all rows is unlike any of them.

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "stats/method.h"
+#include "stats/option_effect.h"
 #include "stats/option_texts.h"
 
 namespace ovik {
@@ -19,10 +20,10 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
     if (!transformations.empty()) {
         parameters.emplace_back("Transformations", transformations);
     }
-    visit_fit_options(options, [&parameters](const auto& option) {
+    visit_fit_options(options, [&](const auto& option) {
         // The page of a run that was ended is that of a run with this last iteration.
-        if (option.words.decides_states) {
-            parameters.emplace_back(option.words.title, plain_number(option.value));
+        if (option.words.decides_states && is_told(options, option)) {
+            parameters.emplace_back(option.words.title, value_text(option));
         }
     });
     char cost[64];

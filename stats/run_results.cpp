@@ -10,6 +10,7 @@
 #include "results/result_table.h"
 #include "results/run_log.h"
 #include "stats/run_caption.h"
+#include "stats/run_names.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
@@ -32,7 +33,7 @@ template <typename T>
 WrittenResults write_results(const ResultSettings& settings,
                              const std::string& out_base,
                              const EndedRun& run) {
-    const std::string stem = result_table_stem(run.options.perplexity, settings.out_suffix);
+    const std::string stem = result_stem(run.options, settings.out_suffix);
     auto table = table_of<T>(settings, run);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_files(out_base);
@@ -40,7 +41,7 @@ WrittenResults write_results(const ResultSettings& settings,
     WrittenResults written;
     written.table_failure = write_result_table(out_base + "_" + stem + ".csv", table);
     written.log_failure =
-        append_run_log(out_base, settings.data_title, run.options.perplexity, stem);
+        append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
     if (settings.draw_plots) {
         const auto parameters = caption_parameters(run.options,
                                                    run.embedding.rows,

@@ -13,6 +13,8 @@
 #include "stats/fit.h"
 #include "stats/fit_console.h"
 #include "stats/method.h"
+#include "stats/option_effect.h"
+#include "stats/option_texts.h"
 #include "stats/run_results.h"
 #include "stats/tsne.h"
 #include "util/console.h"
@@ -27,9 +29,38 @@ namespace ovik {
 
 namespace {
 
+/// An option with its value as checkpoints have it.
+std::pair<std::string, std::string> identity_entry(const auto& option) {
+    if constexpr (requires { option.range.holds(option.value); }) {
+        return {std::string(option.words.name),
+                option.isAutomatic() ? std::string(kAutomatic) : shortest_text(option.value)};
+    } else {
+        return {std::string(option.words.name), value_text(option)};
+    }
+}
+
+/// Adds what a run leaves unsaid of its options, since it is as preset: messages can name it then.
+/// Lists are empty by default, which says as much.
+void complete(RunIdentity& run) {
+    const FitOptions presets;
+    visit_fit_options(presets, [&run](const auto& option) {
+        const std::string_view name = option.words.name;
+        const bool is_there = std::any_of(run.options.begin(),
+                                          run.options.end(),
+                                          [&](const auto& entry) { return entry.first == name; });
+        const std::string preset = value_text(option);
+        if (option.words.decides_states && !option.words.is_always_told && !is_there &&
+            !preset.empty()) {
+            run.options.emplace_back(name, preset);
+        }
+    });
+}
+
 /// @throws InputError if the run cannot go on from there
-Checkpoint read_resumed(const std::string& path, const RunIdentity& run, int max_iter) {
+Checkpoint read_resumed(const std::string& path, RunIdentity run, int max_iter) {
     Checkpoint checkpoint = read_checkpoint(path);
+    complete(checkpoint.run);
+    complete(run);
     check_goes_on(path, checkpoint, run, max_iter);
     return checkpoint;
 }
@@ -105,9 +136,9 @@ RunIdentity TSNE<T>::runIdentity(const FitOptions& options) const {
                     {},
                     digest_of({X, rows * columns}),
                     digest_of(currentNames())};
-    visit_fit_options(options, [&run](const auto& option) {
-        if (option.words.decides_states) {
-            run.options.emplace_back(option.words.name, shortest_text(option.value));
+    visit_fit_options(options, [&](const auto& option) {
+        if (option.words.decides_states && is_told(options, option)) {
+            run.options.push_back(identity_entry(option));
         }
     });
     if (!transformations.empty()) {

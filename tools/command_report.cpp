@@ -4,6 +4,8 @@
 #include <sys/resource.h>
 #include <utility>
 
+#include "stats/option_effect.h"
+#include "stats/option_texts.h"
 #include "util/console.h"
 #include "util/json_text.h"
 
@@ -11,29 +13,52 @@
 
 namespace ovik::tool {
 
+namespace {
+
+/// The value of an option as JSON; null where it has no effect.
+template <typename Option>
+std::string json_value(const FitOptions& options, const Option& option) {
+    if (bar_of(options, option.words.name)) {
+        return "null";
+    }
+    if constexpr (requires { option.value.begin(); }) {
+        return json_list_of(option.value.begin(), option.value.end());
+    } else if constexpr (requires { option.isAutomatic(); }) {
+        return option.isAutomatic() ? json_text(std::string(kAutomatic)) : json_text(option.value);
+    } else {
+        return json_text(value_text(option));
+    }
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> reported_options(const Options& options) {
+    std::vector<std::pair<std::string, std::string>> reported;
+    // Each run has a perplexity of its own.
+    visit_fit_options(options.fit, [&](const auto& option) {
+        if (option.words.name != "perplexity") {
+            reported.emplace_back(option.words.name, json_value(options.fit, option));
+        }
+    });
+    const std::string precision = options.precision == Precision::Float ? "float" : "double";
+    const std::string transformations = names_of(options.load.transformations);
+    reported.emplace_back("transformations",
+                          transformations.empty() ? "null" : json_text(transformations));
+    reported.emplace_back("precision", json_text(precision));
+    reported.emplace_back("title", json_text(options.title));
+    return reported;
+}
+
 RunReport begin_report(const Options& options, std::vector<std::string> command_line) {
     RunReport report;
     report.program = "ovik-tsne";
     report.version = OVIK_VERSION;
     report.command_line = std::move(command_line);
     report.started = std::time(nullptr);
-    report.input = options.matrix;
-    if (!options.onto.empty()) {
-        // The options are those of the model, which has not been read yet.
-        return report;
+    if (options.onto.empty()) {
+        report.options = reported_options(options);
     }
-    // Each run has a perplexity of its own.
-    visit_fit_options(options.fit, [&report](const auto& option) {
-        if (option.words.name != "perplexity") {
-            report.options.emplace_back(option.words.name, json_text(option.value));
-        }
-    });
-    const std::string precision = options.precision == Precision::Float ? "float" : "double";
-    const std::string transformations = names_of(options.load.transformations);
-    report.options.emplace_back("transformations",
-                                transformations.empty() ? "null" : json_text(transformations));
-    report.options.emplace_back("precision", json_text(precision));
-    report.options.emplace_back("title", json_text(options.title));
+    report.input = options.matrix;
     return report;
 }
 

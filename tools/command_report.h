@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "results/run_report.h"
@@ -9,6 +10,10 @@
 #include "tools/options.h"
 
 namespace ovik::tool {
+
+/// Names of the options of a run and their values as JSON: null for those that have no effect
+/// beside others. The perplexity is left to the runs.
+std::vector<std::pair<std::string, std::string>> reported_options(const Options& options);
 
 /// A report that says what was called, with which options, and when: now.
 RunReport begin_report(const Options& options, std::vector<std::string> command_line);

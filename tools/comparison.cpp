@@ -1,7 +1,9 @@
 #include "tools/comparison.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -11,6 +13,8 @@
 
 #include "plots/comparison_page.h"
 #include "stats/method.h"
+#include "stats/option_texts.h"
+#include "stats/run_names.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -41,15 +45,34 @@ Facts input_facts(const ComparisonEntry& entry) {
         {"Method", method_of(entry.options).title(entry.options)}};
 }
 
-Facts run_facts(const RunRecord& run) {
+Facts run_facts(const FitOptions& options, const RunRecord& run) {
     Facts facts{{"Last iteration", std::to_string(run.iteration)},
                 {"Cost", with_decimals(run.final_cost, 4)}};
+    if (const std::string choices = choices_text(options); !choices.empty()) {
+        facts.emplace_back("Choices", choices);
+    }
     for (const RecordedQuality& quality : run.quality) {
         facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
                            "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
                                with_decimals(100.0 * quality.preservation, 1) + " % kept");
     }
     return facts;
+}
+
+/// What a run is called.
+///
+/// @param is_alone  without the title of its data
+std::string title_of(const ComparisonEntry& entry, bool is_alone) {
+    if (std::isnan(entry.run.perplexity)) {
+        const std::string neighbourhood = neighbourhood_text(entry.options, 1);
+        if (!is_alone) {
+            return entry.title + ": " + neighbourhood;
+        }
+        return std::string(1, static_cast<char>(std::toupper(neighbourhood.front()))) +
+               neighbourhood.substr(1);
+    }
+    return (is_alone ? "Perplexity " : entry.title + ": perplexity ") +
+           shortest_text(entry.run.perplexity);
 }
 
 /// Whether all entries have in common what `value` takes of them.
@@ -84,7 +107,8 @@ ComparedRun compared_run(const ComparisonEntry& entry,
 /// @throws nlohmann::json::exception if the report lacks something, or it is of another kind
 RunRecord record_of(const Json& run) {
     RunRecord record;
-    record.perplexity = run.at("perplexity").get<double>();
+    const Json& perplexity = run.at("perplexity");
+    record.perplexity = perplexity.is_null() ? std::nan("") : perplexity.get<double>();
     record.iteration = run.at("last_iteration").get<int>();
     record.final_cost = run.at("final_cost").get<double>();
     for (const Json& quality : run.at("quality")) {
@@ -101,13 +125,32 @@ RunRecord record_of(const Json& run) {
     return record;
 }
 
+/// @throws nlohmann::json::exception if the value is of another kind
+template <typename Option>
+void read_value(const Json& json, const Option& option) {
+    if constexpr (requires { option.set(""); }) {
+        static_cast<void>(option.set(json.get<std::string>()));
+    } else if constexpr (requires { option.isAutomatic(); }) {
+        if (option.automatic != nullptr && json.is_string()) {
+            *option.automatic = true;
+        } else {
+            json.get_to(option.value);
+        }
+    } else {
+        const std::size_t count = std::min(json.size(), NumberList::kMost);
+        for (std::size_t i = 0; i < count; ++i) {
+            option.value.add(json.at(i).get<double>());
+        }
+    }
+}
+
 /// The options of a fit, as far as a report has them.
 FitOptions fit_options_of(const Json& options) {
     FitOptions fit;
     visit_fit_options(fit, [&options](const auto& option) {
         const auto found = options.find(std::string(option.words.name));
-        if (found != options.end()) {
-            found->get_to(option.value);
+        if (found != options.end() && !found->is_null()) {
+            read_value(*found, option);
         }
     });
     return fit;
@@ -156,12 +199,11 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
     }
     for (const ComparisonEntry& entry : entries) {
         ComparedRun run = compared_run(entry, directory);
-        run.title = (one_title ? "Perplexity " : entry.title + ": perplexity ") +
-                    shortest_text(entry.run.perplexity);
+        run.title = title_of(entry, one_title);
         if (!one_input) {
             run.facts = input_facts(entry);
         }
-        const Facts facts = run_facts(entry.run);
+        const Facts facts = run_facts(entry.options, entry.run);
         run.facts.insert(run.facts.end(), facts.begin(), facts.end());
         comparison.runs.push_back(std::move(run));
     }
@@ -181,7 +223,9 @@ ExitStatus collect_reports(const Options& options) {
     }
     std::stable_sort(
         entries.begin(), entries.end(), [](const ComparisonEntry& a, const ComparisonEntry& b) {
-            return a.run.perplexity < b.run.perplexity;
+            // Those without a perplexity come last.
+            return a.run.perplexity < b.run.perplexity ||
+                   (!std::isnan(a.run.perplexity) && std::isnan(b.run.perplexity));
         });
     prepare_directory(options.out_dir);
     return write_comparison(comparison_path(options), entries) ? Success : FailedRun;

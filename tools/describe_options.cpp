@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -19,11 +20,22 @@ namespace {
 struct Described {
     OptionWords words;
     std::string preset;
-    /// The default as Python writes it.
+    /// The defaults as Python and R write them.
     std::string python_preset;
+    std::string r_preset;
+    /// What each of them takes, behind the sentence.
     std::string range;
+    std::string python_range;
+    std::string r_range;
+    /// What R says that it should be.
     std::string requirement;
-    bool is_whole;
+    /// What the command's value is called: "COUNT".
+    std::string value_name;
+    /// What zsh completes.
+    std::string completion;
+    /// The types of Python: what annotations and what documents say.
+    std::string python_type;
+    std::string python_kind;
 };
 
 /// "30.0" for 30: Python tells real numbers from whole ones.
@@ -36,17 +48,91 @@ std::string python_number(int value) {
     return plain_number(value);
 }
 
+std::string quoted(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+/// Texts in quotes, with something between them.
+std::string quoted(std::span<const std::string_view> texts, const std::string& between) {
+    std::string all;
+    for (const std::string_view text : texts) {
+        all += (all.empty() ? "" : between) + quoted(text);
+    }
+    return all;
+}
+
+template <typename Number>
+Described described(const FitOption<const Number>& option) {
+    constexpr bool kIsWhole = std::is_same_v<Number, int>;
+    const std::string type = kIsWhole ? "int" : "float";
+    const bool may_be_automatic = option.automatic != nullptr;
+    const std::string automatic = may_be_automatic ? quoted(kAutomatic) : "";
+    const std::string behind = may_be_automatic ? ", or " + automatic : "";
+    return {option.words,
+            preset_text(preset_text(option), option.words),
+            python_number(option.preset),
+            preset_text(option),
+            ", " + range_text(option),
+            ", " + range_text(option.range),
+            ", " + range_text(option.range) + behind,
+            requirement_text(option.range) + behind,
+            kIsWhole ? "COUNT" : "NUMBER",
+            kIsWhole ? "count" : "number",
+            type + (may_be_automatic ? " | Literal[" + automatic + "]" : ""),
+            type + (may_be_automatic ? " or " + automatic : "")};
+}
+
+template <typename Kind>
+Described described(const FitChoice<const Kind>& option) {
+    const bool is_open = !option.open_end.empty();
+    const std::string preset = quoted(choice_name(option.preset));
+    std::vector<std::string> names;
+    for (const std::string_view name : option.givenNames()) {
+        names.push_back(quoted(name));
+    }
+    std::string words;
+    for (const std::string_view name : option.givenNames()) {
+        words += (words.empty() ? "" : " ") + std::string(name);
+    }
+    const std::string literal = "Literal[" + quoted(option.givenNames(), ", ") + "]";
+    const std::string set = "{" + quoted(option.givenNames(), ", ") + "}";
+    if (is_open) {
+        names.emplace_back("a matrix of " + std::string(option.open_end));
+    }
+    const std::string alternatives = alternatives_text(names);
+    return {option.words,
+            preset_text(option),
+            preset,
+            preset,
+            ": " + requirement_text(option, "FILE"),
+            "",
+            ": " + alternatives,
+            alternatives,
+            is_open ? "NAME | FILE" : "NAME",
+            is_open ? "start:_files" : "name:(" + words + ")",
+            is_open ? literal + " | ArrayLike" : literal,
+            is_open ? set + " or array-like of shape (n_samples, n_components)" : set};
+}
+
+Described described(const FitList<const NumberList>& option) {
+    return {option.words,
+            preset_text(option),
+            "None",
+            "NULL",
+            ", separated by commas, " + range_text(option),
+            ", " + range_text(option),
+            ", " + range_text(option),
+            requirement_text(option),
+            "NUMBER,...",
+            "numbers",
+            "Sequence[float] | None",
+            "list of float or None"};
+}
+
 std::vector<Described> described_options() {
     std::vector<Described> all;
     const FitOptions options;
-    visit_fit_options(options, [&all](const auto& option) {
-        all.push_back({option.words,
-                       plain_number(option.preset),
-                       python_number(option.preset),
-                       range_text(option.range),
-                       requirement_text(option.range),
-                       std::is_same_v<decltype(option.preset), int>});
-    });
+    visit_fit_options(options, [&all](const auto& option) { all.push_back(described(option)); });
     return all;
 }
 
@@ -72,12 +158,12 @@ void print_manual() {
         const auto [short_form, long_form] = flags_of(option);
         std::string names = short_form.empty() ? "" : "\\" + short_form + " \", \" ";
         names += "\\-\\" + long_form.substr(1);
-        std::printf(".TP\n.BR %s \" \\fI%s\"\n%s, %s (%s).\n",
+        std::printf(".TP\n.BR %s \" \\fI%s\"\n%s%s (%s).\n",
                     names.c_str(),
-                    option.is_whole ? "COUNT" : "NUMBER",
+                    option.value_name.c_str(),
                     text_of(option.words.sentence).c_str(),
                     option.range.c_str(),
-                    preset_text(option.preset, option.words).c_str());
+                    option.preset.c_str());
     }
 }
 
@@ -94,7 +180,7 @@ void print_zsh() {
         std::printf("  %s[%s]:%s'\n",
                     names.c_str(),
                     text_of(option.words.sentence).c_str(),
-                    option.is_whole ? "count" : "number");
+                    option.completion.c_str());
     }
 }
 
@@ -105,10 +191,9 @@ struct PythonParameter {
     const char* preset;
 };
 
-constexpr std::array<PythonParameter, 9> kPythonAlone = {{
+constexpr std::array<PythonParameter, 8> kPythonAlone = {{
     {"random_state", "RandomState", "None"},
-    {"metric", "Metric", "\"euclidean\""},
-    {"init", "Start", "\"random\""},
+    {"preset", "Preset", "\"classic\""},
     {"callbacks", "Callback | Sequence[Callback] | None", "None"},
     {"callbacks_every_iters", "int", "50"},
     {"on_interrupt", "OnInterrupt", "\"raise\""},
@@ -117,25 +202,14 @@ constexpr std::array<PythonParameter, 9> kPythonAlone = {{
     {"verbose", "bool", "False"},
 }};
 
-/// Whether Python takes "auto" in the place of a number.
-bool is_automatic_in_python(const Described& option) {
-    return option.words.python == "learning_rate";
-}
-
-std::string python_type(const Described& option) {
-    const std::string number = option.is_whole ? "int" : "float";
-    return is_automatic_in_python(option) ? number + " | Literal[\"auto\"]" : number;
-}
-
 void print_python_description(const Described& option) {
-    std::printf("    %s : %s%s, default %s\n        %s, %s.\n",
+    std::printf("    %s : %s, default %s\n        %s%s.\n",
                 text_of(option.words.python).c_str(),
-                option.is_whole ? "int" : "float",
-                is_automatic_in_python(option) ? " or \"auto\"" : "",
+                option.python_kind.c_str(),
                 option.python_preset.c_str(),
                 text_of(option.words.sentence).c_str(),
-                option.range.c_str());
-    if (is_automatic_in_python(option)) {
+                option.python_range.c_str());
+    if (option.words.name == "learning_rate") {
         std::printf("        \"auto\" is n_samples / exaggeration, at least %s.\n",
                     option.preset.c_str());
     }
@@ -153,7 +227,7 @@ void print_python() {
         std::printf("%s        %s: %s = %s,\n",
                     i == 1 ? "        *,\n" : "",
                     text_of(options[i].words.python).c_str(),
-                    python_type(options[i]).c_str(),
+                    options[i].python_type.c_str(),
                     options[i].python_preset.c_str());
     }
     for (const auto& [name, type, preset] : kPythonAlone) {
@@ -182,14 +256,14 @@ void print_python() {
 
 /// What R calls an option: as the command does, in snake case.
 std::string r_name(const Described& option) {
-    std::string name = flags_of(option).long_form.substr(2);
+    std::string name = long_name(option.words);
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 }
 
 /// The default in R, where perplexity has one of its own.
 std::string r_preset(const Described& option) {
-    return r_name(option) == "perplexity" ? "30" : option.preset;
+    return r_name(option) == "perplexity" ? "30" : option.r_preset;
 }
 
 /// Perplexity comes first, as the one option that may be given by its place. Behind the dots stand
@@ -204,7 +278,17 @@ void print_r_parameters(const char* indent) {
                     r_name(options[i]).c_str(),
                     r_preset(options[i]).c_str());
     }
+    std::printf("%spreset = \"classic\",\n", indent);
     std::printf("%slabels = NULL,\n%sthreads = NULL,\n%sverbose = FALSE\n", indent, indent, indent);
+}
+
+/// A text as R writes it.
+std::string r_string(const std::string& text) {
+    std::string escaped;
+    for (const char letter : text) {
+        escaped += letter == '"' ? "\\\"" : std::string(1, letter);
+    }
+    return quoted(escaped);
 }
 
 void print_r() {
@@ -220,12 +304,12 @@ void print_r() {
     }
     std::printf(
         "  )\n  refuse_others(...)\n"
-        "  embed(x, options, labels, threads, verbose, match.call())\n}\n\n"
+        "  embed(x, options, preset, labels, threads, verbose, match.call())\n}\n\n"
         "requirements <- c(\n");
     for (const Described& option : options) {
-        std::printf("  %s = \"%s\"%s\n",
+        std::printf("  %s = %s%s\n",
                     r_name(option).c_str(),
-                    option.requirement.c_str(),
+                    r_string(option.requirement).c_str(),
                     &option == &options.back() ? "" : ",");
     }
     std::printf(")\n");
@@ -239,21 +323,21 @@ void print_r_usage() {
 
 void print_r_arguments() {
     for (const Described& option : described_options()) {
-        std::printf("\\item{%s}{%s, %s.}\n",
+        std::printf("\\item{%s}{%s%s.}\n",
                     r_name(option).c_str(),
                     text_of(option.words.sentence).c_str(),
-                    option.range.c_str());
+                    option.r_range.c_str());
     }
 }
 
 void print_r_document() {
     std::printf("| argument | default | meaning |\n|---|---|---|\n");
     for (const Described& option : described_options()) {
-        std::printf("| `%s` | %s | %s, %s |\n",
+        std::printf("| `%s` | %s | %s%s |\n",
                     r_name(option).c_str(),
                     r_preset(option).c_str(),
                     text_of(option.words.sentence).c_str(),
-                    option.range.c_str());
+                    option.r_range.c_str());
     }
 }
 

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "stats/method.h"
+#include "stats/option_effect.h"
+#include "stats/run_names.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/format.h"
@@ -27,15 +29,19 @@ void print_plan(const Options& options,
                 const std::vector<double>& perplexities,
                 const RunSize& size,
                 const AvailableMemory& available) {
-    std::string all_perplexities;
+    std::string neighbourhoods;
     for (const double perplexity : perplexities) {
-        all_perplexities += (all_perplexities.empty() ? "" : ", ") + num2string(perplexity, 2);
+        neighbourhoods +=
+            (neighbourhoods.empty() ? "perplexity " : ", ") + num2string(perplexity, 2);
+    }
+    if (bar_of(options.fit, "perplexity")) {
+        neighbourhoods = neighbourhood_text(options.fit, 2);
     }
     print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
                counted(size.columns, "column", "columns"));
     print_info("Method: " + std::string(method_of(options.fit).name) +
-               " (theta = " + num2string(options.fit.theta, 2) + "), perplexity " +
-               all_perplexities + ", " + std::to_string(options.fit.out_dims) + " dimensions, " +
+               " (theta = " + num2string(options.fit.theta, 2) + "), " + neighbourhoods + ", " +
+               std::to_string(options.fit.out_dims) + " dimensions, " +
                std::to_string(options.fit.max_iter + 1) + " iterations");
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)

@@ -1,6 +1,7 @@
 #include "tools/embedding_run.h"
 
 #include <cstdio>
+#include <limits>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
 #include "results/map_model.h"
+#include "stats/option_effect.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
@@ -133,7 +135,8 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     RunRecord record;
-    record.perplexity = perplexity;
+    record.perplexity =
+        bar_of(options.fit, "perplexity") ? std::numeric_limits<double>::quiet_NaN() : perplexity;
     tsne.on_iteration = [&record](const IterationReport& reached) {
         check_finite(reached);
         record.iteration = reached.iteration;

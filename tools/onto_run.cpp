@@ -1,6 +1,7 @@
 #include "tools/onto_run.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -32,6 +33,7 @@
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
+#include "tools/run_model.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -256,9 +258,19 @@ PlacementRecord record_of(const Options& options, const OntoRun& run) {
     return record;
 }
 
-/// The options of the map, as the report has them. They are numbers.
+/// A value of an option as JSON: a number, or a text.
+std::string json_of_value(const std::string& value) {
+    double number = 0.0;
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end ? value : json_text(value);
+}
+
+/// The options of the map, as the report has them.
 void describe_map(RunReport& report, const Options& options, const MapModel& model) {
-    report.options = model.options;
+    for (const auto& [name, value] : model.options) {
+        report.options.emplace_back(name, json_of_value(value));
+    }
     report.options.emplace_back(
         "transformations",
         model.transformations.empty() ? "null" : json_text(model.transformations));
@@ -269,6 +281,7 @@ void describe_map(RunReport& report, const Options& options, const MapModel& mod
 OntoRun read_run(const Options& options) {
     OntoRun run;
     run.model = read_map_model(options.onto);
+    check_placing_options(options.onto, run.model);
     run.loaded = load_rows(options, run.model);
     run.labels = settle_labels(run.loaded, options);
     if (run.labels.empty() && !run.loaded.labels.empty()) {
@@ -302,15 +315,15 @@ ExitStatus place_onto(const Options& options, RunReport report, Stopwatch since_
     report.reading_seconds = watch.lap();
     describe_input(report, run.loaded);
     describe_map(report, options, run.model);
-    if (!options.report_file.empty()) {
-        prepare_place(options.report_file);
-    }
     print_info("Placing " + counted(run.loaded.matrix.report.rows, "row", "rows") +
                " on the map of " + counted(run.model.rows, "row", "rows"));
     run.placed = place(options, run);
     PlacementRecord record = record_of(options, run);
     record.seconds = watch.lap();
     tell_of_rows(run);
+    if (!options.report_file.empty()) {
+        prepare_place(options.report_file);
+    }
     record.files = write_results(options, run);
     if (options.names != RowNames::Other) {
         print_info(one_line_utf8(found_genes_line(run.genes)));

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string_view>
@@ -15,6 +16,7 @@
 #include <CLI/CLI.hpp>
 
 #include "stats/option_texts.h"
+#include "util/input_error.h"
 #include "util/similar_name.h"
 
 #include "tools/exit_status.h"
@@ -89,22 +91,27 @@ std::vector<std::string> parts_of(const std::string& text) {
     return parts;
 }
 
-/// @throws CLI::ValidationError for what is no perplexity, or stands there twice
-std::vector<double> parse_perplexities(const std::string& text, const OptionRange<double>& range) {
+/// The numbers between commas.
+///
+/// @param flag  of the option, for messages
+/// @throws CLI::ValidationError for what is out of range, or stands there twice
+std::vector<double> parse_numbers(const std::string& flag,
+                                  const std::string& text,
+                                  const OptionRange<double>& range) {
     const CLI::Validator check = check_of(range);
-    std::vector<double> perplexities;
+    std::vector<double> numbers;
     for (std::string part : parts_of(text)) {
         const std::string complaint = check(part);
         if (!complaint.empty()) {
-            throw CLI::ValidationError("--perplexity", complaint);
+            throw CLI::ValidationError(flag, complaint);
         }
-        const double perplexity = std::strtod(part.c_str(), nullptr);
-        if (std::count(perplexities.begin(), perplexities.end(), perplexity) > 0) {
-            throw CLI::ValidationError("--perplexity", part + " stands there twice");
+        const double number = std::strtod(part.c_str(), nullptr);
+        if (std::count(numbers.begin(), numbers.end(), number) > 0) {
+            throw CLI::ValidationError(flag, part + " stands there twice");
         }
-        perplexities.push_back(perplexity);
+        numbers.push_back(number);
     }
-    return perplexities;
+    return numbers;
 }
 
 void parse_coordinate_forms(const std::string& text, Options& options) {
@@ -176,49 +183,150 @@ void add_output_options(CLI::App& app, Options& options) {
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
-/// Adds the option of a number that shapes the map.
+/// What the command takes in the place of the last name of a choice that has an open end.
+constexpr const char* kFile = "FILE";
+
+/// Adds an option that shapes the map.
 class FitOptionAdder {
   public:
     FitOptionAdder(CLI::App& app, Options& options) : app_(app), options_(options) {}
 
     template <typename Number>
     void operator()(const FitOption<Number>& option) const {
-        const std::string flags(option.words.flags);
-        const std::string sentence(option.words.sentence);
         if constexpr (std::is_same_v<Number, double>) {
             if (&option.value == &options_.fit.perplexity) {
-                return addPerplexities(flags, sentence, option.range);
+                return addPerplexities(option);
             }
         }
-        app_.add_option(flags,
-                        option.value,
-                        sentence + ", " + range_text(option.range) + " (" +
-                            preset_text(plain_number(option.preset), option.words) + ")")
-            ->option_text(std::is_same_v<Number, int> ? "COUNT" : "NUMBER")
+        const std::string help = std::string(option.words.sentence) + ", " + range_text(option) +
+                                 " (" + preset_text(preset_text(option), option.words) + ")";
+        const char* const value_name = std::is_same_v<Number, int> ? "COUNT" : "NUMBER";
+        if (option.automatic != nullptr) {
+            return addAutomatic(option, help, value_name);
+        }
+        app_.add_option(std::string(option.words.flags), option.value, help)
+            ->option_text(value_name)
             ->transform(check_of(option.range));
     }
 
+    template <typename Kind>
+    void operator()(const FitChoice<Kind>& option) const {
+        add(option.words,
+            ": " + requirement_text(option, kFile) + " (" + preset_text(option) + ")",
+            "NAME",
+            [option, &options = options_](const std::string& text) {
+                choose(option, text, options);
+            });
+    }
+
+    void operator()(const FitList<NumberList>& option) const {
+        add(option.words,
+            ", separated by commas, " + range_text(option) + " (" + preset_text(option) + ")",
+            "NUMBER,...",
+            [option](const std::string& text) {
+                const std::string flag = flag_of(option.words);
+                const std::vector<double> numbers = parse_numbers(flag, text, option.range);
+                if (numbers.size() > NumberList::kMost) {
+                    throw CLI::ValidationError(flag, "should be " + requirement_text(option));
+                }
+                option.value = {};
+                for (const double number : numbers) {
+                    option.value.add(number);
+                }
+            });
+    }
+
   private:
-    /// Adds the option of perplexities, the one that may have several values: a run each.
-    void addPerplexities(const std::string& flags,
-                         const std::string& sentence,
-                         const OptionRange<double>& range) const {
+    static std::string flag_of(const OptionWords& words) { return "--" + long_name(words); }
+
+    /// Adds an option that a function reads.
+    ///
+    /// @param help  behind its sentence
+    void add(const OptionWords& words,
+             const std::string& help,
+             const std::string& value_name,
+             const std::function<void(const std::string&)>& read) const {
         app_.add_option_function<std::string>(
-                flags,
-                [this_options = &options_, range](const std::string& text) {
-                    this_options->perplexities = parse_perplexities(text, range);
+                std::string(words.flags), read, std::string(words.sentence) + help)
+            ->option_text(value_name);
+    }
+
+    /// Adds the option of a number that the fit may compute itself.
+    template <typename Number>
+    void addAutomatic(const FitOption<Number>& option,
+                      const std::string& help,
+                      const std::string& value_name) const {
+        app_.add_option_function<std::string>(
+                std::string(option.words.flags),
+                [option](const std::string& text) {
+                    *option.automatic = text == kAutomatic;
+                    std::string number = text;
+                    if (!option.isAutomatic() && !check_of(option.range)(number).empty()) {
+                        throw CLI::ValidationError(
+                            flag_of(option.words),
+                            "should be " + requirement_text(option) + ", not " + text);
+                    }
+                    if (!option.isAutomatic()) {
+                        option.value = static_cast<Number>(std::strtod(number.c_str(), nullptr));
+                    }
                 },
-                sentence + " (" + plain_number(FitOptions().perplexity) +
-                    ", less for under 61 rows); several, separated by commas, make a run each and "
-                    "a page to compare them")
-            ->option_text("NUMBER");
+                help)
+            ->option_text(value_name);
+    }
+
+    /// Takes one of the names, or, where the choice has an open end, the path of a file.
+    template <typename Kind>
+    static void choose(const FitChoice<Kind>& option, const std::string& text, Options& options) {
+        const auto names = option.givenNames();
+        if (std::find(names.begin(), names.end(), text) != names.end()) {
+            static_cast<void>(option.set(text));
+            return;
+        }
+        if (option.open_end.empty() || !std::filesystem::exists(text)) {
+            throw CLI::ValidationError(
+                flag_of(option.words),
+                "should be " + requirement_text(option, kFile) + ", not " + text +
+                    (option.open_end.empty() ? "" : ", and there is no such file"));
+        }
+        static_cast<void>(option.set(option.names().back()));
+        options.start_file = text;
+    }
+
+    /// Adds the option of perplexities, the one that may have several values: a run each.
+    void addPerplexities(const FitOption<double>& option) const {
+        add(option.words,
+            " (" + plain_number(FitOptions().perplexity) +
+                ", less for under 61 rows); several, separated by commas, make a run each and a "
+                "page to compare them",
+            "NUMBER",
+            [this_options = &options_, option](const std::string& text) {
+                this_options->perplexities =
+                    parse_numbers(flag_of(option.words), text, option.range);
+            });
     }
 
     CLI::App& app_;
     Options& options_;
 };
 
+/// Rows by which the help says what presets stand for.
+constexpr std::size_t kUsualRows = 6000;
+
+void add_preset(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--preset",
+           [&options](const std::string& text) {
+               options.preset = text == "refined" ? PresetKind::Refined : PresetKind::Classic;
+           },
+           "Options that are not given: classic, as said below, or refined, for better and more "
+           "stable maps: " +
+               preset_changes(PresetKind::Refined, kUsualRows) + " (classic)")
+        ->option_text("NAME")
+        ->check(CLI::IsMember({"classic", "refined"}));
+}
+
 void add_method_options(CLI::App& app, Options& options) {
+    add_preset(app, options);
     visit_fit_options(options.fit, FitOptionAdder(app, options));
     app.add_option_function<std::string>(
            "--precision",
@@ -459,6 +567,22 @@ std::string explanation(const CLI::App& app, const CLI::Error& error) {
     return error.what();
 }
 
+/// Notes which options of the fit the command line has, and refuses those that do not go together.
+void check_fit(const CLI::App& app, Options& options) {
+    visit_fit_options(options.fit, [&](const auto& option) {
+        if (app.count("--" + long_name(option.words)) > 0) {
+            options.given.emplace(option.words.name);
+        }
+    });
+    const OptionSource source = source_of(options);
+    try {
+        check_options_together(
+            with_preset(options.preset, kUsualRows, options.fit, source.is_given), source);
+    } catch (const InputError& error) {
+        throw CLI::ValidationError(error.what());
+    }
+}
+
 void fill_in_defaults(Options& options) {
     if (options.name.empty() && !options.collected_reports.empty()) {
         options.name = "collected";
@@ -499,11 +623,27 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         app.parse(argc, argv);
         check_placement(app, command.options);
         check_combination(command.options);
+        check_fit(app, command.options);
         fill_in_defaults(command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;
     }
     return command;
+}
+
+OptionSource source_of(const Options& options) {
+    return {[&options](std::string_view name) { return options.given.contains(name); },
+            [&options](const OptionWords& words, const std::string& value) {
+                const bool is_file = words.name == "start" && value == "given";
+                return "--" + long_name(words) + (value.empty() ? "" : " ") +
+                       (is_file ? options.start_file : value);
+            }};
+}
+
+void settle_fit_options(Options& options, std::size_t rows, std::size_t columns) {
+    const OptionSource source = source_of(options);
+    options.fit = with_preset(options.preset, rows, options.fit, source.is_given);
+    check_options_for(options.fit, rows, columns, source);
 }
 
 }  // namespace ovik::tool

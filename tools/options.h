@@ -1,11 +1,16 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "input/load_options.h"
 #include "stats/fit_options.h"
+#include "stats/option_checks.h"
+#include "stats/preset.h"
 
 namespace ovik::tool {
 
@@ -34,8 +39,15 @@ struct Options {
     std::string title;
     /// One run for each. Not given: 20, or what a small matrix allows.
     std::vector<double> perplexities;
-    /// What the map is made by; the perplexity is that of one of the runs, and set for each.
+    /// What the map is made by, as the command line says; the perplexity is that of one of the
+    /// runs, and set for each.
     FitOptions fit;
+    /// Names of the options of the fit that the command line has.
+    std::set<std::string, std::less<>> given;
+    /// What those stand for that it has not.
+    PresetKind preset = PresetKind::Classic;
+    /// Coordinates to start from; empty unless the start is `Given`.
+    std::string start_file;
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
@@ -84,5 +96,14 @@ struct ParsedCommand {
 };
 
 ParsedCommand parse_command_line(int argc, const char* const* argv);
+
+/// Where the options of the fit come from, for checks of them.
+OptionSource source_of(const Options& options);
+
+/// Puts what the preset stands for in the place of the options that are not given.
+///
+/// @param rows, columns  of the matrix
+/// @throws InputError if the matrix cannot bear one of them
+void settle_fit_options(Options& options, std::size_t rows, std::size_t columns);
 
 }  // namespace ovik::tool

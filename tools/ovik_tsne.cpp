@@ -37,6 +37,7 @@
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
+#include "tools/run_model.h"
 #include "tools/standard_streams.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
@@ -104,7 +105,7 @@ void check_places(const Options& options) {
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(const Options& options, RunReport report) {
+ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -118,6 +119,11 @@ ExitStatus embed(const Options& options, RunReport report) {
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
+    settle_fit_options(options, matrix.rows, matrix.columns);
+    report.options = reported_options(options);
+    if (!options.model.empty()) {
+        check_placing_options(options.fit);
+    }
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const RunSize size = size_of_runs(options, matrix, perplexities);

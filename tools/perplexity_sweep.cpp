@@ -12,6 +12,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/fit_checks.h"
 #include "stats/method.h"
+#include "stats/option_effect.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 #include "util/counted.h"
@@ -138,6 +139,9 @@ RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
 }
 
 std::vector<double> choose_perplexities(const Options& options, std::size_t rows) {
+    if (bar_of(options.fit, "perplexity")) {
+        return {kDefaultPerplexity};
+    }
     for (const double perplexity : options.perplexities) {
         if (perplexity >= static_cast<double>(rows - 1)) {
             throw InputError("--perplexity: a row has " + std::to_string(rows - 1) +

@@ -21,7 +21,7 @@ RowGenes settle_names(std::vector<std::string>& row_names, RowNames names);
 void describe_input(RunReport& report, const LoadedMatrix& loaded);
 
 /// The perplexities of the runs: as given, or 20, or a third of the other rows where those are few.
-/// Warns of given ones that are above that.
+/// Warns of given ones that are above that. One, of no meaning, where the run has no perplexity.
 ///
 /// @throws InputError if one asks for as many neighbours as a row has others
 std::vector<double> choose_perplexities(const Options& options, std::size_t rows);

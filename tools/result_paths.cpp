@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "results/result_table.h"
+#include "stats/run_names.h"
 #include "util/format.h"
 #include "util/input_error.h"
 
@@ -22,7 +22,9 @@ bool may_write(const std::string& path) {
 }  // namespace
 
 std::string result_base(const Options& options, double perplexity) {
-    return options.out_dir + options.name + "_" + result_table_stem(perplexity, options.suffix);
+    FitOptions fit = options.fit;
+    fit.perplexity = perplexity;
+    return options.out_dir + options.name + "_" + result_stem(fit, options.suffix);
 }
 
 std::string cost_base(const std::string& result_base) {

@@ -2,10 +2,35 @@
 
 #include <cstddef>
 
+#include "stats/option_effect.h"
+#include "stats/option_texts.h"
 #include "stats/row_placement.h"
-#include "util/format.h"
+#include "util/input_error.h"
 
 namespace ovik::tool {
+
+void check_placing_options(const FitOptions& fit) {
+    visit_fit_options(fit, [](const auto& option) {
+        if (bars_placement(option.words.name) && !option.isPreset()) {
+            const std::string name = "--" + long_name(option.words);
+            throw InputError("--model: new rows cannot be placed on a map that is made with " +
+                             name + " " + value_text(option) + "\nLeave --model away, or " + name +
+                             ".");
+        }
+    });
+}
+
+void check_placing_options(const std::string& path, const MapModel& model) {
+    const FitOptions presets;
+    visit_fit_options(presets, [&](const auto& preset) {
+        for (const auto& [name, value] : model.options) {
+            if (name == preset.words.name && bars_placement(name) && value != value_text(preset)) {
+                throw InputError(path + ": this program cannot place rows on a map with " + name +
+                                 " = " + value + "\nUse the program that wrote the model.");
+            }
+        }
+    });
+}
 
 template <typename T>
 MapModel model_of_run(const TSNE<T>& tsne, const Options& options, const KnownColumns& columns) {
@@ -15,8 +40,10 @@ MapModel model_of_run(const TSNE<T>& tsne, const Options& options, const KnownCo
     model.out_dims = static_cast<std::size_t>(options.fit.out_dims);
     FitOptions fit = options.fit;
     fit.perplexity = tsne.perplexity;
-    visit_fit_options(fit, [&model](const auto& option) {
-        model.options.emplace_back(option.words.name, shortest_text(option.value));
+    visit_fit_options(fit, [&](const auto& option) {
+        if (is_told(fit, option)) {
+            model.options.emplace_back(option.words.name, value_text(option));
+        }
     });
     model.perplexity = tsne.perplexity;
     model.row_names = tsne.row_names;

@@ -25,12 +25,26 @@ is_one_number <- function(value) is.numeric(value) && length(value) == 1 && !is.
 
 shown <- function(value) paste(utils::head(deparse(value), 1), collapse = "")
 
+# What an option may be as the library takes it: NULL, one text, numbers without NA.
+is_plain <- function(value) {
+  is.null(value) || (is.character(value) && length(value) == 1 && !is.na(value)) ||
+    (is.numeric(value) && length(value) > 0 && !anyNA(value))
+}
+
 check_options <- function(options) {
   for (name in names(options)) {
     value <- options[[name]]
-    if (!is_one_number(value) || !.Call(C_option_holds, name, as.double(value))) {
+    if (!is_plain(value) || !.Call(C_option_holds, name, bare_value(value))) {
       stop(sprintf("%s should be %s, not %s", name, requirements[[name]], shown(value)), call. = FALSE)
     }
+  }
+}
+
+bare_value <- function(value) if (is.numeric(value)) as.double(value) else value
+
+check_preset <- function(preset) {
+  if (!identical(preset, "classic") && !identical(preset, "refined")) {
+    stop(sprintf("preset should be \"classic\" or \"refined\", not %s", shown(preset)), call. = FALSE)
   }
 }
 

@@ -17,6 +17,17 @@ tsne.matrix <- function(
   start_spread = 0.0001,
   momentum = 0.5,
   final_momentum = 0.8,
+  metric = "euclidean",
+  pca = 0,
+  affinity = "perplexity",
+  neighbours = 15,
+  multiscale = NULL,
+  start = "random",
+  schedule = "classic",
+  hold_iter = 125,
+  release_iter = 125,
+  stop_when = 0,
+  preset = "classic",
   labels = NULL,
   threads = NULL,
   verbose = FALSE
@@ -33,10 +44,20 @@ tsne.matrix <- function(
     exaggeration = exaggeration,
     start_spread = start_spread,
     momentum = momentum,
-    final_momentum = final_momentum
+    final_momentum = final_momentum,
+    metric = metric,
+    pca = pca,
+    affinity = affinity,
+    neighbours = neighbours,
+    multiscale = multiscale,
+    start = start,
+    schedule = schedule,
+    hold_iter = hold_iter,
+    release_iter = release_iter,
+    stop_when = stop_when
   )
   refuse_others(...)
-  embed(x, options, labels, threads, verbose, match.call())
+  embed(x, options, preset, labels, threads, verbose, match.call())
 }
 
 requirements <- c(
@@ -47,10 +68,20 @@ requirements <- c(
   stop_lying_iter = "a whole number from 0 to 2147483647",
   mom_switch_iter = "a whole number from 0 to 2147483647",
   seed = "a whole number from 0 to 2147483647",
-  learning_rate = "a number above 0, at most 1e9",
+  learning_rate = "a number above 0, at most 1e9, or \"auto\"",
   exaggeration = "a number at least 1, at most 1e6",
   start_spread = "a number above 0, at most 1e6",
   momentum = "a number at least 0, below 1",
-  final_momentum = "a number at least 0, below 1"
+  final_momentum = "a number at least 0, below 1",
+  metric = "\"euclidean\", \"pearson\", \"cosine\", \"spearman\" or \"precomputed\"",
+  pca = "a whole number from 0 to 2147483647",
+  affinity = "\"perplexity\" or \"uniform\"",
+  neighbours = "a whole number from 1 to 2147483647",
+  multiscale = "up to 8 different numbers, each at least 1, at most 1e9",
+  start = "\"random\", \"pca\" or a matrix of coordinates",
+  schedule = "\"classic\" or \"annealed\"",
+  hold_iter = "a whole number from 0 to 2147483647",
+  release_iter = "a whole number from 0 to 2147483647",
+  stop_when = "a number at least 0, below 1"
 )
 # end of the options of a fit

@@ -5,12 +5,19 @@ print.ovik_tsne <- function(x, ...) {
     "t-SNE map of %d rows of %d values in %d dimensions\n", nrow(x$Y), x$columns, ncol(x$Y)
   ))
   cat(sprintf(
-    "perplexity %g, %s, seed %g\n", x$options$perplexity,
+    "%s, %s, seed %g\n", affinities_of(x$options),
     if (x$options$theta == 0) "exact method" else sprintf("Barnes-Hut method with theta %g", x$options$theta),
     x$options$seed
   ))
   cat(sprintf("cost %.4f after iteration %d\n", x$cost, x$iteration))
   invisible(x)
+}
+
+# What the similarities of the rows are, in words.
+affinities_of <- function(options) {
+  if (!is.null(options$perplexity)) return(sprintf("perplexity %g", options$perplexity))
+  if (!is.null(options$multiscale)) return(paste("perplexities", toString(options$multiscale)))
+  sprintf("uniform affinities of %g neighbours", options$neighbours)
 }
 
 summary.ovik_tsne <- function(object, ...) {
@@ -19,7 +26,7 @@ summary.ovik_tsne <- function(object, ...) {
       call = object$call,
       rows = nrow(object$Y),
       columns = object$columns,
-      options = unlist(object$options),
+      options = object$options,
       cost = object$cost,
       iteration = object$iteration,
       coordinates = apply(object$Y, 2, range),
@@ -29,10 +36,14 @@ summary.ovik_tsne <- function(object, ...) {
   )
 }
 
+shown_option <- function(value) {
+  if (is.numeric(value)) paste(sprintf("%g", value), collapse = ", ") else value
+}
+
 print.summary.ovik_tsne <- function(x, ...) {
   cat("Call:\n", paste(deparse(x$call), collapse = "\n"), "\n\n", sep = "")
   cat(sprintf("%d rows of %d values\n\nOptions:\n", x$rows, x$columns))
-  for (name in names(x$options)) cat(sprintf("  %-16s %g\n", name, x$options[[name]]))
+  for (name in names(x$options)) cat(sprintf("  %-16s %s\n", name, shown_option(x$options[[name]])))
   cat(sprintf("\nCost %.4f after iteration %d\n\nCoordinates:\n", x$cost, x$iteration))
   coordinates <- t(x$coordinates)
   colnames(coordinates) <- c("least", "most")

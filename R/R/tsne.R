@@ -4,14 +4,19 @@ tsne <- function(x, perplexity = 30, ...) UseMethod("tsne")
 
 tsne.data.frame <- function(x, perplexity = 30, ...) {
   call <- match.call()
-  result <- tsne.matrix(matrix_of_table(x), perplexity, ...)
+  result <- embedded_matrix(matrix_of_table(x), missing(perplexity), perplexity, ...)
   with_call(result, call)
+}
+
+# A matrix that was of another class. What is not given stays so.
+embedded_matrix <- function(x, has_no_perplexity, perplexity, ...) {
+  if (has_no_perplexity) tsne.matrix(x, ...) else tsne.matrix(x, perplexity, ...)
 }
 
 tsne.SummarizedExperiment <- function(x, perplexity = 30, ..., assay = 1L) {
   call <- match.call()
   values <- as.matrix(SummarizedExperiment::assay(x, assay))
-  result <- tsne.matrix(values, perplexity, ...)
+  result <- embedded_matrix(values, missing(perplexity), perplexity, ...)
   with_call(result, call)
 }
 
@@ -38,18 +43,23 @@ tsne.default <- function(x, perplexity = 30, ...) {
   )
 }
 
-# Embeds a matrix; `options` are the numbers of the fit, by the names of the arguments.
-embed <- function(x, options, labels, threads, verbose, call) {
+# Embeds a matrix; `options` are those of the fit, by the names of the arguments, of which the call has
+# those that are given.
+embed <- function(x, options, preset, labels, threads, verbose, call) {
   check_options(options)
+  check_preset(preset)
   threads <- checked_threads(threads)
   check_flag("verbose", verbose)
   check_values(x)
-  check_perplexity(options$perplexity, nrow(x))
+  given <- intersect(names(options), names(call))
+  sent <- options[union("perplexity", given)]
+  options <- .Call(C_settle, lapply(sent, bare_value), given, preset, dim(x))
+  if (!is.null(options$perplexity)) check_perplexity(options$perplexity, nrow(x))
   labels <- checked_labels(labels, x)
 
   values <- x
   storage.mode(values) <- "double"
-  fit <- .Call(C_embed, values, lapply(options, as.double), threads, verbose)
+  fit <- .Call(C_embed, values, options, threads, verbose)
   if (nzchar(fit$threads_note)) warning(fit$threads_note, call. = FALSE)
 
   dimnames(fit$Y) <- list(rownames(x), paste0("tsne", seq_len(ncol(fit$Y))))

@@ -1,9 +1,16 @@
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <new>
 #include <optional>
+#include <ovik/stats/option_checks.h>
+#include <ovik/stats/option_effect.h>
+#include <ovik/stats/preset.h>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include <R_ext/Visibility.h>
@@ -67,9 +74,86 @@ cpp11::sexp as_matrix(const double* values, std::size_t rows, std::size_t column
     return matrix;
 }
 
-FitOptions options_of(const cpp11::list& numbers) {
+/// @param value  numbers, a text, or NULL for none
+Argument argument_of(SEXP value) {
+    if (Rf_isNull(value)) {
+        return std::vector<double>();
+    }
+    return Rf_isString(value) ? Argument(cpp11::as_cpp<std::string>(value))
+                              : Argument(cpp11::as_cpp<std::vector<double>>(value));
+}
+
+SEXP as_value(const Argument& argument) {
+    const auto* const text = std::get_if<std::string>(&argument);
+    if (text != nullptr) {
+        return cpp11::as_sexp(*text);
+    }
+    const auto& numbers = std::get<std::vector<double>>(argument);
+    return numbers.empty() ? R_NilValue : cpp11::as_sexp(numbers);
+}
+
+/// @param arguments  by name, checked; the options without one are as preset
+FitOptions options_of(const cpp11::list& arguments) {
+    const auto names = arguments.names();
     return options_with(
-        [&](const std::string& name) { return cpp11::as_cpp<double>(numbers[name.c_str()]); });
+        [&](const std::string& name) {
+            return std::any_of(names.begin(), names.end(), [&](const cpp11::r_string& each) {
+                return name == std::string(each);
+            });
+        },
+        [&](const std::string& name) { return argument_of(arguments[name.c_str()]); });
+}
+
+/// An option as an argument of R: `schedule = "annealed"`.
+std::string spelled_option(const OptionWords& words, const std::string& value) {
+    const std::string name = r_name(words);
+    if (value.empty()) {
+        return name;
+    }
+    const bool is_number = value.find_first_not_of("0123456789.e-,") == std::string::npos;
+    const bool is_list = value.find(',') != std::string::npos;
+    return name + " = " + (is_list ? "c(" + value + ")" : is_number ? value : "\"" + value + "\"");
+}
+
+/// The options of a fit: those that are given, and what the preset stands for.
+///
+/// @param arguments  by name, checked
+/// @param given      names of those that the user gave
+/// @return all of them by name, but those that have no effect beside the others
+cpp11::writable::list settle(const cpp11::list& arguments,
+                             const std::vector<std::string>& given,
+                             const std::string& preset,
+                             std::size_t rows,
+                             std::size_t columns) {
+    const FitOptions with_arguments = options_of(arguments);
+    const auto has = [](const auto& names, std::string_view option) {
+        bool is_there = false;
+        const FitOptions presets;
+        visit_fit_options(presets, [&](const auto& each) {
+            is_there = is_there ||
+                       (each.words.name == option &&
+                        std::find(names.begin(), names.end(), r_name(each.words)) != names.end());
+        });
+        return is_there;
+    };
+    const std::vector<std::string> names(arguments.names().begin(), arguments.names().end());
+    const OptionSource source{[&](std::string_view name) { return has(given, name); },
+                              &spelled_option};
+    const FitOptions options =
+        with_preset(preset == "refined" ? PresetKind::Refined : PresetKind::Classic,
+                    rows,
+                    with_arguments,
+                    [&](std::string_view name) { return has(names, name); });
+    check_options_together(options, source);
+    check_options_for(options, rows, columns, source);
+    cpp11::writable::list settled;
+    visit_fit_options(options, [&](const auto& option) {
+        const Argument argument = value_of(option);
+        if (!bar_of(options, option.words.name) && argument != Argument()) {
+            settled.push_back(cpp11::named_arg(r_name(option.words).c_str()) = as_value(argument));
+        }
+    });
+    return settled;
 }
 
 void show(const std::vector<std::string>& lines) {
@@ -92,12 +176,12 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
 }
 
 /// @param x  a matrix of real numbers
-cpp11::writable::list embed(SEXP x, const cpp11::list& numbers, int threads, bool verbose) {
+cpp11::writable::list embed(SEXP x, const cpp11::list& arguments, int threads, bool verbose) {
     const TheOneFit the_one_fit;
     const auto rows = static_cast<std::size_t>(Rf_nrows(x));
     const auto columns = static_cast<std::size_t>(Rf_ncols(x));
     const double* const values = REAL(x);
-    const FitOptions options = options_of(numbers);
+    const FitOptions options = options_of(arguments);
     ToldLines lines;
     FitManner manner;
     manner.threads = threads;
@@ -117,11 +201,11 @@ cpp11::writable::list embed(SEXP x, const cpp11::list& numbers, int threads, boo
 }
 
 /// Whether an option may have a value.
-bool option_holds(const std::string& name, double value) {
+bool option_holds(const std::string& name, SEXP value) {
     bool is_held = false;
-    const FitOptions options;
+    FitOptions options;
     visit_fit_options(options, [&](const auto& option) {
-        is_held = is_held || (r_name(option.words) == name && holds(option, value));
+        is_held = is_held || (r_name(option.words) == name && assign(option, argument_of(value)));
     });
     return is_held;
 }
@@ -204,8 +288,18 @@ static SEXP ovik_embed(SEXP x, SEXP options, SEXP threads, SEXP verbose) {
 
 static SEXP ovik_option_holds(SEXP name, SEXP value) {
     BEGIN_CPP11
-    return cpp11::as_sexp(
-        ovik::r::option_holds(cpp11::as_cpp<std::string>(name), cpp11::as_cpp<double>(value)));
+    return cpp11::as_sexp(ovik::r::option_holds(cpp11::as_cpp<std::string>(name), value));
+    END_CPP11
+}
+
+static SEXP ovik_settle(SEXP options, SEXP given, SEXP preset, SEXP shape) {
+    BEGIN_CPP11
+    const auto [rows, columns] = std::pair(INTEGER(shape)[0], INTEGER(shape)[1]);
+    return ovik::r::settle(options,
+                           cpp11::as_cpp<std::vector<std::string>>(given),
+                           cpp11::as_cpp<std::string>(preset),
+                           static_cast<std::size_t>(rows),
+                           static_cast<std::size_t>(columns));
     END_CPP11
 }
 
@@ -224,6 +318,7 @@ attribute_visible void R_init_ovik(DllInfo* library) {
     static const R_CallMethodDef routines[] = {
         {"embed", reinterpret_cast<DL_FUNC>(&ovik_embed), 4},
         {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
+        {"settle", reinterpret_cast<DL_FUNC>(&ovik_settle), 4},
         {"read_matrix", reinterpret_cast<DL_FUNC>(&ovik_read_matrix), 2},
         {nullptr, nullptr, 0}};
     R_registerRoutines(library, nullptr, routines, nullptr, nullptr);

@@ -9,8 +9,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 RandomState: TypeAlias = int | np.random.RandomState | np.random.Generator | None
-Metric: TypeAlias = Literal["euclidean"]
-Start: TypeAlias = ArrayLike | Literal["random"]
+Preset: TypeAlias = Literal["classic", "refined"]
 Callback: TypeAlias = Callable[[int, float, NDArray[np.float64]], Any]
 OnInterrupt: TypeAlias = Literal["raise", "keep"]
 
@@ -34,9 +33,18 @@ class FitParameters:
         start_spread: float = 0.0001,
         momentum: float = 0.5,
         final_momentum: float = 0.8,
+        metric: Literal["euclidean", "pearson", "cosine", "spearman", "precomputed"] = "euclidean",
+        pca: int = 0,
+        affinity: Literal["perplexity", "uniform"] = "perplexity",
+        neighbours: int = 15,
+        multiscale: Sequence[float] | None = None,
+        init: Literal["random", "pca"] | ArrayLike = "random",
+        schedule: Literal["classic", "annealed"] = "classic",
+        hold_iter: int = 125,
+        release_iter: int = 125,
+        stop_when: float = 0.0,
         random_state: RandomState = None,
-        metric: Metric = "euclidean",
-        init: Start = "random",
+        preset: Preset = "classic",
         callbacks: Callback | Sequence[Callback] | None = None,
         callbacks_every_iters: int = 50,
         on_interrupt: OnInterrupt = "raise",
@@ -56,9 +64,18 @@ class FitParameters:
         self.start_spread = start_spread
         self.momentum = momentum
         self.final_momentum = final_momentum
-        self.random_state = random_state
         self.metric = metric
+        self.pca = pca
+        self.affinity = affinity
+        self.neighbours = neighbours
+        self.multiscale = multiscale
         self.init = init
+        self.schedule = schedule
+        self.hold_iter = hold_iter
+        self.release_iter = release_iter
+        self.stop_when = stop_when
+        self.random_state = random_state
+        self.preset = preset
         self.callbacks = callbacks
         self.callbacks_every_iters = callbacks_every_iters
         self.on_interrupt = on_interrupt
@@ -80,6 +97,16 @@ class FitParameters:
             "start_spread": self.start_spread,
             "momentum": self.momentum,
             "final_momentum": self.final_momentum,
+            "metric": self.metric,
+            "pca": self.pca,
+            "affinity": self.affinity,
+            "neighbours": self.neighbours,
+            "multiscale": self.multiscale,
+            "init": self.init,
+            "schedule": self.schedule,
+            "hold_iter": self.hold_iter,
+            "release_iter": self.release_iter,
+            "stop_when": self.stop_when,
         }
 
 
@@ -109,5 +136,25 @@ DESCRIPTIONS = """\
         Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.
     final_momentum : float, default 0.8
         Share of a step that the next one repeats, after the momentum switch, at least 0, below 1.
+    metric : {"euclidean", "pearson", "cosine", "spearman", "precomputed"}, default "euclidean"
+        Distance between rows.
+    pca : int, default 0
+        Principal components in the place of the columns, or 0 for the columns, at least 0.
+    affinity : {"perplexity", "uniform"}, default "perplexity"
+        Similarities of a row with its neighbours.
+    neighbours : int, default 15
+        Nearest neighbours that get uniform affinities, at least 1.
+    multiscale : list of float or None, default None
+        Perplexities whose affinities are averaged, each at least 1, at most 1e9.
+    init : {"random", "pca"} or array-like of shape (n_samples, n_components), default "random"
+        Where the points of the map start.
+    schedule : {"classic", "annealed"}, default "classic"
+        Course of exaggeration, momentum and learning rate.
+    hold_iter : int, default 125
+        Iterations at full exaggeration, of the annealed schedule, at least 0.
+    release_iter : int, default 125
+        Iterations in which exaggeration then falls to 1, at least 0.
+    stop_when : float, default 0.0
+        Share of the cost that 50 iterations have to gain for the fit to go on, or 0, at least 0, below 1.
 """
 # end of the options of a fit

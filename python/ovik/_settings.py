@@ -10,7 +10,8 @@ from typing import Any
 import numpy as np
 from numpy.typing import NDArray
 
-METRICS = ("euclidean",)
+PRESETS = ("classic", "refined")
+_STARTS = ("random", "pca")
 _SEEDS = 2**31
 
 
@@ -79,18 +80,20 @@ def automatic_learning_rate(n_samples: int, exaggeration: float, least: float) -
 
 
 def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
-    """The coordinates to start from; None for the random start."""
+    """The coordinates to start from; None for a start that the fit makes."""
     if isinstance(init, str):
-        if init != "random":
+        if init not in _STARTS:
             raise ValueError(
-                f'init should be "random" or an array of the shape {shape}, not {init!r}\n'
+                f'init should be "random", "pca" or an array of the shape {shape}, not {init!r}\n'
                 "Another start can be computed and given as an array."
             )
         return None
     try:
         start = np.array(init, dtype=np.float64, order="C")
     except (TypeError, ValueError) as error:
-        raise ValueError(f'init should be "random" or an array of numbers: {error}') from error
+        raise ValueError(
+            f'init should be "random", "pca" or an array of numbers: {error}'
+        ) from error
     if start.shape != shape:
         raise ValueError(
             f"init should have a row per row of X and a column per component, the shape {shape}, not "
@@ -99,6 +102,13 @@ def start_of(init: Any, shape: tuple[int, int]) -> NDArray[np.float64] | None:
     if not np.isfinite(start).all():
         raise ValueError("init holds values that are not finite (NaN or infinite)")
     return start
+
+
+def is_default(value: Any, default: Any) -> bool:
+    """Whether a parameter is as the constructor has it; of any value, such as an array."""
+    return value is default or (
+        type(value) is type(default) and isinstance(value, int | float | str) and value == default
+    )
 
 
 def quality_neighbours(quality: Any, n_samples: int) -> int:

@@ -11,13 +11,14 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
-from ._input import Input, as_input, check_finite, check_perplexity
+from ._input import Input, as_input, check_finite, check_perplexity, columns_as_fitted
 from ._matrix import Matrix
-from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out
+from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out, require_fitted
 from ._parameters import DESCRIPTIONS, FitParameters
 from ._settings import (
-    METRICS,
+    PRESETS,
     automatic_learning_rate,
+    is_default,
     one_callback,
     one_of,
     quality_neighbours,
@@ -41,11 +42,10 @@ class TSNE(FitParameters):
 {options}    random_state : None, int, RandomState or Generator, default None
         The seed as others call it: a whole number, or what one is drawn from. None leaves it to
         `seed`, which is always the same.
-    metric : {"euclidean"}, default "euclidean"
-        Distance between rows.
-    init : "random" or array-like of shape (n_samples, n_components), default "random"
-        Where the rows start: at random, or as given, unscaled. The random start spreads by
-        `start_spread`; a far wider one keeps its shape, whatever the rows are like.
+    preset : {"classic", "refined"}, default "classic"
+        What the parameters above stand for where they have their default: the classical run, or
+        what gives better and more stable maps. A parameter with another value than its default
+        keeps it.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
         embedding; if one returns something true, the fit ends there. Until early exaggeration ends
@@ -99,7 +99,9 @@ class TSNE(FitParameters):
     Fits may run at once, each in a thread of its own and with the interpreter lock free. Ctrl-C ends
     one in the main thread after the iteration at hand, or with the first one.
 
-    There is no `transform`: new rows cannot be added to an embedding.
+    `transform` places further rows on the embedding, which stays as it is. Rows of the fit get places
+    of their own there, which are near those in `embedding_` but not the same. For that a fitted object
+    keeps a copy of its input.
 
     References
     ----------
@@ -114,6 +116,7 @@ class TSNE(FitParameters):
     # What tells scikit-learn, and `clone`, that an output was set.
     _sklearn_output_config: dict[str, Container]
     _caption: list[tuple[str, str]]
+    _map: dict[str, Any]
 
     embedding_: NDArray[np.float64]
     kl_divergence_: float
@@ -172,8 +175,50 @@ class TSNE(FitParameters):
         )
         return result
 
+    def transform(self, X: ArrayLike | Matrix) -> NDArray[np.float64]:
+        """Place further rows on the embedding of the last fit, which stays as it is.
+
+        Each row is placed by itself: among its neighbours in the input of the fit, where its own
+        cost beside all fixed points is lowest. Its place does not depend on the other rows.
+
+        Parameters
+        ----------
+        X : array-like of shape (n_rows, n_features)
+            Rows of the columns of the fit: matched by name, in any order, where both have names.
+
+        Returns
+        -------
+        ndarray of shape (n_rows, n_components)
+            The places; after ``set_output(transform="pandas")`` a data frame with the index of X.
+
+        Raises
+        ------
+        ValueError
+            If there was no fit, if columns are missing or additional, if values are not finite or
+            too far from those of the fit to be measured, or if the fit was one by options with which
+            rows cannot be placed: another metric, principal components, other affinities than those
+            of one perplexity.
+        """
+        require_fitted(self)
+        container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))
+        if self._map["barring"]:
+            raise ValueError(
+                f"rows cannot be placed on an embedding that was made with {self._map['barring']}\n"
+                "Fit one without it."
+            )
+        given = as_input(X, fewest_rows=1)
+        values = columns_as_fitted(
+            given, self.n_features_in_, getattr(self, "feature_names_in_", None)
+        )
+        check_finite(values)
+        places = _core.place(values, self.embedding_, self._map, thread_count(self.n_jobs))
+        result: NDArray[np.float64] = contained(
+            places, container, given.index, self.get_feature_names_out()
+        )
+        return result
+
     def set_output(self, *, transform: Container | None = None) -> Self:
-        """Set what `fit_transform` returns.
+        """Set what `fit_transform` and `transform` return.
 
         Parameters
         ----------
@@ -246,10 +291,13 @@ class TSNE(FitParameters):
         return parameters
 
     def _fit(self, given: Input) -> None:
-        options = self._checked_options(len(given.values))
-        manner = self._checked_manner(len(given.values), options)
+        n_samples, n_features = given.values.shape
+        start = start_of(self.init, (n_samples, self.n_components))
+        options = self._settled_options(n_samples, n_features, start is not None)
+        manner = self._checked_manner(n_samples, start)
         check_finite(given.values)
-        check_perplexity(float(self.perplexity), len(given.values))
+        if options["perplexity"] is not None:
+            check_perplexity(options["perplexity"], n_samples)
         if self.verbose:
             sys.stdout.flush()
         outcome = _core.embed(given.values, options, manner)
@@ -258,30 +306,40 @@ class TSNE(FitParameters):
         if outcome["note"]:
             warnings.warn(outcome["note"], stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
-            self._warn_of_interruption(outcome["iteration"])
+            self._warn_of_interruption(outcome["iteration"], options)
 
-    def _checked_options(self, n_samples: int) -> dict[str, Any]:
-        """The options of the fit as numbers."""
-        options = self._fit_options()
-        preset = self._parameters()
-        is_automatic = isinstance(self.learning_rate, str) and self.learning_rate == "auto"
-        if is_automatic:
-            options["learning_rate"] = preset["learning_rate"].default
-        options["seed"] = seed_of(self.random_state, self.seed, preset["seed"].default)
-        _core.check_options(options)
-        if is_automatic:
+    def _settled_options(
+        self, n_samples: int, n_features: int, has_start: bool
+    ) -> dict[str, Any]:
+        """The options of the fit, None where one has no effect beside the others.
+
+        What a parameter says counts where it is not the default; else it is as the preset says.
+        """
+        default = {name: parameter.default for name, parameter in self._parameters().items()}
+        given = {
+            name: value
+            for name, value in self._fit_options().items()
+            if not is_default(value, default[name])
+        }
+        given["seed"] = seed_of(self.random_state, self.seed, default["seed"])
+        if has_start:
+            given["init"] = "given"
+        one_of("preset", self.preset, PRESETS)
+        options = _core.settle_options(given, self.preset, n_samples, n_features)
+        if options["learning_rate"] == "auto":
             options["learning_rate"] = automatic_learning_rate(
-                n_samples, self.exaggeration, options["learning_rate"]
+                n_samples, options["exaggeration"], default["learning_rate"]
             )
         return options
 
-    def _checked_manner(self, n_samples: int, options: dict[str, Any]) -> dict[str, Any]:
+    def _checked_manner(
+        self, n_samples: int, start: NDArray[np.float64] | None
+    ) -> dict[str, Any]:
         """How the fit is made, beside its options."""
-        one_of("metric", self.metric, METRICS)
         return {
             "threads": thread_count(self.n_jobs),
             "verbose": bool(self.verbose),
-            "init": start_of(self.init, (n_samples, int(options["n_components"]))),
+            "init": start,
             "quality": quality_neighbours(self.quality, n_samples),
             "callback": one_callback(self.callbacks),
             "callback_every": whole_number(
@@ -290,9 +348,13 @@ class TSNE(FitParameters):
             "keeps_interrupted": one_of("on_interrupt", self.on_interrupt, ("raise", "keep")) == "keep",
         }
 
-    def _warn_of_interruption(self, iteration: int) -> None:
+    def _warn_of_interruption(self, iteration: int, options: dict[str, Any]) -> None:
+        if options["schedule"] == "classic":
+            end_of_exaggeration = options["stop_lying_iter"]
+        else:
+            end_of_exaggeration = options["hold_iter"] + options["release_iter"]
         text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
-        if iteration < self.stop_lying_iter:
+        if iteration < end_of_exaggeration:
             text += ": early exaggeration has not ended, so the groups stand closer than they should"
         warnings.warn(text, stacklevel=4)
 
@@ -305,8 +367,8 @@ class TSNE(FitParameters):
         self.seed_ = int(options["seed"])
         self.learning_rate_ = float(options["learning_rate"])
         self.n_features_in_ = given.values.shape[1]
-        start = [] if isinstance(self.init, str) else [("Start", "given")]
-        self._caption = outcome["caption"] + start
+        self._map = outcome["map"]
+        self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (
             ("trustworthiness_", outcome["trustworthiness"]),

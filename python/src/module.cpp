@@ -1,5 +1,4 @@
 #include <atomic>
-#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -9,18 +8,19 @@
 #include <utility>
 #include <vector>
 
-#include <climits>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
-#include "stats/option_texts.h"
+#include "stats/row_placement.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
+#include "util/threads.h"
 
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
+#include "python/src/options.h"
 #include "python/src/own_thread.h"
 #include "python/src/page.h"
 
@@ -53,70 +53,6 @@ void translate(std::exception_ptr thrown) {
     }
 }
 
-/// Forgets that a value is no number; what else went wrong, such as Ctrl-C, goes on.
-void forget_wrong_kind() {
-    if (PyErr_Occurred() == nullptr) {
-        return;
-    }
-    if (PyErr_ExceptionMatches(PyExc_TypeError) == 0 &&
-        PyErr_ExceptionMatches(PyExc_ValueError) == 0 &&
-        PyErr_ExceptionMatches(PyExc_OverflowError) == 0) {
-        throw py::error_already_set();
-    }
-    PyErr_Clear();
-}
-
-/// @return none if it is no number
-std::optional<double> number_of(const py::object& object, double /*kind*/) {
-    const double number = py::isinstance<py::str>(object) || py::isinstance<py::bytes>(object)
-                              ? std::nan("")
-                              : PyFloat_AsDouble(object.ptr());
-    const bool is_number = PyErr_Occurred() == nullptr;
-    forget_wrong_kind();
-    return is_number ? std::optional(number) : std::nullopt;
-}
-
-/// @return none if it is no whole number, or too large for any option
-std::optional<int> number_of(const py::object& object, int /*kind*/) {
-    const auto index = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
-    const long number = index ? PyLong_AsLong(index.ptr()) : 0;
-    const bool is_number = PyErr_Occurred() == nullptr && number >= INT_MIN && number <= INT_MAX;
-    forget_wrong_kind();
-    return is_number ? std::optional(static_cast<int>(number)) : std::nullopt;
-}
-
-/// The options among keyword arguments.
-///
-/// @throws InputError if one is out of its range, or there is no such option
-FitOptions options_of(const py::dict& arguments) {
-    FitOptions options;
-    std::size_t known = 0;
-    visit_fit_options(options, [&](auto option) {
-        const py::str name(option.words.python.data(), option.words.python.size());
-        if (!arguments.contains(name)) {
-            return;
-        }
-        ++known;
-        const py::object given = arguments[name];
-        const auto number = number_of(given, option.preset);
-        if (!number || !option.range.holds(*number)) {
-            throw InputError(std::string(option.words.python) + " should be " +
-                             requirement_text(option.range) + ", not " +
-                             py::repr(given).cast<std::string>());
-        }
-        option.value = *number;
-    });
-    if (known != arguments.size()) {
-        throw InputError("there is an option of another name among the parameters of the fit");
-    }
-    return options;
-}
-
-/// @throws InputError as `options_of`
-void check_options(const py::dict& arguments) {
-    options_of(arguments);
-}
-
 /// Shows a state to a function of Python, with a copy of the embedding.
 ///
 /// @return whether the function asks for the end of the fit
@@ -130,8 +66,39 @@ bool shows_to(const py::object& function, const FitState& state, const py::ssize
     return is_true == 1;
 }
 
+/// An array that takes values over.
+Array as_array(std::unique_ptr<double[]> values, std::size_t rows, std::size_t columns) {
+    double* const array = values.release();
+    const py::capsule owner(array, [](void* owned) { delete[] static_cast<double*>(owned); });
+    return Array({rows, columns}, array, owner);
+}
+
+/// What `place` needs of a fit, by name.
+///
+/// @param outcome  its input is taken
+py::dict described_map(Outcome& outcome, const FitOptions& options) {
+    using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
+    const InputScale& scale = outcome.fit.report.scale;
+    const std::size_t columns = scale.means.size();
+    const std::size_t rows =
+        outcome.fit.embedding.size() / static_cast<std::size_t>(options.out_dims);
+    std::string barring;
+    visit_fit_options(options, [&barring](const auto& option) {
+        if (barring.empty() && bars_placement(option.words.name) && !option.isPreset()) {
+            barring = option.words.python;
+        }
+    });
+    return py::dict("input"_a = as_array(std::move(outcome.input), rows, columns),
+                    "centres"_a = scale.means,
+                    "factor"_a = scale.factor,
+                    "perplexity"_a = options.perplexity,
+                    "barring"_a = barring);
+}
+
 /// What became of a fit, by name.
-py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
+///
+/// @param outcome  its input is taken
+py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_t* shape) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
     const FitReport& report = outcome.fit.report;
     const auto quality = [&](double NeighbourhoodQuality::*value) {
@@ -145,17 +112,23 @@ py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
         "is_interrupted"_a = outcome.is_interrupted,
+        "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,
         "note"_a = outcome.threads_note);
+}
+
+MatrixView<const double> view_of(const Array& array) {
+    return {array.data(),
+            static_cast<std::size_t>(array.shape(0)),
+            static_cast<std::size_t>(array.shape(1))};
 }
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), quality, callback (a function or None), callback_every,
 ///                keeps_interrupted
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
-    const MatrixView<const double> points{
-        X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
-    const FitOptions options = options_of(arguments);
+    const MatrixView<const double> points = view_of(X);
+    const FitOptions options = settled_options(arguments);
     const py::ssize_t shape[] = {X.shape(0), options.out_dims};
     const auto start = manner["init"].cast<std::optional<Array>>();
     const py::object callback = manner["callback"];
@@ -174,12 +147,28 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
             return stops;
         };
     }
-    const Outcome outcome = in_own_thread(
+    Outcome outcome = in_own_thread(
         [&](const std::atomic<bool>& is_interrupted) {
             return run_fit(points, options, chosen, is_interrupted);
         },
         waiting);
-    return described(outcome, shape);
+    return described(outcome, options, shape);
+}
+
+/// @param map  as `described_map` gave it
+/// @return the places of the rows, rows x output dimensions
+Array place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
+    const auto input = map["input"].cast<Array>();
+    const InputScale scale{map["centres"].cast<std::vector<double>>(),
+                           map["factor"].cast<double>()};
+    const FinishedMap finished{
+        view_of(input), scale, view_of(embedding), map["perplexity"].cast<double>()};
+    const MatrixView<const double> rows = view_of(X);
+    const PlacedRows placed = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        set_thread_count(threads);
+        return place_rows(finished, rows);
+    });
+    return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
 }
 
 std::string page(const Array& map, const py::dict& texts) {
@@ -190,21 +179,11 @@ std::string page(const Array& map, const py::dict& texts) {
     shown.labels = texts["labels"].cast<std::vector<std::string>>();
     shown.functions = texts["functions"].cast<std::vector<std::string>>();
     shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
-    return map_page({map.data(),
-                     static_cast<std::size_t>(map.shape(0)),
-                     static_cast<std::size_t>(map.shape(1))},
-                    shown);
+    return map_page(view_of(map), shown);
 }
 
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
     return {texts.begin(), texts.end()};
-}
-
-/// An array that takes the values over.
-Array as_array(InspectedMatrix& matrix) {
-    double* const values = matrix.values.release();
-    const py::capsule owner(values, [](void* array) { delete[] static_cast<double*>(array); });
-    return Array({matrix.report.rows, matrix.report.columns}, values, owner);
 }
 
 /// @param form  those members by name, and `center`
@@ -235,7 +214,8 @@ py::tuple read_matrix(const std::string& path,
     });
     const std::vector<py::bytes> row_names = as_bytes(file.matrix.row_names);
     const std::vector<py::bytes> column_names = as_bytes(file.matrix.column_names);
-    return py::make_tuple(as_array(file.matrix),
+    const MatrixReport& report = file.matrix.report;
+    return py::make_tuple(as_array(std::move(file.matrix.values), report.rows, report.columns),
                           row_names,
                           column_names,
                           as_bytes(file.warnings),
@@ -263,12 +243,19 @@ PYBIND11_MODULE(_core, module) {
     module.attr("__version__") = OVIK_VERSION;
     py::register_local_exception_translator(ovik::python::translate);
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
+    module.def(
+        "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();
         return std::pair(available.bytes, available.limit);
     });
-    module.def("check_options", ovik::python::check_options, "options"_a);
+    module.def("settle_options",
+               ovik::python::settle_options,
+               "given"_a,
+               "preset"_a,
+               "rows"_a,
+               "columns"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }

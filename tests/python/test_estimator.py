@@ -37,7 +37,9 @@ def test_parameters_have_the_commands_defaults():
         "n_components": 2, "perplexity": 20.0, "theta": 0.5, "n_iter": 1000,
         "stop_lying_iter": 250, "mom_switch_iter": 250, "seed": 11, "learning_rate": 200.0,
         "exaggeration": 12.0, "start_spread": 0.0001, "momentum": 0.5, "final_momentum": 0.8,
-        "random_state": None, "metric": "euclidean", "init": "random", "callbacks": None,
+        "metric": "euclidean", "pca": 0, "affinity": "perplexity", "neighbours": 15,
+        "multiscale": None, "init": "random", "schedule": "classic", "hold_iter": 125,
+        "release_iter": 125, "stop_when": 0.0, "preset": "classic", "random_state": None, "callbacks": None,
         "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "n_jobs": -1,
         "verbose": False,
     }

@@ -75,19 +75,73 @@ def test_start_is_not_changed(points):
 
 
 @pytest.mark.parametrize("init, said", [
-    ("pca", 'init should be "random" or an array of the shape (90, 2), not \'pca\''),
+    ("grid", 'init should be "random", "pca" or an array of the shape (90, 2), not \'grid\''),
+    ("given", 'init should be "random", "pca" or an array'),
     (np.zeros((90, 3)), "the shape (90, 2), not (90, 3)"),
     (np.full((90, 2), np.nan), "not finite"),
-    ([["a", "b"]] * 90, 'init should be "random" or an array of numbers'),
+    ([["a", "b"]] * 90, 'init should be "random", "pca" or an array of numbers'),
     (None, "not ()"),
 ])
 def test_other_starts_are_refused(points, init, said):
     assert said in refusal(points, init=init)
 
 
-@pytest.mark.parametrize("metric", ["cosine", "precomputed", None])
+@pytest.mark.parametrize("metric", ["manhattan", "Pearson", None, 3, ["cosine"]])
 def test_other_metrics_are_refused(points, metric):
-    assert refusal(points, metric=metric) == f'metric should be "euclidean", not {metric!r}'
+    assert refusal(points, metric=metric) == (
+        'metric should be "euclidean", "pearson", "cosine", "spearman" or "precomputed", '
+        f"not {metric!r}"
+    )
+
+
+@pytest.mark.parametrize("multiscale", [
+    [10, 10], [0.5], ["a"], "10", 10, list(range(10, 19)), [np.nan], [[10, 20]], {"a": 1},
+])
+def test_other_lists_of_perplexities_are_refused(points, multiscale):
+    assert refusal(points, multiscale=multiscale) == (
+        "multiscale should be up to 8 different numbers, each at least 1, at most 1e9, "
+        f"not {multiscale!r}"
+    )
+
+
+@pytest.mark.parametrize("params, said", [
+    ({"hold_iter": 50}, 'hold_iter has no effect beside schedule="classic"\n'
+     'Leave hold_iter out, or give schedule="annealed".'),
+    ({"schedule": "annealed", "stop_lying_iter": 5}, 'beside schedule="annealed"'),
+    ({"perplexity": 10, "affinity": "uniform"}, 'beside affinity="uniform"'),
+    ({"perplexity": 10, "multiscale": (5, 20)}, "beside multiscale=[5,20]"),
+    ({"neighbours": 5}, 'neighbours has no effect beside affinity="perplexity"'),
+    ({"metric": "precomputed", "init": "pca"}, 'init="pca" does not go with metric="precomputed"'),
+    ({"affinity": "uniform", "neighbours": 89}, "neighbours=89: a row has 89 others"),
+    ({"multiscale": [10, 89]}, "multiscale=[10,89]: a row has 89 others"),
+    ({"pca": 6}, "pca=6: the matrix has 90 rows and 6 columns"),
+    ({"preset": "fine"}, 'preset should be "classic" or "refined", not \'fine\''),
+    ({"preset": "refined", "stop_lying_iter": 5}, "stop_lying_iter has no effect"),
+])
+def test_parameters_that_do_not_fit_are_refused(points, params, said):
+    assert said in refusal(points, **params)
+
+
+def settled(**params):
+    """The options as the engine gets them."""
+    return ovik.TSNE(**params)._settled_options(90, 6, False)
+
+
+def test_preset_stands_for_what_has_its_default():
+    refined = settled(preset="refined")
+    assert refined["schedule"] == "annealed"
+    assert refined["stop_lying_iter"] is None
+    assert settled(preset="refined", exaggeration=4)["exaggeration"] == 4
+    assert settled(preset="refined", metric="pearson")["metric"] == "pearson"
+    assert settled(preset="refined", metric="precomputed")["init"] == "random"
+
+
+def test_classic_preset_is_the_default():
+    classic = settled()
+    assert settled(preset="classic") == classic
+    assert classic["schedule"] == "classic"
+    assert classic["multiscale"] == []
+    assert classic["hold_iter"] is classic["release_iter"] is classic["neighbours"] is None
 
 
 def threads_seen(points, monkeypatch, n_jobs):

@@ -24,7 +24,7 @@ reveal_type(tsne.fit_transform([[1.0]]).dtype)
 """
 
 WRONG = [
-    'ovik.TSNE(metric="cosine")',
+    'ovik.TSNE(metric="manhattan")',
     'ovik.TSNE(on_interrupt="ignore")',
     'ovik.TSNE(learning_rate="slow")',
     'ovik.TSNE().set_output(transform="polars")',

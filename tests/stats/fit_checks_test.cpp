@@ -40,9 +40,11 @@ std::string refusal_with(std::size_t place, double value, const Names& names = {
     return refusal(X, 4, names);
 }
 
-std::string option_refusal(const FitOptions& options, std::size_t rows = 100) {
+std::string option_refusal(const FitOptions& options,
+                           std::size_t rows = 100,
+                           std::size_t columns = 10) {
     try {
-        check_fit_options(options, rows);
+        check_fit_options(options, rows, columns);
     } catch (const InputError& error) {
         return error.what();
     }
@@ -112,6 +114,27 @@ TEST(CheckFitOptions, RefusesAPerplexityThatTheRowsCannotBear) {
     EXPECT_EQ(option_refusal({.perplexity = 19.0}, 20),
               "perplexity 19: a row has 19 others, so it cannot have as many neighbours or more\n"
               "Set it to at most a third of that; 5 to 50 are usual.");
+}
+
+TEST(CheckFitOptions, RefusesWhatNoChoiceNorListHolds) {
+    EXPECT_EQ(option_refusal({.metric = static_cast<MetricKind>(7)}),
+              "the option metric should be euclidean, pearson, cosine, spearman or precomputed, "
+              "not 7");
+    EXPECT_EQ(option_refusal({.multiscale = {10.0, 10.0}}),
+              "the option multiscale should be up to 8 different numbers, each at least 1, at most "
+              "1e9, not 10,10");
+    EXPECT_THAT(option_refusal({.stop_when = 1.0}), HasSubstr("stop_when should be a number"));
+}
+
+TEST(CheckFitOptions, RefusesOptionsThatDoNotFitEachOtherOrTheMatrix) {
+    EXPECT_THAT(option_refusal({.hold_iter = 5}), HasSubstr("no effect beside schedule classic"));
+    EXPECT_THAT(option_refusal({.pca = 10}), StartsWith("pca 10: "));
+}
+
+TEST(CheckFitOptions, AsksNoPerplexityOfRunsWithoutOne) {
+    EXPECT_THAT(option_refusal({}, 20), StartsWith("perplexity 20: "));
+    EXPECT_EQ(option_refusal({.affinity = AffinityKind::Uniform}, 20), "");
+    EXPECT_EQ(option_refusal({.multiscale = {3.0, 5.0}}, 20), "");
 }
 
 TEST(PerplexityRemark, IsMadeAboveAThirdOfTheOthers) {

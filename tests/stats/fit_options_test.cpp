@@ -69,10 +69,27 @@ TEST(FitOptions, HaveWordsThatFrontEndsCanTakeAsTheyAre) {
 TEST(FitOptions, StartFromPresetsInTheirRange) {
     FitOptions options;
     visit_fit_options(options, [](const auto& option) {
-        EXPECT_EQ(option.value, option.preset) << option.words.name;
+        EXPECT_TRUE(option.isPreset()) << option.words.name;
         EXPECT_TRUE(option.isInRange()) << option.words.name;
-        EXPECT_LT(option.range.least, option.range.most) << option.words.name;
+        if constexpr (requires { option.range; }) {
+            EXPECT_LT(option.range.least, option.range.most) << option.words.name;
+        }
     });
+}
+
+/// Sets an option to a value that it may have and that is not the preset.
+template <typename Option>
+void set_to_another(const Option& option) {
+    if constexpr (requires { option.value.empty(); }) {
+        option.value = {2.0};
+    } else if constexpr (requires { option.names(); }) {
+        EXPECT_TRUE(option.set(option.names()[1]));
+    } else {
+        const bool is_least = option.preset == option.range.least;
+        option.value = is_least && option.range.holds_most ? option.range.most
+                       : is_least                          ? option.range.most / 2
+                                                           : option.range.least;
+    }
 }
 
 TEST(FitOptions, AreWrittenThroughTheVisitor) {
@@ -80,78 +97,79 @@ TEST(FitOptions, AreWrittenThroughTheVisitor) {
     std::set<const void*> places;
     std::size_t bytes = 0;
     visit_fit_options(options, [&](const auto& option) {
-        option.value = option.range.least;
+        set_to_another(option);
+        EXPECT_FALSE(option.isPreset()) << option.words.name;
         EXPECT_TRUE(places.insert(&option.value).second) << option.words.name;
         bytes += sizeof option.value;
     });
-    // None is left out: but for padding there is nothing else.
+    // None is left out: but for padding and the rate that is automatic there is nothing else.
+    bytes += sizeof options.automatic_rate;
     EXPECT_LE(bytes, sizeof options);
-    EXPECT_GT(bytes + alignof(FitOptions), sizeof options);
+    constexpr std::size_t kMostPadding = 3 * (alignof(FitOptions) - sizeof(int));
+    EXPECT_GE(bytes + kMostPadding + alignof(FitOptions), sizeof options);
     EXPECT_EQ(options.perplexity, 1.0);
     EXPECT_EQ(options.theta, 0.0);
-    EXPECT_EQ(options.out_dims, 2);
+    EXPECT_EQ(options.out_dims, 50);
     EXPECT_EQ(options.max_iter, 1);
     EXPECT_EQ(options.stop_lying_iter, 0);
     EXPECT_EQ(options.mom_switch_iter, 0);
+    EXPECT_EQ(options.metric, MetricKind::Pearson);
+    EXPECT_EQ(options.multiscale, (NumberList{2.0}));
+}
+
+TEST(FitOptions, HaveALearningRateThatMayBeAutomatic) {
+    FitOptions options;
+    int automatic = 0;
+    visit_fit_options(options, [&](const auto& option) {
+        if constexpr (requires { option.automatic; }) {
+            if (option.automatic != nullptr) {
+                EXPECT_EQ(option.words.name, "learning_rate");
+                *option.automatic = true;
+                EXPECT_TRUE(option.isAutomatic());
+                EXPECT_FALSE(option.isPreset());
+                ++automatic;
+            }
+        }
+    });
+    EXPECT_EQ(automatic, 1);
+    EXPECT_TRUE(options.automatic_rate);
 }
 
 TEST(FitOptions, ThatAreConstAreReadWithTheirOwnValues) {
-    const FitOptions options{.perplexity = 7.0, .out_dims = 51};
+    const FitOptions options{.perplexity = 7.0,
+                             .out_dims = 51,
+                             .metric = static_cast<MetricKind>(5),
+                             .multiscale = {3.0}};
     int seen = 0;
     visit_fit_options(options, [&](const auto& option) {
         static_assert(std::is_const_v<std::remove_reference_t<decltype(option.value)>>);
-        if (option.words.name == "perplexity") {
-            EXPECT_EQ(option.value, 7.0);
-            EXPECT_EQ(option.preset, FitOptions().perplexity);
+        if constexpr (requires { option.value.empty(); }) {
+            EXPECT_EQ(option.value, options.multiscale);
+            ++seen;
+        } else if (option.words.name == "perplexity") {
+            EXPECT_EQ(static_cast<double>(option.value), 7.0);
+            EXPECT_EQ(static_cast<double>(option.preset), FitOptions().perplexity);
             EXPECT_TRUE(option.isInRange());
             ++seen;
         } else if (option.words.name == "dimensions") {
-            EXPECT_EQ(option.value, 51);
+            EXPECT_EQ(static_cast<int>(option.value), 51);
+            EXPECT_FALSE(option.isInRange());
+            ++seen;
+        } else if (option.words.name == "metric") {
             EXPECT_FALSE(option.isInRange());
             ++seen;
         }
     });
-    EXPECT_EQ(seen, 2);
+    EXPECT_EQ(seen, 4);
 }
 
 TEST(FitOptions, DecideTheStatesOfAFitButForItsEnd) {
     FitOptions options;
     visit_fit_options(options, [](const auto& option) {
-        EXPECT_EQ(option.words.decides_states, option.words.name != "max_iter")
+        EXPECT_EQ(option.words.decides_states,
+                  option.words.name != "max_iter" && option.words.name != "stop_when")
             << option.words.name;
     });
-}
-
-TEST(OptionRange, HoldsItsEndsUnlessItSaysOtherwise) {
-    constexpr OptionRange<double> kClosed{.least = 1.0, .most = 2.0};
-    EXPECT_TRUE(kClosed.holds(1.0));
-    EXPECT_TRUE(kClosed.holds(2.0));
-    EXPECT_FALSE(kClosed.holds(std::nextafter(1.0, 0.0)));
-    EXPECT_FALSE(kClosed.holds(std::nextafter(2.0, 3.0)));
-    constexpr OptionRange<double> kOpen{
-        .least = 1.0, .most = 2.0, .holds_least = false, .holds_most = false};
-    EXPECT_FALSE(kOpen.holds(1.0));
-    EXPECT_FALSE(kOpen.holds(2.0));
-    EXPECT_TRUE(kOpen.holds(std::nextafter(1.0, 2.0)));
-    EXPECT_TRUE(kOpen.holds(std::nextafter(2.0, 1.0)));
-}
-
-TEST(OptionRange, HoldsNeitherNanNorInfinities) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    constexpr OptionRange<double> kAll{.least = -std::numeric_limits<double>::max()};
-    for (const double value : {std::nan(""), kInfinity, -kInfinity}) {
-        EXPECT_FALSE(kAll.holds(value));
-    }
-    EXPECT_TRUE(kAll.holds(std::numeric_limits<double>::max()));
-    EXPECT_TRUE(kAll.holds(-0.0));
-}
-
-TEST(OptionRange, ReachesTheLargestNumberByDefault) {
-    constexpr OptionRange<int> kRange{.least = 3};
-    EXPECT_TRUE(kRange.holds(3));
-    EXPECT_TRUE(kRange.holds(INT_MAX));
-    EXPECT_FALSE(kRange.holds(2));
-    EXPECT_FALSE(kRange.holds(INT_MIN));
 }
 
 }  // namespace

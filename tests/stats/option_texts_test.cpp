@@ -1,5 +1,9 @@
 #include "stats/option_texts.h"
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include <climits>
 #include <gtest/gtest.h>
 
@@ -49,6 +53,79 @@ TEST(PresetText, SaysWhatItCounts) {
     EXPECT_EQ(preset_text("0.5", words), "0.5");
     words.unit = "iterations";
     EXPECT_EQ(preset_text("250", words), "250 iterations");
+}
+
+/// Calls a function with the option of a name.
+template <typename Function>
+void with_option(const FitOptions& options, std::string_view name, const Function& function) {
+    int seen = 0;
+    visit_fit_options(options, [&](const auto& option) {
+        if (option.words.name == name) {
+            function(option);
+            ++seen;
+        }
+    });
+    EXPECT_EQ(seen, 1) << name;
+}
+
+/// Value, preset and range of an option, and what it should be.
+std::vector<std::string> texts(const FitOptions& options, std::string_view name) {
+    std::vector<std::string> all;
+    with_option(options, name, [&all](const auto& option) {
+        all = {
+            value_text(option), preset_text(option), range_text(option), requirement_text(option)};
+    });
+    return all;
+}
+
+using Texts = std::vector<std::string>;
+
+TEST(OptionTexts, OfANumberThatTheFitMayCompute) {
+    EXPECT_EQ(texts({.learning_rate = 50.0}, "learning_rate"),
+              (Texts{"50",
+                     "200",
+                     "above 0, at most 1e9, or auto",
+                     "a number above 0, at most 1e9, or auto"}));
+    EXPECT_EQ(texts({.automatic_rate = true}, "learning_rate").front(), "auto");
+    EXPECT_EQ(texts({.theta = 0.25}, "theta"),
+              (Texts{"0.25", "0.5", "at least 0", "a number at least 0"}));
+}
+
+TEST(OptionTexts, OfAChoiceAreItsNames) {
+    EXPECT_EQ(texts({.schedule = ScheduleKind::Annealed}, "schedule"),
+              (Texts{"annealed", "classic", "classic or annealed", "classic or annealed"}));
+    EXPECT_EQ(
+        texts({.start = StartKind::Given}, "start"),
+        (Texts{"given", "random", "random, pca or coordinates", "random, pca or coordinates"}));
+    with_option({}, "start", [](const auto& option) {
+        if constexpr (requires { option.names(); }) {
+            EXPECT_EQ(requirement_text(option, "FILE"), "random, pca or FILE");
+        }
+    });
+}
+
+TEST(OptionTexts, OfAListAreItsNumbers) {
+    EXPECT_EQ(texts({.multiscale = {10.0, 12.5}}, "multiscale"),
+              (Texts{"10,12.5",
+                     "none",
+                     "each at least 1, at most 1e9",
+                     "up to 8 different numbers, each at least 1, at most 1e9"}));
+    EXPECT_EQ(texts({}, "multiscale").front(), "");
+}
+
+TEST(AlternativesText, HasOneWordForTheLast) {
+    EXPECT_EQ(alternatives_text(Texts{}), "");
+    EXPECT_EQ(alternatives_text(Texts{"a"}), "a");
+    EXPECT_EQ(alternatives_text(Texts{"a", "b"}), "a or b");
+    EXPECT_EQ(alternatives_text(Texts{"a", "b", "c"}), "a, b or c");
+}
+
+TEST(LongName, IsThatWithTwoDashes) {
+    OptionWords words;
+    words.flags = "-i,--max-iter";
+    EXPECT_EQ(long_name(words), "max-iter");
+    words.flags = "--seed";
+    EXPECT_EQ(long_name(words), "seed");
 }
 
 TEST(RequirementText, SaysWhatAnOptionShouldBe) {

@@ -182,6 +182,17 @@ TEST(PlaceRows, BringsHeldOutGenesNearerToTheirNeighboursThanTheMeanOfTheseDoes)
     EXPECT_LT(distances.placed, distances.start);
 }
 
+TEST(BarsPlacement, IsOfOptionsOfTheListAlone) {
+    std::vector<std::string_view> barring;
+    const FitOptions options;
+    visit_fit_options(options, [&barring](const auto& option) {
+        if (bars_placement(option.words.name)) {
+            barring.push_back(option.words.name);
+        }
+    });
+    EXPECT_EQ(barring, (std::vector<std::string_view>{"metric", "pca", "affinity", "multiscale"}));
+}
+
 TEST(LargestNearestDistance, IsThatOfTheLoneliestRow) {
     const std::vector<double> rows = {0.0, 0.0, 3.0, 4.0, 0.0, 1.0, 30.0, 44.0};
     EXPECT_EQ(largest_nearest_distance({rows.data(), 4, 2}), std::hypot(27.0, 40.0));

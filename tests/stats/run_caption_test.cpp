@@ -24,6 +24,58 @@ TEST(RunCaption, ShowsWhatTheMapWasMadeByAndWhatItCameTo) {
     EXPECT_EQ(parameters.back(), Parameter("Final cost", "1.25"));
 }
 
+/// The value of a parameter; "missing" if it is not shown.
+std::string shown(const FitOptions& options, const std::string& title) {
+    for (const auto& [name, value] : caption_parameters(options, 90, 6, {})) {
+        if (name == title) {
+            return value;
+        }
+    }
+    return "missing";
+}
+
+TEST(RunCaption, ShowsTheNumbersOfTheClassicalRunAlone) {
+    std::vector<std::string> titles;
+    for (const Parameter& parameter : caption_parameters({}, 90, 6, {})) {
+        titles.push_back(parameter.first);
+    }
+    EXPECT_EQ(titles,
+              (std::vector<std::string>{"Method",
+                                        "Input",
+                                        "Perplexity",
+                                        "Theta",
+                                        "Output dimensions",
+                                        "End of early exaggeration",
+                                        "Momentum switch",
+                                        "Random seed",
+                                        "Learning rate",
+                                        "Early exaggeration",
+                                        "Spread of the start",
+                                        "Momentum",
+                                        "Final momentum",
+                                        "Last iteration",
+                                        "Final cost"}));
+}
+
+TEST(RunCaption, ShowsWhatDiffersFromTheClassicalRunAndLeavesOutWhatHasNoEffect) {
+    const FitOptions options{.metric = MetricKind::Cosine,
+                             .multiscale = {10.0, 50.0},
+                             .start = StartKind::Pca,
+                             .schedule = ScheduleKind::Annealed,
+                             .automatic_rate = true,
+                             .stop_when = 0.001};
+    EXPECT_EQ(shown(options, "Metric"), "cosine");
+    EXPECT_EQ(shown(options, "Perplexities in one"), "10,50");
+    EXPECT_EQ(shown(options, "Perplexity"), "missing");
+    EXPECT_EQ(shown(options, "Start"), "pca");
+    EXPECT_EQ(shown(options, "Schedule"), "annealed");
+    EXPECT_EQ(shown(options, "Full exaggeration"), "125");
+    EXPECT_EQ(shown(options, "End of early exaggeration"), "missing");
+    EXPECT_EQ(shown(options, "Learning rate"), "auto");
+    // It decides which iteration is the last alone.
+    EXPECT_EQ(shown(options, "Least gain"), "missing");
+}
+
 TEST(RunCaption, ARunThatWasEndedHasTheCaptionOfAShorterOne) {
     FitOptions shorter;
     shorter.max_iter = 10;

@@ -43,6 +43,23 @@ TEST(BeginReport, NamesWhatIsDoneToTheValues) {
     EXPECT_EQ(option(begin_report(options, {}), "transformations"), "\"log1p, center rows\"");
 }
 
+TEST(ReportedOptions, HaveNullForWhatHasNoEffect) {
+    Options options;
+    options.fit.metric = MetricKind::Pearson;
+    options.fit.automatic_rate = true;
+    options.fit.schedule = ScheduleKind::Annealed;
+    options.fit.multiscale = {10.0, 50.0};
+    const RunReport report = begin_report(options, {});
+    EXPECT_EQ(option(report, "metric"), "\"pearson\"");
+    EXPECT_EQ(option(report, "learning_rate"), "\"auto\"");
+    EXPECT_EQ(option(report, "schedule"), "\"annealed\"");
+    EXPECT_EQ(option(report, "multiscale"), "[10,50]");
+    EXPECT_EQ(option(report, "hold_iter"), "125");
+    EXPECT_EQ(option(report, "stop_lying_iter"), "null");
+    EXPECT_EQ(option(report, "neighbours"), "null");
+    EXPECT_EQ(option(begin_report(Options(), {}), "multiscale"), "[]");
+}
+
 TEST(BeginReport, LeavesThePerplexityToTheRuns) {
     EXPECT_EQ(option(begin_report(Options(), {}), "perplexity"), "missing");
 }

@@ -1,5 +1,6 @@
 #include "tools/options.h"
 
+#include <fstream>
 #include <optional>
 #include <string>
 #include <utility>
@@ -9,7 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "stats/option_texts.h"
+#include "util/input_error.h"
 
+#include "tests/support/temporary_directory.h"
 #include "tools/exit_status.h"
 
 namespace ovik::tool {
@@ -96,8 +99,11 @@ TEST(ParseCommandLine, FillsInDefaults) {
     EXPECT_EQ(options.report_file, "");
     EXPECT_THAT(options.collected_reports, IsEmpty());
     visit_fit_options(options.fit, [](const auto& option) {
-        EXPECT_EQ(option.value, option.preset) << option.words.name;
+        EXPECT_TRUE(option.isPreset()) << option.words.name;
     });
+    EXPECT_EQ(options.preset, PresetKind::Classic);
+    EXPECT_THAT(options.given, IsEmpty());
+    EXPECT_EQ(options.start_file, "");
 }
 
 TEST(ParseCommandLine, TakesWhatIsGiven) {
@@ -184,7 +190,7 @@ TEST(ParseCommandLine, ShowsEveryOptionOfAFitWithItsPreset) {
     const FitOptions presets;
     visit_fit_options(presets, [&help](const auto& option) {
         EXPECT_THAT(help.out, HasSubstr(std::string(option.words.flags)));
-        EXPECT_THAT(help.out, HasSubstr("(" + plain_number(option.preset)));
+        EXPECT_THAT(help.out, HasSubstr("(" + preset_text(option)));
     });
 }
 
@@ -192,13 +198,166 @@ TEST(ParseCommandLine, RefusesWhatIsOutsideTheRangeOfAnOptionOfAFit) {
     const FitOptions presets;
     visit_fit_options(presets, [](const auto& option) {
         const std::string flag = long_flag(option.words);
-        const std::string requirement =
-            flag + ": should be " + requirement_text(option.range) + ", not ";
-        for (const char* const value : {"ten", "1e", "nan", "-1e300"}) {
-            EXPECT_EQ(refusal({"m.tsv", flag + "=" + value}), requirement + value);
+        std::string requirement = flag + ": should be ";
+        if constexpr (requires { option.names(); }) {
+            requirement += requirement_text(option, "FILE") + ", not ";
+        } else if constexpr (requires { option.automatic; }) {
+            requirement += requirement_text(option) + ", not ";
+        } else {
+            requirement += requirement_text(option.range) + ", not ";
         }
-        EXPECT_EQ(refusal_of(flag, ""), requirement);
+        const bool takes_files = option.words.name == "start";
+        const std::string end = takes_files ? ", and there is no such file" : "";
+        for (const char* const value : {"ten", "1e", "nan", "-1e300"}) {
+            EXPECT_EQ(refusal({"m.tsv", flag + "=" + value}), requirement + value + end);
+        }
+        EXPECT_EQ(refusal_of(flag, ""), requirement + end);
     });
+}
+
+TEST(ParseCommandLine, TakesChoicesByTheirNames) {
+    const Options options = options_of({"--metric",
+                                        "spearman",
+                                        "--pca",
+                                        "5",
+                                        "--affinity=uniform",
+                                        "--neighbours",
+                                        "10",
+                                        "--start",
+                                        "pca",
+                                        "--schedule",
+                                        "annealed",
+                                        "--hold-iter",
+                                        "50",
+                                        "--release-iter",
+                                        "60",
+                                        "--stop-when",
+                                        "2e-4"});
+    EXPECT_EQ(options.fit.metric, MetricKind::Spearman);
+    EXPECT_EQ(options.fit.pca, 5);
+    EXPECT_EQ(options.fit.affinity, AffinityKind::Uniform);
+    EXPECT_EQ(options.fit.neighbours, 10);
+    EXPECT_EQ(options.fit.start, StartKind::Pca);
+    EXPECT_EQ(options.fit.schedule, ScheduleKind::Annealed);
+    EXPECT_EQ(options.fit.hold_iter, 50);
+    EXPECT_EQ(options.fit.release_iter, 60);
+    EXPECT_EQ(options.fit.stop_when, 2e-4);
+    EXPECT_THAT(options.given,
+                ElementsAre("affinity",
+                            "hold_iter",
+                            "metric",
+                            "neighbours",
+                            "pca",
+                            "release_iter",
+                            "schedule",
+                            "start",
+                            "stop_when"));
+}
+
+TEST(ParseCommandLine, TakesALearningRateOrLeavesItToTheFit) {
+    EXPECT_FALSE(options_of({}).fit.automatic_rate);
+    EXPECT_TRUE(options_of({"--learning-rate", "auto"}).fit.automatic_rate);
+    const Options number = options_of({"--learning-rate", "5e1"});
+    EXPECT_FALSE(number.fit.automatic_rate);
+    EXPECT_EQ(number.fit.learning_rate, 50.0);
+}
+
+TEST(ParseCommandLine, TakesAStartFromAFileThatThereIs) {
+    const test::TemporaryDirectory directory;
+    const std::string path = directory.file("start.tsv");
+    EXPECT_EQ(
+        refusal_of("--start", path),
+        "--start: should be random, pca or FILE, not " + path + ", and there is no such file");
+    std::ofstream(path) << "name\tx\ty\n";
+    const Options options = options_of({"--start", path});
+    EXPECT_EQ(options.fit.start, StartKind::Given);
+    EXPECT_EQ(options.start_file, path);
+    // The name of the choice is none that users give.
+    EXPECT_THAT(refusal_of("--start", "given"), HasSubstr("not given, and there is no such file"));
+}
+
+TEST(ParseCommandLine, TakesPerplexitiesWhoseAffinitiesAreAveraged) {
+    EXPECT_EQ(options_of({"--multiscale", "10,5e1"}).fit.multiscale, (NumberList{10.0, 50.0}));
+    EXPECT_EQ(refusal_of("--multiscale", "10,10"), "--multiscale: 10 stands there twice");
+    EXPECT_EQ(refusal_of("--multiscale", "1,2,3,4,5,6,7,8,9"),
+              "--multiscale: should be up to 8 different numbers, each at least 1, at most 1e9");
+}
+
+TEST(ParseCommandLine, RefusesOptionsThatHaveNoEffectBesideOthers) {
+    EXPECT_EQ(refusal({"m.tsv", "--hold-iter", "125"}),
+              "--hold-iter has no effect beside --schedule classic\n"
+              "Leave --hold-iter out, or give --schedule annealed.");
+    EXPECT_EQ(refusal({"m.tsv", "--stop-lying-iter", "250", "--preset", "refined"}),
+              "--stop-lying-iter has no effect beside --schedule annealed\n"
+              "Leave --stop-lying-iter out, or give --schedule classic.");
+    EXPECT_THAT(refusal({"m.tsv", "-p", "20", "--affinity", "uniform"}),
+                StartsWith("--perplexity has no effect beside --affinity uniform\n"));
+    EXPECT_THAT(refusal({"m.tsv", "-p", "20,30", "--multiscale", "10,50"}),
+                StartsWith("--perplexity has no effect beside --multiscale 10,50\n"));
+    EXPECT_THAT(refusal({"m.tsv", "--neighbours", "10"}),
+                StartsWith("--neighbours has no effect beside --affinity perplexity\n"));
+    EXPECT_THAT(refusal({"m.tsv", "--metric", "precomputed", "--start", "pca"}),
+                StartsWith("--start pca does not go with --metric precomputed"));
+}
+
+TEST(ParseCommandLine, RefusesAPresetThatThereIsNot) {
+    EXPECT_EQ(refusal_of("--preset", "fine"), "--preset: fine not in {classic,refined}");
+}
+
+TEST(ParseCommandLine, SaysWhatThePresetStandsFor) {
+    EXPECT_THAT(parse({"--help"}).out, HasSubstr(preset_changes(PresetKind::Refined, 6000)));
+}
+
+/// The options of a fit once the matrix is known.
+FitOptions settled(const std::vector<std::string>& arguments) {
+    Options options = options_of(arguments);
+    settle_fit_options(options, 500, 20);
+    return options.fit;
+}
+
+TEST(SettleFitOptions, LeavesTheClassicalRunAsItIs) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, std::vector<std::string>{"--preset", "classic"}}) {
+        const FitOptions options = settled(arguments);
+        visit_fit_options(options, [](const auto& option) {
+            EXPECT_TRUE(option.isPreset()) << option.words.name;
+        });
+    }
+}
+
+TEST(SettleFitOptions, LetsWhatIsGivenWinOverThePresetInAnyOrder) {
+    const FitOptions refined = settled({"--preset", "refined"});
+    EXPECT_EQ(refined.schedule, ScheduleKind::Annealed);
+    EXPECT_EQ(refined.automatic_rate, refined_options(500).automatic_rate);
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{
+              "--preset", "refined", "--schedule", "classic", "--learning-rate", "200"},
+          std::vector<std::string>{
+              "--schedule", "classic", "--learning-rate", "200", "--preset", "refined"}}) {
+        const FitOptions options = settled(arguments);
+        EXPECT_EQ(options.schedule, ScheduleKind::Classic);
+        EXPECT_FALSE(options.automatic_rate);
+        EXPECT_EQ(options.learning_rate, 200.0);
+        EXPECT_EQ(options.start, refined_options(500).start);
+    }
+}
+
+TEST(SettleFitOptions, RefusesWhatTheMatrixCannotBear) {
+    const auto refusal_to_settle = [](const std::vector<std::string>& arguments) -> std::string {
+        try {
+            settled(arguments);
+        } catch (const InputError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_THAT(refusal_to_settle({"--affinity", "uniform", "--neighbours", "499"}),
+                StartsWith("--neighbours 499: a row has 499 others"));
+    EXPECT_THAT(refusal_to_settle({"--multiscale", "10,499"}),
+                StartsWith("--multiscale 10,499: a row has 499 others"));
+    EXPECT_THAT(refusal_to_settle({"--pca", "20"}),
+                StartsWith("--pca 20: the matrix has 500 rows and 20 columns"));
+    EXPECT_EQ(refusal_to_settle({"--pca", "19"}), "");
 }
 
 TEST(ParseCommandLine, TakesPerplexitiesBetweenCommas) {

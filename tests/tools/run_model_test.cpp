@@ -10,6 +10,7 @@
 #include "stats/row_placement.h"
 
 #include "tests/support/random_points.h"
+#include "tests/support/refusal.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik::tool {
@@ -67,6 +68,31 @@ TEST(ModelOfRun, HoldsWhatTheFitCameTo) {
     EXPECT_EQ(model.embedding, expected.embedding);
     EXPECT_EQ(model.largest_nearest_distance,
               largest_nearest_distance({X.data(), kRows, kColumns}));
+}
+
+TEST(CheckPlacingOptions, RefusesMapsOnWhichRowsCannotBePlaced) {
+    FitOptions fit;
+    EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }), "");
+    fit.metric = MetricKind::Pearson;
+    EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }),
+              "--model: new rows cannot be placed on a map that is made with --metric pearson\n"
+              "Leave --model away, or --metric.");
+    fit = {};
+    fit.pca = 7;
+    EXPECT_NE(test::refusal_of([&] { check_placing_options(fit); }), "");
+    fit = {};
+    fit.start = StartKind::Pca;
+    EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }), "");
+}
+
+TEST(CheckPlacingOptions, RefusesModelsThatAskForMore) {
+    MapModel model;
+    model.options = {{"metric", "euclidean"}, {"theta", "0.7"}};
+    EXPECT_EQ(test::refusal_of([&] { check_placing_options("m", model); }), "");
+    model.options[0].second = "pearson";
+    EXPECT_EQ(test::refusal_of([&] { check_placing_options("m", model); }),
+              "m: this program cannot place rows on a map with metric = pearson\n"
+              "Use the program that wrote the model.");
 }
 
 }  // namespace

@@ -1,0 +1,123 @@
+#include "stats/option_checks.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "stats/option_effect.h"
+#include "stats/option_texts.h"
+#include "util/counted.h"
+#include "util/input_error.h"
+
+namespace ovik {
+
+namespace {
+
+/// An option with its value as a message writes it.
+std::string spelled(const OptionSource& source, const auto& option) {
+    return source.spell(option.words, value_text(option));
+}
+
+/// The option of a name with its value, or with another one.
+std::string spelled(const FitOptions& options,
+                    const OptionSource& source,
+                    std::string_view name,
+                    std::string_view value = "") {
+    std::string text;
+    visit_fit_options(options, [&](const auto& option) {
+        if (option.words.name == name) {
+            text = value.empty() ? spelled(source, option)
+                                 : source.spell(option.words, std::string(value));
+        }
+    });
+    return text;
+}
+
+void refuse_without_effect(const FitOptions& options,
+                           const OptionSource& source,
+                           const OptionWords& words) {
+    const auto bar = bar_of(options, words.name);
+    if (!bar || !source.is_given(words.name)) {
+        return;
+    }
+    const std::string name = source.spell(words, "");
+    throw InputError(name + " has no effect beside " + spelled(options, source, bar->other) +
+                     "\nLeave " + name + " out, or " +
+                     (bar->cure.empty()
+                          ? "the other one"
+                          : "give " + spelled(options, source, bar->other, bar->cure)) +
+                     ".");
+}
+
+void check_neighbours(const FitOptions& options, std::size_t rows, const OptionSource& source) {
+    if (options.affinity == AffinityKind::Uniform &&
+        static_cast<std::size_t>(options.neighbours) >= rows - 1) {
+        throw InputError(spelled(options, source, "neighbours") + ": a row has " +
+                         std::to_string(rows - 1) +
+                         " others, and all of them alike tell nothing\nGive fewer; 10 to 30 are "
+                         "usual.");
+    }
+}
+
+void check_multiscale(const FitOptions& options, std::size_t rows, const OptionSource& source) {
+    const bool is_borne = std::all_of(
+        options.multiscale.begin(), options.multiscale.end(), [rows](double perplexity) {
+            return perplexity < static_cast<double>(rows) - 1.0;
+        });
+    if (!is_borne) {
+        throw InputError(spelled(options, source, "multiscale") + ": a row has " +
+                         std::to_string(rows - 1) +
+                         " others, so it cannot have as many neighbours or more\nGive at most a "
+                         "third of that.");
+    }
+}
+
+void check_components(const FitOptions& options,
+                      std::size_t rows,
+                      std::size_t columns,
+                      const OptionSource& source) {
+    const std::size_t limit = std::min(rows, columns);
+    if (options.pca > 0 && static_cast<std::size_t>(options.pca) >= limit) {
+        throw InputError(spelled(options, source, "pca") + ": the matrix has " +
+                         counted(rows, "row", "rows") + " and " +
+                         counted(columns, "column", "columns") +
+                         ", and that many components reduce nothing\nGive fewer, or none.");
+    }
+}
+
+}  // namespace
+
+OptionSource source_of(const FitOptions& options) {
+    std::vector<std::string> given;
+    visit_fit_options(options, [&given](const auto& option) {
+        if (!option.isPreset()) {
+            given.emplace_back(option.words.name);
+        }
+    });
+    return {[given](std::string_view name) {
+                return std::find(given.begin(), given.end(), name) != given.end();
+            },
+            [](const OptionWords& words, const std::string& value) {
+                return std::string(words.name) + (value.empty() ? "" : " " + value);
+            }};
+}
+
+void check_options_together(const FitOptions& options, const OptionSource& source) {
+    visit_fit_options(
+        options, [&](const auto& option) { refuse_without_effect(options, source, option.words); });
+    if (options.metric == MetricKind::Precomputed && options.start == StartKind::Pca) {
+        throw InputError(spelled(options, source, "start") + " does not go with " +
+                         spelled(options, source, "metric") +
+                         ": distances have no components\nLeave one of them out.");
+    }
+}
+
+void check_options_for(const FitOptions& options,
+                       std::size_t rows,
+                       std::size_t columns,
+                       const OptionSource& source) {
+    check_neighbours(options, rows, source);
+    check_multiscale(options, rows, source);
+    check_components(options, rows, columns, source);
+}
+
+}  // namespace ovik

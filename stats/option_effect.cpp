@@ -1,0 +1,58 @@
+#include "stats/option_effect.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace ovik {
+
+namespace {
+
+bool is_uniform(const FitOptions& options) {
+    return options.affinity == AffinityKind::Uniform;
+}
+
+bool is_not_uniform(const FitOptions& options) {
+    return !is_uniform(options);
+}
+
+bool is_multiscale(const FitOptions& options) {
+    return !options.multiscale.empty();
+}
+
+bool is_annealed(const FitOptions& options) {
+    return options.schedule == ScheduleKind::Annealed;
+}
+
+bool is_classic(const FitOptions& options) {
+    return options.schedule == ScheduleKind::Classic;
+}
+
+bool is_precomputed(const FitOptions& options) {
+    return options.metric == MetricKind::Precomputed;
+}
+
+constexpr OptionBar kBars[] = {
+    {"perplexity", "affinity", "perplexity", &is_uniform},
+    {"perplexity", "multiscale", "", &is_multiscale},
+    {"multiscale", "affinity", "perplexity", &is_uniform},
+    {"neighbours", "affinity", "uniform", &is_not_uniform},
+    {"stop_lying_iter", "schedule", "classic", &is_annealed},
+    {"mom_switch_iter", "schedule", "classic", &is_annealed},
+    {"momentum", "schedule", "classic", &is_annealed},
+    {"hold_iter", "schedule", "annealed", &is_classic},
+    {"release_iter", "schedule", "annealed", &is_classic},
+    // Distances have no columns.
+    {"pca", "metric", "euclidean", &is_precomputed},
+};
+
+}  // namespace
+
+std::optional<OptionBar> bar_of(const FitOptions& options, std::string_view name) {
+    const auto* const found =
+        std::find_if(std::begin(kBars), std::end(kBars), [&](const OptionBar& bar) {
+            return bar.option == name && bar.is_up(options);
+        });
+    return found == std::end(kBars) ? std::nullopt : std::optional(*found);
+}
+
+}  // namespace ovik

@@ -1,0 +1,114 @@
+#include "stats/option_checks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "util/input_error.h"
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// Why options do not fit each other; empty if they do.
+std::string refusal(const FitOptions& options) {
+    try {
+        check_options_together(options, source_of(options));
+    } catch (const InputError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+/// Why a matrix cannot bear some options; empty if it does.
+std::string refusal(const FitOptions& options, std::size_t rows, std::size_t columns) {
+    try {
+        check_options_for(options, rows, columns, source_of(options));
+    } catch (const InputError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(CheckOptionsTogether, AcceptsTheClassicalRunAndEachChoiceByItself) {
+    EXPECT_EQ(refusal({}), "");
+    EXPECT_EQ(refusal({.metric = MetricKind::Spearman}), "");
+    EXPECT_EQ(refusal({.metric = MetricKind::Precomputed}), "");
+    EXPECT_EQ(refusal({.pca = 5, .start = StartKind::Pca}), "");
+    EXPECT_EQ(refusal({.affinity = AffinityKind::Uniform, .neighbours = 10}), "");
+    EXPECT_EQ(refusal({.multiscale = {10.0, 50.0}}), "");
+    EXPECT_EQ(
+        refusal({.schedule = ScheduleKind::Annealed, .hold_iter = 50, .automatic_rate = true}), "");
+    EXPECT_EQ(refusal({.stop_when = 0.0002}), "");
+}
+
+TEST(CheckOptionsTogether, RefusesWhatHasNoEffectWithTheCure) {
+    EXPECT_EQ(refusal({.perplexity = 30.0, .affinity = AffinityKind::Uniform}),
+              "perplexity has no effect beside affinity uniform\n"
+              "Leave perplexity out, or give affinity perplexity.");
+    EXPECT_EQ(refusal({.perplexity = 30.0, .multiscale = {10.0, 50.0}}),
+              "perplexity has no effect beside multiscale 10,50\n"
+              "Leave perplexity out, or the other one.");
+    EXPECT_EQ(refusal({.neighbours = 10}),
+              "neighbours has no effect beside affinity perplexity\n"
+              "Leave neighbours out, or give affinity uniform.");
+    EXPECT_THAT(refusal({.affinity = AffinityKind::Uniform, .multiscale = {10.0}}),
+                StartsWith("multiscale has no effect beside affinity uniform\n"));
+    EXPECT_THAT(refusal({.hold_iter = 5}),
+                StartsWith("hold_iter has no effect beside schedule classic\n"));
+    EXPECT_THAT(refusal({.release_iter = 5}), StartsWith("release_iter has no effect"));
+    for (const FitOptions& options :
+         {FitOptions{.stop_lying_iter = 5, .schedule = ScheduleKind::Annealed},
+          FitOptions{.mom_switch_iter = 5, .schedule = ScheduleKind::Annealed},
+          FitOptions{.momentum = 0.7, .schedule = ScheduleKind::Annealed}}) {
+        EXPECT_THAT(refusal(options), HasSubstr("has no effect beside schedule annealed\n"));
+    }
+    EXPECT_THAT(refusal({.metric = MetricKind::Precomputed, .pca = 5}),
+                StartsWith("pca has no effect beside metric precomputed\n"));
+}
+
+TEST(CheckOptionsTogether, RefusesComponentsOfDistances) {
+    EXPECT_EQ(refusal({.metric = MetricKind::Precomputed, .start = StartKind::Pca}),
+              "start pca does not go with metric precomputed: distances have no components\n"
+              "Leave one of them out.");
+}
+
+TEST(CheckOptionsTogether, WritesOptionsAsTheSourceDoes) {
+    const OptionSource source{[](std::string_view name) { return name == "hold_iter"; },
+                              [](const OptionWords& words, const std::string& value) {
+                                  return std::string(words.python) + "=" + value;
+                              }};
+    try {
+        // What is as preset may be given all the same.
+        check_options_together({}, source);
+        FAIL();
+    } catch (const InputError& error) {
+        EXPECT_STREQ(error.what(),
+                     "hold_iter= has no effect beside schedule=classic\n"
+                     "Leave hold_iter= out, or give schedule=annealed.");
+    }
+}
+
+TEST(CheckOptionsFor, RefusesNeighboursThatARowHasNot) {
+    const FitOptions all{.affinity = AffinityKind::Uniform, .neighbours = 19};
+    EXPECT_EQ(refusal(all, 21, 5), "");
+    EXPECT_THAT(refusal(all, 20, 5), StartsWith("neighbours 19: a row has 19 others"));
+    EXPECT_EQ(refusal({}, 10, 5), "");
+}
+
+TEST(CheckOptionsFor, RefusesPerplexitiesThatTheRowsCannotBear) {
+    const FitOptions options{.multiscale = {5.0, 19.0}};
+    EXPECT_EQ(refusal(options, 21, 5), "");
+    EXPECT_THAT(refusal(options, 20, 5), StartsWith("multiscale 5,19: a row has 19 others"));
+}
+
+TEST(CheckOptionsFor, RefusesComponentsThatReduceNothing) {
+    EXPECT_EQ(refusal({.pca = 5}, 20, 6), "");
+    EXPECT_THAT(refusal({.pca = 6}, 20, 6),
+                StartsWith("pca 6: the matrix has 20 rows and 6 columns, "));
+    EXPECT_THAT(refusal({.pca = 20}, 20, 60), StartsWith("pca 20: "));
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,108 @@
+#include "stats/option_effect.h"
+
+#include <set>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+/// Names of the options that have no effect.
+std::set<std::string> barred(const FitOptions& options) {
+    std::set<std::string> names;
+    visit_fit_options(options, [&](const auto& option) {
+        if (bar_of(options, option.words.name)) {
+            names.emplace(option.words.name);
+        }
+    });
+    return names;
+}
+
+/// Names of the options that page and checkpoint have.
+std::set<std::string> told(const FitOptions& options) {
+    std::set<std::string> names;
+    visit_fit_options(options, [&](const auto& option) {
+        if (is_told(options, option)) {
+            names.emplace(option.words.name);
+        }
+    });
+    return names;
+}
+
+using Names = std::set<std::string>;
+
+TEST(BarOf, LeavesTheClassicalRunWithoutWhatIsOfOtherChoices) {
+    EXPECT_EQ(barred({}), (Names{"neighbours", "hold_iter", "release_iter"}));
+}
+
+TEST(BarOf, IsUpBesideTheChoiceThatNeedsOtherOptions) {
+    EXPECT_EQ(barred({.schedule = ScheduleKind::Annealed}),
+              (Names{"neighbours", "stop_lying_iter", "mom_switch_iter", "momentum"}));
+    EXPECT_EQ(barred({.affinity = AffinityKind::Uniform}),
+              (Names{"perplexity", "multiscale", "hold_iter", "release_iter"}));
+    EXPECT_EQ(barred({.multiscale = {10.0, 50.0}}),
+              (Names{"perplexity", "neighbours", "hold_iter", "release_iter"}));
+    EXPECT_EQ(barred({.metric = MetricKind::Precomputed}),
+              (Names{"pca", "neighbours", "hold_iter", "release_iter"}));
+}
+
+TEST(BarOf, NamesTheOtherOptionAndTheCure) {
+    const auto bar = bar_of({}, "hold_iter");
+    ASSERT_TRUE(bar);
+    EXPECT_EQ(bar->other, "schedule");
+    EXPECT_EQ(bar->cure, "annealed");
+    EXPECT_FALSE(bar_of({}, "theta"));
+    EXPECT_FALSE(bar_of({}, "no_such_option"));
+}
+
+TEST(BarOf, NamesOptionsThatThereAre) {
+    const FitOptions presets;
+    Names names;
+    visit_fit_options(presets,
+                      [&names](const auto& option) { names.emplace(option.words.name); });
+    for (const FitOptions& options : {FitOptions(),
+                                      FitOptions{.metric = MetricKind::Precomputed},
+                                      FitOptions{.affinity = AffinityKind::Uniform},
+                                      FitOptions{.multiscale = {10.0}},
+                                      FitOptions{.schedule = ScheduleKind::Annealed}}) {
+        for (const std::string& name : names) {
+            if (const auto bar = bar_of(options, name)) {
+                EXPECT_TRUE(names.contains(std::string(bar->other))) << bar->other;
+            }
+        }
+    }
+}
+
+TEST(IsTold, HasTheNumbersOfTheClassicalRunAlone) {
+    EXPECT_EQ(told({}),
+              (Names{"perplexity",
+                     "theta",
+                     "dimensions",
+                     "max_iter",
+                     "stop_lying_iter",
+                     "mom_switch_iter",
+                     "seed",
+                     "learning_rate",
+                     "exaggeration",
+                     "start_spread",
+                     "momentum",
+                     "final_momentum"}));
+}
+
+TEST(IsTold, HasWhatDiffersAndWhatBelongsToIt) {
+    const Names names = told({.metric = MetricKind::Pearson,
+                              .affinity = AffinityKind::Uniform,
+                              .schedule = ScheduleKind::Annealed});
+    for (const char* const name :
+         {"metric", "affinity", "neighbours", "schedule", "hold_iter", "release_iter"}) {
+        EXPECT_TRUE(names.contains(name)) << name;
+    }
+    for (const char* const name :
+         {"perplexity", "multiscale", "stop_lying_iter", "momentum", "pca", "start", "stop_when"}) {
+        EXPECT_FALSE(names.contains(name)) << name;
+    }
+}
+
+}  // namespace
+}  // namespace ovik
