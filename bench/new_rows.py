@@ -57,7 +57,7 @@ def measure(command, matrix, folder):
         "placed": coordinates(folder / "new_onto.csv"),
         "nearest neighbour": old[of_input[:, 0]],
         "mean of 10 neighbours": old[of_input[:, :10]].mean(axis=1),
-        "median of 25 neighbours (the start)": np.median(old[of_input], axis=1),
+        "median of 25 neighbours": np.median(old[of_input], axis=1),
     }
     results = {}
     for way, place in places.items():

@@ -196,6 +196,28 @@ double descend(PlaceCost& place_cost, const PlacementDescent& descent, std::vect
     return lowest;
 }
 
+/// A place, and its cost.
+struct Place {
+    std::vector<double> y;
+    double cost;
+};
+
+/// Descends from two places: amidst the rows that are nearest, and where the nearest one lies.
+///
+/// @return the cheaper end; the former if they cost the same
+Place cheapest_place(PlaceCost& place_cost,
+                     MatrixView<const double> Y,
+                     std::span<const Near> nearest,
+                     const PlacementDescent& descent) {
+    Place amidst{start_amidst(nearest.first(std::min(descent.start_neighbours, nearest.size())), Y),
+                 0.0};
+    amidst.cost = descend(place_cost, descent, amidst.y);
+    const std::span<const double> own = Y.row(nearest.front().row);
+    Place beside{{own.begin(), own.end()}, 0.0};
+    beside.cost = descend(place_cost, descent, beside.y);
+    return beside.cost < amidst.cost ? beside : amidst;
+}
+
 /// @throws std::invalid_argument
 void require_shapes(const FinishedMap& map, MatrixView<const double> rows) {
     if (map.input.rows == 0 || map.input.rows > std::numeric_limits<std::uint32_t>::max() ||
@@ -240,13 +262,13 @@ PlacedRows place_rows(const FinishedMap& map,
             return;
         }
         const std::span<const Near> near(nearest);
-        std::vector<double> y = start_amidst(
-            near.first(std::min(descent.start_neighbours, near.size())), map.embedding);
         const std::span<const Near> weighed = near.first(std::min(wanted, near.size()));
         PlaceCost cost(map.embedding, weighed, affinities_to(weighed, map.perplexity));
-        placed.costs[n] = descend(cost, descent, y);
-        std::copy(
-            y.begin(), y.end(), placed.embedding.begin() + static_cast<std::ptrdiff_t>(n * dims));
+        const Place place = cheapest_place(cost, map.embedding, near, descent);
+        placed.costs[n] = place.cost;
+        std::copy(place.y.begin(),
+                  place.y.end(),
+                  placed.embedding.begin() + static_cast<std::ptrdiff_t>(n * dims));
         placed.nearest[n] = nearest.front().row;
         placed.nearest_distances[n] = nearest.front().distance;
     });

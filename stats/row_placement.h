@@ -37,10 +37,10 @@ struct PlacedRows {
 
 /// The numbers of the descent by which a row finds its place.
 struct PlacementDescent {
-    int iterations = 250;
+    int iterations = 125;
     double learning_rate = 2.0;
     double momentum = 0.8;
-    /// How many of the nearest rows a row starts amidst.
+    /// How many of the nearest rows a row starts amidst, at first.
     std::size_t start_neighbours = 25;
 };
 
@@ -49,10 +49,11 @@ struct PlacementDescent {
 ///
 /// A row has conditional affinities p to the 3 * perplexity rows of the map that are nearest to it,
 /// equal distances by the lower row, calibrated as those of the map were. It starts at the median,
-/// coordinate by coordinate, of the places of its 25 nearest. Then the divergence of p from q is
-/// descended, where q_j = w_j / (sum of all w) and w_j = 1 / (1 + |y - y_j|^2) over all points of
-/// the map: gradient descent with momentum and gains as the map itself has them. The place of the
-/// lowest cost that was met is the result, so that it never costs more than the start.
+/// coordinate by coordinate, of the places of its 25 nearest, and once more where the nearest of
+/// all lies. From both the divergence of p from q is descended, where q_j = w_j / (sum of all w)
+/// and w_j = 1 / (1 + |y - y_j|^2) over all points of the map: gradient descent with momentum and
+/// gains as the map itself has them. The place of the lowest cost that was met is the result, so
+/// that it never costs more than either start.
 ///
 /// @param map   at least one row
 /// @param rows  of the columns of the map, in the units of its matrix before it was centred

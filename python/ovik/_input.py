@@ -118,7 +118,7 @@ def _as_values(X: Any, fewest_rows: int) -> NDArray[np.float64]:
             f"X should have two dimensions (n_samples, n_features), not the shape {array.shape}\n"
             "X.reshape(-1, 1) makes a column of a single feature."
         )
-    _check_shape(*array.shape, fewest_rows)
+    _check_shape(array.shape[0], array.shape[1], fewest_rows)
     return values
 
 

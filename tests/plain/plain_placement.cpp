@@ -76,32 +76,20 @@ double cost_at(const FixedMap& map,
     return cost;
 }
 
-}  // namespace
-
-Place place_row(const FixedMap& map, const std::vector<double>& row) {
-    const Neighbours neighbours = rows_by_distance(map, row);
+/// The cheapest place that descent comes to from a start.
+Place descend(const FixedMap& map,
+              const Neighbours& neighbours,
+              const std::vector<double>& p,
+              const std::vector<double>& start) {
     const std::size_t dims = map.out_dims;
-    Place best;
-    for (std::size_t d = 0; d < dims; ++d) {
-        std::vector<double> coordinates;
-        for (std::size_t m = 0; m < std::min<std::size_t>(25, map.rows); ++m) {
-            coordinates.push_back(map.embedding[neighbours[m].second * dims + d]);
-        }
-        best.y.push_back(median(coordinates));
-    }
-    const auto K = static_cast<std::size_t>(3.0 * map.perplexity);
-    std::vector<double> distances;
-    for (std::size_t m = 0; m < std::min(K, map.rows); ++m) {
-        distances.push_back(neighbours[m].first);
-    }
-    const std::vector<double> p = similarities_to(distances, map.perplexity);
-    std::vector<double> y = best.y;
+    Place best{start, 0.0};
+    std::vector<double> y = start;
     std::vector<double> gradient(dims);
     std::vector<double> velocity(dims, 0.0);
     std::vector<double> gains(dims, 1.0);
     best.cost = cost_at(map, neighbours, p, y, gradient);
     const auto sign = [](double x) { return x == 0.0 ? 0 : (x < 0.0 ? -1 : 1); };
-    for (int iteration = 0; iteration < 250; ++iteration) {
+    for (int iteration = 0; iteration < 125; ++iteration) {
         for (std::size_t d = 0; d < dims; ++d) {
             gains[d] = sign(gradient[d]) != sign(velocity[d]) ? gains[d] + 0.2 : gains[d] * 0.8;
             gains[d] = gains[d] < 0.01 ? 0.01 : gains[d];
@@ -115,6 +103,31 @@ Place place_row(const FixedMap& map, const std::vector<double>& row) {
         }
     }
     return best;
+}
+
+}  // namespace
+
+Place place_row(const FixedMap& map, const std::vector<double>& row) {
+    const Neighbours neighbours = rows_by_distance(map, row);
+    std::vector<double> distances;
+    const auto K = static_cast<std::size_t>(3.0 * map.perplexity);
+    for (std::size_t m = 0; m < std::min(K, map.rows); ++m) {
+        distances.push_back(neighbours[m].first);
+    }
+    const std::vector<double> p = similarities_to(distances, map.perplexity);
+    std::vector<double> amidst;
+    std::vector<double> beside;
+    for (std::size_t d = 0; d < map.out_dims; ++d) {
+        std::vector<double> coordinates;
+        for (std::size_t m = 0; m < std::min<std::size_t>(25, map.rows); ++m) {
+            coordinates.push_back(map.embedding[neighbours[m].second * map.out_dims + d]);
+        }
+        amidst.push_back(median(coordinates));
+        beside.push_back(coordinates.front());
+    }
+    const Place first = descend(map, neighbours, p, amidst);
+    const Place second = descend(map, neighbours, p, beside);
+    return second.cost < first.cost ? second : first;
 }
 
 }  // namespace plain

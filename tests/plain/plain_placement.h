@@ -23,8 +23,8 @@ struct Place {
 };
 
 /// The place of a row, in the units of the matrix as it was read, on a map: gradient descent of its
-/// divergence from the median of the places of its 25 nearest rows, 250 iterations of rate 2 with
-/// momentum 0.8 and gains; the cheapest place of all that were met.
+/// divergence, 125 iterations of rate 2 with momentum 0.8 and gains, from the median of the places
+/// of its 25 nearest rows and from the place of the nearest; the cheapest of all that were met.
 Place place_row(const FixedMap& map, const std::vector<double>& row);
 
 }  // namespace plain
