@@ -20,7 +20,7 @@ struct FinishedMap {
     /// Where they lie, rows x output dimensions.
     MatrixView<const double> embedding;
     /// That of the map, at least 1.
-    double perplexity;
+    double perplexity = 1.0;
 };
 
 /// Rows that have been given places on a finished map.
