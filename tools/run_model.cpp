@@ -9,6 +9,17 @@
 
 namespace ovik::tool {
 
+namespace {
+
+[[noreturn]] void refuse_option(const std::string& path,
+                                const std::string& name,
+                                const std::string& value) {
+    throw InputError(path + ": this program cannot place rows on a map with " + name + " = " +
+                     value + "\nUse the program that wrote the model.");
+}
+
+}  // namespace
+
 void check_placing_options(const FitOptions& fit) {
     visit_fit_options(fit, [](const auto& option) {
         if (bars_placement(option.words.name) && !option.isPreset()) {
@@ -25,8 +36,7 @@ void check_placing_options(const std::string& path, const MapModel& model) {
     visit_fit_options(presets, [&](const auto& preset) {
         for (const auto& [name, value] : model.options) {
             if (name == preset.words.name && bars_placement(name) && value != value_text(preset)) {
-                throw InputError(path + ": this program cannot place rows on a map with " + name +
-                                 " = " + value + "\nUse the program that wrote the model.");
+                refuse_option(path, name, value);
             }
         }
     });
