@@ -4,6 +4,7 @@
 
 #include "input/date_names.h"
 #include "input/distance_matrix.h"
+#include "input/known_columns.h"
 #include "input/market_entries.h"
 #include "input/matrix_checks.h"
 #include "input/matrix_formats.h"
@@ -45,12 +46,20 @@ std::vector<std::string> names_of_rows(const std::string& path,
     return row_numbers(count);
 }
 
+/// How many rows the file has to have: a map needs three, but on one that is there, any number can
+/// be placed, and where the columns become rows, they are counted.
+std::size_t least_rows(const LoadOptions& options) {
+    return options.known_columns != nullptr || options.transformations.transpose
+               ? 1
+               : kLeastEmbeddedRows;
+}
+
 /// Reads the rows and checks that they make a matrix.
 InspectedMatrix read_rows(MatrixSource& source,
                           const MatrixFormat& format,
                           const LoadOptions& options) {
-    const bool transposes = options.transformations.transpose;
-    if (format.has_names && options.has_names && !transposes && !options.row_names_file.empty()) {
+    if (format.has_names && options.has_names && !options.transformations.transpose &&
+        !options.row_names_file.empty()) {
         throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
                          " have names of their own");
     }
@@ -62,7 +71,7 @@ InspectedMatrix read_rows(MatrixSource& source,
     if (!format.is_text) {
         note_infinite_values(matrix);
     }
-    check_matrix(source.name(), matrix.report, !transposes);
+    check_matrix(source.name(), matrix.report, least_rows(options));
     return matrix;
 }
 
@@ -119,7 +128,8 @@ std::size_t settle_missing(const std::string& name,
                          options.spell("missing", "") + " what becomes of them.");
     }
     const std::size_t rows = matrix.report.rows;
-    treat_missing(name, policy, missing, options.spell, matrix, loaded.labels);
+    treat_missing(
+        name, policy, missing, options.spell, matrix, loaded.labels, options.known_columns);
     if (!options.missing) {
         remarks.push_back({Remark::Kind::Warning,
                            summary + ", and read as 0\n" + places + options.spell("missing", "") +
@@ -129,9 +139,9 @@ std::size_t settle_missing(const std::string& name,
     }
     remarks.push_back(
         {Remark::Kind::Information, summary + ": " + treatment(policy, rows, matrix.report.rows)});
-    if (policy == MissingPolicy::Drop && options.check_values &&
-        !options.transformations.transpose) {
-        check_row_count(name + ", without the rows that lack values", matrix.report.rows);
+    if (policy == MissingPolicy::Drop && options.check_values) {
+        check_row_count(
+            name + ", without the rows that lack values", matrix.report.rows, least_rows(options));
     }
     return missing.count;
 }
@@ -180,23 +190,44 @@ void read_labels(const LoadOptions& options, LoadedMatrix& loaded) {
     }
 }
 
-/// Fills in what is missing, transforms the values, makes columns rows if that is wanted, and
-/// checks what comes out.
+/// Transforms the values, and learns or applies what there is to know of the columns.
+void transform_values(const std::string& name,
+                      const LoadOptions& options,
+                      LoadedMatrix& loaded,
+                      std::vector<Remark>& remarks) {
+    InspectedMatrix& matrix = loaded.matrix;
+    if (options.learns_columns) {
+        loaded.columns.names = matrix.column_names;
+        loaded.columns.means = means_of_columns(matrix);
+    }
+    if (!options.transformations.any()) {
+        return;
+    }
+    remarks.push_back(
+        {Remark::Kind::Information,
+         options.known_columns != nullptr
+             ? transform_alike(
+                   name, options.transformations, *options.known_columns, options.spell, matrix)
+             : transform(name, options.transformations, options.spell, matrix, &loaded.columns)});
+}
+
+/// Brings the columns into the order of those that are known, fills in what is missing, transforms
+/// the values, makes columns rows if that is wanted, and checks what comes out.
 void settle_values(const std::string& name,
                    const LoadOptions& options,
                    LoadedMatrix& loaded,
                    std::vector<Remark>& remarks) {
     InspectedMatrix& matrix = loaded.matrix;
-    loaded.missing = settle_missing(name, options, loaded, remarks);
-    if (options.transformations.any()) {
-        remarks.push_back({Remark::Kind::Information,
-                           transform(name, options.transformations, options.spell, matrix)});
+    if (options.known_columns != nullptr) {
+        match_columns(name, *options.known_columns, options.spell, matrix);
     }
+    loaded.missing = settle_missing(name, options, loaded, remarks);
+    transform_values(name, options, loaded, remarks);
     if (options.transformations.transpose) {
         make_columns_rows(name, options, matrix, remarks);
         read_labels(options, loaded);
     }
-    if (options.check_values) {
+    if (options.check_values && options.known_columns == nullptr) {
         check_values(name, matrix);
     }
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "input/inspected_matrix.h"
+#include "input/known_columns.h"
 #include "input/label_file.h"
 #include "input/load_options.h"
 #include "util/api.h"
@@ -43,6 +44,8 @@ struct LoadedMatrix {
     std::string format;
     /// Values that were missing.
     std::size_t missing = 0;
+    /// What the columns are, if the options ask for it; else without means.
+    KnownColumns columns;
 };
 
 /// Reads a matrix of any format, its labels and names, and settles what becomes of missing values.

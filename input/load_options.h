@@ -11,6 +11,7 @@
 
 namespace ovik {
 
+struct KnownColumns;
 class MatrixSource;
 struct TableLayout;
 
@@ -56,6 +57,13 @@ struct LoadOptions {
     /// Whether what is left after the treatment of missing values is refused if it cannot be
     /// embedded: fewer than 3 rows, all rows equal, values too large or too close to one another.
     bool check_values = true;
+    /// Whether what the columns teach is wanted in `LoadedMatrix::columns`.
+    bool learns_columns = false;
+    /// Null, or the columns of an earlier matrix, with which the rows are to be compared: the
+    /// columns are brought into the order of these, missing values under the policy of column means
+    /// become the means of these, the transformations are by the numbers of these. Any number of
+    /// rows from 1 will do then, and values are not refused for being alike.
+    const KnownColumns* known_columns = nullptr;
     /// If set, called with delimited text and its layout before more than the head is read. What
     /// it throws, `load` throws. Its arguments are of use within this project alone.
     std::function<void(const MatrixSource& source, const TableLayout& layout)> before_reading;

@@ -85,20 +85,21 @@ bool all_rows_are_equal(const InspectedMatrix& matrix) {
 
 }  // namespace
 
-void check_matrix(const std::string& path, const MatrixReport& report, bool has_points_in_rows) {
+void check_matrix(const std::string& path, const MatrixReport& report, std::size_t least_rows) {
     if (report.ragged_rows > 0) {
         refuse_ragged(path, report);
     }
-    if (has_points_in_rows || report.rows == 0) {
-        check_row_count(path, report.rows);
-    }
+    check_row_count(path, report.rows, least_rows);
     check_finite(path, report);
 }
 
-void check_row_count(const std::string& path, std::size_t rows) {
-    if (rows < 3) {
+void check_row_count(const std::string& path, std::size_t rows, std::size_t least_rows) {
+    if (rows < least_rows) {
         throw InputError(path + ": has " + counted(rows, "row", "rows") +
-                         ", and an embedding needs at least 3\nIn delimited text the first line is "
+                         (least_rows > 1
+                              ? ", and an embedding needs at least " + std::to_string(least_rows)
+                              : ", so there is none to place") +
+                         "\nIn delimited text the first line is "
                          "the header, and lines that are empty or open with # are skipped.");
     }
     if (rows > static_cast<std::size_t>(std::numeric_limits<int>::max())) {

@@ -8,17 +8,22 @@
 
 namespace ovik {
 
+/// Fewer rows have no map.
+inline constexpr std::size_t kLeastEmbeddedRows = 3;
+
 /// Refuses a file whose rows do not make a matrix.
 ///
-/// @param has_points_in_rows  whether the rows are to be embedded, which have to be enough then
+/// @param least_rows  how many rows there have to be: as many as a map needs, or 1
 /// @throws InputError with the first line, row and cure: rows of unequal length, too few rows,
 /// values that are not finite
 void check_matrix(const std::string& path,
                   const MatrixReport& report,
-                  bool has_points_in_rows = true);
+                  std::size_t least_rows = kLeastEmbeddedRows);
 
-/// @throws InputError if there are fewer than 3 rows, or more than the engine can count
-void check_row_count(const std::string& path, std::size_t rows);
+/// @throws InputError if there are fewer rows than wanted, or more than the engine can count
+void check_row_count(const std::string& path,
+                     std::size_t rows,
+                     std::size_t least_rows = kLeastEmbeddedRows);
 
 /// Refuses values that cannot be embedded.
 ///

@@ -91,12 +91,17 @@ void fill_in_row_means(const std::string& path,
     }
 }
 
-void fill_in_column_means(const MissingCounts& missing, InspectedMatrix& matrix) {
+/// @param known  null, or columns whose means are taken
+void fill_in_column_means(const MissingCounts& missing,
+                          const KnownColumns* known,
+                          InspectedMatrix& matrix) {
     const std::size_t rows = matrix.report.rows;
     const std::size_t columns = matrix.report.columns;
     for (std::size_t d = 0; d < columns; ++d) {
         double* const column = matrix.values.get() + d;
-        if (missing.by_column[d] > 0) {
+        if (missing.by_column[d] > 0 && known != nullptr) {
+            fill_in(column, rows, columns, known->means[d]);
+        } else if (missing.by_column[d] > 0) {
             const bool has_numbers = missing.by_column[d] < rows;
             fill_in(
                 column, rows, columns, has_numbers ? mean_of_numbers(column, rows, columns) : 0.0);
@@ -198,13 +203,14 @@ void treat_missing(const std::string& path,
                    const MissingCounts& missing,
                    const OptionSpelling& spell,
                    InspectedMatrix& matrix,
-                   std::vector<std::string>& labels) {
+                   std::vector<std::string>& labels,
+                   const KnownColumns* known) {
     switch (policy) {
         case MissingPolicy::RowMean:
             fill_in_row_means(path, missing, spell, matrix);
             break;
         case MissingPolicy::ColumnMean:
-            fill_in_column_means(missing, matrix);
+            fill_in_column_means(missing, known, matrix);
             break;
         case MissingPolicy::Drop:
             leave_rows_out(

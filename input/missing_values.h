@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "input/inspected_matrix.h"
+#include "input/known_columns.h"
 #include "input/option_spelling.h"
 #include "util/api.h"
 
@@ -60,12 +61,14 @@ std::string treatment(MissingPolicy policy, std::size_t rows_before, std::size_t
 ///                rows are left out
 /// @param spell   writes the options that are the cure
 /// @param labels  one per row, or empty; they follow
+/// @param known   null, or columns whose means are taken in the place of those of the matrix
 /// @throws InputError if a row has no number of which to take the mean
 void treat_missing(const std::string& path,
                    MissingPolicy policy,
                    const MissingCounts& missing,
                    const OptionSpelling& spell,
                    InspectedMatrix& matrix,
-                   std::vector<std::string>& labels);
+                   std::vector<std::string>& labels,
+                   const KnownColumns* known = nullptr);
 
 }  // namespace ovik

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "util/counted.h"
@@ -126,26 +127,47 @@ void centre_rows(InspectedMatrix& matrix) {
     });
 }
 
-void centre_columns(InspectedMatrix& matrix) {
-    for_columns(matrix, [](const Columns& part) {
+/// Subtracts a number of each column.
+void subtract_columns(const Columns& part, const double* subtracted) {
+    for (std::size_t n = 0; n < part.rows; ++n) {
+        for (std::size_t d = 0; d < part.range.size(); ++d) {
+            part.row(n)[d] -= subtracted[d];
+        }
+    }
+}
+
+/// Divides each column by a number.
+void divide_columns(const Columns& part, const double* divisors) {
+    for (std::size_t n = 0; n < part.rows; ++n) {
+        for (std::size_t d = 0; d < part.range.size(); ++d) {
+            part.row(n)[d] /= divisors[d];
+        }
+    }
+}
+
+/// @return what was subtracted from each column
+std::vector<double> centre_columns(InspectedMatrix& matrix) {
+    std::vector<double> subtracted(matrix.report.columns);
+    for_columns(matrix, [&subtracted](const Columns& part) {
         const std::vector<char> is_constant = constant_columns(part);
         std::vector<double> means = means_of(part);
         for (std::size_t d = 0; d < means.size(); ++d) {
             // The rounded mean of equal values may be another one.
             means[d] = is_constant[d] != 0 ? part.row(0)[d] : means[d];
         }
-        for (std::size_t n = 0; n < part.rows; ++n) {
-            for (std::size_t d = 0; d < means.size(); ++d) {
-                part.row(n)[d] -= means[d];
-            }
-        }
+        subtract_columns(part, means.data());
+        std::copy(means.begin(), means.end(), &subtracted[part.range.begin]);
     });
+    return subtracted;
 }
 
 /// @param rounding  standard deviations up to this are nothing but rounding
-/// @return columns that are constant, and stay as they are
-std::size_t scale_columns(InspectedMatrix& matrix, double rounding) {
-    std::vector<char> is_constant(matrix.report.columns, 0);
+/// @param is_constant  marks columns that are constant, and stay as they are
+/// @return what each column was divided by
+std::vector<double> scale_columns(InspectedMatrix& matrix,
+                                  double rounding,
+                                  std::vector<char>& is_constant) {
+    std::vector<double> all_divisors(matrix.report.columns);
     for_columns(matrix, [&](const Columns& part) {
         const std::vector<char> all_equal = constant_columns(part);
         std::vector<double> divisors = deviations_of(part);
@@ -155,13 +177,10 @@ std::size_t scale_columns(InspectedMatrix& matrix, double rounding) {
                 divisors[d] = 1.0;
             }
         }
-        for (std::size_t n = 0; n < part.rows; ++n) {
-            for (std::size_t d = 0; d < divisors.size(); ++d) {
-                part.row(n)[d] /= divisors[d];
-            }
-        }
+        divide_columns(part, divisors.data());
+        std::copy(divisors.begin(), divisors.end(), &all_divisors[part.range.begin]);
     });
-    return static_cast<std::size_t>(std::count(is_constant.begin(), is_constant.end(), 1));
+    return all_divisors;
 }
 
 double largest_magnitude(const InspectedMatrix& matrix) {
@@ -180,6 +199,23 @@ void check_all_finite(const std::string& reason, const InspectedMatrix& matrix) 
     if (!std::all_of(values, values + count, [](double x) { return std::isfinite(x); })) {
         throw InputError(reason);
     }
+}
+
+/// @throws InputError if a value is missing
+void check_none_missing(const std::string& path,
+                        const OptionSpelling& spell,
+                        const InspectedMatrix& matrix) {
+    check_all_finite(path + ": values are missing, and cannot be transformed\nSay with " +
+                         spell("missing", "") + " what becomes of them first.",
+                     matrix);
+}
+
+/// @throws InputError if a value has got beyond what `double` holds
+void check_in_range(const std::string& path, const InspectedMatrix& matrix) {
+    check_all_finite(path +
+                         ": the values are too large to be transformed\nBring them to a common "
+                         "scale first.",
+                     matrix);
 }
 
 }  // namespace
@@ -211,16 +247,30 @@ std::string names_of(const Transformations& transformations) {
     return names;
 }
 
+std::optional<Transformations> transformations_of(std::string_view names) {
+    for (const bool log1p : {false, true}) {
+        for (const Centring centre : {Centring::None, Centring::Rows, Centring::Columns}) {
+            for (const bool scale : {false, true}) {
+                const Transformations transformations{log1p, centre, scale};
+                if (names_of(transformations) == names) {
+                    return transformations;
+                }
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 std::string transform(const std::string& path,
                       const Transformations& transformations,
                       const OptionSpelling& spell,
-                      InspectedMatrix& matrix) {
-    check_all_finite(path + ": values are missing, and cannot be transformed\nSay with " +
-                         spell("missing", "") + " what becomes of them first.",
-                     matrix);
+                      InspectedMatrix& matrix,
+                      KnownColumns* learnt) {
+    check_none_missing(path, spell, matrix);
     if (transformations.log1p) {
         take_logarithms(path, spell, matrix);
     }
+    KnownColumns columns;
     // What is left of equal values in a row, by rounding, is in proportion to those values.
     constexpr double kRounding = 1e-13;
     double rounding = 0.0;
@@ -228,13 +278,16 @@ std::string transform(const std::string& path,
         rounding = kRounding * largest_magnitude(matrix);
         centre_rows(matrix);
     } else if (transformations.centre == Centring::Columns) {
-        centre_columns(matrix);
+        columns.subtracted = centre_columns(matrix);
     }
     Transformations of_values = transformations;
     of_values.transpose = false;
     std::string done = path + ": transformed by " + names_of(of_values);
     if (transformations.scale) {
-        const std::size_t constant = scale_columns(matrix, rounding);
+        std::vector<char> is_constant(matrix.report.columns, 0);
+        columns.divisors = scale_columns(matrix, rounding, is_constant);
+        const auto constant =
+            static_cast<std::size_t>(std::count(is_constant.begin(), is_constant.end(), 1));
         done += " (standard deviations with n - 1";
         done += constant == 0 ? ")"
                               : "; " +
@@ -243,11 +296,36 @@ std::string transform(const std::string& path,
                                             "columns are constant and not scaled") +
                                     ")";
     }
-    check_all_finite(path +
-                         ": the values are too large to be transformed\nBring them to a common "
-                         "scale first.",
-                     matrix);
+    check_in_range(path, matrix);
+    if (learnt != nullptr) {
+        learnt->subtracted = std::move(columns.subtracted);
+        learnt->divisors = std::move(columns.divisors);
+    }
     return done;
+}
+
+std::string transform_alike(const std::string& path,
+                            const Transformations& transformations,
+                            const KnownColumns& known,
+                            const OptionSpelling& spell,
+                            InspectedMatrix& matrix) {
+    check_none_missing(path, spell, matrix);
+    if (transformations.log1p) {
+        take_logarithms(path, spell, matrix);
+    }
+    if (transformations.centre == Centring::Rows) {
+        centre_rows(matrix);
+    }
+    for_columns(matrix, [&](const Columns& part) {
+        if (!known.subtracted.empty()) {
+            subtract_columns(part, &known.subtracted[part.range.begin]);
+        }
+        if (!known.divisors.empty()) {
+            divide_columns(part, &known.divisors[part.range.begin]);
+        }
+    });
+    check_in_range(path, matrix);
+    return path + ": transformed by " + names_of(transformations) + ", as the rows of the map were";
 }
 
 }  // namespace ovik

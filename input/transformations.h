@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "input/inspected_matrix.h"
+#include "input/known_columns.h"
 #include "input/option_spelling.h"
 #include "util/api.h"
 
@@ -40,6 +41,9 @@ struct Transformations {
 /// Names what is done in its order: "log1p, center columns, scale, transpose". Empty if nothing is.
 std::string names_of(const Transformations& transformations);
 
+/// What `names_of` gave these names to; nothing for other texts.
+std::optional<Transformations> transformations_of(std::string_view names);
+
 /// Transforms the values, which stay where they are. Means and sums of squares are formed in the
 /// order of rows or columns, in double precision: the same bits for any number of threads. A column
 /// whose values are all equal is not scaled, and is exactly 0 after centring by columns.
@@ -47,12 +51,25 @@ std::string names_of(const Transformations& transformations);
 /// @param path    for messages
 /// @param spell   how messages name the options
 /// @param matrix  at least two rows; no value is missing
+/// @param learnt  null, or what takes the numbers by which the columns were centred and scaled
 /// @return what was done, in a sentence for the user
 /// @throws InputError if there is a value below 0 of which to take the logarithm, with its place;
 /// if a value is missing; if sums get beyond what `double` holds
 std::string transform(const std::string& path,
                       const Transformations& transformations,
                       const OptionSpelling& spell,
-                      InspectedMatrix& matrix);
+                      InspectedMatrix& matrix,
+                      KnownColumns* learnt = nullptr);
+
+/// Transforms further rows by the numbers that the columns of an earlier matrix gave.
+///
+/// @param known   what `transform` learnt from that matrix, of as many columns
+/// @param matrix  of any number of rows; no value is missing
+/// @return, @throws as `transform`
+std::string transform_alike(const std::string& path,
+                            const Transformations& transformations,
+                            const KnownColumns& known,
+                            const OptionSpelling& spell,
+                            InspectedMatrix& matrix);
 
 }  // namespace ovik

@@ -101,7 +101,8 @@ std::string json_chart(const Chart& chart) {
                         {"functions", json_column(chart.functions, point_count)},
                         {"genes", json_column(chart.genes, point_count)},
                         {"labels", json_labels(chart, point_count)},
-                        {"labelColumns", json_label_columns(chart, point_count)}});
+                        {"labelColumns", json_label_columns(chart, point_count)},
+                        {"background", json_text(chart.background)}});
 }
 
 /// JSON in a form that cannot end the script element which holds it: these characters occur in

@@ -57,6 +57,8 @@ struct Chart {
     std::vector<std::string> labels;
     /// Labels of the points in the place of `labels`, of which the reader chooses; empty for none.
     std::span<const LabelColumn> label_columns;
+    /// The label of points that step back, as `PlottedRun` has it.
+    std::string background;
     /// One per point: the name under which the gene table lists it, where it is not its own.
     std::span<const std::string> genes;
     /// Coordinates of all rows; what is not finite is not drawn.

@@ -65,23 +65,38 @@ std::string legend_title(const std::string& label, const Legend& legend) {
     return gnuplot_line(label.empty() ? "(no label)" : label, legend.characters);
 }
 
-std::string colour(std::size_t label) {
-    return std::string("0x") + kColours[label % kColours.size()];
+/// The colour of points that step back.
+constexpr const char* kPale = "0xC8C8C8";
+
+/// Whether the points of a label step back.
+bool is_background(const Figure& figure, std::size_t label) {
+    return figure.has_background && label == 0;
 }
 
-std::string shape(std::size_t label) {
-    return std::to_string(kShapes[label / kColours.size() % kShapes.size()]);
+/// The number of a label among those with colours of their own.
+std::size_t colour_number(const Figure& figure, std::size_t label) {
+    return label - (figure.has_background && label > 0 ? 1 : 0);
+}
+
+std::string colour(const Figure& figure, std::size_t label) {
+    return is_background(figure, label)
+               ? kPale
+               : std::string("0x") + kColours[colour_number(figure, label) % kColours.size()];
+}
+
+std::string shape(const Figure& figure, std::size_t label) {
+    return std::to_string(kShapes[colour_number(figure, label) / kColours.size() % kShapes.size()]);
 }
 
 std::string block_name(std::size_t panel, std::size_t label) {
     return "$panel" + std::to_string(panel + 1) + "_label" + std::to_string(label + 1);
 }
 
-/// The size of the points of a panel: the more points, the smaller.
-std::string point_size(const FigurePanel& panel, const PanelGrid& grid) {
+/// The size of the points of a panel from a label on: the more points, the smaller.
+std::string point_size(const FigurePanel& panel, const PanelGrid& grid, std::size_t first = 0) {
     std::size_t count = 0;
-    for (const auto& points : panel.points) {
-        count += points.size();
+    for (std::size_t label = first; label < panel.points.size(); ++label) {
+        count += panel.points[label].size();
     }
     constexpr double kFew = 1.5;
     constexpr double kHalvingCount = 4000;
@@ -194,8 +209,8 @@ std::string legend_entries(const Figure& figure, const Legend& legend) {
     const std::size_t shown = count <= legend.lines ? count : legend.lines - 1;
     std::string entries;
     for (std::size_t label = 0; label < shown; ++label) {
-        entries += ", \\\n  keyentry with points pointtype " + shape(label) +
-                   " pointsize 1.5 linecolor rgb " + colour(label) + " title " +
+        entries += ", \\\n  keyentry with points pointtype " + shape(figure, label) +
+                   " pointsize 1.5 linecolor rgb " + colour(figure, label) + " title " +
                    legend_title(figure.labels[label], legend);
     }
     if (shown < count) {
@@ -205,11 +220,12 @@ std::string legend_entries(const Figure& figure, const Legend& legend) {
     return entries;
 }
 
-/// Large groups first, so that they do not bury small ones.
-std::vector<std::size_t> drawing_order(const FigurePanel& panel) {
+/// The background first, then large groups, so that they do not bury small ones.
+std::vector<std::size_t> drawing_order(const Figure& figure, const FigurePanel& panel) {
     std::vector<std::size_t> order(panel.points.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&panel](std::size_t a, std::size_t b) {
+    const auto first = order.begin() + (figure.has_background && !order.empty() ? 1 : 0);
+    std::stable_sort(first, order.end(), [&panel](std::size_t a, std::size_t b) {
         return panel.points[a].size() > panel.points[b].size();
     });
     return order;
@@ -220,8 +236,8 @@ std::string draw_numbers(const FigurePanel& panel, std::size_t position, const P
     const std::string shared = " with points pointtype 7 pointsize " + point_size(panel, grid);
     std::string script;
     if (!panel.points[1].empty()) {
-        script += ", \\\n  " + block_name(position, 1) + " using 1:2" + shared +
-                  " linecolor rgb 0xC8C8C8 notitle";
+        script += ", \\\n  " + block_name(position, 1) + " using 1:2" + shared + " linecolor rgb " +
+                  kPale + " notitle";
     }
     if (!panel.points[0].empty()) {
         script += ", \\\n  " + block_name(position, 0) + " using 1:2:3" + shared +
@@ -253,12 +269,13 @@ std::string draw_panel(const Figure& figure,
     if (figure.scale) {
         return colour_bar(position) + script + draw_numbers(panel, position, grid) + "\n";
     }
-    for (const std::size_t label : drawing_order(panel)) {
+    for (const std::size_t label : drawing_order(figure, panel)) {
         if (!panel.points[label].empty()) {
             script += ", \\\n  " + block_name(position, label) +
-                      " using 1:2 with points pointtype " + shape(label) + " pointsize " +
-                      point_size(panel, grid) + " linecolor rgb (transparency * 0x1000000 + " +
-                      colour(label) + ") notitle";
+                      " using 1:2 with points pointtype " + shape(figure, label) + " pointsize " +
+                      point_size(panel, grid, figure.has_background && label > 0 ? 1 : 0) +
+                      " linecolor rgb (transparency * 0x1000000 + " + colour(figure, label) +
+                      ") notitle";
         }
     }
     return script + (position == 0 ? legend_entries(figure, legend) : "") + "\n";

@@ -35,6 +35,8 @@ struct Figure {
     std::string title;
     /// The legend; empty for points without labels.
     std::vector<std::string> labels;
+    /// Whether the points of the first label step back, pale and beneath the others.
+    bool has_background = false;
     /// If there is one, panels have two lists of points: those with a number and those without.
     std::optional<ColourScale> scale{};
     std::vector<FigurePanel> panels;

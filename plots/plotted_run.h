@@ -22,6 +22,9 @@ struct PlottedRun {
     /// Labels of the points in the place of `labels`: the page offers each, the figure shows the
     /// first. Empty for none.
     std::span<const LabelColumn> label_columns;
+    /// The label of points that step back, pale and beneath the others, first in the legend; with
+    /// numeric labels those without a number do. Empty for none.
+    std::string_view background{};
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;

@@ -19,14 +19,21 @@ namespace {
 /// The number of each row's label, in order of appearance.
 class LabelNumbers {
   public:
+    /// @param first  a label that comes first if there is one of it; empty for none
     LabelNumbers(std::span<const std::string> labels,
                  std::size_t point_count,
-                 std::size_t row_count) {
+                 std::size_t row_count,
+                 std::string_view first) {
         // Labels are one per point or one per row; any other number of them is of no use.
         if (labels.size() != point_count && labels.size() != row_count) {
             return;
         }
         std::map<std::string_view, std::size_t> numbers;
+        if (!first.empty() && std::find(labels.begin(), labels.end(), first) != labels.end()) {
+            numbers.emplace(first, 0);
+            names.emplace_back(first);
+            has_first = true;
+        }
         for (const std::string& label : labels) {
             const auto [entry, is_new] = numbers.emplace(label, names.size());
             if (is_new) {
@@ -42,6 +49,8 @@ class LabelNumbers {
     }
 
     std::vector<std::string> names;
+    /// Whether the label that comes first is among them.
+    bool has_first = false;
 
   private:
     std::vector<std::size_t> numbers_;
@@ -180,7 +189,8 @@ Figure figure_of_run(const PlottedRun<T>& run, const FigureFrame& frame) {
     const LabelNumbers labels(
         numeric != nullptr ? std::span<const std::string>() : group_labels(run),
         point_count,
-        row_count);
+        row_count,
+        run.background);
     Figure figure;
     if (numeric != nullptr && row_count > 0) {
         figure.scale = scale_of(*numeric);
@@ -188,6 +198,7 @@ Figure figure_of_run(const PlottedRun<T>& run, const FigureFrame& frame) {
     figure.stem = frame.stem;
     figure.title = frame.title;
     figure.labels = labels.names;
+    figure.has_background = labels.has_first;
     figure.panels = panels_of(run, point_count, frame.axis_titles, labels);
     figure.bounds = drawn_bounds(frame.bounds, figure.panels);
     return figure;

@@ -1,21 +1,14 @@
 #include "results/checkpoint.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
-// NOLINTNEXTLINE(readability-identifier-naming): the library's own switch, for nothing to link
-#define XXH_INLINE_ALL
-#include <xxhash.h>
-
-#include "util/format.h"
+#include "results/byte_encoding.h"
 #include "util/input_error.h"
 #include "util/whole_file.h"
 
@@ -25,7 +18,6 @@ namespace {
 
 constexpr std::string_view kMagic = "OVIKCKPT";
 constexpr std::uint64_t kVersion = 3;
-constexpr std::size_t kNumberSize = 8;
 /// Magic and version, by which a file is known for what it is.
 constexpr std::size_t kOpeningSize = 2 * kNumberSize;
 /// What stands before the options: the opening, three sizes and the length of the options.
@@ -35,102 +27,6 @@ constexpr std::uint64_t kMostOptionBytes = 1U << 16U;
 /// What stands between the options and the arrays: two digests, iteration and two costs.
 constexpr std::size_t kProgressSize = 7 * kNumberSize;
 constexpr std::size_t kArrays = 3;
-
-/// Texts and numbers as bytes.
-class Encoder {
-  public:
-    void put(std::string_view text) { bytes_ += text; }
-
-    void put(std::uint64_t number) {
-        std::array<char, kNumberSize> bytes{};
-        for (std::size_t i = 0; i < kNumberSize; ++i) {
-            bytes[i] = static_cast<char>(number >> (8 * i));
-        }
-        bytes_.append(bytes.data(), bytes.size());
-    }
-
-    void put(double number) { put(std::bit_cast<std::uint64_t>(number)); }
-
-    void put(int number) { put(static_cast<std::uint64_t>(std::int64_t{number})); }
-
-    void put(const Digest& digest) {
-        put(digest.low);
-        put(digest.high);
-    }
-
-    void put(const double* numbers, std::size_t count) {
-        bytes_.reserve(bytes_.size() + count * kNumberSize);
-        std::for_each(numbers, numbers + count, [this](double number) { put(number); });
-    }
-
-    void clear() { bytes_.clear(); }
-
-    [[nodiscard]] const std::string& bytes() const { return bytes_; }
-
-    [[nodiscard]] std::string take() { return std::move(bytes_); }
-
-  private:
-    std::string bytes_;
-};
-
-/// Numbers from bytes, of which there are enough.
-class Decoder {
-  public:
-    explicit Decoder(std::string_view bytes) : bytes_(bytes) {}
-
-    std::uint64_t integer() {
-        std::uint64_t number = 0;
-        for (std::size_t i = 0; i < kNumberSize; ++i) {
-            number |= std::uint64_t{static_cast<unsigned char>(bytes_[i])} << (8 * i);
-        }
-        bytes_.remove_prefix(kNumberSize);
-        return number;
-    }
-
-    double real() { return std::bit_cast<double>(integer()); }
-
-    int smallInteger() { return static_cast<int>(static_cast<std::int64_t>(integer())); }
-
-    Digest digest() {
-        const std::uint64_t low = integer();
-        return {low, integer()};
-    }
-
-    std::string_view text(std::size_t length) {
-        const std::string_view text = bytes_.substr(0, length);
-        bytes_.remove_prefix(length);
-        return text;
-    }
-
-    std::vector<double> reals(std::size_t count) {
-        std::vector<double> numbers(count);
-        std::generate(numbers.begin(), numbers.end(), [this] { return real(); });
-        return numbers;
-    }
-
-  private:
-    std::string_view bytes_;
-};
-
-std::uint64_t checksum(std::string_view bytes) {
-    return XXH3_64bits(bytes.data(), bytes.size());
-}
-
-/// Forms the digest of bytes that come in pieces.
-class DigestStream {
-  public:
-    DigestStream() { XXH3_128bits_reset(&state_); }
-
-    void add(std::string_view bytes) { XXH3_128bits_update(&state_, bytes.data(), bytes.size()); }
-
-    [[nodiscard]] Digest digest() const {
-        const XXH128_hash_t hash = XXH3_128bits_digest(&state_);
-        return {hash.low64, hash.high64};
-    }
-
-  private:
-    XXH3_state_t state_{};
-};
 
 std::string option_lines(const RunIdentity& run) {
     std::string lines;
@@ -158,7 +54,7 @@ std::vector<std::pair<std::string, std::string>> options_of(std::string_view lin
 std::string encoded(const Checkpoint& checkpoint) {
     const RunIdentity& run = checkpoint.run;
     const std::string options = option_lines(run);
-    Encoder file;
+    ByteEncoder file;
     file.put(kMagic);
     file.put(kVersion);
     file.put(std::uint64_t{run.rows});
@@ -172,9 +68,9 @@ std::string encoded(const Checkpoint& checkpoint) {
     file.put(checkpoint.cost);
     file.put(checkpoint.marked_cost);
     for (const auto* array : {&checkpoint.embedding, &checkpoint.velocity, &checkpoint.gains}) {
-        file.put(array->data(), array->size());
+        file.put(std::span<const double>(*array));
     }
-    file.put(checksum(file.bytes()));
+    file.put(checksum_of(file.bytes()));
     return file.take();
 }
 
@@ -212,7 +108,7 @@ void check_opening(const std::string& path, std::string_view bytes) {
     if (bytes.size() < kOpeningSize) {
         refuse_damaged(path, "it has " + std::to_string(bytes.size()) + " bytes only");
     }
-    const std::uint64_t version = Decoder(bytes.substr(kMagic.size())).integer();
+    const std::uint64_t version = ByteDecoder(bytes.substr(kMagic.size())).integer();
     if (version != kVersion) {
         throw InputError(path + ": this is a checkpoint of version " + std::to_string(version) +
                          ", and only those of version " + std::to_string(kVersion) +
@@ -261,7 +157,7 @@ Checkpoint read_header(const std::string& path, std::ifstream& file, std::string
     Checkpoint checkpoint;
     RunIdentity& run = checkpoint.run;
     read_on(path, file, kShapeSize - kOpeningSize, bytes);
-    Decoder shape(std::string_view(bytes).substr(kOpeningSize));
+    ByteDecoder shape(std::string_view(bytes).substr(kOpeningSize));
     run.rows = shape.integer();
     run.columns = shape.integer();
     run.out_dims = shape.integer();
@@ -270,7 +166,7 @@ Checkpoint read_header(const std::string& path, std::ifstream& file, std::string
         refuse_damaged(path, "its sizes make no sense");
     }
     read_on(path, file, option_bytes + kProgressSize, bytes);
-    Decoder progress(std::string_view(bytes).substr(kShapeSize));
+    ByteDecoder progress(std::string_view(bytes).substr(kShapeSize));
     run.options = options_of(progress.text(option_bytes));
     run.values = progress.digest();
     run.names = progress.digest();
@@ -318,41 +214,6 @@ void compare_options(const RunIdentity& there, const RunIdentity& here, Differen
 
 }  // namespace
 
-Digest digest_of(std::span<const double> values) {
-    constexpr std::size_t kBlock = 4096;
-    DigestStream stream;
-    Encoder block;
-    for (std::size_t first = 0; first < values.size(); first += kBlock) {
-        block.clear();
-        block.put(values.data() + first, std::min(kBlock, values.size() - first));
-        stream.add(block.bytes());
-    }
-    return stream.digest();
-}
-
-Digest digest_of(std::span<const std::string> texts) {
-    DigestStream stream;
-    Encoder text;
-    for (const std::string& each : texts) {
-        // With its length: "ab", "c" are other texts than "a", "bc".
-        text.clear();
-        text.put(std::uint64_t{each.size()});
-        text.put(each);
-        stream.add(text.bytes());
-    }
-    return stream.digest();
-}
-
-std::string hexadecimal(const Digest& digest) {
-    char text[40];
-    std::snprintf(text,
-                  sizeof text,
-                  "%016llx%016llx",
-                  static_cast<unsigned long long>(digest.high),
-                  static_cast<unsigned long long>(digest.low));
-    return text;
-}
-
 std::string write_checkpoint(const std::string& path, const Checkpoint& checkpoint) {
     const std::string bytes = encoded(checkpoint);
     WholeFile file(path);
@@ -374,10 +235,10 @@ Checkpoint read_checkpoint(const std::string& path) {
     const std::string_view all = bytes;
     const std::size_t end = header_size + kArrays * count * kNumberSize;
     if (all.size() != end + kNumberSize ||
-        Decoder(all.substr(end)).integer() != checksum(all.substr(0, end))) {
+        ByteDecoder(all.substr(end)).integer() != checksum_of(all.substr(0, end))) {
         refuse_damaged(path, "its checksum is not that of its bytes");
     }
-    Decoder arrays(all.substr(header_size));
+    ByteDecoder arrays(all.substr(header_size));
     for (auto* array : {&checkpoint.embedding, &checkpoint.velocity, &checkpoint.gains}) {
         *array = arrays.reals(count);
     }

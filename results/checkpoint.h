@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <limits>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "results/digest.h"
 
 /// Checkpoints: the state of a fit between two iterations, as a file from which it can be gone on
 /// with.
@@ -30,23 +30,6 @@
 /// the last iteration of the run, on which nothing but its end depends.
 
 namespace ovik {
-
-/// A fingerprint of 128 bits; other contents have another one, for all practical purposes.
-struct Digest {
-    std::uint64_t low = 0;
-    std::uint64_t high = 0;
-
-    bool operator==(const Digest&) const = default;
-};
-
-/// The fingerprint of the bits of some values.
-Digest digest_of(std::span<const double> values);
-
-/// The fingerprint of some texts; it depends on where each of them ends.
-Digest digest_of(std::span<const std::string> texts);
-
-/// A digest as text.
-std::string hexadecimal(const Digest& digest);
 
 /// What decides the states that a fit goes through.
 struct RunIdentity {

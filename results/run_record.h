@@ -88,4 +88,22 @@ struct RunRecord {
     }
 };
 
+/// What came of placing rows on the map of a model. Lists have an element for each row.
+struct PlacementRecord {
+    /// Path of the model.
+    std::string model;
+    /// Rows of the map, and its perplexity.
+    std::size_t map_rows = 0;
+    double perplexity = 0.0;
+    /// What the placement took, by the clock on the wall.
+    double seconds = 0.0;
+    std::vector<std::string> names;
+    /// The divergence of each place from the row's affinities, in nats.
+    std::vector<double> costs;
+    /// The row of the map that is nearest in the input, and how far that is once it is scaled.
+    std::vector<std::string> nearest;
+    std::vector<double> nearest_distances;
+    std::vector<ResultFile> files;
+};
+
 }  // namespace ovik

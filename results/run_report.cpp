@@ -112,6 +112,19 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     return json_object(members);
 }
 
+std::string json_placement(const PlacementRecord& placement,
+                           const std::filesystem::path& directory) {
+    return json_object({{"model", json_text(path_from(directory, placement.model))},
+                        {"map_rows", json_text(placement.map_rows)},
+                        {"perplexity", json_text(placement.perplexity)},
+                        {"seconds", json_text(placement.seconds)},
+                        {"files", json_files(placement.files, directory)},
+                        {"names", json_list_of(placement.names)},
+                        {"costs", json_list_of(placement.costs)},
+                        {"nearest", json_list_of(placement.nearest)},
+                        {"nearest_distances", json_list_of(placement.nearest_distances)}});
+}
+
 }  // namespace
 
 std::string report_json(const RunReport& report, const std::string& path) {
@@ -120,23 +133,27 @@ std::string report_json(const RunReport& report, const std::string& path) {
     for (const RunRecord& run : report.runs) {
         runs.push_back(json_run(run, directory));
     }
-    return json_object({{"report", json_text(kReportVersion)},
-                        {"program", json_text(report.program)},
-                        {"version", json_text(report.version)},
-                        {"command_line", json_list_of(report.command_line)},
-                        {"started", json_text(utc_text(report.started))},
-                        {"options", json_object(report.options)},
-                        {"threads", json_text(report.threads)},
-                        {"input", json_input(report, directory)},
-                        {"seconds",
-                         json_object({{"reading", json_text(report.reading_seconds)},
-                                      {"total", json_text(report.total_seconds)}})},
-                        {"memory_bytes",
-                         json_object({{"estimated", json_text(report.estimated_memory)},
-                                      {"peak", json_text(report.peak_memory)}})},
-                        {"runs", json_list(runs)},
-                        {"exit_status", json_text(report.exit_status)}}) +
-           "\n";
+    std::vector<std::pair<std::string, std::string>> members = {
+        {"report", json_text(kReportVersion)},
+        {"program", json_text(report.program)},
+        {"version", json_text(report.version)},
+        {"command_line", json_list_of(report.command_line)},
+        {"started", json_text(utc_text(report.started))},
+        {"options", json_object(report.options)},
+        {"threads", json_text(report.threads)},
+        {"input", json_input(report, directory)},
+        {"seconds",
+         json_object({{"reading", json_text(report.reading_seconds)},
+                      {"total", json_text(report.total_seconds)}})},
+        {"memory_bytes",
+         json_object({{"estimated", json_text(report.estimated_memory)},
+                      {"peak", json_text(report.peak_memory)}})},
+        {"runs", json_list(runs)}};
+    if (report.placement) {
+        members.emplace_back("placement", json_placement(*report.placement, directory));
+    }
+    members.emplace_back("exit_status", json_text(report.exit_status));
+    return json_object(members) + "\n";
 }
 
 std::error_code write_run_report(const std::string& path, const RunReport& report) {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "results/checkpoint.h"
+#include "results/digest.h"
 #include "results/run_record.h"
 
 namespace ovik {
@@ -39,6 +40,8 @@ struct RunReport {
     double estimated_memory = 0.0;
     double peak_memory = 0.0;
     std::vector<RunRecord> runs;
+    /// In the place of runs: rows that were placed on the map of a model.
+    std::optional<PlacementRecord> placement;
     int exit_status = 0;
 };
 

@@ -92,4 +92,9 @@ InputScale centre_and_scale(MatrixView<double> X) {
     return scale;
 }
 
+void scale_alike(MatrixView<double> X, const InputScale& scale) {
+    subtract(X.values, X.rows, X.columns, scale.means.data());
+    multiply_all(X.values, X.size(), scale.factor);
+}
+
 }  // namespace ovik

@@ -24,4 +24,10 @@ void zero_mean(double* X, std::size_t rows, std::size_t columns);
 /// @throws WorkMemoryError if the means do not fit in memory
 InputScale centre_and_scale(MatrixView<double> X);
 
+/// Puts further rows through what `centre_and_scale` did to a matrix, by the same operations.
+///
+/// @param X      modified
+/// @param scale  of as many columns
+void scale_alike(MatrixView<double> X, const InputScale& scale);
+
 }  // namespace ovik

@@ -12,6 +12,7 @@
 #include "plots/plot_outcome.h"
 #include "results/label_column.h"
 #include "stats/fit_options.h"
+#include "stats/input_scale.h"
 #include "stats/iteration_report.h"
 #include "stats/run_times.h"
 #include "stats/seed_report.h"
@@ -100,8 +101,8 @@ class TSNE {
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
     int checkpoint_every = 50;
-    /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN in
-    /// rows that start among their neighbours.
+    /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN
+    /// in rows that start among their neighbours.
     std::vector<double> start_places;
     /// What was done to the input before it came here, such as "log1p": the chart page names it,
     /// and so do checkpoints, which are not gone on with if it differs. Empty: nothing.
@@ -220,6 +221,9 @@ class TSNE {
     /// What the fits of several seeds came to; none of a run from one.
     [[nodiscard]] const std::optional<SeedReport>& seedReport() const { return seed_report_; }
 
+    /// How the last embedding centred and scaled its input.
+    [[nodiscard]] const InputScale& inputScale() const { return input_scale_; }
+
     /// How long its stages took.
     [[nodiscard]] const RunTimes& times() const { return times_; }
 
@@ -334,6 +338,7 @@ class TSNE {
     std::vector<double> costs_;
     std::optional<SeedReport> seed_report_;
     RunTimes times_;
+    InputScale input_scale_;
     std::string checkpoint_failure_;
     std::error_code table_failure_;
     std::error_code log_failure_;

@@ -318,6 +318,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     final_cost_ = report.final_cost;
     costs_ = std::move(report.costs);
     times_ = report.seconds;
+    input_scale_ = report.scale;
     variance_kept_ = report.variance_kept;
     print_fitting_time(report.fitting_clock);
     return report;
@@ -332,6 +333,7 @@ void TSNE<T>::forgetResults() {
     costs_.clear();
     seed_report_.reset();
     times_ = {};
+    input_scale_ = {};
     table_written_ = false;
     log_written_ = false;
     table_failure_.clear();

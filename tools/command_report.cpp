@@ -1,6 +1,7 @@
 #include "tools/command_report.h"
 
 #include <ctime>
+#include <sys/resource.h>
 #include <utility>
 
 #include "stats/option_effect.h"
@@ -63,9 +64,18 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
     report.version = OVIK_VERSION;
     report.command_line = std::move(command_line);
     report.started = std::time(nullptr);
-    report.options = reported_options(options);
+    if (options.onto.empty()) {
+        report.options = reported_options(options);
+    }
     report.input = options.matrix;
     return report;
+}
+
+void complete_report(RunReport& report, Stopwatch since_start) {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    report.peak_memory = 1024.0 * static_cast<double>(usage.ru_maxrss);
+    report.total_seconds = since_start.lap();
 }
 
 bool write_report(const std::string& path, const RunReport& report) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "results/run_report.h"
+#include "util/stopwatch.h"
 
 #include "tools/options.h"
 
@@ -16,6 +17,9 @@ std::vector<std::pair<std::string, std::string>> reported_options(const Options&
 
 /// A report that says what was called, with which options, and when: now.
 RunReport begin_report(const Options& options, std::vector<std::string> command_line);
+
+/// Fills in what the whole call took: its time, and the most memory that it had at a time.
+void complete_report(RunReport& report, Stopwatch since_start);
 
 /// Writes the report and says where it is.
 ///

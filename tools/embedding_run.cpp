@@ -9,6 +9,7 @@
 #include "plots/cost_figure.h"
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
+#include "results/map_model.h"
 #include "stats/option_effect.h"
 #include "stats/schedule.h"
 #include "stats/tsne.h"
@@ -16,7 +17,9 @@
 
 #include "tools/interruption.h"
 #include "tools/map_quality.h"
+#include "tools/result_files.h"
 #include "tools/result_paths.h"
+#include "tools/run_model.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -31,19 +34,6 @@ void check_finite(const IterationReport& reached) {
                                  std::to_string(reached.iteration) +
                                  ", and no results are written\nBring the values of the matrix to "
                                  "a common scale, or choose another perplexity.");
-    }
-}
-
-std::string text_of(std::error_code failure) {
-    return failure ? failure.message() : "";
-}
-
-/// Says where a result is, or why it is missing.
-void report_file(const ResultFile& file) {
-    if (file.failure.empty()) {
-        print_info(file.what + ": " + file.path);
-    } else {
-        complain(file.what + " could not be written: " + file.path + " (" + file.failure + ")");
     }
 }
 
@@ -85,38 +75,17 @@ void record_seeds(RunRecord& record, const SeedReport& seeds) {
     }
 }
 
-/// Names the pictures of a figure, as far as there is one.
-void add_figure(std::vector<ResultFile>& files,
-                const std::string& what,
-                const std::string& base,
-                FigureOutcome outcome) {
-    if (outcome == FigureOutcome::None) {
-        return;
-    }
-    // What went wrong has been told when it did.
-    const std::string failure = outcome == FigureOutcome::Failed ? "not drawn" : "";
-    if (outcome != FigureOutcome::ScriptOnly) {
-        for (const char* const extension : {".png", ".svg"}) {
-            files.push_back({what, base + extension, failure});
-        }
-    }
-    files.push_back({what + " script", base + ".gp", failure});
-    if (outcome == FigureOutcome::Drawn) {
-        print_info(what + ": " + base + ".png (also .svg, and the script .gp)");
-    }
-}
-
 void add_checkpoint(std::vector<ResultFile>& files,
                     const std::string& path,
                     const std::string& failure) {
     if (path.empty()) {
         return;
     }
-    files.push_back({"Checkpoint", path, failure});
     if (failure.empty()) {
+        files.push_back({"Checkpoint", path, failure});
         print_info("Checkpoint: " + path + " (to go on: --resume)");
     } else {
-        report_file(files.back());
+        add_result(files, "Checkpoint", path, failure);
     }
 }
 
@@ -128,24 +97,22 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                        const RunRecord& record) {
     const std::string base = result_base(options, record.perplexity);
     std::vector<ResultFile> files;
-    const auto add =
-        [&files](const std::string& what, const std::string& path, const std::string& failure) {
-            files.push_back({what, path, failure});
-            report_file(files.back());
-        };
+    const auto add = [&files](const std::string& what,
+                              const std::string& path,
+                              std::error_code failure) { add_result(files, what, path, failure); };
     const auto N = static_cast<std::size_t>(tsne.N);
     const auto dims = static_cast<std::size_t>(options.fit.out_dims);
-    add("Result table", base + ".csv", text_of(tsne.tableFailure()));
-    add("Run log", tsne.out_base + ".log", text_of(tsne.logFailure()));
+    add("Result table", base + ".csv", tsne.tableFailure());
+    add("Run log", tsne.out_base + ".log", tsne.logFailure());
     if (options.coordinates_tsv) {
         const std::string path = base + ".tsv";
         const auto failure = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
-        add("Coordinates", path, text_of(failure));
+        add("Coordinates", path, failure);
     }
     if (options.coordinates_npy) {
         const std::string path = base + ".npy";
         const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
-        add("Coordinates", path, text_of(failure));
+        add("Coordinates", path, failure);
     }
     if (options.annotated_tsv) {
         const std::string path = annotated_path(base);
@@ -154,10 +121,10 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
             path,
             {tsne.Y, N, dims},
             {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
-        add("Annotated table", path, text_of(failure));
+        add("Annotated table", path, failure);
     }
     if (options.plots) {
-        add("Chart page", base + ".html", text_of(tsne.plots().page_failure));
+        add("Chart page", base + ".html", tsne.plots().page_failure);
     }
     add_figure(files, "Figure", base, tsne.plots().figure);
     if (options.plot_cost) {
@@ -171,6 +138,11 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                      Schedule(options.fit, 0).endOfExaggeration()}));
     }
     add_checkpoint(files, options.checkpoint, tsne.checkpointFailure());
+    if (!options.model.empty()) {
+        add("Model",
+            options.model,
+            write_map_model(options.model, model_of_run(tsne, options, input.columns_known)));
+    }
     return files;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "input/known_columns.h"
 #include "results/label_column.h"
 #include "results/run_record.h"
 #include "stats/cached_neighbours.h"
@@ -29,6 +30,8 @@ struct RunInput {
     std::vector<LabelColumn> label_columns;
     /// Where the rows start, rows x output dimensions; empty for a start of another kind.
     std::vector<double> start_places;
+    /// What the columns are, for a model of the map; without means if none is wanted.
+    KnownColumns columns_known;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
 };

@@ -39,6 +39,7 @@ LoadOptions load_options(const Options& options) {
     load.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
     load.spell = spelled;
     load.holds_distances = options.fit.metric == MetricKind::Precomputed;
+    load.learns_columns = !options.model.empty();
     if (!options.force) {
         load.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
             check_memory_of_reading(source, layout, available_memory());

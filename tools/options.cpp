@@ -1,6 +1,7 @@
 #include "tools/options.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -9,6 +10,7 @@
 #include <limits>
 #include <map>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <type_traits>
 
@@ -385,6 +387,16 @@ void add_checkpoint_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
 }
 
+void add_model_options(CLI::App& app, Options& options) {
+    app.add_option(
+           "--model", options.model, "Save the map there, so that new rows can be placed on it")
+        ->option_text("FILE");
+    app.add_option("--onto",
+                   options.onto,
+                   "Place the rows of MATRIX on the map of a model (--model), which stays as it is")
+        ->option_text("FILE");
+}
+
 /// How the text of a matrix is to be taken.
 void add_text_options(CLI::App& app, Options& options) {
     app.add_option_function<std::string>(
@@ -498,6 +510,33 @@ void add_transformation_options(CLI::App& app, Options& options) {
         "Embed the columns, by their names in the header; behind all that is done to them");
 }
 
+/// Options that still say something where the map is there already: how rows are read, and where
+/// results go.
+constexpr std::array<std::string_view, 27> kOptionsOfPlacement = {
+    "onto",  "help",    "version",   "delimiter", "decimal", "skip-columns", "names-column",
+    "na",    "missing", "no-header", "no-names",  "names",   "row-names",    "labels",
+    "sheet", "log1p",   "center",    "scale",     "out-dir", "name",         "suffix",
+    "title", "json",    "no-plots",  "quiet",     "threads", "force"};
+
+/// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
+void check_placement(const CLI::App& app, const Options& options) {
+    if (options.onto.empty()) {
+        return;
+    }
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->count() == 0 || option->get_lnames().empty()) {
+            continue;
+        }
+        const std::string& name = option->get_lnames().front();
+        if (std::find(kOptionsOfPlacement.begin(), kOptionsOfPlacement.end(), name) ==
+            kOptionsOfPlacement.end()) {
+            throw CLI::ValidationError(
+                "--" + name,
+                "is of runs that make a map, and --onto takes that of the model: leave it away");
+        }
+    }
+}
+
 void check_combination(const Options& options) {
     if (options.matrix.empty() && options.gene.empty() && options.collected_reports.empty()) {
         throw CLI::RequiredError("MATRIX");
@@ -506,6 +545,12 @@ void check_combination(const Options& options) {
         throw CLI::ValidationError(
             "--collect",
             "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
+    if (options.perplexities.size() > 1 && !options.model.empty()) {
+        throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
+    }
+    if (!options.model.empty() && options.model == options.checkpoint) {
+        throw CLI::ValidationError("--model", "and --checkpoint cannot be the same file");
     }
     if (options.perplexities.size() > 1 &&
         !(options.checkpoint.empty() && options.resume.empty())) {
@@ -649,8 +694,10 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_output_options(app, command.options);
     add_method_options(app, command.options);
     add_checkpoint_options(app, command.options);
+    add_model_options(app, command.options);
     try {
         app.parse(argc, argv);
+        check_placement(app, command.options);
         check_combination(command.options);
         check_comparison(app, command.options);
         check_fit(app, command.options);

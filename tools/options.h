@@ -67,6 +67,10 @@ struct Options {
     int checkpoint_every = 50;
     /// Checkpoint to go on from; empty for a run that starts anew.
     std::string resume;
+    /// File of the model of the map; empty for none.
+    std::string model;
+    /// Model of a map on which the rows are placed, instead of a map of their own; empty for none.
+    std::string onto;
     Precision precision = Precision::Double;
     /// From how many seeds each map is fitted, of which the best is kept.
     int seeds = 1;

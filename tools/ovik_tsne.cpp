@@ -14,6 +14,7 @@
 #include <glog/logging.h>
 
 #include "results/checkpoint_path.h"
+#include "results/map_model.h"
 #include "stats/exit_without_memory.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"
@@ -33,10 +34,12 @@
 #include "tools/load_matrix.h"
 #include "tools/memory_check.h"
 #include "tools/neighbour_file.h"
+#include "tools/onto_run.h"
 #include "tools/options.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
+#include "tools/run_model.h"
 #include "tools/standard_streams.h"
 #include "tools/start_file.h"
 
@@ -69,15 +72,10 @@ RunSize size_of_runs(const Options& options,
     return size;
 }
 
-/// Takes the whole way from the matrix to the results.
-ExitStatus embed(Options options, RunReport report) {
-    Stopwatch watch;
-    Stopwatch since_start = watch;
-    watch_for_interruption();
-    if (!options.checkpoint.empty()) {
-        check_checkpoint_path(options.checkpoint);
-    }
-    std::optional<ConsoleSilence> silence;
+/// Silences the console if it is to be, and sets the number of threads.
+///
+/// @param silence  is given what holds messages back as long as it lives
+void settle_manner(const Options& options, std::optional<ConsoleSilence>& silence) {
     if (options.quiet) {
         silence.emplace();
         if (std::freopen("/dev/null", "w", stdout) == nullptr) {
@@ -89,6 +87,35 @@ ExitStatus embed(Options options, RunReport report) {
     if (!threads_note.empty()) {
         complain("note: " + threads_note);
     }
+}
+
+/// Takes the whole way from new rows to their places on a map.
+ExitStatus place(const Options& options, RunReport report) {
+    const Stopwatch since_start;
+    std::optional<ConsoleSilence> silence;
+    settle_manner(options, silence);
+    report.threads = static_cast<std::size_t>(omp_get_max_threads());
+    return place_onto(options, std::move(report), since_start);
+}
+
+/// Refuses files that the run would write in the place of something else.
+void check_places(const Options& options) {
+    if (!options.checkpoint.empty()) {
+        check_checkpoint_path(options.checkpoint);
+    }
+    if (!options.model.empty()) {
+        check_model_path(options.model);
+    }
+}
+
+/// Takes the whole way from the matrix to the results.
+ExitStatus embed(Options options, RunReport report) {
+    Stopwatch watch;
+    Stopwatch since_start = watch;
+    watch_for_interruption();
+    check_places(options);
+    std::optional<ConsoleSilence> silence;
+    settle_manner(options, silence);
     if (!options.checkpoint.empty() && is_written_in_place(options.checkpoint)) {
         tell_of_writing_in_place(options.checkpoint);
     }
@@ -101,6 +128,9 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     report.options = reported_options(options);
+    if (!options.model.empty()) {
+        check_placing_options(options.fit);
+    }
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
     check_result_names(options, perplexities);
     const auto neighbours = load_neighbours(options, perplexities, matrix.rows);
@@ -118,6 +148,9 @@ ExitStatus embed(Options options, RunReport report) {
     }
     if (options.dry_run) {
         return Success;
+    }
+    if (!options.model.empty()) {
+        prepare_place(options.model);
     }
     start_logging(options.quiet);
     report.threads = size.threads;
@@ -143,7 +176,9 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     if (!options.collected_reports.empty()) {
         return collect_reports(options);
     }
-    return embed(options, begin_report(options, std::move(command_line)));
+    RunReport report = begin_report(options, std::move(command_line));
+    return options.onto.empty() ? embed(options, std::move(report))
+                                : place(options, std::move(report));
 }
 
 /// The whole command but for what the streams have not taken yet; what goes wrong is explained on

@@ -5,11 +5,10 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <sys/resource.h>
 #include <utility>
 
 #include "input/duplicate_rows.h"
-#include "results/checkpoint.h"
+#include "results/digest.h"
 #include "stats/cached_neighbours.h"
 #include "stats/fit_checks.h"
 #include "stats/method.h"
@@ -34,13 +33,6 @@ namespace ovik::tool {
 namespace {
 
 constexpr double kDefaultPerplexity = FitOptions().perplexity;
-
-/// Most memory that this process has had at a time, in bytes.
-double peak_memory() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return 1024.0 * static_cast<double>(usage.ru_maxrss);
-}
 
 /// What several runs share.
 std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
@@ -77,6 +69,7 @@ RunInput input_of_run(LoadedMatrix& loaded,
     input.genes = genes;
     input.labels = loaded.labels;
     input.label_columns = labels;
+    input.columns_known = loaded.columns;
     input.neighbours = neighbours;
     input.start_places = start_places;
     return input;
@@ -94,18 +87,6 @@ bool compare(const Options& options, const RunReport& report) {
                            std::filesystem::current_path()});
     }
     return write_comparison(comparison_path(options), entries);
-}
-
-/// Fills in what is known of the input.
-void describe_input(RunReport& report, const LoadedMatrix& loaded) {
-    const InspectedMatrix& matrix = loaded.matrix;
-    report.format = loaded.format;
-    report.rows = matrix.report.rows;
-    report.columns = matrix.report.columns;
-    report.missing_values = loaded.missing;
-    report.duplicate_rows = count_duplicate_rows(matrix.values.get(), report.rows, report.columns);
-    report.values = digest_of({matrix.values.get(), report.rows * report.columns});
-    report.names = digest_of(matrix.row_names);
 }
 
 /// Says what there is to say of the rows.
@@ -135,6 +116,17 @@ double default_perplexity(std::size_t rows) {
 }
 
 }  // namespace
+
+void describe_input(RunReport& report, const LoadedMatrix& loaded) {
+    const InspectedMatrix& matrix = loaded.matrix;
+    report.format = loaded.format;
+    report.rows = matrix.report.rows;
+    report.columns = matrix.report.columns;
+    report.missing_values = loaded.missing;
+    report.duplicate_rows = count_duplicate_rows(matrix.values.get(), report.rows, report.columns);
+    report.values = digest_of({matrix.values.get(), report.rows * report.columns});
+    report.names = digest_of(matrix.row_names);
+}
 
 RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
     if (names == RowNames::Other) {
@@ -206,8 +198,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;
     report.exit_status = status;
     if (!options.report_file.empty()) {
-        report.peak_memory = peak_memory();
-        report.total_seconds = since_start.lap();
+        complete_report(report, since_start);
         is_complete = write_report(options.report_file, report) && is_complete;
     }
     return is_complete ? status : FailedRun;

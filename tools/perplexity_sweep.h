@@ -19,6 +19,9 @@ namespace ovik::tool {
 /// Gives rows the names that were asked for and looks them up; warns if few are found.
 RowGenes settle_names(std::vector<std::string>& row_names, RowNames names);
 
+/// Fills in what is known of the input.
+void describe_input(RunReport& report, const LoadedMatrix& loaded);
+
 /// The perplexities of the runs: as given, or 20, or a third of the other rows where those are few.
 /// Warns of given ones that are above that. One, of no meaning, where the run has no perplexity.
 ///

@@ -35,6 +35,10 @@ std::string annotated_path(const std::string& result_base) {
     return result_base + "_annotated.tsv";
 }
 
+std::string onto_base(const Options& options) {
+    return options.out_dir + options.name + "_onto" + options.suffix;
+}
+
 std::string comparison_path(const Options& options) {
     return options.out_dir + options.name + "_tsne_comparison" + options.suffix + ".html";
 }
@@ -62,6 +66,9 @@ std::vector<std::string> result_files(const Options& options,
     }
     if (perplexities.size() > 1) {
         files.push_back(comparison_path(options));
+    }
+    if (!options.model.empty()) {
+        files.push_back(options.model);
     }
     if (!options.report_file.empty()) {
         files.push_back(options.report_file);

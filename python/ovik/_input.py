@@ -37,22 +37,22 @@ class _WrongElements(TypeError, ValueError):
     """Elements that are no numbers: NumPy tells some by the one class, some by the other."""
 
 
-def as_input(X: Any) -> Input:
+def as_input(X: Any, fewest_rows: int = 3) -> Input:
     """Take an array, a table or a `Matrix` apart.
 
     Raises
     ------
     ValueError
-        If it has not two dimensions, 3 rows and a column of numbers.
+        If it has not two dimensions, so many rows and a column of numbers.
     MemoryError
         If it is sparse, and too large for a dense matrix.
     """
     if isinstance(X, Matrix):
-        return Input(_as_values(X.values), X.row_names, _names(X.column_names))
+        return Input(_as_values(X.values, fewest_rows), X.row_names, _names(X.column_names))
     columns = getattr(X, "columns", None)
     if columns is None:
-        return Input(_as_values(X), None, None)
-    return Input(_as_values(X), getattr(X, "index", None), _names(columns))
+        return Input(_as_values(X, fewest_rows), None, None)
+    return Input(_as_values(X, fewest_rows), getattr(X, "index", None), _names(columns))
 
 
 def refuse_sparse_distances(X: Any) -> None:
@@ -102,7 +102,7 @@ def _names(names: Any) -> NDArray[np.object_] | None:
     return np.array(listed, dtype=object)
 
 
-def _as_values(X: Any) -> NDArray[np.float64]:
+def _as_values(X: Any, fewest_rows: int) -> NDArray[np.float64]:
     """X as a C-contiguous float64 array of two dimensions."""
     if hasattr(X, "toarray"):
         X = _dense(X)
@@ -127,7 +127,7 @@ def _as_values(X: Any) -> NDArray[np.float64]:
             f"X should have two dimensions (n_samples, n_features), not the shape {array.shape}\n"
             "X.reshape(-1, 1) makes a column of a single feature."
         )
-    _check_shape(*array.shape)
+    _check_shape(array.shape[0], array.shape[1], fewest_rows)
     return values
 
 
@@ -145,8 +145,44 @@ def _dense(X: Any) -> Any:
     return X.toarray()
 
 
-def _check_shape(n_samples: int, n_features: int) -> None:
-    if n_samples < 3 or n_features < 1:
+def columns_as_fitted(
+    given: Input, n_features: int, names: NDArray[np.object_] | None
+) -> NDArray[np.float64]:
+    """The values with their columns in the order of those of a fit: by name where both have some.
+
+    Raises
+    ------
+    ValueError
+        If columns are missing or additional, or are not as many.
+    """
+    values = given.values
+    mine = None if given.feature_names is None else list(given.feature_names)
+    theirs = None if names is None else list(names)
+    if mine is not None and theirs is not None and mine != theirs:
+        missing = [name for name in theirs if name not in mine]
+        additional = [name for name in mine if name not in theirs]
+        if missing or additional or len(set(mine)) < len(mine):
+            raise ValueError(
+                "The feature names should match those that were passed during fit: missing "
+                f"{missing[:5]}, additional {additional[:5]}\n"
+                "Give rows of the same measurements, each column once."
+            )
+        values = np.ascontiguousarray(values[:, [mine.index(name) for name in theirs]])
+    if values.shape[1] != n_features:
+        raise ValueError(
+            f"X has {values.shape[1]} features, but TSNE is expecting {n_features} features as "
+            "input"
+        )
+    return values
+
+
+def _check_shape(n_samples: int, n_features: int, fewest_rows: int) -> None:
+    if n_samples < fewest_rows or n_features < 1:
+        if fewest_rows == 1 and n_samples < 1:
+            raise ValueError(
+                f"Found array with 0 sample(s) (shape=({n_samples}, {n_features})) while a minimum of "
+                "1 is required: there is no row to place"
+            )
         shortage = (
             f"\n{n_features} feature(s) (shape=({n_samples}, {n_features})) while a minimum of 1 is "
             "required."

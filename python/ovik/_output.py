@@ -36,10 +36,15 @@ def contained(embedding: NDArray[np.float64], container: str, index: Any, column
     return pandas.DataFrame(embedding, index=index, columns=columns)
 
 
-def feature_names_out(tsne: Any, input_features: ArrayLike | None) -> NDArray[np.object_]:
-    """Names of the columns of an embedding."""
+def require_fitted(tsne: Any) -> None:
+    """Refuse what only a fit gives."""
     if not hasattr(tsne, "embedding_"):
         raise _NotFitted("this TSNE has not been fitted yet: call fit first")
+
+
+def feature_names_out(tsne: Any, input_features: ArrayLike | None) -> NDArray[np.object_]:
+    """Names of the columns of an embedding."""
+    require_fitted(tsne)
     if input_features is not None:
         given = np.asarray(input_features, dtype=object)
         seen = getattr(tsne, "feature_names_in_", None)

@@ -11,9 +11,16 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
-from ._input import Input, as_input, check_finite, check_perplexity, refuse_sparse_distances
+from ._input import (
+    Input,
+    as_input,
+    check_finite,
+    check_perplexity,
+    columns_as_fitted,
+    refuse_sparse_distances,
+)
 from ._matrix import Matrix
-from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out
+from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out, require_fitted
 from ._parameters import DESCRIPTIONS, FitParameters
 from ._settings import (
     PRESETS,
@@ -105,7 +112,9 @@ class TSNE(FitParameters):
     Fits may run at once, each in a thread of its own and with the interpreter lock free. Ctrl-C ends
     one in the main thread after the iteration at hand, or with the first one.
 
-    There is no `transform`: new rows cannot be added to an embedding.
+    `transform` places further rows on the embedding, which stays as it is. Rows of the fit get places
+    of their own there, which are near those in `embedding_` but not the same. For that a fitted object
+    keeps a copy of its input.
 
     References
     ----------
@@ -120,6 +129,7 @@ class TSNE(FitParameters):
     # What tells scikit-learn, and `clone`, that an output was set.
     _sklearn_output_config: dict[str, Container]
     _caption: list[tuple[str, str]]
+    _map: dict[str, Any]
 
     embedding_: NDArray[np.float64]
     kl_divergence_: float
@@ -180,8 +190,50 @@ class TSNE(FitParameters):
         )
         return result
 
+    def transform(self, X: ArrayLike | Matrix) -> NDArray[np.float64]:
+        """Place further rows on the embedding of the last fit, which stays as it is.
+
+        Each row is placed by itself: among its neighbours in the input of the fit, where its own
+        cost beside all fixed points is lowest. Its place does not depend on the other rows.
+
+        Parameters
+        ----------
+        X : array-like of shape (n_rows, n_features)
+            Rows of the columns of the fit: matched by name, in any order, where both have names.
+
+        Returns
+        -------
+        ndarray of shape (n_rows, n_components)
+            The places; after ``set_output(transform="pandas")`` a data frame with the index of X.
+
+        Raises
+        ------
+        ValueError
+            If there was no fit, if columns are missing or additional, if values are not finite or
+            too far from those of the fit to be measured, or if the fit was one by options with which
+            rows cannot be placed: another metric, principal components, other affinities than those
+            of one perplexity.
+        """
+        require_fitted(self)
+        container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))
+        if self._map["barring"]:
+            raise ValueError(
+                f"rows cannot be placed on an embedding that was made with {self._map['barring']}\n"
+                "Fit one without it."
+            )
+        given = as_input(X, fewest_rows=1)
+        values = columns_as_fitted(
+            given, self.n_features_in_, getattr(self, "feature_names_in_", None)
+        )
+        check_finite(values)
+        places = _core.place(values, self.embedding_, self._map, thread_count(self.n_jobs))
+        result: NDArray[np.float64] = contained(
+            places, container, given.index, self.get_feature_names_out()
+        )
+        return result
+
     def set_output(self, *, transform: Container | None = None) -> Self:
-        """Set what `fit_transform` returns.
+        """Set what `fit_transform` and `transform` return.
 
         Parameters
         ----------
@@ -337,6 +389,7 @@ class TSNE(FitParameters):
         self.seed_ = int(options["seed"])
         self.learning_rate_ = float(options["learning_rate"])
         self.n_features_in_ = given.values.shape[1]
+        self._map = outcome["map"]
         self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (

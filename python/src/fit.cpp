@@ -85,7 +85,7 @@ Outcome run_fit(MatrixView<const double> points,
                 const std::atomic<bool>& is_interrupted) {
     Outcome outcome;
     outcome.threads_note = set_thread_count(manner.threads);
-    const std::unique_ptr<double[]> X = checked_copy(points);
+    std::unique_ptr<double[]> X = checked_copy(points);
     FitHooks hooks;
     hooks.start = {manner.start, points.rows, static_cast<std::size_t>(options.out_dims)};
     std::shared_ptr<CachedNeighbours> neighbours;
@@ -125,6 +125,7 @@ Outcome run_fit(MatrixView<const double> points,
     if (outcome.threads_note.empty()) {
         outcome.threads_note = denied_threads_note();
     }
+    outcome.input = std::move(X);
     return outcome;
 }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -37,6 +38,8 @@ struct FitManner {
 
 struct Outcome {
     Fit fit;
+    /// The points as they were centred and scaled, rows x columns.
+    std::unique_ptr<double[]> input;
     /// Of the result, if it was asked for.
     std::optional<NeighbourhoodQuality> quality;
     /// Whether the fit was interrupted, and its map wanted all the same.

@@ -17,8 +17,10 @@
 #include "annotation/gene_names.h"
 #include "stats/given_neighbours.h"
 #include "stats/map_agreement.h"
+#include "stats/row_placement.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
+#include "util/threads.h"
 
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
@@ -68,8 +70,39 @@ bool shows_to(const py::object& function, const FitState& state, const py::ssize
     return is_true == 1;
 }
 
+/// An array that takes values over.
+Array as_array(std::unique_ptr<double[]> values, std::size_t rows, std::size_t columns) {
+    double* const array = values.release();
+    const py::capsule owner(array, [](void* owned) { delete[] static_cast<double*>(owned); });
+    return Array({rows, columns}, array, owner);
+}
+
+/// What `place` needs of a fit, by name.
+///
+/// @param outcome  its input is taken
+py::dict described_map(Outcome& outcome, const FitOptions& options) {
+    using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
+    const InputScale& scale = outcome.fit.report.scale;
+    const std::size_t columns = scale.means.size();
+    const std::size_t rows =
+        outcome.fit.embedding.size() / static_cast<std::size_t>(options.out_dims);
+    std::string barring;
+    visit_fit_options(options, [&barring](const auto& option) {
+        if (barring.empty() && bars_placement(option.words.name) && !option.isPreset()) {
+            barring = option.words.python;
+        }
+    });
+    return py::dict("input"_a = as_array(std::move(outcome.input), rows, columns),
+                    "centres"_a = scale.means,
+                    "factor"_a = scale.factor,
+                    "perplexity"_a = options.perplexity,
+                    "barring"_a = barring);
+}
+
 /// What became of a fit, by name.
-py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
+///
+/// @param outcome  its input is taken
+py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_t* shape) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
     const FitReport& report = outcome.fit.report;
     const auto quality = [&](double NeighbourhoodQuality::*value) {
@@ -83,6 +116,7 @@ py::dict described(const Outcome& outcome, const py::ssize_t* shape) {
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
         "is_interrupted"_a = outcome.is_interrupted,
+        "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,
         "note"_a = outcome.threads_note,
         "neighbours_note"_a = outcome.neighbours_note);
@@ -117,12 +151,17 @@ std::optional<NeighbourLists> given_neighbours(const py::object& graph, std::siz
     return lists_of(distances, neighbours, starts);
 }
 
+MatrixView<const double> view_of(const Array& array) {
+    return {array.data(),
+            static_cast<std::size_t>(array.shape(0)),
+            static_cast<std::size_t>(array.shape(1))};
+}
+
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
 ///                callback (a function or None), callback_every, keeps_interrupted
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
-    const MatrixView<const double> points{
-        X.data(), static_cast<std::size_t>(X.shape(0)), static_cast<std::size_t>(X.shape(1))};
+    const MatrixView<const double> points = view_of(X);
     const FitOptions options = settled_options(arguments);
     const py::ssize_t shape[] = {X.shape(0), options.out_dims};
     const auto start = manner["init"].cast<std::optional<Array>>();
@@ -145,12 +184,28 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
             return stops;
         };
     }
-    const Outcome outcome = in_own_thread(
+    Outcome outcome = in_own_thread(
         [&](const std::atomic<bool>& is_interrupted) {
             return run_fit(points, options, chosen, is_interrupted);
         },
         waiting);
-    return described(outcome, shape);
+    return described(outcome, options, shape);
+}
+
+/// @param map  as `described_map` gave it
+/// @return the places of the rows, rows x output dimensions
+Array place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
+    const auto input = map["input"].cast<Array>();
+    const InputScale scale{map["centres"].cast<std::vector<double>>(),
+                           map["factor"].cast<double>()};
+    const FinishedMap finished{
+        view_of(input), scale, view_of(embedding), map["perplexity"].cast<double>()};
+    const MatrixView<const double> rows = view_of(X);
+    const PlacedRows placed = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        set_thread_count(threads);
+        return place_rows(finished, rows);
+    });
+    return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
 }
 
 std::string page(const Array& map, const py::dict& texts) {
@@ -161,21 +216,11 @@ std::string page(const Array& map, const py::dict& texts) {
     shown.labels = texts["labels"].cast<std::vector<std::string>>();
     shown.functions = texts["functions"].cast<std::vector<std::string>>();
     shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
-    return map_page({map.data(),
-                     static_cast<std::size_t>(map.shape(0)),
-                     static_cast<std::size_t>(map.shape(1))},
-                    shown);
+    return map_page(view_of(map), shown);
 }
 
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
     return {texts.begin(), texts.end()};
-}
-
-/// An array that takes the values over.
-Array as_array(InspectedMatrix& matrix) {
-    double* const values = matrix.values.release();
-    const py::capsule owner(values, [](void* array) { delete[] static_cast<double*>(array); });
-    return Array({matrix.report.rows, matrix.report.columns}, values, owner);
 }
 
 /// @param form  those members by name, and `center`
@@ -207,7 +252,8 @@ py::tuple read_matrix(const std::string& path,
     });
     const std::vector<py::bytes> row_names = as_bytes(file.matrix.row_names);
     const std::vector<py::bytes> column_names = as_bytes(file.matrix.column_names);
-    return py::make_tuple(as_array(file.matrix),
+    const MatrixReport& report = file.matrix.report;
+    return py::make_tuple(as_array(std::move(file.matrix.values), report.rows, report.columns),
                           row_names,
                           column_names,
                           as_bytes(file.warnings),
@@ -250,6 +296,8 @@ PYBIND11_MODULE(_core, module) {
     module.attr("__version__") = OVIK_VERSION;
     py::register_local_exception_translator(ovik::python::translate);
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
+    module.def(
+        "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();

@@ -268,6 +268,34 @@ TEST_F(Load, RefusesWhatIsNoMatrixWhateverIsAskedFor) {
     }
 }
 
+TEST_F(Load, LearnsWhatTheColumnsAreIfAskedTo) {
+    options_.missing = MissingPolicy::RowMean;
+    options_.transformations = {.log1p = false, .centre = Centring::Columns, .scale = true};
+    EXPECT_TRUE(loaded(kText).columns.means.empty());
+    options_.learns_columns = true;
+    const KnownColumns columns = loaded(kText).columns;
+    EXPECT_THAT(columns.names, ElementsAre("a", "b"));
+    EXPECT_THAT(columns.means, ElementsAre(0.75, 3.125));
+    EXPECT_THAT(columns.subtracted, ElementsAre(0.75, 3.125));
+    EXPECT_EQ(columns.divisors.size(), 2U);
+}
+
+TEST_F(Load, PutsRowsThroughWhatIsKnownOfTheColumns) {
+    KnownColumns known{{"b", "a"}, {10.0, 20.0}, {1.0, 2.0}, {4.0, 5.0}};
+    options_.known_columns = &known;
+    options_.missing = MissingPolicy::ColumnMean;
+    options_.transformations = {.log1p = false, .centre = Centring::Columns, .scale = true};
+    const LoadedMatrix matrix = loaded("gene\ta\tb\nG1\t7\tNA\n");
+    EXPECT_THAT(values_of(matrix), ElementsAre((10.0 - 1.0) / 4.0, (7.0 - 2.0) / 5.0));
+    EXPECT_THAT(matrix.matrix.column_names, ElementsAre("b", "a"));
+    EXPECT_THAT(refusal("gene\tc\ta\nG1\t7\t1\n"),
+                HasSubstr("m: 1 column of the map is missing: \"b\""));
+    EXPECT_THAT(refusal("gene\ta\tb\n"), HasSubstr("m: "));
+    options_.missing = MissingPolicy::Drop;
+    EXPECT_THAT(refusal("gene\ta\tb\nG1\t7\tNA\n"),
+                HasSubstr("has 0 rows, so there is none to place"));
+}
+
 TEST_F(Load, AsksBeforeItReadsText) {
     char seen = 0;
     options_.before_reading = [&seen](const MatrixSource& source, const TableLayout& layout) {

@@ -11,6 +11,7 @@
 
 #include "util/input_error.h"
 
+#include "tests/support/refusal.h"
 #include "tests/support/threads.h"
 
 namespace ovik {
@@ -188,6 +189,54 @@ TEST(Transformations, GiveTheSameBitsForAnyNumberOfThreads) {
                 << threads;
         }
     }
+}
+
+TEST(TransformAlike, GivesRowsOfTheMatrixTheirBits) {
+    const std::vector<double> values = {
+        1.0, 2.5, 7.0, 3.0, 0.1, 7.0, 11.0, 0.3, 7.0, 2.0, 4.0, 7.0};
+    for (const char* const names : {"log1p",
+                                    "center rows",
+                                    "center columns",
+                                    "scale",
+                                    "log1p, center columns, scale",
+                                    "log1p, center rows, scale"}) {
+        const Transformations transformations = transformations_of(names).value();
+        InspectedMatrix matrix = matrix_of(3, values);
+        KnownColumns learnt;
+        transform("m.tsv", transformations, plainly_spelled, matrix, &learnt);
+        const std::vector<double> expected = values_of(matrix);
+        for (std::size_t n = 0; n < 4; ++n) {
+            InspectedMatrix row = matrix_of(3, {&values[3 * n], &values[3 * n] + 3});
+            EXPECT_EQ(
+                transform_alike("new.tsv", transformations, learnt, plainly_spelled, row),
+                "new.tsv: transformed by " + std::string(names) + ", as the rows of the map were");
+            EXPECT_THAT(values_of(row),
+                        ElementsAre(expected[3 * n], expected[3 * n + 1], expected[3 * n + 2]))
+                << names;
+        }
+    }
+}
+
+TEST(TransformAlike, RefusesWhatCannotBeTransformed) {
+    KnownColumns known;
+    known.divisors = {1e-300};
+    const auto refused = [&known](const Transformations& transformations, double value) {
+        InspectedMatrix matrix = matrix_of(1, {value});
+        return test::refusal_of(
+            [&] { transform_alike("new.tsv", transformations, known, plainly_spelled, matrix); });
+    };
+    EXPECT_THAT(refused({.log1p = true}, -0.5), HasSubstr("row \"G1\" has a value below 0"));
+    EXPECT_THAT(refused({.scale = true}, 1e300), HasSubstr("too large to be transformed"));
+    EXPECT_THAT(refused({.scale = true}, std::nan("")), HasSubstr("values are missing"));
+}
+
+TEST(TransformationsOf, UndoesTheirNames) {
+    EXPECT_FALSE(transformations_of("").value().any());
+    const Transformations all{.log1p = true, .centre = Centring::Rows, .scale = true};
+    const std::optional<Transformations> read = transformations_of(names_of(all));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(names_of(*read), names_of(all));
+    EXPECT_FALSE(transformations_of("log2"));
 }
 
 }  // namespace

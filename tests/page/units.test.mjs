@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { findCategories, findLevels, MOST_CATEGORIES, NUMBER_LEVELS } from '../../plots/page/src/categories.js';
+import { buildLayers } from '../../plots/page/src/layers.js';
 import { categoryStyles, levelStyles } from '../../plots/page/src/palette.js';
 import { drawableText, fileStem, formatCoordinate, formatCount, formatTick } from '../../plots/page/src/format.js';
 import { drawnGenes, genesInPolygon, genesInWindow, nearestGene, nextGene } from '../../plots/page/src/points.js';
@@ -115,6 +116,32 @@ describe('categories', () => {
     assert.ok(labelled);
     assert.deepEqual(list, [{ text: 'a', count: 1 }, { text: 'b', count: 2 }, { text: '(no label)', count: 1 }]);
     assert.deepEqual([...of], [1, 0, 2, 1]);
+  });
+
+  test('the background comes first, pale, and beneath the others', () => {
+    const categories = findCategories(['new', 'old', 'new', 'old'], ['new'], 4, 'old');
+    assert.deepEqual(categories.list.map(({ text }) => text), ['old', 'new']);
+    assert.equal(categories.beneath, 0);
+    assert.equal(findCategories(['new'], [], 1, 'old').beneath, -1);
+    assert.equal(findCategories(['new'], [], 1).beneath, -1);
+    const styles = categoryStyles(2, { scheme: '', own: [], theme: 'light', beneath: 0 });
+    assert.deepEqual(styles.map(({ colour }) => colour), ['#b4bcc4', '#0072b2']);
+    const points = { x: [0, 1, 2, 3], y: [0, 1, 2, 3], genes: Int32Array.of(0, 1, 2, 3) };
+    const roles = (highlight) => buildLayers(points, categories, styles, highlight)
+      .map(({ category, role, count }) => `${role} ${category} ${count}`);
+    assert.deepEqual(roles(null), ['plain 0 2', 'plain 1 2']);
+    assert.deepEqual(roles(Int32Array.of(0, 1)), ['dim 0 1', 'dim 1 1', 'lit 0 1', 'lit 1 1']);
+  });
+
+  test('genes without a number lie beneath the others', () => {
+    const categories = findLevels(Float64Array.of(0, NaN, 1), 'old');
+    assert.equal(categories.beneath, NUMBER_LEVELS);
+    assert.equal(categories.list.at(-1).text, 'old or no number');
+    assert.equal(findLevels(Float64Array.of(0, 1)).beneath, -1);
+    const points = { x: [0, 1, 2], y: [0, 1, 2], genes: Int32Array.of(0, 1, 2) };
+    const styles = levelStyles(NUMBER_LEVELS, 'light');
+    const order = buildLayers(points, categories, styles, null).map(({ category }) => category);
+    assert.deepEqual(order, [NUMBER_LEVELS, 0, NUMBER_LEVELS - 1]);
   });
 
   test('no labels are one category', () => {

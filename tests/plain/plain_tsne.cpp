@@ -216,6 +216,35 @@ double cost(const std::vector<double>& P,
     return sum;
 }
 
+std::vector<double> similarities_to(const std::vector<double>& distances, double perplexity) {
+    const std::size_t K = distances.size();
+    std::vector<double> P(K);
+    Bandwidth bandwidth;
+    double sum_P = 0.0;
+    for (int left = 200; left > 0; --left) {
+        const double beta = bandwidth.beta;
+        for (std::size_t m = 0; m < K; ++m) {
+            P[m] = std::exp(((-beta) * distances[m]) * distances[m]);
+        }
+        sum_P = DBL_MIN;
+        for (std::size_t m = 0; m < K; ++m) {
+            sum_P += P[m];
+        }
+        double H = 0.0;
+        for (std::size_t m = 0; m < K; ++m) {
+            H += distances[m] * distances[m] * P[m] * beta;
+        }
+        H = H / sum_P + std::log(sum_P);
+        if (bandwidth.fits(H - std::log(perplexity))) {
+            break;
+        }
+    }
+    for (double& p : P) {
+        p /= sum_P;
+    }
+    return P;
+}
+
 SparseRows neighbour_similarities(const std::vector<double>& points,
                                   std::size_t N,
                                   std::size_t dims,
@@ -242,29 +271,13 @@ SparseRows neighbour_similarities_by(const std::vector<double>& distances,
         }
         std::sort(others.begin(), others.end());
         others.resize(K);
-        std::vector<double> cur_P(K);
-        Bandwidth bandwidth;
-        double sum_P = 0.0;
-        for (int left = 200; left > 0; --left) {
-            const double beta = bandwidth.beta;
-            for (std::size_t m = 0; m < K; ++m) {
-                cur_P[m] = std::exp(((-beta) * others[m].first) * others[m].first);
-            }
-            sum_P = DBL_MIN;
-            for (std::size_t m = 0; m < K; ++m) {
-                sum_P += cur_P[m];
-            }
-            double H = 0.0;
-            for (std::size_t m = 0; m < K; ++m) {
-                H += others[m].first * others[m].first * cur_P[m] * beta;
-            }
-            H = H / sum_P + std::log(sum_P);
-            if (bandwidth.fits(H - std::log(perplexity))) {
-                break;
-            }
+        std::vector<double> distances;
+        for (const auto& other : others) {
+            distances.push_back(other.first);
         }
+        const std::vector<double> cur_P = similarities_to(distances, perplexity);
         for (std::size_t m = 0; m < K; ++m) {
-            rows[n].emplace_back(others[m].second, cur_P[m] / sum_P);
+            rows[n].emplace_back(others[m].second, cur_P[m]);
         }
     }
     return rows;

@@ -61,6 +61,9 @@ double cost(const std::vector<double>& P,
 /// Rows of (column, value), in the order in which entries are stored.
 using SparseRows = std::vector<std::vector<std::pair<std::size_t, double>>>;
 
+/// Conditional similarities to some others at these distances.
+std::vector<double> similarities_to(const std::vector<double>& distances, double perplexity);
+
 /// Conditional similarities to the K nearest others, found by comparing all pairs, nearest first.
 SparseRows neighbour_similarities(const std::vector<double>& points,
                                   std::size_t N,

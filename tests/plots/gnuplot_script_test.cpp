@@ -52,6 +52,21 @@ TEST(GnuplotScript, DrawsSmallGroupsOverLargeOnes) {
     EXPECT_THAT(script, HasSubstr("title 'few'"));
 }
 
+TEST(GnuplotScript, DrawsTheBackgroundPaleAndBeneathTheOthers) {
+    Figure figure = figure_with_panels(1);
+    figure.labels = {"old rows", "new rows"};
+    figure.panels[0].points = {{{0, 0}}, {{1, 1}, {2, 2}}};
+    figure.has_background = true;
+    const std::string script = script_of(figure);
+    EXPECT_LT(script.find("$panel1_label1 using"), script.find("$panel1_label2 using"));
+    EXPECT_THAT(script, HasSubstr("(transparency * 0x1000000 + 0xC8C8C8) notitle"));
+    EXPECT_THAT(script, HasSubstr("linecolor rgb 0xC8C8C8 title 'old rows'"));
+    // The first label that has a colour has the first one.
+    EXPECT_THAT(script, HasSubstr("linecolor rgb 0x0072B2 title 'new rows'"));
+    figure.has_background = false;
+    EXPECT_THAT(script_of(figure), Not(HasSubstr("0xC8C8C8")));
+}
+
 TEST(GnuplotScript, ColoursNumbersByAScaleBesideTheFirstPanel) {
     Figure figure = figure_with_panels(2);
     figure.scale = {"half-life's", -1.5, 20};

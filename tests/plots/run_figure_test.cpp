@@ -76,6 +76,24 @@ TEST(FigureOfRun, TakesLabelsPerRowTooAndNoOthers) {
     EXPECT_TRUE(figure_of_run(run, kFrame).labels.empty());
 }
 
+TEST(FigureOfRun, PutsTheBackgroundFirst) {
+    const std::vector<double> x = {1, 2, 3};
+    const std::vector<std::string> labels = {"new", "old", "new"};
+    PlottedRun<double> run;
+    run.x = x;
+    run.y = x;
+    run.labels = labels;
+    EXPECT_FALSE(figure_of_run(run, kFrame).has_background);
+    run.background = "old";
+    const Figure figure = figure_of_run(run, kFrame);
+    EXPECT_TRUE(figure.has_background);
+    EXPECT_THAT(figure.labels, ElementsAre("old", "new"));
+    EXPECT_THAT(figure.panels[0].points, ElementsAre(Points{{2, 2}}, Points{{1, 1}, {3, 3}}));
+    run.background = "none of them";
+    EXPECT_FALSE(figure_of_run(run, kFrame).has_background);
+    EXPECT_THAT(figure_of_run(run, kFrame).labels, ElementsAre("new", "old"));
+}
+
 TEST(FigureOfRun, ShowsTheFirstColumnOfLabels) {
     const std::vector<double> x = {1, 2, 3};
     PlottedRun<double> run;

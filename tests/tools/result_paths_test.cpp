@@ -32,6 +32,7 @@ TEST(ResultBase, HasDirectoryNamePerplexityAndSuffix) {
     EXPECT_EQ(cost_base("res/yeast_tsne_30_0"), "res/yeast_tsne_30_0_cost");
     EXPECT_EQ(annotated_path("res/yeast_tsne_30_0"), "res/yeast_tsne_30_0_annotated.tsv");
     EXPECT_EQ(comparison_path(options_in("res/")), "res/yeast_tsne_comparison_a.html");
+    EXPECT_EQ(onto_base(options_in("res/")), "res/yeast_onto_a");
 }
 
 TEST(ResultFiles, AreTheTableAndThePlotsUnlessAskedOtherwise) {
@@ -50,6 +51,7 @@ TEST(ResultFiles, AreThoseOfAllRunsThenWhatTheyShare) {
     Options options = options_in("");
     options.plots = false;
     options.report_file = "elsewhere/report.json";
+    options.model = "elsewhere/map.model";
     options.coordinates_tsv = true;
     options.annotated_tsv = true;
     EXPECT_THAT(result_files(options, {5.0, 10.0}),
@@ -60,6 +62,7 @@ TEST(ResultFiles, AreThoseOfAllRunsThenWhatTheyShare) {
                             "yeast_tsne_10_0_a.tsv",
                             "yeast_tsne_10_0_a_annotated.tsv",
                             "yeast_tsne_comparison_a.html",
+                            "elsewhere/map.model",
                             "elsewhere/report.json"));
     options.coordinates_tsv = options.annotated_tsv = false;
     options.coordinates_npy = true;
@@ -70,6 +73,7 @@ TEST(ResultFiles, AreThoseOfAllRunsThenWhatTheyShare) {
                             "yeast_tsne_5_0_a_cost.gp",
                             "yeast_tsne_5_0_a_cost.png",
                             "yeast_tsne_5_0_a_cost.svg",
+                            "elsewhere/map.model",
                             "elsewhere/report.json"));
 }
 

@@ -80,7 +80,7 @@ function readColourings(raw, count, labels) {
  * @returns texts as they came; per pair `x` and `y` (Float64Array, `count` long, NaN = no position),
  *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
- *   there is at least one, are `count` long or empty
+ *   there is at least one, are `count` long or empty; `background` is the label of genes that step back
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -103,6 +103,7 @@ export function readDataset(text) {
     names: perPoint(raw.names),
     functions: perPoint(raw.functions),
     genes: perPoint(raw.genes),
+    background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
   };
 }

@@ -27,6 +27,8 @@ function flat({ x, y }, genes) {
  * @param {object} categories as of `findCategories`
  * @param {object[]} styles as of `categoryStyles`
  * @param {Int32Array|null} highlight as of `highlighted`
+ * The category that lies beneath the others comes first on either side.
+ *
  * @returns {{category: number, colour: string, shape: object, role: string, count: number,
  *   data: Float64Array}[]} role 'plain' (no highlight at all), 'dim' or 'lit'; `category` is the first
  *   with this look; `data` holds x and y of each gene in turn; lit layers come last, on top
@@ -45,7 +47,8 @@ export function buildLayers(points, categories, styles, highlight) {
     if (!side.has(category)) side.set(category, []);
     side.get(category).push(gene);
   }
-  const layers = (side, role) => [...side.keys()].sort((a, b) => a - b).map((category) => ({
+  const depth = (category) => (category === categories.beneath ? -1 : category);
+  const layers = (side, role) => [...side.keys()].sort((a, b) => depth(a) - depth(b)).map((category) => ({
     category,
     ...styles[category],
     role,

@@ -22,7 +22,9 @@ const NO_COORDINATES = new Float64Array(0);
 export function createModel(dataset) {
   const categories = remembered((colouring) => {
     const { labels, numbers } = dataset.colourings[colouring];
-    return numbers ? findLevels(numbers) : findCategories(labels, dataset.categoryOrder, dataset.count);
+    return numbers
+      ? findLevels(numbers, dataset.background)
+      : findCategories(labels, dataset.categoryOrder, dataset.count, dataset.background);
   });
   const points = remembered((pair, shown, colouring) => ({
     x: pair?.x ?? NO_COORDINATES,
@@ -30,10 +32,12 @@ export function createModel(dataset) {
     genes: pair ? drawnGenes(pair, categories(colouring), shown) : new Int32Array(0),
   }));
   const styles = remembered((theme, colouring) => {
-    const { list, scale } = categories(colouring);
+    const { list, scale, beneath } = categories(colouring);
     return scale
       ? levelStyles(NUMBER_LEVELS, theme).slice(0, list.length)
-      : categoryStyles(list.length, { scheme: dataset.colourScheme, own: dataset.colours, theme });
+      : categoryStyles(list.length, {
+        scheme: dataset.colourScheme, own: dataset.colours, theme, beneath,
+      });
   });
   return {
     dataset,

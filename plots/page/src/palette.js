@@ -50,7 +50,7 @@ function viridis(theme, index, count) {
   return mix(VIRIDIS[below], VIRIDIS[below + 1], position - below);
 }
 
-const NO_NUMBER = { light: '#b4bcc4', dark: '#4c5863' };
+const PALE = { light: '#b4bcc4', dark: '#4c5863' };
 
 /**
  * Colour and shape of the levels of numbers, and of genes without one, which come last.
@@ -60,7 +60,7 @@ const NO_NUMBER = { light: '#b4bcc4', dark: '#4c5863' };
  */
 export function levelStyles(levels, theme) {
   const colours = Array.from({ length: levels }, (_, level) => viridis(theme, level, levels));
-  return [...colours, NO_NUMBER[theme]].map((colour) => ({ colour, shape: SHAPES[0] }));
+  return [...colours, PALE[theme]].map((colour) => ({ colour, shape: SHAPES[0] }));
 }
 
 function schemeColour(scheme, theme, index, count) {
@@ -77,11 +77,16 @@ const OWN_COLOUR = /^#[0-9a-f]{6}$/i;
  * Colour and shape of each category. The first eight differ in both, the first 64 in one of them.
  *
  * @param {number} count number of categories
- * @param {{scheme: string, own: string[], theme: 'light'|'dark'}} choice `own`: #rrggbb per category,
- *   anything else is ignored
+ * @param {{scheme: string, own: string[], theme: 'light'|'dark', beneath: number}} choice `own`: #rrggbb
+ *   per category, anything else is ignored; `beneath`: 0 if the first category steps back, pale, and the
+ *   second one is styled like a first
  * @returns {{colour: string, shape: object}[]}
  */
-export function categoryStyles(count, { scheme, own, theme }) {
+export function categoryStyles(count, { scheme, own, theme, beneath = -1 }) {
+  if (beneath === 0) {
+    const others = categoryStyles(count - 1, { scheme, own: own.slice(1), theme });
+    return [{ colour: PALE[theme], shape: SHAPES[0] }, ...others];
+  }
   return Array.from({ length: count }, (_, category) => {
     const index = category % STYLE_COUNT;
     const hasOwn = category < MOST_OWN_COLOURS && OWN_COLOUR.test(own[category] ?? '');

@@ -1,0 +1,296 @@
+#include "stats/row_placement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "neighbours/metric.h"
+#include "neighbours/neighbour_search.h"
+#include "stats/bandwidth_search.h"
+#include "stats/centring.h"
+#include "stats/kernels/descent_step.h"
+#include "util/input_error.h"
+#include "util/instruction_set.h"
+#include "util/parallel.h"
+#include "util/random_stream.h"
+
+namespace ovik {
+
+namespace {
+
+/// Attempts at the bandwidth, as the sparse affinities of a map have them.
+constexpr int kBandwidthAttempts = 200;
+
+/// A row of the map, and how far it is from the row that is placed.
+struct Near {
+    double distance;
+    std::uint32_t row;
+
+    bool operator<(const Near& other) const {
+        return distance != other.distance ? distance < other.distance : row < other.row;
+    }
+};
+
+/// How many rows of a map have affinities to a further one.
+std::size_t affinity_count(double perplexity, std::size_t rows) {
+    const double wanted = 3.0 * perplexity;
+    return wanted < static_cast<double>(rows) ? static_cast<std::size_t>(wanted) : rows;
+}
+
+/// The rows of the map that are nearest to a row, nearest first; those at no finite distance left
+/// out.
+void find_nearest(const FinishedMap& map,
+                  std::span<const double> row,
+                  std::size_t count,
+                  std::vector<Near>& nearest) {
+    const Metric& metric = euclidean_metric();
+    nearest.clear();
+    for (std::size_t j = 0; j < map.input.rows; ++j) {
+        const double distance =
+            metric.distance(row.data(), map.input.row(j).data(), map.input.columns);
+        if (std::isfinite(distance)) {
+            nearest.push_back({distance, static_cast<std::uint32_t>(j)});
+        }
+    }
+    const auto end = nearest.begin() + static_cast<std::ptrdiff_t>(std::min(count, nearest.size()));
+    std::partial_sort(nearest.begin(), end, nearest.end());
+    nearest.erase(end, nearest.end());
+}
+
+/// Conditional affinities to the rows that are nearest.
+std::vector<double> affinities_to(std::span<const Near> nearest, double perplexity) {
+    std::vector<double> squared_distances(nearest.size());
+    std::vector<double> p(nearest.size());
+    for (std::size_t m = 0; m < nearest.size(); ++m) {
+        squared_distances[m] = nearest[m].distance * nearest[m].distance;
+    }
+    const auto fill = [&](double beta) {
+        for (std::size_t m = 0; m < nearest.size(); ++m) {
+            const double distance = nearest[m].distance;
+            p[m] = std::exp(((-beta) * distance) * distance);
+        }
+    };
+    const CalibratedPoints points{squared_distances, p.data(), p.size()};
+    calibrate_similarities(points, perplexity, kBandwidthAttempts, 1.0, fill);
+    return p;
+}
+
+/// The middle one of some numbers, or the mean of the two in the middle.
+double median_of(std::vector<double>& numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    const std::size_t middle = numbers.size() / 2;
+    return numbers.size() % 2 == 1 ? numbers[middle]
+                                   : 0.5 * (numbers[middle - 1] + numbers[middle]);
+}
+
+/// The place from which a row sets out.
+std::vector<double> start_amidst(std::span<const Near> nearest, MatrixView<const double> Y) {
+    std::vector<double> start(Y.columns);
+    std::vector<double> coordinates(nearest.size());
+    for (std::size_t d = 0; d < Y.columns; ++d) {
+        for (std::size_t m = 0; m < nearest.size(); ++m) {
+            coordinates[m] = Y.row(nearest[m].row)[d];
+        }
+        start[d] = median_of(coordinates);
+    }
+    return start;
+}
+
+/// The cost of a place on the map, and its gradient.
+class PlaceCost {
+  public:
+    PlaceCost(MatrixView<const double> Y, std::span<const Near> nearest, std::vector<double> p)
+        : Y_(Y),
+          nearest_(nearest),
+          p_(std::move(p)),
+          attraction_(Y.columns),
+          repulsion_(Y.columns) {}
+
+    /// @param y         the place
+    /// @param gradient  written
+    /// @return the divergence of p from q there
+    double evaluate(const std::vector<double>& y, std::vector<double>& gradient) {
+        const double sum_w = sumRepulsion(y);
+        const double cost = sumAttraction(y, sum_w);
+        for (std::size_t d = 0; d < y.size(); ++d) {
+            gradient[d] = 2.0 * (attraction_[d] - repulsion_[d] / sum_w);
+        }
+        return cost;
+    }
+
+  private:
+    /// 1 / (1 + the squared distance of a place from a point of the map).
+    [[nodiscard]] double weight(const std::vector<double>& y, const double* point) const {
+        double square = 0.0;
+        for (std::size_t d = 0; d < y.size(); ++d) {
+            square += (y[d] - point[d]) * (y[d] - point[d]);
+        }
+        return 1.0 / (1.0 + square);
+    }
+
+    double sumRepulsion(const std::vector<double>& y) {
+        std::fill(repulsion_.begin(), repulsion_.end(), 0.0);
+        double sum_w = 0.0;
+        for (std::size_t j = 0; j < Y_.rows; ++j) {
+            const double* const point = Y_.row(j).data();
+            const double w = weight(y, point);
+            sum_w += w;
+            for (std::size_t d = 0; d < y.size(); ++d) {
+                repulsion_[d] += (w * w) * (y[d] - point[d]);
+            }
+        }
+        return sum_w;
+    }
+
+    double sumAttraction(const std::vector<double>& y, double sum_w) {
+        std::fill(attraction_.begin(), attraction_.end(), 0.0);
+        double cost = 0.0;
+        for (std::size_t m = 0; m < p_.size(); ++m) {
+            const double* const point = Y_.row(nearest_[m].row).data();
+            const double w = weight(y, point);
+            for (std::size_t d = 0; d < y.size(); ++d) {
+                attraction_[d] += (p_[m] * w) * (y[d] - point[d]);
+            }
+            // An affinity that has vanished adds nothing.
+            if (p_[m] > 0.0) {
+                cost += p_[m] * std::log(p_[m] * sum_w / w);
+            }
+        }
+        return cost;
+    }
+
+    MatrixView<const double> Y_;
+    std::span<const Near> nearest_;
+    std::vector<double> p_;
+    std::vector<double> attraction_;
+    std::vector<double> repulsion_;
+};
+
+/// Descends from a place.
+///
+/// @param y  the start; then the place of the lowest cost that was met
+/// @return its cost
+double descend(PlaceCost& place_cost, const PlacementDescent& descent, std::vector<double>& y) {
+    std::vector<double> here = y;
+    std::vector<double> gradient(y.size());
+    std::vector<double> velocity(y.size(), 0.0);
+    std::vector<double> gains(y.size(), 1.0);
+    const DescentKernels& kernels = descent_kernels(instruction_set());
+    double lowest = place_cost.evaluate(here, gradient);
+    for (int iteration = 0; iteration < descent.iterations; ++iteration) {
+        kernels.step({gradient.data(), velocity.data(), gains.data(), here.data(), y.size()},
+                     descent.learning_rate,
+                     descent.momentum);
+        const double cost = place_cost.evaluate(here, gradient);
+        if (cost < lowest) {
+            lowest = cost;
+            y = here;
+        }
+    }
+    return lowest;
+}
+
+/// A place, and its cost.
+struct Place {
+    std::vector<double> y;
+    double cost;
+};
+
+/// Descends from two places: amidst the rows that are nearest, and where the nearest one lies.
+///
+/// @return the cheaper end; the former if they cost the same
+Place cheapest_place(PlaceCost& place_cost,
+                     MatrixView<const double> Y,
+                     std::span<const Near> nearest,
+                     const PlacementDescent& descent) {
+    Place amidst{start_amidst(nearest.first(std::min(descent.start_neighbours, nearest.size())), Y),
+                 0.0};
+    amidst.cost = descend(place_cost, descent, amidst.y);
+    const std::span<const double> own = Y.row(nearest.front().row);
+    Place beside{{own.begin(), own.end()}, 0.0};
+    beside.cost = descend(place_cost, descent, beside.y);
+    return beside.cost < amidst.cost ? beside : amidst;
+}
+
+/// @throws std::invalid_argument
+void require_shapes(const FinishedMap& map, MatrixView<const double> rows) {
+    if (map.input.rows == 0 || map.input.rows > std::numeric_limits<std::uint32_t>::max() ||
+        map.embedding.rows != map.input.rows || map.scale.means.size() != map.input.columns ||
+        rows.columns != map.input.columns || !(map.perplexity >= 1.0)) {
+        throw std::invalid_argument("rows, map and its input do not fit together");
+    }
+}
+
+/// @throws InputError if a row is at no finite distance from the map
+void refuse_distant(const std::vector<double>& nearest_distances) {
+    const auto distant = std::find(nearest_distances.begin(), nearest_distances.end(), HUGE_VAL);
+    if (distant != nearest_distances.end()) {
+        throw InputError("row " + std::to_string(distant - nearest_distances.begin() + 1) +
+                         " has values that are not finite, or so large that its distances from the "
+                         "rows of the map are not\nBring it to the units of the matrix that the "
+                         "map was made of.");
+    }
+}
+
+}  // namespace
+
+PlacedRows place_rows(const FinishedMap& map,
+                      MatrixView<const double> rows,
+                      const PlacementDescent& descent) {
+    require_shapes(map, rows);
+    std::vector<double> scaled(rows.all().begin(), rows.all().end());
+    scale_alike({scaled.data(), rows.rows, rows.columns}, map.scale);
+    const std::size_t dims = map.embedding.columns;
+    PlacedRows placed;
+    placed.embedding.resize(rows.rows * dims);
+    placed.costs.resize(rows.rows);
+    placed.nearest.resize(rows.rows);
+    placed.nearest_distances.resize(rows.rows);
+    const std::size_t wanted = affinity_count(map.perplexity, map.input.rows);
+    parallel_for_each(rows.rows, 1, [&](std::size_t n) {
+        const std::span<const double> row(scaled.data() + n * rows.columns, rows.columns);
+        std::vector<Near> nearest;
+        find_nearest(map, row, std::max(wanted, descent.start_neighbours), nearest);
+        if (nearest.empty()) {
+            placed.nearest_distances[n] = HUGE_VAL;
+            return;
+        }
+        const std::span<const Near> near(nearest);
+        const std::span<const Near> weighed = near.first(std::min(wanted, near.size()));
+        PlaceCost cost(map.embedding, weighed, affinities_to(weighed, map.perplexity));
+        const Place place = cheapest_place(cost, map.embedding, near, descent);
+        placed.costs[n] = place.cost;
+        std::copy(place.y.begin(),
+                  place.y.end(),
+                  placed.embedding.begin() + static_cast<std::ptrdiff_t>(n * dims));
+        placed.nearest[n] = nearest.front().row;
+        placed.nearest_distances[n] = nearest.front().distance;
+    });
+    refuse_distant(placed.nearest_distances);
+    return placed;
+}
+
+bool bars_placement(std::string_view option_name) {
+    constexpr std::string_view kBarring[] = {"metric", "pca", "affinity", "multiscale"};
+    return std::find(std::begin(kBarring), std::end(kBarring), option_name) != std::end(kBarring);
+}
+
+double largest_nearest_distance(MatrixView<const double> rows) {
+    OwnRandomStream random;
+    NeighbourSearch search(rows.rows, rows.columns, random);
+    std::vector<double> largest(search.workerCount(), 0.0);
+    search.findAll(
+        rows.values, 2, [&](std::size_t, std::span<const NearRow> nearest, std::size_t worker) {
+            if (nearest.size() > 1) {
+                largest[worker] = std::max(largest[worker], nearest[1].distance);
+            }
+        });
+    return *std::max_element(largest.begin(), largest.end());
+}
+
+}  // namespace ovik

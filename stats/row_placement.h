@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "stats/input_scale.h"
+#include "util/api.h"
+#include "util/matrix_view.h"
+
+namespace ovik {
+
+/// A map that is finished, and what it was made of. A view: all of it belongs to the caller.
+struct FinishedMap {
+    /// The rows as they were embedded: centred and scaled, rows x columns.
+    MatrixView<const double> input;
+    /// How they were centred and scaled.
+    const InputScale& scale;
+    /// Where they lie, rows x output dimensions.
+    MatrixView<const double> embedding;
+    /// That of the map, at least 1.
+    double perplexity = 1.0;
+};
+
+/// Rows that have been given places on a finished map.
+struct PlacedRows {
+    /// Row-major, rows x output dimensions.
+    std::vector<double> embedding;
+    /// Of each row, the Kullback-Leibler divergence of its place from its affinities, in nats.
+    std::vector<double> costs;
+    /// For each row, the row of the map that is nearest to it in the input.
+    std::vector<std::uint32_t> nearest;
+    /// How far that is, in the units of the scaled input.
+    std::vector<double> nearest_distances;
+};
+
+/// The numbers of the descent by which a row finds its place.
+struct PlacementDescent {
+    int iterations = 125;
+    double learning_rate = 2.0;
+    double momentum = 0.8;
+    /// How many of the nearest rows a row starts amidst, at first.
+    std::size_t start_neighbours = 25;
+};
+
+/// Gives rows places on a map whose own points stay where they are. Each row is placed by itself:
+/// its place does not depend on the others, on their order or on the number of threads.
+///
+/// A row has conditional affinities p to the 3 * perplexity rows of the map that are nearest to it,
+/// equal distances by the lower row, calibrated as those of the map were. It starts at the median,
+/// coordinate by coordinate, of the places of its 25 nearest, and once more where the nearest of
+/// all lies. From both the divergence of p from q is descended, where q_j = w_j / (sum of all w)
+/// and w_j = 1 / (1 + |y - y_j|^2) over all points of the map: gradient descent with momentum and
+/// gains as the map itself has them. The place of the lowest cost that was met is the result, so
+/// that it never costs more than either start.
+///
+/// @param map   at least one row
+/// @param rows  of the columns of the map, in the units of its matrix before it was centred
+/// @throws InputError if a row is so far away that its distances are not finite, or has a value
+/// that is not
+/// @throws std::invalid_argument if the shapes do not fit together
+/// @complexity O(rows * map rows * (columns + iterations * output dimensions))
+OVIK_API PlacedRows place_rows(const FinishedMap& map,
+                               MatrixView<const double> rows,
+                               const PlacementDescent& descent = {});
+
+/// Whether rows can be placed on a map only if this option of it is as preset: rows are compared by
+/// the distances of their columns, and have affinities of one perplexity.
+///
+/// @param option_name  as `OptionWords` has it
+OVIK_API bool bars_placement(std::string_view option_name);
+
+/// The largest distance of a row from the one that is nearest to it: what lies farther away from
+/// all rows is unlike any of them.
+///
+/// @param rows  finite; at least 2
+double largest_nearest_distance(MatrixView<const double> rows);
+
+}  // namespace ovik

@@ -1,0 +1,96 @@
+"""Placing further rows on an embedding."""
+
+import os
+import pickle
+import subprocess
+
+import numpy as np
+import pytest
+
+import ovik
+
+
+class Table:
+    """A data frame, as far as the estimator looks at it."""
+
+    def __init__(self, values, columns):
+        self.values = values
+        self.columns = columns
+
+    def __array__(self, dtype=None):
+        return np.asarray(self.values, dtype)
+
+
+@pytest.fixture
+def fitted(points):
+    return ovik.TSNE(perplexity=10, n_iter=100).fit(points[:80])
+
+
+def test_places_each_row_by_itself(fitted, points):
+    before = fitted.embedding_.copy()
+    together = fitted.transform(points[80:])
+    assert together.shape == (10, 2)
+    for row in range(10):
+        assert np.array_equal(fitted.transform(points[80 + row:81 + row])[0], together[row])
+    assert np.array_equal(fitted.transform(points[:79:-1]), together[::-1])
+    assert np.array_equal(fitted.embedding_, before)
+
+
+def test_is_the_same_for_any_threads_and_after_pickling(fitted, points):
+    expected = fitted.transform(points[80:])
+    for n_jobs in (1, 2, 5):
+        assert np.array_equal(fitted.set_params(n_jobs=n_jobs).transform(points[80:]), expected)
+    assert np.array_equal(pickle.loads(pickle.dumps(fitted)).transform(points[80:]), expected)
+
+
+def test_keeps_the_input_of_the_fit(points):
+    given = points[:80].copy()
+    fitted = ovik.TSNE(perplexity=10, n_iter=100).fit(given)
+    expected = fitted.transform(points[80:])
+    given[:] = 0.0
+    assert np.array_equal(fitted.transform(points[80:]), expected)
+
+
+def test_matches_columns_by_name(points):
+    fitted = ovik.TSNE(perplexity=10, n_iter=100).fit(Table(points[:80], list("abcdef")))
+    expected = fitted.transform(points[80:])
+    swapped = Table(points[80:, ::-1], list("fedcba"))
+    assert np.array_equal(fitted.transform(swapped), expected)
+    with pytest.raises(ValueError, match=r"missing \['a'\], additional \['x'\]"):
+        fitted.transform(Table(points[80:], list("xbcdef")))
+
+
+def test_refuses_what_cannot_be_placed(fitted, points):
+    with pytest.raises(ValueError, match="has not been fitted yet"):
+        ovik.TSNE().transform(points)
+    with pytest.raises(ValueError, match="X has 5 features, but TSNE is expecting 6 features"):
+        fitted.transform(points[80:, :5])
+    with pytest.raises(ValueError, match="there is no row to place"):
+        fitted.transform(points[:0])
+    bad = points[80:].copy()
+    bad[3, 2] = np.nan
+    with pytest.raises(ValueError, match="in row 3, column 2"):
+        fitted.transform(bad)
+    bad[3, 2] = 1e300
+    with pytest.raises(ValueError, match="row 4 has values"):
+        fitted.transform(bad)
+
+
+def test_places_rows_as_the_command_does(points, tmp_path):
+
+
+    def write(name, rows):
+        lines = ["row\t" + "\t".join("abcdef")]
+        lines += [f"R{n}\t" + "\t".join(repr(float(x)) for x in row) for n, row in enumerate(rows)]
+        (tmp_path / name).write_text("\n".join(lines) + "\n")
+        return tmp_path / name
+
+    command = [os.environ["OVIK_TSNE"], "--quiet", "--names", "other", "--no-plots", "--out-dir", tmp_path]
+    model = tmp_path / "map.model"
+    subprocess.run([*command, write("old.tsv", points[:80]), "-p", "10", "-i", "100", "--model", model],
+                   check=True)
+    subprocess.run([*command, write("new.tsv", points[80:]), "--onto", model], check=True)
+    table = (tmp_path / "new_onto.csv").read_text().splitlines()[1:]
+    places = ovik.TSNE(perplexity=10, n_iter=100).fit(points[:80]).transform(points[80:])
+    for line, place in zip(table, places, strict=True):
+        assert line.split(",")[1:3] == [f"{x:.3f}" for x in place]

@@ -1,0 +1,202 @@
+#include "stats/row_placement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "stats/centring.h"
+#include "stats/fit.h"
+#include "util/input_error.h"
+
+#include "tests/plain/plain_placement.h"
+#include "tests/support/held_out_rows.h"
+#include "tests/support/random_points.h"
+#include "tests/support/threads.h"
+
+namespace ovik {
+namespace {
+
+/// A map of random rows: where they lie has nothing to do with what they are.
+struct RandomMap {
+    RandomMap(std::size_t rows, std::size_t columns, std::size_t dims, double map_perplexity)
+        : input(test::random_values(rows * columns, 3, 7.0)),
+          embedding(test::random_values(rows * dims, 4, 20.0)),
+          shape{rows, columns, dims},
+          perplexity(map_perplexity) {
+        scale = centre_and_scale({input.data(), rows, columns});
+    }
+
+    [[nodiscard]] FinishedMap view() const {
+        return {{input.data(), shape[0], shape[1]},
+                scale,
+                {embedding.data(), shape[0], shape[2]},
+                perplexity};
+    }
+
+    [[nodiscard]] plain::FixedMap plainly() const {
+        return {
+            input, scale.means, scale.factor, embedding, shape[0], shape[1], shape[2], perplexity};
+    }
+
+    std::vector<double> input;
+    std::vector<double> embedding;
+    std::size_t shape[3];
+    double perplexity;
+    InputScale scale;
+};
+
+/// Places rows, which are as many as fill the values.
+PlacedRows place(const RandomMap& map, const std::vector<double>& values) {
+    const std::size_t columns = map.shape[1];
+    return place_rows(map.view(), {values.data(), values.size() / columns, columns});
+}
+
+/// Holds every row to the plain program.
+void expect_plain_places(const RandomMap& map, const std::vector<double>& values) {
+    const std::size_t columns = map.shape[1];
+    const std::size_t dims = map.shape[2];
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        const PlacedRows placed = place(map, values);
+        ASSERT_EQ(placed.costs.size(), values.size() / columns);
+        for (std::size_t n = 0; n < placed.costs.size(); ++n) {
+            const auto row = values.begin() + static_cast<std::ptrdiff_t>(n * columns);
+            const plain::Place expected =
+                plain::place_row(map.plainly(), {row, row + static_cast<std::ptrdiff_t>(columns)});
+            EXPECT_EQ(placed.costs[n], expected.cost) << n;
+            for (std::size_t d = 0; d < dims; ++d) {
+                EXPECT_EQ(placed.embedding[n * dims + d], expected.y[d]) << n;
+            }
+        }
+    }
+}
+
+TEST(PlaceRows, EqualsThePlainProgramBitForBit) {
+    expect_plain_places(RandomMap(300, 6, 2, 12.7), test::random_values(20 * 6, 5, 7.0));
+}
+
+TEST(PlaceRows, TakesAnyNumberOfDimensions) {
+    expect_plain_places(RandomMap(100, 3, 5, 5.0), test::random_values(9 * 3, 6, 7.0));
+}
+
+TEST(PlaceRows, TakesMapsOfFewerRowsThanItAsksFor) {
+    expect_plain_places(RandomMap(8, 3, 2, 4.0), test::random_values(5 * 3, 7, 7.0));
+    expect_plain_places(RandomMap(2, 3, 2, 1.0), test::random_values(2 * 3, 8, 7.0));
+}
+
+TEST(PlaceRows, TakesTheLowerOfRowsAtEqualDistances) {
+    RandomMap map(60, 2, 2, 3.0);
+    for (std::size_t n = 0; n < 30; ++n) {
+        std::copy_n(map.input.begin() + static_cast<std::ptrdiff_t>(2 * n),
+                    2,
+                    map.input.begin() + static_cast<std::ptrdiff_t>(2 * (n + 30)));
+    }
+    const std::vector<double> values = test::random_values(10 * 2, 9, 7.0);
+    expect_plain_places(map, values);
+    for (const std::uint32_t nearest : place(map, values).nearest) {
+        EXPECT_LT(nearest, 30U);
+    }
+}
+
+TEST(PlaceRows, PlacesEachRowByItself) {
+    const RandomMap map(200, 4, 2, 10.0);
+    const std::size_t count = 50;
+    const std::vector<double> values = test::random_values(count * 4, 10, 7.0);
+    const PlacedRows together = place(map, values);
+    for (std::size_t n = 0; n < count; ++n) {
+        const auto row = values.begin() + static_cast<std::ptrdiff_t>(4 * n);
+        const PlacedRows alone = place(map, {row, row + 4});
+        EXPECT_EQ(alone.embedding[0], together.embedding[2 * n]);
+        EXPECT_EQ(alone.embedding[1], together.embedding[2 * n + 1]);
+        EXPECT_EQ(alone.costs[0], together.costs[n]);
+        EXPECT_EQ(alone.nearest[0], together.nearest[n]);
+        EXPECT_EQ(alone.nearest_distances[0], together.nearest_distances[n]);
+    }
+}
+
+TEST(PlaceRows, NeverEndsAtAPlaceThatCostsMoreThanTheStart) {
+    const RandomMap map(200, 4, 2, 10.0);
+    const std::vector<double> values = test::random_values(50 * 4, 11, 7.0);
+    const MatrixView<const double> rows{values.data(), 50, 4};
+    PlacementDescent none;
+    none.iterations = 0;
+    const PlacedRows starts = place_rows(map.view(), rows, none);
+    PlacementDescent wild;
+    wild.learning_rate = 1e6;
+    const PlacedRows thrown = place_rows(map.view(), rows, wild);
+    const PlacedRows placed = place_rows(map.view(), rows);
+    for (std::size_t n = 0; n < 50; ++n) {
+        EXPECT_LE(placed.costs[n], starts.costs[n]);
+        EXPECT_LE(thrown.costs[n], starts.costs[n]);
+    }
+}
+
+TEST(PlaceRows, KnowsARowOfTheMapAgain) {
+    RandomMap map(100, 4, 2, 5.0);
+    // In the units before centring, to the bit.
+    map.scale.means.assign(4, 0.0);
+    map.scale.factor = 1.0;
+    const PlacedRows placed = place(map, map.input);
+    for (std::size_t n = 0; n < 100; ++n) {
+        EXPECT_EQ(placed.nearest[n], n);
+        EXPECT_EQ(placed.nearest_distances[n], 0.0);
+    }
+}
+
+TEST(PlaceRows, PlacesNoRows) {
+    const RandomMap map(30, 4, 2, 5.0);
+    EXPECT_TRUE(place(map, {}).embedding.empty());
+}
+
+TEST(PlaceRows, RefusesRowsBeyondAllMeasureByTheirNumber) {
+    const RandomMap map(30, 2, 2, 5.0);
+    for (const double bad : {1e300, HUGE_VAL, std::numeric_limits<double>::quiet_NaN()}) {
+        try {
+            place(map, {1.0, 2.0, 3.0, bad, bad, 4.0});
+            ADD_FAILURE() << bad << " was placed";
+        } catch (const InputError& error) {
+            EXPECT_EQ(std::string(error.what()).substr(0, 21), "row 2 has values that");
+        }
+    }
+}
+
+TEST(PlaceRows, RefusesWhatDoesNotFitTogether) {
+    RandomMap map(30, 4, 2, 5.0);
+    const std::vector<double> values(12);
+    EXPECT_THROW(place_rows(map.view(), {values.data(), 4, 3}), std::invalid_argument);
+    map.perplexity = 0.5;
+    EXPECT_THROW(place(map, values), std::invalid_argument);
+    map.perplexity = 5.0;
+    map.scale.means.pop_back();
+    EXPECT_THROW(place(map, values), std::invalid_argument);
+}
+
+TEST(PlaceRows, BringsHeldOutGenesNearerToTheirNeighboursThanTheMeanOfTheseDoes) {
+    const test::HeldOutGenes genes("brauer2008_chemostat.tsv", 600);
+    const test::HeldOutDistances distances = genes.measure(15.0, 500);
+    EXPECT_LT(distances.placed, distances.mean_of_nearest);
+    EXPECT_LT(distances.placed, distances.start);
+}
+
+TEST(BarsPlacement, IsOfOptionsOfTheListAlone) {
+    std::vector<std::string_view> barring;
+    const FitOptions options;
+    visit_fit_options(options, [&barring](const auto& option) {
+        if (bars_placement(option.words.name)) {
+            barring.push_back(option.words.name);
+        }
+    });
+    EXPECT_EQ(barring, (std::vector<std::string_view>{"metric", "pca", "affinity", "multiscale"}));
+}
+
+TEST(LargestNearestDistance, IsThatOfTheLoneliestRow) {
+    const std::vector<double> rows = {0.0, 0.0, 3.0, 4.0, 0.0, 1.0, 30.0, 44.0};
+    EXPECT_EQ(largest_nearest_distance({rows.data(), 4, 2}), std::hypot(27.0, 40.0));
+}
+
+}  // namespace
+}  // namespace ovik
