@@ -56,8 +56,8 @@ class Engine {
     ///
     /// @param hooks  progress and its end, called by the calling thread: see `FitHooks`
     /// @throws std::logic_error before any input
-    /// @throws InputError if an option is out of its range (`visit_fit_options`), options do not fit
-    /// each other, or the matrix cannot bear one, such as a perplexity of as many neighbours as
+    /// @throws InputError if an option is out of its range (`visit_fit_options`), options do not
+    /// fit each other, or the matrix cannot bear one, such as a perplexity of as many neighbours as
     /// there are other rows; if the values have been changed since `setInput` and cannot be
     /// embedded; if the embedding gets out of range
     /// @throws WorkMemoryError (a std::bad_alloc) if a work array does not fit in memory
