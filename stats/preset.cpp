@@ -22,6 +22,16 @@ void copy_option(const Option& to, const Other& from) {
     }
 }
 
+/// Gives an option the value that the option of its name has.
+template <typename Option>
+void take_over(const Option& to, const FitOptions& given) {
+    visit_fit_options(given, [&to](const auto& from) {
+        if (from.words.name == to.words.name) {
+            copy_option(to, from);
+        }
+    });
+}
+
 }  // namespace
 
 // Lower costs can be had, for maps that keep fewer neighbours: docs/better-map.md.
@@ -46,11 +56,7 @@ FitOptions with_preset(PresetKind preset,
     FitOptions options = preset_options(preset, rows);
     visit_fit_options(options, [&](const auto& to) {
         if (is_given(to.words.name)) {
-            visit_fit_options(given, [&](const auto& from) {
-                if (from.words.name == to.words.name) {
-                    copy_option(to, from);
-                }
-            });
+            take_over(to, given);
         }
     });
     // Distances have no components that the points could start from.

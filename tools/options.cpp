@@ -226,7 +226,7 @@ class FitOptionAdder {
             ", separated by commas, " + range_text(option) + " (" + preset_text(option) + ")",
             "NUMBER,...",
             [option](const std::string& text) {
-                const std::string flag = flag_of(option.words);
+                const std::string flag = flagOf(option.words);
                 const std::vector<double> numbers = parse_numbers(flag, text, option.range);
                 if (numbers.size() > NumberList::kMost) {
                     throw CLI::ValidationError(flag, "should be " + requirement_text(option));
@@ -239,7 +239,7 @@ class FitOptionAdder {
     }
 
   private:
-    static std::string flag_of(const OptionWords& words) { return "--" + long_name(words); }
+    static std::string flagOf(const OptionWords& words) { return "--" + long_name(words); }
 
     /// Adds an option that a function reads.
     ///
@@ -265,7 +265,7 @@ class FitOptionAdder {
                     std::string number = text;
                     if (!option.isAutomatic() && !check_of(option.range)(number).empty()) {
                         throw CLI::ValidationError(
-                            flag_of(option.words),
+                            flagOf(option.words),
                             "should be " + requirement_text(option) + ", not " + text);
                     }
                     if (!option.isAutomatic()) {
@@ -286,7 +286,7 @@ class FitOptionAdder {
         }
         if (option.open_end.empty() || !std::filesystem::exists(text)) {
             throw CLI::ValidationError(
-                flag_of(option.words),
+                flagOf(option.words),
                 "should be " + requirement_text(option, kFile) + ", not " + text +
                     (option.open_end.empty() ? "" : ", and there is no such file"));
         }
@@ -303,7 +303,7 @@ class FitOptionAdder {
             "NUMBER",
             [this_options = &options_, option](const std::string& text) {
                 this_options->perplexities =
-                    parse_numbers(flag_of(option.words), text, option.range);
+                    parse_numbers(flagOf(option.words), text, option.range);
             });
     }
 
