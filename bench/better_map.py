@@ -92,6 +92,7 @@ class Bench:
             [self.command, file, "--missing", "row-mean", "--perplexity", "30", "--threads", "1"]
             + ["--seed", str(seed), "--max-iter", str(iterations - 1), "--name", "map"]
             + ["--out-dir", place, "--coordinates", "tsv", "--quality", "--no-plots", "--quiet"]
+            + ["--names", "other"]
             + ["--json", report, *(option.format(**values) for option in options)]
         )
         run = json.loads(report.read_text())["runs"][0]
@@ -134,7 +135,7 @@ def disparity(one, other):
     turned = abs(sum(a * b.conjugate() for a, b in zip(one, other, strict=True)))
     mirrored = abs(sum(a * b for a, b in zip(one, other, strict=True)))
     sizes = [sum(abs(point) ** 2 for point in points) for points in (one, other)]
-    return 1.0 - max(turned, mirrored) ** 2 / (sizes[0] * sizes[1])
+    return max(0.0, 1.0 - max(turned, mirrored) ** 2 / (sizes[0] * sizes[1]))
 
 
 def spread(maps):
@@ -209,7 +210,7 @@ def scan(bench, matrices, count):
             wanted = [((*REFINED, *options), seed, 1000) for seed in seeds(count)]
             maps = bench.maps(matrix, wanted)
             cells += [cost_text(maps)[0], f"{mean(one.trustworthiness for one in maps):.4f}"]
-            cells.append(f"{spread(maps):.3f}")
+            cells.append(f"{spread(maps):.3f}" if count > 1 else "")
         rows.append(cells)
         print(*cells, flush=True)
     return rows
