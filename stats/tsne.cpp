@@ -70,6 +70,7 @@ void TSNE<T>::init(std::string path, int max_iter, char delimiter) {
         throw;
     }
     input_is_released_ = false;
+    prepared_X_ = nullptr;
     N = static_cast<int>(rows.size());
     D = static_cast<int>(rows.front().size());
     const std::size_t columns = rows.front().size();
@@ -100,6 +101,7 @@ void TSNE<T>::finish() {
     }
     input_is_released_ = true;
     released_Y_ = Y;
+    prepared_X_ = nullptr;
     N = 0;
     D = 0;
     replaced_.clear();

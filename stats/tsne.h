@@ -74,7 +74,8 @@ class TSNE {
     /// Labels of the rows in the place of those that `actuate` is given: the chart page offers
     /// each, the figure shows the first. Empty for none.
     std::vector<LabelColumn> label_columns;
-    /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`.
+    /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`. Under a
+    /// metric of `options` that compares rows by their correlation it serves a single run.
     double* X = nullptr;
     /// Embedding, row-major, N x no_dims, from array `new`.
     double* Y = nullptr;
@@ -152,7 +153,8 @@ class TSNE {
     /// @param labels           one per row, or empty: they colour the points of the plots
     /// @param stop_lying_iter  iteration at which early exaggeration ends
     /// @param mom_switch_iter  iteration after which the momentum is 0.8
-    /// @throws std::logic_error if `finish` has released the input
+    /// @throws std::logic_error if `finish` has released the input, or an earlier run has brought
+    /// it into the form of its metric
     /// @throws std::invalid_argument if `checkpoint_every` is below 1
     /// @throws std::bad_array_new_length if `no_dims` or `N` is negative
     /// @throws InputError if `row_names` has fewer names than there are rows, and as `checkResume`
@@ -300,6 +302,8 @@ class TSNE {
     bool input_is_released_ = false;
     /// What `finish` has released, and `Y` points at until another takes its place.
     const double* released_Y_ = nullptr;
+    /// The input that a run has brought into the form of its metric; null for none.
+    const double* prepared_X_ = nullptr;
     /// Arrays that a later `init` or `actuate` replaced.
     std::vector<std::unique_ptr<double[]>> replaced_;
     bool table_written_ = false;

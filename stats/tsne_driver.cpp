@@ -12,10 +12,12 @@
 #include "stats/cached_neighbours.h"
 #include "stats/exit_without_memory.h"
 #include "stats/fit.h"
+#include "stats/fit_checks.h"
 #include "stats/fit_console.h"
 #include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/row_metric.h"
 #include "stats/run_results.h"
 #include "stats/tsne.h"
 #include "util/console.h"
@@ -88,6 +90,11 @@ void TSNE<T>::requireInput() const {
     if (!holdsInput()) {
         throw std::logic_error(
             "the input was released by finish: call init, or set X, N and D, before actuate");
+    }
+    if (prepared_X_ != nullptr && X == prepared_X_) {
+        throw std::logic_error(
+            "an earlier run has brought the rows into the form of its metric: call init, or take "
+            "another object, before another run");
     }
 }
 
@@ -217,6 +224,10 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     if (!resume_path.empty()) {
         resumed = read_resumed(resume_path, run, max_iter);
     }
+    const auto columns = static_cast<std::size_t>(std::max(D, 0));
+    const auto rows = static_cast<std::size_t>(std::max(N, 0));
+    const std::span<const std::string> names = currentNames();
+    check_metric({X, rows, columns}, options, names.size() == rows ? names : names.first(0));
     forgetResults();
     const MatrixView<double> embedding = makeEmbedding(options.out_dims);
     print_launch(options, N);
@@ -244,8 +255,8 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
         resumed ? std::optional(state_of(*resumed)) : std::nullopt;
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
+    prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     FitReport report = exiting_without_memory([&] {
-        const auto columns = static_cast<std::size_t>(std::max(D, 0));
         return fit_into(embedding,
                         {X, embedding.rows, columns},
                         options,

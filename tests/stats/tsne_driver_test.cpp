@@ -409,6 +409,25 @@ TEST_F(Driver, RefusesToRunOnAReleasedInput) {
     testing::internal::GetCapturedStdout();
 }
 
+TEST_F(Driver, RunsOnceOnRowsThatAreBroughtIntoTheFormOfAMetric) {
+    const ConsoleSilence silence;
+    const std::string path = matrix(40);
+    TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
+    tsne.init(path, 5, '\t');
+    tsne.options.metric = MetricKind::Pearson;
+    tsne.embed(2, 5.0, 2, 2);
+    const std::vector<double> first(tsne.Y, tsne.Y + 80);
+    for (const MetricKind metric : {MetricKind::Pearson, MetricKind::Euclidean}) {
+        tsne.options.metric = metric;
+        EXPECT_THROW(tsne.embed(2, 5.0, 2, 2), std::logic_error);
+    }
+    tsne.init(path, 5, '\t');
+    tsne.options.metric = MetricKind::Pearson;
+    tsne.embed(2, 5.0, 2, 2);
+    EXPECT_EQ(std::vector<double>(tsne.Y, tsne.Y + 80), first);
+    tsne.finish();
+}
+
 TEST_F(Driver, TakesACallersOwnInputAfterAFinishAndReleasesIt) {
     testing::internal::CaptureStdout();
     TSNE<double> tsne(directory_.prefix(), "run", "", "Title");
