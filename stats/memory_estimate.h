@@ -33,7 +33,8 @@ struct RunSize {
 ///   (16 N^2);
 /// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
 ///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
-///   and the symmetric entries (12 S);
+///   and the symmetric entries (12 S); where the input holds distances, lists of neighbours (32 E)
+///   in the place of the index;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (153 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the

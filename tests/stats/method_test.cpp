@@ -90,6 +90,17 @@ TEST(Methods, TellWhatMemoryTheyTakeBesideTheInput) {
     EXPECT_GT(method_of(size.options).memory(size).similarities, of_shared);
 }
 
+TEST(Methods, TakeNoIndexOfDistancesIntoMemory) {
+    RunSize size;
+    size.rows = size.columns = 5000;
+    const double of_values = method_of(size.options).memory(size).similarities;
+    size.options.metric = MetricKind::Precomputed;
+    const double of_distances = method_of(size.options).memory(size).similarities;
+    EXPECT_LT(of_distances, 0.5 * of_values);
+    // The entries, and the lists of neighbours twice.
+    EXPECT_GE(of_distances, (12.0 + 32.0) * 5000.0 * 60.0);
+}
+
 TEST(Methods, TakeNoMemoryForNoRows) {
     const RunSize size;
     for (const Method& method : methods()) {
