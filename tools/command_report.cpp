@@ -44,10 +44,11 @@ std::vector<std::pair<std::string, std::string>> reported_options(const Options&
     const std::string transformations = names_of(options.load.transformations);
     reported.emplace_back("transformations",
                           transformations.empty() ? "null" : json_text(transformations));
-    reported.emplace_back("constant_rows",
-                          compares_directions(options.fit.metric)
-                              ? json_text(options.drops_constant_rows ? "drop" : "refuse")
-                              : "null");
+    reported.emplace_back(
+        "constant_rows",
+        compares_directions(options.fit.metric)
+            ? json_text(std::string(options.drops_constant_rows ? "drop" : "refuse"))
+            : "null");
     reported.emplace_back(
         "neighbours_from",
         options.neighbours_file.empty() ? "null" : json_text(options.neighbours_file));

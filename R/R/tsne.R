@@ -61,11 +61,12 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
   threads <- checked_threads(threads)
   check_flag("verbose", verbose)
   check_values(x)
-  check_metric(x, bare_value(options$metric))
+  metric <- options$metric
   start <- checked_start(start, nrow(x), options$dims)
   given <- intersect(names(options), names(call))
   sent <- options[union("perplexity", given)]
   options <- .Call(C_settle, lapply(sent, bare_value), given, preset, dim(x))
+  check_metric(x, metric)
   if (!is.null(options$perplexity)) check_perplexity(options$perplexity, nrow(x))
   labels <- checked_labels(labels, x)
 
