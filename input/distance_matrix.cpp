@@ -19,6 +19,10 @@ constexpr double kLargest = 1e300;
 /// largest.
 constexpr double kRounding = 1e-10;
 
+/// The same of a root of such a difference, in the place of the 0 on the diagonal, which nothing is
+/// computed with.
+constexpr double kRoundingOfRoot = 1e-6;
+
 class DistanceCheck {
   public:
     DistanceCheck(MatrixView<const double> distances, const DistanceWords& words)
@@ -94,7 +98,7 @@ class DistanceCheck {
                    "the distance " + shortest_text(value) + " is negative",
                    "Distances are needed, not similarities: 1 - r makes one of a correlation.");
         }
-        if (row == column && value > kRounding * largest_) {
+        if (row == column && value > kRoundingOfRoot * largest_) {
             refuse(row,
                    column,
                    "the distance of the row from itself is " + shortest_text(value) + ", not 0",

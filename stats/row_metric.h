@@ -38,8 +38,7 @@ void prepare_rows(MatrixView<double> X, MetricKind metric);
 /// 2^-53 of the largest absolute value); for the cosine rows of zeros; for other metrics none.
 ///
 /// @param X  finite
-std::vector<std::size_t> rows_without_direction(MatrixView<const double> X,
-                                                         MetricKind metric);
+std::vector<std::size_t> rows_without_direction(MatrixView<const double> X, MetricKind metric);
 
 /// What messages about the rows of a matrix call it and them.
 struct RowWords {
@@ -62,8 +61,8 @@ std::string listed_rows(const std::vector<std::size_t>& rows, const RowWords& wo
 /// have too few columns: 2 values have a correlation of 1 or -1; if all rows are in the same
 /// direction, so that all distances are 0 but for rounding
 void check_rows(MatrixView<const double> X,
-                         MetricKind metric,
-                         const RowWords& words,
-                         const std::string& cure);
+                MetricKind metric,
+                const RowWords& words,
+                const std::string& cure);
 
 }  // namespace ovik

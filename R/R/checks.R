@@ -177,7 +177,8 @@ check_variation <- function(x, metric) {
   )
 }
 
-# What is no matrix of distances. Rounding may leave 1e-10 of the largest.
+# What is no matrix of distances. Rounding may leave 1e-10 of the largest, and on the diagonal
+# 1e-6, the root of it.
 check_distances <- function(x) {
   if (nrow(x) != ncol(x)) {
     refuse(
@@ -207,7 +208,7 @@ check_distances <- function(x) {
   no_similarities <- "Distances are needed, not similarities: 1 - r makes one of a correlation."
   refuse_distance(x < -rounding, function(at) ", below 0", no_similarities)
   refuse_distance(
-    row(x) == col(x) & x > rounding, function(at) ", and not 0: that of the row from itself", no_similarities
+    row(x) == col(x) & x > 1e4 * rounding, function(at) ", and not 0: that of the row from itself", no_similarities
   )
   refuse_distance(
     abs(x - t(x)) > rounding,
