@@ -33,8 +33,8 @@ struct FitHooks {
     /// Is given the share of the variance that principal components keep, if they stand for the
     /// columns, before neighbours are searched for.
     std::function<void(double share)> on_components = {};
-    /// Where the rows start if the options say `StartKind::Given`, else not looked at: rows x output
-    /// dimensions. A row of NaN starts at the median of its neighbours (`start_at_places`).
+    /// Where the rows start if the options say `StartKind::Given`, else not looked at: rows x
+    /// output dimensions. A row of NaN starts at the median of its neighbours (`start_at_places`).
     MatrixView<const double> start = {};
     /// Null, or the state of an earlier fit of the same matrix and options to go on from.
     const FitState* resumed_state = nullptr;
@@ -85,8 +85,8 @@ struct Fit {
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
 /// @throws std::invalid_argument if `resumed_state` is of another shape than Y, or there are to be
 /// more principal components than rows or columns
-/// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not finite;
-/// if it keeps the map flat, as principal components do along which rows do not vary
+/// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not
+/// finite; if it keeps the map flat, as principal components do along which rows do not vary
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;
 /// van der Maaten, "Accelerating t-SNE using tree-based algorithms", JMLR 15:3221, 2014
 OVIK_API FitReport fit_into(MatrixView<double> Y,

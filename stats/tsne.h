@@ -98,8 +98,8 @@ class TSNE {
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
     int checkpoint_every = 50;
-    /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN in
-    /// rows that start among their neighbours.
+    /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN
+    /// in rows that start among their neighbours.
     std::vector<double> start_places;
     /// What was done to the input before it came here, such as "log1p": the chart page names it,
     /// and so do checkpoints, which are not gone on with if it differs. Empty: nothing.
