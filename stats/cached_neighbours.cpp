@@ -127,8 +127,7 @@ std::string CachedNeighbours::identity() const {
         numbers.push_back(one.row);
         numbers.push_back(one.distance);
     }
-    const Digest digest = digest_of(numbers);
-    return std::to_string(digest.low) + " " + std::to_string(digest.high);
+    return hexadecimal(digest_of(numbers));
 }
 
 }  // namespace ovik

@@ -105,6 +105,12 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                          ": the exact method takes all pairs of rows, and no neighbours\n"
                          "Take Barnes-Hut: a theta above 0, such as 0.5.");
     }
+    if (options.pca > 0) {
+        throw InputError(source +
+                         ": gives the neighbours that would else be searched for among principal "
+                         "components, which have no effect so\nLeave out the components (pca), or "
+                         "compute the neighbours among them.");
+    }
     const auto wanted =
         static_cast<std::size_t>(std::max(affinity_neighbours(options, lists.rowCount()), 0));
     const std::vector<double> perplexities = perplexities_of(options);

@@ -34,8 +34,9 @@ OVIK_API std::shared_ptr<CachedNeighbours> make_given_neighbours(NeighbourLists 
 /// @param first   from what they count rows
 /// @return what there is to say of rows that have fewer neighbours than the fit takes, in a
 /// sentence without a full stop; empty for nothing
-/// @throws InputError with the cure if a row has not more of them than the perplexity asks for, or
-/// if the method that the options stand for has no use for neighbours
+/// @throws InputError with the cure if a row has not more of them than the perplexity asks for, if
+/// the method that the options stand for has no use for neighbours, or if principal components are
+/// to stand for the columns, by which nothing is searched
 OVIK_API std::string check_given_neighbours(const NeighbourLists& lists,
                                             const FitOptions& options,
                                             const std::string& source,

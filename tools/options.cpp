@@ -549,6 +549,16 @@ void check_combination(const Options& options) {
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
     }
+    if (!options.model.empty() && options.load.transformations.transpose) {
+        throw CLI::ValidationError("--model",
+                                   "is of a map of rows, and --transpose makes one of columns"
+                                   "\nTranspose the file itself, or leave one of them out.");
+    }
+    if (!options.model.empty() && !options.neighbours_file.empty()) {
+        throw CLI::ValidationError("--model",
+                                   "compares new rows by their columns, and --neighbours-from the "
+                                   "rows of the map by a graph\nLeave one of them out.");
+    }
     if (!options.model.empty() && options.model == options.checkpoint) {
         throw CLI::ValidationError("--model", "and --checkpoint cannot be the same file");
     }

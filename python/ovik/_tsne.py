@@ -211,8 +211,8 @@ class TSNE(FitParameters):
         ValueError
             If there was no fit, if columns are missing or additional, if values are not finite or
             too far from those of the fit to be measured, or if the fit was one by options with which
-            rows cannot be placed: another metric, principal components, other affinities than those
-            of one perplexity.
+            rows cannot be placed: another metric, principal components, a neighbour graph, other
+            affinities than those of one perplexity.
         """
         require_fitted(self)
         container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))
@@ -390,6 +390,8 @@ class TSNE(FitParameters):
         self.learning_rate_ = float(options["learning_rate"])
         self.n_features_in_ = given.values.shape[1]
         self._map = outcome["map"]
+        if self.neighbour_graph is not None:
+            self._map["barring"] = "neighbour_graph"
         self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (

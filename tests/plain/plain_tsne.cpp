@@ -271,11 +271,11 @@ SparseRows neighbour_similarities_by(const std::vector<double>& distances,
         }
         std::sort(others.begin(), others.end());
         others.resize(K);
-        std::vector<double> distances;
+        std::vector<double> nearest;
         for (const auto& other : others) {
-            distances.push_back(other.first);
+            nearest.push_back(other.first);
         }
-        const std::vector<double> cur_P = similarities_to(distances, perplexity);
+        const std::vector<double> cur_P = similarities_to(nearest, perplexity);
         for (std::size_t m = 0; m < K; ++m) {
             rows[n].emplace_back(others[m].second, cur_P[m]);
         }

@@ -76,6 +76,28 @@ def test_refuses_what_cannot_be_placed(fitted, points):
         fitted.transform(bad)
 
 
+def all_neighbours(points):
+    """Each row's distances from all others, as compressed sparse rows."""
+    distances = np.sqrt(((points[:, None, :] - points[None, :, :]) ** 2).sum(-1))
+    others = ~np.eye(len(points), dtype=bool)
+    return distances[others], np.nonzero(others)[1], np.arange(len(points) + 1) * (len(points) - 1)
+
+
+@pytest.mark.parametrize("name, value", [("metric", "pearson"), ("pca", 3), ("multiscale", (5, 10))])
+def test_refuses_maps_of_other_comparisons(points, name, value):
+    fitted = ovik.TSNE(**{"perplexity": 30 if name == "multiscale" else 10, name: value}, n_iter=10)
+    fitted.fit(points[:80])
+    with pytest.raises(ValueError, match=f"made with {name}\n"):
+        fitted.transform(points[80:])
+
+
+def test_refuses_maps_of_given_neighbours(points):
+    fitted = ovik.TSNE(perplexity=10, n_iter=10, neighbour_graph=all_neighbours(points[:80]))
+    fitted.fit(points[:80])
+    with pytest.raises(ValueError, match="made with neighbour_graph\n"):
+        fitted.transform(points[80:])
+
+
 def test_places_rows_as_the_command_does(points, tmp_path):
 
 

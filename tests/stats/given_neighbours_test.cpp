@@ -126,5 +126,17 @@ TEST(CheckGivenNeighbours, RefusesTheExactMethod) {
                 StartsWith("g: the exact method takes all pairs of rows"));
 }
 
+TEST(CheckGivenNeighbours, RefusesComponentsThatWouldHaveNoEffect) {
+    FitOptions options;
+    options.perplexity = 3.0;
+    const NeighbourLists lists = lists_of(std::vector<std::size_t>(20, 9));
+    EXPECT_EQ(check_given_neighbours(lists, options, "g"), "");
+    options.start = StartKind::Pca;
+    EXPECT_EQ(check_given_neighbours(lists, options, "g"), "");
+    options.pca = 3;
+    EXPECT_THAT(test::refusal_of([&] { check_given_neighbours(lists, options, "g"); }),
+                HasSubstr("principal components, which have no effect so\nLeave out"));
+}
+
 }  // namespace
 }  // namespace ovik

@@ -387,6 +387,14 @@ TEST(ParseCommandLine, RefusesSeveralPerplexitiesForOneCheckpoint) {
                 ElementsAre(5));
 }
 
+TEST(ParseCommandLine, RefusesModelsOfMapsOnWhichNoRowsCanBePlaced) {
+    EXPECT_THAT(refusal({"m.tsv", "--model", "m", "--transpose"}),
+                StartsWith("--model: is of a map of rows, and --transpose makes one of columns\n"));
+    EXPECT_THAT(refusal({"m.tsv", "--model", "m", "--neighbours-from", "g.mtx"}),
+                StartsWith("--model: compares new rows by their columns, and --neighbours-from "));
+    EXPECT_EQ(options_of({"--model", "m"}).model, "m");
+}
+
 TEST(ParseCommandLine, ReadsCountsAsDecimalNumbers) {
     EXPECT_EQ(options_of({"-i", "010"}).fit.max_iter, 10);
     EXPECT_EQ(options_of({"-j", "007"}).threads, 7);
