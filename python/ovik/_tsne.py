@@ -391,7 +391,7 @@ class TSNE(FitParameters):
         self.n_features_in_ = given.values.shape[1]
         self._map = outcome["map"]
         if self.neighbour_graph is not None:
-            self._map["barring"] = "neighbour_graph"
+            self._map = {"barring": "neighbour_graph"}
         self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (

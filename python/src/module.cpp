@@ -77,21 +77,24 @@ Array as_array(std::unique_ptr<double[]> values, std::size_t rows, std::size_t c
     return Array({rows, columns}, array, owner);
 }
 
-/// What `place` needs of a fit, by name.
+/// What `place` needs of a fit, by name; where rows cannot be placed, the option that bars it.
 ///
 /// @param outcome  its input is taken
 py::dict described_map(Outcome& outcome, const FitOptions& options) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
-    const InputScale& scale = outcome.fit.report.scale;
-    const std::size_t columns = scale.means.size();
-    const std::size_t rows =
-        outcome.fit.embedding.size() / static_cast<std::size_t>(options.out_dims);
     std::string barring;
     visit_fit_options(options, [&barring](const auto& option) {
         if (barring.empty() && bars_placement(option.words.name) && !option.isPreset()) {
             barring = option.words.python;
         }
     });
+    if (!barring.empty()) {
+        return py::dict("barring"_a = barring);
+    }
+    const InputScale& scale = outcome.fit.report.scale;
+    const std::size_t columns = scale.means.size();
+    const std::size_t rows =
+        outcome.fit.embedding.size() / static_cast<std::size_t>(options.out_dims);
     return py::dict("input"_a = as_array(std::move(outcome.input), rows, columns),
                     "centres"_a = scale.means,
                     "factor"_a = scale.factor,

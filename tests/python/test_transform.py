@@ -85,8 +85,9 @@ def all_neighbours(points):
 
 @pytest.mark.parametrize("name, value", [("metric", "pearson"), ("pca", 3), ("multiscale", (5, 10))])
 def test_refuses_maps_of_other_comparisons(points, name, value):
-    fitted = ovik.TSNE(**{"perplexity": 30 if name == "multiscale" else 10, name: value}, n_iter=10)
-    fitted.fit(points[:80])
+    perplexity = {} if name == "multiscale" else {"perplexity": 10}
+    fitted = ovik.TSNE(**{name: value}, **perplexity, n_iter=10).fit(points[:80])
+    assert fitted._map == {"barring": name}, "the input would be kept for nothing"
     with pytest.raises(ValueError, match=f"made with {name}\n"):
         fitted.transform(points[80:])
 
