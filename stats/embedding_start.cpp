@@ -141,7 +141,12 @@ void search_for_nearest(MatrixView<const double> X, NeighbourGraph& graph) {
 void take_nearest_by_distance(MatrixView<const double> distances, NeighbourGraph& graph) {
     const NeighbourLists lists = nearest_by_distance(distances, graph.neighbour_count);
     for (std::size_t row = 0; row < graph.rows; ++row) {
-        fill_in(graph, row, lists.of(row));
+        // As they are given: those of the lists are scaled.
+        std::vector<NearRow> nearest(lists.of(row).begin(), lists.of(row).end());
+        for (NearRow& one : nearest) {
+            one.distance = distances.row(row)[one.row];
+        }
+        fill_in(graph, row, nearest);
     }
 }
 

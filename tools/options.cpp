@@ -569,9 +569,19 @@ void check_combination(const Options& options) {
     }
 }
 
+/// Whether the command line has an option. `CLI::App::count` copies names where nothing may be
+/// thrown, and so ends the program where memory runs out.
+bool is_given(const CLI::App& app, const std::string& name) {
+    const std::vector<const CLI::Option*> list = app.get_options();
+    return std::any_of(list.begin(), list.end(), [&name](const CLI::Option* option) {
+        const std::vector<std::string>& names = option->get_lnames();
+        return option->count() > 0 && std::find(names.begin(), names.end(), name) != names.end();
+    });
+}
+
 /// Refuses what does not go with the metric.
 void check_comparison(const CLI::App& app, const Options& options) {
-    if (app.count("--constant-rows") > 0 && !compares_directions(options.fit.metric)) {
+    if (is_given(app, "constant-rows") && !compares_directions(options.fit.metric)) {
         throw CLI::ValidationError(
             "--constant-rows",
             "is about rows that have no correlation, and has no effect beside --metric " +
@@ -656,7 +666,7 @@ std::string explanation(const CLI::App& app, const CLI::Error& error) {
 /// Notes which options of the fit the command line has, and refuses those that do not go together.
 void check_fit(const CLI::App& app, Options& options) {
     visit_fit_options(options.fit, [&](const auto& option) {
-        if (app.count("--" + long_name(option.words)) > 0) {
+        if (is_given(app, long_name(option.words))) {
             options.given.emplace(option.words.name);
         }
     });

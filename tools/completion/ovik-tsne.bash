@@ -22,6 +22,7 @@ _ovik_tsne() {
       ;;
     --affinity) COMPREPLY=($(compgen -W $'perplexity\nuniform' -- "$current")) ;;
     --schedule) COMPREPLY=($(compgen -W $'classic\nannealed' -- "$current")) ;;
+    --gains) COMPREPLY=($(compgen -W $'adaptive\nconstant' -- "$current")) ;;
     --start)
       compopt -o filenames
       COMPREPLY=($(compgen -W $'random\npca' -- "$current") $(compgen -f -- "$current"))
