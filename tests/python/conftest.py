@@ -56,7 +56,7 @@ def embed_by_command(tmp_path):
             rows = [line.split(",Group:")[0].split(",")[-3:] for line in lines][1:]
         coordinates = [[x, y] for x, y, psize in rows if psize == "1"]
         state = checkpoint.read_bytes()
-        start = 96 + int.from_bytes(state[40:48], "little")
+        start = 104 + int.from_bytes(state[40:48], "little")
         embedding = np.frombuffer(state, "<f8", 2 * len(coordinates), offset=start).reshape(-1, 2)
         return CommandResult(coordinates, embedding, output)
 
