@@ -38,6 +38,7 @@ choices <- list(
   list(perplexity = 7.5, start = "pca"),
   list(perplexity = 7.5, schedule = "annealed", hold_iter = 10, release_iter = 15, learning_rate = "auto"),
   list(perplexity = 7.5, stop_when = 0.01),
+  list(perplexity = 7.5, gains = "constant"),
   list(perplexity = 7.5, preset = "refined")
 )
 
