@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace ovik {
@@ -19,5 +20,17 @@ struct NeighbourGraph {
     /// The distances to these neighbours.
     std::vector<double> distances;
 };
+
+/// Room for as many neighbours of each row, filled up as where there are none.
+inline NeighbourGraph graph_without_neighbours(std::size_t rows, std::size_t neighbour_count) {
+    NeighbourGraph graph{rows, neighbour_count, {}, {}};
+    graph.distances.assign(rows * neighbour_count, std::numeric_limits<double>::infinity());
+    graph.neighbours.reserve(rows * neighbour_count);
+    for (std::size_t n = 0; n < rows; ++n) {
+        graph.neighbours.insert(
+            graph.neighbours.end(), neighbour_count, static_cast<std::uint32_t>(n));
+    }
+    return graph;
+}
 
 }  // namespace ovik

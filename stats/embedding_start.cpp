@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -103,19 +102,6 @@ void check_varies(MatrixView<const double> Y) {
     }
 }
 
-/// Room for the placing neighbours of so many rows, filled up as where there are none.
-NeighbourGraph graph_without_neighbours(std::size_t rows) {
-    NeighbourGraph graph;
-    graph.rows = rows;
-    graph.neighbour_count = std::min(kPlacingNeighbours, rows - 1);
-    graph.distances.assign(rows * graph.neighbour_count, std::numeric_limits<double>::infinity());
-    graph.neighbours.resize(rows * graph.neighbour_count);
-    for (std::size_t i = 0; i < graph.neighbours.size(); ++i) {
-        graph.neighbours[i] = static_cast<std::uint32_t>(i / graph.neighbour_count);
-    }
-    return graph;
-}
-
 void fill_in(NeighbourGraph& graph, std::size_t row, std::span<const NearRow> nearest) {
     const std::size_t begin = row * graph.neighbour_count;
     for (std::size_t m = 0; m < std::min(nearest.size(), graph.neighbour_count); ++m) {
@@ -203,7 +189,8 @@ void start_at_places(MatrixView<double> Y,
 }
 
 NeighbourGraph placing_neighbours(MatrixView<const double> X, MetricKind metric) {
-    NeighbourGraph graph = graph_without_neighbours(X.rows);
+    NeighbourGraph graph =
+        graph_without_neighbours(X.rows, std::min(kPlacingNeighbours, X.rows - 1));
     if (metric == MetricKind::Precomputed) {
         take_nearest_by_distance(X, graph);
     } else {

@@ -14,6 +14,8 @@
 #include "stats/bandwidth_search.h"
 #include "stats/centring.h"
 #include "stats/kernels/descent_step.h"
+#include "stats/row_metric.h"
+#include "util/counted.h"
 #include "util/input_error.h"
 #include "util/instruction_set.h"
 #include "util/parallel.h"
@@ -226,6 +228,18 @@ void require_shapes(const FinishedMap& map, MatrixView<const double> rows) {
     }
 }
 
+/// @throws InputError if a row cannot be compared with any other
+void refuse_rows_without_direction(MetricKind metric, MatrixView<const double> rows) {
+    const std::vector<std::size_t> found = rows_without_direction(rows, metric);
+    if (!found.empty()) {
+        throw InputError(
+            "row " + std::to_string(found.front() + 1) + " does not vary, so that it has no " +
+            std::string(choice_name(metric)) + " correlation with any row of the map" +
+            (found.size() > 1 ? " (" + counted(found.size(), "such row", "such rows") + ")" : "") +
+            "\nTake such rows out, or place them on a map by the metric euclidean.");
+    }
+}
+
 /// @throws InputError if a row is at no finite distance from the map
 void refuse_distant(const std::vector<double>& nearest_distances) {
     const auto distant = std::find(nearest_distances.begin(), nearest_distances.end(), HUGE_VAL);
@@ -243,8 +257,11 @@ PlacedRows place_rows(const FinishedMap& map,
                       MatrixView<const double> rows,
                       const PlacementDescent& descent) {
     require_shapes(map, rows);
+    refuse_rows_without_direction(map.metric, rows);
     std::vector<double> scaled(rows.all().begin(), rows.all().end());
-    scale_alike({scaled.data(), rows.rows, rows.columns}, map.scale);
+    const MatrixView<double> prepared{scaled.data(), rows.rows, rows.columns};
+    prepare_rows(prepared, map.metric);
+    scale_alike(prepared, map.scale);
     const std::size_t dims = map.embedding.columns;
     PlacedRows placed;
     placed.embedding.resize(rows.rows * dims);
@@ -275,8 +292,11 @@ PlacedRows place_rows(const FinishedMap& map,
     return placed;
 }
 
-bool bars_placement(std::string_view option_name) {
-    constexpr std::string_view kBarring[] = {"metric", "pca", "affinity", "multiscale"};
+bool bars_placement(std::string_view option_name, std::string_view value) {
+    if (option_name == "metric") {
+        return value == choice_name(MetricKind::Precomputed);
+    }
+    constexpr std::string_view kBarring[] = {"pca", "affinity", "multiscale"};
     return std::find(std::begin(kBarring), std::end(kBarring), option_name) != std::end(kBarring);
 }
 

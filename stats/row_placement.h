@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "stats/fit_choices.h"
 #include "stats/input_scale.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
@@ -13,7 +14,8 @@ namespace ovik {
 
 /// A map that is finished, and what it was made of. A view: all of it belongs to the caller.
 struct FinishedMap {
-    /// The rows as they were embedded: centred and scaled, rows x columns.
+    /// The rows as they were embedded: in the form of the metric, centred and scaled, rows x
+    /// columns.
     MatrixView<const double> input;
     /// How they were centred and scaled.
     const InputScale& scale;
@@ -21,6 +23,8 @@ struct FinishedMap {
     MatrixView<const double> embedding;
     /// That of the map, at least 1.
     double perplexity = 1.0;
+    /// That of the map, but not `Precomputed`.
+    MetricKind metric = MetricKind::Euclidean;
 };
 
 /// Rows that have been given places on a finished map.
@@ -56,20 +60,22 @@ struct PlacementDescent {
 /// that it never costs more than either start.
 ///
 /// @param map   at least one row
-/// @param rows  of the columns of the map, in the units of its matrix before it was centred
+/// @param rows  of the columns of the map, in the units of its matrix before it was centred, or
+///              brought into the form of its metric
 /// @throws InputError if a row is so far away that its distances are not finite, or has a value
-/// that is not
+/// that is not; if the metric finds a row without direction
 /// @throws std::invalid_argument if the shapes do not fit together
 /// @complexity O(rows * map rows * (columns + iterations * output dimensions))
 OVIK_API PlacedRows place_rows(const FinishedMap& map,
                                MatrixView<const double> rows,
                                const PlacementDescent& descent = {});
 
-/// Whether rows can be placed on a map only if this option of it is as preset: rows are compared by
-/// the distances of their columns, and have affinities of one perplexity.
+/// Whether no rows can be placed on a map because an option of it is not as preset: rows are
+/// compared by their columns, and have affinities of one perplexity.
 ///
 /// @param option_name  as `OptionWords` has it
-OVIK_API bool bars_placement(std::string_view option_name);
+/// @param value        of the option, as `value_text` has it
+OVIK_API bool bars_placement(std::string_view option_name, std::string_view value);
 
 /// The largest distance of a row from the one that is nearest to it: what lies farther away from
 /// all rows is unlike any of them.

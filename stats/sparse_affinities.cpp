@@ -28,18 +28,6 @@ void check_entry_count(std::size_t entries) {
     }
 }
 
-/// Every row is filled up with itself.
-NeighbourGraph graph_without_neighbours(std::size_t N, std::size_t neighbour_count) {
-    NeighbourGraph graph{N, neighbour_count, {}, {}};
-    graph.distances.assign(N * neighbour_count, std::numeric_limits<double>::infinity());
-    graph.neighbours.reserve(N * neighbour_count);
-    for (std::size_t n = 0; n < N; ++n) {
-        graph.neighbours.insert(
-            graph.neighbours.end(), neighbour_count, static_cast<std::uint32_t>(n));
-    }
-    return graph;
-}
-
 /// Fills rows of the matrix of conditional affinities.
 class RowFiller {
   public:

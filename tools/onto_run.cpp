@@ -300,7 +300,8 @@ PlacedRows place(const Options& options, const OntoRun& run) {
         return place_rows({{model.input.data(), model.rows, model.columns},
                            scale,
                            {model.embedding.data(), model.rows, model.out_dims},
-                           model.perplexity},
+                           model.perplexity,
+                           metric_of(options.onto, model)},
                           {run.loaded.matrix.values.get(), matrix.rows, matrix.columns});
     } catch (const InputError& error) {
         throw InputError(options.matrix + ": " + error.what());

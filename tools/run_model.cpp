@@ -22,7 +22,7 @@ namespace {
 
 void check_placing_options(const FitOptions& fit) {
     visit_fit_options(fit, [](const auto& option) {
-        if (bars_placement(option.words.name) && !option.isPreset()) {
+        if (!option.isPreset() && bars_placement(option.words.name, value_text(option))) {
             const std::string name = "--" + long_name(option.words);
             throw InputError("--model: new rows cannot be placed on a map that is made with " +
                              name + " " + value_text(option) + "\nLeave --model away, or " + name +
@@ -35,11 +35,23 @@ void check_placing_options(const std::string& path, const MapModel& model) {
     const FitOptions presets;
     visit_fit_options(presets, [&](const auto& preset) {
         for (const auto& [name, value] : model.options) {
-            if (name == preset.words.name && bars_placement(name) && value != value_text(preset)) {
+            if (name == preset.words.name && value != value_text(preset) &&
+                bars_placement(name, value)) {
                 refuse_option(path, name, value);
             }
         }
     });
+}
+
+MetricKind metric_of(const std::string& path, const MapModel& model) {
+    FitOptions fit;
+    const FitChoice<MetricKind> metric{fit.metric, fit.metric, {}};
+    for (const auto& [name, value] : model.options) {
+        if (name == "metric" && !metric.set(value)) {
+            refuse_option(path, name, value);
+        }
+    }
+    return fit.metric;
 }
 
 template <typename T>
@@ -50,6 +62,10 @@ MapModel model_of_run(const TSNE<T>& tsne, const Options& options, const KnownCo
     model.out_dims = static_cast<std::size_t>(options.fit.out_dims);
     FitOptions fit = options.fit;
     fit.perplexity = tsne.perplexity;
+    if (tsne.seedReport()) {
+        const SeedReport& seeds = *tsne.seedReport();
+        fit.seed = seeds.runs[seeds.kept].seed;
+    }
     visit_fit_options(fit, [&](const auto& option) {
         if (is_told(fit, option)) {
             model.options.emplace_back(option.words.name, value_text(option));

@@ -11,7 +11,7 @@
 namespace ovik::tool {
 
 /// Refuses options of a map on which new rows cannot be placed: those by which rows are compared in
-/// another way than by the distances of their columns and affinities of one perplexity.
+/// another way than by their columns and affinities of one perplexity.
 ///
 /// @throws InputError with the option and the cure
 void check_placing_options(const FitOptions& fit);
@@ -20,6 +20,12 @@ void check_placing_options(const FitOptions& fit);
 ///
 /// @param path  of the model, for the message
 void check_placing_options(const std::string& path, const MapModel& model);
+
+/// The metric by which the map of a model was made.
+///
+/// @param path  of the model, for the message
+/// @throws InputError if this program does not know it
+MetricKind metric_of(const std::string& path, const MapModel& model);
 
 /// What is needed to place further rows on the map of a run.
 ///

@@ -211,8 +211,8 @@ class TSNE(FitParameters):
         ValueError
             If there was no fit, if columns are missing or additional, if values are not finite or
             too far from those of the fit to be measured, or if the fit was one by options with which
-            rows cannot be placed: another metric, principal components, a neighbour graph, other
-            affinities than those of one perplexity.
+            rows cannot be placed: distances, principal components, a neighbour graph, other
+            affinities than those of one perplexity; if a row has no correlation with any other.
         """
         require_fitted(self)
         container = chosen_container(getattr(self, "_sklearn_output_config", {}).get("transform"))

@@ -84,7 +84,8 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
     using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
     std::string barring;
     visit_fit_options(options, [&barring](const auto& option) {
-        if (barring.empty() && bars_placement(option.words.name) && !option.isPreset()) {
+        if (barring.empty() && !option.isPreset() &&
+            bars_placement(option.words.name, value_text(option))) {
             barring = option.words.python;
         }
     });
@@ -99,6 +100,7 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
                     "centres"_a = scale.means,
                     "factor"_a = scale.factor,
                     "perplexity"_a = options.perplexity,
+                    "metric"_a = static_cast<int>(options.metric),
                     "barring"_a = barring);
 }
 
@@ -201,8 +203,11 @@ Array place(const Array& X, const Array& embedding, const py::dict& map, int thr
     const auto input = map["input"].cast<Array>();
     const InputScale scale{map["centres"].cast<std::vector<double>>(),
                            map["factor"].cast<double>()};
-    const FinishedMap finished{
-        view_of(input), scale, view_of(embedding), map["perplexity"].cast<double>()};
+    const FinishedMap finished{view_of(input),
+                               scale,
+                               view_of(embedding),
+                               map["perplexity"].cast<double>(),
+                               static_cast<MetricKind>(map["metric"].cast<int>())};
     const MatrixView<const double> rows = view_of(X);
     const PlacedRows placed = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
         set_thread_count(threads);

@@ -83,13 +83,24 @@ def all_neighbours(points):
     return distances[others], np.nonzero(others)[1], np.arange(len(points) + 1) * (len(points) - 1)
 
 
-@pytest.mark.parametrize("name, value", [("metric", "pearson"), ("pca", 3), ("multiscale", (5, 10))])
+@pytest.mark.parametrize("name, value", [("pca", 3), ("multiscale", (5, 10))])
 def test_refuses_maps_of_other_comparisons(points, name, value):
     perplexity = {} if name == "multiscale" else {"perplexity": 10}
     fitted = ovik.TSNE(**{name: value}, **perplexity, n_iter=10).fit(points[:80])
     assert fitted._map == {"barring": name}, "the input would be kept for nothing"
     with pytest.raises(ValueError, match=f"made with {name}\n"):
         fitted.transform(points[80:])
+
+
+def test_compares_rows_by_the_metric_of_the_map(points):
+    fitted = ovik.TSNE(metric="pearson", perplexity=10, n_iter=50).fit(points[:80])
+    placed = fitted.transform(points[80:])
+    # A correlation does not change with a factor.
+    np.testing.assert_array_equal(fitted.transform(points[80:] * 8.0), placed)
+    other = ovik.TSNE(perplexity=10, n_iter=50).fit(points[:80])
+    assert (other.transform(points[80:] * 8.0) != other.transform(points[80:])).any()
+    with pytest.raises(ValueError, match="row 1 does not vary, so that it has no pearson"):
+        fitted.transform(np.ones((1, points.shape[1])))
 
 
 def test_refuses_maps_of_given_neighbours(points):

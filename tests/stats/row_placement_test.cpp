@@ -10,11 +10,13 @@
 
 #include "stats/centring.h"
 #include "stats/fit.h"
+#include "stats/row_metric.h"
 #include "util/input_error.h"
 
 #include "tests/plain/plain_placement.h"
 #include "tests/support/held_out_rows.h"
 #include "tests/support/random_points.h"
+#include "tests/support/refusal.h"
 #include "tests/support/threads.h"
 
 namespace ovik {
@@ -182,15 +184,55 @@ TEST(PlaceRows, BringsHeldOutGenesNearerToTheirNeighboursThanTheMeanOfTheseDoes)
     EXPECT_LT(distances.placed, distances.start);
 }
 
+TEST(PlaceRows, ComparesThemByTheMetricOfTheMap) {
+    std::vector<double> values = test::random_values(40 * 6, 61);
+    const std::vector<double> as_they_are(values.begin() + 30 * 6, values.end());
+    std::vector<double> rows = as_they_are;
+    // A correlation does not change with a factor of the row.
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rows[i] = std::ldexp(rows[i], static_cast<int>(i / 6) * 3 - 10);
+    }
+    const MatrixView<double> input{values.data(), 30, 6};
+    prepare_rows(input, MetricKind::Pearson);
+    const InputScale scale = centre_and_scale(input);
+    const std::vector<double> Y = test::random_values(30 * 2, 62);
+    FinishedMap map{input, scale, {Y.data(), 30, 2}, 5.0, MetricKind::Pearson};
+    const PlacedRows placed = place_rows(map, {rows.data(), 10, 6});
+    EXPECT_EQ(placed.embedding, place_rows(map, {as_they_are.data(), 10, 6}).embedding);
+    // The same rows, brought into the form of the metric beforehand.
+    std::vector<double> prepared = rows;
+    prepare_rows({prepared.data(), 10, 6}, MetricKind::Pearson);
+    map.metric = MetricKind::Euclidean;
+    EXPECT_EQ(placed.embedding, place_rows(map, {prepared.data(), 10, 6}).embedding);
+    EXPECT_NE(placed.embedding, place_rows(map, {rows.data(), 10, 6}).embedding);
+}
+
+TEST(PlaceRows, RefusesRowsThatTheMetricCannotCompare) {
+    std::vector<double> values = test::random_values(12 * 4, 63);
+    std::vector<double> rows(values.begin() + 8 * 4, values.end());
+    std::fill_n(rows.begin() + 4, 8, 2.5);
+    const MatrixView<double> input{values.data(), 8, 4};
+    prepare_rows(input, MetricKind::Spearman);
+    const InputScale scale = centre_and_scale(input);
+    const std::vector<double> Y = test::random_values(8 * 2, 64);
+    const FinishedMap map{input, scale, {Y.data(), 8, 2}, 2.0, MetricKind::Spearman};
+    EXPECT_EQ(test::refusal_of([&] {
+                  place_rows(map, {rows.data(), 4, 4});
+              }),
+              "row 2 does not vary, so that it has no spearman correlation with any row of the map "
+              "(2 such rows)\nTake such rows out, or place them on a map by the metric euclidean.");
+}
+
 TEST(BarsPlacement, IsOfOptionsOfTheListAlone) {
     std::vector<std::string_view> barring;
     const FitOptions options;
     visit_fit_options(options, [&barring](const auto& option) {
-        if (bars_placement(option.words.name)) {
+        if (bars_placement(option.words.name, "precomputed")) {
             barring.push_back(option.words.name);
         }
     });
     EXPECT_EQ(barring, (std::vector<std::string_view>{"metric", "pca", "affinity", "multiscale"}));
+    EXPECT_FALSE(bars_placement("metric", "pearson"));
 }
 
 TEST(LargestNearestDistance, IsThatOfTheLoneliestRow) {

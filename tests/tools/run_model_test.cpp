@@ -73,15 +73,16 @@ TEST(ModelOfRun, HoldsWhatTheFitCameTo) {
 TEST(CheckPlacingOptions, RefusesMapsOnWhichRowsCannotBePlaced) {
     FitOptions fit;
     EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }), "");
-    fit.metric = MetricKind::Pearson;
+    fit.metric = MetricKind::Precomputed;
     EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }),
-              "--model: new rows cannot be placed on a map that is made with --metric pearson\n"
+              "--model: new rows cannot be placed on a map that is made with --metric precomputed\n"
               "Leave --model away, or --metric.");
     fit = {};
     fit.pca = 7;
     EXPECT_NE(test::refusal_of([&] { check_placing_options(fit); }), "");
     fit = {};
     fit.start = StartKind::Pca;
+    fit.metric = MetricKind::Spearman;
     EXPECT_EQ(test::refusal_of([&] { check_placing_options(fit); }), "");
 }
 
@@ -89,9 +90,20 @@ TEST(CheckPlacingOptions, RefusesModelsThatAskForMore) {
     MapModel model;
     model.options = {{"metric", "euclidean"}, {"theta", "0.7"}};
     EXPECT_EQ(test::refusal_of([&] { check_placing_options("m", model); }), "");
-    model.options[0].second = "pearson";
+    model.options.emplace_back("pca", "7");
     EXPECT_EQ(test::refusal_of([&] { check_placing_options("m", model); }),
-              "m: this program cannot place rows on a map with metric = pearson\n"
+              "m: this program cannot place rows on a map with pca = 7\n"
+              "Use the program that wrote the model.");
+}
+
+TEST(MetricOf, IsThatOfTheModel) {
+    MapModel model;
+    EXPECT_EQ(metric_of("m", model), MetricKind::Euclidean);
+    model.options = {{"theta", "0.7"}, {"metric", "cosine"}};
+    EXPECT_EQ(metric_of("m", model), MetricKind::Cosine);
+    model.options[1].second = "taxicab";
+    EXPECT_EQ(test::refusal_of([&] { metric_of("m", model); }),
+              "m: this program cannot place rows on a map with metric = taxicab\n"
               "Use the program that wrote the model.");
 }
 
