@@ -88,7 +88,7 @@ TEST(StartAlongComponents, RefusesRowsThatVaryAlongTooFew) {
 
 TEST(StartAtPlaces, EqualsThePlainProgramBitForBit) {
     constexpr std::size_t kRows = 3000;
-    for (const std::size_t dims : {2, 3}) {
+    for (const std::size_t dims : {2U, 3U}) {
         const std::vector<double> X = test::random_values(kRows * 4, 19);
         const std::vector<double> places = places_with_gaps(kRows, dims);
         const std::vector<double> expected = plain::start_at_places(X, kRows, 4, places, dims);

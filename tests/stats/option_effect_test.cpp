@@ -59,8 +59,7 @@ TEST(BarOf, NamesTheOtherOptionAndTheCure) {
 TEST(BarOf, NamesOptionsThatThereAre) {
     const FitOptions presets;
     Names names;
-    visit_fit_options(presets,
-                      [&names](const auto& option) { names.emplace(option.words.name); });
+    visit_fit_options(presets, [&names](const auto& option) { names.emplace(option.words.name); });
     for (const FitOptions& options : {FitOptions(),
                                       FitOptions{.metric = MetricKind::Precomputed},
                                       FitOptions{.affinity = AffinityKind::Uniform},

@@ -113,7 +113,7 @@ TEST(SharedTasks, AreTakenFromTheOwnShareFirst) {
 }
 
 TEST(SharedTasks, MayBeFewerThanWorkersAndTheSharesToo) {
-    for (const std::size_t count : std::vector<std::size_t>{0, 1, 5, 100}) {
+    for (const std::size_t count : {0U, 1U, 5U, 100U}) {
         SharedTasks tasks(count, 40);
         std::vector<int> visits(count, 0);
         for (std::size_t worker = 40; worker-- > 0;) {
