@@ -171,6 +171,11 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
         const Json report = Json::parse(text);
         const Json& input = report.at("input");
         const Json& options = report.at("options");
+        if (report.at("runs").empty()) {
+            throw InputError(path +
+                             ": the report of rows that were placed on a map has no run of its "
+                             "own\nGive the reports of runs that made maps.");
+        }
         for (const Json& run : report.at("runs")) {
             entries.push_back({options.at("title").get<std::string>(),
                                input.at("rows").get<std::size_t>(),

@@ -167,6 +167,14 @@ void print_manual() {
     }
 }
 
+/// A text within single quotes of a shell.
+std::string in_single_quotes(std::string text) {
+    for (std::size_t at = 0; (at = text.find('\'', at)) != std::string::npos; at += 4) {
+        text.replace(at, 1, "'\\''");
+    }
+    return text;
+}
+
 void print_zsh() {
     for (const Described& option : described_options()) {
         const auto [short_form, long_form] = flags_of(option);
@@ -179,7 +187,7 @@ void print_zsh() {
         }
         std::printf("  %s[%s]:%s'\n",
                     names.c_str(),
-                    text_of(option.words.sentence).c_str(),
+                    in_single_quotes(text_of(option.words.sentence)).c_str(),
                     option.completion.c_str());
     }
 }

@@ -312,6 +312,7 @@ PlacedRows place(const Options& options, const OntoRun& run) {
 
 ExitStatus place_onto(const Options& options, RunReport report, Stopwatch since_start) {
     Stopwatch watch;
+    check_result_names(options, {});
     OntoRun run = read_run(options);
     report.reading_seconds = watch.lap();
     describe_input(report, run.loaded);

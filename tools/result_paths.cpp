@@ -6,6 +6,7 @@
 #include <set>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "stats/run_names.h"
 #include "util/format.h"
@@ -17,6 +18,44 @@ namespace {
 
 bool may_write(const std::string& path) {
     return access(path.c_str(), W_OK) == 0;
+}
+
+/// The files that a run reads, each with the option that names it.
+std::vector<std::pair<std::string, std::string>> read_files(const Options& options) {
+    return {{"MATRIX", options.matrix},
+            {"--labels", options.load.labels_file},
+            {"--row-names", options.load.row_names_file},
+            {"--start", options.start_file},
+            {"--neighbours-from", options.neighbours_file},
+            {"--onto", options.onto},
+            {"--resume", options.resume}};
+}
+
+/// @throws InputError if a result would take the place of what the run reads
+void spare_input(const Options& options, const std::string& result) {
+    for (const auto& [option, input] : read_files(options)) {
+        std::error_code not_both_there;
+        if (!input.empty() && std::filesystem::equivalent(input, result, not_both_there)) {
+            throw InputError(result + ": this result would take the place of " + option +
+                             "\nGive the results another place or name (--out-dir, --name, "
+                             "--suffix, or the option of this one).");
+        }
+    }
+}
+
+/// The files that placing rows on a map writes.
+std::vector<std::string> onto_files(const Options& options) {
+    const std::string base = onto_base(options);
+    std::vector<std::string> files = {base + ".csv"};
+    for (const char* const extension : {".html", ".gp", ".png", ".svg"}) {
+        if (options.plots) {
+            files.push_back(base + extension);
+        }
+    }
+    if (!options.report_file.empty()) {
+        files.push_back(options.report_file);
+    }
+    return files;
 }
 
 }  // namespace
@@ -45,6 +84,9 @@ std::string comparison_path(const Options& options) {
 
 std::vector<std::string> result_files(const Options& options,
                                       const std::vector<double>& perplexities) {
+    if (!options.onto.empty()) {
+        return onto_files(options);
+    }
     std::vector<std::string> files;
     for (const double perplexity : perplexities) {
         const std::string base = result_base(options, perplexity);
@@ -90,6 +132,7 @@ void check_result_names(const Options& options, const std::vector<double>& perpl
                              "\nNames tell perplexities apart by their first decimal: give the "
                              "runs different ones, or different suffixes with --suffix.");
         }
+        spare_input(options, path);
     }
 }
 

@@ -24,11 +24,13 @@ std::string onto_base(const Options& options);
 /// The page on which runs are compared.
 std::string comparison_path(const Options& options);
 
-/// All files that a run of each perplexity writes but for the run log.
+/// All files that a run of each perplexity writes but for the run log, or that placing rows on a
+/// map writes.
 std::vector<std::string> result_files(const Options& options,
                                       const std::vector<double>& perplexities);
 
-/// @throws InputError if a name is too long for a directory to hold, or two runs share theirs
+/// @throws InputError if a name is too long for a directory to hold, if two results share theirs,
+/// or if one would take the place of a file that the run reads
 void check_result_names(const Options& options, const std::vector<double>& perplexities);
 
 /// Makes a directory for results.

@@ -74,6 +74,15 @@ TEST_F(Manual, CompletionsKnowAllOptions) {
     EXPECT_EQ(options_in(offers("", "--")), options);
 }
 
+TEST_F(Manual, CompletionsAreParsedByAShell) {
+    // Quoting is alike in all shells, as far as the completion of zsh goes.
+    for (const char* const name : {"_ovik-tsne", "ovik-tsne.bash"}) {
+        const CommandOutcome outcome = test::run_command(
+            {"/bin/bash", "-n", std::string(OVIK_SOURCE_DIR "/tools/completion/") + name});
+        EXPECT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+    }
+}
+
 TEST_F(Manual, BashCompletesValuesAndFiles) {
     EXPECT_EQ(offers("", "--ch"), "--checkpoint\n--checkpoint-every\n");
     EXPECT_EQ(offers("", "--log"), "--log1p\n");

@@ -103,6 +103,29 @@ TEST(CheckResultNames, RefusesANameThatIsTooLong) {
     EXPECT_NE(refusal(options, {5.0}), "");
 }
 
+TEST(CheckResultNames, SparesWhatTheRunReads) {
+    const test::TemporaryDirectory directory;
+    Options options = options_in(directory.prefix());
+    options.model.clear();
+    options.matrix = directory.write("m.tsv", "");
+    options.report_file = directory.file("report.json");
+    EXPECT_EQ(refusal(options, {5.0}), "");
+    options.report_file = directory.prefix() + "./m.tsv";
+    EXPECT_EQ(refusal(options, {5.0}),
+              options.report_file +
+                  ": this result would take the place of MATRIX\nGive the results another place or "
+                  "name (--out-dir, --name, --suffix, or the option of this one).");
+    options.report_file.clear();
+    options.start_file = directory.write("yeast_tsne_5_0_a.csv", "");
+    EXPECT_NE(refusal(options, {5.0}).find("take the place of --start"), std::string::npos);
+    options.start_file.clear();
+    options.onto = directory.write("yeast_onto_a.csv", "");
+    EXPECT_NE(refusal(options, {}).find("take the place of --onto"), std::string::npos);
+    options.onto = directory.write("map.model", "");
+    options.report_file = options.onto;
+    EXPECT_NE(refusal(options, {}).find("take the place of --onto"), std::string::npos);
+}
+
 TEST(CheckResultNames, RefusesTwoResultsOfOneName) {
     Options options = options_in("res/");
     EXPECT_EQ(refusal(options, {5.0, 5.1}), "");
