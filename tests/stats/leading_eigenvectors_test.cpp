@@ -55,7 +55,7 @@ void expect_eigenvectors(const std::vector<double>& matrix,
 }
 
 TEST(LeadingEigenvectors, AreEigenvectorsAtRightAngles) {
-    for (const std::size_t n : {1, 2, 3, 4, 7, 30, 101}) {
+    for (const std::size_t n : {1U, 2U, 3U, 4U, 7U, 30U, 101U}) {
         const std::vector<double> matrix = symmetric(n, static_cast<unsigned int>(n));
         const LeadingEigenvectors all = leading_eigenvectors(matrix, n, n);
         expect_eigenvectors(matrix, n, all);
@@ -103,7 +103,7 @@ TEST(LeadingEigenvectors, OfEqualEigenvaluesSpanTheirSpace) {
 TEST(LeadingEigenvectors, OfMatricesThatAreDiagonalAlreadyAreUnitVectors) {
     const LeadingEigenvectors found = leading_eigenvectors({1, 0, 0, 0, 5, 0, 0, 0, -7}, 3, 2);
     EXPECT_EQ(found.values, (std::vector<double>{5.0, 1.0}));
-    for (const std::size_t i : {0, 1, 2}) {
+    for (const std::size_t i : {0U, 1U, 2U}) {
         EXPECT_EQ(std::fabs(found.vectors[i * 2]), i == 1 ? 1.0 : 0.0);
         EXPECT_EQ(std::fabs(found.vectors[i * 2 + 1]), i == 0 ? 1.0 : 0.0);
     }

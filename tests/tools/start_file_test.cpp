@@ -55,7 +55,7 @@ TEST_F(StartFile, IsWhatAnEarlierRunLeft) {
 
 TEST_F(StartFile, IsAResultTableOfMoreDimensions) {
     rows_ = {"a", "b"};
-    for (const std::size_t dims : {3, 4}) {
+    for (const std::size_t dims : {3U, 4U}) {
         std::vector<double> Y(2 * dims);
         for (std::size_t i = 0; i < Y.size(); ++i) {
             Y[i] = 0.25 * static_cast<double>(i * i) - 1.0;
