@@ -17,6 +17,7 @@
 #include "annotation/gene_names.h"
 #include "stats/given_neighbours.h"
 #include "stats/map_agreement.h"
+#include "stats/option_texts.h"
 #include "stats/row_placement.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
