@@ -60,9 +60,8 @@ class TSNE(FitParameters):
         ``theta=0``, nor ``metric="precomputed"``.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
-        embedding; if one returns something true, the fit ends there. Until early exaggeration ends
-        the cost is against the exaggerated similarities. An exception ends the fit, too, and leaves
-        `fit`.
+        embedding; if one returns something true, the fit ends there. The cost is
+        as `costs_` has it. An exception ends the fit, too, and leaves `fit`.
     callbacks_every_iters : int, default 50
         The callbacks see every iteration that this divides, and the last one.
     on_interrupt : {"raise", "keep"}, default "raise"
@@ -86,8 +85,9 @@ class TSNE(FitParameters):
         Cost of the embedding: Kullback-Leibler divergence from the similarities of the rows, without
         exaggeration, in nats.
     costs_ : ndarray of shape (n_iter_ + 1,), float64
-        Cost of every iteration from 0 on, until early exaggeration ends against the exaggerated
-        similarities.
+        Cost of every iteration from 0 on. Under the classic schedule it is against the exaggerated
+        similarities until early exaggeration ends; under the annealed one all are without
+        exaggeration.
     n_iter_ : int
         The iteration done last.
     seed_ : int
