@@ -52,7 +52,7 @@ class TSNE(FitParameters):
     preset : {"classic", "refined"}, default "classic"
         What the parameters above stand for where they have their default: the classical run, or
         what gives better and more stable maps. A parameter with another value than its default
-        keeps it.
+        keeps it; one with its default counts as not given.
     neighbour_graph : path, sparse matrix or tuple of three arrays, default None
         Distances of the rows from their neighbours, taken instead of a search: a Matrix Market file,
         a sparse matrix of shape (n_samples, n_samples), or the arrays ``(data, indices, indptr)`` of

@@ -165,7 +165,12 @@ def test_other_lists_of_perplexities_are_refused(points, multiscale):
     ({"multiscale": [10, 89]}, "multiscale=[10,89]: a row has 89 others"),
     ({"pca": 6}, "pca=6: the matrix has 90 rows and 6 columns"),
     ({"preset": "fine"}, 'preset should be "classic" or "refined", not \'fine\''),
-    ({"preset": "refined", "stop_lying_iter": 5}, "stop_lying_iter has no effect"),
+    ({"preset": "refined", "stop_lying_iter": 5},
+     'stop_lying_iter has no effect beside schedule="annealed"\n'
+     'Leave stop_lying_iter out, or leave preset="refined" out.'),
+    ({"preset": "refined", "schedule": "annealed", "momentum": 0.6}, 'or give schedule="classic".'),
+    ({"preset": "refined", "pca": 1}, 'Give more than pca=1, or leave preset="refined" out.'),
+    ({"init": "pca", "pca": 1}, "Give more than pca=1, or take the random start."),
 ])
 def test_parameters_that_do_not_fit_are_refused(points, params, said):
     assert said in refusal(points, **params)
