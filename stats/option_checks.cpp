@@ -32,6 +32,29 @@ std::string spelled(const FitOptions& options,
     return text;
 }
 
+/// Whether nothing but the user's preset stands in the way of the default of an option.
+bool is_held_by_preset(const OptionSource& source, std::string_view name) {
+    return !source.lasting_preset.empty() && !source.is_given(name);
+}
+
+std::string leaving_the_preset(const OptionSource& source) {
+    return "leave " + source.lasting_preset + " out";
+}
+
+/// How to give an option a value.
+std::string way_to(const FitOptions& options,
+                   const OptionSource& source,
+                   std::string_view name,
+                   std::string_view value) {
+    bool is_default = false;
+    visit_fit_options(options, [&](const auto& option) {
+        is_default = is_default || (option.words.name == name && preset_text(option) == value);
+    });
+    return is_default && is_held_by_preset(source, name)
+               ? leaving_the_preset(source)
+               : "give " + spelled(options, source, name, value);
+}
+
 void refuse_without_effect(const FitOptions& options,
                            const OptionSource& source,
                            const OptionWords& words) {
@@ -40,12 +63,11 @@ void refuse_without_effect(const FitOptions& options,
         return;
     }
     const std::string name = source.spell(words, "");
-    throw InputError(name + " has no effect beside " + spelled(options, source, bar->other) +
-                     "\nLeave " + name + " out, or " +
-                     (bar->cure.empty()
-                          ? "the other one"
-                          : "give " + spelled(options, source, bar->other, bar->cure)) +
-                     ".");
+    throw InputError(
+        name + " has no effect beside " + spelled(options, source, bar->other) + "\nLeave " + name +
+        " out, or " +
+        (bar->cure.empty() ? "the other one" : way_to(options, source, bar->other, bar->cure)) +
+        ".");
 }
 
 void check_neighbours(const FitOptions& options, std::size_t rows, const OptionSource& source) {
@@ -94,17 +116,18 @@ void check_start(const FitOptions& options,
     }
     const auto dims = static_cast<std::size_t>(options.out_dims);
     const std::string start = spelled(options, source, "start");
+    const std::string way_out =
+        is_held_by_preset(source, "start") ? leaving_the_preset(source) : "take the random start";
     const std::string of_the_map =
         " needs a component for each of the " + std::to_string(dims) + " dimensions of the map";
     if (options.pca > 0 && static_cast<std::size_t>(options.pca) < dims) {
         throw InputError(start + of_the_map + "\nGive more than " +
-                         spelled(options, source, "pca") + ", or take the random start.");
+                         spelled(options, source, "pca") + ", or " + way_out + ".");
     }
     if (std::min(rows - 1, columns) < dims) {
-        throw InputError(start + of_the_map + ", and the matrix has " +
-                         counted(rows, "row", "rows") + " and " +
-                         counted(columns, "column", "columns") +
-                         "\nTake the random start, or fewer dimensions.");
+        throw InputError(
+            start + of_the_map + ", and the matrix has " + counted(rows, "row", "rows") + " and " +
+            counted(columns, "column", "columns") + "\nGive fewer dimensions, or " + way_out + ".");
     }
 }
 

@@ -18,6 +18,9 @@ struct OptionSource {
     std::function<bool(std::string_view name)> is_given;
     /// An option with a value, "--schedule annealed", or alone, where the value is empty.
     std::function<std::string(const OptionWords& words, const std::string& value)> spell;
+    /// The user's preset as messages write it, where an option with its default counts as not
+    /// given, so that what the preset stands for is undone without the preset alone; else empty.
+    std::string lasting_preset = {};
 };
 
 /// The source of programs that set `FitOptions`: given is what is not as preset.

@@ -219,7 +219,7 @@ void print_python_description(const Described& option) {
                 text_of(option.words.sentence).c_str(),
                 option.python_range.c_str());
     if (option.words.name == "learning_rate") {
-        std::printf("        \"auto\" is n_samples / exaggeration, at least %s.\n",
+        std::printf("        \"auto\" is n_samples / the exaggeration of the step, at least %s.\n",
                     option.preset.c_str());
     }
 }

@@ -57,9 +57,8 @@ def pp_tsne(
 
 def _storable(tsne: TSNE) -> dict[str, int | float | str]:
     """The parameters that a file of annotated data can hold: numbers and texts."""
-    used = {"seed": tsne.seed_, "learning_rate": tsne.learning_rate_}
     return {
         name: value
-        for name, value in (tsne.get_params() | used).items()
+        for name, value in (tsne.get_params() | {"seed": tsne.seed_}).items()
         if isinstance(value, (int, float, str))
     }

@@ -134,7 +134,7 @@ DESCRIPTIONS = """\
         Seed of the random start and of the neighbour search, at least 0.
     learning_rate : float or "auto", default 200.0
         Length of a step, times gain and gradient, above 0, at most 1e9.
-        "auto" is n_samples / exaggeration, at least 200.
+        "auto" is n_samples / the exaggeration of the step, at least 200.
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
     start_spread : float, default 0.0001

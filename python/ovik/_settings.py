@@ -69,16 +69,6 @@ def seed_of(random_state: Any, seed: Any, preset: int) -> Any:
     return whole_number("random_state", random_state, 0, _SEEDS - 1)
 
 
-def automatic_learning_rate(n_samples: int, exaggeration: float, least: float) -> float:
-    """The learning rate for a number of rows.
-
-    The steps of Belkina et al., "Automated optimized parameters for t-distributed stochastic neighbor
-    embedding improve visualization and analysis of large datasets", Nature Communications 10:5415,
-    2019, but never shorter ones than `least` gives.
-    """
-    return max(n_samples / exaggeration, least)
-
-
 def start_of(
     init: Any, shape: tuple[int, int], index: Any = None
 ) -> NDArray[np.float64] | None:

@@ -24,7 +24,6 @@ from ._output import CONTAINERS, Container, chosen_container, contained, feature
 from ._parameters import DESCRIPTIONS, FitParameters
 from ._settings import (
     PRESETS,
-    automatic_learning_rate,
     is_default,
     neighbour_graph_of,
     one_callback,
@@ -53,7 +52,7 @@ class TSNE(FitParameters):
     preset : {"classic", "refined"}, default "classic"
         What the parameters above stand for where they have their default: the classical run, or
         what gives better and more stable maps. A parameter with another value than its default
-        keeps it.
+        keeps it; one with its default counts as not given.
     neighbour_graph : path, sparse matrix or tuple of three arrays, default None
         Distances of the rows from their neighbours, taken instead of a search: a Matrix Market file,
         a sparse matrix of shape (n_samples, n_samples), or the arrays ``(data, indices, indptr)`` of
@@ -61,9 +60,8 @@ class TSNE(FitParameters):
         ``theta=0``, nor ``metric="precomputed"``.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
-        embedding; if one returns something true, the fit ends there. Until early exaggeration ends
-        the cost is against the exaggerated similarities. An exception ends the fit, too, and leaves
-        `fit`.
+        embedding; if one returns something true, the fit ends there. The cost is
+        as `costs_` has it. An exception ends the fit, too, and leaves `fit`.
     callbacks_every_iters : int, default 50
         The callbacks see every iteration that this divides, and the last one.
     on_interrupt : {"raise", "keep"}, default "raise"
@@ -87,14 +85,15 @@ class TSNE(FitParameters):
         Cost of the embedding: Kullback-Leibler divergence from the similarities of the rows, without
         exaggeration, in nats.
     costs_ : ndarray of shape (n_iter_ + 1,), float64
-        Cost of every iteration from 0 on, until early exaggeration ends against the exaggerated
-        similarities.
+        Cost of every iteration from 0 on. Under the classic schedule it is against the exaggerated
+        similarities until early exaggeration ends; under the annealed one all are without
+        exaggeration.
     n_iter_ : int
         The iteration done last.
     seed_ : int
         The seed that was used.
     learning_rate_ : float
-        The learning rate that was used.
+        The learning rate of the last step; "auto" changes it with the exaggeration.
     trustworthiness_, knn_recall_ : float
         Whether neighbours in the embedding are neighbours in the input (Venna and Kaski, 2001), and
         the share of the neighbours in the input that are neighbours in the embedding; only with
@@ -327,7 +326,7 @@ class TSNE(FitParameters):
             if note:
                 warnings.warn(note, stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
-            self._warn_of_interruption(outcome["iteration"], options)
+            self._warn_of_interruption(outcome["iteration"], outcome["is_past_exaggeration"])
 
     def _settled_options(
         self, n_samples: int, n_features: int, has_start: bool
@@ -346,11 +345,7 @@ class TSNE(FitParameters):
         if has_start:
             given["init"] = "given"
         one_of("preset", self.preset, PRESETS)
-        options = _core.settle_options(given, self.preset, n_samples, n_features)
-        if options["learning_rate"] == "auto":
-            options["learning_rate"] = automatic_learning_rate(
-                n_samples, options["exaggeration"], default["learning_rate"]
-            )
+        options: dict[str, Any] = _core.settle_options(given, self.preset, n_samples, n_features)
         return options
 
     def _checked_manner(
@@ -370,13 +365,9 @@ class TSNE(FitParameters):
             "keeps_interrupted": one_of("on_interrupt", self.on_interrupt, ("raise", "keep")) == "keep",
         }
 
-    def _warn_of_interruption(self, iteration: int, options: dict[str, Any]) -> None:
-        if options["schedule"] == "classic":
-            end_of_exaggeration = options["stop_lying_iter"]
-        else:
-            end_of_exaggeration = options["hold_iter"] + options["release_iter"]
+    def _warn_of_interruption(self, iteration: int, is_past_exaggeration: bool) -> None:
         text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
-        if iteration < end_of_exaggeration:
+        if not is_past_exaggeration:
             text += ": early exaggeration has not ended, so the groups stand closer than they should"
         warnings.warn(text, stacklevel=4)
 
@@ -387,7 +378,7 @@ class TSNE(FitParameters):
         self.costs_ = outcome["costs"]
         self.n_iter_ = outcome["iteration"]
         self.seed_ = int(options["seed"])
-        self.learning_rate_ = float(options["learning_rate"])
+        self.learning_rate_ = outcome["learning_rate"]
         self.n_features_in_ = given.values.shape[1]
         self._map = outcome["map"]
         if self.neighbour_graph is not None:

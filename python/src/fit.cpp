@@ -14,6 +14,7 @@
 #include "stats/fit_console.h"
 #include "stats/given_neighbours.h"
 #include "stats/run_caption.h"
+#include "stats/schedule.h"
 #include "util/console.h"
 #include "util/threads.h"
 
@@ -115,6 +116,10 @@ Outcome run_fit(MatrixView<const double> points,
         print_fitting_time(outcome.fit.report.fitting_clock);
         std::fflush(stdout);
     }
+    const Schedule schedule(options, points.rows);
+    const int last = outcome.fit.report.reached.iteration;
+    outcome.learning_rate = schedule.learningRate(last);
+    outcome.is_past_exaggeration = last >= schedule.endOfExaggeration();
     outcome.caption = caption_parameters(options, points.rows, points.columns, outcome.fit.report);
     if (manner.quality_neighbours > 0) {
         outcome.quality = quality_of({X.get(), points.rows, points.columns},

@@ -44,6 +44,10 @@ struct Outcome {
     std::optional<NeighbourhoodQuality> quality;
     /// Whether the fit was interrupted, and its map wanted all the same.
     bool is_interrupted = false;
+    /// Of the last step; the automatic rate changes with the exaggeration.
+    double learning_rate = 0.0;
+    /// Whether no affinity is exaggerated any more.
+    bool is_past_exaggeration = true;
     /// What the chart page tells of the run.
     std::vector<std::pair<std::string, std::string>> caption;
     /// What the user should know of the threads; mostly empty.

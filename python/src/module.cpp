@@ -17,6 +17,7 @@
 #include "annotation/gene_names.h"
 #include "stats/given_neighbours.h"
 #include "stats/map_agreement.h"
+#include "stats/option_texts.h"
 #include "stats/row_placement.h"
 #include "util/available_memory.h"
 #include "util/input_error.h"
@@ -118,6 +119,8 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "cost"_a = report.final_cost,
         "costs"_a = Array(static_cast<py::ssize_t>(report.costs.size()), report.costs.data()),
         "iteration"_a = report.reached.iteration,
+        "learning_rate"_a = outcome.learning_rate,
+        "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
         "is_interrupted"_a = outcome.is_interrupted,

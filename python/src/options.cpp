@@ -146,8 +146,8 @@ std::string required_text(const Option& option) {
     }
 }
 
-/// Where the options of some keyword arguments come from.
-OptionSource source_of(const py::dict& arguments) {
+/// Where the options of some keyword arguments, without those that have their default, come from.
+OptionSource source_of(const py::dict& arguments, PresetKind preset) {
     std::set<std::string, std::less<>> given;
     const FitOptions options;
     visit_fit_options(options, [&](const auto& option) {
@@ -155,7 +155,9 @@ OptionSource source_of(const py::dict& arguments) {
             given.emplace(option.words.name);
         }
     });
-    return {[given](std::string_view name) { return given.contains(name); }, &spelled};
+    return {[given](std::string_view name) { return given.contains(name); },
+            &spelled,
+            preset == PresetKind::Classic ? "" : "preset=" + quoted(choice_name(preset))};
 }
 
 /// The options among keyword arguments.
@@ -189,9 +191,9 @@ py::dict settle_options(const py::dict& given,
                         const std::string& preset,
                         std::size_t rows,
                         std::size_t columns) {
-    const OptionSource source = source_of(given);
     const PresetKind kind =
         preset == choice_name(PresetKind::Refined) ? PresetKind::Refined : PresetKind::Classic;
+    const OptionSource source = source_of(given, kind);
     const FitOptions options = with_preset(kind, rows, options_of(given), source.is_given);
     check_options_together(options, source);
     check_options_for(options, rows, columns, source);

@@ -14,6 +14,7 @@ namespace py = pybind11;
 /// The options of a fit by the names of parameters: those that are given, and what the preset
 /// stands for in the place of the others.
 ///
+/// @param given   those that have another value than their default
 /// @param preset  one of the names of presets
 /// @return all of them; None for those that have no effect beside the others
 /// @throws InputError if one is out of its range, or unknown; if options do not fit each other, or

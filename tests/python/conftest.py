@@ -26,6 +26,14 @@ def time_courses(tmp_path):
 
 
 @pytest.fixture
+def first_genes(brauer, tmp_path):
+    """The first 900 genes of the chemostat cultures."""
+    path = tmp_path / "first_genes.tsv"
+    path.write_text("".join(brauer.read_text().splitlines(keepends=True)[:901]))
+    return path
+
+
+@pytest.fixture
 def points():
     return np.random.default_rng(5).normal(size=(90, 6))
 

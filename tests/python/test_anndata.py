@@ -61,4 +61,5 @@ def test_real_annotated_data_are_written_and_read_again(points, tmp_path):
     again = anndata.read_h5ad(tmp_path / "map.h5ad")
     expected = ovik.TSNE(n_iter=3).fit_transform(points.astype(np.float32))
     assert np.array_equal(again.obsm["X_tsne"], expected)
-    assert again.uns["tsne"]["params"]["learning_rate"] == 200.0
+    # The rate of some step, given as a number, would not lead to this map.
+    assert again.uns["tsne"]["params"]["learning_rate"] == "auto"

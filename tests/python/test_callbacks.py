@@ -23,6 +23,16 @@ def test_callbacks_see_iteration_cost_and_embedding(points):
         assert iteration == 0 or np.array_equal(embedding, shorter.embedding_)
 
 
+def test_costs_are_exaggerated_under_the_classic_schedule_alone(points):
+    def costs(**params):
+        return ovik.TSNE(n_iter=3, n_jobs=1, **params).fit(points).costs_
+
+    # One step from the same random start.
+    true_cost = costs(stop_lying_iter=0)[0]
+    assert costs()[0] > 2 * true_cost
+    assert costs(schedule="annealed")[0] == pytest.approx(true_cost, rel=0.01)
+
+
 def test_callbacks_do_not_change_the_map(points):
     def scribble(iteration, error, embedding):
         embedding[:] = 7.0

@@ -77,6 +77,24 @@ def test_map_in_early_exaggeration_is_told(points):
         tsne.set_params(on_interrupt="raise").fit(points)
 
 
+@pytest.mark.parametrize("schedule", [
+    {"stop_lying_iter": 6}, {"schedule": "annealed", "hold_iter": 3, "release_iter": 4},
+])
+@pytest.mark.parametrize("last, is_exaggerated", [(5, True), (6, False)])
+def test_map_is_called_exaggerated_until_the_end_of_exaggeration(
+    points, schedule, last, is_exaggerated
+):
+    def interrupt(iteration, error, embedding):
+        if iteration == last:
+            raise KeyboardInterrupt
+
+    tsne = ovik.TSNE(callbacks=interrupt, callbacks_every_iters=1, on_interrupt="keep", n_jobs=1, **schedule)
+    with pytest.warns(UserWarning, match="was interrupted at iteration") as warned:
+        tsne.fit(points)
+    assert tsne.n_iter_ == last
+    assert ("exaggeration has not ended" in str(warned[0].message)) == is_exaggerated
+
+
 def test_kept_map_is_there_where_warnings_are_errors(points):
     def interrupt(iteration, error, embedding):
         raise KeyboardInterrupt

@@ -61,6 +61,27 @@ def test_choices_are_the_commands(time_courses, embed_by_command, params, option
     assert ovik.TSNE(n_iter=40, **params).fit_transform(X).tobytes() == expected.embedding.tobytes()
 
 
+# The automatic rate of 900 rows is 200 while they are exaggerated twelvefold, and 900 at the end.
+@pytest.mark.parametrize("n_iter, params, options", [
+    (40, {"learning_rate": "auto", "stop_lying_iter": 20},
+     ["--learning-rate", "auto", "--stop-lying-iter", "20"]),
+    (40, {"schedule": "annealed", "hold_iter": 10, "release_iter": 20, "learning_rate": "auto"},
+     ["--schedule", "annealed", "--hold-iter", "10", "--release-iter", "20",
+      "--learning-rate", "auto"]),
+    (40, {"preset": "refined", "hold_iter": 10, "release_iter": 20},
+     ["--preset", "refined", "--hold-iter", "10", "--release-iter", "20"]),
+    (300, {"preset": "refined"}, ["--preset", "refined"]),
+])
+def test_steps_behind_the_exaggeration_are_the_commands(
+    first_genes, embed_by_command, n_iter, params, options
+):
+    expected = embed_by_command(first_genes, "-i", str(n_iter), *options)
+    X = ovik.read_matrix(first_genes).values
+    tsne = ovik.TSNE(n_iter=n_iter, **params).fit(X)
+    assert tsne.embedding_.tobytes() == expected.embedding.tobytes()
+    assert tsne.learning_rate_ == len(X) == 900
+
+
 @pytest.mark.parametrize("stop_lying_iter", [10, 999])
 def test_cost_is_the_commands_without_exaggeration(time_courses, embed_by_command, stop_lying_iter):
     expected = embed_by_command(

@@ -52,10 +52,25 @@ def test_automatic_learning_rate_grows_with_the_rows(points):
     assert fit(points, learning_rate="auto").learning_rate_ == 200.0
     assert fit(points).learning_rate_ == 200.0
     large = np.random.default_rng(1).normal(size=(2600, 3))
-    automatic = fit(large, learning_rate="auto")
-    assert automatic.learning_rate_ == 2600 / 12
-    assert np.array_equal(automatic.embedding_, fit(large, learning_rate=2600 / 12).embedding_)
+    early = fit(large, learning_rate="auto")
+    assert early.learning_rate_ == 2600 / 12
+    assert np.array_equal(early.embedding_, fit(large, learning_rate=2600 / 12).embedding_)
+    # The step of the last exaggerated iteration is the last of its length.
+    ending = fit(large, learning_rate="auto", stop_lying_iter=3)
+    assert ending.learning_rate_ == 2600 / 12
+    late = fit(large, learning_rate="auto", stop_lying_iter=1)
+    assert late.learning_rate_ == 2600
+    fixed = fit(large, learning_rate=2600 / 12, stop_lying_iter=1)
+    assert not np.array_equal(late.embedding_, fixed.embedding_)
     assert "learning_rate should be a number above 0" in refusal(points, learning_rate="slow")
+
+
+def test_automatic_learning_rate_follows_an_annealed_exaggeration():
+    large = np.random.default_rng(1).normal(size=(2600, 3))
+    annealed = {"schedule": "annealed", "learning_rate": "auto", "hold_iter": 1, "release_iter": 2}
+    rates = [fit(large, n_iter=n, **annealed).learning_rate_ for n in (1, 2, 3)]
+    assert rates == pytest.approx([2600 / (1 + 11 * 2 / 3), 2600 / (1 + 11 / 3), 2600])
+    assert fit(large, preset="refined").learning_rate_ == 650
 
 
 def test_start_is_where_the_map_begins(points):
@@ -150,7 +165,12 @@ def test_other_lists_of_perplexities_are_refused(points, multiscale):
     ({"multiscale": [10, 89]}, "multiscale=[10,89]: a row has 89 others"),
     ({"pca": 6}, "pca=6: the matrix has 90 rows and 6 columns"),
     ({"preset": "fine"}, 'preset should be "classic" or "refined", not \'fine\''),
-    ({"preset": "refined", "stop_lying_iter": 5}, "stop_lying_iter has no effect"),
+    ({"preset": "refined", "stop_lying_iter": 5},
+     'stop_lying_iter has no effect beside schedule="annealed"\n'
+     'Leave stop_lying_iter out, or leave preset="refined" out.'),
+    ({"preset": "refined", "schedule": "annealed", "momentum": 0.6}, 'or give schedule="classic".'),
+    ({"preset": "refined", "pca": 1}, 'Give more than pca=1, or leave preset="refined" out.'),
+    ({"init": "pca", "pca": 1}, "Give more than pca=1, or take the random start."),
 ])
 def test_parameters_that_do_not_fit_are_refused(points, params, said):
     assert said in refusal(points, **params)

@@ -1,8 +1,13 @@
 #include "stats/option_checks.h"
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "stats/preset.h"
 #include "util/input_error.h"
 
 namespace ovik {
@@ -88,6 +93,57 @@ TEST(CheckOptionsTogether, WritesOptionsAsTheSourceDoes) {
                      "hold_iter= has no effect beside schedule=classic\n"
                      "Leave hold_iter= out, or give schedule=annealed.");
     }
+}
+
+/// Where options come from that count as not given where they have their default.
+OptionSource beside_refined(const std::vector<std::string>& given) {
+    return {[given](std::string_view name) {
+                return std::find(given.begin(), given.end(), name) != given.end();
+            },
+            source_of({}).spell,
+            "preset refined"};
+}
+
+TEST(CheckOptionsTogether, HasTheCureToLeaveAPresetThatADefaultDoesNotUndo) {
+    const auto refusal_beside_refined = [](const FitOptions& options,
+                                           const std::vector<std::string>& given) -> std::string {
+        try {
+            check_options_together(options, beside_refined(given));
+        } catch (const InputError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    FitOptions options = refined_options(500);
+    options.stop_lying_iter = 100;
+    EXPECT_EQ(refusal_beside_refined(options, {"stop_lying_iter"}),
+              "stop_lying_iter has no effect beside schedule annealed\n"
+              "Leave stop_lying_iter out, or leave preset refined out.");
+    // What is given can be given otherwise.
+    EXPECT_THAT(refusal_beside_refined(options, {"stop_lying_iter", "schedule"}),
+                HasSubstr("or give schedule classic."));
+    options = refined_options(500);
+    options.neighbours = 10;
+    EXPECT_THAT(refusal_beside_refined(options, {"neighbours"}),
+                HasSubstr("or give affinity uniform."));
+}
+
+TEST(CheckOptionsFor, HasTheCureToLeaveAPresetThatADefaultDoesNotUndo) {
+    const auto refusal_beside_refined = [](const FitOptions& options,
+                                           std::size_t columns) -> std::string {
+        try {
+            check_options_for(options, 30, columns, beside_refined({"dims", "pca"}));
+        } catch (const InputError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    FitOptions options = refined_options(30);
+    EXPECT_THAT(refusal_beside_refined(options, 1),
+                HasSubstr("\nGive fewer dimensions, or leave preset refined out."));
+    options.pca = 1;
+    EXPECT_THAT(refusal_beside_refined(options, 6),
+                HasSubstr("\nGive more than pca 1, or leave preset refined out."));
 }
 
 TEST(CheckOptionsFor, RefusesNeighboursThatARowHasNot) {

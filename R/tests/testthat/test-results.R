@@ -52,6 +52,20 @@ test_that("every choice is the command's", {
   }
 })
 
+# The automatic rate of 900 rows is 225 while they are exaggerated fourfold, and 900 at the end.
+test_that("steps behind the exaggeration are the command's", {
+  x <- groups(900, 5)
+  path <- tempfile(fileext = ".npy")
+  write_npy(x, path)
+  for (choice in list(
+    list(learning_rate = "auto", exaggeration = 4, stop_lying_iter = 20),
+    list(preset = "refined", hold_iter = 10, release_iter = 20)
+  )) {
+    map <- do.call(tsne, c(list(x, 30, max_iter = 40), choice))
+    expect_identical(bare(map$Y), embed_by_command(path, "--perplexity", 30, "-i", 40, flags_of(choice)))
+  }
+})
+
 test_that("every option is the command's", {
   x <- groups(90, 5)
   path <- tempfile(fileext = ".npy")
