@@ -133,6 +133,22 @@ TEST_F(Metrics, RefuseOrDropRowsThatDoNotVary) {
                 HasSubstr("has no effect beside --metric euclidean"));
 }
 
+TEST_F(Metrics, RefuseRowsThatDoNotVaryOnceTheyAreCentred) {
+    // The rounded mean of five times 0.007 is not 0.007, nor that of five times 0.051 that number.
+    const std::string constant = table_of({0}) +
+                                 "C1\t0.007\t0.007\t0.007\t0.007\t0.007\n"
+                                 "C2\t0.051\t0.051\t0.051\t0.051\t0.051\n";
+    for (const char* const metric : {"cosine", "pearson", "spearman"}) {
+        std::vector<std::string> options = {"--metric", metric, "--center", "rows"};
+        for (int i = 0; i < 2; ++i) {
+            const CommandOutcome outcome = run_on(constant, options);
+            EXPECT_EQ(outcome.exit_status, kBadInput);
+            EXPECT_THAT(outcome.err, HasSubstr("\"C1\" (line 42), \"C2\" (line 43)")) << metric;
+            options.emplace_back("--scale");
+        }
+    }
+}
+
 TEST_F(Metrics, DropLabelsWithTheirRows) {
     const std::string labels = directory_.write("labels.txt", [] {
         std::string text = "none\n";
