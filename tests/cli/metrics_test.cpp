@@ -250,6 +250,9 @@ TEST_F(Metrics, RefuseNeighboursThatDoNotFit) {
                         {"--metric", "precomputed", "--neighbours-from", graph, "-p", "5"}),
                 HasSubstr("does not go with --metric precomputed"));
     EXPECT_THAT(
+        refusal(table_of({0}), {"--metric", "pearson", "--neighbours-from", graph, "-p", "5"}),
+        HasSubstr("searched for by the metric pearson, which has no effect so\nLeave out"));
+    EXPECT_THAT(
         refusal(table_of({0}) + "G41\t1\t2\t3\t4\t5\n", {"--neighbours-from", graph, "-p", "5"}),
         HasSubstr("the graph has 40 rows and 40 columns, and the matrix has 41 rows"));
     EXPECT_THAT(
@@ -271,7 +274,7 @@ TEST_F(Metrics, AreInTheReport) {
     const std::string graph = directory_.write("g.mtx", distance_graph());
     const std::string report = directory_.file("r.json");
     table_of_run(table_of({0}),
-                 {"--metric", "cosine", "--neighbours-from", graph, "--json", report});
+                 {"--metric", "cosine", "--neighbours-from", graph, "--quality", "--json", report});
     const std::string text = test::read_file(report);
     EXPECT_THAT(text, HasSubstr("\"cosine\""));
     EXPECT_THAT(text, HasSubstr("\"constant_rows\":\"refuse\""));
