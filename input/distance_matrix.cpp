@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <utility>
+#include <vector>
 
+#include "util/comparable_distance.h"
 #include "util/counted.h"
 #include "util/format.h"
 #include "util/input_error.h"
@@ -57,6 +61,7 @@ class DistanceCheck {
                 checkBothWays(n, m);
             }
         }
+        checkRange();
     }
 
   private:
@@ -118,6 +123,33 @@ class DistanceCheck {
                 "Distances are the same both ways: check that rows and columns are in one order, "
                 "or give the mean of both.");
         }
+    }
+
+    /// Whether no distance is so large that the others are as good as 0 beside it.
+    void checkRange() const {
+        std::vector<double> nearest(distances_.rows, std::numeric_limits<double>::infinity());
+        for (std::size_t n = 0; n < distances_.rows; ++n) {
+            for (std::size_t m = 0; m < distances_.columns; ++m) {
+                const double value = distances_.row(n)[m];
+                if (m != n && value > 0.0) {
+                    nearest[n] = std::min(nearest[n], value);
+                }
+            }
+        }
+        const double limit = largest_comparable_distance(std::move(nearest));
+        if (largest_ <= limit) {
+            return;
+        }
+        const std::span<const double> all = distances_.all();
+        const auto at =
+            static_cast<std::size_t>(std::find(all.begin(), all.end(), largest_) - all.begin());
+        refuse(at / distances_.columns,
+               at % distances_.columns,
+               "the distance is " + shortest_text(largest_) +
+                   ", beside which the others are as good as 0: rows have their nearest at " +
+                   shortest_text(limit / kDistanceRange),
+               "Give the distance of these rows, at most 1e20 times as large, or leave such pairs "
+               "out of a graph of neighbours.");
     }
 
     MatrixView<const double> distances_;

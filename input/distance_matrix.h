@@ -23,7 +23,8 @@ struct DistanceWords {
 
 /// Refuses what is no matrix of distances: square, its values finite, not negative, at most 1e300
 /// and not all below 1e-300, the diagonal 0, the same both ways. What rounding may leave is passed
-/// over: 1e-10 of the largest distance, and 1e-6 on the diagonal.
+/// over: 1e-10 of the largest distance, and 1e-6 on the diagonal. Refused is, too, a
+/// distance beside which the others are as good as 0 (`util/comparable_distance.h`).
 ///
 /// @throws InputError with row, column, the values and the cure
 void check_distance_matrix(MatrixView<const double> distances, const DistanceWords& words);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -114,6 +115,15 @@ void take_logarithms(const std::string& path,
     });
 }
 
+/// By how much the mean of equal values may be off, if some of them are the mean of the others.
+double rounding_of_mean(const double* row, std::size_t columns) {
+    double largest = 0.0;
+    for (std::size_t d = 0; d < columns; ++d) {
+        largest = std::max(largest, std::fabs(row[d]));
+    }
+    return static_cast<double>(columns) * std::numeric_limits<double>::epsilon() * largest;
+}
+
 void centre_rows(InspectedMatrix& matrix) {
     const std::size_t columns = matrix.report.columns;
     parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
@@ -123,7 +133,14 @@ void centre_rows(InspectedMatrix& matrix) {
             sum += row[d];
         }
         const double mean = sum / static_cast<double>(columns);
+        const double rounding = rounding_of_mean(row, columns);
         std::for_each(row, row + columns, [mean](double& x) { x -= mean; });
+        // The rounded mean of equal values may be another one: what is left of them would look like
+        // a measurement to whoever compares directions. No number that is not finite gets lost.
+        if (std::all_of(
+                row, row + columns, [rounding](double x) { return std::fabs(x) <= rounding; })) {
+            std::fill(row, row + columns, 0.0);
+        }
     });
 }
 

@@ -1,9 +1,11 @@
 #include "neighbours/neighbour_lists.h"
 
 #include <cmath>
+#include <limits>
 #include <tuple>
 #include <utility>
 
+#include "util/comparable_distance.h"
 #include "util/format.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
@@ -44,6 +46,7 @@ class GivenNeighbours {
         });
         checkRepetition();
         checkSymmetry();
+        checkRange();
         const double scale = checkedScale();
         NeighbourLists result;
         result.starts.reserve(row_count_ + 1);
@@ -128,6 +131,28 @@ class GivenNeighbours {
                            ", and the other way round " + shortest_text(one.distance) +
                            (one.line == 0 ? "" : " (line " + std::to_string(one.line) + ")") +
                            "\nA distance is the same both ways.");
+            }
+        }
+    }
+
+    /// Whether no distance is so large that the others are as good as 0 beside it.
+    void checkRange() const {
+        std::vector<double> nearest(row_count_, std::numeric_limits<double>::infinity());
+        for (const GivenNeighbour& one : given_) {
+            if (one.distance > 0.0) {
+                nearest[one.row] = std::min(nearest[one.row], one.distance);
+            }
+        }
+        const double limit = largest_comparable_distance(std::move(nearest));
+        for (const GivenNeighbour& one : given_) {
+            if (one.distance > limit) {
+                refuse(one,
+                       pair(one) + " have the distance " + shortest_text(one.distance) +
+                           ", beside which the others are as good as 0: rows have their nearest "
+                           "at " +
+                           shortest_text(limit / kDistanceRange) +
+                           "\nLeave the pair out of the graph, or give its distance, at most 1e20 "
+                           "times as large.");
             }
         }
     }

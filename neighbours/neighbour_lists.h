@@ -49,7 +49,8 @@ struct GivenNeighbour {
 /// @throws InputError with place and cure: a row that there is not; a distance that is negative, or
 /// no finite number, or larger than 1e300; a row at a distance from itself; a neighbour that is
 /// given twice; two rows that are each other's neighbours at distances that differ by more than a
-/// 10^-4 of the larger one; a row without neighbours; distances that are all 0, or below 1e-300
+/// 10^-4 of the larger one; a row without neighbours; distances that are all 0, or below 1e-300;
+/// one beside which the others are as good as 0 (`util/comparable_distance.h`)
 OVIK_API NeighbourLists neighbour_lists(std::vector<GivenNeighbour> given,
                                         std::size_t row_count,
                                         const std::string& source);

@@ -10,6 +10,8 @@
 #include "neighbours/neighbour_lists.h"
 #include "neighbours/neighbour_search.h"
 #include "stats/elementwise.h"
+#include "stats/leading_eigenvectors.h"
+#include "util/format.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
 #include "util/random_stream.h"
@@ -102,6 +104,57 @@ void check_varies(MatrixView<const double> Y) {
     }
 }
 
+/// The sums of products of coordinates, dimensions x dimensions, of places that are brought into
+/// [-1, 1] and then centred.
+std::vector<double> products_of_coordinates(MatrixView<const double> Y) {
+    double largest = 0.0;
+    for (const double value : Y.all()) {
+        largest = std::max(largest, std::fabs(value));
+    }
+    std::vector<double> means(Y.columns, 0.0);
+    for (std::size_t n = 0; n < Y.rows; ++n) {
+        for (std::size_t d = 0; d < Y.columns; ++d) {
+            means[d] += Y.row(n)[d] / largest;
+        }
+    }
+    for (double& mean : means) {
+        mean /= static_cast<double>(Y.rows);
+    }
+    std::vector<double> products(Y.columns * Y.columns, 0.0);
+    std::vector<double> deviations(Y.columns);
+    for (std::size_t n = 0; n < Y.rows; ++n) {
+        for (std::size_t d = 0; d < Y.columns; ++d) {
+            deviations[d] = Y.row(n)[d] / largest - means[d];
+        }
+        for (std::size_t i = 0; i < products.size(); ++i) {
+            products[i] += deviations[i / Y.columns] * deviations[i % Y.columns];
+        }
+    }
+    return products;
+}
+
+/// @param Y  every coordinate varies
+/// @throws InputError if the places lie in fewer dimensions than they have, and need not: forces
+/// between them lie in there, too
+void check_fills_dimensions(MatrixView<const double> Y) {
+    const std::size_t dims = std::min(Y.columns, Y.rows - 1);
+    const std::vector<double> squares =
+        leading_eigenvectors(products_of_coordinates(Y), Y.columns, dims).values;
+    // One millionth of the extent.
+    constexpr double kFlat = 1e-12;
+    if (squares.back() <= kFlat * squares.front()) {
+        const auto flat = std::find_if(
+            squares.begin(), squares.end(), [&](double x) { return x <= kFlat * squares[0]; });
+        const auto filled = static_cast<std::size_t>(flat - squares.begin());
+        throw InputError("the places of the start all lie " +
+                         (filled == 1 ? std::string("on a line")
+                                      : "in " + std::to_string(filled) + " dimensions") +
+                         ", and the map of " + std::to_string(Y.columns) +
+                         " dimensions could not leave it\nGive another start, or take the random "
+                         "one.");
+    }
+}
+
 void fill_in(NeighbourGraph& graph, std::size_t row, std::span<const NearRow> nearest) {
     const std::size_t begin = row * graph.neighbour_count;
     for (std::size_t m = 0; m < std::min(nearest.size(), graph.neighbour_count); ++m) {
@@ -159,6 +212,39 @@ void start_along_components(MatrixView<double> Y,
     });
 }
 
+double extent_of_places(MatrixView<const double> places) {
+    double extent = 0.0;
+    for (std::size_t d = 0; d < places.columns; ++d) {
+        std::vector<double> values;
+        for (std::size_t n = 0; n < places.rows; ++n) {
+            if (has_place(places, n)) {
+                values.push_back(places.row(n)[d]);
+            }
+        }
+        double mean = 0.0;
+        for (const double value : values) {
+            // Divided one by one, so that no sum gets out of range.
+            mean += value / static_cast<double>(values.size());
+        }
+        for (const double value : values) {
+            extent = std::max(extent, std::fabs(value - mean));
+        }
+    }
+    return extent;
+}
+
+std::string extent_remark(MatrixView<const double> places) {
+    constexpr double kUsual = 100.0;
+    const double extent = extent_of_places(places);
+    if (extent <= 10.0 * kUsual) {
+        return "";
+    }
+    return "the places of the start lie up to " + shortest_text(std::round(extent)) +
+           " from their mean, and from places so far apart points hardly move; divided by " +
+           shortest_text(std::round(extent / kUsual)) + " they would lie within " +
+           shortest_text(kUsual) + " of it, as those of maps do";
+}
+
 bool has_rows_without_place(MatrixView<const double> places) {
     bool has_any = false;
     for (std::size_t n = 0; n < places.rows; ++n) {
@@ -185,7 +271,11 @@ void start_at_places(MatrixView<double> Y,
     }
     std::copy(places.values, places.values + places.size(), Y.values);
     place_others(Y, places, graph);
+    if (extent_of_places(places) > kLargestExtent) {
+        throw InputError(extent_remark(places) + "\nDivide them by that, or take another start.");
+    }
     check_varies(Y);
+    check_fills_dimensions(Y);
 }
 
 NeighbourGraph placing_neighbours(MatrixView<const double> X, MetricKind metric) {

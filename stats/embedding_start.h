@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "neighbours/neighbour_graph.h"
 #include "stats/fit_choices.h"
@@ -33,6 +34,18 @@ void start_along_components(MatrixView<double> Y,
 /// infinite
 bool has_rows_without_place(MatrixView<const double> places);
 
+/// From here on points at given places stand too far apart to move in any run that ends.
+constexpr double kLargestExtent = 1e10;
+
+/// How far the farthest of the places lies from the mean of all, along any one coordinate; rows
+/// without a place do not count. 0 for no places.
+double extent_of_places(MatrixView<const double> places);
+
+/// What there is to say of places that are so far apart, more than 1000 from their mean, that
+/// points hardly move from them: a sentence without a full stop, with the number that they should
+/// be divided by; empty for nothing.
+std::string extent_remark(MatrixView<const double> places);
+
 /// Starts at given places, as they stand.
 ///
 /// A row without a place gets the median, coordinate by coordinate, of those of its nearest
@@ -42,7 +55,9 @@ bool has_rows_without_place(MatrixView<const double> places);
 /// @param Y       written
 /// @param places  of the shape of Y; NaN where a row has none
 /// @param graph   neighbours of the rows, nearest first; not looked at if all rows have a place
-/// @throws InputError if a coordinate is the same in all rows: the map could not leave it
+/// @throws InputError if a coordinate is the same in all rows, or the places lie within a millionth
+/// of their extent of a line, or a plane, of fewer dimensions: the map could not leave it;
+/// if they lie more than `kLargestExtent` from their mean
 void start_at_places(MatrixView<double> Y,
                      MatrixView<const double> places,
                      const NeighbourGraph& graph);

@@ -99,7 +99,8 @@ std::shared_ptr<CachedNeighbours> make_given_neighbours(NeighbourLists lists) {
 std::string check_given_neighbours(const NeighbourLists& lists,
                                    const FitOptions& options,
                                    const std::string& source,
-                                   std::size_t first) {
+                                   std::size_t first,
+                                   bool measures_quality) {
     if (!method_of(options).has_neighbours) {
         throw InputError(source +
                          ": the exact method takes all pairs of rows, and no neighbours\n"
@@ -110,6 +111,14 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                          ": gives the neighbours that would else be searched for among principal "
                          "components, which have no effect so\nLeave out the components (pca), or "
                          "compute the neighbours among them.");
+    }
+    if (options.metric != MetricKind::Euclidean && options.start != StartKind::Pca &&
+        !measures_quality) {
+        throw InputError(source +
+                         ": gives the neighbours that would else be searched for by the metric " +
+                         std::string(choice_name(options.metric)) +
+                         ", which has no effect so\nLeave out the metric, and compute the "
+                         "neighbours by it.");
     }
     const auto wanted =
         static_cast<std::size_t>(std::max(affinity_neighbours(options, lists.rowCount()), 0));

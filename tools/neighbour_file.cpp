@@ -20,7 +20,7 @@ std::shared_ptr<CachedNeighbours> load_neighbours(const Options& options,
     for (const double perplexity : perplexities) {
         FitOptions fit = options.fit;
         fit.perplexity = perplexity;
-        const std::string remark = check_given_neighbours(lists, fit, path);
+        const std::string remark = check_given_neighbours(lists, fit, path, 1, options.quality);
         if (!remark.empty()) {
             complain("warning: " + remark);
         }

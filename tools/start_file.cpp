@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -11,11 +12,14 @@
 #include "input/npy_matrix.h"
 #include "input/quoted_record.h"
 #include "input/row_texts.h"
+#include "stats/embedding_start.h"
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 #include "util/number_field.h"
 #include "util/plain_text.h"
+
+#include "tools/standard_streams.h"
 
 namespace ovik::tool {
 
@@ -38,19 +42,30 @@ struct Coordinate {
     throw InputError(path + ", line " + std::to_string(line) + ": " + reason + "\n" + cure);
 }
 
-double number_of(const std::string& path, std::size_t line, const std::string& text) {
+/// Nothing for a text that is no finite number.
+std::optional<double> read_number(const std::string& text) {
     const NumberReader reader;
     const char* const end = text.c_str() + text.size();
     const char* rest = nullptr;
     const double value = reader.read(text.c_str(), end, rest);
-    if (text.empty() || rest != end || !std::isfinite(value)) {
+    return !text.empty() && rest == end && std::isfinite(value) ? std::optional(value)
+                                                                : std::nullopt;
+}
+
+bool is_number(const std::string& text) {
+    return read_number(text).has_value();
+}
+
+double number_of(const std::string& path, std::size_t line, const std::string& text) {
+    const std::optional<double> value = read_number(text);
+    if (!value) {
         refuse(path,
                line,
                "\"" + text + "\" is no coordinate",
                "Give each row a finite number for each dimension, and leave out rows without a "
                "place: they start among their neighbours.");
     }
-    return value;
+    return *value;
 }
 
 /// Reads tables that the command writes for its plots: a line for each row and pair of dimensions,
@@ -157,9 +172,11 @@ class TableReader {
                      : header.find(',') != std::string::npos ? ','
                                                              : ';') {
         const std::vector<std::string> titles = fields_of(header, delimiter_);
+        checkIsHeader(titles);
         for (std::size_t d = 0; d < dims; ++d) {
             columns_.push_back(columnOf(titles, d));
         }
+        checkDimensions(titles);
         if (std::count(columns_.begin(), columns_.end(), 0U) == 0) {
             return;
         }
@@ -191,6 +208,30 @@ class TableReader {
     }
 
   private:
+    /// @throws InputError if this is the line of a row
+    void checkIsHeader(const std::vector<std::string>& titles) const {
+        // Programs that number columns leave the one of the names without a title.
+        if (titles.size() > 1 && !titles[0].empty() &&
+            std::all_of(titles.begin() + 1, titles.end(), is_number)) {
+            refuse(path_,
+                   1,
+                   "\"" + titles[0] + "\" has numbers there, and this line should be a header",
+                   "Put one above the first row, such as name, x, y.");
+        }
+    }
+
+    /// @throws InputError if the titles are those of a map of more dimensions
+    void checkDimensions(const std::vector<std::string>& titles) const {
+        const std::size_t dims = columns_.size();
+        if (std::count(columns_.begin(), columns_.end(), 0U) == 0 && columnOf(titles, dims) != 0) {
+            refuse(path_,
+                   1,
+                   "the table has \"" + titles[columnOf(titles, dims)] +
+                       "\", too: it is of a map of more dimensions than " + std::to_string(dims),
+                   "Give a start with as many, or take the other columns out.");
+        }
+    }
+
     /// The column that the command calls that of dimension d; 0 if there is none.
     static std::size_t columnOf(const std::vector<std::string>& titles, std::size_t d) {
         const std::string numbered = "component_" + std::to_string(d + 1);
@@ -352,9 +393,13 @@ std::vector<double> settle_start(const Options& options,
     if (options.fit.start != StartKind::Given) {
         return {};
     }
-    StartPlaces start = read_start_file(
-        options.start_file, row_names, static_cast<std::size_t>(options.fit.out_dims));
+    const auto dims = static_cast<std::size_t>(options.fit.out_dims);
+    StartPlaces start = read_start_file(options.start_file, row_names, dims);
     print_info(one_line_utf8(start_line(start, options.start_file, row_names.size())));
+    const std::string remark = extent_remark({start.places.data(), row_names.size(), dims});
+    if (!remark.empty()) {
+        complain("warning: " + options.start_file + ": " + remark);
+    }
     return std::move(start.places);
 }
 

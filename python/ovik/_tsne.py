@@ -57,7 +57,7 @@ class TSNE(FitParameters):
         Distances of the rows from their neighbours, taken instead of a search: a Matrix Market file,
         a sparse matrix of shape (n_samples, n_samples), or the arrays ``(data, indices, indptr)`` of
         one in compressed rows. An entry that is stored is a distance, also where it is 0. Not for
-        ``theta=0``, nor ``metric="precomputed"``.
+        ``theta=0``, nor beside a `metric`, unless ``init="pca"`` or `quality` compares rows by it.
     callbacks : function or list of functions, default None
         Each is called as ``callback(iteration, error, embedding)``, with the cost and a copy of the
         embedding; if one returns something true, the fit ends there. The cost is

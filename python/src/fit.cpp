@@ -91,8 +91,8 @@ Outcome run_fit(MatrixView<const double> points,
     hooks.start = {manner.start, points.rows, static_cast<std::size_t>(options.out_dims)};
     std::shared_ptr<CachedNeighbours> neighbours;
     if (manner.neighbours != nullptr) {
-        outcome.neighbours_note =
-            check_given_neighbours(*manner.neighbours, options, "neighbour_graph", 0);
+        outcome.neighbours_note = check_given_neighbours(
+            *manner.neighbours, options, "neighbour_graph", 0, manner.quality_neighbours > 0);
         neighbours = make_given_neighbours(*manner.neighbours);
         hooks.cached_neighbours = neighbours.get();
     }

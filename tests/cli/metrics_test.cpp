@@ -133,6 +133,22 @@ TEST_F(Metrics, RefuseOrDropRowsThatDoNotVary) {
                 HasSubstr("has no effect beside --metric euclidean"));
 }
 
+TEST_F(Metrics, RefuseRowsThatDoNotVaryOnceTheyAreCentred) {
+    // The rounded mean of five times 0.007 is not 0.007, nor that of five times 0.051 that number.
+    const std::string constant = table_of({0}) +
+                                 "C1\t0.007\t0.007\t0.007\t0.007\t0.007\n"
+                                 "C2\t0.051\t0.051\t0.051\t0.051\t0.051\n";
+    for (const char* const metric : {"cosine", "pearson", "spearman"}) {
+        std::vector<std::string> options = {"--metric", metric, "--center", "rows"};
+        for (int i = 0; i < 2; ++i) {
+            const CommandOutcome outcome = run_on(constant, options);
+            EXPECT_EQ(outcome.exit_status, kBadInput);
+            EXPECT_THAT(outcome.err, HasSubstr("\"C1\" (line 42), \"C2\" (line 43)")) << metric;
+            options.emplace_back("--scale");
+        }
+    }
+}
+
 TEST_F(Metrics, DropLabelsWithTheirRows) {
     const std::string labels = directory_.write("labels.txt", [] {
         std::string text = "none\n";
@@ -234,6 +250,9 @@ TEST_F(Metrics, RefuseNeighboursThatDoNotFit) {
                         {"--metric", "precomputed", "--neighbours-from", graph, "-p", "5"}),
                 HasSubstr("does not go with --metric precomputed"));
     EXPECT_THAT(
+        refusal(table_of({0}), {"--metric", "pearson", "--neighbours-from", graph, "-p", "5"}),
+        HasSubstr("searched for by the metric pearson, which has no effect so\nLeave out"));
+    EXPECT_THAT(
         refusal(table_of({0}) + "G41\t1\t2\t3\t4\t5\n", {"--neighbours-from", graph, "-p", "5"}),
         HasSubstr("the graph has 40 rows and 40 columns, and the matrix has 41 rows"));
     EXPECT_THAT(
@@ -255,7 +274,7 @@ TEST_F(Metrics, AreInTheReport) {
     const std::string graph = directory_.write("g.mtx", distance_graph());
     const std::string report = directory_.file("r.json");
     table_of_run(table_of({0}),
-                 {"--metric", "cosine", "--neighbours-from", graph, "--json", report});
+                 {"--metric", "cosine", "--neighbours-from", graph, "--quality", "--json", report});
     const std::string text = test::read_file(report);
     EXPECT_THAT(text, HasSubstr("\"cosine\""));
     EXPECT_THAT(text, HasSubstr("\"constant_rows\":\"refuse\""));

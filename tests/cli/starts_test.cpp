@@ -86,6 +86,22 @@ TEST_F(Starts, TellHowManyRowsHaveAPlace) {
                           ", the others start among their neighbours; 1 name is of no row: GONE"));
 }
 
+TEST_F(Starts, OfOtherUnitsAreWarnedOf) {
+    for (const double factor : {1.0, 1e4}) {
+        std::string places = "g,x,y\n";
+        for (int n = 0; n < kRows; ++n) {
+            places += "GENE" + std::to_string(n) + "," + std::to_string(factor * (n % 7)) + "," +
+                      std::to_string(factor * (n % 11)) + "\n";
+        }
+        const std::string path = directory_.write("places.csv", places);
+        const CommandOutcome outcome =
+            run_on(matrix(), {"--no-plots", "--names", "other", "-p", "8", "--start", path});
+        EXPECT_EQ(outcome.exit_status, kSuccess);
+        const auto warned = HasSubstr("warning: " + path + ": the places of the start lie up to 5");
+        EXPECT_THAT(outcome.err, testing::Conditional(factor > 1.0, warned, Not(warned)));
+    }
+}
+
 TEST_F(Starts, AreRefusedBeforeTheRun) {
     EXPECT_THAT(refusal({"--start", "pcs"}), HasSubstr("--start"));
     const std::string other = directory_.write("other.csv", "g,x,y\nOTHER,1,2\n");

@@ -82,6 +82,20 @@ TEST(DistanceMatrix, IsRefusedWithRowColumnAndValues) {
     EXPECT_THAT(refusal({0, 0, 0, 0}, 2), HasSubstr("nothing to embed"));
 }
 
+TEST(DistanceMatrix, HasNoDistanceBesideWhichTheOthersAreNothing) {
+    const auto with_pair = [](double distance) {
+        return std::vector<double>{0, 1, 1, distance, 1, 0, 2, 2, 1, 2, 0, 3, distance, 2, 3, 0};
+    };
+    EXPECT_EQ(refusal(with_pair(1e20), 4), "");
+    EXPECT_THAT(refusal(with_pair(1.1e20), 4),
+                StartsWith("row 0, column 3, both counted from 0: the distance is 1.1e+20, beside "
+                           "which the others are as good as 0: rows have their nearest at 1\n"));
+    EXPECT_THAT(refusal(matrix_of(with_pair(1e30), 4)),
+                StartsWith("d.tsv:2: row 1 (\"A\"), column 4 (\"D\"): the distance is 1e+30"));
+    // What rounding leaves between rows that are equal says nothing of the others.
+    EXPECT_EQ(refusal({0, 1e-30, 1, 2, 1e-30, 0, 1, 2, 1, 1, 0, 2, 2, 2, 2, 0}, 4), "");
+}
+
 TEST(DistanceMatrix, FromAFileIsRefusedWithLineAndNames) {
     EXPECT_THAT(refusal(matrix_of({0, 1, 2, 1, 0, 3, 2, 4, 0}, 3)),
                 StartsWith("d.tsv:6: row 3 (\"C\"), column 2 (\"B\"): the distance is 4, and 3"));

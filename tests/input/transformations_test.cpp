@@ -100,6 +100,34 @@ TEST(CentringOfRows, SubtractsTheMeanOfEachRow) {
     EXPECT_THAT(transformed(kRows, 3, {1, 2, 6, 5, 5, 5}), ElementsAre(-2, -1, 3, 0, 0, 0));
 }
 
+TEST(CentringOfRows, MakesRowsThatDoNotVaryExactlyZero) {
+    // The rounded mean of 36 times 0.7 is not 0.7.
+    std::vector<double> values(36, 0.7);
+    for (std::size_t d = 0; d < 36; ++d) {
+        values.push_back(static_cast<double>(d * d));
+    }
+    // Values that were missing, and got the mean of the others.
+    double sum = 0.0;
+    for (int d = 0; d < 33; ++d) {
+        sum += 0.7;
+    }
+    ASSERT_NE(sum / 33.0, 0.7);
+    values.insert(values.end(), 33, 0.7);
+    values.insert(values.end(), 3, sum / 33.0);
+    for (const bool scale : {false, true}) {
+        const std::vector<double> result =
+            transformed({.centre = Centring::Rows, .scale = scale}, 36, values);
+        const auto row = [&result](std::size_t n) {
+            return std::vector<double>(&result[36 * n], &result[36 * n] + 36);
+        };
+        EXPECT_THAT(row(0), Each(0.0));
+        EXPECT_THAT(row(1), Each(testing::Ne(0.0)));
+        EXPECT_THAT(row(2), Each(0.0));
+    }
+    // Near one another, but not by rounding alone.
+    EXPECT_THAT(transformed(kRows, 3, {1.0, 1.0, 1.0 + 1e-14}), Each(testing::Ne(0.0)));
+}
+
 TEST(CentringOfColumns, SubtractsTheMeanOfEachColumn) {
     EXPECT_THAT(transformed(kColumns, 2, {1, 10, 2, 20, 6, 60}),
                 ElementsAre(-2, -20, -1, -10, 3, 30));

@@ -80,6 +80,19 @@ TEST(NeighbourLists, AreRefusedWithPlaceAndCure) {
     EXPECT_THAT(refusal({{0, 1, 0}, {1, 0, 0}}, 2), HasSubstr("nothing to embed"));
 }
 
+TEST(NeighbourLists, HaveNoDistanceBesideWhichTheOthersAreNothing) {
+    const auto with_pair = [](double distance) {
+        return std::vector<GivenNeighbour>{
+            {0, 1, 1, 3}, {1, 0, 1, 4}, {2, 0, 2, 5}, {0, 2, 2, 6}, {1, 2, distance, 7}};
+    };
+    EXPECT_EQ(refusal(with_pair(1e20), 3), "");
+    EXPECT_THAT(refusal(with_pair(1.5e20), 3),
+                StartsWith("g.mtx:7: row 2 and its neighbour 3 have the distance 1.5e+20, beside "
+                           "which the others are as good as 0: rows have their nearest at 1\n"
+                           "Leave the pair out of the graph"));
+    EXPECT_EQ(refusal({{0, 1, 0}, {1, 0, 0}, {2, 0, 3}}, 3), "");
+}
+
 TEST(NearestByDistance, AreTheNearestOfEachRowForAnyThreads) {
     constexpr std::size_t kRows = 150;
     std::vector<double> distances(kRows * kRows);

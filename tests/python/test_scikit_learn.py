@@ -73,7 +73,7 @@ def test_no_check_was_left_out():
 
 
 def test_clone_has_the_parameters_and_no_results(points):
-    tsne = ovik.TSNE(n_iter=3, theta=0.25, init=np.ones((90, 2)) * np.arange(90)[:, None], n_jobs=1)
+    tsne = ovik.TSNE(n_iter=3, theta=0.25, init=points[:, :2].copy(), n_jobs=1)
     twin = clone(tsne.fit(points))
     assert not hasattr(twin, "embedding_")
     assert np.array_equal(twin.fit_transform(points), tsne.embedding_)

@@ -139,8 +139,51 @@ TEST(StartAtPlaces, RefusesWhatTheMapCouldNotLeave) {
                     start_of({1.0, 2.0, 3.0, 2.0, 5.0, 2.0}, 2, {});
                 }),
                 HasSubstr("coordinate 2 of the start is the same in all rows"));
+    EXPECT_THAT(test::refusal_of([] {
+                    start_of({1.1, 1.1, 3.3, 3.3, 5.7, 5.7, 0.2, 0.2}, 2, {});
+                }),
+                HasSubstr("the places of the start all lie on a line, and the map of 2 dimensions "
+                          "could not leave it"));
+    EXPECT_THAT(test::refusal_of([] {
+                    start_of({1e-300, -3e-301, -1e-300, 3e-301, 2e-301, -6e-302}, 2, {});
+                }),
+                HasSubstr("on a line"));
+    EXPECT_THAT(test::refusal_of([] {
+                    start_of({1, 2, 3, 4, 5, 9, 7, 0, 7, 2, 8, 10, -1, 3, 2}, 3, {});
+                }),
+                HasSubstr("lie in 2 dimensions, and the map of 3 dimensions"));
+    EXPECT_EQ(test::refusal_of([] { start_of({1.0, 1.0, 3.0, 3.0, 5.0, 5.001}, 2, {}); }), "");
+    // Two points lie on a line whatever they start from.
+    EXPECT_EQ(test::refusal_of([] { start_of({1.0, 1.0, 3.0, 3.0}, 2, {}); }), "");
     EXPECT_THAT(test::refusal_of([] { start_of(std::vector<double>(6, kNoPlace), 2, {}); }),
                 HasSubstr("the start has a place for none of the rows"));
+}
+
+TEST(StartAtPlaces, RefusesPlacesFromWhichNoPointWouldMove) {
+    const std::vector<double> places = {1.0, 2.0, 3.0, 5.0, 5.0, 2.0, -9.0, -9.0};
+    for (const double factor : {1e8, 1e20, 1e307}) {
+        std::vector<double> wide = places;
+        for (double& x : wide) {
+            x *= factor;
+        }
+        EXPECT_THAT(test::refusal_of([&] { start_of(wide, 2, {}); }),
+                    testing::Conditional(factor == 1e8, "", HasSubstr("\nDivide them by that")))
+            << factor;
+    }
+}
+
+TEST(ExtentOfPlaces, IsTheLargestDeviationFromTheirMean) {
+    std::vector<double> places = {1e6, 3.0, kNoPlace, kNoPlace, 1e6 + 2.0, 3.0, 1e6 + 4.0, 3.0};
+    EXPECT_NEAR(extent_of_places({places.data(), 4, 2}), 2.0, 1e-8);
+    EXPECT_EQ(extent_remark({places.data(), 4, 2}), "");
+    EXPECT_EQ(extent_of_places({nullptr, 0, 2}), 0.0);
+    places = {0.0, 0.0, 500.0, 1000.0, 1000.0, 500.0};
+    EXPECT_EQ(extent_remark({places.data(), 3, 2}), "");
+    places = {0.0, 0.0, 5e5, 1e6, 1e6, 5e5};
+    EXPECT_EQ(extent_remark({places.data(), 3, 2}),
+              "the places of the start lie up to 5e+05 from their mean, and from places so far "
+              "apart points hardly move; divided by 5000 they would lie within 100 of it, as those "
+              "of maps do");
 }
 
 TEST(HasRowsWithoutPlace, RefusesPlacesThatAreNotWhole) {

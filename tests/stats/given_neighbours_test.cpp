@@ -138,5 +138,18 @@ TEST(CheckGivenNeighbours, RefusesComponentsThatWouldHaveNoEffect) {
                 HasSubstr("principal components, which have no effect so\nLeave out"));
 }
 
+TEST(CheckGivenNeighbours, RefusesAMetricThatWouldHaveNoEffect) {
+    FitOptions options;
+    options.perplexity = 3.0;
+    const NeighbourLists lists = lists_of(std::vector<std::size_t>(20, 9));
+    options.metric = MetricKind::Spearman;
+    EXPECT_THAT(test::refusal_of([&] { check_given_neighbours(lists, options, "g"); }),
+                StartsWith("g: gives the neighbours that would else be searched for by the metric "
+                           "spearman, which has no effect so\n"));
+    EXPECT_EQ(check_given_neighbours(lists, options, "g", 1, true), "");
+    options.start = StartKind::Pca;
+    EXPECT_EQ(check_given_neighbours(lists, options, "g"), "");
+}
+
 }  // namespace
 }  // namespace ovik

@@ -90,6 +90,26 @@ TEST_F(StartFile, TakesTheColumnsThatAreCoordinates) {
                           "and stands for other columns than a name and 2 coordinates"));
 }
 
+TEST_F(StartFile, NeedsAHeader) {
+    for (const char* const row : {"CDC28,1,-2.5e1\n", "CDC28;1;2\n", "CDC28\t0\t1\n", "1,1,2\n"}) {
+        EXPECT_THAT(refusal(std::string(row) + row),
+                    HasSubstr("has numbers there, and this line should be a header\nPut one above"))
+            << row;
+    }
+    EXPECT_THAT(refusal("CDC28,1,2\nother,1,2\n"), HasSubstr(", line 1: \"CDC28\" has numbers"));
+}
+
+TEST_F(StartFile, IsNotOfMoreDimensions) {
+    EXPECT_THAT(refusal("name,component_1,component_2,component_3\nCDC28,1,2,3\n"),
+                HasSubstr("line 1: the table has \"component_3\", too: it is of a map of more "
+                          "dimensions than 2\n"));
+    EXPECT_THAT(refusal("name\tx\ty\tz\tlabel\nCDC28\t1\t2\t3\ta\n"),
+                HasSubstr("the table has \"z\", too"));
+    EXPECT_THAT(read("name,z,y,x\nCDC28,1,2,3\n", 3).places, testing::Contains(3.0));
+    EXPECT_THAT(read("name,component_1,component_2,q\nCDC28,1,2,3\n").places,
+                ElementsAre(1.0, 2.0, IsNan(), IsNan(), IsNan(), IsNan()));
+}
+
 TEST_F(StartFile, RefusesWhatIsNoStart) {
     EXPECT_THAT(refusal("g,x,y\nCDC28,1,2\nb,1,2\nCDC28,1,2\n"),
                 HasSubstr("line 4: \"CDC28\" stands in line 2, too, with another place"));
