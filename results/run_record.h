@@ -100,7 +100,8 @@ struct PlacementRecord {
     std::vector<std::string> names;
     /// The divergence of each place from the row's affinities, in nats.
     std::vector<double> costs;
-    /// The row of the map that is nearest in the input, and how far that is once it is scaled.
+    /// The row of the map that is nearest in the input, and how far that is in the units of the
+    /// data; with a map by correlation, the root of 2 (1 - r).
     std::vector<std::string> nearest;
     std::vector<double> nearest_distances;
     std::vector<ResultFile> files;

@@ -192,10 +192,10 @@ std::vector<std::size_t> rows_without_direction(MatrixView<const double> X, Metr
     return found;
 }
 
-void check_rows(MatrixView<const double> X,
-                MetricKind metric,
-                const RowWords& words,
-                const std::string& cure) {
+void check_directions(MatrixView<const double> X,
+                      MetricKind metric,
+                      const RowWords& words,
+                      const std::string& cure) {
     if (!compares_directions(metric) || X.rows == 0) {
         return;
     }
@@ -204,6 +204,16 @@ void check_rows(MatrixView<const double> X,
     if (!rows.empty()) {
         refuse_rows(rows, metric, words, cure);
     }
+}
+
+void check_rows(MatrixView<const double> X,
+                MetricKind metric,
+                const RowWords& words,
+                const std::string& cure) {
+    if (!compares_directions(metric) || X.rows == 0) {
+        return;
+    }
+    check_directions(X, metric, words, cure);
     // What rounding may leave between rows in the same direction.
     const double indistinct = 8.0 * static_cast<double>(X.columns) * kRounding;
     std::vector<std::size_t> order;

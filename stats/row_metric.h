@@ -53,13 +53,23 @@ struct RowWords {
 /// Some rows in the words of messages: the first three, and whether there are more.
 std::string listed_rows(const std::vector<std::size_t>& rows, const RowWords& words);
 
-/// Refuses what a metric cannot tell apart.
+/// Refuses rows that a metric cannot compare with others.
 ///
 /// @param X     finite, before `prepare_rows`
 /// @param cure  what the user can do about rows without direction
 /// @throws InputError if there are such rows, with the first three of them and the cure; if rows
-/// have too few columns: 2 values have a correlation of 1 or -1; if all rows are in the same
-/// direction, so that all distances are 0 but for rounding
+/// have too few columns: 2 values have a correlation of 1 or -1
+void check_directions(MatrixView<const double> X,
+                      MetricKind metric,
+                      const RowWords& words,
+                      const std::string& cure);
+
+/// Refuses what a metric cannot tell apart.
+///
+/// @param X     finite, before `prepare_rows`
+/// @param cure  what the user can do about rows without direction
+/// @throws InputError where `check_directions` throws; if all rows are in the same direction, so
+/// that all distances are 0 but for rounding
 void check_rows(MatrixView<const double> X,
                 MetricKind metric,
                 const RowWords& words,

@@ -173,28 +173,36 @@ class PlaceCost {
     std::vector<double> repulsion_;
 };
 
-/// Descends from a place.
-///
-/// @param y  the start; then the place of the lowest cost that was met
-/// @return its cost
-double descend(PlaceCost& place_cost, const PlacementDescent& descent, std::vector<double>& y) {
-    std::vector<double> here = y;
-    std::vector<double> gradient(y.size());
-    std::vector<double> velocity(y.size(), 0.0);
-    std::vector<double> gains(y.size(), 1.0);
-    const DescentKernels& kernels = descent_kernels(instruction_set());
-    double lowest = place_cost.evaluate(here, gradient);
-    for (int iteration = 0; iteration < descent.iterations; ++iteration) {
-        kernels.step({gradient.data(), velocity.data(), gains.data(), here.data(), y.size()},
-                     descent.learning_rate,
-                     descent.momentum);
-        const double cost = place_cost.evaluate(here, gradient);
-        if (cost < lowest) {
-            lowest = cost;
-            y = here;
+/// The smallest box that holds all points of a map.
+struct Box {
+    std::vector<double> low;
+    std::vector<double> high;
+};
+
+Box box_of(MatrixView<const double> Y) {
+    const std::span<const double> first = Y.row(0);
+    Box box{{first.begin(), first.end()}, {first.begin(), first.end()}};
+    for (std::size_t j = 1; j < Y.rows; ++j) {
+        for (std::size_t d = 0; d < Y.columns; ++d) {
+            box.low[d] = std::min(box.low[d], Y.row(j)[d]);
+            box.high[d] = std::max(box.high[d], Y.row(j)[d]);
         }
     }
-    return lowest;
+    return box;
+}
+
+/// Shortens a vector to a length, unless it is shorter.
+void shorten(std::vector<double>& vector, double longest) {
+    double square = 0.0;
+    for (const double x : vector) {
+        square += x * x;
+    }
+    const double length = std::sqrt(square);
+    if (length > longest) {
+        for (double& x : vector) {
+            x *= longest / length;
+        }
+    }
 }
 
 /// A place, and its cost.
@@ -203,20 +211,77 @@ struct Place {
     double cost;
 };
 
-/// Descends from two places: amidst the rows that are nearest, and where the nearest one lies.
+/// Descends from a start.
 ///
-/// @return the cheaper end; the former if they cost the same
+/// @return the place of the lowest cost that was met
+Place descend(PlaceCost& place_cost,
+              const Box& box,
+              const PlacementDescent& descent,
+              const Place& start) {
+    Place lowest = start;
+    std::vector<double> here = start.y;
+    std::vector<double> there(here.size());
+    std::vector<double> gradient(here.size());
+    std::vector<double> velocity(here.size(), 0.0);
+    std::vector<double> gains(here.size(), 1.0);
+    const DescentKernels& kernels = descent_kernels(instruction_set());
+    place_cost.evaluate(here, gradient);
+    for (int iteration = 0; iteration < descent.iterations; ++iteration) {
+        // The kernel goes the whole way, of which only the direction may be wanted.
+        there = here;
+        kernels.step({gradient.data(), velocity.data(), gains.data(), there.data(), there.size()},
+                     descent.learning_rate,
+                     descent.momentum);
+        shorten(velocity, descent.longest_step);
+        for (std::size_t d = 0; d < here.size(); ++d) {
+            here[d] = std::clamp(here[d] + velocity[d], box.low[d], box.high[d]);
+        }
+        const double cost = place_cost.evaluate(here, gradient);
+        if (cost < lowest.cost) {
+            lowest = {here, cost};
+        }
+    }
+    return lowest;
+}
+
+/// The places from which a row may set out, cheapest first: amidst the rows that are nearest, and
+/// beside each of them.
+std::vector<Place> starts_of(PlaceCost& place_cost,
+                             MatrixView<const double> Y,
+                             std::span<const Near> nearest) {
+    std::vector<Place> starts{{start_amidst(nearest, Y), 0.0}};
+    for (const Near& near : nearest) {
+        const std::span<const double> own = Y.row(near.row);
+        starts.push_back({{own.begin(), own.end()}, 0.0});
+    }
+    std::vector<double> gradient(Y.columns);
+    for (Place& start : starts) {
+        start.cost = place_cost.evaluate(start.y, gradient);
+    }
+    std::stable_sort(starts.begin(), starts.end(), [](const Place& a, const Place& b) {
+        return a.cost < b.cost;
+    });
+    return starts;
+}
+
+/// Descends from the cheapest starts.
+///
+/// @return the cheapest end; the earliest of those that cost the same
 Place cheapest_place(PlaceCost& place_cost,
                      MatrixView<const double> Y,
+                     const Box& box,
                      std::span<const Near> nearest,
                      const PlacementDescent& descent) {
-    Place amidst{start_amidst(nearest.first(std::min(descent.start_neighbours, nearest.size())), Y),
-                 0.0};
-    amidst.cost = descend(place_cost, descent, amidst.y);
-    const std::span<const double> own = Y.row(nearest.front().row);
-    Place beside{{own.begin(), own.end()}, 0.0};
-    beside.cost = descend(place_cost, descent, beside.y);
-    return beside.cost < amidst.cost ? beside : amidst;
+    const std::size_t count = std::min(descent.start_neighbours, nearest.size());
+    const std::vector<Place> starts = starts_of(place_cost, Y, nearest.first(count));
+    Place cheapest = starts.front();
+    for (std::size_t s = 0; s < std::min(descent.descents, starts.size()); ++s) {
+        Place end = descend(place_cost, box, descent, starts[s]);
+        if (end.cost < cheapest.cost) {
+            cheapest = std::move(end);
+        }
+    }
+    return cheapest;
 }
 
 /// @throws std::invalid_argument
@@ -269,6 +334,7 @@ PlacedRows place_rows(const FinishedMap& map,
     placed.nearest.resize(rows.rows);
     placed.nearest_distances.resize(rows.rows);
     const std::size_t wanted = affinity_count(map.perplexity, map.input.rows);
+    const Box box = box_of(map.embedding);
     parallel_for_each(rows.rows, 1, [&](std::size_t n) {
         const std::span<const double> row(scaled.data() + n * rows.columns, rows.columns);
         std::vector<Near> nearest;
@@ -280,7 +346,7 @@ PlacedRows place_rows(const FinishedMap& map,
         const std::span<const Near> near(nearest);
         const std::span<const Near> weighed = near.first(std::min(wanted, near.size()));
         PlaceCost cost(map.embedding, weighed, affinities_to(weighed, map.perplexity));
-        const Place place = cheapest_place(cost, map.embedding, near, descent);
+        const Place place = cheapest_place(cost, map.embedding, box, near, descent);
         placed.costs[n] = place.cost;
         std::copy(place.y.begin(),
                   place.y.end(),
@@ -290,6 +356,10 @@ PlacedRows place_rows(const FinishedMap& map,
     });
     refuse_distant(placed.nearest_distances);
     return placed;
+}
+
+double cost_of_no_place(std::size_t rows, double perplexity) {
+    return std::log(static_cast<double>(rows) / perplexity);
 }
 
 bool bars_placement(std::string_view option_name, std::string_view value) {

@@ -44,20 +44,27 @@ struct PlacementDescent {
     int iterations = 125;
     double learning_rate = 2.0;
     double momentum = 0.8;
-    /// How many of the nearest rows a row starts amidst, at first.
+    /// How many of the nearest rows a row may start beside or amidst.
     std::size_t start_neighbours = 25;
+    /// How many of these starts, the cheapest, it descends from.
+    std::size_t descents = 3;
+    /// The longest step, in units of the map: similarities of places fall off over about 1, so that
+    /// longer steps leap over places that the gradient does not tell of.
+    double longest_step = 1.0;
 };
 
 /// Gives rows places on a map whose own points stay where they are. Each row is placed by itself:
 /// its place does not depend on the others, on their order or on the number of threads.
 ///
 /// A row has conditional affinities p to the 3 * perplexity rows of the map that are nearest to it,
-/// equal distances by the lower row, calibrated as those of the map were. It starts at the median,
-/// coordinate by coordinate, of the places of its 25 nearest, and once more where the nearest of
-/// all lies. From both the divergence of p from q is descended, where q_j = w_j / (sum of all w)
-/// and w_j = 1 / (1 + |y - y_j|^2) over all points of the map: gradient descent with momentum and
-/// gains as the map itself has them. The place of the lowest cost that was met is the result, so
-/// that it never costs more than either start.
+/// equal distances by the lower row, calibrated as those of the map were. The cost of a place is
+/// the divergence of p from q, where q_j = w_j / (sum of all w) and w_j = 1 / (1 + |y - y_j|^2)
+/// over all points of the map. Starts are the median, coordinate by coordinate, of the places of
+/// the 25 nearest, and each of these places, nearest first; from the three that cost least, equal
+/// ones in this order, the cost is descended: gradient descent with momentum and gains as the map
+/// itself has them, no step longer than 1, and never beyond the box that the points of the map
+/// span. The place of the lowest cost that was met is the result, so that it costs no more than any
+/// start.
 ///
 /// @param map   at least one row
 /// @param rows  of the columns of the map, in the units of its matrix before it was centred, or
@@ -69,6 +76,12 @@ struct PlacementDescent {
 OVIK_API PlacedRows place_rows(const FinishedMap& map,
                                MatrixView<const double> rows,
                                const PlacementDescent& descent = {});
+
+/// The cost of a place that is infinitely far from a map, in nats. A row whose place does not cost
+/// less lies nowhere near the rows that are like it.
+///
+/// @param rows  of the map
+OVIK_API double cost_of_no_place(std::size_t rows, double perplexity);
 
 /// Whether no rows can be placed on a map because an option of it is not as preset: rows are
 /// compared by their columns, and have affinities of one perplexity.

@@ -41,7 +41,12 @@ void drop_constant_rows(LoadedMatrix& loaded, const Options& options) {
         loaded.labels);
     text += "; " + std::to_string(matrix.report.rows) + " remain";
     print_info(one_line_utf8(text));
-    check_row_count(words.source + ", without the rows that do not vary", matrix.report.rows);
+    const std::string remaining = words.source + ", without the rows that do not vary";
+    if (options.onto.empty()) {
+        check_row_count(remaining, matrix.report.rows);
+    } else {
+        check_row_count(remaining, matrix.report.rows, 1);
+    }
 }
 
 }  // namespace
@@ -53,11 +58,20 @@ void settle_constant_rows(LoadedMatrix& loaded, const Options& options) {
     if (options.drops_constant_rows) {
         drop_constant_rows(loaded, options);
     }
-    check_rows(values_of(loaded.matrix),
-               options.fit.metric,
-               words_of(options, loaded.matrix),
-               "Leave such rows out (--constant-rows drop), or compare the rows by --metric "
-               "euclidean.");
+    const RowWords words = words_of(options, loaded.matrix);
+    if (options.onto.empty()) {
+        check_rows(values_of(loaded.matrix),
+                   options.fit.metric,
+                   words,
+                   "Leave such rows out (--constant-rows drop), or compare the rows by --metric "
+                   "euclidean.");
+    } else {
+        check_directions(values_of(loaded.matrix),
+                         options.fit.metric,
+                         words,
+                         "Leave such rows out (--constant-rows drop), or place them on a map that "
+                         "is made by --metric euclidean.");
+    }
 }
 
 }  // namespace ovik::tool

@@ -14,8 +14,11 @@
 #include "plots/figure_drawing.h"
 #include "plots/plot_columns.h"
 #include "plots/plot_hand_off.h"
+#include "results/annotated_table.h"
+#include "results/coordinate_files.h"
 #include "results/map_model.h"
 #include "results/result_table.h"
+#include "stats/row_metric.h"
 #include "stats/row_placement.h"
 #include "util/available_memory.h"
 #include "util/console.h"
@@ -71,6 +74,15 @@ Transformations transformations_for(const Options& options, const MapModel& mode
     return *known;
 }
 
+/// @throws InputError if rows are to be left out that are like any others to the map
+void check_constant_rows(const Options& options, MetricKind metric) {
+    if (options.drops_constant_rows && !compares_directions(metric)) {
+        throw InputError("--constant-rows: is about rows that have no correlation, and " +
+                         options.onto + " is a map by --metric " +
+                         std::string(choice_name(metric)) + "\nLeave it out.");
+    }
+}
+
 /// Loads the rows in the way of the model's matrix.
 LoadedMatrix load_rows(const Options& options, const MapModel& model) {
     const KnownColumns columns{
@@ -78,6 +90,8 @@ LoadedMatrix load_rows(const Options& options, const MapModel& model) {
     Options like_the_map = options;
     like_the_map.load.transformations = transformations_for(options, model);
     like_the_map.load.known_columns = &columns;
+    like_the_map.fit.metric = metric_of(options.onto, model);
+    check_constant_rows(options, like_the_map.fit.metric);
     return load_matrix(like_the_map);
 }
 
@@ -111,6 +125,9 @@ void tell_of_rows(const OntoRun& run) {
     const std::string equal = rows_that(names, [&](std::size_t n) { return distances[n] == 0.0; });
     const std::string distant = rows_that(
         names, [&](std::size_t n) { return distances[n] > run.model.largest_nearest_distance; });
+    const double nowhere = cost_of_no_place(run.model.rows, run.model.perplexity);
+    const std::string lost =
+        rows_that(names, [&](std::size_t n) { return run.placed.costs[n] >= nowhere; });
     if (!known.empty() && run.loaded.matrix.has_names) {
         complain("note: " + known +
                  " with a name that a row of the map has, too; both are shown, each at its place");
@@ -123,6 +140,12 @@ void tell_of_rows(const OntoRun& run) {
                  " farther from all rows of the map than any of these from its nearest: what is "
                  "unlike the map has no true place on it\nSee that values and units are those of "
                  "the map's matrix.");
+    }
+    if (!lost.empty()) {
+        complain("warning: " + lost +
+                 " nowhere near the rows of the map that are most alike: these lie apart, and no "
+                 "place was found that is better than one infinitely far away\nRead nothing into "
+                 "a place that is warned of.");
     }
 }
 
@@ -222,7 +245,7 @@ PlotOutcome draw_plots(const Options& options, const OntoRun& run) {
                                  plotted);
 }
 
-/// Writes table, page and figure, and says what became of them.
+/// Writes tables, page and figure, and says what became of them.
 std::vector<ResultFile> write_results(const Options& options, const OntoRun& run) {
     const std::string base = onto_base(options);
     prepare_directory(options.out_dir);
@@ -235,6 +258,24 @@ std::vector<ResultFile> write_results(const Options& options, const OntoRun& run
     const auto table = make_result_table<double>(
         Y, std::span<const std::string>(run.loaded.matrix.row_names), functions);
     add_result(files, "Result table", base + ".csv", write_result_table(base + ".csv", table));
+    if (options.coordinates_tsv) {
+        const std::string path = base + ".tsv";
+        const auto failure = write_coordinates_tsv<double>(
+            path, run.loaded.matrix.row_names.data(), Y.values, Y.rows, Y.columns);
+        add_result(files, "Coordinates", path, failure);
+    }
+    if (options.coordinates_npy) {
+        const std::string path = base + ".npy";
+        const auto failure = write_coordinates_npy<double>(path, Y.values, Y.rows, Y.columns);
+        add_result(files, "Coordinates", path, failure);
+    }
+    if (options.annotated_tsv) {
+        const std::string path = annotated_path(base);
+        const std::vector<std::string> systematic = systematic_names_of(run.genes);
+        const auto failure = write_annotated_table<double>(
+            path, Y, {run.loaded.matrix.row_names, systematic, run.labels, functions});
+        add_result(files, "Annotated table", path, failure);
+    }
     if (options.plots) {
         const PlotOutcome plots = draw_plots(options, run);
         add_result(files, "Chart page", base + ".html", plots.page_failure);
@@ -254,7 +295,9 @@ PlacementRecord record_of(const Options& options, const OntoRun& run) {
     for (const std::uint32_t nearest : run.placed.nearest) {
         record.nearest.push_back(run.model.row_names[nearest]);
     }
-    record.nearest_distances = run.placed.nearest_distances;
+    for (const double distance : run.placed.nearest_distances) {
+        record.nearest_distances.push_back(distance / run.model.factor);
+    }
     return record;
 }
 

@@ -512,11 +512,12 @@ void add_transformation_options(CLI::App& app, Options& options) {
 
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
-constexpr std::array<std::string_view, 27> kOptionsOfPlacement = {
-    "onto",  "help",    "version",   "delimiter", "decimal", "skip-columns", "names-column",
-    "na",    "missing", "no-header", "no-names",  "names",   "row-names",    "labels",
-    "sheet", "log1p",   "center",    "scale",     "out-dir", "name",         "suffix",
-    "title", "json",    "no-plots",  "quiet",     "threads", "force"};
+constexpr std::array<std::string_view, 30> kOptionsOfPlacement = {
+    "onto",         "help",    "version", "delimiter",   "decimal",   "skip-columns",
+    "names-column", "na",      "missing", "no-header",   "no-names",  "names",
+    "row-names",    "labels",  "sheet",   "log1p",       "center",    "scale",
+    "out-dir",      "name",    "suffix",  "title",       "json",      "no-plots",
+    "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows"};
 
 /// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
 void check_placement(const CLI::App& app, const Options& options) {
@@ -532,7 +533,7 @@ void check_placement(const CLI::App& app, const Options& options) {
             kOptionsOfPlacement.end()) {
             throw CLI::ValidationError(
                 "--" + name,
-                "is of runs that make a map, and --onto takes that of the model: leave it away");
+                "does not go with --onto, which places rows on the map of a model: leave it away");
         }
     }
 }
@@ -581,7 +582,8 @@ bool is_given(const CLI::App& app, const std::string& name) {
 
 /// Refuses what does not go with the metric.
 void check_comparison(const CLI::App& app, const Options& options) {
-    if (is_given(app, "constant-rows") && !compares_directions(options.fit.metric)) {
+    if (options.onto.empty() && is_given(app, "constant-rows") &&
+        !compares_directions(options.fit.metric)) {
         throw CLI::ValidationError(
             "--constant-rows",
             "is about rows that have no correlation, and has no effect beside --metric " +

@@ -17,6 +17,7 @@ namespace {
 using test::kBadInput;
 using test::kSuccess;
 using testing::HasSubstr;
+using testing::Not;
 
 /// Rows of a matrix of three columns, from `begin` to `end` - 1.
 std::string rows(int begin, int end) {
@@ -78,6 +79,17 @@ TEST_F(RowsOntoAMap, LieWhereTheyLieAloneForAnyNumberOfThreads) {
     EXPECT_EQ(test::read_file(model_), model);
 }
 
+TEST_F(RowsOntoAMap, AreWrittenInTheFormsOfAMap) {
+    makeMap({"--metric", "cosine"});
+    const std::string table =
+        placed(rows(40, 42) + "Z\t0\t0\t0\n",
+               {"--coordinates", "tsv", "--annotated", "tsv", "--constant-rows", "drop"});
+    EXPECT_THAT(table, HasSubstr("\nG41,"));
+    EXPECT_THAT(table, Not(HasSubstr("\nZ,")));
+    EXPECT_THAT(result("new_onto.tsv"), HasSubstr("\nG41\t"));
+    EXPECT_THAT(result("new_onto_annotated.tsv"), HasSubstr("\nG41\t"));
+}
+
 TEST_F(RowsOntoAMap, AreNotPlacedByOptionsOfTheMap) {
     makeMap();
     const std::string matrix = directory_.write("new.tsv", rows(40, 50));
@@ -86,12 +98,13 @@ TEST_F(RowsOntoAMap, AreNotPlacedByOptionsOfTheMap) {
                                                    {"--theta", "0"},
                                                    {"--checkpoint", "x"},
                                                    {"--model", "x"},
+                                                   {"--gene", "ADE8"},
                                                    {"--dry-run"}}) {
         std::vector<std::string> all = {matrix, "--onto", model_, "--out-dir", results_ + "/no"};
         all.insert(all.end(), option.begin(), option.end());
         const auto outcome = run(all);
         EXPECT_EQ(outcome.exit_status, kBadInput);
-        EXPECT_THAT(outcome.err, HasSubstr(option.front() + ": is of runs that make a map"));
+        EXPECT_THAT(outcome.err, HasSubstr(option.front() + ": does not go with --onto"));
         EXPECT_FALSE(std::filesystem::exists(results_ + "/no"));
     }
 }

@@ -76,6 +76,29 @@ double cost_at(const FixedMap& map,
     return cost;
 }
 
+/// Keeps a coordinate among those of the map's points.
+double keep_on_map(const FixedMap& map, std::size_t d, double y) {
+    double low = map.embedding[d];
+    double high = map.embedding[d];
+    for (std::size_t j = 0; j < map.rows; ++j) {
+        low = std::min(low, map.embedding[j * map.out_dims + d]);
+        high = std::max(high, map.embedding[j * map.out_dims + d]);
+    }
+    return y < low ? low : (y > high ? high : y);
+}
+
+/// Shortens a step to length 1.
+void limit_length(std::vector<double>& step) {
+    double square = 0.0;
+    for (const double x : step) {
+        square += x * x;
+    }
+    const double length = std::sqrt(square);
+    for (double& x : step) {
+        x = length > 1.0 ? x * (1.0 / length) : x;
+    }
+}
+
 /// The cheapest place that descent comes to from a start.
 Place descend(const FixedMap& map,
               const Neighbours& neighbours,
@@ -94,7 +117,10 @@ Place descend(const FixedMap& map,
             gains[d] = sign(gradient[d]) != sign(velocity[d]) ? gains[d] + 0.2 : gains[d] * 0.8;
             gains[d] = gains[d] < 0.01 ? 0.01 : gains[d];
             velocity[d] = velocity[d] * 0.8 - (gains[d] * 2.0) * gradient[d];
-            y[d] += velocity[d];
+        }
+        limit_length(velocity);
+        for (std::size_t d = 0; d < dims; ++d) {
+            y[d] = keep_on_map(map, d, y[d] + velocity[d]);
         }
         const double cost = cost_at(map, neighbours, p, y, gradient);
         if (cost < best.cost) {
@@ -115,19 +141,30 @@ Place place_row(const FixedMap& map, const std::vector<double>& row) {
         distances.push_back(neighbours[m].first);
     }
     const std::vector<double> p = similarities_to(distances, map.perplexity);
-    std::vector<double> amidst;
-    std::vector<double> beside;
+    const std::size_t beside = std::min<std::size_t>(25, map.rows);
+    std::vector<std::vector<double>> starts(beside + 1);
     for (std::size_t d = 0; d < map.out_dims; ++d) {
         std::vector<double> coordinates;
-        for (std::size_t m = 0; m < std::min<std::size_t>(25, map.rows); ++m) {
+        for (std::size_t m = 0; m < beside; ++m) {
             coordinates.push_back(map.embedding[neighbours[m].second * map.out_dims + d]);
+            starts[m + 1].push_back(coordinates.back());
         }
-        amidst.push_back(median(coordinates));
-        beside.push_back(coordinates.front());
+        starts[0].push_back(median(coordinates));
     }
-    const Place first = descend(map, neighbours, p, amidst);
-    const Place second = descend(map, neighbours, p, beside);
-    return second.cost < first.cost ? second : first;
+    std::vector<double> gradient(map.out_dims);
+    std::vector<std::pair<double, std::size_t>> order;
+    for (std::size_t s = 0; s < starts.size(); ++s) {
+        order.emplace_back(cost_at(map, neighbours, p, starts[s], gradient), s);
+    }
+    std::sort(order.begin(), order.end());
+    Place best{starts[order[0].second], order[0].first};
+    for (std::size_t o = 0; o < std::min<std::size_t>(3, order.size()); ++o) {
+        const Place end = descend(map, neighbours, p, starts[order[o].second]);
+        if (end.cost < best.cost) {
+            best = end;
+        }
+    }
+    return best;
 }
 
 }  // namespace plain

@@ -23,8 +23,9 @@ struct Place {
 };
 
 /// The place of a row, in the units of the matrix as it was read, on a map: gradient descent of its
-/// divergence, 125 iterations of rate 2 with momentum 0.8 and gains, from the median of the places
-/// of its 25 nearest rows and from the place of the nearest; the cheapest of all that were met.
+/// divergence, 125 iterations of rate 2 with momentum 0.8 and gains, in steps of length 1 at most
+/// and within the box of the map's points. It sets out from the cheapest three of the median of the
+/// places of its 25 nearest rows and these places themselves; the cheapest of all that were met.
 Place place_row(const FixedMap& map, const std::vector<double>& row);
 
 }  // namespace plain

@@ -52,6 +52,13 @@ std::string refusal(const std::vector<double>& values,
     });
 }
 
+TEST(CheckDirections, LeavesRowsInTheSameDirectionAlone) {
+    const std::vector<double> values = {1, 2, 4, 2, 4, 8};
+    EXPECT_NO_THROW(
+        check_directions({values.data(), 2, 3}, MetricKind::Pearson, {"m.tsv", {}}, "Cure."));
+    EXPECT_THAT(refusal(values, 3, MetricKind::Pearson), HasSubstr("correlation of 1"));
+}
+
 TEST(PrepareRows, GivesTheBitsOfThePlainProgramForAnyThreads) {
     // Of few different values, so that there are equal ones to rank.
     std::vector<double> values = test::random_values(203 * 17, 5);

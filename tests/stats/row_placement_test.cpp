@@ -137,6 +137,55 @@ TEST(PlaceRows, NeverEndsAtAPlaceThatCostsMoreThanTheStart) {
     }
 }
 
+TEST(PlaceRows, NeverLeavesTheMap) {
+    // The neighbours of each row lie all over this map, so that few places cost less than none.
+    const RandomMap map(300, 4, 2, 10.0);
+    const std::vector<double> values = test::random_values(50 * 4, 12, 7.0);
+    const std::vector<double>& Y = map.embedding;
+    for (const double learning_rate : {2.0, 1e6}) {
+        PlacementDescent descent;
+        descent.learning_rate = learning_rate;
+        const PlacedRows placed = place_rows(map.view(), {values.data(), 50, 4}, descent);
+        for (std::size_t i = 0; i < placed.embedding.size(); ++i) {
+            double low = HUGE_VAL;
+            double high = -HUGE_VAL;
+            for (std::size_t j = i % 2; j < Y.size(); j += 2) {
+                low = std::min(low, Y[j]);
+                high = std::max(high, Y[j]);
+            }
+            EXPECT_GE(placed.embedding[i], low) << i;
+            EXPECT_LE(placed.embedding[i], high) << i;
+        }
+    }
+}
+
+TEST(PlaceRows, SetsOutFromTheCheapestOfAllPlacesOfTheNearest) {
+    // Ten rows are alike, and all but the first of them, which is the nearest, lie together: both
+    // this one and the median of 25 are worse places than those of the nine.
+    std::vector<double> input(60);
+    std::vector<double> Y(2 * 60);
+    for (std::size_t j = 0; j < 60; ++j) {
+        input[j] = j < 10 ? 1.0 + 0.001 * static_cast<double>(j) : 20.0 + static_cast<double>(j);
+        Y[2 * j] = j == 0 ? -30.0 : (j < 10 ? 30.0 : 10.0 * static_cast<double>(j));
+        Y[2 * j + 1] = j < 10 ? 0.01 * static_cast<double>(j) : 300.0;
+    }
+    const InputScale scale{{0.0}, 1.0};
+    const FinishedMap map{{input.data(), 60, 1}, scale, {Y.data(), 60, 2}, 9.0};
+    PlacementDescent none;
+    none.iterations = 0;
+    const PlacedRows start = place_rows(map, {scale.means.data(), 1, 1}, none);
+    EXPECT_EQ(start.nearest[0], 0U);
+    EXPECT_EQ(start.embedding[0], 30.0);
+    EXPECT_LT(start.embedding[1], 0.1);
+    EXPECT_LT(start.costs[0], cost_of_no_place(60, 9.0));
+    EXPECT_LE(place_rows(map, {scale.means.data(), 1, 1}).costs[0], start.costs[0]);
+}
+
+TEST(CostOfNoPlace, IsThatOfEqualSimilaritiesToAllRows) {
+    EXPECT_EQ(cost_of_no_place(900, 20.0), std::log(45.0));
+    EXPECT_EQ(cost_of_no_place(7, 7.0), 0.0);
+}
+
 TEST(PlaceRows, KnowsARowOfTheMapAgain) {
     RandomMap map(100, 4, 2, 5.0);
     // In the units before centring, to the bit.

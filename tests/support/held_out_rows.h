@@ -18,7 +18,7 @@ namespace ovik::test {
 /// mean over these and over the genes, for places found in several ways.
 struct HeldOutDistances {
     double placed = 0.0;
-    /// The cheaper of the two places from which each sets out.
+    /// The cheapest of the places from which each may set out.
     double start = 0.0;
     /// The mean of the places of the ten rows that are nearest in the input.
     double mean_of_nearest = 0.0;

@@ -40,7 +40,9 @@ MapModel model_of_random_rows() {
     model.column_means = {10.0, 20.0};
     model.centres = {0.0, 0.0};
     model.input = test::random_values(2 * kRows, 1);
-    model.embedding = test::random_values(2 * kRows, 2, 10.0);
+    for (const double value : model.input) {
+        model.embedding.push_back(10.0 * value);
+    }
     model.largest_nearest_distance = 1.0;
     return model;
 }
@@ -172,6 +174,53 @@ TEST_F(OntoRunTest, TellsOfRowsThatAreKnownEqualOrFarAway) {
     EXPECT_THAT(err_, HasSubstr("1 row (\"old3\") with a name that a row of the map has, too"));
     EXPECT_THAT(err_, HasSubstr("1 row (\"A\") with the very values of a row of the map"));
     EXPECT_THAT(err_, HasSubstr("1 row (\"B\") farther from all rows of the map than any of"));
+}
+
+TEST_F(OntoRunTest, WarnsOfRowsWhoseNeighboursLieApart) {
+    placeRows("gene\theat\tcold\nA\t0.5\t0.25\n");
+    EXPECT_THAT(err_, Not(HasSubstr("nowhere near")));
+    model_.embedding = test::random_values(2 * kRows, 2, 1e5);
+    saveModel();
+    placeRows("gene\theat\tcold\nA\t0.5\t0.25\n");
+    EXPECT_THAT(err_, HasSubstr("warning: 1 row (\"A\") nowhere near the rows of the map that"));
+}
+
+TEST_F(OntoRunTest, ReportsDistancesInTheUnitsOfTheData) {
+    model_.factor = 0.5;
+    model_.input[0] = 100.0;
+    model_.input[1] = 100.0;
+    saveModel();
+    placeRows("gene\theat\tcold\nA\t203\t204\n");
+    EXPECT_THAT(result("new.json"), HasSubstr("\"nearest\":[\"old0\"],\"nearest_distances\":[5]"));
+}
+
+TEST_F(OntoRunTest, WritesNewRowsInOtherFormsToo) {
+    options_.coordinates_tsv = true;
+    options_.coordinates_npy = true;
+    options_.annotated_tsv = true;
+    options_.load.labels_file = directory_.write("labels.txt", "known\n");
+    placeRows("gene\theat\tcold\nA\t0.5\t0.25\n");
+    EXPECT_THAT(result("new_onto.tsv"), HasSubstr("\nA\t"));
+    EXPECT_THAT(result("new_onto.tsv"), Not(HasSubstr("old")));
+    EXPECT_THAT(result("new_onto.npy"), HasSubstr("'shape': (1, 2)"));
+    EXPECT_THAT(result("new_onto_annotated.tsv"), HasSubstr("\tknown\t"));
+    EXPECT_THAT(result("new.json"), HasSubstr("new_onto_annotated.tsv"));
+}
+
+TEST_F(OntoRunTest, RefusesRowsWithoutDirectionByNameOrLeavesThemOut) {
+    const std::string text = "gene\theat\tcold\nA\t0.5\t0.25\nB\t0\t0\n";
+    options_.drops_constant_rows = true;
+    EXPECT_THAT(refusal(text), HasSubstr("is a map by --metric euclidean\nLeave it out."));
+    model_.options.emplace_back("metric", "cosine");
+    saveModel();
+    EXPECT_EQ(placeRows(text), Success);
+    EXPECT_THAT(out_, HasSubstr("1 row without variation left out: \"B\" (line 3); 1 remain"));
+    EXPECT_THAT(result("new_onto.csv"), Not(HasSubstr("\nB,")));
+    EXPECT_THAT(refusal("gene\theat\tcold\nB\t0\t0\n"), HasSubstr("so there is none to place"));
+    options_.drops_constant_rows = false;
+    EXPECT_THAT(refusal(text),
+                HasSubstr("new.tsv: 1 row has no cosine with any other, since all values are 0: "
+                          "\"B\" (line 3)\nLeave such rows out (--constant-rows drop), or place"));
 }
 
 TEST_F(OntoRunTest, FillsInMeansOfTheMapsColumns) {
