@@ -46,8 +46,9 @@ std::optional<Transformations> transformations_of(std::string_view names);
 
 /// Transforms the values, which stay where they are. Means and sums of squares are formed in the
 /// order of rows or columns, in double precision: the same bits for any number of threads. A column
-/// whose values are all equal is not scaled, and is exactly 0 after centring by columns. A row whose
-/// values are all equal, but for rounding, is exactly 0 after centring by rows, scaled or not.
+/// whose values are all equal is not scaled, and is exactly 0 after centring by columns. A row
+/// whose values are all equal, but for rounding, is exactly 0 after centring by rows, scaled or
+/// not.
 ///
 /// @param path    for messages
 /// @param spell   how messages name the options
