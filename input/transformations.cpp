@@ -264,6 +264,7 @@ std::string names_of(const Transformations& transformations) {
     return names;
 }
 
+// NOLINTNEXTLINE(readability-function-size): loops over all combinations
 std::optional<Transformations> transformations_of(std::string_view names) {
     for (const bool log1p : {false, true}) {
         for (const Centring centre : {Centring::None, Centring::Rows, Centring::Columns}) {

@@ -127,6 +127,7 @@ std::vector<double> products_of_coordinates(MatrixView<const double> Y) {
             deviations[d] = Y.row(n)[d] / largest - means[d];
         }
         for (std::size_t i = 0; i < products.size(); ++i) {
+            // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): without columns there are no products
             products[i] += deviations[i / Y.columns] * deviations[i % Y.columns];
         }
     }

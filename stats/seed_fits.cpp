@@ -77,6 +77,7 @@ class SeedFits {
         if (maps.size() > 1 && Y.rows > 1) {
             seeds.agreement = mean_agreement(maps);
         }
+        // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): one of the fits is kept
         std::copy(kept->fit.embedding.begin(), kept->fit.embedding.end(), Y.values);
         FitReport report = std::move(kept->fit.report);
         report.seeds = std::move(seeds);

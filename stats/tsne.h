@@ -101,6 +101,11 @@ class TSNE {
     /// Iterations between two checkpoints, at least 1; the last iteration is always saved. An
     /// embedding that is not finite never is.
     int checkpoint_every = 50;
+
+    /// From how many seeds the embedding is fitted, at least 1: `options.seed` and those that
+    /// follow. The one of lowest cost is kept, and the results are those of a run with its seed.
+    /// Not with checkpoints. See `fit_seeds_into` (stats/seed_fits.h).
+    int seeds = 1;
     /// Where the rows start if `options.start` is `StartKind::Given`: N x no_dims, row-major; NaN
     /// in rows that start among their neighbours.
     std::vector<double> start_places;
@@ -115,10 +120,6 @@ class TSNE {
     /// run searches for its own. See `make_cached_neighbours`.
     std::shared_ptr<CachedNeighbours> cached_neighbours;
 
-    /// From how many seeds the embedding is fitted, at least 1: `options.seed` and those that
-    /// follow. The one of lowest cost is kept, and the results are those of a run with its seed.
-    /// Not with checkpoints. See `fit_seeds_into` (stats/seed_fits.h).
-    int seeds = 1;
     /// Most of these fits that run side by side, each by one thread; 0 for as many as there are
     /// threads.
     std::size_t seeds_at_once = 0;

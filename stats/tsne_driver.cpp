@@ -244,6 +244,7 @@ MatrixView<double> TSNE<T>::makeEmbedding(int no_dims) {
 
 /// Fits the embedding, with the console's lines, checkpoints and the caller's own hook.
 template <typename T>
+// NOLINTNEXTLINE(readability-function-size,readability-function-cognitive-complexity)
 FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     perplexity = options.perplexity;
     requireInput();

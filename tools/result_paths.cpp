@@ -36,6 +36,7 @@ void spare_input(const Options& options, const std::string& result) {
     for (const auto& [option, input] : read_files(options)) {
         std::error_code not_both_there;
         if (!input.empty() && std::filesystem::equivalent(input, result, not_both_there)) {
+            // NOLINTNEXTLINE(performance-inefficient-string-concatenation): before the end
             throw InputError(result + ": this result would take the place of " + option +
                              "\nGive the results another place or name (--out-dir, --name, "
                              "--suffix, or the option of this one).");
