@@ -22,10 +22,6 @@ constexpr double kLargest = 1e300;
 /// what programs that compute in single precision leave.
 constexpr double kAsymmetry = 1e-4;
 
-bool is_nearer(const NearRow& a, const NearRow& b) {
-    return std::tie(a.distance, a.row) < std::tie(b.distance, b.row);
-}
-
 /// Checks neighbours that are given, and says where they stand.
 class GivenNeighbours {
   public:

@@ -11,6 +11,7 @@
 #include "neighbours/neighbour_search.h"
 #include "stats/elementwise.h"
 #include "stats/leading_eigenvectors.h"
+#include "stats/median.h"
 #include "util/format.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
@@ -22,14 +23,6 @@ namespace {
 
 bool has_place(MatrixView<const double> places, std::size_t n) {
     return !std::isnan(places.row(n)[0]);
-}
-
-/// The middle one of some values, or the mean of the two in the middle; sorts them.
-double median(std::vector<double>& values) {
-    std::sort(values.begin(), values.end());
-    const std::size_t upper = values.size() / 2;
-    const std::size_t lower = (values.size() - 1) / 2;
-    return lower == upper ? values[upper] : (values[lower] + values[upper]) / 2.0;
 }
 
 /// Writes the median place of some rows.

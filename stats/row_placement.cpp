@@ -10,10 +10,12 @@
 #include <utility>
 
 #include "neighbours/metric.h"
+#include "neighbours/near_row.h"
 #include "neighbours/neighbour_search.h"
-#include "stats/bandwidth_search.h"
 #include "stats/centring.h"
 #include "stats/kernels/descent_step.h"
+#include "stats/median.h"
+#include "stats/row_affinities.h"
 #include "stats/row_metric.h"
 #include "util/counted.h"
 #include "util/input_error.h"
@@ -24,19 +26,6 @@
 namespace ovik {
 
 namespace {
-
-/// Attempts at the bandwidth, as the sparse affinities of a map have them.
-constexpr int kBandwidthAttempts = 200;
-
-/// A row of the map, and how far it is from the row that is placed.
-struct Near {
-    double distance;
-    std::uint32_t row;
-
-    bool operator<(const Near& other) const {
-        return distance != other.distance ? distance < other.distance : row < other.row;
-    }
-};
 
 /// How many rows of a map have affinities to a further one.
 std::size_t affinity_count(double perplexity, std::size_t rows) {
@@ -49,56 +38,39 @@ std::size_t affinity_count(double perplexity, std::size_t rows) {
 void find_nearest(const FinishedMap& map,
                   std::span<const double> row,
                   std::size_t count,
-                  std::vector<Near>& nearest) {
+                  std::vector<NearRow>& nearest) {
     const Metric& metric = euclidean_metric();
     nearest.clear();
     for (std::size_t j = 0; j < map.input.rows; ++j) {
         const double distance =
             metric.distance(row.data(), map.input.row(j).data(), map.input.columns);
         if (std::isfinite(distance)) {
-            nearest.push_back({distance, static_cast<std::uint32_t>(j)});
+            nearest.push_back({static_cast<std::uint32_t>(j), distance});
         }
     }
     const auto end = nearest.begin() + static_cast<std::ptrdiff_t>(std::min(count, nearest.size()));
-    std::partial_sort(nearest.begin(), end, nearest.end());
+    std::partial_sort(nearest.begin(), end, nearest.end(), is_nearer);
     nearest.erase(end, nearest.end());
 }
 
 /// Conditional affinities to the rows that are nearest.
-std::vector<double> affinities_to(std::span<const Near> nearest, double perplexity) {
-    std::vector<double> squared_distances(nearest.size());
+std::vector<double> affinities_to(std::span<const NearRow> nearest, double perplexity) {
     std::vector<double> p(nearest.size());
-    for (std::size_t m = 0; m < nearest.size(); ++m) {
-        squared_distances[m] = nearest[m].distance * nearest[m].distance;
-    }
-    const auto fill = [&](double beta) {
-        for (std::size_t m = 0; m < nearest.size(); ++m) {
-            const double distance = nearest[m].distance;
-            p[m] = std::exp(((-beta) * distance) * distance);
-        }
-    };
-    const CalibratedPoints points{squared_distances, p.data(), p.size()};
-    calibrate_similarities(points, perplexity, kBandwidthAttempts, 1.0, fill);
+    CalibratedRows calibrated({{perplexity, nearest.size()}});
+    calibrated.prepare(1, nearest.size());
+    calibrated.fill(nearest, p.data(), 0);
     return p;
 }
 
-/// The middle one of some numbers, or the mean of the two in the middle.
-double median_of(std::vector<double>& numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    const std::size_t middle = numbers.size() / 2;
-    return numbers.size() % 2 == 1 ? numbers[middle]
-                                   : 0.5 * (numbers[middle - 1] + numbers[middle]);
-}
-
 /// The place from which a row sets out.
-std::vector<double> start_amidst(std::span<const Near> nearest, MatrixView<const double> Y) {
+std::vector<double> start_amidst(std::span<const NearRow> nearest, MatrixView<const double> Y) {
     std::vector<double> start(Y.columns);
     std::vector<double> coordinates(nearest.size());
     for (std::size_t d = 0; d < Y.columns; ++d) {
         for (std::size_t m = 0; m < nearest.size(); ++m) {
             coordinates[m] = Y.row(nearest[m].row)[d];
         }
-        start[d] = median_of(coordinates);
+        start[d] = median(coordinates);
     }
     return start;
 }
@@ -106,7 +78,7 @@ std::vector<double> start_amidst(std::span<const Near> nearest, MatrixView<const
 /// The cost of a place on the map, and its gradient.
 class PlaceCost {
   public:
-    PlaceCost(MatrixView<const double> Y, std::span<const Near> nearest, std::vector<double> p)
+    PlaceCost(MatrixView<const double> Y, std::span<const NearRow> nearest, std::vector<double> p)
         : Y_(Y),
           nearest_(nearest),
           p_(std::move(p)),
@@ -167,7 +139,7 @@ class PlaceCost {
     }
 
     MatrixView<const double> Y_;
-    std::span<const Near> nearest_;
+    std::span<const NearRow> nearest_;
     std::vector<double> p_;
     std::vector<double> attraction_;
     std::vector<double> repulsion_;
@@ -248,9 +220,9 @@ Place descend(PlaceCost& place_cost,
 /// beside each of them.
 std::vector<Place> starts_of(PlaceCost& place_cost,
                              MatrixView<const double> Y,
-                             std::span<const Near> nearest) {
+                             std::span<const NearRow> nearest) {
     std::vector<Place> starts{{start_amidst(nearest, Y), 0.0}};
-    for (const Near& near : nearest) {
+    for (const NearRow& near : nearest) {
         const std::span<const double> own = Y.row(near.row);
         starts.push_back({{own.begin(), own.end()}, 0.0});
     }
@@ -270,7 +242,7 @@ std::vector<Place> starts_of(PlaceCost& place_cost,
 Place cheapest_place(PlaceCost& place_cost,
                      MatrixView<const double> Y,
                      const Box& box,
-                     std::span<const Near> nearest,
+                     std::span<const NearRow> nearest,
                      const PlacementDescent& descent) {
     const std::size_t count = std::min(descent.start_neighbours, nearest.size());
     const std::vector<Place> starts = starts_of(place_cost, Y, nearest.first(count));
@@ -337,14 +309,14 @@ PlacedRows place_rows(const FinishedMap& map,
     const Box box = box_of(map.embedding);
     parallel_for_each(rows.rows, 1, [&](std::size_t n) {
         const std::span<const double> row(scaled.data() + n * rows.columns, rows.columns);
-        std::vector<Near> nearest;
+        std::vector<NearRow> nearest;
         find_nearest(map, row, std::max(wanted, descent.start_neighbours), nearest);
         if (nearest.empty()) {
             placed.nearest_distances[n] = HUGE_VAL;
             return;
         }
-        const std::span<const Near> near(nearest);
-        const std::span<const Near> weighed = near.first(std::min(wanted, near.size()));
+        const std::span<const NearRow> near(nearest);
+        const std::span<const NearRow> weighed = near.first(std::min(wanted, near.size()));
         PlaceCost cost(map.embedding, weighed, affinities_to(weighed, map.perplexity));
         const Place place = cheapest_place(cost, map.embedding, box, near, descent);
         placed.costs[n] = place.cost;

@@ -1,6 +1,5 @@
 #include "input/distance_matrix.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -9,11 +8,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/lettered_matrix.h"
 #include "tests/support/refusal.h"
 
 namespace ovik {
 namespace {
 
+using test::lettered_matrix;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -23,20 +24,6 @@ std::string refusal(const std::vector<double>& values,
     return test::refusal_of([&] {
         check_distance_matrix({values.data(), values.size() / columns, columns}, words);
     });
-}
-
-/// A matrix from a file, with the names "A", "B" and so on, on every second line.
-InspectedMatrix matrix_of(const std::vector<double>& values, std::size_t columns) {
-    InspectedMatrix matrix;
-    matrix.report.rows = values.size() / columns;
-    matrix.report.columns = columns;
-    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
-        matrix.row_names.emplace_back(1, static_cast<char>('A' + n));
-        matrix.row_lines.push_back(2 * n + 2);
-    }
-    matrix.values.reset(new double[values.size()]);
-    std::copy(values.begin(), values.end(), matrix.values.get());
-    return matrix;
 }
 
 std::string refusal(const InspectedMatrix& matrix) {
@@ -61,7 +48,7 @@ TEST(DistanceMatrix, MayBeOffByRounding) {
 TEST(DistanceMatrix, IsSquare) {
     EXPECT_THAT(refusal({0, 1, 2, 1, 0, 3}, 3),
                 StartsWith("2 rows and 3 columns: a matrix of distances is square\n"));
-    EXPECT_THAT(refusal(matrix_of({0, 1, 2, 1, 0, 3}, 3)), StartsWith("d.tsv: 2 rows and 3"));
+    EXPECT_THAT(refusal(lettered_matrix({0, 1, 2, 1, 0, 3}, 3)), StartsWith("d.tsv: 2 rows and 3"));
 }
 
 TEST(DistanceMatrix, IsRefusedWithRowColumnAndValues) {
@@ -90,19 +77,19 @@ TEST(DistanceMatrix, HasNoDistanceBesideWhichTheOthersAreNothing) {
     EXPECT_THAT(refusal(with_pair(1.1e20), 4),
                 StartsWith("row 0, column 3, both counted from 0: the distance is 1.1e+20, beside "
                            "which the others are as good as 0: rows have their nearest at 1\n"));
-    EXPECT_THAT(refusal(matrix_of(with_pair(1e30), 4)),
+    EXPECT_THAT(refusal(lettered_matrix(with_pair(1e30), 4)),
                 StartsWith("d.tsv:2: row 1 (\"A\"), column 4 (\"D\"): the distance is 1e+30"));
     // What rounding leaves between rows that are equal says nothing of the others.
     EXPECT_EQ(refusal({0, 1e-30, 1, 2, 1e-30, 0, 1, 2, 1, 1, 0, 2, 2, 2, 2, 0}, 4), "");
 }
 
 TEST(DistanceMatrix, FromAFileIsRefusedWithLineAndNames) {
-    EXPECT_THAT(refusal(matrix_of({0, 1, 2, 1, 0, 3, 2, 4, 0}, 3)),
+    EXPECT_THAT(refusal(lettered_matrix({0, 1, 2, 1, 0, 3, 2, 4, 0}, 3)),
                 StartsWith("d.tsv:6: row 3 (\"C\"), column 2 (\"B\"): the distance is 4, and 3"));
 }
 
 TEST(DistanceMatrix, HasTheRowsInTheOrderOfTheColumns) {
-    InspectedMatrix matrix = matrix_of({0, 1, 2, 1, 0, 3, 2, 3, 0}, 3);
+    InspectedMatrix matrix = lettered_matrix({0, 1, 2, 1, 0, 3, 2, 3, 0}, 3);
     EXPECT_EQ(refusal(matrix), "");
     matrix.column_names = {"A", "B", "C"};
     EXPECT_EQ(refusal(matrix), "");

@@ -1,6 +1,5 @@
 #include "input/missing_values.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -10,33 +9,23 @@
 
 #include "util/input_error.h"
 
+#include "tests/support/lettered_matrix.h"
+
 namespace ovik {
 namespace {
 
+using test::values_of;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 const double kMissing = std::nan("");
 
-/// Rows "A", "B" and so on of two columns, on every second line.
+/// Rows of two columns.
 InspectedMatrix matrix_of(const std::vector<double>& values) {
-    InspectedMatrix matrix;
-    matrix.report.rows = values.size() / 2;
-    matrix.report.columns = 2;
+    InspectedMatrix matrix = test::lettered_matrix(values, 2);
     matrix.column_fields = {2, 3};
-    for (std::size_t n = 0; n < matrix.report.rows; ++n) {
-        matrix.row_names.emplace_back(1, static_cast<char>('A' + n));
-        matrix.row_lines.push_back(2 * n + 2);
-    }
-    matrix.values.reset(new double[values.size()]);
-    std::copy(values.begin(), values.end(), matrix.values.get());
     return matrix;
-}
-
-std::vector<double> values_of(const InspectedMatrix& matrix) {
-    const double* const values = matrix.values.get();
-    return {values, values + matrix.report.rows * matrix.report.columns};
 }
 
 void treat(MissingPolicy policy, InspectedMatrix& matrix, std::vector<std::string>& labels) {
