@@ -9,7 +9,7 @@
 import { createHash } from 'node:crypto';
 import { readFile, writeFile } from 'node:fs/promises';
 import { fileURLToPath } from 'node:url';
-import { build, transform } from 'esbuild';
+import { build } from 'esbuild';
 
 const PAGE = path('page.html');
 const PLACEHOLDERS = ['{{page-title}}', '{{chart-data}}'];
@@ -36,8 +36,8 @@ async function bundleScript() {
 }
 
 async function minifyStyle() {
-  const { code } = await transform(await readFile(path('style.css'), 'utf8'), { loader: 'css', minify: true });
-  return code.trim();
+  const { outputFiles } = await build({ entryPoints: [path('style.css')], bundle: true, write: false, minify: true });
+  return outputFiles[0].text.trim();
 }
 
 function hashOf(text) {
