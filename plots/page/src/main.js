@@ -4,11 +4,10 @@ import { createChart } from './chart.js';
 import { createMarker } from './marker.js';
 import { createModel } from './model.js';
 import { createStore } from './state.js';
-import { followBrush } from './brush.js';
 import { followKeyboard } from './keyboard.js';
 import { followPointer } from './pointer.js';
 import { followStatus } from './status.js';
-import { placeLegend } from './stage.js';
+import { fillWindow, placeLegend } from './stage.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
@@ -21,6 +20,7 @@ import { showSelection } from './selection.js';
 import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
+import { showDensityScale } from './view_options.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
 import { shareOf, windowAt } from './windows.js';
 
@@ -39,6 +39,11 @@ function firstState(model) {
     selection: new Int32Array(0),
     theme: preferredTheme(),
     tool: 'move',
+    coordinates: false,
+    shading: false,
+    contours: false,
+    pointSize: 1,
+    pointOpacity: 1,
   };
 }
 
@@ -70,22 +75,26 @@ function start() {
   const choose = chooser(chart, model, store);
   createMarker(chart, model, store);
   followPointer(chart, model, store);
-  followBrush(chart, model, store);
   printLight(chart, store);
   followKeyboard(part('chart-frame'), chart, model, store);
   showToolbar(part('toolbar'), chart, model, store, (kind) => savePicture(kind, chart, model, store));
   showLegend(part('legend'), chart, model, store);
   showSpotlight(chart, model, store);
-  placeLegend(part('stage'), part('legend'), chart, dataset.layout);
+  const moveLegend = placeLegend(part('stage'), part('legend'), chart, dataset.layout);
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
   showSelection(part('selection'), model, store, choose, say);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
+  fillWindow(part('stage'), part('help'), chart, () => {
+    chart.resize();
+    moveLegend();
+  });
+  showDensityScale(part('density-scale'), chart);
   window.ovikPage = Object.freeze({
     view: chart.view,
     pixelOf: chart.pixelOf,
-    look: () => ({ ...chart.look() }),
+    look: chart.look,
   });
   document.documentElement.dataset.ready = 'true';
 }
