@@ -2,7 +2,7 @@
 
 import { button, dataText, debounced, el } from './dom.js';
 import { formatCount } from './format.js';
-import { shortened } from './short_labels.js';
+import { cutApart } from './short_labels.js';
 import { swatch } from './swatch.js';
 
 /** Longer legends have a box to find labels. */
@@ -75,7 +75,7 @@ export function isolated(shown, category) {
  */
 export function createLabelLegend({ list }, styles, store) {
   const whole = createWhole();
-  const short = shortened(list.map(({ text }) => text), LONGEST);
+  const short = cutApart(list.map(({ text }) => text), LONGEST);
   const setShown = (shown) => store.set({ shown: Uint8Array.from(shown) });
 
   const pointSoon = debounced((category) => store.set({ spotlight: category }), POINTING_MILLISECONDS);

@@ -3,6 +3,7 @@
 import { canvasPen, shortened, svgPen } from './pen.js';
 import { axisRoom } from './axes.js';
 import { categoryOf } from './layers.js';
+import { cutApart } from './short_labels.js';
 import { createLister, drawFront, drawGround, hasGround, marksOf, neededDensity, wantedLook } from './scene.js';
 import { createPixelPrinter } from './pixel_points.js';
 import { contains, fitWindow } from './windows.js';
@@ -120,6 +121,17 @@ function drawPoints(pen, { list, marks, view, plot }) {
   });
 }
 
+/** So many characters of a label have room in any case. */
+const SHORT_LABEL = 18;
+
+/** The labels as far as `width` pixels hold them; those that are alike then are cut where they differ. */
+function legendTexts(texts, width) {
+  const short = texts.map((text) => shortened(text, width, LEGEND_SIZE));
+  const isAlike = (text, index) => short.indexOf(text) !== index || short.lastIndexOf(text) !== index;
+  const apart = short.some(isAlike) ? cutApart(texts, SHORT_LABEL) : short;
+  return short.map((text, index) => (isAlike(text, index) ? shortened(apart[index], width, LEGEND_SIZE) : text));
+}
+
 /** Draws the legend and returns how many of the labels in view it names, and of how many. */
 function drawLegend(pen, model, { state, list, view, plot, ink, layout, margins }) {
   const categories = model.categoriesOf(state);
@@ -128,12 +140,15 @@ function drawLegend(pen, model, { state, list, view, plot, ink, layout, margins 
   const named = namedOf(present, categories.scale, categories.scale ? MOST_LEVELS : MOST_ENTRIES);
   const styles = model.stylesOf(state);
   const left = PICTURE.width - margins[1] + LEGEND_GAP;
+  const texts = legendTexts(
+    named.map((category) => drawableText(categories.list[category].text)),
+    layout.legendWidth - LEGEND_MARK,
+  );
   named.forEach((category, row) => {
     const { colour, shape } = styles[category];
     const middle = plot.top + LEGEND_MARK / 2 + row * LEGEND_STEP;
     pen.mark({ colour, shape, size: LEGEND_MARK - 2, opacity: 1, edge: null, halo: null }, left + LEGEND_MARK / 2, middle);
-    const text = shortened(drawableText(categories.list[category].text, 60), layout.legendWidth - LEGEND_MARK, LEGEND_SIZE);
-    pen.text(text, left + LEGEND_MARK + 6, middle + 4, { size: LEGEND_SIZE, fill: ink.text });
+    pen.text(texts[row], left + LEGEND_MARK + 6, middle + 4, { size: LEGEND_SIZE, fill: ink.text });
   });
   return categories.scale || named.length === present.length ? null : { named: named.length, present: present.length };
 }
