@@ -33,6 +33,9 @@ struct QuantisedMatrix {
     std::string filled;
 };
 
+/// Most bytes of codes that a chart page takes; as text they are a third more.
+inline constexpr std::size_t kMostPageBytes = 8'000'000;
+
 /// Brings values into that form.
 ///
 /// @param values   rows x columns; those of a column no farther apart than `double` reaches

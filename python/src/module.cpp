@@ -219,6 +219,22 @@ Array place(const Array& X, const Array& embedding, const py::dict& map, int thr
     return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
 }
 
+/// @throws std::invalid_argument if there are too many values for a page
+QuantisedMatrix matrix_of_page(const py::dict& form) {
+    const auto values = form["values"].cast<Array>();
+    const int bits = form["bits"].cast<int>();
+    const MatrixView<const double> view = view_of(values);
+    if (view.size() * static_cast<std::size_t>(bits / 8) > kMostPageBytes) {
+        const std::size_t most = kMostPageBytes / static_cast<std::size_t>(bits / 8);
+        throw std::invalid_argument(
+            "the matrix has " + std::to_string(view.size()) + " values, and a page takes up to " +
+            std::to_string(most) +
+            (bits == 16 ? ", or twice as many with page_data=\"small\"" : "") +
+            "\nLeave matrix out, or give fewer columns.");
+    }
+    return quantised(view, form["columns"].cast<std::vector<std::string>>(), bits);
+}
+
 std::string page(const Array& map, const py::dict& texts) {
     PageTexts shown;
     shown.title = texts["title"].cast<std::string>();
@@ -227,6 +243,10 @@ std::string page(const Array& map, const py::dict& texts) {
     shown.labels = texts["labels"].cast<std::vector<std::string>>();
     shown.functions = texts["functions"].cast<std::vector<std::string>>();
     shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
+    shown.metric = texts["metric"].cast<std::string>();
+    if (!texts["matrix"].is_none()) {
+        shown.matrix = matrix_of_page(texts["matrix"].cast<py::dict>());
+    }
     return map_page(view_of(map), shown);
 }
 

@@ -29,6 +29,8 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     chart.names = table.names;
     chart.groups = table.groups;
     chart.functions = table.functions;
+    chart.matrix = texts.matrix ? &*texts.matrix : nullptr;
+    chart.metric = texts.metric;
     return chart_page(chart);
 }
 
