@@ -31,7 +31,7 @@ function createPainter(element, model, store, frame, viewport) {
 
   const points = () => model.pointsOf(store.get());
   const visibleCount = () => countInWindow(points(), viewport.view());
-  const front = createOverlays(element, () => ({ plot: frame.plot() }), false);
+  const front = createOverlays(element, () => ({ plot: frame.plot() }), 'axes', false);
 
   function fitLook() {
     const wanted = wantedLook(visibleCount(), store.get());
@@ -147,8 +147,8 @@ export function createChart(element, model, store) {
   }
 
   const scene = () => ({ pixelOf, plot: frame.plot(), ink: inkOf(store.get().theme) });
-  const overlays = createOverlays(element, scene);
-  const marker = createOverlays(element, scene);
+  const overlays = createOverlays(element, scene, 'drawings');
+  const marker = createOverlays(element, scene, 'marker');
 
   const settleSoon = debounced(() => {
     for (const listener of settled) listener();
