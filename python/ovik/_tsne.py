@@ -22,6 +22,7 @@ from ._input import (
 from ._matrix import Matrix
 from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out, require_fitted
 from ._parameters import DESCRIPTIONS, FitParameters
+from ._placement import warn_of_distant
 from ._settings import (
     PRESETS,
     is_default,
@@ -205,6 +206,12 @@ class TSNE(FitParameters):
         ndarray of shape (n_rows, n_components)
             The places; after ``set_output(transform="pandas")`` a data frame with the index of X.
 
+        Warns
+        -----
+        UserWarning
+            Of rows that are farther from all rows of the fit than any of these from its nearest, and of
+            rows for which no place is better than one infinitely far away: such places mean nothing.
+
         Raises
         ------
         ValueError
@@ -225,7 +232,11 @@ class TSNE(FitParameters):
             given, self.n_features_in_, getattr(self, "feature_names_in_", None)
         )
         check_finite(values)
-        places = _core.place(values, self.embedding_, self._map, thread_count(self.n_jobs))
+        threads = thread_count(self.n_jobs)
+        places, distances, is_lost = _core.place(values, self.embedding_, self._map, threads)
+        if "reach" not in self._map:
+            self._map["reach"] = _core.reach(self._map["input"], threads)
+        warn_of_distant(given.index, distances, self._map["reach"], is_lost)
         result: NDArray[np.float64] = contained(
             places, container, given.index, self.get_feature_names_out()
         )
@@ -322,7 +333,7 @@ class TSNE(FitParameters):
         outcome = _core.embed(given.values, options, manner)
         # Warnings come last: where they are errors, the embedding is not lost.
         self._take_over(given, options, outcome)
-        for note in (outcome["note"], outcome["neighbours_note"]):
+        for note in (outcome["note"], outcome["neighbours_note"], outcome["start_note"]):
             if note:
                 warnings.warn(note, stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:

@@ -127,6 +127,7 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,
         "note"_a = outcome.threads_note,
+        "start_note"_a = report.start_remark,
         "neighbours_note"_a = outcome.neighbours_note);
 }
 
@@ -201,8 +202,9 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
 }
 
 /// @param map  as `described_map` gave it
-/// @return the places of the rows, rows x output dimensions
-Array place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
+/// @return the places of the rows, rows x output dimensions, how far each is from the nearest row
+/// of the map, and whether its place is no better than one infinitely far away
+py::tuple place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
     const auto input = map["input"].cast<Array>();
     const InputScale scale{map["centres"].cast<std::vector<double>>(),
                            map["factor"].cast<double>()};
@@ -216,7 +218,24 @@ Array place(const Array& X, const Array& embedding, const py::dict& map, int thr
         set_thread_count(threads);
         return place_rows(finished, rows);
     });
-    return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
+    const double nowhere = cost_of_no_place(finished.input.rows, finished.perplexity);
+    std::vector<bool> is_lost;
+    for (const double cost : placed.costs) {
+        is_lost.push_back(cost >= nowhere);
+    }
+    return py::make_tuple(Array({X.shape(0), embedding.shape(1)}, placed.embedding.data()),
+                          Array(static_cast<py::ssize_t>(placed.nearest_distances.size()),
+                                placed.nearest_distances.data()),
+                          is_lost);
+}
+
+/// The largest distance of a row of a fit from its nearest.
+double reach(const Array& input, int threads) {
+    const MatrixView<const double> rows = view_of(input);
+    return in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        set_thread_count(threads);
+        return largest_nearest_distance(rows);
+    });
 }
 
 std::string page(const Array& map, const py::dict& texts) {
@@ -309,6 +328,7 @@ PYBIND11_MODULE(_core, module) {
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
     module.def(
         "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
+    module.def("reach", ovik::python::reach, "input"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();

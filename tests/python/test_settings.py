@@ -82,6 +82,12 @@ def test_start_is_where_the_map_begins(points):
     assert not np.array_equal(moved.embedding_, fit(points, theta=0.0).embedding_)
 
 
+def test_start_of_places_far_apart_is_warned_of(points):
+    start = np.random.default_rng(3).normal(size=(90, 2)) * 1e4
+    with pytest.warns(UserWarning, match="^the places of the start lie up to .* from their mean"):
+        fit(points, init=start, n_iter=1)
+
+
 def test_start_finds_rows_by_name(points):
     pd = pytest.importorskip("pandas")
     start = np.random.default_rng(4).normal(scale=10, size=(90, 2))
