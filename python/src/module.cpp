@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -105,6 +106,22 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
                     "barring"_a = barring);
 }
 
+/// What fits of several seeds came to: seed and cost of each, disparity and shared neighbours of
+/// their maps, NaN where there are none; None of one seed.
+py::object described_seeds(const std::optional<SeedReport>& seeds) {
+    if (!seeds) {
+        return py::none();
+    }
+    py::list runs;
+    for (const SeedRun& run : seeds->runs) {
+        runs.append(py::make_tuple(run.seed, run.final_cost));
+    }
+    const double none = std::nan("");
+    return py::make_tuple(runs,
+                          seeds->agreement ? seeds->agreement->disparity : none,
+                          seeds->agreement ? seeds->agreement->shared_neighbours : none);
+}
+
 /// What became of a fit, by name.
 ///
 /// @param outcome  its input is taken
@@ -119,6 +136,8 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "cost"_a = report.final_cost,
         "costs"_a = Array(static_cast<py::ssize_t>(report.costs.size()), report.costs.data()),
         "iteration"_a = report.reached.iteration,
+        "seed"_a = outcome.seed,
+        "seeds"_a = described_seeds(report.seeds),
         "learning_rate"_a = outcome.learning_rate,
         "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
@@ -168,7 +187,7 @@ MatrixView<const double> view_of(const Array& array) {
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
-///                callback (a function or None), callback_every, keeps_interrupted
+///                callback (a function or None), callback_every, keeps_interrupted, seeds
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points = view_of(X);
     const FitOptions options = settled_options(arguments);
@@ -183,6 +202,7 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
         given_neighbours(manner["neighbours"], points.rows);
     chosen.neighbours = neighbours ? &*neighbours : nullptr;
     chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
+    chosen.seeds = manner["seeds"].cast<int>();
     chosen.callback_every = manner["callback_every"].cast<int>();
     chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();
     WaitingThread waiting(chosen.keeps_interrupted);
