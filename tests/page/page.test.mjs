@@ -414,7 +414,7 @@ describe('colourings', () => {
 
   test('one alone needs no choice', async () => {
     page = await browser.open(smallData({ labelColumns: LABEL_COLUMNS.slice(1) }));
-    assert.equal(await page.locator('#colouring').count(), 0);
+    assert.equal(await page.locator('#colouring').isVisible(), false);
     assert.equal(await text('#legend h2'), 'half-life <min>');
     assert.equal(await text('.lead'), '7 genes; genes that behave alike lie close together.');
   });

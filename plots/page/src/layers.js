@@ -17,7 +17,7 @@ export function shuffleStep(count) {
 
 /** How low each category lies: those of one number are drawn at once, from 0 upwards. */
 function depths({ list, scale }) {
-  const isGrey = (category) => list[category].grey === true;
+  const isGrey = (category) => list[category].grey;
   // Steps of a scale are no groups: which of them are rare says nothing.
   if (scale) return Int32Array.from(list, (_, category) => (isGrey(category) ? 0 : 1));
   const order = Array.from(list.keys()).sort((a, b) =>
