@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { after, afterEach, before, describe, test } from 'node:test';
-import { cloudData, LABEL_COLUMNS, makeData, screenPlace, smallData, startBrowser, until } from './support.mjs';
+import { readFile } from 'node:fs/promises';
+import { AXE_FILE, cloudData, LABEL_COLUMNS, makeData, screenPlace, smallData, startBrowser, until } from './support.mjs';
 
 let browser;
 let page;
@@ -206,6 +207,12 @@ describe('how points look', () => {
     assert.equal(await page.locator('#pointSize').getAttribute('aria-valuetext'), '200 %');
     assert.notEqual(await picture(), fresh);
     await page.check('text=Numbers on the axes');
+    await page.evaluate(await readFile(AXE_FILE, 'utf8'));
+    for (const theme of ['light', 'dark']) {
+      const { violations } = await page.evaluate(() => window.axe.run());
+      assert.deepEqual(violations.map(({ id }) => id), [], theme);
+      if (theme === 'light') await page.locator('#theme').evaluate((button) => button.click());
+    }
     const numbers = ticks(await svgText());
     assert.ok(['-20', '0', '20'].every((tick) => numbers.includes(tick)), numbers.join());
   });
