@@ -13,6 +13,7 @@ import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
 import { showDetails } from './details.js';
+import { showExpression } from './expression_panels.js';
 import { showFooter } from './footer.js';
 import { showHelp } from './help.js';
 import { showLegend } from './legend.js';
@@ -77,6 +78,7 @@ function start() {
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
   showSelection(part('selection'), model, store, choose, say);
+  showExpression(part, chart, model, store, choose, say);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   window.ovikPage = Object.freeze({

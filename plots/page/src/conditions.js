@@ -1,0 +1,71 @@
+/** The panel of conditions in which the selection differs most from all other genes. */
+
+import { button, dataText, debounced, el } from './dom.js';
+import { columnValues, createContrasts } from './condition_contrasts.js';
+import { counted, formatCount } from './format.js';
+
+const MOST_LISTED = 100;
+const PAUSE_MILLISECONDS = 40;
+
+const CIRCLE = 'A selection that was drawn on the map follows the same values: that it differs is how it was made, no test of a hypothesis. '
+  + 'No p-values are given for that reason.';
+
+function conditionRow(columns, { column, inside, outside, auc, z }, { colourBy, format }) {
+  const name = button('', () => colourBy(column), { class: 'quiet gene-link', title: 'Colour the map by this condition' });
+  name.append(dataText(columns[column]));
+  return el('tr', {}, el('th', { scope: 'row' }, name),
+    ...[format(inside), format(outside), auc.toFixed(3), z.toFixed(1)].map((text) => el('td', { class: 'number' }, text)));
+}
+
+function headRow() {
+  const titles = [
+    ['Condition', ''],
+    ['Mean', 'Mean of the selection'],
+    ['Rest', 'Mean of all other genes'],
+    ['AUC', 'Chance that a selected gene has a larger value than another one; 0.5 is no difference'],
+    ['z', 'Mann and Whitney: standard deviations from no difference, corrected for ties'],
+  ];
+  return el('tr', {}, ...titles.map(([text, title], index) =>
+    el('th', { scope: 'col', class: index > 0 && 'number', title: title || undefined }, text)));
+}
+
+/** Fills the panel and keeps it true. `format(value)` writes a value. */
+export function showConditions(element, model, store, format) {
+  const { expression } = model.dataset;
+  const contrasts = createContrasts(expression);
+  const hint = el('p', { class: 'hint' }, 'Select genes to see in which conditions they differ most from all others.');
+  const lead = el('p', { class: 'counts' });
+  const rows = el('tbody');
+  const body = el('div', {},
+    lead,
+    el('div', { class: 'table-frame', tabindex: 0, role: 'region', 'aria-label': 'Conditions' },
+      el('table', { class: 'conditions' }, el('thead', {}, headRow()), rows)),
+    el('p', { class: 'caution' }, CIRCLE));
+  element.append(el('h2', {}, 'Where the selection differs'), hint, body);
+
+  function colourBy(column) {
+    const numbers = columnValues(expression, column);
+    const labels = Array.from(numbers, (value) => (Number.isNaN(value) ? '' : format(value)));
+    store.set(model.colouredBy(model.addColouring({ title: expression.columns[column], labels, numbers, diverging: true })));
+  }
+
+  function leadText(selected, found) {
+    if (found.length === 0) return 'Either the selection or the rest has no value.';
+    const rest = expression.rows - selected;
+    const cut = found.length > MOST_LISTED ? ` The first ${formatCount(MOST_LISTED)} of ${counted(found.length, 'condition')}.` : '';
+    return `${counted(selected, 'gene')} against ${counted(rest, 'other')}, the clearest difference first.${cut}`;
+  }
+
+  function update() {
+    const { selection } = store.get();
+    hint.hidden = selection.length > 0;
+    body.hidden = selection.length === 0;
+    if (body.hidden) return;
+    const found = contrasts(selection);
+    lead.textContent = leadText(selection.length, found);
+    rows.replaceChildren(...found.slice(0, MOST_LISTED).map((each) => conditionRow(expression.columns, each, { colourBy, format })));
+  }
+
+  store.listen(['selection'], debounced(update, PAUSE_MILLISECONDS));
+  update();
+}

@@ -1,0 +1,88 @@
+/** The genes that are nearest to the focused one in the data, and lines to them on the map. */
+
+import { button, dataText, el } from './dom.js';
+import { nameOf } from './dataset.js';
+
+const NEIGHBOURS = 10;
+
+const METRIC_NAMES = {
+  euclidean: 'Euclidean distance',
+  pearson: 'correlation distance',
+  cosine: 'cosine distance',
+  spearman: 'rank correlation distance',
+};
+
+function neighbourRow(dataset, { gene, distance, correlation }, { choose, format }) {
+  const name = button('', () => choose(gene), { class: 'quiet gene-link' });
+  name.append(dataText(nameOf(dataset, gene)));
+  return el('tr', {}, el('th', { scope: 'row' }, name),
+    el('td', { class: 'number' }, format(distance)),
+    el('td', { class: 'number' }, Number.isNaN(correlation) ? '' : correlation.toFixed(2)));
+}
+
+function drawLines(context, { pixelOf, ink }, gene, neighbours) {
+  const from = pixelOf(gene);
+  const places = neighbours.map((neighbour) => pixelOf(neighbour.gene)).filter((place) => place.every(Number.isFinite));
+  if (!from.every(Number.isFinite)) return;
+  const stroke = (colour, width) => {
+    context.strokeStyle = colour;
+    context.lineWidth = width;
+    context.beginPath();
+    for (const place of places) {
+      context.moveTo(...from);
+      context.lineTo(...place);
+    }
+    context.stroke();
+  };
+  // A rim in the colour of the paper, so that lines are seen over points of any colour.
+  stroke(ink.surface, 3.5);
+  stroke(ink.text, 1.3);
+  context.fillStyle = ink.text;
+  for (const [x, y] of places) {
+    context.beginPath();
+    context.arc(x, y, 3, 0, 2 * Math.PI);
+    context.fill();
+  }
+}
+
+/**
+ * Fills the element and keeps it true.
+ *
+ * @param {object} ways `choose(gene)` is called for a neighbour that the reader picks, `format(value)` writes a distance
+ */
+export function showTrueNeighbours(element, chart, model, store, ways) {
+  const { dataset } = model;
+  const { expression } = dataset;
+  let neighbours = [];
+  const lines = el('input', { type: 'checkbox', on: { change: chart.repaintOverlays } });
+  lines.checked = true;
+  const rows = el('tbody');
+  const body = el('div', { hidden: true },
+    el('h3', {}, 'Nearest genes in the data'),
+    el('p', { class: 'counts' }, `By ${METRIC_NAMES[expression.metric] ?? 'distance'} over all conditions, wherever the map puts them.`),
+    el('label', { class: 'switch' }, lines, 'Lines to them on the map'),
+    el('table', { class: 'neighbours' },
+      el('thead', {}, el('tr', {}, ...['Name', 'Distance', 'Correlation'].map((title, column) =>
+        el('th', { scope: 'col', class: column > 0 && 'number' }, title)))),
+      rows));
+  element.append(body);
+
+  function update({ focus }) {
+    const hadFocus = rows.contains(document.activeElement);
+    neighbours = focus >= 0 ? expression.nearest(focus, NEIGHBOURS) : [];
+    body.hidden = neighbours.length === 0;
+    rows.replaceChildren(...neighbours.map((neighbour) => neighbourRow(dataset, neighbour, ways)));
+    if (hadFocus) rows.querySelector('button')?.focus();
+    chart.repaintOverlays();
+  }
+
+  chart.addOverlay((context, scene) => {
+    const state = store.get();
+    if (!lines.checked || neighbours.length === 0 || !model.isPlaced(state, state.focus)) return;
+    const { shown } = state;
+    const { of } = model.categoriesOf(state);
+    drawLines(context, scene, state.focus, neighbours.filter(({ gene }) => shown[of[gene]] === 1 && model.isPlaced(state, gene)));
+  });
+  store.listen(['focus'], update);
+  update(store.get());
+}
