@@ -4,7 +4,7 @@ import { meanProfile } from './profiles.js';
 import { rankStatistic, rankValues } from './rank_statistic.js';
 
 /** The values of all genes in a column, NaN where missing. */
-export function columnValues(expression, column) {
+function columnValues(expression, column) {
   return Float64Array.from({ length: expression.rows }, (_, gene) => expression.value(gene, column));
 }
 

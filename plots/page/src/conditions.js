@@ -1,14 +1,14 @@
 /** The panel of conditions in which the selection differs most from all other genes. */
 
 import { button, dataText, debounced, el } from './dom.js';
-import { columnValues, createContrasts } from './condition_contrasts.js';
+import { createContrasts } from './condition_contrasts.js';
 import { counted, formatCount } from './format.js';
 
 const MOST_LISTED = 100;
 const PAUSE_MILLISECONDS = 40;
 
-const CIRCLE = 'A selection that was drawn on the map follows the same values: that it differs is how it was made, no test of a hypothesis. '
-  + 'No p-values are given for that reason.';
+const CIRCLE = 'A selection made on the map was made by these same values, so that it differs is no test of anything: '
+  + 'the numbers describe it, and there are no p-values.';
 
 function conditionRow(columns, { column, inside, outside, auc, z }, { colourBy, format }) {
   const name = button('', () => colourBy(column), { class: 'quiet gene-link', title: 'Colour the map by this condition' });
@@ -36,21 +36,18 @@ export function showConditions(element, model, store, format) {
   const hint = el('p', { class: 'hint' }, 'Select genes to see in which conditions they differ most from all others.');
   const lead = el('p', { class: 'counts' });
   const rows = el('tbody');
+  const table = el('div', { class: 'table-frame', tabindex: 0, role: 'region', 'aria-label': 'Differences by condition' },
+    el('table', { class: 'conditions' }, el('thead', {}, headRow()), rows));
   const body = el('div', {},
     lead,
-    el('div', { class: 'table-frame', tabindex: 0, role: 'region', 'aria-label': 'Conditions' },
-      el('table', { class: 'conditions' }, el('thead', {}, headRow()), rows)),
+    table,
     el('p', { class: 'caution' }, CIRCLE));
   element.append(el('h2', {}, 'Where the selection differs'), hint, body);
 
-  function colourBy(column) {
-    const numbers = columnValues(expression, column);
-    const labels = Array.from(numbers, (value) => (Number.isNaN(value) ? '' : format(value)));
-    store.set(model.colouredBy(model.addColouring({ title: expression.columns[column], labels, numbers, diverging: true })));
-  }
+  const colourBy = (column) => store.set(model.colouredBy(model.colourings.condition(column)));
 
   function leadText(selected, found) {
-    if (found.length === 0) return 'Either the selection or the rest has no value.';
+    if (found.length === 0) return 'There is nothing to compare: the selection or the rest has no values.';
     const rest = expression.rows - selected;
     const cut = found.length > MOST_LISTED ? ` The first ${formatCount(MOST_LISTED)} of ${counted(found.length, 'condition')}.` : '';
     return `${counted(selected, 'gene')} against ${counted(rest, 'other')}, the clearest difference first.${cut}`;
@@ -63,6 +60,7 @@ export function showConditions(element, model, store, format) {
     if (body.hidden) return;
     const found = contrasts(selection);
     lead.textContent = leadText(selection.length, found);
+    table.hidden = found.length === 0;
     rows.replaceChildren(...found.slice(0, MOST_LISTED).map((each) => conditionRow(expression.columns, each, { colourBy, format })));
   }
 

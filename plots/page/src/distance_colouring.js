@@ -1,6 +1,6 @@
 /** Colouring the map by the distance, in the data, to the gene under the pointer. */
 
-import { el } from './dom.js';
+import { dataText, el } from './dom.js';
 import { nameOf } from './dataset.js';
 
 const TITLE = 'Distance to the gene pointed at';
@@ -11,49 +11,59 @@ function distancesTo(expression, gene) {
 }
 
 /**
- * Fills the element with the switch. While it is on, the map takes the colours of whatever gene is pointed at or,
- * without one, focused; off, it has those it had before.
+ * Fills the element with the switch. While it is on, the map is coloured anew for each gene that is pointed at or
+ * focused; off, it has the colours it had before.
  */
-export function showDistanceSwitch(element, model, store, format) {
+export function showDistanceSwitch(element, model, store) {
   const { dataset } = model;
   let before = null;
-  let shownFor = -1;
+  let wanted = -1;
   let frame = 0;
   const box = el('input', { type: 'checkbox', id: 'distance-switch' });
   const who = el('p', { class: 'counts' });
   element.append(el('label', { class: 'switch' }, box, 'Colour by distance in the data to the gene pointed at'), who);
 
-  function colour(gene) {
-    shownFor = gene;
-    const numbers = distancesTo(dataset.expression, gene);
-    const labels = Array.from(numbers, (distance) => (Number.isNaN(distance) ? '' : format(distance)));
-    const index = model.addColouring({ title: TITLE, labels, numbers, diverging: false });
-    store.set(model.colouredBy(index));
-    who.textContent = `Distance to ${nameOf(dataset, gene)}.`;
+  function colour() {
+    frame = 0;
+    if (!box.checked) return;
+    const numbers = distancesTo(dataset.expression, wanted);
+    store.set(model.colouredBy(model.addColouring({ title: TITLE, numbers, diverging: false })));
+    who.replaceChildren('Distance to ', dataText(nameOf(dataset, wanted)));
   }
 
-  function follow() {
-    const { hover, focus } = store.get();
-    const gene = hover >= 0 ? hover : focus;
-    if (!box.checked || gene < 0 || gene === shownFor || frame !== 0) return;
-    frame = requestAnimationFrame(() => {
-      frame = 0;
-      const now = store.get();
-      const latest = now.hover >= 0 ? now.hover : now.focus;
-      if (box.checked && latest >= 0) colour(latest);
-    });
+  /** However fast genes are pointed at, the map is coloured once a frame. */
+  function follow(gene) {
+    if (!box.checked || gene < 0 || gene === wanted) return;
+    wanted = gene;
+    if (frame === 0) frame = requestAnimationFrame(colour);
+  }
+
+  function switchOn() {
+    const { colouring, shown, focus } = store.get();
+    before = { colouring, shown };
+    who.textContent = 'Point at a gene, or go to one.';
+    follow(focus);
+  }
+
+  function switchOff() {
+    wanted = -1;
+    who.textContent = '';
   }
 
   box.addEventListener('change', () => {
-    shownFor = -1;
     if (box.checked) {
-      before = store.get().colouring;
-      who.textContent = 'Point at a gene, or focus one.';
-      follow();
+      switchOn();
     } else {
-      who.textContent = '';
-      store.set(model.colouredBy(before));
+      switchOff();
+      store.set(before);
     }
   });
-  store.listen(['hover', 'focus'], follow);
+  store.listen(['hover'], ({ hover }) => follow(hover));
+  store.listen(['focus'], ({ focus }) => follow(focus));
+  store.listen(['colouring'], (state) => {
+    // The reader has chosen other colours.
+    if (!box.checked || wanted < 0 || model.colouringOf(state).title === TITLE) return;
+    box.checked = false;
+    switchOff();
+  });
 }

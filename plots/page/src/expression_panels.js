@@ -21,7 +21,7 @@ export function showExpression(part, chart, model, store, choose, say) {
   const format = valueFormat(colourReach(model.dataset.expression, false));
   showGeneProfile(profile, model, store, format);
   showTrueNeighbours(neighbours, chart, model, store, { choose, format });
-  showDistanceSwitch(distances, model, store, format);
+  showDistanceSwitch(distances, model, store);
   showHeatMap(part('profiles'), chart, model, store, { choose, say, format });
   showConditions(part('conditions'), model, store, format);
 }

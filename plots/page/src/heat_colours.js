@@ -1,9 +1,9 @@
 /** Colours of values around 0, told apart with any colour vision; what is missing has one of its own. */
 
-// Blue, pale, red in the light theme; on black the middle is dark and the ends are bright.
+// The blue and orange of points that are coloured by numbers; here the middle goes into the surface.
 const STOPS = {
-  light: ['#053061', '#2166ac', '#4393c3', '#92c5de', '#f7f7f7', '#f4a582', '#d6604d', '#b2182b', '#67001f'],
-  dark: ['#a6d8ff', '#6db3f2', '#3d86c6', '#245681', '#1d242c', '#7d4a1f', '#c4711f', '#f09a3e', '#ffd29b'],
+  light: ['#06316b', '#2f78bf', '#a3c8e6', '#f8f7f4', '#f3bd85', '#d9771c', '#7a2f00'],
+  dark: ['#a8dcff', '#4a9fe0', '#235580', '#1d242c', '#7a4a1c', '#dd8428', '#ffd09a'],
 };
 
 const MISSING = { light: '#a9b1b9', dark: '#6c7681' };

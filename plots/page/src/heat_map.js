@@ -15,6 +15,9 @@ const MOST_NAMED = 40;
 const PAUSE_MILLISECONDS = 40;
 const MOST_NAMES_SAID = 3;
 
+/** Before the first line and column, so that the first key leads to these. */
+const NOWHERE = { line: -1, column: -1 };
+
 /** How many genes there are, and what was done to show so many. */
 function leadText({ genes, clustered, columns }, { perLine }) {
   const sentences = [`${counted(genes.length, 'gene')} in ${counted(columns.length, 'condition')}.`];
@@ -92,7 +95,7 @@ function followKeys(frame, cursor, scene, act, choose) {
       event.preventDefault();
       const [down, right] = steps[event.key];
       const columns = scene.get().columns.length;
-      cursor.line = cursor.line < 0 ? 0 : Math.max(0, Math.min(lines - 1, cursor.line + down));
+      cursor.line = Math.max(0, Math.min(lines - 1, cursor.line + down));
       cursor.column = Math.max(0, Math.min(columns - 1, cursor.column + right));
       act();
     }
@@ -107,8 +110,8 @@ function followKeys(frame, cursor, scene, act, choose) {
  */
 export function showHeatMap(element, chart, model, store, { choose, say, format }) {
   const scene = createScene(model, store, format);
-  const cursor = { line: -1, column: 0 };
-  const lead = el('p', { class: 'counts' });
+  const cursor = { ...NOWHERE };
+  const lead = el('p', { class: 'counts heat-lead' });
   const readout = el('p', { class: 'heat-readout', 'aria-hidden': 'true' });
   const key = heatKey();
   const frame = createHeatFrame({
@@ -162,7 +165,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
   }
 
   function leave() {
-    Object.assign(cursor, { line: -1, column: 0 });
+    Object.assign(cursor, NOWHERE);
     readout.textContent = '';
   }
 
