@@ -203,7 +203,9 @@ describe('on a real matrix', () => {
     const rows = text.trim().split('\n').slice(1).map((line) => line.split('\t').slice(1).map((cell) => (cell === '' ? NaN : Number(cell))));
     const expression = expressionOf(rows);
     const contrasts = createContrasts(expression);
+    const start = performance.now();
     contrasts(genesOf(2));
+    if (process.env.SHOW) console.log('ranks', performance.now() - start);
     for (const count of [1000, MOST_CLUSTERED, rows.length - 1]) {
       const genes = genesOf(count);
       const began = performance.now();

@@ -1,10 +1,12 @@
 /** A line chart of profiles over the conditions. */
 
 import { svg } from './dom.js';
+import { drawableText } from './format.js';
 import { extremesOf } from './profiles.js';
 
 const WIDTH = 300;
-const HEIGHT = 120;
+const HEIGHT = 132;
+const LONGEST_NAME = 20;
 const PLOT = { left: 38, right: 294, top: 8, bottom: 112 };
 const LEAST_TICK_GAP = 14;
 
@@ -63,9 +65,13 @@ export function profileChart(columns, lines, label, { format, point }) {
   const step = (PLOT.right - PLOT.left) / Math.max(columns.length - 1, 1);
   const x = (column) => PLOT.left + column * step;
   const y = (value) => PLOT.bottom - ((value - range.least) / (range.most - range.least)) * (PLOT.bottom - PLOT.top);
+  const name = (column, at, anchor) =>
+    svg('text', { class: 'profile-tick', x: at, y: HEIGHT - 4, 'text-anchor': anchor }, drawableText(columns[column], LONGEST_NAME));
+  const names = columns.length > 1 ? [name(0, PLOT.left, 'start'), name(columns.length - 1, PLOT.right, 'end')] : [];
   const guide = svg('line', { class: 'profile-guide', y1: PLOT.top, y2: PLOT.bottom, x1: -1, x2: -1 });
   const chart = svg('svg', { class: 'profile-chart', viewBox: `0 0 ${WIDTH} ${HEIGHT}`, role: 'img', 'aria-label': label },
     ...ticks(range, y, format),
+    ...names,
     guide,
     ...[...lines].reverse().map(({ values, className }) => svg('path', { class: `profile-line ${className}`, d: pathOf(values, x, y) })));
 

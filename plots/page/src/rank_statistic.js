@@ -1,12 +1,12 @@
 /** How far genes stand apart from all others in a column, by ranks (Mann and Whitney 1947). */
 
-/** The first place in ascending `values` that is not before `value`; with `past`, the first after all equals. */
-function placeOf(values, value, past) {
+/** The place of `value` among ascending ones, which hold it. */
+function placeOf(values, value) {
   let low = 0;
   let high = values.length;
   while (low < high) {
     const middle = (low + high) >> 1;
-    if (values[middle] < value || (past && values[middle] === value)) low = middle + 1;
+    if (values[middle] < value) low = middle + 1;
     else high = middle;
   }
   return low;
@@ -21,16 +21,18 @@ function placeOf(values, value, past) {
  */
 export function rankValues(values) {
   const sorted = values.filter((value) => !Number.isNaN(value)).sort();
-  const ranks = new Float64Array(values.length).fill(NaN);
-  values.forEach((value, row) => {
-    if (!Number.isNaN(value)) ranks[row] = (placeOf(sorted, value, false) + placeOf(sorted, value, true) + 1) / 2;
-  });
+  const distinct = [];
+  const shared = [];
   let ties = 0;
   for (let first = 0; first < sorted.length;) {
-    const next = placeOf(sorted, sorted[first], true);
+    let next = first + 1;
+    while (next < sorted.length && sorted[next] === sorted[first]) next += 1;
+    distinct.push(sorted[first]);
+    shared.push((first + next + 1) / 2);
     ties += (next - first) ** 3 - (next - first);
     first = next;
   }
+  const ranks = values.map((value) => (Number.isNaN(value) ? NaN : shared[placeOf(distinct, value)]));
   return { ranks, known: sorted.length, ties };
 }
 

@@ -2,18 +2,25 @@
 
 import { unitProfiles } from './profiles.js';
 
-/** So many rows are clustered one by one; of more, a sample is, and the others follow it. */
-export const MOST_CLUSTERED = 1500;
+/** At most so many rows are clustered one by one; of more, a sample is, and the others follow it. */
+export const MOST_CLUSTERED = 1000;
 
 const MOST_SAMPLED = 256;
 const FEWEST_SAMPLED = 16;
-/** How many products of values the comparison of all rows with the sample may take. */
-const MOST_PRODUCTS = 6e7;
+/** How many products of values the comparison of rows, with each other or with the sample, may take. */
+const MOST_PRODUCTS = 4e7;
 
+/** The product of two rows; two sums side by side, which processors form faster than one. */
 function product(units, width, one, other) {
-  let sum = 0;
-  for (let column = 0; column < width; column += 1) sum += units[one * width + column] * units[other * width + column];
-  return sum;
+  let [first, second] = [0, 0];
+  let at = one * width;
+  let beside = other * width;
+  const end = at + width;
+  for (; at + 1 < end; at += 2, beside += 2) {
+    first += units[at] * units[beside];
+    second += units[at + 1] * units[beside + 1];
+  }
+  return at < end ? first + second + units[at] * units[beside] : first + second;
 }
 
 /** 1 - correlation of all pairs, row-major, count x count. */
@@ -163,7 +170,8 @@ export function orderGenes(expression, genes) {
   const count = genes.length;
   const units = unitProfiles(expression, genes);
   const arranged = (rows) => Int32Array.from(rows, (row) => genes[row]);
-  if (count <= MOST_CLUSTERED) return { genes: arranged(clusteredOrder(units, width, count)), clustered: count };
+  const isFew = count <= MOST_CLUSTERED && (count * count * width) / 2 <= MOST_PRODUCTS;
+  if (isFew || count <= FEWEST_SAMPLED) return { genes: arranged(clusteredOrder(units, width, count)), clustered: count };
   const affordable = Math.floor(MOST_PRODUCTS / (count * Math.max(width, 1)));
   const size = Math.max(FEWEST_SAMPLED, Math.min(MOST_SAMPLED, affordable));
   const sampled = Int32Array.from({ length: size }, (_, place) => Math.floor((place * count) / size));
