@@ -1,5 +1,8 @@
 /** The data that the page was written with, checked and brought into typed arrays. */
 
+import { readExpression } from './expression.js';
+import { numbersOf } from './numeric_labels.js';
+
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
   legendWidth: 130,
@@ -65,12 +68,16 @@ function readPair(raw, count) {
 
 /** What genes may be coloured by: `labels` of each, and `numbers` where these are a quantity. */
 function readColourings(raw, count, labels) {
-  const columns = asList(raw).filter(({ texts }) => asList(texts).length === count).map((column) => ({
-    title: asText(column.title),
-    labels: asTexts(column.texts),
-    numbers: asList(column.numbers).length === count ? readCoordinates(column.numbers, count) : null,
-  }));
-  return columns.length > 0 ? columns : [{ title: '', labels, numbers: null }];
+  const columns = asList(raw).filter((column) => asList(column?.texts).length === count).map((column) => {
+    const texts = asTexts(column.texts);
+    const isNumeric = asList(column.numbers).length === count;
+    return {
+      title: asText(column.title),
+      labels: texts,
+      numbers: isNumeric ? readCoordinates(column.numbers, count) : numbersOf(texts),
+    };
+  });
+  return columns.length > 0 ? columns : [{ title: '', labels, numbers: numbersOf(labels) }];
 }
 
 /** What each gene is called besides: null where nothing is known, or of no gene at all. */
@@ -107,7 +114,7 @@ function readSets(raw, names) {
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
  *   there is at least one, are `count` long or empty; `background` is the label of genes that step back;
  *   `aliases` is null, or has null or `systematic`, `sgd` and `aliases` (texts) of each gene; `sets` have
- *   a `name` and `genes` (ascending)
+ *   a `name` and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -134,6 +141,7 @@ export function readDataset(text) {
     sets: readSets(raw.sets, perPoint(raw.names)),
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
+    expression: readExpression(raw.matrix, count),
   };
 }
 

@@ -45,13 +45,9 @@ function searchText(dataset, gene) {
 export function createFinder(dataset) {
   const find = createNameIndex(dataset);
   let texts = null;
-  let columns = 0;
 
   function genesWith(words, wanted) {
-    if (texts === null || columns !== dataset.colourings.length) {
-      columns = dataset.colourings.length;
-      texts = Array.from({ length: dataset.count }, (_, gene) => searchText(dataset, gene));
-    }
+    texts ??= Array.from({ length: dataset.count }, (_, gene) => searchText(dataset, gene));
     const found = [];
     texts.forEach((text, gene) => {
       if (words.every((word) => text.includes(word))) found.push(gene);

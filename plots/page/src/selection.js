@@ -7,6 +7,7 @@ import { createNote } from './note.js';
 import { difference } from './sets.js';
 import { download } from './files.js';
 import { nameOf } from './dataset.js';
+import { textOf } from './colourings.js';
 import { toCsv } from './csv.js';
 
 const MOST_LISTED = 1000;
@@ -33,7 +34,7 @@ function geneRow(model, state, gene, isHidden, choose) {
   const cells = [el('th', { scope: 'row' }, name, ...(isHidden ? [el('span', { class: 'counts' }, ' hidden')] : []))];
   cells.push(el('td', { class: 'function' }, dataText(functionText(dataset.functions[gene] ?? ''))));
   if (model.categoriesOf(state).labelled) {
-    cells.push(el('td', { class: 'label' }, dataText(model.colouringOf(state).labels[gene] ?? '')));
+    cells.push(el('td', { class: 'label' }, dataText(textOf(model.colouringOf(state), gene))));
   }
   cells.push(
     el('td', { class: 'number' }, formatCoordinate(pair?.x[gene] ?? NaN)),
