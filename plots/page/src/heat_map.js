@@ -1,13 +1,15 @@
 /** The heat map of the selection: a line per gene, ordered by likeness, and a column per condition. */
 
 import { button, dataText, debounced, el } from './dom.js';
-import { counted, formatCount } from './format.js';
+import { counted, fileStem, formatCount } from './format.js';
+import { download } from './files.js';
 import { createHeatFrame } from './heat_frame.js';
 import { heatKey } from './heat_key.js';
 import { colourReach, isAroundZero, lineValues } from './heat_lines.js';
 import { heatTable } from './heat_table.js';
 import { nameOf } from './dataset.js';
 import { orderGenes } from './row_order.js';
+import { tabTable } from './csv.js';
 import { inkOf } from './theme.js';
 
 /** Up to so many genes have their names beside them at first. */
@@ -37,6 +39,14 @@ function placeText(model, scene, layout, { line, column }) {
   if (column < 0) return who;
   const value = lineValues(expression, genes, { perLine: layout.perLine, centred }, line, line + 1)[column];
   return `${who}; ${columns[column]}: ${format(value)}`;
+}
+
+/** The values of the genes in their order, less nothing, as tab-separated text. */
+function valueTable(expression, genes, geneNames) {
+  return tabTable([
+    ['name', ...expression.columns],
+    ...Array.from(genes, (gene, line) => [geneNames[line], ...expression.profile(gene)]),
+  ]);
 }
 
 /** What the heat map shows now. */
@@ -122,10 +132,16 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
   });
   const named = button('Names', () => change({ isNamed: !scene.get().isNamed }), { title: 'A line for each gene, with its name, or all genes at once' });
   const centred = button('Less the mean', () => change({ centred: !scene.get().centred }), { title: 'Each value less the mean of its gene' });
+  function save() {
+    const { expression, genes, geneNames } = scene.get();
+    const table = new Blob([valueTable(expression, genes, geneNames)], { type: 'text/tab-separated-values' });
+    download(table, `${fileStem(model.dataset.name)}_profiles.tsv`);
+  }
+  const saved = button('Download TSV', save, { title: 'The values of the selection, in the order shown' });
   const hint = el('p', { class: 'hint' }, 'Select genes in the chart, by a search or from a set, to see their profiles here side by side.');
   const table = heatTable(model, scene, choose);
   const body = el('div', {},
-    el('div', { class: 'row heat-tools' }, named, centred, key.element),
+    el('div', { class: 'row heat-tools' }, named, centred, saved, key.element),
     lead,
     frame.element,
     readout,
