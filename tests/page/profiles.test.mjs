@@ -150,6 +150,14 @@ describe('the heat map', () => {
     await statusSays(`${chosen.at(-1)}; nitrogen <b>: `);
     await page.keyboard.press('Enter');
     assert.equal(await text('.gene-name'), chosen.at(-1));
+    const waiting = page.waitForEvent('download');
+    await page.click('.heat-tools >> text=Download TSV');
+    const download = await waiting;
+    assert.equal(download.suggestedFilename(), 'brauer2008_tsne_30_0_profiles.tsv');
+    const [head, first] = (await readFile(await download.path(), 'utf8')).split('\n').map((line) => line.split('\t'));
+    assert.deepEqual(head, ['name', ...COLUMNS]);
+    assert.equal(first[0], chosen[0]);
+    assert.ok(Math.abs(Number(first[1]) - rows[Number(chosen[0].slice(4))][0]) < 0.001);
     await page.click('text=Less the mean');
     assert.match(await page.locator('.heat-bar').getAttribute('aria-label'), /less the mean of the gene$/);
   });

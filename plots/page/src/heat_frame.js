@@ -40,14 +40,16 @@ export function createHeatFrame(attributes) {
   let scene = null;
   let marked = { lines: [], cursor: null };
 
-  const whole = () => ({ ...scene, scroll: { left: frame.scrollLeft, top: frame.scrollTop } });
+  // Kept here: to ask the frame for it would make the browser lay out the page whenever a gene is pointed at.
+  let scroll = { left: 0, top: 0 };
+  const whole = () => ({ ...scene, scroll });
 
   function drawMarked() {
     drawMarks(marks.getContext('2d'), whole(), marked.lines, marked.cursor);
   }
 
   function draw() {
-    if (!scene) return;
+    scroll = { left: frame.scrollLeft, top: frame.scrollTop };
     drawHeat(cells.getContext('2d'), whole());
     drawMarked();
   }
@@ -78,7 +80,7 @@ export function createHeatFrame(attributes) {
   function placeOf(event) {
     const box = frame.getBoundingClientRect();
     const [x, y] = [event.clientX - box.left - frame.clientLeft, event.clientY - box.top - frame.clientTop];
-    return scene && placeAt(scene.layout, { left: frame.scrollLeft, top: frame.scrollTop }, x, y);
+    return placeAt(scene.layout, scroll, x, y);
   }
 
   function reveal(line, column) {
@@ -90,7 +92,7 @@ export function createHeatFrame(attributes) {
     frame.scrollLeft = Math.max(x + layout.cellWidth - (size.width - layout.left), Math.min(frame.scrollLeft, x));
   }
 
-  frame.addEventListener('scroll', draw);
+  frame.addEventListener('scroll', () => scene && draw());
   return {
     element: frame,
     show,

@@ -17,6 +17,9 @@ const MOST_NAMED = 40;
 const PAUSE_MILLISECONDS = 40;
 const MOST_NAMES_SAID = 3;
 
+/** The page has values with no more digits than these. */
+const VALUE_DIGITS = 5;
+
 /** Before the first line and column, so that the first key leads to these. */
 const NOWHERE = { line: -1, column: -1 };
 
@@ -41,11 +44,11 @@ function placeText(model, scene, layout, { line, column }) {
   return `${who}; ${columns[column]}: ${format(value)}`;
 }
 
-/** The values of the genes in their order, less nothing, as tab-separated text. */
+/** The values of the genes as they are, in their order, as tab-separated text; what is missing is empty. */
 function valueTable(expression, genes, geneNames) {
   return tabTable([
     ['name', ...expression.columns],
-    ...Array.from(genes, (gene, line) => [geneNames[line], ...expression.profile(gene)]),
+    ...Array.from(genes, (gene, line) => [geneNames[line], ...Array.from(expression.profile(gene), (value) => Number(value.toPrecision(VALUE_DIGITS)))]),
   ]);
 }
 
