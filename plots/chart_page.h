@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -61,6 +62,10 @@ struct Chart {
     std::string background;
     /// One per point: the name under which the gene table lists it, where it is not its own.
     std::span<const std::string> genes;
+    /// Null, or the values of the points: another number of rows than of points is of no use.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which these are compared.
+    std::string metric;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

@@ -31,6 +31,8 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.label_columns = run.label_columns;
     chart.genes = run.genes;
     chart.background = run.background;
+    chart.matrix = run.matrix;
+    chart.metric = run.metric;
 }
 
 /// @throws std::invalid_argument if a run has another number of rows, or of their texts

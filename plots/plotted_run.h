@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -28,6 +29,10 @@ struct PlottedRun {
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;
+    /// The values of the points, which the page shows and compares them by; null for none.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which the run compared them.
+    std::string_view metric = "euclidean";
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.
