@@ -150,6 +150,9 @@ describe('the heat map', () => {
     await statusSays(`${chosen.at(-1)}; nitrogen <b>: `);
     await page.keyboard.press('Enter');
     assert.equal(await text('.gene-name'), chosen.at(-1));
+    await page.emulateMedia({ media: 'print' });
+    for (const part of ['.heat-cells', '#conditions table']) assert.ok(await page.locator(part).isVisible(), part);
+    await page.emulateMedia({ media: 'screen' });
     const waiting = page.waitForEvent('download');
     await page.click('.heat-tools >> text=Download TSV');
     const download = await waiting;

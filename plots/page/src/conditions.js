@@ -42,7 +42,7 @@ export function showConditions(element, model, store, format) {
     lead,
     table,
     el('p', { class: 'caution' }, CIRCLE));
-  element.append(el('h2', {}, 'Where the selection differs'), hint, body);
+  const heading = el('h2', {}, 'Where the selection differs');
 
   const colourBy = (column) => store.set(model.colouredBy(model.colourings.condition(column)));
 
@@ -55,9 +55,9 @@ export function showConditions(element, model, store, format) {
 
   function update() {
     const { selection } = store.get();
-    hint.hidden = selection.length > 0;
-    body.hidden = selection.length === 0;
-    if (body.hidden) return;
+    const shown = selection.length > 0 ? body : hint;
+    if (!shown.isConnected) element.replaceChildren(heading, shown);
+    if (shown === hint) return;
     const found = contrasts(selection);
     lead.textContent = leadText(selection.length, found);
     table.hidden = found.length === 0;

@@ -150,7 +150,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
     readout,
     el('p', { id: 'heat-help', class: 'unseen' }, 'Arrow keys move over genes and conditions, Enter goes to the gene. The same values stand in the table below.'),
     table.element);
-  element.append(el('h2', {}, 'Profiles of the selection'), hint, body);
+  const heading = el('h2', {}, 'Profiles of the selection');
 
   // The genes of a line that stands for several; one gene alone is lit as any gene that is pointed at.
   let lit = [];
@@ -162,7 +162,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
   };
 
   function mark() {
-    if (body.hidden) return;
+    if (!body.isConnected) return;
     const { hover, focus } = store.get();
     const { perLine } = frame.layout();
     const places = [hover, focus].map(scene.placeOf).filter((place) => place !== undefined);
@@ -171,9 +171,9 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
 
   function show() {
     const now = scene.get();
-    hint.hidden = now.genes.length > 0;
-    body.hidden = now.genes.length === 0;
-    if (body.hidden) return;
+    const shown = now.genes.length > 0 ? body : hint;
+    if (!shown.isConnected) element.replaceChildren(heading, shown);
+    if (shown === hint) return;
     frame.show(now);
     named.setAttribute('aria-pressed', String(now.isNamed));
     centred.setAttribute('aria-pressed', String(now.centred));
