@@ -9,7 +9,7 @@ import { swatch } from './swatch.js';
 const MOST_UNFILTERED = 12;
 
 /** Characters of a label that have room in the legend. */
-const LONGEST = 36;
+const LONGEST = 32;
 
 const PAUSE_MILLISECONDS = 100;
 // The pointer that crosses the legend on its way points at nothing.
@@ -55,7 +55,7 @@ function createRow({ text, count }, short, style, actions) {
   el('label', { on: { dblclick: actions.alone } }, box, el('span', { class: 'mark' }, swatch(style)), words,
     el('span', { class: 'legend-count' }, formatCount(count))),
   button('Only', actions.alone, { class: 'quiet only', 'aria-label': `Only ${text}`, title: 'Show this label alone, or all again' }));
-  return { row, box, isCut: () => short !== text || words.scrollHeight > words.clientHeight + 1 };
+  return { row, box, isCut: short !== text };
 }
 
 /** The labels shown once one of them is asked for alone: all of them if it is alone already. */
@@ -86,7 +86,7 @@ export function createLabelLegend({ list }, styles, store) {
       alone: () => setShown(isolated(store.get().shown, category)),
       point() {
         pointSoon(category);
-        whole.show(each.row, entry.text, each.isCut());
+        whole.show(each.row, entry.text, each.isCut);
       },
       leave() {
         pointSoon.cancel();

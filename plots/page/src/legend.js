@@ -5,6 +5,9 @@ import { formatCount } from './format.js';
 import { createLabelLegend } from './label_legend.js';
 import { scaleParts } from './scale_legend.js';
 
+/** On paper, which does not scroll, more labels stand below the chart. */
+const MOST_BESIDE_ON_PAPER = 20;
+
 /** Fills the legend's element and keeps it true; without labels it holds the counts only. */
 export function showLegend(element, chart, model, store) {
   const counts = el('p', { class: 'counts' });
@@ -31,6 +34,7 @@ export function showLegend(element, chart, model, store) {
   }
 
   function rebuild(state) {
+    element.classList.toggle('long', model.categoriesOf(state).list.length > MOST_BESIDE_ON_PAPER);
     body.replaceChildren(...parts(state));
     updateLabels(state);
   }

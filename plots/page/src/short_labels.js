@@ -11,10 +11,10 @@ function commonLength(texts) {
   return length;
 }
 
-/** The start of a text, and what follows from a little before the place `difference` on. */
+/** The start of a text and, as far as there is room, what is around the place `difference`. */
 function cutAround(text, difference, limit) {
-  const from = Math.max(difference - BEFORE_DIFFERENCE, HEAD);
   const room = limit - HEAD - 1;
+  const from = Math.max(Math.min(difference - BEFORE_DIFFERENCE, text.length - room), HEAD);
   const rest = text.slice(from);
   const tail = rest.length > room ? [...rest.slice(0, room - 1), '\u2026'] : rest;
   return [...text.slice(0, HEAD), '\u2026', ...tail].join('');
