@@ -1,7 +1,7 @@
 /** The panel of chosen genes: a table, and ways to take it along. */
 
 import { button, dataText, el } from './dom.js';
-import { copyAndTell, kindsOf, namesText } from './copies.js';
+import { copyAndTell, copyRow, kindsOf, namesText } from './copies.js';
 import { counted, fileStem, formatCoordinate, formatCount, functionText } from './format.js';
 import { createNote } from './note.js';
 import { difference } from './sets.js';
@@ -101,22 +101,27 @@ export function showSelection(element, model, store, choose, { say, history, sav
     return copyAndTell(text, hidden > 0 ? `${words}, ${formatCount(hidden)} of them hidden` : words, note);
   }
 
-  function copyButton(kind) {
-    return button(`Copy ${kind.title}`, () => {
-      const { text, words } = namesText(dataset, store.get().selection, kind);
-      return copyChosen(text, words);
-    });
+  function copyNames(kind) {
+    const { text, words } = namesText(dataset, store.get().selection, kind);
+    return copyChosen(text, words);
   }
 
-  const tools = el('div', { class: 'row' },
-    button('Save as set', saveSet, { title: 'Keep these genes as a set with a name and a colour' }),
-    ...kindsOf(dataset).map(copyButton),
-    button('Copy CSV', () => copyChosen(csv(), `Table of ${counted(store.get().selection.length, 'gene')} copied`)),
-    button('Download CSV', () => download(
-      new Blob([csv()], { type: 'text/csv' }),
-      `${fileStem(dataset.name)}_selection.csv`,
-    )),
-    button('Clear', () => store.set({ selection: new Int32Array(0) })));
+  const tools = [
+    el('div', { class: 'row' },
+      button('Save as set', saveSet, { title: 'Keep these genes as a set with a name and a colour' }),
+      button('Download CSV', () => download(
+        new Blob([csv()], { type: 'text/csv' }),
+        `${fileStem(dataset.name)}_selection.csv`,
+      )),
+      button('Clear', () => store.set({ selection: new Int32Array(0) }))),
+    copyRow([
+      ...kindsOf(dataset).map((kind) => ({ ...kind, action: () => copyNames(kind) })),
+      {
+        key: 'csv', short: 'CSV', title: 'CSV',
+        action: () => copyChosen(csv(), `Table of ${counted(store.get().selection.length, 'gene')} copied`),
+      },
+    ]),
+  ];
   const hint = el('p', { class: 'hint' },
     'Draw a box or a lasso in the chart, or press Enter on a gene, to collect genes here.');
 
@@ -132,7 +137,7 @@ export function showSelection(element, model, store, choose, { say, history, sav
       ? [el('p', { class: 'counts' }, `The first ${formatCount(MOST_LISTED)} are listed; copies and files hold all.`)]
       : [];
     const notice = hidden.length > 0 ? [hiddenNotice(model, store, hidden)] : [];
-    body.replaceChildren(...notice, tools, note.element, ...cut, geneTable(model, state, hidden, choose));
+    body.replaceChildren(...notice, ...tools, note.element, ...cut, geneTable(model, state, hidden, choose));
   }
 
   store.listen(['selection', 'shown'], note.clear);

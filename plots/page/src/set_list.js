@@ -1,13 +1,14 @@
 /** The panel of named sets: their names and colours, what can be made of them, and files of them. */
 
 import { button, dataText, el, svg } from './dom.js';
-import { copyAndTell, kindsOf, namesText } from './copies.js';
+import { copyAndTell, copyRow, kindsOf, namesText } from './copies.js';
 import { counted, fileStem, formatCount } from './format.js';
 import { difference, intersection, union } from './sets.js';
 import { MOST_SETS, withChange, withSet, withSets } from './named_sets.js';
 import { readSetFile, toGmt, toJson } from './set_file.js';
 import { createNameIndex } from './name_index.js';
 import { createNote } from './note.js';
+import { followSetColours } from './set_colouring.js';
 import { download } from './files.js';
 import { listText } from './search.js';
 
@@ -38,15 +39,18 @@ function setForm(set, model, store, note) {
   colour.value = set.colour;
   const operations = OPERATIONS.map(([text, title, combine]) => button(text,
     () => store.set({ selection: combine(store.get().selection, set.genes) }), { title, ...part(text) }));
-  const copies = kindsOf(model.dataset).map((kind) => button(`Copy ${kind.title}`, () => {
-    const { text, words } = namesText(model.dataset, set.genes, kind);
-    return copyAndTell(text, words, note);
-  }, part(`copy ${kind.key}`)));
+  const copies = copyRow(kindsOf(model.dataset).map((kind) => ({
+    ...kind,
+    action: () => {
+      const { text, words } = namesText(model.dataset, set.genes, kind);
+      return copyAndTell(text, words, note);
+    },
+  })));
   return el('div', { class: 'set-form' },
     el('div', { class: 'row' }, name, colour),
-    el('div', { class: 'row', role: 'group', 'aria-label': `Selection and ${set.name}` }, ...operations),
-    el('div', { class: 'row', role: 'group', 'aria-label': `What can be done with ${set.name}` },
-      ...copies,
+    el('div', { class: 'row small', role: 'group', 'aria-label': `Selection and ${set.name}` }, ...operations),
+    copies,
+    el('div', { class: 'row small' },
       button('Replace by selection', () => {
         const { selection } = store.get();
         if (selection.length === 0) note.tell('The selection is empty');
@@ -123,6 +127,7 @@ export function showSets(element, model, store, { say, copyLink }) {
     'Save a selection as a set, or load sets from a file, to compare them and to keep them.');
   const heading = el('h2', {}, 'Sets');
   const open = new Set();
+  const colours = followSetColours(model, store);
 
   function setRow(set) {
     const details = el('details', {
@@ -134,7 +139,13 @@ export function showSets(element, model, store, { say, copyLink }) {
     el('summary', { 'data-part': 'summary' }, swatch(set.colour), dataText(set.name, 'set-name'), ' ',
       el('span', { class: 'legend-count' }, formatCount(set.genes.length))),
     setForm(set, model, store, note));
+    const onMap = el('input', {
+      type: 'checkbox', 'data-part': 'map', 'aria-label': `Colour the map by ${set.name}`, title: 'Colour the map by this set',
+      on: { change: () => colours.toggle(set.id, onMap.checked) },
+    });
+    onMap.checked = colours.has(set.id);
     return el('li', { 'data-set': set.id },
+      onMap,
       details,
       button('Select', () => store.set({ selection: set.genes }), { 'data-part': 'select', 'aria-label': `Select the genes of ${set.name}` }));
   }
@@ -144,7 +155,8 @@ export function showSets(element, model, store, { say, copyLink }) {
     const at = list.contains(document.activeElement) ? document.activeElement : null;
     const [setId, partName] = [at?.closest('[data-set]')?.dataset.set, at?.dataset.part];
     heading.textContent = sets.length === 0 ? 'Sets' : `Sets: ${formatCount(sets.length)}`;
-    hint.hidden = sets.length > 0;
+    if (sets.length > 0) hint.remove();
+    else list.after(hint);
     list.replaceChildren(...sets.map(setRow));
     if (at) (list.querySelector(`[data-set="${setId}"] [data-part="${partName}"]`) ?? heading).focus();
   }
@@ -181,9 +193,12 @@ export function showSets(element, model, store, { say, copyLink }) {
   }
 
   heading.tabIndex = -1;
-  element.append(heading, list, hint, fileRow(model, store, load, () => copyLink(note)), note.element);
+  element.append(heading, list, fileRow(model, store, load, () => copyLink(note)), note.element);
   followDrops(element, load);
-  store.listen(['sets'], update);
+  store.listen(['sets'], (state) => {
+    note.clear();
+    update(state);
+  });
   update(store.get());
   return { saveSet, tell: note.tell };
 }
