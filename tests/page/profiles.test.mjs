@@ -50,22 +50,25 @@ async function selectFound(words, count) {
   await until(async () => (await text('.heat-lead')).startsWith(`${count} genes `));
 }
 
-/** The colours of some pixels of a canvas of the page, and how many are `drawn` at all; read from a copy of it. */
-const readCanvas = (selector, places = []) => page.evaluate(([which, wanted]) => {
-  const canvas = document.querySelector(which);
+/** The colours of some pixels of the heat map, read from a copy of it. */
+const heatColoursAt = (places) => page.evaluate((wanted) => {
+  const canvas = document.querySelector('.heat-cells');
   const copy = document.createElement('canvas');
   [copy.width, copy.height] = [canvas.width, canvas.height];
   const context = copy.getContext('2d', { willReadFrequently: true });
   context.drawImage(canvas, 0, 0);
-  const { data } = context.getImageData(0, 0, canvas.width, canvas.height);
-  const at = ([left, top]) => 4 * (Math.floor(top) * canvas.width + Math.floor(left));
-  return {
-    drawn: data.filter((value, index) => index % 4 === 3 && value > 0).length,
-    colours: wanted.map((place) => [...data.slice(at(place), at(place) + 3)]),
-  };
-}, [selector, places]);
+  return wanted.map(([left, top]) => [...context.getImageData(Math.floor(left), Math.floor(top), 1, 1).data].slice(0, 3));
+}, places);
 
-const areLinesDrawn = async () => (await readCanvas('.chart-layer')).drawn > 0;
+/** Switches the lines to neighbours on or off, and takes a picture of the map. */
+async function switchLines(isOn) {
+  await page.locator('text=Lines to them on the map').setChecked(isOn);
+  // Two frames: one that draws, and one that is shown.
+  await page.evaluate(() => new Promise((done) => {
+    requestAnimationFrame(() => requestAnimationFrame(done));
+  }));
+  return page.locator('#chart').screenshot();
+}
 
 /** The genes of the heat map in their order, by its table. */
 async function heatOrder() {
@@ -91,9 +94,9 @@ test('the card of a gene shows its profile beside the mean of the selection, and
   assert.deepEqual(listed.map(([name]) => name), wanted.map((gene) => `GENE${gene}`));
   listed.forEach(([, value], place) => assert.ok(Math.abs(Number(value) - distance(wanted[place])) < 0.006));
 
-  await until(areLinesDrawn);
-  await page.click('text=Lines to them on the map');
-  await until(async () => !(await areLinesDrawn()));
+  const without = await switchLines(false);
+  assert.ok(!without.equals(await switchLines(true)));
+  assert.ok(without.equals(await switchLines(false)));
 
   await selectFound('gamma', 12);
   await until(async () => (await page.locator('.profile-mean').count()) > 0);
@@ -124,7 +127,7 @@ describe('the heat map', () => {
     const cellWidth = ((await page.evaluate(() => document.querySelector('.heat-spacer').clientWidth)) - 4) / 6;
     const place = (line, column) => [4 + (column + 0.5) * cellWidth, height - 60 * 7 + (line + 0.5) * 7];
     const cells = [[MISSING, 1], [2, 4], [0, 4]].map(([gene, column]) => place(order.indexOf(gene), column));
-    const [missing, high, low] = (await readCanvas('.heat-cells', cells)).colours;
+    const [missing, high, low] = await heatColoursAt(cells);
     assert.deepEqual(missing, [0xa9, 0xb1, 0xb9]);
     assert.ok(high[0] > high[2] + 60 && low[2] > low[0] + 60, `${high}, ${low}`);
 
@@ -175,7 +178,6 @@ describe('the heat map', () => {
     assert.ok(height < 540);
     await page.locator('.heat-frame').hover({ position: { x: width / 2, y: height - 100 } });
     await until(async () => /, GENE\d+ and 7 more; condition \d+: /.test(await text('.heat-readout')));
-    await until(areLinesDrawn);
     await page.click('.heat-tools >> text=Names');
     assert.equal(await page.evaluate(() => document.querySelector('.heat-frame').scrollHeight - document.querySelector('.heat-spacer').clientHeight), 0);
     assert.ok(await page.evaluate(() => document.querySelector('.heat-spacer').clientHeight) > 16 * 4000);
