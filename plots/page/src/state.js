@@ -13,6 +13,11 @@
  * @property {object[]} sets named sets of genes, as of `named_sets.js`
  * @property {'light'|'dark'} theme
  * @property {'move'|'box'|'lasso'} tool what dragging in the chart does
+ * @property {boolean} coordinates whether the axes have numbers
+ * @property {boolean} shading whether density is shaded
+ * @property {boolean} contours whether lines of equal density are drawn
+ * @property {number} pointSize size of the points, as a factor of what suits their number
+ * @property {number} pointOpacity the same of their opacity
  */
 
 /**

@@ -4,6 +4,7 @@ import { button, el } from './dom.js';
 import { colourChoice } from './colour_choice.js';
 import { zoomBy } from './keyboard.js';
 import { genesInWindow } from './points.js';
+import { viewOptions } from './view_options.js';
 
 const ZOOM_FACTOR = 1.6;
 
@@ -54,6 +55,7 @@ export function showToolbar(element, chart, model, store, exportAs) {
       button('Reset', () => chart.flyTo(chart.whole()), { 'aria-label': 'Reset the view', title: 'Show everything' })),
     button('Select in view', () => store.set({ selection: genesInWindow(model.pointsOf(store.get()), chart.view()) }),
       { title: 'Choose every gene that is in view' }),
+    viewOptions(store),
     el('div', { class: 'group last', role: 'group', 'aria-label': 'Picture and theme' },
       button('PNG', () => exportAs('png'), { 'aria-label': 'Save as PNG', title: 'Save the picture as PNG' }),
       button('SVG', () => exportAs('svg'), { 'aria-label': 'Save as SVG', title: 'Save the picture as SVG' }),
