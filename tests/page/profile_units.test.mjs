@@ -8,6 +8,7 @@ import { extremesOf, meanOf, meanProfile, unitProfiles } from '../../plots/page/
 import { heatColours } from '../../plots/page/src/heat_colours.js';
 import { layOut, linesInView, placeAt } from '../../plots/page/src/heat_layout.js';
 import { colourReach, isAroundZero, lineValues } from '../../plots/page/src/heat_lines.js';
+import { countOnMap } from '../../plots/page/src/true_neighbours.js';
 import { valueFormat } from '../../plots/page/src/format.js';
 import { createNumbers } from './support.mjs';
 
@@ -185,6 +186,18 @@ describe('the rank statistic', () => {
   test('is nothing without a known value on either side', () => {
     const ranking = rankValues(Float64Array.of(1, NaN, 2));
     for (const rows of [[], [1], [0, 2], [0, 1, 2]]) assert.equal(rankStatistic(ranking, rows), null);
+  });
+});
+
+describe('neighbours on the map', () => {
+  test('are those of the data that are nearest there, too', () => {
+    const pair = { x: Float64Array.of(0, 1, 2, 3, 4, NaN), y: Float64Array.of(0, 0, 0, 0, 0, 0) };
+    assert.equal(countOnMap(pair, 0, [1, 4]), 1);
+    assert.equal(countOnMap(pair, 0, [2, 1, 5]), 2);
+    assert.equal(countOnMap(pair, 2, [3]), 1);
+    assert.equal(countOnMap(pair, 0, [1, 2, 3, 4, 5]), 4);
+    assert.equal(countOnMap({ x: Float64Array.of(1, 1, 1), y: Float64Array.of(2, 2, 2) }, 0, [2]), 1);
+    assert.equal(countOnMap({ x: Float64Array.of(0), y: Float64Array.of(0) }, 0, []), 0);
   });
 });
 

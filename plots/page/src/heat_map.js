@@ -20,6 +20,8 @@ const MOST_NAMES_SAID = 3;
 /** The page has values with no more digits than these. */
 const VALUE_DIGITS = 5;
 
+const WAYS = 'Point at a line to light its genes on the map, click it to go there; arrow keys and Enter do the same.';
+
 /** Before the first line and column, so that the first key leads to these. */
 const NOWHERE = { line: -1, column: -1 };
 
@@ -125,7 +127,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
   const scene = createScene(model, store, format);
   const cursor = { ...NOWHERE };
   const lead = el('p', { class: 'counts heat-lead' });
-  const readout = el('p', { class: 'heat-readout', 'aria-hidden': 'true' });
+  const readout = el('p', { class: 'heat-readout', 'aria-hidden': 'true' }, WAYS);
   const key = heatKey();
   const frame = createHeatFrame({
     role: 'application',
@@ -185,7 +187,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
 
   function leave() {
     Object.assign(cursor, NOWHERE);
-    readout.textContent = '';
+    readout.textContent = WAYS;
   }
 
   function change(patch) {
@@ -196,7 +198,7 @@ export function showHeatMap(element, chart, model, store, { choose, say, format 
 
   /** Lights the genes of a place on the map, and tells of them. */
   function pointAt(place) {
-    readout.replaceChildren(...(place ? [dataText(placeText(model, scene.get(), frame.layout(), place))] : []));
+    readout.replaceChildren(place ? dataText(placeText(model, scene.get(), frame.layout(), place)) : WAYS);
     const genes = place ? genesOfLine(place.line) : [];
     lit = genes.length > 1 ? genes : [];
     store.set({ hover: genes[0] ?? -1 });

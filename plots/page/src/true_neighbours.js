@@ -12,6 +12,18 @@ const METRIC_NAMES = {
   spearman: 'rank correlation distance',
 };
 
+/**
+ * How many of some genes are, on the map, among as many genes nearest to another one.
+ *
+ * @param {{x: Float64Array, y: Float64Array}} pair coordinates, not finite where there is no position
+ */
+export function countOnMap({ x, y }, gene, others) {
+  const distance = (other) => (x[other] - x[gene]) ** 2 + (y[other] - y[gene]) ** 2;
+  const placed = Float64Array.from(x, (_, other) => (other === gene ? NaN : distance(other))).filter(Number.isFinite).sort();
+  const reach = placed[Math.min(others.length, placed.length) - 1];
+  return others.filter((other) => distance(other) <= reach).length;
+}
+
 function neighbourRow(dataset, { gene, distance, correlation }, { choose, format }) {
   const name = button('', () => choose(gene), { class: 'quiet gene-link' });
   name.append(dataText(nameOf(dataset, gene)));
@@ -54,12 +66,14 @@ export function showTrueNeighbours(element, chart, model, store, ways) {
   const { dataset } = model;
   const { expression } = dataset;
   let neighbours = [];
+  const kept = el('p', { class: 'counts' });
   const lines = el('input', { type: 'checkbox', on: { change: chart.repaintOverlays } });
   lines.checked = true;
   const rows = el('tbody');
   const body = el('div', { hidden: true },
     el('h3', {}, 'Nearest genes in the data'),
     el('p', { class: 'counts' }, `By ${METRIC_NAMES[expression.metric] ?? 'distance'} over all conditions, wherever the map puts them.`),
+    kept,
     el('label', { class: 'switch' }, lines, 'Lines to them on the map'),
     el('table', { class: 'neighbours' },
       el('thead', {}, el('tr', {}, ...['Name', 'Distance', 'Correlation'].map((title, column) =>
@@ -67,10 +81,17 @@ export function showTrueNeighbours(element, chart, model, store, ways) {
       rows));
   element.append(body);
 
+  function tellKept(state) {
+    const isTold = neighbours.length > 0 && model.isPlaced(state, state.focus);
+    const count = isTold ? countOnMap(model.pairOf(state), state.focus, neighbours.map(({ gene }) => gene)) : 0;
+    kept.textContent = isTold ? `${count} of these ${neighbours.length} are among its ${neighbours.length} nearest on the map, too.` : '';
+  }
+
   function update({ focus }) {
     const hadFocus = rows.contains(document.activeElement);
     neighbours = focus >= 0 ? expression.nearest(focus, NEIGHBOURS) : [];
     body.hidden = neighbours.length === 0;
+    tellKept(store.get());
     rows.replaceChildren(...neighbours.map((neighbour) => neighbourRow(dataset, neighbour, ways)));
     if (hadFocus) rows.querySelector('button')?.focus();
     chart.repaintOverlays();
@@ -84,5 +105,6 @@ export function showTrueNeighbours(element, chart, model, store, ways) {
     drawLines(context, scene, state.focus, neighbours.filter(({ gene }) => shown[of[gene]] === 1 && model.isPlaced(state, gene)));
   });
   store.listen(['focus'], update);
+  store.listen(['pair'], tellKept);
   update(store.get());
 }
