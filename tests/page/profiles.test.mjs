@@ -156,6 +156,8 @@ describe('the heat map', () => {
     assert.equal(await text('.gene-name'), chosen.at(-1));
     await page.emulateMedia({ media: 'print' });
     for (const part of ['.heat-cells', '#conditions table']) assert.ok(await page.locator(part).isVisible(), part);
+    // On paper the marks would wipe the cells beneath them.
+    assert.equal(await page.locator('.heat-marks').isVisible(), false);
     await page.emulateMedia({ media: 'screen' });
     const waiting = page.waitForEvent('download');
     await page.click('.heat-tools >> text=Download TSV');

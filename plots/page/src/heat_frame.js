@@ -38,7 +38,7 @@ export function createHeatFrame(attributes) {
   const spacer = el('div', { class: 'heat-spacer' }, sticky);
   const frame = el('div', { class: 'heat-frame', tabindex: 0, ...attributes }, spacer);
   let scene = null;
-  let marked = { lines: [], cursor: null };
+  let marked = { key: '', lines: [], cursor: null };
 
   // Kept here: to ask the frame for it would make the browser lay out the page whenever a gene is pointed at.
   let scroll = { left: 0, top: 0 };
@@ -100,7 +100,9 @@ export function createHeatFrame(attributes) {
     reveal,
     layout: () => scene.layout,
     mark(lines, cursor) {
-      marked = { lines, cursor };
+      const key = JSON.stringify([lines, cursor]);
+      if (key === marked.key) return;
+      marked = { key, lines, cursor };
       if (scene) drawMarked();
     },
   };
