@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -105,6 +106,22 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
                     "barring"_a = barring);
 }
 
+/// What fits of several seeds came to: seed and cost of each, disparity and shared neighbours of
+/// their maps, NaN where there are none; None of one seed.
+py::object described_seeds(const std::optional<SeedReport>& seeds) {
+    if (!seeds) {
+        return py::none();
+    }
+    py::list runs;
+    for (const SeedRun& run : seeds->runs) {
+        runs.append(py::make_tuple(run.seed, run.final_cost));
+    }
+    const double none = std::nan("");
+    return py::make_tuple(runs,
+                          seeds->agreement ? seeds->agreement->disparity : none,
+                          seeds->agreement ? seeds->agreement->shared_neighbours : none);
+}
+
 /// What became of a fit, by name.
 ///
 /// @param outcome  its input is taken
@@ -119,6 +136,8 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "cost"_a = report.final_cost,
         "costs"_a = Array(static_cast<py::ssize_t>(report.costs.size()), report.costs.data()),
         "iteration"_a = report.reached.iteration,
+        "seed"_a = outcome.seed,
+        "seeds"_a = described_seeds(report.seeds),
         "learning_rate"_a = outcome.learning_rate,
         "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
@@ -127,6 +146,7 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,
         "note"_a = outcome.threads_note,
+        "start_note"_a = report.start_remark,
         "neighbours_note"_a = outcome.neighbours_note);
 }
 
@@ -167,7 +187,7 @@ MatrixView<const double> view_of(const Array& array) {
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
-///                callback (a function or None), callback_every, keeps_interrupted
+///                callback (a function or None), callback_every, keeps_interrupted, seeds
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points = view_of(X);
     const FitOptions options = settled_options(arguments);
@@ -182,6 +202,7 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
         given_neighbours(manner["neighbours"], points.rows);
     chosen.neighbours = neighbours ? &*neighbours : nullptr;
     chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
+    chosen.seeds = manner["seeds"].cast<int>();
     chosen.callback_every = manner["callback_every"].cast<int>();
     chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();
     WaitingThread waiting(chosen.keeps_interrupted);
@@ -201,8 +222,9 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
 }
 
 /// @param map  as `described_map` gave it
-/// @return the places of the rows, rows x output dimensions
-Array place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
+/// @return the places of the rows, rows x output dimensions, how far each is from the nearest row
+/// of the map, and whether its place is no better than one infinitely far away
+py::tuple place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
     const auto input = map["input"].cast<Array>();
     const InputScale scale{map["centres"].cast<std::vector<double>>(),
                            map["factor"].cast<double>()};
@@ -216,7 +238,24 @@ Array place(const Array& X, const Array& embedding, const py::dict& map, int thr
         set_thread_count(threads);
         return place_rows(finished, rows);
     });
-    return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
+    const double nowhere = cost_of_no_place(finished.input.rows, finished.perplexity);
+    std::vector<bool> is_lost;
+    for (const double cost : placed.costs) {
+        is_lost.push_back(cost >= nowhere);
+    }
+    return py::make_tuple(Array({X.shape(0), embedding.shape(1)}, placed.embedding.data()),
+                          Array(static_cast<py::ssize_t>(placed.nearest_distances.size()),
+                                placed.nearest_distances.data()),
+                          is_lost);
+}
+
+/// The largest distance of a row of a fit from its nearest.
+double reach(const Array& input, int threads) {
+    const MatrixView<const double> rows = view_of(input);
+    return in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        set_thread_count(threads);
+        return largest_nearest_distance(rows);
+    });
 }
 
 std::string page(const Array& map, const py::dict& texts) {
@@ -309,6 +348,7 @@ PYBIND11_MODULE(_core, module) {
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
     module.def(
         "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
+    module.def("reach", ovik::python::reach, "input"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();
