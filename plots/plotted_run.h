@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "results/gene_identifiers.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 
 namespace ovik {
@@ -28,6 +30,10 @@ struct PlottedRun {
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;
+    /// What the genes of the points are called besides, one each; empty for none.
+    std::span<const GeneIdentifiers> identifiers{};
+    /// Sets of the points, which the page lists.
+    std::span<const GeneSet> sets{};
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

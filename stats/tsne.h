@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 #include "stats/fit_options.h"
 #include "stats/input_scale.h"
@@ -77,6 +78,8 @@ class TSNE {
     /// Labels of the rows in the place of those that `actuate` is given: the chart page offers
     /// each, the figure shows the first. Empty for none.
     std::vector<LabelColumn> label_columns;
+    /// Sets of the rows, which the chart page lists. Empty for none.
+    std::vector<GeneSet> gene_sets;
     /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`. Under a
     /// metric of `options` that compares rows by their correlation it serves a single run.
     double* X = nullptr;
