@@ -9,6 +9,7 @@
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -67,6 +68,10 @@ struct Chart {
     std::span<const GeneIdentifiers> identifiers;
     /// Sets of the points.
     std::span<const GeneSet> sets;
+    /// Null, or the values of the points: another number of rows than of points is of no use.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which these are compared.
+    std::string metric;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

@@ -8,6 +8,7 @@
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -34,6 +35,10 @@ struct PlottedRun {
     std::span<const GeneIdentifiers> identifiers{};
     /// Sets of the points, which the page lists.
     std::span<const GeneSet> sets{};
+    /// The values of the points, which the page shows and compares them by; null for none.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which the run compared them.
+    std::string_view metric = "euclidean";
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -59,6 +59,11 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.genes = settings.genes;
         plotted.identifiers = identifiers;
         plotted.sets = settings.gene_sets;
+        // Distances are no values by which points could be compared.
+        if (run.options.metric != MetricKind::Precomputed) {
+            plotted.matrix = settings.matrix.get();
+            plotted.metric = choice_name(run.options.metric);
+        }
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;

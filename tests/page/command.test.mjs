@@ -81,7 +81,7 @@ test('the parameters of the run stand at the foot', async () => {
 test('three components are three pairs to choose from', async () => {
   const results = await runCommand('three', ['--perplexity', '2', '--dims', '3', '--name', 'm']);
   const page = await browser.openFile(join(results, 'm_tsne_2_0.html'));
-  const pairs = await page.locator('#toolbar select option').allTextContents();
+  const pairs = await page.locator('#pair option').allTextContents();
   assert.deepEqual(pairs, ['Component 2 against Component 1', 'Component 3 against Component 1', 'Component 3 against Component 2']);
 });
 

@@ -182,6 +182,9 @@ async function pageText(data) {
   return template.replace(/\{\{[a-z-]+\}\}/g, (placeholder) => parts[placeholder]);
 }
 
+/** What Chromium itself says where a page asks whether there is a graphics card, and there is none. */
+const WITHOUT_CARD = /software WebGL has been deprecated|GPU stall due to ReadPixels/;
+
 /** Starts a browser; `close()` also removes the pages that were made for it. */
 export async function startBrowser() {
   const browser = await chromium.launch({
@@ -218,7 +221,7 @@ export async function startBrowser() {
     page.requests = [];
     page.on('pageerror', (error) => page.problems.push(`error: ${error.message}`));
     page.on('console', (message) => {
-      if (['error', 'warning'].includes(message.type())) page.problems.push(`console: ${message.text()}`);
+      if (['error', 'warning'].includes(message.type()) && !WITHOUT_CARD.test(message.text())) page.problems.push(`console: ${message.text()}`);
     });
     page.on('dialog', (dialog) => {
       page.problems.push(`dialog: ${dialog.message()}`);

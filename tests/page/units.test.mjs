@@ -1,12 +1,11 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { findCategories, findLevels, MOST_CATEGORIES, NUMBER_LEVELS } from '../../plots/page/src/categories.js';
-import { buildLayers } from '../../plots/page/src/layers.js';
 import { categoryStyles, levelStyles } from '../../plots/page/src/palette.js';
 import { drawableText, fileStem, formatCoordinate, formatCount, formatTick } from '../../plots/page/src/format.js';
 import { drawnGenes, genesInPolygon, genesInWindow, nearestGene, nextGene } from '../../plots/page/src/points.js';
 import { includes, toggled, union } from '../../plots/page/src/sets.js';
-import { between, fitWindow, fromPercent, toPercent, windowAt } from '../../plots/page/src/windows.js';
+import { between, fitWindow, windowAt } from '../../plots/page/src/windows.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
 import { createNumbers, LABEL_COLUMNS, smallData } from './support.mjs';
 
@@ -29,13 +28,6 @@ describe('windows', () => {
       assert.ok(Object.values(view).every(Number.isFinite), JSON.stringify(view));
       assert.ok(view.x1 > view.x0 && view.y1 > view.y0);
     }
-  });
-
-  test('percent ranges lead back to the window', () => {
-    const whole = { x0: -10, x1: 30, y0: 0, y1: 20 };
-    const view = { x0: 0, x1: 4, y0: 5, y1: 7 };
-    const back = fromPercent(whole, toPercent(whole, view));
-    for (const side of Object.keys(view)) assert.ok(Math.abs(back[side] - view[side]) < 1e-12);
   });
 
   test('a window at the edge is moved into the whole', () => {
@@ -144,21 +136,12 @@ describe('categories', () => {
     assert.deepEqual(categories.list.map(({ text, grey }) => [text, grey]), [['new', false], ['old', true]]);
     const styles = stylesOf(categories.list);
     assert.deepEqual(styles.map(({ colour }) => colour), ['#0072b2', '#b4bcc4']);
-    const points = { x: [0, 1, 2, 3], y: [0, 1, 2, 3], genes: Int32Array.of(0, 1, 2, 3) };
-    const roles = (highlight) => buildLayers(points, categories, styles, highlight)
-      .map(({ category, role, count }) => `${role} ${category} ${count}`);
-    assert.deepEqual(roles(null), ['plain 1 2', 'plain 0 2']);
-    assert.deepEqual(roles(Int32Array.of(0, 1)), ['dim 1 1', 'dim 0 1', 'lit 1 1', 'lit 0 1']);
   });
 
   test('genes without a number lie beneath the others', () => {
     const categories = findLevels(Float64Array.of(0, NaN, 1), 'old');
     assert.deepEqual(categories.list.map(({ grey }) => grey).indexOf(true), NUMBER_LEVELS);
     assert.equal(categories.list.at(-1).text, 'old or no number');
-    const points = { x: [0, 1, 2], y: [0, 1, 2], genes: Int32Array.of(0, 1, 2) };
-    const styles = levelStyles(NUMBER_LEVELS, 'light');
-    const order = buildLayers(points, categories, styles, null).map(({ category }) => category);
-    assert.deepEqual(order, [NUMBER_LEVELS, 0, NUMBER_LEVELS - 1]);
   });
 
   test('no labels are one category', () => {

@@ -1,109 +1,105 @@
 /** The chart on the page, and drawing it again when something changes. */
 
-import { init } from './engine.js';
-import { plotOption, nameSeries } from './chart_option.js';
-import { createViewport } from './viewport.js';
-import { lookOf, MOST_SHAPES, seriesLook } from './detail.js';
-import { buildLayers, highlighted } from './layers.js';
-import { namesInView } from './names.js';
-import { countInWindow } from './points.js';
+import { canvasPen } from './pen.js';
+import { countInWindow, nearestGene } from './points.js';
+import { createDrawing } from './drawing.js';
+import { createFrame } from './frame.js';
+import { createLister, drawFront, drawGround, hasGround, marksOf, neededDensity, wantedLook } from './scene.js';
 import { createOverlays } from './overlays.js';
+import { createViewport } from './viewport.js';
 import { debounced } from './dom.js';
 import { inkOf } from './theme.js';
+import { namesInView } from './names.js';
 
 const SETTLE_MILLISECONDS = 120;
 const RESIZE_MILLISECONDS = 60;
-const NARROW_PIXELS = 640;
-const NARROW_MARGINS = [14, 14, 62, 58];
 
-function tooltipOption(ink) {
-  return {
-    trigger: 'item',
-    triggerOn: 'none',
-    confine: true,
-    transitionDuration: 0,
-    backgroundColor: ink.surface,
-    borderColor: ink.border,
-    textStyle: { color: ink.text, fontSize: 13 },
-    extraCssText: 'max-width: 22rem; white-space: normal;',
-  };
-}
-
-function brushOption(ink) {
-  return {
-    toolbox: [],
-    xAxisIndex: 0,
-    yAxisIndex: 0,
-    // What lies in the area is found by the page; the library need not recolour any series.
-    seriesIndex: [],
-    transformable: false,
-    brushStyle: { color: `${ink.accent}22`, borderColor: ink.accent, borderWidth: 1.5 },
-  };
-}
-
-/** The room that the axes leave, in pixels of the element. */
-function createFrame(element, layout) {
-  const isNarrow = () => element.clientWidth < NARROW_PIXELS;
-  const margins = () => (isNarrow() ? NARROW_MARGINS : layout.margins);
-  function plot() {
-    const [top, right, bottom, left] = margins();
-    return {
-      left,
-      top,
-      width: Math.max(element.clientWidth - left - right, 40),
-      height: Math.max(element.clientHeight - top - bottom, 40),
-    };
-  }
-  return { isNarrow, margins, plot };
-}
+/** Choices that change which points are drawn or how; the view stays. */
+const PAINTED = ['pair', 'shown', 'colouring', 'matches', 'selection', 'theme', 'coordinates', 'shading', 'contours', 'pointSize', 'pointOpacity'];
 
 /** Draws the model as the viewport shows it. */
-function createPainter(echart, model, store, frame, viewport) {
+function createPainter(element, model, store, frame, viewport) {
   const { dataset } = model;
-  let layers = [];
-  let look = lookOf(0);
+  const drawing = createDrawing(element);
+  const listOf = createLister(model);
+  let list = null;
+  let ranks = null;
+  let marks = [];
+  let marked = null;
+  let look = null;
+  let ink = null;
 
   const points = () => model.pointsOf(store.get());
   const visibleCount = () => countInWindow(points(), viewport.view());
-  const names = () => (dataset.showLabels ? namesInView(dataset, points(), viewport.view(), frame.plot()) : []);
+  const front = createOverlays(element, () => ({ plot: frame.plot() }), false);
+
+  function fitLook() {
+    const wanted = wantedLook(visibleCount(), store.get());
+    const isSame = look && ['shapes', 'size', 'opacity'].every((name) => look[name] === wanted[name]);
+    if (isSame && marked === list) return;
+    look = wanted;
+    marks = marksOf(list, model.stylesOf(store.get()), look, ink);
+    marked = list;
+  }
+
+  function scene() {
+    const state = store.get();
+    const plot = frame.plot();
+    const view = viewport.view();
+    return {
+      state,
+      plot,
+      view,
+      ink,
+      margins: frame.margins(),
+      layout: dataset.layout,
+      pair: model.pairOf(state),
+      density: neededDensity(state, list, view, plot),
+      names: dataset.showLabels ? namesInView(dataset, points(), view, plot) : [],
+    };
+  }
+
+  let present = null;
+  front.add((context) => drawFront(canvasPen(context), present));
 
   return {
     visibleCount,
-    look: () => look,
-    /** Draws everything anew; the view stays. */
-    paint() {
+    look: () => ({ ...(look ?? wantedLook(0, store.get())), means: drawing.means() }),
+    list: () => list,
+    /** Works out anew which points are drawn, and how. */
+    renew() {
       const state = store.get();
-      const ink = inkOf(state.theme);
-      layers = buildLayers(points(), model.categoriesOf(state), model.stylesOf(state), highlighted(state));
-      look = lookOf(visibleCount());
-      const plot = plotOption({
-        pair: model.pairOf(state),
-        range: viewport.whole(),
-        layers,
-        look,
-        names: names(),
-        ink,
-        layout: dataset.layout,
-        margins: frame.margins(),
-        plot: frame.plot(),
-      });
-      // Anew and not merged: the library would merge one array of numbers into another item by item.
-      echart.setOption(
-        { ...plot, dataZoom: viewport.zoomOptions(), tooltip: tooltipOption(ink), brush: brushOption(ink) },
-        { notMerge: true },
-      );
+      ink = inkOf(state.theme);
+      list = listOf(state);
+      ranks = null;
     },
-    /** Fits the look of the points to how many are in view, and the names to their places. */
-    adjust() {
-      const wanted = lookOf(visibleCount());
-      const changed = wanted.size !== look.size;
-      if (!changed && !dataset.showLabels) return;
-      const ink = inkOf(store.get().theme);
-      look = wanted;
-      const series = changed
-        ? layers.map((layer) => ({ id: `${layer.role}-${layer.category}`, ...seriesLook(layer, look, ink) }))
-        : [];
-      echart.setOption({ series: [...series, nameSeries(names(), ink)] });
+    /** Draws. */
+    draw() {
+      fitLook();
+      present = scene();
+      const { plot, view, state, layout } = present;
+      const beneath = { ...present, plot: { ...plot, left: 0, top: 0 } };
+      drawing.draw({
+        list,
+        marks,
+        view,
+        plot,
+        ground: {
+          colour: ink.surface,
+          draw: hasGround(state, layout) ? (context) => drawGround(canvasPen(context), beneath) : null,
+        },
+      });
+      front.flush();
+    },
+    /** Whether a gene is drawn above another one. */
+    isAbove(gene, other) {
+      if (!ranks) {
+        ranks = new Int32Array(dataset.count);
+        list.order.forEach((each, rank) => {
+          ranks[each] = rank;
+        });
+      }
+      return ranks[gene] > ranks[other];
     },
   };
 }
@@ -116,56 +112,112 @@ function createPainter(echart, model, store, frame, viewport) {
  * @param {object} store as of `createStore`
  */
 export function createChart(element, model, store) {
-  const echart = init(element, null, { renderer: 'canvas' });
-  const frame = createFrame(element, model.dataset.layout);
+  const { layout } = model.dataset;
   const extent = () => model.pairOf(store.get())?.extent ?? null;
-  const viewport = createViewport(echart, element, frame.plot, extent);
-  const painter = createPainter(echart, model, store, frame, viewport);
+  const frame = createFrame(element, layout, () => ({
+    whole: extent() ?? { y0: -1, y1: 1 },
+    numbers: store.get().coordinates,
+  }));
+  const viewport = createViewport(element, frame.plot, extent);
+  const painter = createPainter(element, model, store, frame, viewport);
   const painted = [];
   const settled = [];
+  let due = 0;
+  let isStale = true;
+
   /** Place of a gene in pixels from the element's corner. */
   function pixelOf(gene) {
     const { x, y } = model.pointsOf(store.get());
-    return echart.convertToPixel({ gridIndex: 0 }, [x[gene], y[gene]]);
+    const { left, top, width, height } = frame.plot();
+    const view = viewport.view();
+    return [
+      left + ((x[gene] - view.x0) / (view.x1 - view.x0)) * width,
+      top + ((view.y1 - y[gene]) / (view.y1 - view.y0)) * height,
+    ];
   }
-  const overlays = createOverlays(element, () => ({
-    pixelOf,
-    plot: frame.plot(),
-    ink: inkOf(store.get().theme),
-  }));
+
+  /** The inverse, for any place. */
+  function placeOf(pixelX, pixelY) {
+    const { left, top, width, height } = frame.plot();
+    const view = viewport.view();
+    return [
+      view.x0 + ((pixelX - left) / width) * (view.x1 - view.x0),
+      view.y1 - ((pixelY - top) / height) * (view.y1 - view.y0),
+    ];
+  }
+
+  const scene = () => ({ pixelOf, plot: frame.plot(), ink: inkOf(store.get().theme) });
+  const overlays = createOverlays(element, scene);
+  const marker = createOverlays(element, scene);
 
   const settleSoon = debounced(() => {
-    painter.adjust();
     for (const listener of settled) listener();
   }, SETTLE_MILLISECONDS);
 
-  function render() {
-    painter.paint();
+  /** Draws what is due, at once. */
+  function flush() {
+    cancelAnimationFrame(due);
+    due = 0;
+    if (isStale) painter.renew();
+    isStale = false;
+    painter.draw();
+    overlays.flush();
+    marker.flush();
+  }
+
+  function drawSoon() {
+    if (due === 0) due = requestAnimationFrame(flush);
+  }
+
+  function paint() {
+    isStale = true;
+    drawSoon();
     for (const listener of painted) listener();
     settleSoon();
   }
 
+  /** Fits the chart to its element. */
+  function resize() {
+    if (element.clientWidth === 0) return;
+    viewport.refit();
+    paint();
+    flush();
+  }
+
   viewport.onMove(() => {
-    // Zooming out from shapes must not draw thousands of them even once more.
-    if (painter.look().shapes && painter.visibleCount() > 2 * MOST_SHAPES) painter.adjust();
+    drawSoon();
     settleSoon();
   });
   store.listen(['pair'], viewport.restart);
-  store.listen(['pair', 'shown', 'colouring', 'matches', 'selection', 'theme'], render);
-  render();
-  new ResizeObserver(debounced(() => {
-    if (element.clientWidth === 0) return;
-    viewport.refit();
-    echart.resize();
-    render();
-  }, RESIZE_MILLISECONDS)).observe(element);
-
-  viewport.onMove(overlays.repaint);
-  painted.push(overlays.repaint);
+  store.listen(['coordinates'], viewport.refit);
+  store.listen(PAINTED, paint);
+  flush();
+  new ResizeObserver(debounced(resize, RESIZE_MILLISECONDS)).observe(element);
 
   return {
-    echart,
     element,
+    ...frame,
+    view: viewport.view,
+    whole: viewport.whole,
+    setView: viewport.setView,
+    flyTo: viewport.flyTo,
+    /** How the points in view are drawn now, and by what `means`. */
+    look: painter.look,
+    /** The points that are drawn, as of `listPoints`. */
+    list: painter.list,
+    visibleCount: painter.visibleCount,
+    flush,
+    resize,
+    pixelOf,
+    placeOf,
+    /** The drawn gene at a place in pixels, or -1; of several on one spot the topmost. */
+    geneAt(pixelX, pixelY, reach) {
+      const { left, top, width, height } = frame.plot();
+      if (pixelX < left || pixelY < top || pixelX > left + width || pixelY > top + height) return -1;
+      const view = viewport.view();
+      const [x, y] = placeOf(pixelX, pixelY);
+      return nearestGene(model.pointsOf(store.get()), x, y, (reach * (view.x1 - view.x0)) / width, painter.isAbove);
+    },
     /**
      * Draws above the points, after each painting or move: `draw(context, {pixelOf, plot, ink})` is given a
      * 2D context in pixels of the element, cut to the plot, `pixelOf(gene)`, the plot's rectangle and the
@@ -174,14 +226,8 @@ export function createChart(element, model, store) {
     addOverlay: overlays.add,
     /** Asks for the drawings of `addOverlay` when what they show has changed. */
     repaintOverlays: overlays.repaint,
-    ...frame,
-    view: viewport.view,
-    whole: viewport.whole,
-    setView: viewport.setView,
-    flyTo: viewport.flyTo,
-    /** How the points in view are drawn now. */
-    look: painter.look,
-    visibleCount: painter.visibleCount,
+    /** The same above all others, for what follows the pointer. */
+    marker: { add: marker.add, repaint: marker.repaint },
     /** Calls back after each change of what is where. */
     onMove(listener) {
       viewport.onMove(listener);
@@ -191,8 +237,5 @@ export function createChart(element, model, store) {
     onPaint: (listener) => painted.push(listener),
     /** Calls back when the view has come to rest. */
     onSettle: (listener) => settled.push(listener),
-    pixelOf,
-    /** The inverse, for any place. */
-    placeOf: (pixelX, pixelY) => echart.convertFromPixel({ gridIndex: 0 }, [pixelX, pixelY]),
   };
 }

@@ -2,7 +2,7 @@
 
 import { nearestGene, nextGene } from './points.js';
 import { toggled } from './sets.js';
-import { centreOf, contains, shareOf, windowAt } from './windows.js';
+import { centreOf, contains, panned, shareOf, windowAt, zoomAbout } from './windows.js';
 
 const PAN_SHARE = 0.15;
 const ZOOM_FACTOR = 1.4;
@@ -21,12 +21,7 @@ export function zoomBy(chart, model, store, factor) {
   const { focus } = store.get();
   const centre = centreOf(view);
   const fixed = focus >= 0 && contains(view, x[focus], y[focus]) ? { x: x[focus], y: y[focus] } : centre;
-  chart.setView(windowAt(
-    chart.whole(),
-    fixed.x + (centre.x - fixed.x) / factor,
-    fixed.y + (centre.y - fixed.y) / factor,
-    shareOf(chart.whole(), view) / factor,
-  ));
+  chart.setView(zoomAbout(chart.whole(), view, fixed, factor));
 }
 
 /** Moves the view, without zooming, so that a place is in its middle. */
@@ -65,14 +60,8 @@ export function followKeyboard(element, chart, model, store) {
 
   function pan([right, up]) {
     const view = chart.view();
-    const centre = centreOf(view);
     const distance = (view.x1 - view.x0) * PAN_SHARE;
-    chart.setView(windowAt(
-      chart.whole(),
-      centre.x + right * distance,
-      centre.y + up * distance,
-      shareOf(chart.whole(), view),
-    ));
+    chart.setView(panned(chart.whole(), view, right * distance, up * distance));
   }
 
   function toggleFocused() {

@@ -6,12 +6,11 @@ import { createHistory, followUndoKeys } from './history.js';
 import { createMarker } from './marker.js';
 import { createModel } from './model.js';
 import { createStore } from './state.js';
-import { followBrush } from './brush.js';
 import { followKeyboard } from './keyboard.js';
 import { followPointer } from './pointer.js';
 import { followStatus } from './status.js';
+import { fillWindow, placeLegend } from './stage.js';
 import { givenSets } from './named_sets.js';
-import { placeLegend } from './stage.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
@@ -22,8 +21,10 @@ import { showLegend } from './legend.js';
 import { showSearch } from './search.js';
 import { showSelection } from './selection.js';
 import { showSets } from './set_list.js';
+import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
+import { showDensityScale } from './view_options.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
 import { shareOf, windowAt } from './windows.js';
 
@@ -35,6 +36,7 @@ function firstState(model) {
   return {
     pair: 0,
     ...model.colouredBy(0),
+    spotlight: -1,
     hover: -1,
     focus: -1,
     matches: null,
@@ -42,6 +44,11 @@ function firstState(model) {
     sets: givenSets(model.dataset),
     theme: preferredTheme(),
     tool: 'move',
+    coordinates: false,
+    shading: false,
+    contours: false,
+    pointSize: 1,
+    pointOpacity: 1,
   };
 }
 
@@ -73,12 +80,12 @@ function start() {
   const choose = chooser(chart, model, store);
   createMarker(chart, model, store);
   followPointer(chart, model, store);
-  followBrush(chart, model, store);
   printLight(chart, store);
   followKeyboard(part('chart-frame'), chart, model, store);
   showToolbar(part('toolbar'), chart, model, store, (kind) => savePicture(kind, chart, model, store));
   showLegend(part('legend'), chart, model, store);
-  placeLegend(part('stage'), part('legend'), chart, dataset.layout);
+  showSpotlight(chart, model, store);
+  const moveLegend = placeLegend(part('stage'), part('legend'), chart, dataset.layout);
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
   const address = createAddress(model, store, store.get().sets);
@@ -90,10 +97,15 @@ function start() {
   address.follow(sets.tell);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
+  fillWindow(part('stage'), part('help'), chart, () => {
+    chart.resize();
+    moveLegend();
+  });
+  showDensityScale(part('density-scale'), chart);
   window.ovikPage = Object.freeze({
     view: chart.view,
     pixelOf: chart.pixelOf,
-    look: () => ({ ...chart.look() }),
+    look: chart.look,
   });
   document.documentElement.dataset.ready = 'true';
 }

@@ -6,10 +6,11 @@ import { el } from './dom.js';
  * Makes the layer on which they draw.
  *
  * @param {HTMLElement} element of the chart
- * @param {function(): object} scene what each drawing is told: `pixelOf`, `plot` and `ink`
+ * @param {function(): object} scene what each drawing is told: `plot`, to which it is cut, and more
+ * @param {boolean} [isCut] whether drawings are cut to the plot
  * @returns `add(draw)`, `repaint()` (in the next frame, however often it is asked for) and `flush()` (now)
  */
-export function createOverlays(element, scene) {
+export function createOverlays(element, scene, isCut = true) {
   const canvas = el('canvas', { class: 'chart-layer', 'aria-hidden': 'true' });
   const drawings = [];
   let frame = 0;
@@ -35,9 +36,11 @@ export function createOverlays(element, scene) {
     const { left, top, width, height } = told.plot;
     for (const draw of drawings) {
       context.save();
-      context.beginPath();
-      context.rect(left, top, width, height);
-      context.clip();
+      if (isCut) {
+        context.beginPath();
+        context.rect(left, top, width, height);
+        context.clip();
+      }
       draw(context, told);
       context.restore();
     }

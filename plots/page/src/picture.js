@@ -1,28 +1,40 @@
 /** The chart as a picture of fixed size, with title and legend. */
 
-import { init } from './engine.js';
-import { plotOption } from './chart_option.js';
-import { lookOf } from './detail.js';
+import { canvasPen, shortened, svgPen } from './pen.js';
+import { axisRoom } from './axes.js';
+import { categoryOf } from './layers.js';
+import { createLister, drawFront, drawGround, hasGround, marksOf, neededDensity, wantedLook } from './scene.js';
+import { createPixelPrinter } from './pixel_points.js';
+import { contains, fitWindow } from './windows.js';
+import { countInWindow } from './points.js';
 import { drawableText, fileStem } from './format.js';
-import { buildLayers, highlighted } from './layers.js';
-import { namesInView } from './names.js';
-import { genesInWindow } from './points.js';
 import { inkOf } from './theme.js';
+import { namesInView } from './names.js';
 import { titleOf } from './summary.js';
 import { download } from './files.js';
-import { fitWindow } from './windows.js';
 
 const PICTURE = { width: 1200, height: 900, pixelRatio: 2 };
 
+const EDGE = 24;
+const TITLE_SIZE = 20;
+const TITLE_BASE = 32;
+const NOTE_SIZE = 12;
+const NOTE_BASE = 52;
 const TITLE_HEIGHT = 64;
+const LEGEND_GAP = 20;
+const LEGEND_STEP = 20;
+const LEGEND_MARK = 12;
+const LEGEND_SIZE = 12;
 const MOST_ENTRIES = 36;
 const MOST_LEVELS = 9;
+
 /** Up to so many points are drawn as shapes; more would make files that no editor opens. */
 const MOST_SHAPES = 20000;
+const LEAST_SHAPE = 5;
 
-function pictureLook(count) {
-  const look = lookOf(count);
-  return look.shapes || count > MOST_SHAPES ? look : { shapes: true, size: 5, opacity: 0.6 };
+function pictureLook(count, state) {
+  const look = wantedLook(count, state);
+  return count > MOST_SHAPES ? look : { ...look, shapes: true, size: Math.max(look.size, LEAST_SHAPE * state.pointSize) };
 }
 
 /** At most `most` of some categories: the first ones, or of a scale those at equal steps. */
@@ -31,81 +43,140 @@ function namedOf(shown, scale, most) {
   return Array.from({ length: most }, (_, step) => shown[Math.round((step * (shown.length - 1)) / (most - 1))]);
 }
 
-function legend(model, categories, named, ink, margins) {
-  return {
-    show: categories.labelled,
-    type: 'plain',
-    orient: 'vertical',
-    left: PICTURE.width - margins[1] + 20,
-    top: margins[0],
-    itemWidth: 12,
-    itemHeight: 12,
-    itemGap: 8,
-    selectedMode: false,
-    data: named.map((category) => ({ name: `${category}`, itemStyle: { opacity: 1 } })),
-    formatter: (name) => drawableText(categories.list[Number(name)].text, 60),
-    textStyle: { color: ink.text, width: model.dataset.layout.legendWidth - 14, overflow: 'truncate' },
-  };
+/** The categories of the points in view, ascending. */
+function categoriesInView(list, view) {
+  const seen = new Set();
+  for (let i = 0; i < list.count; i += 1) {
+    if (contains(view, list.x[i], list.y[i])) seen.add(categoryOf(list.kinds[i]));
+  }
+  return [...seen].sort((a, b) => a - b);
 }
 
-/** The option of the picture that shows what the page shows now. */
-function pictureOption(chart, model, state) {
-  const { dataset } = model;
+/** What the page shows now, as a scene of the picture's size. */
+function pictureScene(chart, model, state) {
+  const { layout, showLabels } = model.dataset;
   const ink = inkOf(state.theme);
-  const margins = [...dataset.layout.margins];
-  margins[0] = Math.max(margins[0], TITLE_HEIGHT);
+  const pair = model.pairOf(state);
+  const [bottom, left] = axisRoom(pair?.extent ?? { y0: -1, y1: 1 }, layout, state.coordinates);
+  const legendRoom = Math.max(layout.legendWidth + LEGEND_GAP + EDGE, EDGE);
+  const margins = [TITLE_HEIGHT, legendRoom, bottom + EDGE / 2, left + EDGE / 2];
   const plot = {
+    left: margins[3],
+    top: margins[0],
     width: Math.max(PICTURE.width - margins[1] - margins[3], 40),
     height: Math.max(PICTURE.height - margins[0] - margins[2], 40),
   };
-  const range = fitWindow(chart.view(), plot.width, plot.height, 0);
-  const drawn = model.pointsOf(state);
-  const points = { ...drawn, genes: genesInWindow(drawn, range) };
-  const categories = model.categoriesOf(state);
-  const layers = buildLayers(points, categories, model.stylesOf(state), highlighted(state));
-  const drawnAlike = [...new Set(layers.map((layer) => layer.category))].sort((a, b) => a - b);
-  const named = namedOf(drawnAlike, categories.scale, categories.scale ? MOST_LEVELS : MOST_ENTRIES);
-  const shownCount = new Set(Array.from(points.genes, (gene) => categories.of[gene])).size;
+  const view = fitWindow(chart.view(), plot.width, plot.height, 0);
+  const list = createLister(model)(state);
+  const points = model.pointsOf(state);
+  const look = pictureLook(countInWindow(points, view), state);
   return {
-    ...plotOption({
-      pair: model.pairOf(state),
-      range,
-      layers,
-      look: pictureLook(points.genes.length),
-      names: dataset.showLabels ? namesInView(dataset, points, range, plot) : [],
-      ink,
-      layout: dataset.layout,
-      margins,
-      plot,
-    }),
-    title: {
-      text: drawableText(titleOf(dataset)),
-      subtext: named.length < shownCount && !categories.scale ? `The legend names ${named.length} of ${shownCount} labels.` : '',
-      left: margins[3],
-      top: 12,
-      itemGap: 6,
-      textStyle: { color: ink.text, fontSize: 20, fontWeight: 600, width: plot.width, overflow: 'truncate' },
-      subtextStyle: { color: ink.muted, fontSize: 12 },
-    },
-    legend: legend(model, categories, named, ink, margins),
+    state,
+    ink,
+    pair,
+    layout,
+    margins,
+    plot,
+    view,
+    list,
+    look,
+    marks: marksOf(list, model.stylesOf(state), look, ink),
+    density: neededDensity(state, list, view, plot),
+    names: showLabels ? namesInView(model.dataset, points, view, plot) : [],
   };
 }
 
-const SIZE = { width: PICTURE.width, height: PICTURE.height };
-
-async function svgOf(option) {
-  const picture = init(null, null, { renderer: 'svg', ssr: true, ...SIZE });
-  picture.setOption(option);
-  const text = picture.renderToSVGString();
-  picture.dispose();
-  return new Blob([text], { type: 'image/svg+xml' });
+/** The points of a scene on a canvas, with what lies beneath them. */
+function printedPoints(scene) {
+  const { list, marks, view, plot, state, ink, layout } = scene;
+  const context = document.createElement('canvas').getContext('2d', { willReadFrequently: true });
+  const { canvas } = context;
+  canvas.width = Math.round(plot.width * PICTURE.pixelRatio);
+  canvas.height = Math.round(plot.height * PICTURE.pixelRatio);
+  let ground = ink.surface;
+  if (hasGround(state, layout)) {
+    context.fillStyle = ink.surface;
+    context.fillRect(0, 0, canvas.width, canvas.height);
+    context.scale(PICTURE.pixelRatio, PICTURE.pixelRatio);
+    drawGround(canvasPen(context), { ...scene, plot: { ...plot, left: 0, top: 0 } });
+    ground = context.getImageData(0, 0, canvas.width, canvas.height);
+  }
+  createPixelPrinter()(context, list, marks, view, PICTURE.pixelRatio, ground);
+  return canvas;
 }
 
-async function pngOf(option) {
-  const picture = init(document.createElement('div'), null, { renderer: 'canvas', ...SIZE });
-  picture.setOption(option);
-  const canvas = picture.renderToCanvas({ pixelRatio: PICTURE.pixelRatio, backgroundColor: option.backgroundColor });
-  picture.dispose();
+/** Draws the points of a scene one by one. */
+function drawPoints(pen, { list, marks, view, plot }) {
+  pen.within(plot, () => {
+    for (let i = 0; i < list.count; i += 1) {
+      if (contains(view, list.x[i], list.y[i])) {
+        pen.mark(
+          marks[list.kinds[i]],
+          plot.left + ((list.x[i] - view.x0) / (view.x1 - view.x0)) * plot.width,
+          plot.top + ((view.y1 - list.y[i]) / (view.y1 - view.y0)) * plot.height,
+        );
+      }
+    }
+  });
+}
+
+/** Draws the legend and returns how many of the labels in view it names, and of how many. */
+function drawLegend(pen, model, { state, list, view, plot, ink, layout, margins }) {
+  const categories = model.categoriesOf(state);
+  if (!categories.labelled) return null;
+  const present = categoriesInView(list, view);
+  const named = namedOf(present, categories.scale, categories.scale ? MOST_LEVELS : MOST_ENTRIES);
+  const styles = model.stylesOf(state);
+  const left = PICTURE.width - margins[1] + LEGEND_GAP;
+  named.forEach((category, row) => {
+    const { colour, shape } = styles[category];
+    const middle = plot.top + LEGEND_MARK / 2 + row * LEGEND_STEP;
+    pen.mark({ colour, shape, size: LEGEND_MARK - 2, opacity: 1, edge: null, halo: null }, left + LEGEND_MARK / 2, middle);
+    const text = shortened(drawableText(categories.list[category].text, 60), layout.legendWidth - LEGEND_MARK, LEGEND_SIZE);
+    pen.text(text, left + LEGEND_MARK + 6, middle + 4, { size: LEGEND_SIZE, fill: ink.text });
+  });
+  return categories.scale || named.length === present.length ? null : { named: named.length, present: present.length };
+}
+
+/** Draws everything but the points. */
+function drawAround(pen, model, scene) {
+  const { plot, ink, margins } = scene;
+  drawFront(pen, scene);
+  const room = PICTURE.width - margins[3] - EDGE;
+  pen.text(shortened(drawableText(titleOf(model.dataset)), room, TITLE_SIZE, 600), plot.left, TITLE_BASE, {
+    size: TITLE_SIZE, fill: ink.text, weight: 600,
+  });
+  const cut = drawLegend(pen, model, scene);
+  if (cut) {
+    pen.text(`The legend names ${cut.named} of ${cut.present} labels.`, plot.left, NOTE_BASE, { size: NOTE_SIZE, fill: ink.muted });
+  }
+}
+
+async function svgOf(model, scene, count) {
+  const { plot, ink } = scene;
+  const pen = svgPen();
+  pen.box(0, 0, PICTURE.width, PICTURE.height, { fill: ink.surface });
+  if (count > MOST_SHAPES) {
+    pen.image(printedPoints(scene), plot.left, plot.top, plot.width, plot.height);
+  } else {
+    drawGround(pen, scene);
+    drawPoints(pen, scene);
+  }
+  drawAround(pen, model, scene);
+  return new Blob([pen.document(PICTURE.width, PICTURE.height)], { type: 'image/svg+xml' });
+}
+
+async function pngOf(model, scene) {
+  const { plot, ink } = scene;
+  const context = document.createElement('canvas').getContext('2d');
+  const { canvas } = context;
+  canvas.width = PICTURE.width * PICTURE.pixelRatio;
+  canvas.height = PICTURE.height * PICTURE.pixelRatio;
+  context.scale(PICTURE.pixelRatio, PICTURE.pixelRatio);
+  const pen = canvasPen(context);
+  pen.box(0, 0, PICTURE.width, PICTURE.height, { fill: ink.surface });
+  pen.image(printedPoints(scene), plot.left, plot.top, plot.width, plot.height);
+  drawAround(pen, model, scene);
   return new Promise((resolve) => {
     canvas.toBlob(resolve, 'image/png');
   });
@@ -113,6 +184,9 @@ async function pngOf(option) {
 
 /** Saves the picture as `kind`, 'png' or 'svg'. */
 export async function savePicture(kind, chart, model, store) {
-  const option = pictureOption(chart, model, store.get());
-  download(await { png: pngOf, svg: svgOf }[kind](option), `${fileStem(model.dataset.name)}.${kind}`);
+  const state = store.get();
+  const scene = pictureScene(chart, model, state);
+  const count = countInWindow(model.pointsOf(state), scene.view);
+  const content = await { png: pngOf, svg: svgOf }[kind](model, scene, count);
+  download(content, `${fileStem(model.dataset.name)}.${kind}`);
 }

@@ -1,45 +1,31 @@
-/** Pointing at genes with mouse, pen or finger. */
+/** Pointing at genes with mouse, pen or finger, and choosing them by a box or a lasso. */
 
-import { nearestGene } from './points.js';
+import { createArea } from './brush.js';
+import { followGestures } from './gestures.js';
 
 const MOUSE_REACH = 9;
 const FINGER_REACH = 24;
 
-/** Sets the gene under the pointer, and the focus on click; nothing is pointed at while dragging. */
+/** Sets the gene under the pointer, the focus on click, and the selection by areas. */
 export function followPointer(chart, model, store) {
-  const canvas = chart.echart.getZr();
-  let pressed = false;
+  const area = createArea(chart, model, store);
+  const { element } = chart;
 
-  function geneAt(event, reach) {
-    const { left, top, width, height } = chart.plot();
-    const [x, y] = [event.offsetX, event.offsetY];
-    if (x < left || y < top || x > left + width || y > top + height) return -1;
-    const [atX, atY] = chart.placeOf(x, y);
-    const view = chart.view();
-    return nearestGene(model.pointsOf(store.get()), atX, atY, (reach * (view.x1 - view.x0)) / width);
-  }
+  const update = ({ tool, hover }) => {
+    element.dataset.tool = tool;
+    element.classList.toggle('at-gene', hover >= 0);
+  };
+  store.listen(['tool', 'hover'], update);
+  update(store.get());
 
-  canvas.on('mousedown', () => {
-    pressed = true;
-    store.set({ hover: -1 });
-  });
-  canvas.on('mouseup', () => {
-    pressed = false;
-  });
-  canvas.on('globalout', () => {
-    store.set({ hover: -1 });
-  });
-  window.addEventListener('pointerup', () => {
-    pressed = false;
-  });
-  canvas.on('mousemove', (event) => {
-    if (pressed || store.get().tool !== 'move') return;
-    store.set({ hover: geneAt(event, MOUSE_REACH) });
-  });
-  canvas.on('click', (event) => {
-    if (store.get().tool !== 'move') return;
-    const reach = event.event?.zrByTouch ? FINGER_REACH : MOUSE_REACH;
-    const gene = geneAt(event, reach);
-    store.set({ focus: gene, hover: -1 });
+  followGestures(chart, store, {
+    hover(_, place) {
+      store.set({ hover: place ? chart.geneAt(place.x, place.y, MOUSE_REACH) : -1 });
+    },
+    click(event, { x, y }) {
+      const reach = event.pointerType === 'touch' ? FINGER_REACH : MOUSE_REACH;
+      store.set({ focus: chart.geneAt(x, y, reach), hover: -1 });
+    },
+    area,
   });
 }

@@ -1,10 +1,9 @@
 /**
  * Finding genes by place. `points` is `{x, y, genes}`: the coordinates of all genes and the ascending
- * numbers of those that are drawn. A walk over 200,000 points takes under a millisecond, so there is
- * no index to keep up to date.
+ * numbers of those that are drawn.
  */
 
-import { contain } from 'zrender/lib/contain/polygon.js';
+import { countInBox, indexOf, visitNear } from './grid_index.js';
 import { contains } from './windows.js';
 
 /** The genes of a pair that have a position and a category that is shown, ascending. */
@@ -21,19 +20,38 @@ export function drawnGenes(pair, categories, shown) {
   return genes.subarray(0, count);
 }
 
-/** The drawn gene nearest to a place and at most `reach` data units away, or -1; of equals the last,
- *  which is drawn on top. */
-export function nearestGene({ x, y, genes }, atX, atY, reach = Infinity) {
+/** The nearest gene within a square around a place, and its squared distance. */
+function nearestWithin(index, { x, y }, atX, atY, reach, isAbove) {
   let best = -1;
   let least = reach * reach;
-  for (const gene of genes) {
+  visitNear(index, { x0: atX - reach, x1: atX + reach, y0: atY - reach, y1: atY + reach }, (gene) => {
     const distance = (x[gene] - atX) ** 2 + (y[gene] - atY) ** 2;
-    if (distance <= least) {
+    if (distance < least || (distance === least && (best < 0 || isAbove(gene, best)))) {
       least = distance;
       best = gene;
     }
-  }
+  });
   return best;
+}
+
+const isLater = (gene, other) => gene > other;
+
+/**
+ * The drawn gene nearest to a place and at most `reach` data units away, or -1.
+ *
+ * @param {function(number, number): boolean} [isAbove] whether a gene is drawn above another one: of
+ *   equally near ones that is found; without it the one of the higher number
+ */
+export function nearestGene(points, atX, atY, reach = Infinity, isAbove = isLater) {
+  const index = indexOf(points);
+  if (!index) return -1;
+  // The answer within a small square is the answer, if there is one.
+  for (let tried = index.step; tried < reach; tried *= 4) {
+    const gene = nearestWithin(index, points, atX, atY, tried, isAbove);
+    if (gene >= 0) return gene;
+    if (tried > 4 * index.step * Math.max(index.columns, index.rows)) break;
+  }
+  return nearestWithin(index, points, atX, atY, reach, isAbove);
 }
 
 /**
@@ -71,16 +89,30 @@ export function genesInWindow({ x, y, genes }, view) {
 }
 
 /** How many drawn genes lie in a window. */
-export function countInWindow({ x, y, genes }, view) {
-  let count = 0;
-  for (const gene of genes) if (contains(view, x[gene], y[gene])) count += 1;
-  return count;
+export function countInWindow(points, view) {
+  const index = indexOf(points);
+  return index ? countInBox(index, points, view) : 0;
+}
+
+/** Whether a place lies within a polygon; where its line crosses itself, by the even-odd rule. */
+function isInPolygon(corners, atX, atY) {
+  let inside = false;
+  for (let i = 0, last = corners.length - 1; i < corners.length; last = i, i += 1) {
+    const [x0, y0] = corners[last];
+    const [x1, y1] = corners[i];
+    if (y0 > atY !== y1 > atY && atX <= x0 + ((atY - y0) / (y1 - y0)) * (x1 - x0)) inside = !inside;
+  }
+  return inside;
 }
 
 /** The drawn genes within a polygon of [x, y] corners, ascending. */
 export function genesInPolygon(points, corners) {
-  const xs = corners.map((corner) => corner[0]);
-  const ys = corners.map((corner) => corner[1]);
-  const box = { x0: Math.min(...xs), x1: Math.max(...xs), y0: Math.min(...ys), y1: Math.max(...ys) };
-  return genesInWindow(points, box).filter((gene) => contain(corners, points.x[gene], points.y[gene]));
+  const box = { x0: Infinity, x1: -Infinity, y0: Infinity, y1: -Infinity };
+  for (const [x, y] of corners) {
+    box.x0 = Math.min(box.x0, x);
+    box.x1 = Math.max(box.x1, x);
+    box.y0 = Math.min(box.y0, y);
+    box.y1 = Math.max(box.y1, y);
+  }
+  return genesInWindow(points, box).filter((gene) => isInPolygon(corners, points.x[gene], points.y[gene]));
 }

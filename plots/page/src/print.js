@@ -7,7 +7,7 @@ export function printLight(chart, store) {
     onScreen = store.get().theme;
     store.set({ theme: 'light' });
     // Printing does not wait for the next frame.
-    chart.echart.getZr().flush();
+    chart.flush();
   });
   window.addEventListener('afterprint', () => store.set({ theme: onScreen }));
 }

@@ -5,6 +5,7 @@
  * @property {number} pair index of the pair of components that is drawn
  * @property {number} colouring index of what genes are coloured by
  * @property {Uint8Array} shown 1 for each category that is drawn
+ * @property {number} spotlight the category that the reader points at in the legend, or -1
  * @property {number} hover gene under the pointer, or -1
  * @property {number} focus gene whose details are shown, or -1
  * @property {Int32Array|null} matches genes that the search found, ascending; null without a search
@@ -12,6 +13,11 @@
  * @property {object[]} sets named sets of genes, as of `named_sets.js`
  * @property {'light'|'dark'} theme
  * @property {'move'|'box'|'lasso'} tool what dragging in the chart does
+ * @property {boolean} coordinates whether the axes have numbers
+ * @property {boolean} shading whether density is shaded
+ * @property {boolean} contours whether lines of equal density are drawn
+ * @property {number} pointSize size of the points, as a factor of what suits their number
+ * @property {number} pointOpacity the same of their opacity
  */
 
 /**

@@ -31,6 +31,7 @@ export function inkOf(theme) {
     surface: colour('surface'),
     accent: colour('accent'),
     border: colour('border'),
+    found: colour('found'),
   };
 }
 

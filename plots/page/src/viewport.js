@@ -1,36 +1,25 @@
 /** Which part of the plane the chart shows, and moving it. */
 
 import { prefersStillness } from './theme.js';
-import { between, fitWindow, fromPercent, SMALLEST_SHARE, toPercent } from './windows.js';
+import { between, fitWindow, shareOf, windowAt } from './windows.js';
 
 const FLIGHT_MILLISECONDS = 600;
-const WHOLE_PERCENT = { x: [0, 100], y: [0, 100] };
-const SIDE_OF_ZOOM = { 'zoom-x': 'x', 'zoom-y': 'y' };
 
 const easeInOut = (t) => (t < 0.5 ? 2 * t * t : 1 - (2 - 2 * t) ** 2 / 2);
-
-/** A range moved, and if need be cut, to lie within 0 to 100. */
-function clamped([start, end]) {
-  const span = Math.min(end - start, 100);
-  const low = Math.min(Math.max(start, 0), 100 - span);
-  return [low, low + span];
-}
 
 /**
  * Makes the viewport of a chart.
  *
- * @param {object} echart the library's chart
- * @param {HTMLElement} element in which it is; touching it ends a flight
+ * @param {HTMLElement} element of the chart; touching it ends a flight
  * @param {function(): {width: number, height: number}} plot pixels within the axes
  * @param {function(): object|null} extent of the points
  */
-export function createViewport(echart, element, plot, extent) {
+export function createViewport(element, plot, extent) {
   const moved = [];
-  let percent = WHOLE_PERCENT;
   let whole = fitWindow(null, 1, 1);
+  let view = whole;
   let flight = 0;
 
-  const view = () => fromPercent(whole, percent);
   const stop = () => cancelAnimationFrame(flight);
   element.addEventListener('pointerdown', stop);
   element.addEventListener('wheel', stop, { passive: true });
@@ -41,26 +30,15 @@ export function createViewport(echart, element, plot, extent) {
   }
 
   function show(target) {
-    const wanted = toPercent(whole, target);
-    echart.dispatchAction({
-      type: 'dataZoom',
-      batch: Object.entries(SIDE_OF_ZOOM).map(([dataZoomId, side]) => {
-        const [start, end] = clamped(wanted[side]);
-        return { dataZoomId, start, end };
-      }),
-    });
+    view = target;
+    for (const listener of moved) listener();
   }
 
-  echart.on('datazoom', (event) => {
-    for (const { dataZoomId, start, end } of event.batch ?? [event]) {
-      percent = { ...percent, [SIDE_OF_ZOOM[dataZoomId]]: [start, end] };
-    }
-    for (const listener of moved) listener();
-  });
   fit();
+  view = whole;
 
   return {
-    view,
+    view: () => view,
     /** The window that holds all points. */
     whole: () => whole,
     /** Calls back after each change of the view. */
@@ -76,11 +54,11 @@ export function createViewport(echart, element, plot, extent) {
         show(target);
         return;
       }
-      const from = view();
+      const from = view;
       const begin = performance.now();
       const step = (now) => {
         const progress = Math.min(Math.max((now - begin) / FLIGHT_MILLISECONDS, 0), 1);
-        show(between(whole, from, target, easeInOut(progress)));
+        show(progress < 1 ? between(whole, from, target, easeInOut(progress)) : target);
         if (progress < 1) flight = requestAnimationFrame(step);
       };
       flight = requestAnimationFrame(step);
@@ -88,29 +66,22 @@ export function createViewport(echart, element, plot, extent) {
     /** Shows everything from the next drawing on, as for other points. */
     restart() {
       stop();
-      percent = WHOLE_PERCENT;
       fit();
+      view = whole;
     },
     /** Keeps what is shown, as far as the shape of the plot allows, from the next drawing on. */
     refit() {
-      const kept = view();
-      const wasWhole = percent.x[1] - percent.x[0] > 99.99;
+      const kept = view;
+      const wasWhole = shareOf(whole, view) > 0.9999;
       const { width, height } = plot();
       fit();
-      if (wasWhole) return;
-      const wanted = toPercent(whole, fitWindow(kept, width, height, 0));
-      percent = { x: clamped(wanted.x), y: clamped(wanted.y) };
+      if (wasWhole) {
+        view = whole;
+        return;
+      }
+      const { x0, x1, y0, y1 } = kept;
+      const share = shareOf(whole, fitWindow(kept, width, height, 0));
+      view = windowAt(whole, (x0 + x1) / 2, (y0 + y1) / 2, share);
     },
-    /** The library's options for zooming, at the present view. */
-    zoomOptions: () => Object.entries(SIDE_OF_ZOOM).map(([id, side]) => ({
-      id,
-      type: 'inside',
-      [`${side}AxisIndex`]: 0,
-      start: percent[side][0],
-      end: percent[side][1],
-      filterMode: 'filter',
-      throttle: 0,
-      minSpan: SMALLEST_SHARE * 100,
-    })),
   };
 }

@@ -12,6 +12,8 @@ export const SMALLEST_SHARE = 0.0005;
 
 const PLAIN = { x0: -1, x1: 1, y0: -1, y1: 1 };
 
+const clamp = (value, low, high) => Math.min(Math.max(value, low), Math.max(low, high));
+
 const spanOf = (low, high) => (high > low ? high - low : 0);
 
 /**
@@ -49,12 +51,43 @@ export function windowAt(whole, x, y, share) {
   const kept = Math.min(Math.max(share, SMALLEST_SHARE), 1);
   const width = (whole.x1 - whole.x0) * kept;
   const height = (whole.y1 - whole.y0) * kept;
-  const clamp = (value, low, high) => Math.min(Math.max(value, low), Math.max(low, high));
   return around(
     clamp(x, whole.x0 + width / 2, whole.x1 - width / 2),
     clamp(y, whole.y0 + height / 2, whole.y1 - height / 2),
     width,
     height,
+  );
+}
+
+/**
+ * The window after zooming around a place that stays where it is. Zooming out leads back to the whole,
+ * however far the window was moved beyond it.
+ *
+ * @param {{x: number, y: number}} fixed in data units
+ * @param {number} factor above 1 = nearer
+ */
+export function zoomAbout(whole, view, fixed, factor) {
+  const share = shareOf(whole, view);
+  const wanted = Math.min(Math.max(share / factor, SMALLEST_SHARE), 1);
+  const centre = centreOf(view);
+  const x = fixed.x + (centre.x - fixed.x) * (wanted / share);
+  const y = fixed.y + (centre.y - fixed.y) * (wanted / share);
+  const width = (whole.x1 - whole.x0) * wanted;
+  const height = (whole.y1 - whole.y0) * wanted;
+  if (wanted < share) return around(x, y, width, height);
+  const inside = centreOf(windowAt(whole, x, y, wanted));
+  const back = share < 1 ? (wanted - share) / (1 - share) : 1;
+  return around(x + (inside.x - x) * back, y + (inside.y - y) * back, width, height);
+}
+
+/** The window moved by data units, as far as its middle stays within the whole. */
+export function panned(whole, view, right, up) {
+  const centre = centreOf(view);
+  return around(
+    clamp(centre.x + right, whole.x0, whole.x1),
+    clamp(centre.y + up, whole.y0, whole.y1),
+    view.x1 - view.x0,
+    view.y1 - view.y0,
   );
 }
 
@@ -76,25 +109,7 @@ export function between(whole, from, to, progress) {
   const left = Math.abs(first - last) < 1e-9 * first ? 1 - progress : (share - last) / (first - last);
   const start = centreOf(from);
   const end = centreOf(to);
-  return windowAt(whole, end.x + (start.x - end.x) * left, end.y + (start.y - end.y) * left, share);
-}
-
-/** A window as percent ranges of the whole, as the chart library counts. */
-export function toPercent(whole, view) {
-  const percent = (value, low, high) => ((value - low) / (high - low)) * 100;
-  return {
-    x: [percent(view.x0, whole.x0, whole.x1), percent(view.x1, whole.x0, whole.x1)],
-    y: [percent(view.y0, whole.y0, whole.y1), percent(view.y1, whole.y0, whole.y1)],
-  };
-}
-
-/** The inverse of `toPercent`. */
-export function fromPercent(whole, { x, y }) {
-  const value = (percent, low, high) => low + ((high - low) * percent) / 100;
-  return {
-    x0: value(x[0], whole.x0, whole.x1),
-    x1: value(x[1], whole.x0, whole.x1),
-    y0: value(y[0], whole.y0, whole.y1),
-    y1: value(y[1], whole.y0, whole.y1),
-  };
+  const width = (whole.x1 - whole.x0) * share;
+  const height = (whole.y1 - whole.y0) * share;
+  return around(end.x + (start.x - end.x) * left, end.y + (start.y - end.y) * left, width, height);
 }
