@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "results/gene_set.h"
 #include "util/matrix_view.h"
 
 namespace ovik::python {
@@ -19,6 +20,8 @@ struct PageTexts {
     std::vector<std::string> labels;
     /// What the genes do, one per row; empty: as the gene table has it.
     std::vector<std::string> functions;
+    /// Sets of the rows.
+    std::vector<GeneSet> sets;
     /// Names and values of the run's parameters.
     std::vector<std::pair<std::string, std::string>> parameters;
 };

@@ -269,28 +269,45 @@ describe('the address', () => {
   });
 });
 
-test('what was done is undone and done again, and anew', () => {
-  const store = createStore({ selection: 0, sets: 'a', other: 1 });
-  const history = createHistory(store, ['selection', 'sets']);
-  const now = () => [store.get().selection, store.get().sets];
-  history.undo();
-  history.redo();
-  assert.ok(!history.canUndo() && !history.canRedo());
-  store.set({ selection: 1 });
-  store.set({ other: 2 });
-  store.set({ selection: 2, sets: 'b' });
-  history.undo();
-  assert.deepEqual(now(), [1, 'a']);
-  history.undo();
-  assert.deepEqual(now(), [0, 'a']);
-  assert.ok(!history.canUndo() && history.canRedo());
-  history.redo();
-  history.redo();
-  assert.deepEqual(now(), [2, 'b']);
-  assert.equal(store.get().other, 2);
-  history.undo();
-  store.set({ sets: 'c' });
-  assert.ok(!history.canRedo());
-  history.undo();
-  assert.deepEqual(now(), [1, 'a']);
+describe('the history', () => {
+  test('what was done is undone and done again, and anew', () => {
+    const store = createStore({ selection: 'none', sets: 'a', other: 1 });
+    const history = createHistory(store, ['selection', 'sets']);
+    const now = () => [store.get().selection, store.get().sets];
+    history.undo();
+    history.redo();
+    assert.ok(!history.canUndo() && !history.canRedo());
+    store.set({ selection: 'one' });
+    store.set({ other: 2 });
+    store.set({ selection: 'two', sets: 'b' });
+    history.undo();
+    assert.deepEqual(now(), ['one', 'a']);
+    history.undo();
+    assert.deepEqual(now(), ['none', 'a']);
+    assert.ok(!history.canUndo() && history.canRedo());
+    history.redo();
+    history.redo();
+    assert.deepEqual(now(), ['two', 'b']);
+    assert.equal(store.get().other, 2);
+    history.undo();
+    store.set({ sets: 'c' });
+    assert.ok(!history.canRedo());
+    history.undo();
+    assert.deepEqual(now(), ['one', 'a']);
+  });
+
+  test('has an end: 200 steps, fewer of huge selections', () => {
+    const stepsOf = (length, made) => {
+      const store = createStore({ selection: { length, step: 0 } });
+      const history = createHistory(store, ['selection']);
+      for (let step = 1; step <= made; step += 1) store.set({ selection: { length, step } });
+      let steps = 0;
+      for (; history.canUndo(); steps += 1) history.undo();
+      assert.equal(store.get().selection.step, made - steps);
+      return steps;
+    };
+    assert.equal(stepsOf(10, 250), 200);
+    assert.equal(stepsOf(1e6, 50), 20);
+    assert.equal(stepsOf(1e9, 5), 1);
+  });
 });

@@ -1,9 +1,23 @@
 /** Undoing and doing again what was done to the selection and to the sets. */
 
 const MOST_STEPS = 200;
+/** Genes of all selections that are kept: 80 MB. */
+const MOST_GENES = 2e7;
+
+/** The last steps, at least one, of which there is neither too much. */
+function lastOf(steps) {
+  let first = steps.length - 1;
+  let genes = steps[first].selection.length;
+  while (first > 0 && steps.length - first < MOST_STEPS) {
+    genes += steps[first - 1].selection.length;
+    if (genes > MOST_GENES) break;
+    first -= 1;
+  }
+  return steps.slice(first);
+}
 
 /**
- * Follows some keys of the store.
+ * Follows some keys of the store, of which one is the selection.
  *
  * @returns `undo()` and `redo()`, each without effect where there is nothing to go to; `canUndo()` and
  *   `canRedo()`
@@ -17,7 +31,7 @@ export function createHistory(store, keys) {
 
   store.listen(keys, (state) => {
     if (!isTravelling) {
-      past = [...past, present].slice(-MOST_STEPS);
+      past = lastOf([...past, present]);
       future = [];
     }
     present = part(state);

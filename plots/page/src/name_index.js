@@ -2,23 +2,36 @@
 
 const upper = (text) => text.toUpperCase();
 
+/** Puts a gene under a name; a list is made for the second one only. */
 function add(genesOf, name, gene) {
-  if (name === '') return;
-  const genes = genesOf.get(name);
-  if (genes === undefined) genesOf.set(name, [gene]);
-  else if (genes.at(-1) !== gene) genes.push(gene);
+  if (!name) return;
+  const key = upper(name);
+  const genes = genesOf.get(key);
+  if (genes === undefined) genesOf.set(key, gene);
+  else if (typeof genes === 'number') {
+    if (genes !== gene) genesOf.set(key, [genes, gene]);
+  } else if (genes.at(-1) !== gene) genes.push(gene);
 }
 
-/** Maps from names to genes, those that count first ahead. */
+function genesUnder(genesOf, name) {
+  const genes = genesOf.get(upper(name)) ?? [];
+  return typeof genes === 'number' ? [genes] : genes;
+}
+
+/** Genes by their names in capitals, and by their aliases. */
 function readNames({ names, genes: listed, aliases, count }) {
-  const [own, main, further] = [new Map(), new Map(), new Map()];
+  const [main, further] = [new Map(), new Map()];
   for (let gene = 0; gene < count; gene += 1) {
+    add(main, names[gene], gene);
+    add(main, listed[gene], gene);
     const known = aliases?.[gene];
-    add(own, names[gene] ?? '', gene);
-    for (const name of [names[gene], listed[gene], known?.systematic, known?.sgd]) add(main, upper(name ?? ''), gene);
-    for (const alias of known?.aliases ?? []) add(further, upper(alias), gene);
+    if (known) {
+      add(main, known.systematic, gene);
+      add(main, known.sgd, gene);
+      for (const alias of known.aliases) add(further, alias, gene);
+    }
   }
-  return { own, main, further };
+  return { main, further };
 }
 
 /**
@@ -35,10 +48,12 @@ export function createNameIndex(dataset) {
 
   function find(name) {
     known ??= readNames(dataset);
-    const genes = known.own.get(name) ?? known.main.get(upper(name));
-    if (genes) return genes;
-    const further = known.further.get(upper(name));
-    const meant = new Set(further?.map((gene) => dataset.aliases[gene].systematic));
+    const genes = genesUnder(known.main, name);
+    const own = genes.filter((gene) => dataset.names[gene] === name);
+    if (own.length > 0) return own;
+    if (genes.length > 0) return genes;
+    const further = genesUnder(known.further, name);
+    const meant = new Set(further.map((gene) => dataset.aliases[gene].systematic));
     return meant.size === 1 ? further : null;
   }
 

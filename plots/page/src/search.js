@@ -22,16 +22,24 @@ function otherNames(dataset, gene) {
   return names.filter((name) => name !== '' && name !== nameOf(dataset, gene));
 }
 
-/** Its labels; numbers are no words. */
-const labelsOf = (dataset, gene) => dataset.colourings
-  .filter(({ numbers }) => numbers === null)
+/** Labels that are searched: numbers are no words. */
+const labelColumns = ({ colourings }) => colourings.filter(({ numbers }) => numbers === null);
+
+const labelsOf = (dataset, gene) => labelColumns(dataset)
   .map(({ labels }) => labels[gene] ?? '')
   .filter((label) => label !== '');
 
-/** All that is searched, in small letters: names between line ends, then the other texts. */
-function searchText(dataset, gene) {
-  const names = [nameOf(dataset, gene), ...otherNames(dataset, gene)];
-  return `\n${names.join('\n')}\n\0${[functionOf(dataset, gene), ...labelsOf(dataset, gene)].join('\0')}`.toLowerCase();
+/** All that is searched of each gene, in small letters: names between line ends, then the other texts. */
+function searchTexts(dataset) {
+  const columns = labelColumns(dataset);
+  const names = (known) => `${[known.systematic, known.sgd, ...known.aliases].join('\n')}\n`;
+  return Array.from({ length: dataset.count }, (_, gene) => {
+    const listed = dataset.genes[gene] ? `${dataset.genes[gene]}\n` : '';
+    const known = dataset.aliases?.[gene];
+    let labels = '';
+    for (const column of columns) labels += `\0${column.labels[gene] ?? ''}`;
+    return `\n${nameOf(dataset, gene)}\n${listed}${known ? names(known) : ''}\0${functionOf(dataset, gene)}${labels}`.toLowerCase();
+  });
 }
 
 /**
@@ -47,16 +55,20 @@ export function createFinder(dataset) {
   let texts = null;
 
   function genesWith(words, wanted) {
-    texts ??= Array.from({ length: dataset.count }, (_, gene) => searchText(dataset, gene));
+    texts ??= searchTexts(dataset);
     const found = [];
-    texts.forEach((text, gene) => {
-      if (words.every((word) => text.includes(word))) found.push(gene);
-    });
-    const rank = (gene) => (texts[gene].includes(`\n${wanted}\n`) ? 0 : texts[gene].includes(`\n${wanted}`) ? 1 : 2);
-    const ranks = new Map(found.map((gene) => [gene, rank(gene)]));
+    for (let gene = 0; gene < texts.length; gene += 1) {
+      if (words.every((word) => texts[gene].includes(word))) found.push(gene);
+    }
+    // Those that have the name come first, then those of which a name begins with the query.
+    const ranked = [[], [], []];
+    for (const gene of found) {
+      const rank = texts[gene].includes(`\n${wanted}\n`) ? 0 : texts[gene].includes(`\n${wanted}`) ? 1 : 2;
+      if (ranked[rank].length < MOST_LISTED) ranked[rank].push(gene);
+    }
     return {
       genes: Int32Array.from(found),
-      first: found.sort((a, b) => ranks.get(a) - ranks.get(b) || a - b).slice(0, MOST_LISTED),
+      first: ranked.flat().slice(0, MOST_LISTED),
       words,
       list: null,
     };

@@ -52,9 +52,11 @@ function gapBytes(genes) {
 }
 
 function geneBytes(genes, count) {
-  const gaps = gapBytes(genes);
-  if (gaps.length <= Math.ceil(count / 8)) return [GAPS, ...numberBytes(genes.length), ...gaps];
-  const bits = new Uint8Array(Math.ceil(count / 8));
+  const most = Math.ceil(count / 8);
+  // A gap takes a byte at least.
+  const gaps = genes.length <= most ? gapBytes(genes) : null;
+  if (gaps && gaps.length <= most) return [GAPS, ...numberBytes(genes.length), ...gaps];
+  const bits = new Uint8Array(most);
   for (const gene of genes) bits[gene >> 3] |= 1 << (gene & 7);
   return [BITS].concat(Array.from(bits));
 }
