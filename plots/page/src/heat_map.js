@@ -12,7 +12,7 @@ import { inkOf } from './theme.js';
 
 const PAUSE_MILLISECONDS = 40;
 
-const WAYS = 'Point at a line to light its genes on the map, click it to go there; arrow keys and Enter do the same.';
+const WAYS = 'Point to light a gene, click to go to it.';
 
 function ringGenes(context, pixelOf, ink, genes) {
   context.strokeStyle = ink.text;
