@@ -1,7 +1,8 @@
 /**
  * Prints how fast the chart page is: time until it is ready, and time per frame while zooming,
- * panning and pointing, with one event in every frame, as the median and the 95th percentile; beside
- * them what the event takes before the frame is drawn.
+ * panning and pointing, with one event in every frame, as the median and the 95th percentile. Beside them
+ * stand what the event takes before the frame is drawn, and the processor time of the page's thread for a
+ * frame, which other programs change less.
  *
  *     (cd plots/page && npm ci)
  *     node bench/page_speed.mjs [points ...]      by default 6600, 100000 and 1000000
@@ -62,11 +63,19 @@ function framesWhile(page, kind, steps) {
 
 const medianAndMost = (times) => [quantile(times, 0.5), quantile(times, 0.95)].map((time) => time.toFixed(1));
 
-async function report(page, what, kind, steps) {
+/** Processor time of the page's thread so far, in milliseconds. */
+async function processorTime(session) {
+  const { metrics } = await session.send('Performance.getMetrics');
+  return 1000 * metrics.find(({ name }) => name === 'TaskDuration').value;
+}
+
+async function report(page, session, what, kind, steps) {
+  const before = await processorTime(session);
   const { times, work } = await framesWhile(page, kind, steps);
+  const processor = ((await processorTime(session)) - before) / steps;
   const [median, most] = medianAndMost(times);
   const [usual, longest] = medianAndMost(work);
-  console.log(`  ${what.padEnd(20)} ${median} ms a frame, 95 % within ${most} ms; the event itself ${usual} ms, 95 % within ${longest} ms`);
+  console.log(`  ${what.padEnd(20)} ${median} ms a frame, 95 % within ${most} ms; the event ${usual} ms, 95 % within ${longest} ms; processor ${processor.toFixed(1)} ms`);
 }
 
 async function zoomIn(page, isEnough) {
@@ -80,18 +89,21 @@ async function zoomIn(page, isEnough) {
 async function measure(browser, count) {
   const data = cloudData(count);
   const page = await browser.open(data);
+  const session = await page.context().newCDPSession(page);
+  await session.send('Performance.enable', { timeDomain: 'threadTicks' });
   // The page alone, without making it.
   const begin = performance.now();
   await page.reload();
   await page.waitForSelector('html[data-ready]');
   const ready = performance.now() - begin;
-  console.log(`${count} points: ready ${ready.toFixed(0)} ms after the browser was asked for the page`);
+  const processor = (await processorTime(session)).toFixed(0);
+  console.log(`${count} points: ready ${ready.toFixed(0)} ms after the browser was asked for the page; processor ${processor} ms`);
   const steps = count > 300000 ? FRAMES.many : FRAMES.few;
-  await report(page, 'zoom in and out', 'zoom', steps);
-  await report(page, 'pan', 'pan', steps);
-  await report(page, 'hover', 'hover', steps);
+  await report(page, session, 'zoom in and out', 'zoom', steps);
+  await report(page, session, 'pan', 'pan', steps);
+  await report(page, session, 'hover', 'hover', steps);
   await zoomIn(page, () => page.evaluate(() => window.ovikPage.look().shapes));
-  await report(page, 'pan, few as shapes', 'pan', steps);
+  await report(page, session, 'pan, few as shapes', 'pan', steps);
   console.log(`  drawn by ${await page.evaluate(() => window.ovikPage.look().means)}`);
   await page.context().close();
 }

@@ -20,8 +20,8 @@ struct ChartLayout {
     std::vector<int> margins;
     /// Width of the legend in pixels.
     int legend_width = 0;
-    /// Degrees by which tick labels of the x axis may be turned; the page has as many as fit side by
-    /// side.
+    /// Degrees by which tick labels of the x axis may be turned; the page has as many as fit side
+    /// by side.
     int x_tick_turn = 0;
     /// Degrees by which the title of the y axis is turned.
     int y_title_turn = 0;

@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import { readFile } from 'node:fs/promises';
 import { isolated } from '../../plots/page/src/label_legend.js';
-import { shortened } from '../../plots/page/src/short_labels.js';
+import { cutApart } from '../../plots/page/src/short_labels.js';
 import { AXE_FILE, cloudData, createNumbers, matrixOf, screenPlace, smallData, startBrowser, until } from './support.mjs';
 
 const LONG = 'cytoplasmic translation and ribosome biogenesis';
@@ -12,7 +12,7 @@ const LONG = 'cytoplasmic translation and ribosome biogenesis';
 describe('long labels', () => {
   test('are cut at their end, and where that makes them alike, in the middle', () => {
     const texts = ['short', `${LONG}, large subunit`, `${LONG}, small subunit`, 'mitochondrial respiratory chain complex IV'];
-    assert.deepEqual(shortened(texts, 32), [
+    assert.deepEqual(cutApart(texts, 32), [
       'short',
       'cytoplasmi\u2026enesis, large subunit',
       'cytoplasmi\u2026enesis, small subunit',
@@ -26,10 +26,10 @@ describe('long labels', () => {
     const texts = [...new Set(Array.from({ length: 60 }, () => [part(), part(), part(), part(), part()].join(' ')))];
     const numbered = Array.from({ length: 120 }, (_, index) => `${LONG} ${index}`);
     for (const all of [numbered, numbered.map((text) => `${text} and what else is known of it`)]) {
-      assert.equal(new Set(shortened(all, 32)).size, all.length);
+      assert.equal(new Set(cutApart(all, 32)).size, all.length);
     }
-    assert.ok(shortened(texts, 32).every((text) => [...text].length <= 32));
-    assert.deepEqual(shortened(['\u{1f9ec}'.repeat(40)], 20), [`${'\u{1f9ec}'.repeat(19)}\u2026`]);
+    assert.ok(cutApart(texts, 32).every((text) => [...text].length <= 32));
+    assert.deepEqual(cutApart(['\u{1f9ec}'.repeat(40)], 20), [`${'\u{1f9ec}'.repeat(19)}\u2026`]);
   });
 });
 
@@ -126,7 +126,8 @@ describe('on the page', () => {
     await page.mouse.move(5, 5);
     await until(async () => !(await isDrawn(4, VEIL)));
     assert.equal(await page.locator('.legend-whole').isVisible(), false);
-    await row.locator('input').focus();
+    await page.focus('.legend-filter');
+    for (let step = 0; step < 4; step += 1) await page.keyboard.press('Tab');
     await until(() => isDrawn(4, VEIL));
     assert.ok(await page.locator('.legend-whole').isVisible());
     assert.deepEqual(await violations(), []);

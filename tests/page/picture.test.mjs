@@ -84,6 +84,15 @@ test('pictures show what the page shows: labels that are hidden are left out', a
   await page.context().close();
 });
 
+test('long labels of pictures differ where they would be cut to the same text', async () => {
+  const label = (which) => `cytoplasmic translation and ribosome biogenesis, ${which} subunit`;
+  const page = await browser.open(smallData({ labels: ['x', 'x', 'x', 'y', label('large'), label('small'), label('small')] }));
+  const { texts } = await readSvg((await save(page, 'SVG')).content.toString());
+  const cut = texts.filter((text) => text.startsWith('cytoplasmi'));
+  assert.equal(new Set(cut).size, 2, cut.join());
+  await page.context().close();
+});
+
 test('the PNG is a picture of 2400 by 1800 pixels, white outside, with coloured points', async () => {
   const page = await browser.open(smallData());
   const { name, content } = await save(page, 'PNG');

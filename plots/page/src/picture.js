@@ -5,7 +5,7 @@ import { axisRoom } from './axes.js';
 import { createLister, drawFront, drawGround, hasGround, marksOf, neededDensity, wantedLook } from './scene.js';
 import { drawLegend } from './picture_legend.js';
 import { createPixelPrinter } from './pixel_points.js';
-import { contains, fitWindow } from './windows.js';
+import { contains, fitWindow, shareOf } from './windows.js';
 import { countInWindow } from './points.js';
 import { drawableText, fileStem } from './format.js';
 import { inkOf } from './theme.js';
@@ -47,7 +47,11 @@ function pictureScene(chart, model, state) {
     width: Math.max(PICTURE.width - margins[1] - margins[3], 40),
     height: Math.max(PICTURE.height - margins[0] - margins[2], 40),
   };
-  const view = fitWindow(chart.view(), plot.width, plot.height, 0);
+  // The whole map fills the picture, whatever the shape of the window.
+  const isWhole = shareOf(chart.whole(), chart.view()) > 0.9999;
+  const view = isWhole
+    ? fitWindow(pair?.extent ?? null, plot.width, plot.height)
+    : fitWindow(chart.view(), plot.width, plot.height, 0);
   const list = createLister(model)(state);
   const points = model.pointsOf(state);
   const look = pictureLook(countInWindow(points, view), state);
