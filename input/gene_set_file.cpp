@@ -38,6 +38,12 @@ std::vector<std::string_view> fields_of(std::string_view line) {
     return fields;
 }
 
+bool is_colour(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+    return text.size() == 7 && text.front() == '#' &&
+           text.find_first_not_of(kDigits, 1) == std::string_view::npos;
+}
+
 /// @throws InputError if the line is no set
 ListedSet set_of(std::string_view text, std::size_t line, const std::string& path) {
     const std::vector<std::string_view> fields = fields_of(text);
@@ -48,6 +54,9 @@ ListedSet set_of(std::string_view text, std::size_t line, const std::string& pat
         refuse(path, line, "the set has no name");
     }
     ListedSet set{std::string(fields.front()), line, {}};
+    if (is_colour(fields[1])) {
+        set.colour = fields[1];
+    }
     for (std::size_t field = 2; field < fields.size(); ++field) {
         if (!fields[field].empty()) {
             set.genes.emplace_back(fields[field]);

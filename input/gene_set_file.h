@@ -13,6 +13,8 @@ struct ListedSet {
     std::size_t line = 0;
     /// The names of its genes, as they stand there; at least one.
     std::vector<std::string> genes;
+    /// The description, if it is a colour "#rrggbb", as the chart page writes it; else empty.
+    std::string colour = {};
 };
 
 /// Most sets that a file may hold.

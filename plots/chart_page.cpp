@@ -94,7 +94,9 @@ std::string json_sets(const Chart& chart) {
                 genes.push_back(json_text(chart.names[row]));
             }
         }
-        sets.push_back(json_object({{"name", json_text(set.name)}, {"genes", json_list(genes)}}));
+        sets.push_back(json_object({{"name", json_text(set.name)},
+                                    {"colour", json_text(set.colour)},
+                                    {"genes", json_list(genes)}}));
     }
     return json_list(sets);
 }

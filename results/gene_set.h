@@ -12,6 +12,8 @@ struct GeneSet {
     std::string name;
     /// Ascending, each once.
     std::vector<std::size_t> rows;
+    /// "#rrggbb"; empty for one that the page chooses.
+    std::string colour = {};
 };
 
 }  // namespace ovik

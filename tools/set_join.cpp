@@ -50,7 +50,7 @@ JoinedSets join_sets(const std::vector<ListedSet>& listed,
         if (rows.empty()) {
             joined.left_out.push_back(set.name);
         } else {
-            joined.sets.push_back({set.name, {rows.begin(), rows.end()}});
+            joined.sets.push_back({set.name, {rows.begin(), rows.end()}, set.colour});
         }
     }
     if (joined.sets.empty()) {

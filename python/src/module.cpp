@@ -269,7 +269,7 @@ std::string page(const Array& map, const py::dict& texts) {
     shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
     for (const py::handle& set : texts["sets"]) {
         const auto [name, rows] = set.cast<std::pair<std::string, std::vector<std::size_t>>>();
-        shown.sets.push_back({name, rows});
+        shown.sets.push_back({name, rows, ""});
     }
     return map_page(view_of(map), shown);
 }

@@ -38,14 +38,16 @@ class Sets : public test::CommandTest {
 };
 
 TEST_F(Sets, GoToThePageUnderTheNamesOfTheRows) {
-    const CommandOutcome outcome =
-        run_with("G1 <b>\td\tYPL256C\tCDC28\tnobody\nempty\t\tACT1\n", {"--names", "standard"});
+    const CommandOutcome outcome = run_with(
+        "G1 <b>\t#102030\tYPL256C\tCDC28\tnobody\nempty\t\tACT1\n", {"--names", "standard"});
     ASSERT_EQ(outcome.exit_status, kSuccess) << outcome.err;
     EXPECT_THAT(outcome.out,
                 HasSubstr("-- Sets: 1 set; 2 of 4 genes are in the matrix, not nobody, ACT1; 1 set "
                           "has no gene there and is left out: empty\n"));
     const json data = page();
-    EXPECT_EQ(data["sets"], json::parse(R"([{"name": "G1 <b>", "genes": ["CDC28", "CLN2"]}])"));
+    EXPECT_EQ(
+        data["sets"],
+        json::parse(R"([{"name": "G1 <b>", "colour": "#102030", "genes": ["CDC28", "CLN2"]}])"));
     EXPECT_EQ(data["aliases"][0], json::parse(R"(["YBR160W", "S000000364", ""])"));
     EXPECT_EQ(data["aliases"][5], json::array());
 }

@@ -60,6 +60,14 @@ TEST_F(GeneSetFiles, MayHaveCarriageReturns) {
     EXPECT_THAT(sets[0].genes, ElementsAre("CLN1"));
 }
 
+TEST_F(GeneSetFiles, MayHaveAColourInThePlaceOfADescription) {
+    const std::vector<ListedSet> sets =
+        read("a\t#0aF19c\tCLN1\nb\t#0af19\tCLN1\nc\t#0af19g\tCLN1\nd\t\tCLN1\n");
+    ASSERT_THAT(sets, SizeIs(4));
+    EXPECT_EQ(sets[0].colour, "#0aF19c");
+    EXPECT_EQ(sets[1].colour + sets[2].colour + sets[3].colour, "");
+}
+
 TEST_F(GeneSetFiles, AreRefusedByLineWithTheCure) {
     EXPECT_EQ(refusal("a\tb\tCLN1\nCLN2\n"),
               ", line 2: has 1 field and so no gene\nA set is one line: its name, a description "

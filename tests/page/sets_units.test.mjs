@@ -174,8 +174,10 @@ describe('named sets', () => {
   });
 
   test('are no longer as given once they are changed', () => {
-    const sets = givenSets(datasetOf({ sets: [{ name: 'a', genes: ['CLN1'] }, { name: 'b', genes: ['CLN2'] }] }));
+    const sets = givenSets(datasetOf({ sets: [{ name: 'a', colour: '#0A0B0C', genes: ['CLN1'] }, { name: 'b', colour: 'red', genes: ['CLN2'] }] }));
     assert.deepEqual(sets.map(({ given }) => given), [0, 1]);
+    assert.equal(sets[0].colour, '#0a0b0c');
+    assert.match(sets[1].colour, /^#[0-9a-f]{6}$/);
     const changed = withChange(sets, sets[1].id, { name: 'a' });
     assert.deepEqual(changed.map(({ name, given }) => [name, given]), [['a', 0], ['a (2)', -1]]);
     assert.deepEqual(list(withChange(sets, sets[0].id, { genes: genesOf(5) })[0].genes), [5]);

@@ -70,15 +70,16 @@ TEST(ChartPageData, HasWhatGenesAreCalledBesidesAndTheSets) {
     const std::vector<std::string> names = {"CDC28", "</script>", "x"};
     const std::vector<GeneIdentifiers> identifiers = {
         {"YBR160W", "S000000364", {"A", "B|<"}}, {}, {}};
-    const std::vector<GeneSet> sets = {{"<one>", {0, 1}}, {"", {}}, {"beyond", {2, 3}}};
+    const std::vector<GeneSet> sets = {{"<one>", {0, 1}, "#102030"}, {"", {}}, {"beyond", {2, 3}}};
     chart.names = names;
     chart.identifiers = identifiers;
     chart.sets = sets;
     const json data = data_of(chart_page(chart));
     EXPECT_EQ(data["aliases"], json::parse(R"([["YBR160W", "S000000364", "A|B|<"], [], []])"));
-    EXPECT_EQ(data["sets"], json::parse(R"([{"name": "<one>", "genes": ["CDC28", "</script>"]},
-                                            {"name": "", "genes": []},
-                                            {"name": "beyond", "genes": ["x"]}])"));
+    EXPECT_EQ(data["sets"], json::parse(R"([{"name": "<one>", "colour": "#102030",
+                                             "genes": ["CDC28", "</script>"]},
+                                            {"name": "", "colour": "", "genes": []},
+                                            {"name": "beyond", "colour": "", "genes": ["x"]}])"));
     chart.identifiers = chart.identifiers.first(2);
     EXPECT_EQ(data_of(chart_page(chart))["aliases"], json::array());
 }

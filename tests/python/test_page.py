@@ -157,7 +157,7 @@ def test_sets_find_their_genes(points):
     names = ["CDC28", "CLN1", "x"]
     page = ovik.page(points[:3, :2], names=names, sets={"a <b>": ["YMR199W", "cdc28"], "x": ["x"]})
     assert data_of(page.html)["sets"] == [
-        {"name": "a <b>", "genes": ["CDC28", "CLN1"]}, {"name": "x", "genes": ["x"]},
+        {"name": "a <b>", "colour": "", "genes": ["CDC28", "CLN1"]}, {"name": "x", "colour": "", "genes": ["x"]},
     ]
     assert data_of(page.html)["aliases"] == [
         ["YBR160W", "S000000364", ""], ["YMR199W", "S000004812", ""], [],

@@ -99,8 +99,9 @@ function readSets(raw, names) {
     if (genesOf.has(name)) genesOf.get(name).push(gene);
     else genesOf.set(name, [gene]);
   });
-  return listed.map(({ name, genes }) => ({
+  return listed.map(({ name, colour, genes }) => ({
     name: asText(name),
+    colour: asText(colour),
     genes: Int32Array.from(new Set(asTexts(genes).flatMap((gene) => genesOf.get(gene) ?? []))).sort(),
   })).filter(({ genes }) => genes.length > 0);
 }
@@ -114,7 +115,7 @@ function readSets(raw, names) {
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
  *   there is at least one, are `count` long or empty; `background` is the label of genes that step back;
  *   `aliases` is null, or has null or `systematic`, `sgd` and `aliases` (texts) of each gene; `sets` have
- *   a `name` and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null
+ *   a `name`, a `colour` ("#rrggbb" or anything else) and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {

@@ -75,4 +75,4 @@ export function withChange(sets, id, { name, colour, genes }) {
 
 /** The sets that the page was written with. */
 export const givenSets = (dataset) => dataset.sets.reduce(
-  (sets, { name, genes }, given) => withSet(sets, { name, genes, given }), []);
+  (sets, { name, colour, genes }, given) => withSet(sets, { name, colour, genes, given }), []);
