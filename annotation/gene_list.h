@@ -15,6 +15,8 @@ struct GeneEntry {
     const char* name;
     /// What its product does, at most 70 characters; "NULL" if there is no description.
     const char* function;
+    /// Its stable identifier at the Saccharomyces Genome Database, such as S000000364.
+    const char* sgd_id;
 };
 
 /// A further standard name of a gene.

@@ -37,6 +37,20 @@ class EntryIndex {
     std::vector<const GeneEntry*> entries_;
 };
 
+/// The aliases in the order of the systematic names of their genes, those of one gene in byte
+/// order.
+std::vector<const GeneAlias*> aliases_by_gene() {
+    std::vector<const GeneAlias*> aliases;
+    aliases.reserve(gene_aliases().size());
+    for (const GeneAlias& alias : gene_aliases()) {
+        aliases.push_back(&alias);
+    }
+    std::stable_sort(aliases.begin(), aliases.end(), [](const auto* one, const auto* other) {
+        return std::string_view(one->systematic) < other->systematic;
+    });
+    return aliases;
+}
+
 }  // namespace
 
 const GeneEntry* find_gene(std::string_view name) {
@@ -55,6 +69,19 @@ std::string_view standard_gene_name(std::string_view systematic) {
         return {};
     }
     return gene->name;
+}
+
+std::vector<std::string_view> aliases_of_gene(std::string_view systematic) {
+    static const std::vector<const GeneAlias*> aliases = aliases_by_gene();
+    auto alias = std::lower_bound(
+        aliases.begin(), aliases.end(), systematic, [](const auto* one, std::string_view wanted) {
+            return one->systematic < wanted;
+        });
+    std::vector<std::string_view> names;
+    for (; alias != aliases.end() && (*alias)->systematic == systematic; ++alias) {
+        names.emplace_back((*alias)->alias);
+    }
+    return names;
 }
 
 std::vector<std::string> suggest_gene_names(std::string_view name) {

@@ -21,6 +21,10 @@ OVIK_API const GeneEntry* find_systematic_gene(std::string_view systematic);
 /// The standard name of a gene given by its systematic one; empty if it is not listed under one.
 OVIK_API std::string_view standard_gene_name(std::string_view systematic);
 
+/// The standard names that other releases of the annotation have for a gene given by its systematic
+/// name, in byte order; none for other texts.
+std::vector<std::string_view> aliases_of_gene(std::string_view systematic);
+
 /// Names under which the table lists genes that may be meant by `name`: the same in other letter
 /// case, and those of genes that have it, in any letter case, as systematic name or as standard
 /// name of another release; without any, that of the gene whose protein has the name. Without

@@ -41,7 +41,7 @@ def functions_by_name(features, release):
 
 
 def derive_entries(features):
-    """Triples of systematic name, name and function."""
+    """Quadruples of systematic name, name, function and identifier at SGD."""
     names = exceptions_of("name")
     newer = exceptions_of("release_2023")
     functions_2020 = functions_by_name(features, "2020")
@@ -58,14 +58,14 @@ def derive_entries(features):
         function = functions.get(name, "NULL")[:LONGEST_FUNCTION].rstrip()
         if systematic in newer and function != newer[systematic]:
             sys.exit(f"exceptions.tsv: {systematic} should be {function!r}, not {newer[systematic]!r}")
-        entries.append((systematic, name, function))
+        entries.append((systematic, name, function, row["sgdid"]))
     return entries
 
 
 def derive_aliases(features, entries):
     """Triples of a further standard name, of any release, and the systematic name and the name of its entry.
     A name that went from one gene to another is an alias of the one that is not listed under it."""
-    name_of = {systematic: name for systematic, name, _ in entries}
+    name_of = {systematic: name for systematic, name, *_ in entries}
     aliases = set()
     for row in features:
         systematic = row["systematic"]

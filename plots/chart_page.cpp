@@ -66,6 +66,41 @@ std::string json_label_columns(const Chart& chart, std::size_t point_count) {
     return json_list(columns);
 }
 
+/// Systematic name, identifier and aliases of each point; an empty list where there are none.
+std::string json_aliases(const Chart& chart, std::size_t point_count) {
+    std::vector<std::string> points;
+    if (chart.identifiers.size() == point_count) {
+        for (const GeneIdentifiers& gene : chart.identifiers) {
+            std::string aliases;
+            for (const std::string& alias : gene.aliases) {
+                aliases += (aliases.empty() ? "" : "|") + alias;
+            }
+            points.push_back(gene.systematic.empty() ? "[]"
+                                                     : json_list({json_text(gene.systematic),
+                                                                  json_text(gene.sgd_id),
+                                                                  json_text(aliases)}));
+        }
+    }
+    return json_list(points);
+}
+
+/// The sets, by the names of their points.
+std::string json_sets(const Chart& chart) {
+    std::vector<std::string> sets;
+    for (const GeneSet& set : chart.sets) {
+        std::vector<std::string> genes;
+        for (const std::size_t row : set.rows) {
+            if (row < chart.names.size()) {
+                genes.push_back(json_text(chart.names[row]));
+            }
+        }
+        sets.push_back(json_object({{"name", json_text(set.name)},
+                                    {"colour", json_text(set.colour)},
+                                    {"genes", json_list(genes)}}));
+    }
+    return json_list(sets);
+}
+
 std::string json_matrix(const Chart& chart, std::size_t point_count) {
     if (chart.matrix == nullptr || chart.matrix->rows != point_count) {
         return "null";
@@ -117,6 +152,8 @@ std::string json_chart(const Chart& chart) {
                         {"genes", json_column(chart.genes, point_count)},
                         {"labels", json_labels(chart, point_count)},
                         {"labelColumns", json_label_columns(chart, point_count)},
+                        {"aliases", json_aliases(chart, point_count)},
+                        {"sets", json_sets(chart)},
                         {"background", json_text(chart.background)},
                         {"matrix", json_matrix(chart, point_count)}});
 }

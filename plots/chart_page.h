@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "results/gene_identifiers.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 #include "results/quantised_matrix.h"
 
@@ -18,8 +20,8 @@ struct ChartLayout {
     std::vector<int> margins;
     /// Width of the legend in pixels.
     int legend_width = 0;
-    /// Degrees by which tick labels of the x axis may be turned; the page has as many as fit side by
-    /// side.
+    /// Degrees by which tick labels of the x axis may be turned; the page has as many as fit side
+    /// by side.
     int x_tick_turn = 0;
     /// Degrees by which the title of the y axis is turned.
     int y_title_turn = 0;
@@ -64,6 +66,10 @@ struct Chart {
     std::string background;
     /// One per point: the name under which the gene table lists it, where it is not its own.
     std::span<const std::string> genes;
+    /// One per point: what its gene is called besides; empty for none.
+    std::span<const GeneIdentifiers> identifiers;
+    /// Sets of the points.
+    std::span<const GeneSet> sets;
     /// Null, or the values of the points: another number of rows than of points is of no use.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which these are compared.

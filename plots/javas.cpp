@@ -30,6 +30,8 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.functions = run.functions;
     chart.label_columns = run.label_columns;
     chart.genes = run.genes;
+    chart.identifiers = run.identifiers;
+    chart.sets = run.sets;
     chart.background = run.background;
     chart.matrix = run.matrix;
     chart.metric = run.metric;

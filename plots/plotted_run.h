@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "results/gene_identifiers.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 #include "results/quantised_matrix.h"
 
@@ -29,6 +31,10 @@ struct PlottedRun {
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;
+    /// What the genes of the points are called besides, one each; empty for none.
+    std::span<const GeneIdentifiers> identifiers{};
+    /// Sets of the points, which the page lists.
+    std::span<const GeneSet> sets{};
     /// The values of the points, which the page shows and compares them by; null for none.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which the run compared them.

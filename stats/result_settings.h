@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 
 namespace ovik {
@@ -33,6 +34,8 @@ struct ResultSettings {
     /// The name under which the gene table lists each row, where it is another than its own; the
     /// chart page shows it. Empty for none.
     std::vector<std::string> genes = {};
+    /// Sets of the rows, which the chart page lists. Empty for none.
+    std::vector<GeneSet> gene_sets = {};
     /// What was done to the values before the fit, for the plots; empty for nothing.
     std::string transformations = {};
     /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h); null

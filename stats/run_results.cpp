@@ -9,6 +9,7 @@
 #include "plots/plot_hand_off.h"
 #include "results/result_table.h"
 #include "results/run_log.h"
+#include "stats/gene_identifiers.h"
 #include "stats/run_caption.h"
 #include "stats/run_names.h"
 #include "util/partial_entry.h"
@@ -48,12 +49,16 @@ WrittenResults write_results(const ResultSettings& settings,
                                                    run.input_columns,
                                                    run.report,
                                                    settings.transformations);
+        const std::vector<GeneIdentifiers> identifiers =
+            gene_identifiers(run.names, table.functions);
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
         plotted.labels = settings.labels;
         plotted.label_columns = settings.label_columns;
         plotted.genes = settings.genes;
+        plotted.identifiers = identifiers;
+        plotted.sets = settings.gene_sets;
         // Distances are no values by which points could be compared.
         if (run.options.metric != MetricKind::Precomputed) {
             plotted.matrix = settings.matrix.get();

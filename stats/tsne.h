@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "plots/plot_outcome.h"
+#include "results/gene_set.h"
 #include "results/label_column.h"
 #include "stats/fit_options.h"
 #include "stats/input_scale.h"
@@ -78,6 +79,8 @@ class TSNE {
     /// Labels of the rows in the place of those that `actuate` is given: the chart page offers
     /// each, the figure shows the first. Empty for none.
     std::vector<LabelColumn> label_columns;
+    /// Sets of the rows, which the chart page lists. Empty for none.
+    std::vector<GeneSet> gene_sets;
     /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h), made
     /// of the input before the run brings that into another form; null for none.
     std::shared_ptr<const QuantisedMatrix> page_matrix;

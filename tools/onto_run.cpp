@@ -18,6 +18,7 @@
 #include "results/coordinate_files.h"
 #include "results/map_model.h"
 #include "results/result_table.h"
+#include "stats/gene_identifiers.h"
 #include "stats/row_metric.h"
 #include "stats/row_placement.h"
 #include "util/available_memory.h"
@@ -37,6 +38,7 @@
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
+#include "tools/set_join.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -48,6 +50,8 @@ struct OntoRun {
     MapModel model;
     LoadedMatrix loaded;
     std::vector<LabelColumn> labels;
+    /// Of all rows, those of the map before the new ones.
+    std::vector<GeneSet> sets;
     RowGenes genes;
     PlacedRows placed;
 };
@@ -233,11 +237,14 @@ PlotOutcome draw_plots(const Options& options, const OntoRun& run) {
     const std::string background = background_label(run.labels);
     const std::vector<LabelColumn> labels = labels_of_all(run, background);
     const auto caption = caption_of(options, run);
+    const std::vector<GeneIdentifiers> identifiers = gene_identifiers(names, functions);
     PlottedRun<double> plotted;
     plotted.title = options.title;
     plotted.parameters = caption;
     plotted.label_columns = labels;
     plotted.background = background;
+    plotted.identifiers = identifiers;
+    plotted.sets = run.sets;
     plotted.names = table.names;
     plotted.groups = table.groups;
     plotted.functions = table.functions;
@@ -333,6 +340,7 @@ OntoRun read_run(const Options& options) {
     if (run.labels.empty() && !run.loaded.labels.empty()) {
         run.labels.push_back({"label", run.loaded.labels, {}});
     }
+    run.sets = settle_sets(joined(run.model.row_names, run.loaded.matrix.row_names), options);
     run.genes = settle_names(run.loaded.matrix.row_names, options.names);
     return run;
 }

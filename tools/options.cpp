@@ -497,6 +497,13 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
 }
 
+void add_set_options(CLI::App& app, Options& options) {
+    app.add_option("--sets",
+                   options.sets_file,
+                   "Sets of genes (GMT) for the chart page: per line a name, a description, genes")
+        ->option_text("FILE");
+}
+
 void add_workbook_options(CLI::App& app, Options& options) {
     app.add_option("--sheet", options.load.sheet, "Of an Excel workbook (the first)")
         ->option_text("NAME");
@@ -524,12 +531,13 @@ void add_transformation_options(CLI::App& app, Options& options) {
 
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
-constexpr std::array<std::string_view, 30> kOptionsOfPlacement = {
+constexpr std::array<std::string_view, 31> kOptionsOfPlacement = {
     "onto",         "help",    "version", "delimiter",   "decimal",   "skip-columns",
     "names-column", "na",      "missing", "no-header",   "no-names",  "names",
     "row-names",    "labels",  "sheet",   "log1p",       "center",    "scale",
     "out-dir",      "name",    "suffix",  "title",       "json",      "no-plots",
-    "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows"};
+    "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows",
+    "sets"};
 
 /// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
 void check_placement(const CLI::App& app, const Options& options) {
@@ -558,6 +566,9 @@ void check_combination(const Options& options) {
         throw CLI::ValidationError(
             "--collect",
             "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
+    if (!options.sets_file.empty() && !options.plots) {
+        throw CLI::ValidationError("--sets", "is for the chart page, which --no-plots leaves out");
     }
     if (options.page_data_is_given && options.page_data != PageData::None && !options.plots) {
         throw CLI::ValidationError(
@@ -727,6 +738,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     });
     ParsedCommand command;
     add_input_options(app, command.options);
+    add_set_options(app, command.options);
     add_workbook_options(app, command.options);
     add_transformation_options(app, command.options);
     add_output_options(app, command.options);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "input/load_options.h"
+#include "results/gene_set.h"
 #include "stats/fit_options.h"
 #include "stats/option_checks.h"
 #include "stats/preset.h"
@@ -61,6 +62,10 @@ struct Options {
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
+    /// File of sets of genes (GMT) for the chart page; empty for none.
+    std::string sets_file;
+    /// The sets of it. Not of the command line: settled by the rows of the matrix.
+    std::vector<GeneSet> sets;
     /// Whether the command line says so.
     bool names_are_given = false;
     /// Whether rows that the metric cannot compare are left out, and not refused.

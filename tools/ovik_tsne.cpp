@@ -41,6 +41,7 @@
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
+#include "tools/set_join.h"
 #include "tools/standard_streams.h"
 #include "tools/start_file.h"
 
@@ -128,6 +129,7 @@ ExitStatus embed(Options options, RunReport report) {
         options.names = kind_of_names(loaded.matrix.row_names);
     }
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
+    options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     report.options = reported_options(options);
     if (!options.model.empty()) {

@@ -25,6 +25,7 @@ std::vector<std::pair<std::string, std::string>> read_files(const Options& optio
     return {{"MATRIX", options.matrix},
             {"--labels", options.load.labels_file},
             {"--row-names", options.load.row_names_file},
+            {"--sets", options.sets_file},
             {"--start", options.start_file},
             {"--neighbours-from", options.neighbours_file},
             {"--onto", options.onto},

@@ -5,7 +5,8 @@ from __future__ import annotations
 import html
 import os
 import tempfile
-from collections.abc import Iterable
+import warnings
+from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any, Literal
 
 from numpy.typing import ArrayLike
@@ -72,6 +73,7 @@ def page(
     names: Iterable[str] | None = None,
     functions: Iterable[str] | None = None,
     title: str = "",
+    sets: Mapping[str, Iterable[str]] | None = None,
     height: int = 800,
 ) -> Page:
     """Make the interactive chart page of a map, as the command leaves one.
@@ -96,6 +98,9 @@ def page(
         What the genes do. By default the gene table is asked by the names.
     title : str, optional
         Above the chart.
+    sets : dict of iterables of str, optional
+        Sets of genes that the page lists, by their names. Genes are found by the names of the rows, else
+        by any name that the gene table knows.
     height : int, default 800
         Of the page in a notebook, in pixels.
 
@@ -108,7 +113,13 @@ def page(
     ------
     ValueError
         If there is no embedding, another number of names, labels or functions than of rows, or none
-        of the name of a row; if the matrix has other rows, or too many values for a page.
+        of the name of a row; if the matrix has other rows, or too many values for a page; if no gene of a
+        set is that of a row.
+
+    Warns
+    -----
+    UserWarning
+        If some genes of a set are those of no row.
 
     Examples
     --------
@@ -120,12 +131,14 @@ def page(
     of_input = shown.names or [str(row) for row in range(1, count + 1)]
     # Rows without names of their own are found by those that they are given.
     keys = shown.keys or (texts_of(given_names) if given_names else None)
+    row_names = _list_of_bytes(of_input if given_names is None else given_names)
     texts = {
         "title": _as_bytes(title or "t-SNE map"),
         "name": _as_bytes("ovik_map"),
-        "names": _list_of_bytes(of_input if given_names is None else given_names),
+        "names": row_names,
         "labels": _list_of_bytes(entries_of_rows("labels", labels, keys, count)),
         "functions": _list_of_bytes(entries_of_rows("functions", functions, keys, count)),
+        "sets": _rows_of_sets(sets or {}, row_names),
         "parameters": shown.parameters,
         "matrix": _form_of(matrix, page_data, shown),
         "metric": _metric_of(tsne),
@@ -155,6 +168,26 @@ def _form_of(matrix: Any, page_data: str, shown: ShownMap) -> dict[str, Any] | N
         raise ValueError("matrix should have the rows of the map in their order: their names differ")
     columns = [] if given.feature_names is None else [_as_bytes(name) for name in given.feature_names]
     return {"values": given.values, "columns": columns, "bits": 8 if page_data == "small" else 16}
+
+
+def _rows_of_sets(
+    sets: Mapping[str, Iterable[str]], row_names: list[bytes]
+) -> list[tuple[bytes, list[int]]]:
+    rows_of_sets = []
+    for name, genes in sets.items():
+        listed = list(dict.fromkeys(str(gene) for gene in genes))
+        found = _core.find_rows(row_names, [_as_bytes(gene) for gene in listed])
+        missing = [gene for gene, rows in zip(listed, found) if not rows]
+        if len(missing) == len(listed):
+            raise ValueError(f"sets: no gene of {name!r} is that of a row")
+        if missing:
+            first = ", ".join(missing[:3]) + (", ..." if len(missing) > 3 else "")
+            warnings.warn(
+                f"sets: {len(missing)} of {len(listed)} genes of {name!r} are those of no row: {first}",
+                stacklevel=3,
+            )
+        rows_of_sets.append((_as_bytes(str(name)), sorted({row for rows in found for row in rows})))
+    return rows_of_sets
 
 
 def _as_bytes(text: str) -> bytes:

@@ -16,6 +16,7 @@
 #include <pybind11/stl.h>
 
 #include "annotation/gene_names.h"
+#include "annotation/row_finder.h"
 #include "stats/given_neighbours.h"
 #include "stats/map_agreement.h"
 #include "stats/option_texts.h"
@@ -286,7 +287,22 @@ std::string page(const Array& map, const py::dict& texts) {
     if (!texts["matrix"].is_none()) {
         shown.matrix = matrix_of_page(texts["matrix"].cast<py::dict>());
     }
+    for (const py::handle& set : texts["sets"]) {
+        const auto [name, rows] = set.cast<std::pair<std::string, std::vector<std::size_t>>>();
+        shown.sets.push_back({name, rows, ""});
+    }
     return map_page(view_of(map), shown);
+}
+
+/// The rows that each name is about.
+std::vector<std::vector<std::size_t>> find_rows(const std::vector<std::string>& row_names,
+                                                const std::vector<std::string>& names) {
+    const RowFinder finder(row_names, true);
+    std::vector<std::vector<std::size_t>> rows;
+    for (const std::string& name : names) {
+        rows.push_back(finder.rowsOf(name));
+    }
+    return rows;
 }
 
 std::vector<py::bytes> as_bytes(const std::vector<std::string>& texts) {
@@ -370,6 +386,7 @@ PYBIND11_MODULE(_core, module) {
         "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
     module.def("reach", ovik::python::reach, "input"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
+    module.def("find_rows", ovik::python::find_rows, "row_names"_a, "names"_a);
     module.def("available_memory", [] {
         const ovik::AvailableMemory available = ovik::available_memory();
         return std::pair(available.bytes, available.limit);

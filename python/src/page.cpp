@@ -5,6 +5,7 @@
 #include "annotation/gene_table.h"
 #include "plots/chart_page.h"
 #include "results/result_table.h"
+#include "stats/gene_identifiers.h"
 
 namespace ovik::python {
 
@@ -31,6 +32,9 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     chart.functions = table.functions;
     chart.matrix = texts.matrix ? &*texts.matrix : nullptr;
     chart.metric = texts.metric;
+    const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
+    chart.identifiers = identifiers;
+    chart.sets = texts.sets;
     return chart_page(chart);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "results/quantised_matrix.h"
+#include "results/gene_set.h"
 #include "util/matrix_view.h"
 
 namespace ovik::python {
@@ -21,6 +22,8 @@ struct PageTexts {
     std::vector<std::string> labels;
     /// What the genes do, one per row; empty: as the gene table has it.
     std::vector<std::string> functions;
+    /// Sets of the rows.
+    std::vector<GeneSet> sets;
     /// Names and values of the run's parameters.
     std::vector<std::pair<std::string, std::string>> parameters;
     /// The values of the rows.

@@ -43,6 +43,16 @@ TEST(GeneList, HasSystematicNamesOfOneGeneEach) {
     }
 }
 
+TEST(GeneList, HasIdentifiersOfOneGeneEach) {
+    std::set<std::string_view> identifiers;
+    for (const GeneEntry& gene : gene_list()) {
+        const std::string_view identifier = gene.sgd_id;
+        EXPECT_TRUE(identifiers.insert(identifier).second) << identifier;
+        EXPECT_EQ(identifier.size(), 10U) << identifier;
+        EXPECT_EQ(identifier.front(), 'S') << identifier;
+    }
+}
+
 TEST(GeneAliases, AreInByteOrderAndNamesOfListedGenes) {
     const auto aliases = gene_aliases();
     EXPECT_FALSE(aliases.empty());

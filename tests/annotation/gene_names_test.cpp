@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace ovik {
@@ -48,6 +49,14 @@ TEST(SuggestGeneNames, KnowsOtherCaseSystematicNamesAndAliases) {
 TEST(SuggestGeneNames, HasNothingForTheNameItselfAndForNonsense) {
     EXPECT_EQ(suggest_gene_names("CDC28"), Names{});
     EXPECT_EQ(suggest_gene_names("nonsense"), Names{});
+}
+
+TEST(AliasesOfGene, AreTheNamesOfOtherReleases) {
+    EXPECT_THAT(aliases_of_gene("YLR065C"), testing::ElementsAre("SND2"));
+    EXPECT_THAT(aliases_of_gene("YPL187W"), testing::ElementsAre("MF(ALPHA)1"));
+    EXPECT_THAT(aliases_of_gene("YBR160W"), testing::IsEmpty());
+    EXPECT_THAT(aliases_of_gene("ENV10"), testing::IsEmpty());
+    EXPECT_THAT(aliases_of_gene(""), testing::IsEmpty());
 }
 
 }  // namespace

@@ -357,11 +357,11 @@ describe('choosing', () => {
     page = await browser.open(smallData(), { permissions: ['clipboard-read', 'clipboard-write'] });
     await press('ArrowRight', 'Enter', 'ArrowRight', 'Enter');
     const clipboard = () => page.evaluate(() => navigator.clipboard.readText());
-    await page.click('text=Copy names');
-    await statusSays('Names copied');
+    await page.click('#selection [aria-label="Copy names"]');
+    await statusSays('2 names copied');
     assert.equal(await clipboard(), 'CDC28\nCLN1');
-    await page.click('text=Copy CSV');
-    await statusSays('Table copied');
+    await page.click('#selection [aria-label="Copy CSV"]');
+    await statusSays('Table of 2 genes copied');
     assert.match(await clipboard(), /^name,label,group,x,y,function\nCDC28,cycle,Group:1:2,0,0,"Cyclin/);
   });
 

@@ -64,6 +64,26 @@ TEST(ChartPageData, HasTheColumnsOfLabelsThatFitThePoints) {
     EXPECT_EQ(data["genes"], json::parse(R"(["CDC28", ""])"));
 }
 
+TEST(ChartPageData, HasWhatGenesAreCalledBesidesAndTheSets) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0, 3.0};
+    const std::vector<std::string> names = {"CDC28", "</script>", "x"};
+    const std::vector<GeneIdentifiers> identifiers = {
+        {"YBR160W", "S000000364", {"A", "B|<"}}, {}, {}};
+    const std::vector<GeneSet> sets = {{"<one>", {0, 1}, "#102030"}, {"", {}}, {"beyond", {2, 3}}};
+    chart.names = names;
+    chart.identifiers = identifiers;
+    chart.sets = sets;
+    const json data = data_of(chart_page(chart));
+    EXPECT_EQ(data["aliases"], json::parse(R"([["YBR160W", "S000000364", "A|B|<"], [], []])"));
+    EXPECT_EQ(data["sets"], json::parse(R"([{"name": "<one>", "colour": "#102030",
+                                             "genes": ["CDC28", "</script>"]},
+                                            {"name": "", "colour": "", "genes": []},
+                                            {"name": "beyond", "colour": "", "genes": ["x"]}])"));
+    chart.identifiers = chart.identifiers.first(2);
+    EXPECT_EQ(data_of(chart_page(chart))["aliases"], json::array());
+}
+
 TEST(ChartPageData, HasTheValuesOfThePoints) {
     const std::vector<double> values = {0.0, 1.0, 65534.0, 3.0};
     const QuantisedMatrix matrix =

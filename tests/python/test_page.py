@@ -182,3 +182,22 @@ def test_what_is_no_map(what, said):
 def test_texts_of_any_bytes_are_shown(points):
     shown = data_of(ovik.page(points[:1, :2], names=["G\udce9"], title="\udce9").html)
     assert shown["names"] == ["G\ufffd"]
+
+
+def test_sets_find_their_genes(points):
+    names = ["CDC28", "CLN1", "x"]
+    page = ovik.page(points[:3, :2], names=names, sets={"a <b>": ["YMR199W", "cdc28"], "x": ["x"]})
+    assert data_of(page.html)["sets"] == [
+        {"name": "a <b>", "colour": "", "genes": ["CDC28", "CLN1"]}, {"name": "x", "colour": "", "genes": ["x"]},
+    ]
+    assert data_of(page.html)["aliases"] == [
+        ["YBR160W", "S000000364", ""], ["YMR199W", "S000004812", ""], [],
+    ]
+
+
+def test_genes_of_sets_that_are_missing_are_told(points):
+    with pytest.warns(UserWarning, match="sets: 1 of 2 genes of 'a' are those of no row: ACT1") as notes:
+        ovik.page(points[:2, :2], names=["CDC28", "CLN1"], sets={"a": ["ACT1", "CLN1"]})
+    assert notes[0].filename == __file__
+    with pytest.raises(ValueError, match="sets: no gene of 'b' is that of a row"):
+        ovik.page(points[:2, :2], names=["CDC28", "CLN1"], sets={"b": ["ACT1"]})

@@ -45,8 +45,8 @@ function ticksOf(view, plot, decimals) {
 export function tickRoom(whole, decimals) {
   const ends = [whole.y0, whole.y1, ...ticksWithin(whole.y0, whole.y1, 6)];
   const texts = ends.map((value) => formatTick(Number(value.toPrecision(2)), decimals));
-  // Zoomed in, numbers have a decimal or two more.
-  return Math.max(...texts.map((text) => widthOf(text, TICK_SIZE))) + widthOf('.00', TICK_SIZE);
+  // Zoomed in, numbers have up to three decimals more.
+  return Math.max(...texts.map((text) => widthOf(text, TICK_SIZE))) + widthOf('.000', TICK_SIZE);
 }
 
 /**

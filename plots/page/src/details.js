@@ -21,6 +21,17 @@ export function showDetails(element, model, store) {
     return [el('dt', {}, term), el('dd', {}, dataText(text))];
   }
 
+  /** What it is called besides, and the named sets that it is in. */
+  function otherNames({ sets }, gene) {
+    const known = model.dataset.aliases?.[gene];
+    const names = known ? [known.systematic, ...known.aliases].filter((name) => name !== nameOf(model.dataset, gene)) : [];
+    const its = sets.filter(({ genes }) => includes(genes, gene)).map(({ name }) => name);
+    return [
+      ...(names.length > 0 ? entry('Also called', names.join(', ')) : []),
+      ...(its.length > 0 ? entry('Sets', its.join(', ')) : []),
+    ];
+  }
+
   function describe(state, gene) {
     const { dataset } = model;
     const labels = dataset.colourings.filter((colouring) => (colouring.labels[gene] ?? '') !== '');
@@ -32,6 +43,7 @@ export function showDetails(element, model, store) {
       el('p', { class: 'gene-function' }, dataText(functionText(dataset.functions[gene] ?? ''))),
       el('dl', {},
         ...(listed === '' ? [] : entry('Listed as', listed)),
+        ...otherNames(state, gene),
         ...labels.flatMap((colouring) => entry(colouring.title || 'Label', colouring.labels[gene])),
         ...entry('Group', model.pairOf(state)?.group ?? ''),
         ...entry('Place', coordinatesText(model, state, gene))),
@@ -48,6 +60,6 @@ export function showDetails(element, model, store) {
     if (hadFocus) body.querySelector('button')?.focus();
   }
 
-  store.listen(['focus', 'pair', 'selection'], update);
+  store.listen(['focus', 'pair', 'selection', 'sets'], update);
   update(store.get());
 }

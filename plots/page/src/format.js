@@ -1,5 +1,7 @@
 /** Numbers and texts in words; independent of the reader's locale, so that equal data look equal. */
 
+const MOST_DECIMALS = 8;
+
 /** 5537 -> "5,537". */
 export function formatCount(count) {
   return String(count).replace(/\B(?=(\d{3})+(?!\d))/g, ',');
@@ -18,7 +20,19 @@ export function formatCoordinate(value) {
   return value.toFixed(3);
 }
 
-const MOST_DECIMALS = 8;
+/**
+ * Makes a function that writes measured values for reading, all with the decimals that give a value of `size` three
+ * digits, and a word where there is none.
+ */
+export function valueFormat(size) {
+  const decimals = Math.max(0, Math.min(MOST_DECIMALS, 2 - Math.floor(Math.log10(size))));
+  return (value) => {
+    if (!Number.isFinite(value)) return 'no value';
+    if (Math.abs(value) >= 1e7 || size < 1e-6) return value.toExponential(2);
+    const text = value.toFixed(decimals);
+    return Number(text) === 0 ? text.replace('-', '') : text;
+  };
+}
 
 /** A tick's text: `decimals` digits, more only where the tick would otherwise show a wrong value. */
 export function formatTick(value, decimals) {

@@ -1,6 +1,8 @@
 /** Puts the page together. */
 
+import { createAddress } from './address.js';
 import { createChart } from './chart.js';
+import { createHistory, followUndoKeys } from './history.js';
 import { createMarker } from './marker.js';
 import { createModel } from './model.js';
 import { createStore } from './state.js';
@@ -8,15 +10,18 @@ import { followKeyboard } from './keyboard.js';
 import { followPointer } from './pointer.js';
 import { followStatus } from './status.js';
 import { fillWindow, placeLegend } from './stage.js';
+import { givenSets } from './named_sets.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
 import { showDetails } from './details.js';
+import { showExpression } from './expression_panels.js';
 import { showFooter } from './footer.js';
 import { showHelp } from './help.js';
 import { showLegend } from './legend.js';
 import { showSearch } from './search.js';
 import { showSelection } from './selection.js';
+import { showSets } from './set_list.js';
 import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
@@ -37,6 +42,7 @@ function firstState(model) {
     focus: -1,
     matches: null,
     selection: new Int32Array(0),
+    sets: givenSets(model.dataset),
     theme: preferredTheme(),
     tool: 'move',
     coordinates: false,
@@ -83,7 +89,14 @@ function start() {
   const moveLegend = placeLegend(part('stage'), part('legend'), chart, dataset.layout);
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
-  showSelection(part('selection'), model, store, choose, say);
+  const address = createAddress(model, store, store.get().sets);
+  const sets = showSets(part('sets'), model, store, { say, copyLink: address.copyLink });
+  address.restore(sets.tell);
+  const history = createHistory(store, ['selection', 'sets']);
+  followUndoKeys(history);
+  showSelection(part('selection'), model, store, choose, { say, history, saveSet: sets.saveSet });
+  address.follow(sets.tell);
+  showExpression(part, chart, model, store, choose, say);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   fillWindow(part('stage'), part('help'), chart, () => {

@@ -22,18 +22,18 @@ const NO_COORDINATES = new Float64Array(0);
 /** @param {object} dataset as of `readDataset` */
 export function createModel(dataset) {
   const colourings = createColourings(dataset);
-  const categories = remembered(({ labels, numbers, diverging }) => (numbers
+  const categories = remembered(({ labels, numbers, diverging, order }) => (numbers
     ? findLevels(numbers, dataset.background, diverging)
-    : findCategories(labels, dataset.categoryOrder, dataset.count, dataset.background)));
+    : findCategories(labels, order ?? dataset.categoryOrder, dataset.count, dataset.background)));
   const categoriesAt = (colouring) => categories(colourings.at(colouring));
   const points = remembered((pair, shown, found) => ({
     x: pair?.x ?? NO_COORDINATES,
     y: pair?.y ?? NO_COORDINATES,
     genes: pair ? drawnGenes(pair, found, shown) : new Int32Array(0),
   }));
-  const styles = remembered((theme, { list, scale }) => (scale
+  const styles = remembered((theme, { list, scale }, own = dataset.colours) => (scale
     ? levelStyles(NUMBER_LEVELS, theme, scale.diverging).slice(0, list.length)
-    : categoryStyles(list, { scheme: dataset.colourScheme, own: dataset.colours, theme })));
+    : categoryStyles(list, { scheme: dataset.colourScheme, own, theme })));
   return {
     dataset,
     /** What genes can be coloured by now, as of `createColourings`. */
@@ -43,7 +43,8 @@ export function createModel(dataset) {
      *
      * @param {object} added `title`; `labels` (a text per gene) or `numbers` (Float64Array, one per
      *   gene, NaN for none), and with these, whether the scale is `diverging` around 0 (not given: if
-     *   there are numbers of both signs); arrays are not to be changed afterwards
+     *   there are numbers of both signs); with labels, in the place of what the page was written with,
+     *   their `order` and `own`, a "#rrggbb" for each of it; arrays are not to be changed afterwards
      * @returns {number} for `colouredBy`; it serves until the title is added twice again
      */
     addColouring: (added) => colourings.add(added),
@@ -61,7 +62,7 @@ export function createModel(dataset) {
     /** `{x, y, genes}` of the genes that are drawn. */
     pointsOf: (state) => points(dataset.pairs[state.pair], state.shown, categoriesAt(state.colouring)),
     /** Colour and shape of each category. */
-    stylesOf: (state) => styles(state.theme, categoriesAt(state.colouring)),
+    stylesOf: (state) => styles(state.theme, categoriesAt(state.colouring), colourings.at(state.colouring).own),
     /** Whether a gene has a position in the pair that is drawn. */
     isPlaced(state, gene) {
       const pair = dataset.pairs[state.pair];

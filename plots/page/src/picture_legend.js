@@ -4,15 +4,19 @@ import { NUMBER_LEVELS } from './categories.js';
 import { categoryOf } from './layers.js';
 import { drawableText } from './format.js';
 import { endsOf } from './scale_legend.js';
-import { shortened as shortenedTo } from './pen.js';
 import { cutApart } from './short_labels.js';
+import { shortened } from './pen.js';
 import { contains } from './windows.js';
 
 const STEP = 20;
 const MARK = 12;
+const GAP = 6;
 const SIZE = 12;
 const MOST_ENTRIES = 36;
-const LONGEST = 32;
+
+/** So many characters of a label have room in any case. */
+const SHORT_LABEL = 18;
+
 const BAR = { width: 16, height: 170 };
 
 /** The categories of the points in view, ascending. */
@@ -24,18 +28,26 @@ function categoriesInView(list, view) {
   return [...seen].sort((a, b) => a - b);
 }
 
+/** The labels as far as `width` pixels hold them; those that are alike then are cut where they differ. */
+function entryTexts(texts, width) {
+  const short = texts.map((text) => shortened(text, width, SIZE));
+  const isAlike = (text, index) => short.indexOf(text) !== index || short.lastIndexOf(text) !== index;
+  const apart = short.some(isAlike) ? cutApart(texts, SHORT_LABEL) : short;
+  return short.map((text, index) => (isAlike(text, index) ? shortened(apart[index], width, SIZE) : text));
+}
+
 function drawEntry(pen, { colour, shape }, text, [left, middle], { ink, width }) {
   pen.mark({ colour, shape, size: MARK - 2, opacity: 1, edge: null, halo: null }, left + MARK / 2, middle);
-  pen.text(shortenedTo(text, width - MARK - 6, SIZE), left + MARK + 6, middle + 4, { size: SIZE, fill: ink.text });
+  pen.text(shortened(text, width - MARK - GAP, SIZE), left + MARK + GAP, middle + 4, { size: SIZE, fill: ink.text });
 }
 
 function drawTitle(pen, title, { left, top, ink, width }) {
-  pen.text(shortenedTo(drawableText(title), width, SIZE + 1, 600), left, top + SIZE, { size: SIZE + 1, fill: ink.text, weight: 600 });
+  pen.text(shortened(drawableText(title), width, SIZE + 1, 600), left, top + SIZE, { size: SIZE + 1, fill: ink.text, weight: 600 });
 }
 
 function drawLabels(pen, { list }, styles, present, room) {
   const named = present.slice(0, MOST_ENTRIES);
-  const texts = cutApart(named.map((category) => drawableText(list[category].text)), LONGEST);
+  const texts = entryTexts(named.map((category) => drawableText(list[category].text)), room.width - MARK - GAP);
   named.forEach((category, row) => {
     drawEntry(pen, styles[category], texts[row], [room.left, room.top + STEP + MARK / 2 + row * STEP], room);
   });
@@ -53,9 +65,9 @@ function drawScale(pen, { list, scale }, styles, room) {
   }
   const [least, most] = endsOf(scale);
   const style = { size: SIZE, fill: ink.text };
-  pen.text(most, left + BAR.width + 6, barTop + SIZE - 2, style);
-  if (scale.diverging) pen.text('0', left + BAR.width + 6, barTop + BAR.height / 2 + 4, style);
-  pen.text(least, left + BAR.width + 6, barTop + BAR.height, style);
+  pen.text(most, left + BAR.width + GAP, barTop + SIZE - 2, style);
+  if (scale.diverging) pen.text('0', left + BAR.width + GAP, barTop + BAR.height / 2 + 4, style);
+  pen.text(least, left + BAR.width + GAP, barTop + BAR.height, style);
   if (list[NUMBER_LEVELS]) {
     drawEntry(pen, styles[NUMBER_LEVELS], list[NUMBER_LEVELS].text, [left, barTop + BAR.height + STEP], room);
   }

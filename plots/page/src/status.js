@@ -16,10 +16,17 @@ export function followStatus(element, chart, model, store) {
     if (state.focus >= 0) say(geneSentence(model, state, state.focus));
   });
   store.listen(['selection'], (state) => say(`${counted(state.selection.length, 'gene')} chosen`));
+  store.listen(['sets'], (state) => say(`${counted(state.sets.length, 'set')}`));
   store.listen(['matches'], (state) => {
     if (state.matches) say(`${counted(state.matches.length, 'gene matches', 'genes match')}`);
   });
-  store.listen(['colouring'], (state) => say(`Coloured by ${model.colouringOf(state).title}`));
+  let { title } = model.colouringOf(store.get());
+  store.listen(['colouring'], (state) => {
+    // Colours that follow the pointer keep their title, and are not told anew.
+    if (model.colouringOf(state).title === title) return;
+    title = model.colouringOf(state).title;
+    say(`Coloured by ${title}`);
+  });
   store.listen(['shown', 'pair'], (state) => say(`${counted(model.pointsOf(state).genes.length, 'gene')} drawn`));
   return { say };
 }
