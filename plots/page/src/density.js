@@ -96,20 +96,26 @@ export function contourOf({ columns, rows, values }, level) {
   const segments = [];
   const share = (from, to) => (level - from) / (to - from);
   for (let row = 0; row + 1 < rows; row += 1) {
-    for (let column = 0; column + 1 < columns; column += 1) {
-      const at = row * columns + column;
-      const [a, b, d, c] = [values[at], values[at + 1], values[at + columns], values[at + columns + 1]];
-      const which = (a > level ? 8 : 0) | (b > level ? 4 : 0) | (c > level ? 2 : 0) | (d > level ? 1 : 0);
+    const end = (row + 1) * columns - 1;
+    let left = (values[end + 1 - columns] > level ? 8 : 0) | (values[end + 1] > level ? 1 : 0);
+    for (let at = row * columns; at < end; at += 1) {
+      const right = (values[at + 1] > level ? 4 : 0) | (values[at + columns + 1] > level ? 2 : 0);
+      const which = left | right;
+      left = (right & 4 ? 8 : 0) | (right & 2 ? 1 : 0);
       if (which > 0 && which < 15) {
-        const edges = [
-          () => [column + share(a, b), row],
-          () => [column + 1, row + share(b, c)],
-          () => [column + share(d, c), row + 1],
-          () => [column, row + share(a, d)],
-        ];
+        const column = at - row * columns;
+        const below = at + columns;
+        const crossing = (edge) => {
+          if (edge === 0) return [column + share(values[at], values[at + 1]), row];
+          if (edge === 1) return [column + 1, row + share(values[at + 1], values[below + 1])];
+          if (edge === 2) return [column + share(values[below], values[below + 1]), row + 1];
+          return [column, row + share(values[at], values[below])];
+        };
         const crossed = CROSSINGS[which];
         for (let i = 0; i < crossed.length; i += 2) {
-          segments.push([...edges[crossed[i]](), ...edges[crossed[i + 1]]()].map((place) => (place + 0.5) * CELL));
+          const [x0, y0] = crossing(crossed[i]);
+          const [x1, y1] = crossing(crossed[i + 1]);
+          segments.push([(x0 + 0.5) * CELL, (y0 + 0.5) * CELL, (x1 + 0.5) * CELL, (y1 + 0.5) * CELL]);
         }
       }
     }
