@@ -1,5 +1,7 @@
 /** The data that the page was written with, checked and brought into typed arrays. */
 
+import { readTerms } from './terms.js';
+
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
   legendWidth: 130,
@@ -80,7 +82,8 @@ function readColourings(raw, count, labels) {
  * @returns texts as they came; per pair `x` and `y` (Float64Array, `count` long, NaN = no position),
  *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
- *   there is at least one, are `count` long or empty; `background` is the label of genes that step back
+ *   there is at least one, are `count` long or empty; `background` is the label of genes that step back; `terms` as
+ *   of `readTerms`
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -105,6 +108,7 @@ export function readDataset(text) {
     genes: perPoint(raw.genes),
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
+    terms: readTerms(raw.terms, count),
   };
 }
 
