@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { describe, test } from 'node:test';
 import { enrich, testGroups } from '../../plots/page/src/enrichment.js';
-import { falseDiscoveryRates, upperTail } from '../../plots/page/src/hypergeometric.js';
+import { falseDiscoveryRates, upperTail } from '../../plots/page/src/overlap_chance.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
 import { readTerms } from '../../plots/page/src/terms.js';
 import { createNumbers, smallData, SMALL_TERMS } from './support.mjs';

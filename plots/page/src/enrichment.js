@@ -1,6 +1,6 @@
 /** Which groups of genes a selection has more of than chance gives. */
 
-import { falseDiscoveryRates, upperTail } from './hypergeometric.js';
+import { falseDiscoveryRates, upperTail } from './overlap_chance.js';
 
 /** Groups of fewer genes are not tested: one gene is not together with others. */
 export const FEWEST_GENES = 2;

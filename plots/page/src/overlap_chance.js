@@ -1,4 +1,4 @@
-/** The chance of an overlap, in the same steps as annotation/hypergeometric.cpp, so that page and program agree. */
+/** The chance of an overlap, in the same steps as annotation/overlap_chance.cpp, so that page and program agree. */
 
 // What comes behind a summand of this share of the sum is below its last digit.
 const NEGLIGIBLE = 2 ** -60;
