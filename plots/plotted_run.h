@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "results/label_column.h"
+#include "results/row_terms.h"
 
 namespace ovik {
 
@@ -28,6 +29,8 @@ struct PlottedRun {
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;
+    /// What the points do, in terms that the page tests selections for; null for none.
+    const RowTerms* terms = nullptr;
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -11,6 +11,7 @@
 #include "results/run_log.h"
 #include "stats/run_caption.h"
 #include "stats/run_names.h"
+#include "stats/terms_of_rows.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
@@ -48,12 +49,15 @@ WrittenResults write_results(const ResultSettings& settings,
                                                    run.input_columns,
                                                    run.report,
                                                    settings.transformations);
+        const RowTerms terms = terms_of_rows(
+            run.names, std::span<const std::string>(table.functions).first(run.names.size()));
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
         plotted.labels = settings.labels;
         plotted.label_columns = settings.label_columns;
         plotted.genes = settings.genes;
+        plotted.terms = &terms;
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;
