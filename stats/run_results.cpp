@@ -49,8 +49,7 @@ WrittenResults write_results(const ResultSettings& settings,
                                                    run.input_columns,
                                                    run.report,
                                                    settings.transformations);
-        const RowTerms terms = terms_of_rows(
-            run.names, std::span<const std::string>(table.functions).first(run.names.size()));
+        const RowTerms terms = terms_of_rows(run.names, table.functions);
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;

@@ -42,6 +42,9 @@ std::map<std::size_t, std::size_t> places_of_terms(const std::vector<const GeneE
 }  // namespace
 
 RowTerms terms_of_rows(std::span<const std::string> names, std::span<const std::string> functions) {
+    if (functions.size() < names.size()) {
+        return {};
+    }
     const std::vector<const GeneEntry*> genes = genes_of(names, functions);
     const std::map<std::size_t, std::size_t> places = places_of_terms(genes);
     RowTerms terms;

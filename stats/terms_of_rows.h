@@ -12,8 +12,8 @@ namespace ovik {
 /// whose name is of several genes.
 ///
 /// @param names      one per row
-/// @param functions  one per row: as the gene table has them, or others
-/// @return empty if no row has a term
+/// @param functions  one per row or more: as the gene table has them, or others
+/// @return empty if no row has a term, or there are too few functions
 RowTerms terms_of_rows(std::span<const std::string> names, std::span<const std::string> functions);
 
 }  // namespace ovik

@@ -15,8 +15,7 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     for (std::size_t row = 0; !texts.functions.empty() && row < table.functions.size(); ++row) {
         table.functions[row] = texts.functions[row % texts.functions.size()];
     }
-    const RowTerms terms = terms_of_rows(
-        texts.names, std::span<const std::string>(table.functions).first(texts.names.size()));
+    const RowTerms terms = terms_of_rows(texts.names, table.functions);
     Chart chart;
     chart.title = texts.title;
     chart.name = texts.name;

@@ -54,6 +54,7 @@ TEST(TermsOfRows, AreNotThoseOfGenesThatOnlyShareAName) {
     const RowTerms none = terms_of_rows(names, functions);
     EXPECT_THAT(none.list, IsEmpty());
     EXPECT_THAT(none.of_rows, IsEmpty());
+    EXPECT_THAT(terms_of_rows(names, {}).list, IsEmpty());
 }
 
 }  // namespace
