@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 #include "results/row_terms.h"
 
 namespace ovik {
@@ -64,6 +65,10 @@ struct Chart {
     std::span<const std::string> genes;
     /// The terms of the points; null for none.
     const RowTerms* terms = nullptr;
+    /// Null, or the values of the points: another number of rows than of points is of no use.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which these are compared.
+    std::string metric;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "results/label_column.h"
+#include "results/quantised_matrix.h"
 #include "results/row_terms.h"
 
 namespace ovik {
@@ -31,6 +32,10 @@ struct PlottedRun {
     std::span<const std::string> genes;
     /// What the points do, in terms that the page tests selections for; null for none.
     const RowTerms* terms = nullptr;
+    /// The values of the points, which the page shows and compares them by; null for none.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which the run compared them.
+    std::string_view metric = "euclidean";
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -8,6 +9,8 @@
 #include "results/label_column.h"
 
 namespace ovik {
+
+struct QuantisedMatrix;
 
 /// Where the results of a run go, and what they say beside its numbers.
 struct ResultSettings {
@@ -32,6 +35,9 @@ struct ResultSettings {
     std::vector<std::string> genes = {};
     /// What was done to the values before the fit, for the plots; empty for nothing.
     std::string transformations = {};
+    /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h); null
+    /// for none.
+    std::shared_ptr<const QuantisedMatrix> matrix = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
 };
