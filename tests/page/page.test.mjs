@@ -358,10 +358,10 @@ describe('choosing', () => {
     await press('ArrowRight', 'Enter', 'ArrowRight', 'Enter');
     const clipboard = () => page.evaluate(() => navigator.clipboard.readText());
     await page.click('text=Copy names');
-    await statusSays('Names copied');
+    await statusSays('2 names copied');
     assert.equal(await clipboard(), 'CDC28\nCLN1');
     await page.click('text=Copy CSV');
-    await statusSays('Table copied');
+    await statusSays('Table of 2 genes copied');
     assert.match(await clipboard(), /^name,label,group,x,y,function\nCDC28,cycle,Group:1:2,0,0,"Cyclin/);
   });
 

@@ -112,6 +112,17 @@ export const SMALL_TERMS = {
   genes: [[0, 1], [1], [1], [0], [0], [2], []],
 };
 
+/** What the genes of the small data are called besides; two of them share an alias. */
+export const ALIASES = [
+  ['YBR160W', 'S000000364', ''],
+  ['YMR199W', 'S000004812', 'G1A|G1B'],
+  ['YPL256C', 'S000006177', ''],
+  ['YLL026W', 'S000003949', 'SHARED'],
+  ['YFL014W', 'S000001880', 'SHARED'],
+  ['YAL001C', 'S000000001', ''],
+  [],
+];
+
 /**
  * The matrix of the page's data, as the program writes it.
  *

@@ -1,8 +1,8 @@
 /** The data that the page was written with, checked and brought into typed arrays. */
 
-import { readTerms } from './terms.js';
 import { readExpression } from './expression.js';
 import { numbersOf } from './numeric_labels.js';
+import { readTerms } from './terms.js';
 
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
@@ -81,6 +81,31 @@ function readColourings(raw, count, labels) {
   return columns.length > 0 ? columns : [{ title: '', labels, numbers: numbersOf(labels) }];
 }
 
+/** What each gene is called besides: null where nothing is known, or of no gene at all. */
+function readAliases(raw, count) {
+  if (asList(raw).length !== count) return null;
+  const genes = asList(raw).map((entry) => {
+    const [systematic = '', sgd = '', aliases = ''] = asTexts(entry);
+    return systematic === '' ? null : { systematic, sgd, aliases: aliases.split('|').filter((alias) => alias !== '') };
+  });
+  return genes.some((gene) => gene !== null) ? genes : null;
+}
+
+/** Sets with a name and at least one gene, of whose names all genes are meant that carry them. */
+function readSets(raw, names) {
+  const listed = asList(raw).filter((set) => asText(set?.name) !== '');
+  if (listed.length === 0) return [];
+  const genesOf = new Map();
+  names.forEach((name, gene) => {
+    if (genesOf.has(name)) genesOf.get(name).push(gene);
+    else genesOf.set(name, [gene]);
+  });
+  return listed.map(({ name, genes }) => ({
+    name: asText(name),
+    genes: Int32Array.from(new Set(asTexts(genes).flatMap((gene) => genesOf.get(gene) ?? []))).sort(),
+  })).filter(({ genes }) => genes.length > 0);
+}
+
 /**
  * Reads the page's data.
  *
@@ -88,10 +113,10 @@ function readColourings(raw, count, labels) {
  * @returns texts as they came; per pair `x` and `y` (Float64Array, `count` long, NaN = no position),
  *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
- *   there is at least one, are `count` long or empty; `background` is the label of genes that step back; `terms` as
- *   of `readTerms`
- *   there is at least one, are `count` long or empty; `background` is the label of genes that step back,
- *   `expression` what the map was made of (`readExpression`), or null
+ *   there is at least one, are `count` long or empty; `background` is the label of genes that step back;
+ *   `aliases` is null, or has null or `systematic`, `sgd` and `aliases` (texts) of each gene; `sets` have
+ *   a `name` and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null;
+ *   `terms` as of `readTerms`
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -114,6 +139,8 @@ export function readDataset(text) {
     names: perPoint(raw.names),
     functions: perPoint(raw.functions),
     genes: perPoint(raw.genes),
+    aliases: readAliases(raw.aliases, count),
+    sets: readSets(raw.sets, perPoint(raw.names)),
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
     terms: readTerms(raw.terms, count),

@@ -8,6 +8,8 @@ const KEYS = [
   [['+', '\u2212'], 'zoom'],
   [['Home', '0'], 'show everything'],
   [['Enter', 'Space'], 'add the gene to the selection, or remove it'],
+  [['Ctrl', 'Z'], 'undo the last change of selection or sets'],
+  [['Shift', 'Ctrl', 'Z'], 'do it again'],
   [['Esc'], 'let go of the gene, then of the tool, then of the selection'],
 ];
 

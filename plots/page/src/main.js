@@ -1,6 +1,8 @@
 /** Puts the page together. */
 
+import { createAddress } from './address.js';
 import { createChart } from './chart.js';
+import { createHistory, followUndoKeys } from './history.js';
 import { createMarker } from './marker.js';
 import { createModel } from './model.js';
 import { createStore } from './state.js';
@@ -8,6 +10,7 @@ import { followBrush } from './brush.js';
 import { followKeyboard } from './keyboard.js';
 import { followPointer } from './pointer.js';
 import { followStatus } from './status.js';
+import { givenSets } from './named_sets.js';
 import { placeLegend } from './stage.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
@@ -19,6 +22,7 @@ import { showLegend } from './legend.js';
 import { showSearch } from './search.js';
 import { showSelection } from './selection.js';
 import { showSpotlight } from './spotlight.js';
+import { showSets } from './set_list.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
@@ -37,6 +41,7 @@ function firstState(model) {
     focus: -1,
     matches: null,
     selection: new Int32Array(0),
+    sets: givenSets(model.dataset),
     theme: preferredTheme(),
     tool: 'move',
   };
@@ -79,7 +84,13 @@ function start() {
   placeLegend(part('stage'), part('legend'), chart, dataset.layout);
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
-  showSelection(part('selection'), model, store, choose, say);
+  const address = createAddress(model, store, store.get().sets);
+  const sets = showSets(part('sets'), model, store, { say, copyLink: address.copyLink });
+  address.restore(sets.tell);
+  const history = createHistory(store, ['selection', 'sets']);
+  followUndoKeys(history);
+  showSelection(part('selection'), model, store, choose, { say, history, saveSet: sets.saveSet });
+  address.follow(sets.tell);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   window.ovikPage = Object.freeze({

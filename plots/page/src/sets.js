@@ -17,6 +17,16 @@ export function union(first, second) {
   return Int32Array.from(new Set([...first, ...second])).sort();
 }
 
+/** The genes of both sets. */
+export const intersection = (first, second) => first.filter((gene) => includes(second, gene));
+
+/** The genes of the first set that are not in the second. */
+export const difference = (first, second) => first.filter((gene) => !includes(second, gene));
+
+/** Whether two sets hold the same genes. */
+export const areEqual = (first, second) =>
+  first.length === second.length && first.every((gene, index) => gene === second[index]);
+
 /** The set with `gene` added, or removed if it was in. */
 export function toggled(genes, gene) {
   return includes(genes, gene) ? genes.filter((other) => other !== gene) : union(genes, [gene]);

@@ -10,6 +10,7 @@
  * @property {number} focus gene whose details are shown, or -1
  * @property {Int32Array|null} matches genes that the search found, ascending; null without a search
  * @property {Int32Array} selection chosen genes, ascending
+ * @property {object[]} sets named sets of genes, as of `named_sets.js`
  * @property {'light'|'dark'} theme
  * @property {'move'|'box'|'lasso'} tool what dragging in the chart does
  */

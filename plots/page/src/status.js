@@ -16,6 +16,7 @@ export function followStatus(element, chart, model, store) {
     if (state.focus >= 0) say(geneSentence(model, state, state.focus));
   });
   store.listen(['selection'], (state) => say(`${counted(state.selection.length, 'gene')} chosen`));
+  store.listen(['sets'], (state) => say(`${counted(state.sets.length, 'set')}`));
   store.listen(['matches'], (state) => {
     if (state.matches) say(`${counted(state.matches.length, 'gene matches', 'genes match')}`);
   });
