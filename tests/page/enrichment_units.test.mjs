@@ -1,6 +1,8 @@
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { describe, test } from 'node:test';
+import { enrichmentTable, formatChance, formatFold } from '../../plots/page/src/enrichment_table.js';
+import { labelGroups, wordGroups, wordsOf } from '../../plots/page/src/gene_groups.js';
 import { enrich, testGroups } from '../../plots/page/src/enrichment.js';
 import { falseDiscoveryRates, upperTail } from '../../plots/page/src/overlap_chance.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
@@ -84,6 +86,35 @@ describe('enrichment', () => {
       return performance.now() - start;
     });
     assert.ok(Math.min(...times) < 50, `${times}`);
+  });
+});
+
+describe('groups', () => {
+  test('of labels leave genes without one out, and test no rest', () => {
+    const groups = labelGroups(['a', 'b', '', 'NA', 'none', 'Unknown', 'other', 'a']);
+    assert.deepEqual(groups.list.map(({ name }) => name), ['a', 'b']);
+    assert.deepEqual(Array.from({ length: 8 }, (_, gene) => groups.annotated(gene)), [true, true, false, false, false, false, true, true]);
+    assert.deepEqual([0, 1, 2, 6].map((gene) => [...groups.of(gene)]), [[0], [1], [], []]);
+  });
+
+  test('of words have each word of a function once, without fillers and cut ones', () => {
+    assert.deepEqual(wordsOf('Subunit of the F1F0 ATP-synthase; a subunit'), ['subunit', 'f1f0', 'atp-synthase']);
+    const cut = 'Protein of the mitochondrial intermembrane space that is required for assem';
+    assert.deepEqual(wordsOf(cut.slice(0, 70)), ['protein', 'mitochondrial', 'intermembrane', 'space', 'required']);
+    const groups = wordGroups(['Kinase', 'NULL', '', 'Kinase of the cell cycle']);
+    assert.deepEqual([0, 1, 2, 3].map(groups.annotated), [true, false, false, true]);
+    assert.deepEqual(testGroups(groups, [0, 3], [0, 1, 2, 3]).results.map(({ term, hits, p }) => [groups.list[term].name, hits, p]),
+      [['kinase', 2, 1]]);
+  });
+
+  test('numbers are short to read and whole in the table', () => {
+    assert.deepEqual([0, 1e-300, 2.44e-30, 0.00099, 0.0313, 1].map(formatChance),
+      ['below 1e-300', '1.0e-300', '2.4e-30', '9.9e-4', '0.031', '1']);
+    assert.deepEqual([67.03, 9.96, 0.34].map(formatFold), ['67', '10.0', '0.3']);
+    const dataset = readDataset(JSON.stringify(smallData({ terms: SMALL_TERMS })));
+    const results = enrich(dataset, [0, 1, 2]);
+    const lines = enrichmentTable(dataset, dataset.terms, results).split('\n');
+    assert.equal(lines[1], `GO:0000278\tmitotic cell cycle\tprocess\t3\t3\t3\t6\t2\t${results[0].p}\t${results[0].q}\tCDC28 CLN1 CLN2`);
   });
 });
 

@@ -41,7 +41,8 @@ function membersOf(groups, genes) {
   return members;
 }
 
-function everyGene(count) {
+/** All genes of the data. */
+export function everyGene(count) {
   return Int32Array.from({ length: count }, (_, gene) => gene);
 }
 

@@ -24,6 +24,7 @@ import { showSelection } from './selection.js';
 import { showSpotlight } from './spotlight.js';
 import { showSets } from './set_list.js';
 import { showSummary } from './summary.js';
+import { showTerms } from './enrichment_panel.js';
 import { showToolbar } from './toolbar.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
 import { shareOf, windowAt } from './windows.js';
@@ -90,6 +91,7 @@ function start() {
   const history = createHistory(store, ['selection', 'sets']);
   followUndoKeys(history);
   showSelection(part('selection'), model, store, choose, { say, history, saveSet: sets.saveSet });
+  showTerms(part('terms'), model, store, choose, say);
   address.follow(sets.tell);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
