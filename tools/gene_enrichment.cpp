@@ -34,6 +34,7 @@ std::string joined(const std::vector<std::string>& names) {
 
 std::vector<std::string> names_of(const std::vector<const GeneEntry*>& genes) {
     std::vector<std::string> names;
+    names.reserve(genes.size());
     for (const GeneEntry* const gene : genes) {
         names.emplace_back(gene->name);
     }

@@ -86,8 +86,8 @@ cpp11::writable::list enriched_terms(const cpp11::strings& genes, SEXP backgroun
     return result;
 }
 
-cpp11::writable::strings split_names(const std::string& text) {
-    return {cpp11::as_sexp(split_gene_names(text))};
+cpp11::strings split_names(const std::string& text) {
+    return cpp11::strings(cpp11::as_sexp(split_gene_names(text)));
 }
 
 }  // namespace ovik::r

@@ -13,6 +13,6 @@ namespace ovik::r {
 cpp11::writable::list enriched_terms(const cpp11::strings& genes, SEXP background);
 
 /// The names in a text.
-cpp11::writable::strings split_names(const std::string& text);
+cpp11::strings split_names(const std::string& text);
 
 }  // namespace ovik::r
