@@ -10,6 +10,7 @@
 #include "results/gene_set.h"
 #include "results/label_column.h"
 #include "results/quantised_matrix.h"
+#include "results/row_terms.h"
 
 namespace ovik {
 
@@ -70,6 +71,8 @@ struct Chart {
     std::span<const GeneIdentifiers> identifiers;
     /// Sets of the points.
     std::span<const GeneSet> sets;
+    /// The terms of the points; null for none.
+    const RowTerms* terms = nullptr;
     /// Null, or the values of the points: another number of rows than of points is of no use.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which these are compared.

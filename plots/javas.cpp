@@ -32,6 +32,7 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.genes = run.genes;
     chart.identifiers = run.identifiers;
     chart.sets = run.sets;
+    chart.terms = run.terms;
     chart.background = run.background;
     chart.matrix = run.matrix;
     chart.metric = run.metric;

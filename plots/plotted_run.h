@@ -9,6 +9,7 @@
 #include "results/gene_set.h"
 #include "results/label_column.h"
 #include "results/quantised_matrix.h"
+#include "results/row_terms.h"
 
 namespace ovik {
 
@@ -35,6 +36,8 @@ struct PlottedRun {
     std::span<const GeneIdentifiers> identifiers{};
     /// Sets of the points, which the page lists.
     std::span<const GeneSet> sets{};
+    /// What the points do, in terms that the page tests selections for; null for none.
+    const RowTerms* terms = nullptr;
     /// The values of the points, which the page shows and compares them by; null for none.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which the run compared them.

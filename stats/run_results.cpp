@@ -12,6 +12,7 @@
 #include "stats/gene_identifiers.h"
 #include "stats/run_caption.h"
 #include "stats/run_names.h"
+#include "stats/terms_of_rows.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
@@ -51,6 +52,7 @@ WrittenResults write_results(const ResultSettings& settings,
                                                    settings.transformations);
         const std::vector<GeneIdentifiers> identifiers =
             gene_identifiers(run.names, table.functions);
+        const RowTerms terms = terms_of_rows(run.names, table.functions);
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
@@ -59,6 +61,7 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.genes = settings.genes;
         plotted.identifiers = identifiers;
         plotted.sets = settings.gene_sets;
+        plotted.terms = &terms;
         // Distances are no values by which points could be compared.
         if (run.options.metric != MetricKind::Precomputed) {
             plotted.matrix = settings.matrix.get();

@@ -9,6 +9,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
@@ -485,6 +486,17 @@ void add_input_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
     app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
         ->option_text("NAME");
+    CLI::Option* const enrich =
+        app.add_option("--enrich",
+                       options.enrich,
+                       "Test which GO slim terms a list of genes has more of than chance gives, "
+                       "instead of a run; - for standard input")
+            ->option_text("GENES");
+    app.add_option("--background",
+                   options.background,
+                   "Matrix whose genes --enrich compares the list with (all genes)")
+        ->option_text("MATRIX")
+        ->needs(enrich);
     app.add_option("--collect",
                    options.collected_reports,
                    "Make a page to compare runs of their reports (--json), instead of a run")
@@ -539,27 +551,80 @@ constexpr std::array<std::string_view, 31> kOptionsOfPlacement = {
     "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows",
     "sets"};
 
-/// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
-void check_placement(const CLI::App& app, const Options& options) {
-    if (options.onto.empty()) {
-        return;
-    }
+/// Options that say something where terms of a list of genes are asked for, and where beside them a
+/// matrix is read.
+constexpr std::array<std::string_view, 18> kOptionsOfEnrichment = {"enrich",
+                                                                   "background",
+                                                                   "help",
+                                                                   "version",
+                                                                   "out-dir",
+                                                                   "name",
+                                                                   "quiet",
+                                                                   "delimiter",
+                                                                   "decimal",
+                                                                   "na",
+                                                                   "sheet",
+                                                                   "skip-columns",
+                                                                   "names-column",
+                                                                   "missing",
+                                                                   "force",
+                                                                   "no-header",
+                                                                   "no-names",
+                                                                   "row-names"};
+constexpr std::size_t kOptionsWithoutBackground = 7;
+
+/// @param reason  why other options do not go, for the message
+/// @throws CLI::ValidationError if the command line has others than these
+void allow_only(const CLI::App& app,
+                std::span<const std::string_view> allowed,
+                const std::string& reason) {
     for (const CLI::Option* const option : app.get_options()) {
         if (option->count() == 0 || option->get_lnames().empty()) {
             continue;
         }
         const std::string& name = option->get_lnames().front();
-        if (std::find(kOptionsOfPlacement.begin(), kOptionsOfPlacement.end(), name) ==
-            kOptionsOfPlacement.end()) {
-            throw CLI::ValidationError(
-                "--" + name,
-                "does not go with --onto, which places rows on the map of a model: leave it away");
+        if (std::find(allowed.begin(), allowed.end(), name) == allowed.end()) {
+            throw CLI::ValidationError("--" + name, "does not go with " + reason);
         }
     }
 }
 
+/// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
+void check_placement(const CLI::App& app, const Options& options) {
+    if (!options.onto.empty()) {
+        allow_only(app,
+                   kOptionsOfPlacement,
+                   "--onto, which places rows on the map of a model: leave it away");
+    }
+}
+
+/// @throws CLI::ValidationError if the command line asks for terms of a list and for what they have
+/// no use for
+void check_enrichment(const CLI::App& app, const Options& options) {
+    if (options.enrich.empty()) {
+        return;
+    }
+    if (!options.matrix.empty()) {
+        throw CLI::ValidationError("--enrich",
+                                   "tests a list of genes instead of a run: " + options.matrix +
+                                       " would not be read\nGive it as --background, if the list "
+                                       "is to be compared with its genes.");
+    }
+    if (options.enrich == "-" && options.background == "-") {
+        throw CLI::ValidationError("--enrich", "and --background cannot both be standard input");
+    }
+    const std::span<const std::string_view> allowed(kOptionsOfEnrichment);
+    if (options.background.empty()) {
+        allow_only(app,
+                   allowed.first(kOptionsWithoutBackground),
+                   "--enrich without --background, which reads no matrix: leave it away");
+    }
+    allow_only(app, allowed, "--enrich, which tests a list of genes: leave it away");
+}
+
 void check_combination(const Options& options) {
-    if (options.matrix.empty() && options.gene.empty() && options.collected_reports.empty()) {
+    if (options.matrix.empty() && options.gene.empty() && options.enrich.empty() &&
+        options.collected_reports.empty()) {
         throw CLI::RequiredError("MATRIX");
     }
     if (!options.matrix.empty() && !options.collected_reports.empty()) {
@@ -662,6 +727,13 @@ std::string stem_of(std::filesystem::path path) {
     return path.stem().string();
 }
 
+/// Where the terms of a list of genes go, if the command line says so.
+void settle_enrichment_file(const CLI::App& app, Options& options) {
+    if (is_given(app, "out-dir") || is_given(app, "name")) {
+        options.enrichment_file = options.out_dir + options.name + "_enrichment.tsv";
+    }
+}
+
 /// All names of all options, with their dashes.
 std::vector<std::string> option_names(const CLI::App& app) {
     std::vector<std::string> names;
@@ -712,7 +784,8 @@ void fill_in_defaults(Options& options) {
     if (options.name.empty() && !options.collected_reports.empty()) {
         options.name = "collected";
     } else if (options.name.empty()) {
-        options.name = options.matrix == "-" ? "stdin" : stem_of(options.matrix);
+        const std::string& file = options.enrich.empty() ? options.matrix : options.enrich;
+        options.name = file == "-" ? "stdin" : stem_of(file);
     }
     if (options.title.empty()) {
         options.title = options.name;
@@ -748,11 +821,13 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
         check_placement(app, command.options);
+        check_enrichment(app, command.options);
         check_combination(command.options);
         check_comparison(app, command.options);
         check_fit(app, command.options);
         check_seeds(command.options);
         fill_in_defaults(command.options);
+        settle_enrichment_file(app, command.options);
     } catch (const CLI::ParseError& error) {
         command.exit_status = app.exit(error) == 0 ? Success : BadInput;
     }

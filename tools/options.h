@@ -39,7 +39,7 @@ enum class PageData {
 
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
-    /// Path of the matrix; empty only with `gene`.
+    /// Path of the matrix; empty only where something else than a run is asked for.
     std::string matrix;
     /// Directory of the results, with its separator at the end.
     std::string out_dir = "./";
@@ -74,6 +74,13 @@ struct Options {
     std::string neighbours_file;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
+    /// File of a list of genes to test for terms instead of a run, "-" for standard input; empty for a
+    /// run.
+    std::string enrich;
+    /// Matrix whose genes the list is compared with; empty for all genes.
+    std::string background;
+    /// File of the terms of the list; empty for standard output.
+    std::string enrichment_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
     PageData page_data = PageData::Full;

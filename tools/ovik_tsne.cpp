@@ -28,6 +28,7 @@
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
 #include "tools/exit_status.h"
+#include "tools/gene_enrichment.h"
 #include "tools/gene_report.h"
 #include "tools/interruption.h"
 #include "tools/label_join.h"
@@ -176,6 +177,9 @@ ExitStatus embed(Options options, RunReport report) {
 ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     if (!options.gene.empty()) {
         return show_gene(options.gene);
+    }
+    if (!options.enrich.empty()) {
+        return show_enrichment(options);
     }
     if (!options.collected_reports.empty()) {
         return collect_reports(options);

@@ -17,6 +17,7 @@
 #include <cpp11.hpp>
 #include <cpp11/declarations.hpp>
 
+#include "enrichment.h"
 #include "fit.h"
 #include "matrix_file.h"
 #include "options.h"
@@ -320,6 +321,18 @@ static SEXP ovik_read_matrix(SEXP path, SEXP form) {
     END_CPP11
 }
 
+static SEXP ovik_enrich(SEXP genes, SEXP background) {
+    BEGIN_CPP11
+    return ovik::r::enriched_terms(genes, background);
+    END_CPP11
+}
+
+static SEXP ovik_split_names(SEXP text) {
+    BEGIN_CPP11
+    return ovik::r::split_names(cpp11::as_cpp<std::string>(text));
+    END_CPP11
+}
+
 // NOLINTNEXTLINE(readability-identifier-naming): R looks for this name
 attribute_visible void R_init_ovik(DllInfo* library) {
     static const R_CallMethodDef routines[] = {
@@ -327,6 +340,8 @@ attribute_visible void R_init_ovik(DllInfo* library) {
         {"option_holds", reinterpret_cast<DL_FUNC>(&ovik_option_holds), 2},
         {"settle", reinterpret_cast<DL_FUNC>(&ovik_settle), 4},
         {"read_matrix", reinterpret_cast<DL_FUNC>(&ovik_read_matrix), 2},
+        {"enrich", reinterpret_cast<DL_FUNC>(&ovik_enrich), 2},
+        {"split_names", reinterpret_cast<DL_FUNC>(&ovik_split_names), 1},
         {nullptr, nullptr, 0}};
     R_registerRoutines(library, nullptr, routines, nullptr, nullptr);
     R_useDynamicSymbols(library, FALSE);

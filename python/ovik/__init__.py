@@ -9,6 +9,7 @@
 from ._agreement import Agreement, agreement
 from ._anndata import pp_tsne
 from ._core import __version__
+from ._enrichment import EnrichedTerm, Enrichment, enrich
 from ._genes import Gene, gene_function
 from ._matrix import Matrix, MatrixNote, read_matrix
 from ._page import Page, page
@@ -18,12 +19,15 @@ from ._tsne import TSNE
 __all__ = [
     "TSNE",
     "Agreement",
+    "EnrichedTerm",
+    "Enrichment",
     "Gene",
     "Matrix",
     "MatrixNote",
     "Page",
     "__version__",
     "agreement",
+    "enrich",
     "gene_function",
     "page",
     "plot",

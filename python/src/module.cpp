@@ -15,8 +15,11 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include "annotation/enrichment_table.h"
+#include "annotation/gene_name_list.h"
 #include "annotation/gene_names.h"
 #include "annotation/row_finder.h"
+#include "annotation/go_slim.h"
 #include "stats/given_neighbours.h"
 #include "stats/map_agreement.h"
 #include "stats/option_texts.h"
@@ -372,6 +375,50 @@ py::object gene_entry(const std::string& name) {
                            : py::make_tuple(gene->name, gene->systematic, gene->function);
 }
 
+std::vector<std::string> listed_names(const std::vector<const GeneEntry*>& genes) {
+    std::vector<std::string> names;
+    names.reserve(genes.size());
+    for (const GeneEntry* const gene : genes) {
+        names.emplace_back(gene->name);
+    }
+    return names;
+}
+
+/// @param background  names, or None for all genes
+/// @return the fields of each term in the order of `EnrichedTerm`, and what else there is to say,
+/// by name
+py::tuple enriched_terms(const std::vector<std::string>& names,
+                         const std::optional<std::vector<std::string>>& background) {
+    using namespace py::literals;  // NOLINT(google-build-using-namespace): that is their use
+    const NamedGenes list = genes_named(names);
+    const NamedGenes from = background ? genes_named(*background) : NamedGenes();
+    const Enrichment enrichment = background ? enrich(list.genes, from.genes) : enrich(list.genes);
+    py::list rows;
+    for (const EnrichedTerm& term : enrichment.terms) {
+        const GoTerm& known = go_terms()[term.term];
+        rows.append(py::make_tuple(known.id,
+                                   known.name,
+                                   std::string(aspect_name(known.aspect)),
+                                   term.hits,
+                                   term.size,
+                                   enrichment.drawn,
+                                   enrichment.total,
+                                   term.fold,
+                                   term.p,
+                                   term.q,
+                                   listed_names(term.genes)));
+    }
+    return py::make_tuple(rows,
+                          py::dict("found"_a = list.genes.size(),
+                                   "background"_a = from.genes.size(),
+                                   "drawn"_a = enrichment.drawn,
+                                   "tested"_a = enrichment.tested,
+                                   "not_found"_a = as_bytes(list.unknown),
+                                   "ambiguous"_a = as_bytes(list.ambiguous),
+                                   "outside"_a = listed_names(enrichment.outside),
+                                   "without_terms"_a = listed_names(enrichment.without_terms)));
+}
+
 }  // namespace
 
 }  // namespace ovik::python
@@ -399,5 +446,12 @@ PYBIND11_MODULE(_core, module) {
                "columns"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
     module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
+    module.def(
+        "split_gene_names",
+        [](const std::string& text) {
+            return ovik::python::as_bytes(ovik::split_gene_names(text));
+        },
+        "text"_a);
+    module.def("enrich", ovik::python::enriched_terms, "genes"_a, "background"_a);
     module.def("find_gene", ovik::python::gene_entry, "name"_a);
 }

@@ -6,6 +6,7 @@
 #include "plots/chart_page.h"
 #include "results/result_table.h"
 #include "stats/gene_identifiers.h"
+#include "stats/terms_of_rows.h"
 
 namespace ovik::python {
 
@@ -15,6 +16,7 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     for (std::size_t row = 0; !texts.functions.empty() && row < table.functions.size(); ++row) {
         table.functions[row] = texts.functions[row % texts.functions.size()];
     }
+    const RowTerms terms = terms_of_rows(texts.names, table.functions);
     Chart chart;
     chart.title = texts.title;
     chart.name = texts.name;
@@ -35,6 +37,7 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
     chart.identifiers = identifiers;
     chart.sets = texts.sets;
+    chart.terms = &terms;
     return chart_page(chart);
 }
 

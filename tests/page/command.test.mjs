@@ -4,6 +4,8 @@ import { readFile, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { promisify } from 'node:util';
+import { fileURLToPath } from 'node:url';
+import { enrich } from '../../plots/page/src/enrichment.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
 import { startBrowser } from './support.mjs';
 
@@ -117,4 +119,22 @@ test('odd file names work, and the same input gives the same page', async () => 
     assert.equal(await page.title(), name.replace('\n', ' '));
     assert.deepEqual(page.problems, []);
   }
+});
+
+test('the terms of a selection are those that the command finds, to the last bit', async () => {
+  const matrix = fileURLToPath(new URL('../../data/eisen1998_timecourses.tsv', import.meta.url));
+  const results = join(browser.folder, 'terms');
+  await run(process.env.OVIK_TSNE, [matrix, '--quiet', '--max-iter', '2', '--name', 'm', '--out-dir', results]);
+  const html = await readFile(join(results, 'm_tsne_20_0.html'), 'utf8');
+  const dataset = readDataset(/id="chart-data">(.*?)<\/script>/s.exec(html)[1]);
+  const chosen = dataset.functions.flatMap((text, gene) => (/ribosom/i.test(text) ? [gene] : []));
+  assert.ok(chosen.length > 100);
+  const list = join(browser.folder, 'genes.txt');
+  await writeFile(list, chosen.map((gene) => dataset.names[gene]).join('\n'));
+  const { stdout } = await run(process.env.OVIK_TSNE, ['--enrich', list, '--background', matrix]);
+  const lines = stdout.trimEnd().split('\n').slice(1).map((line) => line.split('\t'));
+  const found = enrich(dataset, chosen);
+  assert.ok(found.length > 50 && found[0].p < 1e-100, `${found.length} terms`);
+  assert.deepEqual(found.map(({ term, hits, size, drawn, total, fold, p, q }) => [dataset.terms.list[term].id, hits, size, drawn, total, fold, p, q]),
+    lines.map(([id, , , ...numbers]) => [id, ...numbers.slice(0, 7).map(Number)]));
 });

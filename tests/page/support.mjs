@@ -102,6 +102,16 @@ export const LABEL_COLUMNS = [
   },
 ];
 
+/** Terms of the small data: two of three genes each, one of a single gene, and the last gene without any. */
+export const SMALL_TERMS = {
+  list: [
+    ['GO:0006950', 'response to stress', 'P'],
+    ['GO:0000278', 'mitotic cell cycle', 'P'],
+    ['GO:0005886', 'plasma membrane', 'C'],
+  ],
+  genes: [[0, 1], [1], [1], [0], [0], [2], []],
+};
+
 /** What the genes of the small data are called besides; two of them share an alias. */
 export const ALIASES = [
   ['YBR160W', 'S000000364', ''],

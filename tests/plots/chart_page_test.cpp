@@ -84,6 +84,20 @@ TEST(ChartPageData, HasWhatGenesAreCalledBesidesAndTheSets) {
     EXPECT_EQ(data_of(chart_page(chart))["aliases"], json::array());
 }
 
+TEST(ChartPageData, HasTheTermsOfThePoints) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0, 3.0};
+    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    RowTerms terms;
+    chart.terms = &terms;
+    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    terms = {
+        {{"GO:1", "<folding>", 'P'}, {"GO:2", "nucleus", 'C'}}, {{0, 1}, {}, {0, 1}}, {{2, 0}}};
+    EXPECT_EQ(data_of(chart_page(chart))["terms"],
+              json::parse(R"({"list": [["GO:1", "<folding>", "P"], ["GO:2", "nucleus", "C"]],
+                              "genes": [[0, 1], [], [0, 1]], "repeated": [[2, 0]]})"));
+}
+
 TEST(ChartPageData, HasTheValuesOfThePoints) {
     const std::vector<double> values = {0.0, 1.0, 65534.0, 3.0};
     const QuantisedMatrix matrix =

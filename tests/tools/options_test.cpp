@@ -548,6 +548,40 @@ TEST(ParseCommandLine, NeedsNoMatrixForAGeneOrReports) {
     EXPECT_EQ(parse({"--collect", "a.json", "--name", "n"}).options.name, "n");
 }
 
+TEST(ParseCommandLine, TakesAListOfGenesInThePlaceOfAMatrix) {
+    const Parsed list = parse({"--enrich", "genes.txt"});
+    EXPECT_EQ(list.exit_status, std::nullopt);
+    EXPECT_EQ(list.options.enrich, "genes.txt");
+    EXPECT_EQ(list.options.enrichment_file, "");
+    const auto file_of = [](std::vector<std::string> arguments) {
+        return parse(std::move(arguments)).options.enrichment_file;
+    };
+    EXPECT_EQ(file_of({"--enrich", "a/genes.txt", "-o", "out"}), "out/genes_enrichment.tsv");
+    EXPECT_EQ(file_of({"--enrich", "-", "-o", "out"}), "out/stdin_enrichment.tsv");
+    EXPECT_EQ(file_of({"--enrich", "genes.txt", "-n", "n"}), "./n_enrichment.tsv");
+    const Parsed compared =
+        parse({"--enrich", "-", "--background", "m.tsv", "--skip-columns", "2", "--quiet"});
+    EXPECT_EQ(compared.exit_status, std::nullopt);
+    EXPECT_EQ(compared.options.background, "m.tsv");
+}
+
+TEST(ParseCommandLine, RefusesWhatAListOfGenesHasNoUseFor) {
+    const auto refusal = [](std::vector<std::string> arguments) {
+        const Parsed parsed = parse(std::move(arguments));
+        EXPECT_EQ(parsed.exit_status, BadInput);
+        return parsed.err;
+    };
+    EXPECT_THAT(refusal({"m.tsv", "--enrich", "genes.txt"}), HasSubstr("m.tsv would not be read"));
+    EXPECT_THAT(refusal({"--enrich", "-", "--background", "-"}), HasSubstr("standard input"));
+    EXPECT_THAT(refusal({"m.tsv", "--background", "b.tsv"}), HasSubstr("--enrich"));
+    EXPECT_THAT(refusal({"--enrich", "genes.txt", "--perplexity", "30"}),
+                HasSubstr("--perplexity: does not go with --enrich"));
+    EXPECT_THAT(refusal({"--enrich", "genes.txt", "--na", "x"}),
+                HasSubstr("--na: does not go with --enrich without --background"));
+    EXPECT_THAT(refusal({"--enrich", "genes.txt", "--background", "m.tsv", "--labels", "l.txt"}),
+                HasSubstr("--labels: does not go with --enrich, which tests a list"));
+}
+
 TEST(ParseCommandLine, ShowsHelpAndVersionOnStandardOutput) {
     const Parsed help = parse({"--help"});
     EXPECT_EQ(help.exit_status, Success);

@@ -2,6 +2,7 @@
 
 import { readExpression } from './expression.js';
 import { numbersOf } from './numeric_labels.js';
+import { readTerms } from './terms.js';
 
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
@@ -115,7 +116,8 @@ function readSets(raw, names) {
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
  *   there is at least one, are `count` long or empty; `background` is the label of genes that step back;
  *   `aliases` is null, or has null or `systematic`, `sgd` and `aliases` (texts) of each gene; `sets` have
- *   a `name`, a `colour` ("#rrggbb" or anything else) and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null
+ *   a `name`, a `colour` ("#rrggbb" or anything else) and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null;
+ *   `terms` as of `readTerms`
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -142,6 +144,7 @@ export function readDataset(text) {
     sets: readSets(raw.sets, perPoint(raw.names)),
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
+    terms: readTerms(raw.terms, count),
     expression: readExpression(raw.matrix, count),
   };
 }

@@ -16,7 +16,7 @@ function linkItem(link) {
 
 /** Fills the foot. */
 export function showFooter(element, dataset) {
-  const { parameters, links, functions } = dataset;
+  const { parameters, links, functions, terms } = dataset;
   if (parameters.length > 0) {
     element.append(el('dl', { class: 'parameters' }, ...parameters.map(([term = '', value = '']) =>
       el('div', {}, el('dt', {}, dataText(term)), el('dd', {}, dataText(value))))));
@@ -25,5 +25,9 @@ export function showFooter(element, dataset) {
   if (functions.some((text) => text !== '' && text !== 'NULL')) {
     element.append(el('p', { class: 'credit' },
       'Gene descriptions: Saccharomyces Genome Database, CC BY 4.0.'));
+  }
+  if (terms) {
+    element.append(el('p', { class: 'credit' },
+      'GO slim terms: Saccharomyces Genome Database and Gene Ontology, CC BY 4.0.'));
   }
 }

@@ -24,6 +24,7 @@ import { showSelection } from './selection.js';
 import { showSets } from './set_list.js';
 import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
+import { showTerms } from './enrichment_panel.js';
 import { showToolbar } from './toolbar.js';
 import { showDensityScale } from './view_options.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
@@ -95,6 +96,7 @@ function start() {
   const history = createHistory(store, ['selection', 'sets']);
   followUndoKeys(history);
   showSelection(part('selection'), model, store, choose, { say, history, saveSet: sets.saveSet });
+  showTerms(part('terms'), model, store, choose, say);
   address.follow(sets.tell);
   showExpression(part, chart, model, store, choose, say);
   showHelp(part('help'));
