@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "results/label_column.h"
+#include "results/map_trust.h"
 
 namespace ovik {
 
@@ -61,6 +62,8 @@ struct Chart {
     std::string background;
     /// One per point: the name under which the gene table lists it, where it is not its own.
     std::span<const std::string> genes;
+    /// How far the map can be trusted, as `PlottedRun` has it.
+    const MapTrust* trust = nullptr;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

@@ -31,6 +31,7 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.label_columns = run.label_columns;
     chart.genes = run.genes;
     chart.background = run.background;
+    chart.trust = run.trust;
 }
 
 /// @throws std::invalid_argument if a run has another number of rows, or of their texts

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "results/label_column.h"
+#include "results/map_trust.h"
 
 namespace ovik {
 
@@ -28,6 +29,8 @@ struct PlottedRun {
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
     std::span<const std::string> genes;
+    /// How far the map can be trusted; null where nothing is known of it.
+    const MapTrust* trust = nullptr;
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -2,10 +2,12 @@
 
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "plots/plot_outcome.h"
 #include "results/label_column.h"
+#include "results/map_trust.h"
 
 namespace ovik {
 
@@ -32,6 +34,11 @@ struct ResultSettings {
     std::vector<std::string> genes = {};
     /// What was done to the values before the fit, for the plots; empty for nothing.
     std::string transformations = {};
+    /// Names and values of what else the chart page and the figure say of the run, behind the
+    /// parameters of the fit.
+    std::vector<std::pair<std::string, std::string>> further_parameters = {};
+    /// What the chart page says of how far the map can be trusted; empty for nothing.
+    MapTrust trust = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
 };

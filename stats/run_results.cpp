@@ -43,17 +43,21 @@ WrittenResults write_results(const ResultSettings& settings,
     written.log_failure =
         append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
     if (settings.draw_plots) {
-        const auto parameters = caption_parameters(run.options,
-                                                   run.embedding.rows,
-                                                   run.input_columns,
-                                                   run.report,
-                                                   settings.transformations);
+        auto parameters = caption_parameters(run.options,
+                                             run.embedding.rows,
+                                             run.input_columns,
+                                             run.report,
+                                             settings.transformations);
+        parameters.insert(parameters.end(),
+                          settings.further_parameters.begin(),
+                          settings.further_parameters.end());
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
         plotted.labels = settings.labels;
         plotted.label_columns = settings.label_columns;
         plotted.genes = settings.genes;
+        plotted.trust = &settings.trust;
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;

@@ -90,8 +90,7 @@ TEST(RunCaption, ShowsWhatDiffersFromTheClassicalRunAndLeavesOutWhatHasNoEffect)
     EXPECT_EQ(shown(options, "Full exaggeration"), "125");
     EXPECT_EQ(shown(options, "End of early exaggeration"), "missing");
     EXPECT_EQ(shown(options, "Learning rate"), "auto");
-    // It decides which iteration is the last alone.
-    EXPECT_EQ(shown(options, "Least gain"), "missing");
+    EXPECT_EQ(shown(options, "Least gain"), "0.1 % of the cost in 50 iterations");
 }
 
 TEST(RunCaption, ARunThatWasEndedHasTheCaptionOfAShorterOne) {
