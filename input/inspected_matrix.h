@@ -132,6 +132,8 @@ struct InspectedMatrix {
     /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
     /// there are rows of different length.
     std::unique_ptr<double[]> values;
+    /// Whether each value was missing and has been filled in, as they lie; empty if none was.
+    std::vector<bool> filled;
 };
 
 /// Takes note of names that repeat.

@@ -68,6 +68,16 @@ void fill_in(double* values, std::size_t count, std::size_t stride, double value
     }
 }
 
+/// Takes note of the missing values before they are filled in.
+void mark_missing(InspectedMatrix& matrix) {
+    const std::size_t count = matrix.report.rows * matrix.report.columns;
+    matrix.filled.resize(count);
+    std::transform(
+        matrix.values.get(), matrix.values.get() + count, matrix.filled.begin(), [](double value) {
+            return std::isnan(value);
+        });
+}
+
 void fill_in_row_means(const std::string& path,
                        const MissingCounts& missing,
                        const OptionSpelling& spell,
@@ -205,6 +215,9 @@ void treat_missing(const std::string& path,
                    InspectedMatrix& matrix,
                    std::vector<std::string>& labels,
                    const KnownColumns* known) {
+    if (policy != MissingPolicy::Drop) {
+        mark_missing(matrix);
+    }
     switch (policy) {
         case MissingPolicy::RowMean:
             fill_in_row_means(path, missing, spell, matrix);

@@ -54,7 +54,8 @@ std::string missing_places(const InspectedMatrix& matrix, const MissingCounts& m
 /// In words, what has become of missing values under a policy other than `Error` and `Leave`.
 std::string treatment(MissingPolicy policy, std::size_t rows_before, std::size_t rows_after);
 
-/// Applies a policy other than `Error` and `Leave`: afterwards no value is missing.
+/// Applies a policy other than `Error` and `Leave`: afterwards no value is missing, and `filled` of
+/// the matrix tells which were.
 ///
 /// @param path    for messages
 /// @param matrix  `values` is not null; `report.rows` and the rows' names and lines follow when

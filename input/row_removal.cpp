@@ -17,6 +17,11 @@ void leave_rows_out(const std::function<bool(std::size_t row)>& is_left_out,
         if (kept < n) {
             double* const values = matrix.values.get();
             std::copy_n(values + n * columns, columns, values + kept * columns);
+            if (!matrix.filled.empty()) {
+                const auto marks = matrix.filled.begin();
+                const auto row = marks + static_cast<std::ptrdiff_t>(n * columns);
+                std::copy_n(row, columns, marks + static_cast<std::ptrdiff_t>(kept * columns));
+            }
             matrix.row_names[kept] = std::move(matrix.row_names[n]);
             matrix.row_lines[kept] = matrix.row_lines[n];
             if (!labels.empty()) {
@@ -28,6 +33,7 @@ void leave_rows_out(const std::function<bool(std::size_t row)>& is_left_out,
     matrix.report.rows = kept;
     matrix.row_names.resize(kept);
     matrix.row_lines.resize(kept);
+    matrix.filled.resize(std::min(matrix.filled.size(), kept * columns));
     labels.resize(std::min(labels.size(), kept));
 }
 

@@ -62,6 +62,15 @@ void transpose(InspectedMatrix& matrix, std::vector<std::string> row_names) {
         }
     }
     matrix.values = std::move(values);
+    if (!matrix.filled.empty()) {
+        std::vector<bool> filled(rows * columns);
+        for (std::size_t n = 0; n < rows; ++n) {
+            for (std::size_t d = 0; d < columns; ++d) {
+                filled[n * columns + d] = matrix.filled[d * rows + n];
+            }
+        }
+        matrix.filled = std::move(filled);
+    }
     matrix.column_names = std::move(matrix.row_names);
     matrix.row_names = std::move(row_names);
     matrix.row_lines.assign(rows, 0);

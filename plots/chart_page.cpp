@@ -7,6 +7,7 @@
 #include "plots/component_pair.h"
 #include "plots/html_text.h"
 #include "plots/page_template.h"
+#include "util/base64.h"
 #include "util/json_text.h"
 #include "util/plain_text.h"
 
@@ -64,6 +65,20 @@ std::string json_label_columns(const Chart& chart, std::size_t point_count) {
         }
     }
     return json_list(columns);
+}
+
+std::string json_matrix(const Chart& chart, std::size_t point_count) {
+    if (chart.matrix == nullptr || chart.matrix->rows != point_count) {
+        return "null";
+    }
+    const QuantisedMatrix& matrix = *chart.matrix;
+    return json_object({{"columns", json_list_of(matrix.columns)},
+                        {"bits", json_text(matrix.bits)},
+                        {"lows", json_list_of(matrix.lows)},
+                        {"steps", json_list_of(matrix.steps)},
+                        {"values", '"' + base64(matrix.codes) + '"'},
+                        {"filled", '"' + base64(matrix.filled) + '"'},
+                        {"metric", json_text(chart.metric)}});
 }
 
 std::string json_parameters(const Chart& chart) {
@@ -124,7 +139,8 @@ std::string json_chart(const Chart& chart) {
                         {"labels", json_labels(chart, point_count)},
                         {"labelColumns", json_label_columns(chart, point_count)},
                         {"background", json_text(chart.background)},
-                        {"quality", json_quality(chart, point_count)}});
+                        {"quality", json_quality(chart, point_count)},
+                        {"matrix", json_matrix(chart, point_count)}});
 }
 
 /// JSON in a form that cannot end the script element which holds it: these characters occur in

@@ -8,6 +8,7 @@
 
 #include "results/label_column.h"
 #include "results/map_trust.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -64,6 +65,10 @@ struct Chart {
     std::span<const std::string> genes;
     /// How far the map can be trusted, as `PlottedRun` has it.
     const MapTrust* trust = nullptr;
+    /// Null, or the values of the points: another number of rows than of points is of no use.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which these are compared.
+    std::string metric;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

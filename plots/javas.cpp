@@ -32,6 +32,8 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.genes = run.genes;
     chart.background = run.background;
     chart.trust = run.trust;
+    chart.matrix = run.matrix;
+    chart.metric = run.metric;
 }
 
 /// @throws std::invalid_argument if a run has another number of rows, or of their texts

@@ -7,6 +7,7 @@
 
 #include "results/label_column.h"
 #include "results/map_trust.h"
+#include "results/quantised_matrix.h"
 
 namespace ovik {
 
@@ -31,6 +32,10 @@ struct PlottedRun {
     std::span<const std::string> genes;
     /// How far the map can be trusted; null where nothing is known of it.
     const MapTrust* trust = nullptr;
+    /// The values of the points, which the page shows and compares them by; null for none.
+    const QuantisedMatrix* matrix = nullptr;
+    /// The metric by which the run compared them.
+    std::string_view metric = "euclidean";
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

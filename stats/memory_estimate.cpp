@@ -54,6 +54,8 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     double lasting = kProgramBytes + input + 80.0 * N;
     MemoryEstimate estimate;
     estimate.reading = lasting + input;
+    const auto page_bytes = static_cast<double>(size.page_bytes);
+    lasting += page_bytes;
     if (size.is_shared) {
         lasting += input;
     }
@@ -69,7 +71,7 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     estimate.similarities =
         lasting + at_once * std::max(components_memory(size), scores + method.similarities);
     estimate.fitting = lasting + at_once * (32.0 * N * d + method.fitting);
-    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N
+    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes
                                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;
 }

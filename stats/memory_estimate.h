@@ -14,6 +14,8 @@ struct RunSize {
     FitOptions options;
     /// Whether chart page and figure are drawn.
     bool has_plots = true;
+    /// Bytes of the values that the chart page takes along; 0 without.
+    std::size_t page_bytes = 0;
     std::size_t threads = 1;
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
@@ -45,7 +47,10 @@ struct RunSize {
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (153 N + 44 Nd);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
-///   chart page (330 R + 300 N in all).
+///   chart page (330 R + 300 N in all), and with V bytes of values in the page their text, in
+///   the page and on the way to it (6 V).
+///
+/// These bytes are there in all stages but the first.
 ///
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -10,6 +11,8 @@
 #include "results/map_trust.h"
 
 namespace ovik {
+
+struct QuantisedMatrix;
 
 /// Where the results of a run go, and what they say beside its numbers.
 struct ResultSettings {
@@ -39,6 +42,9 @@ struct ResultSettings {
     std::vector<std::pair<std::string, std::string>> further_parameters = {};
     /// What the chart page says of how far the map can be trusted; empty for nothing.
     MapTrust trust = {};
+    /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h); null
+    /// for none.
+    std::shared_ptr<const QuantisedMatrix> matrix = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
 };

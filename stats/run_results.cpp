@@ -58,6 +58,11 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.label_columns = settings.label_columns;
         plotted.genes = settings.genes;
         plotted.trust = &settings.trust;
+        // Distances are no values by which points could be compared.
+        if (run.options.metric != MetricKind::Precomputed) {
+            plotted.matrix = settings.matrix.get();
+            plotted.metric = choice_name(run.options.metric);
+        }
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;

@@ -25,6 +25,7 @@ namespace ovik {
 
 class CachedNeighbours;
 struct FitReport;
+struct QuantisedMatrix;
 struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
@@ -79,6 +80,9 @@ class TSNE {
     /// Labels of the rows in the place of those that `actuate` is given: the chart page offers
     /// each, the figure shows the first. Empty for none.
     std::vector<LabelColumn> label_columns;
+    /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h), made
+    /// of the input before the run brings that into another form; null for none.
+    std::shared_ptr<const QuantisedMatrix> page_matrix;
     /// Input, row-major, N x D, from array `new`; centred and scaled in place by `actuate`. Under a
     /// metric of `options` that compares rows by their correlation it serves a single run.
     double* X = nullptr;

@@ -200,6 +200,18 @@ void add_output_options(CLI::App& app, Options& options) {
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
         "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");
+    app.add_option_function<std::string>(
+           "--page-data",
+           [&options](const std::string& text) {
+               options.page_data_is_given = true;
+               options.page_data = text == "none"    ? PageData::None
+                                   : text == "small" ? PageData::Small
+                                                     : PageData::Full;
+           },
+           "The matrix in the chart page: none, small (8 bits a value, up to 8,000,000 values) or "
+           "full (16 bits, up to 4,000,000) (full)")
+        ->option_text("SIZE")
+        ->check(CLI::IsMember({"none", "small", "full"}));
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
 }
 
@@ -564,6 +576,10 @@ void check_combination(const Options& options) {
         throw CLI::ValidationError(
             "--collect",
             "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
+    if (options.page_data_is_given && options.page_data != PageData::None && !options.plots) {
+        throw CLI::ValidationError(
+            "--page-data", "is of the chart page, and --no-plots leaves that out: leave one away");
     }
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");

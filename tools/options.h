@@ -26,6 +26,16 @@ enum class RowNames {
     Other,
 };
 
+/// How exactly the chart page has the values of the matrix.
+enum class PageData {
+    /// Not at all.
+    None,
+    /// By 8 bits each.
+    Small,
+    /// By 16 bits each.
+    Full,
+};
+
 /// The command line of `ovik-tsne`, defaults filled in where they do not depend on the matrix.
 struct Options {
     /// Path of the matrix; empty only with `gene`.
@@ -61,6 +71,9 @@ struct Options {
     std::string gene;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
+    PageData page_data = PageData::Full;
+    /// Whether the command line says so.
+    bool page_data_is_given = false;
     /// File of the checkpoint; empty for none.
     std::string checkpoint;
     /// Iterations between two checkpoints.

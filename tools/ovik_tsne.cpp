@@ -36,6 +36,7 @@
 #include "tools/neighbour_file.h"
 #include "tools/onto_run.h"
 #include "tools/options.h"
+#include "tools/page_matrix.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
@@ -66,6 +67,7 @@ RunSize size_of_runs(const Options& options,
     size.options = options.fit;
     size.options.perplexity = *std::max_element(perplexities.begin(), perplexities.end());
     size.has_plots = options.plots;
+    size.page_bytes = page_bytes(options, matrix.rows * matrix.columns);
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
     size.seeds = options.seeds;

@@ -24,6 +24,7 @@
 #include "tools/comparison.h"
 #include "tools/embedding_run.h"
 #include "tools/interruption.h"
+#include "tools/page_matrix.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
 #include "tools/start_file.h"
@@ -178,12 +179,12 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     const std::vector<double> start_places = settle_start(options, loaded.matrix.row_names);
     const std::shared_ptr<CachedNeighbours> neighbours =
         given != nullptr ? given : shared_neighbours(perplexities, options, report.rows);
+    const auto page_matrix = settle_page_matrix(loaded, options);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
-        report.runs.push_back(
-            run_embedding(options,
-                          input_of_run(loaded, genes, labels, neighbours, start_places, is_last),
-                          perplexity));
+        RunInput input = input_of_run(loaded, genes, labels, neighbours, start_places, is_last);
+        input.page_matrix = page_matrix;
+        report.runs.push_back(run_embedding(options, std::move(input), perplexity));
         if (interruption_status() != Success) {
             break;
         }

@@ -103,6 +103,11 @@ TEST(MissingValues, AreTreatedAsThePolicySays) {
         treat(policy, matrix, labels);
         EXPECT_THAT(values_of(matrix), ElementsAreArray(expected));
         EXPECT_EQ(treatment(policy, 4, matrix.report.rows), words);
+        std::vector<bool> filled;
+        if (policy != MissingPolicy::Drop) {
+            filled = {false, true, false, false, true, false, false, false};
+        }
+        EXPECT_EQ(matrix.filled, filled);
         EXPECT_THAT(labels, IsEmpty());
     }
 }

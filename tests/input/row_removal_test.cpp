@@ -18,6 +18,7 @@ using testing::IsEmpty;
 
 TEST(RowRemoval, TakesNamesLinesAndLabelsAlong) {
     InspectedMatrix matrix = lettered_matrix({1, 2, 3, 4, 5, 6, 7, 8}, 2);
+    matrix.filled = {false, true, true, false, false, false, false, true};
     std::vector<std::string> labels = {"a", "b", "c", "d"};
     leave_rows_out([](std::size_t row) { return row == 0 || row == 2; }, matrix, labels);
     EXPECT_EQ(matrix.report.rows, 2U);
@@ -25,6 +26,7 @@ TEST(RowRemoval, TakesNamesLinesAndLabelsAlong) {
     EXPECT_THAT(matrix.row_names, ElementsAre("B", "D"));
     EXPECT_THAT(matrix.row_lines, ElementsAre(4U, 8U));
     EXPECT_THAT(labels, ElementsAre("b", "d"));
+    EXPECT_THAT(matrix.filled, ElementsAre(true, false, false, true));
 }
 
 TEST(RowRemoval, LeavesAllOrNone) {

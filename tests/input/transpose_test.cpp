@@ -63,6 +63,7 @@ TEST_F(Transpose, ComesBehindWhatIsDoneToRowsAndColumnsOfTheFile) {
     options_.missing = MissingPolicy::RowMean;
     const LoadedMatrix loaded_matrix = loaded("g\ta\tb\tc\nG1\t1\tNA\t5\nG2\t2\t4\t6\n");
     EXPECT_THAT(valuesOf(loaded_matrix), ElementsAre(-2.0, -2.0, 0.0, 0.0, 2.0, 2.0));
+    EXPECT_THAT(loaded_matrix.matrix.filled, ElementsAre(false, false, true, false, false, false));
     EXPECT_EQ(names_of(options_.transformations), "center rows, transpose");
     options_.missing = MissingPolicy::Drop;
     options_.transformations.centre = Centring::None;

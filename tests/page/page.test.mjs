@@ -390,7 +390,7 @@ describe('colourings', () => {
     assert.equal(await text('#legend h2'), 'half-life <min>');
     assert.equal(await page.locator('#legend li').count(), 0);
     assert.equal(await page.getByRole('img', { name: 'Colours from 0.000 to 50.000' }).count(), 1);
-    assert.match((await text('#legend')).replace(/\s+/g, ' '), /50\.000 0\.000 \(no label\) 1 7 of 7 in view/);
+    assert.match((await text('#legend')).replace(/\s+/g, ' '), /50\.000 0\.000 no number 1 7 of 7 in view/);
     assert.match(await page.locator('#chart-frame').getAttribute('aria-label'), /Colours from 0\.000 to 50\.000\.$/);
     await page.selectOption('#colouring', '0');
     await until(async () => (await text('#legend .counts')) === '7 of 7 in view');

@@ -102,6 +102,36 @@ export const LABEL_COLUMNS = [
   },
 ];
 
+/**
+ * The matrix of the page's data, as the program writes it.
+ *
+ * @param {number[][]} rows NaN where a value is not known
+ * @param {object} [parts] `bits`, `metric`, `columns`, and the places of values that were `filled` in
+ */
+export function matrixOf(rows, { bits = 16, metric = 'euclidean', columns, filled = [] } = {}) {
+  const names = columns ?? rows[0].map((_, column) => `condition ${column + 1}`);
+  const most = 2 ** bits - 2;
+  const known = names.map((_, column) => rows.map((row) => row[column]).filter(Number.isFinite));
+  const lows = known.map((values) => Math.min(...values));
+  const steps = known.map((values, column) => (Math.max(...values) - lows[column]) / most);
+  const codes = rows.flatMap((row) => row.map((value, column) => {
+    if (!Number.isFinite(value)) return most + 1;
+    return steps[column] > 0 ? Math.round((value - lows[column]) / steps[column]) : 0;
+  }));
+  const bytes = bits === 8 ? codes : codes.flatMap((code) => [code & 255, code >> 8]);
+  const mask = new Uint8Array(Math.ceil(codes.length / 8));
+  for (const at of filled) mask[at >> 3] |= 1 << (at & 7);
+  return {
+    columns: names,
+    bits,
+    lows,
+    steps,
+    values: Buffer.from(bytes).toString('base64'),
+    filled: filled.length > 0 ? Buffer.from(mask).toString('base64') : '',
+    metric,
+  };
+}
+
 /** `count` genes in five round clouds, each with its label. */
 export function cloudData(count, changes = {}) {
   const next = createNumbers(7);

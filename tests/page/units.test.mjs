@@ -111,33 +111,50 @@ test('sets of genes', () => {
 });
 
 describe('categories', () => {
-  test('the stated order comes first, the rest as it appears', () => {
-    const { list, of, labelled } = findCategories(['b', 'a', '', 'b'], ['z', 'a'], 4);
+  const entry = (text, count, position, grey = false) => ({ text, count, grey, position });
+  const stylesOf = (list, scheme = '', own = []) => categoryStyles(list, { scheme, own, theme: 'light' });
+  const bright = (count) => Array.from({ length: count }, (_, position) => entry('', 0, position));
+
+  test('the stated order comes first, the rest as it appears, and what is none of these last', () => {
+    const { list, of, labelled } = findCategories(['', 'b', 'a', 'b'], ['z', 'a'], 4);
     assert.ok(labelled);
-    assert.deepEqual(list, [{ text: 'a', count: 1 }, { text: 'b', count: 2 }, { text: '(no label)', count: 1 }]);
-    assert.deepEqual([...of], [1, 0, 2, 1]);
+    assert.deepEqual(list, [entry('a', 1, 0), entry('b', 2, 2), entry('(no label)', 1, 1, true)]);
+    assert.deepEqual([...of], [2, 1, 0, 1]);
   });
 
-  test('the background comes first, pale, and beneath the others', () => {
+  test('labels that say "none" in any way are grey, and keep a colour that is theirs', () => {
+    const { list } = findCategories(['Other', 'x', 'NA', 'none ', 'UNKNOWN', 'others', 'n'], [], 7);
+    assert.deepEqual(list.map(({ text }) => text), ['x', 'others', 'n', 'Other', 'NA', 'none ', 'UNKNOWN']);
+    assert.deepEqual(list.map(({ grey }) => grey), [false, false, false, true, true, true, true]);
+    const styles = stylesOf(list, '', ['#111111', '#222222']);
+    assert.deepEqual(styles.map(({ colour }) => colour),
+      ['#222222', '#d55e00', '#009e73', '#111111', '#b4bcc4', '#b4bcc4', '#b4bcc4']);
+    assert.deepEqual(findCategories(['x', 'none'], ['none'], 2).list.map(({ text }) => text), ['none', 'x'], 'as stated');
+    assert.deepEqual(styles.slice(3).map(({ shape }) => shape.name), ['circle', 'circle', 'circle', 'circle']);
+  });
+
+  test('numbered groups come by their number', () => {
+    const texts = (order) => findCategories(['10', '9', 'other', '2'], order, 4).list.map(({ text }) => text);
+    assert.deepEqual(texts([]), ['2', '9', '10', 'other']);
+    assert.deepEqual(texts(['9']), ['9', '10', '2', 'other']);
+  });
+
+  test('the background is grey, last, and beneath the others', () => {
     const categories = findCategories(['new', 'old', 'new', 'old'], ['new'], 4, 'old');
-    assert.deepEqual(categories.list.map(({ text }) => text), ['old', 'new']);
-    assert.equal(categories.beneath, 0);
-    assert.equal(findCategories(['new'], [], 1, 'old').beneath, -1);
-    assert.equal(findCategories(['new'], [], 1).beneath, -1);
-    const styles = categoryStyles(2, { scheme: '', own: [], theme: 'light', beneath: 0 });
-    assert.deepEqual(styles.map(({ colour }) => colour), ['#b4bcc4', '#0072b2']);
+    assert.deepEqual(categories.list.map(({ text, grey }) => [text, grey]), [['new', false], ['old', true]]);
+    const styles = stylesOf(categories.list);
+    assert.deepEqual(styles.map(({ colour }) => colour), ['#0072b2', '#b4bcc4']);
     const points = { x: [0, 1, 2, 3], y: [0, 1, 2, 3], genes: Int32Array.of(0, 1, 2, 3) };
     const roles = (highlight) => buildLayers(points, categories, styles, highlight)
       .map(({ category, role, count }) => `${role} ${category} ${count}`);
-    assert.deepEqual(roles(null), ['plain 0 2', 'plain 1 2']);
-    assert.deepEqual(roles(Int32Array.of(0, 1)), ['dim 0 1', 'dim 1 1', 'lit 0 1', 'lit 1 1']);
+    assert.deepEqual(roles(null), ['plain 1 2', 'plain 0 2']);
+    assert.deepEqual(roles(Int32Array.of(0, 1)), ['dim 1 1', 'dim 0 1', 'lit 1 1', 'lit 0 1']);
   });
 
   test('genes without a number lie beneath the others', () => {
     const categories = findLevels(Float64Array.of(0, NaN, 1), 'old');
-    assert.equal(categories.beneath, NUMBER_LEVELS);
+    assert.deepEqual(categories.list.map(({ grey }) => grey).indexOf(true), NUMBER_LEVELS);
     assert.equal(categories.list.at(-1).text, 'old or no number');
-    assert.equal(findLevels(Float64Array.of(0, 1)).beneath, -1);
     const points = { x: [0, 1, 2], y: [0, 1, 2], genes: Int32Array.of(0, 1, 2) };
     const styles = levelStyles(NUMBER_LEVELS, 'light');
     const order = buildLayers(points, categories, styles, null).map(({ category }) => category);
@@ -153,12 +170,12 @@ describe('categories', () => {
     const labels = Array.from({ length: 1000 }, (_, index) => `label ${index}`);
     const { list, of } = findCategories(labels, [], 1000);
     assert.equal(list.length, MOST_CATEGORIES);
-    assert.deepEqual(list.at(-1), { text: '501 other labels', count: 501 });
+    assert.deepEqual(list.at(-1), entry('501 other labels', 501, 1000, true));
     assert.equal(of[999], MOST_CATEGORIES - 1);
   });
 
   test('the first 64 styles differ, invalid colours are ignored', () => {
-    const styles = categoryStyles(70, { scheme: '', own: ['red', '#12AB9f', 'url(x)'], theme: 'light' });
+    const styles = stylesOf(bright(70), '', ['red', '#12AB9f', 'url(x)']);
     assert.equal(new Set(styles.slice(0, 64).map(({ colour, shape }) => colour + shape.name)).size, 64);
     assert.equal(new Set(styles.slice(0, 8).map(({ shape }) => shape.name)).size, 8);
     assert.equal(styles[0].colour, '#0072b2');
@@ -168,28 +185,49 @@ describe('categories', () => {
   test('numbers are sorted into equal steps, genes without one come last', () => {
     const { list, of, labelled, scale } = findLevels(Float64Array.of(0, NaN, 64, 31.9, 32));
     assert.ok(labelled);
-    assert.deepEqual(scale, { least: 0, most: 64 });
+    assert.deepEqual(scale, { least: 0, most: 64, lowest: 0, highest: 64, diverging: false });
     assert.deepEqual([...of], [0, NUMBER_LEVELS, NUMBER_LEVELS - 1, NUMBER_LEVELS / 2 - 1, NUMBER_LEVELS / 2]);
     assert.equal(list.length, NUMBER_LEVELS + 1);
-    assert.deepEqual(list[0], { text: '0.000 to 1.000', count: 1 });
-    assert.deepEqual(list.at(-1), { text: '(no label)', count: 1 });
+    assert.deepEqual([list[0].text, list[0].count], ['0.000 to 1.000', 1]);
+    assert.deepEqual([list.at(-1).text, list.at(-1).count], ['no number', 1]);
+  });
+
+  test('a few far numbers do not take the colours from the others', () => {
+    const numbers = Float64Array.from({ length: 201 }, (_, gene) => (gene === 0 ? 1e6 : gene));
+    const { list, of, scale } = findLevels(numbers);
+    assert.deepEqual([scale.least, scale.most, scale.lowest, scale.highest], [3, 199, 1, 1e6]);
+    assert.deepEqual([of[0], of[1], of[200]], [NUMBER_LEVELS - 1, 0, NUMBER_LEVELS - 1]);
+    assert.equal(list[0].text, '1.000 to 6.063');
+    assert.equal(list.at(-1).text, '195.938 to 1000000.000');
+  });
+
+  test('numbers of both signs have 0 in the middle, unless the scale is said to be another', () => {
+    const { of, scale } = findLevels(Float64Array.of(-1, 0, 4));
+    assert.deepEqual(scale, { least: -4, most: 4, lowest: -1, highest: 4, diverging: true });
+    assert.deepEqual([...of], [24, NUMBER_LEVELS / 2, NUMBER_LEVELS - 1]);
+    assert.equal(findLevels(Float64Array.of(-1, 4), '', false).scale.least, -1);
+    assert.equal(findLevels(Float64Array.of(1, 4), '', true).scale.least, -4);
+    assert.equal(findLevels(Float64Array.of(0, 4)).scale.diverging, false);
   });
 
   test('equal, huge and missing numbers have a place', () => {
     assert.deepEqual([...findLevels(Float64Array.of(3, 3)).of], [NUMBER_LEVELS / 2, NUMBER_LEVELS / 2]);
     assert.deepEqual([...findLevels(Float64Array.of(-1.7e308, 1.7e308)).of], [0, NUMBER_LEVELS - 1]);
+    assert.deepEqual([...findLevels(Float64Array.of(0, 0), '', true).of], [NUMBER_LEVELS / 2, NUMBER_LEVELS / 2]);
     assert.equal(findLevels(Float64Array.of(NaN)).labelled, false);
   });
 
   test('levels have colours of their own and one shape', () => {
-    const styles = levelStyles(NUMBER_LEVELS, 'light');
-    assert.equal(new Set(styles.map(({ colour }) => colour)).size, NUMBER_LEVELS + 1);
-    assert.equal(new Set(styles.map(({ shape }) => shape.name)).size, 1);
-    assert.equal(styles[0].colour, '#440154');
+    for (const [theme, diverging] of [['light', false], ['light', true], ['dark', false], ['dark', true]]) {
+      const styles = levelStyles(NUMBER_LEVELS, theme, diverging);
+      assert.equal(new Set(styles.map(({ colour }) => colour)).size, NUMBER_LEVELS + 1);
+      assert.equal(new Set(styles.map(({ shape }) => shape.name)).size, 1);
+    }
+    assert.equal(levelStyles(NUMBER_LEVELS, 'light')[0].colour, '#440154');
   });
 
   test('schemes', () => {
-    const colours = (scheme, count) => categoryStyles(count, { scheme, own: [], theme: 'light' }).map(({ colour }) => colour);
+    const colours = (scheme, count) => stylesOf(bright(count), scheme).map(({ colour }) => colour);
     assert.deepEqual(colours('dark2', 2), ['#1b9e77', '#d95f02']);
     assert.deepEqual(colours('viridis', 3), ['#440154', '#25858d', '#bdde2e']);
     assert.deepEqual(colours('no such scheme', 1), ['#0072b2']);

@@ -64,6 +64,23 @@ TEST(ChartPageData, HasTheColumnsOfLabelsThatFitThePoints) {
     EXPECT_EQ(data["genes"], json::parse(R"(["CDC28", ""])"));
 }
 
+TEST(ChartPageData, HasTheValuesOfThePoints) {
+    const std::vector<double> values = {0.0, 1.0, 65534.0, 3.0};
+    const QuantisedMatrix matrix =
+        quantised({values.data(), 2, 2}, {"heat", "</script>"}, 16, {false, true, false, false});
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0};
+    chart.matrix = &matrix;
+    chart.metric = "pearson";
+    const json data = data_of(chart_page(chart));
+    EXPECT_EQ(data["matrix"],
+              json::parse(R"({"columns": ["heat", "</script>"], "bits": 16, "lows": [0.0, 1.0],
+                              "steps": [1.0, 3.051850947599719e-05], "values": "AAAAAP7//v8=",
+                              "filled": "Ag==", "metric": "pearson"})"));
+    chart.x = chart.y = {1.0};
+    EXPECT_EQ(data_of(chart_page(chart))["matrix"], nullptr);
+}
+
 TEST(ChartPageEscapes, EveryTextForWhereItLands) {
     const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
     Chart chart;

@@ -43,6 +43,11 @@ TEST(EstimateMemory, CountsPlotsAndPairsOfDimensions) {
     const double with_plots = estimate_memory(size).results;
     size.has_plots = false;
     EXPECT_LT(estimate_memory(size).results, with_plots);
+    size.has_plots = true;
+    size.page_bytes = 1000000;
+    EXPECT_EQ(estimate_memory(size).results, with_plots + 7e6);
+    size.has_plots = false;
+    size.page_bytes = 0;
     size.options.out_dims = 3;
     EXPECT_GT(estimate_memory(size).results, 3.0 * 160.0 * 1e6);
 }

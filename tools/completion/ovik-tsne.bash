@@ -15,6 +15,7 @@ _ovik_tsne() {
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
     --constant-rows) COMPREPLY=($(compgen -W $'refuse\ndrop' -- "$current")) ;;
+    --page-data) COMPREPLY=($(compgen -W $'none\nsmall\nfull' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --preset) COMPREPLY=($(compgen -W $'classic\nrefined' -- "$current")) ;;
     --metric)

@@ -7,6 +7,7 @@ import { lookOf, MOST_SHAPES, seriesLook } from './detail.js';
 import { buildLayers, highlighted } from './layers.js';
 import { namesInView } from './names.js';
 import { countInWindow } from './points.js';
+import { createOverlays } from './overlays.js';
 import { debounced } from './dom.js';
 import { inkOf } from './theme.js';
 
@@ -122,6 +123,16 @@ export function createChart(element, model, store) {
   const painter = createPainter(echart, model, store, frame, viewport);
   const painted = [];
   const settled = [];
+  /** Place of a gene in pixels from the element's corner. */
+  function pixelOf(gene) {
+    const { x, y } = model.pointsOf(store.get());
+    return echart.convertToPixel({ gridIndex: 0 }, [x[gene], y[gene]]);
+  }
+  const overlays = createOverlays(element, () => ({
+    pixelOf,
+    plot: frame.plot(),
+    ink: inkOf(store.get().theme),
+  }));
 
   const settleSoon = debounced(() => {
     painter.adjust();
@@ -149,9 +160,20 @@ export function createChart(element, model, store) {
     render();
   }, RESIZE_MILLISECONDS)).observe(element);
 
+  viewport.onMove(overlays.repaint);
+  painted.push(overlays.repaint);
+
   return {
     echart,
     element,
+    /**
+     * Draws above the points, after each painting or move: `draw(context, {pixelOf, plot, ink})` is given a
+     * 2D context in pixels of the element, cut to the plot, `pixelOf(gene)`, the plot's rectangle and the
+     * theme's colours.
+     */
+    addOverlay: overlays.add,
+    /** Asks for the drawings of `addOverlay` when what they show has changed. */
+    repaintOverlays: overlays.repaint,
     ...frame,
     view: viewport.view,
     whole: viewport.whole,
@@ -169,11 +191,7 @@ export function createChart(element, model, store) {
     onPaint: (listener) => painted.push(listener),
     /** Calls back when the view has come to rest. */
     onSettle: (listener) => settled.push(listener),
-    /** Place of a gene in pixels from the element's corner. */
-    pixelOf(gene) {
-      const { x, y } = model.pointsOf(store.get());
-      return echart.convertToPixel({ gridIndex: 0 }, [x[gene], y[gene]]);
-    },
+    pixelOf,
     /** The inverse, for any place. */
     placeOf: (pixelX, pixelY) => echart.convertFromPixel({ gridIndex: 0 }, [pixelX, pixelY]),
   };

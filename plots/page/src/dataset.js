@@ -1,5 +1,8 @@
 /** The data that the page was written with, checked and brought into typed arrays. */
 
+import { readExpression } from './expression.js';
+import { numbersOf } from './numeric_labels.js';
+
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
   legendWidth: 130,
@@ -65,12 +68,16 @@ function readPair(raw, count) {
 
 /** What genes may be coloured by: `labels` of each, and `numbers` where these are a quantity. */
 function readColourings(raw, count, labels) {
-  const columns = asList(raw).filter(({ texts }) => asList(texts).length === count).map((column) => ({
-    title: asText(column.title),
-    labels: asTexts(column.texts),
-    numbers: asList(column.numbers).length === count ? readCoordinates(column.numbers, count) : null,
-  }));
-  return columns.length > 0 ? columns : [{ title: '', labels, numbers: null }];
+  const columns = asList(raw).filter((column) => asList(column?.texts).length === count).map((column) => {
+    const texts = asTexts(column.texts);
+    const isNumeric = asList(column.numbers).length === count;
+    return {
+      title: asText(column.title),
+      labels: texts,
+      numbers: isNumeric ? readCoordinates(column.numbers, count) : numbersOf(texts),
+    };
+  });
+  return columns.length > 0 ? columns : [{ title: '', labels, numbers: numbersOf(labels) }];
 }
 
 /**
@@ -80,7 +87,8 @@ function readColourings(raw, count, labels) {
  * @returns texts as they came; per pair `x` and `y` (Float64Array, `count` long, NaN = no position),
  *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
- *   there is at least one, are `count` long or empty; `background` is the label of genes that step back
+ *   there is at least one, are `count` long or empty; `background` is the label of genes that step back,
+ *   `expression` what the map was made of (`readExpression`), or null
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -105,6 +113,7 @@ export function readDataset(text) {
     genes: perPoint(raw.genes),
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
+    expression: readExpression(raw.matrix, count),
   };
 }
 

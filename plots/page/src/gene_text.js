@@ -2,11 +2,12 @@
 
 import { formatCoordinate, functionText } from './format.js';
 import { nameOf } from './dataset.js';
+import { textOf } from './colourings.js';
 
 /** Label, if there are any, and group of a gene. */
 export function categoryText(model, state, gene) {
   const group = model.pairOf(state)?.group ?? '';
-  const label = model.colouringOf(state).labels[gene] ?? '';
+  const label = textOf(model.colouringOf(state), gene);
   return [label, group].filter((part) => part !== '').join(' \u00b7 ');
 }
 

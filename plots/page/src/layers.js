@@ -27,7 +27,7 @@ function flat({ x, y }, genes) {
  * @param {object} categories as of `findCategories`
  * @param {object[]} styles as of `categoryStyles`
  * @param {Int32Array|null} highlight as of `highlighted`
- * The category that lies beneath the others comes first on either side.
+ * Grey categories, which lie beneath the others, come first on either side.
  *
  * @returns {{category: number, colour: string, shape: object, role: string, count: number,
  *   data: Float64Array}[]} role 'plain' (no highlight at all), 'dim' or 'lit'; `category` is the first
@@ -47,7 +47,7 @@ export function buildLayers(points, categories, styles, highlight) {
     if (!side.has(category)) side.set(category, []);
     side.get(category).push(gene);
   }
-  const depth = (category) => (category === categories.beneath ? -1 : category);
+  const depth = (category) => (categories.list[category].grey ? category - categories.list.length : category);
   const layers = (side, role) => [...side.keys()].sort((a, b) => depth(a) - depth(b)).map((category) => ({
     category,
     ...styles[category],

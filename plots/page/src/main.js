@@ -18,6 +18,7 @@ import { showHelp } from './help.js';
 import { showLegend } from './legend.js';
 import { showSearch } from './search.js';
 import { showSelection } from './selection.js';
+import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
@@ -31,6 +32,7 @@ function firstState(model) {
   return {
     pair: 0,
     ...model.colouredBy(0),
+    spotlight: -1,
     hover: -1,
     focus: -1,
     matches: null,
@@ -73,6 +75,7 @@ function start() {
   followKeyboard(part('chart-frame'), chart, model, store);
   showToolbar(part('toolbar'), chart, model, store, (kind) => savePicture(kind, chart, model, store));
   showLegend(part('legend'), chart, model, store);
+  showSpotlight(chart, model, store);
   placeLegend(part('stage'), part('legend'), chart, dataset.layout);
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);

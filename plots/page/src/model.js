@@ -1,5 +1,6 @@
 /** The data together with what follows from the reader's choices; each part is worked out once. */
 
+import { createColourings } from './colourings.js';
 import { findCategories, findLevels, NUMBER_LEVELS } from './categories.js';
 import { categoryStyles, levelStyles } from './palette.js';
 import { drawnGenes } from './points.js';
@@ -20,42 +21,47 @@ const NO_COORDINATES = new Float64Array(0);
 
 /** @param {object} dataset as of `readDataset` */
 export function createModel(dataset) {
-  const categories = remembered((colouring) => {
-    const { labels, numbers } = dataset.colourings[colouring];
-    return numbers
-      ? findLevels(numbers, dataset.background)
-      : findCategories(labels, dataset.categoryOrder, dataset.count, dataset.background);
-  });
-  const points = remembered((pair, shown, colouring) => ({
+  const colourings = createColourings(dataset);
+  const categories = remembered(({ labels, numbers, diverging }) => (numbers
+    ? findLevels(numbers, dataset.background, diverging)
+    : findCategories(labels, dataset.categoryOrder, dataset.count, dataset.background)));
+  const categoriesAt = (colouring) => categories(colourings.at(colouring));
+  const points = remembered((pair, shown, found) => ({
     x: pair?.x ?? NO_COORDINATES,
     y: pair?.y ?? NO_COORDINATES,
-    genes: pair ? drawnGenes(pair, categories(colouring), shown) : new Int32Array(0),
+    genes: pair ? drawnGenes(pair, found, shown) : new Int32Array(0),
   }));
-  const styles = remembered((theme, colouring) => {
-    const { list, scale, beneath } = categories(colouring);
-    return scale
-      ? levelStyles(NUMBER_LEVELS, theme).slice(0, list.length)
-      : categoryStyles(list.length, {
-        scheme: dataset.colourScheme, own: dataset.colours, theme, beneath,
-      });
-  });
+  const styles = remembered((theme, { list, scale }) => (scale
+    ? levelStyles(NUMBER_LEVELS, theme, scale.diverging).slice(0, list.length)
+    : categoryStyles(list, { scheme: dataset.colourScheme, own: dataset.colours, theme })));
   return {
     dataset,
-    /** What genes are told apart by: `title` and `labels`, which may be empty. */
-    colouringOf: (state) => dataset.colourings[state.colouring],
+    /** What genes can be coloured by now, as of `createColourings`. */
+    colourings,
+    /**
+     * Adds something that genes can be coloured by, in the place of what had the same title.
+     *
+     * @param {object} added `title`; `labels` (a text per gene) or `numbers` (Float64Array, one per
+     *   gene, NaN for none), and with these, whether the scale is `diverging` around 0 (not given: if
+     *   there are numbers of both signs); arrays are not to be changed afterwards
+     * @returns {number} for `colouredBy`; it serves until the title is added twice again
+     */
+    addColouring: (added) => colourings.add(added),
+    /** What genes are told apart by: `title`, `labels` or `numbers`; labels may be empty. */
+    colouringOf: (state) => colourings.at(state.colouring),
     /** The categories that follow from it, as of `findCategories`. */
-    categoriesOf: (state) => categories(state.colouring),
+    categoriesOf: (state) => categoriesAt(state.colouring),
     /** A choice of what genes are coloured by, for the store: all of its categories are shown. */
     colouredBy: (colouring) => ({
       colouring,
-      shown: new Uint8Array(categories(colouring).list.length).fill(1),
+      shown: new Uint8Array(categoriesAt(colouring).list.length).fill(1),
     }),
     /** The pair that is drawn; undefined without data. */
     pairOf: (state) => dataset.pairs[state.pair],
     /** `{x, y, genes}` of the genes that are drawn. */
-    pointsOf: (state) => points(dataset.pairs[state.pair], state.shown, state.colouring),
+    pointsOf: (state) => points(dataset.pairs[state.pair], state.shown, categoriesAt(state.colouring)),
     /** Colour and shape of each category. */
-    stylesOf: (state) => styles(state.theme, state.colouring),
+    stylesOf: (state) => styles(state.theme, categoriesAt(state.colouring)),
     /** Whether a gene has a position in the pair that is drawn. */
     isPlaced(state, gene) {
       const pair = dataset.pairs[state.pair];

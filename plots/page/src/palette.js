@@ -39,28 +39,45 @@ function mix(from, to, share) {
   return `#${mixed.map((value) => value.toString(16).padStart(2, '0')).join('')}`;
 }
 
+/** The colour at a share, 0 to 1, of the way along equally spaced colours. */
+function between(colours, share) {
+  const position = share * (colours.length - 1);
+  const below = Math.min(Math.floor(position), colours.length - 2);
+  return mix(colours[below], colours[below + 1], position - below);
+}
+
 // The darkest colours vanish on black, the brightest on white.
 const VIRIDIS_PART = { light: [0, 0.9], dark: [0.22, 1] };
 
 function viridis(theme, index, count) {
   const [first, last] = VIRIDIS_PART[theme];
-  const share = count > 1 ? index / (count - 1) : 0.5;
-  const position = (first + (last - first) * share) * (VIRIDIS.length - 1);
-  const below = Math.min(Math.floor(position), VIRIDIS.length - 2);
-  return mix(VIRIDIS[below], VIRIDIS[below + 1], position - below);
+  return between(VIRIDIS, first + (last - first) * (count > 1 ? index / (count - 1) : 0.5));
 }
 
-const PALE = { light: '#b4bcc4', dark: '#4c5863' };
+// Blue and orange are told apart with any colour vision. Their ends stand out from the surface most, and
+// the middle is still to be seen on it.
+const DIVERGING = {
+  light: ['#06316b', '#2f78bf', '#c9c3b0', '#d9771c', '#7a2f00'],
+  dark: ['#a8dcff', '#4a9fe0', '#6f6a5e', '#dd8428', '#ffd09a'],
+};
+
+// Of categories that step back, and, paler still, of genes without a number.
+const GREY = { light: '#b4bcc4', dark: '#4c5863' };
+const MISSING = { light: '#dde2e7', dark: '#2d3740' };
 
 /**
  * Colour and shape of the levels of numbers, and of genes without one, which come last.
  *
  * @param {number} levels number of levels
  * @param {'light'|'dark'} theme
+ * @param {boolean} [diverging] whether the scale has a middle
  */
-export function levelStyles(levels, theme) {
-  const colours = Array.from({ length: levels }, (_, level) => viridis(theme, level, levels));
-  return [...colours, PALE[theme]].map((colour) => ({ colour, shape: SHAPES[0] }));
+export function levelStyles(levels, theme, diverging = false) {
+  const colourOf = (level) => (diverging
+    ? between(DIVERGING[theme], levels > 1 ? level / (levels - 1) : 0.5)
+    : viridis(theme, level, levels));
+  const colours = Array.from({ length: levels }, (_, level) => colourOf(level));
+  return [...colours, MISSING[theme]].map((colour) => ({ colour, shape: SHAPES[0] }));
 }
 
 function schemeColour(scheme, theme, index, count) {
@@ -74,25 +91,25 @@ function schemeColour(scheme, theme, index, count) {
 const OWN_COLOUR = /^#[0-9a-f]{6}$/i;
 
 /**
- * Colour and shape of each category. The first eight differ in both, the first 64 in one of them.
+ * Colour and shape of each category. The first eight differ in both, the first 64 in one of them. Grey
+ * ones are grey circles, unless they have a colour of their own.
  *
- * @param {number} count number of categories
- * @param {{scheme: string, own: string[], theme: 'light'|'dark', beneath: number}} choice `own`: #rrggbb
- *   per category, anything else is ignored; `beneath`: 0 if the first category steps back, pale, and the
- *   second one is styled like a first
+ * @param {{grey: boolean, position: number}[]} list as of `findCategories`
+ * @param {{scheme: string, own: string[], theme: 'light'|'dark'}} choice `own`: #rrggbb for each
+ *   position, anything else is ignored
  * @returns {{colour: string, shape: object}[]}
  */
-export function categoryStyles(count, { scheme, own, theme, beneath = -1 }) {
-  if (beneath === 0) {
-    const others = categoryStyles(count - 1, { scheme, own: own.slice(1), theme });
-    return [{ colour: PALE[theme], shape: SHAPES[0] }, ...others];
-  }
-  return Array.from({ length: count }, (_, category) => {
-    const index = category % STYLE_COUNT;
-    const hasOwn = category < MOST_OWN_COLOURS && OWN_COLOUR.test(own[category] ?? '');
+export function categoryStyles(list, { scheme, own, theme }) {
+  const bright = list.filter(({ grey }) => !grey).length;
+  let next = 0;
+  return list.map(({ grey, position }) => {
+    const hasOwn = position < MOST_OWN_COLOURS && OWN_COLOUR.test(own[position] ?? '');
+    const index = next % STYLE_COUNT;
+    if (!grey) next += 1;
+    const given = grey ? GREY[theme] : schemeColour(scheme, theme, index, bright);
     return {
-      colour: hasOwn ? own[category].toLowerCase() : schemeColour(scheme, theme, index, count),
-      shape: SHAPES[(index + Math.floor(index / SHAPES.length)) % SHAPES.length],
+      colour: hasOwn ? own[position].toLowerCase() : given,
+      shape: grey ? SHAPES[0] : SHAPES[(index + Math.floor(index / SHAPES.length)) % SHAPES.length],
     };
   });
 }

@@ -3,6 +3,7 @@
 import { button, dataText, el } from './dom.js';
 import { counted, fileStem, formatCoordinate, formatCount, functionText } from './format.js';
 import { nameOf } from './dataset.js';
+import { textOf } from './colourings.js';
 import { copy, download } from './files.js';
 import { toCsv } from './csv.js';
 
@@ -16,7 +17,7 @@ function geneRow(model, state, gene, choose) {
   const cells = [el('th', { scope: 'row' }, name)];
   cells.push(el('td', { class: 'function' }, dataText(functionText(dataset.functions[gene] ?? ''))));
   if (model.categoriesOf(state).labelled) {
-    cells.push(el('td', { class: 'label' }, dataText(model.colouringOf(state).labels[gene] ?? '')));
+    cells.push(el('td', { class: 'label' }, dataText(textOf(model.colouringOf(state), gene))));
   }
   cells.push(
     el('td', { class: 'number' }, formatCoordinate(pair?.x[gene] ?? NaN)),

@@ -1,6 +1,7 @@
 /** The row of tools above the chart. */
 
 import { button, el } from './dom.js';
+import { colourChoice } from './colour_choice.js';
 import { zoomBy } from './keyboard.js';
 import { genesInWindow } from './points.js';
 
@@ -29,14 +30,6 @@ function pairChoice(dataset, store) {
   return el('div', { class: 'group pair-choice' }, el('label', { for: 'pair' }, 'Components'), select);
 }
 
-function colouringChoice(model, store) {
-  const select = el('select', {
-    id: 'colouring',
-    on: { change: () => store.set(model.colouredBy(Number(select.value))) },
-  }, ...model.dataset.colourings.map(({ title }, index) => el('option', { value: index }, title)));
-  return el('div', { class: 'group pair-choice' }, el('label', { for: 'colouring' }, 'Colour by'), select);
-}
-
 function themeButton(store) {
   const other = button('', () => store.set({ theme: store.get().theme === 'dark' ? 'light' : 'dark' }), { id: 'theme' });
   const update = ({ theme }) => {
@@ -53,7 +46,7 @@ export function showToolbar(element, chart, model, store, exportAs) {
   const zoom = (factor) => () => zoomBy(chart, model, store, factor);
   element.append(
     ...(model.dataset.pairs.length > 1 ? [pairChoice(model.dataset, store)] : []),
-    ...(model.dataset.colourings.length > 1 ? [colouringChoice(model, store)] : []),
+    colourChoice(model, store),
     toolChoice(store),
     el('div', { class: 'group', role: 'group', 'aria-label': 'View' },
       button('\u2212', zoom(1 / ZOOM_FACTOR), { 'aria-label': 'Zoom out', title: 'Zoom out' }),
