@@ -81,6 +81,30 @@ std::string json_matrix(const Chart& chart, std::size_t point_count) {
                         {"metric", json_text(chart.metric)}});
 }
 
+/// The terms of the points: `list` has identifier, name and aspect of each, `genes` their places in
+/// it, and `repeated` the points of a gene that an earlier one is of. Null without any.
+std::string json_terms(const Chart& chart, std::size_t point_count) {
+    if (chart.terms == nullptr || chart.terms->of_rows.size() != point_count) {
+        return "null";
+    }
+    std::vector<std::string> list;
+    for (const RowTerms::Term& term : chart.terms->list) {
+        list.push_back(json_list(
+            {json_text(term.id), json_text(term.name), json_text(std::string(1, term.aspect))}));
+    }
+    std::vector<std::string> genes;
+    for (const std::vector<std::size_t>& places : chart.terms->of_rows) {
+        genes.push_back(json_list_of(places));
+    }
+    std::vector<std::string> repeated;
+    for (const auto& [row, first] : chart.terms->repeated) {
+        repeated.push_back(json_list({json_text(row), json_text(first)}));
+    }
+    return json_object({{"list", json_list(list)},
+                        {"genes", json_list(genes)},
+                        {"repeated", json_list(repeated)}});
+}
+
 std::string json_parameters(const Chart& chart) {
     std::vector<std::string> parameters;
     for (const auto& [name, value] : chart.parameters) {
@@ -136,6 +160,7 @@ std::string json_chart(const Chart& chart) {
                         {"names", json_column(chart.names, point_count)},
                         {"functions", json_column(chart.functions, point_count)},
                         {"genes", json_column(chart.genes, point_count)},
+                        {"terms", json_terms(chart, point_count)},
                         {"labels", json_labels(chart, point_count)},
                         {"labelColumns", json_label_columns(chart, point_count)},
                         {"background", json_text(chart.background)},

@@ -9,6 +9,7 @@
 #include "results/label_column.h"
 #include "results/map_trust.h"
 #include "results/quantised_matrix.h"
+#include "results/row_terms.h"
 
 namespace ovik {
 
@@ -69,6 +70,8 @@ struct Chart {
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which these are compared.
     std::string metric;
+    /// The terms of the points; null for none.
+    const RowTerms* terms = nullptr;
     /// Coordinates of all rows; what is not finite is not drawn.
     std::vector<double> x;
     std::vector<double> y;

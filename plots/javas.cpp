@@ -30,6 +30,7 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.functions = run.functions;
     chart.label_columns = run.label_columns;
     chart.genes = run.genes;
+    chart.terms = run.terms;
     chart.background = run.background;
     chart.trust = run.trust;
     chart.matrix = run.matrix;

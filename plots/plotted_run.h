@@ -8,6 +8,7 @@
 #include "results/label_column.h"
 #include "results/map_trust.h"
 #include "results/quantised_matrix.h"
+#include "results/row_terms.h"
 
 namespace ovik {
 
@@ -36,6 +37,8 @@ struct PlottedRun {
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which the run compared them.
     std::string_view metric = "euclidean";
+    /// What the points do, in terms that the page tests selections for; null for none.
+    const RowTerms* terms = nullptr;
 
     // The rows: every point under the first pair of components, then every point under the second
     // one, and so on. Each list of texts has one per row, or is empty for none.

@@ -11,6 +11,7 @@
 #include "results/run_log.h"
 #include "stats/run_caption.h"
 #include "stats/run_names.h"
+#include "stats/terms_of_rows.h"
 #include "util/partial_entry.h"
 
 namespace ovik {
@@ -51,6 +52,8 @@ WrittenResults write_results(const ResultSettings& settings,
         parameters.insert(parameters.end(),
                           settings.further_parameters.begin(),
                           settings.further_parameters.end());
+        const RowTerms terms = terms_of_rows(
+            run.names, std::span<const std::string>(table.functions).first(run.names.size()));
         PlottedRun<T> plotted;
         plotted.title = settings.data_title;
         plotted.parameters = parameters;
@@ -63,6 +66,7 @@ WrittenResults write_results(const ResultSettings& settings,
             plotted.matrix = settings.matrix.get();
             plotted.metric = choice_name(run.options.metric);
         }
+        plotted.terms = &terms;
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;

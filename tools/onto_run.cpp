@@ -20,6 +20,7 @@
 #include "results/result_table.h"
 #include "stats/row_metric.h"
 #include "stats/row_placement.h"
+#include "stats/terms_of_rows.h"
 #include "util/available_memory.h"
 #include "util/console.h"
 #include "util/counted.h"
@@ -223,6 +224,7 @@ PlotOutcome draw_plots(const Options& options, const OntoRun& run) {
     const std::vector<std::string> names = joined(model.row_names, new_names);
     const std::vector<std::string> functions =
         joined(functions_of(old_genes), functions_of(run.genes));
+    const RowTerms terms = terms_of_rows(names, functions);
     const std::vector<double> Y = joined(model.embedding, run.placed.embedding);
     auto table = make_result_table<double>(
         MatrixView<const double>{Y.data(), names.size(), model.out_dims}, names, functions);
@@ -235,6 +237,7 @@ PlotOutcome draw_plots(const Options& options, const OntoRun& run) {
     plotted.parameters = caption;
     plotted.label_columns = labels;
     plotted.background = background;
+    plotted.terms = &terms;
     plotted.names = table.names;
     plotted.groups = table.groups;
     plotted.functions = table.functions;

@@ -5,6 +5,7 @@
 #include "annotation/gene_table.h"
 #include "plots/chart_page.h"
 #include "results/result_table.h"
+#include "stats/terms_of_rows.h"
 
 namespace ovik::python {
 
@@ -14,6 +15,8 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     for (std::size_t row = 0; !texts.functions.empty() && row < table.functions.size(); ++row) {
         table.functions[row] = texts.functions[row % texts.functions.size()];
     }
+    const RowTerms terms = terms_of_rows(
+        texts.names, std::span<const std::string>(table.functions).first(texts.names.size()));
     Chart chart;
     chart.title = texts.title;
     chart.name = texts.name;
@@ -29,6 +32,7 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     chart.names = table.names;
     chart.groups = table.groups;
     chart.functions = table.functions;
+    chart.terms = &terms;
     return chart_page(chart);
 }
 

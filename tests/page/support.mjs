@@ -132,6 +132,16 @@ export function matrixOf(rows, { bits = 16, metric = 'euclidean', columns, fille
   };
 }
 
+/** Terms of the small data: two of three genes each, one of a single gene, and the last gene without any. */
+export const SMALL_TERMS = {
+  list: [
+    ['GO:0006950', 'response to stress', 'P'],
+    ['GO:0000278', 'mitotic cell cycle', 'P'],
+    ['GO:0005886', 'plasma membrane', 'C'],
+  ],
+  genes: [[0, 1], [1], [1], [0], [0], [2], []],
+};
+
 /** `count` genes in five round clouds, each with its label. */
 export function cloudData(count, changes = {}) {
   const next = createNumbers(7);

@@ -81,6 +81,20 @@ TEST(ChartPageData, HasTheValuesOfThePoints) {
     EXPECT_EQ(data_of(chart_page(chart))["matrix"], nullptr);
 }
 
+TEST(ChartPageData, HasTheTermsOfThePoints) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0, 3.0};
+    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    RowTerms terms;
+    chart.terms = &terms;
+    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    terms = {
+        {{"GO:1", "<folding>", 'P'}, {"GO:2", "nucleus", 'C'}}, {{0, 1}, {}, {0, 1}}, {{2, 0}}};
+    EXPECT_EQ(data_of(chart_page(chart))["terms"],
+              json::parse(R"({"list": [["GO:1", "<folding>", "P"], ["GO:2", "nucleus", "C"]],
+                              "genes": [[0, 1], [], [0, 1]], "repeated": [[2, 0]]})"));
+}
+
 TEST(ChartPageEscapes, EveryTextForWhereItLands) {
     const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
     Chart chart;

@@ -2,6 +2,8 @@
 
 import { readExpression } from './expression.js';
 import { numbersOf } from './numeric_labels.js';
+import { readQuality } from './quality.js';
+import { readTerms } from './terms.js';
 
 const DEFAULT_LAYOUT = {
   margins: [30, 180, 75, 120],
@@ -88,7 +90,8 @@ function readColourings(raw, count, labels) {
  *   `placed` (number of points with a position) and `extent`; `names`, `functions`, `genes` (the name
  *   that the gene table has, where it is another) and the `labels` of each of the `colourings`, of which
  *   there is at least one, are `count` long or empty; `background` is the label of genes that step back,
- *   `expression` what the map was made of (`readExpression`), or null
+ *   `expression` what the map was made of (`readExpression`), or null; `terms` as of `readTerms`;
+ *   `quality` as of `readQuality`
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -114,6 +117,8 @@ export function readDataset(text) {
     background: asText(raw.background),
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
     expression: readExpression(raw.matrix, count),
+    terms: readTerms(raw.terms, count),
+    quality: readQuality(raw.quality, count),
   };
 }
 

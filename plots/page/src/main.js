@@ -12,6 +12,7 @@ import { placeLegend } from './stage.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
+import { showClusters } from './cluster_list.js';
 import { showDetails } from './details.js';
 import { showFooter } from './footer.js';
 import { showHelp } from './help.js';
@@ -21,6 +22,7 @@ import { showSelection } from './selection.js';
 import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showToolbar } from './toolbar.js';
+import { showTrust } from './trust.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
 import { shareOf, windowAt } from './windows.js';
 
@@ -80,6 +82,8 @@ function start() {
   showSearch(part('find'), model, store, choose);
   showDetails(part('details'), model, store);
   showSelection(part('selection'), model, store, choose, say);
+  showClusters(part('clusters'), chart, model, store);
+  showTrust(part('trust'), part('selection'), model, store);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   window.ovikPage = Object.freeze({
