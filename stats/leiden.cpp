@@ -7,6 +7,9 @@
 #include <utility>
 
 #include "stats/community_network.h"
+#include "stats/modularity.h"
+#include "util/parallel.h"
+#include "util/random_stream.h"
 
 namespace ovik {
 
@@ -48,6 +51,18 @@ std::vector<double> strengths_of(const CommunityNetwork& network, const Communit
     return strengths;
 }
 
+/// The numbers below a count in an order that is drawn.
+std::vector<std::uint32_t> drawn_order(std::size_t count, RandomStream& random) {
+    std::vector<std::uint32_t> order = each_by_itself(count);
+    for (std::size_t left = count; left > 1; --left) {
+        // Two draws: there may be more nodes than numbers of one.
+        const auto high = static_cast<std::uint64_t>(random.next());
+        const std::uint64_t draw = (high << 31U) + static_cast<std::uint64_t>(random.next());
+        std::swap(order[left - 1], order[draw % left]);
+    }
+    return order;
+}
+
 /// Moves single nodes to where the modularity is largest, until none gains by it.
 class NodeMoves {
   public:
@@ -69,11 +84,11 @@ class NodeMoves {
         }
     }
 
+    /// @param order  of the first visits
     /// @return whether any has moved
-    bool run() {
+    bool run(const std::vector<std::uint32_t>& order) {
         bool has_moved = false;
-        std::deque<std::uint32_t> queue(network_.nodeCount());
-        std::iota(queue.begin(), queue.end(), 0U);
+        std::deque<std::uint32_t> queue(order.begin(), order.end());
         std::vector<char> is_queued(network_.nodeCount(), 1);
         while (!queue.empty()) {
             const std::uint32_t node = queue.front();
@@ -167,8 +182,8 @@ class Refinement {
     }
 
     /// The part of each node.
-    Communities parts() {
-        for (std::uint32_t node = 0; node < network_.nodeCount(); ++node) {
+    Communities parts(const std::vector<std::uint32_t>& order) {
+        for (const std::uint32_t node : order) {
             if (is_alone_[node] != 0 && isWellConnected(node, communities_[node])) {
                 join(node);
             }
@@ -228,15 +243,19 @@ class Refinement {
 };
 
 /// One round over all levels: from communities of the rows to better ones.
-Communities improved(const CommunityNetwork& rows, double resolution, const Communities& before) {
+Communities improved(const CommunityNetwork& rows,
+                     double resolution,
+                     const Communities& before,
+                     RandomStream& random) {
     const CommunityNetwork* network = &rows;
     std::optional<CommunityNetwork> aggregate;
     Communities communities = before;
     // The node of each row.
     Communities nodes = each_by_itself(rows.nodeCount());
     for (;;) {
-        const bool has_moved = NodeMoves(*network, resolution, communities).run();
-        Communities parts = Refinement(*network, resolution, communities).parts();
+        const std::vector<std::uint32_t> order = drawn_order(network->nodeCount(), random);
+        const bool has_moved = NodeMoves(*network, resolution, communities).run(order);
+        Communities parts = Refinement(*network, resolution, communities).parts(order);
         const std::size_t part_count = renumber(parts);
         if (part_count == network->nodeCount()) {
             if (!has_moved) {
@@ -281,21 +300,41 @@ void number_by_size(Communities& communities) {
     }
 }
 
+/// Communities of a network with edges, by orders that a seed draws.
+Communities communities_by_seed(const CommunityNetwork& rows,
+                                double resolution,
+                                unsigned int seed) {
+    OwnRandomStream random;
+    random.seed(seed);
+    Communities communities = each_by_itself(rows.nodeCount());
+    Communities before;
+    do {
+        before = communities;
+        communities = improved(rows, resolution, before, random);
+        renumber(communities);
+    } while (communities != before);
+    return communities;
+}
+
 }  // namespace
 
 std::vector<std::uint32_t> leiden_communities(const SparseMatrixView& graph,
                                               std::size_t N,
                                               double resolution) {
+    constexpr std::size_t kOrders = 10;
     const CommunityNetwork rows(graph, N);
-    Communities communities = each_by_itself(N);
-    if (rows.totalStrength() > 0.0) {
-        Communities before;
-        do {
-            before = communities;
-            communities = improved(rows, resolution, before);
-            renumber(communities);
-        } while (communities != before);
+    if (rows.totalStrength() == 0.0) {
+        return each_by_itself(N);
     }
+    std::vector<Communities> found(kOrders);
+    std::vector<double> reached(kOrders);
+    parallel_for_each(kOrders, 1, [&](std::size_t order) {
+        const auto seed = static_cast<unsigned int>(order + 1);
+        found[order] = communities_by_seed(rows, resolution, seed);
+        reached[order] = modularity(graph, found[order], resolution);
+    });
+    const auto best = std::max_element(reached.begin(), reached.end()) - reached.begin();
+    Communities communities = std::move(found[static_cast<std::size_t>(best)]);
     number_by_size(communities);
     return communities;
 }

@@ -16,9 +16,11 @@ namespace ovik {
 /// until nothing changes any more. Every community is connected, none can be joined with another,
 /// and no row moved to another, to a higher modularity.
 ///
-/// Nothing is drawn: nodes are visited in the order of the rows, and of equal gains the community
-/// that is met first counts. Refining takes the largest gain, where the algorithm as published
-/// draws among them.
+/// That depends on the order in which nodes are visited. Ten orders are drawn, from a stream of
+/// random numbers with a fixed seed each, and the communities of the highest modularity are the
+/// result, of equally good ones the first. Of equal gains the community that is met first counts;
+/// refining takes the largest gain, where the algorithm as published draws among them. The result
+/// is the same for any number of threads.
 ///
 /// @param graph       symmetric, N rows, entries not negative
 /// @param resolution  above 0; larger ones give more, and smaller, communities
