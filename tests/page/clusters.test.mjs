@@ -79,6 +79,7 @@ describe('clusters', () => {
   test('are listed, select their genes, stand alone, and are named on the map', async () => {
     const page = await browser.open(DATA);
     assert.equal(await page.textContent('#clusters h2'), 'Clusters: 5');
+    await until(async () => (await page.getAttribute('.clusters', 'aria-busy')) === null);
     const texts = await itemTexts(page);
     assert.equal(texts.length, 5);
     assert.match(texts[0], /Cluster 1.*70 genes.*translation/);

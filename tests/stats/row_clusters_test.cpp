@@ -1,6 +1,7 @@
 #include "stats/row_clusters.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -22,6 +23,8 @@ namespace {
 constexpr std::size_t kRows = 180;
 constexpr std::size_t kColumns = 6;
 constexpr std::size_t kGroups = 3;
+/// The resolution at which the groups are not divided further.
+constexpr double kCoarse = 0.2;
 
 /// Rows around as many centres as there are groups, in turns.
 std::vector<double> grouped_rows() {
@@ -59,11 +62,11 @@ void expect_groups(const RowClusters& found) {
 TEST(RowClusters, AreTheGroupsOfTheRows) {
     const FitOptions options = short_fit();
     const Fit result = fitted(options).first;
-    const RowClusters found = clusters_by_neighbours(result.report.neighbours, options);
+    const RowClusters found = clusters_by_neighbours(result.report.neighbours, options, kCoarse);
     expect_groups(found);
     // All weight lies within three groups of the same size.
-    EXPECT_NEAR(found.modularity, 1.0 - 1.0 / 3.0, 1e-3);
-    EXPECT_GT(clusters_by_neighbours(result.report.neighbours, options, 5.0).sizes.size(), kGroups);
+    EXPECT_NEAR(found.modularity, 1.0 - kCoarse / 3.0, 1e-3);
+    EXPECT_GT(clusters_by_neighbours(result.report.neighbours, options).sizes.size(), kGroups);
 }
 
 TEST(RowClusters, HaveTheAffinitiesOfTheFit) {
@@ -110,7 +113,7 @@ TEST(RowClusters, TakeASearchOfTheirOwnWhereTheMethodHasNone) {
     ASSERT_EQ(result.report.neighbours.rows, 0U);
     const NeighbourGraph graph = neighbours_of_rows({X.data(), kRows, kColumns}, options);
     EXPECT_EQ(graph.neighbour_count, 24U);
-    expect_groups(clusters_by_neighbours(graph, options));
+    expect_groups(clusters_by_neighbours(graph, options, kCoarse));
 }
 
 TEST(RowClusters, OfRowsWithFewerNeighboursGoByThoseThatThereAre) {

@@ -11,6 +11,9 @@ import { writeClusterNames } from './cluster_names.js';
 
 const MOST_TERMS = 3;
 
+/** A term of a higher rate of false discoveries is no name for a cluster on the map. */
+const MOST_FALSE_OF_NAME = 1e-3;
+
 /** Of so many clusters terms and profiles are shown; the others are small. */
 const MOST_LISTED = 60;
 
@@ -28,20 +31,26 @@ function profileText(columns, profile) {
   return ends === null ? 'no value is known' : `highest in ${columns[ends.most]}, lowest in ${columns[ends.least]}`;
 }
 
-/** What is known of each cluster. */
-function describe(dataset, list) {
-  const { expression } = dataset;
-  return list.slice(0, MOST_LISTED).map((cluster) => {
-    const terms = topTerms(dataset, cluster.genes, MOST_TERMS);
-    const name = `Cluster ${cluster.label}`;
-    return {
-      ...cluster,
-      name,
-      terms,
-      names: [...(terms.length > 0 ? [`${cluster.label} ${terms[0].name}`] : []), cluster.label],
-      profile: expression === null ? null : meanProfile(expression, cluster.genes),
-    };
-  });
+/** What is known of each cluster, but for its terms. */
+function describe({ expression }, list) {
+  return list.slice(0, MOST_LISTED).map((cluster) => ({
+    ...cluster,
+    name: `Cluster ${cluster.label}`,
+    terms: [],
+    names: [cluster.label],
+    profile: expression === null ? null : meanProfile(expression, cluster.genes),
+  }));
+}
+
+/** Does something for each item, one at a time, when the page has nothing better to do. */
+function oneByOne(items, action, end) {
+  const soon = window.requestIdleCallback ?? setTimeout;
+  function next(at) {
+    if (at === items.length) return end();
+    action(items[at], at);
+    return soon(() => next(at + 1));
+  }
+  soon(() => next(0));
 }
 
 function termList(terms) {
@@ -82,19 +91,28 @@ export function showClusters(element, chart, model, store) {
     store.set({ colouring: clusters.colouring, shown: Uint8Array.from(isolated(before, category)) });
   }
 
-  function fill(state) {
-    const styles = model.stylesOf({ ...state, ...chosen });
-    list.replaceChildren(...found.map((cluster) => {
-      const category = categories.of[cluster.genes[0]];
-      return clusterItem(cluster, {
-        columns: dataset.expression?.columns ?? [],
-        range,
-        mark: swatch(styles[category]),
-        select: () => store.set({ selection: cluster.genes }),
-        isolate: () => isolate(category),
-      });
-    }));
+  function itemOf(cluster) {
+    const category = categories.of[cluster.genes[0]];
+    return clusterItem(cluster, {
+      columns: dataset.expression?.columns ?? [],
+      range,
+      mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
+      select: () => store.set({ selection: cluster.genes }),
+      isolate: () => isolate(category),
+    });
   }
+
+  /** Adds the terms, which take a while, to one of the clusters. */
+  function addTerms(cluster, place) {
+    cluster.terms = topTerms(dataset, cluster.genes, MOST_TERMS);
+    if (cluster.terms.length === 0) return;
+    const [{ name, q }] = cluster.terms;
+    if (q <= MOST_FALSE_OF_NAME) cluster.names = [`${cluster.label} ${name}`, cluster.label];
+    list.children[place].append(...termList(cluster.terms));
+    chart.repaintOverlays();
+  }
+
+  const fill = () => list.replaceChildren(...found.map(itemOf));
 
   const rest = clusters.list.length - found.length;
   element.append(
@@ -104,7 +122,9 @@ export function showClusters(element, chart, model, store) {
     list,
     ...(rest > 0 ? [el('p', { class: 'hint' }, `and ${counted(rest, 'smaller one')}`)] : []),
   );
-  fill(store.get());
+  fill();
   store.listen(['theme'], fill);
   writeClusterNames(chart, model, store, found, () => names.checked);
+  list.setAttribute('aria-busy', 'true');
+  oneByOne(found, addTerms, () => list.removeAttribute('aria-busy'));
 }

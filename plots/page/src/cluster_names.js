@@ -16,7 +16,7 @@ const FEWEST_GENES = 10;
  * Writes the names at the middles of the clusters.
  *
  * @param {object[]} clusters `genes` and `names` of each, the largest first; the first of its names that has room is
- *   written
+ *   written, on a narrow chart the last; names may change
  * @param {function(): boolean} isWanted
  */
 export function writeClusterNames(chart, model, store, clusters, isWanted) {
@@ -29,7 +29,7 @@ export function writeClusterNames(chart, model, store, clusters, isWanted) {
       pair = model.pairOf(state);
       middles = large.map(({ genes }) => (pair ? middleGene(pair, genes) : -1));
     }
-    return large.map((cluster, index) => ({ ...cluster, gene: middles[index] })).filter(({ gene }) => gene >= 0);
+    return large.map(({ names }, index) => ({ names, gene: middles[index] })).filter(({ gene }) => gene >= 0);
   }
 
   chart.addOverlay((context, { pixelOf, plot, ink }) => {
@@ -42,7 +42,7 @@ export function writeClusterNames(chart, model, store, clusters, isWanted) {
     const wanted = placed(store.get())
       .map(({ gene, names }) => {
         const [x, y] = pixelOf(gene);
-        const texts = names.map((name) => drawableText(name, LONGEST));
+        const texts = (chart.isNarrow() ? names.slice(-1) : names).map((name) => drawableText(name, LONGEST));
         return { x, y, texts, sizes: texts.map((text) => ({ width: context.measureText(text).width + ROOM, height: LINE_HEIGHT })) };
       })
       .filter(({ x, y }) => x >= plot.left && x <= right && y >= plot.top && y <= bottom);

@@ -22,7 +22,7 @@ export function sparkLine(values, { least, most }, label) {
     const begins = column === 0 || Number.isNaN(values[column - 1]);
     path += `${begins ? 'M' : 'L'}${x(column).toFixed(1)} ${y(value).toFixed(1)}${begins ? 'h0' : ''}`;
   });
-  return svg('svg', { class: 'spark', viewBox: `0 0 ${WIDTH} ${HEIGHT}`, role: 'img', 'aria-label': label },
+  return svg('svg', { class: 'spark', viewBox: `0 0 ${WIDTH} ${HEIGHT}`, preserveAspectRatio: 'none', role: 'img', 'aria-label': label },
     svg('line', { class: 'spark-zero', x1: 0, x2: WIDTH, y1: y(0), y2: y(0) }),
     svg('path', { class: 'spark-line', d: path }));
 }
