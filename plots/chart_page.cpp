@@ -1,6 +1,7 @@
 #include "plots/chart_page.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "plots/component_pair.h"
@@ -156,6 +157,26 @@ std::string json_layout(const ChartLayout& layout) {
                         {"grid", json_text(layout.grid)}});
 }
 
+/// What is known of how far the map can be trusted; null if nothing is.
+std::string json_quality(const Chart& chart, std::size_t point_count) {
+    if (chart.trust == nullptr || chart.trust->numbers.empty()) {
+        return "null";
+    }
+    std::vector<std::string> numbers;
+    for (const auto& [name, value, sentence] : chart.trust->numbers) {
+        numbers.push_back(json_list({json_text(name), json_text(value), json_text(sentence)}));
+    }
+    std::vector<double> kept;
+    if (chart.trust->kept.size() == point_count) {
+        for (const double share : chart.trust->kept) {
+            kept.push_back(std::round(share * 1000.0) / 1000.0);
+        }
+    }
+    return json_object({{"numbers", json_list(numbers)},
+                        {"neighbours", json_text(chart.trust->neighbours)},
+                        {"kept", json_list_of(kept)}});
+}
+
 std::string json_chart(const Chart& chart) {
     const std::size_t point_count = rows_per_pair(chart.groups, chart.x.size());
     return json_object({{"type", "\"scatter\""},
@@ -180,6 +201,7 @@ std::string json_chart(const Chart& chart) {
                         {"aliases", json_aliases(chart, point_count)},
                         {"sets", json_sets(chart)},
                         {"background", json_text(chart.background)},
+                        {"quality", json_quality(chart, point_count)},
                         {"matrix", json_matrix(chart, point_count)}});
 }
 

@@ -9,6 +9,7 @@
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/map_trust.h"
 #include "results/quantised_matrix.h"
 #include "results/row_terms.h"
 
@@ -73,6 +74,8 @@ struct Chart {
     std::span<const GeneSet> sets;
     /// The terms of the points; null for none.
     const RowTerms* terms = nullptr;
+    /// How far the map can be trusted, as `PlottedRun` has it.
+    const MapTrust* trust = nullptr;
     /// Null, or the values of the points: another number of rows than of points is of no use.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which these are compared.

@@ -34,6 +34,7 @@ void show_rows(Chart& chart, const PlottedRun<T>& run) {
     chart.sets = run.sets;
     chart.terms = run.terms;
     chart.background = run.background;
+    chart.trust = run.trust;
     chart.matrix = run.matrix;
     chart.metric = run.metric;
 }

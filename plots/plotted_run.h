@@ -8,6 +8,7 @@
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/map_trust.h"
 #include "results/quantised_matrix.h"
 #include "results/row_terms.h"
 
@@ -38,6 +39,8 @@ struct PlottedRun {
     std::span<const GeneSet> sets{};
     /// What the points do, in terms that the page tests selections for; null for none.
     const RowTerms* terms = nullptr;
+    /// How far the map can be trusted; null where nothing is known of it.
+    const MapTrust* trust = nullptr;
     /// The values of the points, which the page shows and compares them by; null for none.
     const QuantisedMatrix* matrix = nullptr;
     /// The metric by which the run compared them.

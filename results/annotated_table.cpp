@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <set>
 
+#include "results/table_field.h"
 #include "util/format.h"
 #include "util/plain_text.h"
 #include "util/whole_file.h"
@@ -12,18 +13,6 @@
 namespace ovik {
 
 namespace {
-
-std::string field_of(const std::string& text) {
-    std::string line = one_line_utf8(text);
-    if (line.find('"') == std::string::npos) {
-        return line;
-    }
-    std::string quoted = "\"";
-    for (const char c : line) {
-        quoted += c == '"' ? "\"\"" : std::string(1, c);
-    }
-    return quoted + "\"";
-}
 
 std::string coordinate_title(std::size_t dimension) {
     constexpr char kLetters[] = {'x', 'y', 'z'};
@@ -44,14 +33,14 @@ std::string header_line(std::size_t dims, std::span<const LabelColumn> labels) {
         while (!taken.insert(title).second) {
             title.insert(0, "label_");
         }
-        line += "\t" + field_of(title);
+        line += "\t" + table_field(title);
     }
     return line + "\tfunction\n";
 }
 
 std::string label_field(const LabelColumn& column, std::size_t row) {
     if (!column.isNumeric()) {
-        return field_of(column.texts[row]);
+        return table_field(column.texts[row]);
     }
     const double number = column.numbers[row];
     return std::isnan(number) ? "" : shortest_text(number);
@@ -66,7 +55,7 @@ std::error_code write_annotated_table(const std::string& path,
     return write_whole_file(path, [&](std::FILE* stream) {
         std::fputs(header_line(Y.columns, rows.labels).c_str(), stream);
         for (std::size_t n = 0; n < Y.rows; ++n) {
-            std::string line = field_of(rows.names[n]) + "\t" + field_of(rows.systematic[n]);
+            std::string line = table_field(rows.names[n]) + "\t" + table_field(rows.systematic[n]);
             for (std::size_t d = 0; d < Y.columns; ++d) {
                 line += "\t" + shortest_text(static_cast<T>(Y.values[n * Y.columns + d]));
             }
@@ -74,7 +63,7 @@ std::error_code write_annotated_table(const std::string& path,
                 line += "\t" + label_field(column, n);
             }
             const std::string& function = rows.functions[n];
-            line += "\t" + (function == "NULL" ? "" : field_of(function)) + "\n";
+            line += "\t" + (function == "NULL" ? "" : table_field(function)) + "\n";
             std::fwrite(line.data(), 1, line.size(), stream);
         }
     });

@@ -34,6 +34,14 @@ struct RecordedQuality {
     double preservation = 0.0;
 };
 
+/// Clusters of the rows.
+struct RecordedClusters {
+    double resolution = 1.0;
+    double modularity = 0.0;
+    /// How many rows each has, the largest first.
+    std::vector<std::size_t> sizes;
+};
+
 /// A fit of one seed among several.
 struct RecordedSeed {
     int seed = 0;
@@ -76,6 +84,8 @@ struct RunRecord {
     std::optional<RecordedAgreement> agreement;
     /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;
+    /// None unless they were asked for.
+    std::optional<RecordedClusters> clusters;
     std::vector<ResultFile> files;
 
     [[nodiscard]] bool isComplete() const {

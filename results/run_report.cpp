@@ -107,6 +107,12 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
         {"quality", json_quality(run.quality)},
         {"files", json_files(run.files, directory)},
         {"costs", json_list_of(run.costs)}};
+    if (run.clusters) {
+        members.emplace_back("clusters",
+                             json_object({{"resolution", json_text(run.clusters->resolution)},
+                                          {"modularity", json_text(run.clusters->modularity)},
+                                          {"sizes", json_list_of(run.clusters->sizes)}}));
+    }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());
     return json_object(members);

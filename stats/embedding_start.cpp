@@ -272,9 +272,10 @@ void start_at_places(MatrixView<double> Y,
     check_fills_dimensions(Y);
 }
 
-NeighbourGraph placing_neighbours(MatrixView<const double> X, MetricKind metric) {
-    NeighbourGraph graph =
-        graph_without_neighbours(X.rows, std::min(kPlacingNeighbours, X.rows - 1));
+NeighbourGraph placing_neighbours(MatrixView<const double> X,
+                                  MetricKind metric,
+                                  std::size_t count) {
+    NeighbourGraph graph = graph_without_neighbours(X.rows, std::min(count, X.rows - 1));
     if (metric == MetricKind::Precomputed) {
         take_nearest_by_distance(X, graph);
     } else {

@@ -62,12 +62,13 @@ void start_at_places(MatrixView<double> Y,
                      MatrixView<const double> places,
                      const NeighbourGraph& graph);
 
-/// The `kPlacingNeighbours` nearest neighbours of all rows, or all others if there are fewer, for
-/// methods that search for none.
+/// The `count` nearest neighbours of all rows, or all others if there are fewer, for methods that
+/// search for none.
 ///
 /// @param X       the rows, or, if the metric is `Precomputed`, their distances, rows x rows
 /// @param metric  others than `Precomputed` are Euclidean between rows as X has them
 NeighbourGraph placing_neighbours(MatrixView<const double> X,
-                                  MetricKind metric = MetricKind::Euclidean);
+                                  MetricKind metric = MetricKind::Euclidean,
+                                  std::size_t count = kPlacingNeighbours);
 
 }  // namespace ovik

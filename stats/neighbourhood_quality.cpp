@@ -105,28 +105,40 @@ struct Sums {
     std::uint64_t recalled = 0;
 };
 
-void add_row(const Neighbours& input,
+/// @param kept  for each size the recall of all rows, of which that of the row is written
+void add_row(std::size_t row,
+             const Neighbours& input,
              const Neighbours& embedding,
              const std::vector<std::size_t>& sizes,
-             std::vector<Sums>& sums) {
+             std::vector<Sums>& sums,
+             std::vector<std::vector<double>>& kept) {
     const std::vector<std::uint32_t>& nearest = embedding.nearest();
+    std::vector<std::uint64_t> recalled(sizes.size());
     for (std::size_t map_rank = 0; map_rank < nearest.size(); ++map_rank) {
         const std::size_t rank = input.rank(nearest[map_rank]);
         for (std::size_t i = 0; i < sizes.size(); ++i) {
             if (map_rank < sizes[i]) {
-                sums[i].recalled += rank < sizes[i] ? 1 : 0;
+                recalled[i] += rank < sizes[i] ? 1 : 0;
                 sums[i].excess += rank < sizes[i] ? 0 : rank + 1 - sizes[i];
             }
         }
     }
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+        sums[i].recalled += recalled[i];
+        kept[i][row] = static_cast<double>(recalled[i]) / static_cast<double>(sizes[i]);
+    }
 }
 
-NeighbourhoodQuality quality_of(const Sums& sums, std::size_t N, std::size_t size) {
+NeighbourhoodQuality quality_of(const Sums& sums,
+                                std::size_t N,
+                                std::size_t size,
+                                std::vector<double> kept) {
     const auto n = static_cast<double>(N);
     const auto k = static_cast<double>(size);
     return {size,
             1.0 - 2.0 * static_cast<double>(sums.excess) / (n * k * (2.0 * n - 3.0 * k - 1.0)),
-            static_cast<double>(sums.recalled) / (n * k)};
+            static_cast<double>(sums.recalled) / (n * k),
+            std::move(kept)};
 }
 
 /// The quality by measures of the input and of the embedding.
@@ -141,6 +153,7 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
     const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
     const int workers = worker_count(tasks);
     std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
+    std::vector<std::vector<double>> kept(sizes.size(), std::vector<double>(N));
     std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
                                    Neighbours(input, N, largest));
     std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
@@ -149,7 +162,7 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
         for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
             inputs[worker].find(n);
             embeddings[worker].find(n);
-            add_row(inputs[worker], embeddings[worker], sizes, sums[task]);
+            add_row(n, inputs[worker], embeddings[worker], sizes, sums[task], kept);
         }
     });
     std::vector<NeighbourhoodQuality> result;
@@ -159,7 +172,7 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
             total.excess += of_task[i].excess;
             total.recalled += of_task[i].recalled;
         }
-        result.push_back(quality_of(total, N, sizes[i]));
+        result.push_back(quality_of(total, N, sizes[i], std::move(kept[i])));
     }
     return result;
 }

@@ -32,6 +32,8 @@ struct NeighbourhoodQuality {
     /// @par Source Lee and Verleysen, "Quality assessment of dimensionality reduction: rank-based
     /// criteria", Neurocomputing 72:1431, 2009
     double preservation = 0.0;
+    /// The recall of each row by itself.
+    std::vector<double> kept = {};
 };
 
 /// The quality of an embedding for several sizes of neighbourhoods. Rows equally far count in the

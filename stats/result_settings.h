@@ -3,11 +3,13 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "plots/plot_outcome.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/map_trust.h"
 
 namespace ovik {
 
@@ -38,6 +40,11 @@ struct ResultSettings {
     std::vector<GeneSet> gene_sets = {};
     /// What was done to the values before the fit, for the plots; empty for nothing.
     std::string transformations = {};
+    /// Names and values of what else the chart page and the figure say of the run, behind the
+    /// parameters of the fit.
+    std::vector<std::pair<std::string, std::string>> further_parameters = {};
+    /// What the chart page says of how far the map can be trusted; empty for nothing.
+    MapTrust trust = {};
     /// The values that the chart page takes along (`quantised`, results/quantised_matrix.h); null
     /// for none.
     std::shared_ptr<const QuantisedMatrix> matrix = {};

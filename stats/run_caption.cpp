@@ -35,8 +35,17 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
     std::snprintf(text, sizeof text, "%g", report.reached.cost);
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
     parameters.emplace_back("Final cost", text);
+    if (options.stop_when > 0.0) {
+        std::snprintf(text,
+                      sizeof text,
+                      "%g %% of the cost in 50 iterations%s",
+                      100.0 * options.stop_when,
+                      report.reached.settled ? "; ended by it" : "");
+        parameters.emplace_back("Least gain", text);
+    }
     if (report.seeds) {
         parameters.emplace_back("Seeds", seeds_text(*report.seeds));
+        parameters.emplace_back("Cost by seed", seed_costs_text(*report.seeds));
         if (report.seeds->agreement) {
             parameters.emplace_back("Agreement of their maps",
                                     agreement_text(*report.seeds->agreement));

@@ -45,11 +45,14 @@ WrittenResults write_results(const ResultSettings& settings,
     written.log_failure =
         append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
     if (settings.draw_plots) {
-        const auto parameters = caption_parameters(run.options,
-                                                   run.embedding.rows,
-                                                   run.input_columns,
-                                                   run.report,
-                                                   settings.transformations);
+        auto parameters = caption_parameters(run.options,
+                                             run.embedding.rows,
+                                             run.input_columns,
+                                             run.report,
+                                             settings.transformations);
+        parameters.insert(parameters.end(),
+                          settings.further_parameters.begin(),
+                          settings.further_parameters.end());
         const std::vector<GeneIdentifiers> identifiers =
             gene_identifiers(run.names, table.functions);
         const RowTerms terms = terms_of_rows(run.names, table.functions);
@@ -62,6 +65,7 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.identifiers = identifiers;
         plotted.sets = settings.gene_sets;
         plotted.terms = &terms;
+        plotted.trust = &settings.trust;
         // Distances are no values by which points could be compared.
         if (run.options.metric != MetricKind::Precomputed) {
             plotted.matrix = settings.matrix.get();

@@ -1,5 +1,6 @@
 #include "stats/seed_texts.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace ovik {
@@ -11,6 +12,28 @@ std::string seeds_text(const SeedReport& seeds) {
     }
     return text + " to " + std::to_string(seeds.runs.back().seed) + "; " +
            std::to_string(seeds.runs[seeds.kept].seed) + " has the lowest cost";
+}
+
+std::string seed_costs_text(const SeedReport& seeds) {
+    constexpr std::size_t kMostListed = 20;
+    const auto cost_text = [](const SeedRun& run) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.4f", run.final_cost);
+        return std::string(text);
+    };
+    const std::vector<SeedRun>& runs = seeds.runs;
+    if (runs.size() > kMostListed) {
+        const auto [least, most] =
+            std::minmax_element(runs.begin(), runs.end(), [](const SeedRun& a, const SeedRun& b) {
+                return a.final_cost < b.final_cost;
+            });
+        return cost_text(*least) + " to " + cost_text(*most);
+    }
+    std::string text;
+    for (const SeedRun& run : runs) {
+        text += (text.empty() ? "" : ", ") + std::to_string(run.seed) + ": " + cost_text(run);
+    }
+    return text;
 }
 
 std::string agreement_text(const MapAgreement& agreement) {

@@ -7,11 +7,13 @@
 #include <span>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "plots/plot_outcome.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
+#include "results/map_trust.h"
 #include "stats/fit_options.h"
 #include "stats/input_scale.h"
 #include "stats/iteration_report.h"
@@ -122,6 +124,17 @@ class TSNE {
     /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
     /// from its start. Empty: none.
     std::string resume_path;
+    /// Called by `actuate` once the embedding is there, before it writes any result, with the
+    /// report of the fit: `label_columns`, `further_parameters` and `trust` may still be filled. It
+    /// changes no number. Empty: nothing is called.
+    std::function<void(const FitReport&)> on_embedding;
+    /// Whether that report is to hold the neighbours of the rows.
+    bool wants_neighbours = false;
+    /// Names and values of what else chart page and figure say of the run, behind the parameters of
+    /// the fit.
+    std::vector<std::pair<std::string, std::string>> further_parameters;
+    /// What the chart page says of how far the map can be trusted; empty for nothing.
+    MapTrust trust;
     /// Neighbours that runs of several objects over the same input share, so that they are searched
     /// for once; the results are those of separate runs. Not used by the exact method. Null: the
     /// run searches for its own. See `make_cached_neighbours`.

@@ -215,6 +215,9 @@ void TSNE<T>::actuate(int no_dims,
     if (report.seeds) {
         options.seed = report.seeds->runs[report.seeds->kept].seed;
     }
+    if (on_embedding) {
+        on_embedding(report);
+    }
     Stopwatch watch;
     writeResults(options, report, std::move(labels));
     times_.results = watch.lap();
@@ -294,6 +297,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
         resumed ? std::optional(state_of(*resumed)) : std::nullopt;
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
+    hooks.wants_neighbours = wants_neighbours;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     if (options.out_dims > 0) {
         const auto dims = static_cast<std::size_t>(options.out_dims);
@@ -358,6 +362,8 @@ void TSNE<T>::writeResults(const FitOptions& options,
          .genes = row_genes,
          .gene_sets = gene_sets,
          .transformations = transformations,
+         .further_parameters = further_parameters,
+         .trust = trust,
          .matrix = page_matrix,
          .draw_plots = draw_plots},
         out_base,

@@ -1,6 +1,7 @@
 #include "tools/embedding_run.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <stdexcept>
 #include <system_error>
@@ -9,13 +10,16 @@
 #include "plots/cost_figure.h"
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
+#include "results/label_table.h"
 #include "results/map_model.h"
 #include "stats/option_effect.h"
 #include "stats/schedule.h"
+#include "stats/trust_texts.h"
 #include "stats/tsne.h"
 #include "util/console.h"
 
 #include "tools/interruption.h"
+#include "tools/map_clusters.h"
 #include "tools/map_quality.h"
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
@@ -61,6 +65,11 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.cached_neighbours = std::move(input.neighbours);
     tsne.seeds = options.seeds;
     tsne.seeds_at_once = options.seeds_at_once;
+    if (!options.neighbours_file.empty()) {
+        tsne.further_parameters.emplace_back(
+            "Neighbours",
+            "given by " + std::filesystem::path(options.neighbours_file).filename().string());
+    }
 }
 
 /// Takes over what the fits of several seeds came to.
@@ -75,6 +84,36 @@ void record_seeds(RunRecord& record, const SeedReport& seeds) {
                             seeds.agreement->neighbours,
                             seeds.agreement->shared_neighbours};
     }
+}
+
+/// Finds out what is asked for of a finished map, and gives it to the results.
+///
+/// @param label_columns  of the run, to which the clusters are added
+template <typename T>
+void look_at_map(TSNE<T>& tsne,
+                 const Options& options,
+                 const FitReport& report,
+                 std::vector<LabelColumn>& label_columns,
+                 RunRecord& record) {
+    std::optional<RowClusters> clusters;
+    if (options.clusters) {
+        FitOptions fit = options.fit;
+        fit.perplexity = tsne.perplexity;
+        clusters = find_map_clusters(tsne, fit, report, options.clusters_resolution);
+        record.clusters = {options.clusters_resolution, clusters->modularity, clusters->sizes};
+        tsne.further_parameters.emplace_back("Clusters",
+                                             clusters_text(*clusters, options.clusters_resolution));
+        label_columns.push_back(cluster_labels(*clusters));
+        tsne.label_columns = label_columns;
+    }
+    std::vector<NeighbourhoodQuality> quality;
+    if (options.quality) {
+        quality = report_map_quality(tsne, options.fit.out_dims);
+    }
+    for (const NeighbourhoodQuality& one : quality) {
+        record.quality.push_back({one.neighbours, one.trustworthiness, one.preservation});
+    }
+    tsne.trust = map_trust(report, std::move(quality), clusters ? &*clusters : nullptr);
 }
 
 void add_checkpoint(std::vector<ResultFile>& files,
@@ -125,6 +164,11 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
             {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
         add("Annotated table", path, failure);
     }
+    if (options.clusters) {
+        const std::string path = clusters_path(base);
+        const auto failure = write_label_table(path, tsne.row_names, input.label_columns.back());
+        add("Clusters", path, failure);
+    }
     if (options.plots) {
         add("Chart page", base + ".html", tsne.plots().page_failure);
     }
@@ -170,6 +214,10 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     if (input.label_columns.empty() && !labels.empty()) {
         input.label_columns.push_back({"label", labels, {}});
     }
+    tsne.wants_neighbours = options.clusters;
+    tsne.on_embedding = [&](const FitReport& report) {
+        look_at_map(tsne, options, report, input.label_columns, record);
+    };
     tsne.actuate(options.fit.out_dims,
                  perplexity,
                  std::move(labels),
@@ -183,9 +231,6 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     }
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};
-    if (options.quality) {
-        record.quality = report_map_quality(tsne, options.fit.out_dims);
-    }
     record.files = finish_results(tsne, options, input, record);
     return record;
 }

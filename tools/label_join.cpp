@@ -155,13 +155,26 @@ std::vector<double> as_numbers(const std::vector<std::string>& texts, const Valu
     return has_number ? numbers : std::vector<double>();
 }
 
+/// Whether the labels of a column are groups even if they are numbers: those of clusters are no
+/// quantity.
+bool names_clusters(std::string title) {
+    std::transform(title.begin(), title.end(), title.begin(), [](unsigned char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : static_cast<char>(c);
+    });
+    return title == "cluster" || title == "clusters";
+}
+
 LabelColumn column_of(const LabelTable& table,
                       std::size_t position,
                       const std::vector<std::size_t>& lines,
                       std::optional<char> decimal) {
     const std::vector<std::string>& fields = table.columns[position];
-    std::vector<double> numbers = as_numbers(fields, ValueReader());
-    if (numbers.empty()) {
+    const bool are_groups = names_clusters(table.titles[position]);
+    std::vector<double> numbers;
+    if (!are_groups) {
+        numbers = as_numbers(fields, ValueReader());
+    }
+    if (numbers.empty() && !are_groups) {
         numbers = as_numbers(fields, ValueReader(decimal));
     }
     LabelColumn column;

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "results/run_record.h"
+#include "stats/neighbourhood_quality.h"
 #include "stats/tsne.h"
 
 namespace ovik::tool {
@@ -10,8 +10,8 @@ namespace ovik::tool {
 /// Measures how well the embedding of a run keeps the 10 and the 30 nearest neighbours of each row,
 /// as far as there are rows enough; prints it, and how well the embedding fits.
 ///
-/// @param tsne  after `actuate`, before `finish`
+/// @param tsne  with an embedding, before `finish`
 template <typename T>
-std::vector<RecordedQuality> report_map_quality(const TSNE<T>& tsne, int dims);
+std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int dims);
 
 }  // namespace ovik::tool

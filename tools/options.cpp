@@ -83,6 +83,9 @@ CLI::Validator whole_number(int least, int most) {
     return check_of(OptionRange<int>{.least = least, .most = most});
 }
 
+/// Of clusters: far from where all rows are one, or each is one.
+constexpr OptionRange<double> kResolutions{.least = 0.001, .most = 1000.0};
+
 /// The parts of a text between its commas.
 std::vector<std::string> parts_of(const std::string& text) {
     std::vector<std::string> parts;
@@ -151,6 +154,20 @@ char parse_delimiter(const std::string& text) {
     return text.front();
 }
 
+void add_cluster_options(CLI::App& app, Options& options) {
+    CLI::Option* const clusters = app.add_flag(
+        "--clusters",
+        options.clusters,
+        "Divide the rows into clusters by their nearest neighbours, whatever the map: colours the "
+        "plots, and writes a file of labels");
+    app.add_option("--clusters-resolution",
+                   options.clusters_resolution,
+                   "More for more and smaller clusters, above 0 (1)")
+        ->option_text("NUMBER")
+        ->transform(check_of(kResolutions))
+        ->needs(clusters);
+}
+
 void add_output_options(CLI::App& app, Options& options) {
     app.add_option(
            "-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)")
@@ -180,6 +197,7 @@ void add_output_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
     app.add_flag(
         "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
+    add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
         "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");

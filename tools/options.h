@@ -108,6 +108,9 @@ struct Options {
     bool force = false;
     /// Whether the quality of the map is measured.
     bool quality = false;
+    /// Whether the rows are divided into clusters by their neighbours, and by what resolution.
+    bool clusters = false;
+    double clusters_resolution = 1.0;
     /// Whether the cost of the iterations is drawn.
     bool plot_cost = false;
     /// Forms in which the coordinates are written beside the table.

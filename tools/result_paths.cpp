@@ -76,6 +76,10 @@ std::string annotated_path(const std::string& result_base) {
     return result_base + "_annotated.tsv";
 }
 
+std::string clusters_path(const std::string& result_base) {
+    return result_base + ".clusters.tsv";
+}
+
 std::string onto_base(const Options& options) {
     return options.out_dir + options.name + "_onto" + options.suffix;
 }
@@ -104,6 +108,7 @@ std::vector<std::string> result_files(const Options& options,
         add(options.coordinates_tsv, base + ".tsv");
         add(options.coordinates_npy, base + ".npy");
         add(options.annotated_tsv, annotated_path(base));
+        add(options.clusters, clusters_path(base));
         for (const char* const extension : {".gp", ".png", ".svg"}) {
             add(options.plot_cost, cost_base(base) + extension);
         }

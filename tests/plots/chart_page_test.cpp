@@ -115,6 +115,21 @@ TEST(ChartPageData, HasTheValuesOfThePoints) {
     EXPECT_EQ(data_of(chart_page(chart))["matrix"], nullptr);
 }
 
+TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0, 3.0};
+    EXPECT_TRUE(data_of(chart_page(chart))["quality"].is_null());
+    MapTrust trust;
+    chart.trust = &trust;
+    EXPECT_TRUE(data_of(chart_page(chart))["quality"].is_null());
+    trust = {{{"Cost", "1.25", "<low> is good."}}, 30, {1.0 / 3.0, 0.5, 1.0}};
+    EXPECT_EQ(data_of(chart_page(chart))["quality"],
+              json::parse(R"({"numbers": [["Cost", "1.25", "<low> is good."]],
+                              "neighbours": 30, "kept": [0.333, 0.5, 1.0]})"));
+    trust.kept.pop_back();
+    EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
+}
+
 TEST(ChartPageEscapes, EveryTextForWhereItLands) {
     const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
     Chart chart;

@@ -102,6 +102,20 @@ TEST(NeighbourhoodQuality, IsZeroForTheWorstEmbedding) {
     EXPECT_LT(quality[0].trustworthiness, 0.3);
 }
 
+TEST(NeighbourhoodQuality, IsTheMeanOfWhatEachRowKeeps) {
+    // Rows 0 and 1 stay each other's nearest, row 2 loses its own.
+    const std::vector<double> X = {0, 1, 3, 100, 101};
+    const std::vector<double> Y = {0, 1, 50, 49, 48.5};
+    const auto quality = neighbourhood_quality(X.data(), 5, 1, Y.data(), 1, {1, 2});
+    EXPECT_EQ(quality[0].kept, (std::vector<double>{1.0, 1.0, 0.0, 1.0, 1.0}));
+    EXPECT_EQ(quality[0].preservation, 0.8);
+    double sum = 0.0;
+    for (const double share : quality[1].kept) {
+        sum += share;
+    }
+    EXPECT_DOUBLE_EQ(sum / 5.0, quality[1].preservation);
+}
+
 TEST(NeighbourhoodQuality, TakesTheNeighboursInTheInputByTheMetric) {
     // Rows 0 and 1 are nearest to one another by the maximum norm, as in the map; for Euclid row 2
     // is nearest to both.

@@ -34,11 +34,13 @@ TEST(RunCaption, ShowsWhatComponentsKeep) {
 TEST(RunCaption, TellsOfSeveralSeeds) {
     FitReport report;
     report.seeds = SeedReport{{{11, 10, 1.5, true}, {12, 10, 1.25, true}}, 1, {}};
-    EXPECT_EQ(caption_parameters({}, 90, 6, report).back(),
+    const auto without_agreement = caption_parameters({}, 90, 6, report);
+    EXPECT_EQ(without_agreement[without_agreement.size() - 2],
               Parameter("Seeds", "11 to 12; 12 has the lowest cost"));
+    EXPECT_EQ(without_agreement.back(), Parameter("Cost by seed", "11: 1.5000, 12: 1.2500"));
     report.seeds->agreement = MapAgreement{0.5, 10, 0.25};
     const auto parameters = caption_parameters({}, 90, 6, report);
-    EXPECT_EQ(parameters[parameters.size() - 2].first, "Seeds");
+    EXPECT_EQ(parameters[parameters.size() - 3].first, "Seeds");
     EXPECT_EQ(parameters.back().first, "Agreement of their maps");
 }
 
@@ -90,8 +92,7 @@ TEST(RunCaption, ShowsWhatDiffersFromTheClassicalRunAndLeavesOutWhatHasNoEffect)
     EXPECT_EQ(shown(options, "Full exaggeration"), "125");
     EXPECT_EQ(shown(options, "End of early exaggeration"), "missing");
     EXPECT_EQ(shown(options, "Learning rate"), "auto");
-    // It decides which iteration is the last alone.
-    EXPECT_EQ(shown(options, "Least gain"), "missing");
+    EXPECT_EQ(shown(options, "Least gain"), "0.1 % of the cost in 50 iterations");
 }
 
 TEST(RunCaption, ARunThatWasEndedHasTheCaptionOfAShorterOne) {

@@ -107,6 +107,16 @@ TEST(JoinLabels, TellsNumbersFromGroups) {
     EXPECT_THAT(joined.columns[4].numbers, IsEmpty());
 }
 
+TEST(JoinLabels, TakesTheNumbersOfClustersForGroups) {
+    LabelTable table = table_of({"a", "b"}, {{"1", "2"}, {"1", "2"}, {"1", "2"}});
+    table.titles = {"Cluster", "clusters", "dose"};
+    const JoinedLabels joined = join_labels(table, {"a", "b"}, "f.tsv", false);
+    EXPECT_FALSE(joined.columns[0].isNumeric());
+    EXPECT_FALSE(joined.columns[1].isNumeric());
+    EXPECT_TRUE(joined.columns[2].isNumeric());
+    EXPECT_THAT(joined.columns[0].texts, ElementsAre("1", "2"));
+}
+
 TEST(JoinLabels, RefusesFilesThatAreNotOfTheRows) {
     EXPECT_THAT(refusal(table_of({"x"}, {{"1"}}), {"a", "b"}),
                 HasSubstr("f.tsv: none of its names (x, ...) is that of a row (a, ...)\n"));

@@ -2,6 +2,7 @@
 
 import { readExpression } from './expression.js';
 import { numbersOf } from './numeric_labels.js';
+import { readQuality } from './quality.js';
 import { readTerms } from './terms.js';
 
 const DEFAULT_LAYOUT = {
@@ -117,7 +118,7 @@ function readSets(raw, names) {
  *   there is at least one, are `count` long or empty; `background` is the label of genes that step back;
  *   `aliases` is null, or has null or `systematic`, `sgd` and `aliases` (texts) of each gene; `sets` have
  *   a `name`, a `colour` ("#rrggbb" or anything else) and `genes` (ascending); `expression` is what the map was made of (`readExpression`), or null;
- *   `terms` as of `readTerms`
+ *   `terms` as of `readTerms`; `quality` as of `readQuality`
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readDataset(text) {
@@ -146,6 +147,7 @@ export function readDataset(text) {
     colourings: readColourings(raw.labelColumns, count, perPoint(raw.labels)),
     terms: readTerms(raw.terms, count),
     expression: readExpression(raw.matrix, count),
+    quality: readQuality(raw.quality, count),
   };
 }
 

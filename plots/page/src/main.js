@@ -14,6 +14,7 @@ import { givenSets } from './named_sets.js';
 import { printLight } from './print.js';
 import { readDataset } from './dataset.js';
 import { savePicture } from './picture.js';
+import { showClusters } from './cluster_list.js';
 import { showDetails } from './details.js';
 import { showExpression } from './expression_panels.js';
 import { showFooter } from './footer.js';
@@ -26,6 +27,7 @@ import { showSpotlight } from './spotlight.js';
 import { showSummary } from './summary.js';
 import { showTerms } from './enrichment_panel.js';
 import { showToolbar } from './toolbar.js';
+import { showTrust } from './trust.js';
 import { showDensityScale } from './view_options.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from './theme.js';
 import { shareOf, windowAt } from './windows.js';
@@ -99,6 +101,8 @@ function start() {
   showTerms(part('terms'), model, store, choose, say);
   address.follow(sets.tell);
   showExpression(part, chart, model, store, choose, say);
+  showClusters(part('clusters'), chart, model, store);
+  showTrust(part('trust'), part('selection'), model, store);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   fillWindow(part('stage'), part('help'), chart, () => {

@@ -1,0 +1,130 @@
+/** The panel of the clusters: what they are, and choosing them. */
+
+import { button, dataText, el } from './dom.js';
+import { clustersOf, topTerms } from './cluster_facts.js';
+import { counted, formatCount } from './format.js';
+import { extremesOf, meanProfile } from './profiles.js';
+import { isolated } from './label_legend.js';
+import { sparkLine } from './spark_line.js';
+import { swatch } from './swatch.js';
+import { writeClusterNames } from './cluster_names.js';
+
+const MOST_TERMS = 3;
+
+/** A term of a higher rate of false discoveries is no name for a cluster on the map. */
+const MOST_FALSE_OF_NAME = 1e-3;
+
+/** Of so many clusters terms and profiles are shown; the others are small. */
+const MOST_LISTED = 60;
+
+function rangeOf(profiles) {
+  const values = profiles.flatMap((profile) => Array.from(profile)).filter(Number.isFinite);
+  return {
+    least: values.reduce((one, other) => Math.min(one, other), 0),
+    most: values.reduce((one, other) => Math.max(one, other), 0),
+  };
+}
+
+/** Where a profile is highest and lowest, in words. */
+function profileText(columns, profile) {
+  const ends = extremesOf(profile);
+  return ends === null ? 'no value is known' : `highest in ${columns[ends.most]}, lowest in ${columns[ends.least]}`;
+}
+
+/** What is known of each cluster, but for its terms. */
+function describe({ expression }, list) {
+  return list.slice(0, MOST_LISTED).map((cluster) => ({
+    ...cluster,
+    name: `Cluster ${cluster.label}`,
+    terms: [],
+    names: [cluster.label],
+    profile: expression === null ? null : meanProfile(expression, cluster.genes),
+  }));
+}
+
+/** Does something for each item, one at a time, when the page has nothing better to do. */
+function oneByOne(items, action, end) {
+  const soon = window.requestIdleCallback ?? setTimeout;
+  function next(at) {
+    if (at === items.length) return end();
+    action(items[at], at);
+    return soon(() => next(at + 1));
+  }
+  soon(() => next(0));
+}
+
+function termList(terms) {
+  if (terms.length === 0) return [];
+  return [el('ul', { class: 'cluster-terms' }, ...terms.map(({ name, q }) =>
+    el('li', {}, dataText(name), el('span', { class: 'cluster-rate' }, ` q ${q.toExponential(0)}`))))];
+}
+
+function clusterItem(cluster, { columns, range, mark, select, isolate }) {
+  const { name, genes, terms, profile } = cluster;
+  return el('li', { class: 'cluster' },
+    el('div', { class: 'cluster-head' },
+      mark,
+      button(name, select, { class: 'quiet', title: 'Select its genes', 'aria-label': `${name}: select its ${counted(genes.length, 'gene')}` }),
+      el('span', { class: 'counts' }, counted(genes.length, 'gene')),
+      button('Only', isolate, { class: 'quiet', title: 'Show this cluster alone, or all again', 'aria-label': `Only ${name}` })),
+    ...(profile === null ? [] : [sparkLine(profile, range, `Mean profile of ${name}: ${profileText(columns, profile)}`)]),
+    ...termList(terms));
+}
+
+/** Fills the panel where the run found clusters, and writes their names on the map. */
+export function showClusters(element, chart, model, store) {
+  const clusters = clustersOf(model);
+  if (clusters === null) return;
+  const { dataset } = model;
+  const found = describe(dataset, clusters.list);
+  const range = rangeOf(found.map(({ profile }) => profile ?? []));
+  const chosen = model.colouredBy(clusters.colouring);
+  const categories = model.categoriesOf(chosen);
+
+  const names = el('input', { type: 'checkbox', id: 'cluster-names', checked: true, on: { change: chart.repaintOverlays } });
+  const list = el('ul', { class: 'clusters', tabindex: 0, 'aria-label': 'Clusters' });
+
+  /** Shows one cluster alone, coloured by clusters; the others again if it is alone already. */
+  function isolate(category) {
+    const { colouring, shown } = store.get();
+    const before = colouring === clusters.colouring ? shown : chosen.shown;
+    store.set({ colouring: clusters.colouring, shown: Uint8Array.from(isolated(before, category)) });
+  }
+
+  function itemOf(cluster) {
+    const category = categories.of[cluster.genes[0]];
+    return clusterItem(cluster, {
+      columns: dataset.expression?.columns ?? [],
+      range,
+      mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
+      select: () => store.set({ selection: cluster.genes }),
+      isolate: () => isolate(category),
+    });
+  }
+
+  /** Adds the terms, which take a while, to one of the clusters. */
+  function addTerms(cluster, place) {
+    cluster.terms = topTerms(dataset, cluster.genes, MOST_TERMS);
+    if (cluster.terms.length === 0) return;
+    const [{ name, q }] = cluster.terms;
+    if (q <= MOST_FALSE_OF_NAME) cluster.names = [`${cluster.label} ${name}`, cluster.label];
+    list.children[place].append(...termList(cluster.terms));
+    chart.repaintOverlays();
+  }
+
+  const fill = () => list.replaceChildren(...found.map(itemOf));
+
+  const rest = clusters.list.length - found.length;
+  element.append(
+    el('h2', {}, `Clusters: ${formatCount(clusters.list.length)}`),
+    el('p', { class: 'hint' }, 'Found among the nearest neighbours in the data, not on the map. A click on one selects its genes.'),
+    el('p', {}, el('label', { class: 'switch', for: 'cluster-names' }, names, ' Names on the map')),
+    list,
+    ...(rest > 0 ? [el('p', { class: 'hint' }, `and ${counted(rest, 'smaller one')}`)] : []),
+  );
+  fill();
+  store.listen(['theme'], fill);
+  writeClusterNames(chart, model, store, found, () => names.checked);
+  list.setAttribute('aria-busy', 'true');
+  oneByOne(found, addTerms, () => list.removeAttribute('aria-busy'));
+}

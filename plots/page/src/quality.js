@@ -1,0 +1,54 @@
+/** How far the map can be trusted, as far as the run measured it. */
+
+import { medianOf } from './cluster_facts.js';
+
+/** A gene is unreliable where the map keeps less than this share of its nearest neighbours. */
+export const LEAST_KEPT = 0.2;
+
+/** A selection of fewer genes is too small to speak of most of it. */
+const FEWEST_GENES = 3;
+
+const isShare = (value) => typeof value === 'number' && value >= 0 && value <= 1;
+
+/**
+ * Reads what the run measured.
+ *
+ * @param raw `numbers`: `[name, value, sentence]` each, `neighbours`: how many were looked at, and
+ *   `kept`: the share of them that each gene keeps, or none
+ * @param {number} count of genes
+ * @returns null if there is nothing; else `numbers` (`name`, `value`, `sentence`), `neighbours`, and `kept`
+ *   (Float64Array, one per gene), null where it was not measured
+ */
+export function readQuality(raw, count) {
+  if (!Array.isArray(raw?.numbers)) return null;
+  const numbers = raw.numbers
+    .filter((each) => Array.isArray(each) && each.length === 3 && each.every((text) => typeof text === 'string'))
+    .map(([name, value, sentence]) => ({ name, value, sentence }));
+  const isKept = Array.isArray(raw.kept) && count > 0 && raw.kept.length === count && raw.kept.every(isShare)
+    && Number.isInteger(raw.neighbours) && raw.neighbours > 0;
+  if (numbers.length === 0 && !isKept) return null;
+  return {
+    numbers,
+    neighbours: isKept ? raw.neighbours : 0,
+    kept: isKept ? Float64Array.from(raw.kept) : null,
+  };
+}
+
+/**
+ * How reliable the places of some genes are.
+ *
+ * @param {object} quality with `kept`
+ * @param {ArrayLike<number>} genes
+ * @returns `median` of what they keep, `ofAll`: that of all genes, `unreliable`: how many keep less than
+ *   `LEAST_KEPT`, and `isDoubtful`: whether these are most of three genes or more
+ */
+export function reliabilityOf(quality, genes) {
+  const kept = Float64Array.from(genes, (gene) => quality.kept[gene]);
+  const unreliable = kept.filter((share) => share < LEAST_KEPT).length;
+  return {
+    median: medianOf(kept),
+    ofAll: medianOf(quality.kept),
+    unreliable,
+    isDoubtful: kept.length >= FEWEST_GENES && 2 * unreliable > kept.length,
+  };
+}

@@ -1,0 +1,55 @@
+/** The panel that says how far the map can be trusted, and the note of selections that lie unreliably. */
+
+import { button, dataText, el } from './dom.js';
+import { formatCount } from './format.js';
+import { LEAST_KEPT, reliabilityOf } from './quality.js';
+
+const percent = (share) => `${(100 * share).toFixed(0)} %`;
+
+/** What a gene's share of kept neighbours colours by. */
+const TITLE = 'Kept neighbours';
+
+function noteText({ median, ofAll, unreliable }, count, neighbours) {
+  return `The map places most of these genes unreliably: for ${formatCount(unreliable)} of ${formatCount(count)} it keeps less than `
+    + `${percent(LEAST_KEPT)} of their ${neighbours} nearest neighbours in the data (median ${percent(median)}; `
+    + `of all genes ${percent(ofAll)}). What they lie beside may be chance.`;
+}
+
+/** The note, which keeps itself true. */
+function selectionNote(quality, store) {
+  const note = el('p', { class: 'notice doubt', role: 'note', hidden: true });
+  function update({ selection }) {
+    const reliability = reliabilityOf(quality, selection);
+    note.hidden = !reliability.isDoubtful;
+    note.textContent = note.hidden ? '' : noteText(reliability, selection.length, quality.neighbours);
+  }
+  store.listen(['selection'], update);
+  update(store.get());
+  return note;
+}
+
+/**
+ * Fills the panel where the run measured anything.
+ *
+ * @param {HTMLElement} element
+ * @param {HTMLElement} selection the panel of chosen genes, below whose heading the note stands
+ */
+export function showTrust(element, selection, model, store) {
+  const { quality } = model.dataset;
+  if (quality === null) return;
+  element.append(
+    el('h2', {}, 'How far to trust this map'),
+    el('dl', { class: 'trust' }, ...quality.numbers.flatMap(({ name, value, sentence }) => [
+      el('dt', {}, dataText(name), el('span', { class: 'trust-value' }, dataText(value))),
+      el('dd', {}, dataText(sentence)),
+    ])),
+  );
+  if (quality.kept === null) return;
+  model.addColouring({ title: TITLE, numbers: quality.kept, diverging: false });
+  element.append(
+    button('Colour by kept neighbours', () => store.set(model.colouredBy(model.colourings.titled(TITLE)))),
+    el('p', { class: 'hint' }, `Of each gene: the share of its ${quality.neighbours} nearest neighbours in the data that are `
+      + `among its ${quality.neighbours} nearest on the map. Where it is low, the place of the gene says little.`),
+  );
+  selection.querySelector('h2').after(selectionNote(quality, store));
+}

@@ -1,0 +1,93 @@
+#include "stats/trust_texts.h"
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "stats/seed_texts.h"
+
+namespace ovik {
+
+namespace {
+
+std::string with_decimals(double value, int decimals) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
+}
+
+std::string percent(double share) {
+    return with_decimals(100.0 * share, 1) + " %";
+}
+
+void add_quality(const NeighbourhoodQuality& quality, std::vector<TrustNumber>& numbers) {
+    const std::string k = std::to_string(quality.neighbours);
+    const double rows = static_cast<double>(quality.kept.size());
+    numbers.push_back(
+        {"Neighbours kept, of " + k,
+         percent(quality.preservation),
+         "So many of the " + k + " nearest neighbours that a row has in the data are among its " +
+             k + " nearest on the map, averaged over the rows; a map of random places keeps " +
+             percent(static_cast<double>(quality.neighbours) / (rows - 1.0)) + "."});
+    numbers.push_back({"Trustworthiness, " + k + " neighbours",
+                       with_decimals(quality.trustworthiness, 4),
+                       "1 if all rows that are near one another on the map are near one another in "
+                       "the data; about 0.5 for a map of random places."});
+}
+
+void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
+    numbers.push_back({"Cost by seed",
+                       seed_costs_text(seeds),
+                       "The data were fitted from each of these seeds, and the map of the lowest "
+                       "cost is shown: the nearer the costs, the less the seed matters to how good "
+                       "the map is."});
+    if (!seeds.agreement) {
+        return;
+    }
+    numbers.push_back({"Procrustes disparity of the seeds",
+                       with_decimals(seeds.agreement->disparity, 4),
+                       "0 if the maps of the seeds are the same when one is moved, turned, "
+                       "mirrored and scaled to lie on another, up to 1: where it is large, the "
+                       "places of the groups relative to one another mean little."});
+    numbers.push_back({"Neighbours shared by the seeds",
+                       percent(seeds.agreement->shared_neighbours),
+                       "So many of the " + std::to_string(seeds.agreement->neighbours) +
+                           " nearest neighbours of a row on one map are so on another: which rows "
+                           "are together is as stable as this."});
+}
+
+}  // namespace
+
+MapTrust map_trust(const FitReport& report,
+                   std::vector<NeighbourhoodQuality> quality,
+                   const RowClusters* clusters) {
+    MapTrust trust;
+    if (!report.seeds && quality.empty() && clusters == nullptr) {
+        return trust;
+    }
+    for (const NeighbourhoodQuality& one : quality) {
+        add_quality(one, trust.numbers);
+    }
+    if (!quality.empty()) {
+        trust.neighbours = quality.back().neighbours;
+        trust.kept = std::move(quality.back().kept);
+    }
+    trust.numbers.push_back({"Cost",
+                             with_decimals(report.final_cost, 4),
+                             "The Kullback-Leibler divergence of the map's similarities from those "
+                             "of the data, in nats: the lower, the better, among maps of the same "
+                             "data and perplexity alone."});
+    if (report.seeds) {
+        add_seeds(*report.seeds, trust.numbers);
+    }
+    if (clusters != nullptr) {
+        trust.numbers.push_back({"Modularity of the clusters",
+                                 with_decimals(clusters->modularity, 4),
+                                 "By how much more of the weight between neighbours lies within "
+                                 "the clusters than chance would put there, up to 1: near 0, the "
+                                 "data have no clusters to speak of."});
+    }
+    return trust;
+}
+
+}  // namespace ovik

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "results/map_trust.h"
+#include "stats/fit.h"
+#include "stats/neighbourhood_quality.h"
+#include "stats/row_clusters.h"
+
+/// What is known of a map, in the words of its chart page.
+
+namespace ovik {
+
+/// What was measured of a map: each of the numbers with a sentence.
+///
+/// @param report   of the fit
+/// @param quality  by size of the neighbourhoods, ascending; empty if it was not measured. The last
+///                 one gives what each row keeps.
+/// @param clusters null if there are none
+/// @return nothing if nothing but the fit was made: it has neither seeds, quality nor clusters
+MapTrust map_trust(const FitReport& report,
+                   std::vector<NeighbourhoodQuality> quality,
+                   const RowClusters* clusters);
+
+}  // namespace ovik

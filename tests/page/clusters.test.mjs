@@ -1,0 +1,147 @@
+/** The clusters of the run, and how far its map can be trusted, on the page. */
+
+import assert from 'node:assert/strict';
+import { after, before, describe, test } from 'node:test';
+import { readFile } from 'node:fs/promises';
+import { AXE_FILE, cloudData, createNumbers, matrixOf, startBrowser, until } from './support.mjs';
+
+const COUNT = 230;
+const next = createNumbers(5);
+
+/** Clusters of 70, 60, 50, 40 and 10 genes, each with a term and a profile of its own. */
+const CLUSTERS = Array.from({ length: COUNT }, (_, gene) => [70, 130, 180, 220, 230].findIndex((end) => gene < end));
+
+const TERMS = ['translation', 'respiration <b>', 'cell wall', 'meiosis', 'transport of a very long name that has no room anywhere'];
+
+const DATA = (() => {
+  const place = [[0, 0], [60, 10], [-50, 40], [20, -60], [-40, -50]];
+  const pair = {
+    group: 'Group:1:2',
+    xTitle: 'Component 1',
+    yTitle: 'Component 2',
+    x: CLUSTERS.map((cluster) => place[cluster][0] + 16 * (next() - 0.5)),
+    y: CLUSTERS.map((cluster) => place[cluster][1] + 16 * (next() - 0.5)),
+  };
+  return cloudData(COUNT, {
+    pairs: [pair],
+    labelColumns: [
+      { title: 'process', texts: CLUSTERS.map((_, gene) => (gene % 2 ? 'odd' : 'even')), numbers: [] },
+      { title: 'Cluster', texts: CLUSTERS.map((cluster) => `${cluster + 1}`), numbers: [] },
+    ],
+    matrix: matrixOf(CLUSTERS.map((cluster) => Array.from({ length: 6 }, (_, column) => (column === cluster ? 3 : -1) + next()))),
+    terms: { list: TERMS.map((name, at) => [`GO:${at}`, name, 'P']), genes: CLUSTERS.map((cluster) => [cluster]), repeated: [] },
+    quality: {
+      numbers: [
+        ['Neighbours kept, of 30', '41.2 %', 'So many of the <i>nearest</i> neighbours are kept.'],
+        ['Cost by seed', '11: 1.2345, 12: 1.2301', 'The lower, the better.'],
+      ],
+      neighbours: 30,
+      kept: CLUSTERS.map((cluster, gene) => (cluster === 1 ? 0.1 : 0.4 + (gene % 5) / 10)),
+    },
+  });
+})();
+
+const PHONE = { viewport: { width: 360, height: 800 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };
+
+let browser;
+let axe;
+
+before(async () => {
+  browser = await startBrowser();
+  axe = await readFile(AXE_FILE, 'utf8');
+});
+
+after(() => browser.close());
+
+async function violations(page) {
+  await page.evaluate(axe);
+  const { violations: found } = await page.evaluate(() => window.axe.run());
+  return found.map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120)).join(' | ')}`);
+}
+
+const itemTexts = (page) => page.$$eval('.cluster', (items) => items.map((item) => item.textContent));
+const selected = (page) => page.textContent('#selection h2');
+
+/** How many pixels of the layer above the points are drawn on. */
+const inkAbove = (page) => page.evaluate(() => {
+  const canvas = document.querySelector('.chart-layer');
+  const copy = document.createElement('canvas');
+  [copy.width, copy.height] = [canvas.width, canvas.height];
+  const context = copy.getContext('2d', { willReadFrequently: true });
+  context.drawImage(canvas, 0, 0);
+  const { data } = context.getImageData(0, 0, copy.width, copy.height);
+  let inked = 0;
+  for (let at = 3; at < data.length; at += 4) if (data[at] > 0) inked += 1;
+  return inked;
+});
+
+describe('clusters', () => {
+  test('are listed, select their genes, stand alone, and are named on the map', async () => {
+    const page = await browser.open(DATA);
+    assert.equal(await page.textContent('#clusters h2'), 'Clusters: 5');
+    await until(async () => (await page.getAttribute('.clusters', 'aria-busy')) === null);
+    const texts = await itemTexts(page);
+    assert.equal(texts.length, 5);
+    assert.match(texts[0], /Cluster 1.*70 genes.*translation/);
+    assert.match(texts[1], /respiration <b>/);
+    assert.equal(await page.locator('#clusters .spark').count(), 5);
+    assert.match(await page.getAttribute('.cluster:nth-child(2) .spark', 'aria-label'), /^Mean profile of Cluster 2: highest in condition 2, lowest in condition [13456]$/);
+
+    await page.click('.cluster:nth-child(3) button:has-text("Cluster 3")');
+    assert.equal(await selected(page), 'Selection: 50 genes');
+    await page.click('.cluster:nth-child(4) button:has-text("Only")');
+    assert.equal(await page.$eval('#colouring', (select) => select.selectedOptions[0].textContent), 'Cluster');
+    assert.deepEqual(await page.$$eval('.legend-list input', (boxes) => boxes.map(({ checked }) => checked)), [false, false, false, true, false]);
+    await page.click('.cluster:nth-child(4) button:has-text("Only")');
+    assert.deepEqual(await page.$$eval('.legend-list input', (boxes) => boxes.map(({ checked }) => checked)), [true, true, true, true, true]);
+
+    await until(async () => (await inkAbove(page)) > 500);
+    await page.uncheck('#cluster-names');
+    await until(async () => (await inkAbove(page)) === 0);
+    await page.focus('#cluster-names');
+    await page.keyboard.press('Space');
+    await until(async () => (await inkAbove(page)) > 500);
+    assert.deepEqual(page.problems, []);
+    assert.equal(page.requests.length, 1);
+    await page.context().close();
+  });
+
+  test('are not spoken of where the run found none', async () => {
+    const page = await browser.open(cloudData(30));
+    assert.equal(await page.locator('#clusters *').count(), 0);
+    assert.equal(await page.locator('#trust *').count(), 0);
+    assert.equal(await page.locator('.doubt').count(), 0);
+    await page.context().close();
+  });
+});
+
+describe('trust', () => {
+  test('is told in numbers with sentences, by colour, and beside doubtful selections', async () => {
+    const page = await browser.open(DATA);
+    assert.deepEqual(await page.$$eval('#trust dt', (terms) => terms.map(({ textContent }) => textContent)), ['Neighbours kept, of 3041.2 %', 'Cost by seed11: 1.2345, 12: 1.2301']);
+    assert.equal(await page.textContent('#trust dd'), 'So many of the <i>nearest</i> neighbours are kept.');
+    assert.equal(await page.isVisible('.doubt'), false);
+    await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');
+    assert.equal(await page.isVisible('.doubt'), true);
+    assert.match(await page.textContent('.doubt'), /unreliably: for 60 of 60 it keeps less than 20 % of their 30 nearest .* \(median 10 %; of all genes 50 %\)/);
+    await page.click('.cluster:nth-child(1) button:has-text("Cluster 1")');
+    assert.equal(await page.isVisible('.doubt'), false);
+    await page.click('text=Colour by kept neighbours');
+    assert.equal(await page.textContent('#legend h2'), 'Kept neighbours');
+    assert.deepEqual(page.problems, []);
+    await page.context().close();
+  });
+});
+
+describe('the accessibility checker finds nothing', () => {
+  for (const [what, settings] of [['light', {}], ['dark', { colorScheme: 'dark' }], ['on a phone', PHONE]]) {
+    test(what, async () => {
+      const page = await browser.open(DATA, settings);
+      await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');
+      assert.deepEqual(await violations(page), []);
+      const [width, room] = await page.evaluate(() => [document.documentElement.scrollWidth, document.documentElement.clientWidth]);
+      assert.ok(width <= room, `${width} of ${room}`);
+      await page.context().close();
+    });
+  }
+});

@@ -1,0 +1,110 @@
+/** Clusters and the reliability of places, as far as they need no browser. */
+
+import assert from 'node:assert/strict';
+import { describe, test } from 'node:test';
+import { clustersOf, medianOf, middleGene, topTerms } from '../../plots/page/src/cluster_facts.js';
+import { createModel } from '../../plots/page/src/model.js';
+import { createNumbers, smallData } from './support.mjs';
+import { LEAST_KEPT, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
+import { placeBoxes } from '../../plots/page/src/free_boxes.js';
+import { readDataset } from '../../plots/page/src/dataset.js';
+
+const modelOf = (changes) => createModel(readDataset(JSON.stringify(smallData(changes))));
+
+describe('clusters', () => {
+  test('are the labels of their column, the largest first', () => {
+    const texts = ['2', '10', '2', '1', '10', '1', ''];
+    const found = clustersOf(modelOf({ labelColumns: [{ title: 'x', texts: ['a', 'b', 'a', 'b', 'a', 'b', 'a'], numbers: [] }, { title: 'Cluster', texts, numbers: [] }] }));
+    assert.equal(found.colouring, 1);
+    assert.deepEqual(found.list.map(({ label, genes }) => [label, [...genes]]), [['1', [3, 5]], ['2', [0, 2]], ['10', [1, 4]]]);
+  });
+
+  test('are not there without such a column, or with an empty one', () => {
+    assert.equal(clustersOf(modelOf({})), null);
+    assert.equal(clustersOf(modelOf({ labelColumns: [{ title: 'Cluster', texts: ['', '', '', '', '', '', ''], numbers: [] }] })), null);
+  });
+
+  test('have the terms that are no chance', () => {
+    const genes = Array.from({ length: 40 }, (_, gene) => gene);
+    const dataset = readDataset(JSON.stringify({
+      ...smallData(),
+      pointCount: 40,
+      terms: { list: [['GO:1', 'folding', 'P'], ['GO:2', 'everything', 'C']], genes: genes.map((gene) => (gene < 8 ? [0, 1] : [1])) },
+    }));
+    const terms = topTerms(dataset, genes.slice(0, 8), 3);
+    assert.deepEqual(terms.map(({ name }) => name), ['folding']);
+    assert.equal(terms[0].fold, 5);
+    assert.deepEqual(topTerms(dataset, genes.slice(4, 30), 3), []);
+    assert.deepEqual(topTerms({ ...dataset, terms: null }, genes, 3), []);
+  });
+
+  test('have one of their genes in the middle', () => {
+    const pair = { x: Float64Array.of(0, 10, 4, NaN, 100), y: Float64Array.of(0, 1, 5, 2, 3) };
+    assert.equal(middleGene(pair, [0, 1, 2, 3, 4]), 1);
+    assert.equal(middleGene(pair, [3]), -1);
+    assert.equal(medianOf([]), NaN);
+    assert.equal(medianOf([3, 1, 2]), 2);
+    assert.equal(medianOf([4, 1, 2, 3]), 2.5);
+  });
+});
+
+describe('room for names', () => {
+  const frame = { left: 10, top: 20, width: 300, height: 200 };
+
+  test('boxes lie within the frame and not on another, the first ones first', () => {
+    const next = createNumbers(3);
+    const wanted = Array.from({ length: 40 }, () => ({
+      x: 10 + next() * 300,
+      y: 20 + next() * 200,
+      sizes: [{ width: 60 + next() * 60, height: 18 }, { width: 14, height: 18 }],
+    }));
+    const boxes = placeBoxes(wanted, frame);
+    assert.ok(boxes.filter((box) => box !== null).length > 15);
+    assert.ok(boxes.some((box) => box?.size === 1));
+    assert.equal(boxes[0].size, 0);
+    boxes.forEach((box, index) => {
+      if (box === null) return;
+      assert.ok(box.left >= 10 && box.top >= 20 && box.left + box.width <= 310 && box.top + box.height <= 220);
+      for (const other of boxes.slice(0, index)) {
+        assert.ok(other === null || box.left >= other.left + other.width || other.left >= box.left + box.width
+          || box.top >= other.top + other.height || other.top >= box.top + box.height);
+      }
+    });
+  });
+
+  test('one without room is left out', () => {
+    const sizes = [{ width: 400, height: 18 }];
+    assert.deepEqual(placeBoxes([{ x: 50, y: 50, sizes }], frame), [null]);
+    assert.deepEqual(placeBoxes([{ x: 12, y: 21, sizes: [{ width: 40, height: 10 }] }], frame), [{ left: 10, top: 20, width: 40, height: 10, size: 0 }]);
+  });
+});
+
+describe('how far the map can be trusted', () => {
+  const raw = { numbers: [['Cost', '1.25', 'The lower, the better.']], neighbours: 30, kept: [0.5, 0.6, 0.1, 0.1, 0.2, 0.9, 0] };
+
+  test('is read, and what is damaged is left out', () => {
+    const quality = readQuality(raw, 7);
+    assert.deepEqual(quality.numbers, [{ name: 'Cost', value: '1.25', sentence: 'The lower, the better.' }]);
+    assert.equal(quality.neighbours, 30);
+    assert.deepEqual([...quality.kept], raw.kept);
+    assert.equal(readQuality(null, 7), null);
+    assert.equal(readQuality({ numbers: 'x' }, 7), null);
+    assert.equal(readQuality({ numbers: [] }, 7), null);
+    for (const changes of [{ kept: [0.5] }, { kept: [...raw.kept.slice(1), 2] }, { kept: [...raw.kept.slice(1), null] }, { neighbours: 0 }]) {
+      const damaged = readQuality({ ...raw, ...changes }, 7);
+      assert.equal(damaged.kept, null);
+      assert.equal(damaged.neighbours, 0);
+      assert.equal(damaged.numbers.length, 1);
+    }
+    assert.deepEqual(readQuality({ ...raw, numbers: [['Cost'], 5, ['a', 1, 'b']] }, 7).numbers, []);
+  });
+
+  test('a selection is doubtful where most of three genes or more keep little', () => {
+    const quality = readQuality(raw, 7);
+    assert.equal(LEAST_KEPT, 0.2);
+    assert.deepEqual(reliabilityOf(quality, [2, 3, 5]), { median: 0.1, ofAll: 0.2, unreliable: 2, isDoubtful: true });
+    assert.equal(reliabilityOf(quality, [0, 1, 2, 3]).isDoubtful, false, 'half is not most');
+    assert.equal(reliabilityOf(quality, [2, 3]).isDoubtful, false, 'two genes are too few');
+    assert.equal(reliabilityOf(quality, []).isDoubtful, false);
+  });
+});

@@ -1,0 +1,61 @@
+#include "stats/trust_texts.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace ovik {
+namespace {
+
+using testing::HasSubstr;
+
+std::string value_of(const MapTrust& trust, const std::string& name) {
+    for (const TrustNumber& number : trust.numbers) {
+        EXPECT_THAT(number.sentence, testing::EndsWith(".")) << number.name;
+        if (number.name == name) {
+            return number.value;
+        }
+    }
+    return "missing";
+}
+
+TEST(MapTrust, SaysNothingOfAFitThatNothingWasMeasuredOf) {
+    const MapTrust trust = map_trust({}, {}, nullptr);
+    EXPECT_TRUE(trust.numbers.empty());
+    EXPECT_TRUE(trust.kept.empty());
+    EXPECT_EQ(trust.neighbours, 0U);
+}
+
+TEST(MapTrust, SaysWhatTheMapKeeps) {
+    FitReport report;
+    report.final_cost = 1.25;
+    const std::vector<double> kept{0.5, 0.25, 0.0};
+    const MapTrust trust =
+        map_trust(report, {{10, 0.9, 0.6, {0.1, 0.2, 0.3}}, {30, 0.95, 0.251, kept}}, nullptr);
+    EXPECT_EQ(value_of(trust, "Neighbours kept, of 10"), "60.0 %");
+    EXPECT_EQ(value_of(trust, "Neighbours kept, of 30"), "25.1 %");
+    EXPECT_EQ(value_of(trust, "Trustworthiness, 30 neighbours"), "0.9500");
+    EXPECT_EQ(value_of(trust, "Cost"), "1.2500");
+    EXPECT_EQ(trust.neighbours, 30U);
+    EXPECT_EQ(trust.kept, kept);
+}
+
+TEST(MapTrust, HasTheSeedsAndTheClusters) {
+    FitReport report;
+    report.seeds =
+        SeedReport{{{11, 5, 1.5, true}, {12, 5, 1.4, true}}, 1, MapAgreement{0.02, 10, 0.7}};
+    const RowClusters clusters{{0, 0, 1}, {2, 1}, 0.4321};
+    const MapTrust trust = map_trust(report, {}, &clusters);
+    EXPECT_EQ(value_of(trust, "Cost by seed"), "11: 1.5000, 12: 1.4000");
+    EXPECT_EQ(value_of(trust, "Procrustes disparity of the seeds"), "0.0200");
+    EXPECT_EQ(value_of(trust, "Neighbours shared by the seeds"), "70.0 %");
+    EXPECT_EQ(value_of(trust, "Modularity of the clusters"), "0.4321");
+    report.seeds->agreement.reset();
+    EXPECT_EQ(value_of(map_trust(report, {}, nullptr), "Neighbours shared by the seeds"),
+              "missing");
+}
+
+}  // namespace
+}  // namespace ovik
