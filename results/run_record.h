@@ -77,6 +77,8 @@ struct RunRecord {
     /// The quality of the map; empty unless it was asked for.
     std::vector<RecordedQuality> quality;
     std::vector<ResultFile> files;
+    /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
+    std::vector<double> places;
 
     [[nodiscard]] bool isComplete() const {
         for (const ResultFile& file : files) {

@@ -186,6 +186,10 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record.quality = report_map_quality(tsne, options.fit.out_dims);
     }
     record.files = finish_results(tsne, options, input, record);
+    if (input.keeps_places) {
+        record.places.assign(tsne.Y,
+                             tsne.Y + input.rows * static_cast<std::size_t>(options.fit.out_dims));
+    }
     return record;
 }
 
