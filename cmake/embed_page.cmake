@@ -1,5 +1,6 @@
-# Writes a source that holds the page as a string.
-# Takes PAGE, the file, and OUTPUT, the source to write.
+# Writes a source that holds a page as a string.
+# Takes PAGE, the file, FUNCTION, the function of plots/page_template.h that returns it, and OUTPUT,
+# the source to write.
 
 file(READ ${PAGE} page)
 string(FIND "${page}" ")ovik_page\"" delimiter)
@@ -10,7 +11,7 @@ file(WRITE ${OUTPUT} "#include \"plots/page_template.h\"
 
 namespace ovik {
 
-std::string_view page_template() {
+std::string_view ${FUNCTION}() {
     static constexpr char kPage[] = R\"ovik_page(${page})ovik_page\";
     return {kPage, sizeof kPage - 1};
 }

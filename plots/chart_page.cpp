@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 #include "plots/component_pair.h"
+#include "plots/filled_template.h"
 #include "plots/html_text.h"
 #include "plots/page_template.h"
 #include "util/base64.h"
 #include "util/json_text.h"
-#include "util/plain_text.h"
 
 namespace ovik {
 
@@ -205,13 +204,6 @@ std::string json_chart(const Chart& chart) {
                         {"matrix", json_matrix(chart, point_count)}});
 }
 
-/// JSON in a form that cannot end the script element which holds it: these characters occur in
-/// strings alone, where they may be written as escapes.
-std::string escaped_for_script(const std::string& json) {
-    static constexpr const char* kForms[] = {"\\u003c", "\\u003e", "\\u0026"};
-    return with_replaced(json, "<>&", kForms);
-}
-
 }  // namespace
 
 ChartLayout chart_layout(const int* parameters) {
@@ -228,17 +220,9 @@ ChartLayout chart_layout(const int* parameters) {
 std::string chart_page(const Chart& chart) {
     // Pure ASCII, so that U+2028 and U+2029 are escaped too.
     const std::string json = json_chart(chart);
-    const std::string_view page = page_template();
-    constexpr std::string_view kTitle = "{{page-title}}";
-    constexpr std::string_view kData = "{{chart-data}}";
-    const std::size_t title = page.find(kTitle);
-    const std::size_t data = page.find(kData, title);
-    std::string result(page.substr(0, title));
-    result += html_text(chart.title);
-    result += page.substr(title + kTitle.size(), data - title - kTitle.size());
-    result += escaped_for_script(json);
-    result += page.substr(data + kData.size());
-    return result;
+    return filled_template(
+        page_template(),
+        {{"{{page-title}}", html_text(chart.title)}, {"{{chart-data}}", json_for_script(json)}});
 }
 
 }  // namespace ovik

@@ -1,43 +1,20 @@
 #include "plots/comparison_page.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+
+#include "plots/filled_template.h"
 #include "plots/html_text.h"
+#include "plots/page_template.h"
+#include "util/base64.h"
+#include "util/json_text.h"
 
 namespace ovik {
 
 namespace {
-
-constexpr const char* kHead =
-    "<!DOCTYPE html>\n"
-    "<html lang=\"en\">\n"
-    "<head>\n"
-    "<meta charset=\"utf-8\">\n"
-    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; img-src file: "
-    "'self'; style-src 'unsafe-inline'\">\n"
-    "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-    "<meta name=\"color-scheme\" content=\"light dark\">\n";
-
-constexpr const char* kStyle =
-    "<style>\n"
-    "body { margin: 2rem auto; max-width: 90rem; padding: 0 1rem; font: 1rem/1.5 sans-serif; "
-    "color: #1c1c1c; background: #fff }\n"
-    "h1 { font-size: 1.6rem; margin: 0 }\n"
-    "h2 { font-size: 1.2rem; margin: 0 0 .5rem }\n"
-    "ul.runs { list-style: none; padding: 0; display: grid; gap: 1.5rem; "
-    "grid-template-columns: repeat(auto-fill, minmax(min(20rem, 100%), 1fr)) }\n"
-    "ul.runs > li { border: 1px solid #ccc; border-radius: .4rem; padding: 1rem }\n"
-    "img { width: 100%; height: auto; background: #fff }\n"
-    "dl { display: grid; grid-template-columns: auto 1fr; gap: 0 1rem; margin: .5rem 0 }\n"
-    "dt { color: #555 }\n"
-    "dd { margin: 0; font-variant-numeric: tabular-nums; overflow-wrap: anywhere }\n"
-    "a { color: #0058a3 }\n"
-    "p.files a { margin-right: .8rem; white-space: nowrap }\n"
-    "@media (prefers-color-scheme: dark) {\n"
-    "  body { color: #e8e8e8; background: #161616 }\n"
-    "  ul.runs > li { border-color: #444 }\n"
-    "  dt { color: #aaa }\n"
-    "  a { color: #7cc0ff }\n"
-    "}\n"
-    "</style>\n";
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
@@ -45,9 +22,9 @@ std::string list_of_facts(const Pairs& facts) {
     if (facts.empty()) {
         return "";
     }
-    std::string list = "<dl>";
+    std::string list = "<dl class=\"facts\">";
     for (const auto& [name, value] : facts) {
-        list += "<dt>" + html_text(name) + "</dt><dd>" + html_text(value) + "</dd>";
+        list += "<div><dt>" + html_text(name) + "</dt><dd>" + html_text(value) + "</dd></div>";
     }
     return list + "</dl>\n";
 }
@@ -56,16 +33,21 @@ std::string link_to(const std::string& path, const std::string& inside) {
     return path.empty() ? inside : "<a href=\"" + link_text(path) + "\">" + inside + "</a>";
 }
 
+/// A paragraph; nothing without a text.
+std::string paragraph(const char* style, const std::string& text) {
+    return text.empty() ? ""
+                        : "<p class=\"" + std::string(style) + "\">" + html_text(text) + "</p>\n";
+}
+
 std::string item(const ComparedRun& run) {
     const std::string title = html_text(run.title);
-    std::string result = "<li>\n<h2>" + link_to(run.chart_page, title) + "</h2>\n";
+    std::string result = "<li class=\"run card\">\n<h2>" + link_to(run.chart_page, title) +
+                         "</h2>\n" + paragraph("note", run.note) + "<div class=\"map\"></div>\n";
     if (!run.picture.empty()) {
-        result += link_to(run.chart_page,
-                          "<img src=\"" + link_text(run.picture) + "\" alt=\"Map: " + title +
-                              "\" width=\"1200\" height=\"1200\" loading=\"lazy\">") +
-                  "\n";
+        result += "<img src=\"" + link_text(run.picture) +
+                  "\" class=\"picture\" alt=\"Map: " + title +
+                  "\" width=\"1200\" height=\"1200\">\n";
     }
-    result += list_of_facts(run.facts);
     if (!run.files.empty()) {
         result += "<p class=\"files\">";
         for (const auto& [name, path] : run.files) {
@@ -76,17 +58,140 @@ std::string item(const ComparedRun& run) {
     return result + "</li>\n";
 }
 
+std::string number_cell(const ComparedNumber& number, std::size_t run) {
+    const std::string text = number.values[run].empty() ? "<span class=\"none\">not measured</span>"
+                                                        : html_text(number.values[run]);
+    return number.is_best[run] ? "<td class=\"best\">" + text + " <span>best</span></td>"
+                               : "<td>" + text + "</td>";
+}
+
+/// The numbers in a table, and below it what each of them says.
+std::string table_of_numbers(const Comparison& comparison) {
+    if (comparison.numbers.empty() || comparison.runs.empty()) {
+        return "";
+    }
+    std::string table =
+        "<section class=\"card\" id=\"numbers\">\n<h2>The runs in numbers</h2>\n"
+        "<div class=\"numbers-frame\" tabindex=\"0\" role=\"region\" aria-label=\"The runs in "
+        "numbers\">\n<table>\n<thead><tr><th scope=\"col\">Run</th>";
+    for (const ComparedNumber& number : comparison.numbers) {
+        table += "<th scope=\"col\">" + html_text(number.name) + "</th>";
+    }
+    table += "</tr></thead>\n<tbody>\n";
+    for (std::size_t run = 0; run < comparison.runs.size(); ++run) {
+        table += "<tr><th scope=\"row\">" + html_text(comparison.runs[run].title) + "</th>";
+        for (const ComparedNumber& number : comparison.numbers) {
+            table += number_cell(number, run);
+        }
+        table += "</tr>\n";
+    }
+    table += "</tbody>\n</table>\n</div>\n<dl class=\"sentences\">";
+    for (const ComparedNumber& number : comparison.numbers) {
+        table += "<div><dt>" + html_text(number.name) + "</dt><dd>" + html_text(number.sentence) +
+                 "</dd></div>";
+    }
+    return table + "</dl>\n</section>\n";
+}
+
+std::string head_of(const Comparison& comparison) {
+    return "<h1>" + html_text(comparison.title) + "</h1>\n" + list_of_facts(comparison.facts) +
+           paragraph("alignment", comparison.alignment);
+}
+
+std::string list_of_runs(const Comparison& comparison) {
+    std::string list;
+    for (const ComparedRun& run : comparison.runs) {
+        list += item(run);
+    }
+    return list;
+}
+
+/// What the places of a map span: least and most x, least and most y; zeros without a place.
+std::array<double, 4> window_of(const ComparedRun& run) {
+    std::array<double, 4> window{};
+    bool is_empty = true;
+    for (std::size_t gene = 0; gene < run.x.size(); ++gene) {
+        const double x = run.x[gene];
+        const double y = run.y[gene];
+        if (std::isfinite(x) && std::isfinite(y)) {
+            window = is_empty ? std::array{x, x, y, y}
+                              : std::array{std::min(window[0], x),
+                                           std::max(window[1], x),
+                                           std::min(window[2], y),
+                                           std::max(window[3], y)};
+            is_empty = false;
+        }
+    }
+    return window;
+}
+
+/// Stands for a gene that the map does not have; the other numbers of 16 bits span the window.
+constexpr std::uint16_t kNoPlace = 0xFFFF;
+constexpr double kSteps = 65534.0;
+
+std::uint16_t step_of(double value, double least, double most) {
+    // Halves, so that the range of the largest numbers is finite.
+    const double width = most / 2 - least / 2;
+    return width > 0.0
+               ? static_cast<std::uint16_t>(std::lround((value / 2 - least / 2) / width * kSteps))
+               : 0;
+}
+
+/// The places in base64: x and y of each gene in turn, 16 bits each, the lower 8 first.
+std::string json_places(const ComparedRun& run, const std::array<double, 4>& window) {
+    std::string bytes;
+    bytes.reserve(4 * run.x.size());
+    for (std::size_t gene = 0; gene < run.x.size(); ++gene) {
+        const bool has_place = std::isfinite(run.x[gene]) && std::isfinite(run.y[gene]);
+        for (const std::uint16_t step :
+             {has_place ? step_of(run.x[gene], window[0], window[1]) : kNoPlace,
+              has_place ? step_of(run.y[gene], window[2], window[3]) : kNoPlace}) {
+            bytes.push_back(static_cast<char>(step & 255U));
+            bytes.push_back(static_cast<char>(step >> 8U));
+        }
+    }
+    return json_text(base64(bytes));
+}
+
+std::string json_run(const ComparedRun& run) {
+    const std::array<double, 4> window = window_of(run);
+    return json_object({{"title", json_text(run.title)},
+                        {"window", json_list_of(window.begin(), window.end())},
+                        {"places", json_places(run, window)}});
+}
+
+std::string json_comparison(const Comparison& comparison) {
+    const ComparedGenes& genes = comparison.genes;
+    std::vector<std::string> runs;
+    for (const ComparedRun& run : comparison.runs) {
+        runs.push_back(json_run(run));
+    }
+    std::vector<std::string> columns;
+    for (const LabelColumn& column : genes.label_columns) {
+        columns.push_back(json_object({{"title", json_text(column.title)},
+                                       {"texts", json_list_of(column.texts)},
+                                       {"numbers", json_list_of(column.numbers)}}));
+    }
+    return json_object({{"title", json_text(comparison.title)},
+                        {"name", json_text(comparison.name)},
+                        {"pointCount", json_text(genes.names.size())},
+                        {"reference", json_text(comparison.reference)},
+                        {"runs", json_list(runs)},
+                        {"names", json_list_of(genes.names)},
+                        {"functions", json_list_of(genes.functions)},
+                        {"genes", json_list_of(genes.listed_names)},
+                        {"labelColumns", json_list(columns)}});
+}
+
 }  // namespace
 
 std::string comparison_page(const Comparison& comparison) {
-    const std::string title = html_text(comparison.title);
-    std::string page = std::string(kHead) + "<title>" + title + "</title>\n" + kStyle +
-                       "</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n" +
-                       list_of_facts(comparison.facts) + "<ul class=\"runs\">\n";
-    for (const ComparedRun& run : comparison.runs) {
-        page += item(run);
-    }
-    return page + "</ul>\n</main>\n</body>\n</html>\n";
+    return filled_template(comparison_template(),
+                           {{"{{page-title}}", html_text(comparison.title)},
+                            {"{{comparison-head}}", head_of(comparison)},
+                            {"{{comparison-runs}}", list_of_runs(comparison)},
+                            {"{{comparison-numbers}}", table_of_numbers(comparison)},
+                            {"{{comparison-data}}", json_for_script(json_comparison(comparison))}});
 }
 
 }  // namespace ovik

@@ -25,6 +25,12 @@ std::string html_text(std::string_view text) {
     return with_replaced(one_line_utf8(text), "<>&\"'", kForms);
 }
 
+std::string json_for_script(const std::string& json) {
+    // These characters occur in strings alone, where they may be written as escapes.
+    static constexpr const char* kForms[] = {"\\u003c", "\\u003e", "\\u0026"};
+    return with_replaced(json, "<>&", kForms);
+}
+
 std::string link_text(std::string_view path) {
     constexpr std::string_view kPlain =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";

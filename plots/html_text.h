@@ -17,6 +17,9 @@ std::string with_replaced(std::string_view text,
 /// attribute in double quotes.
 std::string html_text(std::string_view text);
 
+/// JSON in a form that cannot end the script element which holds it.
+std::string json_for_script(const std::string& json);
+
 /// A path as a link that a browser takes for the same file: relative paths stay relative.
 std::string link_text(std::string_view path);
 

@@ -8,4 +8,8 @@ namespace ovik {
 /// behind it, `{{chart-data}}` for the data.
 std::string_view page_template();
 
+/// The page without runs to compare, built there too: `{{page-title}}`, `{{comparison-head}}`,
+/// `{{comparison-runs}}`, `{{comparison-numbers}}` and `{{comparison-data}}`, in this order.
+std::string_view comparison_template();
+
 }  // namespace ovik

@@ -87,6 +87,8 @@ struct RunRecord {
     /// None unless they were asked for.
     std::optional<RecordedClusters> clusters;
     std::vector<ResultFile> files;
+    /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
+    std::vector<double> places;
 
     [[nodiscard]] bool isComplete() const {
         for (const ResultFile& file : files) {

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -13,7 +12,6 @@
 
 #include "plots/comparison_page.h"
 #include "stats/method.h"
-#include "stats/option_texts.h"
 #include "stats/run_names.h"
 #include "util/console.h"
 #include "util/counted.h"
@@ -22,8 +20,10 @@
 #include "util/input_file.h"
 #include "util/whole_file.h"
 
+#include "tools/comparison_numbers.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
+#include "tools/table_map.h"
 
 namespace ovik::tool {
 
@@ -32,31 +32,11 @@ namespace {
 using Json = nlohmann::json;
 using Facts = std::vector<std::pair<std::string, std::string>>;
 
-std::string with_decimals(double value, int decimals) {
-    char text[400];  // a double has at most 309 digits before its point
-    std::snprintf(text, sizeof text, "%.*f", decimals, value);
-    return text;
-}
-
 Facts input_facts(const ComparisonEntry& entry) {
     return {
         {"Input",
          counted(entry.rows, "row", "rows") + ", " + counted(entry.columns, "column", "columns")},
         {"Method", method_of(entry.options).title(entry.options)}};
-}
-
-Facts run_facts(const FitOptions& options, const RunRecord& run) {
-    Facts facts{{"Last iteration", std::to_string(run.iteration)},
-                {"Cost", with_decimals(run.final_cost, 4)}};
-    if (const std::string choices = choices_text(options); !choices.empty()) {
-        facts.emplace_back("Choices", choices);
-    }
-    for (const RecordedQuality& quality : run.quality) {
-        facts.emplace_back("Nearest " + std::to_string(quality.neighbours),
-                           "trustworthiness " + with_decimals(quality.trustworthiness, 4) + ", " +
-                               with_decimals(100.0 * quality.preservation, 1) + " % kept");
-    }
-    return facts;
 }
 
 /// What a run is called.
@@ -81,6 +61,42 @@ bool share(const std::vector<ComparisonEntry>& entries, const Value& value) {
     return std::all_of(entries.begin(), entries.end(), [&](const ComparisonEntry& entry) {
         return value(entry) == value(entries.front());
     });
+}
+
+AlignedMaps aligned_maps_of(const std::vector<ComparisonEntry>& entries) {
+    std::vector<RunMap> maps;
+    maps.reserve(entries.size());
+    for (const ComparisonEntry& entry : entries) {
+        maps.push_back(entry.map);
+    }
+    return align_maps(maps);
+}
+
+/// What there is to say of a map beside others.
+std::string map_note(const AlignedMaps& maps, std::size_t run) {
+    const AlignedMap& map = maps.maps[run];
+    const std::size_t genes = maps.genes.names.size();
+    if (map.x.empty()) {
+        return "The coordinates of this map could not be read. ";
+    }
+    std::string note;
+    if (map.placed < genes) {
+        note = counted(genes - map.placed, "gene of the others is", "genes of the others are") +
+               " not in this map. ";
+    }
+    if (run != maps.reference && !map.agreement) {
+        note += "It lies as it is: it has too few genes in common with the reference. ";
+    }
+    return note;
+}
+
+/// What a run of other input than the others came from.
+std::string input_note(const ComparisonEntry& entry) {
+    std::string note;
+    for (const auto& [name, value] : input_facts(entry)) {
+        note.append(name).append(": ").append(value).append(". ");
+    }
+    return note;
 }
 
 /// A run with the paths of its files as they are found from the page.
@@ -111,6 +127,18 @@ RunRecord record_of(const Json& run) {
     record.perplexity = perplexity.is_null() ? std::nan("") : perplexity.get<double>();
     record.iteration = run.at("last_iteration").get<int>();
     record.final_cost = run.at("final_cost").get<double>();
+    if (const auto seconds = run.find("seconds"); seconds != run.end()) {
+        record.seconds = {seconds->at("similarities").get<double>(),
+                          seconds->at("fitting").get<double>(),
+                          seconds->at("results").get<double>()};
+    }
+    record.kept_seed = run.value("kept_seed", 0);
+    for (const Json& seed : run.value("seeds", Json::array())) {
+        record.seeds.push_back({seed.at("seed").get<int>(),
+                                seed.at("last_iteration").get<int>(),
+                                seed.at("final_cost").get<double>(),
+                                seed.at("complete").get<bool>()});
+    }
     for (const Json& quality : run.at("quality")) {
         record.quality.push_back({quality.at("neighbours").get<std::size_t>(),
                                   quality.at("trustworthiness").get<double>(),
@@ -156,6 +184,22 @@ FitOptions fit_options_of(const Json& options) {
     return fit;
 }
 
+/// What tells data of other values, names or neighbours apart, as far as a report has it.
+std::string data_of(const Json& report) {
+    return report.at("input").value("digest", Json()).dump() +
+           report.at("options").value("neighbours_from", Json()).dump();
+}
+
+/// The map by the table that the run left; none without one.
+RunMap map_of(const ComparisonEntry& entry) {
+    for (const ResultFile& file : entry.run.files) {
+        if (file.what == "Result table" && file.failure.empty()) {
+            return read_table_map((entry.directory / file.path).string(), entry.rows);
+        }
+    }
+    return {};
+}
+
 /// The runs of a report.
 ///
 /// @throws InputError if it is none
@@ -182,7 +226,10 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
                                input.at("columns").get<std::size_t>(),
                                fit_options_of(options),
                                record_of(run),
+                               data_of(report),
+                               {},
                                directory});
+            entries.back().map = map_of(entries.back());
         }
     } catch (const Json::exception&) {
         throw InputError(path +
@@ -199,19 +246,31 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
     const bool one_input = share(entries, &input_facts);
     Comparison comparison;
     comparison.title = one_title && !entries.empty() ? entries.front().title : "Comparison of runs";
+    comparison.name = std::filesystem::path(path).stem().string();
     if (one_input && !entries.empty()) {
         comparison.facts = input_facts(entries.front());
     }
-    for (const ComparisonEntry& entry : entries) {
-        ComparedRun run = compared_run(entry, directory);
-        run.title = title_of(entry, one_title);
-        if (!one_input) {
-            run.facts = input_facts(entry);
-        }
-        const Facts facts = run_facts(entry.options, entry.run);
-        run.facts.insert(run.facts.end(), facts.begin(), facts.end());
+    AlignedMaps maps = aligned_maps_of(entries);
+    comparison.numbers = numbers_of(entries, maps);
+    comparison.reference = maps.reference;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        ComparedRun run = compared_run(entries[i], directory);
+        run.title = title_of(entries[i], one_title);
+        run.note = map_note(maps, i) + (one_input ? "" : input_note(entries[i]));
+        run.x = std::move(maps.maps[i].x);
+        run.y = std::move(maps.maps[i].y);
         comparison.runs.push_back(std::move(run));
     }
+    if (std::any_of(maps.maps.begin(), maps.maps.end(), [](const AlignedMap& map) {
+            return map.agreement.has_value();
+        })) {
+        comparison.alignment =
+            "Each map is moved, turned, mirrored where that helps, and scaled to lie as near as it "
+            "can to that of \"" +
+            comparison.runs[maps.reference].title +
+            "\" (Procrustes), which keeps its shape. Genes are matched by their names.";
+    }
+    comparison.genes = std::move(maps.genes);
     if (const auto failure = write_whole_text(path, comparison_page(comparison))) {
         complain("Comparison could not be written: " + path + " (" + failure.message() + ")");
         return false;

@@ -8,6 +8,7 @@
 #include "results/run_record.h"
 #include "stats/fit_options.h"
 
+#include "tools/aligned_maps.h"
 #include "tools/exit_status.h"
 #include "tools/options.h"
 
@@ -22,6 +23,9 @@ struct ComparisonEntry {
     /// The options of the fit, as far as a report has them.
     FitOptions options;
     RunRecord run;
+    /// What the runs of equal values and names have in common; any text.
+    std::string data;
+    RunMap map;
     /// What relative paths of the run's files start from.
     std::filesystem::path directory;
 };
@@ -31,7 +35,7 @@ struct ComparisonEntry {
 /// @return false if it could not be written; standard error then says why
 bool write_comparison(const std::string& path, const std::vector<ComparisonEntry>& entries);
 
-/// Makes such a page of the reports of earlier runs.
+/// Makes such a page of the reports of earlier runs, with the maps of their result tables.
 ///
 /// @throws InputError if one of them is no report
 ExitStatus collect_reports(const Options& options);

@@ -232,6 +232,10 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};
     record.files = finish_results(tsne, options, input, record);
+    if (input.keeps_places) {
+        record.places.assign(tsne.Y,
+                             tsne.Y + input.rows * static_cast<std::size_t>(options.fit.out_dims));
+    }
     return record;
 }
 

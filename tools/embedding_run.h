@@ -37,6 +37,8 @@ struct RunInput {
     KnownColumns columns_known;
     /// Neighbours that several runs share; null for a run by itself.
     std::shared_ptr<CachedNeighbours> neighbours;
+    /// Whether the record of the run keeps the places of its map.
+    bool keeps_places = false;
 };
 
 /// Runs the engine, writes the results, and says on the console what became of them.

@@ -76,8 +76,22 @@ RunInput input_of_run(LoadedMatrix& loaded,
     return input;
 }
 
+/// What the rows of the runs are.
+std::shared_ptr<const ComparedGenes> compared_genes(const LoadedMatrix& loaded,
+                                                    const RowGenes& genes,
+                                                    const std::vector<LabelColumn>& labels) {
+    const std::vector<std::string>& names = loaded.matrix.row_names;
+    ComparedGenes compared{names, functions_of(genes), other_names_of(genes, names), labels};
+    if (labels.empty() && !loaded.labels.empty()) {
+        compared.label_columns.push_back({"label", loaded.labels, {}});
+    }
+    return std::make_shared<const ComparedGenes>(std::move(compared));
+}
+
 /// Writes the page that compares the runs.
-bool compare(const Options& options, const RunReport& report) {
+bool compare(const Options& options,
+             const RunReport& report,
+             const std::shared_ptr<const ComparedGenes>& rows) {
     std::vector<ComparisonEntry> entries;
     for (const RunRecord& run : report.runs) {
         entries.push_back({options.title,
@@ -85,6 +99,8 @@ bool compare(const Options& options, const RunReport& report) {
                            report.columns,
                            options.fit,
                            run,
+                           "",
+                           {rows, static_cast<std::size_t>(options.fit.out_dims), run.places},
                            std::filesystem::current_path()});
     }
     return write_comparison(comparison_path(options), entries);
@@ -183,6 +199,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
         RunInput input = input_of_run(loaded, genes, labels, neighbours, start_places, is_last);
+        input.keeps_places = perplexities.size() > 1;
         input.page_matrix = page_matrix;
         report.runs.push_back(run_embedding(options, std::move(input), perplexity));
         if (interruption_status() != Success) {
@@ -193,7 +210,8 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
                                    report.runs.end(),
                                    [](const RunRecord& run) { return run.isComplete(); });
     if (perplexities.size() > 1) {
-        is_complete = compare(options, report) && is_complete;
+        is_complete =
+            compare(options, report, compared_genes(loaded, *genes, labels)) && is_complete;
     }
     tell_of_rows(report, options, *genes);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;

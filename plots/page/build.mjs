@@ -1,9 +1,9 @@
 /**
- * Bundles the page's sources into the one file page.html.
+ * Bundles the sources of each page into its one file, page.html and comparison.html.
  *
  *     npm ci
- *     node build.mjs           writes page.html
- *     node build.mjs --check   fails if page.html is not what the sources give
+ *     node build.mjs           writes the pages
+ *     node build.mjs --check   fails if they are not what the sources give
  */
 
 import { createHash } from 'node:crypto';
@@ -11,17 +11,33 @@ import { readFile, writeFile } from 'node:fs/promises';
 import { fileURLToPath } from 'node:url';
 import { build } from 'esbuild';
 
-const PAGE = path('page.html');
-const PLACEHOLDERS = ['{{page-title}}', '{{chart-data}}'];
+const PAGES = [
+  {
+    file: 'page.html',
+    template: 'template.html',
+    script: 'src/main.js',
+    style: 'style.css',
+    placeholders: ['{{page-title}}', '{{chart-data}}'],
+  },
+  {
+    file: 'comparison.html',
+    template: 'comparison_template.html',
+    script: 'src/compare/main.js',
+    style: 'comparison.css',
+    placeholders: [
+      '{{page-title}}', '{{comparison-head}}', '{{comparison-runs}}', '{{comparison-numbers}}', '{{comparison-data}}',
+    ],
+  },
+];
 
 function path(name) {
   return fileURLToPath(new URL(name, import.meta.url));
 }
 
-async function bundleScript() {
+async function bundleScript(entry) {
   const notice = await readFile(path('THIRD_PARTY.md'), 'utf8');
   const { outputFiles } = await build({
-    entryPoints: [path('src/main.js')],
+    entryPoints: [path(entry)],
     bundle: true,
     write: false,
     minify: true,
@@ -35,8 +51,8 @@ async function bundleScript() {
   return outputFiles[0].text.trim();
 }
 
-async function minifyStyle() {
-  const { outputFiles } = await build({ entryPoints: [path('style.css')], bundle: true, write: false, minify: true });
+async function minifyStyle(entry) {
+  const { outputFiles } = await build({ entryPoints: [path(entry)], bundle: true, write: false, minify: true });
   return outputFiles[0].text.trim();
 }
 
@@ -56,28 +72,30 @@ function fillIn(template, name, value) {
   return template.replace(slot, () => value);
 }
 
-async function makePage() {
-  const script = await bundleScript();
-  const style = await minifyStyle();
+async function makePage({ template, script: entry, style: sheet, placeholders }) {
+  const script = await bundleScript(entry);
+  const style = await minifyStyle(sheet);
   if (/<\/script|<!--/i.test(script)) throw new Error('the script would end its element too early');
   if (/<\/style|<!--/i.test(style)) throw new Error('the style sheet would end its element too early');
-  let page = await readFile(path('template.html'), 'utf8');
+  let page = await readFile(path(template), 'utf8');
   page = fillIn(page, 'script-hash', hashOf(script));
   page = fillIn(page, 'style-hash', hashOf(style));
   page = fillIn(page, 'style', style);
   page = fillIn(page, 'script', script);
-  for (const placeholder of PLACEHOLDERS) assertOnce(page, placeholder);
+  for (const placeholder of placeholders) assertOnce(page, placeholder);
   return page;
 }
 
-const page = await makePage();
-if (process.argv.includes('--check')) {
-  const committed = await readFile(PAGE, 'utf8').catch(() => '');
-  if (committed !== page) {
-    console.error('page.html is not what the sources give: run node build.mjs');
-    process.exitCode = 1;
+for (const source of PAGES) {
+  const page = await makePage(source);
+  if (process.argv.includes('--check')) {
+    const committed = await readFile(path(source.file), 'utf8').catch(() => '');
+    if (committed !== page) {
+      console.error(`${source.file} is not what the sources give: run node build.mjs`);
+      process.exitCode = 1;
+    }
+  } else {
+    await writeFile(path(source.file), page);
+    console.log(`${source.file}: ${page.length} characters`);
   }
-} else {
-  await writeFile(PAGE, page);
-  console.log(`page.html: ${page.length} characters`);
 }

@@ -78,7 +78,8 @@ TEST_F(Sweep, LeavesAPageThatLeadsToItsRuns) {
     const std::string page = test::read_file(path);
     EXPECT_THAT(page, HasSubstr("<h1>Yeast &amp; co</h1>"));
     EXPECT_THAT(page, HasSubstr("<dd>301 rows, 36 columns</dd>"));
-    EXPECT_THAT(page, HasSubstr("<dd>trustworthiness 0."));
+    EXPECT_THAT(page, HasSubstr("<th scope=\"col\">Trustworthiness, nearest 10</th>"));
+    EXPECT_THAT(page, HasSubstr("as near as it can to that of &quot;Perplexity 30&quot;"));
     for (const char* const name : {"y_tsne_30_0", "y_tsne_5_0"}) {
         for (const char* const extension : {".csv", ".html", ".png", ".svg", ".gp"}) {
             EXPECT_THAT(page, HasSubstr(std::string("href=\"./") + name + extension + "\""));

@@ -8,9 +8,9 @@ import { promisify } from 'node:util';
 import { PAGE_FOLDER } from './support.mjs';
 
 const run = promisify(execFile);
-const committedPage = () => readFile(join(PAGE_FOLDER, 'page.html'), 'utf8');
+const committedPage = (name = 'page.html') => readFile(join(PAGE_FOLDER, name), 'utf8');
 
-test('the committed page is what the sources give', async () => {
+test('the committed pages are what the sources give', async () => {
   await assert.doesNotReject(run(process.execPath, [join(PAGE_FOLDER, 'build.mjs'), '--check']));
 });
 
@@ -22,8 +22,14 @@ test('the page holds each placeholder once, and they stand where they belong', a
   assert.match(page, /<script type="application\/json" id="chart-data">\{\{chart-data\}\}<\/script>/);
 });
 
-test('the policy allows the one script and the one style sheet by hash, and nothing else', async () => {
-  const page = await committedPage();
+test('the page that compares runs holds its placeholders once, in the order in which they are filled', async () => {
+  const page = await committedPage('comparison.html');
+  const placeholders = ['page-title', 'comparison-head', 'comparison-runs', 'comparison-numbers', 'comparison-data'];
+  assert.deepEqual(page.match(/\{\{[a-z-]+\}\}/g), placeholders.map((name) => `{{${name}}}`));
+});
+
+async function assertPolicy(name, pictures) {
+  const page = await committedPage(name);
   const policy = page.match(/http-equiv="Content-Security-Policy" content="([^"]*)"/)[1];
   const hashOf = (text) => `'sha256-${createHash('sha256').update(text).digest('base64')}'`;
   const scripts = [...page.matchAll(/<script>([^]*?)<\/script>/g)];
@@ -32,12 +38,17 @@ test('the policy allows the one script and the one style sheet by hash, and noth
   assert.equal(styles.length, 1);
   assert.deepEqual(policy.split('; '), [
     "default-src 'none'",
-    'img-src data: blob:',
+    `img-src ${pictures}`,
     `script-src ${hashOf(scripts[0][1])}`,
     `style-src ${hashOf(styles[0][1])}`,
     "base-uri 'none'",
     "form-action 'none'",
   ]);
+}
+
+test('the policies allow the one script and the one style sheet by hash, and pictures', async () => {
+  await assertPolicy('page.html', 'data: blob:');
+  await assertPolicy('comparison.html', "file: 'self' data:");
 });
 
 test('the page carries the notices of the libraries in it', async () => {
@@ -51,7 +62,8 @@ test('the page carries the notices of the libraries in it', async () => {
 
 test('no source writes markup or runs text', async () => {
   const folder = join(PAGE_FOLDER, 'src');
-  const files = await readdir(folder);
+  const own = (await readdir(join(folder, 'compare'))).map((file) => join('compare', file));
+  const files = [...await readdir(folder), ...own].filter((file) => file.endsWith('.js'));
   assert.ok(files.length > 10);
   for (const file of files) {
     const text = await readFile(join(folder, file), 'utf8');

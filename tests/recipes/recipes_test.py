@@ -120,7 +120,7 @@ def run_shell(place, text):
                 == ROWS + 1, "a row per gene from standard input")
     if "--quality" in text:
         page = place.read("sweep/yeast_tsne_comparison.html")
-        require(page.count("<img ") == 4 and "trustworthiness" in page, "a page of four runs")
+        require(page.count("<img ") == 4 and "Trustworthiness, nearest 10" in page, "a page of four runs")
         for name in ("30_0.csv", "30_0.png"):
             ours = (place.directory / f"sweep/yeast_tsne_{name}").read_bytes()
             require(ours == (place.directory / f"out/yeast_tsne_{name}").read_bytes(),

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -73,8 +74,9 @@ TEST_F(ComparisonTest, TellsOfTheInputOnceAndOfEveryRun) {
                                    "Perplexity 12.75",
                                    "999",
                                    "1.2346",
-                                   "Nearest 10",
-                                   "trustworthiness 0.9877, 50.0 % kept",
+                                   "Kept of the nearest 10",
+                                   "0.9877",
+                                   "50.0 %",
                                    "Figure (png)",
                                    "Figure (svg)"}) {
         EXPECT_THAT(written.page, HasSubstr(text));
@@ -115,6 +117,32 @@ TEST_F(ComparisonTest, TellsWhatARunHasChosen) {
     EXPECT_THAT(written.page, HasSubstr("Uniform affinities of 15 neighbours<"));
     EXPECT_THAT(written.page, HasSubstr("metric pearson, affinity uniform, neighbours 15"));
     EXPECT_THAT(write(path_, {entry("Yeast", 5.0)}).page, Not(HasSubstr("Choices")));
+}
+
+TEST_F(ComparisonTest, LaysTheMapsOntoOneAndSaysSo) {
+    ComparedGenes genes;
+    genes.names = {"A", "B", "C"};
+    const auto rows = std::make_shared<const ComparedGenes>(genes);
+    genes.names = {"A", "B", "C", "D"};
+    const auto more_rows = std::make_shared<const ComparedGenes>(genes);
+    ComparisonEntry first = entry("Yeast", 5.0);
+    first.map = {rows, 2, {0, 0, 1, 0, 0, 2}};
+    ComparisonEntry second = entry("Yeast", 12.75);
+    second.map = {more_rows, 2, {5, 5, 5, 6, 7, 5, 9, 9}};
+    const ComparisonEntry third = entry("Yeast", 30.0);
+    const std::string page = write(path_, {first, second, third}).page;
+    EXPECT_THAT(page, HasSubstr("to that of &quot;Perplexity 12.75&quot; (Procrustes)"));
+    EXPECT_THAT(page, HasSubstr("<p class=\"note\">1 gene of the others is not in this map."));
+    EXPECT_THAT(page, HasSubstr("The coordinates of this map could not be read."));
+    EXPECT_THAT(page, HasSubstr("\"pointCount\":4,\"reference\":1,"));
+    // A mirrored map is the same map.
+    EXPECT_THAT(page, HasSubstr("<td>0.000</td><td>100.0 %</td>"));
+    ComparisonEntry stranger = first;
+    genes.names = {"X", "Y", "Z"};
+    stranger.map.rows = std::make_shared<const ComparedGenes>(genes);
+    const std::string strange = write(path_, {first, stranger}).page;
+    EXPECT_THAT(strange, HasSubstr("It lies as it is: it has too few genes in common"));
+    EXPECT_THAT(strange, Not(HasSubstr("(Procrustes)")));
 }
 
 TEST_F(ComparisonTest, OfNoRunsIsAPage) {
@@ -183,9 +211,35 @@ TEST_F(CollectReports, MakesAPageOfRunsByTheirPerplexity) {
     EXPECT_LT(first, second);
     EXPECT_THAT(page, HasSubstr("40 rows, 7 columns"));
     EXPECT_THAT(page, HasSubstr("exact t-SNE"));
-    EXPECT_THAT(page, HasSubstr("trustworthiness 0.9000, 25.0 % kept"));
+    EXPECT_THAT(page, HasSubstr("<td>0.9000</td>"));
+    EXPECT_THAT(page, HasSubstr("<td>25.0 %</td>"));
     EXPECT_THAT(page, HasSubstr("\"./../a.png\""));
     EXPECT_THAT(page, Not(HasSubstr("a.html")));
+}
+
+TEST_F(CollectReports, TakesTheMapsOfTheResultTables) {
+    const auto table_of = [this](const std::string& name, const std::string& places) {
+        directory_.write(name + ".csv",
+                         "name,data in xaxis,data in yaxis,size,group,what\n" + places);
+        return directory_.write(name + ".json",
+                                R"({"input": {"rows": 3, "columns": 7},
+                "options": {"title": "Yeast"}, "runs": [{"perplexity": 5, "last_iteration": 20,
+                "final_cost": 0.5, "quality": [], "seconds": {"similarities": 0.25, "fitting": 1,
+                "results": 1}, "files": [{"what": "Result table", "path": ")" +
+                                    name + R"(.csv", "failure": null}]}]})");
+    };
+    const std::string first = table_of("a",
+                                       "A,0,0,1,Group:1:2,\"kinase\"\nB,1,0,1,Group:1:2,\"\"\n"
+                                       "C,0,3.5,1,Group:1:2,\"\"\n");
+    const std::string second = table_of("b",
+                                        "C,0,-3.5,1,Group:1:2,\"\"\nB,1,0,1,Group:1:2,\"\"\n"
+                                        "A,0,0,1,Group:1:2,\"kinase\"\n");
+    EXPECT_EQ(collect({first, second}), Success);
+    const std::string page = test::read_file(page_);
+    EXPECT_THAT(page,
+                HasSubstr("\"names\":[\"A\",\"B\",\"C\"],\"functions\":[\"kinase\",\"\",\"\"]"));
+    EXPECT_THAT(page, HasSubstr("<td>0.000</td><td>100.0 %</td>"));
+    EXPECT_THAT(page, HasSubstr("<td>1.25</td>"));
 }
 
 TEST_F(CollectReports, RefusesWhatIsNoReport) {
