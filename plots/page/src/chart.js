@@ -34,7 +34,7 @@ function createPainter(element, model, store, frame, viewport) {
   const front = createOverlays(element, () => ({ plot: frame.plot() }), 'axes', false);
 
   function fitLook() {
-    const wanted = wantedLook(visibleCount(), store.get());
+    const wanted = wantedLook(visibleCount(), frame.plot(), store.get());
     const isSame = look && ['shapes', 'size', 'opacity'].every((name) => look[name] === wanted[name]);
     if (isSame && marked === list) return;
     look = wanted;
@@ -64,7 +64,7 @@ function createPainter(element, model, store, frame, viewport) {
 
   return {
     visibleCount,
-    look: () => ({ ...(look ?? wantedLook(0, store.get())), means: drawing.means() }),
+    look: () => ({ ...(look ?? wantedLook(0, frame.plot(), store.get())), means: drawing.means() }),
     list: () => list,
     /** Works out anew which points are drawn, and how. */
     renew() {

@@ -28,8 +28,8 @@ const LEAST_LEGEND = 200;
 const MOST_SHAPES = 20000;
 const LEAST_SHAPE = 5;
 
-function pictureLook(count, state) {
-  const look = wantedLook(count, state);
+function pictureLook(count, plot, state) {
+  const look = wantedLook(count, plot, state);
   return count > MOST_SHAPES ? look : { ...look, shapes: true, size: Math.max(look.size, LEAST_SHAPE * state.pointSize) };
 }
 
@@ -54,7 +54,7 @@ function pictureScene(chart, model, state) {
     : fitWindow(chart.view(), plot.width, plot.height, 0);
   const list = createLister(model)(state);
   const points = model.pointsOf(state);
-  const look = pictureLook(countInWindow(points, view), state);
+  const look = pictureLook(countInWindow(points, view), plot, state);
   return {
     state,
     ink,

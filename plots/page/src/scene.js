@@ -30,9 +30,14 @@ export function marksOf(list, styles, look, ink) {
   return marks;
 }
 
-/** The look of so many points in the size and strength that the reader wants. */
-export const wantedLook = (count, { pointSize, pointOpacity }) =>
-  lookOf(count, { size: pointSize, opacity: pointOpacity });
+/** The plot, in square pixels, for which looks are made; points on a smaller one crowd as more would. */
+const USUAL_PLOT = 400000;
+
+/** The look of so many points on a plot, in the size and strength that the reader wants. */
+export function wantedLook(count, { width, height }, { pointSize, pointOpacity }) {
+  const crowd = count * Math.max(USUAL_PLOT / (width * height), 1);
+  return lookOf(crowd, { size: pointSize, opacity: pointOpacity });
+}
 
 /**
  * Draws what lies beneath the points.
