@@ -19,13 +19,9 @@ namespace {
 /// hold.
 constexpr double kLargest = 1e300;
 
-/// What rounding may leave of distances that are computed as differences, as a share of the
-/// largest.
-constexpr double kRounding = 1e-10;
-
-/// The same of a root of such a difference, in the place of the 0 on the diagonal, which nothing is
-/// computed with.
-constexpr double kRoundingOfRoot = 1e-6;
+/// What rounding may leave of distances that are computed as differences or as roots of them, in
+/// single precision too, as a share of the largest.
+constexpr double kRounding = 1e-6;
 
 class DistanceCheck {
   public:
@@ -103,7 +99,7 @@ class DistanceCheck {
                    "the distance " + shortest_text(value) + " is negative",
                    "Distances are needed, not similarities: 1 - r makes one of a correlation.");
         }
-        if (row == column && value > kRoundingOfRoot * largest_) {
+        if (row == column && value > kRounding * largest_) {
             refuse(row,
                    column,
                    "the distance of the row from itself is " + shortest_text(value) + ", not 0",

@@ -12,6 +12,13 @@ namespace ovik {
 
 namespace {
 
+constexpr std::pair<const char*, MissingPolicy> kPolicyNames[] = {
+    {"zero", MissingPolicy::Zero},
+    {"row-mean", MissingPolicy::RowMean},
+    {"column-mean", MissingPolicy::ColumnMean},
+    {"drop", MissingPolicy::Drop},
+    {"error", MissingPolicy::Error}};
+
 constexpr std::size_t kListed = 3;
 
 std::size_t count_affected(const std::vector<std::size_t>& counts) {
@@ -122,18 +129,21 @@ void fill_in_column_means(const MissingCounts& missing,
 }  // namespace
 
 std::optional<MissingPolicy> missing_policy(const std::string& name) {
-    static constexpr std::pair<const char*, MissingPolicy> kNames[] = {
-        {"zero", MissingPolicy::Zero},
-        {"row-mean", MissingPolicy::RowMean},
-        {"column-mean", MissingPolicy::ColumnMean},
-        {"drop", MissingPolicy::Drop},
-        {"error", MissingPolicy::Error}};
-    for (const auto& [known, policy] : kNames) {
+    for (const auto& [known, policy] : kPolicyNames) {
         if (name == known) {
             return policy;
         }
     }
     return std::nullopt;
+}
+
+std::string policy_name(MissingPolicy policy) {
+    for (const auto& [name, known] : kPolicyNames) {
+        if (policy == known) {
+            return name;
+        }
+    }
+    return "";
 }
 
 MissingCounts count_missing(const InspectedMatrix& matrix) {

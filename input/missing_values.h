@@ -33,6 +33,9 @@ enum class MissingPolicy {
 /// embedded lacks no value.
 OVIK_API std::optional<MissingPolicy> missing_policy(const std::string& name);
 
+/// The name of a policy; empty for `Leave`.
+std::string policy_name(MissingPolicy policy);
+
 /// The missing values of a matrix: how many there are in all, in each row and in each column.
 struct MissingCounts {
     std::size_t count = 0;

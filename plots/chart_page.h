@@ -15,11 +15,13 @@ namespace ovik {
 
 /// Where the parts of a chart page go.
 struct ChartLayout {
-    /// Room around the plot in pixels: top, right, bottom, left.
+    /// The most room around the plot in pixels: top, right, bottom, left. Axes and legend take what
+    /// they need of it.
     std::vector<int> margins;
     /// Width of the legend in pixels.
     int legend_width = 0;
-    /// Degrees by which tick labels of the x axis are turned.
+    /// Degrees by which tick labels of the x axis may be turned; the page has as many as fit side by
+    /// side.
     int x_tick_turn = 0;
     /// Degrees by which the title of the y axis is turned.
     int y_title_turn = 0;

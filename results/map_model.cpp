@@ -109,6 +109,7 @@ void visit_members(Model& model, Options& options, Visitor&& visit) {
     visit(model.perplexity);
     visit(model.row_names);
     visit(model.column_names);
+    visit(model.missing);
     visit(model.transformations);
     visit(model.column_means);
     visit(model.subtracted);

@@ -19,7 +19,7 @@
 ///         options                                  list of texts, name and value in turn
 ///         perplexity                               real
 ///         names of the rows, of the columns        lists of texts
-///         transformations                          text
+///         policy of missing values, transformations  texts
 ///         means, subtracted, divisors              lists of reals
 ///         centres                                  list of reals
 ///         factor, largest nearest distance         reals
@@ -40,6 +40,8 @@ struct MapModel {
     std::vector<std::string> row_names;
     /// One per column; empty if the matrix named none.
     std::vector<std::string> column_names;
+    /// What became of missing values, as `missing_policy` names it; empty if nobody chose.
+    std::string missing;
     /// What was done to the values once they were read, such as "log1p"; empty for nothing.
     std::string transformations;
     /// The mean of each column as it was read, once no value was missing.

@@ -28,8 +28,7 @@ ColumnScale scale_of(MatrixView<const double> values, std::size_t column, double
             is_empty = false;
         }
     }
-    // Parts of each, so that the range of the largest numbers is finite.
-    return {low, high / last_code - low / last_code};
+    return {low, (high - low) / last_code};
 }
 
 std::uint32_t code_of(double value, const ColumnScale& scale, std::uint32_t last_code) {
@@ -39,8 +38,7 @@ std::uint32_t code_of(double value, const ColumnScale& scale, std::uint32_t last
     if (scale.step == 0.0) {
         return 0;
     }
-    // Halves, so that the difference of the largest numbers is finite.
-    const double code = std::round((value / 2.0 - scale.low / 2.0) / scale.step * 2.0);
+    const double code = std::round((value - scale.low) / scale.step);
     return static_cast<std::uint32_t>(
         std::min(std::max(code, 0.0), static_cast<double>(last_code)));
 }

@@ -33,9 +33,12 @@ struct QuantisedMatrix {
     std::string filled;
 };
 
+/// Most bytes of codes that a chart page takes; as text they are a third more.
+inline constexpr std::size_t kMostPageBytes = 8'000'000;
+
 /// Brings values into that form.
 ///
-/// @param values   rows x columns
+/// @param values   rows x columns; those of a column no farther apart than `double` reaches
 /// @param columns  their names; none for "column 1", "column 2" and so on
 /// @param bits     8 or 16
 /// @param filled   for each value, row after row, whether it is filled in; empty for none

@@ -165,6 +165,9 @@ FitReport fit_into(MatrixView<double> Y,
     FitReport report;
     const std::clock_t start = std::clock();
     Stopwatch watch;
+    if (options.start == StartKind::Given) {
+        report.start_remark = extent_remark(hooks.start);
+    }
     report.scale = prepare_input(X, options.metric);
     std::optional<Rows> rows(std::in_place, X, options, hooks, report);
     const bool has_graph = hooks.wants_neighbours || rows->needNeighbours();

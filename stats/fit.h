@@ -58,6 +58,9 @@ struct FitReport {
     double final_cost = 0.0;
     /// How the input was centred and scaled; without means where it holds distances.
     InputScale scale;
+    /// What is unusual about the places of a start that was given (`FitHooks::start`); mostly
+    /// empty.
+    std::string start_remark;
     /// The share of the variance that principal components keep, if they stand for the columns.
     std::optional<double> variance_kept;
     /// Empty unless `wants_neighbours`, and where the method searches for none.

@@ -5,6 +5,7 @@
 
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/schedule.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 
@@ -68,6 +69,19 @@ void refuse_without_effect(const FitOptions& options,
         " out, or " +
         (bar->cure.empty() ? "the other one" : way_to(options, source, bar->other, bar->cure)) +
         ".");
+}
+
+/// Refuses a gain below which a fit is to end if it ends before costs are compared.
+void check_stop(const FitOptions& options, const OptionSource& source) {
+    const long long first = Schedule(options, 1).firstPossibleStop();
+    if (options.stop_when <= 0.0 || first < options.max_iter) {
+        return;
+    }
+    throw InputError(spelled(options, source, "stop_when") + " has no effect beside " +
+                     spelled(options, source, "max_iter") +
+                     ": gains are looked at from iteration " + std::to_string(first) +
+                     " on, when exaggeration has ended\nRun longer than that, or leave " +
+                     spelled(options, source, "stop_when") + " out.");
 }
 
 void check_neighbours(const FitOptions& options, std::size_t rows, const OptionSource& source) {
@@ -151,6 +165,7 @@ OptionSource source_of(const FitOptions& options) {
 void check_options_together(const FitOptions& options, const OptionSource& source) {
     visit_fit_options(
         options, [&](const auto& option) { refuse_without_effect(options, source, option.words); });
+    check_stop(options, source);
     if (options.metric == MetricKind::Precomputed && options.start == StartKind::Pca) {
         throw InputError(spelled(options, source, "start") + " does not go with " +
                          spelled(options, source, "metric") +

@@ -94,6 +94,6 @@ OVIK_API bool bars_placement(std::string_view option_name, std::string_view valu
 /// all rows is unlike any of them.
 ///
 /// @param rows  finite; at least 2
-double largest_nearest_distance(MatrixView<const double> rows);
+OVIK_API double largest_nearest_distance(MatrixView<const double> rows);
 
 }  // namespace ovik

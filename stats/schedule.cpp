@@ -62,6 +62,12 @@ bool Schedule::isMark(int iteration) const {
     return iteration >= std::max(endOfExaggeration(), 0) && iteration % kBetweenMarks == 0;
 }
 
+long long Schedule::firstPossibleStop() const {
+    const long long end = std::max(endOfExaggeration(), 0);
+    const long long first_mark = (end + kBetweenMarks - 1) / kBetweenMarks * kBetweenMarks;
+    return first_mark + kBetweenMarks;
+}
+
 bool Schedule::isSettled(int iteration, double cost, double marked_cost) const {
     return options_.stop_when > 0.0 && isMark(iteration) &&
            marked_cost - cost < cost * options_.stop_when;

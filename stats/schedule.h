@@ -58,6 +58,9 @@ class Schedule {
     /// iteration, from the end of exaggeration on.
     [[nodiscard]] bool isMark(int iteration) const;
 
+    /// The first iteration with which `stop_when` may end a fit: that of the second mark.
+    [[nodiscard]] long long firstPossibleStop() const;
+
     /// Whether a fit is to end with an iteration, because the cost has gained less than `stop_when`
     /// times itself since the mark before.
     ///

@@ -94,6 +94,9 @@ LoadedMatrix load_rows(const Options& options, const MapModel& model) {
     Options like_the_map = options;
     like_the_map.load.transformations = transformations_for(options, model);
     like_the_map.load.known_columns = &columns;
+    if (!options.load.missing) {
+        like_the_map.load.missing = missing_policy(model.missing);
+    }
     like_the_map.fit.metric = metric_of(options.onto, model);
     check_constant_rows(options, like_the_map.fit.metric);
     return load_matrix(like_the_map);

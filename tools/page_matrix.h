@@ -10,9 +10,6 @@
 
 namespace ovik::tool {
 
-/// Most bytes of values in a chart page; as text they are a third more.
-inline constexpr std::size_t kMostPageBytes = 8'000'000;
-
 /// The bytes of the values that the chart page takes along; 0 if it has none, because none are
 /// wanted, they are distances, or there are too many.
 ///

@@ -74,6 +74,7 @@ MapModel model_of_run(const TSNE<T>& tsne, const Options& options, const KnownCo
     model.perplexity = tsne.perplexity;
     model.row_names = tsne.row_names;
     model.column_names = columns.names;
+    model.missing = options.load.missing ? policy_name(*options.load.missing) : "";
     model.transformations = tsne.transformations;
     model.column_means = columns.means;
     model.subtracted = columns.subtracted;

@@ -74,7 +74,7 @@ embed <- function(x, options, preset, labels, threads, verbose, call) {
   values <- x
   storage.mode(values) <- "double"
   fit <- .Call(C_embed, values, options, start, threads, verbose)
-  if (nzchar(fit$threads_note)) warning(fit$threads_note, call. = FALSE)
+  for (note in c(fit$threads_note, fit$start_note)) if (nzchar(note)) warning(note, call. = FALSE)
 
   dimnames(fit$Y) <- list(rownames(x), paste0("tsne", seq_len(ncol(fit$Y))))
   result <- structure(

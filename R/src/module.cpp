@@ -172,6 +172,7 @@ cpp11::writable::list as_list(const Outcome& outcome, std::size_t rows, int dims
     result.push_back({"costs"_nm = cpp11::writable::doubles(report.costs)});
     result.push_back({"iteration"_nm = report.reached.iteration});
     result.push_back({"threads_note"_nm = outcome.threads_note});
+    result.push_back({"start_note"_nm = report.start_remark});
     return result;
 }
 

@@ -7,12 +7,13 @@ import os
 import tempfile
 import warnings
 from collections.abc import Iterable, Mapping
-from typing import TYPE_CHECKING, Any
+from typing import TYPE_CHECKING, Any, Literal
 
 from numpy.typing import ArrayLike
 
 from . import _core
-from ._shown import entries_of_rows, shown_map, texts_of
+from ._input import as_input
+from ._shown import ShownMap, entries_of_rows, shown_map, texts_of
 
 if TYPE_CHECKING:
     from ._tsne import TSNE
@@ -67,6 +68,8 @@ def page(
     tsne: TSNE | ArrayLike,
     labels: Iterable[Any] | None = None,
     *,
+    matrix: Any = None,
+    page_data: Literal["small", "full"] = "full",
     names: Iterable[str] | None = None,
     functions: Iterable[str] | None = None,
     title: str = "",
@@ -82,6 +85,12 @@ def page(
     labels : iterable of length n_samples, optional
         What colours the points, by groups. As names and functions, a Series or a dict finds its rows
         by name where the map has names; rows that a dict leaves out have none.
+    matrix : Matrix, data frame or array-like of shape (n_samples, n_features), optional
+        The values of the rows, which the page then shows, colours and compares genes by, in the
+        metric of the map; as they were fitted, in the order of the map. NaN is a missing value.
+    page_data : {"full", "small"}, default "full"
+        How exactly the page has them: by 16 bits, to 1/131068 of the range of their column, up to
+        4,000,000 values; or by 8, to 1/508, up to 8,000,000.
     names : iterable of str, optional
         Of the rows. By default those of the matrix or table that was fitted, else ``"1"``, ``"2"``
         and so on.
@@ -104,7 +113,8 @@ def page(
     ------
     ValueError
         If there is no embedding, another number of names, labels or functions than of rows, or none
-        of the name of a row; if no gene of a set is that of a row.
+        of the name of a row; if the matrix has other rows, or too many values for a page; if no gene of a
+        set is that of a row.
 
     Warns
     -----
@@ -130,6 +140,8 @@ def page(
         "functions": _list_of_bytes(entries_of_rows("functions", functions, keys, count)),
         "sets": _rows_of_sets(sets or {}, row_names),
         "parameters": shown.parameters,
+        "matrix": _form_of(matrix, page_data, shown),
+        "metric": _metric_of(tsne),
     }
     return Page(_core.page(shown.embedding, texts), height)
 
@@ -152,6 +164,30 @@ def _rows_of_sets(
             )
         rows_of_sets.append((_as_bytes(str(name)), sorted({row for rows in found for row in rows})))
     return rows_of_sets
+
+
+def _metric_of(tsne: Any) -> str:
+    """The metric by which the rows of a map are compared; distances had one that is not known."""
+    metric = str(getattr(tsne, "metric", "euclidean"))
+    return "euclidean" if metric == "precomputed" else metric
+
+
+def _form_of(matrix: Any, page_data: str, shown: ShownMap) -> dict[str, Any] | None:
+    """The matrix with the names of its columns, for the module."""
+    if page_data not in ("small", "full"):
+        raise ValueError(f"page_data should be 'small' or 'full', not {page_data!r}")
+    if matrix is None:
+        return None
+    given = as_input(matrix, fewest_rows=1)
+    if len(given.values) != len(shown.embedding):
+        raise ValueError(
+            f"matrix should have one row per row of the map, {len(shown.embedding)}, not {len(given.values)}"
+        )
+    index = None if given.index is None else [str(key) for key in given.index]
+    if index is not None and shown.keys is not None and index != shown.keys:
+        raise ValueError("matrix should have the rows of the map in their order: their names differ")
+    columns = [] if given.feature_names is None else [_as_bytes(name) for name in given.feature_names]
+    return {"values": given.values, "columns": columns, "bits": 8 if page_data == "small" else 16}
 
 
 def _as_bytes(text: str) -> bytes:

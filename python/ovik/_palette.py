@@ -10,6 +10,15 @@ COLOURS = (
 # Circle, triangle, square, diamond, downward triangle, plus, cross, star.
 MARKERS = ("o", "^", "s", "D", "v", "P", "X", "*")
 
+# Of labels that say that a point belongs to none of the others, which lie beneath.
+GREY = "#b4bcc4"
+_NO_LABELS = {"", "other", "none", "na", "unknown"}
+
+
+def is_no_label(label: str) -> bool:
+    """Whether a label says that."""
+    return label.strip().lower() in _NO_LABELS
+
 
 def style_of(category: int) -> tuple[str, str]:
     """Colour and marker of a label; the first eight differ in both, the first 64 in one of them."""

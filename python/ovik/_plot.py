@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from ._palette import style_of
+from ._palette import GREY, is_no_label, style_of
 from ._shown import entries_of_rows, shown_map, texts_of
 
 if TYPE_CHECKING:
@@ -115,6 +115,11 @@ def _draw(ax: Any, x: Any, y: Any, category: int, area: float, label: str) -> No
     ax.scatter(x, y, s=area, color=colour, marker=marker, linewidths=0, alpha=0.8, label=label)
 
 
+def _draw_grey(ax: Any, x: Any, y: Any, area: float, label: str) -> None:
+    """Points that lie beneath all others."""
+    ax.scatter(x, y, s=area, color=GREY, linewidths=0, alpha=0.8, label=label, zorder=0.9)
+
+
 def _draw_scale(ax: Any, x: Any, y: Any, numbers: Any, area: float, legend: bool) -> None:
     from matplotlib import colormaps
 
@@ -128,12 +133,15 @@ def _draw_scale(ax: Any, x: Any, y: Any, numbers: Any, area: float, legend: bool
 
 
 def _draw_groups(ax: Any, x: Any, y: Any, labels: list[str], area: float, legend: bool) -> None:
-    groups = list(dict.fromkeys(labels))
+    groups = sorted(dict.fromkeys(labels), key=is_no_label)
     numbers = {group: number for number, group in enumerate(groups)}
     group_of = np.array([numbers[label] for label in labels])
     for number, group in enumerate(groups):
         rows = group_of == number
-        _draw(ax, x[rows], y[rows], number, area, group or "(no label)")
+        if is_no_label(group):
+            _draw_grey(ax, x[rows], y[rows], area, group or "(no label)")
+        else:
+            _draw(ax, x[rows], y[rows], number, area, group)
     if legend:
         handles, names = ax.get_legend_handles_labels()
         hidden = len(handles) - _MOST_LEGEND_ENTRIES

@@ -11,6 +11,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
+from ._agreement import Agreement
 from ._input import (
     Input,
     as_input,
@@ -22,6 +23,7 @@ from ._input import (
 from ._matrix import Matrix
 from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out, require_fitted
 from ._parameters import DESCRIPTIONS, FitParameters
+from ._placement import warn_of_distant
 from ._settings import (
     PRESETS,
     is_default,
@@ -70,6 +72,9 @@ class TSNE(FitParameters):
     quality : int, default None
         How many nearest neighbours of each row `trustworthiness_` and `knn_recall_` are about, less
         than half of n_samples. None leaves them unmeasured.
+    seeds : int, default 1
+        How many fits are made, from `seed` and the seeds that follow, on one neighbour search. The map of
+        lowest cost is kept. Only with a random start, and without callbacks.
     n_jobs : int or None, default -1
         Threads; -1 for one per core, or what ``OMP_NUM_THREADS`` says, -2 for one fewer than cores,
         and so on; None for one. They change the time, never the result.
@@ -91,7 +96,11 @@ class TSNE(FitParameters):
     n_iter_ : int
         The iteration done last.
     seed_ : int
-        The seed that was used.
+        The seed that was used; of several, the one whose map was kept.
+    seed_costs_ : dict of int to float
+        The cost of the map of each seed; only with several `seeds`.
+    seed_agreement_ : Agreement
+        How far the maps of the seeds agree, as `agreement` measures it; only with several `seeds`.
     learning_rate_ : float
         The learning rate of the last step; "auto" changes it with the exaggeration.
     trustworthiness_, knn_recall_ : float
@@ -205,6 +214,12 @@ class TSNE(FitParameters):
         ndarray of shape (n_rows, n_components)
             The places; after ``set_output(transform="pandas")`` a data frame with the index of X.
 
+        Warns
+        -----
+        UserWarning
+            Of rows that are farther from all rows of the fit than any of these from its nearest, and of
+            rows for which no place is better than one infinitely far away: such places mean nothing.
+
         Raises
         ------
         ValueError
@@ -225,7 +240,11 @@ class TSNE(FitParameters):
             given, self.n_features_in_, getattr(self, "feature_names_in_", None)
         )
         check_finite(values)
-        places = _core.place(values, self.embedding_, self._map, thread_count(self.n_jobs))
+        threads = thread_count(self.n_jobs)
+        places, distances, is_lost = _core.place(values, self.embedding_, self._map, threads)
+        if "reach" not in self._map:
+            self._map["reach"] = _core.reach(self._map["input"], threads)
+        warn_of_distant(given.index, distances, self._map["reach"], is_lost)
         result: NDArray[np.float64] = contained(
             places, container, given.index, self.get_feature_names_out()
         )
@@ -313,7 +332,7 @@ class TSNE(FitParameters):
         n_samples, n_features = given.values.shape
         start = start_of(self.init, (n_samples, self.n_components), given.index)
         options = self._settled_options(n_samples, n_features, start is not None)
-        manner = self._checked_manner(n_samples, start)
+        manner = self._checked_manner(n_samples, start, options["init"])
         check_finite(given.values)
         if options["perplexity"] is not None:
             check_perplexity(options["perplexity"], n_samples)
@@ -322,7 +341,7 @@ class TSNE(FitParameters):
         outcome = _core.embed(given.values, options, manner)
         # Warnings come last: where they are errors, the embedding is not lost.
         self._take_over(given, options, outcome)
-        for note in (outcome["note"], outcome["neighbours_note"]):
+        for note in (outcome["note"], outcome["neighbours_note"], outcome["start_note"]):
             if note:
                 warnings.warn(note, stacklevel=3)
         if outcome["is_interrupted"] and outcome["iteration"] < options["n_iter"]:
@@ -349,7 +368,7 @@ class TSNE(FitParameters):
         return options
 
     def _checked_manner(
-        self, n_samples: int, start: NDArray[np.float64] | None
+        self, n_samples: int, start: NDArray[np.float64] | None, kind_of_start: str
     ) -> dict[str, Any]:
         """How the fit is made, beside its options."""
         return {
@@ -358,12 +377,24 @@ class TSNE(FitParameters):
             "init": start,
             "neighbours": neighbour_graph_of(self.neighbour_graph, n_samples, self.metric),
             "quality": quality_neighbours(self.quality, n_samples),
+            "seeds": self._checked_seeds(kind_of_start),
             "callback": one_callback(self.callbacks),
             "callback_every": whole_number(
                 "callbacks_every_iters", self.callbacks_every_iters, 1, _LARGEST_INT
             ),
             "keeps_interrupted": one_of("on_interrupt", self.on_interrupt, ("raise", "keep")) == "keep",
         }
+
+    def _checked_seeds(self, kind_of_start: str) -> int:
+        seeds = whole_number("seeds", self.seeds, 1, 1000)
+        if seeds > 1 and self.callbacks is not None:
+            raise ValueError(f"seeds={seeds}: callbacks follow one fit\nLeave one of them out.")
+        if seeds > 1 and kind_of_start != "random":
+            raise ValueError(
+                f"seeds={seeds}: every seed has the same start, and so the same map, where init is not "
+                '"random"\nLeave seeds out, or give init="random".'
+            )
+        return seeds
 
     def _warn_of_interruption(self, iteration: int, is_past_exaggeration: bool) -> None:
         text = f"the fit was interrupted at iteration {iteration} of {self.n_iter}, and is kept so"
@@ -377,7 +408,7 @@ class TSNE(FitParameters):
         self.kl_divergence_ = outcome["cost"]
         self.costs_ = outcome["costs"]
         self.n_iter_ = outcome["iteration"]
-        self.seed_ = int(options["seed"])
+        self.seed_ = outcome["seed"]
         self.learning_rate_ = outcome["learning_rate"]
         self.n_features_in_ = given.values.shape[1]
         self._map = outcome["map"]
@@ -386,6 +417,8 @@ class TSNE(FitParameters):
         self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (
+            ("seed_costs_", dict(outcome["seeds"][0]) if outcome["seeds"] else None),
+            ("seed_agreement_", Agreement(*outcome["seeds"][1:]) if outcome["seeds"] else None),
             ("trustworthiness_", outcome["trustworthiness"]),
             ("knn_recall_", outcome["knn_recall"]),
             ("feature_names_in_", given.feature_names),

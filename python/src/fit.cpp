@@ -15,6 +15,7 @@
 #include "stats/given_neighbours.h"
 #include "stats/run_caption.h"
 #include "stats/schedule.h"
+#include "stats/seed_fits.h"
 #include "util/console.h"
 #include "util/threads.h"
 
@@ -66,6 +67,24 @@ bool goes_on(const FitState& state,
     return !stops && !outcome.is_interrupted;
 }
 
+/// The fit of lowest cost of several seeds.
+Fit fit_seeds(MatrixView<double> X,
+              const FitOptions& options,
+              const FitManner& manner,
+              const FitHooks& hooks) {
+    Fit kept;
+    const auto dims = static_cast<std::size_t>(options.out_dims);
+    kept.embedding.resize(X.rows * dims);
+    const MatrixView<double> Y{kept.embedding.data(), X.rows, dims};
+    kept.report = fit_seeds_into(Y, X, options, {.count = manner.seeds}, hooks);
+    return kept;
+}
+
+/// The seed of the map that was kept.
+int seed_of(const FitOptions& options, const FitReport& report) {
+    return report.seeds ? report.seeds->runs[report.seeds->kept].seed : options.seed;
+}
+
 /// @param X  as the fit left it: prepared for the metric, as the command has it
 NeighbourhoodQuality quality_of(MatrixView<const double> X,
                                 const Fit& fit,
@@ -110,7 +129,9 @@ Outcome run_fit(MatrixView<const double> points,
             print_components(options.pca, static_cast<int>(points.columns), share);
         };
     }
-    outcome.fit = fit({X.get(), points.rows, points.columns}, options, hooks);
+    outcome.fit = manner.seeds > 1
+                      ? fit_seeds({X.get(), points.rows, points.columns}, options, manner, hooks)
+                      : fit({X.get(), points.rows, points.columns}, options, hooks);
     if (manner.verbose) {
         print_end_of_iterations(outcome.fit.report.reached);
         print_fitting_time(outcome.fit.report.fitting_clock);
@@ -120,7 +141,9 @@ Outcome run_fit(MatrixView<const double> points,
     const int last = outcome.fit.report.reached.iteration;
     outcome.learning_rate = schedule.learningRate(last);
     outcome.is_past_exaggeration = last >= schedule.endOfExaggeration();
-    outcome.caption = caption_parameters(options, points.rows, points.columns, outcome.fit.report);
+    FitOptions kept = options;
+    kept.seed = outcome.seed = seed_of(options, outcome.fit.report);
+    outcome.caption = caption_parameters(kept, points.rows, points.columns, outcome.fit.report);
     if (manner.quality_neighbours > 0) {
         outcome.quality = quality_of({X.get(), points.rows, points.columns},
                                      outcome.fit,

@@ -28,6 +28,8 @@ struct FitManner {
     /// How many nearest neighbours of each row the quality is measured for, less than half the
     /// rows; 0: it is not measured.
     std::size_t quality_neighbours = 0;
+    /// How many seeds, from that of the options on, are fitted to keep the map of lowest cost.
+    int seeds = 1;
     /// Sees the states of some iterations and of the last one; true ends the fit. May be empty.
     std::function<bool(const FitState&)> callback = {};
     /// The callback is called with every iteration that this number divides.
@@ -44,6 +46,8 @@ struct Outcome {
     std::optional<NeighbourhoodQuality> quality;
     /// Whether the fit was interrupted, and its map wanted all the same.
     bool is_interrupted = false;
+    /// That of the map.
+    int seed = 0;
     /// Of the last step; the automatic rate changes with the exaggeration.
     double learning_rate = 0.0;
     /// Whether no affinity is exaggerated any more.

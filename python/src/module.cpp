@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -106,6 +107,22 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
                     "barring"_a = barring);
 }
 
+/// What fits of several seeds came to: seed and cost of each, disparity and shared neighbours of
+/// their maps, NaN where there are none; None of one seed.
+py::object described_seeds(const std::optional<SeedReport>& seeds) {
+    if (!seeds) {
+        return py::none();
+    }
+    py::list runs;
+    for (const SeedRun& run : seeds->runs) {
+        runs.append(py::make_tuple(run.seed, run.final_cost));
+    }
+    const double none = std::nan("");
+    return py::make_tuple(runs,
+                          seeds->agreement ? seeds->agreement->disparity : none,
+                          seeds->agreement ? seeds->agreement->shared_neighbours : none);
+}
+
 /// What became of a fit, by name.
 ///
 /// @param outcome  its input is taken
@@ -120,6 +137,8 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "cost"_a = report.final_cost,
         "costs"_a = Array(static_cast<py::ssize_t>(report.costs.size()), report.costs.data()),
         "iteration"_a = report.reached.iteration,
+        "seed"_a = outcome.seed,
+        "seeds"_a = described_seeds(report.seeds),
         "learning_rate"_a = outcome.learning_rate,
         "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
@@ -128,6 +147,7 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,
         "note"_a = outcome.threads_note,
+        "start_note"_a = report.start_remark,
         "neighbours_note"_a = outcome.neighbours_note);
 }
 
@@ -168,7 +188,7 @@ MatrixView<const double> view_of(const Array& array) {
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
-///                callback (a function or None), callback_every, keeps_interrupted
+///                callback (a function or None), callback_every, keeps_interrupted, seeds
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points = view_of(X);
     const FitOptions options = settled_options(arguments);
@@ -183,6 +203,7 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
         given_neighbours(manner["neighbours"], points.rows);
     chosen.neighbours = neighbours ? &*neighbours : nullptr;
     chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
+    chosen.seeds = manner["seeds"].cast<int>();
     chosen.callback_every = manner["callback_every"].cast<int>();
     chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();
     WaitingThread waiting(chosen.keeps_interrupted);
@@ -202,8 +223,9 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
 }
 
 /// @param map  as `described_map` gave it
-/// @return the places of the rows, rows x output dimensions
-Array place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
+/// @return the places of the rows, rows x output dimensions, how far each is from the nearest row
+/// of the map, and whether its place is no better than one infinitely far away
+py::tuple place(const Array& X, const Array& embedding, const py::dict& map, int threads) {
     const auto input = map["input"].cast<Array>();
     const InputScale scale{map["centres"].cast<std::vector<double>>(),
                            map["factor"].cast<double>()};
@@ -217,7 +239,40 @@ Array place(const Array& X, const Array& embedding, const py::dict& map, int thr
         set_thread_count(threads);
         return place_rows(finished, rows);
     });
-    return Array({X.shape(0), embedding.shape(1)}, placed.embedding.data());
+    const double nowhere = cost_of_no_place(finished.input.rows, finished.perplexity);
+    std::vector<bool> is_lost;
+    for (const double cost : placed.costs) {
+        is_lost.push_back(cost >= nowhere);
+    }
+    return py::make_tuple(Array({X.shape(0), embedding.shape(1)}, placed.embedding.data()),
+                          Array(static_cast<py::ssize_t>(placed.nearest_distances.size()),
+                                placed.nearest_distances.data()),
+                          is_lost);
+}
+
+/// The largest distance of a row of a fit from its nearest.
+double reach(const Array& input, int threads) {
+    const MatrixView<const double> rows = view_of(input);
+    return in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
+        set_thread_count(threads);
+        return largest_nearest_distance(rows);
+    });
+}
+
+/// @throws std::invalid_argument if there are too many values for a page
+QuantisedMatrix matrix_of_page(const py::dict& form) {
+    const auto values = form["values"].cast<Array>();
+    const int bits = form["bits"].cast<int>();
+    const MatrixView<const double> view = view_of(values);
+    if (view.size() * static_cast<std::size_t>(bits / 8) > kMostPageBytes) {
+        const std::size_t most = kMostPageBytes / static_cast<std::size_t>(bits / 8);
+        throw std::invalid_argument(
+            "the matrix has " + std::to_string(view.size()) + " values, and a page takes up to " +
+            std::to_string(most) +
+            (bits == 16 ? ", or twice as many with page_data=\"small\"" : "") +
+            "\nLeave matrix out, or give fewer columns.");
+    }
+    return quantised(view, form["columns"].cast<std::vector<std::string>>(), bits);
 }
 
 std::string page(const Array& map, const py::dict& texts) {
@@ -231,6 +286,10 @@ std::string page(const Array& map, const py::dict& texts) {
     for (const py::handle& set : texts["sets"]) {
         const auto [name, rows] = set.cast<std::pair<std::string, std::vector<std::size_t>>>();
         shown.sets.push_back({name, rows, ""});
+    }
+    shown.metric = texts["metric"].cast<std::string>();
+    if (!texts["matrix"].is_none()) {
+        shown.matrix = matrix_of_page(texts["matrix"].cast<py::dict>());
     }
     return map_page(view_of(map), shown);
 }
@@ -325,6 +384,7 @@ PYBIND11_MODULE(_core, module) {
     module.def("embed", ovik::python::embed, "X"_a.noconvert(), "options"_a, "manner"_a);
     module.def(
         "place", ovik::python::place, "X"_a.noconvert(), "embedding"_a, "map"_a, "threads"_a);
+    module.def("reach", ovik::python::reach, "input"_a, "threads"_a);
     module.def("page", ovik::python::page, "embedding"_a.noconvert(), "texts"_a);
     module.def("find_rows", ovik::python::find_rows, "row_names"_a, "names"_a);
     module.def("available_memory", [] {

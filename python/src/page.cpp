@@ -33,6 +33,8 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
     chart.identifiers = identifiers;
     chart.sets = texts.sets;
+    chart.matrix = texts.matrix ? &*texts.matrix : nullptr;
+    chart.metric = texts.metric;
     return chart_page(chart);
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "results/gene_set.h"
+#include "results/quantised_matrix.h"
 #include "util/matrix_view.h"
 
 namespace ovik::python {
@@ -24,6 +26,10 @@ struct PageTexts {
     std::vector<GeneSet> sets;
     /// Names and values of the run's parameters.
     std::vector<std::pair<std::string, std::string>> parameters;
+    /// The values of the rows.
+    std::optional<QuantisedMatrix> matrix;
+    /// The metric by which the page compares them.
+    std::string metric = "euclidean";
 };
 
 /// The chart page of a map, as a run of the command leaves it.

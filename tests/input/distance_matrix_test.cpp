@@ -41,8 +41,9 @@ TEST(DistanceMatrix, MayBeOffByRounding) {
     EXPECT_EQ(refusal({0, 1, -1e-16, 1, 0, 3, 0, 3, 0}, 3), "");
     EXPECT_EQ(refusal({2e-8, 1, 1, 0}, 2), "");
     EXPECT_NE(refusal({2e-6, 1, 1, 0}, 2), "");
-    EXPECT_NE(refusal({0, 1, 1 + 2e-9, 0}, 2), "");
-    EXPECT_NE(refusal({0, 1, -2e-9, 1, 0, 1, -2e-9, 1, 0}, 3), "");
+    EXPECT_EQ(refusal({0, 1, 1 + 5e-7, 0}, 2), "");
+    EXPECT_NE(refusal({0, 1, 1 + 2e-6, 0}, 2), "");
+    EXPECT_NE(refusal({0, 1, -2e-6, 1, 0, 1, -2e-6, 1, 0}, 3), "");
 }
 
 TEST(DistanceMatrix, IsSquare) {

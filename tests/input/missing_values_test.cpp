@@ -38,6 +38,10 @@ TEST(MissingPolicies, HaveNames) {
     EXPECT_EQ(missing_policy("column-mean"), MissingPolicy::ColumnMean);
     EXPECT_EQ(missing_policy("drop"), MissingPolicy::Drop);
     EXPECT_EQ(missing_policy("error"), MissingPolicy::Error);
+    for (const char* const name : {"zero", "row-mean", "column-mean", "drop", "error"}) {
+        EXPECT_EQ(policy_name(*missing_policy(name)), name);
+    }
+    EXPECT_EQ(policy_name(MissingPolicy::Leave), "");
     for (const char* const name : {"", "Zero", "mean", "leave"}) {
         EXPECT_EQ(missing_policy(name), std::nullopt) << name;
     }

@@ -4,6 +4,7 @@ import { readFile, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { promisify } from 'node:util';
+import { readDataset } from '../../plots/page/src/dataset.js';
 import { startBrowser } from './support.mjs';
 
 /** Pages as the command writes them; `OVIK_TSNE` is its path. */
@@ -61,12 +62,31 @@ test('hostile names and labels are shown as they are and run nothing', async () 
   const details = await detailsOfNames(page);
   NAMES.forEach((name, row) => assert.ok(details[row].includes(name), `${name}: ${details[row]}`));
   assert.match(details[3], /cyclin-dependent/i);
-  const legend = await page.locator('#legend').textContent();
+  // Long labels are cut, and their boxes are named after all of them.
+  const legend = await page.locator('#legend li').evaluateAll((rows) => rows.map((row) =>
+    `${row.textContent} ${row.querySelector('input').getAttribute('aria-label')}`).join('\n'));
   for (const name of NAMES) {
     assert.ok(legend.includes(name), `${name}: ${legend}`);
   }
   assert.deepEqual(page.problems, []);
   assert.deepEqual(page.requests.filter((request) => request !== page.address && !request.startsWith('blob:')), []);
+});
+
+test('the page has the values of the matrix, as exactly as is asked for', async () => {
+  const expressionOf = async (options) => {
+    const results = await runCommand('values', ['--perplexity', '1.5', '--name', 'm', ...options]);
+    const [, json] = /id="chart-data">(.*?)<\/script>/s.exec(await readFile(join(results, 'm_tsne_1_5.html'), 'utf8'));
+    return readDataset(json).expression;
+  };
+  for (const [options, bound] of [[['--metric', 'pearson'], 49 / 131068], [['--page-data', 'small'], 49 / 508]]) {
+    const expression = await expressionOf(options);
+    assert.deepEqual(expression.columns, ['a', 'b', 'c']);
+    assert.equal(expression.metric, options[1] === 'pearson' ? 'pearson' : 'euclidean');
+    NAMES.forEach((_, row) => [row % 3, row * row, 5 - row].forEach((value, column) => {
+      assert.ok(Math.abs(expression.value(row, column) - value) <= bound * 1.000001);
+    }));
+  }
+  assert.equal(await expressionOf(['--page-data', 'none']), null);
 });
 
 test('the parameters of the run stand at the foot', async () => {

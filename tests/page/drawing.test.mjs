@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { after, afterEach, before, describe, test } from 'node:test';
-import { cloudData, LABEL_COLUMNS, makeData, screenPlace, smallData, startBrowser, until } from './support.mjs';
+import { readFile } from 'node:fs/promises';
+import { AXE_FILE, cloudData, LABEL_COLUMNS, makeData, screenPlace, smallData, startBrowser, until } from './support.mjs';
 
 let browser;
 let page;
@@ -33,8 +34,8 @@ const drawn = () => page.evaluate(() => new Promise((done) => {
 const pixelAt = (gene, dx = 0) => page.evaluate(([which, aside]) => {
   const canvas = document.querySelector('canvas.points');
   const [x, y] = window.ovikPage.pixelOf(which);
-  const at = (value, side) => Math.round((value - parseFloat(canvas.style[side])) * devicePixelRatio);
-  return [...canvas.getContext('2d').getImageData(at(x + aside, 'left'), at(y, 'top'), 1, 1).data];
+  const at = (value, start) => Math.round((value - start) * devicePixelRatio);
+  return [...canvas.getContext('2d').getImageData(at(x + aside, canvas.offsetLeft), at(y, canvas.offsetTop), 1, 1).data];
 }, [gene, dx]);
 const picture = async () => {
   await drawn();
@@ -202,10 +203,16 @@ describe('how points look', () => {
     for (let step = 0; step < 4; step += 1) await page.keyboard.press('ArrowRight');
     await page.locator('#pointOpacity').fill('-1');
     await until(async () => (await look()).size === 2 * first.size);
-    assert.ok(Math.abs((await look()).opacity / first.opacity - 0.5) < 1e-9);
+    await until(async () => Math.abs((await look()).opacity / first.opacity - 0.5) < 1e-9, { what: 'half of the opacity' });
     assert.equal(await page.locator('#pointSize').getAttribute('aria-valuetext'), '200 %');
     assert.notEqual(await picture(), fresh);
     await page.check('text=Numbers on the axes');
+    await page.evaluate(await readFile(AXE_FILE, 'utf8'));
+    for (const theme of ['light', 'dark']) {
+      const { violations } = await page.evaluate(() => window.axe.run());
+      assert.deepEqual(violations.map(({ id }) => id), [], theme);
+      if (theme === 'light') await page.locator('#theme').evaluate((button) => button.click());
+    }
     const numbers = ticks(await svgText());
     assert.ok(['-20', '0', '20'].every((tick) => numbers.includes(tick)), numbers.join());
   });
@@ -318,9 +325,32 @@ test('where drawing is slow and there is a graphics card, the card draws the sam
     await drawn();
   }
   assert.equal((await look()).means, 'webgl');
-  const byCard = await marks('#chart canvas:nth-of-type(2)');
+  const byCard = await marks('canvas.card-points');
   byCard.forEach((sum, part) => {
     assert.ok(Math.abs(sum - byArray[part]) <= 0.08 * byArray[part] + 2000, `part ${part}: ${sum} and ${byArray[part]}`);
   });
   assert.ok(byCard.some((sum) => sum > 10000));
+});
+
+test('on paper the chart is one light picture with all that was drawn, and the legend stands below', async () => {
+  page = await browser.open(cloudData(600), { colorScheme: 'dark' });
+  await page.evaluate(() => window.dispatchEvent(new Event('beforeprint')));
+  await page.emulateMedia({ media: 'print', colorScheme: 'dark' });
+  const paper = await page.evaluate(() => {
+    const canvas = document.querySelector('.chart-paper');
+    const { data } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+    let [blue, frame] = [0, 0];
+    for (let at = 0; at < data.length; at += 4) {
+      if (data[at + 2] > 140 && data[at] < 100) blue += 1;
+      if (data[at] === 0x93 && data[at + 2] === 0xac) frame += 1;
+    }
+    return { corner: [...data.slice(0, 4)], blue, frame };
+  });
+  assert.deepEqual(paper.corner, [255, 255, 255, 255]);
+  assert.ok(paper.blue > 1000 && paper.frame > 1000, JSON.stringify(paper));
+  const [chart, legend] = [await page.locator('.chart-paper').boundingBox(), await page.locator('#legend').boundingBox()];
+  assert.ok(legend.y >= chart.y + chart.height);
+  assert.equal(await page.locator('canvas.points').isVisible(), false);
+  await page.evaluate(() => window.dispatchEvent(new Event('afterprint')));
+  assert.equal(await page.locator('.chart-paper').count(), 0);
 });

@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import { readFile } from 'node:fs/promises';
 import { isolated } from '../../plots/page/src/label_legend.js';
-import { shortened } from '../../plots/page/src/short_labels.js';
+import { cutApart } from '../../plots/page/src/short_labels.js';
 import { AXE_FILE, cloudData, createNumbers, matrixOf, screenPlace, smallData, startBrowser, until } from './support.mjs';
 
 const LONG = 'cytoplasmic translation and ribosome biogenesis';
@@ -12,7 +12,7 @@ const LONG = 'cytoplasmic translation and ribosome biogenesis';
 describe('long labels', () => {
   test('are cut at their end, and where that makes them alike, in the middle', () => {
     const texts = ['short', `${LONG}, large subunit`, `${LONG}, small subunit`, 'mitochondrial respiratory chain complex IV'];
-    assert.deepEqual(shortened(texts, 32), [
+    assert.deepEqual(cutApart(texts, 32), [
       'short',
       'cytoplasmi\u2026enesis, large subunit',
       'cytoplasmi\u2026enesis, small subunit',
@@ -26,10 +26,10 @@ describe('long labels', () => {
     const texts = [...new Set(Array.from({ length: 60 }, () => [part(), part(), part(), part(), part()].join(' ')))];
     const numbered = Array.from({ length: 120 }, (_, index) => `${LONG} ${index}`);
     for (const all of [numbered, numbered.map((text) => `${text} and what else is known of it`)]) {
-      assert.equal(new Set(shortened(all, 32)).size, all.length);
+      assert.equal(new Set(cutApart(all, 32)).size, all.length);
     }
-    assert.ok(shortened(texts, 32).every((text) => [...text].length <= 32));
-    assert.deepEqual(shortened(['\u{1f9ec}'.repeat(40)], 20), [`${'\u{1f9ec}'.repeat(19)}\u2026`]);
+    assert.ok(cutApart(texts, 32).every((text) => [...text].length <= 32));
+    assert.deepEqual(cutApart(['\u{1f9ec}'.repeat(40)], 20), [`${'\u{1f9ec}'.repeat(19)}\u2026`]);
   });
 });
 
@@ -58,16 +58,18 @@ describe('on the page', () => {
     return found.map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120)).join(' | ')}`);
   }
 
-  /** Red, green, blue and opacity of what parts of the page have drawn above a gene. */
-  const drawnAbove = async (gene) => {
+  /** Whether one of the drawings of the chart has this red, green, blue and opacity at a gene. */
+  const isDrawn = async (gene, colour) => {
     const { x, y } = await screenPlace(page, gene);
-    return page.evaluate(([atX, atY]) => {
-      const canvas = document.querySelector('.chart-layer');
+    return page.evaluate(([atX, atY, wanted]) => [...document.querySelectorAll('#chart canvas')].some((canvas) => {
       const box = canvas.getBoundingClientRect();
       const ratio = canvas.width / box.width;
-      return [...canvas.getContext('2d').getImageData((atX - box.x) * ratio, (atY - box.y) * ratio, 1, 1).data];
-    }, [x, y]);
+      const pixel = canvas.getContext('2d')?.getImageData((atX - box.x) * ratio, (atY - box.y) * ratio, 1, 1).data;
+      return pixel !== undefined && wanted.every((value, channel) => Math.abs(value - pixel[channel]) <= 1);
+    }), [x, y, colour]);
   };
+  const SECOND_COLOUR = [0xd5, 0x5e, 0x00, 255];
+  const VEIL = [255, 255, 255, 199];
 
   test('genes are coloured by a condition, with a scale that says where it ends', async () => {
     const next = createNumbers(3);
@@ -117,16 +119,16 @@ describe('on the page', () => {
 
     const row = page.locator('#legend li:has(input[aria-label^="cyto"])').first();
     await row.hover();
-    await until(async () => (await drawnAbove(1))[3] === 255);
-    const [red, green, blue] = await drawnAbove(1);
-    assert.deepEqual([red, green, blue], [0xd5, 0x5e, 0x00], 'the second of the colours');
-    assert.ok((await drawnAbove(4))[3] < 255, 'a veil over the others');
+    await until(() => isDrawn(4, VEIL));
+    assert.ok(await isDrawn(1, SECOND_COLOUR));
+    assert.equal(await isDrawn(1, VEIL), false);
     assert.equal(await text('.legend-whole'), `${LONG} 1`);
     await page.mouse.move(5, 5);
-    await until(async () => (await drawnAbove(1))[3] === 0);
+    await until(async () => !(await isDrawn(4, VEIL)));
     assert.equal(await page.locator('.legend-whole').isVisible(), false);
-    await row.locator('input').focus();
-    await until(async () => (await drawnAbove(1))[3] === 255);
+    await page.focus('.legend-filter');
+    for (let step = 0; step < 4; step += 1) await page.keyboard.press('Tab');
+    await until(() => isDrawn(4, VEIL));
     assert.ok(await page.locator('.legend-whole').isVisible());
     assert.deepEqual(await violations(), []);
 

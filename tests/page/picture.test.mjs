@@ -57,11 +57,12 @@ test('the SVG holds every point, the title, the axes and the legend', async () =
   await page.context().close();
 });
 
-test('the SVG of numbers has their colours and a few of them in the legend', async () => {
+test('the SVG of numbers has their scale, and the mark of those without one', async () => {
   const page = await browser.open(smallData({ labelColumns: LABEL_COLUMNS.slice(1) }));
   const svg = await readSvg((await save(page, 'SVG')).content.toString());
-  assert.ok(svg.texts.includes('0.000 to 0.781') && svg.texts.includes('no number'), svg.texts.join());
-  assert.equal(svg.fills['#440154'], 1 + 1);
+  for (const wanted of ['half-life <min>', '50.000', '0.000', 'no number']) assert.ok(svg.texts.includes(wanted), wanted);
+  assert.equal(svg.fills['#440154'], 1 + 1, 'the least number, and the end of the scale');
+  assert.ok(Object.keys(svg.fills).length >= 64);
   await page.context().close();
 });
 
@@ -80,6 +81,15 @@ test('pictures show what the page shows: labels that are hidden are left out', a
   assert.ok(!svg.texts.includes('stress'));
   assert.ok(svg.texts.includes('cycle'));
   assert.ok(svg.fills['#161c23'] >= 1, 'a dark ground');
+  await page.context().close();
+});
+
+test('long labels of pictures differ where they would be cut to the same text', async () => {
+  const label = (which) => `cytoplasmic translation and ribosome biogenesis, ${which} subunit`;
+  const page = await browser.open(smallData({ labels: ['x', 'x', 'x', 'y', label('large'), label('small'), label('small')] }));
+  const { texts } = await readSvg((await save(page, 'SVG')).content.toString());
+  const cut = texts.filter((text) => text.startsWith('cytoplasmi'));
+  assert.equal(new Set(cut).size, 2, cut.join());
   await page.context().close();
 });
 

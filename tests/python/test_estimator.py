@@ -31,8 +31,8 @@ def test_parameters_have_the_commands_defaults():
         "multiscale": None, "init": "random", "schedule": "classic", "hold_iter": 125,
         "release_iter": 125, "stop_when": 0.0, "neighbour_graph": None,
         "preset": "classic", "random_state": None, "callbacks": None,
-        "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "n_jobs": -1,
-        "verbose": False,
+        "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "seeds": 1,
+        "n_jobs": -1, "verbose": False,
     }
 
 

@@ -1,5 +1,6 @@
 """The chart page of a map."""
 
+import base64
 import html
 import json
 import os
@@ -32,7 +33,8 @@ def test_page_is_the_commands(time_courses, tmp_path, n_components):
     (path,) = tmp_path.glob("run_tsne_*.html")
     expected = data_of(path.read_text())
     tsne = ovik.TSNE(n_components, n_iter=20).fit(ovik.read_matrix(time_courses, missing="zero"))
-    shown = data_of(ovik.page(tsne, title=expected["title"]).html)
+    matrix = ovik.read_matrix(time_courses, missing="zero")
+    shown = data_of(ovik.page(tsne, matrix=matrix, title=expected["title"]).html)
     assert shown.pop("name") == "ovik_map" and expected.pop("name")
     # Texts that nobody gave.
     assert not any(shown.pop("texts") + expected.pop("texts"))
@@ -51,6 +53,35 @@ def test_page_shows_what_it_is_given(points):
     assert shown["labels"] == ["a", "", "7"]
     assert shown["functions"] == ["one", "two", ""]
     assert shown["pairs"][0]["x"] == points[:3, 0].tolist()
+
+
+def test_page_takes_a_matrix_along(points):
+    values = points[:4].copy()
+    values[1, 2] = np.nan
+    shown = data_of(ovik.page(points[:4, :2], matrix=values).html)["matrix"]
+    assert (shown["bits"], shown["metric"]) == (16, "euclidean")
+    assert shown["columns"][:2] == ["column 1", "column 2"]
+    codes = np.frombuffer(base64.b64decode(shown["values"]), "<u2").reshape(values.shape)
+    assert codes[1, 2] == 0xFFFF and np.count_nonzero(codes == 0xFFFF) == 1
+    decoded = shown["lows"] + codes * np.array(shown["steps"])
+    known = np.isfinite(values)
+    assert np.all((np.abs(decoded - values) <= 0.5001 * np.array(shown["steps"]))[known])
+    small = data_of(ovik.page(points[:4, :2], matrix=values, page_data="small").html)["matrix"]
+    assert small["bits"] == 8 and len(base64.b64decode(small["values"])) == values.size
+    assert data_of(ovik.page(points[:4, :2]).html)["matrix"] is None
+
+
+def test_page_refuses_other_matrices(points):
+    with pytest.raises(ValueError, match="one row per row of the map, 4, not 3"):
+        ovik.page(points[:4, :2], matrix=points[:3])
+    with pytest.raises(ValueError, match="page_data should be 'small' or 'full', not 'none'"):
+        ovik.page(points[:4, :2], matrix=points[:4], page_data="none")
+    with pytest.raises(ValueError, match="4000001 values, and a page takes up to 4000000, or twice"):
+        ovik.page(np.zeros((1, 2)), matrix=np.zeros((1, 4000001)))
+    pandas = pytest.importorskip("pandas")
+    table = pandas.DataFrame(points[:4, :2], index=list("abcd"))
+    with pytest.raises(ValueError, match="their names differ"):
+        ovik.page(table, matrix=table[::-1])
 
 
 def test_missing_labels_are_empty(points):

@@ -9,7 +9,7 @@ import numpy as np
 import pytest
 
 import ovik
-from ovik._palette import COLOURS, MARKERS, style_of
+from ovik._palette import COLOURS, GREY, MARKERS, style_of
 
 PALETTE = Path(__file__).resolve().parents[2] / "plots/page/src/palette.js"
 
@@ -58,9 +58,14 @@ def test_map_without_labels_has_one_colour(points):
 def test_groups_have_colours_as_they_appear(points):
     labels = ["b"] * 20 + ["a"] * 30 + [None] * 40
     axes = ovik.plot(points, labels)
-    assert drawn(axes) == [(COLOURS[0], 20), (COLOURS[1], 30), (COLOURS[2], 40)]
+    assert drawn(axes) == [(COLOURS[0], 20), (COLOURS[1], 30), (GREY, 40)]
     legend = [text.get_text() for text in axes.get_legend().get_texts()]
     assert legend == ["b", "a", "(no label)"]
+    axes = ovik.plot(points, ["Other"] * 60 + ["a"] * 30)
+    assert drawn(axes) == [(COLOURS[0], 30), (GREY, 60)]
+    first, beneath = axes.collections
+    assert beneath.get_zorder() < first.get_zorder()
+    assert GREY in PALETTE.read_text()
     assert ovik.plot(points, labels, legend=False).get_legend() is None
 
 
@@ -108,7 +113,7 @@ def test_series_of_other_names_is_refused(points, named_map):
 
 def test_dict_goes_by_name(named_map, points):
     axes = ovik.plot(named_map, {"G1": "a", "G0": "b", "other": "c"})
-    assert drawn(axes) == [(COLOURS[0], 1), (COLOURS[1], 1), (COLOURS[2], 88)]
+    assert drawn(axes) == [(COLOURS[0], 1), (COLOURS[1], 1), (GREY, 88)]
     scale = ovik.plot(named_map, {"G1": 0.5}).collections[0].get_array()
     assert scale[1] == 0.5 and scale.mask.sum() == 89
     with pytest.raises(ValueError, match="labels is a dict, and the rows of the map have no names"):

@@ -52,13 +52,20 @@ def test_schedule_is_the_commands(time_courses, embed_by_command):
     ({"schedule": "annealed", "hold_iter": 10, "release_iter": 15},
      ["--schedule", "annealed", "--hold-iter", "10", "--release-iter", "15"]),
     ({"learning_rate": "auto"}, ["--learning-rate", "auto"]),
-    ({"stop_when": 0.01}, ["--stop-when", "0.01"]),
     ({"preset": "refined"}, ["--preset", "refined"]),
 ])
 def test_choices_are_the_commands(time_courses, embed_by_command, params, options):
     expected = embed_by_command(time_courses, "-i", "40", *options)
     X = ovik.read_matrix(time_courses, missing="zero").values
     assert ovik.TSNE(n_iter=40, **params).fit_transform(X).tobytes() == expected.embedding.tobytes()
+
+
+def test_stops_where_the_command_does(time_courses, embed_by_command):
+    expected = embed_by_command(time_courses, "-i", "400", "--stop-when", "0.01", "--stop-lying-iter", "20")
+    X = ovik.read_matrix(time_courses, missing="zero").values
+    tsne = ovik.TSNE(n_iter=400, stop_when=0.01, stop_lying_iter=20).fit(X)
+    assert tsne.n_iter_ < 400
+    assert tsne.embedding_.tobytes() == expected.embedding.tobytes()
 
 
 # The automatic rate of 900 rows is 200 while they are exaggerated twelvefold, and 900 at the end.

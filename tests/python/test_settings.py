@@ -73,6 +73,30 @@ def test_automatic_learning_rate_follows_an_annealed_exaggeration():
     assert fit(large, preset="refined").learning_rate_ == 650
 
 
+def test_several_seeds_keep_the_map_of_lowest_cost(points):
+    best = fit(points, seeds=3, seed=4)
+    each = [fit(points, seed=seed) for seed in (4, 5, 6)]
+    costs = [one.kl_divergence_ for one in each]
+    assert best.seed_costs_ == dict(zip((4, 5, 6), costs, strict=True))
+    kept = each[int(np.argmin(costs))]
+    assert best.seed_ == kept.seed_ != 4
+    assert np.array_equal(best.embedding_, kept.embedding_)
+    assert np.array_equal(best.costs_, kept.costs_)
+    assert best.seed_agreement_ == pytest.approx(ovik.agreement(*each), rel=1e-12)
+    assert not hasattr(best.set_params(seeds=1).fit(points), "seed_costs_")
+
+
+@pytest.mark.parametrize("params, words", [
+    ({"seeds": 0}, "seeds should be"),
+    ({"init": "pca"}, "every seed has the same start"),
+    ({"preset": "refined"}, "every seed has the same start"),
+    ({"callbacks": print}, "callbacks follow one fit"),
+    ({"seed": 2**31 - 2}, "seed"),
+])
+def test_several_seeds_need_a_random_start_each(points, params, words):
+    assert words in refusal(points, **{"seeds": 3, **params})
+
+
 def test_start_is_where_the_map_begins(points):
     start = np.random.default_rng(4).normal(scale=1e-4, size=(90, 2))
     still = fit(points, init=start, n_iter=1, learning_rate=1e-12)
@@ -80,6 +104,12 @@ def test_start_is_where_the_map_begins(points):
     moved = fit(points, init=start.tolist(), theta=0.0)
     assert np.array_equal(moved.embedding_, fit(points, init=start, theta=0.0, seed=3).embedding_)
     assert not np.array_equal(moved.embedding_, fit(points, theta=0.0).embedding_)
+
+
+def test_start_of_places_far_apart_is_warned_of(points):
+    start = np.random.default_rng(3).normal(size=(90, 2)) * 1e4
+    with pytest.warns(UserWarning, match="^the places of the start lie up to .* from their mean"):
+        fit(points, init=start, n_iter=1)
 
 
 def test_start_finds_rows_by_name(points):

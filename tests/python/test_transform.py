@@ -93,6 +93,23 @@ def test_compares_rows_by_the_metric_of_the_map(points):
         fitted.transform(np.ones((1, points.shape[1])))
 
 
+def test_warns_of_rows_unlike_those_of_the_map(fitted, points):
+    far = points[80:83].copy()
+    far[1] += 1000
+    with pytest.warns(UserWarning, match=r"^1 row \(1\) is farther from all rows of the map than any"):
+        places = fitted.transform(far)
+    assert np.isfinite(places).all()
+    pandas = pytest.importorskip("pandas")
+    table = pandas.DataFrame(far + 1000, index=["a", "b", "c"])
+    with pytest.warns(UserWarning, match=r"^3 rows \('a', 'b', 'c'\) are farther"):
+        fitted.transform(table)
+
+
+def test_finds_no_row_of_the_map_too_far_away(fitted, points, recwarn):
+    fitted.transform(points[:80])
+    assert not [warning for warning in recwarn if "farther" in str(warning.message)]
+
+
 def test_refuses_maps_of_given_neighbours(points):
     fitted = ovik.TSNE(perplexity=10, n_iter=10, neighbour_graph=all_neighbours(points[:80]))
     fitted.fit(points[:80])

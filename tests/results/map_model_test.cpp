@@ -26,6 +26,7 @@ MapModel small_model() {
     model.perplexity = 1.5;
     model.row_names = {"YAL001C", "", "a name, with \"signs\"\n"};
     model.column_names = {"heat 10", "cold"};
+    model.missing = "row-mean";
     model.transformations = "log1p, scale";
     model.column_means = {1.0, -2.5};
     model.divisors = {0.5, 3.0};
@@ -83,6 +84,7 @@ TEST_F(ModelFile, GivesBackAllThatWasWritten) {
     EXPECT_EQ(read.perplexity, 1.5);
     EXPECT_EQ(read.row_names, written.row_names);
     EXPECT_EQ(read.column_names, written.column_names);
+    EXPECT_EQ(read.missing, "row-mean");
     EXPECT_EQ(read.transformations, "log1p, scale");
     EXPECT_EQ(read.column_means, written.column_means);
     EXPECT_TRUE(read.subtracted.empty());

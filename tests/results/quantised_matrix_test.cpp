@@ -17,7 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr double kLargest = std::numeric_limits<double>::max() / 2.0;
 
 /// The value that a page shows; NaN for the code of none.
 double shown(const QuantisedMatrix& matrix, std::size_t row, std::size_t column) {

@@ -48,6 +48,15 @@ TEST(CheckOptionsTogether, AcceptsTheClassicalRunAndEachChoiceByItself) {
     EXPECT_EQ(refusal({.stop_when = 0.0002}), "");
 }
 
+TEST(CheckOptionsTogether, RefusesAStopBehindTheLastIteration) {
+    EXPECT_EQ(refusal({.max_iter = 301, .stop_when = 0.0002}), "");
+    EXPECT_EQ(
+        refusal({.max_iter = 300, .stop_when = 0.0002}),
+        "stop_when 0.0002 has no effect beside max_iter 300: gains are looked at from iteration "
+        "300 on, when exaggeration has ended\nRun longer than that, or leave stop_when 0.0002 "
+        "out.");
+}
+
 TEST(CheckOptionsTogether, RefusesWhatHasNoEffectWithTheCure) {
     EXPECT_EQ(refusal({.perplexity = 30.0, .affinity = AffinityKind::Uniform}),
               "perplexity has no effect beside affinity uniform\n"

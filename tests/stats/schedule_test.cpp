@@ -148,6 +148,13 @@ TEST(Schedule, MarksEveryFiftiethIterationFromTheEndOfExaggeration) {
     EXPECT_FALSE(Schedule(FitOptions{.stop_lying_iter = -1}, kRows).isMark(500));
 }
 
+TEST(Schedule, MayStopAtTheSecondMarkBehindExaggeration) {
+    EXPECT_EQ(Schedule(FitOptions(), kRows).firstPossibleStop(), 300);
+    EXPECT_EQ(Schedule(FitOptions{.stop_lying_iter = 251}, kRows).firstPossibleStop(), 350);
+    EXPECT_EQ(Schedule(FitOptions{.stop_lying_iter = 0}, kRows).firstPossibleStop(), 50);
+    EXPECT_GT(Schedule(FitOptions{.stop_lying_iter = -1}, kRows).firstPossibleStop(), INT_MAX);
+}
+
 TEST(Schedule, IsSettledWhereTheCostGainsLessThanTheLeast) {
     FitOptions options = kAnnealed;
     options.stop_when = 0.125;

@@ -229,6 +229,16 @@ TEST_F(OntoRunTest, FillsInMeansOfTheMapsColumns) {
     EXPECT_THAT(result("new_onto.csv"), HasSubstr("\n" + lineOf("A", {10.0, 0.25})));
 }
 
+TEST_F(OntoRunTest, FillsInWhatTheMapFilledInUnlessToldOtherwise) {
+    model_.missing = "column-mean";
+    saveModel();
+    placeRows("gene\theat\tcold\nA\tNA\t0.25\n");
+    EXPECT_THAT(result("new_onto.csv"), HasSubstr("\n" + lineOf("A", {10.0, 0.25})));
+    options_.load.missing = MissingPolicy::Zero;
+    placeRows("gene\theat\tcold\nA\tNA\t0.25\n");
+    EXPECT_THAT(result("new_onto.csv"), HasSubstr("\n" + lineOf("A", {0.0, 0.25})));
+}
+
 TEST_F(OntoRunTest, TransformsRowsAsThoseOfTheMapWere) {
     model_.transformations = "center columns, scale";
     model_.subtracted = {1.0, 2.0};

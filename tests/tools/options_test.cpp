@@ -458,6 +458,15 @@ TEST(ParseCommandLine, TakesFormsOfCoordinates) {
     }
 }
 
+TEST(ParseCommandLine, TakesHowExactlyThePageHasTheMatrix) {
+    EXPECT_EQ(options_of({}).page_data, PageData::Full);
+    EXPECT_EQ(options_of({"--page-data", "none", "--no-plots"}).page_data, PageData::None);
+    EXPECT_EQ(options_of({"--page-data", "small"}).page_data, PageData::Small);
+    EXPECT_EQ(refusal_of("--page-data", "large"), "--page-data: large not in {none,small,full}");
+    EXPECT_THAT(refusal({"m.tsv", "--page-data", "full", "--no-plots"}),
+                HasSubstr("--page-data: is of the chart page, and --no-plots leaves that out"));
+}
+
 TEST(ParseCommandLine, TakesPoliciesForMissingValues) {
     EXPECT_EQ(options_of({"--missing", "zero"}).load.missing, MissingPolicy::Zero);
     EXPECT_EQ(options_of({"--missing", "column-mean"}).load.missing, MissingPolicy::ColumnMean);

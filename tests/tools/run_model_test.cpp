@@ -32,6 +32,7 @@ TEST(ModelOfRun, HoldsWhatTheFitCameTo) {
     tsne.D = kColumns;
     tsne.max_iter = 20;
     tsne.theta = 0.5;
+    options.load.missing = MissingPolicy::Drop;
     tsne.options = options.fit;
     tsne.draw_plots = false;
     tsne.transformations = "scale";
@@ -61,6 +62,7 @@ TEST(ModelOfRun, HoldsWhatTheFitCameTo) {
     EXPECT_EQ(model.column_means, columns.means);
     EXPECT_TRUE(model.subtracted.empty());
     EXPECT_EQ(model.divisors, columns.divisors);
+    EXPECT_EQ(model.missing, "drop");
     EXPECT_EQ(model.transformations, "scale");
     EXPECT_EQ(model.centres, expected.report.scale.means);
     EXPECT_EQ(model.factor, expected.report.scale.factor);

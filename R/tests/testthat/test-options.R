@@ -75,6 +75,7 @@ test_that("a map starts where it is told", {
   still <- tsne(x, 10, start = start, max_iter = 1, learning_rate = 1e-12)
   expect_equal(bare(still$Y), sweep(start, 2, colMeans(start)), tolerance = 1e-9)
   expect_identical(still$options$start, "given")
+  expect_warning(tsne(x, 10, start = start * 1e8, max_iter = 1), "the places of the start lie up to .* from their mean")
   expect_error(tsne(x, 10, start = start[-1, ]), "start has 59 rows and 2 columns, and the map has 60 and 2")
   start[7, 2] <- NA
   expect_error(tsne(x, 10, start = start), "start has coordinates in row 7 that are not finite")

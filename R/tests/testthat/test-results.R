@@ -37,7 +37,7 @@ choices <- list(
   list(multiscale = c(5, 10)),
   list(perplexity = 7.5, start = "pca"),
   list(perplexity = 7.5, schedule = "annealed", hold_iter = 10, release_iter = 15, learning_rate = "auto"),
-  list(perplexity = 7.5, stop_when = 0.01),
+  list(perplexity = 7.5, stop_when = 0.01, stop_lying_iter = 0, max_iter = 120),
   list(perplexity = 7.5, gains = "constant"),
   list(perplexity = 7.5, preset = "refined")
 )
@@ -47,8 +47,9 @@ test_that("every choice is the command's", {
   path <- tempfile(fileext = ".npy")
   write_npy(x, path)
   for (choice in choices) {
-    map <- do.call(tsne, c(list(x, max_iter = 40), choice))
-    expect_identical(bare(map$Y), embed_by_command(path, "-i", 40, flags_of(choice)))
+    choice <- utils::modifyList(list(max_iter = 40), choice)
+    map <- do.call(tsne, c(list(x), choice))
+    expect_identical(bare(map$Y), embed_by_command(path, flags_of(choice)))
   }
 })
 

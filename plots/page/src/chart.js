@@ -31,7 +31,7 @@ function createPainter(element, model, store, frame, viewport) {
 
   const points = () => model.pointsOf(store.get());
   const visibleCount = () => countInWindow(points(), viewport.view());
-  const front = createOverlays(element, () => ({ plot: frame.plot() }), false);
+  const front = createOverlays(element, () => ({ plot: frame.plot() }), 'axes', false);
 
   function fitLook() {
     const wanted = wantedLook(visibleCount(), store.get());
@@ -125,16 +125,19 @@ export function createChart(element, model, store) {
   let due = 0;
   let isStale = true;
 
-  /** Place of a gene in pixels from the element's corner. */
-  function pixelOf(gene) {
+  /** Makes the function from genes to their places in pixels of the element, as the view is now. */
+  function placesNow() {
     const { x, y } = model.pointsOf(store.get());
     const { left, top, width, height } = frame.plot();
-    const view = viewport.view();
-    return [
-      left + ((x[gene] - view.x0) / (view.x1 - view.x0)) * width,
-      top + ((view.y1 - y[gene]) / (view.y1 - view.y0)) * height,
+    const { x0, x1, y0, y1 } = viewport.view();
+    return (gene) => [
+      left + ((x[gene] - x0) / (x1 - x0)) * width,
+      top + ((y1 - y[gene]) / (y1 - y0)) * height,
     ];
   }
+
+  /** Place of a gene in pixels from the element's corner. */
+  const pixelOf = (gene) => placesNow()(gene);
 
   /** The inverse, for any place. */
   function placeOf(pixelX, pixelY) {
@@ -146,9 +149,9 @@ export function createChart(element, model, store) {
     ];
   }
 
-  const scene = () => ({ pixelOf, plot: frame.plot(), ink: inkOf(store.get().theme) });
-  const overlays = createOverlays(element, scene);
-  const marker = createOverlays(element, scene);
+  const scene = () => ({ pixelOf: placesNow(), plot: frame.plot(), ink: inkOf(store.get().theme) });
+  const overlays = createOverlays(element, scene, 'drawings');
+  const marker = createOverlays(element, scene, 'marker');
 
   const settleSoon = debounced(() => {
     for (const listener of settled) listener();

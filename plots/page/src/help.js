@@ -21,6 +21,7 @@ export function showHelp(element) {
   element.append(
     el('summary', {}, 'Keys and gestures'),
     el('dl', {}, ...rows),
-    el('p', {}, 'Drag to move, turn the wheel or pinch to zoom. With Box or Lasso, dragging chooses genes; Shift adds them to those already chosen.'),
+    el('p', {}, 'Drag or scroll sideways to move, turn the wheel or pinch to zoom. With Box or Lasso, dragging chooses genes; Shift adds them to those already chosen.'),
+    el('p', {}, 'What the search found has a yellow rim, what is chosen a dark one.'),
   );
 }

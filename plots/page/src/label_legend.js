@@ -2,7 +2,7 @@
 
 import { button, dataText, debounced, el } from './dom.js';
 import { formatCount } from './format.js';
-import { shortened } from './short_labels.js';
+import { cutApart } from './short_labels.js';
 import { swatch } from './swatch.js';
 
 /** Longer legends have a box to find labels. */
@@ -48,7 +48,8 @@ function createRow({ text, count }, short, style, actions) {
     on: {
       pointerenter: (event) => event.pointerType === 'mouse' && actions.point(),
       pointerleave: (event) => event.pointerType === 'mouse' && actions.leave(),
-      focusin: () => actions.point(),
+      // A finger's tap is no pointing: it would stay.
+      focusin: (event) => event.target.matches(':focus-visible') && actions.point(),
       focusout: () => actions.leave(),
     },
   },
@@ -70,14 +71,15 @@ export function isolated(shown, category) {
  * @param {object} categories as of `findCategories`
  * @param {object[]} styles as of `categoryStyles`
  * @param {object} store
- * @returns `parts` for the page, `list`: the element of the rows, and `update(state)`, which keeps them
- *   true
+ * @returns `buttons` and `parts` for the page, and what keeps them true: `updateShown(state)`, and
+ *   `updateHere(state, of)`, which marks the label of the gene in question; `of` as of `findCategories`
  */
 export function createLabelLegend({ list }, styles, store) {
   const whole = createWhole();
-  const short = shortened(list.map(({ text }) => text), LONGEST);
+  const short = cutApart(list.map(({ text }) => text), LONGEST);
   const setShown = (shown) => store.set({ shown: Uint8Array.from(shown) });
 
+  let here = -1;
   const pointSoon = debounced((category) => store.set({ spotlight: category }), POINTING_MILLISECONDS);
 
   const rows = list.map((entry, category) => {
@@ -119,12 +121,15 @@ export function createLabelLegend({ list }, styles, store) {
       button('None', setFound(false), { class: 'quiet', 'aria-label': 'None of the labels' }),
     ],
     parts: [...(list.length > MOST_UNFILTERED ? [filter, found] : []), element, whole.element],
-    update({ shown, hover, focus }, of) {
-      const gene = hover >= 0 ? hover : focus;
-      rows.forEach(({ row, box }, category) => {
+    updateShown({ shown }) {
+      rows.forEach(({ box }, category) => {
         box.checked = shown[category] === 1;
-        row.classList.toggle('here', gene >= 0 && of[gene] === category);
       });
+    },
+    updateHere({ hover, focus }, of) {
+      rows[here]?.row.classList.remove('here');
+      here = of[hover >= 0 ? hover : focus] ?? -1;
+      rows[here]?.row.classList.add('here');
     },
   };
 }

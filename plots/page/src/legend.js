@@ -26,7 +26,8 @@ export function showLegend(element, chart, model, store) {
     return [el('div', { class: 'legend-head' }, title, ...labels.buttons), ...labels.parts];
   }
 
-  const updateLabels = (state) => labels?.update(state, model.categoriesOf(state).of);
+  const updateShown = (state) => labels?.updateShown(state);
+  const updateHere = (state) => labels?.updateHere(state, model.categoriesOf(state).of);
 
   function updateCounts() {
     const drawn = model.pointsOf(store.get()).genes.length;
@@ -36,12 +37,14 @@ export function showLegend(element, chart, model, store) {
   function rebuild(state) {
     element.classList.toggle('long', model.categoriesOf(state).list.length > MOST_BESIDE_ON_PAPER);
     body.replaceChildren(...parts(state));
-    updateLabels(state);
+    updateShown(state);
+    updateHere(state);
   }
 
   element.append(body, counts);
   store.listen(['colouring', 'theme'], rebuild);
-  store.listen(['shown', 'hover', 'focus'], updateLabels);
+  store.listen(['shown'], updateShown);
+  store.listen(['hover', 'focus'], updateHere);
   store.listen(['shown', 'pair', 'colouring'], updateCounts);
   chart.onSettle(updateCounts);
   rebuild(store.get());

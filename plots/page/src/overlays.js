@@ -7,22 +7,24 @@ import { el } from './dom.js';
  *
  * @param {HTMLElement} element of the chart
  * @param {function(): object} scene what each drawing is told: `plot`, to which it is cut, and more
+ * @param {string} name of the layer, as a class
  * @param {boolean} [isCut] whether drawings are cut to the plot
  * @returns `add(draw)`, `repaint()` (in the next frame, however often it is asked for) and `flush()` (now)
  */
-export function createOverlays(element, scene, isCut = true) {
-  const canvas = el('canvas', { class: 'chart-layer', 'aria-hidden': 'true' });
+export function createOverlays(element, scene, name, isCut = true) {
+  const canvas = el('canvas', { class: `chart-layer ${name}`, 'aria-hidden': 'true' });
   const drawings = [];
   let frame = 0;
 
-  /** Brings the canvas to the size of the element, in the pixels of the screen. */
+  /** Brings the canvas to the size of the element, in the pixels of the screen, and empties it. */
   function clear(context) {
     const ratio = window.devicePixelRatio || 1;
     const [width, height] = [element.clientWidth, element.clientHeight];
     const size = [Math.round(width * ratio), Math.round(height * ratio)];
-    if (canvas.width !== size[0] || canvas.height !== size[1]) [canvas.width, canvas.height] = size;
+    const fits = canvas.width === size[0] && canvas.height === size[1];
+    if (!fits) [canvas.width, canvas.height] = size;
+    else context.clearRect(0, 0, width, height);
     context.setTransform(ratio, 0, 0, ratio, 0, 0);
-    context.clearRect(0, 0, width, height);
   }
 
   function flush() {

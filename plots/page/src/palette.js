@@ -16,22 +16,23 @@ const VIRIDIS = ['#440154', '#472d7b', '#3b528b', '#2c728e', '#21918c', '#28ae80
 /** Categories beyond this repeat the styles of the first ones, unless they have colours of their own. */
 const STYLE_COUNT = 64;
 
-/** Categories beyond this cannot have colours of their own: each colour is a series to draw. */
+/** Categories beyond this cannot have colours of their own. */
 const MOST_OWN_COLOURS = 256;
 
 /**
- * Marker shapes, as SVG paths within a square of 16 by 16; `scale` makes them look equally large.
+ * Marker shapes, as SVG paths within a square of 16 by 16; `scale` makes pointed ones look as large as
+ * others. The figure has the same in the same order.
  */
 const SHAPES = [
-  { name: 'circle', scale: 1, path: 'M8 .5A7.5 7.5 0 1 1 8 15.5A7.5 7.5 0 1 1 8 .5Z', symbol: 'circle' },
+  { name: 'circle', scale: 1, path: 'M8 .5A7.5 7.5 0 1 1 8 15.5A7.5 7.5 0 1 1 8 .5Z' },
   { name: 'triangle', scale: 1.15, path: 'M8 .5L15.5 15.5H.5Z' },
-  { name: 'square', scale: 0.9, path: 'M1.5 1.5H14.5V14.5H1.5Z', symbol: 'rect' },
+  { name: 'square', scale: 0.9, path: 'M1.5 1.5H14.5V14.5H1.5Z' },
   { name: 'diamond', scale: 1.25, path: 'M8 0L16 8L8 16L0 8Z' },
   { name: 'downward triangle', scale: 1.15, path: 'M.5 .5H15.5L8 15.5Z' },
   { name: 'plus', scale: 1.15, path: 'M5.5 .5H10.5V5.5H15.5V10.5H10.5V15.5H5.5V10.5H.5V5.5H5.5Z' },
   { name: 'cross', scale: 1.15, path: 'M4 .5L8 4.5L12 .5L15.5 4L11.5 8L15.5 12L12 15.5L8 11.5L4 15.5L.5 12L4.5 8L.5 4Z' },
   { name: 'star', scale: 1.3, path: 'M8 .3L10.2 5.4L15.8 5.9L11.6 9.6L12.8 15.2L8 12.2L3.2 15.2L4.4 9.6L.2 5.9L5.8 5.4Z' },
-].map((shape) => ({ symbol: `path://${shape.path}`, ...shape }));
+];
 
 function mix(from, to, share) {
   const channel = (colour, at) => parseInt(colour.slice(at, at + 2), 16);

@@ -2,10 +2,10 @@
 
 import { canvasPen, shortened, svgPen } from './pen.js';
 import { axisRoom } from './axes.js';
-import { categoryOf } from './layers.js';
 import { createLister, drawFront, drawGround, hasGround, marksOf, neededDensity, wantedLook } from './scene.js';
+import { drawLegend } from './picture_legend.js';
 import { createPixelPrinter } from './pixel_points.js';
-import { contains, fitWindow } from './windows.js';
+import { contains, fitWindow, shareOf } from './windows.js';
 import { countInWindow } from './points.js';
 import { drawableText, fileStem } from './format.js';
 import { inkOf } from './theme.js';
@@ -22,11 +22,7 @@ const NOTE_SIZE = 12;
 const NOTE_BASE = 52;
 const TITLE_HEIGHT = 64;
 const LEGEND_GAP = 20;
-const LEGEND_STEP = 20;
-const LEGEND_MARK = 12;
-const LEGEND_SIZE = 12;
-const MOST_ENTRIES = 36;
-const MOST_LEVELS = 9;
+const LEAST_LEGEND = 200;
 
 /** Up to so many points are drawn as shapes; more would make files that no editor opens. */
 const MOST_SHAPES = 20000;
@@ -37,28 +33,13 @@ function pictureLook(count, state) {
   return count > MOST_SHAPES ? look : { ...look, shapes: true, size: Math.max(look.size, LEAST_SHAPE * state.pointSize) };
 }
 
-/** At most `most` of some categories: the first ones, or of a scale those at equal steps. */
-function namedOf(shown, scale, most) {
-  if (!scale || shown.length <= most) return shown.slice(0, most);
-  return Array.from({ length: most }, (_, step) => shown[Math.round((step * (shown.length - 1)) / (most - 1))]);
-}
-
-/** The categories of the points in view, ascending. */
-function categoriesInView(list, view) {
-  const seen = new Set();
-  for (let i = 0; i < list.count; i += 1) {
-    if (contains(view, list.x[i], list.y[i])) seen.add(categoryOf(list.kinds[i]));
-  }
-  return [...seen].sort((a, b) => a - b);
-}
-
 /** What the page shows now, as a scene of the picture's size. */
 function pictureScene(chart, model, state) {
   const { layout, showLabels } = model.dataset;
   const ink = inkOf(state.theme);
   const pair = model.pairOf(state);
   const [bottom, left] = axisRoom(pair?.extent ?? { y0: -1, y1: 1 }, layout, state.coordinates);
-  const legendRoom = Math.max(layout.legendWidth + LEGEND_GAP + EDGE, EDGE);
+  const legendRoom = Math.max(layout.legendWidth, LEAST_LEGEND) + LEGEND_GAP + EDGE;
   const margins = [TITLE_HEIGHT, legendRoom, bottom + EDGE / 2, left + EDGE / 2];
   const plot = {
     left: margins[3],
@@ -66,7 +47,11 @@ function pictureScene(chart, model, state) {
     width: Math.max(PICTURE.width - margins[1] - margins[3], 40),
     height: Math.max(PICTURE.height - margins[0] - margins[2], 40),
   };
-  const view = fitWindow(chart.view(), plot.width, plot.height, 0);
+  // The whole map fills the picture, whatever the shape of the window.
+  const isWhole = shareOf(chart.whole(), chart.view()) > 0.9999;
+  const view = isWhole
+    ? fitWindow(pair?.extent ?? null, plot.width, plot.height)
+    : fitWindow(chart.view(), plot.width, plot.height, 0);
   const list = createLister(model)(state);
   const points = model.pointsOf(state);
   const look = pictureLook(countInWindow(points, view), state);
@@ -120,24 +105,6 @@ function drawPoints(pen, { list, marks, view, plot }) {
   });
 }
 
-/** Draws the legend and returns how many of the labels in view it names, and of how many. */
-function drawLegend(pen, model, { state, list, view, plot, ink, layout, margins }) {
-  const categories = model.categoriesOf(state);
-  if (!categories.labelled) return null;
-  const present = categoriesInView(list, view);
-  const named = namedOf(present, categories.scale, categories.scale ? MOST_LEVELS : MOST_ENTRIES);
-  const styles = model.stylesOf(state);
-  const left = PICTURE.width - margins[1] + LEGEND_GAP;
-  named.forEach((category, row) => {
-    const { colour, shape } = styles[category];
-    const middle = plot.top + LEGEND_MARK / 2 + row * LEGEND_STEP;
-    pen.mark({ colour, shape, size: LEGEND_MARK - 2, opacity: 1, edge: null, halo: null }, left + LEGEND_MARK / 2, middle);
-    const text = shortened(drawableText(categories.list[category].text, 60), layout.legendWidth - LEGEND_MARK, LEGEND_SIZE);
-    pen.text(text, left + LEGEND_MARK + 6, middle + 4, { size: LEGEND_SIZE, fill: ink.text });
-  });
-  return categories.scale || named.length === present.length ? null : { named: named.length, present: present.length };
-}
-
 /** Draws everything but the points. */
 function drawAround(pen, model, scene) {
   const { plot, ink, margins } = scene;
@@ -146,7 +113,11 @@ function drawAround(pen, model, scene) {
   pen.text(shortened(drawableText(titleOf(model.dataset)), room, TITLE_SIZE, 600), plot.left, TITLE_BASE, {
     size: TITLE_SIZE, fill: ink.text, weight: 600,
   });
-  const cut = drawLegend(pen, model, scene);
+  const cut = drawLegend(pen, model, scene, {
+    left: PICTURE.width - margins[1] + LEGEND_GAP,
+    top: plot.top,
+    width: margins[1] - LEGEND_GAP - EDGE / 2,
+  });
   if (cut) {
     pen.text(`The legend names ${cut.named} of ${cut.present} labels.`, plot.left, NOTE_BASE, { size: NOTE_SIZE, fill: ink.muted });
   }

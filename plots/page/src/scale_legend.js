@@ -20,7 +20,7 @@ function bar(styles, words) {
 }
 
 /** How the ends are called; a sign says that numbers beyond share their colours. */
-function endsOf({ least, most, lowest, highest }) {
+export function endsOf({ least, most, lowest, highest }) {
   return [
     `${lowest < least ? '\u2264 ' : ''}${formatCoordinate(least)}`,
     `${highest > most ? '\u2265 ' : ''}${formatCoordinate(most)}`,

@@ -37,7 +37,7 @@ function groupsOf(texts, keys) {
  * @param {number} limit at least 20
  * @returns {string[]} one for each
  */
-export function shortened(texts, limit) {
+export function cutApart(texts, limit) {
   const letters = texts.map((text) => [...text]);
   const short = letters.map((text) => (text.length > limit ? [...text.slice(0, limit - 1), '\u2026'] : text).join(''));
   // Of a group that is alike, some may still be so up to a later place.

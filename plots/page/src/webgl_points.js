@@ -98,7 +98,7 @@ function columnsOf(list) {
  *   is no card
  */
 export function createWebglPrinter() {
-  const canvas = el('canvas', { class: 'chart-layer', 'aria-hidden': 'true' });
+  const canvas = el('canvas', { class: 'chart-layer card-points', 'aria-hidden': 'true' });
   const gl = canvas.getContext('webgl2', {
     antialias: false, depth: false, preserveDrawingBuffer: true, failIfMajorPerformanceCaveat: true,
   });
