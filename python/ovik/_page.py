@@ -146,6 +146,26 @@ def page(
     return Page(_core.page(shown.embedding, texts), height)
 
 
+def _rows_of_sets(
+    sets: Mapping[str, Iterable[str]], row_names: list[bytes]
+) -> list[tuple[bytes, list[int]]]:
+    rows_of_sets = []
+    for name, genes in sets.items():
+        listed = list(dict.fromkeys(str(gene) for gene in genes))
+        found = _core.find_rows(row_names, [_as_bytes(gene) for gene in listed])
+        missing = [gene for gene, rows in zip(listed, found) if not rows]
+        if len(missing) == len(listed):
+            raise ValueError(f"sets: no gene of {name!r} is that of a row")
+        if missing:
+            first = ", ".join(missing[:3]) + (", ..." if len(missing) > 3 else "")
+            warnings.warn(
+                f"sets: {len(missing)} of {len(listed)} genes of {name!r} are those of no row: {first}",
+                stacklevel=3,
+            )
+        rows_of_sets.append((_as_bytes(str(name)), sorted({row for rows in found for row in rows})))
+    return rows_of_sets
+
+
 def _metric_of(tsne: Any) -> str:
     """The metric by which the rows of a map are compared; distances had one that is not known."""
     metric = str(getattr(tsne, "metric", "euclidean"))
@@ -168,26 +188,6 @@ def _form_of(matrix: Any, page_data: str, shown: ShownMap) -> dict[str, Any] | N
         raise ValueError("matrix should have the rows of the map in their order: their names differ")
     columns = [] if given.feature_names is None else [_as_bytes(name) for name in given.feature_names]
     return {"values": given.values, "columns": columns, "bits": 8 if page_data == "small" else 16}
-
-
-def _rows_of_sets(
-    sets: Mapping[str, Iterable[str]], row_names: list[bytes]
-) -> list[tuple[bytes, list[int]]]:
-    rows_of_sets = []
-    for name, genes in sets.items():
-        listed = list(dict.fromkeys(str(gene) for gene in genes))
-        found = _core.find_rows(row_names, [_as_bytes(gene) for gene in listed])
-        missing = [gene for gene, rows in zip(listed, found) if not rows]
-        if len(missing) == len(listed):
-            raise ValueError(f"sets: no gene of {name!r} is that of a row")
-        if missing:
-            first = ", ".join(missing[:3]) + (", ..." if len(missing) > 3 else "")
-            warnings.warn(
-                f"sets: {len(missing)} of {len(listed)} genes of {name!r} are those of no row: {first}",
-                stacklevel=3,
-            )
-        rows_of_sets.append((_as_bytes(str(name)), sorted({row for rows in found for row in rows})))
-    return rows_of_sets
 
 
 def _as_bytes(text: str) -> bytes:

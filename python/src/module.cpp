@@ -286,13 +286,13 @@ std::string page(const Array& map, const py::dict& texts) {
     shown.labels = texts["labels"].cast<std::vector<std::string>>();
     shown.functions = texts["functions"].cast<std::vector<std::string>>();
     shown.parameters = texts["parameters"].cast<std::vector<std::pair<std::string, std::string>>>();
-    shown.metric = texts["metric"].cast<std::string>();
-    if (!texts["matrix"].is_none()) {
-        shown.matrix = matrix_of_page(texts["matrix"].cast<py::dict>());
-    }
     for (const py::handle& set : texts["sets"]) {
         const auto [name, rows] = set.cast<std::pair<std::string, std::vector<std::size_t>>>();
         shown.sets.push_back({name, rows, ""});
+    }
+    shown.metric = texts["metric"].cast<std::string>();
+    if (!texts["matrix"].is_none()) {
+        shown.matrix = matrix_of_page(texts["matrix"].cast<py::dict>());
     }
     return map_page(view_of(map), shown);
 }

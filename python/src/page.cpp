@@ -32,11 +32,11 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     chart.names = table.names;
     chart.groups = table.groups;
     chart.functions = table.functions;
-    chart.matrix = texts.matrix ? &*texts.matrix : nullptr;
-    chart.metric = texts.metric;
     const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
     chart.identifiers = identifiers;
     chart.sets = texts.sets;
+    chart.matrix = texts.matrix ? &*texts.matrix : nullptr;
+    chart.metric = texts.metric;
     chart.terms = &terms;
     return chart_page(chart);
 }

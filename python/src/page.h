@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "results/quantised_matrix.h"
 #include "results/gene_set.h"
+#include "results/quantised_matrix.h"
 #include "util/matrix_view.h"
 
 namespace ovik::python {
