@@ -74,8 +74,8 @@ struct Options {
     std::string neighbours_file;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
-    /// File of a list of genes to test for terms instead of a run, "-" for standard input; empty for a
-    /// run.
+    /// File of a list of genes to test for terms instead of a run, "-" for standard input; empty
+    /// for a run.
     std::string enrich;
     /// Matrix whose genes the list is compared with; empty for all genes.
     std::string background;
