@@ -39,7 +39,7 @@ RowClusters divided(double theta, std::string& out) {
         report.neighbours = {};
     }
     testing::internal::CaptureStdout();
-    const RowClusters clusters = find_map_clusters(tsne, options, report, 0.5);
+    const RowClusters clusters = find_map_clusters(tsne, options, report, 0.1);
     out = testing::internal::GetCapturedStdout();
     tsne.finish();
     return clusters;
@@ -51,7 +51,7 @@ TEST(MapClusters, AreFoundWithAndWithoutTheNeighboursOfTheFit) {
         const RowClusters clusters = divided(theta, out);
         EXPECT_EQ(clusters.sizes, (std::vector<std::size_t>{40, 20}));
         EXPECT_EQ(out,
-                  "-- Clusters: " + clusters_text(clusters, 0.5) +
+                  "-- Clusters: " + clusters_text(clusters, 0.1) +
                       "; the largest has 40 rows, the smallest 20\n");
         const LabelColumn labels = cluster_labels(clusters);
         EXPECT_EQ(labels.title, "Cluster");
