@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "plots/figure_options.h"
 #include "plots/plot_outcome.h"
 #include "results/label_column.h"
 
@@ -34,6 +36,8 @@ struct ResultSettings {
     std::string transformations = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
+    /// How large the figure is and what it shows besides; none: 1200 x 1200 pixels.
+    std::optional<FigureOptions> figure = {};
 };
 
 /// What became of the results of a run.

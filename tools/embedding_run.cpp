@@ -47,6 +47,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.row_functions = functions_of(*input.genes);
     tsne.row_genes = other_names_of(*input.genes, tsne.row_names);
     tsne.label_columns = input.label_columns;
+    tsne.figure = input.figure;
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
     tsne.options = options.fit;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "input/known_columns.h"
+#include "plots/figure_options.h"
 #include "results/label_column.h"
 #include "results/run_record.h"
 #include "stats/cached_neighbours.h"
@@ -28,6 +29,8 @@ struct RunInput {
     std::vector<std::string> labels;
     /// Labels by name, in the place of the former; empty for none.
     std::vector<LabelColumn> label_columns;
+    /// How the figure is to be.
+    FigureOptions figure;
     /// Where the rows start, rows x output dimensions; empty for a start of another kind.
     std::vector<double> start_places;
     /// What the columns are, for a model of the map; without means if none is wanted.

@@ -22,6 +22,7 @@
 #include "util/similar_name.h"
 
 #include "tools/exit_status.h"
+#include "tools/figure_choice.h"
 
 namespace ovik::tool {
 
@@ -183,6 +184,28 @@ void add_output_options(CLI::App& app, Options& options) {
     app.add_flag_callback(
         "--no-plots", [&options] { options.plots = false; }, "Draw neither chart page nor figure");
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
+}
+
+/// @throws CLI::ValidationError if the text is no size
+void parse_figure_size(const std::string& text, Options& options) {
+    try {
+        options.figure_size = figure_size_of(text);
+        options.figure_size_is_given = true;
+    } catch (const InputError& error) {
+        throw CLI::ValidationError(error.what());
+    }
+}
+
+void add_figure_options(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--figure-size",
+           [&options](const std::string& text) { parse_figure_size(text, options); },
+           "Of the figure: single or double column (89, 183 mm), 120mm, 89x60mm, 1200x900 pixels")
+        ->option_text("SIZE");
+    app.add_option("--highlight",
+                   options.highlight,
+                   "Write these genes' names in the figure: a list with commas, or a file")
+        ->option_text("GENES");
 }
 
 /// What the command takes in the place of the last name of a choice that has an open end.
@@ -512,12 +535,13 @@ void add_transformation_options(CLI::App& app, Options& options) {
 
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
-constexpr std::array<std::string_view, 30> kOptionsOfPlacement = {
-    "onto",         "help",    "version", "delimiter",   "decimal",   "skip-columns",
-    "names-column", "na",      "missing", "no-header",   "no-names",  "names",
-    "row-names",    "labels",  "sheet",   "log1p",       "center",    "scale",
-    "out-dir",      "name",    "suffix",  "title",       "json",      "no-plots",
-    "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows"};
+constexpr std::array<std::string_view, 32> kOptionsOfPlacement = {
+    "onto",         "help",     "version", "delimiter",   "decimal",   "skip-columns",
+    "names-column", "na",       "missing", "no-header",   "no-names",  "names",
+    "row-names",    "labels",   "sheet",   "log1p",       "center",    "scale",
+    "out-dir",      "name",     "suffix",  "title",       "json",      "no-plots",
+    "quiet",        "threads",  "force",   "coordinates", "annotated", "constant-rows",
+    "figure-size",  "highlight"};
 
 /// @throws CLI::ValidationError if the command line asks for a placement and for what it cannot do
 void check_placement(const CLI::App& app, const Options& options) {
@@ -546,6 +570,11 @@ void check_combination(const Options& options) {
         throw CLI::ValidationError(
             "--collect",
             "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
+    if (!options.plots && (options.figure_size_is_given || !options.highlight.empty())) {
+        throw CLI::ValidationError(
+            options.figure_size_is_given ? "--figure-size" : "--highlight",
+            "is of the figure, which --no-plots leaves out: leave one of them away");
     }
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
@@ -687,6 +716,7 @@ void fill_in_defaults(Options& options) {
     } else if (options.name.empty()) {
         options.name = options.matrix == "-" ? "stdin" : stem_of(options.matrix);
     }
+    options.title_is_given = !options.title.empty();
     if (options.title.empty()) {
         options.title = options.name;
     }
@@ -714,6 +744,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_workbook_options(app, command.options);
     add_transformation_options(app, command.options);
     add_output_options(app, command.options);
+    add_figure_options(app, command.options);
     add_method_options(app, command.options);
     add_checkpoint_options(app, command.options);
     add_model_options(app, command.options);

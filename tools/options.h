@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "input/load_options.h"
+#include "plots/figure_options.h"
 #include "stats/fit_options.h"
 #include "stats/option_checks.h"
 #include "stats/preset.h"
@@ -59,8 +60,15 @@ struct Options {
     std::string neighbours_file;
     /// A gene to look up instead of a run; empty for a run.
     std::string gene;
+    /// Whether the command line has a title.
+    bool title_is_given = false;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
+    FigureSize figure_size;
+    /// Whether the command line has that.
+    bool figure_size_is_given = false;
+    /// Rows whose names the figure shows, as a list or the path of a file; empty for none.
+    std::string highlight;
     /// File of the checkpoint; empty for none.
     std::string checkpoint;
     /// Iterations between two checkpoints.

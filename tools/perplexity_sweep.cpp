@@ -23,6 +23,7 @@
 #include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/embedding_run.h"
+#include "tools/figure_choice.h"
 #include "tools/interruption.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
@@ -174,16 +175,16 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     }
     const auto genes =
         std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
+    const FigureOptions figure = settle_figure(options, loaded.matrix.row_names, *genes);
     describe_input(report, loaded);
     const std::vector<double> start_places = settle_start(options, loaded.matrix.row_names);
     const std::shared_ptr<CachedNeighbours> neighbours =
         given != nullptr ? given : shared_neighbours(perplexities, options, report.rows);
     for (const double perplexity : perplexities) {
         const bool is_last = report.runs.size() + 1 == perplexities.size();
-        report.runs.push_back(
-            run_embedding(options,
-                          input_of_run(loaded, genes, labels, neighbours, start_places, is_last),
-                          perplexity));
+        RunInput input = input_of_run(loaded, genes, labels, neighbours, start_places, is_last);
+        input.figure = figure;
+        report.runs.push_back(run_embedding(options, std::move(input), perplexity));
         if (interruption_status() != Success) {
             break;
         }
