@@ -32,6 +32,7 @@ LABEL org.opencontainers.image.title="ovik-tsne" \
 RUN apt-get update \
     && apt-get install --yes --no-install-recommends \
         fonts-dejavu-core \
+        fonts-liberation2 \
         gnuplot-nox \
         libgomp1 \
         libgoogle-glog0v6 \

@@ -4,11 +4,13 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "util/counted.h"
 #include "util/input_file.h"
 #include "util/plain_text.h"
 #include "util/whole_file.h"
@@ -57,24 +59,24 @@ bool ends_in(const std::string& path, const std::string& ending) {
     return tail.find(ending) != std::string::npos;
 }
 
-/// Copies a finished picture to its place as a whole file: links, permissions and other disks are
-/// seen to there.
-///
 /// @throws std::ios_base::failure if the picture cannot be read
-std::error_code place_picture(const std::string& picture, const std::string& place) {
-    constexpr std::streamsize kBlock = 65536;
+std::string bytes_of(const std::string& picture) {
     std::ifstream from = open_input_file(picture);
     if (!from.is_open()) {
         throw_read_failure();
     }
+    return {std::istreambuf_iterator<char>(from), {}};
+}
+
+/// Writes a finished picture to its place as a whole file: links, permissions and other disks are
+/// seen to there.
+std::error_code place_picture(const std::string& bytes, const std::string& place) {
     WholeFile file(place);
     if (file.isInPlace()) {
         tell_of_writing_in_place(place);
     }
-    std::vector<char> block(kBlock);
-    while (file.stream() != nullptr && from) {
-        from.read(block.data(), kBlock);
-        std::fwrite(block.data(), 1, static_cast<std::size_t>(from.gcount()), file.stream());
+    if (file.stream() != nullptr) {
+        std::fwrite(bytes.data(), 1, bytes.size(), file.stream());
     }
     return file.commit();
 }
@@ -86,6 +88,21 @@ void tell_missing_figure(const std::string& base, const std::string& reason) {
     std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
 }
 
+void tell_unplaced_names(const std::string& base, const std::vector<std::string>& names) {
+    if (names.empty()) {
+        return;
+    }
+    constexpr std::size_t kListed = 5;
+    std::string line =
+        "Figure " + base + ".png has no room for " + counted(names.size(), "name", "names") + " (";
+    for (std::size_t n = 0; n < names.size() && n < kListed; ++n) {
+        line += (n == 0 ? "" : ", ") + names[n];
+    }
+    line += std::string(names.size() > kListed ? ", ..." : "") +
+            "): highlight fewer, or make it larger with --figure-size";
+    std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
+}
+
 void remove_left_over_drawings(const std::string& base) {
     const std::string start = file_name_of(base) + "_";
     remove_left_over_directories(base, [&start](std::string_view name) {
@@ -94,8 +111,9 @@ void remove_left_over_drawings(const std::string& base) {
     });
 }
 
-FigureDrawing::FigureDrawing(std::string base)
+FigureDrawing::FigureDrawing(std::string base, PictureFinish finish)
     : base_(std::move(base)),
+      finish_(std::move(finish)),
       directory_(base_, PartialEntry::Kind::Directory) {
     if (!directory_.isOpen()) {
         failure_ = std::generic_category().message(errno);
@@ -150,7 +168,11 @@ std::string FigureDrawing::finish(std::chrono::milliseconds limit) {
         }
         for (const char* const extension : {".png", ".svg"}) {
             picture = drawn(extension);
-            if (const auto failure = place_picture(picture, base_ + extension)) {
+            std::string bytes = bytes_of(picture);
+            if (finish_) {
+                bytes = finish_(bytes, extension);
+            }
+            if (const auto failure = place_picture(bytes, base_ + extension)) {
                 return failure.message() + ": " + base_ + extension;
             }
         }

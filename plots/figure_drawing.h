@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "plots/child_process.h"
 #include "plots/plot_outcome.h"
@@ -13,6 +15,14 @@ namespace ovik {
 /// Says on standard error, in one line, that a figure is not there; standard output may be
 /// silenced.
 void tell_missing_figure(const std::string& base, const std::string& reason);
+
+/// Says on standard error, in one line, that a figure lacks names that it was to show; nothing
+/// without names.
+void tell_unplaced_names(const std::string& base, const std::vector<std::string>& names);
+
+/// What is done to the bytes of a picture before it is placed; the second text is ".png" or ".svg".
+using PictureFinish =
+    std::function<std::string(const std::string& bytes, const std::string& extension)>;
 
 /// Removes what killed runs left of their drawings: the directories in which gnuplot was at work
 /// beside a base, as far as they hold nothing but its messages and pictures whose names begin with
@@ -28,7 +38,9 @@ void remove_left_over_drawings(const std::string& base);
 class FigureDrawing {
   public:
     /// Starts the program on `base` + ".gp". What goes wrong, but for memory, shows at `complete`.
-    explicit FigureDrawing(std::string base);
+    ///
+    /// @param finish  none places the pictures as the program leaves them
+    explicit FigureDrawing(std::string base, PictureFinish finish = {});
 
     FigureDrawing(const FigureDrawing&) = delete;
     FigureDrawing& operator=(const FigureDrawing&) = delete;
@@ -45,6 +57,7 @@ class FigureDrawing {
     [[nodiscard]] std::string drawn(const std::string& extension) const;
 
     std::string base_;
+    PictureFinish finish_;
     PartialEntry directory_;
     /// Why the program did not start.
     std::string failure_;

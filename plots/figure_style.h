@@ -12,8 +12,8 @@ struct FigureStyle {
     double left = 0.1;
     double bottom = 0.1;
     double top = 0.9;
-    /// Size of the text in typographic points.
-    int font_size = 21;
+    /// Size of the text in typographic points, of which a pixel has three quarters.
+    double font_size = 21;
     /// Translucent points, so that darker means overlaps.
     bool overlap = true;
 };

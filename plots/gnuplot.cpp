@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "plots/figure_drawing.h"
+#include "plots/figure_layout.h"
+#include "plots/finished_picture.h"
 #include "plots/gnuplot_script.h"
 #include "plots/run_figure.h"
 #include "plots/table_run.h"
@@ -43,7 +45,7 @@ void Gnuplot<T>::style(std::string& settings,
               as_written(left),
               as_written(bottom),
               as_written(top),
-              font_size,
+              static_cast<double>(font_size),
               overlap};
     settings = figure_settings(style_);
 }
@@ -92,13 +94,23 @@ template <typename T>
 void Gnuplot<T>::draw(const std::string& base,
                       const Figure& figure,
                       const std::string& script_head) {
+    const FigureOptions* const options = run_ ? run_->figure : nullptr;
+    const FigureLayout layout = options != nullptr ? layout_of_size(figure, options->size)
+                                                   : layout_in_style(figure, style_);
+    const std::string settings = options != nullptr ? figure_settings(layout.style) : script_head;
+    const GnuplotScript drawn = gnuplot_script(figure, settings, layout);
     const std::string script = base + ".gp";
-    if (const auto failure =
-            write_whole_text(script, gnuplot_script(figure, script_head, style_))) {
+    if (const auto failure = write_whole_text(script, drawn.text)) {
         fail(base, script + " could not be written (" + failure.message() + ")");
         return;
     }
-    drawing_ = std::make_unique<FigureDrawing>(base);
+    tell_unplaced_names(base, drawn.unplaced_names);
+    const double per_millimetre = layout.pixels_per_millimetre;
+    drawing_ = std::make_unique<FigureDrawing>(
+        base, [per_millimetre](const std::string& bytes, const std::string& extension) {
+            return extension == ".svg" ? finished_svg(bytes, per_millimetre)
+                                       : finished_png(bytes, per_millimetre);
+        });
 }
 
 template <typename T>

@@ -1,11 +1,17 @@
 #include "plots/gnuplot_script.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
 #include <numeric>
+#include <set>
 #include <string_view>
 
 #include "plots/gnuplot_text.h"
+#include "plots/name_placement.h"
+#include "plots/point_style.h"
+#include "plots/text_width.h"
 #include "util/format.h"
 #include "util/plain_text.h"
 
@@ -13,170 +19,350 @@ namespace ovik {
 
 namespace {
 
-/// The colours of Okabe and Ito, which colour-blind readers can tell apart; black comes last, and
-/// the yellow is darkened to show on white.
-constexpr std::array<const char*, 8> kColours = {
-    "0072B2", "D55E00", "009E73", "CC79A7", "E69F00", "56B4E9", "B8A800", "000000"};
+/// Pixels of a text for which widths and markers of legend and lines are given below.
+constexpr double kUsualFont = 28.0;
 
-/// Circle, square, triangle, diamond: the shapes of the first eight labels, the next eight, ...
-constexpr std::array<int, 4> kShapes = {7, 5, 9, 13};
-
-/// Panels stand in rows of equal length, the last one filled as far as they go.
-struct PanelGrid {
-    explicit PanelGrid(std::size_t panel_count)
-        : columns(static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(panel_count))))),
-          rows((panel_count + columns - 1) / columns) {}
-
-    std::size_t columns;
-    std::size_t rows;
+/// A picture that the script draws.
+struct Picture {
+    const char* terminal;
+    std::string extension;
+    /// What gnuplot multiplies a radius in pixels by for a "pointsize".
+    double pointsize;
+    double PointShape::*shape_scale;
+    /// What the font's size in points is multiplied by.
+    const char* font_factor;
+    /// Which of points and everything else it shows.
+    bool has_points;
+    bool has_frame;
 };
 
-/// How the legend fits into the room at the right of the axes.
-struct Legend {
-    Legend(const Figure& figure, const FigureStyle& style) {
-        constexpr double kCharacterWidth = 0.75;  // pixels per point of the font, on average
-        constexpr double kWideCharacterWidth = 0.9;
-        constexpr double kMarkerWidth = 44;
-        constexpr double kLineHeight = 1.9;
-        constexpr int kSmallestFont = 11;
-        std::size_t longest = 1;
-        for (const std::string& label : figure.labels) {
-            longest = std::max(longest, character_count(one_line_utf8(label)));
-        }
-        const double room = std::max(0.0, (1.0 - style.right) * style.width - kMarkerWidth);
-        const double wanted = room / (kCharacterWidth * static_cast<double>(longest));
-        const double largest = std::max<double>(kSmallestFont, 0.7 * style.font_size);
-        font_size = static_cast<int>(std::clamp<double>(wanted, kSmallestFont, largest));
-        // Labels that are cut may have been cut among wide letters.
-        const double width = font_size > kSmallestFont ? kCharacterWidth : kWideCharacterWidth;
-        characters = static_cast<std::size_t>(std::max(1.0, room / (width * font_size)));
-        const double height = std::max(0.0, (style.top - style.bottom) * style.height);
-        lines = static_cast<std::size_t>(std::max(2.0, height / (kLineHeight * font_size)));
-    }
-
-    int font_size;
-    /// How many characters fit into a line.
-    std::size_t characters;
-    std::size_t lines;
-};
-
-/// A label as the legend shows it.
-std::string legend_title(const std::string& label, const Legend& legend) {
-    return gnuplot_line(label.empty() ? "(no label)" : label, legend.characters);
+std::string steps(std::size_t count) {
+    return shortest_text(static_cast<double>(count));
 }
 
-/// The colour of points that step back.
-constexpr const char* kPale = "0xC8C8C8";
-
-/// Whether the points of a label step back.
-bool is_background(const Figure& figure, std::size_t label) {
-    return figure.has_background && label == 0;
+/// A length as a part of another one, in few digits.
+std::string share(double part, double whole) {
+    return shortest_text(std::round(1e5 * part / whole) / 1e5);
 }
 
-/// The number of a label among those with colours of their own.
-std::size_t colour_number(const Figure& figure, std::size_t label) {
-    return label - (figure.has_background && label > 0 ? 1 : 0);
-}
-
-std::string colour(const Figure& figure, std::size_t label) {
-    return is_background(figure, label)
-               ? kPale
-               : std::string("0x") + kColours[colour_number(figure, label) % kColours.size()];
-}
-
-std::string shape(const Figure& figure, std::size_t label) {
-    return std::to_string(kShapes[colour_number(figure, label) / kColours.size() % kShapes.size()]);
+std::string pixels(double length) {
+    return shortest_text(std::round(100 * length) / 100);
 }
 
 std::string block_name(std::size_t panel, std::size_t label) {
     return "$panel" + std::to_string(panel + 1) + "_label" + std::to_string(label + 1);
 }
 
-/// The size of the points of a panel from a label on: the more points, the smaller.
-std::string point_size(const FigurePanel& panel, const PanelGrid& grid, std::size_t first = 0) {
-    std::size_t count = 0;
-    for (std::size_t label = first; label < panel.points.size(); ++label) {
-        count += panel.points[label].size();
-    }
-    constexpr double kFew = 1.5;
-    constexpr double kHalvingCount = 4000;
-    const double size = kFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
-    return shortest_text(std::round(100 * size / std::sqrt(static_cast<double>(grid.columns))) /
-                         100);
+std::string part_name(std::size_t panel, const char* part) {
+    return "$panel" + std::to_string(panel + 1) + "_" + part;
 }
 
-std::string point_blocks(const Figure& figure) {
+bool is_grey(const Figure& figure, std::size_t list) {
+    return figure.scale
+               ? list == 1
+               : list + figure.grey_labels >= figure.labels.size() && !figure.labels.empty();
+}
+
+/// The width of the lines of a shape that is made of them.
+std::string line_of(const PointShape& shape, double radius) {
+    return shape.line > 0.0 ? " linewidth " + pixels(std::max(shape.line * radius, 0.5)) : "";
+}
+
+/// The radius in pixels of the points of a panel: the more points, the smaller. Grey ones do not
+/// count for others.
+double radius_of(const Figure& figure, const FigureLayout& layout, std::size_t panel, bool grey) {
+    const auto& lists = figure.panels[panel].points;
+    std::size_t count = 0;
+    for (std::size_t list = 0; list < lists.size(); ++list) {
+        count += grey || !is_grey(figure, list) ? lists[list].size() : 0;
+    }
+    constexpr double kOfFew = 5.5;
+    constexpr double kHalvingCount = 4000;
+    constexpr double kUsualSide = 900;
+    const FigurePlace place = layout.panel(panel);
+    const double side = std::sqrt(std::max(place.width * place.height, 1.0));
+    // Smaller panels have smaller points, though not as much.
+    constexpr double kPower = 0.8;
+    const double radius = kOfFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
+    const double least = 0.8 * layout.font / kUsualFont;
+    return std::max(radius * std::pow(side / kUsualSide, kPower), least);
+}
+
+/// The names of a panel, in the coordinates of the map.
+class PanelView {
+  public:
+    PanelView(const Figure& figure, const FigureLayout& layout, std::size_t panel)
+        : place_(layout.panel(panel)) {
+        const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
+        unit_ = 1.05 * std::max((max_x - min_x) / place_.width, (max_y - min_y) / place_.height);
+        unit_ = unit_ > 0.0 ? unit_ : 1.0 / layout.style.width;
+        middle_ = {(min_x + max_x) / 2.0, (min_y + max_y) / 2.0};
+    }
+
+    [[nodiscard]] std::array<double, 2> toPixels(const std::array<double, 2>& at) const {
+        return {place_.left + place_.width / 2 + (at[0] - middle_[0]) / unit_,
+                place_.top + place_.height / 2 - (at[1] - middle_[1]) / unit_};
+    }
+
+    [[nodiscard]] std::array<double, 2> toMap(const std::array<double, 2>& at) const {
+        return {middle_[0] + (at[0] - place_.left - place_.width / 2) * unit_,
+                middle_[1] - (at[1] - place_.top - place_.height / 2) * unit_};
+    }
+
+  private:
+    FigurePlace place_;
+    double unit_ = 1.0;
+    std::array<double, 2> middle_{};
+};
+
+/// The names of a panel where they are to stand.
+struct PanelNames {
+    double font = 0.0;
+    double radius = 0.0;
+    std::vector<PlacedName> places;
+};
+
+PanelNames names_of(const Figure& figure, const FigureLayout& layout, std::size_t position) {
+    constexpr double kFont = 0.8;
+    const FigurePanel& panel = figure.panels[position];
+    PanelNames names;
+    if (panel.named.empty()) {
+        return names;
+    }
+    names.font = kFont * layout.font;
+    names.radius =
+        std::max(1.5 * radius_of(figure, layout, position, false), 5.0 * layout.font / kUsualFont);
+    const PanelView view(figure, layout, position);
+    std::vector<NameToPlace> texts;
+    for (const NamedPoint& point : panel.named) {
+        constexpr double kHeight = 1.2;
+        texts.push_back({view.toPixels(point.at),
+                         text_width(one_line_utf8(point.name), names.font) + 0.3 * names.font,
+                         kHeight * names.font});
+    }
+    std::vector<std::array<double, 2>> others;
+    for (const auto& list : panel.points) {
+        for (const auto& point : list) {
+            others.push_back(view.toPixels(point));
+        }
+    }
+    names.places =
+        place_names(texts, names.radius + layout.font / kUsualFont, layout.panel(position), others);
+    return names;
+}
+
+class Script {
+  public:
+    Script(const Figure& figure, const std::string& settings, const FigureLayout& layout)
+        : figure_(figure),
+          settings_(settings),
+          layout_(layout) {
+        for (std::size_t panel = 0; panel < figure.panels.size(); ++panel) {
+            names_.push_back(names_of(figure, layout, panel));
+            for (const auto& list : figure.panels[panel].points) {
+                point_count_ += list.size();
+            }
+        }
+    }
+
+    [[nodiscard]] std::string text() const {
+        const double svg = 1 / (0.375 * layout_.font);
+        constexpr double kPng = 1.0 / 3;
+        std::string script =
+            "# Draws the figure anew, as .png and .svg, into the current directory:\n"
+            "# run gnuplot on this file there.\n\n" +
+            settings_ + "\n" + pointBlocks() + "\n" + frame() +
+            draw({"pngcairo background 'white'",
+                  ".png",
+                  kPng,
+                  &PointShape::png_scale,
+                  "1.0",
+                  true,
+                  true});
+        const bool has_image = point_count_ >= kFewestImagePoints;
+        if (has_image) {
+            script += draw({"pngcairo transparent",
+                            "_points.png",
+                            kPng,
+                            &PointShape::png_scale,
+                            "1.0",
+                            true,
+                            false});
+        }
+        return script + draw({"svg standalone background 'white'",
+                              ".svg",
+                              svg,
+                              &PointShape::svg_scale,
+                              "4.0 / 3.0",
+                              !has_image,
+                              true});
+    }
+
+    [[nodiscard]] std::vector<std::string> unplacedNames() const {
+        std::set<std::string> unplaced;
+        for (std::size_t panel = 0; panel < names_.size(); ++panel) {
+            for (std::size_t n = 0; n < names_[panel].places.size(); ++n) {
+                if (!names_[panel].places[n].is_placed) {
+                    unplaced.insert(figure_.panels[panel].named[n].name);
+                }
+            }
+        }
+        return {unplaced.begin(), unplaced.end()};
+    }
+
+  private:
+    [[nodiscard]] std::string pointBlocks() const;
+    [[nodiscard]] std::string nameBlocks(std::size_t position) const;
+    [[nodiscard]] std::string frame() const;
+    [[nodiscard]] std::string draw(const Picture& picture) const;
+    [[nodiscard]] std::string drawImage() const;
+    [[nodiscard]] std::string drawPanel(std::size_t position, const Picture& picture) const;
+    [[nodiscard]] std::string drawPoints(std::size_t position) const;
+    [[nodiscard]] std::string drawNames(std::size_t position) const;
+    [[nodiscard]] std::string namedPoints(std::size_t position, double radius, double rim) const;
+    [[nodiscard]] bool hasNamed(std::size_t position, const PointShape& shape) const;
+    [[nodiscard]] std::string axisTitles(std::size_t position, const Picture& picture) const;
+    [[nodiscard]] std::string nameTexts(std::size_t position, const Picture& picture) const;
+    [[nodiscard]] std::string legend(const Picture& picture) const;
+    [[nodiscard]] std::string colourBar(const Picture& picture) const;
+    [[nodiscard]] std::vector<std::size_t> drawingOrder(const FigurePanel& panel) const;
+
+    [[nodiscard]] std::string left(double x) const { return share(x, layout_.style.width); }
+
+    [[nodiscard]] std::string up(double y) const {
+        return share(layout_.style.height - y, layout_.style.height);
+    }
+
+    /// A font whose size is in pixels, as an expression.
+    [[nodiscard]] static std::string fontText(double size, const Picture& picture) {
+        return "sprintf('Arial,%.4g', " + pixels(0.75 * size) + " * " + picture.font_factor + ")";
+    }
+
+    /// A text's font, in pixels of the picture.
+    [[nodiscard]] static std::string font(double size, const Picture& picture) {
+        return " font " + fontText(size, picture);
+    }
+
+    [[nodiscard]] std::string lineWidth(double width) const {
+        return " linewidth " + pixels(width * layout_.font / kUsualFont);
+    }
+
+    const Figure& figure_;
+    const std::string& settings_;
+    const FigureLayout& layout_;
+    std::vector<PanelNames> names_;
+    std::size_t point_count_ = 0;
+};
+
+std::string Script::pointBlocks() const {
     std::string script;
-    for (std::size_t panel = 0; panel < figure.panels.size(); ++panel) {
-        const auto& lists = figure.panels[panel].points;
+    for (std::size_t panel = 0; panel < figure_.panels.size(); ++panel) {
+        const auto& lists = figure_.panels[panel].points;
         for (std::size_t label = 0; label < lists.size(); ++label) {
             script += block_name(panel, label) + " << END_OF_POINTS\n";
-            const bool has_numbers = figure.scale && label == 0;
+            const bool has_numbers = figure_.scale && label == 0;
             for (std::size_t point = 0; point < lists[label].size(); ++point) {
                 const auto& [x, y] = lists[label][point];
                 script += shortest_text(x) + " " + shortest_text(y);
                 script += has_numbers
-                              ? " " + shortest_text(figure.panels[panel].numbers[point]) + "\n"
+                              ? " " + shortest_text(figure_.panels[panel].numbers[point]) + "\n"
                               : "\n";
             }
             script += "END_OF_POINTS\n";
         }
+        script += nameBlocks(panel);
     }
     return script;
 }
 
-/// The colours of numbers: viridis without its brightest part, which vanishes on white. The bar
-/// that explains them stands beside the first panel.
-std::string colour_scale(const ColourScale& scale) {
-    constexpr std::size_t kTitleLength = 40;
-    // One number alone has no ends; any others serve.
-    const double margin = scale.least < scale.most ? 0.0 : std::max(1.0, std::abs(scale.least));
-    return "set palette defined (0 '#440154', 1 '#472d7b', 2 '#3b528b', 3 '#2c728e', "
-           "4 '#21918c', 5 '#28ae80', 6 '#5ec962', 7 '#addc30', 7.2 '#bdde2e')\n"
-           "set cbrange [" +
-           shortest_text(scale.least - margin) + ":" + shortest_text(scale.most + margin) +
-           "]\nset cblabel " + gnuplot_line(scale.title, kTitleLength) +
-           " noenhanced offset 0.8,0\n";
+/// The named points with their shapes and colours, the ground of their names, and the lines.
+std::string Script::nameBlocks(std::size_t position) const {
+    const FigurePanel& panel = figure_.panels[position];
+    if (panel.named.empty()) {
+        return "";
+    }
+    const PanelView view(figure_, layout_, position);
+    std::string points;
+    std::string grounds;
+    std::string lines;
+    for (std::size_t n = 0; n < panel.named.size(); ++n) {
+        const NamedPoint& point = panel.named[n];
+        const PlacedName& name = names_[position].places[n];
+        const std::string at = shortest_text(point.at[0]) + " " + shortest_text(point.at[1]);
+        const int shape =
+            figure_.scale ? point_shapes()[0].number : shape_of_label(figure_, point.list).number;
+        points += at + " " + std::to_string(shape) + " 0x" + colour_of_point(figure_, point) + "\n";
+        if (!name.is_placed) {
+            continue;
+        }
+        const auto low = view.toMap({name.box.left, name.box.top + name.box.height});
+        const auto high = view.toMap({name.box.left + name.box.width, name.box.top});
+        for (const double value :
+             {(low[0] + high[0]) / 2, (low[1] + high[1]) / 2, low[0], high[0], low[1], high[1]}) {
+            grounds += shortest_text(value) + " ";
+        }
+        grounds += "\n";
+        if (name.has_line) {
+            const auto end = view.toMap(name.line_end);
+            lines += at + " " + shortest_text(end[0] - point.at[0]) + " " +
+                     shortest_text(end[1] - point.at[1]) + "\n";
+        }
+    }
+    const auto block = [position](const char* part, const std::string& rows) {
+        return rows.empty()
+                   ? ""
+                   : part_name(position, part) + " << END_OF_POINTS\n" + rows + "END_OF_POINTS\n";
+    };
+    return block("named", points) + block("grounds", grounds) + block("lines", lines);
 }
 
-std::string colour_bar(std::size_t position) {
-    return position > 0 ? "unset colorbox\n"
-                        : "set colorbox user origin right_edge + 0.02, top_edge - "
-                          "0.35 size 0.02, 0.35\n";
-}
-
+/// Numbers at the axes, which say nothing of the data, for readers of the script who want them.
 /// Coordinates below 1 and from 10000 on have ticks too long for their room: they count powers of
 /// ten.
-constexpr std::string_view kShortTicks =
-    "\n# Ticks of very small and very large coordinates count a power of ten.\n"
-    "end = (abs(mid_x) > abs(mid_y) ? abs(mid_x) : abs(mid_y)) + half_x\n"
-    "power = floor(log10(end))\n"
-    "tick_unit = end > 1000.0 * half_x ? 1.0 : power < -1 ? 10.0**(power - 1) \\\n"
-    "  : power > 3 ? 10.0**(power - 1) : 1.0\n"
+constexpr std::string_view kAxisNumbers =
+    "\n# 1 shows the numbers at the axes. Ticks of very small and very large coordinates count a\n"
+    "# power of ten.\n"
+    "axis_numbers = 0\n"
+    "title_gap = 0.55 * font_size * 4.0 / 3.0\n"
     "unit_note = ''\n"
-    "if (tick_unit < 1.0 ? 1 : tick_unit > 1.0) {\n"
-    "  unit_note = sprintf(', in units of %g', tick_unit)\n"
-    "  least_step = half_x / 4.0\n"
-    "  decade = 10.0**floor(log10(least_step))\n"
-    "  multiple = least_step / decade\n"
-    "  step = decade * (multiple <= 2.0 ? 2.0 : multiple <= 5.0 ? 5.0 : 10.0)\n"
-    "  set xtics (0)\n"
-    "  set ytics (0)\n"
-    "  set for [n = floor((mid_x - half_x) / step):ceil((mid_x + half_x) / step)] \\\n"
-    "    xtics add (sprintf('%g', n * step / tick_unit) n * step)\n"
-    "  set for [n = floor((mid_y - half_y) / step):ceil((mid_y + half_y) / step)] \\\n"
-    "    ytics add (sprintf('%g', n * step / tick_unit) n * step)\n"
+    "unset xtics\n"
+    "unset ytics\n"
+    "if (axis_numbers) {\n"
+    "  set format '%g'\n"
+    "  set tics out nomirror scale 0.6\n"
+    "  set xtics offset 0,0.3\n"
+    "  set ytics offset 0.5,0\n"
+    "  title_gap = 2.6 * font_size * 4.0 / 3.0\n"
+    "  end = (abs(mid_x) > abs(mid_y) ? abs(mid_x) : abs(mid_y)) + half_x\n"
+    "  power = floor(log10(end))\n"
+    "  tick_unit = end > 1000.0 * half_x ? 1.0 : power < -1 ? 10.0**(power - 1) \\\n"
+    "    : power > 3 ? 10.0**(power - 1) : 1.0\n"
+    "  if (tick_unit < 1.0 ? 1 : tick_unit > 1.0) {\n"
+    "    unit_note = sprintf(', in units of %g', tick_unit)\n"
+    "    least_step = half_x / 4.0\n"
+    "    decade = 10.0**floor(log10(least_step))\n"
+    "    multiple = least_step / decade\n"
+    "    step = decade * (multiple <= 2.0 ? 2.0 : multiple <= 5.0 ? 5.0 : 10.0)\n"
+    "    set xtics (0)\n"
+    "    set ytics (0)\n"
+    "    set for [n = floor((mid_x - half_x) / step):ceil((mid_x + half_x) / step)] \\\n"
+    "      xtics add (sprintf('%g', n * step / tick_unit) n * step)\n"
+    "    set for [n = floor((mid_y - half_y) / step):ceil((mid_y + half_y) / step)] \\\n"
+    "      ytics add (sprintf('%g', n * step / tick_unit) n * step)\n"
+    "  }\n"
     "}\n";
 
 /// What is the same for every panel: where they stand, and which part of the plane they show.
-std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& legend) {
-    const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
-    const std::string columns = shortest_text(static_cast<double>(grid.columns));
-    const std::string rows = shortest_text(static_cast<double>(grid.rows));
+std::string Script::frame() const {
+    const auto& [min_x, max_x, min_y, max_y] = figure_.bounds;
+    const std::string columns = steps(layout_.columns);
+    const std::string rows = steps(layout_.rows);
     return "set encoding utf8\n"
-           "gap_x = 0.18 / " +
-           columns + "\ngap_y = 0.18 / " + columns + "\npanel_width = (right_edge - left_edge - (" +
-           columns + " - 1) * gap_x) / " + columns +
+           "unset key\n"
+           "gap_x = " +
+           share(layout_.gap_x, layout_.style.width) +
+           "\ngap_y = " + share(layout_.gap_y, layout_.style.height) +
+           "\npanel_width = (right_edge - left_edge - (" + columns + " - 1) * gap_x) / " + columns +
            "\npanel_height = (top_edge - bottom_edge - (" + rows + " - 1) * gap_y) / " + rows +
            "\n\n# One unit is as long on both axes, and the outermost points are whole.\n"
            "min_x = " +
@@ -189,123 +375,257 @@ std::string frame(const Figure& figure, const PanelGrid& grid, const Legend& leg
            "half_x = unit * panel_width * figure_width / 2\n"
            "half_y = unit * panel_height * figure_height / 2\n"
            "mid_x = (min_x + max_x) / 2.0\n"
-           "mid_y = (min_y + max_y) / 2.0\n"
-           "set xrange [mid_x - half_x : mid_x + half_x]\n"
-           "set yrange [mid_y - half_y : mid_y + half_y]\n"
-           "set format '%g'\n"
-           "set tics out nomirror scale 0.6\n"
-           "set xtics offset 0,0.3\n"
-           "set ytics offset 0.5,0\n" +
-           std::string(kShortTicks) +
-           "set key at screen right_edge + 0.012,top_edge left top Left reverse noenhanced "
-           "samplen 0.5 width -2 font 'Sans," +
-           std::to_string(legend.font_size) + "'\n" +
-           (figure.scale ? colour_scale(*figure.scale) : "");
+           "mid_y = (min_y + max_y) / 2.0\n" +
+           std::string(kAxisNumbers) + "set border" + lineWidth(1.0) + "\n" +
+           (figure_.scale ? gnuplot_palette(*figure_.scale) : "");
 }
 
-/// One line per label, in full colour; what does not fit is counted in the last one.
-std::string legend_entries(const Figure& figure, const Legend& legend) {
-    const std::size_t count = figure.labels.size();
-    const std::size_t shown = count <= legend.lines ? count : legend.lines - 1;
-    std::string entries;
-    for (std::size_t label = 0; label < shown; ++label) {
-        entries += ", \\\n  keyentry with points pointtype " + shape(figure, label) +
-                   " pointsize 1.5 linecolor rgb " + colour(figure, label) + " title " +
-                   legend_title(figure.labels[label], legend);
-    }
-    if (shown < count) {
-        entries += ", \\\n  keyentry with points pointtype 7 pointsize 0 title " +
-                   gnuplot_text("and " + std::to_string(count - shown) + " more");
-    }
-    return entries;
-}
-
-/// The background first, then large groups, so that they do not bury small ones.
-std::vector<std::size_t> drawing_order(const Figure& figure, const FigurePanel& panel) {
+/// Grey points first, then large groups, so that they do not bury small ones.
+std::vector<std::size_t> Script::drawingOrder(const FigurePanel& panel) const {
     std::vector<std::size_t> order(panel.points.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    const auto first = order.begin() + (figure.has_background && !order.empty() ? 1 : 0);
-    std::stable_sort(first, order.end(), [&panel](std::size_t a, std::size_t b) {
-        return panel.points[a].size() > panel.points[b].size();
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        const bool a_is_grey = is_grey(figure_, a);
+        return a_is_grey == is_grey(figure_, b) ? panel.points[a].size() > panel.points[b].size()
+                                                : a_is_grey;
     });
     return order;
 }
 
-/// Points without a number lie beneath those that have one.
-std::string draw_numbers(const FigurePanel& panel, std::size_t position, const PanelGrid& grid) {
-    const std::string shared = " with points pointtype 7 pointsize " + point_size(panel, grid);
+std::string Script::drawPoints(std::size_t position) const {
+    const FigurePanel& panel = figure_.panels[position];
     std::string script;
-    if (!panel.points[1].empty()) {
-        script += ", \\\n  " + block_name(position, 1) + " using 1:2" + shared + " linecolor rgb " +
-                  kPale + " notitle";
-    }
-    if (!panel.points[0].empty()) {
-        script += ", \\\n  " + block_name(position, 0) + " using 1:2:3" + shared +
-                  " linecolor palette notitle";
+    for (const std::size_t list : drawingOrder(panel)) {
+        if (panel.points[list].empty()) {
+            continue;
+        }
+        const bool grey = is_grey(figure_, list);
+        const PointShape& shape = figure_.scale ? point_shapes()[0] : shape_of_label(figure_, list);
+        const double radius = radius_of(figure_, layout_, position, grey);
+        script += ", \\\n  " + block_name(position, list) +
+                  (figure_.scale && !grey ? " using 1:2:3" : " using 1:2") +
+                  " with points pointtype " + std::to_string(shape.number) + " pointsize " +
+                  pixels(radius) + " * " + shape.name + line_of(shape, radius);
+        if (figure_.scale && !grey) {
+            script += " linecolor palette notitle";
+        } else {
+            const std::string colour =
+                figure_.scale ? kNumberlessPoint : colour_of_label(figure_, list);
+            script += " linecolor rgb (transparency * 0x1000000 + 0x" + colour + ") notitle";
+        }
     }
     return script;
 }
 
-std::string draw_panel(const Figure& figure,
-                       std::size_t position,
-                       const PanelGrid& grid,
-                       const Legend& legend) {
-    constexpr std::size_t kTitleLength = 60;
-    const FigurePanel& panel = figure.panels[position];
-    const auto steps = [](std::size_t count) { return shortest_text(static_cast<double>(count)); };
-    const std::string left =
-        "left_edge + " + steps(position % grid.columns) + " * (panel_width + gap_x)";
-    const std::string top =
-        "top_edge - " + steps(position / grid.columns) + " * (panel_height + gap_y)";
-    std::string script = "set lmargin at screen " + left + "\nset rmargin at screen " + left +
-                         " + panel_width\nset tmargin at screen " + top +
-                         "\nset bmargin at screen " + top + " - panel_height\nset xlabel " +
-                         gnuplot_line(panel.x_title, kTitleLength) +
-                         ".unit_note offset 0,0.4 noenhanced\nset ylabel " +
-                         gnuplot_line(panel.y_title, kTitleLength) +
-                         ".unit_note offset 1.5,0 noenhanced\n"
-                         // Something to draw, so that a panel without points has its axes.
-                         "plot NaN notitle";
-    if (figure.scale) {
-        return colour_bar(position) + script + draw_numbers(panel, position, grid) + "\n";
+/// Named points over all others, with a dark rim, and the ground of their names.
+std::string Script::drawNames(std::size_t position) const {
+    const PanelNames& names = names_[position];
+    if (names.places.empty()) {
+        return "";
     }
-    for (const std::size_t label : drawing_order(figure, panel)) {
-        if (!panel.points[label].empty()) {
-            script += ", \\\n  " + block_name(position, label) +
-                      " using 1:2 with points pointtype " + shape(figure, label) + " pointsize " +
-                      point_size(panel, grid, figure.has_background && label > 0 ? 1 : 0) +
-                      " linecolor rgb (transparency * 0x1000000 + " + colour(figure, label) +
-                      ") notitle";
+    const bool has_any = std::any_of(
+        names.places.begin(), names.places.end(), [](const auto& name) { return name.is_placed; });
+    const bool has_lines = std::any_of(names.places.begin(), names.places.end(), [](const auto& n) {
+        return n.is_placed && n.has_line;
+    });
+    std::string script;
+    if (has_any) {
+        script += ", \\\n  " + part_name(position, "grounds") +
+                  " using 1:2:3:4:5:6 with boxxyerror fillstyle transparent solid 0.8 noborder "
+                  "fillcolor rgb 0xFFFFFF notitle";
+    }
+    if (has_lines) {
+        script += ", \\\n  " + part_name(position, "lines") + " using 1:2:3:4 with vectors nohead" +
+                  lineWidth(1.0) + " linecolor rgb 0x333333 notitle";
+    }
+    return script + namedPoints(position, names.radius, 1.2 * layout_.font / kUsualFont);
+}
+
+/// Filled shapes, and then each shape of lines in its width: first those in black, then the colours
+/// upon them.
+std::string Script::namedPoints(std::size_t position, double radius, double rim) const {
+    const std::string block = ", \\\n  " + part_name(position, "named") + " using 1:2:(";
+    const auto filled = [&](double size, const std::string& colour) {
+        return block + "$3 < 4 ? NaN : " + pixels(size) + " * size_of($3)):3" + colour + " notitle";
+    };
+    const std::string variable =
+        " with points pointsize variable pointtype variable linecolor rgb ";
+    std::string script =
+        filled(radius, variable + "0x000000") + filled(radius - rim, ":4" + variable + "variable");
+    for (const PointShape& shape : point_shapes()) {
+        if (shape.line == 0.0 || !hasNamed(position, shape)) {
+            continue;
+        }
+        const std::string number = std::to_string(shape.number);
+        const double width = std::max(shape.line * radius, 0.5);
+        for (const bool is_rim : {true, false}) {
+            const double more = is_rim ? rim : 0.0;
+            script += block;
+            script += "$3 == " + number + " ? " + pixels(radius + more) + " * " + shape.name;
+            script += is_rim ? " : NaN)" : " : NaN):4";
+            script += " with points pointtype " + number + " pointsize variable linecolor rgb ";
+            script += is_rim ? "0x000000" : "variable";
+            script += " linewidth " + pixels(width + 2 * more) + " notitle";
         }
     }
-    return script + (position == 0 ? legend_entries(figure, legend) : "") + "\n";
+    return script;
+}
+
+bool Script::hasNamed(std::size_t position, const PointShape& shape) const {
+    const auto& named = figure_.panels[position].named;
+    return !figure_.scale && std::any_of(named.begin(), named.end(), [&](const NamedPoint& point) {
+        return &shape_of_label(figure_, point.list) == &shape;
+    });
+}
+
+std::string Script::nameTexts(std::size_t position, const Picture& picture) const {
+    const FigurePanel& panel = figure_.panels[position];
+    const PanelView view(figure_, layout_, position);
+    std::string script;
+    for (std::size_t n = 0; n < panel.named.size(); ++n) {
+        const PlacedName& name = names_[position].places[n];
+        if (!name.is_placed) {
+            continue;
+        }
+        const auto middle =
+            view.toMap({name.box.left + name.box.width / 2, name.box.top + name.box.height / 2});
+        script += "set label " + gnuplot_text(one_line_utf8(panel.named[n].name)) + " at " +
+                  shortest_text(middle[0]) + "," + shortest_text(middle[1]) + " center front" +
+                  font(names_[position].font, picture) + "\n";
+    }
+    return script;
+}
+
+std::string Script::axisTitles(std::size_t position, const Picture& picture) const {
+    const FigurePanel& panel = figure_.panels[position];
+    const FigurePlace place = layout_.panel(position);
+    const auto cut = [&](const std::string& title, double room) {
+        return gnuplot_text(cut_distinctly({title}, layout_.font, room)[0]);
+    };
+    return "set label " + cut(panel.x_title, place.width) +
+           ".unit_note at screen left + panel_width / 2, "
+           "top - panel_height - (title_gap + 3) / figure_height center" +
+           font(layout_.font, picture) + "\nset label " + cut(panel.y_title, place.height) +
+           ".unit_note at screen left - title_gap * 1.2 / figure_width, "
+           "top - panel_height / 2 center rotate by 90" +
+           font(layout_.font, picture) + "\n";
+}
+
+/// One entry per label, in full colour; what does not fit is counted in the last one.
+std::string Script::legend(const Picture& picture) const {
+    const LegendLayout& legend = layout_.legend;
+    std::string script;
+    for (std::size_t entry = 0; entry < legend.texts.size(); ++entry) {
+        const std::size_t rows = std::max<std::size_t>(legend.rows, 1);
+        const std::size_t column = entry / rows;
+        const auto row = static_cast<double>(entry % rows);
+        const double x = legend.place.left + static_cast<double>(column) * legend.column_width;
+        const double y = legend.place.top + (row + 0.5) * legend.line_height;
+        const bool is_count = legend.left_out > 0 && entry + 1 == legend.texts.size();
+        if (!is_count) {
+            const PointShape& shape =
+                figure_.scale ? point_shapes()[0] : shape_of_label(figure_, entry);
+            const std::string colour =
+                figure_.scale ? kNumberlessPoint : colour_of_label(figure_, entry);
+            script += "set label '' at screen " + left(x + 0.36 * legend.font) + "," + up(y) +
+                      " point pointtype " + std::to_string(shape.number) + " pointsize " +
+                      pixels(0.3 * legend.font) + " * " + shape.name +
+                      line_of(shape, 0.3 * legend.font) + " linecolor rgb 0x" + colour + "\n";
+        }
+        script += "set label " + gnuplot_text(legend.texts[entry]) + " at screen " +
+                  left(x + legend.marker_width) + "," + up(y) + " left" +
+                  font(legend.font, picture) + "\n";
+    }
+    return script;
+}
+
+/// The bar that explains the colours, beside the first panel.
+std::string Script::colourBar(const Picture& picture) const {
+    const ColourScale& scale = *figure_.scale;
+    // One number alone has no ends; any others serve.
+    const double margin = scale.least < scale.most ? 0.0 : std::max(1.0, std::abs(scale.least));
+    const FigurePlace& bar = layout_.bar;
+    const double legend_font = 0.85 * layout_.font;
+    // Tics take no expression.
+    return "tick_font = " + fontText(legend_font, picture) + "\nset cbrange [" +
+           shortest_text(scale.least - margin) + ":" + shortest_text(scale.most + margin) +
+           "]\nset colorbox user origin screen " + left(bar.left) + "," + up(bar.top + bar.height) +
+           " size screen " + left(bar.width) + "," + share(bar.height, layout_.style.height) +
+           "\nset cbtics scale 0.4 offset -0.5,0 font tick_font"
+           "\nset label " +
+           gnuplot_text(cut_distinctly({scale.title}, legend_font, bar.height)[0]) + " at screen " +
+           left(bar.left + bar.width + 3.7 * layout_.font) + "," + up(bar.top + bar.height / 2) +
+           " center rotate by 90" + font(legend_font, picture) + "\n";
+}
+
+std::string Script::drawPanel(std::size_t position, const Picture& picture) const {
+    std::string script = "left = left_edge + " + steps(position % layout_.columns) +
+                         " * (panel_width + gap_x)\n" + "top = top_edge - " +
+                         steps(position / layout_.columns) + " * (panel_height + gap_y)\n" +
+                         "set lmargin at screen left\nset rmargin at screen left + panel_width\n"
+                         "set tmargin at screen top\nset bmargin at screen top - panel_height\n"
+                         "set xrange [mid_x - half_x : mid_x + half_x]\n"
+                         "set yrange [mid_y - half_y : mid_y + half_y]\n"
+                         "unset label\n";
+    if (picture.has_frame) {
+        script += axisTitles(position, picture) + nameTexts(position, picture);
+        if (position == 0) {
+            script += legend(picture);
+            if (!layout_.title.empty()) {
+                script += "set label " + gnuplot_text(layout_.title) + " at screen " +
+                          left(layout_.title_x) + "," + up(layout_.title_y) + " center" +
+                          font(layout_.font, picture) + "\n";
+            }
+        }
+    }
+    if (figure_.scale) {
+        script += position == 0 && picture.has_frame ? colourBar(picture) : "unset colorbox\n";
+    }
+    // Something to draw, so that a panel without points has its axes.
+    script += figure_.scale ? "plot NaN with points palette notitle" : "plot NaN notitle";
+    if (picture.has_points) {
+        script += drawPoints(position);
+    }
+    if (picture.has_frame) {
+        script += drawNames(position);
+    }
+    return script + "\n";
+}
+
+/// The points as an image behind everything else.
+std::string Script::drawImage() const {
+    return "unset border\nset lmargin at screen 0\nset rmargin at screen 1\n"
+           "set tmargin at screen 1\nset bmargin at screen 0\n"
+           "set xrange [-0.5 : figure_width - 0.5]\nset yrange [-0.5 : figure_height - 0.5]\n"
+           "unset label\nplot " +
+           gnuplot_text("./" + figure_.stem + "_points.png") +
+           " binary filetype=png with rgbalpha notitle\nset border\n";
 }
 
 /// The drawing itself, to one of the files.
-std::string draw(const Figure& figure,
-                 const std::string& terminal,
-                 const std::string& extension,
-                 const PanelGrid& grid,
-                 const Legend& legend) {
-    const bool several = figure.panels.size() > 1;
-    const std::string font =
-        several ? "font_size / " + shortest_text(std::sqrt(grid.columns) * 1.15) + std::string()
-                : "font_size";
-    std::string script = "\nset terminal " + terminal +
-                         " size figure_width,figure_height background 'white' font "
-                         "sprintf('Sans,%d', " +
-                         font + ") noenhanced\nset output " +
-                         gnuplot_text("./" + figure.stem + extension) + "\n";
-    if (several) {
-        script += "set multiplot\n";
+std::string Script::draw(const Picture& picture) const {
+    std::string script =
+        "\nset terminal " + std::string(picture.terminal) +
+        " size figure_width,figure_height font sprintf('Arial,%.4g', font_size * " +
+        picture.font_factor + ") noenhanced\nset output " +
+        gnuplot_text("./" + figure_.stem + picture.extension) + "\n";
+    std::string sizes = "size_of(shape) = ";
+    for (const PointShape& shape : point_shapes()) {
+        script += std::string(shape.name) + " = " +
+                  share(picture.pointsize * shape.*picture.shape_scale, 1.0) + "\n";
+        sizes += "shape == " + std::to_string(shape.number) + " ? " + shape.name + " : ";
     }
-    for (std::size_t position = 0; position < figure.panels.size(); ++position) {
-        script += draw_panel(figure, position, grid, legend);
+    script += sizes + "0\nset multiplot\n";
+    if (!picture.has_frame) {
+        script += "unset border\n";
+    } else if (!picture.has_points) {
+        script += drawImage();
     }
-    if (several) {
-        script += "unset multiplot\n";
+    for (std::size_t position = 0; position < figure_.panels.size(); ++position) {
+        script += drawPanel(position, picture);
     }
-    return script + "unset output\n";
+    return script + "unset multiplot\nunset output\n" +
+           (picture.has_frame ? "" : "set border" + lineWidth(1.0) + "\n");
 }
 
 }  // namespace
@@ -318,25 +638,15 @@ std::string figure_settings(const FigureStyle& style) {
            "\nleft_edge = " + shortest_text(style.left) +
            "\nbottom_edge = " + shortest_text(style.bottom) +
            "\ntop_edge = " + shortest_text(style.top) +
-           "\nfont_size = " + std::to_string(style.font_size) +
+           "\nfont_size = " + shortest_text(style.font_size) +
            "\ntransparency = " + (style.overlap ? "128" : "0") + "\n";
 }
 
-std::string gnuplot_script(const Figure& figure,
-                           const std::string& settings,
-                           const FigureStyle& style) {
-    constexpr std::size_t kTitleLength = 80;
-    const PanelGrid grid(std::max<std::size_t>(figure.panels.size(), 1));
-    const Legend legend(figure, style);
-    std::string script =
-        "# Draws the figure anew, as .png and .svg, into the current directory:\n"
-        "# run gnuplot on this file there.\n\n" +
-        settings + "\n" + point_blocks(figure) + "\n" + frame(figure, grid, legend);
-    if (!figure.title.empty()) {
-        script += "set title " + gnuplot_line(figure.title, kTitleLength) + " noenhanced\n";
-    }
-    return script + draw(figure, "pngcairo", ".png", grid, legend) +
-           draw(figure, "svg", ".svg", grid, legend);
+GnuplotScript gnuplot_script(const Figure& figure,
+                             const std::string& settings,
+                             const FigureLayout& layout) {
+    const Script script(figure, settings, layout);
+    return {script.text(), script.unplacedNames()};
 }
 
 }  // namespace ovik

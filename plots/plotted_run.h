@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "plots/figure_options.h"
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
@@ -27,8 +28,8 @@ struct PlottedRun {
     /// Labels of the points in the place of `labels`: the page offers each, the figure shows the
     /// first. Empty for none.
     std::span<const LabelColumn> label_columns;
-    /// The label of points that step back, pale and beneath the others, first in the legend; with
-    /// numeric labels those without a number do. Empty for none.
+    /// The label of points that step back, pale and beneath the others, like those that have none;
+    /// with numeric labels those without a number do. Empty for none.
     std::string_view background{};
     /// The names under which the gene table lists the points, one each, where they are not their
     /// own; empty texts elsewhere. Empty for none.
@@ -58,6 +59,9 @@ struct PlottedRun {
     std::span<const std::string> groups;
     /// What the genes do.
     std::span<const std::string> functions;
+
+    /// How large the figure is and what it shows besides; null: what `Gnuplot::style` says.
+    const FigureOptions* figure = nullptr;
 };
 
 }  // namespace ovik

@@ -3,43 +3,52 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <map>
+#include <numeric>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 
 #include "plots/component_pair.h"
+#include "plots/numeric_labels.h"
 
 namespace ovik {
 
 namespace {
 
-/// The number of each row's label, in order of appearance.
+/// The number of each row's label, in the order of the legend.
 class LabelNumbers {
   public:
-    /// @param first  a label that comes first if there is one of it; empty for none
+    /// @param background  a label that steps back like those that say none; empty for none
     LabelNumbers(std::span<const std::string> labels,
                  std::size_t point_count,
                  std::size_t row_count,
-                 std::string_view first) {
+                 std::string_view background) {
+        const bool are_empty = std::all_of(
+            labels.begin(), labels.end(), [](const std::string& label) { return label.empty(); });
         // Labels are one per point or one per row; any other number of them is of no use.
-        if (labels.size() != point_count && labels.size() != row_count) {
+        if (are_empty || (labels.size() != point_count && labels.size() != row_count)) {
             return;
         }
+        const auto is_grey = [background](std::string_view label) {
+            return says_none(label) || (!background.empty() && label == background);
+        };
+        names = distinct(labels);
+        const auto grey = std::stable_partition(
+            names.begin(), names.end(), [&](const std::string& name) { return !is_grey(name); });
+        grey_names = static_cast<std::size_t>(names.end() - grey);
+        sortNumbers(names.begin(), grey);
         std::map<std::string_view, std::size_t> numbers;
-        if (!first.empty() && std::find(labels.begin(), labels.end(), first) != labels.end()) {
-            numbers.emplace(first, 0);
-            names.emplace_back(first);
-            has_first = true;
+        for (const std::string& name : names) {
+            numbers.emplace(name, numbers.size());
         }
+        numbers_.reserve(labels.size());
         for (const std::string& label : labels) {
-            const auto [entry, is_new] = numbers.emplace(label, names.size());
-            if (is_new) {
-                names.push_back(label);
-            }
-            numbers_.push_back(entry->second);
+            numbers_.push_back(numbers.at(label));
         }
     }
 
@@ -49,20 +58,34 @@ class LabelNumbers {
     }
 
     std::vector<std::string> names;
-    /// Whether the label that comes first is among them.
-    bool has_first = false;
+    /// How many of the last names are grey.
+    std::size_t grey_names = 0;
 
   private:
+    /// In order of appearance.
+    static std::vector<std::string> distinct(std::span<const std::string> labels) {
+        std::vector<std::string> texts;
+        std::set<std::string_view> known;
+        for (const std::string& label : labels) {
+            if (known.insert(label).second) {
+                texts.push_back(label);
+            }
+        }
+        return texts;
+    }
+
+    /// Sorts names by their value if all are numbers.
+    template <typename Iterator>
+    static void sortNumbers(Iterator first, Iterator last) {
+        if (std::all_of(first, last, [](const auto& name) { return number_of_label(name); })) {
+            std::stable_sort(first, last, [](const auto& a, const auto& b) {
+                return *number_of_label(a) < *number_of_label(b);
+            });
+        }
+    }
+
     std::vector<std::size_t> numbers_;
 };
-
-/// The first column of labels if it is numeric and of the points; null else.
-template <typename T>
-const LabelColumn* numeric_labels(const PlottedRun<T>& run, std::size_t point_count) {
-    const bool is_numeric = !run.label_columns.empty() && run.label_columns.front().isNumeric() &&
-                            run.label_columns.front().numbers.size() == point_count;
-    return is_numeric ? &run.label_columns.front() : nullptr;
-}
 
 /// The labels that tell points apart by groups.
 template <typename T>
@@ -70,17 +93,83 @@ std::span<const std::string> group_labels(const PlottedRun<T>& run) {
     return run.label_columns.empty() ? run.labels : std::span(run.label_columns.front().texts);
 }
 
-ColourScale scale_of(const LabelColumn& column) {
-    ColourScale scale{column.title, HUGE_VAL, -HUGE_VAL};
-    for (const double number : column.numbers) {
-        // NaN is neither.
-        scale.least = number < scale.least ? number : scale.least;
-        scale.most = number > scale.most ? number : scale.most;
+/// What colours the points by a scale, and what it is called.
+struct Quantity {
+    std::string title;
+    /// One per point, NaN for none; empty without a scale.
+    std::vector<double> numbers;
+};
+
+/// The numbers that the first labels of the points are.
+template <typename T>
+Quantity quantity_of(const PlottedRun<T>& run, std::size_t point_count) {
+    Quantity quantity;
+    if (!run.label_columns.empty()) {
+        quantity.title = run.label_columns.front().title;
+        quantity.numbers = run.label_columns.front().numbers;
     }
-    if (scale.least > scale.most) {
-        scale.least = scale.most = 0.0;
+    if (quantity.numbers.empty()) {
+        quantity.numbers = quantities_of(group_labels(run));
+    }
+    if (quantity.numbers.size() != point_count) {
+        quantity.numbers.clear();
+    }
+    return quantity;
+}
+
+/// @param sorted  at least one
+double quantile(const std::vector<double>& sorted, double share) {
+    const double at = share * static_cast<double>(sorted.size() - 1);
+    const auto below = static_cast<std::size_t>(at);
+    const std::size_t above = std::min(below + 1, sorted.size() - 1);
+    const double part = at - static_cast<double>(below);
+    return sorted[below] * (1 - part) + sorted[above] * part;
+}
+
+/// A scale over the numbers. Of a hundred or more, it ends at the 1st and the 99th percentile, so
+/// that a few far ones do not take the colours from the others; with both signs among these, it has
+/// 0 in its middle.
+ColourScale scale_of(const Quantity& quantity) {
+    ColourScale scale{quantity.title};
+    std::vector<double> known;
+    std::copy_if(quantity.numbers.begin(),
+                 quantity.numbers.end(),
+                 std::back_inserter(known),
+                 [](double number) { return std::isfinite(number); });
+    if (known.empty()) {
+        return scale;
+    }
+    std::sort(known.begin(), known.end());
+    scale.least = known.front();
+    scale.most = known.back();
+    constexpr std::size_t kFewestForPercentiles = 100;
+    if (known.size() >= kFewestForPercentiles && quantile(known, 0.99) > quantile(known, 0.01)) {
+        scale.least = quantile(known, 0.01);
+        scale.most = quantile(known, 0.99);
+    }
+    if (scale.least < 0.0 && scale.most > 0.0) {
+        scale.diverging = true;
+        scale.most = std::max(-scale.least, scale.most);
+        scale.least = -scale.most;
     }
     return scale;
+}
+
+/// The points in the order in which they are drawn, which is that of the chart page: shuffled, and
+/// always the same, so that what covers what does not follow the order of the file. Steps of one
+/// length visit each point once.
+std::vector<std::size_t> drawing_order(std::size_t point_count) {
+    constexpr double kGoldenShare = 0.6180339887498949;
+    const double share = std::floor(static_cast<double>(point_count) * kGoldenShare + 0.5);
+    std::size_t step = std::max<std::size_t>(static_cast<std::size_t>(share), 1);
+    while (std::gcd(step, point_count) > 1) {
+        ++step;
+    }
+    std::vector<std::size_t> order(point_count);
+    for (std::size_t turn = 1; turn < point_count; ++turn) {
+        order[turn] = (order[turn - 1] + step) % point_count;
+    }
+    return order;
 }
 
 /// A panel without points.
@@ -94,43 +183,87 @@ FigurePanel empty_panel(const std::string& group,
     return panel;
 }
 
-/// Puts a point among those with a number, or among those without.
-void place(FigurePanel& panel, const std::array<double, 2>& point, double number) {
-    if (std::isnan(number)) {
-        panel.points[1].push_back(point);
-    } else {
-        panel.points[0].push_back(point);
-        panel.numbers.push_back(number);
+/// The points of a run as a figure shows them.
+template <typename T>
+class RunPoints {
+  public:
+    RunPoints(const PlottedRun<T>& run,
+              std::size_t point_count,
+              const Quantity& quantity,
+              const LabelNumbers& labels)
+        : run_(run),
+          order_(drawing_order(run.x.empty() ? 0 : point_count)),
+          quantity_(quantity),
+          labels_(labels) {}
+
+    /// Puts the points of a panel into its lists.
+    ///
+    /// @param first  row of the panel's first point
+    void fill(FigurePanel& panel, std::size_t first) const {
+        for (const std::size_t point : order_) {
+            if (!isFinite(first + point)) {
+                continue;
+            }
+            const std::size_t list = listOf(first, point);
+            panel.points[list].push_back(placeOf(first + point));
+            if (!quantity_.numbers.empty() && list == 0) {
+                panel.numbers.push_back(quantity_.numbers[point]);
+            }
+        }
+        if (run_.figure == nullptr) {
+            return;
+        }
+        for (const std::size_t point : run_.figure->highlighted) {
+            const std::size_t row = first + point;
+            if (point < order_.size() && row < run_.names.size() && isFinite(row)) {
+                const double number = quantity_.numbers.empty() ? 0.0 : quantity_.numbers[point];
+                panel.named.push_back(
+                    {run_.names[row], placeOf(row), listOf(first, point), number});
+            }
+        }
     }
-}
+
+  private:
+    [[nodiscard]] bool isFinite(std::size_t row) const {
+        return std::isfinite(run_.x[row]) && std::isfinite(run_.y[row]);
+    }
+
+    [[nodiscard]] std::array<double, 2> placeOf(std::size_t row) const {
+        return {as_written(run_.x[row]), as_written(run_.y[row])};
+    }
+
+    /// Those with a number, or those without; or those of a label.
+    [[nodiscard]] std::size_t listOf(std::size_t first, std::size_t point) const {
+        if (!quantity_.numbers.empty()) {
+            return std::isnan(quantity_.numbers[point]) ? 1 : 0;
+        }
+        return labels_.of(first + point);
+    }
+
+    const PlottedRun<T>& run_;
+    std::vector<std::size_t> order_;
+    const Quantity& quantity_;
+    const LabelNumbers& labels_;
+};
 
 template <typename T>
 std::vector<FigurePanel> panels_of(const PlottedRun<T>& run,
                                    std::size_t point_count,
                                    const std::vector<std::string>& axis_titles,
+                                   const Quantity& quantity,
                                    const LabelNumbers& labels) {
-    const LabelColumn* const numeric = numeric_labels(run, point_count);
     const std::size_t list_count =
-        numeric != nullptr ? 2 : std::max<std::size_t>(labels.names.size(), 1);
+        quantity.numbers.empty() ? std::max<std::size_t>(labels.names.size(), 1) : 2;
+    const RunPoints<T> points(run, point_count, quantity, labels);
     std::vector<FigurePanel> panels;
-    for (std::size_t row = 0; row < run.x.size(); ++row) {
-        if (row % point_count == 0) {
-            // The titles as given are those of the first pair.
-            const std::string group = panels.empty() ? "" : run.groups[row];
-            panels.push_back(empty_panel(group, axis_titles, list_count));
-        }
-        if (!std::isfinite(run.x[row]) || !std::isfinite(run.y[row])) {
-            continue;
-        }
-        const std::array<double, 2> point = {as_written(run.x[row]), as_written(run.y[row])};
-        if (numeric != nullptr) {
-            place(panels.back(), point, numeric->numbers[row % point_count]);
-        } else {
-            panels.back().points[labels.of(row)].push_back(point);
-        }
+    for (std::size_t first = 0; first < run.x.size(); first += point_count) {
+        // The titles as given are those of the first pair.
+        const std::string group = panels.empty() ? "" : run.groups[first];
+        panels.push_back(empty_panel(group, axis_titles, list_count));
+        points.fill(panels.back(), first);
     }
     if (panels.empty()) {
-        panels.push_back({axis_titles[0], axis_titles[1], {}, {}});
+        panels.push_back({axis_titles[0], axis_titles[1], {}});
     }
     return panels;
 }
@@ -185,21 +318,24 @@ Figure figure_of_run(const PlottedRun<T>& run, const FigureFrame& frame) {
         throw std::invalid_argument("the lists of a run have unequal lengths");
     }
     const std::size_t point_count = rows_per_pair(run.groups, row_count);
-    const LabelColumn* const numeric = numeric_labels(run, point_count);
+    const Quantity quantity = quantity_of(run, point_count);
     const LabelNumbers labels(
-        numeric != nullptr ? std::span<const std::string>() : group_labels(run),
+        quantity.numbers.empty() ? group_labels(run) : std::span<const std::string>(),
         point_count,
         row_count,
         run.background);
     Figure figure;
-    if (numeric != nullptr && row_count > 0) {
-        figure.scale = scale_of(*numeric);
+    if (!quantity.numbers.empty() && row_count > 0) {
+        figure.scale = scale_of(quantity);
     }
     figure.stem = frame.stem;
     figure.title = frame.title;
+    if (figure.title.empty() && run.figure != nullptr) {
+        figure.title = run.figure->title;
+    }
     figure.labels = labels.names;
-    figure.has_background = labels.has_first;
-    figure.panels = panels_of(run, point_count, frame.axis_titles, labels);
+    figure.grey_labels = labels.grey_names;
+    figure.panels = panels_of(run, point_count, frame.axis_titles, quantity, labels);
     figure.bounds = drawn_bounds(frame.bounds, figure.panels);
     return figure;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "plots/gnuplot_script.h"
+#include "plots/figure.h"
 #include "plots/plotted_run.h"
 
 namespace ovik {
@@ -17,7 +17,7 @@ double as_written(T value);
 struct FigureFrame {
     /// File name of the pictures without directory and extension.
     std::string stem;
-    /// Shown above the axes; empty for none.
+    /// Shown above the axes; empty for that of the run's `FigureOptions`.
     std::string title;
     /// Two, of x and y, for the first pair of components. Other pairs are named after their groups.
     std::vector<std::string> axis_titles;
@@ -27,7 +27,8 @@ struct FigureFrame {
 };
 
 /// A run as a figure: a panel for each pair of components, a list of points for each label. Points
-/// are the doubles of the same shortest decimal form as those of the run.
+/// are the doubles of the same shortest decimal form as those of the run, in a shuffled order that
+/// is always the same.
 ///
 /// @throws std::invalid_argument if the run has other numbers of x than of y, or of groups
 template <typename T>

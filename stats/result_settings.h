@@ -1,11 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "plots/figure_options.h"
 #include "plots/plot_outcome.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
@@ -50,6 +52,8 @@ struct ResultSettings {
     std::shared_ptr<const QuantisedMatrix> matrix = {};
     /// Whether the chart page and the figure are drawn.
     bool draw_plots = true;
+    /// How large the figure is and what it shows besides; none: 1200 x 1200 pixels.
+    std::optional<FigureOptions> figure = {};
 };
 
 /// What became of the results of a run.

@@ -74,6 +74,7 @@ WrittenResults write_results(const ResultSettings& settings,
         plotted.names = table.names;
         plotted.groups = table.groups;
         plotted.functions = table.functions;
+        plotted.figure = settings.figure ? &*settings.figure : nullptr;
         written.plots =
             hand_to_plots<T>({settings.out_dir, settings.out_name, out_base + "_" + stem, stem},
                              std::move(table.coordinates),

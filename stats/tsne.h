@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "plots/figure_options.h"
 #include "plots/plot_outcome.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
@@ -100,6 +101,8 @@ class TSNE {
     FitOptions options;
     /// Whether `actuate` draws the chart page and the figure.
     bool draw_plots = true;
+    /// How large the figure is and what it shows besides; none: 1200 x 1200 pixels.
+    std::optional<FigureOptions> figure;
     /// Called by `actuate` after each iteration; false ends the fit there, and the results are
     /// those of a run whose last iteration it was. An exception leaves `actuate` without results.
     /// It changes no number. Empty: nothing is called.

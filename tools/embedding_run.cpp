@@ -53,6 +53,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.label_columns = input.label_columns;
     tsne.gene_sets = options.sets;
     tsne.page_matrix = input.page_matrix;
+    tsne.figure = input.figure;
     tsne.X = input.values.release();
     tsne.theta = options.fit.theta;
     tsne.options = options.fit;

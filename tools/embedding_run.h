@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "input/known_columns.h"
+#include "plots/figure_options.h"
 #include "results/label_column.h"
 #include "results/quantised_matrix.h"
 #include "results/run_record.h"
@@ -31,6 +32,8 @@ struct RunInput {
     std::vector<LabelColumn> label_columns;
     /// The values for the chart pages of several runs; null for none.
     std::shared_ptr<const QuantisedMatrix> page_matrix;
+    /// How the figure is to be.
+    FigureOptions figure;
     /// Where the rows start, rows x output dimensions; empty for a start of another kind.
     std::vector<double> start_places;
     /// What the columns are, for a model of the map; without means if none is wanted.

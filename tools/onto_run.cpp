@@ -32,6 +32,7 @@
 #include "util/plain_text.h"
 
 #include "tools/command_report.h"
+#include "tools/figure_choice.h"
 #include "tools/label_join.h"
 #include "tools/load_matrix.h"
 #include "tools/perplexity_sweep.h"
@@ -54,6 +55,7 @@ struct OntoRun {
     /// Of all rows, those of the map before the new ones.
     std::vector<GeneSet> sets;
     RowGenes genes;
+    FigureOptions figure;
     PlacedRows placed;
 };
 
@@ -251,6 +253,7 @@ PlotOutcome draw_plots(const Options& options, const OntoRun& run) {
     plotted.names = table.names;
     plotted.groups = table.groups;
     plotted.functions = table.functions;
+    plotted.figure = &run.figure;
     const std::string base = onto_base(options);
     return hand_to_plots<double>({options.out_dir, options.name, base, "onto" + options.suffix},
                                  std::move(table.coordinates),
@@ -333,6 +336,14 @@ void describe_map(RunReport& report, const Options& options, const MapModel& mod
     report.options.emplace_back("title", json_text(options.title));
 }
 
+/// What the figure of all rows shows besides, those of the map before the new ones.
+FigureOptions figure_of_all(const Options& options, const OntoRun& run) {
+    RowGenes genes = options.names == RowNames::Other ? rows_without_genes(run.model.rows)
+                                                      : look_up_rows(run.model.row_names);
+    genes.rows.insert(genes.rows.end(), run.genes.rows.begin(), run.genes.rows.end());
+    return settle_figure(options, joined(run.model.row_names, run.loaded.matrix.row_names), genes);
+}
+
 /// Reads model and matrix.
 OntoRun read_run(const Options& options) {
     OntoRun run;
@@ -345,6 +356,7 @@ OntoRun read_run(const Options& options) {
     }
     run.sets = settle_sets(joined(run.model.row_names, run.loaded.matrix.row_names), options);
     run.genes = settle_names(run.loaded.matrix.row_names, options.names);
+    run.figure = figure_of_all(options, run);
     return run;
 }
 

@@ -23,6 +23,7 @@
 #include "util/similar_name.h"
 
 #include "tools/exit_status.h"
+#include "tools/figure_choice.h"
 
 namespace ovik::tool {
 
@@ -214,6 +215,28 @@ void add_output_options(CLI::App& app, Options& options) {
         ->option_text("SIZE")
         ->check(CLI::IsMember({"none", "small", "full"}));
     app.add_flag("-q,--quiet", options.quiet, "Print warnings and errors only");
+}
+
+/// @throws CLI::ValidationError if the text is no size
+void parse_figure_size(const std::string& text, Options& options) {
+    try {
+        options.figure_size = figure_size_of(text);
+        options.figure_size_is_given = true;
+    } catch (const InputError& error) {
+        throw CLI::ValidationError(error.what());
+    }
+}
+
+void add_figure_options(CLI::App& app, Options& options) {
+    app.add_option_function<std::string>(
+           "--figure-size",
+           [&options](const std::string& text) { parse_figure_size(text, options); },
+           "Of the figure: single or double column (89, 183 mm), 120mm, 89x60mm, 1200x900 pixels")
+        ->option_text("SIZE");
+    app.add_option("--highlight",
+                   options.highlight,
+                   "Write these genes' names in the figure: a list with commas, or a file")
+        ->option_text("GENES");
 }
 
 /// What the command takes in the place of the last name of a choice that has an open end.
@@ -561,13 +584,13 @@ void add_transformation_options(CLI::App& app, Options& options) {
 
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
-constexpr std::array<std::string_view, 31> kOptionsOfPlacement = {
+constexpr std::array<std::string_view, 33> kOptionsOfPlacement = {
     "onto",         "help",    "version", "delimiter",   "decimal",   "skip-columns",
     "names-column", "na",      "missing", "no-header",   "no-names",  "names",
     "row-names",    "labels",  "sheet",   "log1p",       "center",    "scale",
     "out-dir",      "name",    "suffix",  "title",       "json",      "no-plots",
     "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows",
-    "sets"};
+    "sets",         "figure-size", "highlight"};
 
 /// Options that say something where terms of a list of genes are asked for, and where beside them a
 /// matrix is read.
@@ -656,6 +679,11 @@ void check_combination(const Options& options) {
     if (options.page_data_is_given && options.page_data != PageData::None && !options.plots) {
         throw CLI::ValidationError(
             "--page-data", "is of the chart page, and --no-plots leaves that out: leave one away");
+    }
+    if (!options.plots && (options.figure_size_is_given || !options.highlight.empty())) {
+        throw CLI::ValidationError(
+            options.figure_size_is_given ? "--figure-size" : "--highlight",
+            "is of the figure, which --no-plots leaves out: leave one of them away");
     }
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
@@ -805,6 +833,7 @@ void fill_in_defaults(Options& options) {
         const std::string& file = options.enrich.empty() ? options.matrix : options.enrich;
         options.name = file == "-" ? "stdin" : stem_of(file);
     }
+    options.title_is_given = !options.title.empty();
     if (options.title.empty()) {
         options.title = options.name;
     }
@@ -833,6 +862,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_workbook_options(app, command.options);
     add_transformation_options(app, command.options);
     add_output_options(app, command.options);
+    add_figure_options(app, command.options);
     add_method_options(app, command.options);
     add_checkpoint_options(app, command.options);
     add_model_options(app, command.options);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "input/load_options.h"
+#include "plots/figure_options.h"
 #include "results/gene_set.h"
 #include "stats/fit_options.h"
 #include "stats/option_checks.h"
@@ -86,6 +87,13 @@ struct Options {
     PageData page_data = PageData::Full;
     /// Whether the command line says so.
     bool page_data_is_given = false;
+    FigureSize figure_size;
+    /// Whether the command line has that.
+    bool figure_size_is_given = false;
+    /// Rows whose names the figure shows, as a list or the path of a file; empty for none.
+    std::string highlight;
+    /// Whether the command line has a title.
+    bool title_is_given = false;
     /// File of the checkpoint; empty for none.
     std::string checkpoint;
     /// Iterations between two checkpoints.

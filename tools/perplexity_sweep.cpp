@@ -23,6 +23,7 @@
 #include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/embedding_run.h"
+#include "tools/figure_choice.h"
 #include "tools/interruption.h"
 #include "tools/page_matrix.h"
 #include "tools/result_paths.h"
@@ -191,6 +192,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     }
     const auto genes =
         std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
+    const FigureOptions figure = settle_figure(options, loaded.matrix.row_names, *genes);
     describe_input(report, loaded);
     const std::vector<double> start_places = settle_start(options, loaded.matrix.row_names);
     const std::shared_ptr<CachedNeighbours> neighbours =
@@ -201,6 +203,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
         RunInput input = input_of_run(loaded, genes, labels, neighbours, start_places, is_last);
         input.keeps_places = perplexities.size() > 1;
         input.page_matrix = page_matrix;
+        input.figure = figure;
         report.runs.push_back(run_embedding(options, std::move(input), perplexity));
         if (interruption_status() != Success) {
             break;

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from ._palette import GREY, is_no_label, style_of
+from ._palette import GREY, MARKERS, is_no_label, style_of
 from ._shown import entries_of_rows, shown_map, texts_of
 
 if TYPE_CHECKING:
@@ -40,8 +40,9 @@ def plot(
         A fitted estimator, or an embedding.
     labels : iterable of length n_samples, optional
         What colours the points: real numbers by a scale, everything else by groups, in the order in
-        which they appear. A Series or a dict finds its rows by name where the map has names; rows that
-        a dict leaves out have no label.
+        which they appear; "other", "none", "NA", "unknown" and the empty label are grey and come last. A
+        Series or a dict finds its rows by name where the map has names; rows that a dict leaves out have
+        no label.
     ax : Axes, optional
         Where to draw; by default a new figure.
     title : str, optional
@@ -79,7 +80,7 @@ def plot(
         _, ax = pyplot.subplots(figsize=(8, 7), layout="constrained")
     area = size if size is not None else np.clip(30_000 / len(x), _SMALLEST_POINT, _LARGEST_POINT)
     if given is None:
-        _draw(ax, x, y, 0, area, "")
+        _draw(ax, x, y, style_of(0), area)
     elif _are_real_numbers(given):
         _draw_scale(ax, x, y, np.asarray(given), area, legend)
     else:
@@ -110,14 +111,9 @@ def _are_real_numbers(labels: Any) -> bool:
     return np.asarray(labels).dtype.kind == "f"
 
 
-def _draw(ax: Any, x: Any, y: Any, category: int, area: float, label: str) -> None:
-    colour, marker = style_of(category)
-    ax.scatter(x, y, s=area, color=colour, marker=marker, linewidths=0, alpha=0.8, label=label)
-
-
-def _draw_grey(ax: Any, x: Any, y: Any, area: float, label: str) -> None:
-    """Points that lie beneath all others."""
-    ax.scatter(x, y, s=area, color=GREY, linewidths=0, alpha=0.8, label=label, zorder=0.9)
+def _draw(ax: Any, x: Any, y: Any, style: tuple[str, str], area: float) -> Any:
+    colour, marker = style
+    return ax.scatter(x, y, s=area, color=colour, marker=marker, linewidths=0, alpha=0.8)
 
 
 def _draw_scale(ax: Any, x: Any, y: Any, numbers: Any, area: float, legend: bool) -> None:
@@ -133,23 +129,25 @@ def _draw_scale(ax: Any, x: Any, y: Any, numbers: Any, area: float, legend: bool
 
 
 def _draw_groups(ax: Any, x: Any, y: Any, labels: list[str], area: float, legend: bool) -> None:
-    groups = sorted(dict.fromkeys(labels), key=is_no_label)
+    seen = list(dict.fromkeys(labels))
+    groups = [group for group in seen if not is_no_label(group)]
+    groups += [group for group in seen if is_no_label(group)]
     numbers = {group: number for number, group in enumerate(groups)}
     group_of = np.array([numbers[label] for label in labels])
-    for number, group in enumerate(groups):
+    sizes = np.bincount(group_of, minlength=len(groups))
+    handles = {}
+    # Grey ones beneath the others, small groups over large ones.
+    for number in sorted(range(len(groups)), key=lambda n: (not is_no_label(groups[n]), -sizes[n])):
         rows = group_of == number
-        if is_no_label(group):
-            _draw_grey(ax, x[rows], y[rows], area, group or "(no label)")
-        else:
-            _draw(ax, x[rows], y[rows], number, area, group)
+        style = (GREY, MARKERS[0]) if is_no_label(groups[number]) else style_of(number)
+        handles[number] = _draw(ax, x[rows], y[rows], style, area)
     if legend:
-        handles, names = ax.get_legend_handles_labels()
-        hidden = len(handles) - _MOST_LEGEND_ENTRIES
-        note = f"and {hidden} more" if hidden > 0 else None
+        hidden = len(groups) - _MOST_LEGEND_ENTRIES
+        shown = range(min(len(groups), _MOST_LEGEND_ENTRIES))
         ax.legend(
-            handles[:_MOST_LEGEND_ENTRIES],
-            names[:_MOST_LEGEND_ENTRIES],
-            title=note,
+            [handles[number] for number in shown],
+            [groups[number] or "(no label)" for number in shown],
+            title=f"and {hidden} more" if hidden > 0 else None,
             loc="center left",
             bbox_to_anchor=(1.0, 0.5),
             frameon=False,

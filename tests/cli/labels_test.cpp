@@ -69,13 +69,14 @@ TEST_F(Labels, AreJoinedByName) {
                 {"title": "dose", "numbers": [1.5, 2, null, -3e-7, null, null],
                  "texts": ["1.5", "2", "", "-3e-7", "", ""]}])"));
     EXPECT_EQ(data["genes"], json::parse(R"(["CDC28", "TUB1", "", "", "", ""])"));
-    EXPECT_THAT(result("m_tsne_1_6.gp"), HasSubstr("title 'cytoskeleton'"));
+    EXPECT_THAT(result("m_tsne_1_6.gp"), HasSubstr("set label 'cytoskeleton' at screen"));
 }
 
 TEST_F(Labels, OfNumbersMayComeFirstAndPacked) {
     const CommandOutcome outcome = run_with(test::gzipped("name,dose\ncdc28,1\nTub1p,4\n"));
     ASSERT_EQ(outcome.exit_status, kSuccess) << outcome.err;
-    EXPECT_THAT(result("m_tsne_1_6.gp"), HasSubstr("set cbrange [1:4]\nset cblabel 'dose'"));
+    EXPECT_THAT(result("m_tsne_1_6.gp"), HasSubstr("set cbrange [1:4]\nset colorbox"));
+    EXPECT_THAT(result("m_tsne_1_6.gp"), HasSubstr("set label 'dose' at screen"));
     EXPECT_THAT(result("m_tsne_1_6.svg"), HasSubstr("</svg>"));
 }
 
@@ -105,7 +106,7 @@ TEST_F(Labels, OfSystematicNamesFindTheGenesOfARealMatrix) {
                 HasSubstr("-- Labels: 121 of 200 rows labelled, 79 without a label; 175 rows were "
                           "found under another name of the gene; 6412 names are of no row: "));
     EXPECT_THAT(result("m_tsne_20_0.html"), HasSubstr("\"title\":\"component\""));
-    EXPECT_THAT(result("m_tsne_20_0.gp"), HasSubstr("title 'transport'"));
+    EXPECT_THAT(result("m_tsne_20_0.gp"), HasSubstr("set label 'transport' at screen"));
 }
 
 TEST_F(Labels, GoWithTheRowsThatAreLeft) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@ namespace ovik {
 namespace {
 
 using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 
 using Points = std::vector<std::array<double, 2>>;
 
@@ -38,7 +40,9 @@ TEST(FigureOfRun, KeepsEveryDigit) {
     ASSERT_EQ(figure.panels.size(), 1U);
     EXPECT_EQ(figure.panels[0].x_title, "Component 1");
     EXPECT_EQ(figure.panels[0].y_title, "Component 2");
-    EXPECT_THAT(figure.panels[0].points, ElementsAre(Points{{x[0], y[0]}, {x[1], y[1]}}));
+    ASSERT_EQ(figure.panels[0].points.size(), 1U);
+    EXPECT_THAT(figure.panels[0].points[0],
+                UnorderedElementsAre(std::array{x[0], y[0]}, std::array{x[1], y[1]}));
 }
 
 TEST(FigureOfRun, HasAPanelForEachPairAndAListForEachLabel) {
@@ -76,22 +80,108 @@ TEST(FigureOfRun, TakesLabelsPerRowTooAndNoOthers) {
     EXPECT_TRUE(figure_of_run(run, kFrame).labels.empty());
 }
 
-TEST(FigureOfRun, PutsTheBackgroundFirst) {
-    const std::vector<double> x = {1, 2, 3};
-    const std::vector<std::string> labels = {"new", "old", "new"};
+TEST(FigureOfRun, PutsLabelsThatSayNoneAndTheBackgroundLast) {
+    const std::vector<double> x = {1, 2, 3, 4, 5};
+    const std::vector<std::string> labels = {"Other", "old", "new", "", "a"};
     PlottedRun<double> run;
     run.x = x;
     run.y = x;
     run.labels = labels;
-    EXPECT_FALSE(figure_of_run(run, kFrame).has_background);
+    EXPECT_THAT(figure_of_run(run, kFrame).labels, ElementsAre("old", "new", "a", "Other", ""));
+    EXPECT_EQ(figure_of_run(run, kFrame).grey_labels, 2U);
     run.background = "old";
     const Figure figure = figure_of_run(run, kFrame);
-    EXPECT_TRUE(figure.has_background);
-    EXPECT_THAT(figure.labels, ElementsAre("old", "new"));
-    EXPECT_THAT(figure.panels[0].points, ElementsAre(Points{{2, 2}}, Points{{1, 1}, {3, 3}}));
-    run.background = "none of them";
-    EXPECT_FALSE(figure_of_run(run, kFrame).has_background);
-    EXPECT_THAT(figure_of_run(run, kFrame).labels, ElementsAre("new", "old"));
+    EXPECT_EQ(figure.grey_labels, 3U);
+    EXPECT_THAT(figure.labels, ElementsAre("new", "a", "Other", "old", ""));
+    EXPECT_THAT(figure.panels[0].points[3], ElementsAre(std::array{2.0, 2.0}));
+}
+
+TEST(FigureOfRun, HasNoLegendOfEmptyLabels) {
+    const std::vector<double> x = {1, 2};
+    const std::vector<std::string> labels = {"", ""};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    run.labels = labels;
+    EXPECT_TRUE(figure_of_run(run, kFrame).labels.empty());
+    EXPECT_EQ(figure_of_run(run, kFrame).panels[0].points[0].size(), 2U);
+}
+
+TEST(FigureOfRun, DrawsPointsInTheOrderOfThePage) {
+    std::vector<double> x(10);
+    std::iota(x.begin(), x.end(), 0.0);
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    std::vector<double> order;
+    const Figure figure = figure_of_run(run, kFrame);
+    for (const auto& point : figure.panels[0].points[0]) {
+        order.push_back(point[0]);
+    }
+    // Steps of 7: the next without a common divisor from the golden share of 10 on.
+    EXPECT_THAT(order, ElementsAre(0, 7, 4, 1, 8, 5, 2, 9, 6, 3));
+}
+
+TEST(FigureOfRun, SortsNumbersThatNameGroups) {
+    const std::vector<double> x = {1, 2, 3, 4};
+    const std::vector<std::string> labels = {"10", "2", "none", "1"};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    run.labels = labels;
+    const Figure figure = figure_of_run(run, kFrame);
+    EXPECT_FALSE(figure.scale);
+    EXPECT_THAT(figure.labels, ElementsAre("1", "2", "10", "none"));
+}
+
+TEST(FigureOfRun, HasAScaleForLabelsThatAreQuantities) {
+    const std::vector<double> x = {1, 2, 3};
+    const std::vector<std::string> labels = {"0.5", "NA", "2.5"};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    run.labels = labels;
+    const Figure figure = figure_of_run(run, kFrame);
+    ASSERT_TRUE(figure.scale);
+    EXPECT_EQ(figure.scale->least, 0.5);
+    EXPECT_EQ(figure.scale->most, 2.5);
+    EXPECT_FALSE(figure.scale->diverging);
+    EXPECT_EQ(figure.panels[0].points[1].size(), 1U);
+}
+
+TEST(FigureOfRun, EndsTheScaleOfManyNumbersAtPercentiles) {
+    std::vector<double> numbers(201);
+    std::iota(numbers.begin(), numbers.end(), 0.0);
+    numbers.back() = 1e6;
+    PlottedRun<double> run;
+    run.x = run.y = numbers;
+    const std::vector<LabelColumn> columns = {{"n", {}, numbers}};
+    run.label_columns = columns;
+    const Figure figure = figure_of_run(run, kFrame);
+    EXPECT_EQ(figure.scale->least, 2.0);
+    EXPECT_EQ(figure.scale->most, 198.0);
+}
+
+TEST(FigureOfRun, NamesHighlightedPointsInEveryPanel) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<double> x = {1, 2, 3, nan};
+    const std::vector<std::string> names = {"A", "B", "A", "B"};
+    const std::vector<std::string> groups = {"Group:1:2", "Group:1:2", "Group:1:3", "Group:1:3"};
+    const std::vector<std::string> labels = {"a", "b"};
+    FigureOptions options;
+    options.title = "Chosen";
+    options.highlighted = {1, 0, 7};
+    PlottedRun<double> run;
+    run.x = run.y = x;
+    run.names = names;
+    run.groups = groups;
+    run.labels = labels;
+    run.figure = &options;
+    const Figure figure = figure_of_run(run, {"f", "", {"x", "y"}, {0, 1, 2, 3}});
+    EXPECT_EQ(figure.title, "Chosen");
+    ASSERT_EQ(figure.panels[0].named.size(), 2U);
+    EXPECT_EQ(figure.panels[0].named[0].name, "B");
+    EXPECT_EQ(figure.panels[0].named[0].at, (std::array{2.0, 2.0}));
+    EXPECT_EQ(figure.panels[0].named[0].list, 1U);
+    // Where a point has no place, it has no name.
+    ASSERT_EQ(figure.panels[1].named.size(), 1U);
+    EXPECT_EQ(figure.panels[1].named[0].name, "A");
 }
 
 TEST(FigureOfRun, ShowsTheFirstColumnOfLabels) {
@@ -118,10 +208,14 @@ TEST(FigureOfRun, PutsPointsWithoutANumberIntoAListOfTheirOwn) {
     EXPECT_TRUE(figure.labels.empty());
     ASSERT_TRUE(figure.scale);
     EXPECT_EQ(figure.scale->title, "n");
-    EXPECT_EQ(figure.scale->least, -1.0);
+    // Both signs: 0 is in the middle.
+    EXPECT_TRUE(figure.scale->diverging);
+    EXPECT_EQ(figure.scale->least, -9.0);
     EXPECT_EQ(figure.scale->most, 9.0);
-    EXPECT_THAT(figure.panels[0].points, ElementsAre(Points{{1, 1}, {3, 3}}, Points{{2, 2}}));
-    EXPECT_THAT(figure.panels[0].numbers, ElementsAre(7, -1));
+    EXPECT_THAT(figure.panels[0].points,
+                ElementsAre(UnorderedElementsAre(std::array{1.0, 1.0}, std::array{3.0, 3.0}),
+                            Points{{2, 2}}));
+    EXPECT_EQ(figure.panels[0].numbers[0] == 7, figure.panels[0].points[0][0][0] == 1);
 }
 
 TEST(FigureOfRun, HasAScaleWhereNoPointHasANumber) {

@@ -58,13 +58,12 @@ def test_map_without_labels_has_one_colour(points):
 def test_groups_have_colours_as_they_appear(points):
     labels = ["b"] * 20 + ["a"] * 30 + [None] * 40
     axes = ovik.plot(points, labels)
-    assert drawn(axes) == [(COLOURS[0], 20), (COLOURS[1], 30), (GREY, 40)]
+    # Small groups over large ones, and those without a label beneath all.
+    assert drawn(axes) == [(GREY, 40), (COLOURS[1], 30), (COLOURS[0], 20)]
     legend = [text.get_text() for text in axes.get_legend().get_texts()]
     assert legend == ["b", "a", "(no label)"]
     axes = ovik.plot(points, ["Other"] * 60 + ["a"] * 30)
-    assert drawn(axes) == [(COLOURS[0], 30), (GREY, 60)]
-    first, beneath = axes.collections
-    assert beneath.get_zorder() < first.get_zorder()
+    assert drawn(axes) == [(GREY, 60), (COLOURS[0], 30)]
     assert GREY in PALETTE.read_text()
     assert ovik.plot(points, labels, legend=False).get_legend() is None
 
@@ -113,7 +112,7 @@ def test_series_of_other_names_is_refused(points, named_map):
 
 def test_dict_goes_by_name(named_map, points):
     axes = ovik.plot(named_map, {"G1": "a", "G0": "b", "other": "c"})
-    assert drawn(axes) == [(COLOURS[0], 1), (COLOURS[1], 1), (GREY, 88)]
+    assert drawn(axes) == [(GREY, 88), (COLOURS[0], 1), (COLOURS[1], 1)]
     scale = ovik.plot(named_map, {"G1": 0.5}).collections[0].get_array()
     assert scale[1] == 0.5 and scale.mask.sum() == 89
     with pytest.raises(ValueError, match="labels is a dict, and the rows of the map have no names"):
@@ -137,6 +136,14 @@ def test_points_without_a_number_are_grey(points):
     (group,) = axes.collections
     assert to_hex(group.get_facecolor()[7]) == "#bbbbbb"
     assert len(group.get_offsets()) == 90 and group.get_facecolor()[7, 3] == 0.8
+
+
+def test_labels_that_say_none_are_grey_beneath_the_others_and_last(points):
+    labels = ["Other"] * 20 + ["small"] * 10 + ["large"] * 40 + ["NA"] * 20
+    axes = ovik.plot(points, labels)
+    assert [text.get_text() for text in axes.get_legend().get_texts()] == ["small", "large", "Other", "NA"]
+    assert drawn(axes) == [(GREY, 20), (GREY, 20), (COLOURS[1], 40), (COLOURS[0], 10)]
+    assert f"'{GREY}'" in PALETTE.read_text()
 
 
 def test_long_legends_say_that_there_is_more(points):

@@ -517,7 +517,7 @@ TEST_F(Driver, TakesFunctionsAndLabelsThatAreGivenForItsRows) {
     const std::string page = test::read_file(directory_.file("run_tsne_1_0.html"));
     EXPECT_EQ(count_of(page, "\"genes\":[\"CDC28\",\"\",\"\",\"\"]"), 1U);
     EXPECT_EQ(count_of(page, "\"numbers\":[1,2,3,null]"), 1U);
-    EXPECT_NE(test::read_file(directory_.file("run_tsne_1_0.gp")).find("set cblabel 'dose'"),
+    EXPECT_NE(test::read_file(directory_.file("run_tsne_1_0.gp")).find("set label 'dose' at"),
               std::string::npos);
     tsne.row_functions.pop_back();
     EXPECT_THROW(tsne.actuate(2, 1.0, {}, 250, 250), InputError);

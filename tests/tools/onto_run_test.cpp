@@ -157,7 +157,7 @@ TEST_F(OntoRunTest, ShowsTheRowsOfTheMapBeneathTheNewOnes) {
     EXPECT_THAT(page, HasSubstr("\"old59\",\"A\",\"B\"]"));
     EXPECT_THAT(page, HasSubstr("\"old rows\",\"known\",\"\"]"));
     EXPECT_THAT(page, HasSubstr("\"old rows\",\"new rows\",\"new rows\"]"));
-    EXPECT_THAT(result("new_onto.gp"), HasSubstr("title 'old rows'"));
+    EXPECT_THAT(result("new_onto.gp"), HasSubstr("set label 'old rows' at screen"));
 }
 
 TEST_F(OntoRunTest, NeverTakesALabelForTheMap) {

@@ -11,6 +11,9 @@ _ovik_tsne() {
     --missing)
       COMPREPLY=($(compgen -W $'zero\nrow-mean\ncolumn-mean\ndrop\nerror' -- "$current"))
       ;;
+    --figure-size)
+      COMPREPLY=($(compgen -W $'single\ndouble\n120mm\n89x60mm\n1200x900' -- "$current"))
+      ;;
     --names) COMPREPLY=($(compgen -W $'file\nstandard\nother' -- "$current")) ;;
     --annotated) COMPREPLY=($(compgen -W tsv -- "$current")) ;;
     --center) COMPREPLY=($(compgen -W $'rows\ncolumns' -- "$current")) ;;
