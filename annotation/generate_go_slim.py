@@ -29,7 +29,7 @@ def main():
     place = {row["go_id"]: number for number, row in enumerate(rows)}
     ids = {row["systematic"]: set(row["go_ids"].split(";")) - ROOTS for row in read_rows("go_slim_genes.tsv")}
     starts, numbers = [0], []
-    for systematic, _, _ in derive_entries(read_rows("yeast_features.tsv")):
+    for systematic, *_ in derive_entries(read_rows("yeast_features.tsv")):
         numbers += sorted(place[term] for term in ids.get(systematic, ()))
         starts.append(len(numbers))
     Path(sys.argv[1]).write_text(

@@ -43,4 +43,5 @@ install(FILES README.md CHANGELOG.md CITATION.cff CONTRIBUTING.md LICENSE DESTIN
 foreach(folder annotation data)
   install(FILES ${folder}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/${folder})
 endforeach()
+install(FILES plots/THIRD_PARTY.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/plots)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

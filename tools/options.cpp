@@ -585,11 +585,11 @@ void add_transformation_options(CLI::App& app, Options& options) {
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
 constexpr std::array<std::string_view, 33> kOptionsOfPlacement = {
-    "onto",         "help",    "version", "delimiter",   "decimal",   "skip-columns",
-    "names-column", "na",      "missing", "no-header",   "no-names",  "names",
-    "row-names",    "labels",  "sheet",   "log1p",       "center",    "scale",
-    "out-dir",      "name",    "suffix",  "title",       "json",      "no-plots",
-    "quiet",        "threads", "force",   "coordinates", "annotated", "constant-rows",
+    "onto",         "help",        "version",  "delimiter",   "decimal",   "skip-columns",
+    "names-column", "na",          "missing",  "no-header",   "no-names",  "names",
+    "row-names",    "labels",      "sheet",    "log1p",       "center",    "scale",
+    "out-dir",      "name",        "suffix",   "title",       "json",      "no-plots",
+    "quiet",        "threads",     "force",    "coordinates", "annotated", "constant-rows",
     "sets",         "figure-size", "highlight"};
 
 /// Options that say something where terms of a list of genes are asked for, and where beside them a

@@ -20,16 +20,6 @@ def is_no_label(label: str) -> bool:
     return label.strip().lower() in _NO_LABELS
 
 
-# Of labels that say that a row belongs to none of the others.
-GREY = "#b4bcc4"
-_NO_LABELS = frozenset({"", "other", "none", "na", "unknown"})
-
-
-def is_no_label(label: str) -> bool:
-    """Whether a label is grey: "other", "none", "NA" or "unknown" in any letter case, or empty."""
-    return label.strip().lower() in _NO_LABELS
-
-
 def style_of(category: int) -> tuple[str, str]:
     """Colour and marker of a label; the first eight differ in both, the first 64 in one of them."""
     index = category % (len(COLOURS) * len(MARKERS))

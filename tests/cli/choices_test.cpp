@@ -158,7 +158,17 @@ TEST_F(Choices, DecideWhichCheckpointIsOfARun) {
     const std::string classical = directory_.file("classical.ckpt");
     ASSERT_EQ(embed("a", {"--checkpoint", classical, "--no-plots"}).exit_status, kSuccess);
     // What ends the fit alone may be another.
-    EXPECT_EQ(embed("b", {"--resume", classical, "--stop-when", "0.5", "--no-plots"}).exit_status,
+    EXPECT_EQ(run({matrix_,
+                   "-i",
+                   "400",
+                   "--resume",
+                   classical,
+                   "--stop-when",
+                   "0.5",
+                   "--no-plots",
+                   "-o",
+                   directory_.file("b")})
+                  .exit_status,
               kSuccess);
     EXPECT_THAT(
         refusal_of({"--resume", classical, "--metric", "pearson", "--learning-rate", "auto"}),

@@ -342,7 +342,7 @@ TEST_P(FullDisk, HoldsWholeResultsOrNone) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sizes, FullDisk, testing::Values("4k", "8k", "64k", "640k"));
+INSTANTIATE_TEST_SUITE_P(Sizes, FullDisk, testing::Values("4k", "8k", "64k", "128k"));
 
 TEST_F(OutputFaults, WhatKilledRunsLeftOverIsRemoved) {
     // Larger than any number of a process.

@@ -64,7 +64,7 @@ const selected = (page) => page.textContent('#selection h2');
 
 /** How many pixels of the layer above the points are drawn on. */
 const inkAbove = (page) => page.evaluate(() => {
-  const canvas = document.querySelector('.chart-layer');
+  const canvas = document.querySelector('.drawings');
   const copy = document.createElement('canvas');
   [copy.width, copy.height] = [canvas.width, canvas.height];
   const context = copy.getContext('2d', { willReadFrequently: true });

@@ -121,8 +121,7 @@ TEST(NumbersOf, TellHowFarMapsAgreeWithTheReference) {
     maps.maps[0].agreement = {0.25, 7, 0.5};
     const auto numbers = numbers_of({entry(5.0, 1, 0), entry(6.0, 1, 0), entry(7.0, 1, 0)}, maps);
     EXPECT_THAT(find(numbers, "Disparity").values, ElementsAre("0.250", "reference", ""));
-    EXPECT_THAT(find(numbers, "Neighbours shared").values,
-                ElementsAre("50.0 %", "reference", ""));
+    EXPECT_THAT(find(numbers, "Neighbours shared").values, ElementsAre("50.0 %", "reference", ""));
     EXPECT_THAT(find(numbers, "Neighbours shared").sentence, HasSubstr("the 7 nearest"));
 }
 
