@@ -95,8 +95,29 @@ describe('clusters', () => {
     await page.click('.cluster:nth-child(4) button:has-text("Only")');
     assert.deepEqual(await page.$$eval('.legend-list input', (boxes) => boxes.map(({ checked }) => checked)), [true, true, true, true, true]);
 
+    // The map has the colours of clusters, so has the list; a term takes them away and brings them back.
+    assert.equal(await page.locator('.clusters .swatch').first().isVisible(), true);
+    const term = page.locator('.cluster:nth-child(2) .cluster-term');
+    await term.click();
+    assert.match(await page.textContent('#legend'), /respiration <b>.*60.*other.*170/s);
+    assert.equal(await term.getAttribute('aria-pressed'), 'true');
+    assert.equal(await page.locator('.clusters .swatch').first().isVisible(), false);
+    assert.equal(await page.locator('#terms .term[aria-pressed="true"]').count(), 0, 'the selection has another term');
+    await term.click();
+    assert.equal(await page.textContent('#legend h2'), 'Cluster');
+    await page.selectOption('#colouring', { label: 'process' });
+    assert.equal(await page.locator('.clusters .swatch').first().isVisible(), false);
+    await page.click('text=Colour by cluster');
+    assert.equal(await page.textContent('#legend h2'), 'Cluster');
+
     await until(async () => (await inkAbove(page)) > 500);
+    const saved = async () => {
+      const [file] = await Promise.all([page.waitForEvent('download'), page.click('[aria-label="Save as SVG"]')]);
+      return readFile(await file.path(), 'utf8');
+    };
+    assert.match(await saved(), />2 respiration &lt;b&gt;<\/text>/, 'pictures have the names, too');
     await page.uncheck('#cluster-names');
+    assert.doesNotMatch(await saved(), /2 respiration/);
     await until(async () => (await inkAbove(page)) === 0);
     await page.focus('#cluster-names');
     await page.keyboard.press('Space');
@@ -131,6 +152,27 @@ describe('trust', () => {
     assert.deepEqual(page.problems, []);
     await page.context().close();
   });
+});
+
+test('cards stand where they have room: genes beside the map, wide ones below it, all of them on paper', async () => {
+  const page = await browser.open(DATA, { viewport: { width: 1440, height: 900 } });
+  await page.click('.cluster:nth-child(1) button:has-text("Cluster 1")');
+  await until(() => page.locator('#terms .term').first().isVisible());
+  const boxOf = (id) => page.locator(`#${id}`).boundingBox();
+  const stage = await boxOf('stage');
+  for (const id of ['find', 'details', 'selection', 'terms', 'sets']) assert.ok((await boxOf(id)).x > stage.x + stage.width, id);
+  for (const id of ['profiles', 'conditions', 'clusters', 'trust']) assert.ok((await boxOf(id)).y > stage.y + stage.height, id);
+  const term = await page.locator('#terms .term').first().boundingBox();
+  const top = await page.evaluate(() => window.scrollY);
+  assert.ok(top + term.y + term.height <= 900, `on the first screen: ${top + term.y}`);
+  assert.ok((await boxOf('conditions')).y === (await boxOf('clusters')).y, 'side by side');
+
+  await page.click('#selection >> text=Clear');
+  await page.emulateMedia({ media: 'print' });
+  for (const id of ['clusters', 'trust']) assert.ok(await page.locator(`#${id}`).isVisible(), `${id} is printed`);
+  assert.ok(await page.locator('.cluster-head button').first().isVisible(), 'with the names of clusters');
+  for (const id of ['selection', 'terms', 'conditions', 'profiles']) assert.equal(await page.locator(`#${id}`).isVisible(), false, `${id} has nothing to print`);
+  await page.context().close();
 });
 
 describe('the accessibility checker finds nothing', () => {

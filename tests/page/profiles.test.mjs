@@ -94,8 +94,12 @@ test('the card of a gene shows its profile beside the mean of the selection, and
   assert.deepEqual(listed.map(([name]) => name), wanted.map((gene) => `GENE${gene}`));
   listed.forEach(([, value], place) => assert.ok(Math.abs(Number(value) - distance(wanted[place])) < 0.006));
 
+  assert.equal(await page.isVisible('text=Lines to them on the map'), false, 'folded at first');
+  const folded = await page.locator('#chart').screenshot();
+  await page.click('#true-neighbours summary');
   assert.match(await text('#true-neighbours'), /\d+ of these 10 are among its 10 nearest on the map, too\./);
   const without = await switchLines(false);
+  assert.ok(without.equals(folded), 'no lines while it is folded');
   assert.ok(!without.equals(await switchLines(true)));
   assert.ok(without.equals(await switchLines(false)));
 

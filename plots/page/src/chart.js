@@ -152,6 +152,7 @@ export function createChart(element, model, store) {
   const scene = () => ({ pixelOf: placesNow(), plot: frame.plot(), ink: inkOf(store.get().theme) });
   const overlays = createOverlays(element, scene, 'drawings');
   const marker = createOverlays(element, scene, 'marker');
+  const drawings = [];
 
   const settleSoon = debounced(() => {
     for (const listener of settled) listener();
@@ -227,7 +228,16 @@ export function createChart(element, model, store) {
      * theme's colours.
      */
     addOverlay: overlays.add,
-    /** Asks for the drawings of `addOverlay` when what they show has changed. */
+    /**
+     * The same by a pen, for what belongs into pictures, too: `draw(pen, {pixelOf, plot, ink, isNarrow})`.
+     */
+    addDrawing(draw) {
+      drawings.push(draw);
+      overlays.add((context, told) => draw(canvasPen(context), { ...told, isNarrow: frame.isNarrow() }));
+    },
+    /** What `addDrawing` was given. */
+    drawings: () => drawings,
+    /** Asks for these drawings when what they show has changed. */
     repaintOverlays: overlays.repaint,
     /** The same above all others, for what follows the pointer. */
     marker: { add: marker.add, repaint: marker.repaint },

@@ -36,10 +36,10 @@ export function clustersOf({ dataset, colourings }) {
   return { colouring, list };
 }
 
-/** The names of the terms that a cluster has more of than chance gives, the least likely first. */
+/** The terms that a cluster has more of than chance gives, by number and name, the least likely first. */
 export function topTerms(dataset, genes, most) {
   const likely = enrich(dataset, genes).filter(({ q, fold }) => q <= MOST_FALSE && fold > 1);
-  return likely.slice(0, most).map(({ term, q, fold, hits }) => ({ name: dataset.terms.list[term].name, q, fold, hits }));
+  return likely.slice(0, most).map(({ term, q, fold, hits }) => ({ term, name: dataset.terms.list[term].name, q, fold, hits }));
 }
 
 /**

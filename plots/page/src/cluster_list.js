@@ -3,6 +3,7 @@
 import { button, dataText, el } from './dom.js';
 import { clustersOf, topTerms } from './cluster_facts.js';
 import { counted, formatCount } from './format.js';
+import { formatChance } from './enrichment_table.js';
 import { extremesOf, meanProfile } from './profiles.js';
 import { isolated } from './label_legend.js';
 import { sparkLine } from './spark_line.js';
@@ -53,13 +54,19 @@ function oneByOne(items, action, end) {
   soon(() => next(0));
 }
 
-function termList(terms) {
+/** The terms of a cluster, each a button that colours its genes on the map by `colourBy(term)`. */
+function termList(terms, colourBy) {
   if (terms.length === 0) return [];
-  return [el('ul', { class: 'cluster-terms' }, ...terms.map(({ name, q }) =>
-    el('li', {}, dataText(name), el('span', { class: 'cluster-rate' }, ` q ${q.toExponential(0)}`))))];
+  return [el('ul', { class: 'cluster-terms' }, ...terms.map(({ term, name, q }) => {
+    const chosen = button('', () => colourBy(term), {
+      class: 'quiet cluster-term', 'aria-pressed': 'false', 'data-term': term, title: 'Colour the genes of this term on the map',
+    });
+    chosen.append(dataText(name), el('span', { class: 'cluster-rate' }, ` q ${formatChance(q)}`));
+    return el('li', {}, chosen);
+  }))];
 }
 
-function clusterItem(cluster, { columns, range, mark, select, isolate }) {
+function clusterItem(cluster, { columns, range, mark, select, isolate, colourBy }) {
   const { name, genes, terms, profile } = cluster;
   return el('li', { class: 'cluster' },
     el('div', { class: 'cluster-head' },
@@ -68,11 +75,15 @@ function clusterItem(cluster, { columns, range, mark, select, isolate }) {
       el('span', { class: 'counts' }, counted(genes.length, 'gene')),
       button('Only', isolate, { class: 'quiet', title: 'Show this cluster alone, or all again', 'aria-label': `Only ${name}` })),
     ...(profile === null ? [] : [sparkLine(profile, range, `Mean profile of ${name}: ${profileText(columns, profile)}`)]),
-    ...termList(terms));
+    ...termList(terms, colourBy));
 }
 
-/** Fills the panel where the run found clusters, and writes their names on the map. */
-export function showClusters(element, chart, model, store) {
+/**
+ * Fills the panel where the run found clusters, and writes their names on the map.
+ *
+ * @param {object} termColours as of `createTermColours`
+ */
+export function showClusters(element, chart, model, store, termColours) {
   const clusters = clustersOf(model);
   if (clusters === null) return;
   const { dataset } = model;
@@ -83,6 +94,8 @@ export function showClusters(element, chart, model, store) {
 
   const names = el('input', { type: 'checkbox', id: 'cluster-names', checked: true, on: { change: chart.repaintOverlays } });
   const list = el('ul', { class: 'clusters', tabindex: 0, 'aria-label': 'Clusters' });
+
+  const colourBy = (term) => termColours.toggle(dataset.terms, term);
 
   /** Shows one cluster alone, coloured by clusters; the others again if it is alone already. */
   function isolate(category) {
@@ -99,6 +112,7 @@ export function showClusters(element, chart, model, store) {
       mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
       select: () => store.set({ selection: cluster.genes }),
       isolate: () => isolate(category),
+      colourBy,
     });
   }
 
@@ -108,22 +122,38 @@ export function showClusters(element, chart, model, store) {
     if (cluster.terms.length === 0) return;
     const [{ name, q }] = cluster.terms;
     if (q <= MOST_FALSE_OF_NAME) cluster.names = [`${cluster.label} ${name}`, cluster.label];
-    list.children[place].append(...termList(cluster.terms));
+    list.children[place].append(...termList(cluster.terms, colourBy));
     chart.repaintOverlays();
   }
 
   const fill = () => list.replaceChildren(...found.map(itemOf));
 
+  /** Marks the term that colours the map; the colours of clusters are shown while the map has them. */
+  function showColours({ colouring }) {
+    list.classList.toggle('on-map', colouring === clusters.colouring);
+    for (const each of list.querySelectorAll('[data-term]')) {
+      each.setAttribute('aria-pressed', String(termColours.isShown(dataset.terms, Number(each.dataset.term))));
+    }
+  }
+
   const rest = clusters.list.length - found.length;
   element.append(
     el('h2', {}, `Clusters: ${formatCount(clusters.list.length)}`),
-    el('p', { class: 'hint' }, 'Found among the nearest neighbours in the data, not on the map. A click on one selects its genes.'),
-    el('p', {}, el('label', { class: 'switch', for: 'cluster-names' }, names, ' Names on the map')),
+    el('p', { class: 'counts' }, 'Found among the nearest neighbours in the data, not on the map. A click on one selects its genes, '
+      + 'a click on a term colours them on the map.'),
+    el('div', { class: 'row cluster-tools' },
+      el('label', { class: 'switch', for: 'cluster-names' }, names, ' Names on the map'),
+      button('Colour by cluster', () => store.set(chosen))),
     list,
-    ...(rest > 0 ? [el('p', { class: 'hint' }, `and ${counted(rest, 'smaller one')}`)] : []),
+    ...(rest > 0 ? [el('p', { class: 'counts' }, `and ${counted(rest, 'smaller one')}`)] : []),
   );
   fill();
-  store.listen(['theme'], fill);
+  store.listen(['theme'], (state) => {
+    fill();
+    showColours(state);
+  });
+  store.listen(['colouring'], showColours);
+  showColours(store.get());
   writeClusterNames(chart, model, store, found, () => names.checked);
   list.setAttribute('aria-busy', 'true');
   oneByOne(found, addTerms, () => list.removeAttribute('aria-busy'));

@@ -3,9 +3,15 @@
 import { drawableText } from './format.js';
 import { middleGene } from './cluster_facts.js';
 import { placeBoxes } from './free_boxes.js';
+import { widthOf } from './pen.js';
 
-const FONT = '600 13px system-ui, -apple-system, "Segoe UI", Roboto, "Helvetica Neue", Arial, sans-serif';
+const SIZE = 13;
+const WEIGHT = 600;
 const LINE_HEIGHT = 18;
+
+/** From the middle of a line down to where its letters stand. */
+const BASE = 4.5;
+
 const ROOM = 6;
 const LONGEST = 30;
 
@@ -32,29 +38,22 @@ export function writeClusterNames(chart, model, store, clusters, isWanted) {
     return large.map(({ names }, index) => ({ names, gene: middles[index] })).filter(({ gene }) => gene >= 0);
   }
 
-  chart.addOverlay((context, { pixelOf, plot, ink }) => {
+  chart.addDrawing((pen, { pixelOf, plot, ink, isNarrow }) => {
     if (!isWanted()) return;
-    context.font = FONT;
-    context.textAlign = 'center';
-    context.textBaseline = 'middle';
     const right = plot.left + plot.width;
     const bottom = plot.top + plot.height;
     const wanted = placed(store.get())
       .map(({ gene, names }) => {
         const [x, y] = pixelOf(gene);
-        const texts = (chart.isNarrow() ? names.slice(-1) : names).map((name) => drawableText(name, LONGEST));
-        return { x, y, texts, sizes: texts.map((text) => ({ width: context.measureText(text).width + ROOM, height: LINE_HEIGHT })) };
+        const texts = (isNarrow ? names.slice(-1) : names).map((name) => drawableText(name, LONGEST));
+        return { x, y, texts, sizes: texts.map((text) => ({ width: widthOf(text, SIZE, WEIGHT) + ROOM, height: LINE_HEIGHT })) };
       })
       .filter(({ x, y }) => x >= plot.left && x <= right && y >= plot.top && y <= bottom);
     placeBoxes(wanted, plot).forEach((box, index) => {
       if (box === null) return;
-      const text = wanted[index].texts[box.size];
-      context.lineWidth = 4;
-      context.lineJoin = 'round';
-      context.strokeStyle = ink.surface;
-      context.fillStyle = ink.text;
-      context.strokeText(text, box.left + box.width / 2, box.top + box.height / 2);
-      context.fillText(text, box.left + box.width / 2, box.top + box.height / 2);
+      pen.text(wanted[index].texts[box.size], box.left + box.width / 2, box.top + box.height / 2 + BASE, {
+        size: SIZE, weight: WEIGHT, align: 'middle', fill: ink.text, halo: ink.surface,
+      });
     });
   });
 }

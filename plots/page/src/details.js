@@ -47,9 +47,10 @@ export function showDetails(element, model, store) {
         ...labels.flatMap((colouring) => entry(colouring.title || 'Label', colouring.labels[gene])),
         ...entry('Group', model.pairOf(state)?.group ?? ''),
         ...entry('Place', coordinatesText(model, state, gene))),
-      ...(address === '' ? [] : [databaseLink(address)]),
-      button(chosen ? 'Remove from selection' : 'Add to selection',
-        () => store.set({ selection: toggled(store.get().selection, gene) })),
+      el('div', { class: 'row gene-ways' },
+        button(chosen ? 'Remove from selection' : 'Add to selection',
+          () => store.set({ selection: toggled(store.get().selection, gene) })),
+        ...(address === '' ? [] : [databaseLink(address)])),
     ];
   }
 

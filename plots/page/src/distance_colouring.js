@@ -11,7 +11,7 @@ function distancesTo(expression, gene) {
 }
 
 /**
- * Fills the element with the switch. While it is on, the map is coloured anew for each gene that is pointed at or
+ * Fills the element with the switch, which is there once a gene is focused. While it is on, the map is coloured anew for each gene that is pointed at or
  * focused; off, it has the colours it had before.
  */
 export function showDistanceSwitch(element, model, store) {
@@ -21,6 +21,7 @@ export function showDistanceSwitch(element, model, store) {
   let frame = 0;
   const box = el('input', { type: 'checkbox', id: 'distance-switch' });
   const who = el('p', { class: 'counts' });
+  element.hidden = store.get().focus < 0;
   element.append(el('label', { class: 'switch' }, box, 'Colour by distance in the data to the gene pointed at'), who);
 
   function colour() {
@@ -59,7 +60,10 @@ export function showDistanceSwitch(element, model, store) {
     }
   });
   store.listen(['hover'], ({ hover }) => follow(hover));
-  store.listen(['focus'], ({ focus }) => follow(focus));
+  store.listen(['focus'], ({ focus }) => {
+    element.hidden = focus < 0 && !box.checked;
+    follow(focus);
+  });
   store.listen(['colouring'], (state) => {
     // The reader has chosen other colours.
     if (!box.checked || wanted < 0 || model.colouringOf(state).title === TITLE) return;

@@ -12,8 +12,6 @@ const STANDS_OUT = 0.05;
 const FEW = 8;
 const MOST = 300;
 
-const REST = 'other';
-
 /** Works a value out when it is first asked for. */
 function lazily(make) {
   let value;
@@ -62,42 +60,17 @@ function aboutNumbers() {
       + 'the map is right.'));
 }
 
-/** Colours the genes of one group, and takes the colours away when it is asked for the same again. */
-function createTermColours(model, store, say) {
-  let [shown, before] = [{ colouring: -1 }, 0];
-  const isShown = (kind, term) => store.get().colouring === shown.colouring && shown.kind === kind && shown.term === term;
-  return {
-    isShown,
-    toggle(kind, term) {
-      const { colouring } = store.get();
-      if (isShown(kind, term)) {
-        store.set(model.colouredBy(before));
-        say('Coloured as before');
-        return;
-      }
-      if (colouring !== shown.colouring) before = colouring;
-      const groups = kind.groups();
-      const { name } = groups.list[term];
-      const labels = Array.from({ length: model.dataset.count }, (_, gene) => (groups.of(gene).includes(term) ? name : REST));
-      shown = { kind, term, colouring: model.addColouring({ title: 'Chosen term', labels }) };
-      store.set(model.colouredBy(shown.colouring));
-      say(`Coloured by ${name}`);
-    },
-  };
-}
-
 /**
  * Fills the panel and keeps it true; it stays empty where there is nothing to test for.
  *
  * @param {function} choose called for a gene that is picked
- * @param {function} say tells a text to those who listen
+ * @param {object} colours as of `createTermColours`
  */
-export function showTerms(element, model, store, choose, say) {
+export function showTerms(element, model, store, choose, colours) {
   const { dataset } = model;
   const kinds = kindsOf(dataset);
   if (kinds.length === 0) return;
   const everyOne = everyGene(dataset.count);
-  const colours = createTermColours(model, store, say);
   let [kind, isWhole] = [kinds[0], false];
 
   const heading = el('h2', { tabindex: -1 }, 'What these genes do');
@@ -110,7 +83,7 @@ export function showTerms(element, model, store, choose, say) {
 
   const actions = {
     choose,
-    colour: (term) => colours.toggle(kind, term),
+    colour: (term) => colours.toggle(kind.groups(), term),
     select: (genes) => store.set({ selection: Int32Array.from(genes) }),
     membersOf: (term) => everyOne.filter((gene) => kind.groups().of(gene).includes(term)),
   };
@@ -142,7 +115,7 @@ export function showTerms(element, model, store, choose, say) {
 
   function showColours() {
     for (const each of body.querySelectorAll('[data-term]')) {
-      each.setAttribute('aria-pressed', String(colours.isShown(kind, Number(each.dataset.term))));
+      each.setAttribute('aria-pressed', String(colours.isShown(kind.groups(), Number(each.dataset.term))));
     }
   }
 

@@ -58,6 +58,7 @@ function pictureScene(chart, model, state) {
   return {
     state,
     ink,
+    drawings: chart.drawings(),
     pair,
     layout,
     margins,
@@ -105,9 +106,21 @@ function drawPoints(pen, { list, marks, view, plot }) {
   });
 }
 
+/** Draws what other parts of the page draw above the points. */
+function drawDrawings(pen, { x, y }, { drawings, plot, ink, view }) {
+  const pixelOf = (gene) => [
+    plot.left + ((x[gene] - view.x0) / (view.x1 - view.x0)) * plot.width,
+    plot.top + ((view.y1 - y[gene]) / (view.y1 - view.y0)) * plot.height,
+  ];
+  pen.within(plot, () => {
+    for (const draw of drawings) draw(pen, { pixelOf, plot, ink, isNarrow: false });
+  });
+}
+
 /** Draws everything but the points. */
 function drawAround(pen, model, scene) {
   const { plot, ink, margins } = scene;
+  drawDrawings(pen, model.pointsOf(scene.state), scene);
   drawFront(pen, scene);
   const room = PICTURE.width - margins[3] - EDGE;
   pen.text(shortened(drawableText(titleOf(model.dataset)), room, TITLE_SIZE, 600), plot.left, TITLE_BASE, {

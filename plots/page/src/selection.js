@@ -107,7 +107,7 @@ export function showSelection(element, model, store, choose, { say, history, sav
   }
 
   const tools = [
-    el('div', { class: 'row' },
+    el('div', { class: 'row small' },
       button('Save as set', saveSet, { title: 'Keep these genes as a set with a name and a colour' }),
       button('Download CSV', () => download(
         new Blob([csv()], { type: 'text/csv' }),

@@ -32,33 +32,20 @@ function neighbourRow(dataset, { gene, distance, correlation }, { choose, format
     el('td', { class: 'number' }, Number.isNaN(correlation) ? '' : correlation.toFixed(2)));
 }
 
-function drawLines(context, { pixelOf, ink }, gene, neighbours) {
+function drawLines(pen, { pixelOf, ink }, gene, neighbours) {
   const from = pixelOf(gene);
   const places = neighbours.map((neighbour) => pixelOf(neighbour.gene)).filter((place) => place.every(Number.isFinite));
   if (!from.every(Number.isFinite)) return;
-  const stroke = (colour, width) => {
-    context.strokeStyle = colour;
-    context.lineWidth = width;
-    context.beginPath();
-    for (const place of places) {
-      context.moveTo(...from);
-      context.lineTo(...place);
-    }
-    context.stroke();
-  };
+  const lines = places.map((place) => [...from, ...place]);
   // A rim in the colour of the paper, so that lines are seen over points of any colour.
-  stroke(ink.surface, 3.5);
-  stroke(ink.text, 1.3);
-  context.fillStyle = ink.text;
-  for (const [x, y] of places) {
-    context.beginPath();
-    context.arc(x, y, 3, 0, 2 * Math.PI);
-    context.fill();
-  }
+  pen.lines(lines, { stroke: ink.surface, width: 3.5 });
+  pen.lines(lines, { stroke: ink.text, width: 1.3 });
+  const dot = { colour: ink.text, shape: null, size: 6, opacity: 1, edge: null, halo: null };
+  for (const [x, y] of places) pen.mark(dot, x, y);
 }
 
 /**
- * Fills the element and keeps it true.
+ * Fills the element and keeps it true. The lines are drawn while it is unfolded, which it stays from gene to gene.
  *
  * @param {object} ways `choose(gene)` is called for a neighbour that the reader picks, `format(value)` writes a distance
  */
@@ -70,8 +57,8 @@ export function showTrueNeighbours(element, chart, model, store, ways) {
   const lines = el('input', { type: 'checkbox', on: { change: chart.repaintOverlays } });
   lines.checked = true;
   const rows = el('tbody');
-  const body = el('div', { hidden: true },
-    el('h3', {}, 'Nearest genes in the data'),
+  const body = el('details', { hidden: true, on: { toggle: chart.repaintOverlays } },
+    el('summary', {}, el('h3', {}, 'Nearest genes in the data')),
     el('p', { class: 'counts' }, `By ${METRIC_NAMES[expression.metric] ?? 'distance'} over all conditions, wherever the map puts them.`),
     kept,
     el('label', { class: 'switch' }, lines, 'Lines to them on the map'),
@@ -97,12 +84,12 @@ export function showTrueNeighbours(element, chart, model, store, ways) {
     chart.repaintOverlays();
   }
 
-  chart.addOverlay((context, scene) => {
+  chart.addDrawing((pen, scene) => {
     const state = store.get();
-    if (!lines.checked || neighbours.length === 0 || !model.isPlaced(state, state.focus)) return;
+    if (!body.open || !lines.checked || neighbours.length === 0 || !model.isPlaced(state, state.focus)) return;
     const { shown } = state;
     const { of } = model.categoriesOf(state);
-    drawLines(context, scene, state.focus, neighbours.filter(({ gene }) => shown[of[gene]] === 1 && model.isPlaced(state, gene)));
+    drawLines(pen, scene, state.focus, neighbours.filter(({ gene }) => shown[of[gene]] === 1 && model.isPlaced(state, gene)));
   });
   store.listen(['focus'], update);
   store.listen(['pair'], tellKept);

@@ -39,17 +39,16 @@ export function showTrust(element, selection, model, store) {
   if (quality === null) return;
   element.append(
     el('h2', {}, 'How far to trust this map'),
-    el('dl', { class: 'trust' }, ...quality.numbers.flatMap(({ name, value, sentence }) => [
+    el('dl', { class: 'trust' }, ...quality.numbers.map(({ name, value, sentence }) => el('div', {},
       el('dt', {}, dataText(name), el('span', { class: 'trust-value' }, dataText(value))),
-      el('dd', {}, dataText(sentence)),
-    ])),
+      el('dd', {}, dataText(sentence))))),
   );
   if (quality.kept === null) return;
   model.addColouring({ title: TITLE, numbers: quality.kept, diverging: false });
   element.append(
     button('Colour by kept neighbours', () => store.set(model.colouredBy(model.colourings.titled(TITLE)))),
-    el('p', { class: 'hint' }, `Of each gene: the share of its ${quality.neighbours} nearest neighbours in the data that are `
+    el('p', { class: 'counts' }, `Of each gene: the share of its ${quality.neighbours} nearest neighbours in the data that are `
       + `among its ${quality.neighbours} nearest on the map. Where it is low, the place of the gene says little.`),
   );
-  selection.querySelector('h2').after(selectionNote(quality, store));
+  selection.querySelector('.panel-head').after(selectionNote(quality, store));
 }
