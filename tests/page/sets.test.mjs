@@ -180,6 +180,11 @@ describe('sets', () => {
       field.dispatchEvent(new Event('change'));
     });
     await until(async () => (await page.locator('#legend path').first().getAttribute('fill')) === '#102030');
+    // Boxes are ticked while the map shows their colours, and come back with them.
+    await page.selectOption('#colouring', { index: 0 });
+    assert.deepEqual([await inSet('G1', 'map').isChecked(), await inSet('two', 'map').isChecked()], [false, false]);
+    await page.selectOption('#colouring', { label: 'Sets' });
+    assert.deepEqual([await inSet('G1', 'map').isChecked(), await inSet('two', 'map').isChecked()], [true, true]);
     await inSet('G1', 'map').uncheck();
     await inSet('two', 'map').uncheck();
     await becomes(rows, ['cycle 3', 'stress 3', 'other 1']);

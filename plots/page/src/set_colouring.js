@@ -50,7 +50,7 @@ export function setColouring(sets, count) {
 /**
  * Keeps track of the sets that colour the map.
  *
- * @returns `has(id)`; `toggle(id, isOn)`: from then on the map is coloured by the sets that are on, or,
+ * @returns `has(id)`: whether the map shows its colour now; `toggle(id, isOn)`: from then on the map is coloured by the sets that are on, or,
  *   without any, as it was before
  */
 export function followSetColours(model, store) {
@@ -74,8 +74,10 @@ export function followSetColours(model, store) {
     if (on.size > 0) refresh(false);
   });
   return {
-    has: (id) => on.has(id),
+    has: (id) => on.has(id) && isShown(),
     toggle(id, isOn) {
+      // Those that were on before other colours came would come as a surprise.
+      if (!isShown()) on.clear();
       if (isOn) on.add(id);
       else on.delete(id);
       refresh(true);

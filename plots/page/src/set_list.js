@@ -195,6 +195,9 @@ export function showSets(element, model, store, { say, copyLink }) {
   heading.tabIndex = -1;
   element.append(heading, list, fileRow(model, store, load, () => copyLink(note)), note.element);
   followDrops(element, load);
+  store.listen(['colouring'], () => {
+    for (const box of list.querySelectorAll('[data-part="map"]')) box.checked = colours.has(Number(box.closest('[data-set]').dataset.set));
+  });
   store.listen(['sets'], (state) => {
     note.clear();
     update(state);
