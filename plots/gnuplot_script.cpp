@@ -8,6 +8,7 @@
 #include <set>
 #include <string_view>
 
+#include "plots/colour_bar.h"
 #include "plots/gnuplot_text.h"
 #include "plots/name_placement.h"
 #include "plots/point_style.h"
@@ -31,6 +32,8 @@ struct Picture {
     double PointShape::*shape_scale;
     /// What the font's size in points is multiplied by.
     const char* font_factor;
+    /// Defines which characters of texts can be shown.
+    std::string (*fonts)();
     /// Which of points and everything else it shows.
     bool has_points;
     bool has_frame;
@@ -177,6 +180,7 @@ class Script {
                   kPng,
                   &PointShape::png_scale,
                   "1.0",
+                  &gnuplot_font_search,
                   true,
                   true});
         const bool has_image = point_count_ >= kFewestImagePoints;
@@ -186,6 +190,7 @@ class Script {
                             kPng,
                             &PointShape::png_scale,
                             "1.0",
+                            &gnuplot_font_search,
                             true,
                             false});
         }
@@ -194,6 +199,7 @@ class Script {
                               svg,
                               &PointShape::svg_scale,
                               "4.0 / 3.0",
+                              &gnuplot_any_font,
                               !has_image,
                               true});
     }
@@ -489,7 +495,7 @@ std::string Script::nameTexts(std::size_t position, const Picture& picture) cons
         }
         const auto middle =
             view.toMap({name.box.left + name.box.width / 2, name.box.top + name.box.height / 2});
-        script += "set label " + gnuplot_text(one_line_utf8(panel.named[n].name)) + " at " +
+        script += "set label " + gnuplot_shown_text(one_line_utf8(panel.named[n].name)) + " at " +
                   shortest_text(middle[0]) + "," + shortest_text(middle[1]) + " center front" +
                   font(names_[position].font, picture) + "\n";
     }
@@ -500,7 +506,7 @@ std::string Script::axisTitles(std::size_t position, const Picture& picture) con
     const FigurePanel& panel = figure_.panels[position];
     const FigurePlace place = layout_.panel(position);
     const auto cut = [&](const std::string& title, double room) {
-        return gnuplot_text(cut_distinctly({title}, layout_.font, room)[0]);
+        return gnuplot_shown_text(cut_distinctly({title}, layout_.font, room)[0]);
     };
     return "set label " + cut(panel.x_title, place.width) +
            ".unit_note at screen left + panel_width / 2, "
@@ -532,7 +538,7 @@ std::string Script::legend(const Picture& picture) const {
                       pixels(0.3 * legend.font) + " * " + shape.name +
                       line_of(shape, 0.3 * legend.font) + " linecolor rgb 0x" + colour + "\n";
         }
-        script += "set label " + gnuplot_text(legend.texts[entry]) + " at screen " +
+        script += "set label " + gnuplot_shown_text(legend.texts[entry]) + " at screen " +
                   left(x + legend.marker_width) + "," + up(y) + " left" +
                   font(legend.font, picture) + "\n";
     }
@@ -541,21 +547,26 @@ std::string Script::legend(const Picture& picture) const {
 
 /// The bar that explains the colours, beside the first panel.
 std::string Script::colourBar(const Picture& picture) const {
-    const ColourScale& scale = *figure_.scale;
-    // One number alone has no ends; any others serve.
-    const double margin = scale.least < scale.most ? 0.0 : std::max(1.0, std::abs(scale.least));
-    const FigurePlace& bar = layout_.bar;
-    const double legend_font = 0.85 * layout_.font;
+    const FigurePlace& place = layout_.bar;
+    const double font_size = bar_font(layout_);
+    // Numbers have a line between them.
+    const double lines = std::clamp(place.height / (2 * font_size), 2.0, 10.0);
+    const ColourBar bar = colour_bar(*figure_.scale, static_cast<int>(lines));
+    std::string numbers;
+    for (const BarNumber& number : bar.numbers) {
+        numbers += (numbers.empty() ? "" : ", ") + gnuplot_text(number.text) + " " +
+                   shortest_text(number.at);
+    }
     // Tics take no expression.
-    return "tick_font = " + fontText(legend_font, picture) + "\nset cbrange [" +
-           shortest_text(scale.least - margin) + ":" + shortest_text(scale.most + margin) +
-           "]\nset colorbox user origin screen " + left(bar.left) + "," + up(bar.top + bar.height) +
-           " size screen " + left(bar.width) + "," + share(bar.height, layout_.style.height) +
-           "\nset cbtics scale 0.4 offset -0.5,0 font tick_font"
-           "\nset label " +
-           gnuplot_text(cut_distinctly({scale.title}, legend_font, bar.height)[0]) + " at screen " +
-           left(bar.left + bar.width + 3.7 * layout_.font) + "," + up(bar.top + bar.height / 2) +
-           " center rotate by 90" + font(legend_font, picture) + "\n";
+    return "tick_font = " + fontText(font_size, picture) + "\nset cbrange [" +
+           shortest_text(bar.least) + ":" + shortest_text(bar.most) +
+           "]\nset colorbox user origin screen " + left(place.left) + "," +
+           up(place.top + place.height) + " size screen " + left(place.width) + "," +
+           share(place.height, layout_.style.height) + "\nset cbtics (" + numbers +
+           ") scale 0.4 offset -0.5,0 font tick_font\nset label " +
+           gnuplot_shown_text(cut_distinctly({figure_.scale->title}, font_size, place.height)[0]) +
+           " at screen " + left(layout_.bar_title_x) + "," + up(place.top + place.height / 2) +
+           " center rotate by 90" + font(font_size, picture) + "\n";
 }
 
 std::string Script::drawPanel(std::size_t position, const Picture& picture) const {
@@ -572,7 +583,7 @@ std::string Script::drawPanel(std::size_t position, const Picture& picture) cons
         if (position == 0) {
             script += legend(picture);
             if (!layout_.title.empty()) {
-                script += "set label " + gnuplot_text(layout_.title) + " at screen " +
+                script += "set label " + gnuplot_shown_text(layout_.title) + " at screen " +
                           left(layout_.title_x) + "," + up(layout_.title_y) + " center" +
                           font(layout_.font, picture) + "\n";
             }
@@ -615,16 +626,21 @@ std::string Script::draw(const Picture& picture) const {
                   share(picture.pointsize * shape.*picture.shape_scale, 1.0) + "\n";
         sizes += "shape == " + std::to_string(shape.number) + " ? " + shape.name + " : ";
     }
-    script += sizes + "0\nset multiplot\n";
+    script += sizes + "0\n";
+    std::string panels;
+    for (std::size_t position = 0; position < figure_.panels.size(); ++position) {
+        panels += drawPanel(position, picture);
+    }
+    if (panels.find("fonts_have(") != std::string::npos) {
+        script += picture.fonts();
+    }
+    script += "set multiplot\n";
     if (!picture.has_frame) {
         script += "unset border\n";
     } else if (!picture.has_points) {
         script += drawImage();
     }
-    for (std::size_t position = 0; position < figure_.panels.size(); ++position) {
-        script += drawPanel(position, picture);
-    }
-    return script + "unset multiplot\nunset output\n" +
+    return script + panels + "unset multiplot\nunset output\n" +
            (picture.has_frame ? "" : "set border" + lineWidth(1.0) + "\n");
 }
 
