@@ -201,7 +201,9 @@ class SizedFigure {
                                 1.0);
         }
         const auto all = static_cast<double>(std::max<std::size_t>(entries_.size(), 1));
-        return 1 / (1 + (0.6 * static_cast<double>(legend.left_out) + 4 * cut) / all);
+        constexpr double kLeftOut = 5.0;
+        constexpr double kCut = 3.0;
+        return std::exp(-(kLeftOut * static_cast<double>(legend.left_out) + kCut * cut) / all);
     }
 
     [[nodiscard]] std::size_t freePanels(std::size_t columns) const {

@@ -137,6 +137,22 @@ TEST(LayoutOfSize, MakesTheMapSmallerRatherThanCutAFewLabels) {
     }
 }
 
+TEST(LayoutOfSize, CutsManyLongLabelsInTheirEndsAndLeavesNoneOut) {
+    Figure figure = figure_of(1, {});
+    for (int n = 0; n < 60; ++n) {
+        figure.labels.push_back("Group no " + std::to_string(n) + " of the long annotation texts");
+    }
+    for (const double height : {60.0, 90.0}) {
+        figure.bounds = {-40, 40, 0, height};
+        const LegendLayout legend = layout_of_size(figure, {}).legend;
+        EXPECT_EQ(legend.left_out, 0U);
+        EXPECT_EQ(legend.texts.size(), 60U);
+        for (const std::string& text : legend.texts) {
+            EXPECT_GT(text.size(), 15U) << text;
+        }
+    }
+}
+
 TEST(LayoutOfSize, CutsATitleThatIsTooLong) {
     Figure figure = figure_of(1, {});
     figure.title = std::string(500, 'w');
