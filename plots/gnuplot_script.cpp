@@ -1,16 +1,14 @@
 #include "plots/gnuplot_script.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 #include <numeric>
 #include <set>
 #include <string_view>
 
 #include "plots/colour_bar.h"
 #include "plots/gnuplot_text.h"
-#include "plots/name_placement.h"
+#include "plots/panel_names.h"
 #include "plots/point_style.h"
 #include "plots/text_width.h"
 #include "util/format.h"
@@ -19,9 +17,6 @@
 namespace ovik {
 
 namespace {
-
-/// Pixels of a text for which widths and markers of legend and lines are given below.
-constexpr double kUsualFont = 28.0;
 
 /// A picture that the script draws.
 struct Picture {
@@ -60,98 +55,9 @@ std::string part_name(std::size_t panel, const char* part) {
     return "$panel" + std::to_string(panel + 1) + "_" + part;
 }
 
-bool is_grey(const Figure& figure, std::size_t list) {
-    return figure.scale
-               ? list == 1
-               : list + figure.grey_labels >= figure.labels.size() && !figure.labels.empty();
-}
-
 /// The width of the lines of a shape that is made of them.
 std::string line_of(const PointShape& shape, double radius) {
     return shape.line > 0.0 ? " linewidth " + pixels(std::max(shape.line * radius, 0.5)) : "";
-}
-
-/// The radius in pixels of the points of a panel: the more points, the smaller. Grey ones do not
-/// count for others.
-double radius_of(const Figure& figure, const FigureLayout& layout, std::size_t panel, bool grey) {
-    const auto& lists = figure.panels[panel].points;
-    std::size_t count = 0;
-    for (std::size_t list = 0; list < lists.size(); ++list) {
-        count += grey || !is_grey(figure, list) ? lists[list].size() : 0;
-    }
-    constexpr double kOfFew = 5.5;
-    constexpr double kHalvingCount = 4000;
-    constexpr double kUsualSide = 900;
-    const FigurePlace place = layout.panel(panel);
-    const double side = std::sqrt(std::max(place.width * place.height, 1.0));
-    // Smaller panels have smaller points, though not as much.
-    constexpr double kPower = 0.8;
-    const double radius = kOfFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
-    const double least = 0.8 * layout.font / kUsualFont;
-    return std::max(radius * std::pow(side / kUsualSide, kPower), least);
-}
-
-/// The names of a panel, in the coordinates of the map.
-class PanelView {
-  public:
-    PanelView(const Figure& figure, const FigureLayout& layout, std::size_t panel)
-        : place_(layout.panel(panel)) {
-        const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
-        unit_ = 1.05 * std::max((max_x - min_x) / place_.width, (max_y - min_y) / place_.height);
-        unit_ = unit_ > 0.0 ? unit_ : 1.0 / layout.style.width;
-        middle_ = {(min_x + max_x) / 2.0, (min_y + max_y) / 2.0};
-    }
-
-    [[nodiscard]] std::array<double, 2> toPixels(const std::array<double, 2>& at) const {
-        return {place_.left + place_.width / 2 + (at[0] - middle_[0]) / unit_,
-                place_.top + place_.height / 2 - (at[1] - middle_[1]) / unit_};
-    }
-
-    [[nodiscard]] std::array<double, 2> toMap(const std::array<double, 2>& at) const {
-        return {middle_[0] + (at[0] - place_.left - place_.width / 2) * unit_,
-                middle_[1] - (at[1] - place_.top - place_.height / 2) * unit_};
-    }
-
-  private:
-    FigurePlace place_;
-    double unit_ = 1.0;
-    std::array<double, 2> middle_{};
-};
-
-/// The names of a panel where they are to stand.
-struct PanelNames {
-    double font = 0.0;
-    double radius = 0.0;
-    std::vector<PlacedName> places;
-};
-
-PanelNames names_of(const Figure& figure, const FigureLayout& layout, std::size_t position) {
-    constexpr double kFont = 0.8;
-    const FigurePanel& panel = figure.panels[position];
-    PanelNames names;
-    if (panel.named.empty()) {
-        return names;
-    }
-    names.font = kFont * layout.font;
-    names.radius =
-        std::max(1.5 * radius_of(figure, layout, position, false), 5.0 * layout.font / kUsualFont);
-    const PanelView view(figure, layout, position);
-    std::vector<NameToPlace> texts;
-    for (const NamedPoint& point : panel.named) {
-        constexpr double kHeight = 1.2;
-        texts.push_back({view.toPixels(point.at),
-                         text_width(one_line_utf8(point.name), names.font) + 0.3 * names.font,
-                         kHeight * names.font});
-    }
-    std::vector<std::array<double, 2>> others;
-    for (const auto& list : panel.points) {
-        for (const auto& point : list) {
-            others.push_back(view.toPixels(point));
-        }
-    }
-    names.places =
-        place_names(texts, names.radius + layout.font / kUsualFont, layout.panel(position), others);
-    return names;
 }
 
 class Script {
