@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "plots/colour_bar.h"
 #include "plots/text_width.h"
 #include "util/plain_text.h"
 
@@ -26,10 +27,11 @@ constexpr double kEdge = 0.4;
 /// An axis title and the room around it.
 constexpr double kAxisTitle = 1.6;
 constexpr double kTitle = 1.9;
-/// A bar of colours with its numbers and its title.
+/// A bar of colours, from it to its numbers, and from these to the middle of its title.
 constexpr double kBar = 0.9;
-constexpr double kBarWithTexts = 4.9;
-constexpr double kUntitledBar = 3.4;
+constexpr double kBarGap = 0.6;
+constexpr double kBarTitle = 0.9;
+constexpr double kHalfBarTitle = 0.6;
 constexpr double kBarWithEntry = 5.2;
 
 /// A legend has so much of a figure's width at most.
@@ -95,6 +97,11 @@ LegendLayout legend_of(const std::vector<std::string>& entries,
     legend.place.width = static_cast<double>(columns) * legend.column_width - gap;
     legend.place.height = static_cast<double>(legend.rows) * legend.line_height;
     return legend;
+}
+
+/// From the left of a bar to the right of its numbers.
+double numbers_end(const ColourScale& scale, double font) {
+    return (kBar + kBarGap) * font + numbers_width(colour_bar(scale), kLegendFont * font);
 }
 
 std::size_t lines_in(double height, double font) {
@@ -172,10 +179,14 @@ class SizedFigure {
   private:
     [[nodiscard]] bool heightIsFree() const { return base_.style.height == 0.0; }
 
+    /// From the left of the bar to the right of its numbers.
+    [[nodiscard]] double numbersEnd() const { return numbers_end(*figure_.scale, base_.font); }
+
     /// Of the bar with its texts.
     [[nodiscard]] double barWidth() const {
-        const double texts = figure_.scale->title.empty() ? kUntitledBar : kBarWithTexts;
-        return base_.font * std::max(texts, entries_.empty() ? 0.0 : kBarWithEntry);
+        const double title = figure_.scale->title.empty() ? 0.0 : kBarTitle + kHalfBarTitle;
+        const double texts = numbersEnd() + title * base_.font;
+        return std::max(texts, entries_.empty() ? 0.0 : kBarWithEntry * base_.font);
     }
 
     [[nodiscard]] double legendFont() const { return kLegendFont * base_.font; }
@@ -190,7 +201,9 @@ class SizedFigure {
                                 1.0);
         }
         const auto all = static_cast<double>(std::max<std::size_t>(entries_.size(), 1));
-        return 1 - (0.5 * static_cast<double>(legend.left_out) + 1.2 * cut) / all;
+        constexpr double kLeftOut = 5.0;
+        constexpr double kCut = 3.0;
+        return std::exp(-(kLeftOut * static_cast<double>(legend.left_out) + kCut * cut) / all);
     }
 
     [[nodiscard]] std::size_t freePanels(std::size_t columns) const {
@@ -328,6 +341,9 @@ void SizedFigure::placeLegend(FigureLayout& layout, LegendSide side) const {
         const double entry = entries_.empty() ? 0.0 : 1.3 * line;
         layout.bar = {
             place.left, first.top + 0.3 * font, kBar * font, panels_height - 0.6 * font - entry};
+        if (figure_.scale) {
+            layout.bar_title_x = place.left + numbersEnd() + kBarTitle * font;
+        }
     } else if (side == LegendSide::Below) {
         place.left = first.left;
         place.top = layout.style.height - place.height - 0.2 * font;
@@ -400,6 +416,10 @@ FigurePlace FigureLayout::panel(std::size_t position) const {
             height};
 }
 
+double bar_font(const FigureLayout& layout) {
+    return kLegendFont * layout.font;
+}
+
 std::string legend_text(const std::string& label) {
     return label.empty() ? "(no label)" : label;
 }
@@ -432,6 +452,9 @@ FigureLayout layout_in_style(const Figure& figure, const FigureStyle& style) {
         const double entry = entries.empty() ? 0.0 : 1.3 * kLine * font;
         layout.bar = {
             left, top + 0.3 * layout.font, kBar * layout.font, height - 0.6 * layout.font - entry};
+        layout.bar_title_x =
+            std::min(left + numbers_end(*figure.scale, layout.font) + kBarTitle * layout.font,
+                     style.width - kHalfBarTitle * layout.font);
         room.top = top + height - kLine * font;
         room.height = kLine * font;
     }

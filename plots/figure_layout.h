@@ -51,6 +51,8 @@ struct FigureLayout {
     LegendLayout legend{};
     /// The bar of a colour scale.
     FigurePlace bar{};
+    /// Middle of its title, which stands upright.
+    double bar_title_x = 0.0;
     /// Middle of the title, and what is shown of it.
     double title_x = 0.0;
     double title_y = 0.0;
@@ -60,6 +62,9 @@ struct FigureLayout {
 
     [[nodiscard]] FigurePlace panel(std::size_t position) const;
 };
+
+/// The font of the numbers and the title of a colour scale's bar.
+double bar_font(const FigureLayout& layout);
 
 /// What is written for the label of the legend's entry; points without one have none.
 std::string legend_text(const std::string& label);

@@ -1,15 +1,14 @@
 #include "plots/gnuplot_script.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 #include <numeric>
 #include <set>
 #include <string_view>
 
+#include "plots/colour_bar.h"
 #include "plots/gnuplot_text.h"
-#include "plots/name_placement.h"
+#include "plots/panel_names.h"
 #include "plots/point_style.h"
 #include "plots/text_width.h"
 #include "util/format.h"
@@ -18,9 +17,6 @@
 namespace ovik {
 
 namespace {
-
-/// Pixels of a text for which widths and markers of legend and lines are given below.
-constexpr double kUsualFont = 28.0;
 
 /// A picture that the script draws.
 struct Picture {
@@ -31,6 +27,8 @@ struct Picture {
     double PointShape::*shape_scale;
     /// What the font's size in points is multiplied by.
     const char* font_factor;
+    /// Defines which characters of texts can be shown.
+    std::string (*fonts)();
     /// Which of points and everything else it shows.
     bool has_points;
     bool has_frame;
@@ -57,98 +55,9 @@ std::string part_name(std::size_t panel, const char* part) {
     return "$panel" + std::to_string(panel + 1) + "_" + part;
 }
 
-bool is_grey(const Figure& figure, std::size_t list) {
-    return figure.scale
-               ? list == 1
-               : list + figure.grey_labels >= figure.labels.size() && !figure.labels.empty();
-}
-
 /// The width of the lines of a shape that is made of them.
 std::string line_of(const PointShape& shape, double radius) {
     return shape.line > 0.0 ? " linewidth " + pixels(std::max(shape.line * radius, 0.5)) : "";
-}
-
-/// The radius in pixels of the points of a panel: the more points, the smaller. Grey ones do not
-/// count for others.
-double radius_of(const Figure& figure, const FigureLayout& layout, std::size_t panel, bool grey) {
-    const auto& lists = figure.panels[panel].points;
-    std::size_t count = 0;
-    for (std::size_t list = 0; list < lists.size(); ++list) {
-        count += grey || !is_grey(figure, list) ? lists[list].size() : 0;
-    }
-    constexpr double kOfFew = 5.5;
-    constexpr double kHalvingCount = 4000;
-    constexpr double kUsualSide = 900;
-    const FigurePlace place = layout.panel(panel);
-    const double side = std::sqrt(std::max(place.width * place.height, 1.0));
-    // Smaller panels have smaller points, though not as much.
-    constexpr double kPower = 0.8;
-    const double radius = kOfFew / (1.0 + std::sqrt(static_cast<double>(count) / kHalvingCount));
-    const double least = 0.8 * layout.font / kUsualFont;
-    return std::max(radius * std::pow(side / kUsualSide, kPower), least);
-}
-
-/// The names of a panel, in the coordinates of the map.
-class PanelView {
-  public:
-    PanelView(const Figure& figure, const FigureLayout& layout, std::size_t panel)
-        : place_(layout.panel(panel)) {
-        const auto& [min_x, max_x, min_y, max_y] = figure.bounds;
-        unit_ = 1.05 * std::max((max_x - min_x) / place_.width, (max_y - min_y) / place_.height);
-        unit_ = unit_ > 0.0 ? unit_ : 1.0 / layout.style.width;
-        middle_ = {(min_x + max_x) / 2.0, (min_y + max_y) / 2.0};
-    }
-
-    [[nodiscard]] std::array<double, 2> toPixels(const std::array<double, 2>& at) const {
-        return {place_.left + place_.width / 2 + (at[0] - middle_[0]) / unit_,
-                place_.top + place_.height / 2 - (at[1] - middle_[1]) / unit_};
-    }
-
-    [[nodiscard]] std::array<double, 2> toMap(const std::array<double, 2>& at) const {
-        return {middle_[0] + (at[0] - place_.left - place_.width / 2) * unit_,
-                middle_[1] - (at[1] - place_.top - place_.height / 2) * unit_};
-    }
-
-  private:
-    FigurePlace place_;
-    double unit_ = 1.0;
-    std::array<double, 2> middle_{};
-};
-
-/// The names of a panel where they are to stand.
-struct PanelNames {
-    double font = 0.0;
-    double radius = 0.0;
-    std::vector<PlacedName> places;
-};
-
-PanelNames names_of(const Figure& figure, const FigureLayout& layout, std::size_t position) {
-    constexpr double kFont = 0.8;
-    const FigurePanel& panel = figure.panels[position];
-    PanelNames names;
-    if (panel.named.empty()) {
-        return names;
-    }
-    names.font = kFont * layout.font;
-    names.radius =
-        std::max(1.5 * radius_of(figure, layout, position, false), 5.0 * layout.font / kUsualFont);
-    const PanelView view(figure, layout, position);
-    std::vector<NameToPlace> texts;
-    for (const NamedPoint& point : panel.named) {
-        constexpr double kHeight = 1.2;
-        texts.push_back({view.toPixels(point.at),
-                         text_width(one_line_utf8(point.name), names.font) + 0.3 * names.font,
-                         kHeight * names.font});
-    }
-    std::vector<std::array<double, 2>> others;
-    for (const auto& list : panel.points) {
-        for (const auto& point : list) {
-            others.push_back(view.toPixels(point));
-        }
-    }
-    names.places =
-        place_names(texts, names.radius + layout.font / kUsualFont, layout.panel(position), others);
-    return names;
 }
 
 class Script {
@@ -177,6 +86,7 @@ class Script {
                   kPng,
                   &PointShape::png_scale,
                   "1.0",
+                  &gnuplot_font_search,
                   true,
                   true});
         const bool has_image = point_count_ >= kFewestImagePoints;
@@ -186,6 +96,7 @@ class Script {
                             kPng,
                             &PointShape::png_scale,
                             "1.0",
+                            &gnuplot_font_search,
                             true,
                             false});
         }
@@ -194,6 +105,7 @@ class Script {
                               svg,
                               &PointShape::svg_scale,
                               "4.0 / 3.0",
+                              &gnuplot_any_font,
                               !has_image,
                               true});
     }
@@ -489,7 +401,7 @@ std::string Script::nameTexts(std::size_t position, const Picture& picture) cons
         }
         const auto middle =
             view.toMap({name.box.left + name.box.width / 2, name.box.top + name.box.height / 2});
-        script += "set label " + gnuplot_text(one_line_utf8(panel.named[n].name)) + " at " +
+        script += "set label " + gnuplot_shown_text(one_line_utf8(panel.named[n].name)) + " at " +
                   shortest_text(middle[0]) + "," + shortest_text(middle[1]) + " center front" +
                   font(names_[position].font, picture) + "\n";
     }
@@ -500,7 +412,7 @@ std::string Script::axisTitles(std::size_t position, const Picture& picture) con
     const FigurePanel& panel = figure_.panels[position];
     const FigurePlace place = layout_.panel(position);
     const auto cut = [&](const std::string& title, double room) {
-        return gnuplot_text(cut_distinctly({title}, layout_.font, room)[0]);
+        return gnuplot_shown_text(cut_distinctly({title}, layout_.font, room)[0]);
     };
     return "set label " + cut(panel.x_title, place.width) +
            ".unit_note at screen left + panel_width / 2, "
@@ -532,7 +444,7 @@ std::string Script::legend(const Picture& picture) const {
                       pixels(0.3 * legend.font) + " * " + shape.name +
                       line_of(shape, 0.3 * legend.font) + " linecolor rgb 0x" + colour + "\n";
         }
-        script += "set label " + gnuplot_text(legend.texts[entry]) + " at screen " +
+        script += "set label " + gnuplot_shown_text(legend.texts[entry]) + " at screen " +
                   left(x + legend.marker_width) + "," + up(y) + " left" +
                   font(legend.font, picture) + "\n";
     }
@@ -541,21 +453,26 @@ std::string Script::legend(const Picture& picture) const {
 
 /// The bar that explains the colours, beside the first panel.
 std::string Script::colourBar(const Picture& picture) const {
-    const ColourScale& scale = *figure_.scale;
-    // One number alone has no ends; any others serve.
-    const double margin = scale.least < scale.most ? 0.0 : std::max(1.0, std::abs(scale.least));
-    const FigurePlace& bar = layout_.bar;
-    const double legend_font = 0.85 * layout_.font;
+    const FigurePlace& place = layout_.bar;
+    const double font_size = bar_font(layout_);
+    // Numbers have a line between them.
+    const double lines = std::clamp(place.height / (2 * font_size), 2.0, 10.0);
+    const ColourBar bar = colour_bar(*figure_.scale, static_cast<int>(lines));
+    std::string numbers;
+    for (const BarNumber& number : bar.numbers) {
+        numbers += (numbers.empty() ? "" : ", ") + gnuplot_text(number.text) + " " +
+                   shortest_text(number.at);
+    }
     // Tics take no expression.
-    return "tick_font = " + fontText(legend_font, picture) + "\nset cbrange [" +
-           shortest_text(scale.least - margin) + ":" + shortest_text(scale.most + margin) +
-           "]\nset colorbox user origin screen " + left(bar.left) + "," + up(bar.top + bar.height) +
-           " size screen " + left(bar.width) + "," + share(bar.height, layout_.style.height) +
-           "\nset cbtics scale 0.4 offset -0.5,0 font tick_font"
-           "\nset label " +
-           gnuplot_text(cut_distinctly({scale.title}, legend_font, bar.height)[0]) + " at screen " +
-           left(bar.left + bar.width + 3.7 * layout_.font) + "," + up(bar.top + bar.height / 2) +
-           " center rotate by 90" + font(legend_font, picture) + "\n";
+    return "tick_font = " + fontText(font_size, picture) + "\nset cbrange [" +
+           shortest_text(bar.least) + ":" + shortest_text(bar.most) +
+           "]\nset colorbox user origin screen " + left(place.left) + "," +
+           up(place.top + place.height) + " size screen " + left(place.width) + "," +
+           share(place.height, layout_.style.height) + "\nset cbtics (" + numbers +
+           ") scale 0.4 offset -0.5,0 font tick_font\nset label " +
+           gnuplot_shown_text(cut_distinctly({figure_.scale->title}, font_size, place.height)[0]) +
+           " at screen " + left(layout_.bar_title_x) + "," + up(place.top + place.height / 2) +
+           " center rotate by 90" + font(font_size, picture) + "\n";
 }
 
 std::string Script::drawPanel(std::size_t position, const Picture& picture) const {
@@ -572,7 +489,7 @@ std::string Script::drawPanel(std::size_t position, const Picture& picture) cons
         if (position == 0) {
             script += legend(picture);
             if (!layout_.title.empty()) {
-                script += "set label " + gnuplot_text(layout_.title) + " at screen " +
+                script += "set label " + gnuplot_shown_text(layout_.title) + " at screen " +
                           left(layout_.title_x) + "," + up(layout_.title_y) + " center" +
                           font(layout_.font, picture) + "\n";
             }
@@ -615,16 +532,21 @@ std::string Script::draw(const Picture& picture) const {
                   share(picture.pointsize * shape.*picture.shape_scale, 1.0) + "\n";
         sizes += "shape == " + std::to_string(shape.number) + " ? " + shape.name + " : ";
     }
-    script += sizes + "0\nset multiplot\n";
+    script += sizes + "0\n";
+    std::string panels;
+    for (std::size_t position = 0; position < figure_.panels.size(); ++position) {
+        panels += drawPanel(position, picture);
+    }
+    if (panels.find("fonts_have(") != std::string::npos) {
+        script += picture.fonts();
+    }
+    script += "set multiplot\n";
     if (!picture.has_frame) {
         script += "unset border\n";
     } else if (!picture.has_points) {
         script += drawImage();
     }
-    for (std::size_t position = 0; position < figure_.panels.size(); ++position) {
-        script += drawPanel(position, picture);
-    }
-    return script + "unset multiplot\nunset output\n" +
+    return script + panels + "unset multiplot\nunset output\n" +
            (picture.has_frame ? "" : "set border" + lineWidth(1.0) + "\n");
 }
 

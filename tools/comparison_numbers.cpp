@@ -150,6 +150,10 @@ void add_settings(std::vector<ComparedNumber>& numbers, const Entries& entries) 
     }
 }
 
+/// The end of a sentence on numbers that say nothing across matrices.
+constexpr const char* kDifferentData =
+    "; the runs are of different data, so that none is called the best.";
+
 /// Numbers of what the fit came to.
 void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
     numbers.push_back(
@@ -158,17 +162,20 @@ void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
                values_of(entries, [](const ComparisonEntry& entry) { return entry.run.iteration; }),
                Best::None,
                [](double value) { return with_decimals(value, 0); }));
+    const bool same_data = share_data(entries);
     numbers.push_back(number(
         "Seconds",
-        "What affinities and fit took by the clock, beside whatever else the machine did; the "
-        "first run of several perplexities also searches the neighbours of all.",
+        std::string("What affinities and fit took by the clock, beside whatever else the machine "
+                    "did; the first run of several perplexities also searches the neighbours of "
+                    "all") +
+            (same_data ? "." : kDifferentData),
         values_of(entries,
                   [](const ComparisonEntry& entry) {
                       const double seconds =
                           entry.run.seconds.similarities + entry.run.seconds.fitting;
                       return seconds > 0.0 ? seconds : kNone;
                   }),
-        Best::Least,
+        same_data ? Best::Least : Best::None,
         [](double value) { return with_decimals(value, 2); }));
     const bool comparable = share_affinities(entries);
     numbers.push_back(number(
@@ -237,9 +244,7 @@ void add_qualities(std::vector<ComparedNumber>& numbers, const Entries& entries)
                     entries,
                     size,
                     comparable ? Best::Most : Best::None,
-                    comparable
-                        ? "."
-                        : "; the runs are of different data, so that none is called the best.");
+                    comparable ? "." : kDifferentData);
     }
 }
 

@@ -77,14 +77,15 @@ const pixelOf = (page, which, gene) =>
 const selectionOf = (page) => page.evaluate(() => [...window.ovikComparison.state().selection]);
 const stateOf = (page, key) => page.evaluate((name) => window.ovikComparison.state()[name], key);
 
-/** Moves the pointer to places of a map, from its corner in pixels, the button down from the first on. */
-async function drag(page, which, places) {
+/** Moves the pointer to places of a map, from its corner in pixels, the button down from the first on; then a key may be pressed. */
+async function drag(page, which, places, { key = null } = {}) {
   await frameOf(page, which).scrollIntoViewIfNeeded();
   const box = await frameOf(page, which).boundingBox();
   const [[x, y], ...rest] = places;
   await page.mouse.move(box.x + x, box.y + y);
   await page.mouse.down();
   for (const [toX, toY] of rest) await page.mouse.move(box.x + toX, box.y + toY, { steps: 4 });
+  if (key) await page.keyboard.press(key);
   await page.mouse.up();
 }
 
@@ -141,6 +142,9 @@ test('one hover, one lasso and one search light up the same genes in all maps', 
   await page.click('button:text("Clear")');
   await page.click('text=Lasso');
   await drag(page, 2, [[2, 2], [corner[0], 2], corner, [2, corner[1]]]);
+  assert.deepEqual(await selectionOf(page), inside);
+  // Escape gives up what is being drawn.
+  await drag(page, 2, [[2, 2], [5, 40], [20, 30]], { key: 'Escape' });
   assert.deepEqual(await selectionOf(page), inside);
   assert.equal(await page.locator('#selection h2').innerText(), `Selection: ${inside.length} genes`);
   assert.equal(await page.locator('.chosen li').count(), inside.length);

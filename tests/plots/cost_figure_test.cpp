@@ -39,6 +39,13 @@ TEST_F(CostFigure, IsDrawnBesideItsScript) {
     EXPECT_THAT(content(".gp"), HasSubstr("set logscale y"));
 }
 
+TEST_F(CostFigure, HasATitleInAnyScriptForViewersWithItsFont) {
+    const std::string title = "\xE6\x97\xA5 \xF4\x8F\xBF\xBF";
+    EXPECT_EQ(draw_cost_figure(base_, {title, 0, {2.0, 1.0}, 0}), FigureOutcome::Drawn);
+    EXPECT_THAT(content(".svg"), HasSubstr(title));
+    EXPECT_THAT(content(".gp"), HasSubstr("fc-list"));
+}
+
 TEST_F(CostFigure, OfARunThatWentOnHasNoMarkBeforeItsStart) {
     const std::string script = cost_figure_script("x", {"", 400, {2.0, 1.0}, 250});
     EXPECT_THAT(script, HasSubstr("\n400 2\n401 1\n"));

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "plots/colour_bar.h"
+
 namespace ovik {
 namespace {
 
@@ -112,6 +114,43 @@ TEST(LayoutOfSize, HasABarForNumbers) {
     const FigureLayout with_gaps = layout_of_size(figure, {});
     EXPECT_THAT(with_gaps.legend.texts, ElementsAre("no number"));
     EXPECT_GT(with_gaps.legend.place.top, with_gaps.bar.top + with_gaps.bar.height);
+}
+
+TEST(LayoutOfSize, HasRoomForTheNumbersOfABarAndItsTitle) {
+    Figure figure = figure_of(1, {});
+    for (const double largest : {9.0, 1235567.0}) {
+        figure.scale = {"half-life", largest - 1, largest, false};
+        const FigureLayout layout = layout_of_size(figure, {});
+        const double numbers = numbers_width(colour_bar(*figure.scale), bar_font(layout));
+        const double numbers_end = layout.bar.left + layout.bar.width + numbers;
+        EXPECT_GT(layout.bar_title_x - 0.5 * layout.font, numbers_end);
+        EXPECT_LT(layout.bar_title_x + 0.5 * layout.font, layout.style.width);
+    }
+}
+
+TEST(LayoutOfSize, MakesTheMapSmallerRatherThanCutAFewLabels) {
+    const std::vector<std::string> labels = {
+        "mitochondria", "stress, folding", "ribosome", "other"};
+    for (const double side : {300.0, 1200.0}) {
+        const FigureLayout layout = layout_of_size(figure_of(1, labels), {side, side, false});
+        EXPECT_EQ(layout.legend.texts, labels) << side;
+    }
+}
+
+TEST(LayoutOfSize, CutsManyLongLabelsInTheirEndsAndLeavesNoneOut) {
+    Figure figure = figure_of(1, {});
+    for (int n = 0; n < 60; ++n) {
+        figure.labels.push_back("Group no " + std::to_string(n) + " of the long annotation texts");
+    }
+    for (const double height : {60.0, 90.0}) {
+        figure.bounds = {-40, 40, 0, height};
+        const LegendLayout legend = layout_of_size(figure, {}).legend;
+        EXPECT_EQ(legend.left_out, 0U);
+        EXPECT_EQ(legend.texts.size(), 60U);
+        for (const std::string& text : legend.texts) {
+            EXPECT_GT(text.size(), 15U) << text;
+        }
+    }
 }
 
 TEST(LayoutOfSize, CutsATitleThatIsTooLong) {

@@ -86,6 +86,9 @@ TEST(NumbersOf, CallNoneTheBestOfDifferentData) {
         other.rows = *what == 'r' ? 99 : 100;
         const std::vector<ComparisonEntry> entries = {entry(5.0, 1.5, 0.25), other};
         EXPECT_THAT(number(entries, "Cost").is_best, ElementsAre(false, false)) << what;
+        // Fewer rows are fitted faster.
+        EXPECT_THAT(number(entries, "Seconds").is_best, ElementsAre(false, false)) << what;
+        EXPECT_THAT(number(entries, "Seconds").sentence, HasSubstr("none is called the best."));
         EXPECT_THAT(number(entries, "Kept of the nearest 10").is_best, ElementsAre(false, false));
         EXPECT_THAT(number(entries, "Kept of the nearest 10").sentence,
                     HasSubstr("different data, so that none is called the best."));

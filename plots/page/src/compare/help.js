@@ -8,7 +8,7 @@ const LINES = [
   ['Lasso, Box', 'drag in any map to select genes; Shift adds to the selection'],
   ['Arrow keys', 'in a map: to the next gene in that direction'],
   ['Enter', 'in a map: takes the gene into the selection or out of it'],
-  ['Escape', 'lets the gene go; in the search: empties it'],
+  ['Escape', 'lets the gene go, or the lasso that is being drawn; in the search: empties it'],
 ];
 
 /** Fills the element, a `details`. */

@@ -73,5 +73,9 @@ export function followPointer(map, store) {
   frame.addEventListener('pointermove', move);
   frame.addEventListener('pointerup', end);
   frame.addEventListener('pointercancel', drop);
+  // The keys go to what has the focus, which is seldom the map.
+  window.addEventListener('keydown', (event) => {
+    if (event.key === 'Escape' && drawn !== null) drop();
+  });
   frame.addEventListener('pointerleave', () => store.set({ hover: -1 }));
 }
