@@ -28,7 +28,8 @@ ColumnScale scale_of(MatrixView<const double> values, std::size_t column, double
             is_empty = false;
         }
     }
-    return {low, (high - low) / last_code};
+    const double range = high - low;
+    return {low, std::isfinite(range) ? range / last_code : high / last_code - low / last_code};
 }
 
 std::uint32_t code_of(double value, const ColumnScale& scale, std::uint32_t last_code) {
@@ -38,7 +39,9 @@ std::uint32_t code_of(double value, const ColumnScale& scale, std::uint32_t last
     if (scale.step == 0.0) {
         return 0;
     }
-    const double code = std::round((value - scale.low) / scale.step);
+    const double above = value - scale.low;
+    const double code = std::round(
+        std::isfinite(above) ? above / scale.step : value / scale.step - scale.low / scale.step);
     return static_cast<std::uint32_t>(
         std::min(std::max(code, 0.0), static_cast<double>(last_code)));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "stats/chosen_affinities.h"
 #include "stats/method.h"
 
 namespace ovik {
@@ -42,7 +43,7 @@ double fits_at_once(const RunSize& size) {
 }  // namespace
 
 double MemoryEstimate::peak() const {
-    return std::max({reading, similarities, fitting, results});
+    return std::max({reading, similarities, fitting, clusters, results});
 }
 
 MemoryEstimate estimate_memory(const RunSize& size) {
@@ -71,6 +72,15 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     estimate.similarities =
         lasting + at_once * std::max(components_memory(size), scores + method.similarities);
     estimate.fitting = lasting + at_once * (32.0 * N * d + method.fitting);
+    if (size.has_clusters) {
+        const double entries = N * std::max(affinity_neighbours(size.options, size.rows), 0);
+        const double symmetric = symmetric_share(with_components(size).columns) * entries;
+        if (method_of(size.options).has_neighbours) {
+            estimate.fitting += 12.0 * entries;
+        }
+        estimate.clusters =
+            lasting + 160.0 * table_rows + 130.0 * N + 48.0 * entries + 12.0 * symmetric;
+    }
     estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes
                                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;

@@ -16,6 +16,8 @@ struct RunSize {
     bool has_plots = true;
     /// Bytes of the values that the chart page takes along; 0 without.
     std::size_t page_bytes = 0;
+    /// Whether clusters are looked for.
+    bool has_clusters = false;
     std::size_t threads = 1;
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
@@ -50,9 +52,13 @@ struct RunSize {
 ///   chart page (330 R + 300 N in all), and with V bytes of values in the page their text, in
 ///   the page and on the way to it (6 V).
 ///
-/// The bytes of these values are there in all stages but the first. Not counted is gnuplot, which
-/// draws the figure in a process of its own, with 30 MB, and with 180 MB where more than 20,000
-/// points become an image.
+/// Clusters take, beside the table, the neighbours (12 E, which are there throughout the fit, too),
+/// lists of them (16 E), their conditional entries with the transpose (20 E) and the symmetric ones
+/// (12 S); what finding them takes behind that is less.
+///
+/// The bytes of the values in the page are there in all stages but the first. Not counted is
+/// gnuplot, which draws the figure in a process of its own, with 30 MB, and with 180 MB where more
+/// than 20,000 points become an image.
 ///
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
@@ -69,6 +75,7 @@ struct MemoryEstimate {
     double reading = 0.0;
     double similarities = 0.0;
     double fitting = 0.0;
+    double clusters = 0.0;
     double results = 0.0;
 
     /// The memory of the stage that takes most.

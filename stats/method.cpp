@@ -76,18 +76,13 @@ MethodMemory exact_memory(const RunSize& size) {
     return {8.0 * N * D + 16.0 * N * N, 8.0 * N * N, 0.0};
 }
 
-/// Symmetric entries for each conditional one.
-double symmetric_share(double columns) {
-    return std::min(1.0 + 0.06 * columns, 1.6);
-}
-
 MethodMemory barnes_hut_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
     const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
     const double entries = N * K;
-    const double symmetric = symmetric_share(D) * entries;
+    const double symmetric = symmetric_share(size.columns) * entries;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
     const bool is_given = holds_distances(size.options);
@@ -136,6 +131,10 @@ constexpr Method kMethods[] = {
 };
 
 }  // namespace
+
+double symmetric_share(std::size_t columns) {
+    return std::min(1.0 + 0.06 * static_cast<double>(columns), 1.6);
+}
 
 std::span<const Method> methods() {
     return kMethods;

@@ -39,6 +39,10 @@ struct MethodInput {
     }
 };
 
+/// How many symmetric entries sparse affinities have for each conditional one, as seen: the more,
+/// the more columns tell the rows apart.
+double symmetric_share(std::size_t columns);
+
 /// What the stages of a method take beside the input, in bytes.
 struct MethodMemory {
     double similarities = 0.0;

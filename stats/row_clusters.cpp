@@ -56,7 +56,7 @@ RowClusters clusters_by_neighbours(const NeighbourGraph& neighbours,
     const SparseMatrix affinities = affinities_of_neighbours(neighbours, options);
     RowClusters result;
     result.clusters = leiden_communities(affinities.view(), neighbours.rows, resolution);
-    result.modularity = modularity(affinities.view(), result.clusters, resolution);
+    result.modularity = modularity(affinities.view(), result.clusters, 1.0);
     for (const std::uint32_t cluster : result.clusters) {
         result.sizes.resize(std::max<std::size_t>(result.sizes.size(), cluster + 1));
         ++result.sizes[cluster];

@@ -19,7 +19,7 @@ struct RowClusters {
     std::vector<std::uint32_t> clusters;
     /// How many rows each cluster has.
     std::vector<std::size_t> sizes;
-    /// The modularity of the clusters at the resolution that they were found by.
+    /// The modularity of the clusters as usual (resolution 1), whatever resolution found them.
     double modularity = 0.0;
 };
 

@@ -32,9 +32,10 @@ ResultTable<T> table_of(const ResultSettings& settings, const EndedRun& run) {
 }  // namespace
 
 template <typename T>
-WrittenResults write_results(const ResultSettings& settings,
+WrittenResults write_results(ResultSettings settings,
                              const std::string& out_base,
-                             const EndedRun& run) {
+                             const EndedRun& run,
+                             const std::function<void(ResultSettings&)>& before_plots) {
     const std::string stem = result_stem(run.options, settings.out_suffix);
     auto table = table_of<T>(settings, run);
     const PlotColumns<T> columns(table.coordinates);
@@ -44,6 +45,9 @@ WrittenResults write_results(const ResultSettings& settings,
     written.table_failure = write_result_table(out_base + "_" + stem + ".csv", table);
     written.log_failure =
         append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
+    if (before_plots) {
+        before_plots(settings);
+    }
     if (settings.draw_plots) {
         auto parameters = caption_parameters(run.options,
                                              run.embedding.rows,
@@ -84,11 +88,13 @@ WrittenResults write_results(const ResultSettings& settings,
     return written;
 }
 
-template WrittenResults write_results<float>(const ResultSettings&,
+template WrittenResults write_results<float>(ResultSettings,
                                              const std::string&,
-                                             const EndedRun&);
-template WrittenResults write_results<double>(const ResultSettings&,
+                                             const EndedRun&,
+                                             const std::function<void(ResultSettings&)>&);
+template WrittenResults write_results<double>(ResultSettings,
                                               const std::string&,
-                                              const EndedRun&);
+                                              const EndedRun&,
+                                              const std::function<void(ResultSettings&)>&);
 
 }  // namespace ovik

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string>
 
@@ -26,11 +27,14 @@ struct EndedRun {
 /// Writes the result table, then the record in the run log, then draws the plots. What cannot be
 /// written costs no other result.
 ///
-/// @param out_base  what table, log and figure are named after
-/// @tparam T        the precision of the coordinates
+/// @param out_base      what table, log and figure are named after
+/// @param before_plots  called when table and log are there, with the settings, of which the plots
+///                      show what it adds; empty: nothing is called
+/// @tparam T            the precision of the coordinates
 template <typename T>
-WrittenResults write_results(const ResultSettings& settings,
+WrittenResults write_results(ResultSettings settings,
                              const std::string& out_base,
-                             const EndedRun& run);
+                             const EndedRun& run,
+                             const std::function<void(ResultSettings&)>& before_plots = {});
 
 }  // namespace ovik

@@ -28,6 +28,7 @@ namespace ovik {
 class CachedNeighbours;
 struct FitReport;
 struct QuantisedMatrix;
+struct ResultSettings;
 struct RunIdentity;
 
 /// A byte that marks the unit that instantiates `TSNE`; nothing reads or writes it.
@@ -127,9 +128,10 @@ class TSNE {
     /// A checkpoint from which `actuate` goes on, to the same bytes as the unbroken run, instead of
     /// from its start. Empty: none.
     std::string resume_path;
-    /// Called by `actuate` once the embedding is there, before it writes any result, with the
-    /// report of the fit: `label_columns`, `further_parameters` and `trust` may still be filled. It
-    /// changes no number. Empty: nothing is called.
+    /// Called by `actuate` once the embedding, table and log are there, before it draws the plots,
+    /// with the report of the fit: `label_columns`, `further_parameters` and `trust` may still be
+    /// filled. It changes no number. An exception leaves `actuate` without plots. Empty: nothing is
+    /// called.
     std::function<void(const FitReport&)> on_embedding;
     /// Whether that report is to hold the neighbours of the rows.
     bool wants_neighbours = false;
@@ -345,7 +347,8 @@ class TSNE {
     void forgetResults();
     void writeResults(const FitOptions& options,
                       const FitReport& report,
-                      std::vector<std::string> labels);
+                      std::vector<std::string> labels,
+                      const std::function<void(ResultSettings&)>& before_plots);
 
     /// Whether `finish` has released `X`, and no other has taken its place since.
     bool input_is_released_ = false;

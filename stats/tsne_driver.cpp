@@ -215,12 +215,19 @@ void TSNE<T>::actuate(int no_dims,
     if (report.seeds) {
         options.seed = report.seeds->runs[report.seeds->kept].seed;
     }
-    if (on_embedding) {
-        on_embedding(report);
-    }
     Stopwatch watch;
-    writeResults(options, report, std::move(labels));
-    times_.results = watch.lap();
+    times_.results = 0.0;
+    writeResults(options, report, std::move(labels), [&](ResultSettings& settings) {
+        times_.results = watch.lap();
+        if (on_embedding) {
+            on_embedding(report);
+            settings.label_columns = label_columns;
+            settings.further_parameters = further_parameters;
+            settings.trust = trust;
+            watch.lap();
+        }
+    });
+    times_.results += watch.lap();
 }
 
 template <typename T>
@@ -350,7 +357,8 @@ void TSNE<T>::forgetResults() {
 template <typename T>
 void TSNE<T>::writeResults(const FitOptions& options,
                            const FitReport& report,
-                           std::vector<std::string> labels) {
+                           std::vector<std::string> labels,
+                           const std::function<void(ResultSettings&)>& before_plots) {
     const WrittenResults written = write_results<T>(
         {.out_dir = out_dir,
          .out_name = out_name,
@@ -372,7 +380,8 @@ void TSNE<T>::writeResults(const FitOptions& options,
          currentNames(),
          static_cast<std::size_t>(D),
          options,
-         report});
+         report},
+        before_plots);
     table_failure_ = written.table_failure;
     table_written_ = !table_failure_;
     log_failure_ = written.log_failure;

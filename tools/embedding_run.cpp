@@ -87,34 +87,58 @@ void record_seeds(RunRecord& record, const SeedReport& seeds) {
     }
 }
 
-/// Finds out what is asked for of a finished map, and gives it to the results.
+/// Why something that is asked for of a finished map could not be found out; empty if it was.
+struct LookFailures {
+    std::string clusters;
+    std::string quality;
+};
+
+/// Adds the clusters to the labels and the record of a run.
+///
+/// @param label_columns  of the run
+template <typename T>
+RowClusters add_clusters(TSNE<T>& tsne,
+                         const Options& options,
+                         const FitReport& report,
+                         std::vector<LabelColumn>& label_columns,
+                         RunRecord& record) {
+    FitOptions fit = options.fit;
+    fit.perplexity = tsne.perplexity;
+    RowClusters clusters = find_map_clusters(tsne, fit, report, options.clusters_resolution);
+    label_columns.push_back(cluster_labels(clusters));
+    tsne.label_columns = label_columns;
+    tsne.further_parameters.emplace_back("Clusters",
+                                         clusters_text(clusters, options.clusters_resolution));
+    record.clusters = {options.clusters_resolution, clusters.modularity, clusters.sizes};
+    return clusters;
+}
+
+/// Finds out what is asked for of a finished map, and gives it to the results. What fails costs no
+/// other result.
 ///
 /// @param label_columns  of the run, to which the clusters are added
 template <typename T>
-void look_at_map(TSNE<T>& tsne,
-                 const Options& options,
-                 const FitReport& report,
-                 std::vector<LabelColumn>& label_columns,
-                 RunRecord& record) {
+LookFailures look_at_map(TSNE<T>& tsne,
+                         const Options& options,
+                         const FitReport& report,
+                         std::vector<LabelColumn>& label_columns,
+                         RunRecord& record) {
+    LookFailures failures;
     std::optional<RowClusters> clusters;
     if (options.clusters) {
-        FitOptions fit = options.fit;
-        fit.perplexity = tsne.perplexity;
-        clusters = find_map_clusters(tsne, fit, report, options.clusters_resolution);
-        record.clusters = {options.clusters_resolution, clusters->modularity, clusters->sizes};
-        tsne.further_parameters.emplace_back("Clusters",
-                                             clusters_text(*clusters, options.clusters_resolution));
-        label_columns.push_back(cluster_labels(*clusters));
-        tsne.label_columns = label_columns;
+        failures.clusters = failure_of(
+            [&] { clusters = add_clusters(tsne, options, report, label_columns, record); });
     }
     std::vector<NeighbourhoodQuality> quality;
     if (options.quality) {
-        quality = report_map_quality(tsne, options.fit.out_dims);
+        failures.quality =
+            failure_of([&] { quality = report_map_quality(tsne, options.fit.out_dims); });
     }
     for (const NeighbourhoodQuality& one : quality) {
         record.quality.push_back({one.neighbours, one.trustworthiness, one.preservation});
     }
     tsne.trust = map_trust(report, std::move(quality), clusters ? &*clusters : nullptr);
+    return failures;
 }
 
 void add_checkpoint(std::vector<ResultFile>& files,
@@ -136,7 +160,8 @@ template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                        const Options& options,
                                        const RunInput& input,
-                                       const RunRecord& record) {
+                                       const RunRecord& record,
+                                       const LookFailures& failures) {
     const std::string base = result_base(options, record.perplexity);
     std::vector<ResultFile> files;
     const auto add = [&files](const std::string& what,
@@ -167,8 +192,17 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     }
     if (options.clusters) {
         const std::string path = clusters_path(base);
-        const auto failure = write_label_table(path, tsne.row_names, input.label_columns.back());
-        add("Clusters", path, failure);
+        add_result(
+            files,
+            "Clusters",
+            path,
+            failures.clusters.empty()
+                ? message_of(write_label_table(path, tsne.row_names, input.label_columns.back()))
+                : failures.clusters);
+    }
+    if (!failures.quality.empty()) {
+        files.push_back({"Quality", "", failures.quality});
+        complain("Quality could not be measured (" + failures.quality + ")");
     }
     if (options.plots) {
         add("Chart page", base + ".html", tsne.plots().page_failure);
@@ -216,8 +250,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         input.label_columns.push_back({"label", labels, {}});
     }
     tsne.wants_neighbours = options.clusters;
+    LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
-        look_at_map(tsne, options, report, input.label_columns, record);
+        failures = look_at_map(tsne, options, report, input.label_columns, record);
     };
     tsne.actuate(options.fit.out_dims,
                  perplexity,
@@ -232,7 +267,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     }
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results};
-    record.files = finish_results(tsne, options, input, record);
+    record.files = finish_results(tsne, options, input, record, failures);
     if (input.keeps_places) {
         record.places.assign(tsne.Y,
                              tsne.Y + input.rows * static_cast<std::size_t>(options.fit.out_dims));

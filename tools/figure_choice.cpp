@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
-#include <fstream>
-#include <map>
 #include <set>
 #include <string_view>
 #include <system_error>
 
-#include "annotation/gene_lookup.h"
-#include "util/console.h"
+#include "annotation/row_finder.h"
+#include "input/row_texts.h"
 #include "util/counted.h"
 #include "util/input_error.h"
-#include "util/input_file.h"
 
 #include "tools/standard_streams.h"
 
@@ -72,30 +69,37 @@ std::string_view trimmed(std::string_view text) {
                : text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
-/// Appends a name that is new and not empty.
-void add_name(std::vector<std::string>& names, std::string_view text) {
-    const std::string name(trimmed(text));
-    if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end()) {
-        names.push_back(name);
+/// Of a table, the names in the first column.
+std::vector<std::string> names_in_file(const std::string& path) {
+    std::vector<std::string> names = lines_of(read_row_file(path, "name"));
+    for (std::string& line : names) {
+        line.resize(std::min(line.find('\t'), line.size()));
     }
+    return names;
 }
 
-std::vector<std::string> names_in_file(const std::string& path) {
-    return with_read_failures_named(path, [&path] {
-        std::ifstream file = open_input_file(path);
-        if (!file.is_open()) {
-            throw_read_failure();
+/// The texts between commas.
+std::vector<std::string> names_in_list(std::string_view rest) {
+    std::vector<std::string> names;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(','), rest.size());
+        names.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return names;
+}
+
+/// The names without blanks around them, each once, and none that is empty.
+std::vector<std::string> distinct(const std::vector<std::string>& texts) {
+    std::vector<std::string> names;
+    std::set<std::string_view> known = {""};
+    for (const std::string& text : texts) {
+        const std::string_view name = trimmed(text);
+        if (known.insert(name).second) {
+            names.emplace_back(name);
         }
-        std::vector<std::string> names;
-        constexpr std::string_view kMark = "\xEF\xBB\xBF";
-        for (std::string line; std::getline(file, line);) {
-            std::string_view text = line;
-            text.remove_prefix(text.starts_with(kMark) ? kMark.size() : 0);
-            // Of a table, the first column.
-            add_name(names, text.substr(0, text.find('\t')));
-        }
-        return names;
-    });
+    }
+    return names;
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -137,16 +141,8 @@ FigureSize figure_size_of(const std::string& text) {
 
 std::vector<std::string> highlighted_names(const std::string& text) {
     std::error_code no_file;
-    std::vector<std::string> names;
-    if (std::filesystem::is_regular_file(text, no_file)) {
-        names = names_in_file(text);
-    } else {
-        for (std::string_view rest = text; !rest.empty();) {
-            const std::size_t end = std::min(rest.find(','), rest.size());
-            add_name(names, rest.substr(0, end));
-            rest.remove_prefix(std::min(end + 1, rest.size()));
-        }
-    }
+    const bool is_file = std::filesystem::is_regular_file(text, no_file);
+    std::vector<std::string> names = distinct(is_file ? names_in_file(text) : names_in_list(text));
     if (names.empty()) {
         throw InputError("--highlight: there is no name in \"" + text +
                          "\"\nGive names of rows, separated by commas, or a file with one name a "
@@ -157,38 +153,25 @@ std::vector<std::string> highlighted_names(const std::string& text) {
 
 HighlightedRows find_highlighted(const std::vector<std::string>& names,
                                  const std::vector<std::string>& row_names,
-                                 const RowGenes& genes) {
-    std::multimap<std::string_view, std::size_t> by_name;
-    std::multimap<const GeneEntry*, std::size_t> by_gene;
-    for (std::size_t row = 0; row < row_names.size(); ++row) {
-        by_name.emplace(row_names[row], row);
-        if (row < genes.rows.size() && genes.rows[row].gene != nullptr) {
-            by_gene.emplace(genes.rows[row].gene, row);
-        }
-    }
+                                 bool genes) {
+    const RowFinder finder(row_names, genes);
     HighlightedRows found;
     std::set<std::size_t> taken;
-    const auto take = [&](auto range) {
-        for (auto entry = range.first; entry != range.second; ++entry) {
-            if (taken.insert(entry->second).second) {
-                found.rows.push_back(entry->second);
-            }
-        }
-        return range.first != range.second;
-    };
     for (const std::string& name : names) {
-        const GeneEntry* const gene = by_gene.empty() ? nullptr : identify_gene(name).gene;
-        if (!take(by_name.equal_range(name)) &&
-            (gene == nullptr || !take(by_gene.equal_range(gene)))) {
+        const std::vector<std::size_t> rows = finder.rowsOf(name);
+        if (rows.empty()) {
             found.unknown.push_back(name);
+        }
+        for (const std::size_t row : rows) {
+            if (taken.insert(row).second) {
+                found.rows.push_back(row);
+            }
         }
     }
     return found;
 }
 
-FigureOptions settle_figure(const Options& options,
-                            const std::vector<std::string>& row_names,
-                            const RowGenes& genes) {
+FigureOptions settle_figure(const Options& options, const std::vector<std::string>& row_names) {
     FigureOptions figure;
     figure.size = options.figure_size;
     if (options.title_is_given) {
@@ -198,7 +181,8 @@ FigureOptions settle_figure(const Options& options,
         return figure;
     }
     const std::vector<std::string> names = highlighted_names(options.highlight);
-    const HighlightedRows found = find_highlighted(names, row_names, genes);
+    const HighlightedRows found =
+        find_highlighted(names, row_names, options.names != RowNames::Other);
     if (found.rows.empty()) {
         throw InputError("--highlight: no row is called " + joined(found.unknown) +
                          "\nGive names of rows, separated by commas, or a file with one name a "

@@ -7,7 +7,6 @@
 #include "plots/figure_options.h"
 
 #include "tools/options.h"
-#include "tools/row_genes.h"
 
 namespace ovik::tool {
 
@@ -24,8 +23,7 @@ FigureSize figure_size_of(const std::string& text);
 /// @throws InputError if there is none, or the file cannot be read
 std::vector<std::string> highlighted_names(const std::string& text);
 
-/// The rows that are called so, or whose genes are: first by the very name, else by any name of the
-/// gene.
+/// Rows by their names, as `RowFinder` finds them.
 struct HighlightedRows {
     /// In the order of the names, each once.
     std::vector<std::size_t> rows;
@@ -33,15 +31,14 @@ struct HighlightedRows {
     std::vector<std::string> unknown;
 };
 
+/// @param genes  whether names stand for genes of yeast
 HighlightedRows find_highlighted(const std::vector<std::string>& names,
                                  const std::vector<std::string>& row_names,
-                                 const RowGenes& genes);
+                                 bool genes);
 
 /// What the command line says of the figure. Warns of names that are of no row.
 ///
 /// @throws InputError if none of the names is of a row
-FigureOptions settle_figure(const Options& options,
-                            const std::vector<std::string>& row_names,
-                            const RowGenes& genes);
+FigureOptions settle_figure(const Options& options, const std::vector<std::string>& row_names);
 
 }  // namespace ovik::tool

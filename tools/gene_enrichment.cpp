@@ -108,20 +108,25 @@ std::string summary(const Enrichment& enrichment, const Options& options) {
            counted(enrichment.tested, "term", "terms");
 }
 
-/// Writes the table to its file, or prints it.
+/// Writes the table to its file, and says where it is, or prints it. Why a file could not be
+/// written has been told when that happened.
 ExitStatus deliver(const std::string& table, const Options& options) {
     if (options.enrichment_file.empty()) {
         std::fwrite(table.data(), 1, table.size(), stdout);
         return Success;
     }
     prepare_place(options.enrichment_file);
-    const std::error_code failure = write_whole_text(options.enrichment_file, table);
-    return failure ? FailedRun : Success;
+    if (write_whole_text(options.enrichment_file, table)) {
+        return FailedRun;
+    }
+    print_info("Enrichment: " + options.enrichment_file);
+    return Success;
 }
 
 }  // namespace
 
 ExitStatus show_enrichment(const Options& options) {
+    spare_input(options, options.enrichment_file);
     const NamedGenes list = read_genes(options.enrich);
     const Enrichment enrichment = options.background.empty()
                                       ? enrich(list.genes)

@@ -9,8 +9,8 @@ namespace ovik::tool {
 /// table, by default on standard output. What of the list is not known or not in the background is
 /// named on standard error.
 ///
-/// @throws InputError if the list cannot be read, or if none of its genes is annotated and in the
-/// background
+/// @throws InputError if the list cannot be read, if none of its genes is annotated and in the
+/// background, or if the table would take the place of a file that is read
 /// @throws std::system_error if a file cannot be read to its end
 ExitStatus show_enrichment(const Options& options);
 

@@ -225,7 +225,7 @@ std::string comma_labels_warning(const LabelTable& table,
                                  const std::string& path) {
     const ValueReader with_commas(',');
     for (std::size_t position = 0; position < columns.size(); ++position) {
-        if (!columns[position].isNumeric() &&
+        if (!columns[position].isNumeric() && !names_clusters(table.titles[position]) &&
             !as_numbers(table.columns[position], with_commas).empty()) {
             return "warning: " + path + ": the labels of \"" + columns[position].title +
                    "\" are numbers with decimal commas, and are taken for groups\n--decimal , "

@@ -54,8 +54,8 @@ struct OntoRun {
     std::vector<LabelColumn> labels;
     /// Of all rows, those of the map before the new ones.
     std::vector<GeneSet> sets;
-    RowGenes genes;
     FigureOptions figure;
+    RowGenes genes;
     PlacedRows placed;
 };
 
@@ -336,14 +336,6 @@ void describe_map(RunReport& report, const Options& options, const MapModel& mod
     report.options.emplace_back("title", json_text(options.title));
 }
 
-/// What the figure of all rows shows besides, those of the map before the new ones.
-FigureOptions figure_of_all(const Options& options, const OntoRun& run) {
-    RowGenes genes = options.names == RowNames::Other ? rows_without_genes(run.model.rows)
-                                                      : look_up_rows(run.model.row_names);
-    genes.rows.insert(genes.rows.end(), run.genes.rows.begin(), run.genes.rows.end());
-    return settle_figure(options, joined(run.model.row_names, run.loaded.matrix.row_names), genes);
-}
-
 /// Reads model and matrix.
 OntoRun read_run(const Options& options) {
     OntoRun run;
@@ -354,9 +346,10 @@ OntoRun read_run(const Options& options) {
     if (run.labels.empty() && !run.loaded.labels.empty()) {
         run.labels.push_back({"label", run.loaded.labels, {}});
     }
-    run.sets = settle_sets(joined(run.model.row_names, run.loaded.matrix.row_names), options);
+    const auto all_names = joined(run.model.row_names, run.loaded.matrix.row_names);
+    run.sets = settle_sets(all_names, options);
+    run.figure = settle_figure(options, all_names);
     run.genes = settle_names(run.loaded.matrix.row_names, options.names);
-    run.figure = figure_of_all(options, run);
     return run;
 }
 

@@ -680,6 +680,12 @@ void check_combination(const Options& options) {
         throw CLI::ValidationError(
             "--page-data", "is of the chart page, and --no-plots leaves that out: leave one away");
     }
+    if (options.page_data_is_given && options.page_data != PageData::None &&
+        options.fit.metric == MetricKind::Precomputed) {
+        throw CLI::ValidationError("--page-data",
+                                   "is of values, and --metric precomputed has distances in their "
+                                   "place: leave it away");
+    }
     if (!options.plots && (options.figure_size_is_given || !options.highlight.empty())) {
         throw CLI::ValidationError(
             options.figure_size_is_given ? "--figure-size" : "--highlight",

@@ -28,6 +28,7 @@
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
 #include "tools/exit_status.h"
+#include "tools/figure_choice.h"
 #include "tools/gene_enrichment.h"
 #include "tools/gene_report.h"
 #include "tools/interruption.h"
@@ -70,6 +71,7 @@ RunSize size_of_runs(const Options& options,
     size.options.perplexity = *std::max_element(perplexities.begin(), perplexities.end());
     size.has_plots = options.plots;
     size.page_bytes = page_bytes(options, matrix.rows * matrix.columns);
+    size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
     size.seeds = options.seeds;
@@ -144,6 +146,7 @@ ExitStatus embed(Options options, RunReport report) {
     options.seeds_at_once = seeds_at_once(size, available);
     size.seeds_at_once = options.seeds_at_once;
     if (options.dry_run) {
+        settle_figure(options, loaded.matrix.row_names);
         settle_names(loaded.matrix.row_names, options.names);
         settle_start(options, loaded.matrix.row_names);
         print_plan(options, perplexities, size, available);

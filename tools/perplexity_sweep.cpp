@@ -192,7 +192,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     }
     const auto genes =
         std::make_shared<const RowGenes>(settle_names(loaded.matrix.row_names, options.names));
-    const FigureOptions figure = settle_figure(options, loaded.matrix.row_names, *genes);
+    const FigureOptions figure = settle_figure(options, loaded.matrix.row_names);
     describe_input(report, loaded);
     const std::vector<double> start_places = settle_start(options, loaded.matrix.row_names);
     const std::shared_ptr<CachedNeighbours> neighbours =

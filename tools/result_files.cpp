@@ -1,10 +1,29 @@
 #include "tools/result_files.h"
 
+#include <cerrno>
+#include <exception>
+#include <new>
+
 #include "util/console.h"
 
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
+
+std::string message_of(std::error_code failure) {
+    return failure ? failure.message() : std::string();
+}
+
+std::string failure_of(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        return std::generic_category().message(ENOMEM);
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+    return "";
+}
 
 void add_result(std::vector<ResultFile>& files,
                 const std::string& what,
@@ -22,7 +41,7 @@ void add_result(std::vector<ResultFile>& files,
                 const std::string& what,
                 const std::string& path,
                 std::error_code failure) {
-    add_result(files, what, path, failure ? failure.message() : std::string());
+    add_result(files, what, path, message_of(failure));
 }
 
 void add_figure(std::vector<ResultFile>& files,

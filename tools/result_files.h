@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -10,6 +11,14 @@
 /// Saying what became of the files of a run, and listing them for its report.
 
 namespace ovik::tool {
+
+/// Why a file could not be written, in words; empty if it was.
+std::string message_of(std::error_code failure);
+
+/// Does something that the other results are not to be lost for.
+///
+/// @return what it threw, in words; empty for nothing
+std::string failure_of(const std::function<void()>& work);
 
 /// Lists a file, and says where it is or why it is missing.
 ///

@@ -20,29 +20,19 @@ bool may_write(const std::string& path) {
     return access(path.c_str(), W_OK) == 0;
 }
 
-/// The files that a run reads, each with the option that names it.
+/// The files that the command reads, each with the option that names it.
 std::vector<std::pair<std::string, std::string>> read_files(const Options& options) {
     return {{"MATRIX", options.matrix},
             {"--labels", options.load.labels_file},
             {"--row-names", options.load.row_names_file},
             {"--sets", options.sets_file},
+            {"--highlight", options.highlight},
+            {"--enrich", options.enrich},
+            {"--background", options.background},
             {"--start", options.start_file},
             {"--neighbours-from", options.neighbours_file},
             {"--onto", options.onto},
             {"--resume", options.resume}};
-}
-
-/// @throws InputError if a result would take the place of what the run reads
-void spare_input(const Options& options, const std::string& result) {
-    for (const auto& [option, input] : read_files(options)) {
-        std::error_code not_both_there;
-        if (!input.empty() && std::filesystem::equivalent(input, result, not_both_there)) {
-            // NOLINTNEXTLINE(performance-inefficient-string-concatenation): before the end
-            throw InputError(result + ": this result would take the place of " + option +
-                             "\nGive the results another place or name (--out-dir, --name, "
-                             "--suffix, or the option of this one).");
-        }
-    }
 }
 
 /// The files that placing rows on a map writes.
@@ -61,6 +51,18 @@ std::vector<std::string> onto_files(const Options& options) {
 }
 
 }  // namespace
+
+void spare_input(const Options& options, const std::string& result) {
+    for (const auto& [option, input] : read_files(options)) {
+        std::error_code not_both_there;
+        if (!input.empty() && std::filesystem::equivalent(input, result, not_both_there)) {
+            // NOLINTNEXTLINE(performance-inefficient-string-concatenation): before the end
+            throw InputError(result + ": this result would take the place of " + option +
+                             "\nGive the results another place or name (--out-dir, --name, "
+                             "--suffix, or the option of this one).");
+        }
+    }
+}
 
 std::string result_base(const Options& options, double perplexity) {
     FitOptions fit = options.fit;

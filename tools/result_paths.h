@@ -36,6 +36,9 @@ std::vector<std::string> result_files(const Options& options,
 /// or if one would take the place of a file that the run reads
 void check_result_names(const Options& options, const std::vector<double>& perplexities);
 
+/// @throws InputError if a result would take the place of a file that the command reads
+void spare_input(const Options& options, const std::string& result);
+
 /// Makes a directory for results.
 ///
 /// @throws std::filesystem::filesystem_error, std::system_error if results cannot be put there

@@ -73,6 +73,16 @@ TEST(EstimateMemory, CountsPrincipalComponents) {
     EXPECT_LT(estimate_memory(wide).similarities, of_columns - 8.0 * 800 * 20000);
 }
 
+TEST(EstimateMemory, CountsClusters) {
+    RunSize clusters = kBarnesHut;
+    clusters.has_clusters = true;
+    const double entries = 100000.0 * 90.0;
+    EXPECT_GT(estimate_memory(clusters).clusters, 60.0 * entries);
+    EXPECT_EQ(estimate_memory(clusters).fitting,
+              estimate_memory(kBarnesHut).fitting + 12.0 * entries);
+    EXPECT_EQ(estimate_memory(kBarnesHut).clusters, 0.0);
+}
+
 TEST(EstimateMemory, DoesNotOverflow) {
     const RunSize huge{.rows = 2147483647, .columns = 2147483647, .options = {.theta = 0.0}};
     EXPECT_GT(estimate_memory(huge).peak(), 7e19);

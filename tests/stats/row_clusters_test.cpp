@@ -65,7 +65,7 @@ TEST(RowClusters, AreTheGroupsOfTheRows) {
     const RowClusters found = clusters_by_neighbours(result.report.neighbours, options, kCoarse);
     expect_groups(found);
     // All weight lies within three groups of the same size.
-    EXPECT_NEAR(found.modularity, 1.0 - kCoarse / 3.0, 1e-3);
+    EXPECT_NEAR(found.modularity, 1.0 - 1.0 / 3.0, 1e-3);
     EXPECT_GT(clusters_by_neighbours(result.report.neighbours, options).sizes.size(), kGroups);
 }
 

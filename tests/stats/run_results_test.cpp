@@ -1,6 +1,7 @@
 #include "stats/run_results.h"
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,17 @@ TEST_F(RunResults, ShowHowTheMapWasMadeOnThePage) {
                                         "0.125"}) {
         EXPECT_NE(page.find(parameter), std::string::npos) << parameter;
     }
+}
+
+TEST_F(RunResults, AreATableBeforeAnythingIsAddedToThePlots) {
+    const auto fail = [this](ResultSettings&) {
+        EXPECT_NE(test::read_file(directory_.file("run_tsne_12_7.csv")), "");
+        throw std::runtime_error("no memory");
+    };
+    EXPECT_THROW(write_results<double>(settings(), directory_.file("run"), run(), fail),
+                 std::runtime_error);
+    EXPECT_NE(test::read_file(directory_.file("run_tsne_12_7.csv")), "");
+    EXPECT_FALSE(std::filesystem::exists(directory_.file("run_tsne_12_7.html")));
 }
 
 TEST_F(RunResults, OfWhichOneFailsCostNoOther) {

@@ -71,16 +71,17 @@ TEST(HighlightedNames, AreAListOrAFile) {
     EXPECT_THAT(highlighted_names(path), ElementsAre("CDC28", "CLN1"));
     EXPECT_THROW(highlighted_names(" , "), InputError);
     EXPECT_THROW(highlighted_names(directory.write("empty", "\n")), InputError);
+    EXPECT_THROW(highlighted_names(directory.write("no_text", std::string("CLN1\0CLN2", 9))),
+                 InputError);
 }
 
 TEST(FindHighlighted, TakesTheVeryNameFirstThenTheGene) {
     const Texts rows = {"YBR160W", "CLN1", "CLN1", "x"};
-    const HighlightedRows found =
-        find_highlighted({"cdc28", "CLN1", "nothing", "x"}, rows, look_up_rows(rows));
+    const HighlightedRows found = find_highlighted({"cdc28", "CLN1", "nothing", "x"}, rows, true);
     EXPECT_THAT(found.rows, ElementsAre(0, 1, 2, 3));
     EXPECT_THAT(found.unknown, ElementsAre("nothing"));
     // Names that are none of genes are compared letter by letter.
-    const HighlightedRows other = find_highlighted({"cdc28"}, rows, rows_without_genes(4));
+    const HighlightedRows other = find_highlighted({"cdc28"}, rows, false);
     EXPECT_THAT(other.rows, IsEmpty());
 }
 
@@ -90,16 +91,16 @@ TEST(SettleFigure, WarnsOfUnknownNamesAndRefusesNothingElse) {
     options.title = "file";
     options.highlight = "CLN1,NOSUCH";
     testing::internal::CaptureStderr();
-    const FigureOptions figure = settle_figure(options, rows, look_up_rows(rows));
+    const FigureOptions figure = settle_figure(options, rows);
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
                 HasSubstr("1 of 2 names is of no row: NOSUCH"));
     EXPECT_THAT(figure.highlighted, ElementsAre(1));
     EXPECT_EQ(figure.title, "");
     options.title_is_given = true;
     options.highlight = "NOSUCH";
-    EXPECT_THROW(settle_figure(options, rows, look_up_rows(rows)), InputError);
+    EXPECT_THROW(settle_figure(options, rows), InputError);
     options.highlight = "";
-    EXPECT_EQ(settle_figure(options, rows, look_up_rows(rows)).title, "file");
+    EXPECT_EQ(settle_figure(options, rows).title, "file");
 }
 
 }  // namespace

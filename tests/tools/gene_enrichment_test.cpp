@@ -49,6 +49,13 @@ class ShowEnrichment : public testing::Test {
     test::TemporaryDirectory directory_;
 };
 
+TEST_F(ShowEnrichment, TakesThePlaceOfNoFileThatIsRead) {
+    Options options = listing("HSP104 SSA1");
+    options.enrichment_file = options.enrich;
+    EXPECT_THAT(shown(options).err, HasSubstr("would take the place of --enrich"));
+    EXPECT_EQ(test::read_file(options.enrich), "HSP104 SSA1");
+}
+
 TEST_F(ShowEnrichment, PrintsTheTableAndNamesWhatItLeavesOut) {
     const Shown terms = shown(listing("HSP104, ssa1 YDL229W\nnonsense\nYAL069W MF"));
     EXPECT_EQ(terms.status, Success);
