@@ -119,7 +119,9 @@ ExitStatus deliver(const std::string& table, const Options& options) {
     if (write_whole_text(options.enrichment_file, table)) {
         return FailedRun;
     }
-    print_info("Enrichment: " + options.enrichment_file);
+    if (!options.quiet) {
+        print_info("Enrichment: " + options.enrichment_file);
+    }
     return Success;
 }
 

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "plots/gnuplot_text.h"
+
 #include "tests/fuzz/support/input_lines.h"
 #include "tests/fuzz/support/require.h"
 #include "tests/fuzz/support/utf8.h"
@@ -39,11 +41,40 @@ std::string take_string(std::string_view& script) {
     return std::string(text);
 }
 
-/// Takes an expression of strings and characters by their codes, joined by dots.
+/// Takes what is known to come next off the front.
+void take(std::string_view& script, std::string_view known) {
+    OVIK_REQUIRE(script.starts_with(known));
+    script.remove_prefix(known.size());
+}
+
+std::string take_text(std::string_view& script);
+
+/// Takes characters that a font may lack, behind the question that asks for it, and returns them.
+std::string take_unusual_text(std::string_view& script) {
+    const std::string codes = take_string(script);
+    OVIK_REQUIRE(!codes.empty() &&
+                 codes.find_first_not_of("0123456789abcdefABCDEF ") == std::string::npos);
+    take(script, ") ? ");
+    std::string text = take_text(script);
+    take(script, " : ");
+    OVIK_REQUIRE(take_string(script).find_first_not_of('?') == std::string::npos);
+    take(script, ").");
+    return text;
+}
+
+/// Takes an expression of strings, characters by their codes and characters that a font may lack,
+/// joined by dots.
 std::string take_text(std::string_view& script) {
     constexpr std::string_view kCharacter = ".sprintf('%c',";
+    constexpr std::string_view kUnusual = ".(fonts_have(";
     std::string text = take_string(script);
-    while (script.starts_with(kCharacter)) {
+    while (script.starts_with(kCharacter) || script.starts_with(kUnusual)) {
+        if (script.starts_with(kUnusual)) {
+            script.remove_prefix(kUnusual.size());
+            text += take_unusual_text(script);
+            text += take_string(script);
+            continue;
+        }
         script.remove_prefix(kCharacter.size());
         const std::size_t end = script.find(')');
         OVIK_REQUIRE(end != std::string_view::npos && end >= 1 && end <= 3);
@@ -60,7 +91,11 @@ Lexed lex(std::string_view script) {
     Lexed result;
     while (!script.empty()) {
         const char c = script[0];
-        if (c == '\'') {
+        if (script.starts_with(gnuplot_font_search())) {
+            take(script, gnuplot_font_search());
+        } else if (script.starts_with(gnuplot_any_font())) {
+            take(script, gnuplot_any_font());
+        } else if (c == '\'') {
             result.texts.push_back(take_text(script));
             result.skeleton += '\1';
         } else if (c == '#') {
