@@ -28,14 +28,17 @@ CommunityNetwork CommunityNetwork::aggregated(std::span<const std::uint32_t> gro
     result.strengths_.resize(group_count);
     result.starts_.reserve(group_count + 1);
     CommunityWeights weights(group_count);
+    const auto add_edges_out_of = [&](std::size_t group, std::uint32_t node) {
+        for (const NetworkEdge& edge : edges(node)) {
+            if (groups[edge.neighbour] != group) {
+                weights.add(groups[edge.neighbour], edge.weight);
+            }
+        }
+    };
     for (std::size_t group = 0; group < group_count; ++group) {
         for (const std::uint32_t node : members[group]) {
             result.strengths_[group] += strengths_[node];
-            for (const NetworkEdge& edge : edges(node)) {
-                if (groups[edge.neighbour] != group) {
-                    weights.add(groups[edge.neighbour], edge.weight);
-                }
-            }
+            add_edges_out_of(group, node);
         }
         for (const std::uint32_t other : weights.met()) {
             result.edges_.push_back({other, weights.of(other)});

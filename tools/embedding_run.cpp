@@ -155,6 +155,36 @@ void add_checkpoint(std::vector<ResultFile>& files,
     }
 }
 
+/// Writes the coordinates in the forms that are asked for.
+template <typename T>
+void add_coordinates(std::vector<ResultFile>& files,
+                     const TSNE<T>& tsne,
+                     const Options& options,
+                     const RunInput& input,
+                     const std::string& base) {
+    const auto N = static_cast<std::size_t>(tsne.N);
+    const auto dims = static_cast<std::size_t>(options.fit.out_dims);
+    if (options.coordinates_tsv) {
+        const std::string path = base + ".tsv";
+        const auto failure = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
+        add_result(files, "Coordinates", path, failure);
+    }
+    if (options.coordinates_npy) {
+        const std::string path = base + ".npy";
+        const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
+        add_result(files, "Coordinates", path, failure);
+    }
+    if (options.annotated_tsv) {
+        const std::string path = annotated_path(base);
+        const std::vector<std::string> systematic = systematic_names_of(*input.genes);
+        const auto failure = write_annotated_table<T>(
+            path,
+            {tsne.Y, N, dims},
+            {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
+        add_result(files, "Annotated table", path, failure);
+    }
+}
+
 /// Writes what the engine does not, and says what became of all results.
 template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
@@ -167,29 +197,9 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     const auto add = [&files](const std::string& what,
                               const std::string& path,
                               std::error_code failure) { add_result(files, what, path, failure); };
-    const auto N = static_cast<std::size_t>(tsne.N);
-    const auto dims = static_cast<std::size_t>(options.fit.out_dims);
     add("Result table", base + ".csv", tsne.tableFailure());
     add("Run log", tsne.out_base + ".log", tsne.logFailure());
-    if (options.coordinates_tsv) {
-        const std::string path = base + ".tsv";
-        const auto failure = write_coordinates_tsv<T>(path, tsne.row_names.data(), tsne.Y, N, dims);
-        add("Coordinates", path, failure);
-    }
-    if (options.coordinates_npy) {
-        const std::string path = base + ".npy";
-        const auto failure = write_coordinates_npy<T>(path, tsne.Y, N, dims);
-        add("Coordinates", path, failure);
-    }
-    if (options.annotated_tsv) {
-        const std::string path = annotated_path(base);
-        const std::vector<std::string> systematic = systematic_names_of(*input.genes);
-        const auto failure = write_annotated_table<T>(
-            path,
-            {tsne.Y, N, dims},
-            {tsne.row_names, systematic, input.label_columns, tsne.row_functions});
-        add("Annotated table", path, failure);
-    }
+    add_coordinates(files, tsne, options, input, base);
     if (options.clusters) {
         const std::string path = clusters_path(base);
         add_result(

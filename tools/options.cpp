@@ -485,6 +485,27 @@ void add_text_options(CLI::App& app, Options& options) {
         ->excludes(names);
 }
 
+/// What the command does instead of a run.
+void add_other_tasks(CLI::App& app, Options& options) {
+    app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
+        ->option_text("NAME");
+    CLI::Option* const enrich =
+        app.add_option("--enrich",
+                       options.enrich,
+                       "Test which GO slim terms a list of genes has more of than chance gives, "
+                       "instead of a run; - for standard input")
+            ->option_text("GENES");
+    app.add_option("--background",
+                   options.background,
+                   "Matrix whose genes --enrich compares the list with (all genes)")
+        ->option_text("MATRIX")
+        ->needs(enrich);
+    app.add_option("--collect",
+                   options.collected_reports,
+                   "Make a page to compare runs of their reports (--json), instead of a run")
+        ->option_text("REPORT ...");
+}
+
 void add_input_options(CLI::App& app, Options& options) {
     app.add_option(
            "MATRIX",
@@ -525,23 +546,7 @@ void add_input_options(CLI::App& app, Options& options) {
                    options.load.row_names_file,
                    "One name per line and row, for files without names")
         ->option_text("FILE");
-    app.add_option("--gene", options.gene, "Look a gene up in the gene table, instead of a run")
-        ->option_text("NAME");
-    CLI::Option* const enrich =
-        app.add_option("--enrich",
-                       options.enrich,
-                       "Test which GO slim terms a list of genes has more of than chance gives, "
-                       "instead of a run; - for standard input")
-            ->option_text("GENES");
-    app.add_option("--background",
-                   options.background,
-                   "Matrix whose genes --enrich compares the list with (all genes)")
-        ->option_text("MATRIX")
-        ->needs(enrich);
-    app.add_option("--collect",
-                   options.collected_reports,
-                   "Make a page to compare runs of their reports (--json), instead of a run")
-        ->option_text("REPORT ...");
+    add_other_tasks(app, options);
     app.add_option(
            "--labels",
            options.load.labels_file,
@@ -663,16 +668,8 @@ void check_enrichment(const CLI::App& app, const Options& options) {
     allow_only(app, allowed, "--enrich, which tests a list of genes: leave it away");
 }
 
-void check_combination(const Options& options) {
-    if (options.matrix.empty() && options.gene.empty() && options.enrich.empty() &&
-        options.collected_reports.empty()) {
-        throw CLI::RequiredError("MATRIX");
-    }
-    if (!options.matrix.empty() && !options.collected_reports.empty()) {
-        throw CLI::ValidationError(
-            "--collect",
-            "makes a page of reports instead of a run: " + options.matrix + " would not be read");
-    }
+/// Refuses what is of plots where they are left out or show nothing of it.
+void check_plot_options(const Options& options) {
     if (!options.sets_file.empty() && !options.plots) {
         throw CLI::ValidationError("--sets", "is for the chart page, which --no-plots leaves out");
     }
@@ -691,6 +688,10 @@ void check_combination(const Options& options) {
             options.figure_size_is_given ? "--figure-size" : "--highlight",
             "is of the figure, which --no-plots leaves out: leave one of them away");
     }
+}
+
+/// Refuses models that could not be what is asked for.
+void check_model(const Options& options) {
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
     }
@@ -707,6 +708,20 @@ void check_combination(const Options& options) {
     if (!options.model.empty() && options.model == options.checkpoint) {
         throw CLI::ValidationError("--model", "and --checkpoint cannot be the same file");
     }
+}
+
+void check_combination(const Options& options) {
+    if (options.matrix.empty() && options.gene.empty() && options.enrich.empty() &&
+        options.collected_reports.empty()) {
+        throw CLI::RequiredError("MATRIX");
+    }
+    if (!options.matrix.empty() && !options.collected_reports.empty()) {
+        throw CLI::ValidationError(
+            "--collect",
+            "makes a page of reports instead of a run: " + options.matrix + " would not be read");
+    }
+    check_plot_options(options);
+    check_model(options);
     if (options.perplexities.size() > 1 &&
         !(options.checkpoint.empty() && options.resume.empty())) {
         throw CLI::ValidationError("--checkpoint and --resume",
