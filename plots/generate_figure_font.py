@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """Writes a font as the C++ source that figures take it from. Takes the path of the font."""
 
 import base64
