@@ -300,20 +300,32 @@ void number_by_size(Communities& communities) {
     }
 }
 
-/// Communities of a network with edges, by orders that a seed draws.
-Communities communities_by_seed(const CommunityNetwork& rows,
-                                double resolution,
-                                unsigned int seed) {
+struct Found {
+    Communities communities;
+    double modularity = 0.0;
+};
+
+/// Communities of a graph with edges, by orders that a seed draws.
+///
+/// @param rows  the same graph as a network
+Found communities_by_seed(const SparseMatrixView& graph,
+                          const CommunityNetwork& rows,
+                          double resolution,
+                          unsigned int seed) {
     OwnRandomStream random;
     random.seed(seed);
-    Communities communities = each_by_itself(rows.nodeCount());
-    Communities before;
-    do {
-        before = communities;
-        communities = improved(rows, resolution, before, random);
-        renumber(communities);
-    } while (communities != before);
-    return communities;
+    Found found{each_by_itself(rows.nodeCount())};
+    found.modularity = modularity(graph, found.communities, resolution);
+    for (;;) {
+        Found next{improved(rows, resolution, found.communities, random)};
+        renumber(next.communities);
+        next.modularity = modularity(graph, next.communities, resolution);
+        // A round may lead to other communities that are as good: it ends for want of better ones.
+        if (next.modularity <= found.modularity) {
+            return found;
+        }
+        found = std::move(next);
+    }
 }
 
 }  // namespace
@@ -326,15 +338,16 @@ std::vector<std::uint32_t> leiden_communities(const SparseMatrixView& graph,
     if (rows.totalStrength() == 0.0) {
         return each_by_itself(N);
     }
-    std::vector<Communities> found(kOrders);
-    std::vector<double> reached(kOrders);
+    std::vector<Found> found(kOrders);
     parallel_for_each(kOrders, 1, [&](std::size_t order) {
         const auto seed = static_cast<unsigned int>(order + 1);
-        found[order] = communities_by_seed(rows, resolution, seed);
-        reached[order] = modularity(graph, found[order], resolution);
+        found[order] = communities_by_seed(graph, rows, resolution, seed);
     });
-    const auto best = std::max_element(reached.begin(), reached.end()) - reached.begin();
-    Communities communities = std::move(found[static_cast<std::size_t>(best)]);
+    const auto best =
+        std::max_element(found.begin(), found.end(), [](const Found& a, const Found& b) {
+            return a.modularity < b.modularity;
+        });
+    Communities communities = std::move(best->communities);
     number_by_size(communities);
     return communities;
 }

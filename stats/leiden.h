@@ -13,7 +13,7 @@ namespace ovik {
 /// Nodes are moved between communities while that raises the modularity; each community is then
 /// refined, beginning with its nodes alone; the network of what they are refined to is treated
 /// alike, beginning with the communities, until each is a node of its own. All of it is done again
-/// until nothing changes any more. Every community is connected, none can be joined with another,
+/// while that raises the modularity. Every community is connected, none can be joined with another,
 /// and no row moved to another, to a higher modularity.
 ///
 /// That depends on the order in which nodes are visited. Ten orders are drawn, from a stream of
