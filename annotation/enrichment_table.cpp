@@ -3,27 +3,19 @@
 #include <vector>
 
 #include "annotation/go_slim.h"
+#include "util/joined.h"
 #include "util/json_text.h"
 
 namespace ovik {
 
 namespace {
 
-/// The fields with something between them.
-std::string joined(const std::vector<std::string>& fields, char between) {
-    std::string line;
-    for (const std::string& field : fields) {
-        line += (&field == &fields.front() ? "" : std::string(1, between)) + field;
-    }
-    return line;
-}
-
 std::string names_of(const EnrichedTerm& term) {
     std::vector<std::string> names;
     for (const GeneEntry* const gene : term.genes) {
         names.emplace_back(gene->name);
     }
-    return joined(names, ' ');
+    return joined(names, " ");
 }
 
 }  // namespace
@@ -47,7 +39,7 @@ std::string enrichment_table(const Enrichment& enrichment) {
                          json_text(term.p),
                          json_text(term.q),
                          names_of(term)},
-                        '\t') +
+                        "\t") +
                  "\n";
     }
     return table;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "plots/text_width.h"
+#include "util/rounded.h"
 
 namespace ovik {
 
@@ -25,17 +25,13 @@ double round_step(double length, double most_parts) {
 
 /// A number in as many digits as tell it from those a step away.
 std::string number_text(double number, double step, double largest) {
-    char text[64];
     const int step_power = static_cast<int>(std::floor(std::log10(step) + 1e-9));
     const int largest_power = static_cast<int>(std::floor(std::log10(largest) + 1e-9));
     constexpr int kMostDigits = 7;
     if (step_power >= -kMostDigits + 2 && largest_power < kMostDigits) {
-        std::snprintf(text, sizeof text, "%.*f", std::max(-step_power, 0), number);
-    } else {
-        const int digits = std::clamp(largest_power - step_power + 1, 1, 17);
-        std::snprintf(text, sizeof text, "%.*g", digits, number);
+        return rounded_text(number, std::max(-step_power, 0));
     }
-    return text;
+    return significant_text(number, std::clamp(largest_power - step_power + 1, 1, 17));
 }
 
 /// The multiples of a round step from one number to another.

@@ -3,16 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "plots/point_style.h"
 #include "plots/text_width.h"
 #include "util/plain_text.h"
 
 namespace ovik {
-
-bool is_grey(const Figure& figure, std::size_t list) {
-    return figure.scale
-               ? list == 1
-               : list + figure.grey_labels >= figure.labels.size() && !figure.labels.empty();
-}
 
 double radius_of(const Figure& figure, const FigureLayout& layout, std::size_t panel, bool grey) {
     const auto& lists = figure.panels[panel].points;

@@ -13,9 +13,6 @@ namespace ovik {
 /// Pixels of a text for which widths of lines and least radii are given.
 constexpr double kUsualFont = 28.0;
 
-/// Whether a list of points belongs to no group, or has no numbers.
-bool is_grey(const Figure& figure, std::size_t list);
-
 /// The radius in pixels of the points of a panel: the more points, the smaller. Grey ones do not
 /// count for others.
 ///

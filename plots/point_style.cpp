@@ -64,11 +64,13 @@ std::string defined_palette(const std::array<const char*, N>& colours,
     return "set palette defined (" + result + ")\n";
 }
 
-bool is_grey(const Figure& figure, std::size_t label) {
-    return label + figure.grey_labels >= figure.labels.size() && label < figure.labels.size();
-}
-
 }  // namespace
+
+bool is_grey(const Figure& figure, std::size_t list) {
+    return figure.scale
+               ? list == 1
+               : list + figure.grey_labels >= figure.labels.size() && !figure.labels.empty();
+}
 
 const std::array<PointShape, 8>& point_shapes() {
     static constexpr std::array<PointShape, 8> kShapes = {{

@@ -28,6 +28,9 @@ struct PointShape {
     const char* path;
 };
 
+/// Whether a list of points belongs to no group, or has no numbers.
+bool is_grey(const Figure& figure, std::size_t list);
+
 /// In the order in which labels take them.
 const std::array<PointShape, 8>& point_shapes();
 

@@ -10,6 +10,7 @@
 #include "stats/seed_texts.h"
 #include "util/console.h"
 #include "util/format.h"
+#include "util/rounded.h"
 
 namespace ovik {
 
@@ -82,10 +83,9 @@ FitNotes console_notes(double perplexity) {
 }
 
 void print_components(int components, int columns, double share) {
-    char percent[16];
-    std::snprintf(percent, sizeof percent, "%.1f", 100.0 * share);
     print_info(std::to_string(components) + " principal components stand for " +
-               std::to_string(columns) + " columns, with " + percent + " % of the variance");
+               std::to_string(columns) + " columns, with " + percent_text(share) +
+               " of the variance");
 }
 
 template <typename T>
@@ -114,10 +114,9 @@ void print_end_of_iterations(const IterationReport& reached) {
 void print_seeds(const SeedReport& seeds, int count) {
     for (std::size_t i = 0; i < seeds.runs.size(); ++i) {
         const SeedRun& run = seeds.runs[i];
-        char cost[400];  // a double has at most 309 digits before its point
-        std::snprintf(cost, sizeof cost, "%.4f", run.final_cost);
         print_info(
-            "Seed " + std::to_string(run.seed) + ": cost without exaggeration " + cost +
+            "Seed " + std::to_string(run.seed) + ": cost without exaggeration " +
+            rounded_text(run.final_cost, 4) +
             (run.is_complete ? "" : ", ended at iteration " + std::to_string(run.iteration)) +
             (i == seeds.kept ? ", kept" : ""));
     }
@@ -129,6 +128,13 @@ void print_seeds(const SeedReport& seeds, int count) {
     }
     if (seeds.agreement) {
         print_info("Agreement of the maps: " + agreement_text(*seeds.agreement));
+    }
+}
+
+void print_outcome(const FitReport& report, int count) {
+    print_end_of_iterations(report.reached);
+    if (report.seeds) {
+        print_seeds(*report.seeds, count);
     }
 }
 

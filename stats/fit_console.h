@@ -2,6 +2,7 @@
 
 #include <ctime>
 
+#include "stats/fit.h"
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
 #include "stats/fit_state.h"
@@ -33,6 +34,11 @@ void print_progress(const IterationReport& reached);
 
 /// Ends the line of the progress bar and says so if the fit was ended early.
 void print_end_of_iterations(const IterationReport& reached);
+
+/// The same, and then what there is to tell of several seeds.
+///
+/// @param count  how many seeds were asked for
+void print_outcome(const FitReport& report, int count);
 
 /// Tells cost and agreement of the maps of several seeds.
 ///

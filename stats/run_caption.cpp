@@ -1,11 +1,10 @@
 #include "stats/run_caption.h"
 
-#include <cstdio>
-
 #include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
 #include "stats/seed_texts.h"
+#include "util/rounded.h"
 
 namespace ovik {
 
@@ -27,21 +26,16 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
             parameters.emplace_back(option.words.title, value_text(option));
         }
     });
-    char text[64];
     if (report.variance_kept) {
-        std::snprintf(text, sizeof text, "%.1f %%", 100.0 * *report.variance_kept);
-        parameters.emplace_back("Variance kept", text);
+        parameters.emplace_back("Variance kept", percent_text(*report.variance_kept));
     }
-    std::snprintf(text, sizeof text, "%g", report.reached.cost);
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
-    parameters.emplace_back("Final cost", text);
+    parameters.emplace_back("Final cost", significant_text(report.reached.cost));
     if (options.stop_when > 0.0) {
-        std::snprintf(text,
-                      sizeof text,
-                      "%g %% of the cost in 50 iterations%s",
-                      100.0 * options.stop_when,
-                      report.reached.settled ? "; ended by it" : "");
-        parameters.emplace_back("Least gain", text);
+        parameters.emplace_back("Least gain",
+                                significant_text(100.0 * options.stop_when) +
+                                    " % of the cost in 50 iterations" +
+                                    (report.reached.settled ? "; ended by it" : ""));
     }
     if (report.seeds) {
         parameters.emplace_back("Seeds", seeds_text(*report.seeds));

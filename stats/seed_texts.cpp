@@ -1,7 +1,8 @@
 #include "stats/seed_texts.h"
 
 #include <algorithm>
-#include <cstdio>
+
+#include "util/rounded.h"
 
 namespace ovik {
 
@@ -16,11 +17,7 @@ std::string seeds_text(const SeedReport& seeds) {
 
 std::string seed_costs_text(const SeedReport& seeds) {
     constexpr std::size_t kMostListed = 20;
-    const auto cost_text = [](const SeedRun& run) {
-        char text[64];
-        std::snprintf(text, sizeof text, "%.4f", run.final_cost);
-        return std::string(text);
-    };
+    const auto cost_text = [](const SeedRun& run) { return rounded_text(run.final_cost, 4); };
     const std::vector<SeedRun>& runs = seeds.runs;
     if (runs.size() > kMostListed) {
         const auto [least, most] =
@@ -37,14 +34,9 @@ std::string seed_costs_text(const SeedReport& seeds) {
 }
 
 std::string agreement_text(const MapAgreement& agreement) {
-    char text[160];
-    std::snprintf(text,
-                  sizeof text,
-                  "Procrustes disparity %.4f, %.1f %% of the %zu nearest neighbours shared",
-                  agreement.disparity,
-                  100.0 * agreement.shared_neighbours,
-                  agreement.neighbours);
-    return text;
+    return "Procrustes disparity " + rounded_text(agreement.disparity, 4) + ", " +
+           percent_text(agreement.shared_neighbours) + " of the " +
+           std::to_string(agreement.neighbours) + " nearest neighbours shared";
 }
 
 }  // namespace ovik

@@ -1,36 +1,26 @@
 #include "stats/trust_texts.h"
 
-#include <cstdio>
 #include <string>
 #include <utility>
 
 #include "stats/seed_texts.h"
+#include "util/rounded.h"
 
 namespace ovik {
 
 namespace {
-
-std::string with_decimals(double value, int decimals) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", decimals, value);
-    return text;
-}
-
-std::string percent(double share) {
-    return with_decimals(100.0 * share, 1) + " %";
-}
 
 void add_quality(const NeighbourhoodQuality& quality, std::vector<TrustNumber>& numbers) {
     const std::string k = std::to_string(quality.neighbours);
     const double rows = static_cast<double>(quality.kept.size());
     numbers.push_back(
         {"Neighbours kept, of " + k,
-         percent(quality.preservation),
+         percent_text(quality.preservation),
          "So many of the " + k + " nearest neighbours that a row has in the data are among its " +
              k + " nearest on the map, averaged over the rows; a map of random places keeps " +
-             percent(static_cast<double>(quality.neighbours) / (rows - 1.0)) + "."});
+             percent_text(static_cast<double>(quality.neighbours) / (rows - 1.0)) + "."});
     numbers.push_back({"Trustworthiness, " + k + " neighbours",
-                       with_decimals(quality.trustworthiness, 4),
+                       rounded_text(quality.trustworthiness, 4),
                        "1 if all rows that are near one another on the map are near one another in "
                        "the data; about 0.5 for a map of random places."});
 }
@@ -45,12 +35,12 @@ void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
         return;
     }
     numbers.push_back({"Procrustes disparity of the seeds",
-                       with_decimals(seeds.agreement->disparity, 4),
+                       rounded_text(seeds.agreement->disparity, 4),
                        "0 if the maps of the seeds are the same when one is moved, turned, "
                        "mirrored and scaled to lie on another, up to 1: where it is large, the "
                        "places of the groups relative to one another mean little."});
     numbers.push_back({"Neighbours shared by the seeds",
-                       percent(seeds.agreement->shared_neighbours),
+                       percent_text(seeds.agreement->shared_neighbours),
                        "So many of the " + std::to_string(seeds.agreement->neighbours) +
                            " nearest neighbours of a row on one map are so on another: which rows "
                            "are together is as stable as this."});
@@ -73,7 +63,7 @@ MapTrust map_trust(const FitReport& report,
         trust.kept = std::move(quality.back().kept);
     }
     trust.numbers.push_back({"Cost",
-                             with_decimals(report.final_cost, 4),
+                             rounded_text(report.final_cost, 4),
                              "The Kullback-Leibler divergence of the map's similarities from those "
                              "of the data, in nats: the lower, the better, among maps of the same "
                              "data and perplexity alone."});
@@ -82,7 +72,7 @@ MapTrust map_trust(const FitReport& report,
     }
     if (clusters != nullptr) {
         trust.numbers.push_back({"Modularity of the clusters",
-                                 with_decimals(clusters->modularity, 4),
+                                 rounded_text(clusters->modularity, 4),
                                  "By how much more of the weight between neighbours lies within "
                                  "the clusters than chance would put there, up to 1: near 0, the "
                                  "data have no clusters to speak of."});

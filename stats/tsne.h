@@ -336,6 +336,7 @@ class TSNE {
     [[nodiscard]] bool holdsEmbedding() const;
     void requireInput() const;
     void requireNames() const;
+    void requireRunnable(const FitOptions& options) const;
     [[nodiscard]] std::span<const std::string> currentNames() const;
     [[nodiscard]] FitOptions fitOptions(int no_dims,
                                         double perplexity,
@@ -344,7 +345,9 @@ class TSNE {
     [[nodiscard]] RunIdentity runIdentity(const FitOptions& options) const;
     [[nodiscard]] MatrixView<double> makeEmbedding(int no_dims);
     FitReport fitAndReport(const FitOptions& options);
+    [[nodiscard]] MatrixView<const double> givenStart(std::size_t dims) const;
     void forgetResults();
+    void keepResults(const FitReport& report);
     void writeResults(const FitOptions& options,
                       const FitReport& report,
                       std::vector<std::string> labels,

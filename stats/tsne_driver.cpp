@@ -252,11 +252,9 @@ MatrixView<double> TSNE<T>::makeEmbedding(int no_dims) {
     return {Y, rows, out_dims};
 }
 
-/// Fits the embedding, with the console's lines, checkpoints and the caller's own hook.
+/// Refuses members that go with no run.
 template <typename T>
-// NOLINTNEXTLINE(readability-function-size,readability-function-cognitive-complexity)
-FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
-    perplexity = options.perplexity;
+void TSNE<T>::requireRunnable(const FitOptions& options) const {
     requireInput();
     if (checkpoint_every < 1) {
         throw std::invalid_argument("checkpoint_every has to be at least 1");
@@ -264,6 +262,17 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     if (seeds < 1 || (seeds > 1 && !(checkpoint_path.empty() && resume_path.empty()))) {
         throw std::invalid_argument("a run has at least one seed, and one with a checkpoint");
     }
+    const auto columns = static_cast<std::size_t>(std::max(D, 0));
+    const auto rows = static_cast<std::size_t>(std::max(N, 0));
+    const std::span<const std::string> names = currentNames();
+    check_metric({X, rows, columns}, options, names.size() == rows ? names : names.first(0));
+}
+
+/// Fits the embedding, with the console's lines, checkpoints and the caller's own hook.
+template <typename T>
+FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
+    perplexity = options.perplexity;
+    requireRunnable(options);
     RunIdentity run;
     if (!checkpoint_path.empty() || !resume_path.empty()) {
         run = runIdentity(options);
@@ -272,10 +281,6 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     if (!resume_path.empty()) {
         resumed = read_resumed(resume_path, run, max_iter);
     }
-    const auto columns = static_cast<std::size_t>(std::max(D, 0));
-    const auto rows = static_cast<std::size_t>(std::max(N, 0));
-    const std::span<const std::string> names = currentNames();
-    check_metric({X, rows, columns}, options, names.size() == rows ? names : names.first(0));
     forgetResults();
     const MatrixView<double> embedding = makeEmbedding(options.out_dims);
     print_launch(options, N);
@@ -306,13 +311,10 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.cached_neighbours = cached_neighbours.get();
     hooks.wants_neighbours = wants_neighbours;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
-    if (options.out_dims > 0) {
-        const auto dims = static_cast<std::size_t>(options.out_dims);
-        hooks.start = {start_places.data(), start_places.size() / dims, dims};
-    }
+    hooks.start = givenStart(embedding.columns);
     hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
     FitReport report = exiting_without_memory([&] {
-        const MatrixView<double> input{X, embedding.rows, columns};
+        const MatrixView<double> input{X, embedding.rows, static_cast<std::size_t>(std::max(D, 0))};
         return seeds > 1 ? fit_seeds_into(embedding, input, options, {seeds, seeds_at_once}, hooks)
                          : fit_into(embedding,
                                     input,
@@ -321,19 +323,30 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
                                     method_of(options),
                                     &process_random_stream());
     });
-    print_end_of_iterations(report.reached);
-    if (report.seeds) {
-        print_seeds(*report.seeds, seeds);
-    }
-    seed_report_ = report.seeds;
+    print_outcome(report, seeds);
     checkpoint_failure_ = keeper.failure();
+    keepResults(report);
+    print_fitting_time(report.fitting_clock);
+    return report;
+}
+
+/// The given places as a matrix; none of an embedding without columns.
+template <typename T>
+MatrixView<const double> TSNE<T>::givenStart(std::size_t dims) const {
+    if (dims == 0) {
+        return {};
+    }
+    return {start_places.data(), start_places.size() / dims, dims};
+}
+
+template <typename T>
+void TSNE<T>::keepResults(const FitReport& report) {
+    seed_report_ = report.seeds;
     final_cost_ = report.final_cost;
-    costs_ = std::move(report.costs);
+    costs_ = report.costs;
     times_ = report.seconds;
     input_scale_ = report.scale;
     variance_kept_ = report.variance_kept;
-    print_fitting_time(report.fitting_clock);
-    return report;
 }
 
 /// Forgets what became of the results of an earlier run.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <limits>
 #include <set>
@@ -14,6 +13,7 @@
 #include "stats/option_texts.h"
 #include "stats/run_names.h"
 #include "util/format.h"
+#include "util/rounded.h"
 
 namespace ovik::tool {
 
@@ -22,12 +22,6 @@ namespace {
 using Entries = std::vector<ComparisonEntry>;
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-
-std::string with_decimals(double value, int decimals) {
-    char text[400];  // a double has at most 309 digits before its point
-    std::snprintf(text, sizeof text, "%.*f", decimals, value);
-    return text;
-}
 
 enum class Best { None, Least, Most };
 
@@ -101,10 +95,6 @@ bool share_affinities(const Entries& entries) {
            });
 }
 
-std::string percentage(double share) {
-    return with_decimals(100.0 * share, 1) + " %";
-}
-
 /// Numbers of the runs themselves.
 void add_settings(std::vector<ComparedNumber>& numbers, const Entries& entries) {
     numbers.push_back(number(
@@ -131,7 +121,7 @@ void add_settings(std::vector<ComparedNumber>& numbers, const Entries& entries) 
                                  "What the random start is drawn by: another seed, another map.",
                                  values_of(entries, seed),
                                  Best::None,
-                                 [](double value) { return with_decimals(value, 0); }));
+                                 [](double value) { return rounded_text(value, 0); }));
     }
     ComparedNumber choices{"Choices",
                            "What the run has chosen that the classical run has not.",
@@ -161,7 +151,7 @@ void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
                "How far the fit came, counted from 0.",
                values_of(entries, [](const ComparisonEntry& entry) { return entry.run.iteration; }),
                Best::None,
-               [](double value) { return with_decimals(value, 0); }));
+               [](double value) { return rounded_text(value, 0); }));
     const bool same_data = share_data(entries);
     numbers.push_back(number(
         "Seconds",
@@ -176,7 +166,7 @@ void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
                       return seconds > 0.0 ? seconds : kNone;
                   }),
         same_data ? Best::Least : Best::None,
-        [](double value) { return with_decimals(value, 2); }));
+        [](double value) { return rounded_text(value, 2); }));
     const bool comparable = share_affinities(entries);
     numbers.push_back(number(
         "Cost",
@@ -185,7 +175,7 @@ void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
             (comparable ? "." : ", which these are not, so that none is called the best."),
         values_of(entries, [](const ComparisonEntry& entry) { return entry.run.final_cost; }),
         comparable ? Best::Least : Best::None,
-        [](double value) { return with_decimals(value, 4); }));
+        [](double value) { return rounded_text(value, 4); }));
 }
 
 /// What was measured of a run with neighbourhoods of a size; null for nothing.
@@ -220,14 +210,14 @@ void add_quality(std::vector<ComparedNumber>& numbers,
                    end,
                measured(&RecordedQuality::trustworthiness),
                best,
-               [](double value) { return with_decimals(value, 4); }));
+               [](double value) { return rounded_text(value, 4); }));
     numbers.push_back(number("Kept of the nearest " + k,
                              "The share of the " + k +
                                  " nearest genes of each gene in the data that are among its " + k +
                                  " nearest in the map" + end,
                              measured(&RecordedQuality::preservation),
                              best,
-                             &percentage));
+                             &percent_text));
 }
 
 /// The same for all sizes that were measured of a run.
@@ -268,14 +258,14 @@ void add_agreement(std::vector<ComparedNumber>& numbers, const AlignedMaps& maps
                              "common.",
                              disparities,
                              Best::None,
-                             [](double value) { return with_decimals(value, 3); }));
+                             [](double value) { return rounded_text(value, 3); }));
     numbers.push_back(number("Neighbours shared",
                              "The share of the " + k +
                                  " nearest genes of each gene in the map that are among its " + k +
                                  " nearest in the reference.",
                              shared,
                              Best::None,
-                             &percentage));
+                             &percent_text));
     for (std::size_t added = 1; added <= 2; ++added) {
         numbers[numbers.size() - added].values[maps.reference] = "reference";
     }

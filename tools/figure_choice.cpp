@@ -8,9 +8,11 @@
 #include <system_error>
 
 #include "annotation/row_finder.h"
+#include "input/field_kind.h"
 #include "input/row_texts.h"
 #include "util/counted.h"
 #include "util/input_error.h"
+#include "util/joined.h"
 
 #include "tools/standard_streams.h"
 
@@ -20,6 +22,9 @@ namespace {
 
 constexpr double kSingleColumn = 89;
 constexpr double kDoubleColumn = 183;
+
+/// More unknown names than this are not listed in a message.
+constexpr std::size_t kListed = 10;
 
 /// Takes a number off the front; 0 if there is none.
 double take_number(std::string_view& text) {
@@ -61,14 +66,6 @@ void check_length(double length, const FigureSize& size, const std::string& text
     }
 }
 
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
 /// Of a table, the names in the first column.
 std::vector<std::string> names_in_file(const std::string& path) {
     std::vector<std::string> names = lines_of(read_row_file(path, "name"));
@@ -94,21 +91,12 @@ std::vector<std::string> distinct(const std::vector<std::string>& texts) {
     std::vector<std::string> names;
     std::set<std::string_view> known = {""};
     for (const std::string& text : texts) {
-        const std::string_view name = trimmed(text);
+        const std::string_view name = without_blanks(text);
         if (known.insert(name).second) {
             names.emplace_back(name);
         }
     }
     return names;
-}
-
-std::string joined(const std::vector<std::string>& names) {
-    constexpr std::size_t kListed = 10;
-    std::string text;
-    for (std::size_t n = 0; n < names.size() && n < kListed; ++n) {
-        text += (n == 0 ? "" : ", ") + names[n];
-    }
-    return text + (names.size() > kListed ? ", ..." : "");
 }
 
 }  // namespace
@@ -184,7 +172,7 @@ FigureOptions settle_figure(const Options& options, const std::vector<std::strin
     const HighlightedRows found =
         find_highlighted(names, row_names, options.names != RowNames::Other);
     if (found.rows.empty()) {
-        throw InputError("--highlight: no row is called " + joined(found.unknown) +
+        throw InputError("--highlight: no row is called " + first_few(found.unknown, kListed) +
                          "\nGive names of rows, separated by commas, or a file with one name a "
                          "line.");
     }
@@ -192,7 +180,7 @@ FigureOptions settle_figure(const Options& options, const std::vector<std::strin
         complain("warning: --highlight: " + std::to_string(found.unknown.size()) + " of " +
                  counted(names.size(), "name", "names") +
                  (found.unknown.size() == 1 ? " is" : " are") +
-                 " of no row: " + joined(found.unknown));
+                 " of no row: " + first_few(found.unknown, kListed));
     }
     figure.highlighted = found.rows;
     return figure;

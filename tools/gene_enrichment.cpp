@@ -11,6 +11,7 @@
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/input_error.h"
+#include "util/joined.h"
 #include "util/whole_file.h"
 
 #include "tools/load_matrix.h"
@@ -24,14 +25,6 @@ namespace {
 /// More names than this are not listed in a message.
 constexpr std::size_t kMostNamed = 50;
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (std::size_t i = 0; i < names.size() && i < kMostNamed; ++i) {
-        text += (i == 0 ? "" : ", ") + names[i];
-    }
-    return text + (names.size() > kMostNamed ? ", ..." : "");
-}
-
 std::vector<std::string> names_of(const std::vector<const GeneEntry*>& genes) {
     std::vector<std::string> names;
     names.reserve(genes.size());
@@ -44,7 +37,7 @@ std::vector<std::string> names_of(const std::vector<const GeneEntry*>& genes) {
 /// Tells of names or genes that are left out, if there are any.
 void tell_of_left_out(const std::string& what, const std::vector<std::string>& names) {
     if (!names.empty()) {
-        complain(what + ": " + joined(names));
+        complain(what + ": " + first_few(names, kMostNamed));
     }
 }
 
@@ -77,7 +70,7 @@ NamedGenes read_genes(const std::string& path) {
     NamedGenes genes = genes_named(names);
     if (genes.genes.empty()) {
         throw InputError(path + ": none of the " + counted(names.size(), "name", "names") +
-                         " is that of one gene of yeast, such as " + joined({names.front()}) +
+                         " is that of one gene of yeast, such as " + names.front() +
                          "\nGenes are known by standard and systematic names (CDC28, YBR160W).");
     }
     return genes;

@@ -4,20 +4,9 @@
 #include <vector>
 
 #include "annotation/gene_names.h"
+#include "util/joined.h"
 
 namespace ovik::tool {
-
-namespace {
-
-std::string joined(const std::vector<std::string>& texts, const char* separator) {
-    std::string result;
-    for (const std::string& text : texts) {
-        result += (result.empty() ? "" : separator) + text;
-    }
-    return result;
-}
-
-}  // namespace
 
 ExitStatus show_gene(const std::string& name) {
     const GeneEntry* const gene = find_gene(name);

@@ -1,9 +1,10 @@
 #include "tools/map_clusters.h"
 
-#include <cstdio>
+#include <string>
 
 #include "util/console.h"
 #include "util/counted.h"
+#include "util/rounded.h"
 
 namespace ovik::tool {
 
@@ -34,14 +35,8 @@ LabelColumn cluster_labels(const RowClusters& clusters) {
 }
 
 std::string clusters_text(const RowClusters& clusters, double resolution) {
-    char text[120];
-    std::snprintf(text,
-                  sizeof text,
-                  "%zu at resolution %g, modularity %.4f",
-                  clusters.sizes.size(),
-                  resolution,
-                  clusters.modularity);
-    return text;
+    return std::to_string(clusters.sizes.size()) + " at resolution " +
+           significant_text(resolution) + ", modularity " + rounded_text(clusters.modularity, 4);
 }
 
 template RowClusters find_map_clusters(const TSNE<float>&,

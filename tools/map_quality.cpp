@@ -1,8 +1,9 @@
 #include "tools/map_quality.h"
 
-#include <cstdio>
+#include <string>
 
 #include "util/console.h"
+#include "util/rounded.h"
 
 namespace ovik::tool {
 
@@ -11,9 +12,7 @@ std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int di
     const auto N = static_cast<std::size_t>(tsne.N);
     std::vector<std::size_t> sizes = {10, 30};
     std::erase_if(sizes, [N](std::size_t size) { return 2 * size >= N; });
-    char line[160];
-    std::snprintf(line, sizeof line, "Cost without exaggeration: %.4f", tsne.finalCost());
-    print_info(line);
+    print_info("Cost without exaggeration: " + rounded_text(tsne.finalCost(), 4));
     // Of the matrix as it was prepared for the metric.
     const MatrixView<const double> X{tsne.X, N, static_cast<std::size_t>(tsne.D)};
     const MatrixView<const double> Y{tsne.Y, N, static_cast<std::size_t>(dims)};
@@ -22,13 +21,9 @@ std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int di
             ? neighbourhood_quality_of_distances(X, Y, sizes)
             : neighbourhood_quality(X, Y, sizes);
     for (const NeighbourhoodQuality& quality : measured) {
-        std::snprintf(line,
-                      sizeof line,
-                      "Nearest %zu: trustworthiness %.4f, %.1f %% of them kept",
-                      quality.neighbours,
-                      quality.trustworthiness,
-                      100.0 * quality.preservation);
-        print_info(line);
+        print_info("Nearest " + std::to_string(quality.neighbours) + ": trustworthiness " +
+                   rounded_text(quality.trustworthiness, 4) + ", " +
+                   percent_text(quality.preservation) + " of them kept");
     }
     return measured;
 }

@@ -1,20 +1,13 @@
 #include "tools/row_genes.h"
 
 #include "util/counted.h"
+#include "util/joined.h"
 
 namespace ovik::tool {
 
 namespace {
 
 constexpr std::size_t kListed = 3;
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string result;
-    for (const std::string& text : texts) {
-        result += (result.empty() ? "" : ", ") + text;
-    }
-    return result;
-}
 
 /// A text for each row of a gene.
 template <typename TextOf>
@@ -109,8 +102,8 @@ std::string found_genes_line(const RowGenes& genes) {
         line += "; " + counted(genes.ambiguous, "name", "names") + " of several genes";
     }
     if (!genes.first_missing.empty()) {
-        line += "; not found: " + joined(genes.first_missing);
-        line += row_count - genes.found() > genes.first_missing.size() ? ", ..." : "";
+        line +=
+            "; not found: " + first_few(genes.first_missing, kListed, row_count - genes.found());
     }
     return line;
 }
@@ -120,10 +113,9 @@ std::string few_genes_warning(const RowGenes& genes, const std::vector<std::stri
     if (2 * genes.found() >= row_count || are_numbers(row_names)) {
         return "";
     }
-    const bool is_all = row_count - genes.found() == genes.first_missing.size();
     return "warning: the gene table knows " + std::to_string(genes.found()) + " of " +
            std::to_string(row_count) + " rows, fewer than half: not " +
-           joined(genes.first_missing) + (is_all ? "" : ", ...") +
+           first_few(genes.first_missing, kListed, row_count - genes.found()) +
            "\nTable and page say nothing of what such rows do, the map is the same. Genes of yeast "
            "are known by standard and systematic names (CDC28, YBR160W): is the first column that "
            "of the names? If the rows are no genes of yeast, --names other says so.";

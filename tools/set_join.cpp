@@ -7,6 +7,7 @@
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/input_error.h"
+#include "util/joined.h"
 #include "util/plain_text.h"
 
 namespace ovik::tool {
@@ -14,15 +15,6 @@ namespace ovik::tool {
 namespace {
 
 constexpr std::size_t kListed = 3;
-
-/// The first few texts, with dots where there are more.
-std::string first_of(const std::vector<std::string>& texts, std::size_t count) {
-    std::string line;
-    for (std::size_t n = 0; n < texts.size() && n < kListed; ++n) {
-        line += (n == 0 ? "" : ", ") + texts[n];
-    }
-    return line + (count > kListed ? ", ..." : "");
-}
 
 }  // namespace
 
@@ -69,14 +61,14 @@ std::string joined_sets_line(const JoinedSets& joined) {
                        std::to_string(joined.found) + " of " +
                        counted(joined.genes, "gene is", "genes are") + " in the matrix";
     if (missing > 0) {
-        line += ", not " + first_of(joined.first_missing, missing);
+        line += ", not " + first_few(joined.first_missing, kListed, missing);
     }
     if (!joined.left_out.empty()) {
         line += "; " +
                 counted(joined.left_out.size(),
                         "set has no gene there and is",
                         "sets have no gene there and are") +
-                " left out: " + first_of(joined.left_out, joined.left_out.size());
+                " left out: " + first_few(joined.left_out, kListed);
     }
     return line;
 }

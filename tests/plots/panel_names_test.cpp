@@ -15,16 +15,6 @@ Figure figure_of_points(std::size_t count) {
     return figure;
 }
 
-TEST(IsGrey, HoldsForTheLastLabelsOrForPointsWithoutANumber) {
-    Figure figure = figure_of_points(1);
-    EXPECT_FALSE(is_grey(figure, 0));
-    EXPECT_TRUE(is_grey(figure, 1));
-    figure.labels.clear();
-    figure.scale = {"n", 0, 1};
-    EXPECT_FALSE(is_grey(figure, 0));
-    EXPECT_TRUE(is_grey(figure, 1));
-}
-
 TEST(RadiusOf, IsSmallerForMorePoints) {
     const Figure few = figure_of_points(10);
     const Figure many = figure_of_points(9000);

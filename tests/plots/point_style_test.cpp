@@ -26,6 +26,16 @@ std::string page_palette() {
     return test::read_file(OVIK_DATA_DIR "/../plots/page/src/palette.js");
 }
 
+TEST(IsGrey, HoldsForTheLastLabelsOrForPointsWithoutANumber) {
+    Figure figure = labelled(2, 1);
+    EXPECT_FALSE(is_grey(figure, 0));
+    EXPECT_TRUE(is_grey(figure, 1));
+    figure.labels.clear();
+    figure.scale = {"n", 0, 1};
+    EXPECT_FALSE(is_grey(figure, 0));
+    EXPECT_TRUE(is_grey(figure, 1));
+}
+
 TEST(PointStyle, HasTheColoursAndShapesOfThePageInItsOrder) {
     const std::string page = page_palette();
     const Figure figure = labelled(8, 0);
