@@ -2,11 +2,15 @@
  * Prints how fast the chart page is: time until it is ready, and time per frame while zooming,
  * panning and pointing, with one event in every frame, as the median and the 95th percentile. Beside them
  * stand what the event takes before the frame is drawn, and the processor time of the page's thread for a
- * frame, which other programs change less.
+ * frame, which other programs change less; and the memory of the tab, resident and in the heap of scripts.
  *
  *     (cd plots/page && npm ci)
- *     node bench/page_speed.mjs [points ...]      by default 6600, 100000 and 1000000
+ *     node bench/page_speed.mjs [points ... | pages ...]      by default 6600, 100000 and 1000000
+ *
+ * A page is one that a run left (build/release/bench/write_results makes one of any number of rows).
  */
+
+import { readFile } from 'node:fs/promises';
 
 import { cloudData, startBrowser } from '../tests/page/support.mjs';
 
@@ -86,9 +90,25 @@ async function zoomIn(page, isEnough) {
   } while (!(await isEnough()));
 }
 
-async function measure(browser, count) {
-  const data = cloudData(count);
-  const page = await browser.open(data);
+/** Megabytes of the largest tab, and of the heap of its scripts after what nobody needs has gone. */
+async function memoryOf(page, session) {
+  await session.send('HeapProfiler.collectGarbage');
+  const { metrics } = await session.send('Performance.getMetrics');
+  const heap = metrics.find(({ name }) => name === 'JSHeapUsedSize').value / 1e6;
+  const whole = await page.context().browser().newBrowserCDPSession();
+  const { processInfo } = await whole.send('SystemInfo.getProcessInfo');
+  await whole.detach();
+  const tabs = processInfo.filter(({ type }) => type === 'renderer').map(async ({ id }) => {
+    const status = await readFile(`/proc/${id}/status`, 'utf8');
+    return Number(/VmRSS:\s+(\d+)/.exec(status)[1]) * 1024 / 1e6;
+  });
+  return { heap, resident: Math.max(...await Promise.all(tabs)) };
+}
+
+/** @param {string} what a number of points, or the file of a page */
+async function measure(browser, what) {
+  const page = await (/^\d+$/.test(what) ? browser.open(cloudData(Number(what))) : browser.openFile(what));
+  const count = await page.evaluate(() => JSON.parse(document.querySelector('#chart-data').textContent).pointCount);
   const session = await page.context().newCDPSession(page);
   await session.send('Performance.enable', { timeDomain: 'threadTicks' });
   // The page alone, without making it.
@@ -98,6 +118,8 @@ async function measure(browser, count) {
   const ready = performance.now() - begin;
   const processor = (await processorTime(session)).toFixed(0);
   console.log(`${count} points: ready ${ready.toFixed(0)} ms after the browser was asked for the page; processor ${processor} ms`);
+  const { heap, resident } = await memoryOf(page, session);
+  console.log(`  memory of the tab ${resident.toFixed(0)} MB, of its scripts ${heap.toFixed(0)} MB`);
   const steps = count > 300000 ? FRAMES.many : FRAMES.few;
   await report(page, session, 'zoom in and out', 'zoom', steps);
   await report(page, session, 'pan', 'pan', steps);
@@ -108,10 +130,10 @@ async function measure(browser, count) {
   await page.context().close();
 }
 
-const counts = process.argv.slice(2).map(Number);
+const asked = process.argv.slice(2);
 const browser = await startBrowser();
 try {
-  for (const count of counts.length > 0 ? counts : [6600, 100000, 1000000]) await measure(browser, count);
+  for (const what of asked.length > 0 ? asked : ['6600', '100000', '1000000']) await measure(browser, what);
 } finally {
   await browser.close();
 }

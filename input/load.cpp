@@ -271,7 +271,7 @@ LoadedMatrix load(const std::string& path,
     if (options.holds_distances) {
         refuse_changes_of_distances(options);
     }
-    MatrixSource source(path);
+    MatrixSource source(path, options.on_stage);
     const std::string& name = source.name();
     if (options.holds_distances) {
         refuse_sparse_distances(source);

@@ -8,6 +8,7 @@
 #include "input/missing_values.h"
 #include "input/option_spelling.h"
 #include "input/transformations.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -64,6 +65,8 @@ struct LoadOptions {
     /// become the means of these, the transformations are by the numbers of these. Any number of
     /// rows from 1 will do then, and values are not refused for being alike.
     const KnownColumns* known_columns = nullptr;
+    /// Takes how many bytes of the file have been read, packed ones where it is packed.
+    OnStage on_stage = {};
     /// If set, called with delimited text and its layout before more than the head is read. What
     /// it throws, `load` throws. Its arguments are of use within this project alone.
     std::function<void(const MatrixSource& source, const TableLayout& layout)> before_reading;

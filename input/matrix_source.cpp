@@ -29,11 +29,11 @@ constexpr std::ptrdiff_t kFewestLines = 3;
 
 }  // namespace
 
-MatrixSource::MatrixSource(const std::string& path)
+MatrixSource::MatrixSource(const std::string& path, const OnStage& on_stage)
     : name_(path == "-" ? "standard input" : path),
       path_(path == "-" ? "/dev/stdin" : path) {
     with_read_failures_named(name_, [&] {
-        open();
+        open(on_stage);
         readHead();
     });
 }
@@ -59,7 +59,7 @@ bool MatrixSource::growHead() {
     return true;
 }
 
-void MatrixSource::open() {
+void MatrixSource::open(const OnStage& on_stage) {
     std::error_code error;
     const auto status = std::filesystem::status(path_, error);
     if (status.type() == std::filesystem::file_type::not_found) {
@@ -75,12 +75,26 @@ void MatrixSource::open() {
     if (!file_->is_open()) {
         refuse(name_, "cannot be read (" + std::generic_category().message(errno) + ")");
     }
-    text_ = std::make_unique<std::istream>(file_->rdbuf());
-    text_->exceptions(std::ios::badbit);
     is_seekable_ = std::filesystem::is_regular_file(status);
     if (is_seekable_) {
         size_ = std::filesystem::file_size(path_, error);
     }
+    if (on_stage) {
+        const std::uint64_t size = size_.value_or(0);
+        tell(on_stage, Stage::Reading, 0, size);
+        counted_ = std::make_unique<CountedBuffer>(
+            *file_->rdbuf(),
+            [on_stage, size](std::uint64_t count) { tell(on_stage, Stage::Reading, count, size); });
+    }
+    text_ = std::make_unique<std::istream>(&fileBytes());
+    text_->exceptions(std::ios::badbit);
+}
+
+std::streambuf& MatrixSource::fileBytes() const {
+    if (counted_) {
+        return *counted_;
+    }
+    return *file_->rdbuf();
 }
 
 /// Reads the first bytes, as they are unpacked, until they hold the first lines.
@@ -88,7 +102,7 @@ void MatrixSource::readHead() {
     growHeadTo(kGzipMagic.size());
     if (file_ && head_ == kGzipMagic) {
         // Back to the start, without a step back, which a pipe does not allow.
-        unpacked_ = std::make_unique<GzipBuffer>(*file_->rdbuf(), std::exchange(head_, {}), name_);
+        unpacked_ = std::make_unique<GzipBuffer>(fileBytes(), std::exchange(head_, {}), name_);
         text_ = std::make_unique<std::istream>(unpacked_.get());
         text_->exceptions(std::ios::badbit);
         size_.reset();

@@ -9,7 +9,9 @@
 #include <string>
 #include <string_view>
 
+#include "input/counted_buffer.h"
 #include "input/gzip_buffer.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -19,10 +21,11 @@ class MatrixSource {
   public:
     /// Opens the file and reads its head, after the checks that opening does not make.
     ///
-    /// @param path  "-" for standard input
+    /// @param path      "-" for standard input
+    /// @param on_stage  takes how many bytes of the file have been read; may be empty
     /// @throws InputError if the file is missing, unreadable or a directory, or is damaged gzip
     /// @throws std::system_error if it cannot be read
-    explicit MatrixSource(const std::string& path);
+    explicit MatrixSource(const std::string& path, const OnStage& on_stage = {});
 
     /// Text at hand, such as what another format was made into.
     ///
@@ -61,13 +64,17 @@ class MatrixSource {
     std::istream& rest() { return *text_; }
 
   private:
-    void open();
+    void open(const OnStage& on_stage);
+    /// What the file holds, as it lies there.
+    [[nodiscard]] std::streambuf& fileBytes() const;
     void readHead();
     void growHeadTo(std::size_t size);
 
     std::string name_;
     std::string path_;
     std::unique_ptr<std::ifstream> file_;
+    /// Null if nobody asks how far it is.
+    std::unique_ptr<CountedBuffer> counted_;
     std::unique_ptr<GzipBuffer> unpacked_;
     std::unique_ptr<std::istream> text_;
     std::string head_;

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <span>
+#include <string_view>
 
 #include "plots/component_pair.h"
-#include "plots/filled_template.h"
 #include "plots/html_text.h"
 #include "plots/page_template.h"
 #include "util/base64.h"
@@ -14,194 +16,236 @@ namespace ovik {
 
 namespace {
 
-std::string json_slice(const std::vector<double>& values, std::size_t first, std::size_t count) {
-    const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
-    return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(count));
+/// Writes a value that is at hand.
+template <typename T>
+JsonStream::Write written(const T& value) {
+    return [&value](JsonStream& json) { json.value(value); };
+}
+
+/// Writes a list of values that are at hand.
+template <typename Range>
+JsonStream::Write written_list(const Range& values) {
+    return [&values](JsonStream& json) { json.list(values); };
 }
 
 /// The coordinates, a pair of components after the other.
-std::string json_pairs(const Chart& chart, std::size_t point_count) {
-    std::vector<std::string> pairs;
+void write_pairs(JsonStream& json, const Chart& chart, std::size_t point_count) {
+    json.text("[");
     for (std::size_t first = 0; first < chart.x.size(); first += point_count) {
         const std::size_t count = std::min(point_count, chart.x.size() - first);
         const std::string group = chart.groups.empty() ? "" : chart.groups[first];
-        const bool is_first = first == 0;
         const auto title = [&](std::size_t which, const std::string& given) {
-            return is_first ? given : component_title(group, which, given);
+            return first == 0 ? given : component_title(group, which, given);
         };
-        pairs.push_back(json_object({{"group", json_text(group)},
-                                     {"xTitle", json_text(title(0, chart.x_title))},
-                                     {"yTitle", json_text(title(1, chart.y_title))},
-                                     {"x", json_slice(chart.x, first, count)},
-                                     {"y", json_slice(chart.y, first, count)}}));
+        const auto slice = [&](const std::vector<double>& values) -> JsonStream::Write {
+            return
+                [part = std::span(values).subspan(first, count)](JsonStream& to) { to.list(part); };
+        };
+        const std::string x_title = title(0, chart.x_title);
+        const std::string y_title = title(1, chart.y_title);
+        json.text(first == 0 ? "" : ",");
+        json.object({{"group", written(group)},
+                     {"xTitle", written(x_title)},
+                     {"yTitle", written(y_title)},
+                     {"x", slice(chart.x)},
+                     {"y", slice(chart.y)}});
     }
-    return json_list(pairs);
+    json.text("]");
 }
 
 /// One text per point: those of the first group.
-std::string json_column(std::span<const std::string> texts, std::size_t point_count) {
-    const auto of_points = texts.first(std::min(point_count, texts.size()));
-    return json_list_of(of_points.begin(), of_points.end());
+JsonStream::Write column(std::span<const std::string> texts, std::size_t point_count) {
+    return [of_points = texts.first(std::min(point_count, texts.size()))](JsonStream& json) {
+        json.list(of_points);
+    };
 }
 
 /// Labels are given per point, or per row of the table: then those of the first group count.
-std::string json_labels(const Chart& chart, std::size_t point_count) {
-    if (chart.labels.size() != point_count && chart.labels.size() != chart.x.size()) {
-        return "[]";
-    }
-    const auto begin = chart.labels.begin();
-    return json_list_of(begin, begin + static_cast<std::ptrdiff_t>(point_count));
+JsonStream::Write labels_of_points(const Chart& chart, std::size_t point_count) {
+    const bool is_of_use =
+        chart.labels.size() == point_count || chart.labels.size() == chart.x.size();
+    return column(is_of_use ? std::span(chart.labels) : std::span<const std::string>(),
+                  point_count);
 }
 
 /// Columns of another length than the points are of no use.
-std::string json_label_columns(const Chart& chart, std::size_t point_count) {
-    std::vector<std::string> columns;
-    for (const LabelColumn& column : chart.label_columns) {
-        if (column.texts.size() == point_count) {
-            columns.push_back(json_object({{"title", json_text(column.title)},
-                                           {"texts", json_list_of(column.texts)},
-                                           {"numbers", json_list_of(column.numbers)}}));
+void write_label_columns(JsonStream& json, const Chart& chart, std::size_t point_count) {
+    std::vector<const LabelColumn*> columns;
+    for (const LabelColumn& one : chart.label_columns) {
+        if (one.texts.size() == point_count) {
+            columns.push_back(&one);
         }
     }
-    return json_list(columns);
+    json.list(columns, [&json](const LabelColumn* one) {
+        json.object({{"title", written(one->title)},
+                     {"texts", written_list(one->texts)},
+                     {"numbers", written_list(one->numbers)}});
+    });
 }
 
 /// Systematic name, identifier and aliases of each point; an empty list where there are none.
-std::string json_aliases(const Chart& chart, std::size_t point_count) {
-    std::vector<std::string> points;
-    if (chart.identifiers.size() == point_count) {
-        for (const GeneIdentifiers& gene : chart.identifiers) {
-            std::string aliases;
-            for (const std::string& alias : gene.aliases) {
-                aliases += (aliases.empty() ? "" : "|") + alias;
-            }
-            points.push_back(gene.systematic.empty() ? "[]"
-                                                     : json_list({json_text(gene.systematic),
-                                                                  json_text(gene.sgd_id),
-                                                                  json_text(aliases)}));
+void write_aliases(JsonStream& json, const Chart& chart, std::size_t point_count) {
+    const bool is_of_use = chart.identifiers.size() == point_count;
+    const auto genes = chart.identifiers.first(is_of_use ? point_count : 0);
+    json.list(genes, [&json](const GeneIdentifiers& gene) {
+        std::string aliases;
+        for (const std::string& alias : gene.aliases) {
+            aliases += (aliases.empty() ? "" : "|") + alias;
         }
-    }
-    return json_list(points);
+        json.text(gene.systematic.empty() ? "[]"
+                                          : json_list({json_text(gene.systematic),
+                                                       json_text(gene.sgd_id),
+                                                       json_text(aliases)}));
+    });
 }
 
 /// The sets, by the names of their points.
-std::string json_sets(const Chart& chart) {
-    std::vector<std::string> sets;
-    for (const GeneSet& set : chart.sets) {
-        std::vector<std::string> genes;
-        for (const std::size_t row : set.rows) {
-            if (row < chart.names.size()) {
-                genes.push_back(json_text(chart.names[row]));
-            }
-        }
-        sets.push_back(json_object({{"name", json_text(set.name)},
-                                    {"colour", json_text(set.colour)},
-                                    {"genes", json_list(genes)}}));
-    }
-    return json_list(sets);
+void write_sets(JsonStream& json, const Chart& chart) {
+    json.list(chart.sets, [&](const GeneSet& set) {
+        std::vector<std::size_t> rows;
+        std::copy_if(
+            set.rows.begin(), set.rows.end(), std::back_inserter(rows), [&](std::size_t row) {
+                return row < chart.names.size();
+            });
+        json.object({{"name", written(set.name)},
+                     {"colour", written(set.colour)},
+                     {"genes", [&](JsonStream& to) {
+                          to.list(rows, [&](std::size_t row) { to.value(chart.names[row]); });
+                      }}});
+    });
 }
 
 /// The terms of the points: `list` has identifier, name and aspect of each, `genes` their places in
 /// it, and `repeated` the points of a gene that an earlier one is of. Null without any.
-std::string json_terms(const Chart& chart, std::size_t point_count) {
+void write_terms(JsonStream& json, const Chart& chart, std::size_t point_count) {
     if (chart.terms == nullptr || chart.terms->of_rows.size() != point_count) {
-        return "null";
+        json.text("null");
+        return;
     }
-    std::vector<std::string> list;
-    for (const RowTerms::Term& term : chart.terms->list) {
-        list.push_back(json_list(
-            {json_text(term.id), json_text(term.name), json_text(std::string(1, term.aspect))}));
-    }
-    std::vector<std::string> genes;
-    for (const std::vector<std::size_t>& places : chart.terms->of_rows) {
-        genes.push_back(json_list_of(places));
-    }
-    std::vector<std::string> repeated;
-    for (const auto& [row, first] : chart.terms->repeated) {
-        repeated.push_back(json_list({json_text(row), json_text(first)}));
-    }
-    return json_object({{"list", json_list(list)},
-                        {"genes", json_list(genes)},
-                        {"repeated", json_list(repeated)}});
+    const RowTerms& terms = *chart.terms;
+    const auto write_list = [&terms](JsonStream& to) {
+        to.list(terms.list, [&to](const RowTerms::Term& term) {
+            to.text(json_list({json_text(term.id),
+                               json_text(term.name),
+                               json_text(std::string(1, term.aspect))}));
+        });
+    };
+    const auto write_genes = [&terms](JsonStream& to) {
+        to.list(terms.of_rows, [&to](const std::vector<std::size_t>& places) { to.list(places); });
+    };
+    const auto write_repeated = [&terms](JsonStream& to) {
+        to.list(terms.repeated, [&to](const auto& pair) {
+            to.text(json_list({json_text(pair.first), json_text(pair.second)}));
+        });
+    };
+    json.object({{"list", write_list}, {"genes", write_genes}, {"repeated", write_repeated}});
 }
 
-std::string json_matrix(const Chart& chart, std::size_t point_count) {
+void write_matrix(JsonStream& json, const Chart& chart, std::size_t point_count) {
     if (chart.matrix == nullptr || chart.matrix->rows != point_count) {
-        return "null";
+        json.text("null");
+        return;
     }
     const QuantisedMatrix& matrix = *chart.matrix;
-    return json_object({{"columns", json_list_of(matrix.columns)},
-                        {"bits", json_text(matrix.bits)},
-                        {"lows", json_list_of(matrix.lows)},
-                        {"steps", json_list_of(matrix.steps)},
-                        {"values", '"' + base64(matrix.codes) + '"'},
-                        {"filled", '"' + base64(matrix.filled) + '"'},
-                        {"metric", json_text(chart.metric)}});
+    const auto packed = [](std::string_view bytes) -> JsonStream::Write {
+        return [bytes](JsonStream& to) { to.text('"' + base64(bytes) + '"'); };
+    };
+    json.object({{"columns", written_list(matrix.columns)},
+                 {"bits", written(matrix.bits)},
+                 {"lows", written_list(matrix.lows)},
+                 {"steps", written_list(matrix.steps)},
+                 {"values", packed(matrix.codes)},
+                 {"filled", packed(matrix.filled)},
+                 {"metric", written(chart.metric)}});
 }
 
-std::string json_parameters(const Chart& chart) {
-    std::vector<std::string> parameters;
-    for (const auto& [name, value] : chart.parameters) {
-        parameters.push_back(json_list({json_text(name), json_text(value)}));
-    }
-    return json_list(parameters);
+void write_parameters(JsonStream& json, const Chart& chart) {
+    json.list(chart.parameters, [&json](const auto& parameter) {
+        json.text(json_list({json_text(parameter.first), json_text(parameter.second)}));
+    });
 }
 
-std::string json_layout(const ChartLayout& layout) {
-    return json_object({{"margins", json_list_of(layout.margins)},
-                        {"legendWidth", json_text(layout.legend_width)},
-                        {"xTickTurn", json_text(layout.x_tick_turn)},
-                        {"yTitleTurn", json_text(layout.y_title_turn)},
-                        {"tickDecimals", json_text(layout.tick_decimals)},
-                        {"grid", json_text(layout.grid)}});
+void write_layout(JsonStream& json, const ChartLayout& layout) {
+    json.object({{"margins", written_list(layout.margins)},
+                 {"legendWidth", written(layout.legend_width)},
+                 {"xTickTurn", written(layout.x_tick_turn)},
+                 {"yTitleTurn", written(layout.y_title_turn)},
+                 {"tickDecimals", written(layout.tick_decimals)},
+                 {"grid", written(layout.grid)}});
 }
 
 /// What is known of how far the map can be trusted; null if nothing is.
-std::string json_quality(const Chart& chart, std::size_t point_count) {
+void write_quality(JsonStream& json, const Chart& chart, std::size_t point_count) {
     if (chart.trust == nullptr || chart.trust->numbers.empty()) {
-        return "null";
+        json.text("null");
+        return;
     }
-    std::vector<std::string> numbers;
-    for (const auto& [name, value, sentence] : chart.trust->numbers) {
-        numbers.push_back(json_list({json_text(name), json_text(value), json_text(sentence)}));
-    }
-    std::vector<double> kept;
-    if (chart.trust->kept.size() == point_count) {
-        for (const double share : chart.trust->kept) {
-            kept.push_back(std::round(share * 1000.0) / 1000.0);
-        }
-    }
-    return json_object({{"numbers", json_list(numbers)},
-                        {"neighbours", json_text(chart.trust->neighbours)},
-                        {"kept", json_list_of(kept)}});
+    const MapTrust& trust = *chart.trust;
+    const auto write_numbers = [&trust](JsonStream& to) {
+        to.list(trust.numbers, [&to](const auto& number) {
+            const auto& [name, value, sentence] = number;
+            to.text(json_list({json_text(name), json_text(value), json_text(sentence)}));
+        });
+    };
+    const auto write_kept = [&](JsonStream& to) {
+        const bool is_of_use = trust.kept.size() == point_count;
+        to.list(std::span(trust.kept).first(is_of_use ? point_count : 0),
+                [&to](double share) { to.value(std::round(share * 1000.0) / 1000.0); });
+    };
+    json.object({{"numbers", write_numbers},
+                 {"neighbours", written(trust.neighbours)},
+                 {"kept", write_kept}});
 }
 
-std::string json_chart(const Chart& chart) {
+void write_chart(JsonStream& json, const Chart& chart) {
     const std::size_t point_count = rows_per_pair(chart.groups, chart.x.size());
-    return json_object({{"type", "\"scatter\""},
-                        {"title", json_text(chart.title)},
-                        {"name", json_text(chart.name)},
-                        {"texts", json_list_of(chart.texts)},
-                        {"parameters", json_parameters(chart)},
-                        {"layout", json_layout(chart.layout)},
-                        {"showLabels", json_text(chart.show_labels)},
-                        {"colourScheme", json_text(chart.colour_scheme)},
-                        {"categoryOrder", json_list_of(chart.category_order)},
-                        {"colours", json_list_of(chart.colours)},
-                        {"links", json_list_of(chart.links)},
-                        {"pointCount", json_text(point_count)},
-                        {"pairs", json_pairs(chart, point_count)},
-                        {"names", json_column(chart.names, point_count)},
-                        {"functions", json_column(chart.functions, point_count)},
-                        {"genes", json_column(chart.genes, point_count)},
-                        {"terms", json_terms(chart, point_count)},
-                        {"labels", json_labels(chart, point_count)},
-                        {"labelColumns", json_label_columns(chart, point_count)},
-                        {"aliases", json_aliases(chart, point_count)},
-                        {"sets", json_sets(chart)},
-                        {"background", json_text(chart.background)},
-                        {"quality", json_quality(chart, point_count)},
-                        {"matrix", json_matrix(chart, point_count)}});
+    const auto of_points = [&](const auto& write) -> JsonStream::Write {
+        return [&chart, point_count, write](JsonStream& to) { write(to, chart, point_count); };
+    };
+    const auto of_chart = [&](const auto& write) -> JsonStream::Write {
+        return [&chart, write](JsonStream& to) { write(to, chart); };
+    };
+    json.object({{"type", [](JsonStream& to) { to.text("\"scatter\""); }},
+                 {"title", written(chart.title)},
+                 {"name", written(chart.name)},
+                 {"texts", written_list(chart.texts)},
+                 {"parameters", of_chart(&write_parameters)},
+                 {"layout", [&chart](JsonStream& to) { write_layout(to, chart.layout); }},
+                 {"showLabels", written(chart.show_labels)},
+                 {"colourScheme", written(chart.colour_scheme)},
+                 {"categoryOrder", written_list(chart.category_order)},
+                 {"colours", written_list(chart.colours)},
+                 {"links", written_list(chart.links)},
+                 {"pointCount", written(point_count)},
+                 {"pairs", of_points(&write_pairs)},
+                 {"names", column(chart.names, point_count)},
+                 {"functions", column(chart.functions, point_count)},
+                 {"genes", column(chart.genes, point_count)},
+                 {"terms", of_points(&write_terms)},
+                 {"labels", labels_of_points(chart, point_count)},
+                 {"labelColumns", of_points(&write_label_columns)},
+                 {"aliases", of_points(&write_aliases)},
+                 {"sets", of_chart(&write_sets)},
+                 {"background", written(chart.background)},
+                 {"quality", of_points(&write_quality)},
+                 {"matrix", of_points(&write_matrix)}});
+}
+
+/// Says where the map is instead.
+std::string page_without_map(const Chart& chart) {
+    const std::string title = html_text(chart.title);
+    const std::string name = html_text(chart.name);
+    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+           "style-src 'unsafe-inline'\">\n"
+           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
+           title +
+           "</title>\n<style>:root{color-scheme:light dark}body{font:1rem/1.5 sans-serif;"
+           "max-width:40em;margin:3em auto;padding:0 1em}</style>\n</head>\n<body>\n<main>\n<h1>" +
+           title + "</h1>\n<p>This map has " + std::to_string(chart.x.size()) +
+           " points, more than the " + std::to_string(kMostPagePoints) +
+           " that a page shows. They are all in the result table, " + name +
+           ".csv, and in the figure, " + name + ".svg.</p>\n</main>\n</body>\n</html>\n";
 }
 
 }  // namespace
@@ -217,12 +261,29 @@ ChartLayout chart_layout(const int* parameters) {
     return layout;
 }
 
+void write_chart_page(const Chart& chart, const TextSink& sink) {
+    if (chart.x.size() > kMostPagePoints) {
+        sink(page_without_map(chart));
+        return;
+    }
+    constexpr std::string_view kTitle = "{{page-title}}";
+    constexpr std::string_view kData = "{{chart-data}}";
+    const std::string_view page = page_template();
+    const std::size_t title = page.find(kTitle);
+    const std::size_t data = page.find(kData);
+    sink(page.substr(0, title));
+    sink(html_text(chart.title));
+    sink(page.substr(title + kTitle.size(), data - title - kTitle.size()));
+    JsonStream json(sink);
+    write_chart(json, chart);
+    json.end();
+    sink(page.substr(data + kData.size()));
+}
+
 std::string chart_page(const Chart& chart) {
-    // Pure ASCII, so that U+2028 and U+2029 are escaped too.
-    const std::string json = json_chart(chart);
-    return filled_template(
-        page_template(),
-        {{"{{page-title}}", html_text(chart.title)}, {"{{chart-data}}", json_for_script(json)}});
+    std::string page;
+    write_chart_page(chart, [&page](std::string_view piece) { page += piece; });
+    return page;
 }
 
 }  // namespace ovik

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "plots/json_stream.h"
 #include "results/gene_identifiers.h"
 #include "results/gene_set.h"
 #include "results/label_column.h"
@@ -91,8 +93,15 @@ struct Chart {
     std::span<const std::string> functions;
 };
 
-/// The chart as a page of its own, which needs nothing but itself. The same chart gives the same
-/// page.
+/// A chart of more points, over all pairs of components, is no page that browsers open well.
+inline constexpr std::size_t kMostPagePoints = 3000000;
+
+/// Writes the chart as a page of its own, which needs nothing but itself. The same chart gives the
+/// same page. The data leave as pure ASCII, piece by piece: nothing holds all of them. Of more
+/// than `kMostPagePoints`, the page says so in their place.
+void write_chart_page(const Chart& chart, const TextSink& sink);
+
+/// That page.
 std::string chart_page(const Chart& chart);
 
 }  // namespace ovik

@@ -21,6 +21,8 @@ namespace {
 
 /// In the directory of a drawing: what gnuplot says.
 constexpr const char* kMessages = "messages";
+/// And what it draws by, unless that is the script that is kept.
+constexpr const char* kScript = "script";
 
 std::string file_name_of(const std::string& path) {
     return path.substr(path.rfind('/') + 1);  // npos + 1 is 0
@@ -68,6 +70,17 @@ std::string bytes_of(const std::string& picture) {
     return {std::istreambuf_iterator<char>(from), {}};
 }
 
+/// Writes what gnuplot is to read.
+///
+/// @return whether all was written; if not, `errno` may have the reason
+bool write_bytes(const std::string& path, const std::string& bytes) {
+    errno = 0;
+    std::ofstream file(path, std::ios::binary);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    return file.good();
+}
+
 /// Writes a finished picture to its place as a whole file: links, permissions and other disks are
 /// seen to there.
 std::error_code place_picture(const std::string& bytes, const std::string& place) {
@@ -107,22 +120,34 @@ void remove_left_over_drawings(const std::string& base) {
     const std::string start = file_name_of(base) + "_";
     remove_left_over_directories(base, [&start](std::string_view name) {
         const bool is_picture = name.ends_with(".png") || name.ends_with(".svg");
-        return name == kMessages || (is_picture && name.starts_with(start));
+        return name == kMessages || name == kScript || (is_picture && name.starts_with(start));
     });
 }
 
-FigureDrawing::FigureDrawing(std::string base, PictureFinish finish)
+FigureDrawing::FigureDrawing(std::string base,
+                             PictureFinish finish,
+                             const std::optional<DrawingFiles>& files)
     : base_(std::move(base)),
       finish_(std::move(finish)),
-      directory_(base_, PartialEntry::Kind::Directory) {
+      directory_(base_, PartialEntry::Kind::Directory),
+      can_be_drawn_later_(!files || files->can_be_drawn_later) {
     if (!directory_.isOpen()) {
         failure_ = std::generic_category().message(errno);
         return;
     }
+    if (files) {
+        const std::string inside = directory_.path() + "/";
+        if (!write_bytes(inside + kScript, files->script) ||
+            !write_bytes(inside + file_name_of(base_) + "_points.png", files->points)) {
+            failure_ = std::generic_category().message(errno != 0 ? errno : EIO);
+            return;
+        }
+    }
     try {
         // -d: settings of the user's own do not change the figure.
         program_ = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"gnuplot", "-d", "../" + file_name_of(base_) + ".gp"},
+            std::vector<std::string>{
+                "gnuplot", "-d", files ? kScript : "../" + file_name_of(base_) + ".gp"},
             directory_.path(),
             directory_.path() + "/" + kMessages);
     } catch (const std::system_error& error) {
@@ -138,8 +163,8 @@ FigureOutcome FigureDrawing::complete(std::chrono::milliseconds limit) {
     if (failure.empty()) {
         return FigureOutcome::Drawn;
     }
-    tell_missing_figure(
-        base_, failure + ". Draw it later: run gnuplot on " + base_ + ".gp in its directory");
+    const std::string later = ". Draw it later: run gnuplot on " + base_ + ".gp in its directory";
+    tell_missing_figure(base_, failure + (can_be_drawn_later_ ? later : ""));
     return lacks_program_ ? FigureOutcome::ScriptOnly : FigureOutcome::Failed;
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,9 +25,18 @@ void tell_unplaced_names(const std::string& base, const std::vector<std::string>
 using PictureFinish =
     std::function<std::string(const std::string& bytes, const std::string& extension)>;
 
+/// What gnuplot draws by, in the place of the script that is kept.
+struct DrawingFiles {
+    std::string script;
+    /// Bytes of the image `stem` + "_points.png" that it takes.
+    std::string points;
+    /// Whether the script that is kept draws the figure by itself.
+    bool can_be_drawn_later = true;
+};
+
 /// Removes what killed runs left of their drawings: the directories in which gnuplot was at work
-/// beside a base, as far as they hold nothing but its messages and pictures whose names begin with
-/// that of the base and "_". See `remove_left_over_directories`.
+/// beside a base, as far as they hold nothing but its messages, its script and pictures whose names
+/// begin with that of the base and "_". See `remove_left_over_directories`.
 ///
 /// @param base  path that the names of all figures of a run begin with
 void remove_left_over_drawings(const std::string& base);
@@ -37,10 +47,13 @@ void remove_left_over_drawings(const std::string& base);
 /// stand under their final names. The object's end is the program's, too.
 class FigureDrawing {
   public:
-    /// Starts the program on `base` + ".gp". What goes wrong, but for memory, shows at `complete`.
+    /// Starts the program. What goes wrong, but for memory, shows at `complete`.
     ///
     /// @param finish  none places the pictures as the program leaves them
-    explicit FigureDrawing(std::string base, PictureFinish finish = {});
+    /// @param files   none: it draws by `base` + ".gp"
+    explicit FigureDrawing(std::string base,
+                           PictureFinish finish = {},
+                           const std::optional<DrawingFiles>& files = std::nullopt);
 
     FigureDrawing(const FigureDrawing&) = delete;
     FigureDrawing& operator=(const FigureDrawing&) = delete;
@@ -61,6 +74,7 @@ class FigureDrawing {
     PartialEntry directory_;
     /// Why the program did not start.
     std::string failure_;
+    bool can_be_drawn_later_;
     /// Whether gnuplot is not installed.
     bool lacks_program_ = false;
     /// The program, which ends before the directory is removed: it is the last member.

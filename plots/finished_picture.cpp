@@ -9,10 +9,10 @@
 #include <string_view>
 #include <utility>
 
-#include <zlib.h>
-
 #include "plots/figure_font.h"
+#include "plots/png_chunk.h"
 #include "plots/point_style.h"
+#include "util/base64.h"
 #include "util/format.h"
 
 namespace ovik {
@@ -112,6 +112,17 @@ std::string finished_line(std::string line, double pixels_per_millimetre) {
     return line;
 }
 
+/// A PNG as an element that covers as much as the ground of a picture.
+///
+/// @param ground  `<rect x="0" y="0" width="1200" height="900" fill="#ffffff"/>`
+std::string image_over(const std::string& ground, const std::string& png) {
+    const std::size_t end = std::min(ground.find(" fill="), ground.size());
+    constexpr std::string_view kRect = "<rect";
+    return "<image" + ground.substr(kRect.size(), end - kRect.size()) +
+           " preserveAspectRatio=\"none\" xlink:href=\"data:image/png;base64," + base64(png) +
+           "\"/>\n";
+}
+
 /// Takes points that follow each other in one colour together: the group has what is theirs.
 class PointGroups {
   public:
@@ -148,21 +159,15 @@ class PointGroups {
     std::string look_;
 };
 
-/// Four bytes, the highest first.
-std::string big_endian(std::uint32_t number) {
-    std::string bytes;
-    for (const unsigned shift : {24U, 16U, 8U, 0U}) {
-        bytes += static_cast<char>(number >> shift & 0xFFU);
-    }
-    return bytes;
-}
-
 }  // namespace
 
-std::string finished_svg(const std::string& svg, double pixels_per_millimetre) {
+std::string finished_svg(const std::string& svg,
+                         double pixels_per_millimetre,
+                         const std::string& points) {
     std::string result;
-    result.reserve(svg.size());
+    result.reserve(svg.size() + 2 * points.size());
     bool is_defined = false;
+    bool has_ground = false;
     PointGroups groups;
     for (std::size_t start = 0; start < svg.size();) {
         const std::size_t end = std::min(svg.find('\n', start), svg.size());
@@ -174,9 +179,12 @@ std::string finished_svg(const std::string& svg, double pixels_per_millimetre) {
         }
         // Images may be most of the file, on a line of their own.
         constexpr std::size_t kLongest = 4096;
-        groups.add(
-            result,
-            line.size() > kLongest ? line : finished_line(std::move(line), pixels_per_millimetre));
+        groups.add(result,
+                   line.size() > kLongest ? line : finished_line(line, pixels_per_millimetre));
+        if (!has_ground && line.starts_with("<rect ")) {
+            result += points.empty() ? "" : image_over(line, points);
+            has_ground = true;
+        }
     }
     return result;
 }
@@ -188,11 +196,8 @@ std::string finished_png(const std::string& png, double pixels_per_millimetre) {
         return png;
     }
     const auto per_metre = static_cast<std::uint32_t>(std::lround(1000 * pixels_per_millimetre));
-    const std::string body = "pHYs" + big_endian(per_metre) + big_endian(per_metre) + '\x01';
-    const auto sum = static_cast<std::uint32_t>(
-        crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())));
-    return png.substr(0, kHead) + big_endian(static_cast<std::uint32_t>(body.size() - 4)) + body +
-           big_endian(sum) + png.substr(kHead);
+    const std::string size = big_endian(per_metre) + big_endian(per_metre) + '\x01';
+    return png.substr(0, kHead) + png_chunk("pHYs", size) + png.substr(kHead);
 }
 
 }  // namespace ovik

@@ -9,7 +9,10 @@ namespace ovik {
 ///
 /// @param svg                    as gnuplot wrote it
 /// @param pixels_per_millimetre  0 for a picture in pixels
-std::string finished_svg(const std::string& svg, double pixels_per_millimetre);
+/// @param points                 empty, or a PNG of the whole picture, which lies beneath all else
+std::string finished_svg(const std::string& svg,
+                         double pixels_per_millimetre,
+                         const std::string& points = {});
 
 /// A PNG that tells its size on paper.
 ///

@@ -1,6 +1,7 @@
 #include "plots/gnuplot.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -8,11 +9,26 @@
 #include "plots/figure_layout.h"
 #include "plots/finished_picture.h"
 #include "plots/gnuplot_script.h"
+#include "plots/png_image.h"
+#include "plots/point_image.h"
 #include "plots/run_figure.h"
 #include "plots/table_run.h"
 #include "util/whole_file.h"
 
 namespace ovik {
+
+namespace {
+
+/// Pixels of the image in the vector picture for one of the figure: a figure on paper has 300 to an
+/// inch, one in pixels as many on the 183 mm of a page at least.
+double image_scale(const FigureLayout& layout) {
+    constexpr double kPixelsOfPage = 183.0 / 25.4 * 300.0;
+    return layout.pixels_per_millimetre > 0.0
+               ? 1.0
+               : std::clamp(kPixelsOfPage / layout.style.width, 1.0, 4.0);
+}
+
+}  // namespace
 
 template <typename T>
 Gnuplot<T>::Gnuplot() = default;
@@ -106,11 +122,20 @@ void Gnuplot<T>::draw(const std::string& base,
     }
     tell_unplaced_names(base, drawn.unplaced_names);
     const double per_millimetre = layout.pixels_per_millimetre;
+    std::optional<DrawingFiles> files;
+    std::string image;
+    if (!drawn.around_image.empty()) {
+        files = {drawn.around_image, png_of(point_image(figure, layout, 1.0)), drawn.draws_all};
+        image = png_of(point_image(figure, layout, image_scale(layout)));
+    }
     drawing_ = std::make_unique<FigureDrawing>(
-        base, [per_millimetre](const std::string& bytes, const std::string& extension) {
-            return extension == ".svg" ? finished_svg(bytes, per_millimetre)
+        base,
+        [per_millimetre, image = std::move(image)](const std::string& bytes,
+                                                   const std::string& extension) {
+            return extension == ".svg" ? finished_svg(bytes, per_millimetre, image)
                                        : finished_png(bytes, per_millimetre);
-        });
+        },
+        files);
 }
 
 template <typename T>

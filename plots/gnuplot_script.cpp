@@ -18,7 +18,10 @@ namespace ovik {
 
 namespace {
 
-/// A picture that the script draws.
+/// How a picture shows the points.
+enum class PointLayer { None, Drawn, Image };
+
+/// A picture that a script draws.
 struct Picture {
     const char* terminal;
     std::string extension;
@@ -29,8 +32,8 @@ struct Picture {
     const char* font_factor;
     /// Defines which characters of texts can be shown.
     std::string (*fonts)();
-    /// Which of points and everything else it shows.
-    bool has_points;
+    /// What it shows of the points, and whether it shows everything else.
+    PointLayer points;
     bool has_frame;
 };
 
@@ -74,41 +77,36 @@ class Script {
         }
     }
 
+    /// What draws the points, too.
     [[nodiscard]] std::string text() const {
-        const double svg = 1 / (0.375 * layout_.font);
-        constexpr double kPng = 1.0 / 3;
-        std::string script =
-            "# Draws the figure anew, as .png and .svg, into the current directory:\n"
-            "# run gnuplot on this file there.\n\n" +
-            settings_ + "\n" + pointBlocks() + "\n" + frame() +
-            draw({"pngcairo background 'white'",
-                  ".png",
-                  kPng,
-                  &PointShape::png_scale,
-                  "1.0",
-                  &gnuplot_font_search,
-                  true,
-                  true});
+        std::string script = head() + settings_ + "\n" + pointBlocks() + "\n" + frame() +
+                             draw(bitmap(".png", PointLayer::Drawn, true));
         const bool has_image = point_count_ >= kFewestImagePoints;
         if (has_image) {
-            script += draw({"pngcairo transparent",
-                            "_points.png",
-                            kPng,
-                            &PointShape::png_scale,
-                            "1.0",
-                            &gnuplot_font_search,
-                            true,
-                            false});
+            script += draw(bitmap("_points.png", PointLayer::Drawn, false));
         }
-        return script + draw({"svg standalone background 'white'",
-                              ".svg",
-                              svg,
-                              &PointShape::svg_scale,
-                              "4.0 / 3.0",
-                              &gnuplot_any_font,
-                              !has_image,
-                              true});
+        return script + draw(vectors(has_image ? PointLayer::Image : PointLayer::Drawn));
     }
+
+    /// What draws everything around the points, of which there is an image.
+    [[nodiscard]] std::string surroundings() const {
+        std::string names;
+        for (std::size_t panel = 0; panel < figure_.panels.size(); ++panel) {
+            names += nameBlocks(panel);
+        }
+        return settings_ + "\n" + names + frame() + draw(bitmap(".png", PointLayer::Image, true)) +
+               draw(vectors(PointLayer::None));
+    }
+
+    /// What says why it draws nothing.
+    [[nodiscard]] std::string refusal() const {
+        const std::string text = "This figure has " + std::to_string(point_count_) +
+                                 " points. Its script would hold them all, which is done up to " +
+                                 std::to_string(kMostScriptPoints) + ".";
+        return "# " + text + "\nexit error \"" + text + "\"\n";
+    }
+
+    [[nodiscard]] std::size_t pointCount() const { return point_count_; }
 
     [[nodiscard]] std::vector<std::string> unplacedNames() const {
         std::set<std::string> unplaced;
@@ -123,6 +121,33 @@ class Script {
     }
 
   private:
+    static std::string head() {
+        return "# Draws the figure anew, as .png and .svg, into the current directory:\n"
+               "# run gnuplot on this file there.\n\n";
+    }
+
+    static Picture bitmap(const char* extension, PointLayer points, bool has_frame) {
+        return {has_frame ? "pngcairo background 'white'" : "pngcairo transparent",
+                extension,
+                1.0 / 3,
+                &PointShape::png_scale,
+                "1.0",
+                &gnuplot_font_search,
+                points,
+                has_frame};
+    }
+
+    [[nodiscard]] Picture vectors(PointLayer points) const {
+        return {"svg standalone background 'white'",
+                ".svg",
+                1 / (0.375 * layout_.font),
+                &PointShape::svg_scale,
+                "4.0 / 3.0",
+                &gnuplot_any_font,
+                points,
+                true};
+    }
+
     [[nodiscard]] std::string pointBlocks() const;
     [[nodiscard]] std::string nameBlocks(std::size_t position) const;
     [[nodiscard]] std::string frame() const;
@@ -137,7 +162,6 @@ class Script {
     [[nodiscard]] std::string nameTexts(std::size_t position, const Picture& picture) const;
     [[nodiscard]] std::string legend(const Picture& picture) const;
     [[nodiscard]] std::string colourBar(const Picture& picture) const;
-    [[nodiscard]] std::vector<std::size_t> drawingOrder(const FigurePanel& panel) const;
 
     [[nodiscard]] std::string left(double x) const { return share(x, layout_.style.width); }
 
@@ -292,22 +316,10 @@ std::string Script::frame() const {
            (figure_.scale ? gnuplot_palette(*figure_.scale) : "");
 }
 
-/// Grey points first, then large groups, so that they do not bury small ones.
-std::vector<std::size_t> Script::drawingOrder(const FigurePanel& panel) const {
-    std::vector<std::size_t> order(panel.points.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        const bool a_is_grey = is_grey(figure_, a);
-        return a_is_grey == is_grey(figure_, b) ? panel.points[a].size() > panel.points[b].size()
-                                                : a_is_grey;
-    });
-    return order;
-}
-
 std::string Script::drawPoints(std::size_t position) const {
     const FigurePanel& panel = figure_.panels[position];
     std::string script;
-    for (const std::size_t list : drawingOrder(panel)) {
+    for (const std::size_t list : order_of_lists(figure_, position)) {
         if (panel.points[list].empty()) {
             continue;
         }
@@ -500,7 +512,7 @@ std::string Script::drawPanel(std::size_t position, const Picture& picture) cons
     }
     // Something to draw, so that a panel without points has its axes.
     script += figure_.scale ? "plot NaN with points palette notitle" : "plot NaN notitle";
-    if (picture.has_points) {
+    if (picture.points == PointLayer::Drawn) {
         script += drawPoints(position);
     }
     if (picture.has_frame) {
@@ -543,7 +555,7 @@ std::string Script::draw(const Picture& picture) const {
     script += "set multiplot\n";
     if (!picture.has_frame) {
         script += "unset border\n";
-    } else if (!picture.has_points) {
+    } else if (picture.points == PointLayer::Image) {
         script += drawImage();
     }
     return script + panels + "unset multiplot\nunset output\n" +
@@ -568,7 +580,12 @@ GnuplotScript gnuplot_script(const Figure& figure,
                              const std::string& settings,
                              const FigureLayout& layout) {
     const Script script(figure, settings, layout);
-    return {script.text(), script.unplacedNames()};
+    const std::size_t points = script.pointCount();
+    const bool draws_all = points <= kMostScriptPoints;
+    return {draws_all ? script.text() : script.refusal(),
+            draws_all,
+            points >= kFewestImagePoints ? script.surroundings() : "",
+            script.unplacedNames()};
 }
 
 }  // namespace ovik

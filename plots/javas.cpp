@@ -1,6 +1,7 @@
 #include "plots/javas.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 #include <utility>
 
@@ -103,6 +104,8 @@ void Javas<T>::plotting(std::string type,
     chart.colours = std::move(colours);
     chart.links = without_empty(std::move(links));
     chart.labels = std::move(labels);
+    chart.x.reserve(static_cast<std::size_t>(std::max(rows, 0)));
+    chart.y.reserve(chart.x.capacity());
     for (int row = 0; row < rows; ++row) {
         chart.x.push_back(static_cast<double>(coordinates[row][0]));
         chart.y.push_back(static_cast<double>(coordinates[row][1]));
@@ -120,7 +123,11 @@ void Javas<T>::plotting(std::string type,
             show_rows(chart, table->run());
         }
     }
-    failure_ = write_whole_text(base_name + ".html", chart_page(chart));
+    failure_ = write_whole_file(base_name + ".html", [&chart](std::FILE* file) {
+        write_chart_page(chart, [file](std::string_view piece) {
+            std::fwrite(piece.data(), 1, piece.size(), file);
+        });
+    });
 }
 
 template class Javas<float>;

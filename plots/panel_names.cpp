@@ -2,12 +2,24 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "plots/point_style.h"
 #include "plots/text_width.h"
 #include "util/plain_text.h"
 
 namespace ovik {
+
+std::vector<std::size_t> order_of_lists(const Figure& figure, std::size_t panel) {
+    const auto& lists = figure.panels[panel].points;
+    std::vector<std::size_t> order(lists.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        const bool a_is_grey = is_grey(figure, a);
+        return a_is_grey == is_grey(figure, b) ? lists[a].size() > lists[b].size() : a_is_grey;
+    });
+    return order;
+}
 
 double radius_of(const Figure& figure, const FigureLayout& layout, std::size_t panel, bool grey) {
     const auto& lists = figure.panels[panel].points;

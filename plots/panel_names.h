@@ -13,6 +13,10 @@ namespace ovik {
 /// Pixels of a text for which widths of lines and least radii are given.
 constexpr double kUsualFont = 28.0;
 
+/// The lists of a panel in the order in which they are drawn: grey points first, then large groups,
+/// so that they do not bury small ones.
+std::vector<std::size_t> order_of_lists(const Figure& figure, std::size_t panel);
+
 /// The radius in pixels of the points of a panel: the more points, the smaller. Grey ones do not
 /// count for others.
 ///

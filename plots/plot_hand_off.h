@@ -11,6 +11,7 @@
 #include "plots/plot_columns.h"
 #include "plots/plot_outcome.h"
 #include "plots/plotted_run.h"
+#include "util/stage.h"
 
 /// The last step of a run: its embedding goes to the chart page and to the figure.
 
@@ -31,6 +32,7 @@ struct PlotNames {
 /// @param coordinates  of all rows of the run; released after the page
 /// @param columns      of the same coordinates
 /// @param run          what else there is to show; its coordinates are those of the columns
+/// @param on_stage     told when page and figure begin, and when the figure is there; may be empty
 /// @tparam Chart, Figure  the plotting classes
 template <typename T,
           template <typename> class Chart = Javas,
@@ -38,7 +40,8 @@ template <typename T,
 PlotOutcome hand_to_plots(const PlotNames& names,
                           std::vector<std::array<T, 2>> coordinates,
                           const PlotColumns<T>& columns,
-                          PlottedRun<T> run) {
+                          PlottedRun<T> run,
+                          const OnStage& on_stage = {}) {
     run.x = columns.x;
     run.y = columns.y;
     std::vector<T*> rows;
@@ -46,6 +49,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
     for (std::array<T, 2>& row : coordinates) {
         rows.push_back(row.data());
     }
+    tell(on_stage, Stage::Page, 0, 0);
     Chart<T> chart(names.out_dir, names.out_name);
     chart.set_param(static_cast<int>(rows.size()), 2, nullptr);
     chart.set_postfix(names.stem);
@@ -63,6 +67,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
     coordinates = {};
     rows = {};
 
+    tell(on_stage, Stage::Figure, 0, 0);
     Figure<T> figure;
     figure.open(false);
     std::string style;
@@ -87,6 +92,7 @@ PlotOutcome hand_to_plots(const PlotNames& names,
                     {2, 3},
                     {});
     figure.close();
+    tell(on_stage, Stage::Figure, 1, 1);
     return {chart.failure(), figure.outcome()};
 }
 

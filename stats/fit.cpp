@@ -1,6 +1,7 @@
 #include "stats/fit.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <ctime>
 #include <memory>
 #include <optional>
@@ -64,6 +65,7 @@ std::optional<PrincipalComponents> reduced_columns(MatrixView<const double> X,
     if (count > std::min(X.rows, X.columns)) {
         throw std::invalid_argument("there are fewer rows or columns than principal components");
     }
+    tell(hooks.on_stage, Stage::Components, 0, 0);
     PrincipalComponents components = principal_components(X, count);
     report.variance_kept = components.varianceKept();
     if (hooks.on_components) {
@@ -137,11 +139,17 @@ class Rows {
 };
 
 /// Iterates until the last iteration, or until a hook ends the fit.
-void iterate(Optimisation& optimisation, const FitHooks& hooks, FitReport& report) {
+void iterate(Optimisation& optimisation, int max_iter, const FitHooks& hooks, FitReport& report) {
     bool goes_on = true;
+    const auto count = static_cast<std::uint64_t>(std::max(max_iter, -1) + 1);
     while (goes_on && !optimisation.isDone()) {
         optimisation.iterate();
-        report.costs.push_back(optimisation.state().reached.cost);
+        const IterationReport& reached = optimisation.state().reached;
+        report.costs.push_back(reached.cost);
+        tell(hooks.on_stage,
+             Stage::Iterations,
+             reached.isLast() ? count : static_cast<std::uint64_t>(reached.iteration) + 1,
+             count);
         goes_on = !hooks.on_iteration || hooks.on_iteration(optimisation.state());
     }
 }
@@ -176,7 +184,8 @@ FitReport fit_into(MatrixView<double> Y,
                                                         hooks.on_note,
                                                         hooks.cached_neighbours,
                                                         has_graph ? &report.neighbours : nullptr,
-                                                        stream});
+                                                        stream,
+                                                        hooks.on_stage});
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options, X.rows);
@@ -194,7 +203,7 @@ FitReport fit_into(MatrixView<double> Y,
     if (hooks.resumed_state != nullptr) {
         optimisation.resume(*hooks.resumed_state);
     }
-    iterate(optimisation, hooks, report);
+    iterate(optimisation, options.max_iter, hooks, report);
     report.reached = optimisation.state().reached;
     report.final_cost = optimisation.finalCost();
     report.fitting_clock = std::clock() - fitting_start;

@@ -15,6 +15,7 @@
 #include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -28,6 +29,8 @@ struct FitHooks {
     FitNotes on_note = {};
     /// Takes the message about the joint affinities, once they are there.
     std::function<void(const std::string& message)> on_similarities = {};
+    /// Takes how far the stages of the fit are.
+    OnStage on_stage = {};
     /// Called after each iteration; false ends the fit there. An exception ends it, too, and leaves
     /// `fit`.
     std::function<bool(const FitState&)> on_iteration = {};

@@ -28,6 +28,7 @@ bool holds_distances(const FitOptions& options) {
 }
 
 std::unique_ptr<Objective> make_exact(const MethodInput& input) {
+    tell(input.on_stage, Stage::Affinities, 0, 0);
     DenseAffinities affinities = &dense_conditional_affinities;
     if (holds_distances(input.options)) {
         affinities = &dense_affinities_of_distances;
@@ -60,6 +61,7 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     SparseMatrix P;
     {
         const SparseMatrix conditional = sparse_affinities(input);
+        tell(input.on_stage, Stage::Affinities, 0, 0);
         P = symmetrized(conditional.view(), N);
     }
     divide_by_sum(P.val_P.get(), P.row_P[N]);

@@ -15,6 +15,7 @@
 #include "stats/sparse_affinities.h"
 #include "util/matrix_view.h"
 #include "util/random_stream.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -32,10 +33,12 @@ struct MethodInput {
     NeighbourGraph* graph = nullptr;
     /// Seeded; methods that search for neighbours draw from it first, and the random start then.
     RandomStream& random = process_random_stream();
+    /// Takes how far neighbours and affinities are.
+    OnStage on_stage = {};
 
     /// What a search for neighbours takes of it.
     [[nodiscard]] NeighbourHooks neighbourHooks() const {
-        return {notes, cached_neighbours, graph, &random};
+        return {notes, cached_neighbours, graph, &random, on_stage};
     }
 };
 

@@ -12,6 +12,7 @@
 #include "results/gene_set.h"
 #include "results/label_column.h"
 #include "results/map_trust.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -54,6 +55,8 @@ struct ResultSettings {
     bool draw_plots = true;
     /// How large the figure is and what it shows besides; none: 1200 x 1200 pixels.
     std::optional<FigureOptions> figure = {};
+    /// Told which result is being written; may be empty.
+    OnStage on_stage = {};
 };
 
 /// What became of the results of a run.

@@ -37,6 +37,7 @@ WrittenResults write_results(ResultSettings settings,
                              const EndedRun& run,
                              const std::function<void(ResultSettings&)>& before_plots) {
     const std::string stem = result_stem(run.options, settings.out_suffix);
+    tell(settings.on_stage, Stage::Table, 0, 0);
     auto table = table_of<T>(settings, run);
     const PlotColumns<T> columns(table.coordinates);
     remove_left_over_files(out_base);
@@ -45,10 +46,12 @@ WrittenResults write_results(ResultSettings settings,
     written.table_failure = write_result_table(out_base + "_" + stem + ".csv", table);
     written.log_failure =
         append_run_log(out_base, settings.data_title, neighbourhood_text(run.options, 1), stem);
+    tell(settings.on_stage, Stage::Table, 1, 1);
     if (before_plots) {
         before_plots(settings);
     }
     if (settings.draw_plots) {
+        tell(settings.on_stage, Stage::Page, 0, 0);
         auto parameters = caption_parameters(run.options,
                                              run.embedding.rows,
                                              run.input_columns,
@@ -83,7 +86,8 @@ WrittenResults write_results(ResultSettings settings,
             hand_to_plots<T>({settings.out_dir, settings.out_name, out_base + "_" + stem, stem},
                              std::move(table.coordinates),
                              columns,
-                             plotted);
+                             plotted,
+                             settings.on_stage);
     }
     return written;
 }

@@ -50,6 +50,7 @@ class SeedFits {
         FitHooks hooks = hooks_;
         hooks.on_note = {};
         hooks.on_similarities = {};
+        hooks.on_stage = {};
         hooks.on_components = {};
         run(number, {values.data(), X_.rows, X_.columns}, hooks);
     }

@@ -317,9 +317,11 @@ SparseMatrix conditional_affinities(MatrixView<const double> points,
         hooks.cached != nullptr ? hooks.cached->workerCount() : own_search->workerCount(),
         matrix,
         hooks.graph);
-    const auto fill = [&filler](std::size_t n,
-                                std::span<const NearRow> nearest,
-                                std::size_t worker) { filler.fill(n, nearest, worker); };
+    StageCount count(hooks.on_stage, Stage::Neighbours, N);
+    const auto fill = [&](std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
+        filler.fill(n, nearest, worker);
+        count.step();
+    };
     if (hooks.cached != nullptr) {
         hooks.cached->findAll(points.values, row_length + 1, fill, own_search.get());
     } else {

@@ -6,6 +6,7 @@
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -25,6 +26,8 @@ struct NeighbourHooks {
     NeighbourGraph* graph = nullptr;
     /// Null for the process-wide `rand`, else where the tree of the search is drawn from.
     RandomStream* random = nullptr;
+    /// Takes for how many rows neighbours and affinities are there.
+    OnStage on_stage = {};
 };
 
 /// Conditional affinities of every point to its nearest neighbours, each row calibrated to a

@@ -22,6 +22,7 @@
 #include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -108,6 +109,8 @@ class TSNE {
     /// those of a run whose last iteration it was. An exception leaves `actuate` without results.
     /// It changes no number. Empty: nothing is called.
     std::function<bool(const IterationReport&)> on_iteration;
+    /// Takes how far the stages of `actuate` are; see `OnStage`. Empty: nothing is called.
+    OnStage on_stage;
     /// The file to which `actuate` saves the state of the fit, whole or not at all, and which
     /// replaces an earlier one: see results/checkpoint.h. Empty: none.
     std::string checkpoint_path;

@@ -102,6 +102,20 @@ class SeedProgress {
     std::int64_t last_;
 };
 
+/// How many iterations are done with this one.
+std::uint64_t count_of(int iteration) {
+    return static_cast<std::uint64_t>(std::int64_t{iteration} + 1);
+}
+
+/// Stages without the iterations, which those of several fits are counted by.
+OnStage without_iterations(const OnStage& on_stage) {
+    return [&on_stage](Stage stage, std::uint64_t done, std::uint64_t total) {
+        if (stage != Stage::Iterations) {
+            tell(on_stage, stage, done, total);
+        }
+    };
+}
+
 FitSnapshot snapshot_of(const FitState& state) {
     return {state.reached.iteration,
             state.reached.cost,
@@ -288,6 +302,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     SeedProgress progress(seeds, options.max_iter);
     FitHooks hooks;
     hooks.on_note = console_notes(options);
+    hooks.on_stage = seeds > 1 ? without_iterations(on_stage) : on_stage;
     hooks.on_similarities = [&](const std::string& message) {
         print_info(message);
         if (resumed) {
@@ -298,7 +313,11 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.on_iteration = [&](const FitState& state) {
         // The fit has taken its arrays over.
         resumed.reset();
-        print_progress<T>(seeds > 1 ? progress.step(state.reached) : state.reached);
+        const IterationReport shown = seeds > 1 ? progress.step(state.reached) : state.reached;
+        print_progress<T>(shown);
+        if (seeds > 1) {
+            tell(on_stage, Stage::Iterations, count_of(shown.iteration), count_of(shown.max_iter));
+        }
         const bool goes_on = !on_iteration || on_iteration(state.reached);
         if (state.reached.finite) {
             keeper.keep(snapshot_of(state), !goes_on || state.isLast());
@@ -387,7 +406,8 @@ void TSNE<T>::writeResults(const FitOptions& options,
          .trust = trust,
          .matrix = page_matrix,
          .draw_plots = draw_plots,
-         .figure = figure},
+         .figure = figure,
+         .on_stage = on_stage},
         out_base,
         {{Y, static_cast<std::size_t>(N), static_cast<std::size_t>(options.out_dims)},
          currentNames(),

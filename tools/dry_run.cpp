@@ -11,6 +11,7 @@
 #include "util/counted.h"
 #include "util/format.h"
 
+#include "tools/many_rows.h"
 #include "tools/memory_check.h"
 #include "tools/result_paths.h"
 
@@ -51,6 +52,9 @@ void print_plan(const Options& options,
                (std::isfinite(available.bytes)
                     ? "; " + memory_text(available.bytes) + " are left " + available.limit
                     : ""));
+    for (const std::string& line : left_out_of_plots(options, size.rows)) {
+        print_info(line);
+    }
     print_info("Files:");
     print_file(options.out_dir + options.name + ".log", " (appended to)");
     for (const std::string& path : result_files(options, perplexities)) {

@@ -64,6 +64,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.resume_path = options.resume;
     tsne.start_places = std::move(input.start_places);
     tsne.cached_neighbours = std::move(input.neighbours);
+    tsne.on_stage = options.on_stage;
     tsne.seeds = options.seeds;
     tsne.seeds_at_once = options.seeds_at_once;
     if (!options.neighbours_file.empty()) {
@@ -126,11 +127,13 @@ LookFailures look_at_map(TSNE<T>& tsne,
     LookFailures failures;
     std::optional<RowClusters> clusters;
     if (options.clusters) {
+        tell(options.on_stage, Stage::Clusters, 0, 0);
         failures.clusters = failure_of(
             [&] { clusters = add_clusters(tsne, options, report, label_columns, record); });
     }
     std::vector<NeighbourhoodQuality> quality;
     if (options.quality) {
+        tell(options.on_stage, Stage::Quality, 0, 0);
         failures.quality =
             failure_of([&] { quality = report_map_quality(tsne, options.fit.out_dims); });
     }

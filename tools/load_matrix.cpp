@@ -37,6 +37,7 @@ std::string spelled(const std::string& option, const std::string& value) {
 LoadOptions load_options(const Options& options) {
     LoadOptions load = options.load;
     load.is_gene = [](const std::string& name) { return find_gene(name) != nullptr; };
+    load.on_stage = options.on_stage;
     load.spell = spelled;
     load.holds_distances = options.fit.metric == MetricKind::Precomputed;
     load.learns_columns = !options.model.empty();

@@ -110,6 +110,8 @@ struct Options {
     /// Most of these fits that run side by side; 0 for as many as there are threads. Not of the
     /// command line: settled by the memory that there is.
     std::size_t seeds_at_once = 0;
+    /// Takes how far the run is; no option, but what shows it.
+    OnStage on_stage = {};
     /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.

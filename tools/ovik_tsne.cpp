@@ -34,12 +34,14 @@
 #include "tools/interruption.h"
 #include "tools/label_join.h"
 #include "tools/load_matrix.h"
+#include "tools/many_rows.h"
 #include "tools/memory_check.h"
 #include "tools/neighbour_file.h"
 #include "tools/onto_run.h"
 #include "tools/options.h"
 #include "tools/page_matrix.h"
 #include "tools/perplexity_sweep.h"
+#include "tools/progress_display.h"
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
@@ -122,6 +124,8 @@ ExitStatus embed(Options options, RunReport report) {
     check_places(options);
     std::optional<ConsoleSilence> silence;
     settle_manner(options, silence);
+    ProgressDisplay display(!options.quiet);
+    options.on_stage = display.onStage();
     if (!options.checkpoint.empty() && is_written_in_place(options.checkpoint)) {
         tell_of_writing_in_place(options.checkpoint);
     }
@@ -156,6 +160,9 @@ ExitStatus embed(Options options, RunReport report) {
     }
     if (options.dry_run) {
         return Success;
+    }
+    for (const std::string& line : left_out_of_plots(options, matrix.rows)) {
+        print_info(line);
     }
     if (!options.model.empty()) {
         prepare_place(options.model);

@@ -7,6 +7,7 @@
 #include <new>
 #include <unistd.h>
 
+#include "util/console.h"
 #include "util/line_blocks.h"
 #include "util/plain_text.h"
 
@@ -34,6 +35,7 @@ void reserve_standard_streams() {
 }
 
 void complain(std::string_view message) {
+    clear_place();
     std::fputs("ovik-tsne: ", stderr);
     for_each_line(message, [](std::string_view line) {
         try {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -29,9 +30,25 @@ class ConsoleSilence {
     bool was_silent_;
 };
 
+/// Called before anything is printed, by whoever has to clear the place for it; null for nobody. It
+/// throws nothing and prints nothing by what follows here.
+OVIK_API inline std::atomic<void (*)()> before_printing = nullptr;
+
+/// How many columns of the cursor's line on standard output are in use, as far as these functions
+/// printed them: those of the progress bar, which leaves the cursor behind it.
+OVIK_API inline std::atomic<unsigned> columns_in_use = 0;
+
+/// To be called before anything is printed.
+static inline void clear_place() {
+    if (void (*const clear)() = before_printing.load()) {
+        clear();
+    }
+}
+
 /// Prints a remark on standard error, as it stands.
 static inline void print_remark(const char* text) {
     if (!console_is_silent) {
+        clear_place();
         std::fputs(text, stderr);
     }
 }
@@ -46,6 +63,7 @@ static inline int print_text(std::string message, int colour = -1, char end = '\
     if (console_is_silent) {
         return static_cast<unsigned char>(end);
     }
+    clear_place();
     if (colour >= 1 && colour <= 4) {
         std::printf("-- \x1b[%dm%s\x1b[0m", 30 + colour, message.c_str());
     } else {
@@ -65,6 +83,7 @@ static inline void print_info(std::string message, int /*reserved*/ = -1, char e
 ///
 /// @param failure  the sentence up to the path, such as "I cannot open file"
 static inline void print_file_error(const char* failure, const std::string& path) {
+    clear_place();
     std::printf("\n-- \033[1;31m");
     std::printf("Error: %s: %s\n", failure, path.c_str());
     std::puts("\033[0m");
@@ -92,6 +111,7 @@ static inline void progress_bar(std::string message,
     if (console_is_silent) {
         return;
     }
+    clear_place();
     static const std::string progress_bar_ = "===========================";
     std::fflush(stdout);
     const int width = static_cast<int>(progress_bar_.size());
@@ -102,34 +122,39 @@ static inline void progress_bar(std::string message,
     const int filled = std::isfinite(filled_width) ? static_cast<int>(filled_width) : 0;
     const int empty = width - filled;
     const double percent = static_cast<double>(fraction * static_cast<T>(100));
+    int printed = 0;
     if (unit.empty()) {
-        std::printf("\r-- %s (%d/%d) [%.*s%*s] %.2f%% completed ",
-                    message.c_str(),
-                    current,
-                    total,
-                    filled,
-                    progress_bar_.c_str(),
-                    empty,
-                    "",
-                    percent);
+        printed = std::printf("\r-- %s (%d/%d) [%.*s%*s] %.2f%% completed ",
+                              message.c_str(),
+                              current,
+                              total,
+                              filled,
+                              progress_bar_.c_str(),
+                              empty,
+                              "",
+                              percent);
     } else {
-        std::printf("\r-- %s (%d/%d %s) [%.*s%*s] %.2f%% completed ",
-                    message.c_str(),
-                    current,
-                    total,
-                    unit.c_str(),
-                    filled,
-                    progress_bar_.c_str(),
-                    empty,
-                    "",
-                    percent);
+        printed = std::printf("\r-- %s (%d/%d %s) [%.*s%*s] %.2f%% completed ",
+                              message.c_str(),
+                              current,
+                              total,
+                              unit.c_str(),
+                              filled,
+                              progress_bar_.c_str(),
+                              empty,
+                              "",
+                              percent);
     }
+    // Without the return to the start of the line.
+    columns_in_use = printed > 1 ? static_cast<unsigned>(printed) - 1U : 0U;
     std::fflush(stdout);
 }
 
 /// Ends the line of the progress bar, after its last call.
 static inline void end_progress_bar() {
     if (!console_is_silent) {
+        clear_place();
+        columns_in_use = 0;
         std::putchar('\n');
     }
 }

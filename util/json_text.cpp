@@ -1,5 +1,6 @@
 #include "util/json_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -21,30 +22,76 @@ std::string json_object_of(const Members& members) {
     return object + "}";
 }
 
+/// Whether a text is printable ASCII without what JSON writes otherwise.
+bool needs_no_escapes(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return c >= ' ' && c <= '~' && c != '"' && c != '\\';
+    });
+}
+
+template <typename T>
+void append_number(std::string& json, T number) {
+    char text[32];
+    json.append(text, std::to_chars(text, text + sizeof text, number).ptr);
+}
+
+template <typename T>
+std::string text_of(const T& value) {
+    std::string json;
+    append_json(json, value);
+    return json;
+}
+
 }  // namespace
 
+void append_json(std::string& json, const std::string& text) {
+    if (needs_no_escapes(text)) {
+        json += '"';
+        json += text;
+        json += '"';
+    } else {
+        json += nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+    }
+}
+
+void append_json(std::string& json, double number) {
+    if (std::isfinite(number)) {
+        append_number(json, number);
+    } else {
+        json += "null";
+    }
+}
+
+void append_json(std::string& json, int number) {
+    append_number(json, number);
+}
+
+void append_json(std::string& json, std::size_t number) {
+    append_number(json, number);
+}
+
+void append_json(std::string& json, bool value) {
+    json += value ? "true" : "false";
+}
+
 std::string json_text(const std::string& text) {
-    return nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+    return text_of(text);
 }
 
 std::string json_text(double number) {
-    if (!std::isfinite(number)) {
-        return "null";
-    }
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, number).ptr};
+    return text_of(number);
 }
 
 std::string json_text(int number) {
-    return std::to_string(number);
+    return text_of(number);
 }
 
 std::string json_text(std::size_t number) {
-    return std::to_string(number);
+    return text_of(number);
 }
 
 std::string json_text(bool value) {
-    return value ? "true" : "false";
+    return text_of(value);
 }
 
 std::string json_list(const std::vector<std::string>& elements) {

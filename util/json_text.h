@@ -33,13 +33,20 @@ std::string json_object(std::initializer_list<std::pair<std::string_view, std::s
 /// The same for members in a list of their own.
 std::string json_object(const std::vector<std::pair<std::string, std::string>>& members);
 
+/// Appends what `json_text` gives.
+void append_json(std::string& json, const std::string& text);
+void append_json(std::string& json, double number);
+void append_json(std::string& json, int number);
+void append_json(std::string& json, std::size_t number);
+void append_json(std::string& json, bool value);
+
 /// A list of values that `json_text` takes.
 template <typename Iterator>
 std::string json_list_of(Iterator first, Iterator last) {
     std::string list = "[";
     for (Iterator value = first; value != last; ++value) {
         list += value == first ? "" : ",";
-        list += json_text(*value);
+        append_json(list, *value);
     }
     return list + "]";
 }

@@ -130,6 +130,20 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
 }
 
+TEST(ChartPageData, OfTooManyPointsIsASentence) {
+    Chart chart;
+    chart.title = "<b>Cells</b>";
+    chart.name = "cells_tsne";
+    chart.x.resize(kMostPagePoints + 1);
+    chart.y.resize(kMostPagePoints + 1);
+    const std::string page = chart_page(chart);
+    EXPECT_THAT(page,
+                HasSubstr("<h1>&lt;b&gt;Cells&lt;/b&gt;</h1>\n<p>This map has 3000001 points, "));
+    EXPECT_THAT(page, HasSubstr("cells_tsne.csv"));
+    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+    EXPECT_LT(page.size(), 2000U);
+}
+
 TEST(ChartPageEscapes, EveryTextForWhereItLands) {
     const std::string hostile = "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xFF\n";
     Chart chart;

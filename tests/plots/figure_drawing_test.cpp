@@ -33,7 +33,7 @@ class Drawing : public testing::Test {
         test::write_program(programs, "gnuplot", program);
         const test::PathVariable path(programs.prefix());
         testing::internal::CaptureStderr();
-        const FigureOutcome outcome = FigureDrawing(base_).complete(kPlenty);
+        const FigureOutcome outcome = FigureDrawing(base_, {}, files_).complete(kPlenty);
         said_ = testing::internal::GetCapturedStderr();
         return outcome;
     }
@@ -41,6 +41,7 @@ class Drawing : public testing::Test {
     test::TemporaryDirectory directory_;
     std::string base_ = directory_.file("y_tsne");
     std::string said_;
+    std::optional<DrawingFiles> files_;
 };
 
 TEST_F(Drawing, PutsPicturesInTheirPlacesAndLeavesNothingElse) {
@@ -57,6 +58,23 @@ TEST_F(Drawing, IsGivenTheScriptFromWithinItsOwnDirectory) {
                    kDraws),
               FigureOutcome::Drawn)
         << said_;
+}
+
+TEST_F(Drawing, DrawsByAScriptAndAnImageOfItsOwn) {
+    files_ = {"around", "image", true};
+    EXPECT_EQ(
+        draw(std::string("[ \"$*\" = '-d script' ] && [ \"$(cat script)\" = around ] || exit 9\n"
+                         "[ \"$(cat y_tsne_points.png)\" = image ] || exit 8\n") +
+             kDraws),
+        FigureOutcome::Drawn)
+        << said_;
+    EXPECT_EQ(directory_.entryCount(), 3U);
+}
+
+TEST_F(Drawing, PromisesNoScriptWhereNoneDraws) {
+    files_ = {"around", "image", false};
+    EXPECT_EQ(draw("exit 3"), FigureOutcome::Failed);
+    EXPECT_EQ(said_, "Figure " + base_ + ".png was not drawn: gnuplot ended with status 3: .\n");
 }
 
 TEST_F(Drawing, TellsOfAPictureThatCannotBePlaced) {
@@ -81,7 +99,7 @@ constexpr const char* kLeftOver = ".ovik-99999999-1.part";
 TEST(LeftOverDrawings, AreRemovedWithWhatGnuplotMakes) {
     const test::TemporaryDirectory directory;
     std::filesystem::create_directory(directory.file(kLeftOver));
-    for (const char* name : {"messages", "y_tsne_20_0.png", "y_tsne_20_0.svg"}) {
+    for (const char* name : {"messages", "script", "y_tsne_20_0.png", "y_tsne_20_0.svg"}) {
         directory.write(std::string(kLeftOver) + "/" + name, "half");
     }
     std::filesystem::create_directory(directory.file(".ovik-99999999-2.part"));

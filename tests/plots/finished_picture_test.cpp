@@ -50,6 +50,19 @@ TEST(FinishedSvg, HasThePagesShapes) {
     EXPECT_THAT(svg, Not(HasSubstr("fill='x'")));
 }
 
+TEST(FinishedSvg, HasAnImageOfThePointsOnItsGroundAlone) {
+    const std::string svg =
+        "<rect x=\"0\" y=\"0\" width=\"12\" height=\"9\" fill=\"#ffffff\"/>\n<defs>\n</defs>\n"
+        "<rect x=\"1\"/>\n";
+    EXPECT_THAT(finished_svg(svg, 0, "abc"),
+                testing::StartsWith(
+                    "<rect x=\"0\" y=\"0\" width=\"12\" height=\"9\" fill=\"#ffffff\"/>\n"
+                    "<image x=\"0\" y=\"0\" width=\"12\" height=\"9\" preserveAspectRatio=\"none\" "
+                    "xlink:href=\"data:image/png;base64,YWJj\"/>\n<style>"));
+    EXPECT_THAT(finished_svg(svg, 0, "abc"), testing::EndsWith("<rect x=\"1\"/>\n"));
+    EXPECT_THAT(finished_svg(svg, 0), Not(HasSubstr("<image")));
+}
+
 TEST(FinishedSvg, TellsItsSizeOnPaper) {
     EXPECT_THAT(finished_svg(kSvg, 0), HasSubstr(" width=\"1051\" height=\"709\"\n"));
     EXPECT_THAT(finished_svg(kSvg, 300 / 25.4),

@@ -155,6 +155,34 @@ TEST(GnuplotScript, MakesAnImageOfVeryManyPoints) {
     EXPECT_EQ(script.find("$panel1_label1 using", svg), std::string::npos);
 }
 
+GnuplotScript scripts_of(const Figure& figure) {
+    const FigureStyle style;
+    return gnuplot_script(figure, figure_settings(style), layout_in_style(figure, style));
+}
+
+TEST(GnuplotScript, DrawsAroundTheImageOfVeryManyPoints) {
+    Figure figure = figure_with_panels(1);
+    figure.panels[0].points[0].resize(kFewestImagePoints - 1);
+    EXPECT_EQ(scripts_of(figure).around_image, "");
+    figure.panels[0].points[0].resize(kFewestImagePoints);
+    const std::string script = scripts_of(figure).around_image;
+    const std::size_t image = script.find("plot './f_points.png' binary");
+    EXPECT_LT(image, script.find("set output './f.svg'"));
+    EXPECT_EQ(script.find("plot './f_points.png' binary", image + 1), std::string::npos);
+    EXPECT_THAT(script, Not(HasSubstr("$panel1_label1")));
+    EXPECT_THAT(script, Not(HasSubstr("set output './f_points.png'")));
+}
+
+TEST(GnuplotScript, OfMillionsOfPointsSaysThatItHasNone) {
+    Figure figure = figure_with_panels(1);
+    figure.panels[0].points[0].resize(kMostScriptPoints + 1);
+    const GnuplotScript script = scripts_of(figure);
+    EXPECT_FALSE(script.draws_all);
+    EXPECT_THAT(script.text, HasSubstr("exit error \"This figure has 1000001 points. "));
+    EXPECT_THAT(script.text, Not(HasSubstr("END_OF_POINTS")));
+    EXPECT_THAT(script.around_image, HasSubstr("set output './f.svg'"));
+}
+
 TEST(GnuplotScript, CentresWholeNumbersBetweenTheirBounds) {
     Figure figure = figure_with_panels(1);
     figure.bounds = {0, 1, 0, 1};

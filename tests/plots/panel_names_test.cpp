@@ -15,6 +15,13 @@ Figure figure_of_points(std::size_t count) {
     return figure;
 }
 
+TEST(OrderOfLists, HasGreyPointsAndThenLargeGroupsFirst) {
+    Figure figure = figure_of_points(1);
+    figure.labels = {"a", "b", "c", "other"};
+    figure.panels[0].points = {{{1, 1}}, {{1, 1}, {2, 2}}, {{3, 3}}, {}};
+    EXPECT_EQ(order_of_lists(figure, 0), (std::vector<std::size_t>{3, 1, 0, 2}));
+}
+
 TEST(RadiusOf, IsSmallerForMorePoints) {
     const Figure few = figure_of_points(10);
     const Figure many = figure_of_points(9000);

@@ -53,6 +53,16 @@ TEST(PrintPlan, TellsSizeMethodMemoryAndFiles) {
     EXPECT_EQ(directory.entryCount(), 0U);
 }
 
+TEST(PrintPlan, TellsWhatPageAndFigureLack) {
+    const test::TemporaryDirectory directory;
+    Options options;
+    options.out_dir = directory.prefix();
+    options.name = "cells";
+    const RunSize size{.rows = 10'000'000, .columns = 50, .options = options.fit};
+    EXPECT_THAT(plan(options, {30.0}, size, kUnknown),
+                HasSubstr("\n-- Chart page: without the map, which has 10000000 points, "));
+}
+
 TEST(PrintPlan, TellsWhatBecomesOfFilesThatAreThere) {
     const test::TemporaryDirectory directory;
     Options options;
