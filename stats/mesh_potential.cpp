@@ -41,14 +41,16 @@ void MeshPotential::lay(std::size_t rows,
                         std::size_t columns,
                         double cells_per_unit,
                         double scale) {
+    const std::size_t lanes_before = transforms_.lanes;
     transforms_ = mesh_transforms(instruction_set());
     shape_.rows = rows;
     shape_.stride = rounded_up(columns + kSplineRow - kSplineOrder, kFieldGroup);
     shape_.columns = shape_.stride;
     const std::size_t padded_rows = padded_length(shape_.rows);
     const std::size_t padded_columns = padded_length(shape_.columns);
-    const bool is_same_plan =
-        padded_rows == shape_.padded_rows && padded_columns == padded_columns_;
+    const bool is_same_plan = padded_rows == shape_.padded_rows &&
+                              padded_columns == padded_columns_ &&
+                              transforms_.lanes == lanes_before;
     if (is_same_plan && cells_per_unit == cells_per_unit_ && scale == scale_) {
         return;
     }
