@@ -8,6 +8,18 @@
 
 namespace ovik {
 
+/// How the forces among the points of a map are computed.
+enum class MethodKind {
+    /// As theta says: 0 for the exact method, else Barnes-Hut.
+    Auto,
+    /// Repulsion by the cells of a tree, attraction among nearest neighbours.
+    BarnesHut,
+    /// Repulsion by a particle mesh, attraction among nearest neighbours.
+    Mesh,
+    /// All pairs.
+    Exact,
+};
+
 /// How far rows are from one another.
 enum class MetricKind {
     Euclidean,
@@ -58,6 +70,11 @@ enum class AffinityKind {
 /// The names of the members of a choice, in their order: `kAll` of the specialisations.
 template <typename Kind>
 struct ChoiceNames;
+
+template <>
+struct ChoiceNames<MethodKind> {
+    static constexpr std::array<std::string_view, 4> kAll{"auto", "barnes-hut", "mesh", "exact"};
+};
 
 template <>
 struct ChoiceNames<MetricKind> {

@@ -38,6 +38,12 @@ void check_perplexity(double perplexity, int N) {
     }
 }
 
+/// By what the forces are as they are.
+std::string accuracy_text(const FitOptions& options) {
+    return bar_of(options, "theta") ? " by the method " + std::string(choice_name(options.method))
+                                    : " and theta = " + num2string(options.theta, 2);
+}
+
 }  // namespace
 
 void print_launch(const FitOptions& options, int N) {
@@ -47,7 +53,7 @@ void print_launch(const FitOptions& options, int N) {
         check_perplexity(options.perplexity, N);
     }
     print_info("Launching t-SNE " + std::string(has_perplexity ? "at " : "with ") +
-               neighbourhood_text(options, 2) + " and theta = " + num2string(options.theta, 2));
+               neighbourhood_text(options, 2) + accuracy_text(options));
 }
 
 FitNotes console_notes(const FitOptions& options) {

@@ -19,6 +19,7 @@ namespace ovik {
 struct FitOptions {
     double perplexity = 20.0;
     double theta = 0.5;
+    MethodKind method = MethodKind::Auto;
     int out_dims = 2;
     int max_iter = 1000;
     int stop_lying_iter = 250;
@@ -83,6 +84,13 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .title = "Theta",
             .sentence = "Accuracy of the Barnes-Hut method, or 0 for the exact method",
             .is_always_told = true});
+    choice(options.method,
+           kPreset.method,
+           {.name = "method",
+            .python = "method",
+            .flags = "--method",
+            .title = "Forces",
+            .sentence = "How forces are computed; auto goes by theta"});
     option(options.out_dims,
            kPreset.out_dims,
            OptionRange<int>{.least = 2, .most = 50},

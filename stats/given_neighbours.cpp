@@ -103,8 +103,10 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                                    bool measures_quality) {
     if (!method_of(options).has_neighbours) {
         throw InputError(source +
-                         ": the exact method takes all pairs of rows, and no neighbours\n"
-                         "Take Barnes-Hut: a theta above 0, such as 0.5.");
+                         ": the exact method takes all pairs of rows, and no neighbours\n" +
+                         (options.method == MethodKind::Exact
+                              ? "Take another method: barnes-hut or mesh."
+                              : "Take Barnes-Hut: a theta above 0, such as 0.5."));
     }
     if (options.pca > 0) {
         throw InputError(source +

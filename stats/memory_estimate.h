@@ -48,6 +48,8 @@ struct RunSize {
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (153 N + 44 Nd);
+/// - fitting with a particle mesh: in the place of the tree (145 N + 36 Nd) the points in their order
+///   (24 N) and 45 bytes for each cell, of which a map has some 2200 sqrt(N), more if it is wide;
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
 ///   chart page (330 R + 300 N in all), and with V bytes of values in the page their text, in
 ///   the page and on the way to it (6 V).

@@ -1,6 +1,7 @@
 #include "stats/method.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <utility>
 
@@ -13,11 +14,13 @@
 #include "stats/dense_affinities.h"
 #include "stats/elementwise.h"
 #include "stats/exact_objective.h"
+#include "stats/mesh_repulsion.h"
 #include "stats/option_effect.h"
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_objective.h"
 #include "stats/tree_repulsion.h"
 #include "util/format.h"
+#include "util/input_error.h"
 
 namespace ovik {
 
@@ -56,7 +59,11 @@ SparseMatrix sparse_affinities(const MethodInput& input) {
     return conditional_affinities(input.X, *rows, K, hooks);
 }
 
-std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
+/// Attraction among nearest neighbours, and a repulsion that is made once the affinities are there,
+/// which need the memory first.
+template <typename MakeRepulsion>
+std::unique_ptr<Objective> make_sparse(const MethodInput& input,
+                                       const MakeRepulsion& make_repulsion) {
     const std::size_t N = input.X.rows;
     SparseMatrix P;
     {
@@ -67,9 +74,26 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
     SlicedAttraction attraction(SlicedMatrix(std::move(P), N, dims), dims);
-    // Made once the affinities are there, which need the memory first.
-    SparseForces forces(N, dims, std::make_unique<TreeRepulsion>(N, dims, input.options.theta));
+    SparseForces forces(N, dims, make_repulsion(N, dims));
     return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
+}
+
+std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
+    return make_sparse(input, [&](std::size_t N, std::size_t dims) {
+        return std::make_unique<TreeRepulsion>(N, dims, input.options.theta);
+    });
+}
+
+/// @throws InputError if the map is not to have two dimensions
+std::unique_ptr<Objective> make_mesh(const MethodInput& input) {
+    if (input.options.out_dims != kMeshDims) {
+        throw InputError("the mesh lies under maps in two dimensions, and not in " +
+                         std::to_string(input.options.out_dims) +
+                         "\nTake two dimensions, or the method barnes-hut.");
+    }
+    return make_sparse(input, [](std::size_t N, std::size_t /*dims*/) {
+        return std::make_unique<MeshRepulsion>(N);
+    });
 }
 
 MethodMemory exact_memory(const RunSize& size) {
@@ -78,7 +102,10 @@ MethodMemory exact_memory(const RunSize& size) {
     return {8.0 * N * D + 16.0 * N * N, 8.0 * N * N, 0.0};
 }
 
-MethodMemory barnes_hut_memory(const RunSize& size) {
+/// What methods take that have nearest neighbours.
+///
+/// @param repulsion  what repulsive forces take beside themselves
+MethodMemory sparse_memory(const RunSize& size, double repulsion) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
@@ -94,17 +121,33 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
         is_given ? 32.0 * entries : of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
     const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
     return {12.0 * entries + std::max(searching, symmetrizing),
-            12.0 * symmetric + 185.0 * N + 44.0 * N * d,
+            12.0 * symmetric + 40.0 * N + 8.0 * N * d + repulsion,
             is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
+}
+
+MethodMemory barnes_hut_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const auto d = static_cast<double>(size.options.out_dims);
+    return sparse_memory(size, 145.0 * N + 36.0 * N * d);
+}
+
+MethodMemory mesh_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const double cells = 2200.0 * std::sqrt(N);
+    return sparse_memory(size, 24.0 * N + 45.0 * cells);
 }
 
 std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
     LighterFit lighter{"The Barnes-Hut method (--theta 0.5)", options};
     lighter.options.theta = FitOptions().theta;
+    if (options.method == MethodKind::Exact) {
+        lighter.what = "The Barnes-Hut method (--method barnes-hut)";
+        lighter.options.method = MethodKind::BarnesHut;
+    }
     return lighter;
 }
 
-std::optional<LighterFit> lighter_than_barnes_hut(const FitOptions& options) {
+std::optional<LighterFit> lighter_by_neighbours(const FitOptions& options) {
     constexpr double kUsualPerplexity = 30.0;
     if (bar_of(options, "perplexity") || options.perplexity <= kUsualPerplexity) {
         return std::nullopt;
@@ -122,15 +165,24 @@ std::string barnes_hut_title(const FitOptions& options) {
     return "Barnes-Hut t-SNE, theta " + shortest_text(options.theta);
 }
 
+std::string mesh_title(const FitOptions& /*options*/) {
+    return "particle-mesh t-SNE";
+}
+
 constexpr Method kMethods[] = {
     {"exact", &exact_title, &make_exact, &exact_memory, &lighter_than_exact, false},
     {"Barnes-Hut",
      &barnes_hut_title,
      &make_barnes_hut,
      &barnes_hut_memory,
-     &lighter_than_barnes_hut,
+     &lighter_by_neighbours,
      true},
+    {"particle-mesh", &mesh_title, &make_mesh, &mesh_memory, &lighter_by_neighbours, true},
 };
+
+constexpr const Method& kExact = kMethods[0];
+constexpr const Method& kBarnesHut = kMethods[1];
+constexpr const Method& kMesh = kMethods[2];
 
 }  // namespace
 
@@ -143,7 +195,16 @@ std::span<const Method> methods() {
 }
 
 const Method& method_of(const FitOptions& options) {
-    return options.theta == 0.0 ? kMethods[0] : kMethods[1];
+    switch (options.method) {
+        case MethodKind::Exact:
+            return kExact;
+        case MethodKind::BarnesHut:
+            return kBarnesHut;
+        case MethodKind::Mesh:
+            return kMesh;
+        default:
+            return options.theta == 0.0 ? kExact : kBarnesHut;
+    }
 }
 
 int neighbour_count(double perplexity, std::size_t N) {

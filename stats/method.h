@@ -79,7 +79,11 @@ struct Method {
 /// All methods.
 std::span<const Method> methods();
 
-/// The method that some options stand for: with `theta` exactly 0 the exact one, else Barnes-Hut.
+/// Dimensions of the maps that have a mesh.
+constexpr int kMeshDims = 2;
+
+/// The method that some options stand for: the one that they name, else with `theta` exactly 0 the
+/// exact one, and Barnes-Hut with any other.
 const Method& method_of(const FitOptions& options);
 
 /// How many neighbours of each of N rows methods with neighbours take: 3 * perplexity (truncated),

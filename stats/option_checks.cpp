@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
 #include "stats/schedule.h"
@@ -82,6 +83,24 @@ void check_stop(const FitOptions& options, const OptionSource& source) {
                      ": gains are looked at from iteration " + std::to_string(first) +
                      " on, when exaggeration has ended\nRun longer than that, or leave " +
                      spelled(options, source, "stop_when") + " out.");
+}
+
+/// Refuses a method that cannot do what other options want of it.
+void check_method(const FitOptions& options, const OptionSource& source) {
+    if (options.method == MethodKind::BarnesHut && options.theta == 0.0) {
+        throw InputError(spelled(options, source, "method") + " does not go with " +
+                         spelled(options, source, "theta") +
+                         ", which stands for the exact method\nGive a theta above 0, such as 0.5, "
+                         "or " +
+                         spelled(options, source, "method", "exact") + ".");
+    }
+    if (options.method == MethodKind::Mesh && options.out_dims != kMeshDims) {
+        throw InputError(spelled(options, source, "method") + " does not go with " +
+                         spelled(options, source, "dimensions") +
+                         ": the mesh lies under maps in two dimensions\nGive " +
+                         spelled(options, source, "dimensions", "2") + ", or " +
+                         spelled(options, source, "method", "barnes-hut") + ".");
+    }
 }
 
 void check_neighbours(const FitOptions& options, std::size_t rows, const OptionSource& source) {
@@ -166,6 +185,7 @@ void check_options_together(const FitOptions& options, const OptionSource& sourc
     visit_fit_options(
         options, [&](const auto& option) { refuse_without_effect(options, source, option.words); });
     check_stop(options, source);
+    check_method(options, source);
     if (options.metric == MetricKind::Precomputed && options.start == StartKind::Pca) {
         throw InputError(spelled(options, source, "start") + " does not go with " +
                          spelled(options, source, "metric") +

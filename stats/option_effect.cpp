@@ -31,7 +31,14 @@ bool is_precomputed(const FitOptions& options) {
     return options.metric == MetricKind::Precomputed;
 }
 
+/// Theta is the accuracy of Barnes-Hut; a theta of 0 and the exact method say the same.
+bool has_no_theta(const FitOptions& options) {
+    return options.method == MethodKind::Mesh ||
+           (options.method == MethodKind::Exact && options.theta != 0.0);
+}
+
 constexpr OptionBar kBars[] = {
+    {"theta", "method", "barnes-hut", &has_no_theta},
     {"perplexity", "affinity", "perplexity", &is_uniform},
     {"perplexity", "multiscale", "", &is_multiscale},
     {"multiscale", "affinity", "perplexity", &is_uniform},

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "stats/method.h"
+#include "stats/option_effect.h"
 #include "stats/option_texts.h"
 #include "stats/run_names.h"
 #include "util/format.h"
@@ -87,7 +88,7 @@ bool share_affinities(const Entries& entries) {
     return share_data(entries) && share(entries, [](const ComparisonEntry& entry) {
                const FitOptions& options = entry.options;
                const double perplexity = entry.run.perplexity;
-               return std::tuple(&method_of(options),
+               return std::tuple(method_of(options).has_neighbours,
                                  std::isnan(perplexity) ? 0.0 : perplexity,
                                  options.affinity,
                                  options.neighbours,
@@ -107,12 +108,18 @@ void add_settings(std::vector<ComparedNumber>& numbers, const Entries& entries) 
     for (std::string& text : numbers.back().values) {
         text = text.empty() ? "none" : text;
     }
-    numbers.push_back(
-        number("Theta",
-               "How coarsely distant genes are taken together: 0 is exact, and takes longest.",
-               values_of(entries, [](const ComparisonEntry& entry) { return entry.options.theta; }),
-               Best::None,
-               [](double value) { return shortest_text(value); }));
+    numbers.push_back(number(
+        "Theta",
+        "How coarsely distant genes are taken together: 0 is exact, and takes longest.",
+        values_of(entries,
+                  [](const ComparisonEntry& entry) {
+                      return bar_of(entry.options, "theta") ? std::nan("") : entry.options.theta;
+                  }),
+        Best::None,
+        [](double value) { return shortest_text(value); }));
+    for (std::string& text : numbers.back().values) {
+        text = text.empty() ? "none" : text;
+    }
     const auto seed = [](const ComparisonEntry& entry) {
         return entry.run.seeds.empty() ? entry.options.seed : entry.run.kept_seed;
     };

@@ -41,9 +41,11 @@ void print_plan(const Options& options,
     print_info("Input: " + counted(size.rows, "row", "rows") + ", " +
                counted(size.columns, "column", "columns"));
     print_info("Method: " + std::string(method_of(options.fit).name) +
-               " (theta = " + num2string(options.fit.theta, 2) + "), " + neighbourhoods + ", " +
-               std::to_string(options.fit.out_dims) + " dimensions, " +
-               std::to_string(options.fit.max_iter + 1) + " iterations");
+               (bar_of(options.fit, "theta")
+                    ? ""
+                    : " (theta = " + num2string(options.fit.theta, 2) + ")") +
+               ", " + neighbourhoods + ", " + std::to_string(options.fit.out_dims) +
+               " dimensions, " + std::to_string(options.fit.max_iter + 1) + " iterations");
     if (options.seeds > 1) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));

@@ -7,6 +7,7 @@ tsne.matrix <- function(
   perplexity = 30,
   ...,
   theta = 0.5,
+  method = "auto",
   dims = 2,
   max_iter = 1000,
   stop_lying_iter = 250,
@@ -36,6 +37,7 @@ tsne.matrix <- function(
   options <- list(
     perplexity = perplexity,
     theta = theta,
+    method = method,
     dims = dims,
     max_iter = max_iter,
     stop_lying_iter = stop_lying_iter,
@@ -65,6 +67,7 @@ tsne.matrix <- function(
 requirements <- c(
   perplexity = "a number at least 1, at most 1e9",
   theta = "a number at least 0",
+  method = "\"auto\", \"barnes-hut\", \"mesh\" or \"exact\"",
   dims = "a whole number from 2 to 50",
   max_iter = "a whole number from 1 to 1000000000",
   stop_lying_iter = "a whole number from 0 to 2147483647",

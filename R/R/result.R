@@ -6,11 +6,18 @@ print.ovik_tsne <- function(x, ...) {
   ))
   cat(sprintf(
     "%s, %s, seed %g\n", affinities_of(x$options),
-    if (x$options$theta == 0) "exact method" else sprintf("Barnes-Hut method with theta %g", x$options$theta),
+    method_of(x$options),
     x$options$seed
   ))
   cat(sprintf("cost %.4f after iteration %d\n", x$cost, x$iteration))
   invisible(x)
+}
+
+# How the forces were computed, in words.
+method_of <- function(options) {
+  if (identical(options$method, "mesh")) return("particle-mesh method")
+  if (identical(options$method, "exact") || options$theta == 0) return("exact method")
+  sprintf("Barnes-Hut method with theta %g", options$theta)
 }
 
 # What the similarities of the rows are, in words.

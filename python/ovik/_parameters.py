@@ -26,6 +26,7 @@ class FitParameters:
         *,
         perplexity: float = 20.0,
         theta: float = 0.5,
+        method: Literal["auto", "barnes-hut", "mesh", "exact"] = "auto",
         n_iter: int = 1000,
         stop_lying_iter: int = 250,
         mom_switch_iter: int = 250,
@@ -60,6 +61,7 @@ class FitParameters:
         self.n_components = n_components
         self.perplexity = perplexity
         self.theta = theta
+        self.method = method
         self.n_iter = n_iter
         self.stop_lying_iter = stop_lying_iter
         self.mom_switch_iter = mom_switch_iter
@@ -96,6 +98,7 @@ class FitParameters:
             "n_components": self.n_components,
             "perplexity": self.perplexity,
             "theta": self.theta,
+            "method": self.method,
             "n_iter": self.n_iter,
             "stop_lying_iter": self.stop_lying_iter,
             "mom_switch_iter": self.mom_switch_iter,
@@ -126,6 +129,8 @@ DESCRIPTIONS = """\
         Effective number of neighbours of a row, at least 1, at most 1e9.
     theta : float, default 0.5
         Accuracy of the Barnes-Hut method, or 0 for the exact method, at least 0.
+    method : {"auto", "barnes-hut", "mesh", "exact"}, default "auto"
+        How forces are computed; auto goes by theta.
     n_iter : int, default 1000
         Last iteration, counted from 0, 1 to 1000000000.
     stop_lying_iter : int, default 250

@@ -188,15 +188,28 @@ void SPTree::visit(
     }
 }
 
-std::vector<double> barnes_hut_gradient(const SparseRows& P,
-                                        const std::vector<double>& Y,
-                                        std::size_t dims,
-                                        double theta,
-                                        double annealing) {
-    const SPTree tree(dims, Y);
+Repulsion tree_repulsion(std::size_t dims, double theta) {
+    return [dims, theta](const std::vector<double>& Y, std::vector<double>& forces) {
+        const SPTree tree(dims, Y);
+        forces.assign(Y.size(), 0.0);
+        double sum_Q = 0.0;
+        for (std::size_t n = 0; n < Y.size() / dims; ++n) {
+            tree.addRepulsion(n, theta, forces.data() + n * dims, &sum_Q);
+        }
+        return sum_Q;
+    };
+}
+
+namespace {
+
+std::vector<double> gradient_with(const Repulsion& repulsion,
+                                  const SparseRows& P,
+                                  const std::vector<double>& Y,
+                                  std::size_t dims,
+                                  double annealing) {
     std::vector<double> pos_f(Y.size(), 0.0);
-    std::vector<double> neg_f(Y.size(), 0.0);
-    double sum_Q = 0.0;
+    std::vector<double> neg_f;
+    const double sum_Q = repulsion(Y, neg_f);
     for (std::size_t n = 0; n < P.size(); ++n) {
         for (const auto& [m, p] : P[n]) {
             double squared_distance = 0.0;
@@ -209,7 +222,6 @@ std::vector<double> barnes_hut_gradient(const SparseRows& P,
                 pos_f[n * dims + d] += p * q * (Y[n * dims + d] - Y[m * dims + d]);
             }
         }
-        tree.addRepulsion(n, theta, neg_f.data() + n * dims, &sum_Q);
     }
     for (std::size_t i = 0; i < Y.size(); ++i) {
         pos_f[i] = annealing * (pos_f[i] - neg_f[i] / (annealing * sum_Q));
@@ -217,16 +229,12 @@ std::vector<double> barnes_hut_gradient(const SparseRows& P,
     return pos_f;
 }
 
-double barnes_hut_cost(const SparseRows& P,
-                       const std::vector<double>& Y,
-                       std::size_t dims,
-                       double theta) {
-    const SPTree tree(dims, Y);
-    std::vector<double> discarded(dims, 0.0);
-    double sum_Q = 0.0;
-    for (std::size_t n = 0; n < P.size(); ++n) {
-        tree.addRepulsion(n, theta, discarded.data(), &sum_Q);
-    }
+double cost_with(const Repulsion& repulsion,
+                 const SparseRows& P,
+                 const std::vector<double>& Y,
+                 std::size_t dims) {
+    std::vector<double> discarded;
+    const double sum_Q = repulsion(Y, discarded);
     double sum = 0.0;
     for (std::size_t n = 0; n < P.size(); ++n) {
         for (const auto& [m, p] : P[n]) {
@@ -240,6 +248,23 @@ double barnes_hut_cost(const SparseRows& P,
         }
     }
     return sum;
+}
+
+}  // namespace
+
+std::vector<double> barnes_hut_gradient(const SparseRows& P,
+                                        const std::vector<double>& Y,
+                                        std::size_t dims,
+                                        double theta,
+                                        double annealing) {
+    return gradient_with(tree_repulsion(dims, theta), P, Y, dims, annealing);
+}
+
+double barnes_hut_cost(const SparseRows& P,
+                       const std::vector<double>& Y,
+                       std::size_t dims,
+                       double theta) {
+    return cost_with(tree_repulsion(dims, theta), P, Y, dims);
 }
 
 SparseRows joint_similarities(const Matrix& input, double perplexity) {
@@ -278,12 +303,20 @@ std::vector<double> embed_with_tree(const Matrix& input,
                                     double theta,
                                     const Schedule& schedule,
                                     std::vector<double>* costs) {
+    return embed_with(tree_repulsion(no_dims, theta), input, no_dims, perplexity, schedule, costs);
+}
+
+std::vector<double> embed_with(const Repulsion& repulsion,
+                               const Matrix& input,
+                               std::size_t no_dims,
+                               double perplexity,
+                               const Schedule& schedule,
+                               std::vector<double>* costs) {
     srand(schedule.seed);
     for (std::size_t draw = 0; draw < tree_draws(input.rows); ++draw) {
         rand();
     }
-    return descend_with_tree(
-        joint_similarities(input, perplexity), no_dims, theta, schedule, costs);
+    return descend_with(repulsion, joint_similarities(input, perplexity), no_dims, schedule, costs);
 }
 
 std::vector<double> descend_with_tree(SparseRows P,
@@ -291,6 +324,14 @@ std::vector<double> descend_with_tree(SparseRows P,
                                       double theta,
                                       const Schedule& schedule,
                                       std::vector<double>* costs) {
+    return descend_with(tree_repulsion(no_dims, theta), std::move(P), no_dims, schedule, costs);
+}
+
+std::vector<double> descend_with(const Repulsion& repulsion,
+                                 SparseRows P,
+                                 std::size_t no_dims,
+                                 const Schedule& schedule,
+                                 std::vector<double>* costs) {
     const auto scale_similarities = [&P](double factor, double divisor) {
         for (auto& row : P) {
             for (auto& entry : row) {
@@ -315,7 +356,7 @@ std::vector<double> descend_with_tree(SparseRows P,
     std::vector<double> all_costs;
     for (int iter = 0; iter <= schedule.max_iter && !has_settled(schedule, all_costs); ++iter) {
         const std::vector<double> dY =
-            barnes_hut_gradient(P, Y, no_dims, theta, annealing_of(schedule, iter));
+            gradient_with(repulsion, P, Y, no_dims, annealing_of(schedule, iter));
         const double momentum = momentum_of(schedule, iter);
         const double learning_rate = learning_rate_of(schedule, N, iter);
         for (std::size_t i = 0; i < Y.size(); ++i) {
@@ -331,7 +372,7 @@ std::vector<double> descend_with_tree(SparseRows P,
         if (!schedule.is_annealed && iter == schedule.stop_lying_iter) {
             scale_similarities(1.0, schedule.exaggeration);
         }
-        all_costs.push_back(barnes_hut_cost(P, Y, no_dims, theta));
+        all_costs.push_back(cost_with(repulsion, P, Y, no_dims));
     }
     if (costs != nullptr) {
         costs->insert(costs->end(), all_costs.begin(), all_costs.end());

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -75,6 +76,12 @@ class SPTree {
     std::unique_ptr<Cell> root_;
 };
 
+/// Repulsive forces on the points of an embedding, of its shape; returns the normalisation.
+using Repulsion = std::function<double(const std::vector<double>& Y, std::vector<double>& forces)>;
+
+/// That of a tree.
+Repulsion tree_repulsion(std::size_t dims, double theta);
+
 std::vector<double> barnes_hut_gradient(const SparseRows& P,
                                         const std::vector<double>& Y,
                                         std::size_t dims,
@@ -109,11 +116,26 @@ std::vector<double> embed_with_tree(const Matrix& input,
                                     const Schedule& schedule,
                                     std::vector<double>* costs);
 
+/// The same with another repulsion.
+std::vector<double> embed_with(const Repulsion& repulsion,
+                               const Matrix& input,
+                               std::size_t no_dims,
+                               double perplexity,
+                               const Schedule& schedule,
+                               std::vector<double>* costs);
+
 /// Gradient descent on given similarities, from the deviates that `rand` gives now.
 std::vector<double> descend_with_tree(SparseRows P,
                                       std::size_t no_dims,
                                       double theta,
                                       const Schedule& schedule,
                                       std::vector<double>* costs);
+
+/// The same with any repulsion.
+std::vector<double> descend_with(const Repulsion& repulsion,
+                                 SparseRows P,
+                                 std::size_t no_dims,
+                                 const Schedule& schedule,
+                                 std::vector<double>* costs);
 
 }  // namespace plain

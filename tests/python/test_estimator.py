@@ -24,7 +24,7 @@ def test_constructor_only_stores_its_arguments():
 
 def test_parameters_have_the_commands_defaults():
     assert ovik.TSNE().get_params(deep=False) == {
-        "n_components": 2, "perplexity": 20.0, "theta": 0.5, "n_iter": 1000,
+        "n_components": 2, "perplexity": 20.0, "theta": 0.5, "method": "auto", "n_iter": 1000,
         "stop_lying_iter": 250, "mom_switch_iter": 250, "seed": 11, "learning_rate": 200.0,
         "exaggeration": 12.0, "start_spread": 0.0001, "momentum": 0.5, "final_momentum": 0.8,
         "gains": "adaptive", "metric": "euclidean", "pca": 0, "affinity": "perplexity", "neighbours": 15,

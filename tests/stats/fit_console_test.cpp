@@ -45,6 +45,9 @@ TEST(PrintLaunch, TellsOfOtherAffinitiesThanThoseOfOnePerplexity) {
     EXPECT_EQ(launched(options, 30),
               "-- Random seed:  11\n"
               "-- Launching t-SNE with uniform affinities of 15 neighbours and theta = 0.50\n");
+    options.method = MethodKind::Mesh;
+    EXPECT_THAT(launched(options, 30),
+                HasSubstr("uniform affinities of 15 neighbours by the method mesh\n"));
 }
 
 TEST(PrintLaunch, TellsOfAPerplexityThatTheRowsCannotBear) {

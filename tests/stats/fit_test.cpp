@@ -27,6 +27,7 @@
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/all_pairs_repulsion.h"
 #include "tests/support/random_points.h"
+#include "tests/support/refusal.h"
 #include "tests/support/threads.h"
 
 namespace ovik {
@@ -493,6 +494,31 @@ TEST(FitByAnotherMethod, IsTheSameForAnyNumberOfThreadsAndGoesOnFromAState) {
         EXPECT_EQ(embed({}), expected);
         EXPECT_EQ(embed(resuming), expected);
     }
+}
+
+TEST(FitByAMesh, GoesOnFromAState) {
+    FitOptions options = kOptions;
+    options.method = MethodKind::Mesh;
+    std::optional<KeptState> kept;
+    FitHooks keeping;
+    keeping.on_iteration = [&kept](const FitState& state) {
+        if (state.reached.iteration == 15) {
+            kept.emplace(state);
+        }
+        return true;
+    };
+    const Fit expected = fitted(options, keeping);
+    const FitState state = kept.value().view();
+    FitHooks resuming;
+    resuming.resumed_state = &state;
+    EXPECT_EQ(fitted(options, resuming).embedding, expected.embedding);
+}
+
+TEST(FitByAMesh, IsRefusedWhereTheMapGrowsWithoutBound) {
+    FitOptions options = kOptions;
+    options.method = MethodKind::Mesh;
+    options.learning_rate = 1e9;
+    EXPECT_NE(test::refusal_of([&] { fitted(options); }).find("barnes-hut"), std::string::npos);
 }
 
 TEST(Fit, RefusesToGoOnFromAStateOfAnotherShape) {

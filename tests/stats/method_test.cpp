@@ -12,6 +12,7 @@
 
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/random_points.h"
+#include "tests/support/refusal.h"
 
 namespace ovik {
 namespace {
@@ -30,6 +31,14 @@ TEST(MethodOf, IsTheExactOneForAThetaOfExactlyZero) {
     }
 }
 
+TEST(MethodOf, IsTheOneOfTheNameWhateverTheta) {
+    for (const double theta : {0.0, 0.5}) {
+        EXPECT_EQ(method_of({.theta = theta, .method = MethodKind::Exact}).name, "exact");
+        EXPECT_EQ(method_of({.theta = theta, .method = MethodKind::BarnesHut}).name, "Barnes-Hut");
+        EXPECT_EQ(method_of({.theta = theta, .method = MethodKind::Mesh}).name, "particle-mesh");
+    }
+}
+
 TEST(Methods, AreAllThatOptionsStandFor) {
     std::set<std::string_view> names;
     for (const Method& method : methods()) {
@@ -45,6 +54,18 @@ TEST(Methods, AreAllThatOptionsStandFor) {
 TEST(Methods, HaveTitlesThatTellTheirAccuracy) {
     EXPECT_EQ(method_of(with_theta(0.0)).title(with_theta(0.0)), "exact t-SNE");
     EXPECT_EQ(method_of(with_theta(0.25)).title(with_theta(0.25)), "Barnes-Hut t-SNE, theta 0.25");
+    const FitOptions mesh{.method = MethodKind::Mesh};
+    EXPECT_EQ(method_of(mesh).title(mesh), "particle-mesh t-SNE");
+}
+
+TEST(Methods, RefuseAMeshUnderMapsOfOtherDimensions) {
+    const std::vector<double> X = test::random_values(120, 413);
+    const FitOptions options{.perplexity = 5.0, .method = MethodKind::Mesh, .out_dims = 3};
+    EXPECT_EQ(test::refusal_of([&] {
+                  method_of(options).make({{X.data(), 40, 3}, options, {}});
+              }),
+              "the mesh lies under maps in two dimensions, and not in 3\n"
+              "Take two dimensions, or the method barnes-hut.");
 }
 
 TEST(Methods, MakeAnObjectiveOfTheInputAndTheNeighboursAsFarAsTheySearch) {
@@ -66,6 +87,12 @@ TEST(Methods, MakeAnObjectiveOfTheInputAndTheNeighboursAsFarAsTheySearch) {
         EXPECT_EQ(graph.rows, method.has_neighbours ? kRows : 0U);
         EXPECT_EQ(graph.neighbour_count, method.has_neighbours ? kRows - 1 : 0U);
     }
+    options.method = MethodKind::Mesh;
+    NeighbourGraph graph;
+    const std::unique_ptr<Objective> objective =
+        method_of(options).make({{X.data(), kRows, 3}, options, {}, nullptr, &graph});
+    EXPECT_NEAR(objective->cost(Y.data()), cost, 1e-6);
+    EXPECT_EQ(graph.rows, kRows);
 }
 
 TEST(Methods, TellWhatMemoryTheyTakeBesideTheInput) {
@@ -82,6 +109,12 @@ TEST(Methods, TellWhatMemoryTheyTakeBesideTheInput) {
     // The symmetric entries, tree and forces.
     EXPECT_NEAR(barnes_hut.fitting, 12.0 * 1.6 * 60000 + 185.0 * 1000 + 88.0 * 1000, 1e-6);
     EXPECT_GT(barnes_hut.shared, 16.0 * 60000);
+    const FitOptions mesh{.method = MethodKind::Mesh};
+    const MethodMemory of_mesh =
+        method_of(mesh).memory({.rows = 1000, .columns = 20, .options = mesh});
+    EXPECT_EQ(of_mesh.similarities, barnes_hut.similarities);
+    // The symmetric entries, forces, points in their order, and some 70,000 cells.
+    EXPECT_NEAR(of_mesh.fitting, 12.0 * 1.6 * 60000 + 80.0 * 1000 + 45.0 * 69570.1, 10.0);
     // Neighbours that are there already are not searched for by an index of the run's own.
     size.is_shared = true;
     size.columns = 100000;
@@ -119,6 +152,11 @@ TEST(Methods, OfferALighterFitIfThereIsOne) {
     EXPECT_EQ(lighter_method->options.theta, 0.5);
     EXPECT_EQ(lighter_method->options.perplexity, 50.0);
     EXPECT_EQ(lighter_method->options.out_dims, 3);
+    const FitOptions named{.method = MethodKind::Exact};
+    const auto lighter_name = method_of(named).lighter(named);
+    ASSERT_TRUE(lighter_name);
+    EXPECT_EQ(lighter_name->what, "The Barnes-Hut method (--method barnes-hut)");
+    EXPECT_EQ(method_of(lighter_name->options).name, "Barnes-Hut");
     const FitOptions wide{.perplexity = 30.5, .theta = 0.7, .out_dims = 3};
     const auto lighter_perplexity = method_of(wide).lighter(wide);
     ASSERT_TRUE(lighter_perplexity);

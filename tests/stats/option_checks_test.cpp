@@ -46,6 +46,32 @@ TEST(CheckOptionsTogether, AcceptsTheClassicalRunAndEachChoiceByItself) {
     EXPECT_EQ(
         refusal({.schedule = ScheduleKind::Annealed, .hold_iter = 50, .automatic_rate = true}), "");
     EXPECT_EQ(refusal({.stop_when = 0.0002}), "");
+    EXPECT_EQ(refusal({.theta = 0.25, .method = MethodKind::BarnesHut}), "");
+    EXPECT_EQ(refusal({.method = MethodKind::Mesh}), "");
+    EXPECT_EQ(refusal({.method = MethodKind::Exact}), "");
+    EXPECT_EQ(refusal({.method = MethodKind::Exact, .out_dims = 3}), "");
+    // Both say the same.
+    EXPECT_EQ(refusal({.theta = 0.0, .method = MethodKind::Exact}), "");
+}
+
+TEST(CheckOptionsTogether, RefusesAMethodThatContradictsTheta) {
+    EXPECT_EQ(refusal({.theta = 0.25, .method = MethodKind::Exact}),
+              "theta has no effect beside method exact\nLeave theta out, or give method "
+              "barnes-hut.");
+    for (const double theta : {0.0, 0.25}) {
+        EXPECT_EQ(refusal({.theta = theta, .method = MethodKind::Mesh}),
+                  "theta has no effect beside method mesh\nLeave theta out, or give method "
+                  "barnes-hut.");
+    }
+    EXPECT_EQ(refusal({.theta = 0.0, .method = MethodKind::BarnesHut}),
+              "method barnes-hut does not go with theta 0, which stands for the exact method\n"
+              "Give a theta above 0, such as 0.5, or method exact.");
+}
+
+TEST(CheckOptionsTogether, RefusesAMeshUnderMapsOfOtherDimensions) {
+    EXPECT_EQ(refusal({.method = MethodKind::Mesh, .out_dims = 3}),
+              "method mesh does not go with dimensions 3: the mesh lies under maps in two "
+              "dimensions\nGive dimensions 2, or method barnes-hut.");
 }
 
 TEST(CheckOptionsTogether, RefusesAStopBehindTheLastIteration) {

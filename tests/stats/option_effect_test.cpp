@@ -64,6 +64,7 @@ TEST(BarOf, NamesOptionsThatThereAre) {
                                       FitOptions{.metric = MetricKind::Precomputed},
                                       FitOptions{.affinity = AffinityKind::Uniform},
                                       FitOptions{.multiscale = {10.0}},
+                                      FitOptions{.method = MethodKind::Mesh},
                                       FitOptions{.schedule = ScheduleKind::Annealed}}) {
         for (const std::string& name : names) {
             if (const auto bar = bar_of(options, name)) {
@@ -87,6 +88,14 @@ TEST(IsTold, HasTheNumbersOfTheClassicalRunAlone) {
                      "start_spread",
                      "momentum",
                      "final_momentum"}));
+}
+
+TEST(IsTold, HasThetaWhereItIsTheAccuracy) {
+    EXPECT_TRUE(told({.method = MethodKind::BarnesHut}).contains("theta"));
+    EXPECT_TRUE(told({.method = MethodKind::BarnesHut}).contains("method"));
+    EXPECT_TRUE(told({.theta = 0.0, .method = MethodKind::Exact}).contains("theta"));
+    EXPECT_FALSE(told({.method = MethodKind::Exact}).contains("theta"));
+    EXPECT_FALSE(told({.method = MethodKind::Mesh}).contains("theta"));
 }
 
 TEST(IsTold, HasWhatDiffersAndWhatBelongsToIt) {

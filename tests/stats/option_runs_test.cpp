@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/plain/plain_mesh.h"
 #include "tests/plain/plain_sptree.h"
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
@@ -111,6 +112,26 @@ TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
 INSTANTIATE_TEST_SUITE_P(Each, OptionRun, testing::ValuesIn(kOtherNumbers), [](const auto& test) {
     return std::string(test.param.name);
 });
+
+TEST(MeshRun, EqualsThePlainProgramForAnyNumberOfThreads) {
+    const test::TemporaryDirectory directory;
+    const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", kRows);
+    const plain::Matrix input = plain::read_tab_separated(path, kRows);
+    const std::vector<double> Y =
+        plain::embed_with(&plain::mesh_repulsion, input, 2, kPerplexity, kSchedule, nullptr);
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        EXPECT_EQ(test::run_engine(path,
+                                   {.perplexity = kPerplexity,
+                                    .max_iter = kSchedule.max_iter,
+                                    .stop_lying_iter = kSchedule.stop_lying_iter,
+                                    .mom_switch_iter = kSchedule.mom_switch_iter,
+                                    .options = {.method = MethodKind::Mesh}})
+                      .Y,
+                  Y)
+            << threads << " threads";
+    }
+}
 
 TEST(AutomaticRateRun, EqualsThePlainProgramWithMoreRowsThanTheLeastRate) {
     constexpr int kManyRows = 203;

@@ -76,6 +76,11 @@ TEST(NumbersOf, CallNoCostTheBestOfDifferentAffinities) {
     ComparisonEntry exact = entry(5.0, 1.25, 0.1);
     exact.options.theta = 0.0;
     EXPECT_THAT(number({entry(5.0, 1.5, 0.1), exact}, "Cost").is_best, ElementsAre(false, false));
+    // Barnes-Hut and the mesh have the same neighbours.
+    ComparisonEntry mesh = entry(5.0, 1.25, 0.1);
+    mesh.options.method = MethodKind::Mesh;
+    EXPECT_THAT(number({entry(5.0, 1.5, 0.1), mesh}, "Cost").is_best, ElementsAre(false, true));
+    EXPECT_THAT(number({entry(5.0, 1.5, 0.1), mesh}, "Theta").values, ElementsAre("0.5", "none"));
 }
 
 TEST(NumbersOf, CallNoneTheBestOfDifferentData) {

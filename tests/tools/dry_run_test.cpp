@@ -77,6 +77,9 @@ TEST(PrintPlan, TellsWhatBecomesOfFilesThatAreThere) {
     EXPECT_THAT(text, HasSubstr("yeast_tsne_5_0.html\n"));
     EXPECT_THAT(text, HasSubstr("-- Input: 1 row, 0 columns\n"));
     EXPECT_THAT(text, HasSubstr("-- Method: exact (theta = 0.00)"));
+    options.fit = {.method = MethodKind::Mesh};
+    EXPECT_THAT(plan(options, {5.0}, {.rows = 1, .options = options.fit}, kUnknown),
+                HasSubstr("-- Method: particle-mesh, perplexity 5.00, 2 dimensions"));
     // Of what is left nothing is known.
     EXPECT_THAT(text, testing::ContainsRegex("-- Memory: about [0-9]+ MB\n"));
 }

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+
+#include "stats/kernels/mesh_points.h"
+#include "stats/mesh_charges.h"
+#include "stats/mesh_order.h"
+#include "stats/mesh_potential.h"
+#include "stats/repulsion.h"
+
+namespace ovik {
+
+/// Repulsive forces from a particle mesh under a map in two dimensions.
+///
+/// All come from one potential, the sum over all points of 1 / (1 + squared distance): the force on
+/// a point is minus half its gradient there, and the point adds its value less 1, which is the
+/// point's own, to the normalisation. Points are charges, which splines spread over the cells of
+/// the mesh; the potential of those is a convolution; and the same splines read it and its gradient
+/// at the points.
+class MeshRepulsion : public Repulsion {
+  public:
+    /// @param N  points
+    explicit MeshRepulsion(std::size_t N) : N_(N) {}
+
+    std::size_t prepare(const double* Y) override;
+
+    void preparePart(std::size_t /*part*/) override {}
+
+    /// @throws InputError if the map has grown too wide for a mesh; see `mesh_grid`
+    /// @throws WorkMemoryError
+    void finishPreparation() override;
+
+    void compute(IndexRange points, double* forces, double* z_terms) const override;
+
+  private:
+    std::size_t N_;
+    const double* Y_ = nullptr;
+    MeshOrder order_;
+    MeshCharges charges_;
+    MeshPotential potential_;
+    MeshPoints kernels_{};
+    double force_factor_ = 0.0;
+};
+
+}  // namespace ovik
