@@ -11,8 +11,9 @@
 #include "stats/cached_neighbours.h"
 #include "stats/chosen_affinities.h"
 #include "stats/dense_affinities.h"
-#include "stats/elementwise.h"
 #include "stats/exact_objective.h"
+#include "stats/joint_matrix.h"
+#include "stats/neighbour_order.h"
 #include "stats/option_effect.h"
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_objective.h"
@@ -40,7 +41,7 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
 }
 
 /// Conditional affinities of every row to its nearest others.
-SparseMatrix sparse_affinities(const MethodInput& input) {
+ConditionalRows sparse_affinities(const MethodInput& input, ValueForm form) {
     const int K = affinity_neighbours(input.options, input.X.rows);
     if (!bar_of(input.options, "perplexity") && input.options.perplexity > static_cast<double>(K)) {
         tell(input.notes, FitNote::PerplexityAboveNeighbours);
@@ -52,19 +53,35 @@ SparseMatrix sparse_affinities(const MethodInput& input) {
         nearest.emplace(nearest_by_distance(input.X, static_cast<std::size_t>(std::max(K, 0))));
         hooks.cached = &*nearest;
     }
-    return conditional_affinities(input.X, *rows, K, hooks);
+    return conditional_rows(input.X, *rows, K, form, hooks);
+}
+
+/// How uniform affinities are stored: as what tells one value from its double, while the places of
+/// the points leave room for that.
+ValueForm uniform_form(std::size_t N, std::size_t dims) {
+    constexpr std::size_t kPlaces = std::size_t{1} << 31U;
+    return N < kPlaces / std::max<std::size_t>(dims, 1) ? ValueForm::OneOrTwo : ValueForm::Double;
+}
+
+/// Attraction along joint affinities to the nearest neighbours.
+///
+/// @param form  of affinities that are not uniform
+SlicedAttraction attraction_along_neighbours(const MethodInput& input, ValueForm form) {
+    const std::size_t N = input.X.rows;
+    const auto dims = static_cast<std::size_t>(input.options.out_dims);
+    const bool is_uniform = input.options.affinity == AffinityKind::Uniform;
+    ConditionalRows rows = sparse_affinities(input, is_uniform ? uniform_form(N, dims) : form);
+    MallocArray<std::uint32_t> order;
+    if (N >= kLeastReordered) {
+        order = neighbour_order(rows.columns.get(), N, rows.row_length);
+    }
+    return {joint_matrix(std::move(rows), dims, std::move(order)), dims};
 }
 
 std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     const std::size_t N = input.X.rows;
-    SparseMatrix P;
-    {
-        const SparseMatrix conditional = sparse_affinities(input);
-        P = symmetrized(conditional.view(), N);
-    }
-    divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
-    SlicedAttraction attraction(SlicedMatrix(std::move(P), N, dims), dims);
+    SlicedAttraction attraction = attraction_along_neighbours(input, ValueForm::Double);
     // Made once the affinities are there, which need the memory first.
     SparseForces forces(N, dims, std::make_unique<TreeRepulsion>(N, dims, input.options.theta));
     return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
@@ -76,13 +93,19 @@ MethodMemory exact_memory(const RunSize& size) {
     return {8.0 * N * D + 16.0 * N * N, 8.0 * N * N, 0.0};
 }
 
-MethodMemory barnes_hut_memory(const RunSize& size) {
+/// Joint affinities to the nearest neighbours, and attraction along them.
+///
+/// @param value_bytes  of an affinity that is not uniform
+MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
     const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
     const double entries = N * K;
-    const double symmetric = symmetric_share(size.columns) * entries;
+    const double entry_bytes =
+        4.0 + (size.options.affinity == AffinityKind::Uniform ? 0.0 : value_bytes);
+    const double joint = entry_bytes * symmetric_share(size.columns) * entries;
+    const double reordered = size.rows < kLeastReordered ? 0.0 : 16.0 * N + 8.0 * N * d;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
     const bool is_given = holds_distances(size.options);
@@ -90,10 +113,20 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     // Lists of neighbours, before they are joined and after, are all that distances need.
     const double searching =
         is_given ? 32.0 * entries : of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
-    const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
-    return {12.0 * entries + std::max(searching, symmetrizing),
-            12.0 * symmetric + 185.0 * N + 44.0 * N * d,
+    const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
+    return {graph + std::max({entry_bytes * entries + searching,
+                              (entry_bytes + 1.0) * entries + 12.0 * N,
+                              joint + 50.0 * N + reordered}),
+            joint + 38.0 * N + reordered,
             is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
+}
+
+MethodMemory barnes_hut_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const auto d = static_cast<double>(size.options.out_dims);
+    MethodMemory memory = neighbours_memory(size, sizeof(double));
+    memory.fitting += 153.0 * N + 44.0 * N * d;
+    return memory;
 }
 
 std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {
