@@ -127,7 +127,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: attraction_speed ROWS NEIGHBOURS (of rows in 20 groups)\n");
         return 2;
     }
-    for (const bool in_order : {false, true}) {
+    for (const bool in_order : {true, false}) {
         time_form("double", ovik::ValueForm::Double, in_order, N, K);
         time_form("single", ovik::ValueForm::Single, in_order, N, K);
         time_form("one or two", ovik::ValueForm::OneOrTwo, in_order, N, K);

@@ -182,7 +182,7 @@ void SlicedMatrix::divideBySum() {
 /// The values added one after the other, row by row.
 double SlicedMatrix::plainSum() const {
     // So many rows at a time are brought into one piece.
-    constexpr std::size_t kPieceRows = 4096;
+    constexpr std::size_t kPieceRows = 512;
     const std::size_t N = rowCount();
     std::vector<std::size_t> starts(kPieceRows + 1);
     std::vector<double> values;
