@@ -29,8 +29,8 @@ constexpr std::size_t kLeastReordered = std::size_t{1} << 16U;
 ///
 /// Row n lists, in the order in which rows 0, 1, ... bring them up, its own entries and those of
 /// other rows that point at n, as `symmetrized` does. The conditional affinities become the joint
-/// ones where they lie: beside those, there are 10 bytes a row, or 1 byte a conditional entry, at
-/// any time.
+/// ones where they lie: beside those there are, at any time, at most 1 byte a conditional entry, 20
+/// bytes a row, and the entries of 4096 rows.
 ///
 /// @param dims   of the embeddings
 /// @param order  the row at each place of the order in which the rows are to lie; null for their
