@@ -18,6 +18,11 @@ class Attraction {
     Attraction& operator=(const Attraction&) = delete;
     virtual ~Attraction() = default;
 
+    /// Takes an embedding over, before the passes over its rows begin.
+    ///
+    /// @param Y  row-major, N x dims
+    virtual void prepare(const double* /*Y*/) {}
+
     /// Passes the entries of a range of rows; different ranges may be passed side by side. A range
     /// stands for as many rows in an order that the attraction chooses.
     ///

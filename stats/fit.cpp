@@ -16,6 +16,7 @@
 #include "stats/optimisation.h"
 #include "stats/principal_components.h"
 #include "stats/row_metric.h"
+#include "stats/sample_start.h"
 #include "util/input_error.h"
 #include "util/random_stream.h"
 #include "util/stopwatch.h"
@@ -86,7 +87,9 @@ class Rows {
           options_(options),
           places_(hooks.start),
           components_(reduced_columns(X, options, hooks, report)),
-          needs_neighbours_(options.start == StartKind::Given && has_rows_without_place(places_)) {}
+          needs_neighbours_(
+              options.start == StartKind::Sample ||
+              (options.start == StartKind::Given && has_rows_without_place(places_))) {}
 
     /// The rows as the method sees them.
     [[nodiscard]] MatrixView<const double> view() const {
@@ -107,6 +110,9 @@ class Rows {
             case StartKind::Pca:
                 startAlongComponents(Y);
                 break;
+            case StartKind::Sample:
+                startFromSample(Y, graph);
+                break;
             case StartKind::Given:
                 startAtPlaces(Y, graph);
                 break;
@@ -121,6 +127,14 @@ class Rows {
         }
         const std::size_t count = std::min({Y.columns, X_.rows, X_.columns});
         start_along_components(Y, principal_components(X_, count), options_.start_spread);
+    }
+
+    void startFromSample(MatrixView<double> Y, const NeighbourGraph& graph) const {
+        if (graph.rows == 0) {
+            start_from_sample(Y, view(), options_, placing_neighbours(view()));
+        } else {
+            start_from_sample(Y, view(), options_, graph);
+        }
     }
 
     void startAtPlaces(MatrixView<double> Y, const NeighbourGraph& graph) const {
@@ -190,7 +204,10 @@ FitReport fit_into(MatrixView<double> Y,
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
-    rows->start(Y, report.neighbours, stream);
+    // What is resumed takes the place of a start, and a sample takes its time.
+    if (hooks.resumed_state == nullptr || options.start != StartKind::Sample) {
+        rows->start(Y, report.neighbours, stream);
+    }
     rows.reset();
     if (!hooks.wants_neighbours) {
         report.neighbours = {};

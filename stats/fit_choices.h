@@ -39,6 +39,8 @@ enum class StartKind {
     Random,
     /// The first principal components of the rows.
     Pca,
+    /// The map of a sample of the rows, the others among their neighbours.
+    Sample,
     /// Coordinates that the caller gives.
     Given,
 };
@@ -84,7 +86,7 @@ struct ChoiceNames<MetricKind> {
 
 template <>
 struct ChoiceNames<StartKind> {
-    static constexpr std::array<std::string_view, 3> kAll{"random", "pca", "given"};
+    static constexpr std::array<std::string_view, 4> kAll{"random", "pca", "sample", "given"};
 };
 
 template <>

@@ -166,8 +166,7 @@ void visit_fit_options(Options& options, Visitor&& visit) {
             .python = "start_spread",
             .flags = "--start-spread",
             .title = "Spread of the start",
-            .sentence =
-                "Standard deviation of a random start, or of one by components along the first",
+            .sentence = "Standard deviation of a start, where it is widest, but for coordinates",
             .is_always_told = true});
     option(options.momentum,
            kPreset.momentum,

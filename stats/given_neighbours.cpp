@@ -115,7 +115,7 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                          "compute the neighbours among them.");
     }
     if (options.metric != MetricKind::Euclidean && options.start != StartKind::Pca &&
-        !measures_quality) {
+        options.start != StartKind::Sample && !measures_quality) {
         throw InputError(source +
                          ": gives the neighbours that would else be searched for by the metric " +
                          std::string(choice_name(options.metric)) +

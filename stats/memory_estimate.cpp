@@ -15,7 +15,7 @@ constexpr double kProgramBytes = 14e6;
 /// What principal components take while they are found; 0 if none are wanted.
 double components_memory(const RunSize& size) {
     const FitOptions& options = size.options;
-    if (options.pca == 0 && options.start != StartKind::Pca) {
+    if (options.pca == 0 && options.start != StartKind::Pca && options.start != StartKind::Sample) {
         return 0.0;
     }
     const auto N = static_cast<double>(size.rows);

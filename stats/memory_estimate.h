@@ -31,28 +31,31 @@ struct RunSize {
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
 ///
 /// With N rows, D columns, T threads, d output dimensions, K = 3 * perplexity neighbours (N - 1 at
-/// most), E = N * K entries before and S after they are made symmetric, B =
-/// `NeighbourIndex::blockCount`, and R = N * d * (d - 1) / 2 rows of the result table; 14 MB for
-/// the program, the input (8 ND) and the rows' names (80 N) are there in all stages, and beside
-/// them:
+/// most), E = N * K entries before and S after they are made symmetric, V bytes of an entry (4 with
+/// uniform affinities, else 12), B = `NeighbourIndex::blockCount`, and R = N * d * (d - 1) / 2 rows
+/// of the result table; 14 MB for the program, the input (8 ND) and the rows' names (80 N) are
+/// there in all stages, and beside them:
 ///
 /// - reading: the input once more (8 ND), as it comes from the file;
 /// - similarities, exact: a copy of the input by columns (8 ND), distances and similarities
 ///   (16 N^2);
-/// - similarities, Barnes-Hut: conditional entries (12 E) and the larger of the neighbour index
-///   (164 N + B * (128 D + 256 + 512 T)) and what makes them symmetric: their transpose (8 E + 8 N)
-///   and the symmetric entries (12 S); where the input holds distances, lists of neighbours (32 E)
-///   in the place of the index;
+/// - similarities, Barnes-Hut: the largest of the conditional entries (V E) with the index of
+///   neighbours (164 N + B * (128 D + 256 + 512 T)), the same with what makes them symmetric
+///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows
+///   (V S + V 4096 K + 50 N); where the input holds distances, lists of neighbours (32 E) in the
+///   place of the index; for a start by a sample the neighbours besides (12 E);
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
-///   (8 N^2) or the symmetric entries (12 S) with the tree and its forces (153 N + 44 Nd);
-/// - fitting with a particle mesh: in the place of the tree (145 N + 36 Nd) the points in their order
-///   (24 N) and 45 bytes for each cell, of which a map has some 2200 sqrt(N), more if it is wide;
+///   (8 N^2) or the symmetric entries (V S + 38 N) with the tree and its forces (153 N + 44 Nd),
+///   and from 65,536 rows on their order in memory (16 N + 8 Nd);
+/// - fitting with a particle mesh: in the place of the tree (153 N + 44 Nd) the points in their order
+///   (24 N), forces (8 N + 8 Nd) and 45 bytes for each cell, of which a map has some 2200 sqrt(N),
+///   more if it is wide;
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
-///   chart page (330 R + 300 N in all), and with V bytes of values in the page their text, in
-///   the page and on the way to it (6 V).
+///   chart page (330 R + 300 N in all), and with W bytes of values in the page their text, in
+///   the page and on the way to it (6 W).
 ///
 /// Clusters take, beside the table, the neighbours (12 E, which are there throughout the fit, too),
 /// lists of them (16 E), their conditional entries with the transpose (20 E) and the symmetric ones

@@ -12,9 +12,10 @@
 #include "stats/cached_neighbours.h"
 #include "stats/chosen_affinities.h"
 #include "stats/dense_affinities.h"
-#include "stats/elementwise.h"
 #include "stats/exact_objective.h"
+#include "stats/joint_matrix.h"
 #include "stats/mesh_repulsion.h"
+#include "stats/neighbour_order.h"
 #include "stats/option_effect.h"
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_objective.h"
@@ -44,7 +45,7 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
 }
 
 /// Conditional affinities of every row to its nearest others.
-SparseMatrix sparse_affinities(const MethodInput& input) {
+ConditionalRows sparse_affinities(const MethodInput& input, ValueForm form) {
     const int K = affinity_neighbours(input.options, input.X.rows);
     if (!bar_of(input.options, "perplexity") && input.options.perplexity > static_cast<double>(K)) {
         tell(input.notes, FitNote::PerplexityAboveNeighbours);
@@ -56,7 +57,30 @@ SparseMatrix sparse_affinities(const MethodInput& input) {
         nearest.emplace(nearest_by_distance(input.X, static_cast<std::size_t>(std::max(K, 0))));
         hooks.cached = &*nearest;
     }
-    return conditional_affinities(input.X, *rows, K, hooks);
+    return conditional_rows(input.X, *rows, K, form, hooks);
+}
+
+/// How uniform affinities are stored: as what tells one value from its double, while the places of
+/// the points leave room for that.
+ValueForm uniform_form(std::size_t N, std::size_t dims) {
+    constexpr std::size_t kPlaces = std::size_t{1} << 31U;
+    return N < kPlaces / std::max<std::size_t>(dims, 1) ? ValueForm::OneOrTwo : ValueForm::Double;
+}
+
+/// Attraction along joint affinities to the nearest neighbours.
+///
+/// @param form  of affinities that are not uniform
+SlicedAttraction attraction_along_neighbours(const MethodInput& input, ValueForm form) {
+    const std::size_t N = input.X.rows;
+    const auto dims = static_cast<std::size_t>(input.options.out_dims);
+    const bool is_uniform = input.options.affinity == AffinityKind::Uniform;
+    ConditionalRows rows = sparse_affinities(input, is_uniform ? uniform_form(N, dims) : form);
+    tell(input.on_stage, Stage::Affinities, 0, 0);
+    MallocArray<std::uint32_t> order;
+    if (N >= kLeastReordered) {
+        order = neighbour_order(rows.columns.get(), N, rows.row_length);
+    }
+    return {joint_matrix(std::move(rows), dims, std::move(order)), dims};
 }
 
 /// Attraction among nearest neighbours, and a repulsion that is made once the affinities are there,
@@ -65,15 +89,8 @@ template <typename MakeRepulsion>
 std::unique_ptr<Objective> make_sparse(const MethodInput& input,
                                        const MakeRepulsion& make_repulsion) {
     const std::size_t N = input.X.rows;
-    SparseMatrix P;
-    {
-        const SparseMatrix conditional = sparse_affinities(input);
-        tell(input.on_stage, Stage::Affinities, 0, 0);
-        P = symmetrized(conditional.view(), N);
-    }
-    divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
-    SlicedAttraction attraction(SlicedMatrix(std::move(P), N, dims), dims);
+    SlicedAttraction attraction = attraction_along_neighbours(input, ValueForm::Double);
     SparseForces forces(N, dims, make_repulsion(N, dims));
     return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
 }
@@ -102,16 +119,21 @@ MethodMemory exact_memory(const RunSize& size) {
     return {8.0 * N * D + 16.0 * N * N, 8.0 * N * N, 0.0};
 }
 
-/// What methods take that have nearest neighbours.
+/// Joint affinities to the nearest neighbours, and attraction along them.
 ///
-/// @param repulsion  what repulsive forces take beside themselves
-MethodMemory sparse_memory(const RunSize& size, double repulsion) {
+/// @param value_bytes  of an affinity that is not uniform
+MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const auto N = static_cast<double>(size.rows);
     const auto D = static_cast<double>(size.columns);
     const auto d = static_cast<double>(size.options.out_dims);
     const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
     const double entries = N * K;
-    const double symmetric = symmetric_share(size.columns) * entries;
+    const double entry_bytes =
+        4.0 + (size.options.affinity == AffinityKind::Uniform ? 0.0 : value_bytes);
+    const double joint = entry_bytes * symmetric_share(size.columns) * entries;
+    const double window =
+        entry_bytes * K * std::min(N, static_cast<double>(SliceLayout::kWindowRows));
+    const double reordered = size.rows < kLeastReordered ? 0.0 : 16.0 * N + 8.0 * N * d;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
     const bool is_given = holds_distances(size.options);
@@ -119,22 +141,29 @@ MethodMemory sparse_memory(const RunSize& size, double repulsion) {
     // Lists of neighbours, before they are joined and after, are all that distances need.
     const double searching =
         is_given ? 32.0 * entries : of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
-    const double symmetrizing = 8.0 * entries + 8.0 * N + 12.0 * symmetric;
-    return {12.0 * entries + std::max(searching, symmetrizing),
-            12.0 * symmetric + 40.0 * N + 8.0 * N * d + repulsion,
+    const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
+    return {graph + std::max({entry_bytes * entries + searching,
+                              (entry_bytes + 1.0) * entries + 12.0 * N,
+                              joint + window + 50.0 * N + reordered}),
+            joint + 38.0 * N + reordered,
             is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
 }
 
 MethodMemory barnes_hut_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto d = static_cast<double>(size.options.out_dims);
-    return sparse_memory(size, 145.0 * N + 36.0 * N * d);
+    MethodMemory memory = neighbours_memory(size, sizeof(double));
+    memory.fitting += 153.0 * N + 44.0 * N * d;
+    return memory;
 }
 
 MethodMemory mesh_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
+    const auto d = static_cast<double>(size.options.out_dims);
     const double cells = 2200.0 * std::sqrt(N);
-    return sparse_memory(size, 24.0 * N + 45.0 * cells);
+    MethodMemory memory = neighbours_memory(size, sizeof(double));
+    memory.fitting += 32.0 * N + 8.0 * N * d + 45.0 * cells;
+    return memory;
 }
 
 std::optional<LighterFit> lighter_than_exact(const FitOptions& options) {

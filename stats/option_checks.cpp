@@ -6,6 +6,7 @@
 #include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/sample_start.h"
 #include "stats/schedule.h"
 #include "util/counted.h"
 #include "util/input_error.h"
@@ -144,7 +145,14 @@ void check_start(const FitOptions& options,
                  std::size_t rows,
                  std::size_t columns,
                  const OptionSource& source) {
-    if (options.start != StartKind::Pca) {
+    if (options.start == StartKind::Sample && rows < kLeastSampledFrom) {
+        throw InputError(spelled(options, source, "start") + " is for " +
+                         std::to_string(kLeastSampledFrom) + " rows or more, and the matrix has " +
+                         std::to_string(rows) +
+                         "\nTake another start: with so few rows it takes "
+                         "no longer.");
+    }
+    if (options.start != StartKind::Pca && options.start != StartKind::Sample) {
         return;
     }
     const auto dims = static_cast<std::size_t>(options.out_dims);
@@ -186,7 +194,8 @@ void check_options_together(const FitOptions& options, const OptionSource& sourc
         options, [&](const auto& option) { refuse_without_effect(options, source, option.words); });
     check_stop(options, source);
     check_method(options, source);
-    if (options.metric == MetricKind::Precomputed && options.start == StartKind::Pca) {
+    if (options.metric == MetricKind::Precomputed &&
+        (options.start == StartKind::Pca || options.start == StartKind::Sample)) {
         throw InputError(spelled(options, source, "start") + " does not go with " +
                          spelled(options, source, "metric") +
                          ": distances have no components\nLeave one of them out.");

@@ -2,7 +2,6 @@
 
 #include <cfloat>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
 namespace ovik {
@@ -18,21 +17,30 @@ SlicedAttraction::SlicedAttraction(SlicedMatrix P, std::size_t dims)
     : P_(std::move(P)),
       dims_(dims),
       kernels_(slice_kernels(instruction_set())),
-      log_sums_(malloc_array<double>(P_.sliceCount())) {
+      log_sums_(malloc_array<double>(P_.sliceCount() * kSliceRows)) {
     require_allocated(log_sums_);
+    if (P_.isReordered()) {
+        points_ = malloc_array<double>(P_.rowCount() * dims);
+        require_allocated(points_);
+    }
+}
+
+void SlicedAttraction::prepare(const double* Y) {
+    if (points_ != nullptr) {
+        P_.pointsInOrder(Y, points_.get());
+    }
 }
 
 void SlicedAttraction::pass(const double* Y, IndexRange rows, double* forces, bool with_cost) {
     const std::size_t begin = rows.begin / kSliceRows;
     const std::size_t end = (rows.end + kSliceRows - 1) / kSliceRows;
     double* const log_sums = with_cost ? log_sums_.get() : nullptr;
-    kernels_.pass(P_.slices(), Y, dims_, begin, end, forces, log_sums);
+    kernels_.pass(P_.slices(), inOrder(Y), dims_, begin, end, forces, log_sums);
 }
 
 double SlicedAttraction::cost(const double* Y, double Z) {
     const AffinitySums& sums = P_.sums();
-    const double* const log_sums = log_sums_.get();
-    const double log_sum = std::accumulate(log_sums, log_sums + P_.sliceCount(), 0.0);
+    const double log_sum = P_.sumOfLanes(log_sums_.get());
     const double cost = sums.entropy + kLogarithmUnit * (log_sum + kLogarithmOffset * sums.weight) +
                         std::log(Z) * sums.weight;
     // Not a number, if a guard may matter.
@@ -41,12 +49,13 @@ double SlicedAttraction::cost(const double* Y, double Z) {
 
 /// The entries added one after the other, row by row.
 double SlicedAttraction::plainCost(const double* Y, double Z) const {
+    const double* const points = inOrder(Y);
     double cost = 0.0;
     for (std::size_t n = 0; n < P_.rowCount(); ++n) {
         P_.forEachEntry(n, [&, own = Y + n * dims_](std::size_t place, double p) {
             double squared_distance = 0.0;
             for (std::size_t d = 0; d < dims_; ++d) {
-                const double difference = own[d] - Y[place + d];
+                const double difference = own[d] - points[place + d];
                 squared_distance += difference * difference;
             }
             const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;

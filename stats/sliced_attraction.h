@@ -25,16 +25,25 @@ class SlicedAttraction : public Attraction {
 
     [[nodiscard]] const SlicedMatrix& matrix() const { return P_; }
 
+    void prepare(const double* Y) override;
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
 
   private:
+    /// The embedding in the order in which the rows of the matrix lie.
+    [[nodiscard]] const double* inOrder(const double* Y) const {
+        return points_ != nullptr ? points_.get() : Y;
+    }
+
     [[nodiscard]] double plainCost(const double* Y, double Z) const;
 
     SlicedMatrix P_;
     std::size_t dims_;
     SliceKernels kernels_;
+    /// Of each row of the slices.
     MallocArray<double> log_sums_;
+    /// Null if the rows lie in their own order.
+    MallocArray<double> points_;
 };
 
 }  // namespace ovik

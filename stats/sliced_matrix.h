@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "stats/kernels/slice_pass.h"
+#include "stats/slice_layout.h"
 #include "stats/sparse_matrix.h"
 #include "util/malloc_pointer.h"
-#include "util/parallel.h"
 
 namespace ovik {
 
@@ -20,11 +20,28 @@ struct AffinitySums {
     double weight;
 };
 
+/// The entries of a matrix as they lie in slices.
+struct SliceEntries {
+    /// Where the point of each entry's column begins, and with `ValueForm::OneOrTwo` whether its
+    /// value is twice the factor; 0 where there is no entry.
+    MallocArray<std::uint32_t> places;
+    ValueForm form = ValueForm::Double;
+    /// With `ValueForm::Double`, from `values` on, which is at a cache line.
+    MallocArray<double> value_block;
+    double* values = nullptr;
+    /// The same with `ValueForm::Single`.
+    MallocArray<float> single_block;
+    float* singles = nullptr;
+    /// Of the other forms.
+    double factor = 1.0;
+};
+
 /// A sparse matrix of joint affinities as the passes over its entries read it: in slices of eight
 /// rows, which are computed side by side, each with its entries in order.
 ///
-/// Within every window of 4096 rows, rows of like length share a slice, so that little is filled
-/// up.
+/// The rows may lie in another order than that of the matrix, so that those that have entries of
+/// one another are near in memory; the points of an embedding have to be brought into that order
+/// before a pass (`pointsInOrder`). Results do not depend on it.
 ///
 /// @par Source Monakov, Lokhmotov and Avetisyan, "Automatically tuning sparse matrix-vector
 /// multiplication for GPU architectures", HiPEAC 2010; for the windows Kreutzer et al., "A unified
@@ -44,15 +61,27 @@ class SlicedMatrix {
     /// Takes the place of a matrix, whose blocks are released as soon as they have been read.
     SlicedMatrix(SparseMatrix P, std::size_t N, std::size_t dims);
 
-    [[nodiscard]] std::size_t rowCount() const { return N_; }
+    /// Of entries that lie in slices already.
+    ///
+    /// @param layout       of the rows in the order in which they lie
+    /// @param entry_count  those that count
+    /// @param order        the row at each place of that order; null for their own
+    /// @throws WorkMemoryError
+    SlicedMatrix(SliceLayout layout,
+                 SliceEntries entries,
+                 std::size_t entry_count,
+                 std::size_t dims,
+                 MallocArray<std::uint32_t> order);
+
+    [[nodiscard]] std::size_t rowCount() const { return layout_.rowCount(); }
 
     [[nodiscard]] std::size_t entryCount() const { return entry_count_; }
 
-    [[nodiscard]] std::size_t sliceCount() const { return (N_ + kSliceRows - 1) / kSliceRows; }
+    [[nodiscard]] std::size_t sliceCount() const { return layout_.sliceCount(); }
 
-    [[nodiscard]] MatrixSlices slices() const {
-        return {starts_.get(), rows_.get(), lengths_.get(), places_.get(), values_};
-    }
+    [[nodiscard]] std::size_t storedCount() const { return layout_.storedCount(); }
+
+    [[nodiscard]] MatrixSlices slices() const;
 
     /// Multiplies every value.
     void multiply(double factor);
@@ -60,46 +89,78 @@ class SlicedMatrix {
     /// Divides every value.
     void divide(double divisor);
 
+    /// Divides every value by the sum of all, which is formed in the order of the rows.
+    void divideBySum();
+
     /// The sums of the values as they stand; formed when they are asked for first.
     const AffinitySums& sums();
 
+    /// Whether the rows lie in another order than that of the matrix.
+    [[nodiscard]] bool isReordered() const { return order_ != nullptr; }
+
+    /// Copies the points of an embedding in the order in which the rows lie.
+    ///
+    /// @param Y   row-major, N x dims
+    /// @param to  of the same shape
+    void pointsInOrder(const double* Y, double* to) const;
+
+    /// Where in the order of the slices the point of a row is.
+    [[nodiscard]] std::size_t positionOf(std::size_t row) const {
+        return layout_.rows()[laneOf(row)];
+    }
+
+    /// Adds what a pass has written for each row of the slices: by slices of the rows in their own
+    /// order, whatever the one in which they lie.
+    ///
+    /// @param lane_values  `kSliceRows` for each slice
+    [[nodiscard]] double sumOfLanes(const double* lane_values) const;
+
     /// Runs `visit(place, value)` for the entries of a row in their order, where `place` is where
-    /// the point of the column begins in an embedding.
+    /// the point of the column begins in an embedding in the order of the slices.
     template <typename Visit>
     void forEachEntry(std::size_t row, const Visit& visit) const {
-        const std::size_t lane = lane_of_row_[row];
-        const std::size_t first = starts_[lane / kSliceRows] * kSliceRows + lane % kSliceRows;
-        for (std::size_t k = 0; k < lengths_[lane]; ++k) {
-            visit(std::size_t{places_[first + k * kSliceRows]}, values_[first + k * kSliceRows]);
+        const std::size_t lane = laneOf(row);
+        const std::size_t first = layout_.firstOf(lane);
+        for (std::size_t k = 0; k < layout_.lengths()[lane]; ++k) {
+            const std::size_t i = first + k * kSliceRows;
+            visit(placeAt(i), valueAt(i));
         }
     }
 
   private:
-    SlicedMatrix(const unsigned int* row_P, std::size_t N, std::size_t dims);
+    [[nodiscard]] std::size_t laneOf(std::size_t row) const {
+        return lane_of_row_ != nullptr ? lane_of_row_[row] : layout_.lanes()[row];
+    }
 
-    /// Steps of all slices times the rows of a slice.
-    [[nodiscard]] std::size_t storedCount() const { return starts_[sliceCount()] * kSliceRows; }
+    [[nodiscard]] std::size_t placeAt(std::size_t i) const {
+        return entries_.places[i] >> (entries_.form == ValueForm::OneOrTwo ? 1U : 0U);
+    }
 
-    void sortWindow(const unsigned int* row_P, IndexRange rows);
-    void takeColumns(const unsigned int* row_P, const unsigned int* col_P);
+    [[nodiscard]] double valueAt(std::size_t i) const;
+
+    void takeColumns(const unsigned int* row_P, const unsigned int* col_P, std::size_t dims);
     void takeValues(const unsigned int* row_P, const double* val_P);
     template <typename Value, typename Convert>
     void fill(const unsigned int* row_P, Value* values, const Convert& convert) const;
+    void rememberOrder();
+    [[nodiscard]] double plainSum() const;
     [[nodiscard]] AffinitySums formSums();
 
-    std::size_t N_;
-    std::size_t dims_;
+    SliceLayout layout_;
+    SliceEntries entries_;
     std::size_t entry_count_;
-    MallocArray<std::size_t> starts_;
-    MallocArray<std::uint32_t> rows_;
-    MallocArray<std::uint32_t> lengths_;
-    /// Of each row: its slice and place in it, as an index of `rows_`.
+    std::size_t dims_;
+    /// The row at each place of the order in which they lie; null for their own, and so are the
+    /// others.
+    MallocArray<std::uint32_t> order_;
     MallocArray<std::uint32_t> lane_of_row_;
-    MallocArray<std::uint32_t> places_;
-    MallocArray<double> value_block_;
-    /// In `value_block_`, where a cache line begins.
-    double* values_ = nullptr;
-    /// Of each slice, while the sums are formed.
+    /// The rows of the slices as the matrix counts them.
+    MallocArray<std::uint32_t> targets_;
+    /// Where the rows lie that would share slices in their own order; `kNoRow` for none.
+    MallocArray<std::uint32_t> plain_lanes_;
+    /// Of each row of the slices, while the sums are formed.
+    MallocArray<double> lane_sums_;
+    /// Of each slice, while values are added up.
     MallocArray<double> slice_sums_;
     std::optional<AffinitySums> sums_;
 };

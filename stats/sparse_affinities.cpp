@@ -14,6 +14,7 @@
 #include "neighbours/neighbour_search.h"
 #include "stats/cached_neighbours.h"
 #include "stats/row_affinities.h"
+#include "util/huge_pages.h"
 #include "util/malloc_array.h"
 #include "util/parallel.h"
 
@@ -28,39 +29,43 @@ void check_entry_count(std::size_t entries) {
     }
 }
 
-/// Fills rows of the matrix of conditional affinities.
+/// Fills the rows of conditional affinities.
 class RowFiller {
   public:
-    /// @param K             entries of a row
     /// @param worker_count  how many workers fill rows side by side
-    /// @param matrix        has to outlive the object
+    /// @param conditional   has to outlive the object
     /// @param graph         null, or what takes the neighbours; filled up beforehand
+    /// @throws WorkMemoryError
     RowFiller(RowAffinities& rows,
-              std::size_t K,
               std::size_t worker_count,
-              SparseMatrix& matrix,
+              ConditionalRows& conditional,
               NeighbourGraph* graph)
         : rows_(rows),
-          K_(K),
-          matrix_(matrix),
+          K_(conditional.row_length),
+          conditional_(conditional),
           graph_(graph) {
-        rows_.prepare(worker_count, K);
+        rows_.prepare(worker_count, K_);
+        if (conditional_.form == ValueForm::Single) {
+            scratch_.assign(worker_count, std::vector<double>(K_));
+        }
+        if (conditional_.form == ValueForm::OneOrTwo) {
+            found_ = malloc_array<unsigned int>(conditional_.rows);
+            require_allocated(found_);
+        }
     }
 
     /// Fills the row of point n: columns nearest first, and their affinities.
     ///
     /// @param nearest  the point itself and its neighbours
     void fill(std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
-        unsigned int* const columns = matrix_.col_P.get() + n * K_;
-        double* const affinities = matrix_.val_P.get() + n * K_;
+        unsigned int* const columns = conditional_.columns.get() + n * K_;
         const std::span<const NearRow> others = nearest.subspan(nearest.empty() ? 0 : 1);
         const std::size_t count = others.size();
         for (std::size_t m = 0; m < count; ++m) {
             columns[m] = others[m].row;
         }
-        rows_.fill(others, affinities, worker);
         std::fill(columns + count, columns + K_, static_cast<unsigned int>(n));
-        std::fill(affinities + count, affinities + K_, 0.0);
+        fillAffinities(n, others, worker);
         if (graph_ != nullptr) {
             for (std::size_t m = 0; m < count; ++m) {
                 graph_->neighbours[n * K_ + m] = others[m].row;
@@ -69,12 +74,80 @@ class RowFiller {
         }
     }
 
+    /// Once all rows are filled: where one has fewer neighbours than others, uniform affinities are
+    /// more than one number after all.
+    ///
+    /// @throws WorkMemoryError
+    void finish() {
+        const std::size_t N = conditional_.rows;
+        if (conditional_.form != ValueForm::OneOrTwo ||
+            std::all_of(found_.get(), found_.get() + N, [this](unsigned int count) {
+                return count == K_;
+            })) {
+            return;
+        }
+        conditional_.form = ValueForm::Double;
+        conditional_.doubles = calloc_array<double>(N * K_);
+        require_allocated(conditional_.doubles);
+        for (std::size_t n = 0; n < N; ++n) {
+            std::fill_n(conditional_.doubles.get() + n * K_,
+                        found_[n],
+                        1.0 / static_cast<double>(found_[n]));
+        }
+    }
+
   private:
+    void fillAffinities(std::size_t n, std::span<const NearRow> others, std::size_t worker) {
+        if (conditional_.form == ValueForm::OneOrTwo) {
+            found_[n] = static_cast<unsigned int>(others.size());
+            return;
+        }
+        const bool is_double = conditional_.form == ValueForm::Double;
+        double* const affinities =
+            is_double ? conditional_.doubles.get() + n * K_ : scratch_[worker].data();
+        rows_.fill(others, affinities, worker);
+        std::fill(affinities + others.size(), affinities + K_, 0.0);
+        if (!is_double) {
+            std::transform(affinities,
+                           affinities + K_,
+                           conditional_.singles.get() + n * K_,
+                           [](double affinity) { return static_cast<float>(affinity); });
+        }
+    }
+
     RowAffinities& rows_;
     std::size_t K_;
-    SparseMatrix& matrix_;
+    ConditionalRows& conditional_;
     NeighbourGraph* graph_;
+    /// A row for each worker.
+    std::vector<std::vector<double>> scratch_;
+    /// How many neighbours each row has.
+    MallocArray<unsigned int> found_;
 };
+
+/// Zeroed room for rows of some length.
+///
+/// @throws WorkMemoryError
+ConditionalRows room_for(std::size_t N, std::size_t row_length, ValueForm form) {
+    const std::size_t count = N * row_length;
+    ConditionalRows rows;
+    rows.rows = N;
+    rows.row_length = row_length;
+    rows.form = form;
+    rows.columns = calloc_array<unsigned int>(count);
+    require_allocated(rows.columns);
+    prefer_huge_pages(rows.columns.get(), count * sizeof(unsigned int));
+    if (form == ValueForm::Double) {
+        rows.doubles = calloc_array<double>(count);
+        require_allocated(rows.doubles);
+        prefer_huge_pages(rows.doubles.get(), count * sizeof(double));
+    } else if (form == ValueForm::Single) {
+        rows.singles = calloc_array<float>(count);
+        require_allocated(rows.singles);
+        prefer_huge_pages(rows.singles.get(), count * sizeof(float));
+    }
+    return rows;
+}
 
 constexpr unsigned int kNotStored = static_cast<unsigned int>(-1);
 
@@ -285,23 +358,17 @@ SparseMatrix neighbour_affinities(const double* points,
     return conditional_affinities({points, N, dims}, rows, K, hooks);
 }
 
-SparseMatrix conditional_affinities(MatrixView<const double> points,
-                                    RowAffinities& rows,
-                                    int K,
-                                    const NeighbourHooks& hooks) {
+ConditionalRows conditional_rows(MatrixView<const double> points,
+                                 RowAffinities& rows,
+                                 int K,
+                                 ValueForm form,
+                                 const NeighbourHooks& hooks) {
     const std::size_t N = points.rows;
     if (K < 0 && N > 0) {
         throw WorkMemoryError();
     }
     const auto row_length = static_cast<std::size_t>(std::max(K, 0));
-    check_entry_count(N * row_length);
-    SparseMatrix matrix{malloc_array<unsigned int>(N + 1),
-                        calloc_array<unsigned int>(N * row_length),
-                        calloc_array<double>(N * row_length)};
-    require_allocated(matrix.row_P, matrix.col_P, matrix.val_P);
-    for (std::size_t n = 0; n <= N; ++n) {
-        matrix.row_P[n] = static_cast<unsigned int>(n * row_length);
-    }
+    ConditionalRows conditional = room_for(N, row_length, form);
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
     // Null for the search of the cache.
     const std::unique_ptr<NeighbourSearch> own_search =
@@ -313,9 +380,8 @@ SparseMatrix conditional_affinities(MatrixView<const double> points,
     }
     RowFiller filler(
         rows,
-        row_length,
         hooks.cached != nullptr ? hooks.cached->workerCount() : own_search->workerCount(),
-        matrix,
+        conditional,
         hooks.graph);
     StageCount count(hooks.on_stage, Stage::Neighbours, N);
     const auto fill = [&](std::size_t n, std::span<const NearRow> nearest, std::size_t worker) {
@@ -327,7 +393,24 @@ SparseMatrix conditional_affinities(MatrixView<const double> points,
     } else {
         own_search->findAll(points.values, row_length + 1, fill);
     }
-    return matrix;
+    filler.finish();
+    return conditional;
+}  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
+
+SparseMatrix conditional_affinities(MatrixView<const double> points,
+                                    RowAffinities& rows,
+                                    int K,
+                                    const NeighbourHooks& hooks) {
+    const std::size_t N = points.rows;
+    const auto row_length = static_cast<std::size_t>(std::max(K, 0));
+    check_entry_count(N * row_length);
+    auto row_P = malloc_array<unsigned int>(N + 1);
+    require_allocated(row_P);
+    for (std::size_t n = 0; n <= N; ++n) {
+        row_P[n] = static_cast<unsigned int>(n * row_length);
+    }
+    ConditionalRows conditional = conditional_rows(points, rows, K, ValueForm::Double, hooks);
+    return {std::move(row_P), std::move(conditional.columns), std::move(conditional.doubles)};
 }  // NOLINT(clang-analyzer-unix.Malloc): the result owns its blocks
 
 SparseMatrix symmetrized(const SparseMatrixView& P, std::size_t N) {

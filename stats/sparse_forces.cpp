@@ -108,6 +108,7 @@ double SparseForces::computeForces(Attraction& attraction,
     const auto worker_share = static_cast<std::size_t>(workers);
     SharedTasks attractive_tasks(tasks, worker_share);
     SharedPreparation preparation(*repulsion_, Y, worker_share);
+    attraction.prepare(Y);
     // Attraction does not need what repulsion prepares: it is done while that begins. The parts
     // come last, so that who builds some of them finds them in the cache when points are pushed.
     parallel_for(worker_share, 1, [&](std::size_t worker, IndexRange /*share*/) {

@@ -757,7 +757,8 @@ void check_comparison(const CLI::App& app, const Options& options) {
 
 /// @throws InputError if all seeds would start at the same places
 void check_seed_starts(const Options& options) {
-    if (options.seeds == 1 || options.fit.start == StartKind::Random) {
+    if (options.seeds == 1 || options.fit.start == StartKind::Random ||
+        options.fit.start == StartKind::Sample) {
         return;
     }
     throw InputError("--seeds: " +

@@ -83,7 +83,7 @@ requirements <- c(
   affinity = "\"perplexity\" or \"uniform\"",
   neighbours = "a whole number from 1 to 2147483647",
   multiscale = "up to 8 different numbers, each at least 1, at most 1e9",
-  start = "\"random\", \"pca\" or a matrix of coordinates",
+  start = "\"random\", \"pca\", \"sample\" or a matrix of coordinates",
   schedule = "\"classic\" or \"annealed\"",
   hold_iter = "a whole number from 0 to 2147483647",
   release_iter = "a whole number from 0 to 2147483647",

@@ -41,7 +41,7 @@ class FitParameters:
         affinity: Literal["perplexity", "uniform"] = "perplexity",
         neighbours: int = 15,
         multiscale: Sequence[float] | None = None,
-        init: Literal["random", "pca"] | ArrayLike = "random",
+        init: Literal["random", "pca", "sample"] | ArrayLike = "random",
         schedule: Literal["classic", "annealed"] = "classic",
         hold_iter: int = 125,
         release_iter: int = 125,
@@ -145,7 +145,7 @@ DESCRIPTIONS = """\
     exaggeration : float, default 12.0
         Factor of the similarities until early exaggeration ends, at least 1, at most 1e6.
     start_spread : float, default 0.0001
-        Standard deviation of a random start, or of one by components along the first, above 0, at most 1e6.
+        Standard deviation of a start, where it is widest, but for coordinates, above 0, at most 1e6.
     momentum : float, default 0.5
         Share of a step that the next one repeats, before the momentum switch, at least 0, below 1.
     final_momentum : float, default 0.8
@@ -160,7 +160,7 @@ DESCRIPTIONS = """\
         Nearest neighbours that get uniform affinities, at least 1.
     multiscale : list of float or None, default None
         Perplexities whose affinities are averaged, each at least 1, at most 1e9.
-    init : {"random", "pca"} or array-like of shape (n_samples, n_components), default "random"
+    init : {"random", "pca", "sample"} or array-like of shape (n_samples, n_components), default "random"
         Where the points of the map start.
     schedule : {"classic", "annealed"}, default "classic"
         Course of exaggeration, momentum and learning rate.

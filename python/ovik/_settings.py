@@ -11,7 +11,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 PRESETS = ("classic", "refined")
-_STARTS = ("random", "pca")
+_STARTS = ("random", "pca", "sample")
 _SEEDS = 2**31
 
 
@@ -79,7 +79,7 @@ def start_of(
     if isinstance(init, str):
         if init not in _STARTS:
             raise ValueError(
-                f'init should be "random", "pca" or an array of the shape {shape}, not {init!r}\n'
+                f'init should be "random", "pca", "sample" or an array of the shape {shape}, not {init!r}\n'
                 "Another start can be computed and given as an array."
             )
         return None
@@ -89,7 +89,7 @@ def start_of(
         start = np.array(init, dtype=np.float64, order="C")
     except (TypeError, ValueError) as error:
         raise ValueError(
-            f'init should be "random", "pca" or an array of numbers: {error}'
+            f'init should be "random", "pca", "sample" or an array of numbers: {error}'
         ) from error
     if start.shape != shape:
         raise ValueError(

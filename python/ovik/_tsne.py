@@ -389,7 +389,7 @@ class TSNE(FitParameters):
         seeds = whole_number("seeds", self.seeds, 1, 1000)
         if seeds > 1 and self.callbacks is not None:
             raise ValueError(f"seeds={seeds}: callbacks follow one fit\nLeave one of them out.")
-        if seeds > 1 and kind_of_start != "random":
+        if seeds > 1 and kind_of_start not in ("random", "sample"):
             raise ValueError(
                 f"seeds={seeds}: every seed has the same start, and so the same map, where init is not "
                 '"random"\nLeave seeds out, or give init="random".'

@@ -34,58 +34,120 @@ inline Lanes of_counted(Mask counted, Lanes a) {
     return keep(counted, a);
 }
 
+/// The values of entries in one of their forms, and where in the embedding their points begin.
+template <ValueForm Form>
+struct Values;
+
+template <>
+struct Values<ValueForm::Double> {
+    static constexpr unsigned int kPlaceShift = 0;
+
+    explicit Values(const MatrixSlices& P, std::size_t first) : next(P.values + first) {}
+
+    [[nodiscard]] Lanes get(const std::uint32_t* /*places*/) const { return load(next); }
+
+    void step() {
+        prefetch(next, kStepsAhead * kSliceRows * sizeof *next);
+        next += kSliceRows;
+    }
+
+    const double* next;
+};
+
+template <>
+struct Values<ValueForm::Single> {
+    static constexpr unsigned int kPlaceShift = 0;
+
+    explicit Values(const MatrixSlices& P, std::size_t first)
+        : next(P.singles + first),
+          factor(broadcast(P.factor)) {}
+
+    [[nodiscard]] Lanes get(const std::uint32_t* /*places*/) const {
+        return widened(next) * factor;
+    }
+
+    void step() {
+        prefetch(next, kStepsAhead * kSliceRows * sizeof *next);
+        next += kSliceRows;
+    }
+
+    const float* next;
+    Lanes factor;
+};
+
+template <>
+struct Values<ValueForm::OneOrTwo> {
+    static constexpr unsigned int kPlaceShift = 1;
+
+    explicit Values(const MatrixSlices& P, std::size_t /*first*/) : factor(broadcast(P.factor)) {}
+
+    [[nodiscard]] Lanes get(const std::uint32_t* places) const {
+        return factor + factor * lowest_bits(places);
+    }
+
+    void step() {}
+
+    Lanes factor;
+};
+
 /// As many rows of a slice as there are lanes.
+template <ValueForm Form>
 class Group {
   public:
+    static constexpr unsigned int kPlaceShift = Values<Form>::kPlaceShift;
+
     Group(const MatrixSlices& P, std::size_t slice, std::size_t group)
         : rows_(P.rows + slice * kSliceRows + group * kLanes),
+          targets_(P.targets + slice * kSliceRows + group * kLanes),
           lengths_(P.lengths + slice * kSliceRows + group * kLanes),
           places_(P.places + P.starts[slice] * kSliceRows + group * kLanes),
-          values_(P.values + P.starts[slice] * kSliceRows + group * kLanes) {}
+          values_(P, P.starts[slice] * kSliceRows + group * kLanes) {}
 
     [[nodiscard]] bool hasRow(std::size_t lane) const { return rows_[lane] != kNoRow; }
 
     [[nodiscard]] std::size_t row(std::size_t lane) const { return rows_[lane]; }
 
-    /// Runs `take(places, values, counted)` for step after step: first those in which all rows have
-    /// an entry.
+    [[nodiscard]] std::size_t target(std::size_t lane) const { return targets_[lane]; }
+
+    /// Runs `take(places, p, counted)` for step after step: first those in which all rows have an
+    /// entry.
     template <typename Take>
     void forEachStep(const Take& take) const {
         const std::uint32_t* places = places_;
-        const double* values = values_;
+        Values<Form> values = values_;
         std::uint32_t step = 0;
         for (; step < lengths_[kLanes - 1]; ++step) {
-            prefetch(values, kStepsAhead * kSliceRows * sizeof *values);
             prefetch(places, kStepsAhead * kSliceRows * sizeof *places);
-            take(places, values, EveryLane());
+            take(places, values.get(places), EveryLane());
             places += kSliceRows;
-            values += kSliceRows;
+            values.step();
         }
         for (; step < lengths_[0]; ++step) {
             Mask counted = 0;
             for (std::size_t lane = 0; lane < kLanes; ++lane) {
                 counted |= Mask{step < lengths_[lane]} << lane;
             }
-            take(places, values, counted);
+            take(places, values.get(places), counted);
             places += kSliceRows;
-            values += kSliceRows;
+            values.step();
         }
     }
 
   private:
     const std::uint32_t* rows_;
+    const std::uint32_t* targets_;
     const std::uint32_t* lengths_;
     const std::uint32_t* places_;
-    const double* values_;
+    Values<Form> values_;
 };
 
 /// The forces on a group of rows and their part of the cost. With `Dims` 0 the number of
 /// dimensions is known only when it runs.
-template <std::size_t Dims, bool WithForces, bool WithCost>
+template <ValueForm Form, std::size_t Dims, bool WithForces, bool WithCost>
 class GroupPass {
   public:
     /// @param forces  row-major, N x dims, null if none are wanted
-    GroupPass(const Group& group, const double* Y, std::size_t dims, double* forces)
+    GroupPass(const Group<Form>& group, const double* Y, std::size_t dims, double* forces)
         : group_(group),
           Y_(Y),
           dims_(Dims > 0 ? Dims : dims),
@@ -104,10 +166,9 @@ class GroupPass {
 
     /// Takes an entry of each row.
     template <typename Counted>
-    void take(const std::uint32_t* places, const double* values, Counted counted) {
+    void take(const std::uint32_t* places, Lanes p, Counted counted) {
         Lanes offsets[kKnownDims];
         const Lanes inverse_q = 1.0 + squaredDistances(places, offsets);
-        const Lanes p = load(values);
         if constexpr (WithForces) {
             const Lanes factor = p * (1.0 / inverse_q);
             if constexpr (Dims > 0) {
@@ -137,6 +198,9 @@ class GroupPass {
   private:
     static constexpr std::size_t kKnownDims = Dims > 0 ? Dims : 1;
 
+    /// Where a point begins, of which an entry has the place in its form.
+    static std::size_t placeOf(std::uint32_t place) { return place >> Group<Form>::kPlaceShift; }
+
     [[nodiscard]] Lanes ownCoordinates(std::size_t d) const {
         return each_lane([=, this](std::size_t lane) {
             return group_.hasRow(lane) ? Y_[group_.row(lane) * dims_ + d] : 0.0;
@@ -147,12 +211,12 @@ class GroupPass {
     /// offsets if `Dims` is not 0.
     Lanes squaredDistances(const std::uint32_t* places, Lanes* offsets) const {
         if constexpr (Dims == 2) {
-            gather_pairs<1>(Y_, places, offsets);
+            load_pairs([=, this](std::size_t lane) { return Y_ + placeOf(places[lane]); }, offsets);
         }
         Lanes squared_distance{};
         for (std::size_t d = 0; d < dims_; ++d) {
             const Lanes other = Dims == 2 ? offsets[d] : each_lane([=, this](std::size_t lane) {
-                return Y_[std::size_t{places[lane]} + d];
+                return Y_[placeOf(places[lane]) + d];
             });
             const Lanes offset = (Dims > 0 ? own_[d] : ownCoordinates(d)) - other;
             const Lanes square = offset * offset;
@@ -166,8 +230,9 @@ class GroupPass {
     void addForces(const std::uint32_t* places, Lanes factor) {
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
             for (std::size_t d = 0; group_.hasRow(lane) && d < dims_; ++d) {
-                const std::size_t own = group_.row(lane) * dims_ + d;
-                all_forces_[own] += factor[lane] * (Y_[own] - Y_[std::size_t{places[lane]} + d]);
+                const double own = Y_[group_.row(lane) * dims_ + d];
+                all_forces_[group_.target(lane) * dims_ + d] +=
+                    factor[lane] * (own - Y_[placeOf(places[lane]) + d]);
             }
         }
     }
@@ -176,7 +241,7 @@ class GroupPass {
     void writeForces(const Force& force) const {
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
             for (std::size_t d = 0; group_.hasRow(lane) && d < dims_; ++d) {
-                all_forces_[group_.row(lane) * dims_ + d] = force(d, lane);
+                all_forces_[group_.target(lane) * dims_ + d] = force(d, lane);
             }
         }
     }
@@ -184,21 +249,12 @@ class GroupPass {
     Lanes own_[kKnownDims]{};
     Lanes forces_[kKnownDims]{};
     Lanes log_sums_{};
-    const Group& group_;
+    const Group<Form>& group_;
     const double* Y_;
     std::size_t dims_;
     double* all_forces_;
     Mask regular_ = kAll;
 };
-
-/// The values of all rows of a slice, added one after the other.
-double sum_of(const double* rows) {
-    double sum = 0.0;
-    for (std::size_t row = 0; row < kSliceRows; ++row) {
-        sum += rows[row];
-    }
-    return sum;
-}
 
 /// A pass over some slices of a matrix.
 struct PassTask {
@@ -211,32 +267,42 @@ struct PassTask {
     double* log_sums;
 };
 
-template <std::size_t Dims, bool WithForces, bool WithCost>
+template <ValueForm Form, std::size_t Dims, bool WithForces, bool WithCost>
 void pass_slices(const PassTask& task) {
     for (std::size_t slice = task.begin; slice < task.end; ++slice) {
-        double log_sums[kSliceRows];
         for (std::size_t i = 0; i < kGroups; ++i) {
-            const Group group(task.P, slice, i);
-            GroupPass<Dims, WithForces, WithCost> pass(group, task.Y, task.dims, task.forces);
-            group.forEachStep([&pass](const std::uint32_t* places,
-                                      const double* values,
-                                      auto counted) { pass.take(places, values, counted); });
-            pass.finish(log_sums + i * kLanes);
-        }
-        if constexpr (WithCost) {
-            task.log_sums[slice] = sum_of(log_sums);
+            const Group<Form> group(task.P, slice, i);
+            GroupPass<Form, Dims, WithForces, WithCost> pass(group, task.Y, task.dims, task.forces);
+            group.forEachStep([&pass](const std::uint32_t* places, Lanes p, auto counted) {
+                pass.take(places, p, counted);
+            });
+            pass.finish(WithCost ? task.log_sums + slice * kSliceRows + i * kLanes : nullptr);
         }
     }
 }
 
-template <std::size_t Dims>
+template <ValueForm Form, std::size_t Dims>
 void pass_in_dims(const PassTask& task) {
     if (task.forces != nullptr && task.log_sums != nullptr) {
-        pass_slices<Dims, true, true>(task);
+        pass_slices<Form, Dims, true, true>(task);
     } else if (task.forces != nullptr) {
-        pass_slices<Dims, true, false>(task);
+        pass_slices<Form, Dims, true, false>(task);
     } else {
-        pass_slices<Dims, false, true>(task);
+        pass_slices<Form, Dims, false, true>(task);
+    }
+}
+
+template <ValueForm Form>
+void pass_in_form(const PassTask& task) {
+    switch (task.dims) {
+        case 1:
+            return pass_in_dims<Form, 1>(task);
+        case 2:
+            return pass_in_dims<Form, 2>(task);
+        case 3:
+            return pass_in_dims<Form, 3>(task);
+        default:
+            return pass_in_dims<Form, 0>(task);
     }
 }
 
@@ -248,44 +314,46 @@ void pass_all(const MatrixSlices& P,
               double* forces,
               double* log_sums) {
     const PassTask task{P, Y, dims, begin, end, forces, log_sums};
-    switch (dims) {
-        case 1:
-            return pass_in_dims<1>(task);
-        case 2:
-            return pass_in_dims<2>(task);
-        case 3:
-            return pass_in_dims<3>(task);
+    switch (P.form) {
+        case ValueForm::Single:
+            return pass_in_form<ValueForm::Single>(task);
+        case ValueForm::OneOrTwo:
+            return pass_in_form<ValueForm::OneOrTwo>(task);
         default:
-            return pass_in_dims<0>(task);
+            return pass_in_form<ValueForm::Double>(task);
+    }
+}
+
+template <ValueForm Form>
+void weigh_in_form(
+    const MatrixSlices& P, std::size_t begin, std::size_t end, double* entropies, double* weights) {
+    for (std::size_t i = begin * kGroups; i < end * kGroups; ++i) {
+        Lanes entropy_sums{};
+        Lanes weight_sums{};
+        Mask regular = kAll;
+        Group<Form>(P, i / kGroups, i % kGroups)
+            .forEachStep([&](const std::uint32_t* /*places*/, Lanes p, auto counted) {
+                const Lanes argument = p + kSmallestNormal;
+                regular &= less(argument, broadcast(kLargestAffinity)) &
+                           less(broadcast(kLargestSubnormal), argument);
+                entropy_sums += of_counted(counted, p * logarithm(argument));
+                weight_sums += of_counted(counted, p);
+            });
+        store(entropies + i * kLanes,
+              regular == kAll ? entropy_sums : broadcast(__builtin_nan("")));
+        store(weights + i * kLanes, weight_sums);
     }
 }
 
 void weigh_slices(
     const MatrixSlices& P, std::size_t begin, std::size_t end, double* entropies, double* weights) {
-    for (std::size_t slice = begin; slice < end; ++slice) {
-        double entropy[kSliceRows];
-        double weight[kSliceRows];
-        for (std::size_t i = 0; i < kGroups; ++i) {
-            Lanes entropy_sums{};
-            Lanes weight_sums{};
-            Mask regular = kAll;
-            // Entries that do not count have the value 0 and add nothing.
-            Group(P, slice, i)
-                .forEachStep(
-                    [&](const std::uint32_t* /*places*/, const double* values, auto /*counted*/) {
-                        const Lanes p = load(values);
-                        const Lanes argument = p + kSmallestNormal;
-                        regular &= less(argument, broadcast(kLargestAffinity)) &
-                                   less(broadcast(kLargestSubnormal), argument);
-                        entropy_sums += p * logarithm(argument);
-                        weight_sums += p;
-                    });
-            store(entropy + i * kLanes,
-                  regular == kAll ? entropy_sums : broadcast(__builtin_nan("")));
-            store(weight + i * kLanes, weight_sums);
-        }
-        entropies[slice] = sum_of(entropy);
-        weights[slice] = sum_of(weight);
+    switch (P.form) {
+        case ValueForm::Single:
+            return weigh_in_form<ValueForm::Single>(P, begin, end, entropies, weights);
+        case ValueForm::OneOrTwo:
+            return weigh_in_form<ValueForm::OneOrTwo>(P, begin, end, entropies, weights);
+        default:
+            return weigh_in_form<ValueForm::Double>(P, begin, end, entropies, weights);
     }
 }
 

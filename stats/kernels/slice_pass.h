@@ -13,17 +13,36 @@ constexpr std::size_t kSliceRows = 8;
 /// In the place of a row where a slice has fewer than `kSliceRows`.
 constexpr std::uint32_t kNoRow = UINT32_MAX;
 
+/// How the values of the entries are held.
+enum class ValueForm {
+    /// Each as it is.
+    Double,
+    /// Each in single precision, to be multiplied by a factor that all share.
+    Single,
+    /// Each is the factor or twice that: the lowest bit of its place tells, and the place is in the
+    /// other bits.
+    OneOrTwo,
+};
+
 /// A sparse matrix of joint affinities in slices of `kSliceRows` rows. Step k of a slice has entry
 /// k of each of its rows; rows with fewer entries are filled up with entries that are not counted.
 struct MatrixSlices {
     /// First step of each slice; one more than there are slices.
     const std::size_t* starts;
-    /// The rows of the slices, and how many entries each has: within a slice the longest first.
+    /// Of each row of the slices, its point in the embedding, and how many entries it has: within a
+    /// slice the longest first.
     const std::uint32_t* rows;
     const std::uint32_t* lengths;
+    /// Which row of the forces each writes.
+    const std::uint32_t* targets;
     /// Of each entry: where in the embedding the point of its column begins.
     const std::uint32_t* places;
+    ValueForm form;
+    /// Of `ValueForm::Double`.
     const double* values;
+    /// Of `ValueForm::Single`.
+    const float* singles;
+    double factor;
 };
 
 /// A logarithm is kLogarithmUnit * (l + kLogarithmOffset), where l is what a pass forms, to within
@@ -39,9 +58,10 @@ struct SliceKernels {
     /// @param forces    row-major, N x dims; the rows of the slices are written: the sum of
     ///                  p * q * (Y_n - Y_m) over the entries of a row in their order, with q = 1 /
     ///                  (1 + squared distance); null if no forces are wanted
-    /// @param log_sums  a value for each slice of the matrix, null if none are wanted; those of the
-    ///                  slices are written: the sum of p * l(1 + squared distance); NaN where a
-    ///                  point lies so far out, at 1e100 or beyond, that the guard of the cost's
+    /// @param log_sums  `kSliceRows` values for each slice of the matrix, null if none are wanted;
+    ///                  those of the slices are written: for each row the sum of
+    ///                  p * l(1 + squared distance), 0 where there is none; NaN for rows beside a
+    ///                  point so far out, at 1e100 or beyond, that the guard of the cost's
     ///                  denominator may matter
     void (*pass)(const MatrixSlices& P,
                  const double* Y,
@@ -53,9 +73,9 @@ struct SliceKernels {
 
     /// What does not depend on the embedding.
     ///
-    /// @param entropies  a value for each slice; the sum of p * log(p + DBL_MIN), or NaN where the
-    ///                   affinities are far from their range
-    /// @param weights    a value for each slice; the sum of p
+    /// @param entropies  `kSliceRows` values for each slice: for each row the sum of
+    ///                   p * log(p + DBL_MIN), or NaN beside affinities far from their range
+    /// @param weights    as many: the sums of p
     void (*weigh)(const MatrixSlices& P,
                   std::size_t begin,
                   std::size_t end,

@@ -96,7 +96,7 @@ TEST_F(Memory, IsEstimatedAsRealRunsTakeIt) {
         bool has_plots;
     } kRuns[] = {{3000, 4, 20, 0, false},
                  {250, 30000, 20, 0.5, false},
-                 {20000, 2, 90, 0.5, false},
+                 {40000, 2, 90, 0.5, false},
                  {130000, 1, 1, 0.5, true}};
 
     for (const auto& [rows, columns, perplexity, theta, has_plots] : kRuns) {

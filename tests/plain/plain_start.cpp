@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 namespace plain {
@@ -88,6 +89,91 @@ std::vector<double> start_at_places(const std::vector<double>& points,
             }
             Y[n * no_dims + d] = median(values);
         }
+    }
+    return Y;
+}
+
+std::vector<std::size_t> sampled_rows(std::size_t N, unsigned int seed) {
+    std::srand(seed);
+    std::size_t wanted = std::min<std::size_t>(std::max<std::size_t>(N / 10, 1000), 100000);
+    std::vector<std::size_t> rows;
+    for (std::size_t n = 0; n < N; ++n) {
+        const auto drawn = static_cast<unsigned long long>(std::rand());
+        if (drawn * (N - n) < wanted * 2147483648ULL) {
+            rows.push_back(n);
+            --wanted;
+        }
+    }
+    return rows;
+}
+
+std::vector<double> placed_among_neighbours(const std::vector<double>& points,
+                                            std::size_t N,
+                                            std::size_t dims,
+                                            std::vector<double> places,
+                                            std::size_t no_dims,
+                                            std::size_t K) {
+    const auto median_of = [no_dims](const std::vector<double>& Y,
+                                     const std::vector<std::size_t>& rows,
+                                     std::size_t d) {
+        std::vector<double> values;
+        for (const std::size_t row : rows) {
+            values.push_back(Y[row * no_dims + d]);
+        }
+        return median(values);
+    };
+    std::vector<std::size_t> given;
+    for (std::size_t n = 0; n < N; ++n) {
+        if (!std::isnan(places[n * no_dims])) {
+            given.push_back(n);
+        }
+    }
+    const std::vector<double> first = places;
+    bool goes_on = true;
+    while (goes_on) {
+        goes_on = false;
+        const std::vector<double> before = places;
+        for (std::size_t n = 0; n < N; ++n) {
+            if (!std::isnan(before[n * no_dims])) {
+                continue;
+            }
+            std::vector<std::size_t> placed;
+            const std::vector<std::size_t> nearest = nearest_others(points, N, dims, n);
+            for (std::size_t m = 0; m < K && placed.size() < 25; ++m) {
+                if (!std::isnan(before[nearest[m] * no_dims])) {
+                    placed.push_back(nearest[m]);
+                }
+            }
+            for (std::size_t d = 0; d < no_dims && !placed.empty(); ++d) {
+                places[n * no_dims + d] = median_of(before, placed, d);
+                goes_on = true;
+            }
+        }
+    }
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        places[i] = std::isnan(places[i]) ? median_of(first, given, i % no_dims) : places[i];
+    }
+    return places;
+}
+
+std::vector<double> with_spread(std::vector<double> Y, std::size_t no_dims, double spread) {
+    const std::size_t N = Y.size() / no_dims;
+    double widest = 0.0;
+    for (std::size_t d = 0; d < no_dims; ++d) {
+        double mean = 0.0;
+        for (std::size_t n = 0; n < N; ++n) {
+            mean += Y[n * no_dims + d];
+        }
+        mean /= static_cast<double>(N);
+        double squares = 0.0;
+        for (std::size_t n = 0; n < N; ++n) {
+            const double deviation = Y[n * no_dims + d] - mean;
+            squares += deviation * deviation;
+        }
+        widest = std::max(widest, std::sqrt(squares / static_cast<double>(N - 1)));
+    }
+    for (double& y : Y) {
+        y *= spread / widest;
     }
     return Y;
 }

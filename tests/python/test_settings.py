@@ -152,13 +152,13 @@ def test_start_is_not_changed(points):
 
 
 @pytest.mark.parametrize("init, said", [
-    ("grid", 'init should be "random", "pca" or an array of the shape (90, 2), not \'grid\''),
-    ("given", 'init should be "random", "pca" or an array'),
+    ("grid", 'init should be "random", "pca", "sample" or an array of the shape (90, 2), not \'grid\''),
+    ("given", 'init should be "random", "pca", "sample" or an array'),
     (np.zeros((90, 3)), "the shape (90, 2), not (90, 3)"),
     (np.full((90, 2), np.nan), "init has coordinates for none of the rows"),
     (np.tile([np.nan, 1.0], (90, 1)), "not finite"),
     (np.full((90, 2), np.inf), "not finite"),
-    ([["a", "b"]] * 90, 'init should be "random", "pca" or an array of numbers'),
+    ([["a", "b"]] * 90, 'init should be "random", "pca", "sample" or an array of numbers'),
     (None, "not ()"),
 ])
 def test_other_starts_are_refused(points, init, said):

@@ -28,10 +28,10 @@ TEST(FitChoice, TakesItsNamesAlone) {
 TEST(FitChoice, WithAnOpenEndDoesNotOfferItsLastName) {
     StartKind kind = StartKind::Random;
     const FitChoice<StartKind> closed{kind, StartKind::Random, {}};
-    EXPECT_THAT(closed.givenNames(), testing::ElementsAre("random", "pca", "given"));
+    EXPECT_THAT(closed.givenNames(), testing::ElementsAre("random", "pca", "sample", "given"));
     const FitChoice<StartKind> open{kind, StartKind::Random, {}, "coordinates"};
-    EXPECT_THAT(open.givenNames(), testing::ElementsAre("random", "pca"));
-    EXPECT_THAT(open.names(), testing::ElementsAre("random", "pca", "given"));
+    EXPECT_THAT(open.givenNames(), testing::ElementsAre("random", "pca", "sample"));
+    EXPECT_THAT(open.names(), testing::ElementsAre("random", "pca", "sample", "given"));
 }
 
 TEST(FitChoice, HasNoNameForWhatIsNoMember) {

@@ -91,6 +91,34 @@ TEST(EstimateMemory, DoesNotOverflow) {
     EXPECT_LT(estimate_memory(RunSize()).peak(), 1e8);
 }
 
+TEST(EstimateMemory, OfAMillionRowsIsWhatALaptopHas) {
+    RunSize size{.rows = 1'000'000,
+                 .columns = 50,
+                 .options = {.perplexity = 30.0, .start = StartKind::Sample},
+                 .threads = 2};
+    EXPECT_LT(estimate_memory(size).peak(), 8e9);
+    size.options.affinity = AffinityKind::Uniform;
+    EXPECT_LT(estimate_memory(size).peak(), 5e9);
+    size.rows *= 10;
+    EXPECT_LT(estimate_memory(size).peak(), 20e9);
+}
+
+TEST(EstimateMemory, CountsNoValuesOfUniformAffinities) {
+    RunSize size = kBarnesHut;
+    size.options.perplexity = 30.0;
+    size.options.neighbours = 90;
+    const double with_values = estimate_memory(size).fitting;
+    size.options.affinity = AffinityKind::Uniform;
+    EXPECT_NEAR(with_values - estimate_memory(size).fitting, 8.0 * 1.6 * 90.0 * 100000.0, 1.0);
+}
+
+TEST(EstimateMemory, CountsTheNeighboursThatASampleIsSpreadBy) {
+    RunSize size = kBarnesHut;
+    const double without = estimate_memory(size).similarities;
+    size.options.start = StartKind::Sample;
+    EXPECT_EQ(estimate_memory(size).similarities, without + 12.0 * 90.0 * 100000.0);
+}
+
 TEST(EstimateMemory, CountsTheFitsOfSeveralSeedsThatRunSideBySide) {
     RunSize size = kExact;
     size.threads = 4;

@@ -114,6 +114,12 @@ TEST(CheckOptionsTogether, RefusesComponentsOfDistances) {
               "Leave one of them out.");
 }
 
+TEST(CheckOptionsTogether, RefusesASampleOfDistances) {
+    EXPECT_THAT(refusal({.metric = MetricKind::Precomputed, .start = StartKind::Sample}),
+                StartsWith("start sample does not go with metric precomputed: "));
+    EXPECT_EQ(refusal({.metric = MetricKind::Pearson, .start = StartKind::Sample}), "");
+}
+
 TEST(CheckOptionsTogether, WritesOptionsAsTheSourceDoes) {
     const OptionSource source{[](std::string_view name) { return name == "hold_iter"; },
                               [](const OptionWords& words, const std::string& value) {
@@ -203,6 +209,14 @@ TEST(CheckOptionsFor, RefusesAStartAlongFewerComponentsThanTheMapHas) {
     EXPECT_THAT(refusal({.out_dims = 3, .start = StartKind::Pca}, 30, 2), HasSubstr("2 columns"));
     EXPECT_THAT(refusal({.out_dims = 3, .pca = 2, .start = StartKind::Pca}, 30, 20),
                 HasSubstr("Give more than pca 2, or take the random start."));
+}
+
+TEST(CheckOptionsFor, RefusesASampleOfFewRowsOrAlongTooFewComponents) {
+    EXPECT_EQ(refusal({.start = StartKind::Sample}, 2000, 5), "");
+    EXPECT_THAT(refusal({.start = StartKind::Sample}, 1999, 5),
+                StartsWith("start sample is for 2000 rows or more, and the matrix has 1999\n"));
+    EXPECT_THAT(refusal({.out_dims = 3, .start = StartKind::Sample}, 3000, 2),
+                HasSubstr("needs a component for each of the 3 dimensions"));
 }
 
 TEST(CheckOptionsFor, RefusesComponentsThatReduceNothing) {

@@ -94,12 +94,14 @@ TEST(OptionTexts, OfANumberThatTheFitMayCompute) {
 TEST(OptionTexts, OfAChoiceAreItsNames) {
     EXPECT_EQ(texts({.schedule = ScheduleKind::Annealed}, "schedule"),
               (Texts{"annealed", "classic", "classic or annealed", "classic or annealed"}));
-    EXPECT_EQ(
-        texts({.start = StartKind::Given}, "start"),
-        (Texts{"given", "random", "random, pca or coordinates", "random, pca or coordinates"}));
+    EXPECT_EQ(texts({.start = StartKind::Given}, "start"),
+              (Texts{"given",
+                     "random",
+                     "random, pca, sample or coordinates",
+                     "random, pca, sample or coordinates"}));
     with_option({}, "start", [](const auto& option) {
         if constexpr (requires { option.names(); }) {
-            EXPECT_EQ(requirement_text(option, "FILE"), "random, pca or FILE");
+            EXPECT_EQ(requirement_text(option, "FILE"), "random, pca, sample or FILE");
         }
     });
 }

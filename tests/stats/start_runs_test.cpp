@@ -99,6 +99,107 @@ TEST_F(StartRun, AtPlacesEqualsThePlainProgram) {
     }
 }
 
+/// Rows enough for a sample.
+class SampledStartRun : public StartRun {
+  protected:
+    static constexpr std::size_t kLarge = 2000;
+    static constexpr double kSmallPerplexity = 4.0;
+
+    SampledStartRun() {
+        // Without distances that are equal but for their last bits.
+        input_ = {{}, kLarge, 5, test::random_values(kLarge * 5, 31)};
+        points_ = input_.values;
+        plain::normalise_input(points_, kLarge, input_.columns);
+    }
+
+    static FitOptions sampledOptions(double theta) {
+        FitOptions options = optionsOf(StartKind::Sample, theta);
+        options.perplexity = kSmallPerplexity;
+        options.max_iter = 8;
+        options.stop_lying_iter = 5;
+        options.mom_switch_iter = 4;
+        options.seed = 5;
+        return options;
+    }
+
+    [[nodiscard]] std::vector<double> plainMap(const plain::Matrix& matrix,
+                                               const std::vector<double>& start,
+                                               double theta) const {
+        plain::Schedule schedule{8, 5, 4, 5};
+        schedule.start = &start;
+        return theta == 0.0
+                   ? plain::embed_exactly(matrix, 2, kSmallPerplexity, schedule, nullptr)
+                   : plain::embed_with_tree(matrix, 2, kSmallPerplexity, theta, schedule, nullptr);
+    }
+
+    /// @param neighbours  among which rows are placed
+    [[nodiscard]] std::vector<double> plainStart(double theta, std::size_t neighbours) const {
+        const std::size_t columns = input_.columns;
+        const std::vector<std::size_t> sample = plain::sampled_rows(kLarge, 5);
+        plain::Matrix sampled{{}, sample.size(), columns, {}};
+        for (const std::size_t row : sample) {
+            const auto begin = points_.begin() + static_cast<std::ptrdiff_t>(row * columns);
+            sampled.values.insert(
+                sampled.values.end(), begin, begin + static_cast<std::ptrdiff_t>(columns));
+        }
+        std::vector<double> normalised = sampled.values;
+        plain::normalise_input(normalised, sample.size(), columns);
+        const std::vector<double> map =
+            plainMap(sampled,
+                     plain::component_start(
+                         plain::principal_components(normalised, sample.size(), columns, 2),
+                         2,
+                         sample.size(),
+                         2,
+                         0.0001),
+                     theta);
+        std::vector<double> places(kLarge * 2, std::nan(""));
+        for (std::size_t i = 0; i < sample.size(); ++i) {
+            places[2 * sample[i]] = map[2 * i];
+            places[2 * sample[i] + 1] = map[2 * i + 1];
+        }
+        return plain::with_spread(
+            plain::placed_among_neighbours(points_, kLarge, columns, places, 2, neighbours),
+            2,
+            0.0001);
+    }
+};
+
+TEST_F(SampledStartRun, EqualsThePlainProgram) {
+    EXPECT_EQ(run(sampledOptions(kTheta)), plainMap(input_, plainStart(kTheta, 12), kTheta));
+    EXPECT_EQ(run(sampledOptions(0.0)), plainMap(input_, plainStart(0.0, 25), 0.0));
+}
+
+TEST_F(SampledStartRun, IsOfTheSeedAndNotLookedAtWhereAFitIsResumed) {
+    const FitOptions options = sampledOptions(kTheta);
+    FitOptions other = options;
+    other.seed = 6;
+    EXPECT_NE(run(options), run(other));
+    std::vector<double> X = input_.values;
+    std::vector<double> embedding;
+    std::vector<double> velocity;
+    std::vector<double> gains;
+    FitState kept;
+    FitHooks hooks;
+    hooks.on_iteration = [&](const FitState& state) {
+        if (state.reached.iteration == 3) {
+            embedding.assign(state.embedding.begin(), state.embedding.end());
+            velocity.assign(state.velocity.begin(), state.velocity.end());
+            gains.assign(state.gains.begin(), state.gains.end());
+            kept = state;
+        }
+        return true;
+    };
+    const Fit whole = fit({X.data(), kLarge, input_.columns}, options, hooks);
+    kept.embedding = embedding;
+    kept.velocity = velocity;
+    kept.gains = gains;
+    FitHooks resumed;
+    resumed.resumed_state = &kept;
+    X = input_.values;
+    EXPECT_EQ(fit({X.data(), kLarge, input_.columns}, options, resumed).embedding, whole.embedding);
+}
+
 TEST_F(StartRun, OfComponentsInThePlaceOfColumnsEqualsThePlainProgram) {
     constexpr std::size_t kComponents = 7;
     const plain::Components components =

@@ -48,6 +48,22 @@ inline Lanes load(const double* from) {
     return lanes;
 }
 
+/// Numbers of single precision.
+inline Lanes widened(const float* from) {
+    typedef float Singles __attribute__((vector_size(kLanes * sizeof(float))));
+    Singles singles;
+    __builtin_memcpy(&singles, from, sizeof singles);
+    return __builtin_convertvector(singles, Lanes);
+}
+
+/// 1.0 where a number is odd, else 0.0.
+inline Lanes lowest_bits(const std::uint32_t* numbers) {
+    typedef std::int32_t Integers __attribute__((vector_size(kLanes * sizeof(std::int32_t))));
+    Integers integers;
+    __builtin_memcpy(&integers, numbers, sizeof integers);
+    return __builtin_convertvector(integers & 1, Lanes);
+}
+
 inline void store(double* to, Lanes lanes) {
     __builtin_memcpy(to, &lanes, sizeof lanes);
 }

@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -42,9 +43,9 @@ struct Written {
             bool with_cost = true)
         : sliced(sliced_form(rows)),
           forces(rows.Y.size(), -7.0),
-          log_sums(sliced.sliceCount(), -7.0),
-          entropies(sliced.sliceCount(), -7.0),
-          weights(sliced.sliceCount(), -7.0) {
+          log_sums(sliced.sliceCount() * kSliceRows, -7.0),
+          entropies(log_sums),
+          weights(log_sums) {
         kernels.pass(sliced.slices(),
                      rows.Y.data(),
                      rows.dims,
@@ -53,10 +54,23 @@ struct Written {
                      with_forces ? forces.data() : nullptr,
                      with_cost ? log_sums.data() : nullptr);
         kernels.weigh(sliced.slices(), begin, end, entropies.data(), weights.data());
+        for (std::vector<double>* const sums : {&log_sums, &entropies, &weights}) {
+            addUp(*sums);
+        }
     }
 
     Written(const SliceKernels& kernels, const Rows& rows)
         : Written(kernels, rows, 0, (rows.count() + kSliceRows - 1) / kSliceRows) {}
+
+    /// Makes sums of slices of those of their rows.
+    void addUp(std::vector<double>& sums) const {
+        for (std::size_t slice = 0; slice < sliced.sliceCount(); ++slice) {
+            const auto begin = sums.begin() + static_cast<std::ptrdiff_t>(slice * kSliceRows);
+            const bool is_written = *begin != -7.0;
+            sums[slice] = is_written ? std::accumulate(begin, begin + kSliceRows, 0.0) : -7.0;
+        }
+        sums.resize(sliced.sliceCount());
+    }
 
     SlicedMatrix sliced;
     std::vector<double> forces;
