@@ -16,6 +16,8 @@ OVIK_DISPATCH_KERNELS(CandidateKernels, kEuclideanCandidates, euclidean_candidat
 
 namespace {
 
+static_assert(RowBlocks::kMostRows <= kMostBlockRows);
+
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Fewest rows for which blocks pay.
@@ -35,32 +37,10 @@ double rounding_share_of(std::size_t dims) {
 constexpr double kShortest = 1e-100;
 constexpr double kLongest = 1e150;
 
-/// The square of a scaled distance below which underflow in single precision may count.
-constexpr double kUnderflow = 1e-30;
-
-/// The share of the squared norms A^2 + B^2 of two rows, relative to a centre, by which what is
-/// computed of their squared distance A^2 + B^2 - 2 x.y may be wrong.
-///
-/// Rounding a row of length A to single precision (unit u = 2^-24) moves its product with one of
-/// length B by at most u A B, and the product of both in any order of n terms, fused or not, has an
-/// error of at most n u / (1 - n u) A B (Higham, Accuracy and Stability of Numerical Algorithms,
-/// 2nd edition, 2002, section 3.1). As 2 A B <= A^2 + B^2, that is (n + 2) u (A^2 + B^2) and what
-/// is of second order. Rounding the start and the difference adds 4 u (A^2 + B^2). Twice the sum
-/// covers all terms of second order, and the far smaller errors of norms and distances in double
-/// precision.
-double error_share_of(std::size_t dims) {
-    constexpr double kUnit = FLT_EPSILON / 2.0;
-    return 2.0 * static_cast<double>(dims + 8) * kUnit;
-}
-
-/// Above this error candidates would be many.
-constexpr double kLargestErrorShare = 0.001;
-
-/// Not below x.
-float rounded_up(double x) {
-    const auto rounded = static_cast<float>(x);
-    return rounded < x ? std::nextafterf(rounded, HUGE_VALF) : rounded;
-}
+/// Most blocks of a part, and fewest blocks that are put into parts of several: with fewer there
+/// would be too few parts for the threads.
+constexpr std::size_t kMostBlocksOfPart = 4;
+constexpr std::size_t kFewestBlocksForParts = 256;
 
 /// At least the distance of any two rows, by the way over the first; infinite or NaN if that is.
 double longest_way(const double* points, std::size_t N, std::size_t dims, RowDistances measure) {
@@ -89,174 +69,162 @@ double longest_way(const double* points, std::size_t N, std::size_t dims, RowDis
 
 }  // namespace
 
+std::optional<double> packable_extent(const double* points,
+                                      std::size_t N,
+                                      std::size_t dims,
+                                      const Metric& metric) {
+    if (metric.candidates == nullptr || dims == 0 || N == 0 ||
+        packing_error_share(dims) > kLargestErrorShare) {
+        return std::nullopt;
+    }
+    const double longest =
+        longest_way(points, N, dims, metric.kernels(instruction_set()).row_distances);
+    return longest >= kShortest && longest <= kLongest ? std::optional(longest) : std::nullopt;
+}
+
+double packing_scale(double extent) {
+    return std::exp2(-std::ilogb(extent));
+}
+
 CandidateSearch::CandidateSearch(
     const double* points, std::size_t N, std::size_t dims, std::size_t wanted, const Metric& metric)
     : points_(points),
       dims_(dims),
-      wanted_(wanted),
-      error_share_(error_share_of(dims)) {
-    if (metric.candidates == nullptr || dims == 0 || wanted == 0 || N < wanted || N < kFewestRows ||
-        error_share_ > kLargestErrorShare) {
+      wanted_(wanted) {
+    if (wanted == 0 || N < wanted || N < kFewestRows) {
+        return;
+    }
+    const std::optional<double> extent = packable_extent(points, N, dims, metric);
+    if (!extent) {
         return;
     }
     kernels_ = &metric.candidates(instruction_set());
     row_distances_ = metric.kernels(instruction_set()).row_distances;
-    const double longest = longest_way(points, N, dims, row_distances_);
-    if (longest >= kShortest && longest <= kLongest) {
-        margin_ = rounding_share_of(dims) * longest;
-        scale_ = std::exp2(-std::ilogb(longest));
-        blocks_.emplace(points, N, dims, metric);
-    }
+    margin_ = rounding_share_of(dims) * *extent;
+    scale_ = packing_scale(*extent);
+    blocks_.emplace(points, N, dims, metric);
+    formParts();
 }
 
-/// Finds the candidates of all rows of a block.
-void CandidateSearch::collect(std::size_t block, Scratch& scratch) const {
+/// Puts blocks into parts: those that follow one another and lie so near that the rows of all are
+/// told apart relative to the centre of the first almost as well as relative to their own.
+void CandidateSearch::formParts() {
     const std::vector<RowBlocks::Block>& blocks = blocks_->blocks();
-    const RowBlocks::Block& targets = blocks[block];
-    const Frame frame{blocks_->centres() + block * dims_, scale_};
-    begin(targets, frame, scratch);
-    orderBlocks(block, scratch);
-    double reach = kInfinity;
-    for (const NearBlock& other : scratch.blocks) {
-        const RowBlocks::Block& sources = blocks[other.block];
-        const double nearest = other.distance - targets.radius - sources.radius;
-        if (nearest - margin_ > reach) {
-            continue;
+    constexpr double kNear = 0.75;
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        if (!parts_.empty() && blocks.size() >= kFewestBlocksForParts &&
+            parts_.back().size() < kMostBlocksOfPart) {
+            IndexRange& last = parts_.back();
+            const auto other = static_cast<std::uint32_t>(b);
+            double distance = 0.0;
+            row_distances_(blocks_->centres(),
+                           dims_,
+                           blocks_->centres() + last.begin * dims_,
+                           &other,
+                           1,
+                           &distance);
+            if (distance <= kNear * std::min(blocks[last.begin].radius, blocks[b].radius)) {
+                last.end = b + 1;
+                continue;
+            }
         }
-        offer(targets, sources, frame, scratch);
-        const auto bounds = scratch.bounds.begin();
-        const double farthest =
-            *std::max_element(bounds, bounds + static_cast<std::ptrdiff_t>(targets.count));
-        reach = std::sqrt(farthest) / scale_;
-    }
-    for (std::size_t t = 0; t < targets.count; ++t) {
-        tighten(t, scratch);
+        parts_.push_back({b, b + 1});
     }
 }
 
-/// Makes room for the candidates of a block of targets, and packs these.
-void CandidateSearch::begin(const RowBlocks::Block& targets,
-                            const Frame& frame,
-                            Scratch& scratch) const {
-    const std::size_t room = 2 * wanted_ + 2 * RowBlocks::kMostRows + kPackedMultiple;
-    scratch.packed_targets.resize(dims_ * RowBlocks::kMostRows);
-    scratch.packed_sources.resize(dims_ * RowBlocks::kMostRows);
-    scratch.starts.resize(RowBlocks::kMostRows);
-    scratch.target_norms.resize(RowBlocks::kMostRows);
-    scratch.source_norms.resize(RowBlocks::kMostRows);
-    scratch.values.resize(RowBlocks::kMostRows * room);
-    scratch.positions.resize(RowBlocks::kMostRows * room);
-    scratch.candidates.resize(RowBlocks::kMostRows);
-    scratch.bounds.assign(RowBlocks::kMostRows, kInfinity);
-    for (std::size_t t = 0; t < targets.stride; ++t) {
-        // What pads the block has no candidates.
-        scratch.candidates[t] = {scratch.values.data() + t * room,
-                                 scratch.positions.data() + t * room,
-                                 0,
-                                 t < targets.count ? FLT_MAX : -FLT_MAX};
+/// Finds the candidates of all rows of some blocks.
+void CandidateSearch::collect(IndexRange targets, Scratch& scratch) const {
+    const Frame frame{blocks_->centres() + targets.begin * dims_, scale_};
+    begin(targets, frame, scratch);
+    orderBlocks(targets, scratch);
+    for (const NearBlock& other : scratch.blocks) {
+        compare(targets, other, frame, scratch);
     }
-    kernels_->pack(blocks_->columns(targets),
-                   targets.stride,
-                   dims_,
-                   frame,
-                   scratch.packed_targets.data(),
-                   scratch.target_norms.data());
+    for (std::size_t block = targets.begin; block < targets.end; ++block) {
+        CandidateBlock& candidates = scratch.candidates[block - targets.begin];
+        for (std::size_t t = 0; t < blocks_->blocks()[block].count; ++t) {
+            candidates.tighten(t);
+        }
+    }
 }
 
-/// Lists all blocks by the distances of their centres from that of one.
-void CandidateSearch::orderBlocks(std::size_t block, Scratch& scratch) const {
+/// Packs the targets, and makes room for their candidates.
+void CandidateSearch::begin(IndexRange targets, const Frame& frame, Scratch& scratch) const {
+    scratch.packed_targets.resize(std::max(scratch.packed_targets.size(), targets.size()));
+    scratch.candidates.resize(std::max(scratch.candidates.size(), targets.size()));
+    scratch.reaches.assign(targets.size(), kInfinity);
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const RowBlocks::Block& block = blocks_->blocks()[targets.begin + i];
+        PackedBlock& packed = scratch.packed_targets[i];
+        packed.pack(*kernels_, points_, dims_, blocks_->rows(block), frame, 0);
+        scratch.candidates[i].begin(*kernels_, packed, dims_, wanted_);
+    }
+}
+
+/// Lists all blocks by the distances of their centres from that of the first target block.
+void CandidateSearch::orderBlocks(IndexRange targets, Scratch& scratch) const {
     const std::size_t count = blocks_->blocks().size();
     scratch.rows.resize(count);
-    scratch.distances.resize(count);
     std::iota(scratch.rows.begin(), scratch.rows.end(), 0U);
+    scratch.block_distances.resize(count * targets.size());
     const double* const centres = blocks_->centres();
-    row_distances_(centres,
-                   dims_,
-                   centres + block * dims_,
-                   scratch.rows.data(),
-                   count,
-                   scratch.distances.data());
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        row_distances_(centres,
+                       dims_,
+                       centres + (targets.begin + i) * dims_,
+                       scratch.rows.data(),
+                       count,
+                       scratch.block_distances.data() + i * count);
+    }
     scratch.blocks.clear();
-    for (std::size_t i = 0; i < count; ++i) {
-        scratch.blocks.push_back({i, scratch.distances[i]});
+    for (std::size_t b = 0; b < count; ++b) {
+        scratch.blocks.push_back({b, scratch.block_distances[b]});
     }
     std::sort(scratch.blocks.begin(),
               scratch.blocks.end(),
               [](const NearBlock& a, const NearBlock& b) { return a.distance < b.distance; });
 }
 
-/// Offers the rows of a block to all targets, and sees to it that there is room for the next block.
-void CandidateSearch::offer(const RowBlocks::Block& targets,
-                            const RowBlocks::Block& sources,
-                            const Frame& frame,
-                            Scratch& scratch) const {
-    kernels_->pack(blocks_->columns(sources),
-                   sources.stride,
-                   dims_,
-                   frame,
-                   scratch.packed_sources.data(),
-                   scratch.source_norms.data());
-    for (std::size_t i = 0; i < sources.stride; ++i) {
-        // Lowered by the error, so that no value is above what it stands for.
-        scratch.starts[i] = i < sources.count
-                                ? static_cast<float>(scratch.source_norms[i] * (1.0 - error_share_))
-                                : HUGE_VALF;
-    }
-    kernels_->collect({scratch.packed_targets.data(), nullptr, targets.stride},
-                      targets.count,
-                      {scratch.packed_sources.data(), scratch.starts.data(), sources.stride},
-                      dims_,
-                      static_cast<std::uint32_t>(sources.first),
-                      scratch.candidates.data());
-    const std::size_t most = 2 * wanted_ + RowBlocks::kMostRows;
-    for (std::size_t t = 0; t < targets.count; ++t) {
-        const std::size_t count = scratch.candidates[t].count;
-        if (count > most || (count >= wanted_ && scratch.bounds[t] == kInfinity)) {
-            tighten(t, scratch);
+/// Offers the rows of a block to those target blocks that are not too far away for all their rows.
+void CandidateSearch::compare(IndexRange targets,
+                              const NearBlock& other,
+                              const Frame& frame,
+                              Scratch& scratch) const {
+    const std::vector<RowBlocks::Block>& blocks = blocks_->blocks();
+    const RowBlocks::Block& sources = blocks[other.block];
+    bool is_packed = false;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const double distance = scratch.block_distances[i * blocks.size() + other.block];
+        const double nearest = distance - blocks[targets.begin + i].radius - sources.radius;
+        if (nearest - margin_ > scratch.reaches[i]) {
+            continue;
         }
-        if (scratch.candidates[t].count > most) {
-            // Too many for their room are too near one another to be told apart.
-            scratch.candidates[t].count = 0;
-            scratch.candidates[t].limit = -FLT_MAX;
-            scratch.bounds[t] = 0.0;
+        if (!is_packed) {
+            scratch.sources.pack(*kernels_,
+                                 points_,
+                                 dims_,
+                                 blocks_->rows(sources),
+                                 frame,
+                                 static_cast<std::uint32_t>(sources.first));
+            is_packed = true;
         }
+        CandidateBlock& candidates = scratch.candidates[i];
+        candidates.offer(scratch.sources, [&](std::size_t t) { candidates.giveUp(t); });
+        scratch.reaches[i] = std::sqrt(candidates.farthestSquare()) / scale_;
     }
-}
-
-/// Lowers the limit of a target to what still admits the nearest that are wanted.
-///
-/// For a target of squared norm a and a value v, v + a (1 - e) is at most the square of the
-/// distance, and below it by 2 e (a + b) at most, if e is the error's share and b the squared norm
-/// of the source: at most 2 a and twice the square of the distance.
-void CandidateSearch::tighten(std::size_t target, Scratch& scratch) const {
-    Candidates& candidates = scratch.candidates[target];
-    if (candidates.count < wanted_) {
-        return;
-    }
-    const double value = kernels_->bound(candidates.values, candidates.count, wanted_);
-    const double norm = scratch.target_norms[target];
-    const double least = norm * (1.0 - error_share_);
-    const double bound =
-        (std::max(value + least, 0.0) + 7.0 * error_share_ * norm) * (1.0 + 5.0 * error_share_) +
-        kUnderflow;
-    if (bound < scratch.bounds[target]) {
-        scratch.bounds[target] = bound;
-        candidates.limit = rounded_up(bound - least);
-    }
-    kernels_->drop(candidates);
 }
 
 /// Measures the candidates of a row and sorts them.
 void CandidateSearch::measure(std::uint32_t row,
-                              const Candidates& candidates,
+                              std::span<const std::uint32_t> positions,
                               Scratch& scratch) const {
-    const std::size_t count = candidates.count;
+    const std::size_t count = positions.size();
     scratch.rows.resize(count);
     scratch.distances.resize(count + kPackedMultiple);
     scratch.places.resize(count);
     scratch.nearest.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
-        scratch.rows[i] = blocks_->order()[candidates.positions[i]];
+        scratch.rows[i] = blocks_->order()[positions[i]];
     }
     double* const distances = scratch.distances.data();
     row_distances_(

@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
+#include "neighbours/approximate_search.h"
+#include "neighbours/nearest_lists.h"
+#include "neighbours/search_progress.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -90,10 +94,12 @@ class TreeQueries {
 NeighbourSearch::NeighbourSearch(std::size_t N,
                                  std::size_t dims,
                                  RandomStream& random,
-                                 const Metric& metric)
+                                 const Metric& metric,
+                                 NeighbourSearchManner manner)
     : N_(N),
       dims_(dims),
       metric_(metric),
+      manner_(std::move(manner)),
       draws_(NeighbourIndex::drawCount(N)) {
     std::generate(draws_.begin(), draws_.end(), [&random] { return random.next(); });
 }
@@ -111,9 +117,37 @@ const NeighbourIndex& NeighbourSearch::index(const double* points) {
 }
 
 void NeighbourSearch::findAll(const double* points, std::size_t count, const Visit& visit) {
+    recall_.reset();
+    if (manner_.is_approximate && canBeApproximate(points, count)) {
+        findApproximately(points, count, visit);
+        return;
+    }
     std::vector<char> is_found(N_);
     findCertain(points, count, is_found, visit);
     findOthers(points, count, is_found, visit);
+}
+
+bool NeighbourSearch::canBeApproximate(const double* points, std::size_t count) const {
+    return count > 1 && count <= N_ && N_ <= NearestLists::kMostRows &&
+           packable_extent(points, N_, dims_, metric_).has_value();
+}
+
+void NeighbourSearch::findApproximately(const double* points,
+                                        std::size_t count,
+                                        const Visit& visit) {
+    std::vector<std::vector<NearRow>> nearest(workerCount());
+    recall_ = find_approximately(
+        points,
+        N_,
+        dims_,
+        count - 1,
+        metric_,
+        manner_.on_progress,
+        [&](std::size_t row, std::span<const NearRow> neighbours, std::size_t worker) {
+            nearest[worker].assign(1, {static_cast<std::uint32_t>(row), 0.0});
+            nearest[worker].insert(nearest[worker].end(), neighbours.begin(), neighbours.end());
+            visit(row, nearest[worker], worker);
+        });
 }
 
 /// Visits the rows of which the neighbours are certain without the tree, and marks them as found.
@@ -124,12 +158,13 @@ void NeighbourSearch::findCertain(const double* points,
     const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
     Patience patience;
-    const auto search_block = [&](std::size_t block, std::size_t worker) {
-        if (patience.isAtAnEnd()) {
+    SearchProgress progress(manner_.on_progress, candidates.partCount());
+    const auto search_part = [&](std::size_t part, std::size_t worker) {
+        if (patience.isAtAnEnd() || progress.isStopped()) {
             return;
         }
         candidates.search(
-            block, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
+            part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
                 const bool certain = is_certain(nearest, count, candidates.margin());
                 patience.count(certain);
                 if (certain) {
@@ -137,8 +172,9 @@ void NeighbourSearch::findCertain(const double* points,
                     is_found[row] = 1;
                 }
             });
+        progress.add(1);
     };
-    parallel_tasks(candidates.blockCount(), worker_count(N_), search_block);
+    parallel_tasks(candidates.partCount(), worker_count(N_), search_part);
 }
 
 void NeighbourSearch::findOthers(const double* points,

@@ -3,12 +3,15 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "neighbours/candidate_search.h"
 #include "neighbours/metric.h"
 #include "neighbours/neighbour_index.h"
+#include "neighbours/neighbour_recall.h"
+#include "neighbours/search_manner.h"
 #include "util/random_stream.h"
 
 namespace ovik {
@@ -26,10 +29,12 @@ class NeighbourSearch {
     /// Draws what the tree will need from a stream.
     ///
     /// @param metric  with the triangle inequality; must outlive the search
+    /// @param manner  of `findAll`
     NeighbourSearch(std::size_t N,
                     std::size_t dims,
                     RandomStream& random,
-                    const Metric& metric = euclidean_metric());
+                    const Metric& metric = euclidean_metric(),
+                    NeighbourSearchManner manner = {});
 
     /// How many workers there are at most.
     [[nodiscard]] std::size_t workerCount() const;
@@ -40,10 +45,15 @@ class NeighbourSearch {
     [[nodiscard]] const std::vector<int>& draws() const { return draws_; }
 
     /// Visits every row with its `count` nearest, itself among them; with fewer where there are not
-    /// so many at a finite distance.
+    /// so many at a finite distance. An approximate search visits each with itself first, and then
+    /// others, of equally near ones the lower first.
     ///
     /// @param points  row-major, N x dims, the same in all calls
+    /// @throws what the manner's `on_progress` throws
     void findAll(const double* points, std::size_t count, const Visit& visit);
+
+    /// How many of the nearest the last `findAll` found; nothing if it was exact.
+    [[nodiscard]] const std::optional<NeighbourRecall>& recall() const { return recall_; }
 
     /// Visits the rows that are not found yet, by the tree.
     ///
@@ -58,11 +68,15 @@ class NeighbourSearch {
                      std::size_t count,
                      std::vector<char>& is_found,
                      const Visit& visit) const;
+    bool canBeApproximate(const double* points, std::size_t count) const;
+    void findApproximately(const double* points, std::size_t count, const Visit& visit);
     const NeighbourIndex& index(const double* points);
 
     std::size_t N_;
     std::size_t dims_;
     const Metric& metric_;
+    NeighbourSearchManner manner_;
+    std::optional<NeighbourRecall> recall_;
     /// What was drawn for the tree.
     std::vector<int> draws_;
     std::unique_ptr<NeighbourIndex> index_;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <numeric>
 
-#include "neighbours/kernels/candidate_kernels.h"
-
 namespace ovik {
 
 namespace {
@@ -51,14 +49,15 @@ RowBlocks::RowBlocks(const double* points, std::size_t N, std::size_t dims, cons
         ranges.size(), worker_count(N, kDistanceGrain), [&](std::size_t i, std::size_t /*worker*/) {
             splitToEnd(ranges[i], leaves[i]);
         });
-    std::vector<IndexRange> all;
     for (const std::vector<IndexRange>& some : leaves) {
-        all.insert(all.end(), some.begin(), some.end());
+        for (const IndexRange leaf : some) {
+            blocks_.push_back({leaf.begin, leaf.size(), 0.0});
+        }
     }
-    placeBlocks(all);
+    centres_.resize(blocks_.size() * dims_);
     parallel_tasks(blocks_.size(),
                    worker_count(N, kDistanceGrain),
-                   [&](std::size_t i, std::size_t /*worker*/) { fill(i); });
+                   [&](std::size_t i, std::size_t /*worker*/) { measureBlock(i); });
     distances_ = {};
     sides_ = {};
 }
@@ -201,36 +200,12 @@ void RowBlocks::splitToEnd(IndexRange range, std::vector<IndexRange>& leaves) {
     splitToEnd({middle, range.end}, leaves);
 }
 
-/// Lays out memory for the blocks.
-void RowBlocks::placeBlocks(const std::vector<IndexRange>& leaves) {
-    std::size_t offset = 0;
-    for (const IndexRange leaf : leaves) {
-        const std::size_t stride =
-            (leaf.size() + kPackedMultiple - 1) / kPackedMultiple * kPackedMultiple;
-        blocks_.push_back({leaf.begin, leaf.size(), stride, offset, 0.0});
-        offset += stride * dims_;
-    }
-    columns_.resize(offset);
-    centres_.resize(blocks_.size() * dims_);
-}
-
-/// Fills in the columns, the centre and the radius of a block.
-void RowBlocks::fill(std::size_t number) {
+/// Finds the centre and the radius of a block.
+void RowBlocks::measureBlock(std::size_t number) {
     Block& block = blocks_[number];
     double* const centre = centres_.data() + number * dims_;
     block.radius =
         radius({block.first, block.first + block.count}, centre) * (1.0 + kRoundingMargin);
-    double* const columns = columns_.data() + block.offset;
-    for (std::size_t i = 0; i < block.count; ++i) {
-        const double* const row = rowAt(block.first + i);
-        for (std::size_t d = 0; d < dims_; ++d) {
-            columns[d * block.stride + i] = row[d];
-        }
-    }
-    for (std::size_t d = 0; d < dims_; ++d) {
-        double* const column = columns + d * block.stride;
-        std::fill(column + block.count, column + block.stride, centre[d]);
-    }
 }
 
 }  // namespace ovik

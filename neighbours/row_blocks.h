@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "neighbours/metric.h"
@@ -22,10 +23,6 @@ class RowBlocks {
     struct Block {
         std::size_t first;
         std::size_t count;
-        /// From one column of the block to the next: a multiple of kPackedMultiple.
-        std::size_t stride;
-        /// Where its columns begin.
-        std::size_t offset;
         /// At least the distance of every row from the centre.
         double radius;
     };
@@ -40,9 +37,9 @@ class RowBlocks {
     /// The row at each position.
     [[nodiscard]] const std::vector<std::uint32_t>& order() const { return order_; }
 
-    /// The rows of a block by coordinate: dims x stride, padded with the centre.
-    [[nodiscard]] const double* columns(const Block& block) const {
-        return columns_.data() + block.offset;
+    /// The numbers of the rows of a block.
+    [[nodiscard]] std::span<const std::uint32_t> rows(const Block& block) const {
+        return std::span(order_).subspan(block.first, block.count);
     }
 
     /// The centres of all blocks, row-major.
@@ -74,8 +71,7 @@ class RowBlocks {
     void addGroups(IndexRange range, std::vector<IndexRange>& leaves);
     double addGroup(IndexRange range, Groups& groups);
     void splitToEnd(IndexRange range, std::vector<IndexRange>& leaves);
-    void placeBlocks(const std::vector<IndexRange>& leaves);
-    void fill(std::size_t block);
+    void measureBlock(std::size_t number);
 
     /// A row, and on which side of two far ones it is: the nearer to the first, the less.
     struct Side {
@@ -91,7 +87,6 @@ class RowBlocks {
     std::vector<double> distances_;
     std::vector<Side> sides_;
     std::vector<Block> blocks_;
-    std::vector<double> columns_;
     std::vector<double> centres_;
 };
 

@@ -60,16 +60,16 @@ void CachedNeighbours::fillLists(const double* points) {
     const std::size_t N = search_->rowCount();
     const CandidateSearch candidates(points, N, dims_, most_ + 1);
     found_.resize(N);
-    if (candidates.blockCount() == 0) {
+    if (candidates.partCount() == 0) {
         return;
     }
     margin_ = candidates.margin();
     lists_.resize(N * (most_ + 1));
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
     parallel_tasks(
-        candidates.blockCount(), worker_count(N), [&](std::size_t block, std::size_t worker) {
+        candidates.partCount(), worker_count(N), [&](std::size_t part, std::size_t worker) {
             candidates.search(
-                block, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
+                part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
                     found_[row] = std::min(nearest.size(), most_ + 1);
                     std::copy_n(nearest.begin(), found_[row], lists_.data() + row * (most_ + 1));
                 });

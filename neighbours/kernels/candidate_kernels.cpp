@@ -153,26 +153,42 @@ void collect(const PackedRows& targets,
 /// Vectors of rows that are packed side by side.
 constexpr std::size_t kPackedVectors = kPackedMultiple / kLanes;
 
-void pack(const double* columns,
+/// Packs a coordinate of some rows, and adds its squares to their norms.
+void pack_lanes(Lanes values, const Frame& frame, std::size_t d, float* to, Lanes& squared_norms) {
+    const Lanes difference = (values - frame.centre[d]) * broadcast(frame.scale);
+    const HalfFloats rounded = __builtin_convertvector(difference, HalfFloats);
+    __builtin_memcpy(to, &rounded, sizeof rounded);
+    squared_norms += difference * difference;
+}
+
+void pack(const ChosenRows& chosen,
           std::size_t stride,
-          std::size_t dims,
           const Frame& frame,
           float* packed,
           double* squared_norms) {
-    const Lanes scale = broadcast(frame.scale);
     for (std::size_t i = 0; i < stride; i += kPackedMultiple) {
+        const double* rows[kPackedMultiple];
+        for (std::size_t r = 0; r < kPackedMultiple; ++r) {
+            const std::size_t place = i + r < chosen.count ? i + r : chosen.count - 1;
+            rows[r] = chosen.points + chosen.rows[place] * chosen.dims;
+        }
         Lanes sums[kPackedVectors] = {};
-        for (std::size_t d = 0; d < dims; ++d) {
-            const double* const column = columns + d * stride + i;
+        std::size_t d = 0;
+        for (; d + 2 <= chosen.dims; d += 2) {
             float* const to = packed + d * stride + i;
             for (std::size_t v = 0; v < kPackedVectors; ++v) {
-                const Lanes difference = (load(column + v * kLanes) - frame.centre[d]) * scale;
-                const HalfFloats rounded = __builtin_convertvector(difference, HalfFloats);
-                __builtin_memcpy(to + v * kLanes, &rounded, sizeof rounded);
-                sums[v] += difference * difference;
+                Lanes both[2];
+                load_pairs([&](std::size_t lane) { return rows[v * kLanes + lane] + d; }, both);
+                pack_lanes(both[0], frame, d, to + v * kLanes, sums[v]);
+                pack_lanes(both[1], frame, d + 1, to + stride + v * kLanes, sums[v]);
             }
         }
         for (std::size_t v = 0; v < kPackedVectors; ++v) {
+            if (d < chosen.dims) {
+                const Lanes last =
+                    each_lane([&](std::size_t lane) { return rows[v * kLanes + lane][d]; });
+                pack_lanes(last, frame, d, packed + d * stride + i + v * kLanes, sums[v]);
+            }
             store(squared_norms + i + v * kLanes, sums[v]);
         }
     }
@@ -256,6 +272,49 @@ void drop(Candidates& candidates) {
     candidates.count = kept;
 }
 
+typedef std::uint32_t Rows __attribute__((vector_size(kFloats * sizeof(std::uint32_t))));
+
+constexpr std::uint32_t kRowBits = 0x7FFFFFFFU;
+
+/// Whether a row is in a list.
+bool is_in(const std::uint32_t* list, std::size_t count, std::uint32_t row) {
+    if (count < kFloats) {
+        bool found = false;
+        for (std::size_t i = 0; i < count; ++i) {
+            found |= (list[i] & kRowBits) == row;
+        }
+        return found;
+    }
+    Choices found = {};
+    for (std::size_t i = 0; i < count; i += kFloats) {
+        Rows some;
+        // The last vector reads some rows once more.
+        __builtin_memcpy(&some, list + (i + kFloats <= count ? i : count - kFloats), sizeof some);
+        found |= (some & kRowBits) == row;
+    }
+    std::int64_t any[sizeof found / sizeof(std::int64_t)];
+    __builtin_memcpy(any, &found, sizeof found);
+    std::int64_t bits = 0;
+    for (const std::int64_t one : any) {
+        bits |= one;
+    }
+    return bits != 0;
+}
+
+std::size_t without(const std::uint32_t* list,
+                    std::size_t list_count,
+                    const std::uint32_t* rows,
+                    std::size_t count,
+                    std::uint32_t* others) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t row = rows[i];
+        others[kept] = row;
+        kept += is_in(list, list_count, row) ? 0 : 1;
+    }
+    return kept;
+}
+
 /// A number for each lane of doubles.
 typedef std::int64_t Counts __attribute__((vector_size(kLanes * sizeof(double))));
 
@@ -306,6 +365,6 @@ void rank(double* distances, std::size_t count, std::uint32_t* places) {
 }  // namespace
 
 extern const CandidateKernels kEuclideanCandidates;
-const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop, &rank};
+const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop, &without, &rank};
 
 }  // namespace ovik::OVIK_KERNELS

@@ -31,6 +31,16 @@ struct PackedRows {
     std::size_t stride;
 };
 
+/// Some rows of a matrix.
+struct ChosenRows {
+    /// Row-major, with `dims` columns.
+    const double* points;
+    std::size_t dims;
+    /// The numbers of `count` rows.
+    const std::uint32_t* rows;
+    std::size_t count;
+};
+
 /// What rows are packed relative to.
 struct Frame {
     /// One value for each coordinate.
@@ -44,14 +54,14 @@ struct Frame {
 /// bounds of error.
 struct CandidateKernels {
     /// Packs rows: (x - centre) * scale, rounded to single precision, and the squared norms of that
-    /// as it was before it was rounded.
+    /// as it was before it was rounded. The last row stands in for those that pad the block.
     ///
-    /// @param columns        dims x stride
+    /// @param rows           at least one
+    /// @param stride         at least as many as there are rows, a multiple of kPackedMultiple
     /// @param packed         dims x stride values
     /// @param squared_norms  stride values
-    void (*pack)(const double* columns,
+    void (*pack)(const ChosenRows& rows,
                  std::size_t stride,
-                 std::size_t dims,
                  const Frame& frame,
                  float* packed,
                  double* squared_norms);
@@ -75,6 +85,18 @@ struct CandidateKernels {
 
     /// Drops the candidates above the limit; the others keep their order.
     void (*drop)(Candidates& candidates);
+
+    /// Writes those rows that are not in a list.
+    ///
+    /// @param list    list_count rows, with any highest bit
+    /// @param rows    below 2^31
+    /// @param others  room for as many as there are rows; may be the rows themselves
+    /// @return how many there are
+    std::size_t (*without)(const std::uint32_t* list,
+                           std::size_t list_count,
+                           const std::uint32_t* rows,
+                           std::size_t count,
+                           std::uint32_t* others);
 
     /// The place of each distance among all of them in ascending order; of equal ones in the order
     /// of their index. Takes the time of count^2 comparisons.

@@ -36,12 +36,12 @@ void expect_the_nearest(const std::vector<double>& points,
                         std::size_t most_untold = 0) {
     const std::size_t N = points.size() / dims;
     const CandidateSearch search(points.data(), N, dims, wanted);
-    ASSERT_GT(search.blockCount(), 0U);
+    ASSERT_GT(search.partCount(), 0U);
     CandidateSearch::Scratch scratch;
     std::vector<bool> is_visited(N, false);
     std::size_t untold = 0;
-    for (std::size_t block = 0; block < search.blockCount(); ++block) {
-        search.search(block, scratch, [&](std::size_t row, std::span<const NearRow> nearest) {
+    for (std::size_t part = 0; part < search.partCount(); ++part) {
+        search.search(part, scratch, [&](std::size_t row, std::span<const NearRow> nearest) {
             ASSERT_FALSE(is_visited[row]);
             is_visited[row] = true;
             if (nearest.empty()) {
@@ -136,8 +136,8 @@ TEST(CandidateSearch, GivesUpRowsWithTooManyCandidates) {
     const CandidateSearch search(points.data(), 1000, 2, 9);
     CandidateSearch::Scratch scratch;
     std::size_t untold = 0;
-    for (std::size_t block = 0; block < search.blockCount(); ++block) {
-        search.search(block, scratch, [&](std::size_t, std::span<const NearRow> nearest) {
+    for (std::size_t part = 0; part < search.partCount(); ++part) {
+        search.search(part, scratch, [&](std::size_t, std::span<const NearRow> nearest) {
             untold += nearest.empty() ? 1 : 0;
         });
     }
@@ -148,7 +148,7 @@ TEST(CandidateSearch, IsNotMadeWhereItsBoundsWouldNotHold) {
     const std::vector<double> points = test::random_values(2000, 51);
     const auto blocks =
         [](const std::vector<double>& values, std::size_t dims, std::size_t wanted) {
-            return CandidateSearch(values.data(), values.size() / dims, dims, wanted).blockCount();
+            return CandidateSearch(values.data(), values.size() / dims, dims, wanted).partCount();
         };
     EXPECT_GT(blocks(points, 2, 10), 0U);
     EXPECT_EQ(blocks(points, 2, 0), 0U);
@@ -166,7 +166,7 @@ TEST(CandidateSearch, IsNotMadeWhereItsBoundsWouldNotHold) {
     EXPECT_EQ(blocks(std::vector<double>(2000, 1.5), 2, 10), 0U);
     EXPECT_EQ(blocks(test::random_values(2000, 52, 1e-160), 2, 10), 0U);
     // Under a metric without the kernels.
-    EXPECT_EQ(CandidateSearch(points.data(), 1000, 2, 10, test::kMaximumMetric).blockCount(), 0U);
+    EXPECT_EQ(CandidateSearch(points.data(), 1000, 2, 10, test::kMaximumMetric).partCount(), 0U);
 }
 
 TEST(CandidateSearch, HasAMarginAboveTheErrorsOfATree) {

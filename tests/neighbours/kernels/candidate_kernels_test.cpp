@@ -33,22 +33,31 @@ std::vector<float> random_floats(std::size_t count, unsigned int seed) {
 }
 
 TEST_P(CandidateKernelsTest, PackRowsRelativeToTheCentre) {
-    constexpr std::size_t kDims = 5;
     constexpr std::size_t kStride = 2 * kPackedMultiple;
-    const std::vector<double> columns = test::random_values(kDims * kStride, 31, 100.0);
-    const std::vector<double> centre = test::random_values(kDims, 32, 100.0);
-    std::vector<float> packed(columns.size());
-    std::vector<double> norms(kStride);
-    kernels.pack(
-        columns.data(), kStride, kDims, {centre.data(), 0.25}, packed.data(), norms.data());
-    for (std::size_t i = 0; i < kStride; ++i) {
-        double norm = 0.0;
-        for (std::size_t d = 0; d < kDims; ++d) {
-            const double difference = (columns[d * kStride + i] - centre[d]) * 0.25;
-            EXPECT_EQ(packed[d * kStride + i], static_cast<float>(difference));
-            norm += difference * difference;
+    for (const std::size_t dims : {1U, 4U, 5U}) {
+        const std::vector<double> points = test::random_values(40 * dims, 31, 100.0);
+        const std::vector<double> centre = test::random_values(dims, 32, 100.0);
+        std::vector<std::uint32_t> rows(kStride - 3);
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            rows[i] = static_cast<std::uint32_t>((7 * i + 3) % 40);
         }
-        EXPECT_NEAR(norms[i], norm, 1e-12 * norm);
+        std::vector<float> packed(dims * kStride);
+        std::vector<double> norms(kStride);
+        kernels.pack({points.data(), dims, rows.data(), rows.size()},
+                     kStride,
+                     {centre.data(), 0.25},
+                     packed.data(),
+                     norms.data());
+        for (std::size_t i = 0; i < kStride; ++i) {
+            const std::size_t row = rows[std::min(i, rows.size() - 1)];
+            double norm = 0.0;
+            for (std::size_t d = 0; d < dims; ++d) {
+                const double difference = (points[row * dims + d] - centre[d]) * 0.25;
+                EXPECT_EQ(packed[d * kStride + i], static_cast<float>(difference));
+                norm += difference * difference;
+            }
+            EXPECT_NEAR(norms[i], norm, 1e-12 * norm);
+        }
     }
 }
 
@@ -190,6 +199,31 @@ TEST_P(CandidateKernelsTest, RankDistancesAndEqualOnesByIndex) {
                 EXPECT_EQ(places[order[i]], i) << count << " distances";
             }
         }
+    }
+}
+
+TEST_P(CandidateKernelsTest, TakeOutWhatIsInAList) {
+    for (std::size_t list_count = 0; list_count <= 67; ++list_count) {
+        std::vector<std::uint32_t> list;
+        for (std::size_t i = 0; i < list_count; ++i) {
+            const auto row = static_cast<std::uint32_t>(5 * i % 101);
+            list.push_back(i % 2 == 0 ? row : row | 0x80000000U);
+        }
+        std::vector<std::uint32_t> rows(101);
+        std::iota(rows.begin(), rows.end(), 0U);
+        std::vector<std::uint32_t> expected;
+        for (const std::uint32_t row : rows) {
+            const bool is_in = std::any_of(list.begin(), list.end(), [row](std::uint32_t one) {
+                return (one & 0x7FFFFFFFU) == row;
+            });
+            if (!is_in) {
+                expected.push_back(row);
+            }
+        }
+        std::vector<std::uint32_t> others(rows.size());
+        others.resize(
+            kernels.without(list.data(), list_count, rows.data(), rows.size(), others.data()));
+        EXPECT_EQ(others, expected) << list_count;
     }
 }
 

@@ -1,0 +1,153 @@
+#include "neighbours/approximate_search.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include "neighbours/candidate_search.h"
+#include "neighbours/join_partners.h"
+#include "neighbours/measured_recall.h"
+#include "neighbours/nearest_lists.h"
+#include "neighbours/projection_trees.h"
+#include "neighbours/row_join.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+/// Trees, and most rows of a leaf: more of both find more, in more time. As the rows of a leaf are
+/// compared by products of blocks, large leaves cost little beside small ones.
+constexpr std::size_t kTrees = 12;
+constexpr std::size_t kLeafRows = 2048;
+
+/// Most partners that a row joins in a round, new and old ones each.
+constexpr std::size_t kPartners = 48;
+
+/// Rounds end when at most this share of the neighbours is new, or there were so many.
+constexpr double kFewNew = 0.002;
+constexpr std::size_t kMostRounds = 24;
+
+/// Rows whose neighbours are joined by a task.
+constexpr std::size_t kRowsOfTask = 256;
+
+constexpr std::size_t kSampledRows = 1000;
+
+/// Lists are longer than they are wanted: short ones find few ways from row to row.
+std::size_t list_length(std::size_t count, std::size_t N) {
+    constexpr std::size_t kLeast = 48;
+    return std::min(std::max(kLeast, count + count / 8), N - 1);
+}
+
+class ApproximateSearch {
+  public:
+    ApproximateSearch(const double* points,
+                      std::size_t N,
+                      std::size_t dims,
+                      std::size_t count,
+                      const Metric& metric,
+                      const OnProgress& on_progress)
+        : points_(points),
+          N_(N),
+          dims_(dims),
+          count_(count),
+          metric_(metric),
+          scale_(packing_scale(*packable_extent(points, N, dims, metric))),
+          lists_(points, N, dims, list_length(count, N), metric),
+          joins_(static_cast<std::size_t>(worker_count(N)),
+                 RowJoin(points, dims, scale_, metric, lists_)),
+          progress_(on_progress, kTrees + kMostRounds) {}
+
+    [[nodiscard]] const NearestLists& lists() const { return lists_; }
+
+    void growTrees() {
+        for (std::size_t tree = 0; tree < kTrees; ++tree) {
+            visit_projection_tree(points_,
+                                  N_,
+                                  dims_,
+                                  metric_,
+                                  tree,
+                                  kLeafRows,
+                                  [&](std::span<const std::uint32_t> rows, std::size_t worker) {
+                                      joins_[worker].joinAll(rows);
+                                  });
+            progress_.add(1);
+        }
+    }
+
+    void descend() {
+        for (std::size_t round = 0; round < kMostRounds && newShare() > kFewNew; ++round) {
+            joinNeighbours(round);
+            progress_.add(1);
+        }
+    }
+
+    [[nodiscard]] NeighbourRecall recall() const {
+        return measured_recall(points_, dims_, scale_, metric_, lists_, count_, kSampledRows);
+    }
+
+  private:
+    void joinNeighbours(std::size_t round) {
+        const JoinPartners partners(lists_, kPartners, round);
+        const std::size_t tasks = (N_ + kRowsOfTask - 1) / kRowsOfTask;
+        parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
+            const std::size_t end = std::min((task + 1) * kRowsOfTask, N_);
+            for (std::size_t row = task * kRowsOfTask; row < end; ++row) {
+                joins_[worker].joinFresh(
+                    partners.fresh(row), partners.known(row), points_ + row * dims_);
+            }
+        });
+    }
+
+    /// The share of the neighbours that have not been joined with others.
+    [[nodiscard]] double newShare() const {
+        std::size_t count = 0;
+        for (std::size_t row = 0; row < N_; ++row) {
+            for (std::size_t place = 0; place < lists_.count(row); ++place) {
+                count += lists_.isNew(row, place) ? 1 : 0;
+            }
+        }
+        return static_cast<double>(count) / static_cast<double>(N_ * lists_.length());
+    }
+
+    const double* points_;
+    std::size_t N_;
+    std::size_t dims_;
+    std::size_t count_;
+    const Metric& metric_;
+    double scale_;
+    NearestLists lists_;
+    std::vector<RowJoin> joins_;
+    SearchProgress progress_;
+};
+
+}  // namespace
+
+NeighbourRecall find_approximately(
+    const double* points,
+    std::size_t N,
+    std::size_t dims,
+    std::size_t count,
+    const Metric& metric,
+    const OnProgress& on_progress,
+    const std::function<
+        void(std::size_t row, std::span<const NearRow> neighbours, std::size_t worker)>& visit) {
+    ApproximateSearch search(points, N, dims, count, metric, on_progress);
+    search.growTrees();
+    search.descend();
+    const NeighbourRecall recall = search.recall();
+    const NearestLists& lists = search.lists();
+    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+        std::vector<NearRow> neighbours;
+        for (std::size_t row = rows.begin; row < rows.end; ++row) {
+            neighbours.clear();
+            for (std::size_t place = 0; place < std::min(count, lists.count(row)); ++place) {
+                neighbours.push_back(lists.at(row, place));
+            }
+            visit(row, neighbours, worker);
+        }
+    });
+    return recall;
+}
+
+}  // namespace ovik
