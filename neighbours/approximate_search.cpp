@@ -34,9 +34,10 @@ constexpr std::size_t kRowsOfTask = 256;
 constexpr std::size_t kSampledRows = 1000;
 
 /// Lists are longer than they are wanted: short ones find few ways from row to row.
+constexpr std::size_t kLeastLength = 48;
+
 std::size_t list_length(std::size_t count, std::size_t N) {
-    constexpr std::size_t kLeast = 48;
-    return std::min(std::max(kLeast, count + count / 8), N - 1);
+    return std::min(std::max(kLeastLength, count + count / 8), N - 1);
 }
 
 class ApproximateSearch {
@@ -122,6 +123,14 @@ class ApproximateSearch {
 };
 
 }  // namespace
+
+double approximate_search_memory(std::size_t N, std::size_t count) {
+    // Row and distance of each neighbour; partners of two kinds; counts, limits, what draws need,
+    // and how far the farthest neighbours are, or before that the scratch of a tree.
+    const auto length = static_cast<double>(std::max(kLeastLength, count + count / 8));
+    const double of_row = 12.0 * length + 8.0 * static_cast<double>(kPartners) + 64.0;
+    return of_row * static_cast<double>(N);
+}
 
 NeighbourRecall find_approximately(
     const double* points,

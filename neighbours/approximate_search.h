@@ -40,4 +40,9 @@ NeighbourRecall find_approximately(
     const std::function<
         void(std::size_t row, std::span<const NearRow> neighbours, std::size_t worker)>& visit);
 
+/// The bytes that the search takes at most beside the matrix, but for what each thread has.
+///
+/// @param count  neighbours of a row
+double approximate_search_memory(std::size_t N, std::size_t count);
+
 }  // namespace ovik

@@ -75,6 +75,8 @@ struct RunRecord {
     double final_cost = 0.0;
     /// The share of the variance that principal components keep, if they stand for the columns.
     std::optional<double> variance_kept;
+    /// The share of the nearest neighbours that were found, if the search was not exact.
+    std::optional<double> neighbour_recall;
     RecordedSeconds seconds;
     /// Of a run from several seeds, one of which gave the map; empty for a run from one.
     std::vector<RecordedSeed> seeds;

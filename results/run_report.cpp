@@ -107,6 +107,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
         {"quality", json_quality(run.quality)},
         {"files", json_files(run.files, directory)},
         {"costs", json_list_of(run.costs)}};
+    if (run.neighbour_recall) {
+        members.emplace_back("neighbour_recall", json_text(*run.neighbour_recall));
+    }
     if (run.clusters) {
         members.emplace_back("clusters",
                              json_object({{"resolution", json_text(run.clusters->resolution)},

@@ -27,7 +27,8 @@ std::shared_ptr<CachedNeighbours> make_cached_neighbours(std::size_t most) {
 std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
                                                          std::size_t N,
                                                          std::size_t dims,
-                                                         RandomStream& random) {
+                                                         RandomStream& random,
+                                                         const NeighbourSearchManner& manner) {
     if (given_) {
         if (N != given_->rowCount()) {
             throw std::invalid_argument("the neighbours that are given are of another matrix");
@@ -35,20 +36,39 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
         draw_as_a_search(N, random);
         return nullptr;
     }
-    auto search = std::make_unique<NeighbourSearch>(N, dims, random);
+    auto search = std::make_unique<NeighbourSearch>(N, dims, random, euclidean_metric(), manner);
     const Digest digest = digest_of({points, N * dims});
     const std::lock_guard lock(mutex_);
     if (search_ == nullptr) {
         search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
-        fillLists(points);
+        is_approximate_ = manner.is_approximate;
+        if (is_approximate_) {
+            fillApproximateLists(points);
+        } else {
+            fillLists(points);
+        }
         return nullptr;
     }
     if (N != search_->rowCount() || digest != points_) {
         throw std::invalid_argument("neighbours of another matrix are cached");
     }
-    return search->draws() == search_->draws() ? nullptr : std::move(search);
+    return search->draws() == search_->draws() && !is_approximate_ ? nullptr : std::move(search);
+}
+
+/// What an approximate search finds does not depend on what is drawn for the tree.
+void CachedNeighbours::fillApproximateLists(const double* points) {
+    found_.resize(search_->rowCount());
+    lists_.resize(search_->rowCount() * (most_ + 1));
+    search_->findAll(
+        points,
+        most_,
+        [&](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
+            found_[row] = nearest.size();
+            std::copy_n(nearest.begin(), found_[row], lists_.data() + row * (most_ + 1));
+        });
+    recall_ = search_->recall();
 }
 
 std::size_t CachedNeighbours::workerCount() const {
@@ -76,13 +96,24 @@ void CachedNeighbours::fillLists(const double* points) {
         });
 }
 
-void CachedNeighbours::findAll(const double* points,
-                               std::size_t count,
-                               const NeighbourSearch::Visit& visit,
-                               NeighbourSearch* own_search) {
+std::optional<NeighbourRecall> CachedNeighbours::findAll(const double* points,
+                                                         std::size_t count,
+                                                         const NeighbourSearch::Visit& visit,
+                                                         NeighbourSearch* own_search) {
     if (given_) {
         visitGiven(count, visit);
-        return;
+        return std::nullopt;
+    }
+    if (is_approximate_ && count == most_) {
+        visitLists(count, visit);
+        return recall_;
+    }
+    if (is_approximate_) {
+        // A shared search would have to be asked by one run at a time.
+        const std::lock_guard lock(mutex_);
+        NeighbourSearch& search = own_search != nullptr ? *own_search : *search_;
+        search.findAll(points, count, visit);
+        return search.recall();
     }
     const std::size_t N = search_->rowCount();
     std::vector<char> is_found(N);
@@ -97,10 +128,22 @@ void CachedNeighbours::findAll(const double* points,
         }
     });
     if (own_search != nullptr) {
-        return own_search->findOthers(points, count, is_found, visit);
+        own_search->findOthers(points, count, is_found, visit);
+        return std::nullopt;
     }
     const std::lock_guard lock(mutex_);
     search_->findOthers(points, count, is_found, visit);
+    return std::nullopt;
+}
+
+/// Visits every row with the whole list of it.
+void CachedNeighbours::visitLists(std::size_t count, const NeighbourSearch::Visit& visit) const {
+    parallel_for(found_.size(), 1, [&](std::size_t worker, IndexRange rows) {
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            const std::size_t length = std::min(count, found_[n]);
+            visit(n, {lists_.data() + n * (most_ + 1), length}, worker);
+        }
+    });
 }
 
 /// @param count  with the row itself, which stands first

@@ -24,6 +24,9 @@ namespace ovik {
 /// by a tree of the run's own if its draws are others. The stream of random numbers is left as a
 /// search of its own leaves it.
 ///
+/// Where the search is approximate, runs that want as many neighbours share what it found, and
+/// others search on their own: each gets what it would get alone.
+///
 /// Neighbours may also be given, in the place of any search: runs then get the head of each list,
 /// the whole list if it is shorter.
 ///
@@ -39,6 +42,7 @@ class CachedNeighbours {
     /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
+    /// @param manner  of a search, the same for all runs
     /// @return the search for this run's `findAll`; null for the one that runs share, or if
     /// neighbours are given
     /// @throws std::invalid_argument if the points are not those of the first call, or not as many
@@ -46,7 +50,8 @@ class CachedNeighbours {
     std::unique_ptr<NeighbourSearch> begin(const double* points,
                                            std::size_t N,
                                            std::size_t dims,
-                                           RandomStream& random = process_random_stream());
+                                           RandomStream& random = process_random_stream(),
+                                           const NeighbourSearchManner& manner = {});
 
     /// How many workers `findAll` has at most.
     [[nodiscard]] std::size_t workerCount() const;
@@ -54,10 +59,11 @@ class CachedNeighbours {
     /// Does what `NeighbourSearch::findAll` does, once a run has begun.
     ///
     /// @param own_search  what `begin` gave
-    void findAll(const double* points,
-                 std::size_t count,
-                 const NeighbourSearch::Visit& visit,
-                 NeighbourSearch* own_search = nullptr);
+    /// @return how many of the nearest were found, if the search is not exact
+    std::optional<NeighbourRecall> findAll(const double* points,
+                                           std::size_t count,
+                                           const NeighbourSearch::Visit& visit,
+                                           NeighbourSearch* own_search = nullptr);
 
     /// What tells neighbours that were given from others; empty if none were, since those of a
     /// search follow from the matrix.
@@ -65,6 +71,8 @@ class CachedNeighbours {
 
   private:
     void fillLists(const double* points);
+    void fillApproximateLists(const double* points);
+    void visitLists(std::size_t count, const NeighbourSearch::Visit& visit) const;
     void visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const;
 
     /// Held by the first run while it fills the lists, and by whoever asks the shared search, which
@@ -77,6 +85,8 @@ class CachedNeighbours {
     std::unique_ptr<NeighbourSearch> search_;
     std::size_t dims_ = 0;
     Digest points_{};
+    bool is_approximate_ = false;
+    std::optional<NeighbourRecall> recall_;
     /// That of the search for candidates.
     double margin_ = 0.0;
     /// One more than `most_` for each row, of which the first `found_` are there.

@@ -199,7 +199,11 @@ FitReport fit_into(MatrixView<double> Y,
                                                         hooks.cached_neighbours,
                                                         has_graph ? &report.neighbours : nullptr,
                                                         stream,
-                                                        hooks.on_stage});
+                                                        hooks.on_stage,
+                                                        &report.recall});
+    if (report.recall && hooks.on_recall) {
+        hooks.on_recall(*report.recall);
+    }
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
     const Schedule schedule(options, X.rows);

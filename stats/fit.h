@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "neighbours/neighbour_graph.h"
+#include "neighbours/neighbour_recall.h"
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
 #include "stats/fit_state.h"
@@ -46,6 +47,8 @@ struct FitHooks {
     /// were given in the place of a search; not used by the exact method, nor where the input holds
     /// distances.
     CachedNeighbours* cached_neighbours = nullptr;
+    /// Is given the recall of a search for neighbours that is not exact.
+    std::function<void(const NeighbourRecall& recall)> on_recall = {};
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
 };
@@ -68,6 +71,9 @@ struct FitReport {
     std::optional<double> variance_kept;
     /// Empty unless `wants_neighbours`, and where the method searches for none.
     NeighbourGraph neighbours;
+    /// How many of the nearest neighbours were found; nothing where the search is exact, or none is
+    /// made.
+    std::optional<NeighbourRecall> recall;
     RunTimes seconds;
     /// Processor time of the iterations, in the units of `std::clock`.
     std::clock_t fitting_clock = 0;

@@ -69,6 +69,14 @@ enum class AffinityKind {
     Uniform,
 };
 
+/// How the nearest neighbours of the rows are searched for.
+enum class NeighbourSearchKind {
+    /// All of them are found.
+    Exact,
+    /// Nearly all, in less time where there are many rows without clusters.
+    Approximate,
+};
+
 /// The names of the members of a choice, in their order: `kAll` of the specialisations.
 template <typename Kind>
 struct ChoiceNames;
@@ -102,6 +110,11 @@ struct ChoiceNames<GainKind> {
 template <>
 struct ChoiceNames<AffinityKind> {
     static constexpr std::array<std::string_view, 2> kAll{"perplexity", "uniform"};
+};
+
+template <>
+struct ChoiceNames<NeighbourSearchKind> {
+    static constexpr std::array<std::string_view, 2> kAll{"exact", "approximate"};
 };
 
 /// The name of a member of a choice; empty for what is none.

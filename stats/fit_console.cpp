@@ -1,11 +1,13 @@
 #include "stats/fit_console.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include <glog/logging.h>
 
 #include "stats/option_effect.h"
+#include "stats/recall_text.h"
 #include "stats/run_names.h"
 #include "stats/seed_texts.h"
 #include "util/console.h"
@@ -93,6 +95,19 @@ void print_components(int components, int columns, double share) {
     print_info(std::to_string(components) + " principal components stand for " +
                std::to_string(columns) + " columns, with " + percent_text(share) +
                " of the variance");
+}
+
+void print_recall(const NeighbourRecall& recall) {
+    print_info("Approximate neighbours: " + recall_text(recall));
+    constexpr double kLow = 0.9;
+    if (recall.share < kLow) {
+        print_text(
+            "The recall of the neighbours is low, and the map may lack some of what is in the "
+            "data; --neighbour-search exact finds all of them, and fewer principal "
+            "components (--pca) make them easier to find",
+            1,
+            '\n');
+    }
 }
 
 template <typename T>

@@ -2,6 +2,7 @@
 
 #include <ctime>
 
+#include "neighbours/neighbour_recall.h"
 #include "stats/fit.h"
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
@@ -27,6 +28,9 @@ FitNotes console_notes(const FitOptions& options);
 ///
 /// @param share  0 to 1
 void print_components(int components, int columns, double share);
+
+/// Tells how many of the nearest neighbours were found, and what to do where they are too few.
+void print_recall(const NeighbourRecall& recall);
 
 /// Redraws the progress bar, in the precision T.
 template <typename T>

@@ -38,6 +38,7 @@ struct FitOptions {
     int neighbours = 15;
     /// Perplexities whose affinities are averaged; empty for the one of `perplexity`.
     NumberList multiscale = {};
+    NeighbourSearchKind neighbour_search = NeighbourSearchKind::Exact;
     StartKind start = StartKind::Random;
     ScheduleKind schedule = ScheduleKind::Classic;
     /// Of the annealed schedule.
@@ -225,6 +226,13 @@ void visit_fit_options(Options& options, Visitor&& visit) {
          .flags = "--multiscale",
          .title = "Perplexities in one",
          .sentence = "Perplexities whose affinities are averaged"}});
+    choice(options.neighbour_search,
+           kPreset.neighbour_search,
+           {.name = "neighbour_search",
+            .python = "neighbour_search",
+            .flags = "--neighbour-search",
+            .title = "Neighbour search",
+            .sentence = "Whether all nearest neighbours are found, or nearly all in less time"});
     choice(options.start,
            kPreset.start,
            {.name = "start",

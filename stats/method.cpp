@@ -7,6 +7,7 @@
 
 #include <climits>
 
+#include "neighbours/approximate_search.h"
 #include "neighbours/neighbour_index.h"
 #include "neighbours/neighbour_lists.h"
 #include "stats/cached_neighbours.h"
@@ -139,8 +140,11 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const bool is_given = holds_distances(size.options);
     const double index = 164.0 * N + blocks * (128.0 * D + 256.0);
     // Lists of neighbours, before they are joined and after, are all that distances need.
-    const double searching =
+    double searching =
         is_given ? 32.0 * entries : of_queries + (size.is_shared && size.seeds == 1 ? 0.0 : index);
+    if (!is_given && size.options.neighbour_search == NeighbourSearchKind::Approximate) {
+        searching = approximate_search_memory(size.rows, static_cast<std::size_t>(K));
+    }
     const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
     return {graph + std::max({entry_bytes * entries + searching,
                               (entry_bytes + 1.0) * entries + 12.0 * N,

@@ -35,10 +35,18 @@ struct MethodInput {
     RandomStream& random = process_random_stream();
     /// Takes how far neighbours and affinities are.
     OnStage on_stage = {};
+    /// Null, or what is told how many of the nearest a search found that is not exact.
+    std::optional<NeighbourRecall>* recall = nullptr;
 
     /// What a search for neighbours takes of it.
     [[nodiscard]] NeighbourHooks neighbourHooks() const {
-        return {notes, cached_neighbours, graph, &random, on_stage};
+        return {notes,
+                cached_neighbours,
+                graph,
+                &random,
+                on_stage,
+                options.neighbour_search == NeighbourSearchKind::Approximate,
+                recall};
     }
 };
 

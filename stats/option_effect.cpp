@@ -37,12 +37,19 @@ bool has_no_theta(const FitOptions& options) {
            (options.method == MethodKind::Exact && options.theta != 0.0);
 }
 
+bool is_without_neighbours(const FitOptions& options) {
+    return !has_neighbours(options);
+}
+
 constexpr OptionBar kBars[] = {
     {"theta", "method", "barnes-hut", &has_no_theta},
     {"perplexity", "affinity", "perplexity", &is_uniform},
     {"perplexity", "multiscale", "", &is_multiscale},
     {"multiscale", "affinity", "perplexity", &is_uniform},
     {"neighbours", "affinity", "uniform", &is_not_uniform},
+    {"neighbour_search", "theta", "0.5", &is_without_neighbours},
+    // The nearest of a row stand in it.
+    {"neighbour_search", "metric", "euclidean", &is_precomputed},
     {"stop_lying_iter", "schedule", "classic", &is_annealed},
     {"mom_switch_iter", "schedule", "classic", &is_annealed},
     {"momentum", "schedule", "classic", &is_annealed},

@@ -3,6 +3,7 @@
 #include "stats/method.h"
 #include "stats/option_effect.h"
 #include "stats/option_texts.h"
+#include "stats/recall_text.h"
 #include "stats/seed_texts.h"
 #include "util/rounded.h"
 
@@ -28,6 +29,9 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
     });
     if (report.variance_kept) {
         parameters.emplace_back("Variance kept", percent_text(*report.variance_kept));
+    }
+    if (report.recall) {
+        parameters.emplace_back("Neighbours found", recall_text(*report.recall));
     }
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
     parameters.emplace_back("Final cost", significant_text(report.reached.cost));

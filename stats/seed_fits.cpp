@@ -52,6 +52,7 @@ class SeedFits {
         hooks.on_similarities = {};
         hooks.on_stage = {};
         hooks.on_components = {};
+        hooks.on_recall = {};
         run(number, {values.data(), X_.rows, X_.columns}, hooks);
     }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
+#include "neighbours/neighbour_recall.h"
 #include "stats/fit_notes.h"
 #include "stats/joint_matrix.h"
 #include "stats/sparse_matrix.h"
@@ -29,6 +31,10 @@ struct NeighbourHooks {
     RandomStream* random = nullptr;
     /// Takes for how many rows neighbours and affinities are there.
     OnStage on_stage = {};
+    /// Whether the search may miss some of the nearest.
+    bool is_approximate = false;
+    /// Null, or what is told how many of the nearest were found, if the search is not exact.
+    std::optional<NeighbourRecall>* recall = nullptr;
 };
 
 /// Conditional affinities of every point to its nearest neighbours, each row calibrated to a

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "neighbours/neighbour_recall.h"
 #include "plots/figure_options.h"
 #include "plots/plot_outcome.h"
 #include "results/gene_set.h"
@@ -244,6 +245,11 @@ class TSNE {
     /// the columns.
     [[nodiscard]] std::optional<double> varianceKept() const { return variance_kept_; }
 
+    /// How many of the nearest neighbours the last run found, if its search was not exact.
+    [[nodiscard]] const std::optional<NeighbourRecall>& neighbourRecall() const {
+        return neighbour_recall_;
+    }
+
     /// The cost of each iteration of the last embedding, as `FitReport::costs`.
     [[nodiscard]] const std::vector<double>& costs() const { return costs_; }
 
@@ -368,6 +374,7 @@ class TSNE {
     bool log_written_ = false;
     double final_cost_ = 0.0;
     std::optional<double> variance_kept_;
+    std::optional<NeighbourRecall> neighbour_recall_;
     std::vector<double> costs_;
     std::optional<SeedReport> seed_report_;
     RunTimes times_;

@@ -331,6 +331,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.wants_neighbours = wants_neighbours;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     hooks.start = givenStart(embedding.columns);
+    hooks.on_recall = &print_recall;
     hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
     FitReport report = exiting_without_memory([&] {
         const MatrixView<double> input{X, embedding.rows, static_cast<std::size_t>(std::max(D, 0))};
@@ -366,6 +367,7 @@ void TSNE<T>::keepResults(const FitReport& report) {
     times_ = report.seconds;
     input_scale_ = report.scale;
     variance_kept_ = report.variance_kept;
+    neighbour_recall_ = report.recall;
 }
 
 /// Forgets what became of the results of an earlier run.
@@ -374,6 +376,7 @@ void TSNE<T>::forgetResults() {
     checkpoint_failure_.clear();
     final_cost_ = 0.0;
     variance_kept_.reset();
+    neighbour_recall_.reset();
     costs_.clear();
     seed_report_.reset();
     times_ = {};

@@ -275,6 +275,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     record.costs = tsne.costs();
     record.final_cost = tsne.finalCost();
     record.variance_kept = tsne.varianceKept();
+    if (tsne.neighbourRecall()) {
+        record.neighbour_recall = tsne.neighbourRecall()->share;
+    }
     if (tsne.seedReport()) {
         record_seeds(record, *tsne.seedReport());
     }

@@ -26,7 +26,8 @@ enum class Stage {
 /// Takes how far a stage is: `done` of `total` bytes, rows or iterations. With a total of 0 it is
 /// not known how far, only that the stage has begun. A stage ends with `done` at a total that is
 /// not 0, or when another one begins. Called by any thread, by several at once, as often as every
-/// row: it has to be quick, and changes no result.
+/// row: it has to be quick, and changes no result. An exception that it throws in the search for neighbours
+/// ends that.
 using OnStage = std::function<void(Stage stage, std::uint64_t done, std::uint64_t total)>;
 
 /// @param on_stage  may be empty

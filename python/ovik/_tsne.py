@@ -107,6 +107,9 @@ class TSNE(FitParameters):
         Whether neighbours in the embedding are neighbours in the input (Venna and Kaski, 2001), and
         the share of the neighbours in the input that are neighbours in the embedding; only with
         `quality`.
+    neighbour_recall_ : float
+        The share of the nearest neighbours that were found, measured on a thousand rows; only where
+        `neighbour_search` is "approximate".
     n_features_in_ : int
         Columns of the input.
     feature_names_in_ : ndarray of shape (n_features_in_,), object
@@ -419,6 +422,7 @@ class TSNE(FitParameters):
         for name, value in (
             ("seed_costs_", dict(outcome["seeds"][0]) if outcome["seeds"] else None),
             ("seed_agreement_", Agreement(*outcome["seeds"][1:]) if outcome["seeds"] else None),
+            ("neighbour_recall_", outcome["neighbour_recall"]),
             ("trustworthiness_", outcome["trustworthiness"]),
             ("knn_recall_", outcome["knn_recall"]),
             ("feature_names_in_", given.feature_names),

@@ -121,7 +121,14 @@ Outcome run_fit(MatrixView<const double> points,
         }
         return goes_on(state, manner, is_interrupted, outcome);
     };
+    hooks.on_stage = [&](Stage stage, std::uint64_t /*done*/, std::uint64_t /*total*/) {
+        // The search for neighbours bears an exception.
+        if (stage == Stage::Neighbours && is_interrupted && !manner.keeps_interrupted) {
+            throw std::runtime_error("interrupted");
+        }
+    };
     if (manner.verbose) {
+        hooks.on_recall = &print_recall;
         print_launch(options, static_cast<int>(points.rows));
         hooks.on_note = console_notes(options);
         hooks.on_similarities = [](const std::string& message) { print_info(message); };

@@ -146,6 +146,8 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
+        "neighbour_recall"_a =
+            report.recall ? py::float_(report.recall->share) : py::object(py::none()),
         "is_interrupted"_a = outcome.is_interrupted,
         "map"_a = described_map(outcome, options),
         "caption"_a = outcome.caption,

@@ -147,6 +147,21 @@ TEST_F(Choices, WithoutAPerplexityAreCalledByWhatTheyHave) {
     EXPECT_THAT(file("pages/collected_tsne_comparison.html"), HasSubstr("Perplexities = 10, 30"));
 }
 
+TEST_F(Choices, AnApproximateSearchTellsWhatItFound) {
+    const std::string report = directory_.file("near.json");
+    const CommandOutcome near =
+        embed("near", {"--neighbour-search", "approximate", "--json", report});
+    EXPECT_EQ(near.exit_status, kSuccess);
+    // One leaf of a tree holds so few rows.
+    EXPECT_THAT(near.out,
+                HasSubstr("-- Approximate neighbours: 100.0 % of the nearest, of 120 rows"));
+    const json written = json::parse(test::read_file(report));
+    EXPECT_EQ(written["options"]["neighbour_search"], "approximate");
+    EXPECT_EQ(written["runs"][0]["neighbour_recall"], 1.0);
+    EXPECT_THAT(refusal_of({"--neighbour-search", "approximate", "--theta", "0"}),
+                HasSubstr("--neighbour-search has no effect beside --theta 0"));
+}
+
 TEST_F(Choices, ArePlannedAsTheyAre) {
     EXPECT_THAT(embed("none", {"--affinity", "uniform", "--dry-run"}).out,
                 HasSubstr("(theta = 0.50), uniform affinities of 15 neighbours, 2 dimensions"));

@@ -6,11 +6,13 @@
 #include <cstdlib>
 #include <limits>
 #include <random>
+#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/instruction_sets.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 #include "tests/support/toy_metrics.h"
@@ -210,6 +212,72 @@ TEST(NeighbourSearch, VisitsTheRowsThatAreNotFoundYet) {
         });
     std::sort(visited.begin(), visited.end());
     EXPECT_EQ(visited, (std::vector<std::size_t>{17, 200}));
+}
+
+TEST(NeighbourSearch, TellsHowFarItIsAndEndsWhenItsCallerThrows) {
+    const std::vector<double> points = test::random_values(3000 * 3, 74);
+    for (const int threads : {1, 2}) {
+        const test::ThreadCount scope(threads);
+        std::size_t calls = 0;
+        std::size_t last = 0;
+        std::size_t end = 0;
+        const OnProgress on_progress = [&](std::size_t done, std::size_t total) {
+            EXPECT_GT(done, last);
+            EXPECT_LE(done, total);
+            last = done;
+            if (++calls == end) {
+                throw std::runtime_error("enough");
+            }
+        };
+        NeighbourSearch search(
+            3000, 3, process_random_stream(), euclidean_metric(), {.on_progress = on_progress});
+        std::atomic<std::size_t> visits{0};
+        const auto visit = [&](std::size_t, std::span<const NearRow>, std::size_t) { ++visits; };
+        search.findAll(points.data(), 10, visit);
+        EXPECT_GE(calls, 1U);
+        EXPECT_EQ(visits, 3000U);
+        EXPECT_FALSE(search.recall());
+        visits = calls = last = 0;
+        end = 1;
+        EXPECT_THROW(search.findAll(points.data(), 10, visit), std::runtime_error);
+        EXPECT_LT(visits, 3000U);
+    }
+}
+
+TEST(NeighbourSearch, IsApproximateWhereThatIsWanted) {
+    const std::vector<double> points = test::random_values(900 * 3, 75);
+    NeighbourSearch search(
+        900, 3, process_random_stream(), euclidean_metric(), {.is_approximate = true});
+    std::vector<std::vector<NearRow>> found(900);
+    search.findAll(points.data(), 8, [&](std::size_t row, std::span<const NearRow> nearest, auto) {
+        found[row].assign(nearest.begin(), nearest.end());
+    });
+    EXPECT_EQ(search.recall(), (NeighbourRecall{1.0, 900}));
+    for (std::size_t row = 0; row < 900; ++row) {
+        std::vector<NearRow> expected = {{static_cast<std::uint32_t>(row), 0.0}};
+        const std::vector<NearRow> others = test::nearest_of(points, 3, row, 7);
+        expected.insert(expected.end(), others.begin(), others.end());
+        ASSERT_EQ(found[row], expected);
+    }
+}
+
+TEST(NeighbourSearch, IsExactWhereItCannotBeApproximate) {
+    std::vector<double> points = test::random_values(300 * 2, 76);
+    points[100] = std::numeric_limits<double>::infinity();
+    const auto visits_of = [&](std::size_t count) {
+        NeighbourSearch search(
+            300, 2, process_random_stream(), euclidean_metric(), {.is_approximate = true});
+        std::atomic<std::size_t> visits{0};
+        search.findAll(points.data(), count, [&](std::size_t, auto, std::size_t) { ++visits; });
+        EXPECT_FALSE(search.recall());
+        return visits.load();
+    };
+    EXPECT_EQ(visits_of(7), 300U);
+    points[100] = 0.5;
+    EXPECT_EQ(visits_of(0), 300U);
+    EXPECT_EQ(visits_of(1), 300U);
+    // More than there are.
+    EXPECT_EQ(visits_of(301), 300U);
 }
 
 }  // namespace

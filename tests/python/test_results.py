@@ -48,6 +48,7 @@ def test_schedule_is_the_commands(time_courses, embed_by_command):
     ({"pca": 5}, ["--pca", "5"]),
     ({"affinity": "uniform", "neighbours": 9}, ["--affinity", "uniform", "--neighbours", "9"]),
     ({"multiscale": (5, 30)}, ["--multiscale", "5,30"]),
+    ({"neighbour_search": "approximate"}, ["--neighbour-search", "approximate"]),
     ({"init": "pca"}, ["--start", "pca"]),
     ({"schedule": "annealed", "hold_iter": 10, "release_iter": 15},
      ["--schedule", "annealed", "--hold-iter", "10", "--release-iter", "15"]),

@@ -100,6 +100,15 @@ TEST(ConsoleNotes, LogThePerplexityAroundTheDistances) {
     EXPECT_EQ(sink.lines[1].line, 641);
 }
 
+TEST(PrintRecall, TellsTheRecallAndWarnsOfALowOne) {
+    EXPECT_EQ(printed([] { print_recall({0.98712, 1000}); }).out,
+              "-- Approximate neighbours: 98.7 % of the nearest, of 1000 rows\n");
+    const std::string low = printed([] { print_recall({0.75, 1000}); }).out;
+    EXPECT_THAT(low, HasSubstr("75.0 % of the nearest"));
+    EXPECT_THAT(low, HasSubstr("recall of the neighbours is low"));
+    EXPECT_THAT(low, HasSubstr("--neighbour-search exact"));
+}
+
 TEST(PrintProgress, RedrawsTheBarWithTheCost) {
     const IterationReport reached{.iteration = 250, .max_iter = 1000, .cost = 1.23456789};
     constexpr const char* kBar =

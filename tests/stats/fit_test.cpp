@@ -247,6 +247,28 @@ TEST(Fit, GivesTheNeighboursOfTheScaledRowsWhereTheyAreWanted) {
     }
 }
 
+TEST(Fit, TellsHowManyNeighboursAnApproximateSearchFound) {
+    EXPECT_FALSE(fitted(kOptions).report.recall);
+    FitOptions options = kOptions;
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    FitHooks hooks;
+    std::size_t steps = 0;
+    std::optional<NeighbourRecall> told;
+    hooks.on_neighbour_search = [&](std::size_t done, std::size_t /*total*/) { steps = done; };
+    hooks.on_recall = [&](const NeighbourRecall& recall) { told = recall; };
+    const Fit approximate = fitted(options, hooks);
+    EXPECT_EQ(approximate.report.recall, (NeighbourRecall{1.0, kRows}));
+    EXPECT_EQ(told, approximate.report.recall);
+    EXPECT_GT(steps, 0U);
+    // So few rows are compared with one another, all of them.
+    EXPECT_EQ(approximate.embedding, fitted(kOptions).embedding);
+    hooks.on_neighbour_search = [](std::size_t, std::size_t) {
+        throw std::runtime_error("enough");
+    };
+    EXPECT_THROW(fitted(options, hooks), std::runtime_error);
+    EXPECT_THROW(fitted(kOptions, hooks), std::runtime_error);
+}
+
 TEST(Fit, HasNoNeighboursOfTheExactMethodOrWhereNoneAreWanted) {
     EXPECT_TRUE(fitted(kOptions).report.neighbours.neighbours.empty());
     FitHooks hooks;

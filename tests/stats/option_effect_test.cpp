@@ -44,7 +44,9 @@ TEST(BarOf, IsUpBesideTheChoiceThatNeedsOtherOptions) {
     EXPECT_EQ(barred({.multiscale = {10.0, 50.0}}),
               (Names{"perplexity", "neighbours", "hold_iter", "release_iter"}));
     EXPECT_EQ(barred({.metric = MetricKind::Precomputed}),
-              (Names{"pca", "neighbours", "hold_iter", "release_iter"}));
+              (Names{"pca", "neighbours", "neighbour_search", "hold_iter", "release_iter"}));
+    EXPECT_EQ(barred({.theta = 0.0}),
+              (Names{"neighbours", "neighbour_search", "hold_iter", "release_iter"}));
 }
 
 TEST(BarOf, NamesTheOtherOptionAndTheCure) {

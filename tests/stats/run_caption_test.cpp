@@ -31,6 +31,17 @@ TEST(RunCaption, ShowsWhatComponentsKeep) {
     EXPECT_EQ(parameters[parameters.size() - 3], Parameter("Variance kept", "93.5 %"));
 }
 
+TEST(RunCaption, ShowsHowManyNeighboursAnApproximateSearchFound) {
+    FitReport report;
+    report.recall = NeighbourRecall{0.98712, 1000};
+    FitOptions options;
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    const auto parameters = caption_parameters(options, 90, 6, report);
+    EXPECT_EQ(parameters[parameters.size() - 3],
+              Parameter("Neighbours found", "98.7 % of the nearest, of 1000 rows"));
+    EXPECT_EQ(parameters[parameters.size() - 4], Parameter("Neighbour search", "approximate"));
+}
+
 TEST(RunCaption, TellsOfSeveralSeeds) {
     FitReport report;
     report.seeds = SeedReport{{{11, 10, 1.5, true}, {12, 10, 1.25, true}}, 1, {}};
