@@ -11,6 +11,7 @@ RUN apt-get update \
         g++ \
         libcli11-dev \
         libgoogle-glog-dev \
+        libhdf5-dev \
         libminizip-dev \
         libpugixml-dev \
         libxxhash-dev \

@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "input/sparse_rows.h"
 
 namespace ovik {
 
@@ -123,6 +126,8 @@ struct InspectedMatrix {
     std::vector<std::size_t> row_lines;
     /// Whether the rows have names.
     bool has_names = true;
+    /// Whether the format says that the rows are what is to be embedded, and not the columns.
+    bool rows_are_points = false;
     /// What the file calls each column; empty if it names none, or not as many as the rows have.
     std::vector<std::string> column_names;
     /// What the file calls each field of a line; empty in formats without a header.
@@ -130,8 +135,10 @@ struct InspectedMatrix {
     /// The field of a line, from 1, that holds each column; empty in formats that have no lines.
     std::vector<std::size_t> column_fields;
     /// Row-major, rows x columns. A missing value is NaN; text that is not a number is 0. Null if
-    /// there are rows of different length.
+    /// there are rows of different length, or the matrix stays sparse.
     std::unique_ptr<double[]> values;
+    /// The values of a large sparse matrix, in the place of `values`: none is missing.
+    std::optional<SparseRows> sparse;
     /// Whether each value was missing and has been filled in, as they lie; empty if none was.
     std::vector<bool> filled;
 };

@@ -13,6 +13,7 @@
 #include "input/name_checks.h"
 #include "input/odd_values.h"
 #include "input/row_texts.h"
+#include "input/sparse_matrix.h"
 #include "input/thousands_points.h"
 #include "input/transformations.h"
 #include "input/transpose.h"
@@ -63,6 +64,10 @@ InspectedMatrix read_rows(MatrixSource& source,
         throw InputError(options.spell("row-names", "") + ": the rows of " + source.name() +
                          " have names of their own");
     }
+    if (!options.layer.empty() && format.name != "hdf5") {
+        throw InputError(options.spell("layer", "") + ": " + source.name() +
+                         " is no HDF5 file (.h5ad) that is read here");
+    }
     if (!options.sheet.empty() && format.name != "xlsx") {
         throw InputError(options.spell("sheet", "") + ": " + source.name() +
                          " is no Excel workbook (.xlsx)");
@@ -90,7 +95,7 @@ void add_remarks(const std::string& name,
     for (const std::string& warning : matrix.report.warnings) {
         warnings.push_back(name + warning);
     }
-    if (!options.holds_distances && !options.transformations.transpose) {
+    if (!options.holds_distances && !options.transformations.transpose && !matrix.rows_are_points) {
         warnings.push_back(transposed_warning(name, options, matrix));
     }
     warnings.push_back(thousands_points_warning(name, options.spell, matrix.report));
@@ -98,7 +103,7 @@ void add_remarks(const std::string& name,
         warnings.push_back(std::move(warning));
     }
     warnings.push_back(date_names_warning(name, matrix.row_names, matrix.row_lines));
-    if (!options.holds_distances) {
+    if (!options.holds_distances && !matrix.rows_are_points) {
         warnings.push_back(odd_rows_warning(name, matrix));
         warnings.push_back(odd_columns_warning(name, options.spell, matrix));
     }
@@ -232,6 +237,20 @@ void settle_values(const std::string& name,
     }
 }
 
+/// What `settle_values` does, of a matrix that stays sparse: no value is missing.
+void settle_sparse_values(const std::string& name,
+                          const LoadOptions& options,
+                          InspectedMatrix& matrix,
+                          std::vector<Remark>& remarks) {
+    if (options.transformations.any()) {
+        remarks.push_back({Remark::Kind::Information,
+                           transform_sparse(name, options.transformations, options.spell, matrix)});
+    }
+    if (options.check_values) {
+        check_sparse_values(name, matrix);
+    }
+}
+
 /// @throws InputError if distances that are left out would be taken for 0
 void refuse_sparse_distances(const MatrixSource& source) {
     if (opens_sparse_market(source.head())) {
@@ -281,7 +300,8 @@ LoadedMatrix load(const std::string& path,
     loaded.format = format.name;
     InspectedMatrix& matrix = loaded.matrix;
     matrix = read_rows(source, format, options);
-    settle_row_names(path, options, format.has_names && matrix.has_names, matrix, remarks);
+    const bool has_names = format.has_names ? matrix.has_names : !matrix.row_names.empty();
+    settle_row_names(path, options, has_names, matrix, remarks);
     matrix.row_lines.resize(matrix.report.rows, 0);
     add_remarks(name, options, matrix, remarks);
     if (!options.transformations.transpose) {
@@ -289,6 +309,8 @@ LoadedMatrix load(const std::string& path,
     }
     if (options.holds_distances) {
         check_distance_matrix(name, matrix);
+    } else if (matrix.sparse) {
+        settle_sparse_values(name, options, matrix, remarks);
     } else {
         settle_values(name, options, loaded, remarks);
     }

@@ -41,6 +41,13 @@ struct LoadOptions {
     std::function<bool(const std::string& name)> is_gene;
     /// The sheet of a workbook; empty: the first that is not hidden.
     std::string sheet;
+    /// Which matrix of a file that holds several, such as "obsm/X_pca"; empty: the usual one.
+    std::string layer;
+    /// Whether a sparse matrix that is large (`stays_sparse`) is wanted as it is.
+    bool keeps_sparse = false;
+    /// Bytes of memory that reading may take, in formats that say beforehand what they hold. Not
+    /// given: what this process can get.
+    std::optional<double> most_bytes;
     /// What becomes of missing values. Not given: they are 0, and a remark warns of it.
     std::optional<MissingPolicy> missing;
     /// How messages spell the option that is the cure.

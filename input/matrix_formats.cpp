@@ -20,8 +20,7 @@ const std::vector<MatrixFormat>& matrix_formats() {
                     const LoadOptions& /*options*/) { return read_npy_matrix(source); }},
         {.name = "matrix market",
          .recognises = [](std::string_view head) { return head.starts_with("%%MatrixMarket"); },
-         .read = [](MatrixSource& source,
-                    const LoadOptions& /*options*/) { return read_matrix_market(source); },
+         .read = read_matrix_market,
          .is_text = true},
 #ifdef OVIK_READS_XLSX
         {.name = "xlsx", .recognises = is_workbook, .read = read_xlsx_matrix, .has_names = true},

@@ -19,6 +19,9 @@ namespace {
 constexpr std::size_t kRowGrain = 256;
 constexpr std::size_t kColumnGrain = 16;
 
+/// In front of the total, where it is named.
+constexpr std::string_view kRowTotals = "row totals ";
+
 /// A range of columns of a matrix: what happens to them is worked out row by row, which is the
 /// order in which they lie in memory and the order of each column's sum.
 struct Columns {
@@ -89,26 +92,55 @@ std::vector<double> deviations_of(const Columns& part) {
     return sums;
 }
 
-void take_logarithms(const std::string& path,
-                     const OptionSpelling& spell,
-                     InspectedMatrix& matrix) {
+/// Refuses values below 0 where counts are needed.
+///
+/// @param option  that needs them
+void check_counts(const std::string& path,
+                  const OptionSpelling& spell,
+                  const std::string& option,
+                  const InspectedMatrix& matrix) {
     const std::size_t columns = matrix.report.columns;
-    double* const values = matrix.values.get();
-    double* const end = values + matrix.report.rows * columns;
+    const double* const values = matrix.values.get();
+    const double* const end = values + matrix.report.rows * columns;
     const double* const negative = std::find_if(values, end, [](double x) { return x < 0.0; });
     if (negative != end) {
         const auto place = static_cast<std::size_t>(negative - values);
-        const std::size_t line = matrix.row_lines[place / columns];
-        const std::size_t column = place % columns;
-        throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": row \"" +
-                         matrix.row_names[place / columns] + "\" has a value below 0 in column " +
-                         (matrix.column_names.empty() ? std::to_string(column + 1)
-                                                      : "\"" + matrix.column_names[column] + "\"") +
-                         ", and " + spell("log1p", "") +
-                         " is for counts and other values from 0\nLeave it away: values with "
-                         "negative ones among "
-                         "them are most often logarithms already.");
+        refuse_negative(path, spell, option, matrix, place / columns, place % columns);
     }
+}
+
+/// @return what was done, for the sentence
+std::string scale_rows(const std::string& path,
+                       const OptionSpelling& spell,
+                       const RowTotal& wanted,
+                       InspectedMatrix& matrix) {
+    check_counts(path, spell, "row-totals", matrix);
+    const std::size_t columns = matrix.report.columns;
+    double* const values = matrix.values.get();
+    std::vector<double> totals(matrix.report.rows);
+    parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
+        double total = 0.0;
+        for (std::size_t d = 0; d < columns; ++d) {
+            total += values[n * columns + d];
+        }
+        totals[n] = total;
+    });
+    check_totals(path, totals);
+    const RowScaling scaling = row_scaling(totals, wanted);
+    parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
+        for (std::size_t d = 0; d < columns; ++d) {
+            values[n * columns + d] *= scaling.factors[n];
+        }
+    });
+    return scaling_text(scaling);
+}
+
+void take_logarithms(const std::string& path,
+                     const OptionSpelling& spell,
+                     InspectedMatrix& matrix) {
+    check_counts(path, spell, "log1p", matrix);
+    const std::size_t columns = matrix.report.columns;
+    double* const values = matrix.values.get();
     parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
         double* const row = values + n * columns;
         std::transform(row, row + columns, row, [](double x) { return std::log1p(x); });
@@ -237,6 +269,31 @@ void check_in_range(const std::string& path, const InspectedMatrix& matrix) {
 
 }  // namespace
 
+void refuse_negative(const std::string& path,
+                     const OptionSpelling& spell,
+                     const std::string& option,
+                     const InspectedMatrix& matrix,
+                     std::size_t row,
+                     std::size_t column) {
+    const std::size_t line = matrix.row_lines[row];
+    throw InputError(path + (line == 0 ? "" : ":" + std::to_string(line)) + ": row \"" +
+                     matrix.row_names[row] + "\" has a value below 0 in column " +
+                     (matrix.column_names.empty() ? std::to_string(column + 1)
+                                                  : "\"" + matrix.column_names[column] + "\"") +
+                     ", and " + spell(option, "") +
+                     " is for counts and other values from 0\nLeave it away: values with "
+                     "negative ones among "
+                     "them are most often logarithms already.");
+}
+
+void check_totals(const std::string& path, const std::vector<double>& totals) {
+    if (!std::all_of(totals.begin(), totals.end(), [](double x) { return std::isfinite(x); })) {
+        throw InputError(path +
+                         ": the values are too large to be added up\nBring them to a common scale "
+                         "first.");
+    }
+}
+
 std::optional<Centring> centring_of(std::string_view name) {
     if (name == "rows") {
         return Centring::Rows;
@@ -246,9 +303,12 @@ std::optional<Centring> centring_of(std::string_view name) {
 
 std::string names_of(const Transformations& transformations) {
     std::string names;
-    const auto add = [&names](const char* name) {
-        names += (names.empty() ? "" : ", ") + std::string(name);
+    const auto add = [&names](const std::string& name) {
+        names += (names.empty() ? "" : ", ") + name;
     };
+    if (transformations.row_total) {
+        add(std::string(kRowTotals) + text_of(*transformations.row_total));
+    }
     if (transformations.log1p) {
         add("log1p");
     }
@@ -264,12 +324,16 @@ std::string names_of(const Transformations& transformations) {
     return names;
 }
 
+namespace {
+
+/// What `names_of` gave these names to, none of them of totals.
 // NOLINTNEXTLINE(readability-function-size): loops over all combinations
-std::optional<Transformations> transformations_of(std::string_view names) {
+std::optional<Transformations> without_totals(std::string_view names) {
     for (const bool log1p : {false, true}) {
         for (const Centring centre : {Centring::None, Centring::Rows, Centring::Columns}) {
             for (const bool scale : {false, true}) {
-                const Transformations transformations{log1p, centre, scale};
+                const Transformations transformations{
+                    .log1p = log1p, .centre = centre, .scale = scale};
                 if (names_of(transformations) == names) {
                     return transformations;
                 }
@@ -279,12 +343,34 @@ std::optional<Transformations> transformations_of(std::string_view names) {
     return std::nullopt;
 }
 
+}  // namespace
+
+std::optional<Transformations> transformations_of(std::string_view names) {
+    if (!names.starts_with(kRowTotals)) {
+        return without_totals(names);
+    }
+    names.remove_prefix(kRowTotals.size());
+    const std::size_t end = std::min(names.find(", "), names.size());
+    const std::optional<RowTotal> total = row_total_of(names.substr(0, end));
+    std::optional<Transformations> transformations =
+        without_totals(names.substr(std::min(end + 2, names.size())));
+    if (!total || !transformations) {
+        return std::nullopt;
+    }
+    transformations->row_total = total;
+    return transformations;
+}
+
 std::string transform(const std::string& path,
                       const Transformations& transformations,
                       const OptionSpelling& spell,
                       InspectedMatrix& matrix,
                       KnownColumns* learnt) {
     check_none_missing(path, spell, matrix);
+    std::string totals;
+    if (transformations.row_total) {
+        totals = scale_rows(path, spell, *transformations.row_total, matrix);
+    }
     if (transformations.log1p) {
         take_logarithms(path, spell, matrix);
     }
@@ -300,7 +386,7 @@ std::string transform(const std::string& path,
     }
     Transformations of_values = transformations;
     of_values.transpose = false;
-    std::string done = path + ": transformed by " + names_of(of_values);
+    std::string done = path + ": transformed by " + names_of(of_values) + totals;
     if (transformations.scale) {
         std::vector<char> is_constant(matrix.report.columns, 0);
         columns.divisors = scale_columns(matrix, rounding, is_constant);
@@ -328,6 +414,13 @@ std::string transform_alike(const std::string& path,
                             const OptionSpelling& spell,
                             InspectedMatrix& matrix) {
     check_none_missing(path, spell, matrix);
+    if (transformations.row_total) {
+        if (transformations.row_total->isMedian()) {
+            throw InputError(path +
+                             ": the rows of the map add up to a median that is not known here");
+        }
+        scale_rows(path, spell, *transformations.row_total, matrix);
+    }
     if (transformations.log1p) {
         take_logarithms(path, spell, matrix);
     }

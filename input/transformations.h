@@ -1,12 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "input/inspected_matrix.h"
 #include "input/known_columns.h"
 #include "input/option_spelling.h"
+#include "input/row_totals.h"
 #include "util/api.h"
 
 namespace ovik {
@@ -26,6 +29,9 @@ OVIK_API std::optional<Centring> centring_of(std::string_view name);
 
 /// What is done to the values of a matrix before they are embedded, in the order of the members.
 struct Transformations {
+    /// Each row is multiplied so that its values add up to this: for counts of cells, of which more
+    /// or less were read. None: rows stay as they are.
+    std::optional<RowTotal> row_total = std::nullopt;
     /// log(1 + x), the natural logarithm: for counts.
     bool log1p = false;
     Centring centre = Centring::None;
@@ -35,14 +41,28 @@ struct Transformations {
     bool transpose = false;
 
     /// Whether any value is changed.
-    [[nodiscard]] bool any() const { return log1p || centre != Centring::None || scale; }
+    [[nodiscard]] bool any() const {
+        return row_total || log1p || centre != Centring::None || scale;
+    }
 };
 
-/// Names what is done in its order: "log1p, center columns, scale, transpose". Empty if nothing is.
+/// Names what is done in its order: "row totals median, log1p, center columns, scale, transpose".
+/// Empty if nothing is.
 std::string names_of(const Transformations& transformations);
 
 /// What `names_of` gave these names to; nothing for other texts.
 std::optional<Transformations> transformations_of(std::string_view names);
+
+/// Refuses a value below 0 where counts are needed, with its place and the option that needs them.
+[[noreturn]] void refuse_negative(const std::string& path,
+                                  const OptionSpelling& spell,
+                                  const std::string& option,
+                                  const InspectedMatrix& matrix,
+                                  std::size_t row,
+                                  std::size_t column);
+
+/// @throws InputError if the total of a row is not finite
+void check_totals(const std::string& path, const std::vector<double>& totals);
 
 /// Transforms the values, which stay where they are. Means and sums of squares are formed in the
 /// order of rows or columns, in double precision: the same bits for any number of threads. A column
@@ -55,8 +75,8 @@ std::optional<Transformations> transformations_of(std::string_view names);
 /// @param matrix  at least two rows; no value is missing
 /// @param learnt  null, or what takes the numbers by which the columns were centred and scaled
 /// @return what was done, in a sentence for the user
-/// @throws InputError if there is a value below 0 of which to take the logarithm, with its place;
-/// if a value is missing; if sums get beyond what `double` holds
+/// @throws InputError if there is a value below 0 of which to take the logarithm or a share, with
+/// its place; if a value is missing; if sums get beyond what `double` holds
 std::string transform(const std::string& path,
                       const Transformations& transformations,
                       const OptionSpelling& spell,
@@ -67,7 +87,8 @@ std::string transform(const std::string& path,
 ///
 /// @param known   what `transform` learnt from that matrix, of as many columns
 /// @param matrix  of any number of rows; no value is missing
-/// @return, @throws as `transform`
+/// @return, @throws as `transform`; InputError if rows are to add up to a median, which is of rows
+/// that are not there
 std::string transform_alike(const std::string& path,
                             const Transformations& transformations,
                             const KnownColumns& known,

@@ -1,9 +1,9 @@
 #include "stats/principal_components.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
+#include "stats/component_columns.h"
 #include "stats/leading_eigenvectors.h"
 #include "util/parallel.h"
 
@@ -13,12 +13,6 @@ namespace {
 
 /// Fewest multiplications for which another thread pays.
 constexpr std::size_t kProductGrain = 65536;
-
-/// Of an eigenvalue to the largest: what is below it may be rounding errors alone.
-constexpr double kVarying = 1e-12;
-
-/// Two magnitudes of this ratio or above are taken for equal.
-constexpr double kEqual = 1.0 - 1e-9;
 
 std::size_t row_grain(std::size_t products_of_row) {
     return std::max<std::size_t>(1, kProductGrain / std::max<std::size_t>(products_of_row, 1));
@@ -92,29 +86,6 @@ double trace(const std::vector<double>& matrix, std::size_t n) {
     return sum;
 }
 
-/// Divides column c, which is not zero, by its length, and by -1 if the first of its largest
-/// elements is negative. Elements count as equal if rounding alone may tell them apart.
-void normalise_column(std::vector<double>& matrix, std::size_t columns, std::size_t c) {
-    double squares = 0.0;
-    double largest = 0.0;
-    for (std::size_t i = c; i < matrix.size(); i += columns) {
-        squares += matrix[i] * matrix[i];
-        if (std::fabs(matrix[i]) * kEqual > std::fabs(largest)) {
-            largest = matrix[i];
-        }
-    }
-    const double length = std::copysign(std::sqrt(squares), largest);
-    for (std::size_t i = c; i < matrix.size(); i += columns) {
-        matrix[i] /= length;
-    }
-}
-
-void clear_column(std::vector<double>& matrix, std::size_t columns, std::size_t c) {
-    for (std::size_t i = c; i < matrix.size(); i += columns) {
-        matrix[i] = 0.0;
-    }
-}
-
 }  // namespace
 
 double PrincipalComponents::varianceKept() const {
@@ -139,7 +110,7 @@ PrincipalComponents principal_components(MatrixView<const double> X, std::size_t
     found.loadings = by_rows ? product(turned_view, {leading.vectors.data(), n, count})
                              : std::move(leading.vectors);
     for (std::size_t c = 0; c < count; ++c) {
-        const bool varies = leading.values[c] > kVarying * leading.values[0];
+        const bool varies = leading.values[c] > kVaryingShare * leading.values[0];
         found.varying += varies ? 1 : 0;
         found.variances.push_back(varies ? leading.values[c] / divisor : 0.0);
         if (varies) {

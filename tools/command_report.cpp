@@ -37,7 +37,9 @@ std::vector<std::pair<std::string, std::string>> reported_options(const Options&
     std::vector<std::pair<std::string, std::string>> reported;
     // Each run has a perplexity of its own.
     visit_fit_options(options.fit, [&](const auto& option) {
-        if (option.words.name != "perplexity") {
+        if (option.words.name == "pca" && options.sparse_components > 0) {
+            reported.emplace_back(option.words.name, std::to_string(options.sparse_components));
+        } else if (option.words.name != "perplexity") {
             reported.emplace_back(option.words.name, json_value(options.fit, option));
         }
     });

@@ -62,6 +62,9 @@ void print_plan(const Options& options,
     for (const std::string& path : result_files(options, perplexities)) {
         print_file(path, " (replaced)");
     }
+    if (!options.into.empty()) {
+        print_file(options.into, " (gets obsm/X_tsne)");
+    }
     print_info("Nothing was run and nothing written");
 }
 

@@ -17,7 +17,10 @@
 #include "stats/trust_texts.h"
 #include "stats/tsne.h"
 #include "util/console.h"
+#include "util/json_text.h"
 
+#include "tools/command_report.h"
+#include "tools/h5ad_result.h"
 #include "tools/interruption.h"
 #include "tools/map_clusters.h"
 #include "tools/map_quality.h"
@@ -67,6 +70,10 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.on_stage = options.on_stage;
     tsne.seeds = options.seeds;
     tsne.seeds_at_once = options.seeds_at_once;
+    if (options.sparse_components > 0) {
+        tsne.further_parameters.emplace_back(
+            "Components", std::to_string(options.sparse_components) + " of a sparse matrix");
+    }
     if (!options.neighbours_file.empty()) {
         tsne.further_parameters.emplace_back(
             "Neighbours",
@@ -188,6 +195,36 @@ void add_coordinates(std::vector<ResultFile>& files,
     }
 }
 
+/// What an AnnData file is told of the run.
+template <typename T>
+RunFacts facts_of(const TSNE<T>& tsne, const Options& options, const RunRecord& record) {
+    RunFacts facts = reported_options(options);
+    facts.emplace_back("program", json_text(std::string("ovik-tsne")));
+    facts.emplace_back("version", json_text(std::string(OVIK_VERSION)));
+    facts.emplace_back("perplexity", json_text(tsne.perplexity));
+    facts.emplace_back("iterations", std::to_string(record.iteration + 1));
+    facts.emplace_back("final_cost", json_text(record.final_cost));
+    return facts;
+}
+
+/// Writes the map into an AnnData file, if one is named.
+template <typename T>
+void add_h5ad(std::vector<ResultFile>& files,
+              const TSNE<T>& tsne,
+              const Options& options,
+              const RunRecord& record) {
+    if (options.into.empty()) {
+        return;
+    }
+    const MatrixView<const double> map{
+        tsne.Y, static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(options.fit.out_dims)};
+    add_result(
+        files,
+        "AnnData",
+        options.into,
+        write_h5ad_result(options.into, map, options.precision, facts_of(tsne, options, record)));
+}
+
 /// Writes what the engine does not, and says what became of all results.
 template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
@@ -232,6 +269,7 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                                      Schedule(options.fit, 0).endOfExaggeration()}));
     }
     add_checkpoint(files, options.checkpoint, tsne.checkpointFailure());
+    add_h5ad(files, tsne, options, record);
     if (!options.model.empty()) {
         add("Model",
             options.model,
@@ -277,6 +315,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     record.variance_kept = tsne.varianceKept();
     if (tsne.neighbourRecall()) {
         record.neighbour_recall = tsne.neighbourRecall()->share;
+    }
+    if (options.sparse_components > 0) {
+        record.variance_kept = options.sparse_variance_kept;
     }
     if (tsne.seedReport()) {
         record_seeds(record, *tsne.seedReport());

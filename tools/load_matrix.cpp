@@ -1,8 +1,14 @@
 #include "tools/load_matrix.h"
 
+#include <limits>
 #include <string>
+#include <vector>
 
 #include "annotation/gene_names.h"
+#include "input/matrix_formats.h"
+#ifdef OVIK_READS_HDF5
+    #include "input/hdf5_matrix.h"
+#endif
 #include "util/available_memory.h"
 #include "util/console.h"
 #include "util/plain_text.h"
@@ -41,12 +47,23 @@ LoadOptions load_options(const Options& options) {
     load.spell = spelled;
     load.holds_distances = options.fit.metric == MetricKind::Precomputed;
     load.learns_columns = !options.model.empty();
-    if (!options.force) {
+    load.keeps_sparse = options.fit.pca > 0 && !load.holds_distances && options.onto.empty();
+    if (options.force) {
+        load.most_bytes = std::numeric_limits<double>::infinity();
+    } else {
         load.before_reading = [](const MatrixSource& source, const TableLayout& layout) {
             check_memory_of_reading(source, layout, available_memory());
         };
     }
     return load;
+}
+
+const std::vector<MatrixFormat>& formats() {
+#ifdef OVIK_READS_HDF5
+    return formats_with_hdf5();
+#else
+    return matrix_formats();
+#endif
 }
 
 /// Prints what there is to say of the matrix: on standard output what was asked for, on standard
@@ -67,14 +84,16 @@ LoadedMatrix load_matrix(const Options& options) {
     std::vector<Remark> remarks;
     LoadedMatrix loaded;
     try {
-        loaded = load(options.matrix, load_options(options), remarks);
+        loaded = load(options.matrix, load_options(options), remarks, formats());
     } catch (...) {
         // They come before the reason why the matrix is refused, and may explain it.
         print_remarks(remarks);
         throw;
     }
     print_remarks(remarks);
-    settle_constant_rows(loaded, options);
+    if (!loaded.matrix.sparse) {
+        settle_constant_rows(loaded, options);
+    }
     return loaded;
 }
 

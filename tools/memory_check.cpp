@@ -1,8 +1,6 @@
 #include "tools/memory_check.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 
 #include "input/matrix_guess.h"
 #include "stats/method.h"
@@ -11,9 +9,6 @@
 namespace ovik::tool {
 
 namespace {
-
-constexpr double kMega = 1e6;
-constexpr double kGiga = 1e9;
 
 bool fits(const RunSize& size, const AvailableMemory& available) {
     return estimate_memory(size).peak() - resident_memory() <= available.bytes;
@@ -41,16 +36,6 @@ std::string cures(const RunSize& size, const AvailableMemory& available) {
 }
 
 }  // namespace
-
-std::string memory_text(double bytes) {
-    char text[64];
-    if (bytes < kGiga) {
-        std::snprintf(text, sizeof text, "%.0f MB", std::ceil(bytes / kMega));
-    } else {
-        std::snprintf(text, sizeof text, "%.1f GB", bytes / kGiga);
-    }
-    return text;
-}
 
 void check_memory(const RunSize& size, const AvailableMemory& available) {
     if (!fits(size, available)) {

@@ -1,17 +1,16 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 #include "input/matrix_source.h"
 #include "input/table_layout.h"
 #include "stats/memory_estimate.h"
 #include "util/available_memory.h"
+#include "util/memory_text.h"
 
 namespace ovik::tool {
 
-/// An amount of memory in words: "85 MB", "19.2 GB".
-std::string memory_text(double bytes);
+using ovik::memory_text;
 
 /// Refuses a run that cannot fit.
 ///

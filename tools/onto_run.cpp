@@ -75,7 +75,7 @@ Transformations transformations_for(const Options& options, const MapModel& mode
                               ? std::string("not transformed")
                               : "transformed by " + model.transformations) +
                          ", and " + given +
-                         " is asked for\nLeave --log1p, --center and --scale away: new rows are "
+                         " is asked for\nLeave --log1p, --row-totals, --center and --scale away: new rows are "
                          "put through what those of the map were.");
     }
     return *known;

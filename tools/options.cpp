@@ -196,6 +196,10 @@ void add_output_options(CLI::App& app, Options& options) {
         ->check(CLI::IsMember({"tsv"}));
     app.add_option("--json", options.report_file, "Write all there is to know of the run there")
         ->option_text("FILE");
+    app.add_option("--into",
+                   options.into,
+                   "Write the map into this .h5ad file of the same rows, too, as obsm/X_tsne")
+        ->option_text("FILE");
     app.add_flag(
         "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
     add_cluster_options(app, options);
@@ -511,7 +515,9 @@ void add_input_options(CLI::App& app, Options& options) {
            "MATRIX",
            options.matrix,
            "Delimited text (one header line, then a name and its values per line), plain or "
-           "gzip'd; NumPy (.npy), Matrix Market or Excel (.xlsx); - for standard input")
+           "gzip'd; NumPy (.npy), Matrix Market, Excel (.xlsx), AnnData (.h5ad) or 10x (.h5); - "
+           "for "
+           "standard input")
         ->option_text(" ");
     app.add_option_function<std::string>(
            "--delimiter",
@@ -565,11 +571,27 @@ void add_set_options(CLI::App& app, Options& options) {
 void add_workbook_options(CLI::App& app, Options& options) {
     app.add_option("--sheet", options.load.sheet, "Of an Excel workbook (the first)")
         ->option_text("NAME");
+    app.add_option("--layer",
+                   options.load.layer,
+                   "Matrix of an .h5ad file: X, raw/X, layers/NAME or obsm/NAME (X)")
+        ->option_text("NAME");
 }
 
 void add_transformation_options(CLI::App& app, Options& options) {
     Transformations& transformations = options.load.transformations;
-    app.add_flag("--log1p", transformations.log1p, "Take log(1 + x) of the values, for counts");
+    app.add_option_function<std::string>(
+           "--row-totals",
+           [&transformations](const std::string& text) {
+               transformations.row_total = row_total_of(text);
+           },
+           "Scale each row to this total, a number such as 10000 or median, for counts of cells")
+        ->option_text("TOTAL")
+        ->check([](const std::string& text) {
+            return row_total_of(text) ? "" : "should be median or a number above 0, not " + text;
+        });
+    app.add_flag("--log1p",
+                 transformations.log1p,
+                 "Take log(1 + x) of the values, for counts; behind --row-totals");
     app.add_option_function<std::string>(
            "--center",
            [&transformations](const std::string& text) {
@@ -589,13 +611,13 @@ void add_transformation_options(CLI::App& app, Options& options) {
 
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
-constexpr std::array<std::string_view, 33> kOptionsOfPlacement = {
-    "onto",         "help",        "version",  "delimiter",   "decimal",   "skip-columns",
-    "names-column", "na",          "missing",  "no-header",   "no-names",  "names",
-    "row-names",    "labels",      "sheet",    "log1p",       "center",    "scale",
-    "out-dir",      "name",        "suffix",   "title",       "json",      "no-plots",
-    "quiet",        "threads",     "force",    "coordinates", "annotated", "constant-rows",
-    "sets",         "figure-size", "highlight"};
+constexpr std::array<std::string_view, 35> kOptionsOfPlacement = {
+    "onto",         "help",        "version",   "delimiter",   "decimal",   "skip-columns",
+    "names-column", "na",          "missing",   "no-header",   "no-names",  "names",
+    "row-names",    "labels",      "sheet",     "log1p",       "center",    "scale",
+    "out-dir",      "name",        "suffix",    "title",       "json",      "no-plots",
+    "quiet",        "threads",     "force",     "coordinates", "annotated", "constant-rows",
+    "sets",         "figure-size", "highlight", "layer",       "row-totals"};
 
 /// Options that say something where terms of a list of genes are asked for, and where beside them a
 /// matrix is read.
@@ -694,6 +716,15 @@ void check_plot_options(const Options& options) {
 void check_model(const Options& options) {
     if (options.perplexities.size() > 1 && !options.model.empty()) {
         throw CLI::ValidationError("--model", "is for one perplexity: a model is of one map");
+    }
+    if (options.perplexities.size() > 1 && !options.into.empty()) {
+        throw CLI::ValidationError("--into", "is for one perplexity: the file takes one map");
+    }
+    if (!options.model.empty() && options.load.transformations.row_total &&
+        options.load.transformations.row_total->isMedian()) {
+        throw CLI::ValidationError("--model",
+                                   "is for new rows, and --row-totals median is of the rows of the "
+                                   "map\nGive --row-totals a number, such as 10000.");
     }
     if (!options.model.empty() && options.load.transformations.transpose) {
         throw CLI::ValidationError("--model",

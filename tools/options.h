@@ -100,6 +100,12 @@ struct Options {
     int checkpoint_every = 50;
     /// Checkpoint to go on from; empty for a run that starts anew.
     std::string resume;
+    /// AnnData file that takes the map; empty for none.
+    std::string into;
+    /// Components that stand for the columns of a sparse matrix, and the share of the variance that
+    /// they keep; 0 for none. Not of the command line: settled by the matrix.
+    int sparse_components = 0;
+    double sparse_variance_kept = 0.0;
     /// File of the model of the map; empty for none.
     std::string model;
     /// Model of a map on which the rows are placed, instead of a map of their own; empty for none.

@@ -31,6 +31,7 @@
 #include "tools/figure_choice.h"
 #include "tools/gene_enrichment.h"
 #include "tools/gene_report.h"
+#include "tools/h5ad_result.h"
 #include "tools/interruption.h"
 #include "tools/label_join.h"
 #include "tools/load_matrix.h"
@@ -46,6 +47,7 @@
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
 #include "tools/set_join.h"
+#include "tools/sparse_input.h"
 #include "tools/standard_streams.h"
 #include "tools/start_file.h"
 
@@ -130,9 +132,12 @@ ExitStatus embed(Options options, RunReport report) {
         tell_of_writing_in_place(options.checkpoint);
     }
     LoadedMatrix loaded = load_matrix(options);
+    check_h5ad_result(options, loaded.matrix.row_names);
+    settle_sparse_input(loaded, options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
-    if (options.load.transformations.transpose && !options.names_are_given) {
+    if ((options.load.transformations.transpose || loaded.matrix.rows_are_points) &&
+        !options.names_are_given) {
         options.names = kind_of_names(loaded.matrix.row_names);
     }
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);

@@ -20,7 +20,7 @@ class MatrixMarket : public testing::Test {
   protected:
     InspectedMatrix read(const std::string& content) {
         MatrixSource source(directory_.write("m.mtx", content));
-        return read_matrix_market(source);
+        return read_matrix_market(source, {});
     }
 
     test::TemporaryDirectory directory_;

@@ -72,11 +72,29 @@ TEST(Transformations, AreNamedInTheirOrder) {
     EXPECT_EQ(names_of({}), "");
     EXPECT_FALSE(Transformations().any());
     EXPECT_EQ(names_of(kLog1p), "log1p");
-    EXPECT_EQ(names_of({true, Centring::Rows, true}), "log1p, center rows, scale");
-    EXPECT_EQ(names_of({false, Centring::Columns, true}), "center columns, scale");
+    EXPECT_EQ(names_of({.log1p = true, .centre = Centring::Rows, .scale = true}),
+              "log1p, center rows, scale");
+    EXPECT_EQ(names_of({.log1p = false, .centre = Centring::Columns, .scale = true}),
+              "center columns, scale");
     for (const Transformations& one : {kLog1p, kRows, kColumns, kScale}) {
         EXPECT_TRUE(one.any());
     }
+}
+
+TEST(RowTotal, IsThatOfEveryRowBeforeLogarithms) {
+    EXPECT_THAT(transformed({.row_total = RowTotal{8.0}}, 2, {1, 3, 0, 0, 6, 10}),
+                ElementsAre(2, 6, 0, 0, 3, 5));
+    EXPECT_THAT(transformed({.row_total = RowTotal{}, .log1p = true}, 2, {1, 3, 2, 2, 4, 12}),
+                ElementsAre(std::log1p(1.0),
+                            std::log1p(3.0),
+                            std::log1p(2.0),
+                            std::log1p(2.0),
+                            std::log1p(1.0),
+                            std::log1p(3.0)));
+    EXPECT_THAT(refusal({.row_total = RowTotal{}}, matrix_of(2, {0, 1, 2, -0.5, -1, 3})),
+                HasSubstr("row \"G2\" has a value below 0 in column 2, and row-totals is for"));
+    EXPECT_THAT(refusal({.row_total = RowTotal{}}, matrix_of(2, {1e308, 1e308, 1, 1})),
+                HasSubstr("too large to be added up"));
 }
 
 TEST(Log1p, IsTheNaturalLogarithmOfOneMore) {
@@ -183,9 +201,13 @@ TEST(Transformations, AreAppliedInTheirOrder) {
     const std::vector<double> values = {0, 3, 1, 7, 4, 2, 9, 8};
     const std::vector<double> steps =
         transformed(kScale, 2, transformed(kColumns, 2, transformed(kLog1p, 2, values)));
-    EXPECT_EQ(transformed({true, Centring::Columns, true}, 2, values), steps);
+    EXPECT_EQ(transformed({.log1p = true, .centre = Centring::Columns, .scale = true}, 2, values),
+              steps);
     InspectedMatrix matrix = matrix_of(2, values);
-    EXPECT_EQ(transform("m.tsv", {true, Centring::Columns, false}, plainly_spelled, matrix),
+    EXPECT_EQ(transform("m.tsv",
+                        {.log1p = true, .centre = Centring::Columns, .scale = false},
+                        plainly_spelled,
+                        matrix),
               "m.tsv: transformed by log1p, center columns");
 }
 
@@ -204,7 +226,7 @@ TEST(Transformations, GiveTheSameBitsForAnyNumberOfThreads) {
         values[i] = static_cast<double>((i * 7919) % 10007) / 3.0;
     }
     for (const Centring centre : {Centring::Rows, Centring::Columns}) {
-        const Transformations all{true, centre, true};
+        const Transformations all{.log1p = true, .centre = centre, .scale = true};
         std::vector<double> of_one;
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount count(threads);
@@ -265,6 +287,16 @@ TEST(TransformationsOf, UndoesTheirNames) {
     ASSERT_TRUE(read);
     EXPECT_EQ(names_of(*read), names_of(all));
     EXPECT_FALSE(transformations_of("log2"));
+    for (const char* const totals : {"median", "10000"}) {
+        const Transformations cells{.row_total = row_total_of(totals), .log1p = true};
+        EXPECT_EQ(names_of(cells), "row totals " + std::string(totals) + ", log1p");
+        const std::optional<Transformations> again = transformations_of(names_of(cells));
+        ASSERT_TRUE(again);
+        EXPECT_EQ(names_of(*again), names_of(cells));
+    }
+    EXPECT_EQ(names_of(transformations_of("row totals 8").value()), "row totals 8");
+    EXPECT_FALSE(transformations_of("row totals"));
+    EXPECT_FALSE(transformations_of("row totals many, log1p"));
 }
 
 }  // namespace

@@ -21,11 +21,6 @@ struct Rotation {
     double s = 0.0;
 };
 
-struct Eigenvector {
-    double value = 0.0;
-    Vector vector;
-};
-
 /// A becomes (I - factor v v') A (I - factor v v') for each reflection in turn, until it is
 /// tridiagonal.
 std::vector<Reflection> tridiagonalise(Square& A) {
@@ -130,7 +125,8 @@ std::vector<Rotation> diagonalise(Vector& d, Vector& e) {
     return rotations;
 }
 
-/// The eigenvectors of the largest eigenvalues.
+}  // namespace
+
 std::vector<Eigenvector> eigenvectors(Square A, std::size_t count) {
     const std::size_t n = A.size();
     const std::vector<Reflection> reflections = tridiagonalise(A);
@@ -172,6 +168,8 @@ std::vector<Eigenvector> eigenvectors(Square A, std::size_t count) {
     return found;
 }
 
+namespace {
+
 /// The sums of products of every two columns of X, or of every two rows.
 Square products_of(const Vector& X, std::size_t N, std::size_t D, bool of_rows) {
     const std::size_t n = of_rows ? N : D;
@@ -186,7 +184,8 @@ Square products_of(const Vector& X, std::size_t N, std::size_t D, bool of_rows) 
     return A;
 }
 
-/// Length 1, and the first of the largest loadings positive.
+}  // namespace
+
 void normalise(Vector& loadings) {
     double squares = 0.0;
     double largest = 0.0;
@@ -198,6 +197,8 @@ void normalise(Vector& loadings) {
         loading /= largest < 0.0 ? -std::sqrt(squares) : std::sqrt(squares);
     }
 }
+
+namespace {
 
 /// The loadings of an eigenvector of the products of rows.
 Vector loadings_of(const Vector& X, std::size_t N, std::size_t D, const Vector& of_rows) {

@@ -39,7 +39,7 @@ TEST(BeginReport, SaysWhatWasCalledWithWhichNumbers) {
 
 TEST(BeginReport, NamesWhatIsDoneToTheValues) {
     Options options;
-    options.load.transformations = {true, Centring::Rows, false};
+    options.load.transformations = {.log1p = true, .centre = Centring::Rows, .scale = false};
     EXPECT_EQ(option(begin_report(options, {}), "transformations"), "\"log1p, center rows\"");
 }
 

@@ -1,0 +1,89 @@
+#include "input/hdf5_names.h"
+
+#include <functional>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/hdf5_writer.h"
+#include "tests/support/refusal.h"
+#include "tests/support/temporary_directory.h"
+
+namespace ovik::hdf5 {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Names : public testing::Test {
+  protected:
+    std::vector<std::string> index(const std::function<void(test::Hdf5Writer&)>& content) {
+        const std::string path = directory_.file("m.h5");
+        {
+            test::Hdf5Writer file(path);
+            content(file);
+        }
+        return read_index(File(path, "m.h5", 1e9), "obs");
+    }
+
+    std::string refusal(const std::function<void(test::Hdf5Writer&)>& content) {
+        return test::refusal_of([&] { index(content); });
+    }
+
+    test::TemporaryDirectory directory_;
+};
+
+/// A table whose index is a column of another name.
+void table(test::Hdf5Writer& file, const std::string& index) {
+    file.group("obs");
+    file.textAttribute("obs", "_index", index);
+}
+
+/// A column of categories, two of them.
+void categories(test::Hdf5Writer& file, const std::vector<std::int64_t>& codes) {
+    table(file, "cell");
+    file.group("obs/cell");
+    file.textAttribute("obs/cell", "encoding-type", "categorical");
+    file.texts("obs/cell/categories", {"first", "second"});
+    file.wholeNumbers("obs/cell/codes", codes, H5T_STD_I8LE);
+}
+
+TEST_F(Names, AreTextsNumbersOrCategories) {
+    EXPECT_THAT(index([](test::Hdf5Writer& file) {
+                    file.table("obs", {"a", "b"});
+                }),
+                ElementsAre("a", "b"));
+    EXPECT_THAT(index([](test::Hdf5Writer& file) {
+                    table(file, "cell");
+                    file.wholeNumbers("obs/cell", {7, -8});
+                }),
+                ElementsAre("7", "-8"));
+    EXPECT_THAT(index([](test::Hdf5Writer& file) {
+                    categories(file, {1, 0, -1, 1});
+                }),
+                ElementsAre("second", "first", "", "second"));
+}
+
+TEST_F(Names, ThatCannotBeReadAreRefused) {
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) {
+                    categories(file, {0, 2});
+                }),
+                HasSubstr("m.h5: obs/cell/codes: element 2 is 2, and there are 2 categories"));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) { file.group("obs"); }),
+                HasSubstr("m.h5: obs: does not say in its attribute \"_index\""));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) { table(file, "../X"); }),
+                HasSubstr("does not say in its attribute \"_index\""));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) { table(file, "cell"); }),
+                HasSubstr("m.h5: obs/cell: is not there"));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) {
+                    table(file, "cell");
+                    file.numbers("obs/cell", {1.5, 2.5});
+                }),
+                HasSubstr("m.h5: obs/cell: its elements should be texts"));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) { file.numbers("obs", {1.0}); }),
+                HasSubstr("m.h5: obs: is a table of an old kind"));
+}
+
+}  // namespace
+}  // namespace ovik::hdf5

@@ -1,0 +1,145 @@
+#include "tools/h5ad_result.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/refusal.h"
+#include "tests/support/temporary_directory.h"
+
+#ifdef OVIK_READS_HDF5
+    #include <sys/stat.h>
+
+    #include "input/hdf5_dataset.h"
+    #include "input/hdf5_file.h"
+
+    #include "tests/support/hdf5_writer.h"
+#endif
+
+namespace ovik::tool {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+#ifdef OVIK_READS_HDF5
+
+class H5adResult : public testing::Test {
+  protected:
+    H5adResult() {
+        test::Hdf5Writer file(path_);
+        test::write_cells(file);
+        options_.into = path_;
+        options_.matrix = path_;
+    }
+
+    std::string refusal(const std::vector<std::string>& names) {
+        return test::refusal_of([&] { check_h5ad_result(options_, names); });
+    }
+
+    std::vector<double> numbers(const std::string& dataset) {
+        const hdf5::File file(path_, "cells.h5ad", 1e9);
+        const hdf5::Dataset array(file, dataset);
+        std::vector<double> values(array.size());
+        array.readAll(values.data());
+        return values;
+    }
+
+    test::TemporaryDirectory directory_;
+    std::string path_ = directory_.file("cells.h5ad");
+    std::vector<std::string> names_ = {"AAA-1", "CCC-1", "GGG-1", "TTT-1"};
+    Options options_;
+};
+
+const std::vector<double> kMap = {0.1, 1, 2, 3, 4, 5, 6, -7};
+
+TEST_F(H5adResult, StandsBesideWhatTheFileHolds) {
+    chmod(path_.c_str(), 0640);
+    const RunFacts facts = {{"perplexity", "30.5"},
+                            {"seed", "7"},
+                            {"metric", "\"euclidean\""},
+                            {"multiscale", "[10,20]"},
+                            {"stop_when", "null"}};
+    EXPECT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, facts), "");
+    EXPECT_EQ(numbers("obsm/X_tsne"), kMap);
+    EXPECT_EQ(numbers("layers/dense"), test::kCells);
+    EXPECT_THAT(numbers("uns/tsne/perplexity"), ElementsAre(30.5));
+    EXPECT_THAT(numbers("uns/tsne/multiscale"), ElementsAre(10, 20));
+    const hdf5::File file(path_, "cells.h5ad", 1e9);
+    EXPECT_EQ(file.textAttribute("obsm/X_tsne", "encoding-type"), "array");
+    EXPECT_EQ(file.textAttribute("uns/tsne", "encoding-type"), "dict");
+    EXPECT_EQ(file.textAttribute("uns/tsne/metric", "encoding-type"), "string");
+    EXPECT_EQ(file.kindOf("uns/tsne/stop_when"), hdf5::Kind::Nothing);
+    // Nothing is left beside it, and its permissions are as they were.
+    EXPECT_EQ(directory_.entryCount(), 1);
+    EXPECT_EQ(std::filesystem::status(path_).permissions(), std::filesystem::perms(0640));
+}
+
+TEST_F(H5adResult, TakesThePlaceOfAnEarlierOne) {
+    EXPECT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, {{"seed", "7"}}),
+              "");
+    const std::vector<double> other = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12.5};
+    EXPECT_EQ(
+        write_h5ad_result(path_, {other.data(), 4, 3}, Precision::Float, {{"perplexity", "5"}}),
+        "");
+    EXPECT_THAT(numbers("obsm/X_tsne"), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12.5));
+    EXPECT_EQ(hdf5::File(path_, "m", 1e9).kindOf("uns/tsne/seed"), hdf5::Kind::Nothing);
+}
+
+TEST_F(H5adResult, OfOtherRowsIsRefused) {
+    check_h5ad_result(options_, names_);
+    check_h5ad_result(options_, {"1", "2", "3", "4"});
+    EXPECT_THAT(refusal({"AAA-1"}),
+                HasSubstr("cells.h5ad: its obs has 4 rows, and the map 1\nName the file"));
+    EXPECT_THAT(refusal({"AAA-1", "CCC-1", "TTT-1", "GGG-1"}),
+                HasSubstr("row 3 is \"GGG-1\" in its obs, and \"TTT-1\" in the map"));
+}
+
+TEST_F(H5adResult, ReplacesNoMapOfAnotherMatrix) {
+    ASSERT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, {}), "");
+    check_h5ad_result(options_, names_);
+    options_.matrix = directory_.write("other.tsv", "");
+    EXPECT_THAT(refusal(names_), HasSubstr("cells.h5ad: it has obsm/X_tsne already, of another"));
+}
+
+TEST_F(H5adResult, NeedsAnAnnDataFile) {
+    options_.into = directory_.file("none.h5ad");
+    EXPECT_THAT(refusal(names_), HasSubstr("none.h5ad: there is no such file"));
+    options_.into = directory_.write("text.h5ad", "gene\ta\n");
+    EXPECT_THAT(refusal(names_), HasSubstr("text.h5ad: this HDF5 file cannot be opened"));
+    options_.into = directory_.file("empty.h5ad");
+    { test::Hdf5Writer file(options_.into); }
+    EXPECT_THAT(refusal(names_), HasSubstr("empty.h5ad: this is no .h5ad file: it has no obs"));
+    options_.into.clear();
+    check_h5ad_result(options_, names_);
+}
+
+TEST_F(H5adResult, LeavesTheFileAsItIsWhereItFails) {
+    const std::string before = test::read_file(path_);
+    // A group cannot be made where an array stands.
+    EXPECT_NE(write_h5ad_result(
+                  path_, {kMap.data(), 4, 2}, Precision::Double, {{"a", "1"}, {"a/b", "2"}}),
+              "");
+    EXPECT_EQ(test::read_file(path_), before);
+    EXPECT_EQ(directory_.entryCount(), 1);
+    EXPECT_NE(
+        write_h5ad_result(directory_.file("none"), {kMap.data(), 4, 2}, Precision::Double, {}), "");
+}
+
+#else
+
+TEST(H5adResult, NeedsHdf5) {
+    Options options;
+    check_h5ad_result(options, {});
+    options.into = "cells.h5ad";
+    EXPECT_THAT(test::refusal_of([&] { check_h5ad_result(options, {}); }),
+                HasSubstr("built without HDF5"));
+}
+
+#endif
+
+}  // namespace
+}  // namespace ovik::tool
