@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "stats/method.h"
+
 namespace ovik {
 
 namespace {
@@ -38,7 +40,7 @@ bool has_no_theta(const FitOptions& options) {
 }
 
 bool is_without_neighbours(const FitOptions& options) {
-    return !has_neighbours(options);
+    return !method_of(options).has_neighbours;
 }
 
 constexpr OptionBar kBars[] = {
