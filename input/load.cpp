@@ -103,7 +103,7 @@ void add_remarks(const std::string& name,
         warnings.push_back(std::move(warning));
     }
     warnings.push_back(date_names_warning(name, matrix.row_names, matrix.row_lines));
-    if (!options.holds_distances && !matrix.rows_are_points) {
+    if (!options.holds_distances && !matrix.rows_are_points && !matrix.sparse) {
         warnings.push_back(odd_rows_warning(name, matrix));
         warnings.push_back(odd_columns_warning(name, options.spell, matrix));
     }
