@@ -63,14 +63,14 @@ struct Options {
     /// How the matrix is loaded, as the command line says; the rest is what `LoadOptions` presets.
     LoadOptions load;
     RowNames names = RowNames::AsInFile;
+    /// Whether the command line says what the names are.
+    bool names_are_given = false;
+    /// Whether rows that the metric cannot compare are left out, and not refused.
+    bool drops_constant_rows = false;
     /// File of sets of genes (GMT) for the chart page; empty for none.
     std::string sets_file;
     /// The sets of it. Not of the command line: settled by the rows of the matrix.
     std::vector<GeneSet> sets;
-    /// Whether the command line says so.
-    bool names_are_given = false;
-    /// Whether rows that the metric cannot compare are left out, and not refused.
-    bool drops_constant_rows = false;
     /// Graph of the neighbours of the rows, in the place of a search; empty for a search.
     std::string neighbours_file;
     /// A gene to look up instead of a run; empty for a run.
@@ -84,16 +84,15 @@ struct Options {
     std::string enrichment_file;
     /// Whether the chart page and the figure are drawn.
     bool plots = true;
-    PageData page_data = PageData::Full;
-    /// Whether the command line says so.
+    /// Whether the command line has what the page holds of the matrix, a size of the figure, and a
+    /// title.
     bool page_data_is_given = false;
-    FigureSize figure_size;
-    /// Whether the command line has that.
     bool figure_size_is_given = false;
+    bool title_is_given = false;
+    PageData page_data = PageData::Full;
+    FigureSize figure_size;
     /// Rows whose names the figure shows, as a list or the path of a file; empty for none.
     std::string highlight;
-    /// Whether the command line has a title.
-    bool title_is_given = false;
     /// File of the checkpoint; empty for none.
     std::string checkpoint;
     /// Iterations between two checkpoints.

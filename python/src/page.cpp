@@ -13,10 +13,12 @@ namespace ovik::python {
 std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     std::map<std::string, std::string> functions = make_gene_table();
     ResultTable<double> table = make_result_table<double>(map, texts.names, functions);
+    // By the gene table's own words, in the place of which the caller's may come.
+    const RowTerms terms = terms_of_rows(texts.names, table.functions);
+    const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
     for (std::size_t row = 0; !texts.functions.empty() && row < table.functions.size(); ++row) {
         table.functions[row] = texts.functions[row % texts.functions.size()];
     }
-    const RowTerms terms = terms_of_rows(texts.names, table.functions);
     Chart chart;
     chart.title = texts.title;
     chart.name = texts.name;
@@ -32,7 +34,6 @@ std::string map_page(MatrixView<const double> map, const PageTexts& texts) {
     chart.names = table.names;
     chart.groups = table.groups;
     chart.functions = table.functions;
-    const std::vector<GeneIdentifiers> identifiers = gene_identifiers(texts.names, table.functions);
     chart.identifiers = identifiers;
     chart.sets = texts.sets;
     chart.matrix = texts.matrix ? &*texts.matrix : nullptr;

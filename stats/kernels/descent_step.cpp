@@ -59,7 +59,10 @@ void take_step(const DescentArrays& arrays, double learning_rate, double momentu
         at.Y += kLanes;
         at.count -= kLanes;
     }
-    step_rest(at, learning_rate, momentum);
+    // Arrays of nothing may be null.
+    if (at.count > 0) {
+        step_rest(at, learning_rate, momentum);
+    }
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ const DATA = (() => {
       numbers: [
         ['Neighbours kept, of 30', '41.2 %', 'So many of the <i>nearest</i> neighbours are kept.'],
         ['Cost by seed', '11: 1.2345, 12: 1.2301', 'The lower, the better.'],
+        ['Modularity of the clusters', '0.6543', 'Up to 1.'],
       ],
       neighbours: 30,
       kept: CLUSTERS.map((cluster, gene) => (cluster === 1 ? 0.1 : 0.4 + (gene % 5) / 10)),
@@ -139,7 +140,7 @@ describe('clusters', () => {
 describe('trust', () => {
   test('is told in numbers with sentences, by colour, and beside doubtful selections', async () => {
     const page = await browser.open(DATA);
-    assert.deepEqual(await page.$$eval('#trust dt', (terms) => terms.map(({ textContent }) => textContent)), ['Neighbours kept, of 3041.2 %', 'Cost by seed11: 1.2345, 12: 1.2301']);
+    assert.deepEqual(await page.$$eval('#trust dt', (terms) => terms.map(({ textContent }) => textContent)), ['Neighbours kept, of 3041.2 %', 'Cost by seed11: 1.2345, 12: 1.2301', 'Modularity of the clusters0.6543']);
     assert.equal(await page.textContent('#trust dd'), 'So many of the <i>nearest</i> neighbours are kept.');
     assert.equal(await page.isVisible('.doubt'), false);
     await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');

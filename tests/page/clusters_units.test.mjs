@@ -4,6 +4,7 @@ import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { clustersOf, medianOf, middleGene, topTerms } from '../../plots/page/src/cluster_facts.js';
 import { createModel } from '../../plots/page/src/model.js';
+import { createTermColours } from '../../plots/page/src/term_colours.js';
 import { createNumbers, smallData } from './support.mjs';
 import { LEAST_KEPT, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
 import { placeBoxes } from '../../plots/page/src/free_boxes.js';
@@ -17,6 +18,15 @@ describe('clusters', () => {
     const found = clustersOf(modelOf({ labelColumns: [{ title: 'x', texts: ['a', 'b', 'a', 'b', 'a', 'b', 'a'], numbers: [] }, { title: 'Cluster', texts, numbers: [] }] }));
     assert.equal(found.colouring, 1);
     assert.deepEqual(found.list.map(({ label, genes }) => [label, [...genes]]), [['1', [3, 5]], ['2', [0, 2]], ['10', [1, 4]]]);
+  });
+
+  test('of the run are those behind labels that are called so', () => {
+    const texts = ['2', '10', '2', '1', '10', '1', ''];
+    const labelColumns = [{ title: 'Cluster', texts: ['a', 'b', 'a', 'b', 'a', 'b', 'a'], numbers: [] }, { title: 'Cluster', texts, numbers: [] }];
+    const given = clustersOf(modelOf({ labelColumns }));
+    assert.deepEqual([given.isOfRun, given.colouring, given.list.length], [false, 0, 2]);
+    const found = clustersOf(modelOf({ labelColumns, quality: { numbers: [['Modularity of the clusters', '0.6', 'Up to 1.']] } }));
+    assert.deepEqual([found.isOfRun, found.colouring, found.list.length], [true, 1, 3]);
   });
 
   test('are not there without such a column, or with an empty one', () => {
@@ -45,6 +55,20 @@ describe('clusters', () => {
     assert.equal(medianOf([]), NaN);
     assert.equal(medianOf([3, 1, 2]), 2);
     assert.equal(medianOf([4, 1, 2, 3]), 2.5);
+  });
+});
+
+describe('what one term colours', () => {
+  test('stands out whatever it is called, from all other genes', () => {
+    for (const [name, rest] of [['folding', 'other'], ['unknown', 'other'], ['other', 'all others'], ['none', 'other']]) {
+      const state = {};
+      const store = { get: () => state, set: (changes) => Object.assign(state, changes) };
+      const model = modelOf({ terms: { list: [['GO:1', name, 'P']], genes: [[0], [0], [], [], [], [], []] } });
+      Object.assign(state, model.colouredBy(0));
+      createTermColours(model, store, () => {}).toggle(model.dataset.terms, 0);
+      const { list } = model.categoriesOf(state);
+      assert.deepEqual(list.map(({ text, count, grey }) => [text, count, grey]), [[name, 2, false], [rest, 5, true]]);
+    }
   });
 });
 

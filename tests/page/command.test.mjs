@@ -5,6 +5,8 @@ import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { promisify } from 'node:util';
 import { fileURLToPath } from 'node:url';
+import { clustersOf } from '../../plots/page/src/cluster_facts.js';
+import { createModel } from '../../plots/page/src/model.js';
 import { enrich } from '../../plots/page/src/enrichment.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
 import { startBrowser } from './support.mjs';
@@ -89,6 +91,12 @@ test('the page has the values of the matrix, as exactly as is asked for', async 
     }));
   }
   assert.equal(await expressionOf(['--page-data', 'none']), null);
+});
+
+test('clusters of the run are known from labels that are called so', async () => {
+  const results = await runCommand('clusters', ['--perplexity', '1.5', '--name', 'm', '--clusters']);
+  const [, json] = /id="chart-data">(.*?)<\/script>/s.exec(await readFile(join(results, 'm_tsne_1_5.html'), 'utf8'));
+  assert.equal(clustersOf(createModel(readDataset(json))).isOfRun, true);
 });
 
 test('the parameters of the run stand at the foot', async () => {

@@ -325,6 +325,25 @@ describe('choosing', () => {
     assert.ok(bottom.y > left.y);
   });
 
+  test('Escape takes a box away that is being drawn', async () => {
+    page = await browser.open(smallData());
+    await page.click('text=Box');
+    const [middle, right] = await Promise.all([0, 1].map((gene) => screenPlace(page, gene)));
+    const picture = () => page.locator('#chart').screenshot();
+    // After any key the frame shows that it has the focus.
+    await press('Shift');
+    await page.mouse.move(middle.x - 15, middle.y - 15);
+    const before = await picture();
+    await page.mouse.down();
+    await page.mouse.move(right.x + 15, right.y + 15, { steps: 4 });
+    await until(async () => !(await picture()).equals(before));
+    await press('Escape', 'Escape');
+    await page.mouse.up();
+    await page.mouse.move(middle.x - 15, middle.y - 15);
+    await until(async () => (await picture()).equals(before));
+    assert.deepEqual(await chosenNames(), []);
+  });
+
   test('what is in view can be chosen', async () => {
     page = await browser.open(smallData());
     await press('ArrowRight', '+', '+', '+');

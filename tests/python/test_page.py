@@ -95,6 +95,15 @@ def test_functions_are_those_of_the_names(points):
     assert shown["functions"][0] == ovik.gene_function("CDC28").function
 
 
+def test_genes_keep_their_terms_with_other_functions(points):
+    names = ["CDC28", "no gene"]
+    shown = data_of(ovik.page(points[:2, :2], names=names).html)
+    given = data_of(ovik.page(points[:2, :2], names=names, functions=["one", "two"]).html)
+    assert given["functions"] == ["one", "two"]
+    assert len(given["terms"]["genes"][0]) > 0 and given["terms"]["genes"][1] == []
+    assert given["terms"] == shown["terms"] and given["aliases"] == shown["aliases"]
+
+
 def test_rows_of_an_array_are_counted(points):
     assert data_of(ovik.page(points).html)["names"][:2] == ["1", "2"]
     assert len(data_of(ovik.page(points).html)["pairs"]) == 15

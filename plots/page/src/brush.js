@@ -30,6 +30,13 @@ export function createArea(chart, model, store) {
     });
   }
 
+  // Another tool takes what is drawn so far away.
+  store.listen(['tool'], () => {
+    if (corners === null) return;
+    corners = null;
+    chart.marker.repaint();
+  });
+
   chart.marker.add((context, { plot, ink }) => {
     if (!corners) return;
     const view = chart.view();

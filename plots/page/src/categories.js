@@ -36,17 +36,18 @@ function orderedTexts(labels, order, isGrey) {
  *   their value if all are numbers and there is no order
  * @param {number} count number of genes
  * @param {string} background the label of genes that step back; empty for none
+ * @param {string} [rest] the one label that steps back, in the place of it and of those that say "none"
  * @returns `list` with `text` and `count` of each category, whether it is `grey`: of genes that step
  *   back, or belong to none of the others, which lie beneath and, unless ordered otherwise, come last,
  *   and its `position` in the order of the colours that are given; `of` (category of each gene), and
  *   `labelled`: whether there is anything to tell apart
  */
-export function findCategories(labels, order, count, background = '') {
+export function findCategories(labels, order, count, background = '', rest = undefined) {
   const of = new Uint16Array(count);
   if (labels.every((label) => label === '')) {
     return { list: [{ text: 'all genes', count, grey: false, position: 0 }], of, labelled: false, scale: null };
   }
-  const isGrey = (text) => isNoLabel(text) || (background !== '' && text === background);
+  const isGrey = (text) => (rest === undefined ? isNoLabel(text) || (background !== '' && text === background) : text === rest);
   const texts = orderedTexts(labels, order, isGrey);
   const named = texts.length > MOST_CATEGORIES ? texts.slice(0, MOST_CATEGORIES - 1) : texts;
   const list = named.map(({ text, grey, position }) => ({ text: text || EMPTY_LABEL, count: 0, grey, position }));

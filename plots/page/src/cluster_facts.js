@@ -2,6 +2,9 @@
 
 import { enrich } from './enrichment.js';
 
+/** As the run names it. */
+const MODULARITY = 'Modularity of the clusters';
+
 /** Terms of a higher rate of false discoveries say nothing of a cluster. */
 const MOST_FALSE = 0.05;
 
@@ -14,14 +17,17 @@ export function medianOf(numbers) {
 }
 
 /**
- * The clusters that the run gave the genes: the labels "1", "2" and so on of a column "Cluster".
+ * The clusters of the genes: those that the run found, or else a column of labels that is called so.
  *
  * @param {object} model
- * @returns null if there are none; else `colouring`, the index of what colours by them, and `list`, of
+ * @returns null if there are none; else `colouring`, the index of what colours by them, `isOfRun`, and `list`, of
  *   `label` and `genes` (ascending) of each, the largest first, of equally large ones by the label
  */
 export function clustersOf({ dataset, colourings }) {
-  const colouring = dataset.colourings.findIndex(({ title }) => /^clusters?$/i.test(title));
+  const titles = dataset.colourings.map(({ title }) => title);
+  // A run that finds clusters tells their modularity, and puts them behind the labels that it is given.
+  const isOfRun = dataset.quality?.numbers.some(({ name }) => name === MODULARITY) ?? false;
+  const colouring = isOfRun ? titles.lastIndexOf('Cluster') : titles.findIndex((title) => /^clusters?$/i.test(title));
   const labels = colouring < 0 ? [] : colourings.at(colouring).labels;
   const members = new Map();
   labels.forEach((label, gene) => {
@@ -33,7 +39,7 @@ export function clustersOf({ dataset, colourings }) {
   const list = Array.from(members, ([label, genes]) => ({ label, genes: Int32Array.from(genes) }));
   list.sort((one, other) => other.genes.length - one.genes.length
     || Number(one.label) - Number(other.label) || (one.label < other.label ? -1 : 1));
-  return { colouring, list };
+  return { colouring, isOfRun, list };
 }
 
 /** The terms that a cluster has more of than chance gives, by number and name, the least likely first. */

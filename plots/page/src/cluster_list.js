@@ -139,8 +139,8 @@ export function showClusters(element, chart, model, store, termColours) {
   const rest = clusters.list.length - found.length;
   element.append(
     el('h2', {}, `Clusters: ${formatCount(clusters.list.length)}`),
-    el('p', { class: 'counts' }, 'Found among the nearest neighbours in the data, not on the map. A click on one selects its genes, '
-      + 'a click on a term colours them on the map.'),
+    el('p', { class: 'counts' }, `${clusters.isOfRun ? 'Found among the nearest neighbours in the data, not on the map.' : 'Those of the labels.'}`
+      + ' A click on one selects its genes, a click on a term colours them on the map.'),
     el('div', { class: 'row cluster-tools' },
       el('label', { class: 'switch', for: 'cluster-names' }, names, ' Names on the map'),
       button('Colour by cluster', () => store.set(chosen))),

@@ -21,10 +21,10 @@ export function createColourings(dataset) {
 
   const titled = (title) => live.find((index) => places[index].title === title) ?? -1;
 
-  function add({ title, labels = [], numbers = null, diverging = undefined, order = undefined, own = undefined }) {
+  function add({ title, labels = [], numbers = null, diverging = undefined, order = undefined, own = undefined, rest = undefined }) {
     const old = titled(title);
     const index = spare.get(title) ?? places.length;
-    places[index] = { title, labels, numbers, diverging, order, own };
+    places[index] = { title, labels, numbers, diverging, order, own, rest };
     if (old >= 0) {
       spare.set(title, old);
       live[live.indexOf(old)] = index;

@@ -22,9 +22,9 @@ const NO_COORDINATES = new Float64Array(0);
 /** @param {object} dataset as of `readDataset` */
 export function createModel(dataset) {
   const colourings = createColourings(dataset);
-  const categories = remembered(({ labels, numbers, diverging, order }) => (numbers
+  const categories = remembered(({ labels, numbers, diverging, order, rest }) => (numbers
     ? findLevels(numbers, dataset.background, diverging)
-    : findCategories(labels, order ?? dataset.categoryOrder, dataset.count, dataset.background)));
+    : findCategories(labels, order ?? dataset.categoryOrder, dataset.count, dataset.background, rest)));
   const categoriesAt = (colouring) => categories(colourings.at(colouring));
   const points = remembered((pair, shown, found) => ({
     x: pair?.x ?? NO_COORDINATES,
@@ -44,7 +44,7 @@ export function createModel(dataset) {
      * @param {object} added `title`; `labels` (a text per gene) or `numbers` (Float64Array, one per
      *   gene, NaN for none), and with these, whether the scale is `diverging` around 0 (not given: if
      *   there are numbers of both signs); with labels, in the place of what the page was written with,
-     *   their `order` and `own`, a "#rrggbb" for each of it; arrays are not to be changed afterwards
+     *   their `order` and `own`, a "#rrggbb" for each of it, and `rest`, the one label that steps back; arrays are not to be changed afterwards
      * @returns {number} for `colouredBy`; it serves until the title is added twice again
      */
     addColouring: (added) => colourings.add(added),

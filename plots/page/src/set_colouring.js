@@ -44,6 +44,7 @@ export function setColouring(sets, count) {
     labels: members.map((key) => looks.get(key)?.text ?? ''),
     order: [...listed.keys()],
     own: [...listed.values()],
+    rest: '',
   };
 }
 

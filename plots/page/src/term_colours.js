@@ -2,6 +2,7 @@
 
 const TITLE = 'Chosen term';
 const REST = 'other';
+const REST_OF_OTHER = 'all others';
 
 /**
  * Keeps track of the term that colours the map.
@@ -24,8 +25,9 @@ export function createTermColours(model, store, say) {
       }
       if (colouring !== shown.colouring) before = { colouring, shown: labels };
       const { name } = groups.list[term];
-      const texts = Array.from({ length: model.dataset.count }, (_, gene) => (groups.of(gene).includes(term) ? name : REST));
-      shown = { groups, term, colouring: model.addColouring({ title: TITLE, labels: texts }) };
+      const rest = name === REST ? REST_OF_OTHER : REST;
+      const texts = Array.from({ length: model.dataset.count }, (_, gene) => (groups.of(gene).includes(term) ? name : rest));
+      shown = { groups, term, colouring: model.addColouring({ title: TITLE, labels: texts, order: [name], rest }) };
       store.set(model.colouredBy(shown.colouring));
       say(`Coloured by ${name}`);
     },
