@@ -10,6 +10,10 @@
 
 namespace ovik {
 
+/// 1 over the square of the spline's discrete transform, times 120, for frequencies up to the half
+/// of a length.
+std::vector<double> spline_deconvolution(std::size_t length);
+
 /// The potential of charges on the cells of a mesh: at each cell the sum of all charges, each times
 /// 1 / (1 + squared distance), as a convolution by Fourier transforms, padded with zeros so that no
 /// copy of a charge is felt.
