@@ -47,18 +47,20 @@ void MeshPotential::lay(std::size_t rows,
     shape_.columns = shape_.stride;
     const std::size_t padded_rows = padded_length(shape_.rows);
     const std::size_t padded_columns = padded_length(shape_.columns);
-    const bool is_same_plan = padded_rows == shape_.padded_rows &&
+    const bool is_same_plan = is_laid_ && padded_rows == shape_.padded_rows &&
                               padded_columns == padded_columns_ &&
                               transforms_.lanes == lanes_before;
     if (is_same_plan && cells_per_unit == cells_per_unit_ && scale == scale_) {
         return;
     }
+    is_laid_ = false;
     if (!is_same_plan) {
         plan(padded_rows, padded_columns);
     }
     cells_per_unit_ = cells_per_unit;
     scale_ = scale;
     makeInfluence(cells_per_unit, scale);
+    is_laid_ = true;
 }
 
 /// Makes room, and the plans of the transforms.

@@ -53,6 +53,9 @@ class MeshPotential {
     void forGroups(std::size_t groups, const Body& body);
     [[nodiscard]] std::size_t workSize() const;
 
+    /// Whether what follows is all of the same lengths and cells: not where memory ran out in
+    /// between.
+    bool is_laid_ = false;
     MeshTransforms transforms_{};
     MeshShape shape_{};
     std::size_t padded_columns_ = 0;
