@@ -240,14 +240,15 @@ TEST(MeshRepulsion, OfOneOrNoPointHasNoForces) {
     EXPECT_NEAR(actual.z_terms[0], 0.0, 1e-9);
 }
 
-TEST(MeshRepulsion, RefusesAPointFarOut) {
+TEST(MeshRepulsion, RefusesAPointFarOutAndGoesOnWithAnotherMap) {
     std::vector<double> Y = map_like(1000, 7, 60.0, 0.5);
+    const std::vector<double> other = map_like(1000, 3, 20.0, 0.5);
+    MeshRepulsion repulsion(1000);
+    EXPECT_EQ(forces_by(repulsion, Y), mesh_forces(Y));
     Y[77] = 1e6;
-    EXPECT_NE(test::refusal_of([&] { mesh_forces(Y); }).find("too wide for a mesh"),
+    EXPECT_NE(test::refusal_of([&] { forces_by(repulsion, Y); }).find("too wide for a mesh"),
               std::string::npos);
-    // It can go on with another map.
-    Y[77] = 10.0;
-    EXPECT_EQ(mesh_forces(Y), mesh_forces(Y));
+    EXPECT_EQ(forces_by(repulsion, other), mesh_forces(other));
 }
 
 }  // namespace
