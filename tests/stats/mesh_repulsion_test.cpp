@@ -110,6 +110,15 @@ std::vector<double> map_like(std::size_t N, std::size_t groups, double width, do
     return Y;
 }
 
+/// A map of which some points have flown off.
+std::vector<double> with_far_points(std::vector<double> Y) {
+    for (std::size_t i = 0; i < 9; ++i) {
+        Y[2 * (37 * i + 5)] = 300.0 * std::cos(static_cast<double>(i));
+        Y[2 * (37 * i + 5) + 1] = 400.0 * std::sin(static_cast<double>(i));
+    }
+    return Y;
+}
+
 TEST(MeshRepulsion, IsNearAllPairsOnMapsOfAllDensities) {
     for (const double spacing : {1.0, 0.6, 0.3}) {
         const Errors errors = errors_of(map_like(2500, 15, 60.0, spacing), 2500);
@@ -158,7 +167,7 @@ TEST(MeshRepulsion, OfALargeMapIsTheSameForAnyNumberOfThreadsAndInstructions) {
 }
 
 TEST(MeshRepulsion, DoesNotDependOnTheOrderOfThePoints) {
-    const std::vector<double> Y = map_like(3000, 7, 60.0, 0.5);
+    const std::vector<double> Y = with_far_points(map_like(3000, 7, 60.0, 0.5));
     std::vector<std::size_t> order(Y.size() / 2);
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::shuffle(order.begin(), order.end(), std::mt19937(3));
@@ -219,13 +228,39 @@ TEST(MeshRepulsion, OfOneOrNoPointHasNoForces) {
     EXPECT_NEAR(actual.z_terms[0], 0.0, 1e-9);
 }
 
-TEST(MeshRepulsion, RefusesAPointFarOut) {
+TEST(MeshRepulsion, OfPointsFarOutIsThatOfThePlainProgram) {
+    const std::vector<double> Y = with_far_points(map_like(1100, 3, 8.0, 0.3));
+    const plain::MeshForces expected = plain::mesh_forces(Y);
+    for (const InstructionSet set : test::available_instruction_sets()) {
+        const test::InstructionLimit limit(set);
+        for (const int threads : {1, 2, 5}) {
+            const test::ThreadCount scope(threads);
+            const Forces actual = mesh_forces(Y);
+            EXPECT_EQ(actual.forces, expected.forces) << threads;
+            EXPECT_EQ(actual.z_terms, expected.z_terms) << threads;
+        }
+    }
+}
+
+TEST(MeshRepulsion, IsNearAllPairsWherePointsAreFarOut) {
+    std::vector<double> Y = with_far_points(map_like(2500, 15, 60.0, 0.6));
+    for (const double farthest : {300.0, 1e6, 1e200}) {
+        Y[77] = farthest;
+        const Errors errors = errors_of(Y, 2500);
+        EXPECT_LT(errors.forces, 0.005) << farthest;
+        EXPECT_LT(errors.normalisation, 0.001) << farthest;
+    }
+}
+
+TEST(MeshRepulsion, RefusesAMapWithManyPointsFarOut) {
     std::vector<double> Y = map_like(1000, 7, 60.0, 0.5);
-    Y[77] = 1e6;
+    for (std::size_t n = 0; n < 200; ++n) {
+        Y[2 * n] *= 1e5;
+    }
     EXPECT_NE(test::refusal_of([&] { mesh_forces(Y); }).find("too wide for a mesh"),
               std::string::npos);
     // It can go on with another map.
-    Y[77] = 10.0;
+    Y = map_like(1000, 7, 60.0, 0.5);
     EXPECT_EQ(mesh_forces(Y), mesh_forces(Y));
 }
 
