@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/far_points.h"
 #include "stats/kernels/mesh_points.h"
 #include "stats/mesh_charges.h"
 #include "stats/mesh_order.h"
@@ -16,7 +17,8 @@ namespace ovik {
 /// a point is minus half its gradient there, and the point adds its value to the normalisation,
 /// both less what is the point's own. Points are charges, which splines spread over the cells of
 /// the mesh; the potential of those is a convolution; and the same splines read it and its gradient
-/// at the points.
+/// at the points. A few points that have flown far out of the map do not widen the mesh, but are
+/// taken pair by pair.
 class MeshRepulsion : public Repulsion {
   public:
     /// @param N  points
@@ -38,6 +40,7 @@ class MeshRepulsion : public Repulsion {
     MeshOrder order_;
     MeshCharges charges_;
     MeshPotential potential_;
+    FarPoints far_;
     MeshPoints kernels_{};
     MeshField field_{};
     /// Those for which the own potential is `field_`'s.

@@ -5,7 +5,6 @@
 
 #include "neighbours/neighbour_recall.h"
 #include "stats/fit_notes.h"
-#include "stats/joint_matrix.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
@@ -14,9 +13,11 @@
 namespace ovik {
 
 class CachedNeighbours;
+struct ConditionalRows;
 struct NeighbourGraph;
 class RandomStream;
 class RowAffinities;
+enum class ValueForm;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
@@ -69,8 +70,7 @@ inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
 /// `joint_matrix`; else as the former, and without a limit to the number of entries.
 ///
 /// @param form  how they are stored. `OneOrTwo` is for uniform ones; where a row has fewer
-/// neighbours
-///              than others they are stored as `Double`, after all
+/// neighbours than others they are stored as `Double`, after all
 ConditionalRows conditional_rows(MatrixView<const double> points,
                                  RowAffinities& rows,
                                  int K,

@@ -332,18 +332,13 @@ Weights sums_over_rows(const Mesh& mesh,
 
 }  // namespace
 
-Mesh mesh_under(const std::vector<double>& Y) {
+Mesh mesh_under(const Box& box) {
     Mesh mesh;
+    mesh.box = box;
     double width[2];
     for (std::size_t d = 0; d < 2; ++d) {
-        double least = Y[d];
-        double greatest = Y[d];
-        for (std::size_t i = d; i < Y.size(); i += 2) {
-            least = std::min(least, Y[i]);
-            greatest = std::max(greatest, Y[i]);
-        }
-        mesh.corner[d] = least;
-        width[d] = greatest - least;
+        mesh.corner[d] = box.least[d];
+        width[d] = box.greatest[d] - box.least[d];
     }
     for (int k = 0; k < 7 && std::max(width[0], width[1]) * mesh.cells_per_unit < 64.0; ++k) {
         mesh.cells_per_unit *= 2.0;
@@ -356,10 +351,17 @@ Mesh mesh_under(const std::vector<double>& Y) {
     return mesh;
 }
 
+Mesh mesh_under(const std::vector<double>& Y) {
+    return mesh_under(mesh_box(Y));
+}
+
 std::vector<std::int64_t> mesh_charges(const Mesh& mesh, const std::vector<double>& Y) {
     const std::size_t N = Y.size() / 2;
     std::vector<std::int64_t> charges(mesh.rows * mesh.columns, 0);
     for (std::size_t n = 0; n < N; ++n) {
+        if (!is_inside(mesh.box, Y, n)) {
+            continue;
+        }
         const PlaceOnMesh x = place(mesh, Y, n, 0);
         const PlaceOnMesh y = place(mesh, Y, n, 1);
         for (std::size_t r = 0; r < kCovered; ++r) {
@@ -418,16 +420,24 @@ MeshForces mesh_forces(const std::vector<double>& Y) {
     const std::vector<double> own = own_terms(mesh.cells_per_unit);
     MeshForces result;
     for (std::size_t n = 0; n < N; ++n) {
+        if (!is_inside(mesh.box, Y, n)) {
+            const PairSums all = on_far_point(Y, n);
+            result.forces.insert(result.forces.end(), {all.force[0], all.force[1]});
+            result.z_terms.push_back(all.q);
+            continue;
+        }
+        const PairSums far = from_far_points(mesh.box, Y, n);
         const PlaceOnMesh x = place(mesh, Y, n, 0);
         const PlaceOnMesh y = place(mesh, Y, n, 1);
         const Weights sums = sums_over_rows(mesh, potential, x, y, weights(y.f));
         const Weights sloping = sums_over_rows(mesh, potential, x, y, slopes(y.f));
-        result.forces.push_back(factor *
-                                (sum_of_products(slopes(x.f), sums) - half_own_slope(own, x.f)));
-        result.forces.push_back(
-            factor * (sum_of_products(weights(x.f), sloping) - half_own_slope(own, y.f)));
-        result.z_terms.push_back(sum_of_products(weights(x.f), sums) -
-                                 (own_part(own, x.f) + own_part(own, y.f)));
+        const double slope_x = sum_of_products(slopes(x.f), sums) - half_own_slope(own, x.f);
+        const double slope_y = sum_of_products(weights(x.f), sloping) - half_own_slope(own, y.f);
+        const double value =
+            sum_of_products(weights(x.f), sums) - (own_part(own, x.f) + own_part(own, y.f));
+        result.forces.push_back(factor * slope_x + far.force[0]);
+        result.forces.push_back(factor * slope_y + far.force[1]);
+        result.z_terms.push_back(value + far.q);
     }
     return result;
 }
