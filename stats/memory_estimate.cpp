@@ -12,6 +12,11 @@ namespace {
 /// What program, libraries, gene table and threads take.
 constexpr double kProgramBytes = 14e6;
 
+/// What an image of the points takes while a figure of the usual size is drawn, which figures of so
+/// many points have.
+constexpr double kImageBytes = 78e6;
+constexpr double kFewestImagePoints = 20001.0;
+
 /// What principal components take while they are found; 0 if none are wanted.
 double components_memory(const RunSize& size) {
     const FitOptions& options = size.options;
@@ -81,8 +86,10 @@ MemoryEstimate estimate_memory(const RunSize& size) {
         estimate.clusters =
             lasting + 160.0 * table_rows + 130.0 * N + 48.0 * entries + 12.0 * symmetric;
     }
-    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes
-                                                 : 160.0 * table_rows + 130.0 * N);
+    const double image = table_rows < kFewestImagePoints ? 0.0 : kImageBytes;
+    estimate.results =
+        lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes + image
+                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;
 }
 

@@ -127,7 +127,7 @@ TEST(CachedNeighbours, GiveRunsOfOtherSeedsWhatASearchOfTheirOwnGives) {
 
 TEST(CachedNeighbours, GiveWhatAnApproximateSearchOfItsOwnGives) {
     // In many dimensions, and more than a leaf of a tree holds: not all neighbours are found.
-    const Matrix matrix{test::random_values(5000 * 30, 406), 30};
+    const Matrix matrix{test::random_values(3000 * 200, 406), 200};
     const Outcome expected = affinities(matrix, 9, nullptr, 11, true);
     EXPECT_NE(expected, affinities(matrix, 9, nullptr));
     CachedNeighbours same(9);
