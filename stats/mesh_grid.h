@@ -34,7 +34,7 @@ struct MeshGrid {
     std::size_t rows;
 };
 
-/// Three cells to a unit, with which splines of order 6 give forces to within 0.35 % of their root
+/// Three cells to a unit, with which splines of order 6 give forces to within 0.3 % of their root
 /// mean square; 6, 12, ... 384 where a map is less than 64 cells wide, so that the forces among
 /// points that lie close together are those of many cells.
 ///

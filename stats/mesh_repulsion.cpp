@@ -4,6 +4,7 @@
 
 #include "stats/mesh_box.h"
 #include "stats/mesh_grid.h"
+#include "stats/own_potential.h"
 #include "util/instruction_set.h"
 
 namespace ovik {
@@ -18,12 +19,18 @@ void MeshRepulsion::finishPreparation() {
     const MapBox box = mesh_box(Y_, N_);
     const MeshGrid grid = mesh_grid(box, N_);
     kernels_ = mesh_points(instruction_set());
-    // By cells, and minus half of it.
-    force_factor_ = -0.5 * grid.cells_per_unit;
+    if (grid.cells_per_unit != cells_per_unit_) {
+        field_.own = own_potential(grid.cells_per_unit);
+        cells_per_unit_ = grid.cells_per_unit;
+    }
     potential_.lay(grid.rows, grid.columns, grid.cells_per_unit, charge_scale(N_));
     order_.sort(Y_, N_, box, grid);
     charges_.spread(order_, N_, grid.rows, potential_.stride(), potential_.field());
     potential_.solve();
+    field_.cells = potential_.field();
+    field_.stride = potential_.stride();
+    // By cells, and minus half of it.
+    field_.force_factor = -0.5 * grid.cells_per_unit;
     far_.clear();
     if (order_.size() < N_) {
         far_.compute(Y_, N_, box);
@@ -34,13 +41,7 @@ void MeshRepulsion::finishPreparation() {
 void MeshRepulsion::compute(IndexRange points, double* forces, double* z_terms) const {
     const std::size_t near = order_.size();
     const IndexRange on_mesh = {std::min(points.begin, near), std::min(points.end, near)};
-    kernels_.gather(order_.points() + on_mesh.begin,
-                    on_mesh.size(),
-                    potential_.field(),
-                    potential_.stride(),
-                    force_factor_,
-                    forces,
-                    z_terms);
+    kernels_.gather(order_.points() + on_mesh.begin, on_mesh.size(), field_, forces, z_terms);
     if (far_.size() == 0) {
         return;
     }

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/plain/plain_start.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
@@ -112,16 +113,8 @@ TEST(PlaceAmongNeighbours, EqualsThePlainProgramForAnyNumberOfThreads) {
     }
     NeighbourGraph graph{kRows, kNeighbours, {}, {}};
     for (std::size_t n = 0; n < kRows; ++n) {
-        std::vector<std::pair<double, std::uint32_t>> others;
-        for (std::uint32_t m = 0; m < kRows; ++m) {
-            const double x = X[3 * n] - X[3 * m];
-            const double y = X[3 * n + 1] - X[3 * m + 1];
-            const double z = X[3 * n + 2] - X[3 * m + 2];
-            others.emplace_back(n == m ? INFINITY : x * x + y * y + z * z, m);
-        }
-        std::sort(others.begin(), others.end());
-        for (std::size_t k = 0; k < kNeighbours; ++k) {
-            graph.neighbours.push_back(others[k].second);
+        for (const NearRow& one : test::nearest_of(X, 3, n, kNeighbours)) {
+            graph.neighbours.push_back(one.row);
         }
     }
     const std::vector<double> expected =
