@@ -24,8 +24,11 @@ constexpr std::size_t kBlock = std::size_t{1} << 20U;
 /// grow a thousandfold, and the library has no limit of its own.
 constexpr hsize_t kTrustedBytes = std::size_t{1} << 18U;
 
-/// How texts are read together.
+/// How many texts are read together, and, of those of fixed length, how many bytes.
 constexpr std::size_t kTexts = 4096;
+constexpr std::size_t kTextBlockBytes = std::size_t{1} << 24U;
+
+constexpr std::size_t kMostTextLength = std::size_t{1} << 16U;
 
 /// The names of ways to pack bytes that other libraries bring.
 std::string filter_name(H5Z_filter_t filter) {
@@ -399,8 +402,16 @@ void Dataset::forEachText(const std::function<void(std::size_t, std::string)>& t
     if (!holdsTexts()) {
         refuse(place_, "its elements should be texts");
     }
-    for (std::size_t begin = 0; begin < size_; begin += kTexts) {
-        readTexts(begin, std::min(begin + kTexts, size_), take);
+    std::size_t together = kTexts;
+    if (H5Tis_variable_str(type_.id()) <= 0) {
+        const std::size_t length = H5Tget_size(type_.id());
+        if (length == 0 || length > kMostTextLength) {
+            refuse(place_, "its texts have a length of " + std::to_string(length) + " bytes each");
+        }
+        together = std::min(kTexts, kTextBlockBytes / length);
+    }
+    for (std::size_t begin = 0; begin < size_; begin += together) {
+        readTexts(begin, std::min(begin + together, size_), take);
     }
 }
 
@@ -413,10 +424,6 @@ void Dataset::readTexts(std::size_t begin,
         return;
     }
     const std::size_t length = H5Tget_size(type_.id());
-    constexpr std::size_t kMostLength = std::size_t{1} << 16U;
-    if (length == 0 || length > kMostLength) {
-        refuse(place_, "its texts have a length of " + std::to_string(length) + " bytes each");
-    }
     std::vector<char> bytes(length * (end - begin));
     read_block(dataset_.id(), from, end - begin, type_.id(), bytes.data(), place_);
     for (std::size_t i = begin; i < end; ++i) {
