@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <limits>
 #include <new>
-#include <optional>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -176,13 +176,24 @@ void write_fact(const File& file, const std::string& path, const nlohmann::json&
     }
 }
 
+/// @throws std::runtime_error if the file that was copied has got other rows since it was checked
+void check_rows_again(const File& file, const Digest& rows) {
+    const std::vector<std::string> names = hdf5::read_index(file, "obs");
+    if (digest_of(names) != rows) {
+        throw std::runtime_error(
+            "its obs has got other rows, or another order, since the run began");
+    }
+}
+
 /// Changes the copy of a file.
 void write_map(const std::string& copy,
                const std::string& name,
+               const Digest& rows,
                MatrixView<const double> embedding,
                Precision precision,
                const RunFacts& facts) {
     File file(copy, name, std::numeric_limits<double>::infinity(), hdf5::Access::Change);
+    check_rows_again(file, rows);
     make_group(file, "obsm");
     remove(file, kMap);
     write_dataset(file,
@@ -257,10 +268,10 @@ void copy_file(const std::string& from, const PartialEntry& to) {
 
 }  // namespace
 
-void check_h5ad_result(const Options& options, const std::vector<std::string>& row_names) {
+Digest check_h5ad_result(const Options& options, const std::vector<std::string>& row_names) {
     const std::string& path = options.into;
     if (path.empty()) {
-        return;
+        return {};
     }
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
@@ -276,7 +287,8 @@ void check_h5ad_result(const Options& options, const std::vector<std::string>& r
     if (file.kindOf("obs") == Kind::Nothing) {
         refuse(path, "this is no .h5ad file: it has no obs");
     }
-    check_rows(path, hdf5::read_index(file, "obs"), row_names);
+    const std::vector<std::string> names = hdf5::read_index(file, "obs");
+    check_rows(path, names, row_names);
     for (const char* const group : {"obsm", "uns"}) {
         if (file.kindOf(group) == Kind::Dataset) {
             refuse(path, std::string(group) + " is no group\nWrite the file again.");
@@ -289,9 +301,11 @@ void check_h5ad_result(const Options& options, const std::vector<std::string>& r
                    " already, of another matrix than " + options.matrix +
                    "\nTake it out, or name another file.");
     }
+    return digest_of(names);
 }
 
 std::string write_h5ad_result(const std::string& path,
+                              const Digest& rows,
                               MatrixView<const double> embedding,
                               Precision precision,
                               const RunFacts& facts) {
@@ -302,7 +316,7 @@ std::string write_h5ad_result(const std::string& path,
             throw_system_error();
         }
         copy_file(place, copy);
-        write_map(copy.path(), path, embedding, precision, facts);
+        write_map(copy.path(), path, rows, embedding, precision, facts);
         if (TEMP_FAILURE_RETRY(fsync(copy.descriptor())) != 0 || !copy.moveTo(place)) {
             throw_system_error();
         }
@@ -318,13 +332,15 @@ std::string write_h5ad_result(const std::string& path,
 
 #else
 
-void check_h5ad_result(const Options& options, const std::vector<std::string>& /*row_names*/) {
+Digest check_h5ad_result(const Options& options, const std::vector<std::string>& /*row_names*/) {
     if (!options.into.empty()) {
         throw InputError("--into: this command was built without HDF5\nLeave it away.");
     }
+    return {};
 }
 
 std::string write_h5ad_result(const std::string& /*path*/,
+                              const Digest& /*rows*/,
                               MatrixView<const double> /*embedding*/,
                               Precision /*precision*/,
                               const RunFacts& /*facts*/) {
