@@ -311,6 +311,7 @@ std::string write_h5ad_result(const std::string& path,
                               const RunFacts& facts) {
     try {
         const std::string place = place_behind_links(path).path;
+        remove_left_over_files(place);
         PartialEntry copy(place, PartialEntry::Kind::File);
         if (!copy.isOpen()) {
             throw_system_error();

@@ -33,7 +33,7 @@ using RunFacts = std::vector<std::pair<std::string, std::string>>;
 /// Writes a map into an AnnData file: `obsm/X_tsne`, and facts of the run into `uns/tsne`. What
 /// stands at both places is replaced. The file is copied beside its place, the copy written,
 /// flushed and moved there, so that it is as it was or has all of it; what else it holds stays. It
-/// keeps its permissions.
+/// keeps its permissions. Copies that ended runs left there are removed.
 ///
 /// @param rows       what `check_h5ad_result` gave: a file that has got other rows since, or the
 /// same ones in another order, stays as it is

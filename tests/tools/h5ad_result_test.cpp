@@ -112,6 +112,13 @@ TEST_F(H5adResult, OfRowsThatChangedDuringTheRunIsNotWritten) {
     EXPECT_EQ(directory_.entryCount(), 1);
 }
 
+TEST_F(H5adResult, RemovesTheCopiesOfRunsThatWereKilled) {
+    // Larger than any number of a process.
+    directory_.write(".ovik-99999999-1.part", "half a file");
+    EXPECT_EQ(written(kMap, {}), "");
+    EXPECT_EQ(directory_.entryCount(), 1);
+}
+
 TEST_F(H5adResult, ReplacesNoMapOfAnotherMatrix) {
     ASSERT_EQ(written(kMap, {}), "");
     check_h5ad_result(options_, names_);
