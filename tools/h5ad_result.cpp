@@ -20,6 +20,7 @@
     #include "input/hdf5_file.h"
     #include "input/hdf5_names.h"
 #endif
+#include "util/available_memory.h"
 #include "util/file_place.h"
 #include "util/input_error.h"
 #include "util/partial_entry.h"
@@ -37,6 +38,7 @@ using hdf5::Kind;
 
 constexpr const char* kMap = "obsm/X_tsne";
 constexpr const char* kFacts = "uns/tsne";
+constexpr double kAnyMemory = std::numeric_limits<double>::infinity();
 
 bool are_numbers(const std::vector<std::string>& names) {
     for (std::size_t n = 0; n < names.size(); ++n) {
@@ -76,14 +78,10 @@ void check_rows(const std::string& path,
     }
 }
 
-/// Fails with what the library says.
-[[noreturn]] void fail(const std::string& what) {
-    hdf5::refuse_failed(what, "cannot be written");
-}
-
+/// @throws std::runtime_error with what the library says, if something could not be written
 void require(bool holds, const std::string& what) {
     if (!holds) {
-        fail(what);
+        hdf5::fail_written(what);
     }
 }
 
@@ -192,7 +190,8 @@ void write_map(const std::string& copy,
                MatrixView<const double> embedding,
                Precision precision,
                const RunFacts& facts) {
-    File file(copy, name, std::numeric_limits<double>::infinity(), hdf5::Access::Change);
+    // What is read of it was found to fit in memory before the run, unless it has been changed.
+    File file(copy, name, kAnyMemory, hdf5::Access::Change);
     check_rows_again(file, rows);
     make_group(file, "obsm");
     remove(file, kMap);
@@ -283,7 +282,7 @@ Digest check_h5ad_result(const Options& options, const std::vector<std::string>&
                "it, or its directory, cannot be written to (" +
                    std::generic_category().message(errno) + ")");
     }
-    const File file(path, "--into: " + path, std::numeric_limits<double>::infinity());
+    const File file(path, "--into: " + path, options.force ? kAnyMemory : available_memory().bytes);
     if (file.kindOf("obs") == Kind::Nothing) {
         refuse(path, "this is no .h5ad file: it has no obs");
     }

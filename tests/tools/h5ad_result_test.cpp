@@ -11,6 +11,8 @@
 #include "tests/support/temporary_directory.h"
 
 #ifdef OVIK_READS_HDF5
+    #include <csignal>
+    #include <sys/resource.h>
     #include <sys/stat.h>
 
     #include "input/hdf5_dataset.h"
@@ -136,6 +138,48 @@ TEST_F(H5adResult, NeedsAnAnnDataFile) {
     EXPECT_THAT(refusal(names_), HasSubstr("empty.h5ad: this is no .h5ad file: it has no obs"));
     options_.into.clear();
     check_h5ad_result(options_, names_);
+}
+
+/// Lets no file of this process grow beyond a size while it lives.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(std::size_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        signal(SIGXFSZ, handler_);
+    }
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST_F(H5adResult, SaysWhatTheSystemSaysWhereItCannotBeWritten) {
+    const std::string before = test::read_file(path_);
+    const std::vector<double> large(4 * 100'000, 1.0);
+    std::string said;
+    {
+        const FileSizeLimit limit(before.size() + 1000);
+        said = written(large, {});
+    }
+    EXPECT_EQ(said, "obsm/X_tsne: cannot be written (File too large)");
+    {
+        // A small map is not written before the file is closed.
+        const FileSizeLimit limit(before.size() + 100);
+        said = written(kMap, {});
+    }
+    EXPECT_EQ(said, path_ + ": cannot be written (File too large)");
+    EXPECT_EQ(test::read_file(path_), before);
+    EXPECT_EQ(directory_.entryCount(), 1);
 }
 
 TEST_F(H5adResult, LeavesTheFileAsItIsWhereItFails) {
