@@ -6,6 +6,7 @@
 
 #include "input/hdf5_dataset.h"
 #include "util/memory_text.h"
+#include "util/plain_text.h"
 
 namespace ovik::hdf5 {
 
@@ -37,6 +38,19 @@ class TextBytes {
     double bytes_ = 0.0;
 };
 
+/// Refuses what would break the lines of tables, or hide in them.
+void check_name(const Dataset& names, std::size_t i, const std::string& name) {
+    constexpr std::size_t kShown = 40;
+    const auto is_control = [](unsigned char c) { return c < 0x20 || c == 0x7f; };
+    if (std::any_of(name.begin(), name.end(), is_control)) {
+        refuse(names.place(),
+               "element " + std::to_string(i + 1) + ", \"" +
+                   shortened(one_line_utf8(name), kShown) +
+                   "\", holds a line break, a tab or another control character, which would break "
+                   "the tables of the map\nWrite the names without them.");
+    }
+}
+
 void check_name_memory(const File& file, const Dataset& names) {
     file.checkMemory("the " + std::to_string(names.size()) + " names",
                      kTextBytes * static_cast<double>(names.size()),
@@ -61,6 +75,7 @@ std::vector<std::string> texts_of(const File& file, const Dataset& array) {
     TextBytes bytes(file, array.place());
     array.forEachText([&](std::size_t i, std::string text) {
         bytes.add(text);
+        check_name(array, i, text);
         texts[i] = std::move(text);
     });
     return texts;

@@ -86,6 +86,24 @@ TEST_F(Names, ThatCannotBeReadAreRefused) {
                 HasSubstr("m.h5: obs: is a table of an old kind"));
 }
 
+TEST_F(Names, HoldNoControlCharacters) {
+    for (const char* const name : {"b\nc", "b\tc", "b\rc", "b\x7f"}) {
+        EXPECT_THAT(refusal([name](test::Hdf5Writer& file) {
+                        file.table("obs", {"a", name});
+                    }),
+                    HasSubstr("m.h5: obs/_index: element 2, \"b"));
+    }
+    EXPECT_THAT(
+        refusal([](test::Hdf5Writer& file) {
+            table(file, "cell");
+            file.group("obs/cell");
+            file.textAttribute("obs/cell", "encoding-type", "categorical");
+            file.texts("obs/cell/categories", {"first\nline"});
+            file.wholeNumbers("obs/cell/codes", {0});
+        }),
+        HasSubstr("m.h5: obs/cell/categories: element 1, \"first line\", holds a line break"));
+}
+
 TEST_F(Names, FitInMemoryAllTogether) {
     most_bytes_ = 1e6;
     const std::string refused = "its texts take more than the 1 MB of memory that are left";
