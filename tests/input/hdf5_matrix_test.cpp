@@ -5,6 +5,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -24,6 +25,7 @@ using test::Hdf5Writer;
 using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 using testing::Pointwise;
 
 class Hdf5Matrix : public testing::Test {
@@ -243,6 +245,18 @@ TEST_F(Hdf5Matrix, NoMoreMemoryIsTakenThanThereIs) {
     EXPECT_THAT(refusal(large),
                 HasSubstr("reading layers/large of 4 rows and 50000 columns takes about 2 MB of "
                           "memory, and 1 MB are left\nTake its components (layer obsm/X_pca)."));
+}
+
+TEST_F(Hdf5Matrix, IsReadFromAStageOfUnknownLengthToItsEnd) {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> told;
+    options_.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Reading);
+        told.emplace_back(done, total);
+    };
+    loaded(test::write_cells);
+    ASSERT_GE(told.size(), 2U);
+    EXPECT_THAT(told[told.size() - 2], Pair(0, 0));
+    EXPECT_THAT(told.back(), Pair(1, 1));
 }
 
 TEST_F(Hdf5Matrix, OnlyTheFileItselfIsRead) {
