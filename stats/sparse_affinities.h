@@ -5,7 +5,6 @@
 
 #include "neighbours/neighbour_recall.h"
 #include "stats/fit_notes.h"
-#include "stats/joint_matrix.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
@@ -64,18 +63,6 @@ inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
                                          const NeighbourHooks& hooks = {}) {
     return neighbour_affinities(points.values, points.rows, points.columns, perplexity, K, hooks);
 }
-
-/// Conditional affinities of every point to its nearest neighbours, of any kind, for
-/// `joint_matrix`; else as the former, and without a limit to the number of entries.
-///
-/// @param form  how they are stored. `OneOrTwo` is for uniform ones; where a row has fewer
-/// neighbours
-///              than others they are stored as `Double`, after all
-ConditionalRows conditional_rows(MatrixView<const double> points,
-                                 RowAffinities& rows,
-                                 int K,
-                                 ValueForm form,
-                                 const NeighbourHooks& hooks = {});
 
 /// Conditional affinities of every point to its nearest neighbours, of any kind; else as the
 /// former.
