@@ -14,7 +14,7 @@
 #include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_search.h"
 #include "stats/cached_neighbours.h"
-#include "stats/joint_matrix.h"
+#include "stats/conditional_rows.h"
 #include "stats/row_affinities.h"
 #include "util/huge_pages.h"
 #include "util/malloc_array.h"

@@ -13,11 +13,9 @@
 namespace ovik {
 
 class CachedNeighbours;
-struct ConditionalRows;
 struct NeighbourGraph;
 class RandomStream;
 class RowAffinities;
-enum class ValueForm;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
@@ -65,17 +63,6 @@ inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
                                          const NeighbourHooks& hooks = {}) {
     return neighbour_affinities(points.values, points.rows, points.columns, perplexity, K, hooks);
 }
-
-/// Conditional affinities of every point to its nearest neighbours, of any kind, for
-/// `joint_matrix`; else as the former, and without a limit to the number of entries.
-///
-/// @param form  how they are stored. `OneOrTwo` is for uniform ones; where a row has fewer
-/// neighbours than others they are stored as `Double`, after all
-ConditionalRows conditional_rows(MatrixView<const double> points,
-                                 RowAffinities& rows,
-                                 int K,
-                                 ValueForm form,
-                                 const NeighbourHooks& hooks = {});
 
 /// Conditional affinities of every point to its nearest neighbours, of any kind; else as the
 /// former.

@@ -218,11 +218,14 @@ void add_h5ad(std::vector<ResultFile>& files,
     }
     const MatrixView<const double> map{
         tsne.Y, static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(options.fit.out_dims)};
-    add_result(
-        files,
-        "AnnData",
-        options.into,
-        write_h5ad_result(options.into, map, options.precision, facts_of(tsne, options, record)));
+    add_result(files,
+               "AnnData",
+               options.into,
+               write_h5ad_result(options.into,
+                                 options.into_rows,
+                                 map,
+                                 options.precision,
+                                 facts_of(tsne, options, record)));
 }
 
 /// Writes what the engine does not, and says what became of all results.

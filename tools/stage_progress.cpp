@@ -21,7 +21,7 @@ StageWords words_of(Stage stage) {
         case Stage::Reading:
             return {"Reading", ""};
         case Stage::Components:
-            return {"Principal components", ""};
+            return {"Principal components", " directions"};
         case Stage::Neighbours:
             return {"Neighbours", " rows"};
         case Stage::Affinities:

@@ -10,6 +10,7 @@ namespace ovik {
 enum class Stage {
     /// Of bytes, as the file has them: packed ones, where it is packed.
     Reading,
+    /// Of directions among which they are looked for, where fewer may do; else not counted.
     Components,
     /// Of rows.
     Neighbours,
@@ -26,8 +27,8 @@ enum class Stage {
 /// Takes how far a stage is: `done` of `total` bytes, rows or iterations. With a total of 0 it is
 /// not known how far, only that the stage has begun. A stage ends with `done` at a total that is
 /// not 0, or when another one begins. Called by any thread, by several at once, as often as every
-/// row: it has to be quick, and changes no result. An exception that it throws in the search for neighbours
-/// ends that.
+/// row: it has to be quick, and changes no result. An exception that it throws in the search for
+/// neighbours ends that.
 using OnStage = std::function<void(Stage stage, std::uint64_t done, std::uint64_t total)>;
 
 /// @param on_stage  may be empty
