@@ -4,12 +4,12 @@
 #include <optional>
 
 #include "neighbours/neighbour_recall.h"
+#include "neighbours/search_manner.h"
 #include "stats/fit_notes.h"
 #include "stats/joint_matrix.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
-#include "util/stage.h"
 
 namespace ovik {
 
@@ -29,10 +29,8 @@ struct NeighbourHooks {
     NeighbourGraph* graph = nullptr;
     /// Null for the process-wide `rand`, else where the tree of the search is drawn from.
     RandomStream* random = nullptr;
-    /// Takes for how many rows neighbours and affinities are there.
-    OnStage on_stage = {};
-    /// Whether the search may miss some of the nearest.
-    bool is_approximate = false;
+    /// Of the search; what it tells of are rows with their affinities.
+    NeighbourSearchManner manner = {};
     /// Null, or what is told how many of the nearest were found, if the search is not exact.
     std::optional<NeighbourRecall>* recall = nullptr;
 };
