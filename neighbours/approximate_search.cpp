@@ -174,6 +174,15 @@ double approximate_search_memory(std::size_t N, std::size_t count) {
     return of_row * static_cast<double>(N);
 }
 
+bool can_be_approximate(const double* points,
+                        std::size_t N,
+                        std::size_t dims,
+                        std::size_t count,
+                        const Metric& metric) {
+    return count > 1 && count <= N && N <= NearestLists::kMostRows &&
+           packable_extent(points, N, dims, metric).has_value();
+}
+
 NeighbourRecall find_approximately(
     const double* points,
     std::size_t N,

@@ -11,6 +11,14 @@
 
 namespace ovik {
 
+/// Whether `find_approximately` can be asked for all nearest rows of a matrix: not where values are
+/// so many in a row (more than 8380), so large or so small, or rows so few, that it cannot work.
+///
+/// @param points  row-major, N x dims
+/// @param count   rows that are wanted for each, itself among them
+bool can_be_approximate(
+    const double* points, std::size_t N, std::size_t dims, std::size_t count, const Metric& metric);
+
 /// Finds nearly all of the nearest neighbours of each row of a matrix. Random-projection trees give
 /// the first neighbours: rows in a leaf are compared with one another. Then, in rounds, rows that
 /// are neighbours of a row are compared with one another, until few find nearer ones.

@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "neighbours/approximate_search.h"
-#include "neighbours/nearest_lists.h"
 #include "util/parallel.h"
 #include "util/stage_count.h"
 
@@ -118,7 +117,7 @@ void NeighbourSearch::findAll(const double* points,
                               const Visit& visit,
                               const NeighbourSearchManner& manner) {
     recall_.reset();
-    if (manner.is_approximate && canBeApproximate(points, count)) {
+    if (manner.is_approximate && can_be_approximate(points, N_, dims_, count, metric_)) {
         findApproximately(points, count, visit, manner.on_stage);
         return;
     }
@@ -126,11 +125,6 @@ void NeighbourSearch::findAll(const double* points,
     std::vector<char> is_found(N_);
     findCertain(points, count, is_found, visit, progress);
     findByTree(points, count, is_found, visit, progress);
-}
-
-bool NeighbourSearch::canBeApproximate(const double* points, std::size_t count) const {
-    return count > 1 && count <= N_ && N_ <= NearestLists::kMostRows &&
-           packable_extent(points, N_, dims_, metric_).has_value();
 }
 
 void NeighbourSearch::findApproximately(const double* points,

@@ -80,7 +80,6 @@ class NeighbourSearch {
                     const std::vector<char>& is_found,
                     const Visit& visit,
                     StageCount& progress);
-    bool canBeApproximate(const double* points, std::size_t count) const;
     void findApproximately(const double* points,
                            std::size_t count,
                            const Visit& visit,

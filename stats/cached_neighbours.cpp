@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "neighbours/approximate_search.h"
 #include "stats/tsne.h"
 #include "util/parallel.h"
 #include "util/stage_count.h"
@@ -44,7 +45,8 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
         search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
-        is_approximate_ = manner.is_approximate;
+        is_approximate_ =
+            manner.is_approximate && can_be_approximate(points, N, dims, most_, euclidean_metric());
         try {
             if (is_approximate_) {
                 fillApproximateLists(points, manner.on_stage);

@@ -54,6 +54,9 @@ class CachedNeighbours {
                                            RandomStream& random = process_random_stream(),
                                            const NeighbourSearchManner& manner = {});
 
+    /// Whether they were given, and nothing is searched.
+    [[nodiscard]] bool areGiven() const { return given_.has_value(); }
+
     /// How many workers `findAll` has at most.
     [[nodiscard]] std::size_t workerCount() const;
 
@@ -92,6 +95,7 @@ class CachedNeighbours {
     std::unique_ptr<NeighbourSearch> search_;
     std::size_t dims_ = 0;
     Digest points_{};
+    /// What the search was, not what was wanted.
     bool is_approximate_ = false;
     std::optional<NeighbourRecall> recall_;
     /// That of the search for candidates.

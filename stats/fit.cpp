@@ -192,10 +192,14 @@ FitReport fit_into(MatrixView<double> Y,
     }
     report.scale = prepare_input(X, options.metric);
     std::optional<Rows> rows(std::in_place, X, options, hooks, report);
+    const FitNotes notes = [&](FitNote note) {
+        report.search_became_exact |= note == FitNote::SearchIsExact;
+        tell(hooks.on_note, note);
+    };
     const bool has_graph = hooks.wants_neighbours || rows->needNeighbours();
     std::unique_ptr<Objective> objective = method.make({rows->view(),
                                                         options,
-                                                        hooks.on_note,
+                                                        notes,
                                                         hooks.cached_neighbours,
                                                         has_graph ? &report.neighbours : nullptr,
                                                         stream,

@@ -74,6 +74,8 @@ struct FitReport {
     /// How many of the nearest neighbours were found; nothing where the search is exact, or none is
     /// made.
     std::optional<NeighbourRecall> recall;
+    /// Whether an approximate search was wanted, and the exact one made: the rows do not bear it.
+    bool search_became_exact = false;
     RunTimes seconds;
     /// Processor time of the iterations, in the units of `std::clock`.
     std::clock_t fitting_clock = 0;

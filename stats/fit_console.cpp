@@ -27,6 +27,15 @@ void log_perplexity(int line, double perplexity) {
     }
 }
 
+void print_exact_search() {
+    print_text(
+        "The search for neighbours is exact, and may take long: an approximate one cannot be made, "
+        "as the rows have more than 8380 columns, or values too large or too small for it; fewer "
+        "principal components (--pca) make it possible",
+        1,
+        '\n');
+}
+
 /// Tells the user of a perplexity that the number of points cannot bear; the run goes on.
 void check_perplexity(double perplexity, int N) {
     if (3.0 * perplexity > static_cast<double>(N - 1)) {
@@ -87,6 +96,8 @@ FitNotes console_notes(double perplexity) {
                 return print_remark("Perplexity should be lower than K!\n");
             case FitNote::NeighbourIndexBuilt:
                 return print_info("Building tree ...");
+            case FitNote::SearchIsExact:
+                return print_exact_search();
         }
     };
 }

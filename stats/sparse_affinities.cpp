@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "neighbours/approximate_search.h"
 #include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_search.h"
 #include "stats/cached_neighbours.h"
@@ -371,6 +372,11 @@ ConditionalRows conditional_rows(MatrixView<const double> points,
     const auto row_length = static_cast<std::size_t>(std::max(K, 0));
     ConditionalRows conditional = room_for(N, row_length, form);
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
+    const bool searches = hooks.cached == nullptr || !hooks.cached->areGiven();
+    if (hooks.manner.is_approximate && searches &&
+        !can_be_approximate(points.values, N, points.columns, row_length + 1, euclidean_metric())) {
+        tell(hooks.notes, FitNote::SearchIsExact);
+    }
     // Null for the search of the cache.
     const std::unique_ptr<NeighbourSearch> own_search =
         hooks.cached != nullptr

@@ -20,7 +20,7 @@ class RowAffinities;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
-    /// Is told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
+    /// Is told `PerplexityAboveNeighbours`, `NeighbourIndexBuilt` and `SearchIsExact`.
     FitNotes notes = {};
     /// Null for a search from nothing, else neighbours of other runs over the same points, at least
     /// as many of each.

@@ -144,6 +144,11 @@ Outcome run_fit(MatrixView<const double> points,
         print_fitting_time(outcome.fit.report.fitting_clock);
         std::fflush(stdout);
     }
+    if (outcome.fit.report.search_became_exact) {
+        outcome.neighbours_note =
+            "all neighbours were searched for, since rows of more than 8380 columns, or of values "
+            "too large or too small, cannot be searched approximately";
+    }
     const Schedule schedule(options, points.rows);
     const int last = outcome.fit.report.reached.iteration;
     outcome.learning_rate = schedule.learningRate(last);

@@ -138,6 +138,27 @@ TEST(CachedNeighbours, GiveWhatAnApproximateSearchOfItsOwnGives) {
     EXPECT_EQ(affinities(matrix, 9, &more, 11, manner), expected);
 }
 
+TEST(CachedNeighbours, AreExactAndSharedWhereAnApproximateSearchCannotBeMade) {
+    // Far too long for single precision.
+    Matrix matrix{test::random_values(600 * 5, 9), 5};
+    for (double& value : matrix.values) {
+        value *= 1e100;
+    }
+    const NeighbourSearchManner manner{.is_approximate = true};
+    CachedNeighbours cached(9);
+    for (const int K : {9, 4}) {
+        EXPECT_EQ(affinities(matrix, K, &cached, 11, manner), affinities(matrix, K, nullptr));
+    }
+    OwnRandomStream random;
+    random.seed(1);
+    CachedNeighbours shared(9);
+    EXPECT_EQ(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+    random.seed(1);
+    EXPECT_EQ(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+    random.seed(2);
+    EXPECT_NE(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+}
+
 TEST(CachedNeighbours, TellHowFarTheyAreAndAreStopped) {
     const Matrix matrix{test::random_values(600 * 4, 8), 4};
     for (const bool is_approximate : {false, true}) {
