@@ -11,6 +11,7 @@
 #include "stats/run_names.h"
 #include "stats/seed_texts.h"
 #include "util/console.h"
+#include "util/counted.h"
 #include "util/format.h"
 #include "util/rounded.h"
 
@@ -96,6 +97,8 @@ FitNotes console_notes(double perplexity) {
                 return print_remark("Perplexity should be lower than K!\n");
             case FitNote::NeighbourIndexBuilt:
                 return print_info("Building tree ...");
+            case FitNote::SampleBegins:
+                return print_info("Embedding a sample of the rows, where the others start");
             case FitNote::SearchIsExact:
                 return print_exact_search();
         }
@@ -106,6 +109,13 @@ void print_components(int components, int columns, double share) {
     print_info(std::to_string(components) + " principal components stand for " +
                std::to_string(columns) + " columns, with " + percent_text(share) +
                " of the variance");
+}
+
+void print_sample(const SampleReport& sample) {
+    print_info("The map of " + counted(sample.rows, "row", "rows") + " is the start of all" +
+               (sample.recall
+                    ? "; approximate neighbours among them: " + recall_text(*sample.recall)
+                    : ""));
 }
 
 void print_recall(const NeighbourRecall& recall) {

@@ -21,6 +21,8 @@ enum class FitNote {
     NeighbourIndexBuilt,
     /// An approximate search was wanted, and the exact one is made: the rows do not bear the other.
     SearchIsExact,
+    /// A sample of the rows is embedded, at whose map the rows start.
+    SampleBegins,
 };
 
 /// Takes the notes of a fit; may be empty.

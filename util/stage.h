@@ -13,6 +13,8 @@ enum class Stage {
     /// Of rows.
     Neighbours,
     Affinities,
+    /// The fit of a sample, at whose map the rows start: of its iterations.
+    Sample,
     /// Of iterations.
     Iterations,
     Clusters,
