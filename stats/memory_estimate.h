@@ -49,6 +49,8 @@ struct RunSize {
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
+/// - a start by a sample: what fitting takes and the neighbours that place the others (12 E; by the
+///   exact method 300 N), with a copy of the sample and what its own fit takes in these stages;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (V S + 38 N) with the tree and its forces (153 N + 44 Nd),
 ///   and from 65,536 rows on their order in memory (16 N + 8 Nd);
@@ -83,6 +85,8 @@ struct RunSize {
 struct MemoryEstimate {
     double reading = 0.0;
     double similarities = 0.0;
+    /// Of a start by a sample; 0 of others.
+    double sample = 0.0;
     double fitting = 0.0;
     double clusters = 0.0;
     double results = 0.0;
