@@ -24,8 +24,11 @@ constexpr std::size_t kBlock = std::size_t{1} << 20U;
 /// grow a thousandfold, and the library has no limit of its own.
 constexpr hsize_t kTrustedBytes = std::size_t{1} << 18U;
 
-/// How texts are read together.
+/// How many texts are read together, and, of those of fixed length, how many bytes.
 constexpr std::size_t kTexts = 4096;
+constexpr std::size_t kTextBlockBytes = std::size_t{1} << 24U;
+
+constexpr std::size_t kMostTextLength = std::size_t{1} << 16U;
 
 /// The names of ways to pack bytes that other libraries bring.
 std::string filter_name(H5Z_filter_t filter) {
@@ -178,12 +181,12 @@ void Dataset::checkStorage(const File& file) {
                "in it.");
     }
     checkFilters(creation.id());
-    if (layout == H5D_CHUNKED) {
-        checkChunks(file, creation.id());
-    }
     if (size_ > 0 && H5Dget_storage_size(dataset_.id()) == 0) {
         refuse(place_,
                "has a shape and no elements: they were never written\nWrite the file again.");
+    }
+    if (layout == H5D_CHUNKED) {
+        checkChunks(file, creation.id());
     }
 }
 
@@ -223,7 +226,8 @@ void Dataset::checkFilters(hid_t creation) const {
 void Dataset::checkChunks(const File& file, hid_t creation) {
     chunk_.resize(shape_.size());
     if (H5Pget_chunk(creation, static_cast<int>(chunk_.size()), chunk_.data()) !=
-        static_cast<int>(chunk_.size())) {
+            static_cast<int>(chunk_.size()) ||
+        std::find(chunk_.begin(), chunk_.end(), hsize_t{0}) != chunk_.end()) {
         refuse_failed(place_, "its chunks cannot be read");
     }
     double bytes = static_cast<double>(H5Tget_size(type_.id()));
@@ -232,22 +236,39 @@ void Dataset::checkChunks(const File& file, hid_t creation) {
     }
     file.checkMemory("a chunk of it", 2.0 * bytes, "Write the file with smaller chunks.");
     chunk_bytes_ = static_cast<std::size_t>(bytes);
-    const Handle created(H5Dget_create_plist(dataset_.id()), H5Pclose);
-    is_packed_ = H5Pget_nfilters(created.id()) > 0;
+    checkChunkCount();
     // A chunk that does not fit the cache would be unpacked for every block that it has a part of.
-    if (shape_.size() == 1 && chunk_[0] > 0) {
+    if (shape_.size() == 1) {
         block_ = std::max<std::size_t>(kBlock / chunk_[0], 1) * chunk_[0];
     }
-    if (is_packed_) {
+    if (size_ > 0 && H5Pget_nfilters(creation) > 0) {
         checkPackedChunks();
+    }
+}
+
+/// A shape costs a damaged file nothing, and chunks that are not there would be zeros: so there
+/// have to be as many as the shape needs, before anything is done for each of them.
+///
+/// @throws InputError if there are fewer
+void Dataset::checkChunkCount() const {
+    hsize_t needed = 1;
+    for (std::size_t d = 0; d < chunk_.size(); ++d) {
+        needed *= shape_[d] / chunk_[d] + (shape_[d] % chunk_[d] == 0 ? 0 : 1);
+    }
+    const Handle space(H5Dget_space(dataset_.id()), H5Sclose);
+    hsize_t written = 0;
+    if (!space.isOpen() || H5Dget_num_chunks(dataset_.id(), space.id(), &written) < 0) {
+        refuse_failed(place_, "its chunks cannot be counted");
+    }
+    if (written < needed) {
+        refuse(place_,
+               "has " + std::to_string(written) + " of the " + std::to_string(needed) +
+                   " chunks of its shape: the others were never written\nWrite the file again.");
     }
 }
 
 /// Looks at every chunk before the library unpacks any.
 void Dataset::checkPackedChunks() const {
-    if (size_ == 0) {
-        return;
-    }
     std::vector<hsize_t> offset(chunk_.size(), 0);
     std::size_t dimension = 0;
     do {
@@ -267,9 +288,7 @@ void Dataset::checkPackedChunks() const {
 void Dataset::checkPackedChunk(const std::vector<hsize_t>& offset) const {
     hsize_t packed_bytes = 0;
     if (H5Dget_chunk_storage_size(dataset_.id(), offset.data(), &packed_bytes) < 0) {
-        // One that is not there holds the value that fills gaps.
-        H5Eclear2(H5E_DEFAULT);
-        return;
+        refuse_failed(place_, "a chunk of it cannot be found");
     }
     if (packed_bytes <= kTrustedBytes) {
         return;
@@ -383,8 +402,16 @@ void Dataset::forEachText(const std::function<void(std::size_t, std::string)>& t
     if (!holdsTexts()) {
         refuse(place_, "its elements should be texts");
     }
-    for (std::size_t begin = 0; begin < size_; begin += kTexts) {
-        readTexts(begin, std::min(begin + kTexts, size_), take);
+    std::size_t together = kTexts;
+    if (H5Tis_variable_str(type_.id()) <= 0) {
+        const std::size_t length = H5Tget_size(type_.id());
+        if (length == 0 || length > kMostTextLength) {
+            refuse(place_, "its texts have a length of " + std::to_string(length) + " bytes each");
+        }
+        together = std::min(kTexts, kTextBlockBytes / length);
+    }
+    for (std::size_t begin = 0; begin < size_; begin += together) {
+        readTexts(begin, std::min(begin + together, size_), take);
     }
 }
 
@@ -397,10 +424,6 @@ void Dataset::readTexts(std::size_t begin,
         return;
     }
     const std::size_t length = H5Tget_size(type_.id());
-    constexpr std::size_t kMostLength = std::size_t{1} << 16U;
-    if (length == 0 || length > kMostLength) {
-        refuse(place_, "its texts have a length of " + std::to_string(length) + " bytes each");
-    }
     std::vector<char> bytes(length * (end - begin));
     read_block(dataset_.id(), from, end - begin, type_.id(), bytes.data(), place_);
     for (std::size_t i = begin; i < end; ++i) {

@@ -62,6 +62,7 @@ class Dataset {
     void checkStorage(const File& file);
     void checkFilters(hid_t creation) const;
     void checkChunks(const File& file, hid_t creation);
+    void checkChunkCount() const;
     void checkPackedChunks() const;
     void checkPackedChunk(const std::vector<hsize_t>& offset) const;
     void open(const File& file, const std::string& path);
@@ -83,7 +84,6 @@ class Dataset {
     /// Of a dataset in chunks: their extents and bytes, unpacked.
     std::vector<hsize_t> chunk_;
     std::size_t chunk_bytes_ = 0;
-    bool is_packed_ = false;
 };
 
 }  // namespace ovik::hdf5

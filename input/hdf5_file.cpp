@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "util/input_error.h"
@@ -40,6 +42,17 @@ Reason last_reason() {
     H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, take_reason, &reason);
     H5Eclear2(H5E_DEFAULT);
     return reason;
+}
+
+/// What the system said, if the library quotes it between addresses and times.
+std::string system_message_in(const std::string& reason) {
+    constexpr std::string_view kBefore = "error message = '";
+    const std::size_t before = reason.find(kBefore);
+    if (before == std::string::npos) {
+        return reason;
+    }
+    const std::size_t begin = before + kBefore.size();
+    return reason.substr(begin, reason.find('\'', begin) - begin);
 }
 
 struct NameList {
@@ -101,6 +114,15 @@ void refuse_failed(const std::string& place, const std::string& reason) {
                "\nThe file may be damaged: fetch or write it again.");
 }
 
+void fail_written(const std::string& place) {
+    const Reason last = last_reason();
+    if (last.is_memory) {
+        throw std::bad_alloc();
+    }
+    throw std::runtime_error(place + ": cannot be written" +
+                             (last.text.empty() ? "" : " (" + system_message_in(last.text) + ")"));
+}
+
 void start_library() {
     H5dont_atexit();
     H5open();
@@ -122,7 +144,7 @@ File::File(const std::string& path, std::string name, double most_bytes, Access 
 
 void File::close() {
     if (H5Fflush(file_.id(), H5F_SCOPE_GLOBAL) < 0 || !file_.close()) {
-        refuse_failed(name_, "cannot be written");
+        fail_written(name_);
     }
 }
 

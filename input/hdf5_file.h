@@ -49,6 +49,12 @@ class Handle {
 /// @throws InputError; std::bad_alloc if the library found no memory
 [[noreturn]] void refuse_failed(const std::string& place, const std::string& reason);
 
+/// Tells that a call of the library could not write, with what it or the system says about it.
+///
+/// @throws std::runtime_error "PLACE: cannot be written (REASON)"; std::bad_alloc if the library
+/// found no memory
+[[noreturn]] void fail_written(const std::string& place);
+
 /// What a file is opened for.
 enum class Access { Read, Change };
 
@@ -70,7 +76,7 @@ class File {
 
     /// Writes all changes, and closes the file.
     ///
-    /// @throws InputError if that fails
+    /// @throws std::runtime_error if that fails
     void close();
 
     [[nodiscard]] const std::string& name() const { return name_; }

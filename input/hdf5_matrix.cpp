@@ -13,6 +13,7 @@
 #include "input/sparse_matrix.h"
 #include "util/counted.h"
 #include "util/similar_name.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -277,6 +278,8 @@ bool is_hdf5(std::string_view head) {
 
 InspectedMatrix read_hdf5_matrix(MatrixSource& source, const LoadOptions& options) {
     check_source(source);
+    // The library reads by itself: how far it is cannot be told.
+    tell(options.on_stage, Stage::Reading, 0, 0);
     const File file(source.path(), source.name(), memory_limit(options));
     InspectedMatrix matrix;
     if (is_annotated(file)) {
@@ -291,6 +294,7 @@ InspectedMatrix read_hdf5_matrix(MatrixSource& source, const LoadOptions& option
         refuse_unknown(file);
     }
     matrix.rows_are_points = true;
+    tell(options.on_stage, Stage::Reading, 1, 1);
     return matrix;
 }
 

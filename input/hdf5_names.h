@@ -11,7 +11,8 @@ namespace ovik::hdf5 {
 /// of each element.
 ///
 /// @param path  of an array, or of the group of an array of categories
-/// @throws InputError if they are something else
+/// @throws InputError if they are something else, take more memory than there is, or hold control
+/// characters
 std::vector<std::string> read_texts(const File& file, const std::string& path);
 
 /// The names of the rows of an annotated table, such as `obs`: the column that its attribute

@@ -1,5 +1,6 @@
 #include "input/matrix_market.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -81,7 +82,9 @@ class MatrixMarket : public MarketSink {
         orientation_.begin(head, matrix_);
         stays_sparse_ = head.is_sparse && stays_sparse(options_, head.rows, head.columns);
         checkMemory();
-        if (!stays_sparse_) {
+        if (stays_sparse_) {
+            entries_.reserve(std::min(head.entries, entries_.max_size() / 2) * copies());
+        } else {
             matrix_.values = std::make_unique<double[]>(head.rows * head.columns);
         }
     }
@@ -113,14 +116,26 @@ class MatrixMarket : public MarketSink {
         double value;
     };
 
+    /// Column and value of an entry in the order of the rows.
+    using SortedEntry = std::pair<std::uint32_t, double>;
+
+    /// How often an entry of the file stands in the matrix, at most.
+    [[nodiscard]] std::size_t copies() const { return head_.is_symmetric ? 2 : 1; }
+
+    /// What a matrix that stays sparse takes while it is brought into order.
+    [[nodiscard]] double sparseBytes() const {
+        const double entries = static_cast<double>(head_.entries) * static_cast<double>(copies());
+        constexpr double kStarts = 3.0 * sizeof(std::size_t);
+        return static_cast<double>(sizeof(Entry) + sizeof(SortedEntry)) * entries +
+               kStarts * static_cast<double>(matrix_.report.rows);
+    }
+
     /// @throws InputError if the matrix would not fit in memory
     void checkMemory() const {
-        const double entries =
-            static_cast<double>(head_.entries) * (head_.is_symmetric ? 2.0 : 1.0);
         const double rows = static_cast<double>(matrix_.report.rows);
-        const double dense = 8.0 * rows * static_cast<double>(matrix_.report.columns);
-        const double bytes =
-            stays_sparse_ ? sizeof(Entry) * entries + sparse_bytes(2.0 * rows, entries) : dense;
+        const double bytes = stays_sparse_
+                                 ? sparseBytes()
+                                 : 8.0 * rows * static_cast<double>(matrix_.report.columns);
         if (bytes <= 8.0 * static_cast<double>(kMostDenseValues) && !stays_sparse_) {
             return;
         }
@@ -164,11 +179,14 @@ class MatrixMarket : public MarketSink {
         }
         std::partial_sum(next.begin(), next.end(), next.begin());
         const std::vector<std::size_t> begins = next;
-        std::vector<std::pair<std::uint32_t, double>> sorted(entries_.size());
+        std::vector<SortedEntry> sorted(entries_.size());
         for (const Entry& entry : entries_) {
             sorted[next[entry.row]++] = {entry.column, entry.value};
         }
-        entries_ = {};
+        std::vector<Entry>().swap(entries_);
+        rows.column_of.reserve(sorted.size());
+        rows.values.reserve(sorted.size());
+        rows.starts.reserve(rows.rows + 1);
         rows.starts.push_back(0);
         for (std::size_t n = 0; n < rows.rows; ++n) {
             const auto first = sorted.begin() + static_cast<std::ptrdiff_t>(begins[n]);

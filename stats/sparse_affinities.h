@@ -4,24 +4,22 @@
 #include <optional>
 
 #include "neighbours/neighbour_recall.h"
+#include "neighbours/search_manner.h"
 #include "stats/fit_notes.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
-#include "util/stage.h"
 
 namespace ovik {
 
 class CachedNeighbours;
-struct ConditionalRows;
 struct NeighbourGraph;
 class RandomStream;
 class RowAffinities;
-enum class ValueForm;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
-    /// Is told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
+    /// Is told `PerplexityAboveNeighbours`, `NeighbourIndexBuilt` and `SearchIsExact`.
     FitNotes notes = {};
     /// Null for a search from nothing, else neighbours of other runs over the same points, at least
     /// as many of each.
@@ -30,10 +28,8 @@ struct NeighbourHooks {
     NeighbourGraph* graph = nullptr;
     /// Null for the process-wide `rand`, else where the tree of the search is drawn from.
     RandomStream* random = nullptr;
-    /// Takes for how many rows neighbours and affinities are there.
-    OnStage on_stage = {};
-    /// Whether the search may miss some of the nearest.
-    bool is_approximate = false;
+    /// Of the search; what it tells of are rows with their affinities.
+    NeighbourSearchManner manner = {};
     /// Null, or what is told how many of the nearest were found, if the search is not exact.
     std::optional<NeighbourRecall>* recall = nullptr;
 };
@@ -65,17 +61,6 @@ inline SparseMatrix neighbour_affinities(MatrixView<const double> points,
                                          const NeighbourHooks& hooks = {}) {
     return neighbour_affinities(points.values, points.rows, points.columns, perplexity, K, hooks);
 }
-
-/// Conditional affinities of every point to its nearest neighbours, of any kind, for
-/// `joint_matrix`; else as the former, and without a limit to the number of entries.
-///
-/// @param form  how they are stored. `OneOrTwo` is for uniform ones; where a row has fewer
-/// neighbours than others they are stored as `Double`, after all
-ConditionalRows conditional_rows(MatrixView<const double> points,
-                                 RowAffinities& rows,
-                                 int K,
-                                 ValueForm form,
-                                 const NeighbourHooks& hooks = {});
 
 /// Conditional affinities of every point to its nearest neighbours, of any kind; else as the
 /// former.

@@ -218,11 +218,14 @@ void add_h5ad(std::vector<ResultFile>& files,
     }
     const MatrixView<const double> map{
         tsne.Y, static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(options.fit.out_dims)};
-    add_result(
-        files,
-        "AnnData",
-        options.into,
-        write_h5ad_result(options.into, map, options.precision, facts_of(tsne, options, record)));
+    add_result(files,
+               "AnnData",
+               options.into,
+               write_h5ad_result(options.into,
+                                 options.into_rows,
+                                 map,
+                                 options.precision,
+                                 facts_of(tsne, options, record)));
 }
 
 /// Writes what the engine does not, and says what became of all results.
@@ -323,7 +326,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record_seeds(record, *tsne.seedReport());
     }
     const RunTimes& times = tsne.times();
-    record.seconds = {times.similarities, times.fitting, times.results};
+    record.seconds = {times.similarities, times.fitting, times.results, times.sample};
     record.files = finish_results(tsne, options, input, record, failures);
     if (input.keeps_places) {
         record.places.assign(tsne.Y,

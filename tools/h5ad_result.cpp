@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <limits>
 #include <new>
-#include <optional>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -20,6 +20,7 @@
     #include "input/hdf5_file.h"
     #include "input/hdf5_names.h"
 #endif
+#include "util/available_memory.h"
 #include "util/file_place.h"
 #include "util/input_error.h"
 #include "util/partial_entry.h"
@@ -37,6 +38,7 @@ using hdf5::Kind;
 
 constexpr const char* kMap = "obsm/X_tsne";
 constexpr const char* kFacts = "uns/tsne";
+constexpr double kAnyMemory = std::numeric_limits<double>::infinity();
 
 bool are_numbers(const std::vector<std::string>& names) {
     for (std::size_t n = 0; n < names.size(); ++n) {
@@ -76,14 +78,10 @@ void check_rows(const std::string& path,
     }
 }
 
-/// Fails with what the library says.
-[[noreturn]] void fail(const std::string& what) {
-    hdf5::refuse_failed(what, "cannot be written");
-}
-
+/// @throws std::runtime_error with what the library says, if something could not be written
 void require(bool holds, const std::string& what) {
     if (!holds) {
-        fail(what);
+        hdf5::fail_written(what);
     }
 }
 
@@ -176,13 +174,25 @@ void write_fact(const File& file, const std::string& path, const nlohmann::json&
     }
 }
 
+/// @throws std::runtime_error if the file that was copied has got other rows since it was checked
+void check_rows_again(const File& file, const Digest& rows) {
+    const std::vector<std::string> names = hdf5::read_index(file, "obs");
+    if (digest_of(names) != rows) {
+        throw std::runtime_error(
+            "its obs has got other rows, or another order, since the run began");
+    }
+}
+
 /// Changes the copy of a file.
 void write_map(const std::string& copy,
                const std::string& name,
+               const Digest& rows,
                MatrixView<const double> embedding,
                Precision precision,
                const RunFacts& facts) {
-    File file(copy, name, std::numeric_limits<double>::infinity(), hdf5::Access::Change);
+    // What is read of it was found to fit in memory before the run, unless it has been changed.
+    File file(copy, name, kAnyMemory, hdf5::Access::Change);
+    check_rows_again(file, rows);
     make_group(file, "obsm");
     remove(file, kMap);
     write_dataset(file,
@@ -257,10 +267,10 @@ void copy_file(const std::string& from, const PartialEntry& to) {
 
 }  // namespace
 
-void check_h5ad_result(const Options& options, const std::vector<std::string>& row_names) {
+Digest check_h5ad_result(const Options& options, const std::vector<std::string>& row_names) {
     const std::string& path = options.into;
     if (path.empty()) {
-        return;
+        return {};
     }
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
@@ -272,11 +282,12 @@ void check_h5ad_result(const Options& options, const std::vector<std::string>& r
                "it, or its directory, cannot be written to (" +
                    std::generic_category().message(errno) + ")");
     }
-    const File file(path, "--into: " + path, std::numeric_limits<double>::infinity());
+    const File file(path, "--into: " + path, options.force ? kAnyMemory : available_memory().bytes);
     if (file.kindOf("obs") == Kind::Nothing) {
         refuse(path, "this is no .h5ad file: it has no obs");
     }
-    check_rows(path, hdf5::read_index(file, "obs"), row_names);
+    const std::vector<std::string> names = hdf5::read_index(file, "obs");
+    check_rows(path, names, row_names);
     for (const char* const group : {"obsm", "uns"}) {
         if (file.kindOf(group) == Kind::Dataset) {
             refuse(path, std::string(group) + " is no group\nWrite the file again.");
@@ -289,20 +300,23 @@ void check_h5ad_result(const Options& options, const std::vector<std::string>& r
                    " already, of another matrix than " + options.matrix +
                    "\nTake it out, or name another file.");
     }
+    return digest_of(names);
 }
 
 std::string write_h5ad_result(const std::string& path,
+                              const Digest& rows,
                               MatrixView<const double> embedding,
                               Precision precision,
                               const RunFacts& facts) {
     try {
         const std::string place = place_behind_links(path).path;
+        remove_left_over_files(place);
         PartialEntry copy(place, PartialEntry::Kind::File);
         if (!copy.isOpen()) {
             throw_system_error();
         }
         copy_file(place, copy);
-        write_map(copy.path(), path, embedding, precision, facts);
+        write_map(copy.path(), path, rows, embedding, precision, facts);
         if (TEMP_FAILURE_RETRY(fsync(copy.descriptor())) != 0 || !copy.moveTo(place)) {
             throw_system_error();
         }
@@ -318,13 +332,15 @@ std::string write_h5ad_result(const std::string& path,
 
 #else
 
-void check_h5ad_result(const Options& options, const std::vector<std::string>& /*row_names*/) {
+Digest check_h5ad_result(const Options& options, const std::vector<std::string>& /*row_names*/) {
     if (!options.into.empty()) {
         throw InputError("--into: this command was built without HDF5\nLeave it away.");
     }
+    return {};
 }
 
 std::string write_h5ad_result(const std::string& /*path*/,
+                              const Digest& /*rows*/,
                               MatrixView<const double> /*embedding*/,
                               Precision /*precision*/,
                               const RunFacts& /*facts*/) {

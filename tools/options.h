@@ -9,6 +9,7 @@
 
 #include "input/load_options.h"
 #include "plots/figure_options.h"
+#include "results/digest.h"
 #include "results/gene_set.h"
 #include "stats/fit_options.h"
 #include "stats/option_checks.h"
@@ -101,6 +102,8 @@ struct Options {
     std::string resume;
     /// AnnData file that takes the map; empty for none.
     std::string into;
+    /// What tells the rows of that file from others. Not of the command line: settled by the file.
+    Digest into_rows;
     /// Components that stand for the columns of a sparse matrix, and the share of the variance that
     /// they keep; 0 for none. Not of the command line: settled by the matrix.
     int sparse_components = 0;

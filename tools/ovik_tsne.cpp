@@ -132,7 +132,7 @@ ExitStatus embed(Options options, RunReport report) {
         tell_of_writing_in_place(options.checkpoint);
     }
     LoadedMatrix loaded = load_matrix(options);
-    check_h5ad_result(options, loaded.matrix.row_names);
+    options.into_rows = check_h5ad_result(options, loaded.matrix.row_names);
     settle_sparse_input(loaded, options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;

@@ -12,6 +12,7 @@
 #include "util/available_memory.h"
 #include "util/input_error.h"
 #include "util/memory_text.h"
+#include "util/stage.h"
 
 #include "tools/standard_streams.h"
 
@@ -64,6 +65,19 @@ void tell_of_components(const SparseComponents& found, std::size_t count, std::s
     }
 }
 
+/// Finds the components, and tells how far that is: among how many of the most directions.
+SparseComponents components_told(const SparseRows& sparse,
+                                 std::size_t count,
+                                 const OnStage& on_stage) {
+    tell(on_stage, Stage::Components, 0, 0);
+    SparseComponents found =
+        sparse_components(sparse, count, [&on_stage](std::size_t directions, std::size_t most) {
+            tell(on_stage, Stage::Components, directions, most);
+        });
+    tell(on_stage, Stage::Components, 1, 1);
+    return found;
+}
+
 }  // namespace
 
 void settle_sparse_input(LoadedMatrix& loaded, Options& options) {
@@ -83,7 +97,7 @@ void settle_sparse_input(LoadedMatrix& loaded, Options& options) {
     options.fit.pca = 0;
     options.given.erase("pca");
     if (!options.dry_run) {
-        const SparseComponents found = sparse_components(*matrix.sparse, count);
+        const SparseComponents found = components_told(*matrix.sparse, count, options.on_stage);
         tell_of_components(found, count, columns);
         options.sparse_variance_kept = found.components.varianceKept();
         const std::vector<double>& scores = found.components.scores;

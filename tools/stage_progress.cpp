@@ -21,11 +21,13 @@ StageWords words_of(Stage stage) {
         case Stage::Reading:
             return {"Reading", ""};
         case Stage::Components:
-            return {"Principal components", ""};
+            return {"Principal components", " directions"};
         case Stage::Neighbours:
             return {"Neighbours", " rows"};
         case Stage::Affinities:
             return {"Affinities", " rows"};
+        case Stage::Sample:
+            return {"Map of the sample", " iterations"};
         case Stage::Iterations:
             return {"Iterations", ""};
         case Stage::Clusters:

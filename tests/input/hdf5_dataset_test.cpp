@@ -180,6 +180,38 @@ TEST_F(DatasetOfAFile, ChunksThatUnpackToMoreThanAChunkAreRefused) {
                           "damaged, or made to fill the memory"));
 }
 
+TEST_F(DatasetOfAFile, ChunksThatWereNeverWrittenAreRefusedByTheirNumber) {
+    // A shape of so many chunks that looking at each would take years.
+    const auto write_one = [](bool is_packed) {
+        return [is_packed](test::Hdf5Writer& file) {
+            const hsize_t size = hsize_t{1} << 50U;
+            const hsize_t chunk = 4;
+            const hid_t space = H5Screate_simple(1, &size, nullptr);
+            const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
+            H5Pset_chunk(creation, 1, &chunk);
+            if (is_packed) {
+                H5Pset_deflate(creation, 9);
+            }
+            const hid_t dataset = H5Dcreate2(
+                file.id(), "a", H5T_IEEE_F64LE, space, H5P_DEFAULT, creation, H5P_DEFAULT);
+            const hsize_t origin = 0;
+            H5Sselect_hyperslab(space, H5S_SELECT_SET, &origin, nullptr, &chunk, nullptr);
+            const hid_t memory = H5Screate_simple(1, &chunk, nullptr);
+            const std::vector<double> values(chunk, 1.0);
+            H5Dwrite(dataset, H5T_NATIVE_DOUBLE, memory, space, H5P_DEFAULT, values.data());
+            H5Sclose(memory);
+            H5Dclose(dataset);
+            H5Pclose(creation);
+            H5Sclose(space);
+        };
+    };
+    for (const bool is_packed : {false, true}) {
+        EXPECT_THAT(refusal(write_one(is_packed), [](const File& file) { Dataset(file, "a"); }),
+                    HasSubstr("m.h5: a: has 1 of the 281474976710656 chunks of its shape: the "
+                              "others were never written\nWrite the file again."));
+    }
+}
+
 TEST_F(DatasetOfAFile, OnlyArraysInTheFileAreRead) {
     const auto read = [](const File& file) { Dataset(file, "a"); };
     EXPECT_THAT(refusal([](test::Hdf5Writer& file) { file.group("a"); }, read),

@@ -5,6 +5,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -24,6 +25,7 @@ using test::Hdf5Writer;
 using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 using testing::Pointwise;
 
 class Hdf5Matrix : public testing::Test {
@@ -234,32 +236,27 @@ TEST_F(Hdf5Matrix, LargeSparseMatricesStaySoWhereThatIsWanted) {
 }
 
 TEST_F(Hdf5Matrix, NoMoreMemoryIsTakenThanThereIs) {
-    const auto huge = [](Hdf5Writer& file) {
+    const auto large = [](Hdf5Writer& file) {
         test::write_cells(file);
-        const hsize_t extents[] = {4, 1'000'000'000};
-        const hsize_t chunk[] = {1, 1000};
-        const hid_t space = H5Screate_simple(2, extents, nullptr);
-        const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
-        H5Pset_chunk(creation, 2, chunk);
-        const hid_t dataset = H5Dcreate2(
-            file.id(), "layers/huge", H5T_IEEE_F64LE, space, H5P_DEFAULT, creation, H5P_DEFAULT);
-        const double one = 1.0;
-        const hsize_t origin[] = {0, 0};
-        const hsize_t count[] = {1, 1};
-        H5Sselect_hyperslab(space, H5S_SELECT_SET, origin, nullptr, count, nullptr);
-        const hid_t memory = H5Screate_simple(2, count, nullptr);
-        H5Dwrite(dataset, H5T_NATIVE_DOUBLE, memory, space, H5P_DEFAULT, &one);
-        H5Sclose(memory);
-        H5Dclose(dataset);
-        H5Pclose(creation);
-        H5Sclose(space);
+        file.numbers("layers/large", std::vector<double>(200'000, 1.0), {4, 50'000});
     };
-    options_.layer = "layers/huge";
-    options_.most_bytes = 1e9;
-    EXPECT_THAT(
-        refusal(huge),
-        HasSubstr("reading layers/huge of 4 rows and 1000000000 columns takes about 32.0 GB "
-                  "of memory, and 1.0 GB are left\nTake its components (layer obsm/X_pca)."));
+    options_.layer = "layers/large";
+    options_.most_bytes = 1e6;
+    EXPECT_THAT(refusal(large),
+                HasSubstr("reading layers/large of 4 rows and 50000 columns takes about 2 MB of "
+                          "memory, and 1 MB are left\nTake its components (layer obsm/X_pca)."));
+}
+
+TEST_F(Hdf5Matrix, IsReadFromAStageOfUnknownLengthToItsEnd) {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> told;
+    options_.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Reading);
+        told.emplace_back(done, total);
+    };
+    loaded(test::write_cells);
+    ASSERT_GE(told.size(), 2U);
+    EXPECT_THAT(told[told.size() - 2], Pair(0, 0));
+    EXPECT_THAT(told.back(), Pair(1, 1));
 }
 
 TEST_F(Hdf5Matrix, OnlyTheFileItselfIsRead) {

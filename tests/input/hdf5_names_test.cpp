@@ -24,7 +24,7 @@ class Names : public testing::Test {
             test::Hdf5Writer file(path);
             content(file);
         }
-        return read_index(File(path, "m.h5", 1e9), "obs");
+        return read_index(File(path, "m.h5", most_bytes_), "obs");
     }
 
     std::string refusal(const std::function<void(test::Hdf5Writer&)>& content) {
@@ -32,6 +32,7 @@ class Names : public testing::Test {
     }
 
     test::TemporaryDirectory directory_;
+    double most_bytes_ = 1e9;
 };
 
 /// A table whose index is a column of another name.
@@ -83,6 +84,49 @@ TEST_F(Names, ThatCannotBeReadAreRefused) {
                 HasSubstr("m.h5: obs/cell: its elements should be texts"));
     EXPECT_THAT(refusal([](test::Hdf5Writer& file) { file.numbers("obs", {1.0}); }),
                 HasSubstr("m.h5: obs: is a table of an old kind"));
+}
+
+TEST_F(Names, HoldNoControlCharacters) {
+    for (const char* const name : {"b\nc", "b\tc", "b\rc", "b\x7f"}) {
+        EXPECT_THAT(refusal([name](test::Hdf5Writer& file) {
+                        file.table("obs", {"a", name});
+                    }),
+                    HasSubstr("m.h5: obs/_index: element 2, \"b"));
+    }
+    EXPECT_THAT(
+        refusal([](test::Hdf5Writer& file) {
+            table(file, "cell");
+            file.group("obs/cell");
+            file.textAttribute("obs/cell", "encoding-type", "categorical");
+            file.texts("obs/cell/categories", {"first\nline"});
+            file.wholeNumbers("obs/cell/codes", {0});
+        }),
+        HasSubstr("m.h5: obs/cell/categories: element 1, \"first line\", holds a line break"));
+}
+
+TEST_F(Names, FitInMemoryAllTogether) {
+    most_bytes_ = 1e6;
+    const std::string refused = "its texts take more than the 1 MB of memory that are left";
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) {
+                    table(file, "cell");
+                    file.fixedTexts(
+                        "obs/cell", std::vector<std::string>(20, std::string(60'000, 'x')), 60'000);
+                }),
+                HasSubstr("m.h5: obs/cell: " + refused));
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) {
+                    table(file, "cell");
+                    file.texts("obs/cell", std::vector<std::string>(300, std::string(4'000, 'x')));
+                }),
+                HasSubstr("m.h5: obs/cell: " + refused));
+    // One long text, which every element repeats.
+    EXPECT_THAT(refusal([](test::Hdf5Writer& file) {
+                    table(file, "cell");
+                    file.group("obs/cell");
+                    file.textAttribute("obs/cell", "encoding-type", "categorical");
+                    file.texts("obs/cell/categories", {std::string(50'000, 'x')});
+                    file.wholeNumbers("obs/cell/codes", std::vector<std::int64_t>(40, 0));
+                }),
+                HasSubstr("m.h5: obs/cell/codes: " + refused));
 }
 
 }  // namespace

@@ -138,6 +138,13 @@ TEST(SparseMatrix, OfAMarketFileStaysSoAndAddsUpWhatIsRepeated) {
     const std::string gap = directory.write("gap.mtx", head + "3 7 nan\n");
     EXPECT_THAT(test::refusal_of([&] { load(gap, options, remarks); }),
                 HasSubstr("gap.mtx:3: the value is missing"));
+    // An entry takes 32 bytes while the rows are brought into order, a row 24.
+    const std::string many = directory.write(
+        "many.mtx", "%%MatrixMarket matrix coordinate real general\n500000 60 1000000\n1 1 1\n");
+    options.most_bytes = 43e6;
+    EXPECT_THAT(
+        test::refusal_of([&] { load(many, options, remarks); }),
+        HasSubstr("takes about 44 MB of memory, and 43 MB are left\nTake a part of the rows"));
     options.keeps_sparse = false;
     options.most_bytes = 1e8;
     EXPECT_THAT(test::refusal_of([&] { load(gap, options, remarks); }),

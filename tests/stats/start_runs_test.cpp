@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -233,6 +234,50 @@ TEST_F(SampledStartRun, IsOfTheSeedAndNotLookedAtWhereAFitIsResumed) {
     resumed.resumed_state = &kept;
     X = input_.values;
     EXPECT_EQ(fit({X.data(), kLarge, input_.columns}, options, resumed).embedding, whole.embedding);
+}
+
+TEST_F(SampledStartRun, TellsOfTheSampleAndIsStoppedInIt) {
+    FitOptions options = sampledOptions(kTheta);
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    std::vector<std::string> order;
+    const auto note = [&order](const std::string& what) {
+        if (order.empty() || order.back() != what) {
+            order.push_back(what);
+        }
+    };
+    FitHooks hooks;
+    hooks.on_similarities = [&](const std::string& /*message*/) { note("similarities"); };
+    hooks.on_note = [&](FitNote told) {
+        if (told == FitNote::SampleBegins) {
+            note("sample begins");
+        }
+    };
+    hooks.on_stage = [&](Stage stage, std::uint64_t /*done*/, std::uint64_t /*total*/) {
+        if (stage == Stage::Sample || stage == Stage::Iterations) {
+            note(stage == Stage::Sample ? "sample" : "iterations");
+        }
+    };
+    hooks.on_sample = [&](const SampleReport& sample) {
+        EXPECT_EQ(sample.rows, sample_size(kLarge));
+        EXPECT_TRUE(sample.recall);
+        note("sample ended");
+    };
+    std::vector<double> X = input_.values;
+    const MatrixView<double> rows{X.data(), kLarge, input_.columns};
+    const FitReport report = fit(rows, options, hooks).report;
+    EXPECT_EQ(order,
+              (std::vector<std::string>{
+                  "similarities", "sample begins", "sample", "sample ended", "iterations"}));
+    ASSERT_TRUE(report.sample);
+    EXPECT_GT(report.seconds.sample, 0.0);
+    X = input_.values;
+    int iterations = 0;
+    hooks.on_sample = {};
+    hooks.on_sample_iteration = [&](const FitState& /*state*/) -> bool {
+        throw std::runtime_error(++iterations == 1 ? "enough" : "too late");
+    };
+    EXPECT_THROW(fit(rows, options, hooks), std::runtime_error);
+    EXPECT_EQ(iterations, 1);
 }
 
 TEST_F(StartRun, OfComponentsInThePlaceOfColumnsEqualsThePlainProgram) {

@@ -11,6 +11,8 @@
 #include "tests/support/temporary_directory.h"
 
 #ifdef OVIK_READS_HDF5
+    #include <csignal>
+    #include <sys/resource.h>
     #include <sys/stat.h>
 
     #include "input/hdf5_dataset.h"
@@ -40,6 +42,14 @@ class H5adResult : public testing::Test {
         return test::refusal_of([&] { check_h5ad_result(options_, names); });
     }
 
+    /// Writes a map of 4 rows; @return why it could not be written.
+    std::string written(const std::vector<double>& map,
+                        const RunFacts& facts,
+                        Precision precision = Precision::Double) {
+        return write_h5ad_result(
+            path_, digest_of(names_), {map.data(), 4, map.size() / 4}, precision, facts);
+    }
+
     std::vector<double> numbers(const std::string& dataset) {
         const hdf5::File file(path_, "cells.h5ad", 1e9);
         const hdf5::Dataset array(file, dataset);
@@ -63,7 +73,7 @@ TEST_F(H5adResult, StandsBesideWhatTheFileHolds) {
                             {"metric", "\"euclidean\""},
                             {"multiscale", "[10,20]"},
                             {"stop_when", "null"}};
-    EXPECT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, facts), "");
+    EXPECT_EQ(written(kMap, facts), "");
     EXPECT_EQ(numbers("obsm/X_tsne"), kMap);
     EXPECT_EQ(numbers("layers/dense"), test::kCells);
     EXPECT_THAT(numbers("uns/tsne/perplexity"), ElementsAre(30.5));
@@ -79,27 +89,40 @@ TEST_F(H5adResult, StandsBesideWhatTheFileHolds) {
 }
 
 TEST_F(H5adResult, TakesThePlaceOfAnEarlierOne) {
-    EXPECT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, {{"seed", "7"}}),
-              "");
+    EXPECT_EQ(written(kMap, {{"seed", "7"}}), "");
     const std::vector<double> other = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12.5};
-    EXPECT_EQ(
-        write_h5ad_result(path_, {other.data(), 4, 3}, Precision::Float, {{"perplexity", "5"}}),
-        "");
+    EXPECT_EQ(written(other, {{"perplexity", "5"}}, Precision::Float), "");
     EXPECT_THAT(numbers("obsm/X_tsne"), ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12.5));
     EXPECT_EQ(hdf5::File(path_, "m", 1e9).kindOf("uns/tsne/seed"), hdf5::Kind::Nothing);
 }
 
 TEST_F(H5adResult, OfOtherRowsIsRefused) {
-    check_h5ad_result(options_, names_);
-    check_h5ad_result(options_, {"1", "2", "3", "4"});
+    EXPECT_EQ(check_h5ad_result(options_, names_), digest_of(names_));
+    EXPECT_EQ(check_h5ad_result(options_, {"1", "2", "3", "4"}), digest_of(names_));
     EXPECT_THAT(refusal({"AAA-1"}),
                 HasSubstr("cells.h5ad: its obs has 4 rows, and the map 1\nName the file"));
     EXPECT_THAT(refusal({"AAA-1", "CCC-1", "TTT-1", "GGG-1"}),
                 HasSubstr("row 3 is \"GGG-1\" in its obs, and \"TTT-1\" in the map"));
 }
 
+TEST_F(H5adResult, OfRowsThatChangedDuringTheRunIsNotWritten) {
+    std::swap(names_[2], names_[3]);
+    const std::string before = test::read_file(path_);
+    EXPECT_EQ(written(kMap, {}),
+              "its obs has got other rows, or another order, since the run began");
+    EXPECT_EQ(test::read_file(path_), before);
+    EXPECT_EQ(directory_.entryCount(), 1);
+}
+
+TEST_F(H5adResult, RemovesTheCopiesOfRunsThatWereKilled) {
+    // Larger than any number of a process.
+    directory_.write(".ovik-99999999-1.part", "half a file");
+    EXPECT_EQ(written(kMap, {}), "");
+    EXPECT_EQ(directory_.entryCount(), 1);
+}
+
 TEST_F(H5adResult, ReplacesNoMapOfAnotherMatrix) {
-    ASSERT_EQ(write_h5ad_result(path_, {kMap.data(), 4, 2}, Precision::Double, {}), "");
+    ASSERT_EQ(written(kMap, {}), "");
     check_h5ad_result(options_, names_);
     options_.matrix = directory_.write("other.tsv", "");
     EXPECT_THAT(refusal(names_), HasSubstr("cells.h5ad: it has obsm/X_tsne already, of another"));
@@ -117,16 +140,56 @@ TEST_F(H5adResult, NeedsAnAnnDataFile) {
     check_h5ad_result(options_, names_);
 }
 
+/// Lets no file of this process grow beyond a size while it lives.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(std::size_t bytes) : handler_(signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        signal(SIGXFSZ, handler_);
+    }
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST_F(H5adResult, SaysWhatTheSystemSaysWhereItCannotBeWritten) {
+    const std::string before = test::read_file(path_);
+    const std::vector<double> large(4 * 100'000, 1.0);
+    std::string said;
+    {
+        const FileSizeLimit limit(before.size() + 1000);
+        said = written(large, {});
+    }
+    EXPECT_EQ(said, "obsm/X_tsne: cannot be written (File too large)");
+    {
+        // A small map is not written before the file is closed.
+        const FileSizeLimit limit(before.size() + 100);
+        said = written(kMap, {});
+    }
+    EXPECT_EQ(said, path_ + ": cannot be written (File too large)");
+    EXPECT_EQ(test::read_file(path_), before);
+    EXPECT_EQ(directory_.entryCount(), 1);
+}
+
 TEST_F(H5adResult, LeavesTheFileAsItIsWhereItFails) {
     const std::string before = test::read_file(path_);
     // A group cannot be made where an array stands.
-    EXPECT_NE(write_h5ad_result(
-                  path_, {kMap.data(), 4, 2}, Precision::Double, {{"a", "1"}, {"a/b", "2"}}),
-              "");
+    EXPECT_NE(written(kMap, {{"a", "1"}, {"a/b", "2"}}), "");
     EXPECT_EQ(test::read_file(path_), before);
     EXPECT_EQ(directory_.entryCount(), 1);
-    EXPECT_NE(
-        write_h5ad_result(directory_.file("none"), {kMap.data(), 4, 2}, Precision::Double, {}), "");
+    path_ = directory_.file("none");
+    EXPECT_NE(written(kMap, {}), "");
 }
 
 #else

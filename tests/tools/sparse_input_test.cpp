@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -66,6 +67,19 @@ TEST_F(SparseInput, HasItsComponentsInThePlaceOfColumns) {
     EXPECT_EQ(options_.sparse_variance_kept, expected.varianceKept());
     EXPECT_EQ(options_.fit.pca, 0);
     EXPECT_THAT(reported_options(options_), Contains(Pair("pca", "3")));
+}
+
+TEST_F(SparseInput, TellsHowFarItsComponentsAre) {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> told;
+    options_.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Components);
+        told.emplace_back(done, total);
+    };
+    settle();
+    ASSERT_GE(told.size(), 3U);
+    EXPECT_THAT(told.front(), Pair(0, 0));
+    EXPECT_THAT(told[1], Pair(16, most_directions(3)));
+    EXPECT_THAT(told.back(), Pair(1, 1));
 }
 
 TEST_F(SparseInput, IsNotComputedForADryRun) {
