@@ -11,6 +11,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/engine.h"
 #include "stats/fit.h"
+#include "stats/sample_start.h"
 
 #include "tests/plain/plain_sptree.h"
 #include "tests/plain/plain_start.h"
