@@ -81,8 +81,7 @@ int main(int argc, char** argv) {
     const double processor_start = processor_seconds();
     ovik::OwnRandomStream random;
     const bool is_approximate = std::strcmp(argv[5], "approximate") == 0;
-    ovik::NeighbourSearch search(
-        N, dims, random, ovik::euclidean_metric(), {.is_approximate = is_approximate});
+    ovik::NeighbourSearch search(N, dims, random);
     search.findAll(points.data(),
                    count + 1,
                    [&](std::size_t row, std::span<const ovik::NearRow> nearest, std::size_t) {
@@ -93,7 +92,8 @@ int main(int argc, char** argv) {
                            digest = (digest ^ bits ^ one.row) * 0x9E3779B97F4A7C15U;
                        }
                        digests[row] = digest;
-                   });
+                   },
+                   {.is_approximate = is_approximate});
     std::printf(
         "seconds %.2f, of processors %.2f\n", now() - start, processor_seconds() - processor_start);
     if (search.recall()) {

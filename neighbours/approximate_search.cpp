@@ -11,6 +11,7 @@
 #include "neighbours/projection_trees.h"
 #include "neighbours/row_join.h"
 #include "util/parallel.h"
+#include "util/stage_count.h"
 
 namespace ovik {
 
@@ -28,6 +29,9 @@ constexpr std::size_t kPartners = 48;
 constexpr double kFewNew = 0.002;
 constexpr std::size_t kMostRounds = 24;
 
+/// So many rounds are expected: more of them are not told of.
+constexpr std::size_t kToldRounds = 8;
+
 /// Rows whose neighbours are joined by a task.
 constexpr std::size_t kRowsOfTask = 256;
 
@@ -35,6 +39,18 @@ constexpr std::size_t kSampledRows = 1000;
 
 /// Lists are longer than they are wanted: short ones find few ways from row to row.
 constexpr std::size_t kLeastLength = 48;
+
+/// Tells of work that takes all rows up several times as of a share of the rows.
+OnStage told_as_rows(const OnStage& on_stage, std::size_t N) {
+    if (!on_stage) {
+        return {};
+    }
+    return [&on_stage, N](Stage stage, std::uint64_t done, std::uint64_t total) {
+        const double share = static_cast<double>(done) / static_cast<double>(total);
+        const auto rows = static_cast<std::uint64_t>(share * static_cast<double>(N));
+        on_stage(stage, done == total ? N : rows, N);
+    };
+}
 
 std::size_t list_length(std::size_t count, std::size_t N) {
     return std::min(std::max(kLeastLength, count + count / 8), N - 1);
@@ -47,7 +63,7 @@ class ApproximateSearch {
                       std::size_t dims,
                       std::size_t count,
                       const Metric& metric,
-                      const OnProgress& on_progress)
+                      const OnStage& on_stage)
         : points_(points),
           N_(N),
           dims_(dims),
@@ -57,12 +73,11 @@ class ApproximateSearch {
           lists_(points, N, dims, list_length(count, N), metric),
           joins_(static_cast<std::size_t>(worker_count(N)),
                  RowJoin(points, dims, scale_, metric, lists_)),
-          progress_(on_progress, kTrees + kMostRounds) {}
-
-    [[nodiscard]] const NearestLists& lists() const { return lists_; }
+          on_stage_(told_as_rows(on_stage, N)),
+          progress_(on_stage_, Stage::Neighbours, N * (kTrees + kToldRounds + 1)) {}
 
     void growTrees() {
-        for (std::size_t tree = 0; tree < kTrees; ++tree) {
+        for (std::size_t tree = 0; tree < kTrees && !progress_.isStopped(); ++tree) {
             visit_projection_tree(points_,
                                   N_,
                                   dims_,
@@ -70,17 +85,36 @@ class ApproximateSearch {
                                   tree,
                                   kLeafRows,
                                   [&](std::span<const std::uint32_t> rows, std::size_t worker) {
-                                      joins_[worker].joinAll(rows);
+                                      if (!progress_.isStopped()) {
+                                          joins_[worker].joinAll(rows);
+                                          progress_.add(rows.size());
+                                      }
                                   });
-            progress_.add(1);
         }
     }
 
     void descend() {
-        for (std::size_t round = 0; round < kMostRounds && newShare() > kFewNew; ++round) {
+        std::size_t round = 0;
+        for (; round < kMostRounds && newShare() > kFewNew; ++round) {
             joinNeighbours(round);
-            progress_.add(1);
         }
+        progress_.add(N_ * (kToldRounds - std::min(round, kToldRounds)));
+    }
+
+    /// Runs `visit(row, neighbours, worker)` for every row.
+    template <typename Visit>
+    void visitRows(const Visit& visit) {
+        parallel_for(N_, 1, [&](std::size_t worker, IndexRange rows) {
+            std::vector<NearRow> neighbours;
+            for (std::size_t row = rows.begin; row < rows.end && !progress_.isStopped(); ++row) {
+                neighbours.clear();
+                for (std::size_t place = 0; place < std::min(count_, lists_.count(row)); ++place) {
+                    neighbours.push_back(lists_.at(row, place));
+                }
+                visit(row, neighbours, worker);
+                progress_.add(1);
+            }
+        });
     }
 
     [[nodiscard]] NeighbourRecall recall() const {
@@ -92,10 +126,17 @@ class ApproximateSearch {
         const JoinPartners partners(lists_, kPartners, round);
         const std::size_t tasks = (N_ + kRowsOfTask - 1) / kRowsOfTask;
         parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
-            const std::size_t end = std::min((task + 1) * kRowsOfTask, N_);
-            for (std::size_t row = task * kRowsOfTask; row < end; ++row) {
+            if (progress_.isStopped()) {
+                return;
+            }
+            const std::size_t begin = task * kRowsOfTask;
+            const std::size_t end = std::min(begin + kRowsOfTask, N_);
+            for (std::size_t row = begin; row < end; ++row) {
                 joins_[worker].joinFresh(
                     partners.fresh(row), partners.known(row), points_ + row * dims_);
+            }
+            if (round < kToldRounds) {
+                progress_.add(end - begin);
             }
         });
     }
@@ -119,7 +160,8 @@ class ApproximateSearch {
     double scale_;
     NearestLists lists_;
     std::vector<RowJoin> joins_;
-    SearchProgress progress_;
+    OnStage on_stage_;
+    StageCount progress_;
 };
 
 }  // namespace
@@ -132,30 +174,29 @@ double approximate_search_memory(std::size_t N, std::size_t count) {
     return of_row * static_cast<double>(N);
 }
 
+bool can_be_approximate(const double* points,
+                        std::size_t N,
+                        std::size_t dims,
+                        std::size_t count,
+                        const Metric& metric) {
+    return count > 1 && count <= N && N <= NearestLists::kMostRows &&
+           packable_extent(points, N, dims, metric).has_value();
+}
+
 NeighbourRecall find_approximately(
     const double* points,
     std::size_t N,
     std::size_t dims,
     std::size_t count,
     const Metric& metric,
-    const OnProgress& on_progress,
+    const OnStage& on_stage,
     const std::function<
         void(std::size_t row, std::span<const NearRow> neighbours, std::size_t worker)>& visit) {
-    ApproximateSearch search(points, N, dims, count, metric, on_progress);
+    ApproximateSearch search(points, N, dims, count, metric, on_stage);
     search.growTrees();
     search.descend();
     const NeighbourRecall recall = search.recall();
-    const NearestLists& lists = search.lists();
-    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
-        std::vector<NearRow> neighbours;
-        for (std::size_t row = rows.begin; row < rows.end; ++row) {
-            neighbours.clear();
-            for (std::size_t place = 0; place < std::min(count, lists.count(row)); ++place) {
-                neighbours.push_back(lists.at(row, place));
-            }
-            visit(row, neighbours, worker);
-        }
-    });
+    search.visitRows(visit);
     return recall;
 }
 

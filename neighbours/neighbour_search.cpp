@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <utility>
 
 #include "neighbours/approximate_search.h"
-#include "neighbours/nearest_lists.h"
-#include "neighbours/search_progress.h"
 #include "util/parallel.h"
+#include "util/stage_count.h"
 
 namespace ovik {
 
@@ -94,12 +92,10 @@ class TreeQueries {
 NeighbourSearch::NeighbourSearch(std::size_t N,
                                  std::size_t dims,
                                  RandomStream& random,
-                                 const Metric& metric,
-                                 NeighbourSearchManner manner)
+                                 const Metric& metric)
     : N_(N),
       dims_(dims),
       metric_(metric),
-      manner_(std::move(manner)),
       draws_(NeighbourIndex::drawCount(N)) {
     std::generate(draws_.begin(), draws_.end(), [&random] { return random.next(); });
 }
@@ -116,25 +112,25 @@ const NeighbourIndex& NeighbourSearch::index(const double* points) {
     return *index_;
 }
 
-void NeighbourSearch::findAll(const double* points, std::size_t count, const Visit& visit) {
+void NeighbourSearch::findAll(const double* points,
+                              std::size_t count,
+                              const Visit& visit,
+                              const NeighbourSearchManner& manner) {
     recall_.reset();
-    if (manner_.is_approximate && canBeApproximate(points, count)) {
-        findApproximately(points, count, visit);
+    if (manner.is_approximate && can_be_approximate(points, N_, dims_, count, metric_)) {
+        findApproximately(points, count, visit, manner.on_stage);
         return;
     }
+    StageCount progress(manner.on_stage, Stage::Neighbours, N_);
     std::vector<char> is_found(N_);
-    findCertain(points, count, is_found, visit);
-    findOthers(points, count, is_found, visit);
-}
-
-bool NeighbourSearch::canBeApproximate(const double* points, std::size_t count) const {
-    return count > 1 && count <= N_ && N_ <= NearestLists::kMostRows &&
-           packable_extent(points, N_, dims_, metric_).has_value();
+    findCertain(points, count, is_found, visit, progress);
+    findByTree(points, count, is_found, visit, progress);
 }
 
 void NeighbourSearch::findApproximately(const double* points,
                                         std::size_t count,
-                                        const Visit& visit) {
+                                        const Visit& visit,
+                                        const OnStage& on_stage) {
     std::vector<std::vector<NearRow>> nearest(workerCount());
     recall_ = find_approximately(
         points,
@@ -142,7 +138,7 @@ void NeighbourSearch::findApproximately(const double* points,
         dims_,
         count - 1,
         metric_,
-        manner_.on_progress,
+        on_stage,
         [&](std::size_t row, std::span<const NearRow> neighbours, std::size_t worker) {
             nearest[worker].assign(1, {static_cast<std::uint32_t>(row), 0.0});
             nearest[worker].insert(nearest[worker].end(), neighbours.begin(), neighbours.end());
@@ -154,15 +150,16 @@ void NeighbourSearch::findApproximately(const double* points,
 void NeighbourSearch::findCertain(const double* points,
                                   std::size_t count,
                                   std::vector<char>& is_found,
-                                  const Visit& visit) const {
+                                  const Visit& visit,
+                                  StageCount& progress) const {
     const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
     Patience patience;
-    SearchProgress progress(manner_.on_progress, candidates.partCount());
     const auto search_part = [&](std::size_t part, std::size_t worker) {
         if (patience.isAtAnEnd() || progress.isStopped()) {
             return;
         }
+        std::size_t found = 0;
         candidates.search(
             part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
                 const bool certain = is_certain(nearest, count, candidates.margin());
@@ -170,9 +167,10 @@ void NeighbourSearch::findCertain(const double* points,
                 if (certain) {
                     visit(row, nearest.first(count), worker);
                     is_found[row] = 1;
+                    ++found;
                 }
             });
-        progress.add(1);
+        progress.add(found);
     };
     parallel_tasks(candidates.partCount(), worker_count(N_), search_part);
 }
@@ -180,7 +178,18 @@ void NeighbourSearch::findCertain(const double* points,
 void NeighbourSearch::findOthers(const double* points,
                                  std::size_t count,
                                  const std::vector<char>& is_found,
-                                 const Visit& visit) {
+                                 const Visit& visit,
+                                 const OnStage& on_stage) {
+    StageCount progress(on_stage, Stage::Neighbours, N_);
+    progress.add(static_cast<std::uint64_t>(std::count(is_found.begin(), is_found.end(), 1)));
+    findByTree(points, count, is_found, visit, progress);
+}
+
+void NeighbourSearch::findByTree(const double* points,
+                                 std::size_t count,
+                                 const std::vector<char>& is_found,
+                                 const Visit& visit,
+                                 StageCount& progress) {
     if (std::find(is_found.begin(), is_found.end(), 0) == is_found.end()) {
         return;
     }
@@ -198,8 +207,11 @@ void NeighbourSearch::findOthers(const double* points,
     const std::size_t tasks = (rows.size() + kTargetsPerTask - 1) / kTargetsPerTask;
     parallel_tasks(tasks, worker_count(N_), [&](std::size_t task, std::size_t worker) {
         const std::size_t end = std::min((task + 1) * kTargetsPerTask, rows.size());
-        for (std::size_t i = task * kTargetsPerTask; i < end; i += kTargets) {
-            queries.ask(all.subspan(i, std::min(kTargets, end - i)), worker, scratch[worker]);
+        for (std::size_t i = task * kTargetsPerTask; i < end && !progress.isStopped();
+             i += kTargets) {
+            const std::size_t asked = std::min(kTargets, end - i);
+            queries.ask(all.subspan(i, asked), worker, scratch[worker]);
+            progress.add(asked);
         }
     });
 }

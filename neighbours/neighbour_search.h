@@ -16,6 +16,8 @@
 
 namespace ovik {
 
+class StageCount;
+
 /// The nearest neighbours of all rows of a matrix, exactly those of the vantage-point tree in its
 /// order, found by `CandidateSearch` where that is certain to be so. The tree is built for the
 /// other rows alone, if there are any; random numbers are drawn for it in any case.
@@ -29,12 +31,10 @@ class NeighbourSearch {
     /// Draws what the tree will need from a stream.
     ///
     /// @param metric  with the triangle inequality; must outlive the search
-    /// @param manner  of `findAll`
     NeighbourSearch(std::size_t N,
                     std::size_t dims,
                     RandomStream& random,
-                    const Metric& metric = euclidean_metric(),
-                    NeighbourSearchManner manner = {});
+                    const Metric& metric = euclidean_metric());
 
     /// How many workers there are at most.
     [[nodiscard]] std::size_t workerCount() const;
@@ -49,8 +49,11 @@ class NeighbourSearch {
     /// others, of equally near ones the lower first.
     ///
     /// @param points  row-major, N x dims, the same in all calls
-    /// @throws what the manner's `on_progress` throws
-    void findAll(const double* points, std::size_t count, const Visit& visit);
+    /// @throws what the manner's `on_stage` throws
+    void findAll(const double* points,
+                 std::size_t count,
+                 const Visit& visit,
+                 const NeighbourSearchManner& manner = {});
 
     /// How many of the nearest the last `findAll` found; nothing if it was exact.
     [[nodiscard]] const std::optional<NeighbourRecall>& recall() const { return recall_; }
@@ -58,24 +61,34 @@ class NeighbourSearch {
     /// Visits the rows that are not found yet, by the tree.
     ///
     /// @param is_found  for each row whether it is left out
+    /// @param on_stage  takes how far the search is, and may end it, as that of a manner
+    /// @throws what `on_stage` throws
     void findOthers(const double* points,
                     std::size_t count,
                     const std::vector<char>& is_found,
-                    const Visit& visit);
+                    const Visit& visit,
+                    const OnStage& on_stage = {});
 
   private:
     void findCertain(const double* points,
                      std::size_t count,
                      std::vector<char>& is_found,
-                     const Visit& visit) const;
-    bool canBeApproximate(const double* points, std::size_t count) const;
-    void findApproximately(const double* points, std::size_t count, const Visit& visit);
+                     const Visit& visit,
+                     StageCount& progress) const;
+    void findByTree(const double* points,
+                    std::size_t count,
+                    const std::vector<char>& is_found,
+                    const Visit& visit,
+                    StageCount& progress);
+    void findApproximately(const double* points,
+                           std::size_t count,
+                           const Visit& visit,
+                           const OnStage& on_stage);
     const NeighbourIndex& index(const double* points);
 
     std::size_t N_;
     std::size_t dims_;
     const Metric& metric_;
-    NeighbourSearchManner manner_;
     std::optional<NeighbourRecall> recall_;
     /// What was drawn for the tree.
     std::vector<int> draws_;

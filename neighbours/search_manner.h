@@ -1,16 +1,17 @@
 #pragma once
 
-#include "neighbours/on_progress.h"
+#include "util/stage.h"
 
 namespace ovik {
 
 /// How neighbours are searched for.
 struct NeighbourSearchManner {
     /// Whether nearly all of the nearest will do (`find_approximately`). Where that search cannot
-    /// be made, the exact one is.
+    /// be made (`can_be_approximate`), the exact one is.
     bool is_approximate = false;
-    /// May be empty.
-    OnProgress on_progress = {};
+    /// Takes how far the search is, as rows of `Stage::Neighbours`; an exception that it throws
+    /// ends the search. May be empty.
+    OnStage on_stage = {};
 };
 
 }  // namespace ovik

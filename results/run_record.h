@@ -22,6 +22,8 @@ struct RecordedSeconds {
     double fitting = 0.0;
     /// What writing table, log and plots took.
     double results = 0.0;
+    /// What the map of a sample took at which the rows start; 0 without.
+    double sample = 0.0;
 };
 
 /// How well the map keeps neighbourhoods of one size.

@@ -93,6 +93,17 @@ std::vector<std::pair<std::string, std::string>> seed_members(const RunRecord& r
             {"agreement", json_agreement(run.agreement)}};
 }
 
+std::string json_seconds(const RecordedSeconds& seconds) {
+    std::vector<std::pair<std::string, std::string>> members{
+        {"similarities", json_text(seconds.similarities)},
+        {"fitting", json_text(seconds.fitting)},
+        {"results", json_text(seconds.results)}};
+    if (seconds.sample > 0.0) {
+        members.emplace_back("sample", json_text(seconds.sample));
+    }
+    return json_object(members);
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
@@ -100,10 +111,7 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
         {"settled", json_text(run.settled)},
         {"final_cost", json_text(run.final_cost)},
         {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
-        {"seconds",
-         json_object({{"similarities", json_text(run.seconds.similarities)},
-                      {"fitting", json_text(run.seconds.fitting)},
-                      {"results", json_text(run.seconds.results)}})},
+        {"seconds", json_seconds(run.seconds)},
         {"quality", json_quality(run.quality)},
         {"files", json_files(run.files, directory)},
         {"costs", json_list_of(run.costs)}};

@@ -5,8 +5,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "neighbours/approximate_search.h"
 #include "stats/tsne.h"
 #include "util/parallel.h"
+#include "util/stage_count.h"
 
 namespace ovik {
 
@@ -36,18 +38,24 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
         draw_as_a_search(N, random);
         return nullptr;
     }
-    auto search = std::make_unique<NeighbourSearch>(N, dims, random, euclidean_metric(), manner);
+    auto search = std::make_unique<NeighbourSearch>(N, dims, random);
     const Digest digest = digest_of({points, N * dims});
     const std::lock_guard lock(mutex_);
     if (search_ == nullptr) {
         search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
-        is_approximate_ = manner.is_approximate;
-        if (is_approximate_) {
-            fillApproximateLists(points);
-        } else {
-            fillLists(points);
+        is_approximate_ =
+            manner.is_approximate && can_be_approximate(points, N, dims, most_, euclidean_metric());
+        try {
+            if (is_approximate_) {
+                fillApproximateLists(points, manner.on_stage);
+            } else {
+                fillLists(points, manner.on_stage);
+            }
+        } catch (...) {
+            search_.reset();
+            throw;
         }
         return nullptr;
     }
@@ -58,7 +66,7 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
 }
 
 /// What an approximate search finds does not depend on what is drawn for the tree.
-void CachedNeighbours::fillApproximateLists(const double* points) {
+void CachedNeighbours::fillApproximateLists(const double* points, const OnStage& on_stage) {
     found_.resize(search_->rowCount());
     lists_.resize(search_->rowCount() * (most_ + 1));
     search_->findAll(
@@ -67,7 +75,8 @@ void CachedNeighbours::fillApproximateLists(const double* points) {
         [&](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
             found_[row] = nearest.size();
             std::copy_n(nearest.begin(), found_[row], lists_.data() + row * (most_ + 1));
-        });
+        },
+        {true, on_stage});
     recall_ = search_->recall();
 }
 
@@ -76,7 +85,7 @@ std::size_t CachedNeighbours::workerCount() const {
                   : search_->workerCount();
 }
 
-void CachedNeighbours::fillLists(const double* points) {
+void CachedNeighbours::fillLists(const double* points, const OnStage& on_stage) {
     const std::size_t N = search_->rowCount();
     const CandidateSearch candidates(points, N, dims_, most_ + 1);
     found_.resize(N);
@@ -86,33 +95,41 @@ void CachedNeighbours::fillLists(const double* points) {
     margin_ = candidates.margin();
     lists_.resize(N * (most_ + 1));
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
+    StageCount progress(on_stage, Stage::Neighbours, N);
     parallel_tasks(
         candidates.partCount(), worker_count(N), [&](std::size_t part, std::size_t worker) {
+            if (progress.isStopped()) {
+                return;
+            }
+            std::size_t visited = 0;
             candidates.search(
                 part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
                     found_[row] = std::min(nearest.size(), most_ + 1);
                     std::copy_n(nearest.begin(), found_[row], lists_.data() + row * (most_ + 1));
+                    ++visited;
                 });
+            progress.add(visited);
         });
 }
 
 std::optional<NeighbourRecall> CachedNeighbours::findAll(const double* points,
                                                          std::size_t count,
                                                          const NeighbourSearch::Visit& visit,
-                                                         NeighbourSearch* own_search) {
+                                                         NeighbourSearch* own_search,
+                                                         const OnStage& on_stage) {
     if (given_) {
-        visitGiven(count, visit);
+        visitGiven(count, visit, on_stage);
         return std::nullopt;
     }
     if (is_approximate_ && count == most_) {
-        visitLists(count, visit);
+        visitLists(count, visit, on_stage);
         return recall_;
     }
     if (is_approximate_) {
         // A shared search would have to be asked by one run at a time.
         const std::lock_guard lock(mutex_);
         NeighbourSearch& search = own_search != nullptr ? *own_search : *search_;
-        search.findAll(points, count, visit);
+        search.findAll(points, count, visit, {true, on_stage});
         return search.recall();
     }
     const std::size_t N = search_->rowCount();
@@ -128,35 +145,43 @@ std::optional<NeighbourRecall> CachedNeighbours::findAll(const double* points,
         }
     });
     if (own_search != nullptr) {
-        own_search->findOthers(points, count, is_found, visit);
+        own_search->findOthers(points, count, is_found, visit, on_stage);
         return std::nullopt;
     }
     const std::lock_guard lock(mutex_);
-    search_->findOthers(points, count, is_found, visit);
+    search_->findOthers(points, count, is_found, visit, on_stage);
     return std::nullopt;
 }
 
 /// Visits every row with the whole list of it.
-void CachedNeighbours::visitLists(std::size_t count, const NeighbourSearch::Visit& visit) const {
+void CachedNeighbours::visitLists(std::size_t count,
+                                  const NeighbourSearch::Visit& visit,
+                                  const OnStage& on_stage) const {
+    StageCount progress(on_stage, Stage::Neighbours, found_.size());
     parallel_for(found_.size(), 1, [&](std::size_t worker, IndexRange rows) {
-        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+        for (std::size_t n = rows.begin; n < rows.end && !progress.isStopped(); ++n) {
             const std::size_t length = std::min(count, found_[n]);
             visit(n, {lists_.data() + n * (most_ + 1), length}, worker);
+            progress.add(1);
         }
     });
 }
 
 /// @param count  with the row itself, which stands first
-void CachedNeighbours::visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const {
+void CachedNeighbours::visitGiven(std::size_t count,
+                                  const NeighbourSearch::Visit& visit,
+                                  const OnStage& on_stage) const {
     const std::size_t most = std::max<std::size_t>(count, 1) - 1;
+    StageCount progress(on_stage, Stage::Neighbours, given_->rowCount());
     parallel_for(given_->rowCount(), 1, [&](std::size_t worker, IndexRange rows) {
         std::vector<NearRow> nearest;
-        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+        for (std::size_t n = rows.begin; n < rows.end && !progress.isStopped(); ++n) {
             const std::span<const NearRow> others = given_->of(n);
             const std::span<const NearRow> head = others.first(std::min(most, others.size()));
             nearest.assign(1, {static_cast<std::uint32_t>(n), 0.0});
             nearest.insert(nearest.end(), head.begin(), head.end());
             visit(n, nearest, worker);
+            progress.add(1);
         }
     });
 }

@@ -42,16 +42,20 @@ class CachedNeighbours {
     /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
-    /// @param manner  of a search, the same for all runs
+    /// @param manner  of a search: whether it is approximate is the same for all runs
     /// @return the search for this run's `findAll`; null for the one that runs share, or if
     /// neighbours are given
     /// @throws std::invalid_argument if the points are not those of the first call, or not as many
     /// as there are lists
+    /// @throws what the manner's `on_stage` throws; the next run is the first one then
     std::unique_ptr<NeighbourSearch> begin(const double* points,
                                            std::size_t N,
                                            std::size_t dims,
                                            RandomStream& random = process_random_stream(),
                                            const NeighbourSearchManner& manner = {});
+
+    /// Whether they were given, and nothing is searched.
+    [[nodiscard]] bool areGiven() const { return given_.has_value(); }
 
     /// How many workers `findAll` has at most.
     [[nodiscard]] std::size_t workerCount() const;
@@ -59,21 +63,27 @@ class CachedNeighbours {
     /// Does what `NeighbourSearch::findAll` does, once a run has begun.
     ///
     /// @param own_search  what `begin` gave
+    /// @param on_stage    as `NeighbourSearch::findOthers` takes it
     /// @return how many of the nearest were found, if the search is not exact
     std::optional<NeighbourRecall> findAll(const double* points,
                                            std::size_t count,
                                            const NeighbourSearch::Visit& visit,
-                                           NeighbourSearch* own_search = nullptr);
+                                           NeighbourSearch* own_search = nullptr,
+                                           const OnStage& on_stage = {});
 
     /// What tells neighbours that were given from others; empty if none were, since those of a
     /// search follow from the matrix.
     [[nodiscard]] std::string identity() const;
 
   private:
-    void fillLists(const double* points);
-    void fillApproximateLists(const double* points);
-    void visitLists(std::size_t count, const NeighbourSearch::Visit& visit) const;
-    void visitGiven(std::size_t count, const NeighbourSearch::Visit& visit) const;
+    void fillLists(const double* points, const OnStage& on_stage);
+    void fillApproximateLists(const double* points, const OnStage& on_stage);
+    void visitLists(std::size_t count,
+                    const NeighbourSearch::Visit& visit,
+                    const OnStage& on_stage) const;
+    void visitGiven(std::size_t count,
+                    const NeighbourSearch::Visit& visit,
+                    const OnStage& on_stage) const;
 
     /// Held by the first run while it fills the lists, and by whoever asks the shared search, which
     /// may build its tree then.
@@ -85,6 +95,7 @@ class CachedNeighbours {
     std::unique_ptr<NeighbourSearch> search_;
     std::size_t dims_ = 0;
     Digest points_{};
+    /// What the search was, not what was wanted.
     bool is_approximate_ = false;
     std::optional<NeighbourRecall> recall_;
     /// That of the search for candidates.

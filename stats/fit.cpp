@@ -85,6 +85,7 @@ class Rows {
          FitReport& report)
         : X_(X),
           options_(options),
+          hooks_(hooks),
           places_(hooks.start),
           components_(reduced_columns(X, options, hooks, report)),
           needs_neighbours_(
@@ -102,7 +103,10 @@ class Rows {
     /// Writes the start of the embedding.
     ///
     /// @param graph  of the method, empty if that searches for no neighbours
-    void start(MatrixView<double> Y, const NeighbourGraph& graph, RandomStream& random) const {
+    /// @return what came of the sample, if the start is one by a sample
+    std::optional<SampleReport> start(MatrixView<double> Y,
+                                      const NeighbourGraph& graph,
+                                      RandomStream& random) const {
         switch (options_.start) {
             case StartKind::Random:
                 draw_initial_embedding(Y.values, Y.size(), options_.start_spread, random);
@@ -111,12 +115,12 @@ class Rows {
                 startAlongComponents(Y);
                 break;
             case StartKind::Sample:
-                startFromSample(Y, graph);
-                break;
+                return startFromSample(Y, graph);
             case StartKind::Given:
                 startAtPlaces(Y, graph);
                 break;
         }
+        return std::nullopt;
     }
 
   private:
@@ -129,12 +133,12 @@ class Rows {
         start_along_components(Y, principal_components(X_, count), options_.start_spread);
     }
 
-    void startFromSample(MatrixView<double> Y, const NeighbourGraph& graph) const {
-        if (graph.rows == 0) {
-            start_from_sample(Y, view(), options_, placing_neighbours(view()));
-        } else {
-            start_from_sample(Y, view(), options_, graph);
-        }
+    SampleReport startFromSample(MatrixView<double> Y, const NeighbourGraph& graph) const {
+        tell(hooks_.on_note, FitNote::SampleBegins);
+        const SampleHooks hooks{hooks_.on_stage, hooks_.on_sample_iteration};
+        return graph.rows == 0
+                   ? start_from_sample(Y, view(), options_, placing_neighbours(view()), hooks)
+                   : start_from_sample(Y, view(), options_, graph, hooks);
     }
 
     void startAtPlaces(MatrixView<double> Y, const NeighbourGraph& graph) const {
@@ -147,6 +151,7 @@ class Rows {
 
     MatrixView<const double> X_;
     const FitOptions& options_;
+    const FitHooks& hooks_;
     MatrixView<const double> places_;
     std::optional<PrincipalComponents> components_;
     bool needs_neighbours_;
@@ -192,10 +197,14 @@ FitReport fit_into(MatrixView<double> Y,
     }
     report.scale = prepare_input(X, options.metric);
     std::optional<Rows> rows(std::in_place, X, options, hooks, report);
+    const FitNotes notes = [&](FitNote note) {
+        report.search_became_exact |= note == FitNote::SearchIsExact;
+        tell(hooks.on_note, note);
+    };
     const bool has_graph = hooks.wants_neighbours || rows->needNeighbours();
     std::unique_ptr<Objective> objective = method.make({rows->view(),
                                                         options,
-                                                        hooks.on_note,
+                                                        notes,
                                                         hooks.cached_neighbours,
                                                         has_graph ? &report.neighbours : nullptr,
                                                         stream,
@@ -206,18 +215,24 @@ FitReport fit_into(MatrixView<double> Y,
     }
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
+    if (hooks.on_similarities) {
+        hooks.on_similarities(objective->report(similarities_end - start));
+    }
     const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
     // What is resumed takes the place of a start, and a sample takes its time.
     if (hooks.resumed_state == nullptr || options.start != StartKind::Sample) {
-        rows->start(Y, report.neighbours, stream);
+        report.sample = rows->start(Y, report.neighbours, stream);
+    }
+    if (report.sample) {
+        report.seconds.sample = watch.lap();
+        if (hooks.on_sample) {
+            hooks.on_sample(*report.sample);
+        }
     }
     rows.reset();
     if (!hooks.wants_neighbours) {
         report.neighbours = {};
-    }
-    if (hooks.on_similarities) {
-        hooks.on_similarities(objective->report(similarities_end - start));
     }
     const std::clock_t fitting_start = std::clock();
     Optimisation optimisation(*objective, *descent, Y, schedule);

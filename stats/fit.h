@@ -13,6 +13,7 @@
 #include "stats/fit_state.h"
 #include "stats/input_scale.h"
 #include "stats/run_times.h"
+#include "stats/sample_report.h"
 #include "stats/seed_report.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
@@ -35,6 +36,11 @@ struct FitHooks {
     /// Called after each iteration; false ends the fit there. An exception ends it, too, and leaves
     /// `fit`.
     std::function<bool(const FitState&)> on_iteration = {};
+    /// The same of the fit of a sample with which the start `StartKind::Sample` begins: after false
+    /// the rows start at what that fit has reached. `on_stage` is told how far it is, too.
+    std::function<bool(const FitState&)> on_sample_iteration = {};
+    /// Is told of that fit when it has ended.
+    std::function<void(const SampleReport& sample)> on_sample = {};
     /// Is given the share of the variance that principal components keep, if they stand for the
     /// columns, before neighbours are searched for.
     std::function<void(double share)> on_components = {};
@@ -74,8 +80,12 @@ struct FitReport {
     /// How many of the nearest neighbours were found; nothing where the search is exact, or none is
     /// made.
     std::optional<NeighbourRecall> recall;
+    /// Whether an approximate search was wanted, and the exact one made: the rows do not bear it.
+    bool search_became_exact = false;
+    /// Of the start by a sample; none of others, nor where a fit is resumed.
+    std::optional<SampleReport> sample;
     RunTimes seconds;
-    /// Processor time of the iterations, in the units of `std::clock`.
+    /// Processor time of the iterations, without those of a sample, in the units of `std::clock`.
     std::clock_t fitting_clock = 0;
     /// Of several seeds (`stats/seed_fits.h`); none of a fit by itself.
     std::optional<SeedReport> seeds = {};

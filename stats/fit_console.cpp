@@ -11,6 +11,7 @@
 #include "stats/run_names.h"
 #include "stats/seed_texts.h"
 #include "util/console.h"
+#include "util/counted.h"
 #include "util/format.h"
 #include "util/rounded.h"
 
@@ -25,6 +26,15 @@ void log_perplexity(int line, double perplexity) {
         clear_place();
         google::LogMessage("stats/tsne", line, google::GLOG_INFO).stream() << perplexity;
     }
+}
+
+void print_exact_search() {
+    print_text(
+        "The search for neighbours is exact, and may take long: an approximate one cannot be made, "
+        "as the rows have more than 8380 columns, or values too large or too small for it; fewer "
+        "principal components (--pca) make it possible",
+        1,
+        '\n');
 }
 
 /// Tells the user of a perplexity that the number of points cannot bear; the run goes on.
@@ -87,6 +97,10 @@ FitNotes console_notes(double perplexity) {
                 return print_remark("Perplexity should be lower than K!\n");
             case FitNote::NeighbourIndexBuilt:
                 return print_info("Building tree ...");
+            case FitNote::SampleBegins:
+                return print_info("Embedding a sample of the rows, where the others start");
+            case FitNote::SearchIsExact:
+                return print_exact_search();
         }
     };
 }
@@ -95,6 +109,13 @@ void print_components(int components, int columns, double share) {
     print_info(std::to_string(components) + " principal components stand for " +
                std::to_string(columns) + " columns, with " + percent_text(share) +
                " of the variance");
+}
+
+void print_sample(const SampleReport& sample) {
+    print_info("The map of " + counted(sample.rows, "row", "rows") + " is the start of all" +
+               (sample.recall
+                    ? "; approximate neighbours among them: " + recall_text(*sample.recall)
+                    : ""));
 }
 
 void print_recall(const NeighbourRecall& recall) {

@@ -32,6 +32,9 @@ void print_components(int components, int columns, double share);
 /// Tells how many of the nearest neighbours were found, and what to do where they are too few.
 void print_recall(const NeighbourRecall& recall);
 
+/// Tells of the sample at whose map the rows start.
+void print_sample(const SampleReport& sample);
+
 /// Redraws the progress bar, in the precision T.
 template <typename T>
 void print_progress(const IterationReport& reached);

@@ -19,6 +19,10 @@ enum class FitNote {
     PerplexityAboveNeighbours,
     /// The neighbour index is there, and its queries begin.
     NeighbourIndexBuilt,
+    /// An approximate search was wanted, and the exact one is made: the rows do not bear the other.
+    SearchIsExact,
+    /// A sample of the rows is embedded, at whose map the rows start.
+    SampleBegins,
 };
 
 /// Takes the notes of a fit; may be empty.

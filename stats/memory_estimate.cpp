@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "stats/chosen_affinities.h"
+#include "stats/embedding_start.h"
 #include "stats/method.h"
+#include "stats/sample_start.h"
 
 namespace ovik {
 
@@ -12,10 +14,15 @@ namespace {
 /// What program, libraries, gene table and threads take.
 constexpr double kProgramBytes = 14e6;
 
+/// What an image of the points takes while a figure of the usual size is drawn, which figures of so
+/// many points have.
+constexpr double kImageBytes = 78e6;
+constexpr double kFewestImagePoints = 20001.0;
+
 /// What principal components take while they are found; 0 if none are wanted.
 double components_memory(const RunSize& size) {
     const FitOptions& options = size.options;
-    if (options.pca == 0 && options.start != StartKind::Pca && options.start != StartKind::Sample) {
+    if (options.pca == 0 && options.start != StartKind::Pca) {
         return 0.0;
     }
     const auto N = static_cast<double>(size.rows);
@@ -32,6 +39,31 @@ RunSize with_components(RunSize size) {
     return size;
 }
 
+/// What the fit of a sample takes beside the fit that starts with it, and the neighbours by which
+/// the others are placed; 0 for other starts.
+///
+/// @param size  as the method sees the run
+double sample_memory(const RunSize& size) {
+    if (size.options.start != StartKind::Sample) {
+        return 0.0;
+    }
+    const std::size_t rows = std::min(sample_size(size.rows), size.rows);
+    const RunSize sampled{.rows = rows,
+                          .columns = size.columns,
+                          .options = options_of_sample(size.options, rows),
+                          .threads = size.threads};
+    const Method& method = method_of(sampled.options);
+    const MethodMemory memory = method.memory(sampled);
+    const auto n = static_cast<double>(rows);
+    const auto d = static_cast<double>(size.options.out_dims);
+    const double neighbours = method.has_neighbours
+                                  ? std::max(affinity_neighbours(size.options, size.rows), 0)
+                                  : static_cast<double>(kPlacingNeighbours);
+    return 12.0 * static_cast<double>(size.rows) * neighbours +
+           8.0 * n * static_cast<double>(size.columns) + 32.0 * n * d +
+           std::max(memory.similarities, memory.fitting + components_memory(sampled));
+}
+
 /// How many fits of several seeds run side by side: the first one does by itself.
 double fits_at_once(const RunSize& size) {
     const std::size_t allowed = size.seeds_at_once == 0 ? size.threads : size.seeds_at_once;
@@ -43,7 +75,7 @@ double fits_at_once(const RunSize& size) {
 }  // namespace
 
 double MemoryEstimate::peak() const {
-    return std::max({reading, similarities, fitting, clusters, results});
+    return std::max({reading, similarities, sample, fitting, clusters, results});
 }
 
 MemoryEstimate estimate_memory(const RunSize& size) {
@@ -71,7 +103,11 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     const double scores = 8.0 * N * static_cast<double>(std::max(size.options.pca, 0));
     estimate.similarities =
         lasting + at_once * std::max(components_memory(size), scores + method.similarities);
-    estimate.fitting = lasting + at_once * (32.0 * N * d + method.fitting);
+    const double fitting = 32.0 * N * d + method.fitting;
+    estimate.fitting = lasting + at_once * fitting;
+    if (const double sample = sample_memory(with_components(size)); sample > 0.0) {
+        estimate.sample = lasting + at_once * (scores + fitting + sample);
+    }
     if (size.has_clusters) {
         const double entries = N * std::max(affinity_neighbours(size.options, size.rows), 0);
         const double symmetric = symmetric_share(with_components(size).columns) * entries;
@@ -81,8 +117,10 @@ MemoryEstimate estimate_memory(const RunSize& size) {
         estimate.clusters =
             lasting + 160.0 * table_rows + 130.0 * N + 48.0 * entries + 12.0 * symmetric;
     }
-    estimate.results = lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes
-                                                 : 160.0 * table_rows + 130.0 * N);
+    const double image = table_rows < kFewestImagePoints ? 0.0 : kImageBytes;
+    estimate.results =
+        lasting + (size.has_plots ? 330.0 * table_rows + 300.0 * N + 6.0 * page_bytes + image
+                                  : 160.0 * table_rows + 130.0 * N);
     return estimate;
 }
 

@@ -41,21 +41,27 @@ struct RunSize {
 ///   (16 N^2);
 /// - similarities, Barnes-Hut: the largest of the conditional entries (V E) with the index of
 ///   neighbours (164 N + B * (128 D + 256 + 512 T)), the same with what makes them symmetric
-///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows
-///   (V S + V 4096 K + 50 N); where the input holds distances, lists of neighbours (32 E) in the
-///   place of the index; with an approximate search its lists (12 N max(48, 9 K / 8) + 448 N); for a start by a sample the neighbours besides (12 E);
+///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows and the larger
+///   part of the conditional ones, which moves (V S + max(4, V - 4) E + V 4096 K + 50 N); where the
+///   input holds distances, lists of neighbours (32 E) in the place of the index; with an
+///   approximate search its lists (12 N max(48, 9 K / 8) + 448 N); for a start by a sample the
+///   neighbours besides (12 E);
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
+/// - a start by a sample: what fitting takes and the neighbours that place the others (12 E; by the
+///   exact method 300 N), with a copy of the sample and what its own fit takes in these stages;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (V S + 38 N) with the tree and its forces (153 N + 44 Nd),
 ///   and from 65,536 rows on their order in memory (16 N + 8 Nd);
-/// - fitting with a particle mesh: in the place of the tree (153 N + 44 Nd) the points in their order
+/// - fitting with a particle mesh: in the place of the tree (153 N + 44 Nd) the points in their
+/// order
 ///   (24 N), forces (8 N + 8 Nd) and 45 bytes for each cell, of which a map has some 2200 sqrt(N),
 ///   more if it is wide;
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
-///   chart page (330 R + 300 N in all), and with W bytes of values in the page their text, in
-///   the page and on the way to it (6 W).
+///   chart page (330 R + 300 N in all), with W bytes of values in the page their text, in the page
+///   and on the way to it (6 W), and the image of more than 20,000 points in a figure of the usual
+///   size (78 MB).
 ///
 /// Clusters take, beside the table, the neighbours (12 E, which are there throughout the fit, too),
 /// lists of them (16 E), their conditional entries with the transpose (20 E) and the symmetric ones
@@ -79,6 +85,8 @@ struct RunSize {
 struct MemoryEstimate {
     double reading = 0.0;
     double similarities = 0.0;
+    /// Of a start by a sample; 0 of others.
+    double sample = 0.0;
     double fitting = 0.0;
     double clusters = 0.0;
     double results = 0.0;

@@ -52,6 +52,27 @@ double touched_cells(double width) {
     return std::floor(width) + static_cast<double>(kSplineOrder);
 }
 
+/// A mesh's size, which may be too large for a mesh.
+struct Extent {
+    double widths[2];
+    double cells_per_unit;
+    double columns;
+    double rows;
+};
+
+Extent extent_under(const MapBox& box) {
+    Extent extent{
+        {box.greatest[0] - box.least[0], box.greatest[1] - box.least[1]}, kCellsPerUnit, 0.0, 0.0};
+    const double width = std::max(extent.widths[0], extent.widths[1]);
+    while (extent.cells_per_unit < kMostCellsPerUnit &&
+           width * extent.cells_per_unit < kLeastWidth) {
+        extent.cells_per_unit *= 2.0;
+    }
+    extent.columns = touched_cells(extent.widths[0] * extent.cells_per_unit);
+    extent.rows = touched_cells(extent.widths[1] * extent.cells_per_unit);
+    return extent;
+}
+
 }  // namespace
 
 MapBox map_box(const double* Y, std::size_t N) {
@@ -81,25 +102,23 @@ MeshGrid mesh_grid(const MapBox& box, std::size_t N) {
             "bounds" +
             std::string(kCure));
     }
-    const double widths[2] = {box.greatest[0] - box.least[0], box.greatest[1] - box.least[1]};
-    const double width = std::max(widths[0], widths[1]);
-    double cells = kCellsPerUnit;
-    while (cells < kMostCellsPerUnit && width * cells < kLeastWidth) {
-        cells *= 2.0;
-    }
-    const double columns = touched_cells(widths[0] * cells);
-    const double rows = touched_cells(widths[1] * cells);
+    const Extent extent = extent_under(box);
     // Not so for a width that is infinite.
     const double most = std::max(kMostCells, kMostCellsPerPoint * static_cast<double>(N));
-    if (!(columns * rows <= most)) {
-        throw InputError("the map has grown to " + shortest_text(std::ceil(widths[0])) + " x " +
-                         shortest_text(std::ceil(widths[1])) + ", too wide for a mesh over " +
-                         std::to_string(N) + " points" + kCure);
+    if (!(extent.columns * extent.rows <= most)) {
+        throw InputError("the map has grown to " + shortest_text(std::ceil(extent.widths[0])) +
+                         " x " + shortest_text(std::ceil(extent.widths[1])) +
+                         ", too wide for a mesh over " + std::to_string(N) + " points" + kCure);
     }
-    return {cells,
+    return {extent.cells_per_unit,
             {box.least[0], box.least[1]},
-            static_cast<std::size_t>(columns),
-            static_cast<std::size_t>(rows)};
+            static_cast<std::size_t>(extent.columns),
+            static_cast<std::size_t>(extent.rows)};
+}
+
+double mesh_cells(const MapBox& box) {
+    const Extent extent = extent_under(box);
+    return extent.columns * extent.rows;
 }
 
 }  // namespace ovik

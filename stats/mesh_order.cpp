@@ -32,7 +32,7 @@ struct Layout {
 
 }  // namespace
 
-void MeshOrder::sort(const double* Y, std::size_t N, const MeshGrid& grid) {
+void MeshOrder::sort(const double* Y, std::size_t N, const MapBox& box, const MeshGrid& grid) {
     bands_ = (grid.rows + kBandRows - 1) / kBandRows;
     blocks_ = (grid.columns + kBlockColumns - 1) / kBlockColumns;
     const Layout layout{grid, blocks_};
@@ -47,8 +47,10 @@ void MeshOrder::sort(const double* Y, std::size_t N, const MeshGrid& grid) {
             std::size_t* const places = places_.data() + chunk * keys;
             for (std::size_t n = chunk * chunk_size; n < std::min((chunk + 1) * chunk_size, N);
                  ++n) {
-                const MeshPoint point = layout.point(Y, n);
-                body(point, places[layout.block(point)]);
+                if (holds(box, Y + 2 * n)) {
+                    const MeshPoint point = layout.point(Y, n);
+                    body(point, places[layout.block(point)]);
+                }
             }
         });
     };

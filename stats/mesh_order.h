@@ -17,12 +17,17 @@ constexpr std::size_t kBandRows = 8;
 /// band by blocks of columns, so that who goes along them stays among few cells.
 class MeshOrder {
   public:
-    /// Orders the points of an embedding; those of a block may come in any order.
+    /// Orders the points of an embedding that lie in a box; those of a block may come in any
+    /// order.
     ///
-    /// @param Y  row-major, N x 2, within the box of the grid
-    void sort(const double* Y, std::size_t N, const MeshGrid& grid);
+    /// @param Y     row-major, N x 2
+    /// @param box   that of the grid
+    void sort(const double* Y, std::size_t N, const MapBox& box, const MeshGrid& grid);
 
     [[nodiscard]] const MeshPoint* points() const { return points_.get(); }
+
+    /// How many lie in the box.
+    [[nodiscard]] std::size_t size() const { return starts_.back(); }
 
     [[nodiscard]] std::size_t bands() const { return bands_; }
 

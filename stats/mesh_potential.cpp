@@ -23,8 +23,9 @@ std::size_t padded_length(std::size_t count) {
     return fast_length(2 * (count + kCreaseMargin) - 1);
 }
 
-/// 1 over the square of the spline's discrete transform, times 120, for frequencies up to the half.
-std::vector<double> deconvolution(std::size_t length) {
+}  // namespace
+
+std::vector<double> spline_deconvolution(std::size_t length) {
     std::vector<double> factors(length / 2 + 1);
     for (std::size_t k = 0; k < factors.size(); ++k) {
         const double first = unit_root(k, length).cosine;
@@ -34,8 +35,6 @@ std::vector<double> deconvolution(std::size_t length) {
     }
     return factors;
 }
-
-}  // namespace
 
 void MeshPotential::lay(std::size_t rows,
                         std::size_t columns,
@@ -48,18 +47,20 @@ void MeshPotential::lay(std::size_t rows,
     shape_.columns = shape_.stride;
     const std::size_t padded_rows = padded_length(shape_.rows);
     const std::size_t padded_columns = padded_length(shape_.columns);
-    const bool is_same_plan = padded_rows == shape_.padded_rows &&
+    const bool is_same_plan = is_laid_ && padded_rows == shape_.padded_rows &&
                               padded_columns == padded_columns_ &&
                               transforms_.lanes == lanes_before;
     if (is_same_plan && cells_per_unit == cells_per_unit_ && scale == scale_) {
         return;
     }
+    is_laid_ = false;
     if (!is_same_plan) {
         plan(padded_rows, padded_columns);
     }
     cells_per_unit_ = cells_per_unit;
     scale_ = scale;
     makeInfluence(cells_per_unit, scale);
+    is_laid_ = true;
 }
 
 /// Makes room, and the plans of the transforms.
@@ -101,8 +102,8 @@ void MeshPotential::makeInfluence(double cells_per_unit, double scale) {
     forGroups(quarter.stride / kFieldGroup, [&](std::size_t group, double* work) {
         transforms_.down(quarter, kernel, true, group, group + 1, work, spectrum_.get());
     });
-    const std::vector<double> of_rows = deconvolution(shape_.padded_rows);
-    const std::vector<double> of_columns = deconvolution(padded_columns_);
+    const std::vector<double> of_rows = spline_deconvolution(shape_.padded_rows);
+    const std::vector<double> of_columns = spline_deconvolution(padded_columns_);
     const double cells = static_cast<double>(shape_.padded_rows * padded_columns_) * scale;
     const std::size_t lanes = transforms_.lanes;
     forGroups((quarter.rows + lanes - 1) / lanes, [&](std::size_t group, double* work) {

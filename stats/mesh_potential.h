@@ -10,6 +10,10 @@
 
 namespace ovik {
 
+/// 1 over the square of the spline's discrete transform, times 120, for frequencies up to the half
+/// of a length.
+std::vector<double> spline_deconvolution(std::size_t length);
+
 /// The potential of charges on the cells of a mesh: at each cell the sum of all charges, each times
 /// 1 / (1 + squared distance), as a convolution by Fourier transforms, padded with zeros so that no
 /// copy of a charge is felt.
@@ -49,6 +53,9 @@ class MeshPotential {
     void forGroups(std::size_t groups, const Body& body);
     [[nodiscard]] std::size_t workSize() const;
 
+    /// Whether what follows is all of the same lengths and cells: not where memory ran out in
+    /// between.
+    bool is_laid_ = false;
     MeshTransforms transforms_{};
     MeshShape shape_{};
     std::size_t padded_columns_ = 0;

@@ -1,6 +1,10 @@
 #include "stats/mesh_repulsion.h"
 
+#include <algorithm>
+
+#include "stats/mesh_box.h"
 #include "stats/mesh_grid.h"
+#include "stats/own_potential.h"
 #include "util/instruction_set.h"
 
 namespace ovik {
@@ -12,24 +16,41 @@ std::size_t MeshRepulsion::prepare(const double* Y) {
 }
 
 void MeshRepulsion::finishPreparation() {
-    const MeshGrid grid = mesh_grid(map_box(Y_, N_), N_);
+    const MapBox box = mesh_box(Y_, N_);
+    const MeshGrid grid = mesh_grid(box, N_);
     kernels_ = mesh_points(instruction_set());
-    // By cells, and minus half of it.
-    force_factor_ = -0.5 * grid.cells_per_unit;
+    if (grid.cells_per_unit != cells_per_unit_) {
+        field_.own = own_potential(grid.cells_per_unit);
+        cells_per_unit_ = grid.cells_per_unit;
+    }
     potential_.lay(grid.rows, grid.columns, grid.cells_per_unit, charge_scale(N_));
-    order_.sort(Y_, N_, grid);
+    order_.sort(Y_, N_, box, grid);
     charges_.spread(order_, N_, grid.rows, potential_.stride(), potential_.field());
     potential_.solve();
+    field_.cells = potential_.field();
+    field_.stride = potential_.stride();
+    // By cells, and minus half of it.
+    field_.force_factor = -0.5 * grid.cells_per_unit;
+    far_.clear();
+    if (order_.size() < N_) {
+        far_.compute(Y_, N_, box);
+    }
 }
 
+/// Those on the mesh first, then those far out.
 void MeshRepulsion::compute(IndexRange points, double* forces, double* z_terms) const {
-    kernels_.gather(order_.points() + points.begin,
-                    points.size(),
-                    potential_.field(),
-                    potential_.stride(),
-                    force_factor_,
-                    forces,
-                    z_terms);
+    const std::size_t near = order_.size();
+    const IndexRange on_mesh = {std::min(points.begin, near), std::min(points.end, near)};
+    kernels_.gather(order_.points() + on_mesh.begin, on_mesh.size(), field_, forces, z_terms);
+    if (far_.size() == 0) {
+        return;
+    }
+    for (std::size_t i = on_mesh.begin; i < on_mesh.end; ++i) {
+        far_.addTo(order_.points()[i].index, forces, z_terms);
+    }
+    for (std::size_t i = std::max(points.begin, near); i < points.end; ++i) {
+        far_.write(i - near, forces, z_terms);
+    }
 }
 
 }  // namespace ovik

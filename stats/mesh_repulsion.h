@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "stats/far_points.h"
 #include "stats/kernels/mesh_points.h"
 #include "stats/mesh_charges.h"
 #include "stats/mesh_order.h"
@@ -13,10 +14,11 @@ namespace ovik {
 /// Repulsive forces from a particle mesh under a map in two dimensions.
 ///
 /// All come from one potential, the sum over all points of 1 / (1 + squared distance): the force on
-/// a point is minus half its gradient there, and the point adds its value less 1, which is the
-/// point's own, to the normalisation. Points are charges, which splines spread over the cells of
+/// a point is minus half its gradient there, and the point adds its value to the normalisation,
+/// both less what is the point's own. Points are charges, which splines spread over the cells of
 /// the mesh; the potential of those is a convolution; and the same splines read it and its gradient
-/// at the points.
+/// at the points. A few points that have flown far out of the map do not widen the mesh, but are
+/// taken pair by pair.
 class MeshRepulsion : public Repulsion {
   public:
     /// @param N  points
@@ -38,8 +40,11 @@ class MeshRepulsion : public Repulsion {
     MeshOrder order_;
     MeshCharges charges_;
     MeshPotential potential_;
+    FarPoints far_;
     MeshPoints kernels_{};
-    double force_factor_ = 0.0;
+    MeshField field_{};
+    /// Those for which the own potential is `field_`'s.
+    double cells_per_unit_ = 0.0;
 };
 
 }  // namespace ovik

@@ -86,18 +86,21 @@ SlicedAttraction attraction_along_neighbours(const MethodInput& input, ValueForm
 
 /// Attraction among nearest neighbours, and a repulsion that is made once the affinities are there,
 /// which need the memory first.
+///
+/// @param form  of affinities that are not uniform
 template <typename MakeRepulsion>
 std::unique_ptr<Objective> make_sparse(const MethodInput& input,
+                                       ValueForm form,
                                        const MakeRepulsion& make_repulsion) {
     const std::size_t N = input.X.rows;
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
-    SlicedAttraction attraction = attraction_along_neighbours(input, ValueForm::Double);
+    SlicedAttraction attraction = attraction_along_neighbours(input, form);
     SparseForces forces(N, dims, make_repulsion(N, dims));
     return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
 }
 
 std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
-    return make_sparse(input, [&](std::size_t N, std::size_t dims) {
+    return make_sparse(input, ValueForm::Double, [&](std::size_t N, std::size_t dims) {
         return std::make_unique<TreeRepulsion>(N, dims, input.options.theta);
     });
 }
@@ -109,7 +112,8 @@ std::unique_ptr<Objective> make_mesh(const MethodInput& input) {
                          std::to_string(input.options.out_dims) +
                          "\nTake two dimensions, or the method barnes-hut.");
     }
-    return make_sparse(input, [](std::size_t N, std::size_t /*dims*/) {
+    // Rounding them changes forces less than the mesh does by a factor of 1e5.
+    return make_sparse(input, ValueForm::Single, [](std::size_t N, std::size_t /*dims*/) {
         return std::make_unique<MeshRepulsion>(N);
     });
 }
@@ -134,6 +138,8 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const double joint = entry_bytes * symmetric_share(size.columns) * entries;
     const double window =
         entry_bytes * K * std::min(N, static_cast<double>(SliceLayout::kWindowRows));
+    // Arrays in huge pages are copied where they grow.
+    const double moved = std::max(4.0, entry_bytes - 4.0) * entries;
     const double reordered = size.rows < kLeastReordered ? 0.0 : 16.0 * N + 8.0 * N * d;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
@@ -148,7 +154,7 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
     return {graph + std::max({entry_bytes * entries + searching,
                               (entry_bytes + 1.0) * entries + 12.0 * N,
-                              joint + window + 50.0 * N + reordered}),
+                              joint + moved + window + 50.0 * N + reordered}),
             joint + 38.0 * N + reordered,
             is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
 }
@@ -165,7 +171,7 @@ MethodMemory mesh_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto d = static_cast<double>(size.options.out_dims);
     const double cells = 2200.0 * std::sqrt(N);
-    MethodMemory memory = neighbours_memory(size, sizeof(double));
+    MethodMemory memory = neighbours_memory(size, sizeof(float));
     memory.fitting += 32.0 * N + 8.0 * N * d + 45.0 * cells;
     return memory;
 }

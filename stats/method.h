@@ -44,8 +44,7 @@ struct MethodInput {
                 cached_neighbours,
                 graph,
                 &random,
-                on_stage,
-                options.neighbour_search == NeighbourSearchKind::Approximate,
+                {options.neighbour_search == NeighbourSearchKind::Approximate, on_stage},
                 recall};
     }
 };

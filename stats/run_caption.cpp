@@ -32,6 +32,12 @@ std::vector<std::pair<std::string, std::string>> caption_parameters(
     }
     if (report.recall) {
         parameters.emplace_back("Neighbours found", recall_text(*report.recall));
+    } else if (report.search_became_exact) {
+        parameters.emplace_back("Neighbours found", "all: the search was exact");
+    }
+    if (report.sample && report.sample->recall) {
+        parameters.emplace_back("Neighbours found in the sample",
+                                recall_text(*report.sample->recall));
     }
     parameters.emplace_back("Last iteration", std::to_string(report.reached.iteration));
     parameters.emplace_back("Final cost", significant_text(report.reached.cost));

@@ -100,17 +100,39 @@ double widest_deviation(MatrixView<const double> Y) {
     return widest;
 }
 
-/// The map of some of the rows.
-std::vector<double> map_of(MatrixView<const double> X,
-                           std::span<const std::uint32_t> rows,
-                           const FitOptions& options) {
+/// The hooks of the fit of a sample, all of whose stages are one.
+FitHooks hooks_of_fit(const SampleHooks& hooks, const FitOptions& options) {
+    FitHooks of_fit;
+    of_fit.on_iteration = hooks.on_iteration;
+    if (hooks.on_stage) {
+        const auto last = static_cast<std::uint64_t>(std::max(options.max_iter, -1) + 1);
+        of_fit.on_stage = [&on_stage = hooks.on_stage, last](
+                              Stage stage, std::uint64_t done, std::uint64_t total) {
+            const bool iterates = stage == Stage::Iterations;
+            on_stage(Stage::Sample, iterates ? done : 0, iterates ? total : last);
+        };
+    }
+    return of_fit;
+}
+
+/// A fit of some of the rows.
+Fit fit_of(MatrixView<const double> X,
+           std::span<const std::uint32_t> rows,
+           const FitOptions& options,
+           const SampleHooks& hooks) {
     std::vector<double> values;
     values.reserve(rows.size() * X.columns);
     for (const std::uint32_t row : rows) {
         values.insert(values.end(), X.row(row).begin(), X.row(row).end());
     }
-    return fit({values.data(), rows.size(), X.columns}, options_of_sample(options, rows.size()))
-        .embedding;
+    try {
+        return fit({values.data(), rows.size(), X.columns},
+                   options_of_sample(options, rows.size()),
+                   hooks_of_fit(hooks, options));
+    } catch (const InputError& error) {
+        throw InputError("the sample of " + counted(rows.size(), "row", "rows") +
+                         " at whose map all would start: " + error.what());
+    }
 }
 
 }  // namespace
@@ -170,21 +192,22 @@ void place_among_neighbours(MatrixView<double> Y,
     }
 }
 
-void start_from_sample(MatrixView<double> Y,
-                       MatrixView<const double> X,
-                       const FitOptions& options,
-                       const NeighbourGraph& graph) {
+SampleReport start_from_sample(MatrixView<double> Y,
+                               MatrixView<const double> X,
+                               const FitOptions& options,
+                               const NeighbourGraph& graph,
+                               const SampleHooks& hooks) {
     if (Y.rows < kLeastSampledFrom) {
         throw InputError("a start by a sample is for " + std::to_string(kLeastSampledFrom) +
                          " rows or more, and there are " + std::to_string(Y.rows) +
                          "\nTake another start.");
     }
     const std::vector<std::uint32_t> sample = sampled_rows(Y.rows, options.seed);
-    const std::vector<double> map = map_of(X, sample, options);
+    const Fit fitted = fit_of(X, sample, options, hooks);
     std::vector<char> has_place(Y.rows, 0);
     for (std::size_t i = 0; i < sample.size(); ++i) {
         has_place[sample[i]] = 1;
-        std::copy_n(map.begin() + static_cast<std::ptrdiff_t>(i * Y.columns),
+        std::copy_n(fitted.embedding.begin() + static_cast<std::ptrdiff_t>(i * Y.columns),
                     Y.columns,
                     Y.row(sample[i]).begin());
     }
@@ -196,6 +219,7 @@ void start_from_sample(MatrixView<double> Y,
                          "another start.");
     }
     multiply_all(Y.values, Y.size(), options.start_spread / widest);
+    return {sample.size(), fitted.report.recall};
 }
 
 }  // namespace ovik

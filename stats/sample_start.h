@@ -2,11 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "neighbours/neighbour_graph.h"
 #include "stats/fit_options.h"
+#include "stats/fit_state.h"
+#include "stats/sample_report.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 /// The start of a large map by the map of a sample of its rows. The result is the same for any
 /// number of threads.
@@ -44,6 +48,14 @@ void place_among_neighbours(MatrixView<double> Y,
                             std::vector<char> has_place,
                             const NeighbourGraph& graph);
 
+/// What the fit of a sample takes from, and gives to, its surroundings.
+struct SampleHooks {
+    /// Is told of all of that fit as of `Stage::Sample`; an exception ends it.
+    OnStage on_stage = {};
+    /// As `FitHooks::on_iteration`: false ends that fit, and its map is what it has reached.
+    std::function<bool(const FitState&)> on_iteration = {};
+};
+
 /// Starts at the map of a sample, all other rows among their neighbours (`place_among_neighbours`),
 /// all times one factor with which the widest coordinate has the standard deviation
 /// `options.start_spread`, of rows - 1 degrees of freedom.
@@ -51,11 +63,14 @@ void place_among_neighbours(MatrixView<double> Y,
 /// @param Y      written
 /// @param X      the rows as the method sees them: their distances are Euclidean
 /// @param graph  neighbours of the rows, nearest first
+/// @return what the fit of the sample came to
+/// @throws what a hook throws
 /// @throws InputError if there are fewer than `kLeastSampledFrom` rows, if the sample varies along
 /// fewer components than Y has columns, or if its map has no extent that is a number
-void start_from_sample(MatrixView<double> Y,
-                       MatrixView<const double> X,
-                       const FitOptions& options,
-                       const NeighbourGraph& graph);
+SampleReport start_from_sample(MatrixView<double> Y,
+                               MatrixView<const double> X,
+                               const FitOptions& options,
+                               const NeighbourGraph& graph,
+                               const SampleHooks& hooks = {});
 
 }  // namespace ovik

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -53,6 +54,7 @@ class SeedFits {
         hooks.on_stage = {};
         hooks.on_components = {};
         hooks.on_recall = {};
+        hooks.on_sample = {};
         run(number, {values.data(), X_.rows, X_.columns}, hooks);
     }
 
@@ -101,9 +103,12 @@ class SeedFits {
     void run(std::size_t number, MatrixView<double> X, FitHooks hooks) {
         bool is_complete = true;
         hooks.on_iteration = [&](const FitState& state) {
-            const bool goes_on = goesOn(state);
+            const bool goes_on = goesOn(state, hooks_.on_iteration);
             is_complete = goes_on || state.isLast();
             return goes_on;
+        };
+        hooks.on_sample_iteration = [&](const FitState& state) {
+            return goesOn(state, hooks_.on_sample_iteration);
         };
         FitOptions options = options_;
         options.seed += static_cast<int>(number);
@@ -130,12 +135,12 @@ class SeedFits {
         is_ended_ = true;
     }
 
-    /// Shows a state to the caller's hook, unless another fit has been ended by it.
-    bool goesOn(const FitState& state) {
+    /// Shows a state to a hook of the caller, unless another fit has been ended by one.
+    bool goesOn(const FitState& state, const std::function<bool(const FitState&)>& hook) {
         const std::lock_guard lock(mutex_);
         // An exception of the hook ends the other fits, too.
         const bool was_ended = std::exchange(is_ended_, true);
-        is_ended_ = was_ended || (hooks_.on_iteration && !hooks_.on_iteration(state));
+        is_ended_ = was_ended || (hook && !hook(state));
         return !is_ended_;
     }
 
@@ -175,7 +180,7 @@ FitReport fit_seeds_into(MatrixView<double> Y,
         fits.run(i);
     }
     FitReport report = fits.take(Y);
-    report.seconds.fitting = watch.lap() - report.seconds.similarities;
+    report.seconds.fitting = watch.lap() - report.seconds.similarities - report.seconds.sample;
     report.fitting_clock = std::clock() - start;
     return report;
 }

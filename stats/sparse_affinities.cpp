@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "neighbours/approximate_search.h"
 #include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_search.h"
 #include "stats/cached_neighbours.h"
@@ -345,17 +346,6 @@ void for_each_row(const SparseMatrixView& P,
     });
 }
 
-/// Tells of the parts of a search as of rows.
-OnProgress rows_told(const OnStage& on_stage, std::size_t N) {
-    if (!on_stage) {
-        return {};
-    }
-    return [on_stage, N](std::size_t done, std::size_t total) {
-        const double share = static_cast<double>(done) / static_cast<double>(total);
-        on_stage(Stage::Neighbours, static_cast<std::uint64_t>(share * static_cast<double>(N)), N);
-    };
-}
-
 }  // namespace
 
 SparseMatrix neighbour_affinities(const double* points,
@@ -383,13 +373,16 @@ ConditionalRows conditional_rows(MatrixView<const double> points,
     const auto row_length = static_cast<std::size_t>(std::max(K, 0));
     ConditionalRows conditional = room_for(N, row_length, form);
     RandomStream& random = hooks.random != nullptr ? *hooks.random : process_random_stream();
-    const NeighbourSearchManner manner{hooks.is_approximate, rows_told(hooks.on_stage, N)};
+    const bool searches = hooks.cached == nullptr || !hooks.cached->areGiven();
+    if (hooks.manner.is_approximate && searches &&
+        !can_be_approximate(points.values, N, points.columns, row_length + 1, euclidean_metric())) {
+        tell(hooks.notes, FitNote::SearchIsExact);
+    }
     // Null for the search of the cache.
     const std::unique_ptr<NeighbourSearch> own_search =
         hooks.cached != nullptr
-            ? hooks.cached->begin(points.values, N, points.columns, random, manner)
-            : std::make_unique<NeighbourSearch>(
-                  N, points.columns, random, euclidean_metric(), manner);
+            ? hooks.cached->begin(points.values, N, points.columns, random, hooks.manner)
+            : std::make_unique<NeighbourSearch>(N, points.columns, random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
         *hooks.graph = graph_without_neighbours(N, row_length);
@@ -399,15 +392,15 @@ ConditionalRows conditional_rows(MatrixView<const double> points,
         hooks.cached != nullptr ? hooks.cached->workerCount() : own_search->workerCount(),
         conditional,
         hooks.graph);
-    tell(hooks.on_stage, Stage::Neighbours, 0, N);
     const auto fill = [&filler](std::size_t n,
                                 std::span<const NearRow> nearest,
                                 std::size_t worker) { filler.fill(n, nearest, worker); };
     std::optional<NeighbourRecall> recall;
     if (hooks.cached != nullptr) {
-        recall = hooks.cached->findAll(points.values, row_length + 1, fill, own_search.get());
+        recall = hooks.cached->findAll(
+            points.values, row_length + 1, fill, own_search.get(), hooks.manner.on_stage);
     } else {
-        own_search->findAll(points.values, row_length + 1, fill);
+        own_search->findAll(points.values, row_length + 1, fill, hooks.manner);
         recall = own_search->recall();
     }
     if (hooks.recall != nullptr) {

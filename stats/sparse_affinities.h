@@ -4,11 +4,11 @@
 #include <optional>
 
 #include "neighbours/neighbour_recall.h"
+#include "neighbours/search_manner.h"
 #include "stats/fit_notes.h"
 #include "stats/sparse_matrix.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
-#include "util/stage.h"
 
 namespace ovik {
 
@@ -19,7 +19,7 @@ class RowAffinities;
 
 /// What a search for neighbours takes from, and gives to, its surroundings.
 struct NeighbourHooks {
-    /// Is told `PerplexityAboveNeighbours` and `NeighbourIndexBuilt`.
+    /// Is told `PerplexityAboveNeighbours`, `NeighbourIndexBuilt` and `SearchIsExact`.
     FitNotes notes = {};
     /// Null for a search from nothing, else neighbours of other runs over the same points, at least
     /// as many of each.
@@ -28,10 +28,8 @@ struct NeighbourHooks {
     NeighbourGraph* graph = nullptr;
     /// Null for the process-wide `rand`, else where the tree of the search is drawn from.
     RandomStream* random = nullptr;
-    /// Takes for how many rows neighbours and affinities are there.
-    OnStage on_stage = {};
-    /// Whether the search may miss some of the nearest.
-    bool is_approximate = false;
+    /// Of the search; what it tells of are rows with their affinities.
+    NeighbourSearchManner manner = {};
     /// Null, or what is told how many of the nearest were found, if the search is not exact.
     std::optional<NeighbourRecall>* recall = nullptr;
 };

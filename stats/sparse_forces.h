@@ -10,7 +10,8 @@
 namespace ovik {
 
 /// The t-SNE gradient and cost with attractive forces along the entries of a sparse matrix and any
-/// repulsive forces, for one embedding after the other; after the first, nothing is allocated.
+/// repulsive forces, for one embedding after the other; after the first, nothing is allocated but
+/// what a repulsion needs for a map that has grown.
 ///
 /// Entry i of the gradient is a * (attraction[i] - repulsion[i] / (a * Z)), where every point's
 /// term of the normalisation Z is added in point order, and a is 1 unless `anneal` has set it.

@@ -332,6 +332,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     hooks.start = givenStart(embedding.columns);
     hooks.on_recall = &print_recall;
+    hooks.on_sample = &print_sample;
     hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
     FitReport report = exiting_without_memory([&] {
         const MatrixView<double> input{X, embedding.rows, static_cast<std::size_t>(std::max(D, 0))};

@@ -130,7 +130,8 @@ RunRecord record_of(const Json& run) {
     if (const auto seconds = run.find("seconds"); seconds != run.end()) {
         record.seconds = {seconds->at("similarities").get<double>(),
                           seconds->at("fitting").get<double>(),
-                          seconds->at("results").get<double>()};
+                          seconds->at("results").get<double>(),
+                          seconds->value("sample", 0.0)};
     }
     record.kept_seed = run.value("kept_seed", 0);
     for (const Json& seed : run.value("seeds", Json::array())) {

@@ -168,8 +168,8 @@ void add_outcome(std::vector<ComparedNumber>& numbers, const Entries& entries) {
             (same_data ? "." : kDifferentData),
         values_of(entries,
                   [](const ComparisonEntry& entry) {
-                      const double seconds =
-                          entry.run.seconds.similarities + entry.run.seconds.fitting;
+                      const RecordedSeconds& times = entry.run.seconds;
+                      const double seconds = times.similarities + times.sample + times.fitting;
                       return seconds > 0.0 ? seconds : kNone;
                   }),
         same_data ? Best::Least : Best::None,

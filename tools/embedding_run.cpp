@@ -326,7 +326,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         record_seeds(record, *tsne.seedReport());
     }
     const RunTimes& times = tsne.times();
-    record.seconds = {times.similarities, times.fitting, times.results};
+    record.seconds = {times.similarities, times.fitting, times.results, times.sample};
     record.files = finish_results(tsne, options, input, record, failures);
     if (input.keeps_places) {
         record.places.assign(tsne.Y,

@@ -26,6 +26,8 @@ StageWords words_of(Stage stage) {
             return {"Neighbours", " rows"};
         case Stage::Affinities:
             return {"Affinities", " rows"};
+        case Stage::Sample:
+            return {"Map of the sample", " iterations"};
         case Stage::Iterations:
             return {"Iterations", ""};
         case Stage::Clusters:

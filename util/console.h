@@ -30,9 +30,11 @@ class ConsoleSilence {
     bool was_silent_;
 };
 
-/// Called before anything is printed, by whoever has to clear the place for it; null for nobody. It
-/// throws nothing and prints nothing by what follows here.
-OVIK_API inline std::atomic<void (*)()> before_printing = nullptr;
+/// Throws nothing and prints nothing by what follows here.
+using PrintingHook = void (*)();
+
+/// Called before anything is printed, by whoever has to clear the place for it; null for nobody.
+OVIK_API inline std::atomic<PrintingHook> before_printing = nullptr;
 
 /// How many columns of the cursor's line on standard output are in use, as far as these functions
 /// printed them: those of the progress bar, which leaves the cursor behind it.
@@ -40,7 +42,7 @@ OVIK_API inline std::atomic<unsigned> columns_in_use = 0;
 
 /// To be called before anything is printed.
 static inline void clear_place() {
-    if (void (*const clear)() = before_printing.load()) {
+    if (const PrintingHook clear = before_printing.load()) {
         clear();
     }
 }

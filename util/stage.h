@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -15,6 +14,8 @@ enum class Stage {
     /// Of rows.
     Neighbours,
     Affinities,
+    /// The fit of a sample, at whose map the rows start: of its iterations.
+    Sample,
     /// Of iterations.
     Iterations,
     Clusters,
@@ -27,8 +28,8 @@ enum class Stage {
 /// Takes how far a stage is: `done` of `total` bytes, rows or iterations. With a total of 0 it is
 /// not known how far, only that the stage has begun. A stage ends with `done` at a total that is
 /// not 0, or when another one begins. Called by any thread, by several at once, as often as every
-/// row: it has to be quick, and changes no result. An exception that it throws in the search for
-/// neighbours ends that.
+/// row: it has to be quick, and changes no result. An exception that it throws ends the work, and
+/// reaches its caller.
 using OnStage = std::function<void(Stage stage, std::uint64_t done, std::uint64_t total)>;
 
 /// @param on_stage  may be empty
@@ -37,30 +38,5 @@ inline void tell(const OnStage& on_stage, Stage stage, std::uint64_t done, std::
         on_stage(stage, done, total);
     }
 }
-
-/// Counts what several threads have done of a stage.
-class StageCount {
-  public:
-    /// @param on_stage  told of the begin; may be empty, and outlives the count
-    StageCount(const OnStage& on_stage, Stage stage, std::uint64_t total)
-        : on_stage_(on_stage),
-          stage_(stage),
-          total_(total) {
-        tell(on_stage, stage, 0, total);
-    }
-
-    /// One more is done.
-    void step() {
-        if (on_stage_) {
-            on_stage_(stage_, done_.fetch_add(1, std::memory_order_relaxed) + 1, total_);
-        }
-    }
-
-  private:
-    const OnStage& on_stage_;
-    Stage stage_;
-    std::uint64_t total_;
-    std::atomic<std::uint64_t> done_ = 0;
-};
 
 }  // namespace ovik

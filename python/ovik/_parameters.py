@@ -41,6 +41,7 @@ class FitParameters:
         affinity: Literal["perplexity", "uniform"] = "perplexity",
         neighbours: int = 15,
         multiscale: Sequence[float] | None = None,
+        neighbour_search: Literal["exact", "approximate"] = "exact",
         init: Literal["random", "pca", "sample"] | ArrayLike = "random",
         schedule: Literal["classic", "annealed"] = "classic",
         hold_iter: int = 125,
@@ -76,6 +77,7 @@ class FitParameters:
         self.affinity = affinity
         self.neighbours = neighbours
         self.multiscale = multiscale
+        self.neighbour_search = neighbour_search
         self.init = init
         self.schedule = schedule
         self.hold_iter = hold_iter
@@ -113,6 +115,7 @@ class FitParameters:
             "affinity": self.affinity,
             "neighbours": self.neighbours,
             "multiscale": self.multiscale,
+            "neighbour_search": self.neighbour_search,
             "init": self.init,
             "schedule": self.schedule,
             "hold_iter": self.hold_iter,
@@ -160,6 +163,8 @@ DESCRIPTIONS = """\
         Nearest neighbours that get uniform affinities, at least 1.
     multiscale : list of float or None, default None
         Perplexities whose affinities are averaged, each at least 1, at most 1e9.
+    neighbour_search : {"exact", "approximate"}, default "exact"
+        Whether all nearest neighbours are found, or nearly all in less time.
     init : {"random", "pca", "sample"} or array-like of shape (n_samples, n_components), default "random"
         Where the points of the map start.
     schedule : {"classic", "annealed"}, default "classic"

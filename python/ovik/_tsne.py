@@ -109,7 +109,8 @@ class TSNE(FitParameters):
         `quality`.
     neighbour_recall_ : float
         The share of the nearest neighbours that were found, measured on a thousand rows; only where
-        `neighbour_search` is "approximate".
+        `neighbour_search` is "approximate". Not there, and with a warning, where the
+        rows do not bear that and the search was exact.
     n_features_in_ : int
         Columns of the input.
     feature_names_in_ : ndarray of shape (n_features_in_,), object

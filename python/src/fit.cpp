@@ -121,14 +121,22 @@ Outcome run_fit(MatrixView<const double> points,
         }
         return goes_on(state, manner, is_interrupted, outcome);
     };
-    hooks.on_stage = [&](Stage stage, std::uint64_t /*done*/, std::uint64_t /*total*/) {
-        // The search for neighbours bears an exception.
-        if (stage == Stage::Neighbours && is_interrupted && !manner.keeps_interrupted) {
+    // Of what is kept there is nothing before the first iteration.
+    const auto require_going_on = [&] {
+        if (is_interrupted && !manner.keeps_interrupted) {
             throw std::runtime_error("interrupted");
         }
     };
+    hooks.on_stage = [&](Stage /*stage*/, std::uint64_t /*done*/, std::uint64_t /*total*/) {
+        require_going_on();
+    };
+    hooks.on_sample_iteration = [&](const FitState& /*state*/) {
+        require_going_on();
+        return !is_interrupted;
+    };
     if (manner.verbose) {
         hooks.on_recall = &print_recall;
+        hooks.on_sample = &print_sample;
         print_launch(options, static_cast<int>(points.rows));
         hooks.on_note = console_notes(options);
         hooks.on_similarities = [](const std::string& message) { print_info(message); };
@@ -143,6 +151,11 @@ Outcome run_fit(MatrixView<const double> points,
         print_end_of_iterations(outcome.fit.report.reached);
         print_fitting_time(outcome.fit.report.fitting_clock);
         std::fflush(stdout);
+    }
+    if (outcome.fit.report.search_became_exact) {
+        outcome.neighbours_note =
+            "all neighbours were searched for, since rows of more than 8380 columns, or of values "
+            "too large or too small, cannot be searched approximately";
     }
     const Schedule schedule(options, points.rows);
     const int last = outcome.fit.report.reached.iteration;

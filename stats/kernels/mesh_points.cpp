@@ -106,9 +106,21 @@ void spread(const MeshPoint* points,
     }
 }
 
+/// A number for each dimension.
+typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
+
+/// A polynomial in each dimension by Horner's rule.
+template <std::size_t Terms>
+inline Pair polynomial(const double (&terms)[Terms], Pair s) {
+    Pair sum = Pair{terms[Terms - 1], terms[Terms - 1]};
+    for (std::size_t i = Terms - 1; i-- > 0;) {
+        sum = sum * s + terms[i];
+    }
+    return sum;
+}
+
 /// The sum of products of a row, in the order that `gather` has.
 inline double product_sum(const Row& a, const Row& b) {
-    typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
     Lanes product[kVectors];
     for (std::size_t v = 0; v < kVectors; ++v) {
         product[v] = a.part[v] * b.part[v];
@@ -130,9 +142,7 @@ inline double product_sum(const Row& a, const Row& b) {
 
 void gather(const MeshPoint* points,
             std::size_t count,
-            const double* field,
-            std::size_t stride,
-            double factor,
+            const MeshField& field,
             double* forces,
             double* z_terms) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -142,10 +152,10 @@ void gather(const MeshPoint* points,
         double slopes[kSplineRow];
         store_row(weights, polynomials(kSplineCoefficients, y.rest));
         store_row(slopes, polynomials(kSlopeCoefficients, y.rest));
-        const double* row = field + y.cell * stride + x.cell;
+        const double* row = field.cells + y.cell * field.stride + x.cell;
         Row sums;
         Row slope_sums;
-        for (std::size_t r = 0; r < kSplineOrder; ++r, row += stride) {
+        for (std::size_t r = 0; r < kSplineOrder; ++r, row += field.stride) {
             const Row cells = load_row(row);
             for (std::size_t v = 0; v < kVectors; ++v) {
                 const Lanes weighted = cells.part[v] * weights[r];
@@ -155,10 +165,15 @@ void gather(const MeshPoint* points,
             }
         }
         const Row weights_of_x = polynomials(kSplineCoefficients, x.rest);
+        const Pair beyond = Pair{x.rest, y.rest} - 0.5;
+        const Pair own = polynomial(field.own.terms, beyond * beyond);
+        const Pair own_slopes = beyond * polynomial(field.own.slopes, beyond * beyond);
         const std::size_t n = points[i].index;
-        forces[2 * n] = factor * product_sum(polynomials(kSlopeCoefficients, x.rest), sums);
-        forces[2 * n + 1] = factor * product_sum(weights_of_x, slope_sums);
-        z_terms[n] = product_sum(weights_of_x, sums) - 1.0;
+        const double slope_of_x = product_sum(polynomials(kSlopeCoefficients, x.rest), sums);
+        const double slope_of_y = product_sum(weights_of_x, slope_sums);
+        forces[2 * n] = field.force_factor * (slope_of_x - own_slopes[0]);
+        forces[2 * n + 1] = field.force_factor * (slope_of_y - own_slopes[1]);
+        z_terms[n] = product_sum(weights_of_x, sums) - (own[0] + own[1]);
     }
 }
 

@@ -28,6 +28,31 @@ struct MeshPoint {
     std::size_t index;
 };
 
+/// Coefficients of the own potential.
+constexpr std::size_t kOwnTerms = 6;
+
+/// The part of a potential on a mesh that a point's own charge has at the point, which differs a
+/// little with its place between cells.
+///
+/// With s the square of f - 0.5, it is the polynomial with these terms of the one f, plus that of
+/// the other, from the lowest term, by Horner's rule.
+struct OwnPotential {
+    double terms[kOwnTerms];
+    /// Times f - 0.5 the half of the slope, which is what the spline's slopes read of it.
+    double slopes[kOwnTerms - 1];
+};
+
+/// A potential on the cells of a mesh.
+struct MeshField {
+    /// Rows of `stride` from cell (0, 0); finite in kSplineRow cells from that where a point's
+    /// spline begins.
+    const double* cells;
+    std::size_t stride;
+    OwnPotential own;
+    /// Of the forces: they are it times the gradient by cells.
+    double force_factor;
+};
+
 /// Points onto a mesh, and a field on the mesh at points.
 ///
 /// With f the part of a coordinate behind the point, weight k of the spline, 0 to 5, is the
@@ -47,22 +72,16 @@ struct MeshPoints {
                    std::size_t stride,
                    std::int64_t* cells);
 
-    /// Reads a potential at points.
+    /// Reads a potential at points, less what is their own.
     ///
     /// Sums over rows are formed first, in their order, then weighted ones over the columns of
     /// these: with columns 6 and 7 of weight 0, ((0 + 4) + (2 + 6)) + ((1 + 5) + (3 + 7)).
     ///
-    /// @param field    rows of `stride` from cell (0, 0); finite in kSplineRow cells from that
-    /// where
-    ///                 a point's spline begins
-    /// @param factor   of the forces: they are it times the gradient by cells
     /// @param forces   row-major, N x 2; those of these points are written
-    /// @param z_terms  N values; those of these points are written: the potential less 1
+    /// @param z_terms  N values; those of these points are written: the potential
     void (*gather)(const MeshPoint* points,
                    std::size_t count,
-                   const double* field,
-                   std::size_t stride,
-                   double factor,
+                   const MeshField& field,
                    double* forces,
                    double* z_terms);
 };

@@ -214,44 +214,77 @@ TEST(NeighbourSearch, VisitsTheRowsThatAreNotFoundYet) {
     EXPECT_EQ(visited, (std::vector<std::size_t>{17, 200}));
 }
 
-TEST(NeighbourSearch, TellsHowFarItIsAndEndsWhenItsCallerThrows) {
-    const std::vector<double> points = test::random_values(3000 * 3, 74);
+/// Holds a search of 3000 rows to what it has to tell, and to its end where the listener throws.
+void expect_progress(const std::vector<double>& points, bool is_approximate) {
     for (const int threads : {1, 2}) {
         const test::ThreadCount scope(threads);
         std::size_t calls = 0;
-        std::size_t last = 0;
+        std::uint64_t last = 0;
         std::size_t end = 0;
-        const OnProgress on_progress = [&](std::size_t done, std::size_t total) {
-            EXPECT_GT(done, last);
-            EXPECT_LE(done, total);
+        const OnStage on_stage = [&](Stage stage, std::uint64_t done, std::uint64_t total) {
+            EXPECT_EQ(stage, Stage::Neighbours);
+            EXPECT_EQ(total, 3000U);
+            EXPECT_TRUE(calls > 0 || done == 0);
+            EXPECT_GE(done, last);
             last = done;
             if (++calls == end) {
                 throw std::runtime_error("enough");
             }
         };
-        NeighbourSearch search(
-            3000, 3, process_random_stream(), euclidean_metric(), {.on_progress = on_progress});
+        NeighbourSearch search(3000, 3, process_random_stream());
         std::atomic<std::size_t> visits{0};
         const auto visit = [&](std::size_t, std::span<const NearRow>, std::size_t) { ++visits; };
-        search.findAll(points.data(), 10, visit);
-        EXPECT_GE(calls, 1U);
+        const NeighbourSearchManner manner{is_approximate, on_stage};
+        search.findAll(points.data(), 10, visit, manner);
+        EXPECT_GE(calls, 3U);
+        EXPECT_EQ(last, 3000U);
         EXPECT_EQ(visits, 3000U);
-        EXPECT_FALSE(search.recall());
+        EXPECT_EQ(search.recall().has_value(), is_approximate);
         visits = calls = last = 0;
-        end = 1;
-        EXPECT_THROW(search.findAll(points.data(), 10, visit), std::runtime_error);
+        end = 2;
+        EXPECT_THROW(search.findAll(points.data(), 10, visit, manner), std::runtime_error);
         EXPECT_LT(visits, 3000U);
     }
 }
 
+TEST(NeighbourSearch, TellsHowFarItIsAndEndsWhenItsCallerThrows) {
+    const std::vector<double> points = test::random_values(3000 * 3, 74);
+    expect_progress(points, false);
+    expect_progress(points, true);
+}
+
+TEST(NeighbourSearch, TellsOfRowsThatOnlyTheTreeFinds) {
+    // A lattice: many distances are equal, and the candidates are given up.
+    std::vector<double> points;
+    for (int n = 0; n < 3000; ++n) {
+        points.insert(points.end(), {n % 15 * 1.0, n / 15 % 15 * 1.0, n / 225 * 1.0});
+    }
+    expect_progress(points, false);
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    std::vector<char> is_found(3000, 1);
+    is_found[7] = is_found[2000] = 0;
+    NeighbourSearch search(3000, 3, process_random_stream());
+    const auto visit = [](std::size_t, std::span<const NearRow>, std::size_t) {};
+    search.findOthers(
+        points.data(), 5, is_found, visit, [&](Stage, std::uint64_t done, std::uint64_t) {
+            first = first == 0 ? done : first;
+            last = done;
+        });
+    EXPECT_EQ(first, 2998U);
+    EXPECT_EQ(last, 3000U);
+}
+
 TEST(NeighbourSearch, IsApproximateWhereThatIsWanted) {
     const std::vector<double> points = test::random_values(900 * 3, 75);
-    NeighbourSearch search(
-        900, 3, process_random_stream(), euclidean_metric(), {.is_approximate = true});
+    NeighbourSearch search(900, 3, process_random_stream());
     std::vector<std::vector<NearRow>> found(900);
-    search.findAll(points.data(), 8, [&](std::size_t row, std::span<const NearRow> nearest, auto) {
-        found[row].assign(nearest.begin(), nearest.end());
-    });
+    search.findAll(points.data(),
+                   8,
+                   [&](std::size_t row, std::span<const NearRow> nearest, auto) {
+                       found[row].assign(nearest.begin(), nearest.end());
+                   },
+                   {.is_approximate = true});
     EXPECT_EQ(search.recall(), (NeighbourRecall{1.0, 900}));
     for (std::size_t row = 0; row < 900; ++row) {
         std::vector<NearRow> expected = {{static_cast<std::uint32_t>(row), 0.0}};
@@ -265,10 +298,12 @@ TEST(NeighbourSearch, IsExactWhereItCannotBeApproximate) {
     std::vector<double> points = test::random_values(300 * 2, 76);
     points[100] = std::numeric_limits<double>::infinity();
     const auto visits_of = [&](std::size_t count) {
-        NeighbourSearch search(
-            300, 2, process_random_stream(), euclidean_metric(), {.is_approximate = true});
+        NeighbourSearch search(300, 2, process_random_stream());
         std::atomic<std::size_t> visits{0};
-        search.findAll(points.data(), count, [&](std::size_t, auto, std::size_t) { ++visits; });
+        search.findAll(points.data(),
+                       count,
+                       [&](std::size_t, auto, std::size_t) { ++visits; },
+                       {.is_approximate = true});
         EXPECT_FALSE(search.recall());
         return visits.load();
     };

@@ -7,6 +7,8 @@
 
 #include "stats/fourier_plan.h"
 
+#include "tests/plain/plain_own_potential.h"
+
 namespace plain {
 
 namespace {
@@ -246,7 +248,7 @@ Rows<double> influence(const Mesh& mesh, std::size_t N) {
     return result;
 }
 
-/// A polynomial of degree 5 or less by Horner's rule, from the lowest coefficient.
+/// A polynomial by Horner's rule, from the lowest coefficient.
 double polynomial(const std::vector<double>& coefficients, double f) {
     double sum = coefficients.back();
     for (std::size_t i = coefficients.size() - 1; i-- > 0;) {
@@ -298,6 +300,20 @@ double sum_of_products(const Weights& a, const Weights& b) {
            ((products[1] + products[5]) + (products[3] + products[7]));
 }
 
+/// What a point's own charge adds to the potential there, in one dimension.
+double own_part(const std::vector<double>& own, double f) {
+    return polynomial(own, (f - 0.5) * (f - 0.5));
+}
+
+/// The half of its slope.
+double half_own_slope(const std::vector<double>& own, double f) {
+    std::vector<double> derivative;
+    for (std::size_t i = 1; i < own.size(); ++i) {
+        derivative.push_back(static_cast<double>(i) * own[i]);
+    }
+    return (f - 0.5) * polynomial(derivative, (f - 0.5) * (f - 0.5));
+}
+
 /// For each covered column: the sum over the rows of a field, each times a weight.
 Weights sums_over_rows(const Mesh& mesh,
                        const std::vector<double>& field,
@@ -316,18 +332,13 @@ Weights sums_over_rows(const Mesh& mesh,
 
 }  // namespace
 
-Mesh mesh_under(const std::vector<double>& Y) {
+Mesh mesh_under(const Box& box) {
     Mesh mesh;
+    mesh.box = box;
     double width[2];
     for (std::size_t d = 0; d < 2; ++d) {
-        double least = Y[d];
-        double greatest = Y[d];
-        for (std::size_t i = d; i < Y.size(); i += 2) {
-            least = std::min(least, Y[i]);
-            greatest = std::max(greatest, Y[i]);
-        }
-        mesh.corner[d] = least;
-        width[d] = greatest - least;
+        mesh.corner[d] = box.least[d];
+        width[d] = box.greatest[d] - box.least[d];
     }
     for (int k = 0; k < 7 && std::max(width[0], width[1]) * mesh.cells_per_unit < 64.0; ++k) {
         mesh.cells_per_unit *= 2.0;
@@ -340,10 +351,17 @@ Mesh mesh_under(const std::vector<double>& Y) {
     return mesh;
 }
 
+Mesh mesh_under(const std::vector<double>& Y) {
+    return mesh_under(mesh_box(Y));
+}
+
 std::vector<std::int64_t> mesh_charges(const Mesh& mesh, const std::vector<double>& Y) {
     const std::size_t N = Y.size() / 2;
     std::vector<std::int64_t> charges(mesh.rows * mesh.columns, 0);
     for (std::size_t n = 0; n < N; ++n) {
+        if (!is_inside(mesh.box, Y, n)) {
+            continue;
+        }
         const PlaceOnMesh x = place(mesh, Y, n, 0);
         const PlaceOnMesh y = place(mesh, Y, n, 1);
         for (std::size_t r = 0; r < kCovered; ++r) {
@@ -399,15 +417,27 @@ MeshForces mesh_forces(const std::vector<double>& Y) {
     const Mesh mesh = mesh_under(Y);
     const std::vector<double> potential = mesh_potential(mesh, mesh_charges(mesh, Y), N);
     const double factor = -0.5 * mesh.cells_per_unit;
+    const std::vector<double> own = own_terms(mesh.cells_per_unit);
     MeshForces result;
     for (std::size_t n = 0; n < N; ++n) {
+        if (!is_inside(mesh.box, Y, n)) {
+            const PairSums all = on_far_point(Y, n);
+            result.forces.insert(result.forces.end(), {all.force[0], all.force[1]});
+            result.z_terms.push_back(all.q);
+            continue;
+        }
+        const PairSums far = from_far_points(mesh.box, Y, n);
         const PlaceOnMesh x = place(mesh, Y, n, 0);
         const PlaceOnMesh y = place(mesh, Y, n, 1);
         const Weights sums = sums_over_rows(mesh, potential, x, y, weights(y.f));
         const Weights sloping = sums_over_rows(mesh, potential, x, y, slopes(y.f));
-        result.forces.push_back(factor * sum_of_products(slopes(x.f), sums));
-        result.forces.push_back(factor * sum_of_products(weights(x.f), sloping));
-        result.z_terms.push_back(sum_of_products(weights(x.f), sums) - 1.0);
+        const double slope_x = sum_of_products(slopes(x.f), sums) - half_own_slope(own, x.f);
+        const double slope_y = sum_of_products(weights(x.f), sloping) - half_own_slope(own, y.f);
+        const double value =
+            sum_of_products(weights(x.f), sums) - (own_part(own, x.f) + own_part(own, y.f));
+        result.forces.push_back(factor * slope_x + far.force[0]);
+        result.forces.push_back(factor * slope_y + far.force[1]);
+        result.z_terms.push_back(value + far.q);
     }
     return result;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "tests/plain/plain_far_points.h"
 #include "tests/plain/plain_sptree.h"
 
 /// Repulsion from a particle mesh once more, as plainly as it can be written: one thread, one
@@ -24,7 +25,11 @@ struct Mesh {
     double corner[2] = {};
     std::size_t rows = 0;
     std::size_t columns = 0;
+    /// What lies outside it is on no cell.
+    Box box;
 };
+
+Mesh mesh_under(const Box& box);
 
 Mesh mesh_under(const std::vector<double>& Y);
 

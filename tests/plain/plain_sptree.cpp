@@ -297,51 +297,61 @@ SparseRows joined(const SparseRows& conditional) {
     return P;
 }
 
-std::vector<double> embed_with_tree(const Matrix& input,
-                                    std::size_t no_dims,
-                                    double perplexity,
-                                    double theta,
-                                    const Schedule& schedule,
-                                    std::vector<double>* costs) {
-    return embed_with(tree_repulsion(no_dims, theta), input, no_dims, perplexity, schedule, costs);
+namespace {
+
+/// Joint similarities that are scaled one by one, or by a factor of all.
+struct Similarities {
+    SparseRows rows;
+    bool has_factor = false;
+    double factor = 1.0;
+
+    void scale(double multiplier, double divisor) {
+        if (has_factor) {
+            factor = factor * multiplier / divisor;
+            return;
+        }
+        for (auto& row : rows) {
+            for (auto& entry : row) {
+                entry.second = entry.second * multiplier / divisor;
+            }
+        }
+    }
+
+    [[nodiscard]] SparseRows values() const {
+        SparseRows values = rows;
+        for (auto& row : values) {
+            for (auto& entry : row) {
+                entry.second *= factor;
+            }
+        }
+        return values;
+    }
+};
+
+void round_to_single(SparseRows& rows) {
+    for (auto& row : rows) {
+        for (auto& entry : row) {
+            entry.second = static_cast<double>(static_cast<float>(entry.second));
+        }
+    }
 }
 
-std::vector<double> embed_with(const Repulsion& repulsion,
-                               const Matrix& input,
-                               std::size_t no_dims,
-                               double perplexity,
-                               const Schedule& schedule,
-                               std::vector<double>* costs) {
+/// Draws as many numbers from the seed as a search for neighbours does.
+void draw_tree(const Schedule& schedule, std::size_t N) {
     srand(schedule.seed);
-    for (std::size_t draw = 0; draw < tree_draws(input.rows); ++draw) {
+    for (std::size_t draw = 0; draw < tree_draws(N); ++draw) {
         rand();
     }
-    return descend_with(repulsion, joint_similarities(input, perplexity), no_dims, schedule, costs);
-}
-
-std::vector<double> descend_with_tree(SparseRows P,
-                                      std::size_t no_dims,
-                                      double theta,
-                                      const Schedule& schedule,
-                                      std::vector<double>* costs) {
-    return descend_with(tree_repulsion(no_dims, theta), std::move(P), no_dims, schedule, costs);
 }
 
 std::vector<double> descend_with(const Repulsion& repulsion,
-                                 SparseRows P,
+                                 Similarities P,
                                  std::size_t no_dims,
                                  const Schedule& schedule,
                                  std::vector<double>* costs) {
-    const auto scale_similarities = [&P](double factor, double divisor) {
-        for (auto& row : P) {
-            for (auto& entry : row) {
-                entry.second = entry.second * factor / divisor;
-            }
-        }
-    };
-    const std::size_t N = P.size();
+    const std::size_t N = P.rows.size();
     if (!schedule.is_annealed) {
-        scale_similarities(schedule.exaggeration, 1.0);
+        P.scale(schedule.exaggeration, 1.0);
     }
     std::vector<double> Y(N * no_dims);
     for (double& y : Y) {
@@ -356,7 +366,7 @@ std::vector<double> descend_with(const Repulsion& repulsion,
     std::vector<double> all_costs;
     for (int iter = 0; iter <= schedule.max_iter && !has_settled(schedule, all_costs); ++iter) {
         const std::vector<double> dY =
-            gradient_with(repulsion, P, Y, no_dims, annealing_of(schedule, iter));
+            gradient_with(repulsion, P.values(), Y, no_dims, annealing_of(schedule, iter));
         const double momentum = momentum_of(schedule, iter);
         const double learning_rate = learning_rate_of(schedule, N, iter);
         for (std::size_t i = 0; i < Y.size(); ++i) {
@@ -370,14 +380,59 @@ std::vector<double> descend_with(const Repulsion& repulsion,
         }
         centre_columns(Y, N, no_dims);
         if (!schedule.is_annealed && iter == schedule.stop_lying_iter) {
-            scale_similarities(1.0, schedule.exaggeration);
+            P.scale(1.0, schedule.exaggeration);
         }
-        all_costs.push_back(cost_with(repulsion, P, Y, no_dims));
+        all_costs.push_back(cost_with(repulsion, P.values(), Y, no_dims));
     }
     if (costs != nullptr) {
         costs->insert(costs->end(), all_costs.begin(), all_costs.end());
     }
     return Y;
+}
+
+}  // namespace
+
+std::vector<double> embed_with_tree(const Matrix& input,
+                                    std::size_t no_dims,
+                                    double perplexity,
+                                    double theta,
+                                    const Schedule& schedule,
+                                    std::vector<double>* costs) {
+    draw_tree(schedule, input.rows);
+    return descend_with_tree(
+        joint_similarities(input, perplexity), no_dims, theta, schedule, costs);
+}
+
+std::vector<double> embed_in_single_precision(const Repulsion& repulsion,
+                                              const Matrix& input,
+                                              std::size_t no_dims,
+                                              double perplexity,
+                                              const Schedule& schedule,
+                                              std::vector<double>* costs) {
+    draw_tree(schedule, input.rows);
+    std::vector<double> X = input.values;
+    normalise_input(X, input.rows, input.columns);
+    SparseRows conditional = neighbour_similarities(
+        X, input.rows, input.columns, perplexity, static_cast<std::size_t>(3.0 * perplexity));
+    round_to_single(conditional);
+    Similarities P{symmetrise(conditional), true};
+    round_to_single(P.rows);
+    double total = 0.0;
+    for (const auto& row : P.rows) {
+        for (const auto& entry : row) {
+            total += entry.second;
+        }
+    }
+    P.scale(1.0, total);
+    return descend_with(repulsion, std::move(P), no_dims, schedule, costs);
+}
+
+std::vector<double> descend_with_tree(SparseRows P,
+                                      std::size_t no_dims,
+                                      double theta,
+                                      const Schedule& schedule,
+                                      std::vector<double>* costs) {
+    return descend_with(tree_repulsion(no_dims, theta), {std::move(P)}, no_dims, schedule, costs);
 }
 
 }  // namespace plain

@@ -116,13 +116,15 @@ std::vector<double> embed_with_tree(const Matrix& input,
                                     const Schedule& schedule,
                                     std::vector<double>* costs);
 
-/// The same with another repulsion.
-std::vector<double> embed_with(const Repulsion& repulsion,
-                               const Matrix& input,
-                               std::size_t no_dims,
-                               double perplexity,
-                               const Schedule& schedule,
-                               std::vector<double>* costs);
+/// The same with another repulsion, and with similarities in single precision: conditional ones are
+/// rounded, so are the joint ones before their sum divides them, and a factor of all is what is
+/// divided and scaled from then on.
+std::vector<double> embed_in_single_precision(const Repulsion& repulsion,
+                                              const Matrix& input,
+                                              std::size_t no_dims,
+                                              double perplexity,
+                                              const Schedule& schedule,
+                                              std::vector<double>* costs);
 
 /// Gradient descent on given similarities, from the deviates that `rand` gives now.
 std::vector<double> descend_with_tree(SparseRows P,
@@ -130,12 +132,5 @@ std::vector<double> descend_with_tree(SparseRows P,
                                       double theta,
                                       const Schedule& schedule,
                                       std::vector<double>* costs);
-
-/// The same with any repulsion.
-std::vector<double> descend_with(const Repulsion& repulsion,
-                                 SparseRows P,
-                                 std::size_t no_dims,
-                                 const Schedule& schedule,
-                                 std::vector<double>* costs);
 
 }  // namespace plain

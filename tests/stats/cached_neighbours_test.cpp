@@ -38,14 +38,15 @@ Outcome affinities(const Matrix& matrix,
                    int K,
                    CachedNeighbours* cached,
                    unsigned int seed = 11,
-                   const NeighbourSearchManner& manner = {}) {
+                   bool is_approximate = false) {
     std::srand(seed);
-    const SparseMatrix P = neighbour_affinities(matrix.values.data(),
-                                                matrix.rows(),
-                                                matrix.columns,
-                                                K / 3.0,
-                                                K,
-                                                {{}, cached, nullptr, nullptr, manner});
+    const SparseMatrix P =
+        neighbour_affinities(matrix.values.data(),
+                             matrix.rows(),
+                             matrix.columns,
+                             K / 3.0,
+                             K,
+                             {.cached = cached, .is_approximate = is_approximate});
     const std::size_t entries = P.row_P[matrix.rows()];
     return {{P.col_P.get(), P.col_P.get() + entries},
             {P.val_P.get(), P.val_P.get() + entries},
@@ -126,16 +127,66 @@ TEST(CachedNeighbours, GiveRunsOfOtherSeedsWhatASearchOfTheirOwnGives) {
 
 TEST(CachedNeighbours, GiveWhatAnApproximateSearchOfItsOwnGives) {
     // In many dimensions, and more than a leaf of a tree holds: not all neighbours are found.
-    const Matrix matrix{test::random_values(5000 * 30, 406), 30};
-    const NeighbourSearchManner manner{.is_approximate = true};
-    const Outcome expected = affinities(matrix, 9, nullptr, 11, manner);
+    const Matrix matrix{test::random_values(3000 * 200, 406), 200};
+    const Outcome expected = affinities(matrix, 9, nullptr, 11, true);
     EXPECT_NE(expected, affinities(matrix, 9, nullptr));
     CachedNeighbours same(9);
-    EXPECT_EQ(affinities(matrix, 9, &same, 11, manner), expected);
-    EXPECT_EQ(affinities(matrix, 9, &same, 12, manner), affinities(matrix, 9, nullptr, 12, manner));
+    EXPECT_EQ(affinities(matrix, 9, &same, 11, true), expected);
+    EXPECT_EQ(affinities(matrix, 9, &same, 12, true), affinities(matrix, 9, nullptr, 12, true));
     CachedNeighbours more(60);
-    EXPECT_EQ(affinities(matrix, 9, &more, 11, manner), expected);
-    EXPECT_EQ(affinities(matrix, 9, &more, 11, manner), expected);
+    EXPECT_EQ(affinities(matrix, 9, &more, 11, true), expected);
+    EXPECT_EQ(affinities(matrix, 9, &more, 11, true), expected);
+}
+
+TEST(CachedNeighbours, AreExactAndSharedWhereAnApproximateSearchCannotBeMade) {
+    // Far too long for single precision.
+    Matrix matrix{test::random_values(600 * 5, 9), 5};
+    for (double& value : matrix.values) {
+        value *= 1e100;
+    }
+    const NeighbourSearchManner manner{.is_approximate = true};
+    CachedNeighbours cached(9);
+    for (const int K : {9, 4}) {
+        EXPECT_EQ(affinities(matrix, K, &cached, 11, manner), affinities(matrix, K, nullptr));
+    }
+    OwnRandomStream random;
+    random.seed(1);
+    CachedNeighbours shared(9);
+    EXPECT_EQ(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+    random.seed(1);
+    EXPECT_EQ(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+    random.seed(2);
+    EXPECT_NE(shared.begin(matrix.values.data(), 600, 5, random, manner), nullptr);
+}
+
+TEST(CachedNeighbours, TellHowFarTheyAreAndAreStopped) {
+    const Matrix matrix{test::random_values(600 * 4, 8), 4};
+    for (const bool is_approximate : {false, true}) {
+        std::vector<std::uint64_t> told;
+        NeighbourSearchManner manner{is_approximate, [&](Stage stage, auto done, auto total) {
+                                         EXPECT_EQ(stage, Stage::Neighbours);
+                                         EXPECT_EQ(total, 600U);
+                                         told.push_back(done);
+                                     }};
+        CachedNeighbours cached(9);
+        for (int run = 0; run < 2; ++run) {
+            told.clear();
+            affinities(matrix, 9, &cached, 11, manner);
+            ASSERT_GT(told.size(), 1U);
+            EXPECT_EQ(told.front(), 0U);
+            EXPECT_EQ(told.back(), 600U);
+        }
+        // A run that is ended leaves nothing that is half found to the next.
+        CachedNeighbours stopped(9);
+        const Outcome expected = affinities(matrix, 9, nullptr, 11, {is_approximate, {}});
+        manner.on_stage = [](Stage, std::uint64_t done, std::uint64_t) {
+            if (done > 0) {
+                throw std::runtime_error("enough");
+            }
+        };
+        EXPECT_THROW(affinities(matrix, 9, &stopped, 11, manner), std::runtime_error);
+        EXPECT_EQ(affinities(matrix, 9, &stopped, 11, {is_approximate, {}}), expected);
+    }
 }
 
 TEST(CachedNeighbours, SearchForMoreThanIsKept) {

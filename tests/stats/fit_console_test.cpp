@@ -100,8 +100,16 @@ TEST(ConsoleNotes, LogThePerplexityAroundTheDistances) {
     EXPECT_EQ(sink.lines[1].line, 641);
 }
 
+TEST(ConsoleNotes, SayThatAnApproximateSearchBecomesExactAndTheCure) {
+    const std::string text = printed([] { console_notes(30.0)(FitNote::SearchIsExact); }).out;
+    EXPECT_THAT(text, HasSubstr("The search for neighbours is exact"));
+    EXPECT_THAT(text, HasSubstr("--pca"));
+}
+
 TEST(PrintRecall, TellsTheRecallAndWarnsOfALowOne) {
-    EXPECT_EQ(printed([] { print_recall({0.98712, 1000}); }).out,
+    EXPECT_EQ(printed([] {
+                  print_recall({0.98712, 1000});
+              }).out,
               "-- Approximate neighbours: 98.7 % of the nearest, of 1000 rows\n");
     const std::string low = printed([] { print_recall({0.75, 1000}); }).out;
     EXPECT_THAT(low, HasSubstr("75.0 % of the nearest"));

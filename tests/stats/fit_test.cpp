@@ -273,6 +273,28 @@ TEST(Fit, TellsHowManyNeighboursAnApproximateSearchFound) {
     EXPECT_THROW(fitted(kOptions, hooks), std::runtime_error);
 }
 
+TEST(Fit, SaysWhereAnApproximateSearchBecomesExact) {
+    // More columns than single precision tells rows apart by.
+    constexpr std::size_t kColumns = 8400;
+    std::vector<double> X = test::random_values(60 * kColumns, 31);
+    FitOptions options = kOptions;
+    options.perplexity = 5.0;
+    options.max_iter = 1;
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    FitHooks hooks;
+    int told = 0;
+    hooks.on_note = [&](FitNote note) { told += note == FitNote::SearchIsExact ? 1 : 0; };
+    const Fit exact = fit({X.data(), 60, kColumns}, options, hooks);
+    EXPECT_EQ(told, 1);
+    EXPECT_TRUE(exact.report.search_became_exact);
+    EXPECT_FALSE(exact.report.recall);
+    X.resize(60 * std::size_t{20});
+    const Fit approximate = fit({X.data(), 60, 20}, options, hooks);
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(approximate.report.search_became_exact);
+    EXPECT_TRUE(approximate.report.recall);
+}
+
 TEST(Fit, HasNoNeighboursOfTheExactMethodOrWhereNoneAreWanted) {
     EXPECT_TRUE(fitted(kOptions).report.neighbours.neighbours.empty());
     FitHooks hooks;

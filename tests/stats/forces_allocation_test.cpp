@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
@@ -8,15 +9,17 @@
 
 #include <gtest/gtest.h>
 
+#include "stats/mesh_potential.h"
 #include "stats/sliced_attraction.h"
 #include "stats/sparse_forces.h"
 #include "stats/tree_repulsion.h"
+#include "util/work_memory_error.h"
 
 #include "tests/support/engine_run.h"
 #include "tests/support/random_points.h"
 
-/// Counts what is allocated while embeddings are evaluated one after the other. A program of its
-/// own: it takes the place of the allocation functions.
+/// Counts what is allocated while embeddings are evaluated one after the other, and lets memory run
+/// out in between. A program of its own: it takes the place of the allocation functions.
 
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
@@ -25,11 +28,20 @@ namespace {
 
 std::atomic<long> allocations{0};
 
+/// Allocations of this size and more are work arrays.
+constexpr std::size_t kLarge = 100'000;
+
+/// Of the large allocations to come, which one fails; none below 0.
+std::atomic<long> failing{-1};
+
 }  // namespace
 
 // The library's operator new calls malloc.
 extern "C" void* malloc(std::size_t size) {
     ++allocations;
+    if (size >= kLarge && failing >= 0 && failing-- == 0) {
+        return nullptr;
+    }
     return __libc_malloc(size);
 }
 
@@ -76,6 +88,39 @@ TEST(SparseForces, AllocateNothingAfterTheFirstEmbedding) {
     }
     EXPECT_EQ(allocations, before);
     EXPECT_GT(cost, 0.0);
+}
+
+/// The potential of one charge on a mesh of 150 x 150 cells.
+std::vector<double> potential_of(MeshPotential& potential) {
+    potential.lay(150, 150, 3.0, 1.0);
+    std::fill_n(potential.field(), 150 * potential.stride(), 0.0);
+    potential.field()[70 * potential.stride() + 40] = 1.0;
+    potential.solve();
+    return {potential.field(), potential.field() + 150 * potential.stride()};
+}
+
+TEST(MeshPotential, IsLaidAnewAfterMemoryRanOut) {
+    MeshPotential whole;
+    const std::vector<double> expected = potential_of(whole);
+    int failures = 0;
+    for (long which = 0;; ++which) {
+        MeshPotential potential;
+        potential.lay(10, 10, 3.0, 1.0);
+        failing = which;
+        try {
+            EXPECT_EQ(potential_of(potential), expected);
+        } catch (const WorkMemoryError&) {
+            ++failures;
+        } catch (const std::bad_alloc&) {
+            // The copy of the potential.
+        }
+        if (failing.exchange(-1) >= 0) {
+            break;
+        }
+        EXPECT_EQ(potential_of(potential), expected) << which;
+    }
+    // The field, its spectrum, the influence.
+    EXPECT_GE(failures, 3);
 }
 
 /// Allocations of a whole run.

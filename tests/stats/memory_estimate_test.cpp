@@ -119,6 +119,28 @@ TEST(EstimateMemory, CountsTheNeighboursThatASampleIsSpreadBy) {
     EXPECT_EQ(estimate_memory(size).similarities, without + 12.0 * 90.0 * 100000.0);
 }
 
+TEST(EstimateMemory, CountsTheFitOfASample) {
+    RunSize size = kBarnesHut;
+    EXPECT_EQ(estimate_memory(size).sample, 0.0);
+    size.options.start = StartKind::Sample;
+    // The sample's input, affinities and forces stand beside those of the whole.
+    const double beside = estimate_memory(size).sample - estimate_memory(size).fitting;
+    RunSize sampled = size;
+    sampled.rows = 10'000;
+    sampled.options.start = StartKind::Pca;
+    const MemoryEstimate own = estimate_memory(sampled);
+    const double own_rest = 14e6 + 80.0 * 10'000.0;
+    const double graph = 12.0 * 90.0 * 100'000.0;
+    EXPECT_GT(beside, graph + std::max(own.similarities, own.fitting) - own_rest - 1e6);
+    EXPECT_LT(beside, graph + std::max(own.similarities, own.fitting) + 2e6);
+    EXPECT_GE(estimate_memory(size).peak(), estimate_memory(size).sample);
+    // Most of the exact method are matrices of all pairs.
+    size.options.theta = 0.0;
+    EXPECT_NEAR(estimate_memory(size).sample - estimate_memory(size).fitting,
+                16.0 * 10'000.0 * 10'000.0 + 300.0 * 100'000.0,
+                3e7);
+}
+
 TEST(EstimateMemory, CountsTheFitsOfSeveralSeedsThatRunSideBySide) {
     RunSize size = kExact;
     size.threads = 4;

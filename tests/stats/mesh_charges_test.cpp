@@ -30,9 +30,10 @@ TEST(ChargeScale, LeavesNoSumAndNoChargeTooLarge) {
 struct Charges {
     explicit Charges(const std::vector<double>& Y) {
         const std::size_t N = Y.size() / 2;
-        const MeshGrid grid = mesh_grid(map_box(Y.data(), N), N);
+        const MapBox box = map_box(Y.data(), N);
+        const MeshGrid grid = mesh_grid(box, N);
         stride = (grid.columns + 9) / 8 * 8;
-        order.sort(Y.data(), N, grid);
+        order.sort(Y.data(), N, box, grid);
         std::vector<double> field(grid.rows * stride);
         charges.spread(order, N, grid.rows, stride, field.data());
         for (std::size_t i = 0; i < field.size(); ++i) {

@@ -69,5 +69,16 @@ TEST(MeshPotential, FollowsTheMeshFromOneFieldToTheNext) {
     }
 }
 
+TEST(MeshPotential, IsLaidAnewWhereTheInstructionsChange) {
+    const Case made = make_case(0.5);
+    MeshPotential potential;
+    std::vector<InstructionSet> sets = test::available_instruction_sets();
+    sets.insert(sets.end(), sets.rbegin(), sets.rend());
+    for (const InstructionSet set : sets) {
+        const test::InstructionLimit limit(set);
+        EXPECT_EQ(potential_of(potential, made.mesh, made.charges), made.expected);
+    }
+}
+
 }  // namespace
 }  // namespace ovik

@@ -117,8 +117,8 @@ TEST(MeshRun, EqualsThePlainProgramForAnyNumberOfThreads) {
     const test::TemporaryDirectory directory;
     const std::string path = test::first_rows(directory, "brauer2008_chemostat.tsv", kRows);
     const plain::Matrix input = plain::read_tab_separated(path, kRows);
-    const std::vector<double> Y =
-        plain::embed_with(&plain::mesh_repulsion, input, 2, kPerplexity, kSchedule, nullptr);
+    const std::vector<double> Y = plain::embed_in_single_precision(
+        &plain::mesh_repulsion, input, 2, kPerplexity, kSchedule, nullptr);
     for (const int threads : {1, 2, 5}) {
         const test::ThreadCount scope(threads);
         EXPECT_EQ(test::run_engine(path,

@@ -42,6 +42,14 @@ TEST(RunCaption, ShowsHowManyNeighboursAnApproximateSearchFound) {
     EXPECT_EQ(parameters[parameters.size() - 4], Parameter("Neighbour search", "approximate"));
 }
 
+TEST(RunCaption, SaysWhereAnApproximateSearchBecameExact) {
+    FitReport report;
+    report.search_became_exact = true;
+    const auto parameters = caption_parameters({}, 90, 6, report);
+    EXPECT_EQ(parameters[parameters.size() - 3],
+              Parameter("Neighbours found", "all: the search was exact"));
+}
+
 TEST(RunCaption, TellsOfSeveralSeeds) {
     FitReport report;
     report.seeds = SeedReport{{{11, 10, 1.5, true}, {12, 10, 1.25, true}}, 1, {}};

@@ -4,12 +4,14 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/plain/plain_start.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
@@ -17,6 +19,7 @@
 namespace ovik {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -112,16 +115,8 @@ TEST(PlaceAmongNeighbours, EqualsThePlainProgramForAnyNumberOfThreads) {
     }
     NeighbourGraph graph{kRows, kNeighbours, {}, {}};
     for (std::size_t n = 0; n < kRows; ++n) {
-        std::vector<std::pair<double, std::uint32_t>> others;
-        for (std::uint32_t m = 0; m < kRows; ++m) {
-            const double x = X[3 * n] - X[3 * m];
-            const double y = X[3 * n + 1] - X[3 * m + 1];
-            const double z = X[3 * n + 2] - X[3 * m + 2];
-            others.emplace_back(n == m ? INFINITY : x * x + y * y + z * z, m);
-        }
-        std::sort(others.begin(), others.end());
-        for (std::size_t k = 0; k < kNeighbours; ++k) {
-            graph.neighbours.push_back(others[k].second);
+        for (const NearRow& one : test::nearest_of(X, 3, n, kNeighbours)) {
+            graph.neighbours.push_back(one.row);
         }
     }
     const std::vector<double> expected =
@@ -149,6 +144,53 @@ TEST(StartFromSample, RefusesFewRowsAndMapsWithoutExtent) {
     EXPECT_EQ(start(2000), "");
     options.learning_rate = 1e300;
     EXPECT_THAT(start(2000), HasSubstr("the map of the sample of 1000 rows has no extent"));
+    // Along one column alone.
+    for (std::size_t n = 0; n < 2000; ++n) {
+        X[3 * n + 1] = X[3 * n + 2] = 0.0;
+    }
+    EXPECT_THAT(start(2000),
+                AllOf(HasSubstr("the sample of 1000 rows at whose map all would start"),
+                      HasSubstr("vary along 1 alone")));
+}
+
+TEST(StartFromSample, TellsHowFarItsFitIsAndWhatItFound) {
+    std::vector<double> Y(4000);
+    const std::vector<double> X = test::random_values(2000 * 3, 9);
+    FitOptions options{.perplexity = 5.0,
+                       .max_iter = 3,
+                       .neighbour_search = NeighbourSearchKind::Approximate,
+                       .start = StartKind::Sample};
+    const NeighbourGraph graph = graph_without_neighbours(2000, 1);
+    std::uint64_t last = 0;
+    int iterations = 0;
+    SampleHooks hooks;
+    hooks.on_stage = [&](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Sample);
+        EXPECT_EQ(total, 4U);
+        last = done;
+    };
+    hooks.on_iteration = [&](const FitState& state) {
+        EXPECT_EQ(state.embedding.size(), 2000U);
+        return ++iterations < 3;
+    };
+    const auto start = [&] {
+        return start_from_sample({Y.data(), 2000, 2}, {X.data(), 2000, 3}, options, graph, hooks);
+    };
+    const SampleReport report = start();
+    EXPECT_EQ(report.rows, 1000U);
+    ASSERT_TRUE(report.recall);
+    EXPECT_EQ(report.recall->rows, 1000U);
+    EXPECT_GT(report.recall->share, 0.9);
+    EXPECT_EQ(iterations, 3);
+    EXPECT_EQ(last, 3U);
+    options.neighbour_search = NeighbourSearchKind::Exact;
+    EXPECT_FALSE(start().recall);
+    // The first word of it is of its neighbours.
+    hooks.on_iteration = {};
+    hooks.on_stage = [](Stage, std::uint64_t, std::uint64_t) {
+        throw std::runtime_error("enough");
+    };
+    EXPECT_THROW(start(), std::runtime_error);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cmath>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "tests/plain/plain_sptree.h"
 #include "tests/plain/plain_start.h"
 #include "tests/plain/plain_tsne.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
@@ -105,11 +108,33 @@ class SampledStartRun : public StartRun {
     static constexpr std::size_t kLarge = 2000;
     static constexpr double kSmallPerplexity = 4.0;
 
+    /// Measured values, which have two decimals, a little shaken: rows at exactly the same distance
+    /// are neighbours in the order of their numbers in the plain program, and in the engine in that
+    /// in which its search came upon them.
     SampledStartRun() {
-        // Without distances that are equal but for their last bits.
-        input_ = {{}, kLarge, 5, test::random_values(kLarge * 5, 31)};
+        input_ = plain::read_tab_separated(OVIK_DATA_DIR "/brauer2008_chemostat.tsv", kLarge);
+        const std::vector<double> shaken = test::random_values(input_.values.size(), 31);
+        for (std::size_t i = 0; i < shaken.size(); ++i) {
+            input_.values[i] += 1e-7 * shaken[i];
+        }
         points_ = input_.values;
         plain::normalise_input(points_, kLarge, input_.columns);
+    }
+
+    /// By how much a neighbour is farther than the one before it, at least: among the nearest of
+    /// all rows, as many as are asked for and one more.
+    [[nodiscard]] static double leastGap(const std::vector<double>& points,
+                                         std::size_t columns,
+                                         std::size_t neighbours) {
+        double least = 1.0;
+        for (std::size_t row = 0; row < points.size() / columns; ++row) {
+            const std::vector<NearRow> nearest =
+                test::nearest_of(points, columns, row, neighbours + 1);
+            for (std::size_t i = 1; i < nearest.size(); ++i) {
+                least = std::min(least, nearest[i].distance - nearest[i - 1].distance);
+            }
+        }
+        return least;
     }
 
     static FitOptions sampledOptions(double theta) {
@@ -132,16 +157,22 @@ class SampledStartRun : public StartRun {
                    : plain::embed_with_tree(matrix, 2, kSmallPerplexity, theta, schedule, nullptr);
     }
 
-    /// @param neighbours  among which rows are placed
-    [[nodiscard]] std::vector<double> plainStart(double theta, std::size_t neighbours) const {
+    [[nodiscard]] plain::Matrix sampleOf(const std::vector<std::size_t>& rows) const {
         const std::size_t columns = input_.columns;
-        const std::vector<std::size_t> sample = plain::sampled_rows(kLarge, 5);
-        plain::Matrix sampled{{}, sample.size(), columns, {}};
-        for (const std::size_t row : sample) {
+        plain::Matrix sampled{{}, rows.size(), columns, {}};
+        for (const std::size_t row : rows) {
             const auto begin = points_.begin() + static_cast<std::ptrdiff_t>(row * columns);
             sampled.values.insert(
                 sampled.values.end(), begin, begin + static_cast<std::ptrdiff_t>(columns));
         }
+        return sampled;
+    }
+
+    /// @param neighbours  among which rows are placed
+    [[nodiscard]] std::vector<double> plainStart(double theta, std::size_t neighbours) const {
+        const std::size_t columns = input_.columns;
+        const std::vector<std::size_t> sample = plain::sampled_rows(kLarge, 5);
+        const plain::Matrix sampled = sampleOf(sample);
         std::vector<double> normalised = sampled.values;
         plain::normalise_input(normalised, sample.size(), columns);
         const std::vector<double> map =
@@ -166,6 +197,11 @@ class SampledStartRun : public StartRun {
 };
 
 TEST_F(SampledStartRun, EqualsThePlainProgram) {
+    // Far above what is left to rounding.
+    ASSERT_GT(leastGap(points_, input_.columns, 25), 1e-12);
+    plain::Matrix sampled = sampleOf(plain::sampled_rows(kLarge, 5));
+    plain::normalise_input(sampled.values, sampled.rows, sampled.columns);
+    ASSERT_GT(leastGap(sampled.values, sampled.columns, 12), 1e-12);
     EXPECT_EQ(run(sampledOptions(kTheta)), plainMap(input_, plainStart(kTheta, 12), kTheta));
     EXPECT_EQ(run(sampledOptions(0.0)), plainMap(input_, plainStart(0.0, 25), 0.0));
 }
@@ -198,6 +234,50 @@ TEST_F(SampledStartRun, IsOfTheSeedAndNotLookedAtWhereAFitIsResumed) {
     resumed.resumed_state = &kept;
     X = input_.values;
     EXPECT_EQ(fit({X.data(), kLarge, input_.columns}, options, resumed).embedding, whole.embedding);
+}
+
+TEST_F(SampledStartRun, TellsOfTheSampleAndIsStoppedInIt) {
+    FitOptions options = sampledOptions(kTheta);
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    std::vector<std::string> order;
+    const auto note = [&order](const std::string& what) {
+        if (order.empty() || order.back() != what) {
+            order.push_back(what);
+        }
+    };
+    FitHooks hooks;
+    hooks.on_similarities = [&](const std::string& /*message*/) { note("similarities"); };
+    hooks.on_note = [&](FitNote told) {
+        if (told == FitNote::SampleBegins) {
+            note("sample begins");
+        }
+    };
+    hooks.on_stage = [&](Stage stage, std::uint64_t /*done*/, std::uint64_t /*total*/) {
+        if (stage == Stage::Sample || stage == Stage::Iterations) {
+            note(stage == Stage::Sample ? "sample" : "iterations");
+        }
+    };
+    hooks.on_sample = [&](const SampleReport& sample) {
+        EXPECT_EQ(sample.rows, sample_size(kLarge));
+        EXPECT_TRUE(sample.recall);
+        note("sample ended");
+    };
+    std::vector<double> X = input_.values;
+    const MatrixView<double> rows{X.data(), kLarge, input_.columns};
+    const FitReport report = fit(rows, options, hooks).report;
+    EXPECT_EQ(order,
+              (std::vector<std::string>{
+                  "similarities", "sample begins", "sample", "sample ended", "iterations"}));
+    ASSERT_TRUE(report.sample);
+    EXPECT_GT(report.seconds.sample, 0.0);
+    X = input_.values;
+    int iterations = 0;
+    hooks.on_sample = {};
+    hooks.on_sample_iteration = [&](const FitState& /*state*/) -> bool {
+        throw std::runtime_error(++iterations == 1 ? "enough" : "too late");
+    };
+    EXPECT_THROW(fit(rows, options, hooks), std::runtime_error);
+    EXPECT_EQ(iterations, 1);
 }
 
 TEST_F(StartRun, OfComponentsInThePlaceOfColumnsEqualsThePlainProgram) {

@@ -1,5 +1,6 @@
 #include "stats/kernels/mesh_points.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -73,47 +74,92 @@ TEST_P(MeshPointsTest, SpreadFromAnotherRowAndBesideWhatIsThere) {
     EXPECT_EQ(std::vector<std::int64_t>(all.begin() + 8 * kStride, all.end()), lower);
 }
 
+/// Without a factor of the forces, and an own potential.
+MeshField field_of(const std::vector<double>& cells) {
+    return {cells.data(), kStride, {}, 1.0};
+}
+
+struct Readings {
+    std::vector<double> forces;
+    std::vector<double> z_terms;
+
+    bool operator==(const Readings&) const = default;
+};
+
+Readings readings_of(const MeshPoints& kernels,
+                     const std::vector<MeshPoint>& points,
+                     const MeshField& field) {
+    Readings readings{std::vector<double>(2 * points.size()), std::vector<double>(points.size())};
+    kernels.gather(
+        points.data(), points.size(), field, readings.forces.data(), readings.z_terms.data());
+    return readings;
+}
+
 TEST_P(MeshPointsTest, ReadPolynomialsAndTheirSlopesExactly) {
-    // The spline's middle lies two cells behind its first one; z is less a point's own.
-    std::vector<double> field(kRows * kStride);
-    for (std::size_t i = 0; i < field.size(); ++i) {
+    // The spline's middle lies two cells behind its first one.
+    std::vector<double> cells(kRows * kStride);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
         const double x = static_cast<double>(i % kStride) - 2.0;
         const double y = static_cast<double>(i / kStride) - 2.0;
-        field[i] = (3.0 + 0.5 * x - 0.25 * y + 0.125 * x * y) / 14400.0;
+        cells[i] = (3.0 + 0.5 * x - 0.25 * y + 0.125 * x * y) / 14400.0;
     }
     const std::vector<MeshPoint> points = some_points();
-    std::vector<double> forces(2 * points.size());
-    std::vector<double> z_terms(points.size());
-    kernels.gather(
-        points.data(), points.size(), field.data(), kStride, -1.5, forces.data(), z_terms.data());
+    MeshField field = field_of(cells);
+    field.force_factor = -1.5;
+    const Readings readings = readings_of(kernels, points, field);
     for (const MeshPoint& point : points) {
         const std::size_t n = point.index;
-        EXPECT_NEAR(forces[2 * n], -1.5 * (0.5 + 0.125 * point.y), 1e-12);
-        EXPECT_NEAR(forces[2 * n + 1], -1.5 * (-0.25 + 0.125 * point.x), 1e-12);
-        EXPECT_NEAR(
-            z_terms[n], 2.0 + 0.5 * point.x - 0.25 * point.y + 0.125 * point.x * point.y, 1e-12);
+        EXPECT_NEAR(readings.forces[2 * n], -1.5 * (0.5 + 0.125 * point.y), 1e-12);
+        EXPECT_NEAR(readings.forces[2 * n + 1], -1.5 * (-0.25 + 0.125 * point.x), 1e-12);
+        EXPECT_NEAR(readings.z_terms[n],
+                    3.0 + 0.5 * point.x - 0.25 * point.y + 0.125 * point.x * point.y,
+                    1e-12);
+    }
+}
+
+TEST_P(MeshPointsTest, TakeOffTheOwnPotentialAtThePlaceBetweenCells) {
+    const std::vector<double> cells(kRows * kStride, 0.0);
+    MeshField field = field_of(cells);
+    field.own = {{3.0, -2.0, 5.0, 1.0, -7.0, 4.0}, {-2.0, 10.0, 3.0, -28.0, 20.0}};
+    const std::vector<MeshPoint> points = some_points();
+    const Readings readings = readings_of(kernels, points, field);
+    const auto own = [&](double place) {
+        const double s = std::pow(place - std::floor(place) - 0.5, 2);
+        double sum = 0.0;
+        for (std::size_t i = 0; i < kOwnTerms; ++i) {
+            sum += field.own.terms[i] * std::pow(s, static_cast<double>(i));
+        }
+        return sum;
+    };
+    // Half of the difference over a step, within a cell.
+    const auto half_slope = [&](double place) {
+        constexpr double kStep = 1e-6;
+        const double inner = std::clamp(place - std::floor(place), kStep, 1.0 - kStep);
+        return (own(inner + 0.999 * kStep) - own(inner - 0.999 * kStep)) / (4.0 * 0.999 * kStep);
+    };
+    for (const MeshPoint& point : points) {
+        const std::size_t n = point.index;
+        EXPECT_NEAR(readings.z_terms[n], -(own(point.x) + own(point.y)), 1e-12);
+        EXPECT_NEAR(readings.forces[2 * n], -half_slope(point.x), 1e-5);
+        EXPECT_NEAR(readings.forces[2 * n + 1], -half_slope(point.y), 1e-5);
     }
 }
 
 TEST_P(MeshPointsTest, GiveTheSameBytesAsScalarCode) {
     const MeshPoints& scalar = mesh_points(InstructionSet::Scalar);
     const std::vector<MeshPoint> points = some_points();
-    const std::vector<double> field = test::random_values(kRows * kStride, 9);
-    const auto results_of = [&](const MeshPoints& some_kernels) {
+    const std::vector<double> values = test::random_values(kRows * kStride, 9);
+    MeshField field = field_of(values);
+    field.own = {{0.4, 0.3, -0.2, 0.7, 0.1, 0.6}, {0.9, -0.1, 0.2, 0.3, 0.8}};
+    field.force_factor = 0.7;
+    const auto charges_of = [&](const MeshPoints& some_kernels) {
         std::vector<std::int64_t> cells(kRows * kStride, 0);
         some_kernels.spread(
             points.data(), points.size(), std::ldexp(1.0, 37), 0, kStride, cells.data());
-        std::vector<double> values(3 * points.size());
-        some_kernels.gather(points.data(),
-                            points.size(),
-                            field.data(),
-                            kStride,
-                            0.7,
-                            values.data(),
-                            values.data() + 2 * points.size());
-        return std::pair(cells, values);
+        return cells;
     };
-    EXPECT_EQ(results_of(kernels), results_of(scalar));
+    EXPECT_EQ(charges_of(kernels), charges_of(scalar));
+    EXPECT_EQ(readings_of(kernels, points, field), readings_of(scalar, points, field));
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "util/instruction_set.h"
+
+namespace ovik {
+
+/// Of each point: two of forces and one of the normalisation.
+constexpr std::size_t kFarSums = 3;
+
+/// Points are taken by multiples of this.
+constexpr std::size_t kFarGroup = 8;
+
+struct FarPlace {
+    double x;
+    double y;
+};
+
+/// Repulsion between points and others that lie far out.
+struct FarPairs {
+    /// With d the point less the far point, and q = 1 / (1 + (dx^2 + dy^2)), sums q^2 * d and q.
+    ///
+    /// @param x          of the points
+    /// @param y          of the points
+    /// @param count      points, a multiple of kFarGroup
+    /// @param scale      at most 2^50
+    /// @param of_points  kFarSums x count; written: for each point the sums over the far points, in
+    ///                   their order
+    /// @param of_far     far_count x kFarSums; to each is added, for all points, a term times
+    ///                   `scale`, rounded to the nearest whole number and to even
+    void (*sum)(const double* x,
+                const double* y,
+                std::size_t count,
+                const FarPlace* far,
+                std::size_t far_count,
+                double scale,
+                double* of_points,
+                std::int64_t* of_far);
+};
+
+const FarPairs& far_pairs(InstructionSet instructions);
+
+}  // namespace ovik
