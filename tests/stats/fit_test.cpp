@@ -17,6 +17,7 @@
 
 #include "stats/cached_neighbours.h"
 #include "stats/elementwise.h"
+#include "stats/mesh_repulsion.h"
 #include "stats/method.h"
 #include "stats/schedule.h"
 #include "stats/sparse_affinities.h"
@@ -541,6 +542,91 @@ TEST(FitByAnotherMethod, IsTheSameForAnyNumberOfThreadsAndGoesOnFromAState) {
         const test::ThreadCount scope(threads);
         EXPECT_EQ(embed({}), expected);
         EXPECT_EQ(embed(resuming), expected);
+    }
+}
+
+/// Every fifth embedding of a fit with the repulsion of all pairs.
+std::vector<std::vector<double>> embeddings_on_the_way(const FitOptions& options) {
+    std::vector<std::vector<double>> embeddings;
+    FitHooks hooks;
+    hooks.on_iteration = [&embeddings](const FitState& state) {
+        if (state.reached.iteration % 5 == 0) {
+            embeddings.emplace_back(state.embedding.begin(), state.embedding.end());
+        }
+        return true;
+    };
+    std::vector<double> X = input();
+    std::vector<double> Y(kRows * 2);
+    fit_into({Y.data(), kRows, 2}, matrix(X), options, hooks, kAllPairs);
+    return embeddings;
+}
+
+struct Repulsed {
+    std::vector<double> forces;
+    double z;
+};
+
+Repulsed repulsed_by(Repulsion& repulsion, const std::vector<double>& Y) {
+    std::vector<double> forces(Y.size());
+    std::vector<double> z_terms(Y.size() / 2);
+    repulsion.prepare(Y.data());
+    repulsion.finishPreparation();
+    repulsion.compute({0, z_terms.size()}, forces.data(), z_terms.data());
+    return {forces, std::accumulate(z_terms.begin(), z_terms.end(), 0.0)};
+}
+
+/// Root mean square of what differs, relative to that of the latter.
+double relative_error(const std::vector<double>& actual, const std::vector<double>& exact) {
+    double errors = 0.0;
+    double squares = 0.0;
+    for (std::size_t i = 0; i < exact.size(); ++i) {
+        errors += std::pow(actual[i] - exact[i], 2);
+        squares += std::pow(exact[i], 2);
+    }
+    return std::sqrt(errors / squares);
+}
+
+TEST(FitByAMesh, HasTheCostAndTheForcesOfAllPairsOnEveryMapOnTheWay) {
+    FitOptions options = kOptions;
+    options.method = MethodKind::Mesh;
+    std::vector<double> X = input();
+    const MethodInput of_rows{matrix(X), options, {}};
+    const std::unique_ptr<Objective> by_mesh = method_of(options).make(of_rows);
+    const std::unique_ptr<Objective> by_pairs = make_all_pairs(of_rows);
+    for (const double rate : {5.0, 50.0, 200.0}) {
+        FitOptions on_the_way = kOptions;
+        on_the_way.max_iter = 100;
+        on_the_way.learning_rate = rate;
+        for (const std::vector<double>& Y : embeddings_on_the_way(on_the_way)) {
+            MeshRepulsion mesh(kRows);
+            test::AllPairsRepulsion pairs(kRows, 2);
+            const Repulsed actual = repulsed_by(mesh, Y);
+            const Repulsed exact = repulsed_by(pairs, Y);
+            EXPECT_NEAR(by_mesh->cost(Y.data()), by_pairs->cost(Y.data()), 1e-4);
+            EXPECT_LT(relative_error(actual.forces, exact.forces), 0.005);
+        }
+    }
+}
+
+TEST(FitByAMesh, ComesToTheCostOfAllPairsWhereStepsAreSmall) {
+    // Early exaggeration ends soon, and steps are small: else fits of so few rows with all pairs
+    // that start within 0.01 % of one another end with costs 0.02 apart.
+    FitOptions options = kOptions;
+    options.learning_rate = 5.0;
+    options.max_iter = 1000;
+    std::vector<double> grouped = input();
+    for (std::size_t n = 0; n < kRows; ++n) {
+        grouped[n * kColumns + n % 3] += 12.0;
+    }
+    for (const std::vector<double>& rows : {input(), grouped}) {
+        std::vector<double> X = rows;
+        std::vector<double> Y(kRows * 2);
+        options.method = MethodKind::Auto;
+        const FitReport exact = fit_into({Y.data(), kRows, 2}, matrix(X), options, {}, kAllPairs);
+        X = rows;
+        options.method = MethodKind::Mesh;
+        const FitReport actual = fit_into({Y.data(), kRows, 2}, matrix(X), options);
+        EXPECT_NEAR(actual.final_cost, exact.final_cost, 0.01);
     }
 }
 
