@@ -40,13 +40,12 @@ Outcome affinities(const Matrix& matrix,
                    unsigned int seed = 11,
                    const NeighbourSearchManner& manner = {}) {
     std::srand(seed);
-    const SparseMatrix P = neighbour_affinities(
-        matrix.values.data(),
-        matrix.rows(),
-        matrix.columns,
-        K / 3.0,
-        K,
-        {.cached = cached, .on_stage = manner.on_stage, .is_approximate = manner.is_approximate});
+    const SparseMatrix P = neighbour_affinities(matrix.values.data(),
+                                                matrix.rows(),
+                                                matrix.columns,
+                                                K / 3.0,
+                                                K,
+                                                {.cached = cached, .manner = manner});
     const std::size_t entries = P.row_P[matrix.rows()];
     return {{P.col_P.get(), P.col_P.get() + entries},
             {P.val_P.get(), P.val_P.get() + entries},
