@@ -148,6 +148,18 @@ void File::close() {
     }
 }
 
+H5L_type_t File::linkAt(const std::string& path) const {
+    H5L_info_t link{};
+    if (H5Lget_info(file_.id(), path.c_str(), &link, H5P_DEFAULT) < 0) {
+        refuse_failed(place(path), "cannot be looked up");
+    }
+    return link.type;
+}
+
+bool File::isLink(const std::string& name) const {
+    return linkAt(name) != H5L_TYPE_HARD;
+}
+
 Kind File::kindOf(const std::string& path) const {
     std::size_t end = 0;
     while (end < path.size()) {
@@ -160,14 +172,11 @@ Kind File::kindOf(const std::string& path) const {
         if (exists == 0) {
             return Kind::Nothing;
         }
-        H5L_info_t link{};
-        if (H5Lget_info(file_.id(), part.c_str(), &link, H5P_DEFAULT) < 0) {
-            refuse_failed(place(part), "cannot be looked up");
-        }
-        if (link.type != H5L_TYPE_HARD) {
+        const H5L_type_t link = linkAt(part);
+        if (link != H5L_TYPE_HARD) {
             refuse(place(part),
                    std::string("this is a link ") +
-                       (link.type == H5L_TYPE_SOFT ? "to another place" : "into another file") +
+                       (link == H5L_TYPE_SOFT ? "to another place" : "into another file") +
                        ", and links are not followed\nWrite the file with the data in it.");
         }
     }

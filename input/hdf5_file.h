@@ -93,6 +93,9 @@ class File {
     /// @throws InputError if a part of the path is a link to somewhere else
     [[nodiscard]] Kind kindOf(const std::string& path) const;
 
+    /// Whether a name in the root is a link to somewhere else.
+    [[nodiscard]] bool isLink(const std::string& name) const;
+
     /// The names in a group in the order of the alphabet, at most a thousand.
     [[nodiscard]] std::vector<std::string> namesIn(const std::string& group) const;
 
@@ -111,6 +114,7 @@ class File {
     void checkMemory(const std::string& what, double bytes, const std::string& cure) const;
 
   private:
+    [[nodiscard]] H5L_type_t linkAt(const std::string& path) const;
     [[nodiscard]] Handle attributeOf(const std::string& path, const std::string& attribute) const;
 
     std::string name_;

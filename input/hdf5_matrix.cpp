@@ -186,9 +186,13 @@ InspectedMatrix read_annotated(const File& file, const LoadOptions& options) {
 /// that is called after the genome.
 std::string group_of_10x(const File& file) {
     std::vector<std::string> groups;
+    std::vector<std::string> links;
     for (const std::string& name : file.namesIn("")) {
-        if (file.kindOf(name) == Kind::Group && file.kindOf(name + "/barcodes") == Kind::Dataset &&
-            file.kindOf(name + "/indptr") == Kind::Dataset) {
+        if (file.isLink(name)) {
+            links.push_back(name);
+        } else if (file.kindOf(name) == Kind::Group &&
+                   file.kindOf(name + "/barcodes") == Kind::Dataset &&
+                   file.kindOf(name + "/indptr") == Kind::Dataset) {
             groups.push_back(name);
         }
     }
@@ -198,7 +202,14 @@ std::string group_of_10x(const File& file) {
                          "), one of each genome\nWrite the one that is wanted to a file of its "
                          "own.");
     }
-    return groups.empty() ? "" : groups.front();
+    if (groups.empty()) {
+        // A link may lead to what the file lacks: it is refused as one.
+        for (const std::string& link : links) {
+            static_cast<void>(file.kindOf(link));
+        }
+        return "";
+    }
+    return groups.front();
 }
 
 /// Says if the columns are of several kinds, which a map would take for one.

@@ -126,7 +126,8 @@ void Gnuplot<T>::draw(const std::string& base,
     std::string image;
     if (!drawn.around_image.empty()) {
         files = {drawn.around_image, png_of(point_image(figure, layout, 1.0)), drawn.draws_all};
-        image = png_of(point_image(figure, layout, image_scale(layout)));
+        const double scale = image_scale(layout);
+        image = scale == 1.0 ? files->points : png_of(point_image(figure, layout, scale));
     }
     drawing_ = std::make_unique<FigureDrawing>(
         base,

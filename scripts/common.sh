@@ -7,7 +7,8 @@ build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-de
 test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev python3
   chromium fonts-dejavu-core fonts-liberation2 groff-base locales poppler-utils
   pybind11-dev python3-dev python3-numpy python3-pip python3-pytest python3-setuptools python3-venv
-  python3-wheel python3-yaml mypy python3-anndata python3-igraph python3-leidenalg python3-matplotlib python3-pandas python3-scipy python3-sklearn
+  python3-wheel python3-yaml mypy python3-anndata python3-h5py python3-igraph python3-leidenalg
+  python3-matplotlib python3-pandas python3-scipy python3-sklearn
   r-base-core snakemake
   r-cran-cpp11 r-cran-testthat r-cran-knitr r-cran-markdown r-bioc-summarizedexperiment
   pkgconf clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"

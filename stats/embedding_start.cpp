@@ -11,7 +11,7 @@
 #include "neighbours/neighbour_search.h"
 #include "stats/elementwise.h"
 #include "stats/leading_eigenvectors.h"
-#include "stats/median.h"
+#include "stats/median_place.h"
 #include "util/format.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
@@ -25,41 +25,13 @@ bool has_place(MatrixView<const double> places, std::size_t n) {
     return !std::isnan(places.row(n)[0]);
 }
 
-/// Writes the median place of some rows.
-void write_median(MatrixView<const double> places,
-                  const std::vector<std::size_t>& rows,
-                  std::span<double> median_place) {
-    std::vector<double> values(rows.size());
-    for (std::size_t d = 0; d < places.columns; ++d) {
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            values[i] = places.row(rows[i])[d];
-        }
-        median_place[d] = median(values);
-    }
-}
-
-/// The neighbours of row n that have a place, of those that are looked at.
-std::vector<std::size_t> placed_neighbours(MatrixView<const double> places,
-                                           const NeighbourGraph& graph,
-                                           std::size_t n) {
-    std::vector<std::size_t> placed;
-    const std::size_t looked_at = std::min(graph.neighbour_count, kPlacingNeighbours);
-    for (std::size_t m = 0; m < looked_at; ++m) {
-        const std::size_t neighbour = graph.neighbours[n * graph.neighbour_count + m];
-        if (neighbour != n && has_place(places, neighbour)) {
-            placed.push_back(neighbour);
-        }
-    }
-    return placed;
-}
-
 void place_others(MatrixView<double> Y,
                   MatrixView<const double> places,
                   const NeighbourGraph& graph) {
-    std::vector<std::size_t> all_placed;
+    std::vector<std::uint32_t> all_placed;
     for (std::size_t n = 0; n < Y.rows; ++n) {
         if (has_place(places, n)) {
-            all_placed.push_back(n);
+            all_placed.push_back(static_cast<std::uint32_t>(n));
         }
     }
     if (all_placed.empty()) {
@@ -68,16 +40,22 @@ void place_others(MatrixView<double> Y,
             "their names.");
     }
     std::vector<double> middle(Y.columns);
-    write_median(places, all_placed, middle);
-    parallel_for_each(Y.rows, kElementwiseGrain, [&](std::size_t n) {
-        if (has_place(places, n)) {
-            return;
-        }
-        const std::vector<std::size_t> placed = placed_neighbours(places, graph, n);
-        if (placed.empty()) {
-            std::copy(middle.begin(), middle.end(), Y.row(n).begin());
-        } else {
-            write_median(places, placed, Y.row(n));
+    std::vector<double> all_values;
+    write_median_place(places, all_placed, all_values, middle);
+    const auto is_placed = [&](std::size_t row) { return has_place(places, row); };
+    parallel_for(Y.rows, kElementwiseGrain, [&](std::size_t /*worker*/, IndexRange rows) {
+        std::vector<std::uint32_t> placed;
+        std::vector<double> values;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            if (is_placed(n)) {
+                continue;
+            }
+            find_placed_neighbours(graph, n, kPlacingNeighbours, is_placed, placed);
+            if (placed.empty()) {
+                std::copy(middle.begin(), middle.end(), Y.row(n).begin());
+            } else {
+                write_median_place(places, placed, values, Y.row(n));
+            }
         }
     });
 }

@@ -5,6 +5,7 @@
 
 #include "neighbours/neighbour_graph.h"
 #include "stats/fit_choices.h"
+#include "stats/median_place.h"
 #include "stats/principal_components.h"
 #include "util/matrix_view.h"
 
@@ -12,9 +13,6 @@
 /// same for any number of threads.
 
 namespace ovik {
-
-/// So many nearest neighbours decide where a row starts that has no place of its own.
-constexpr std::size_t kPlacingNeighbours = 25;
 
 /// Starts along the first principal components of the rows, all times one factor, with which the
 /// first has the standard deviation `spread`, of rows - 1 degrees of freedom.

@@ -23,7 +23,7 @@ namespace {
 /// they are stated and do not follow the source.
 void log_perplexity(int line, double perplexity) {
     if (!console_is_silent) {
-        clear_place();
+        const ClearedPlace place;
         google::LogMessage("stats/tsne", line, google::GLOG_INFO).stream() << perplexity;
     }
 }

@@ -114,6 +114,13 @@ std::string check_given_neighbours(const NeighbourLists& lists,
                          "components, which have no effect so\nLeave out the components (pca), or "
                          "compute the neighbours among them.");
     }
+    if (options.neighbour_search == NeighbourSearchKind::Approximate &&
+        options.start != StartKind::Sample) {
+        throw InputError(source +
+                         ": gives the neighbours that would else be searched for, and an "
+                         "approximate search has no effect so\nLeave out the search "
+                         "(neighbour_search).");
+    }
     if (options.metric != MetricKind::Euclidean && options.start != StartKind::Pca &&
         options.start != StartKind::Sample && !measures_quality) {
         throw InputError(source +

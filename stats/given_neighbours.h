@@ -36,9 +36,10 @@ OVIK_API std::shared_ptr<CachedNeighbours> make_given_neighbours(NeighbourLists 
 /// @return what there is to say of rows that have fewer neighbours than the fit takes, in a
 /// sentence without a full stop; empty for nothing
 /// @throws InputError with the cure if a row has not more of them than the perplexity asks for, if
-/// the method that the options stand for has no use for neighbours, if principal components are to
-/// stand for the columns, by which nothing is searched, or if a metric is chosen by which no rows
-/// are compared: neither for a start along components nor for the quality
+/// the method that the options stand for has no use for neighbours, if an approximate search is
+/// chosen where nothing is searched (a start by a sample searches in that), if principal components
+/// are to stand for the columns, by which nothing is searched, or if a metric is chosen by which no
+/// rows are compared: neither for a start along components nor for the quality
 OVIK_API std::string check_given_neighbours(const NeighbourLists& lists,
                                             const FitOptions& options,
                                             const std::string& source,

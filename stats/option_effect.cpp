@@ -39,6 +39,10 @@ bool has_no_theta(const FitOptions& options) {
            (options.method == MethodKind::Exact && options.theta != 0.0);
 }
 
+bool is_exact_by_name(const FitOptions& options) {
+    return options.method == MethodKind::Exact;
+}
+
 bool is_without_neighbours(const FitOptions& options) {
     return !method_of(options).has_neighbours;
 }
@@ -49,6 +53,7 @@ constexpr OptionBar kBars[] = {
     {"perplexity", "multiscale", "", &is_multiscale},
     {"multiscale", "affinity", "perplexity", &is_uniform},
     {"neighbours", "affinity", "uniform", &is_not_uniform},
+    {"neighbour_search", "method", "barnes-hut", &is_exact_by_name},
     {"neighbour_search", "theta", "0.5", &is_without_neighbours},
     // The nearest of a row stand in it.
     {"neighbour_search", "metric", "euclidean", &is_precomputed},

@@ -6,9 +6,8 @@
 #include <string>
 
 #include "stats/elementwise.h"
-#include "stats/embedding_start.h"
 #include "stats/fit.h"
-#include "stats/median.h"
+#include "stats/median_place.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 #include "util/parallel.h"
@@ -20,35 +19,6 @@ namespace {
 
 /// Fewest rows for which another thread pays.
 constexpr std::size_t kPlacingGrain = 256;
-
-void write_median(MatrixView<const double> places,
-                  std::span<const std::uint32_t> rows,
-                  std::vector<double>& values,
-                  std::span<double> median_place) {
-    for (std::size_t d = 0; d < places.columns; ++d) {
-        values.clear();
-        for (const std::uint32_t row : rows) {
-            values.push_back(places.row(row)[d]);
-        }
-        median_place[d] = median(values);
-    }
-}
-
-/// The nearest neighbours of a row that have a place.
-void find_placed(const NeighbourGraph& graph,
-                 const std::vector<char>& has_place,
-                 std::size_t row,
-                 std::vector<std::uint32_t>& placed) {
-    placed.clear();
-    const std::size_t begin = row * graph.neighbour_count;
-    for (std::size_t i = begin;
-         i < begin + graph.neighbour_count && placed.size() < kPlacingNeighbours;
-         ++i) {
-        if (has_place[graph.neighbours[i]] != 0) {
-            placed.push_back(graph.neighbours[i]);
-        }
-    }
-}
 
 /// One round of placing.
 ///
@@ -64,9 +34,10 @@ std::size_t place_round(MatrixView<double> Y,
             if (had_place[n] != 0) {
                 continue;
             }
-            find_placed(graph, had_place, n, placed);
+            const auto had_one = [&](std::uint32_t row) { return had_place[row] != 0; };
+            find_placed_neighbours(graph, n, graph.neighbour_count, had_one, placed);
             if (!placed.empty()) {
-                write_median(Y, placed, values, Y.row(n));
+                write_median_place(Y, placed, values, Y.row(n));
                 has_place[n] = 1;
             }
         }
@@ -184,7 +155,7 @@ void place_among_neighbours(MatrixView<double> Y,
     }
     std::vector<double> middle(Y.columns);
     std::vector<double> values;
-    write_median(Y, first, values, middle);
+    write_median_place(Y, first, values, middle);
     for (std::size_t n = 0; n < Y.rows; ++n) {
         if (has_place[n] == 0) {
             std::copy(middle.begin(), middle.end(), Y.row(n).begin());

@@ -8,6 +8,7 @@
 
 #include "stats/component_columns.h"
 #include "stats/leading_eigenvectors.h"
+#include "util/mixed_bits.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -154,14 +155,11 @@ class CentredRows {
     std::vector<std::size_t> shares_;
 };
 
-/// A number from -1 to 1 for each index: the bits of a mixed counter (Steele, Lea and Flood, "Fast
-/// splittable pseudorandom number generators", OOPSLA 2014).
-double mixed(std::uint64_t index) {
-    std::uint64_t bits = (index + 1) * 0x9e3779b97f4a7c15U;
-    bits = (bits ^ (bits >> 30U)) * 0xbf58476d1ce4e5b9U;
-    bits = (bits ^ (bits >> 27U)) * 0x94d049bb133111ebU;
-    bits ^= bits >> 31U;
-    return static_cast<double>(bits >> 11U) * 0x1p-52 - 1.0;
+/// A number from -1 to 1 for each index.
+double pseudo_random(std::uint64_t index) {
+    // Indices are spread by the step that `mixed_bits` adds itself, once more.
+    constexpr std::uint64_t kStep = 0x9e3779b97f4a7c15U;
+    return static_cast<double>(mixed_bits(index * kStep) >> 11U) * 0x1p-52 - 1.0;
 }
 
 /// The products of the vectors of one block with those of another: left.width x right.width.
@@ -396,7 +394,7 @@ class KrylovSpace {
     void addRandomBlock() {
         Block block{kBlock, std::vector<double>(columns_ * kBlock)};
         for (double& value : block.values) {
-            value = mixed(drawn_++);
+            value = pseudo_random(drawn_++);
         }
         directions_.removeFrom(block);
         directions_.removeFrom(block);

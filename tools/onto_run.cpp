@@ -70,13 +70,13 @@ Transformations transformations_for(const Options& options, const MapModel& mode
     }
     const std::string given = names_of(options.load.transformations);
     if (!given.empty() && given != model.transformations) {
-        throw InputError(options.onto + ": the map's values were " +
-                         (model.transformations.empty()
-                              ? std::string("not transformed")
-                              : "transformed by " + model.transformations) +
-                         ", and " + given +
-                         " is asked for\nLeave --log1p, --row-totals, --center and --scale away: new rows are "
-                         "put through what those of the map were.");
+        throw InputError(
+            options.onto + ": the map's values were " +
+            (model.transformations.empty() ? std::string("not transformed")
+                                           : "transformed by " + model.transformations) +
+            ", and " + given +
+            " is asked for\nLeave --log1p, --row-totals, --center and --scale away: new rows are "
+            "put through what those of the map were.");
     }
     return *known;
 }

@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
-#include <functional>
 #include <new>
 #include <string_view>
 #include <sys/ioctl.h>
@@ -22,16 +21,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kPause{200};
 constexpr std::size_t kLongest = 120;
-
-/// Who erases its line before something is printed.
-std::function<void()>& line_eraser() {
-    static std::function<void()> eraser;
-    return eraser;
-}
-
-void erase_line() {
-    line_eraser()();
-}
 
 bool can_be_rewritten() {
     const char* const name = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): at the start
@@ -69,6 +58,17 @@ std::size_t terminal_width() {
 
 }  // namespace
 
+ProgressDisplay* ProgressDisplay::drawing_ = nullptr;
+
+void ProgressDisplay::clearPlace() {
+    drawing_->mutex_.lock();
+    drawing_->erase();
+}
+
+void ProgressDisplay::releasePlace() {
+    drawing_->mutex_.unlock();
+}
+
 ProgressDisplay::ProgressDisplay(bool is_wanted, StageProgress::Clock now)
     : progress_(std::move(now)) {
     if (!is_wanted || !can_be_rewritten()) {
@@ -88,11 +88,9 @@ ProgressDisplay::ProgressDisplay(bool is_wanted, StageProgress::Clock now)
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (drawer_.joinable()) {
-        line_eraser() = [this] {
-            const std::lock_guard lock(mutex_);
-            erase();
-        };
-        before_printing = &erase_line;
+        static constexpr PlaceOwner kOwner{&clearPlace, &releasePlace};
+        drawing_ = this;
+        place_owner = &kOwner;
     }
 }
 
@@ -100,7 +98,7 @@ ProgressDisplay::~ProgressDisplay() {
     if (!drawer_.joinable()) {
         return;
     }
-    before_printing = nullptr;
+    place_owner = nullptr;
     {
         const std::lock_guard lock(mutex_);
         is_ending_ = true;

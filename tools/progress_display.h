@@ -38,11 +38,16 @@ class ProgressDisplay {
     void draw();
     void show(std::string_view line);
     void erase();
+    static void clearPlace();
+    static void releasePlace();
+
+    /// The one that lives and draws.
+    static ProgressDisplay* drawing_;
 
     StageProgress progress_;
     /// Whether the bar of the iterations stands on the same terminal.
     bool has_bar_ = false;
-    /// Held while the line is drawn or erased.
+    /// Held while the line is drawn or erased, and while others print in its place.
     std::mutex mutex_;
     std::condition_variable end_;
     bool is_ending_ = false;

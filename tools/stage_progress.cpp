@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "tools/memory_check.h"
+#include "util/memory_text.h"
 
 namespace ovik::tool {
 

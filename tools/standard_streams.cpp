@@ -35,7 +35,7 @@ void reserve_standard_streams() {
 }
 
 void complain(std::string_view message) {
-    clear_place();
+    const ClearedPlace place;
     std::fputs("ovik-tsne: ", stderr);
     for_each_line(message, [](std::string_view line) {
         try {

@@ -30,32 +30,55 @@ class ConsoleSilence {
     bool was_silent_;
 };
 
-/// Throws nothing and prints nothing by what follows here.
-using PrintingHook = void (*)();
+/// What somebody does who keeps a line of his own on the terminal, where others are printed. Throws
+/// nothing, and prints nothing by what follows here.
+struct PlaceOwner {
+    /// Takes his line away, for as long as until `release`.
+    void (*clear)();
+    void (*release)();
+};
 
-/// Called before anything is printed, by whoever has to clear the place for it; null for nobody.
-OVIK_API inline std::atomic<PrintingHook> before_printing = nullptr;
+/// Null for nobody.
+OVIK_API inline std::atomic<const PlaceOwner*> place_owner = nullptr;
 
 /// How many columns of the cursor's line on standard output are in use, as far as these functions
 /// printed them: those of the progress bar, which leaves the cursor behind it.
 OVIK_API inline std::atomic<unsigned> columns_in_use = 0;
 
-/// To be called before anything is printed.
-static inline void clear_place() {
-    if (const PrintingHook clear = before_printing.load()) {
-        clear();
+/// While it lives, nobody's line stands where something is printed.
+class ClearedPlace {
+  public:
+    ClearedPlace() : owner_(place_owner.load()) {
+        if (owner_ != nullptr) {
+            owner_->clear();
+        }
     }
-}
+
+    ClearedPlace(const ClearedPlace&) = delete;
+    ClearedPlace& operator=(const ClearedPlace&) = delete;
+
+    ~ClearedPlace() {
+        if (owner_ != nullptr) {
+            // What was printed is there before the line comes back.
+            std::fflush(stdout);
+            owner_->release();
+        }
+    }
+
+  private:
+    const PlaceOwner* owner_;
+};
 
 /// Prints a remark on standard error, as it stands.
 static inline void print_remark(const char* text) {
     if (!console_is_silent) {
-        clear_place();
+        const ClearedPlace place;
         std::fputs(text, stderr);
     }
 }
 
-/// Prints "-- " and one message, then the end character. Does not flush.
+/// Prints "-- " and one message, then the end character. Does not flush but where somebody's line
+/// is to come back.
 ///
 /// @param message  the text, printed up to its first NUL
 /// @param colour   1 red, 2 green, 3 yellow, 4 blue; others print without escape sequences
@@ -65,7 +88,7 @@ static inline int print_text(std::string message, int colour = -1, char end = '\
     if (console_is_silent) {
         return static_cast<unsigned char>(end);
     }
-    clear_place();
+    const ClearedPlace place;
     if (colour >= 1 && colour <= 4) {
         std::printf("-- \x1b[%dm%s\x1b[0m", 30 + colour, message.c_str());
     } else {
@@ -85,7 +108,7 @@ static inline void print_info(std::string message, int /*reserved*/ = -1, char e
 ///
 /// @param failure  the sentence up to the path, such as "I cannot open file"
 static inline void print_file_error(const char* failure, const std::string& path) {
-    clear_place();
+    const ClearedPlace place;
     std::printf("\n-- \033[1;31m");
     std::printf("Error: %s: %s\n", failure, path.c_str());
     std::puts("\033[0m");
@@ -113,7 +136,7 @@ static inline void progress_bar(std::string message,
     if (console_is_silent) {
         return;
     }
-    clear_place();
+    const ClearedPlace place;
     static const std::string progress_bar_ = "===========================";
     std::fflush(stdout);
     const int width = static_cast<int>(progress_bar_.size());
@@ -155,7 +178,7 @@ static inline void progress_bar(std::string message,
 /// Ends the line of the progress bar, after its last call.
 static inline void end_progress_bar() {
     if (!console_is_silent) {
-        clear_place();
+        const ClearedPlace place;
         columns_in_use = 0;
         std::putchar('\n');
     }

@@ -159,6 +159,21 @@ TEST_F(Hdf5Matrix, OfThePipelinesHasItsCellsAsRows) {
                 HasSubstr("several matrices (R64, hg38)"));
 }
 
+TEST_F(Hdf5Matrix, OfThePipelinesIsReadBesideLinks) {
+    const LoadedMatrix cells = loaded([](Hdf5Writer& file) {
+        write_10x(file, "matrix", true);
+        H5Lcreate_soft("/matrix", file.id(), "alias", H5P_DEFAULT, H5P_DEFAULT);
+        H5Lcreate_external("other.h5", "X", file.id(), "other", H5P_DEFAULT, H5P_DEFAULT);
+    });
+    EXPECT_EQ(cells.matrix.row_names.back(), "TTT-1");
+    EXPECT_THAT(refusal([](Hdf5Writer& file) {
+                    file.group("data");
+                    write_10x(file, "data/cells", true);
+                    H5Lcreate_soft("/data/cells", file.id(), "matrix", H5P_DEFAULT, H5P_DEFAULT);
+                }),
+                HasSubstr("cells.h5ad: matrix: this is a link to another place"));
+}
+
 TEST_F(Hdf5Matrix, WhatIsNotThereIsRefusedWithWhatIs) {
     options_.layer = "obsm/X_pac";
     EXPECT_THAT(

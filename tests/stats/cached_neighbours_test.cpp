@@ -38,15 +38,14 @@ Outcome affinities(const Matrix& matrix,
                    int K,
                    CachedNeighbours* cached,
                    unsigned int seed = 11,
-                   bool is_approximate = false) {
+                   const NeighbourSearchManner& manner = {}) {
     std::srand(seed);
-    const SparseMatrix P =
-        neighbour_affinities(matrix.values.data(),
-                             matrix.rows(),
-                             matrix.columns,
-                             K / 3.0,
-                             K,
-                             {.cached = cached, .is_approximate = is_approximate});
+    const SparseMatrix P = neighbour_affinities(matrix.values.data(),
+                                                matrix.rows(),
+                                                matrix.columns,
+                                                K / 3.0,
+                                                K,
+                                                {.cached = cached, .manner = manner});
     const std::size_t entries = P.row_P[matrix.rows()];
     return {{P.col_P.get(), P.col_P.get() + entries},
             {P.val_P.get(), P.val_P.get() + entries},
@@ -128,14 +127,15 @@ TEST(CachedNeighbours, GiveRunsOfOtherSeedsWhatASearchOfTheirOwnGives) {
 TEST(CachedNeighbours, GiveWhatAnApproximateSearchOfItsOwnGives) {
     // In many dimensions, and more than a leaf of a tree holds: not all neighbours are found.
     const Matrix matrix{test::random_values(3000 * 200, 406), 200};
-    const Outcome expected = affinities(matrix, 9, nullptr, 11, true);
+    const NeighbourSearchManner manner{.is_approximate = true};
+    const Outcome expected = affinities(matrix, 9, nullptr, 11, manner);
     EXPECT_NE(expected, affinities(matrix, 9, nullptr));
     CachedNeighbours same(9);
-    EXPECT_EQ(affinities(matrix, 9, &same, 11, true), expected);
-    EXPECT_EQ(affinities(matrix, 9, &same, 12, true), affinities(matrix, 9, nullptr, 12, true));
+    EXPECT_EQ(affinities(matrix, 9, &same, 11, manner), expected);
+    EXPECT_EQ(affinities(matrix, 9, &same, 12, manner), affinities(matrix, 9, nullptr, 12, manner));
     CachedNeighbours more(60);
-    EXPECT_EQ(affinities(matrix, 9, &more, 11, true), expected);
-    EXPECT_EQ(affinities(matrix, 9, &more, 11, true), expected);
+    EXPECT_EQ(affinities(matrix, 9, &more, 11, manner), expected);
+    EXPECT_EQ(affinities(matrix, 9, &more, 11, manner), expected);
 }
 
 TEST(CachedNeighbours, AreExactAndSharedWhereAnApproximateSearchCannotBeMade) {

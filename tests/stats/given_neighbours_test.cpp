@@ -138,6 +138,18 @@ TEST(CheckGivenNeighbours, RefusesComponentsThatWouldHaveNoEffect) {
                 HasSubstr("principal components, which have no effect so\nLeave out"));
 }
 
+TEST(CheckGivenNeighbours, RefusesAnApproximateSearchThatWouldHaveNoEffect) {
+    FitOptions options;
+    options.perplexity = 3.0;
+    options.neighbour_search = NeighbourSearchKind::Approximate;
+    const NeighbourLists lists = lists_of(std::vector<std::size_t>(20, 9));
+    EXPECT_THAT(test::refusal_of([&] { check_given_neighbours(lists, options, "g"); }),
+                HasSubstr("an approximate search has no effect so\nLeave out"));
+    // The neighbours in the sample are searched for.
+    options.start = StartKind::Sample;
+    EXPECT_EQ(check_given_neighbours(lists, options, "g"), "");
+}
+
 TEST(CheckGivenNeighbours, RefusesAMetricThatWouldHaveNoEffect) {
     FitOptions options;
     options.perplexity = 3.0;

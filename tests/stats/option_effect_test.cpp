@@ -58,6 +58,18 @@ TEST(BarOf, NamesTheOtherOptionAndTheCure) {
     EXPECT_FALSE(bar_of({}, "no_such_option"));
 }
 
+TEST(BarOf, NamesTheCureOfTheExactMethodAsItWasChosen) {
+    const auto by_name = bar_of({.method = MethodKind::Exact}, "neighbour_search");
+    ASSERT_TRUE(by_name);
+    EXPECT_EQ(by_name->other, "method");
+    EXPECT_EQ(by_name->cure, "barnes-hut");
+    const auto by_theta = bar_of({.theta = 0.0}, "neighbour_search");
+    ASSERT_TRUE(by_theta);
+    EXPECT_EQ(by_theta->other, "theta");
+    EXPECT_EQ(by_theta->cure, "0.5");
+    EXPECT_FALSE(bar_of({.theta = 0.0, .method = MethodKind::Mesh}, "neighbour_search"));
+}
+
 TEST(BarOf, NamesOptionsThatThereAre) {
     const FitOptions presets;
     Names names;

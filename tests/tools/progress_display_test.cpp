@@ -167,6 +167,24 @@ TEST_F(Display, StandsBehindTheBarOfTheIterations) {
     EXPECT_THAT(visible(all.substr(0, all.find('\n') - 1)), testing::EndsWith("1.00% completed"));
 }
 
+TEST_F(Display, IsNotDrawnWhileOthersPrint) {
+    Terminal terminal(80, true);
+    ProgressDisplay display(true, fast_clock());
+    const OnStage on_stage = display.onStage();
+    on_stage(Stage::Neighbours, 0, 1000);
+    on_stage(Stage::Neighbours, 250, 1000);
+    terminal.readUntil(" left");
+    {
+        const ClearedPlace place;
+        const std::size_t before = terminal.readAll().size();
+        std::printf("half a line");
+        // Longer than the display pauses.
+        poll(nullptr, 0, 450);
+        EXPECT_EQ(terminal.readAll().size(), before);
+    }
+    EXPECT_THAT(terminal.readUntil("half a line"), testing::EndsWith("half a line"));
+}
+
 TEST_F(Display, ShowsNothingWhereItIsNotWantedOrCannotBe) {
     const auto nothing_is_shown = [](unsigned short columns, bool is_wanted) {
         Terminal terminal(columns);
