@@ -59,13 +59,14 @@ class Dataset {
     [[nodiscard]] std::size_t block() const { return block_; }
 
   private:
-    void checkStorage(const File& file);
+    void checkStorage(const File& file, const std::string& path);
     void checkFilters(hid_t creation) const;
     void checkChunks(const File& file, hid_t creation);
     void checkChunkCount() const;
     void checkPackedChunks() const;
     void checkPackedChunk(const std::vector<hsize_t>& offset) const;
     void open(const File& file, const std::string& path);
+    void keepChunk(const File& file, const std::string& path);
     [[nodiscard]] Handle selection(std::size_t begin, std::size_t end) const;
     void readTexts(std::size_t begin,
                    std::size_t end,
