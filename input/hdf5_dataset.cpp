@@ -376,23 +376,20 @@ void Dataset::requireDimensions(std::size_t count) const {
     }
 }
 
-void Dataset::readAll(double* values) const {
-    if (size_ > 0 &&
-        H5Dread(dataset_.id(), H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) < 0) {
-        refuse_failed(place_, "cannot be read");
-    }
-}
-
 Handle Dataset::selection(std::size_t begin, std::size_t end) const {
     Handle space(H5Dget_space(dataset_.id()), H5Sclose);
     if (!space.isOpen()) {
         refuse_failed(place_, "cannot be read");
     }
-    const hsize_t start = begin;
-    const hsize_t count = end - begin;
-    if (!shape_.empty() &&
-        H5Sselect_hyperslab(space.id(), H5S_SELECT_SET, &start, nullptr, &count, nullptr) < 0) {
-        refuse_failed(place_, "cannot be read");
+    std::vector<hsize_t> start(shape_.size(), 0);
+    std::vector<hsize_t> count(shape_.begin(), shape_.end());
+    if (!shape_.empty()) {
+        start[0] = begin;
+        count[0] = end - begin;
+        if (H5Sselect_hyperslab(
+                space.id(), H5S_SELECT_SET, start.data(), nullptr, count.data(), nullptr) < 0) {
+            refuse_failed(place_, "cannot be read");
+        }
     }
     return space;
 }
@@ -414,6 +411,35 @@ void read_block(hid_t dataset,
 }
 
 }  // namespace
+
+/// Rows, or elements of one dimension, that are read together: whole chunks, so that none is
+/// unpacked twice.
+std::size_t Dataset::rowsTogether() const {
+    const std::size_t elements = size_ / shape_[0];
+    const std::size_t rows = std::max<std::size_t>(kBlock / elements, 1);
+    return chunk_.empty() ? rows : (rows + chunk_[0] - 1) / chunk_[0] * chunk_[0];
+}
+
+void Dataset::readAll(double* values, const OnShare& on_share) const {
+    if (size_ == 0) {
+        return;
+    }
+    const std::size_t rows = shape_.empty() ? 1 : shape_[0];
+    const std::size_t elements = size_ / rows;
+    const std::size_t together = shape_.empty() ? 1 : rowsTogether();
+    for (std::size_t begin = 0; begin < rows; begin += together) {
+        const std::size_t end = std::min(begin + together, rows);
+        read_block(dataset_.id(),
+                   selection(begin, end),
+                   (end - begin) * elements,
+                   H5T_NATIVE_DOUBLE,
+                   values + begin * elements,
+                   place_);
+        if (on_share) {
+            on_share(static_cast<double>(end) / static_cast<double>(rows));
+        }
+    }
+}
 
 void Dataset::read(std::size_t begin, std::size_t end, double* numbers) const {
     if (begin < end) {
