@@ -149,7 +149,7 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     if (!is_given && size.options.neighbour_search == NeighbourSearchKind::Approximate) {
         searching = approximate_search_memory(size.rows, static_cast<std::size_t>(K));
     }
-    const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
+    const double graph = size.options.start == StartKind::Sample ? 4.0 * entries : 0.0;
     return {graph + std::max({entry_bytes * entries + searching,
                               (entry_bytes + 1.0) * entries + 12.0 * N,
                               joint + window + 50.0 * N + reordered}),
