@@ -122,7 +122,8 @@ class File {
     Handle file_;
 };
 
-/// Makes the library silent and keeps it from loading code.
+/// Makes the library silent and keeps it from loading code and, where it is not yet in use, from
+/// writing once more at the exit what could not be written.
 void start_library();
 
 }  // namespace ovik::hdf5

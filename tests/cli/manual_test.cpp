@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "stats/fit_options.h"
+#include "stats/option_texts.h"
 
 #include "tests/support/command_test.h"
 
@@ -106,7 +107,7 @@ TEST_F(Manual, BashCompletesChoicesOfTheFit) {
                 for (const std::string_view name : option.givenNames()) {
                     names.append(name).append("\n");
                 }
-                EXPECT_EQ(offers("--" + std::string(option.words.name), ""), names);
+                EXPECT_EQ(offers("--" + long_name(option.words), ""), names);
             }
         }
     });
