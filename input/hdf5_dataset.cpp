@@ -24,6 +24,13 @@ constexpr std::size_t kBlock = std::size_t{1} << 20U;
 /// grow a thousandfold, and the library has no limit of its own.
 constexpr hsize_t kTrustedBytes = std::size_t{1} << 18U;
 
+/// Of the unpacked chunks of an array the library keeps so much.
+constexpr std::size_t kCacheBytes = std::size_t{1} << 20U;
+
+/// What an array has in the place of a text of any length: its length, the address of its heap, of
+/// up to 16 bytes, and its place there.
+constexpr double kHeapReference = 4.0 + 16.0 + 4.0;
+
 /// How many texts are read together, and, of those of fixed length, how many bytes.
 constexpr std::size_t kTexts = 4096;
 constexpr std::size_t kTextBlockBytes = std::size_t{1} << 24U;
@@ -138,7 +145,7 @@ Dataset::Dataset(const File& file, const std::string& path)
             break;
     }
     open(file, path);
-    checkStorage(file);
+    checkStorage(file, path);
 }
 
 void Dataset::open(const File& file, const std::string& path) {
@@ -169,7 +176,7 @@ void Dataset::open(const File& file, const std::string& path) {
     }
 }
 
-void Dataset::checkStorage(const File& file) {
+void Dataset::checkStorage(const File& file, const std::string& path) {
     const Handle creation(H5Dget_create_plist(dataset_.id()), H5Pclose);
     if (!creation.isOpen()) {
         refuse_failed(place_, "its layout cannot be read");
@@ -187,6 +194,27 @@ void Dataset::checkStorage(const File& file) {
     }
     if (layout == H5D_CHUNKED) {
         checkChunks(file, creation.id());
+        if (holdsTexts() && chunk_bytes_ > kCacheBytes) {
+            keepChunk(file, path);
+        }
+    }
+}
+
+/// Opens the array once more, so that one chunk at a time stays unpacked. Texts are read fewer at a
+/// time than a large chunk has, which would be unpacked for each of these times.
+void Dataset::keepChunk(const File& file, const std::string& path) {
+    const Handle access(H5Pcreate(H5P_DATASET_ACCESS), H5Pclose);
+    if (!access.isOpen() || H5Pset_chunk_cache(access.id(),
+                                               H5D_CHUNK_CACHE_NSLOTS_DEFAULT,
+                                               chunk_bytes_,
+                                               H5D_CHUNK_CACHE_W0_DEFAULT) < 0) {
+        refuse_failed(place_, "cannot be opened");
+    }
+    // What is open already would be opened with the settings that it has.
+    dataset_ = Handle();
+    dataset_ = Handle(H5Dopen2(file.id(), path.c_str(), access.id()), H5Dclose);
+    if (!dataset_.isOpen()) {
+        refuse_failed(place_, "cannot be opened");
     }
 }
 
@@ -230,7 +258,10 @@ void Dataset::checkChunks(const File& file, hid_t creation) {
         std::find(chunk_.begin(), chunk_.end(), hsize_t{0}) != chunk_.end()) {
         refuse_failed(place_, "its chunks cannot be read");
     }
-    double bytes = static_cast<double>(H5Tget_size(type_.id()));
+    // Of texts of any length the library says what a pointer takes.
+    double bytes = H5Tis_variable_str(type_.id()) > 0
+                       ? kHeapReference
+                       : static_cast<double>(H5Tget_size(type_.id()));
     for (const hsize_t extent : chunk_) {
         bytes *= static_cast<double>(extent);
     }
@@ -345,23 +376,20 @@ void Dataset::requireDimensions(std::size_t count) const {
     }
 }
 
-void Dataset::readAll(double* values) const {
-    if (size_ > 0 &&
-        H5Dread(dataset_.id(), H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, values) < 0) {
-        refuse_failed(place_, "cannot be read");
-    }
-}
-
 Handle Dataset::selection(std::size_t begin, std::size_t end) const {
     Handle space(H5Dget_space(dataset_.id()), H5Sclose);
     if (!space.isOpen()) {
         refuse_failed(place_, "cannot be read");
     }
-    const hsize_t start = begin;
-    const hsize_t count = end - begin;
-    if (!shape_.empty() &&
-        H5Sselect_hyperslab(space.id(), H5S_SELECT_SET, &start, nullptr, &count, nullptr) < 0) {
-        refuse_failed(place_, "cannot be read");
+    std::vector<hsize_t> start(shape_.size(), 0);
+    std::vector<hsize_t> count(shape_.begin(), shape_.end());
+    if (!shape_.empty()) {
+        start[0] = begin;
+        count[0] = end - begin;
+        if (H5Sselect_hyperslab(
+                space.id(), H5S_SELECT_SET, start.data(), nullptr, count.data(), nullptr) < 0) {
+            refuse_failed(place_, "cannot be read");
+        }
     }
     return space;
 }
@@ -383,6 +411,35 @@ void read_block(hid_t dataset,
 }
 
 }  // namespace
+
+/// Rows, or elements of one dimension, that are read together: whole chunks, so that none is
+/// unpacked twice.
+std::size_t Dataset::rowsTogether() const {
+    const std::size_t elements = size_ / shape_[0];
+    const std::size_t rows = std::max<std::size_t>(kBlock / elements, 1);
+    return chunk_.empty() ? rows : (rows + chunk_[0] - 1) / chunk_[0] * chunk_[0];
+}
+
+void Dataset::readAll(double* values, const OnShare& on_share) const {
+    if (size_ == 0) {
+        return;
+    }
+    const std::size_t rows = shape_.empty() ? 1 : shape_[0];
+    const std::size_t elements = size_ / rows;
+    const std::size_t together = shape_.empty() ? 1 : rowsTogether();
+    for (std::size_t begin = 0; begin < rows; begin += together) {
+        const std::size_t end = std::min(begin + together, rows);
+        read_block(dataset_.id(),
+                   selection(begin, end),
+                   (end - begin) * elements,
+                   H5T_NATIVE_DOUBLE,
+                   values + begin * elements,
+                   place_);
+        if (on_share) {
+            on_share(static_cast<double>(end) / static_cast<double>(rows));
+        }
+    }
+}
 
 void Dataset::read(std::size_t begin, std::size_t end, double* numbers) const {
     if (begin < end) {

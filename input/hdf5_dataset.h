@@ -10,6 +10,9 @@
 
 namespace ovik::hdf5 {
 
+/// Takes which share of something large has been read, from 0 to 1; may be empty.
+using OnShare = std::function<void(double share)>;
+
 /// An array of a file whose layout has been checked: it lies in this file, and nothing but
 /// gzip, shuffling and checksums was done to its bytes.
 class Dataset {
@@ -43,8 +46,9 @@ class Dataset {
 
     /// Reads all numbers, the last index running fastest.
     ///
-    /// @param values  `size` of them
-    void readAll(double* values) const;
+    /// @param values    `size` of them
+    /// @param on_share  is told after every few rows
+    void readAll(double* values, const OnShare& on_share = {}) const;
 
     /// Reads the numbers of an array of one dimension from `begin` to `end` - 1. A whole number
     /// that 64 bits do not hold becomes the nearest that they do.
@@ -59,14 +63,16 @@ class Dataset {
     [[nodiscard]] std::size_t block() const { return block_; }
 
   private:
-    void checkStorage(const File& file);
+    void checkStorage(const File& file, const std::string& path);
     void checkFilters(hid_t creation) const;
     void checkChunks(const File& file, hid_t creation);
     void checkChunkCount() const;
     void checkPackedChunks() const;
     void checkPackedChunk(const std::vector<hsize_t>& offset) const;
     void open(const File& file, const std::string& path);
+    void keepChunk(const File& file, const std::string& path);
     [[nodiscard]] Handle selection(std::size_t begin, std::size_t end) const;
+    [[nodiscard]] std::size_t rowsTogether() const;
     void readTexts(std::size_t begin,
                    std::size_t end,
                    const std::function<void(std::size_t, std::string)>& take) const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <set>
@@ -22,6 +23,7 @@ namespace {
 using hdf5::Dataset;
 using hdf5::File;
 using hdf5::Kind;
+using hdf5::OnShare;
 using hdf5::SparseLayout;
 
 constexpr const char* kDamaged = "\nThe file may be damaged: fetch or write it again.";
@@ -126,6 +128,7 @@ SparseLayout sparse_layout(const File& file, const std::string& layer) {
 void read_dense(const File& file,
                 const std::string& layer,
                 const LoadOptions& options,
+                const OnShare& on_share,
                 InspectedMatrix& matrix) {
     const Dataset array(file, layer);
     array.requireDimensions(2);
@@ -137,7 +140,7 @@ void read_dense(const File& file,
                      8.0 * static_cast<double>(array.size()),
                      lighter(file, layer, options));
     matrix.values = std::make_unique_for_overwrite<double[]>(array.size());
-    array.readAll(matrix.values.get());
+    array.readAll(matrix.values.get(), on_share);
 }
 
 void note_layer(const File& file, const std::string& layer, InspectedMatrix& matrix) {
@@ -149,7 +152,9 @@ void note_layer(const File& file, const std::string& layer, InspectedMatrix& mat
                                   (others.empty() ? "" : "; it also has " + listed(others)));
 }
 
-InspectedMatrix read_annotated(const File& file, const LoadOptions& options) {
+InspectedMatrix read_annotated(const File& file,
+                               const LoadOptions& options,
+                               const OnShare& on_share) {
     const std::string layer = options.layer.empty() ? "X" : options.layer;
     check_layer(file, layer, options);
     InspectedMatrix matrix;
@@ -165,7 +170,7 @@ InspectedMatrix read_annotated(const File& file, const LoadOptions& options) {
         matrix.report.rows = sparse->rows;
         matrix.report.columns = sparse->columns;
     } else {
-        read_dense(file, layer, options, matrix);
+        read_dense(file, layer, options, on_share, matrix);
     }
     check_extent(file, layer, "rows", matrix.report.rows, "obs", matrix.row_names.size());
     if (!table.empty()) {
@@ -175,7 +180,7 @@ InspectedMatrix read_annotated(const File& file, const LoadOptions& options) {
     if (sparse) {
         take_sparse(file.name(),
                     options,
-                    hdf5::read_sparse(file, *sparse, lighter(file, layer, options)),
+                    hdf5::read_sparse(file, *sparse, lighter(file, layer, options), on_share),
                     matrix);
     }
     note_layer(file, layer, matrix);
@@ -226,7 +231,10 @@ void note_feature_types(const File& file, const std::string& path, InspectedMatr
     }
 }
 
-InspectedMatrix read_10x(const File& file, const std::string& group, const LoadOptions& options) {
+InspectedMatrix read_10x(const File& file,
+                         const std::string& group,
+                         const LoadOptions& options,
+                         const OnShare& on_share) {
     const Dataset shape(file, group + "/shape");
     shape.requireDimensions(1);
     shape.requireWholeNumbers();
@@ -250,7 +258,8 @@ InspectedMatrix read_10x(const File& file, const std::string& group, const LoadO
     // Its columns are cells: the same arrays are the rows of the other way round.
     SparseRows sparse = hdf5::read_sparse(file,
                                           {group, matrix.report.rows, matrix.report.columns, false},
-                                          "Take a part of the cells.");
+                                          "Take a part of the cells.",
+                                          on_share);
     take_sparse(file.name(), options, std::move(sparse), matrix);
     matrix.report.notes.push_back("read " + counted(matrix.report.rows, "cell", "cells") + " by " +
                                   counted(matrix.report.columns, "column", "columns") +
@@ -289,18 +298,23 @@ bool is_hdf5(std::string_view head) {
 
 InspectedMatrix read_hdf5_matrix(MatrixSource& source, const LoadOptions& options) {
     check_source(source);
-    // The library reads by itself: how far it is cannot be told.
+    // The library reads by itself: before the matrix itself is read, how far it is cannot be told.
     tell(options.on_stage, Stage::Reading, 0, 0);
+    const std::uint64_t bytes = source.size().value_or(0);
+    const OnShare on_share = [&options, bytes](double share) {
+        const auto read = static_cast<std::uint64_t>(share * static_cast<double>(bytes));
+        tell(options.on_stage, Stage::Reading, read, bytes);
+    };
     const File file(source.path(), source.name(), memory_limit(options));
     InspectedMatrix matrix;
     if (is_annotated(file)) {
-        matrix = read_annotated(file, options);
+        matrix = read_annotated(file, options, on_share);
     } else if (const std::string group = group_of_10x(file); !group.empty()) {
         if (!options.layer.empty()) {
             hdf5::refuse(options.spell("layer", ""),
                          source.name() + " is a 10x file, which has one matrix\nLeave it away.");
         }
-        matrix = read_10x(file, group, options);
+        matrix = read_10x(file, group, options, on_share);
     } else {
         refuse_unknown(file);
     }

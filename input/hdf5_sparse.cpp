@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "input/hdf5_dataset.h"
 #include "util/format.h"
 
 namespace ovik::hdf5 {
@@ -20,8 +19,9 @@ constexpr const char* kDamaged = "\nThe file may be damaged: fetch or write it a
 /// The three arrays, and the words for what they hold.
 class SparseArrays {
   public:
-    SparseArrays(const File& file, const SparseLayout& layout)
+    SparseArrays(const File& file, const SparseLayout& layout, const OnShare& on_share)
         : layout_(layout),
+          on_share_(on_share),
           data_(file, layout.path + "/data"),
           indices_(file, layout.path + "/indices"),
           pointers_(file, layout.path + "/indptr") {
@@ -83,8 +83,13 @@ class SparseArrays {
     }
 
     /// Calls `take(i, outer, inner)` for each entry in the order of the file.
+    ///
+    /// @param from, to  which share of the whole work that is
     template <typename Take>
-    void forEach(const std::vector<std::size_t>& starts, const Take& take) const {
+    void forEach(const std::vector<std::size_t>& starts,
+                 double from,
+                 double to,
+                 const Take& take) const {
         std::vector<std::int64_t> indices(std::min(indices_.block(), entries()));
         std::size_t at = 0;
         for (std::size_t begin = 0; begin < entries(); begin += indices.size()) {
@@ -95,6 +100,10 @@ class SparseArrays {
                     ++at;
                 }
                 take(i, at, checkedIndex(at, indices[i - begin]));
+            }
+            if (on_share_) {
+                on_share_(from +
+                          (to - from) * static_cast<double>(end) / static_cast<double>(entries()));
             }
         }
     }
@@ -137,6 +146,7 @@ class SparseArrays {
     }
 
     SparseLayout layout_;
+    const OnShare& on_share_;
     Dataset data_;
     Dataset indices_;
     Dataset pointers_;
@@ -146,14 +156,19 @@ class SparseArrays {
     std::size_t values_end_ = 0;
 };
 
+/// Counting the entries of rows takes about a third of reading a matrix by columns.
+constexpr double kCountingShare = 1.0 / 3.0;
+
 /// Where the entries of the rows begin, of a matrix that comes by columns.
 std::vector<std::size_t> count_rows(const SparseArrays& arrays,
                                     const std::vector<std::size_t>& starts,
                                     std::size_t rows) {
     std::vector<std::size_t> row_starts(rows + 1, 0);
-    arrays.forEach(starts, [&](std::size_t /*i*/, std::size_t /*column*/, std::size_t row) {
-        ++row_starts[row + 1];
-    });
+    arrays.forEach(
+        starts,
+        0.0,
+        kCountingShare,
+        [&](std::size_t /*i*/, std::size_t /*column*/, std::size_t row) { ++row_starts[row + 1]; });
     std::partial_sum(row_starts.begin(), row_starts.end(), row_starts.begin());
     return row_starts;
 }
@@ -197,14 +212,17 @@ void check_entries(const SparseArrays& arrays, const SparseRows& matrix) {
 
 }  // namespace
 
-SparseRows read_sparse(const File& file, const SparseLayout& layout, const std::string& cure) {
+SparseRows read_sparse(const File& file,
+                       const SparseLayout& layout,
+                       const std::string& cure,
+                       const OnShare& on_share) {
     constexpr std::size_t kMostRows = std::numeric_limits<std::int32_t>::max();
     if (layout.rows > kMostRows || layout.columns > kMostRows) {
         refuse(file.place(layout.path),
                "has " + std::to_string(layout.rows) + " rows and " +
                    std::to_string(layout.columns) + " columns, more than are read" + kDamaged);
     }
-    SparseArrays arrays(file, layout);
+    SparseArrays arrays(file, layout, on_share);
     const double extents =
         3.0 *
         static_cast<double>(layout.is_by_columns ? layout.rows + layout.columns : layout.rows);
@@ -219,7 +237,8 @@ SparseRows read_sparse(const File& file, const SparseLayout& layout, const std::
     matrix.column_of.resize(arrays.entries());
     matrix.values.resize(arrays.entries());
     std::vector<std::size_t> next(matrix.starts.begin(), matrix.starts.end() - 1);
-    arrays.forEach(starts, [&](std::size_t i, std::size_t outer, std::size_t inner) {
+    const double counted = layout.is_by_columns ? kCountingShare : 0.0;
+    arrays.forEach(starts, counted, 1.0, [&](std::size_t i, std::size_t outer, std::size_t inner) {
         const std::size_t place = next[layout.is_by_columns ? inner : outer]++;
         matrix.column_of[place] = static_cast<std::uint32_t>(layout.is_by_columns ? outer : inner);
         matrix.values[place] = arrays.value(i);

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 
+#include "input/hdf5_dataset.h"
 #include "input/hdf5_file.h"
 #include "input/sparse_rows.h"
 
@@ -20,9 +21,13 @@ struct SparseLayout {
 
 /// Reads a sparse matrix.
 ///
-/// @param cure  of a matrix that does not fit in memory
+/// @param cure      of a matrix that does not fit in memory
+/// @param on_share  is told after every few entries
 /// @throws InputError with path, row and column if the arrays do not fit together, an index is out
 /// of range or stands twice, or a value is not finite; if there is too little memory
-SparseRows read_sparse(const File& file, const SparseLayout& layout, const std::string& cure);
+SparseRows read_sparse(const File& file,
+                       const SparseLayout& layout,
+                       const std::string& cure,
+                       const OnShare& on_share = {});
 
 }  // namespace ovik::hdf5

@@ -17,14 +17,18 @@ struct NeighbourGraph {
     std::size_t neighbour_count = 0;
     /// The neighbours, as numbers of rows.
     std::vector<std::uint32_t> neighbours;
-    /// The distances to these neighbours.
+    /// The distances to these neighbours; none where they were not wanted.
     std::vector<double> distances;
 };
 
 /// Room for as many neighbours of each row, filled up as where there are none.
-inline NeighbourGraph graph_without_neighbours(std::size_t rows, std::size_t neighbour_count) {
+inline NeighbourGraph graph_without_neighbours(std::size_t rows,
+                                               std::size_t neighbour_count,
+                                               bool has_distances = true) {
     NeighbourGraph graph{rows, neighbour_count, {}, {}};
-    graph.distances.assign(rows * neighbour_count, std::numeric_limits<double>::infinity());
+    if (has_distances) {
+        graph.distances.assign(rows * neighbour_count, std::numeric_limits<double>::infinity());
+    }
     graph.neighbours.reserve(rows * neighbour_count);
     for (std::size_t n = 0; n < rows; ++n) {
         graph.neighbours.insert(

@@ -88,13 +88,18 @@ class Rows {
           hooks_(hooks),
           places_(hooks.start),
           components_(reduced_columns(X, options, hooks, report)),
-          needs_neighbours_(
-              options.start == StartKind::Sample ||
-              (options.start == StartKind::Given && has_rows_without_place(places_))) {}
+          needs_neighbours_(isStartedFromSample() || (options.start == StartKind::Given &&
+                                                      has_rows_without_place(places_))) {}
 
     /// The rows as the method sees them.
     [[nodiscard]] MatrixView<const double> view() const {
         return components_ ? components_->scoresView() : X_;
+    }
+
+    /// Whether a sample is embedded first: what is resumed takes the place of that, which takes its
+    /// time.
+    [[nodiscard]] bool isStartedFromSample() const {
+        return options_.start == StartKind::Sample && hooks_.resumed_state == nullptr;
     }
 
     /// Whether the start depends on the neighbours of the rows.
@@ -115,7 +120,10 @@ class Rows {
                 startAlongComponents(Y);
                 break;
             case StartKind::Sample:
-                return startFromSample(Y, graph);
+                if (isStartedFromSample()) {
+                    return startFromSample(Y, graph);
+                }
+                break;
             case StartKind::Given:
                 startAtPlaces(Y, graph);
                 break;
@@ -209,7 +217,8 @@ FitReport fit_into(MatrixView<double> Y,
                                                         has_graph ? &report.neighbours : nullptr,
                                                         stream,
                                                         hooks.on_stage,
-                                                        &report.recall});
+                                                        &report.recall,
+                                                        hooks.wants_neighbours});
     if (report.recall && hooks.on_recall) {
         hooks.on_recall(*report.recall);
     }
@@ -220,10 +229,7 @@ FitReport fit_into(MatrixView<double> Y,
     }
     const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
-    // What is resumed takes the place of a start, and a sample takes its time.
-    if (hooks.resumed_state == nullptr || options.start != StartKind::Sample) {
-        report.sample = rows->start(Y, report.neighbours, stream);
-    }
+    report.sample = rows->start(Y, report.neighbours, stream);
     if (report.sample) {
         report.seconds.sample = watch.lap();
         if (hooks.on_sample) {

@@ -14,6 +14,7 @@
 #include "util/cache_line.h"
 #include "util/huge_pages.h"
 #include "util/malloc_array.h"
+#include "util/page_release.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -33,20 +34,23 @@ struct NoValue {};
 template <typename Value>
 constexpr bool kIsStored = !std::is_same_v<Value, NoValue>;
 
-/// Gives an array another size; what it holds stays.
+/// Moves what an array holds into a larger one. The system cannot do that for arrays in huge pages;
+/// it gets the memory back part by part, so that there are never two of them.
+///
+/// @param held   elements that the array holds
+/// @param count  elements that it shall have, not fewer
 template <typename T>
-void resize(MallocArray<T>& array, std::size_t count) {
-    if (count > kLargestCount<T>) {
-        throw WorkMemoryError();
+void enlarge(MallocArray<T>& array, std::size_t held, std::size_t count) {
+    constexpr std::size_t kPart = (std::size_t{1} << 22U) / sizeof(T);
+    MallocArray<T> larger = malloc_array<T>(count);
+    require_allocated(larger);
+    prefer_huge_pages(larger.get(), count * sizeof(T));
+    for (std::size_t begin = 0; begin < held; begin += kPart) {
+        const std::size_t size = std::min(kPart, held - begin);
+        std::copy_n(array.get() + begin, size, larger.get() + begin);
+        release_pages(array.get() + begin, size * sizeof(T));
     }
-    T* const moved =
-        static_cast<T*>(std::realloc(array.get(), std::max<std::size_t>(count, 1) * sizeof(T)));
-    if (moved == nullptr) {
-        throw WorkMemoryError();
-    }
-    static_cast<void>(array.release());
-    array.reset(moved);
-    prefer_huge_pages(moved, count * sizeof(T));
+    array = std::move(larger);
 }
 
 /// Brings the rows of an array into another order, within a row of room.
@@ -94,9 +98,9 @@ class JointMatrix {
     SliceLayout spread(std::size_t extra) {
         findMutual();
         SliceLayout layout = countEntries();
-        resize(columns_, layout.storedCount());
+        enlarge(columns_, N_ * K_, layout.storedCount());
         if constexpr (kIsStored<Value>) {
-            resize(values_, layout.storedCount() + extra);
+            enlarge(values_, N_ * K_, layout.storedCount() + extra);
             spread_values_ = at_cache_line(values_.get(), layout.storedCount());
         }
         spreadRows(layout);

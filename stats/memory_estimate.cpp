@@ -56,10 +56,11 @@ double sample_memory(const RunSize& size) {
     const MethodMemory memory = method.memory(sampled);
     const auto n = static_cast<double>(rows);
     const auto d = static_cast<double>(size.options.out_dims);
-    const double neighbours = method.has_neighbours
-                                  ? std::max(affinity_neighbours(size.options, size.rows), 0)
-                                  : static_cast<double>(kPlacingNeighbours);
-    return 12.0 * static_cast<double>(size.rows) * neighbours +
+    // Those of the method come without distances.
+    const double neighbour_bytes =
+        method.has_neighbours ? 4.0 * std::max(affinity_neighbours(size.options, size.rows), 0)
+                              : 12.0 * static_cast<double>(kPlacingNeighbours);
+    return neighbour_bytes * static_cast<double>(size.rows) +
            8.0 * n * static_cast<double>(size.columns) + 32.0 * n * d +
            std::max(memory.similarities, memory.fitting + components_memory(sampled));
 }

@@ -41,11 +41,10 @@ struct RunSize {
 ///   (16 N^2);
 /// - similarities, Barnes-Hut: the largest of the conditional entries (V E) with the index of
 ///   neighbours (164 N + B * (128 D + 256 + 512 T)), the same with what makes them symmetric
-///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows and the larger
-///   part of the conditional ones, which moves (V S + max(4, V - 4) E + V 4096 K + 50 N); where the
-///   input holds distances, lists of neighbours (32 E) in the place of the index; with an
-///   approximate search its lists (12 N max(48, 9 K / 8) + 448 N); for a start by a sample the
-///   neighbours besides (12 E);
+///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows
+///   (V S + V 4096 K + 50 N); where the input holds distances, lists of neighbours (32 E) in the
+///   place of the index; with an approximate search its lists (12 N max(48, 9 K / 8) + 448 N); for
+///   a start by a sample the neighbours besides (12 E);
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;

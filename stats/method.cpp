@@ -138,8 +138,6 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     const double joint = entry_bytes * symmetric_share(size.columns) * entries;
     const double window =
         entry_bytes * K * std::min(N, static_cast<double>(SliceLayout::kWindowRows));
-    // Arrays in huge pages are copied where they grow.
-    const double moved = std::max(4.0, entry_bytes - 4.0) * entries;
     const double reordered = size.rows < kLeastReordered ? 0.0 : 16.0 * N + 8.0 * N * d;
     const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
     const double of_queries = blocks * 512.0 * static_cast<double>(size.threads);
@@ -151,10 +149,10 @@ MethodMemory neighbours_memory(const RunSize& size, double value_bytes) {
     if (!is_given && size.options.neighbour_search == NeighbourSearchKind::Approximate) {
         searching = approximate_search_memory(size.rows, static_cast<std::size_t>(K));
     }
-    const double graph = size.options.start == StartKind::Sample ? 12.0 * entries : 0.0;
+    const double graph = size.options.start == StartKind::Sample ? 4.0 * entries : 0.0;
     return {graph + std::max({entry_bytes * entries + searching,
                               (entry_bytes + 1.0) * entries + 12.0 * N,
-                              joint + moved + window + 50.0 * N + reordered}),
+                              joint + window + 50.0 * N + reordered}),
             joint + 38.0 * N + reordered,
             is_given ? 0.0 : index + 16.0 * entries + 16.0 * N};
 }

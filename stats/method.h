@@ -37,6 +37,8 @@ struct MethodInput {
     OnStage on_stage = {};
     /// Null, or what is told how many of the nearest a search found that is not exact.
     std::optional<NeighbourRecall>* recall = nullptr;
+    /// Whether the graph is to have distances.
+    bool wants_distances = true;
 
     /// What a search for neighbours takes of it.
     [[nodiscard]] NeighbourHooks neighbourHooks() const {
@@ -45,7 +47,8 @@ struct MethodInput {
                 graph,
                 &random,
                 {options.neighbour_search == NeighbourSearchKind::Approximate, on_stage},
-                recall};
+                recall,
+                wants_distances};
     }
 };
 

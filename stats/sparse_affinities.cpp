@@ -72,6 +72,8 @@ class RowFiller {
         if (graph_ != nullptr) {
             for (std::size_t m = 0; m < count; ++m) {
                 graph_->neighbours[n * K_ + m] = others[m].row;
+            }
+            for (std::size_t m = 0; m < count && !graph_->distances.empty(); ++m) {
                 graph_->distances[n * K_ + m] = others[m].distance;
             }
         }
@@ -385,7 +387,7 @@ ConditionalRows conditional_rows(MatrixView<const double> points,
             : std::make_unique<NeighbourSearch>(N, points.columns, random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
     if (hooks.graph != nullptr) {
-        *hooks.graph = graph_without_neighbours(N, row_length);
+        *hooks.graph = graph_without_neighbours(N, row_length, hooks.wants_distances);
     }
     RowFiller filler(
         rows,

@@ -32,6 +32,8 @@ struct NeighbourHooks {
     NeighbourSearchManner manner = {};
     /// Null, or what is told how many of the nearest were found, if the search is not exact.
     std::optional<NeighbourRecall>* recall = nullptr;
+    /// Whether the graph is to have distances, which are 8 of 12 bytes of it.
+    bool wants_distances = true;
 };
 
 /// Conditional affinities of every point to its nearest neighbours, each row calibrated to a

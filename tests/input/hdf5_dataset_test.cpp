@@ -96,6 +96,53 @@ TEST_F(DatasetOfAFile, TextsOfAnyLengthAreRead) {
                 HasSubstr("m.h5: a: its elements are no numbers"));
 }
 
+/// Texts of any length in one chunk, packed without shuffling, which makes references longest.
+void write_packed_texts(test::Hdf5Writer& file,
+                        const char* path,
+                        const std::vector<std::string>& texts) {
+    std::vector<const char*> bytes;
+    for (const std::string& text : texts) {
+        bytes.push_back(text.c_str());
+    }
+    const hsize_t size = texts.size();
+    const hid_t type = H5Tcopy(H5T_C_S1);
+    H5Tset_size(type, H5T_VARIABLE);
+    const hid_t space = H5Screate_simple(1, &size, nullptr);
+    const hid_t creation = H5Pcreate(H5P_DATASET_CREATE);
+    H5Pset_chunk(creation, 1, &size);
+    H5Pset_deflate(creation, 1);
+    const hid_t dataset =
+        H5Dcreate2(file.id(), path, type, space, H5P_DEFAULT, creation, H5P_DEFAULT);
+    H5Dwrite(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, static_cast<const void*>(bytes.data()));
+    EXPECT_GT(H5Dget_storage_size(dataset), hsize_t{1} << 18U);
+    H5Dclose(dataset);
+    H5Pclose(creation);
+    H5Sclose(space);
+    H5Tclose(type);
+}
+
+TEST_F(DatasetOfAFile, ManyTextsAreReadFromOneChunk) {
+    // More bytes than are taken on trust.
+    std::vector<std::string> written(150'000);
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        written[i] = "cell " + std::to_string(i * 7919 % written.size());
+    }
+    write([&](test::Hdf5Writer& file) {
+        write_packed_texts(file, "a", written);
+        file.setChunks({written.size()});
+        file.setGzip(true);
+        file.fixedTexts("b", written, 40);
+    });
+    const File file = open();
+    for (const char* const path : {"a", "b"}) {
+        std::vector<std::string> texts(written.size());
+        Dataset(file, path).forEachText([&](std::size_t i, std::string text) {
+            texts[i] = std::move(text);
+        });
+        EXPECT_EQ(texts, written) << path;
+    }
+}
+
 TEST_F(DatasetOfAFile, TextsThatFillTheMemoryAreRefused) {
     const std::string refused = refusal(
         [](test::Hdf5Writer& file) {
@@ -147,21 +194,17 @@ TEST_F(DatasetOfAFile, FiltersThatAreNotReadAreNamed) {
 }
 
 TEST_F(DatasetOfAFile, ChunksThatUnpackToMoreThanAChunkAreRefused) {
-    // A chunk of 1 MB whose bytes unpack to 400 MB.
-    std::vector<unsigned char> packed;
-    z_stream stream{};
-    ASSERT_EQ(deflateInit(&stream, 9), Z_OK);
-    std::vector<unsigned char> zeros(4'000'000);
-    std::vector<unsigned char> out(1'000'000);
-    for (int i = 0; i < 100; ++i) {
-        stream.next_in = zeros.data();
-        stream.avail_in = static_cast<unsigned int>(zeros.size());
-        stream.next_out = out.data();
-        stream.avail_out = static_cast<unsigned int>(out.size());
-        deflate(&stream, i == 99 ? Z_FINISH : Z_NO_FLUSH);
-        packed.insert(packed.end(), out.begin(), out.end() - stream.avail_out);
+    // A chunk of 1 MB whose bytes unpack to 4 MB; the first are such as packing does not shorten.
+    std::vector<unsigned char> bytes(4'000'000, 0);
+    std::uint32_t drawn = 1;
+    for (std::size_t i = 0; i < 300'000; ++i) {
+        drawn = drawn * 1'664'525U + 1'013'904'223U;
+        bytes[i] = static_cast<unsigned char>(drawn >> 24U);
     }
-    deflateEnd(&stream);
+    uLongf size = compressBound(bytes.size());
+    std::vector<unsigned char> packed(size);
+    ASSERT_EQ(compress(packed.data(), &size, bytes.data(), bytes.size()), Z_OK);
+    packed.resize(size);
     ASSERT_GT(packed.size(), std::size_t{1} << 18U);
     EXPECT_THAT(refusal(
                     [&](test::Hdf5Writer& file) {

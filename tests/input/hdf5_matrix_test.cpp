@@ -1,6 +1,8 @@
 #include "input/hdf5_matrix.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <limits>
@@ -262,16 +264,45 @@ TEST_F(Hdf5Matrix, NoMoreMemoryIsTakenThanThereIs) {
                           "memory, and 1 MB are left\nTake its components (layer obsm/X_pca)."));
 }
 
-TEST_F(Hdf5Matrix, IsReadFromAStageOfUnknownLengthToItsEnd) {
+TEST_F(Hdf5Matrix, TellsHowMuchOfItIsRead) {
+    constexpr std::uint64_t kRows = 3000;
+    const auto write = [](Hdf5Writer& file) {
+        file.table("obs", std::vector<std::string>(kRows, "a"));
+        file.group("obsm");
+        std::vector<double> values(1000 * kRows, 1.0);
+        values[0] = 2.0;
+        file.numbers("obsm/dense", values, {kRows, 1000}, H5T_STD_U8LE);
+        file.sparseGroup("obsm/by_columns", "csc_matrix", {kRows, 1});
+        file.numbers("obsm/by_columns/data", {1, 2});
+        file.wholeNumbers("obsm/by_columns/indices", {0, 2});
+        file.wholeNumbers("obsm/by_columns/indptr", {0, 2});
+    };
     std::vector<std::pair<std::uint64_t, std::uint64_t>> told;
     options_.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {
         EXPECT_EQ(stage, Stage::Reading);
         told.emplace_back(done, total);
     };
-    loaded(test::write_cells);
-    ASSERT_GE(told.size(), 2U);
-    EXPECT_THAT(told[told.size() - 2], Pair(0, 0));
-    EXPECT_THAT(told.back(), Pair(1, 1));
+    const auto told_of = [&](const std::string& layer) {
+        options_.layer = layer;
+        told.clear();
+        loaded(write);
+        // What comes before is about the head of the file.
+        told.erase(told.begin(), std::find(told.begin(), told.end(), std::pair(0UL, 0UL)));
+        return told;
+    };
+    told_of("obsm/dense");
+    const std::uint64_t bytes = std::filesystem::file_size(path_);
+    const auto part = [bytes](double share) {
+        return Pair(static_cast<std::uint64_t>(share * static_cast<double>(bytes)), bytes);
+    };
+    EXPECT_THAT(told,
+                ElementsAre(Pair(0, 0),
+                            part(1048.0 / 3000.0),
+                            part(2096.0 / 3000.0),
+                            Pair(bytes, bytes),
+                            Pair(1, 1)));
+    EXPECT_THAT(told_of("obsm/by_columns"),
+                ElementsAre(Pair(0, 0), part(1.0 / 3.0), Pair(bytes, bytes), Pair(1, 1)));
 }
 
 TEST_F(Hdf5Matrix, OnlyTheFileItselfIsRead) {

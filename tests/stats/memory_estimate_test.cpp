@@ -116,7 +116,7 @@ TEST(EstimateMemory, CountsTheNeighboursThatASampleIsSpreadBy) {
     RunSize size = kBarnesHut;
     const double without = estimate_memory(size).similarities;
     size.options.start = StartKind::Sample;
-    EXPECT_EQ(estimate_memory(size).similarities, without + 12.0 * 90.0 * 100000.0);
+    EXPECT_EQ(estimate_memory(size).similarities, without + 4.0 * 90.0 * 100000.0);
 }
 
 TEST(EstimateMemory, CountsTheFitOfASample) {
@@ -130,7 +130,7 @@ TEST(EstimateMemory, CountsTheFitOfASample) {
     sampled.options.start = StartKind::Pca;
     const MemoryEstimate own = estimate_memory(sampled);
     const double own_rest = 14e6 + 80.0 * 10'000.0;
-    const double graph = 12.0 * 90.0 * 100'000.0;
+    const double graph = 4.0 * 90.0 * 100'000.0;
     EXPECT_GT(beside, graph + std::max(own.similarities, own.fitting) - own_rest - 1e6);
     EXPECT_LT(beside, graph + std::max(own.similarities, own.fitting) + 2e6);
     EXPECT_GE(estimate_memory(size).peak(), estimate_memory(size).sample);

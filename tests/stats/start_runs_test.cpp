@@ -11,6 +11,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/engine.h"
 #include "stats/fit.h"
+#include "stats/method.h"
 #include "stats/sample_start.h"
 
 #include "tests/plain/plain_sptree.h"
@@ -205,6 +206,56 @@ TEST_F(SampledStartRun, EqualsThePlainProgram) {
     ASSERT_GT(leastGap(sampled.values, sampled.columns, 12), 1e-12);
     EXPECT_EQ(run(sampledOptions(kTheta)), plainMap(input_, plainStart(kTheta, 12), kTheta));
     EXPECT_EQ(run(sampledOptions(0.0)), plainMap(input_, plainStart(0.0, 25), 0.0));
+}
+
+/// What the method of the last fit by `noting` was asked to keep.
+struct Asked {
+    bool graph = false;
+    bool distances = false;
+};
+
+Asked& asked() {
+    static Asked asked;
+    return asked;
+}
+
+/// The method of some options, which notes what it is asked to keep.
+Method noting(const FitOptions& options) {
+    Method method = method_of(options);
+    method.make = [](const MethodInput& input) {
+        asked() = {input.graph != nullptr, input.wants_distances};
+        return method_of(input.options).make(input);
+    };
+    return method;
+}
+
+TEST_F(SampledStartRun, KeepsNoDistancesAndNoNeighboursWhereAFitIsResumed) {
+    const FitOptions options = sampledOptions(kTheta);
+    const Method method = noting(options);
+    std::vector<double> Y(kLarge * 2);
+    const auto report_of = [&](const FitHooks& hooks) {
+        std::vector<double> X = input_.values;
+        return fit_into(
+            {Y.data(), kLarge, 2}, {X.data(), kLarge, input_.columns}, options, hooks, method);
+    };
+    report_of({});
+    EXPECT_TRUE(asked().graph);
+    EXPECT_FALSE(asked().distances);
+    FitHooks wanting;
+    wanting.wants_neighbours = true;
+    const NeighbourGraph graph = report_of(wanting).neighbours;
+    EXPECT_EQ(graph.distances.size(), kLarge * graph.neighbour_count);
+    const std::vector<double> reached = Y;
+    const std::vector<double> ones(kLarge * 2, 1.0);
+    FitState state;
+    state.embedding = reached;
+    state.velocity = ones;
+    state.gains = ones;
+    state.reached.iteration = options.max_iter - 1;
+    FitHooks resuming;
+    resuming.resumed_state = &state;
+    report_of(resuming);
+    EXPECT_FALSE(asked().graph);
 }
 
 TEST_F(SampledStartRun, IsOfTheSeedAndNotLookedAtWhereAFitIsResumed) {

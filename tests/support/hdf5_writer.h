@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "input/hdf5_file.h"
+
 namespace ovik::test {
 
 /// Writes HDF5 files, sound ones and others.
@@ -13,8 +15,7 @@ class Hdf5Writer {
   public:
     using Extents = std::vector<hsize_t>;
 
-    explicit Hdf5Writer(const std::string& path)
-        : file_(opened(H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT))) {}
+    explicit Hdf5Writer(const std::string& path) : file_(created(path)) {}
 
     Hdf5Writer(const Hdf5Writer&) = delete;
     Hdf5Writer& operator=(const Hdf5Writer&) = delete;
@@ -107,6 +108,12 @@ class Hdf5Writer {
     void setGzip(bool is_packed) { is_packed_ = is_packed; }
 
   private:
+    static hid_t created(const std::string& path) {
+        // Once the library is in use, it is too late to say that it has nothing to do at the exit.
+        hdf5::start_library();
+        return opened(H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
+    }
+
     static hid_t opened(hid_t id) {
         if (id < 0) {
             throw std::runtime_error("HDF5 file of a test cannot be written");

@@ -21,6 +21,8 @@ _ovik_tsne() {
     --page-data) COMPREPLY=($(compgen -W $'none\nsmall\nfull' -- "$current")) ;;
     --precision) COMPREPLY=($(compgen -W $'double\nfloat' -- "$current")) ;;
     --preset) COMPREPLY=($(compgen -W $'classic\nrefined' -- "$current")) ;;
+    --method) COMPREPLY=($(compgen -W $'auto\nbarnes-hut\nmesh\nexact' -- "$current")) ;;
+    --neighbour-search) COMPREPLY=($(compgen -W $'exact\napproximate' -- "$current")) ;;
     --metric)
       COMPREPLY=($(compgen -W $'euclidean\npearson\ncosine\nspearman\nprecomputed' -- "$current"))
       ;;
@@ -29,7 +31,7 @@ _ovik_tsne() {
     --gains) COMPREPLY=($(compgen -W $'adaptive\nconstant' -- "$current")) ;;
     --start)
       compopt -o filenames
-      COMPREPLY=($(compgen -W $'random\npca' -- "$current") $(compgen -f -- "$current"))
+      COMPREPLY=($(compgen -W $'random\npca\nsample' -- "$current") $(compgen -f -- "$current"))
       ;;
     --coordinates) COMPREPLY=($(compgen -W $'tsv\nnpy\ntsv,npy' -- "$current")) ;;
     -o | --out-dir) COMPREPLY=($(compgen -d -- "$current")) ;;

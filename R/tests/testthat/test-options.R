@@ -34,7 +34,7 @@ test_that("choices and lists are refused with what they should be", {
   expect_error(tsne(x, multiscale = c(10, 10)), "up to 8 different numbers, .* not c\\(10, 10\\)")
   expect_error(tsne(x, multiscale = "10"), "multiscale should be")
   expect_error(tsne(x, 10, learning_rate = "slow"), "or \"auto\", not \"slow\"")
-  expect_error(tsne(x, 10, start = "given"), "start should be \"random\", \"pca\" or a matrix of coordinates")
+  expect_error(tsne(x, 10, start = "given"), "start should be \"random\", \"pca\", \"sample\" or a matrix of coordinates")
   expect_error(tsne(x, 10, preset = "fine"), "preset should be \"classic\" or \"refined\", not \"fine\"")
 })
 

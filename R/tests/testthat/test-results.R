@@ -36,6 +36,7 @@ choices <- list(
   list(affinity = "uniform", neighbours = 9),
   list(multiscale = c(5, 10)),
   list(perplexity = 7.5, neighbour_search = "approximate"),
+  list(perplexity = 7.5, method = "mesh"),
   list(perplexity = 7.5, start = "pca"),
   list(perplexity = 7.5, schedule = "annealed", hold_iter = 10, release_iter = 15, learning_rate = "auto"),
   list(perplexity = 7.5, stop_when = 0.01, stop_lying_iter = 0, max_iter = 120),
