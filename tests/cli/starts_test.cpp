@@ -151,9 +151,8 @@ TEST_F(Starts, TellOfTheSampleTheyBeginWith) {
         }
     }
     const std::string report = directory_.file("sample.json");
-    tableOf(
-        content + "\n",
-        {"--start", "sample", "--neighbour-search", "approximate", "-i", "4", "--json", report});
+    tableOf(content + "\n",
+            {"--start", "sample", "--neighbour-search", "approximate", "--json", report});
     const std::size_t similarities = out_.find("Got sparsity");
     const std::size_t sample = out_.find("-- Embedding a sample of the rows");
     const std::size_t end = out_.find(
