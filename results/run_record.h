@@ -79,6 +79,8 @@ struct RunRecord {
     std::optional<double> variance_kept;
     /// The share of the nearest neighbours that were found, if the search was not exact.
     std::optional<double> neighbour_recall;
+    /// The same of the sample at whose map the rows start.
+    std::optional<double> sample_recall;
     RecordedSeconds seconds;
     /// Of a run from several seeds, one of which gave the map; empty for a run from one.
     std::vector<RecordedSeed> seeds;

@@ -118,6 +118,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     if (run.neighbour_recall) {
         members.emplace_back("neighbour_recall", json_text(*run.neighbour_recall));
     }
+    if (run.sample_recall) {
+        members.emplace_back("sample_neighbour_recall", json_text(*run.sample_recall));
+    }
     if (run.clusters) {
         members.emplace_back("clusters",
                              json_object({{"resolution", json_text(run.clusters->resolution)},

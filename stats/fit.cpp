@@ -141,7 +141,8 @@ class Rows {
         start_along_components(Y, principal_components(X_, count), options_.start_spread);
     }
 
-    SampleReport startFromSample(MatrixView<double> Y, const NeighbourGraph& graph) const {
+    [[nodiscard]] SampleReport startFromSample(MatrixView<double> Y,
+                                               const NeighbourGraph& graph) const {
         tell(hooks_.on_note, FitNote::SampleBegins);
         const SampleHooks hooks{hooks_.on_stage, hooks_.on_sample_iteration};
         return graph.rows == 0
@@ -164,6 +165,33 @@ class Rows {
     std::optional<PrincipalComponents> components_;
     bool needs_neighbours_;
 };
+
+/// The objective of a method, and what there is to report of the search for neighbours.
+std::unique_ptr<Objective> make_objective(const Method& method,
+                                          const Rows& rows,
+                                          const FitOptions& options,
+                                          const FitHooks& hooks,
+                                          RandomStream& stream,
+                                          FitReport& report) {
+    const FitNotes notes = [&](FitNote note) {
+        report.search_became_exact |= note == FitNote::SearchIsExact;
+        tell(hooks.on_note, note);
+    };
+    const bool has_graph = hooks.wants_neighbours || rows.needNeighbours();
+    std::unique_ptr<Objective> objective = method.make({rows.view(),
+                                                        options,
+                                                        notes,
+                                                        hooks.cached_neighbours,
+                                                        has_graph ? &report.neighbours : nullptr,
+                                                        stream,
+                                                        hooks.on_stage,
+                                                        &report.recall,
+                                                        hooks.wants_neighbours});
+    if (report.recall && hooks.on_recall) {
+        hooks.on_recall(*report.recall);
+    }
+    return objective;
+}
 
 /// Iterates until the last iteration, or until a hook ends the fit.
 void iterate(Optimisation& optimisation, int max_iter, const FitHooks& hooks, FitReport& report) {
@@ -205,23 +233,8 @@ FitReport fit_into(MatrixView<double> Y,
     }
     report.scale = prepare_input(X, options.metric);
     std::optional<Rows> rows(std::in_place, X, options, hooks, report);
-    const FitNotes notes = [&](FitNote note) {
-        report.search_became_exact |= note == FitNote::SearchIsExact;
-        tell(hooks.on_note, note);
-    };
-    const bool has_graph = hooks.wants_neighbours || rows->needNeighbours();
-    std::unique_ptr<Objective> objective = method.make({rows->view(),
-                                                        options,
-                                                        notes,
-                                                        hooks.cached_neighbours,
-                                                        has_graph ? &report.neighbours : nullptr,
-                                                        stream,
-                                                        hooks.on_stage,
-                                                        &report.recall,
-                                                        hooks.wants_neighbours});
-    if (report.recall && hooks.on_recall) {
-        hooks.on_recall(*report.recall);
-    }
+    std::unique_ptr<Objective> objective =
+        make_objective(method, *rows, options, hooks, stream, report);
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
     if (hooks.on_similarities) {

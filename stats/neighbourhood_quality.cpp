@@ -13,6 +13,7 @@
 #include "util/instruction_set.h"
 #include "util/kernel_dispatch.h"
 #include "util/parallel.h"
+#include "util/stage_count.h"
 
 namespace ovik {
 
@@ -147,7 +148,8 @@ NeighbourhoodQuality quality_of(const Sums& sums,
 std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
                                              const RowMeasure& embedding,
                                              std::size_t N,
-                                             const std::vector<std::size_t>& sizes) {
+                                             const std::vector<std::size_t>& sizes,
+                                             const OnStage& on_stage) {
     constexpr std::size_t kRowsOfTask = 32;
     const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
     const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
@@ -158,12 +160,16 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
                                    Neighbours(input, N, largest));
     std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
                                        Neighbours(embedding, N, largest));
+    StageCount progress(on_stage, Stage::Quality, N);
     parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
-        for (std::size_t n = task * kRowsOfTask; n < std::min((task + 1) * kRowsOfTask, N); ++n) {
+        const std::size_t begin = task * kRowsOfTask;
+        const std::size_t end = std::min(begin + kRowsOfTask, N);
+        for (std::size_t n = begin; n < end && !progress.isStopped(); ++n) {
             inputs[worker].find(n);
             embeddings[worker].find(n);
             add_row(n, inputs[worker], embeddings[worker], sizes, sums[task], kept);
         }
+        progress.add(end - begin);
     });
     std::vector<NeighbourhoodQuality> result;
     for (std::size_t i = 0; i < sizes.size(); ++i) {
@@ -177,7 +183,33 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
     return result;
 }
 
+/// The quality by distances of rows under a metric.
+std::vector<NeighbourhoodQuality> quality_of_rows(MatrixView<const double> X,
+                                                  MatrixView<const double> Y,
+                                                  const std::vector<std::size_t>& sizes,
+                                                  const Metric& metric,
+                                                  const OnStage& on_stage) {
+    if (X.rows == 0 || sizes.empty()) {
+        return {};
+    }
+    require_measurable_rows(metric, X.values, X.rows, X.columns);
+    const Columns input(X.values, X.rows, X.columns);
+    const Columns embedding(Y.values, X.rows, Y.columns);
+    return quality_by(measure_of(input, metric),
+                      measure_of(embedding, euclidean_metric()),
+                      X.rows,
+                      sizes,
+                      on_stage);
+}
+
 }  // namespace
+
+std::vector<NeighbourhoodQuality> neighbourhood_quality(MatrixView<const double> X,
+                                                        MatrixView<const double> Y,
+                                                        const std::vector<std::size_t>& sizes,
+                                                        const OnStage& on_stage) {
+    return quality_of_rows(X, Y, sizes, euclidean_metric(), on_stage);
+}
 
 std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         std::size_t N,
@@ -185,7 +217,7 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         const double* Y,
                                                         std::size_t dims,
                                                         const std::vector<std::size_t>& sizes) {
-    return neighbourhood_quality(X, N, D, Y, dims, sizes, euclidean_metric());
+    return quality_of_rows({X, N, D}, {Y, N, dims}, sizes, euclidean_metric(), {});
 }
 
 std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
@@ -195,20 +227,14 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         std::size_t dims,
                                                         const std::vector<std::size_t>& sizes,
                                                         const Metric& metric) {
-    if (N == 0 || sizes.empty()) {
-        return {};
-    }
-    require_measurable_rows(metric, X, N, D);
-    const Columns input(X, N, D);
-    const Columns embedding(Y, N, dims);
-    return quality_by(
-        measure_of(input, metric), measure_of(embedding, euclidean_metric()), N, sizes);
+    return quality_of_rows({X, N, D}, {Y, N, dims}, sizes, metric, {});
 }
 
 std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
     MatrixView<const double> distances,
     MatrixView<const double> Y,
-    const std::vector<std::size_t>& sizes) {
+    const std::vector<std::size_t>& sizes,
+    const OnStage& on_stage) {
     if (distances.rows == 0 || sizes.empty()) {
         return {};
     }
@@ -217,7 +243,8 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
         const std::span<const double> given = distances.row(row);
         std::copy(given.begin(), given.end(), result);
     };
-    return quality_by(of_row, measure_of(embedding, euclidean_metric()), distances.rows, sizes);
+    return quality_by(
+        of_row, measure_of(embedding, euclidean_metric()), distances.rows, sizes, on_stage);
 }
 
 }  // namespace ovik

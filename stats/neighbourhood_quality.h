@@ -5,6 +5,7 @@
 
 #include "util/api.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 namespace ovik {
 
@@ -51,10 +52,14 @@ OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality(
     const std::vector<std::size_t>& sizes);
 
 /// The same for matrices with their shapes.
-inline std::vector<NeighbourhoodQuality> neighbourhood_quality(
-    MatrixView<const double> X, MatrixView<const double> Y, const std::vector<std::size_t>& sizes) {
-    return neighbourhood_quality(X.values, X.rows, X.columns, Y.values, Y.columns, sizes);
-}
+///
+/// @param on_stage  takes how many rows have been compared with all others; may be empty
+/// @throws what `on_stage` throws
+OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality(
+    MatrixView<const double> X,
+    MatrixView<const double> Y,
+    const std::vector<std::size_t>& sizes,
+    const OnStage& on_stage = {});
 
 /// The same for neighbours in the input by a matrix of distances.
 ///
@@ -62,7 +67,8 @@ inline std::vector<NeighbourhoodQuality> neighbourhood_quality(
 OVIK_API std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
     MatrixView<const double> distances,
     MatrixView<const double> Y,
-    const std::vector<std::size_t>& sizes);
+    const std::vector<std::size_t>& sizes,
+    const OnStage& on_stage = {});
 
 /// The same for neighbours in the input under any metric; those in the embedding are Euclidean.
 ///

@@ -140,7 +140,6 @@ LookFailures look_at_map(TSNE<T>& tsne,
     }
     std::vector<NeighbourhoodQuality> quality;
     if (options.quality) {
-        tell(options.on_stage, Stage::Quality, 0, 0);
         failures.quality =
             failure_of([&] { quality = report_map_quality(tsne, options.fit.out_dims); });
     }
@@ -307,6 +306,9 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
         failures = look_at_map(tsne, options, report, input.label_columns, record);
+        if (report.sample && report.sample->recall) {
+            record.sample_recall = report.sample->recall->share;
+        }
     };
     tsne.actuate(options.fit.out_dims,
                  perplexity,

@@ -18,8 +18,8 @@ std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int di
     const MatrixView<const double> Y{tsne.Y, N, static_cast<std::size_t>(dims)};
     std::vector<NeighbourhoodQuality> measured =
         tsne.options.metric == MetricKind::Precomputed
-            ? neighbourhood_quality_of_distances(X, Y, sizes)
-            : neighbourhood_quality(X, Y, sizes);
+            ? neighbourhood_quality_of_distances(X, Y, sizes, tsne.on_stage)
+            : neighbourhood_quality(X, Y, sizes, tsne.on_stage);
     for (const NeighbourhoodQuality& quality : measured) {
         print_info("Nearest " + std::to_string(quality.neighbours) + ": trustworthiness " +
                    rounded_text(quality.trustworthiness, 4) + ", " +

@@ -10,7 +10,7 @@ namespace ovik::tool {
 /// Measures how well the embedding of a run keeps the 10 and the 30 nearest neighbours of each row,
 /// as far as there are rows enough; prints it, and how well the embedding fits.
 ///
-/// @param tsne  with an embedding, before `finish`
+/// @param tsne  with an embedding, before `finish`; its `on_stage` is told how far it is
 template <typename T>
 std::vector<NeighbourhoodQuality> report_map_quality(const TSNE<T>& tsne, int dims);
 

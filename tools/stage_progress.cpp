@@ -33,7 +33,7 @@ StageWords words_of(Stage stage) {
         case Stage::Clusters:
             return {"Clusters", ""};
         case Stage::Quality:
-            return {"Quality", ""};
+            return {"Quality", " rows"};
         case Stage::Table:
             return {"Result table", ""};
         case Stage::Page:

@@ -19,6 +19,7 @@ enum class Stage {
     /// Of iterations.
     Iterations,
     Clusters,
+    /// Of rows.
     Quality,
     Table,
     Page,

@@ -89,12 +89,13 @@ int seed_of(const FitOptions& options, const FitReport& report) {
 NeighbourhoodQuality quality_of(MatrixView<const double> X,
                                 const Fit& fit,
                                 const FitOptions& options,
-                                std::size_t neighbours) {
+                                std::size_t neighbours,
+                                const OnStage& on_stage) {
     const MatrixView<const double> Y{
         fit.embedding.data(), X.rows, static_cast<std::size_t>(options.out_dims)};
     return options.metric == MetricKind::Precomputed
-               ? neighbourhood_quality_of_distances(X, Y, {neighbours}).front()
-               : neighbourhood_quality(X, Y, {neighbours}).front();
+               ? neighbourhood_quality_of_distances(X, Y, {neighbours}, on_stage).front()
+               : neighbourhood_quality(X, Y, {neighbours}, on_stage).front();
 }
 
 }  // namespace
@@ -168,7 +169,8 @@ Outcome run_fit(MatrixView<const double> points,
         outcome.quality = quality_of({X.get(), points.rows, points.columns},
                                      outcome.fit,
                                      options,
-                                     manner.quality_neighbours);
+                                     manner.quality_neighbours,
+                                     hooks.on_stage);
     }
     if (outcome.threads_note.empty()) {
         outcome.threads_note = denied_threads_note();

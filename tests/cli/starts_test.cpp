@@ -142,5 +142,28 @@ TEST_F(Starts, ComponentsSayWhatTheyKeep) {
     EXPECT_THAT(out_, Not(HasSubstr("principal components")));
 }
 
+TEST_F(Starts, TellOfTheSampleTheyBeginWith) {
+    std::string content = "gene\ta\tb\tc";
+    for (int n = 0; n < 2000; ++n) {
+        content += "\nGENE" + std::to_string(n);
+        for (int d = 0; d < 3; ++d) {
+            content += "\t" + std::to_string((n * 3701 + d * 1013 + n * d * 77) % 9973);
+        }
+    }
+    const std::string report = directory_.file("sample.json");
+    tableOf(content + "\n",
+            {"--start", "sample", "--neighbour-search", "approximate", "--json", report});
+    const std::size_t similarities = out_.find("Got sparsity");
+    const std::size_t sample = out_.find("-- Embedding a sample of the rows");
+    const std::size_t end = out_.find(
+        "-- The map of 1000 rows is the start of all; approximate neighbours among them: ");
+    EXPECT_LT(similarities, sample);
+    EXPECT_LT(sample, end);
+    EXPECT_LT(end, out_.find("Got error of"));
+    const auto run = nlohmann::json::parse(test::read_file(report))["runs"][0];
+    EXPECT_GT(run["seconds"]["sample"], 0.0);
+    EXPECT_GT(run["sample_neighbour_recall"], 0.9);
+}
+
 }  // namespace
 }  // namespace ovik

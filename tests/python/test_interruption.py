@@ -37,6 +37,23 @@ def test_ctrl_c_ends_the_fit():
     assert process.returncode == 0
 
 
+def test_ctrl_c_ends_the_fit_of_a_sample():
+    # The sample alone takes hours.
+    X = np.random.default_rng(1).normal(size=(2000, 4))
+    tsne = ovik.TSNE(n_iter=1_000_000_000, init="sample", n_jobs=1)
+
+    def interrupt_soon():
+        threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT)).start()
+
+    interrupt_soon()
+    with pytest.raises(KeyboardInterrupt):
+        tsne.fit(X)
+    interrupt_soon()
+    with pytest.warns(UserWarning, match="was interrupted at iteration 0"):
+        tsne.set_params(on_interrupt="keep").fit(X)
+    assert tsne.embedding_.std() > 0
+
+
 # A fit that keeps its map, to be interrupted; it says what is left of it.
 KEPT_FIT = """
 import sys, warnings

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <numeric>
 #include <random>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -204,6 +205,30 @@ TEST(NeighbourhoodQuality, TakesMatricesWithTheirShapes) {
     ASSERT_EQ(quality.size(), 1U);
     EXPECT_EQ(quality[0].trustworthiness, expected[0].trustworthiness);
     EXPECT_EQ(quality[0].preservation, expected[0].preservation);
+}
+
+TEST(NeighbourhoodQuality, TellsHowFarItIsAndIsStopped) {
+    const std::vector<double> X = test::random_values(300 * 3, 5);
+    const MatrixView<const double> rows{X.data(), 300, 3};
+    std::uint64_t last = 0;
+    OnStage on_stage = [&last](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Quality);
+        EXPECT_EQ(total, 300U);
+        EXPECT_GE(done, last);
+        last = done;
+    };
+    EXPECT_EQ(neighbourhood_quality(rows, rows, {7}, on_stage).front().preservation, 1.0);
+    EXPECT_EQ(last, 300U);
+    on_stage = [](Stage, std::uint64_t done, std::uint64_t) {
+        if (done > 0) {
+            throw std::runtime_error("enough");
+        }
+    };
+    EXPECT_THROW(neighbourhood_quality(rows, rows, {7}, on_stage), std::runtime_error);
+    const std::vector<double> distances = test::random_values(300 * 300, 6);
+    EXPECT_THROW(
+        neighbourhood_quality_of_distances({distances.data(), 300, 300}, rows, {7}, on_stage),
+        std::runtime_error);
 }
 
 }  // namespace

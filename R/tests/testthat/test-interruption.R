@@ -18,6 +18,14 @@ test_that("a time limit ends a fit", {
   }, "time limit")
 })
 
+test_that("a time limit ends the fit of a sample", {
+  on.exit(setTimeLimit())
+  expect_error({
+    setTimeLimit(elapsed = 0.5)
+    tsne(matrix(sin(seq_len(8000)), 2000), 10, max_iter = 1e9, start = "sample")
+  }, "time limit")
+})
+
 test_that("an error where its messages go ends a fit", {
   fail <- function(condition) stop("not here")
   expect_error(withCallingHandlers(tsne(groups(300), 10, max_iter = 1e9, verbose = TRUE), message = fail), "not here")
