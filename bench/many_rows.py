@@ -26,11 +26,11 @@ RUNS = {
     "100,000 rows, refined": (100_000, 1000, (*REFINED, "mesh")),
     "100,000 rows, refined, Barnes-Hut": (100_000, 250, (*REFINED, "barnes-hut")),
     "1,000,000 rows, refined": (1_000_000, 1000, (*REFINED, "mesh")),
-    "1,000,000 rows, 15 equal neighbours": (1_000_000, 500, (*REFINED, "mesh", *EQUAL)),
+    "1,000,000 rows, 15 equal neighbours": (1_000_000, 500, ("--preset", "refined", "--method", "mesh", *EQUAL)),
 }
 SEARCHES = {
     "200,000 rows, exact": (200_000, "exact"),
-    "1,000,000 rows, approximate": (1_000_000, "approximate"),
+    "200,000 rows, approximate": (200_000, "approximate"),
 }
 
 
@@ -72,7 +72,7 @@ def digits_cells(directory, matrix, labels, method):
     report, whole = map_of(directory, matrix, *options)
     files = {file["what"]: file["path"] for file in report["files"]}
     kept, label = run(
-        BENCH / "map_neighbours", matrix, 50, files["Coordinates"], labels
+        BENCH / "map_neighbours", matrix, 50, directory / Path(files["Coordinates"]).name, labels
     ).output.split()[1::2]
     return [f"{whole.seconds:.0f} s", kept, label, f"{whole.bytes / 1e9:.2f} GB"]
 
