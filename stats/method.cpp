@@ -168,7 +168,8 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
 MethodMemory mesh_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto d = static_cast<double>(size.options.out_dims);
-    const double cells = 2200.0 * std::sqrt(N);
+    // Maps of very many rows are wide while some points fly about.
+    const double cells = std::max(2200.0 * std::sqrt(N), 16.0 * N);
     MethodMemory memory = neighbours_memory(size, sizeof(float));
     memory.fitting += 32.0 * N + 8.0 * N * d + 45.0 * cells;
     return memory;
