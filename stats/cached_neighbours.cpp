@@ -55,6 +55,9 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
             }
         } catch (...) {
             search_.reset();
+            lists_.clear();
+            found_.clear();
+            recall_.reset();
             throw;
         }
         return nullptr;

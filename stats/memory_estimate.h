@@ -44,11 +44,11 @@ struct RunSize {
 ///   (E + 12 N), and the symmetric entries that they become, with those of 4096 rows
 ///   (V S + V 4096 K + 50 N); where the input holds distances, lists of neighbours (32 E) in the
 ///   place of the index; with an approximate search its lists (12 N max(48, 9 K / 8) + 448 N); for
-///   a start by a sample the neighbours besides (12 E);
+///   a start by a sample the neighbours besides (4 E);
 /// - principal components (`pca`, `start`), before similarities or behind them: with M the smaller
 ///   one of N and D, the matrix of products (8 M^2) and rotations (40 M^2), and a copy of the input
 ///   (8 ND) if N is below D; `pca` leaves the scores (8 N pca), which stand for the columns then;
-/// - a start by a sample: what fitting takes and the neighbours that place the others (12 E; by the
+/// - a start by a sample: what fitting takes and the neighbours that place the others (4 E; by the
 ///   exact method 300 N), with a copy of the sample and what its own fit takes in these stages;
 /// - fitting: the embedding, its gradient, steps and gains (32 Nd), and either the similarities
 ///   (8 N^2) or the symmetric entries (V S + 38 N) with the tree and its forces (153 N + 44 Nd),

@@ -9,9 +9,12 @@ namespace ovik {
 /// Most points beyond each side of a mesh.
 constexpr std::size_t kMostBeyond = 64;
 
-/// The box of a map under which a mesh lies: all of it or, where a few points that have flown far
-/// out make the mesh large, a smaller one that leaves up to `kMostBeyond` of them outside each
-/// side, if what those cost pair by pair (`FarPoints`) is less than what the mesh saves.
+/// The box of a map under which a mesh lies.
+///
+/// That of the map, if its mesh is small. Else the one that costs least of that, of those that
+/// leave up to `kMostBeyond` points outside each side, which are taken pair by pair (`FarPoints`),
+/// and, with up to some 9000 points, of none at all: then all are. Boxes of more cells than a mesh
+/// may have are taken only if there is no other.
 ///
 /// Follows from where the points lie alone, whatever their order.
 ///

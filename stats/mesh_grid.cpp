@@ -93,7 +93,7 @@ MapBox map_box(const double* Y, std::size_t N) {
 }
 
 MeshGrid mesh_grid(const MapBox& box, std::size_t N) {
-    if (N == 0) {
+    if (box.least[0] > box.greatest[0]) {
         return {kCellsPerUnit, {0.0, 0.0}, kSplineOrder, kSplineOrder};
     }
     if (!box.is_finite) {
@@ -104,8 +104,7 @@ MeshGrid mesh_grid(const MapBox& box, std::size_t N) {
     }
     const Extent extent = extent_under(box);
     // Not so for a width that is infinite.
-    const double most = std::max(kMostCells, kMostCellsPerPoint * static_cast<double>(N));
-    if (!(extent.columns * extent.rows <= most)) {
+    if (!(extent.columns * extent.rows <= most_mesh_cells(N))) {
         throw InputError("the map has grown to " + shortest_text(std::ceil(extent.widths[0])) +
                          " x " + shortest_text(std::ceil(extent.widths[1])) +
                          ", too wide for a mesh over " + std::to_string(N) + " points" + kCure);
@@ -114,6 +113,10 @@ MeshGrid mesh_grid(const MapBox& box, std::size_t N) {
             {box.least[0], box.least[1]},
             static_cast<std::size_t>(extent.columns),
             static_cast<std::size_t>(extent.rows)};
+}
+
+double most_mesh_cells(std::size_t N) {
+    return std::max(kMostCells, kMostCellsPerPoint * static_cast<double>(N));
 }
 
 double mesh_cells(const MapBox& box) {

@@ -4,7 +4,8 @@
 
 namespace ovik {
 
-/// The least and the greatest coordinates of a map in two dimensions.
+/// The least and the greatest coordinates of a map in two dimensions; the box of no points has
+/// least coordinates above the greatest.
 struct MapBox {
     double least[2];
     double greatest[2];
@@ -44,5 +45,8 @@ MeshGrid mesh_grid(const MapBox& box, std::size_t N);
 
 /// How many cells the mesh under a box has, if it is not refused.
 double mesh_cells(const MapBox& box);
+
+/// More cells than these are refused.
+double most_mesh_cells(std::size_t N);
 
 }  // namespace ovik

@@ -62,19 +62,25 @@ bool is_inside(const Box& box, const std::vector<double>& Y, std::size_t n) {
 Box mesh_box(const std::vector<double>& Y) {
     const std::size_t N = Y.size() / 2;
     Box best = box_within(Y, 0);
-    double least_cost = 20.0 * cells_under(best);
     if (cells_under(best) <= 65536.0) {
         return best;
     }
+    const auto price = [N](const Box& box) {
+        const double cells = cells_under(box);
+        const bool is_too_much = cells > 4194304.0 && cells > 16.0 * static_cast<double>(N);
+        return is_too_much ? HUGE_VAL : 20.0 * cells;
+    };
+    double least_cost = price(best);
     for (std::size_t outside = 1; outside <= 64 && 4 * outside < N; outside *= 2) {
         const Box box = box_within(Y, outside);
-        const double cost = 20.0 * cells_under(box) + static_cast<double>(4 * outside * N);
+        const double cost = price(box) + static_cast<double>(4 * outside * N);
         if (cost < least_cost) {
             best = box;
             least_cost = cost;
         }
     }
-    return best;
+    const double all_pairs = static_cast<double>(N * N);
+    return all_pairs < least_cost && all_pairs < 84e6 ? Box() : best;
 }
 
 PairSums from_far_points(const Box& box, const std::vector<double>& Y, std::size_t n) {

@@ -338,7 +338,7 @@ Mesh mesh_under(const Box& box) {
     double width[2];
     for (std::size_t d = 0; d < 2; ++d) {
         mesh.corner[d] = box.least[d];
-        width[d] = box.greatest[d] - box.least[d];
+        width[d] = std::max(0.0, box.greatest[d] - box.least[d]);
     }
     for (int k = 0; k < 7 && std::max(width[0], width[1]) * mesh.cells_per_unit < 64.0; ++k) {
         mesh.cells_per_unit *= 2.0;

@@ -649,10 +649,16 @@ TEST(FitByAMesh, GoesOnFromAState) {
 }
 
 TEST(FitByAMesh, IsRefusedWhereTheMapGrowsWithoutBound) {
+    // Of fewer rows all pairs are taken.
+    constexpr std::size_t kMany = 10'000;
+    std::vector<double> X = test::random_values(3 * kMany, 91);
     FitOptions options = kOptions;
     options.method = MethodKind::Mesh;
     options.learning_rate = 1e9;
-    EXPECT_NE(test::refusal_of([&] { fitted(options); }).find("barnes-hut"), std::string::npos);
+    EXPECT_NE(test::refusal_of([&] {
+                  fit({X.data(), kMany, 3}, options);
+              }).find("barnes-hut"),
+              std::string::npos);
 }
 
 TEST(Fit, RefusesToGoOnFromAStateOfAnotherShape) {

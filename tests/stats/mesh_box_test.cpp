@@ -20,6 +20,10 @@ void expect_same(const MapBox& box, const double (&least)[2], const double (&gre
     }
 }
 
+bool is_of_no_points(const MapBox& box) {
+    return box.least[0] > box.greatest[0];
+}
+
 TEST(MeshBox, IsThatOfThePlainProgramForAnyNumberOfThreads) {
     for (const double far : {50.0, 300.0, 5000.0}) {
         std::vector<double> Y = test::random_values(80'000, 3, 10.0);
@@ -52,9 +56,31 @@ TEST(MeshBox, IsThatOfTheMapWhereItIsSmallOrNoPointIsFarOut) {
         const MapBox all = map_box(Y.data(), Y.size() / 2);
         expect_same(mesh_box(Y.data(), Y.size() / 2), all.least, all.greatest);
     }
+    EXPECT_TRUE(is_of_no_points(mesh_box(nullptr, 0)));
+}
+
+TEST(MeshBox, IsOfNoPointsWhereAllPairsCostLess) {
     const std::vector<double> two{0.0, 0.0, 1e5, 1e5};
-    EXPECT_EQ(mesh_box(two.data(), 2).greatest[1], 1e5);
-    EXPECT_TRUE(mesh_box(nullptr, 0).greatest[0] < 0.0);
+    EXPECT_TRUE(is_of_no_points(mesh_box(two.data(), 2)));
+    const std::vector<double> wide = test::random_values(2 * 9000, 3, 5000.0);
+    EXPECT_TRUE(is_of_no_points(mesh_box(wide.data(), 9000)));
+    EXPECT_FALSE(is_of_no_points(mesh_box(two.data(), 1)));
+    // All pairs of more points cost more than any mesh.
+    const std::vector<double> many = test::random_values(2 * 9200, 3, 5000.0);
+    EXPECT_FALSE(is_of_no_points(mesh_box(many.data(), 9200)));
+}
+
+TEST(MeshBox, IsOneThatIsNotRefusedThoughItCostsMore) {
+    constexpr std::size_t kCount = 300'000;
+    std::vector<double> Y;
+    for (std::size_t i = 0; i < kCount; ++i) {
+        Y.insert(Y.end(), {1.2 * static_cast<double>(i % 600), 1.2 * static_cast<double>(i / 600)});
+    }
+    for (std::size_t i = 0; i < 40; ++i) {
+        Y[2 * (7000 * i + 300)] = 925.0;
+    }
+    ASSERT_GT(mesh_cells(map_box(Y.data(), kCount)), most_mesh_cells(kCount));
+    EXPECT_LT(mesh_box(Y.data(), kCount).greatest[0], 800.0);
 }
 
 TEST(MeshBox, LeavesWhatIsNoMapToTheGrid) {

@@ -273,10 +273,24 @@ TEST(MeshRepulsion, IsNearAllPairsWherePointsAreFarOut) {
     }
 }
 
+TEST(MeshRepulsion, OfFewPointsFarFromEachOtherIsThatOfAllPairs) {
+    std::vector<double> Y;
+    for (int i = 0; i < 225; ++i) {
+        Y.insert(Y.end(), {40.0 * (i % 15) + 0.1 * (i % 7), 40.0 * (i / 15) - 0.1 * (i % 5)});
+    }
+    const plain::MeshForces expected = plain::mesh_forces(Y);
+    const Forces actual = mesh_forces(Y);
+    EXPECT_EQ(actual.forces, expected.forces);
+    EXPECT_EQ(actual.z_terms, expected.z_terms);
+    const Errors errors = errors_of(Y, 225);
+    EXPECT_LT(errors.forces, 1e-8);
+    EXPECT_LT(errors.normalisation, 1e-9);
+}
+
 TEST(MeshRepulsion, RefusesAMapWithManyPointsFarOutAndGoesOnWithAnotherMap) {
-    std::vector<double> Y = map_like(1000, 7, 60.0, 0.5);
-    const std::vector<double> other = with_far_points(map_like(1000, 3, 20.0, 0.5));
-    MeshRepulsion repulsion(1000);
+    std::vector<double> Y = map_like(20'000, 7, 60.0, 0.1);
+    const std::vector<double> other = with_far_points(map_like(20'000, 3, 20.0, 0.1));
+    MeshRepulsion repulsion(20'000);
     EXPECT_EQ(forces_by(repulsion, Y), mesh_forces(Y));
     for (std::size_t n = 0; n < 200; ++n) {
         Y[2 * n] *= 1e5;
