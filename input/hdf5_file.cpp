@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "util/child_trial.h"
 #include "util/input_error.h"
 #include "util/memory_text.h"
 
@@ -121,6 +122,18 @@ void fail_written(const std::string& place) {
     }
     throw std::runtime_error(place + ": cannot be written" +
                              (last.text.empty() ? "" : " (" + system_message_in(last.text) + ")"));
+}
+
+void require_sound(const std::string& name,
+                   std::uint64_t bytes,
+                   const std::function<void()>& read) {
+    constexpr std::uint64_t kLeastSeconds = 10;
+    constexpr std::uint64_t kSlowestRate = 10'000'000;
+    if (!survives(read, static_cast<unsigned int>(kLeastSeconds + bytes / kSlowestRate))) {
+        refuse(name,
+               "the names or attributes of this HDF5 file cannot be read: it is damaged\nFetch or "
+               "write it again.");
+    }
 }
 
 void start_library() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <hdf5.h>
 #include <optional>
 #include <string>
@@ -121,6 +123,15 @@ class File {
     double most_bytes_;
     Handle file_;
 };
+
+/// Refuses a file at whose texts the library crashes, or never ends, as it does at some damaged
+/// ones: they are read in a process of their own first.
+///
+/// @param name   what messages call the file
+/// @param bytes  its size
+/// @param read   reads names and attributes
+/// @throws InputError
+void require_sound(const std::string& name, std::uint64_t bytes, const std::function<void()>& read);
 
 /// Makes the library silent and keeps it from loading code and, where it is not yet in use, from
 /// writing once more at the exit what could not be written.

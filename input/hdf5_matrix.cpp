@@ -281,6 +281,29 @@ InspectedMatrix read_10x(const File& file,
             "\nWrite its matrix as .h5ad, .npy or text.");
 }
 
+/// Reads all texts that its matrix needs.
+void read_texts_only(const File& file, const LoadOptions& options) {
+    const std::string layer = options.layer.empty() ? "X" : options.layer;
+    if (file.kindOf("obs") != Kind::Nothing) {
+        static_cast<void>(hdf5::read_index(file, "obs"));
+        const std::string table = columns_table(layer);
+        if (!table.empty()) {
+            static_cast<void>(hdf5::read_index(file, table));
+        }
+        if (file.kindOf(layer) == Kind::Group) {
+            static_cast<void>(sparse_layout(file, layer));
+        }
+        return;
+    }
+    const std::string group = group_of_10x(file);
+    for (const char* const names :
+         {"/barcodes", "/features/name", "/gene_names", "/features/feature_type"}) {
+        if (file.kindOf(group + names) == Kind::Dataset) {
+            static_cast<void>(hdf5::read_texts(file, group + names));
+        }
+    }
+}
+
 void check_source(const MatrixSource& source) {
     if (!source.isSeekable()) {
         hdf5::refuse(
@@ -305,6 +328,9 @@ InspectedMatrix read_hdf5_matrix(MatrixSource& source, const LoadOptions& option
         const auto read = static_cast<std::uint64_t>(share * static_cast<double>(bytes));
         tell(options.on_stage, Stage::Reading, read, bytes);
     };
+    hdf5::require_sound(source.name(), bytes, [&] {
+        read_texts_only(File(source.path(), source.name(), memory_limit(options)), options);
+    });
     const File file(source.path(), source.name(), memory_limit(options));
     InspectedMatrix matrix;
     if (is_annotated(file)) {

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "util/console.h"
 #include "util/counted.h"
 #include "util/input_file.h"
 #include "util/plain_text.h"
@@ -98,6 +99,7 @@ std::error_code place_picture(const std::string& bytes, const std::string& place
 
 void tell_missing_figure(const std::string& base, const std::string& reason) {
     const std::string line = "Figure " + base + ".png was not drawn: " + reason;
+    const ClearedPlace place;
     std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
 }
 
@@ -113,6 +115,7 @@ void tell_unplaced_names(const std::string& base, const std::vector<std::string>
     }
     line += std::string(names.size() > kListed ? ", ..." : "") +
             "): highlight fewer, or make it larger with --figure-size";
+    const ClearedPlace place;
     std::fprintf(stderr, "%s.\n", one_line_utf8(line).c_str());
 }
 

@@ -1,5 +1,6 @@
 #include "tools/embedding_run.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
@@ -198,9 +199,22 @@ void add_coordinates(std::vector<ResultFile>& files,
 template <typename T>
 RunFacts facts_of(const TSNE<T>& tsne, const Options& options, const RunRecord& record) {
     RunFacts facts = reported_options(options);
+    if (!record.seeds.empty()) {
+        const auto is_seed = [](const auto& fact) { return fact.first == "seed"; };
+        std::find_if(facts.begin(), facts.end(), is_seed)->second =
+            std::to_string(record.kept_seed);
+        facts.emplace_back("seeds", std::to_string(record.seeds.size()));
+    }
+    facts.emplace_back("matrix",
+                       json_text(std::filesystem::path(options.matrix).filename().string()));
+    if (!options.load.layer.empty()) {
+        facts.emplace_back("layer", json_text(options.load.layer));
+    }
     facts.emplace_back("program", json_text(std::string("ovik-tsne")));
     facts.emplace_back("version", json_text(std::string(OVIK_VERSION)));
-    facts.emplace_back("perplexity", json_text(tsne.perplexity));
+    if (!bar_of(options.fit, "perplexity")) {
+        facts.emplace_back("perplexity", json_text(tsne.perplexity));
+    }
     facts.emplace_back("iterations", std::to_string(record.iteration + 1));
     facts.emplace_back("final_cost", json_text(record.final_cost));
     return facts;

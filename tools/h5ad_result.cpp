@@ -9,6 +9,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -235,16 +236,31 @@ class Descriptor {
     throw std::system_error(errno, std::generic_category());
 }
 
+int open_to_read(const std::string& path) {
+    const int file = static_cast<int>(TEMP_FAILURE_RETRY(open(path.c_str(), O_RDONLY | O_CLOEXEC)));
+    if (file < 0) {
+        throw_system_error();
+    }
+    return file;
+}
+
+/// Keeps programs that take locks, as Python's do, from changing a file as long as it is open.
+///
+/// @throws std::runtime_error if one of them has it open to change it
+void lock_to_read(const Descriptor& file) {
+    if (flock(file.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        throw std::runtime_error("another program has it open to change it");
+    }
+}
+
 /// Copies all bytes, and the permissions.
-void copy_file(const std::string& from, const PartialEntry& to) {
+void copy_file(const Descriptor& source, const PartialEntry& to) {
     constexpr mode_t kPermissions = 0777;
     constexpr std::size_t kBlock = std::size_t{1} << 20U;
-    const Descriptor source(
-        static_cast<int>(TEMP_FAILURE_RETRY(open(from.c_str(), O_RDONLY | O_CLOEXEC))));
 
     struct stat status {};
 
-    if (source.get() < 0 || fstat(source.get(), &status) != 0) {
+    if (fstat(source.get(), &status) != 0) {
         throw_system_error();
     }
     std::vector<char> bytes(kBlock);
@@ -265,6 +281,15 @@ void copy_file(const std::string& from, const PartialEntry& to) {
     result = fchown(to.descriptor(), status.st_uid, status.st_gid);
 }
 
+void check_lock(const std::string& path, const std::string& place) {
+    try {
+        const Descriptor file(open_to_read(place));
+        lock_to_read(file);
+    } catch (const std::runtime_error& error) {
+        refuse(path, std::string(error.what()) + "\nClose it there.");
+    }
+}
+
 }  // namespace
 
 Digest check_h5ad_result(const Options& options, const std::vector<std::string>& row_names) {
@@ -282,7 +307,13 @@ Digest check_h5ad_result(const Options& options, const std::vector<std::string>&
                "it, or its directory, cannot be written to (" +
                    std::generic_category().message(errno) + ")");
     }
-    const File file(path, "--into: " + path, options.force ? kAnyMemory : available_memory().bytes);
+    check_lock(path, place);
+    const std::string name = "--into: " + path;
+    const double most_bytes = options.force ? kAnyMemory : available_memory().bytes;
+    hdf5::require_sound(name, std::filesystem::file_size(place), [&] {
+        hdf5::read_index(File(path, name, most_bytes), "obs");
+    });
+    const File file(path, name, most_bytes);
     if (file.kindOf("obs") == Kind::Nothing) {
         refuse(path, "this is no .h5ad file: it has no obs");
     }
@@ -293,10 +324,12 @@ Digest check_h5ad_result(const Options& options, const std::vector<std::string>&
             refuse(path, std::string(group) + " is no group\nWrite the file again.");
         }
     }
-    if (!is_same_file(path, options.matrix) &&
-        (file.kindOf(kMap) != Kind::Nothing || file.kindOf(kFacts) != Kind::Nothing)) {
+    // Links to elsewhere are refused here, and not once all is computed.
+    const bool has_map = file.kindOf(kMap) != Kind::Nothing;
+    const bool has_facts = file.kindOf(kFacts) != Kind::Nothing;
+    if (!is_same_file(path, options.matrix) && (has_map || has_facts)) {
         refuse(path,
-               "it has " + std::string(file.kindOf(kMap) != Kind::Nothing ? kMap : kFacts) +
+               "it has " + std::string(has_map ? kMap : kFacts) +
                    " already, of another matrix than " + options.matrix +
                    "\nTake it out, or name another file.");
     }
@@ -315,7 +348,9 @@ std::string write_h5ad_result(const std::string& path,
         if (!copy.isOpen()) {
             throw_system_error();
         }
-        copy_file(place, copy);
+        const Descriptor source(open_to_read(place));
+        lock_to_read(source);
+        copy_file(source, copy);
         write_map(copy.path(), path, rows, embedding, precision, facts);
         if (TEMP_FAILURE_RETRY(fsync(copy.descriptor())) != 0 || !copy.moveTo(place)) {
             throw_system_error();

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <string>
@@ -348,6 +349,19 @@ TEST(Hdf5, IsRecognisedByItsFirstBytes) {
     EXPECT_TRUE(is_hdf5("\x89HDF\r\n\x1a\nmore"));
     EXPECT_FALSE(is_hdf5("\x89HDF\n"));
     EXPECT_FALSE(is_hdf5(""));
+}
+
+TEST_F(Hdf5Matrix, AtWhoseTextsTheLibraryCrashesIsRefused) {
+    loaded([](Hdf5Writer& file) { test::write_cells(file); });
+    // Where the texts lie: the first of them gets a size of 2^40.
+    std::string bytes = test::read_file(path_);
+    const std::size_t heap = bytes.find("GCOL");
+    ASSERT_NE(heap, std::string::npos);
+    bytes[heap + 24 + 5] = '\1';
+    std::ofstream(path_, std::ios::binary) << bytes;
+    EXPECT_THAT(test::refusal_of([&] { loadedAgain(); }),
+                HasSubstr(": the names or attributes of this HDF5 file cannot be read: it is "
+                          "damaged\nFetch or write it again."));
 }
 
 }  // namespace

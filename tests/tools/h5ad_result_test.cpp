@@ -1,7 +1,10 @@
 #include "tools/h5ad_result.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/file.h>
+#include <unistd.h>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -180,6 +183,18 @@ TEST_F(H5adResult, SaysWhatTheSystemSaysWhereItCannotBeWritten) {
     EXPECT_EQ(said, path_ + ": cannot be written (File too large)");
     EXPECT_EQ(test::read_file(path_), before);
     EXPECT_EQ(directory_.entryCount(), 1);
+}
+
+TEST_F(H5adResult, IsNotWrittenIntoAFileThatAnotherProgramChanges) {
+    const int file = open(path_.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    EXPECT_EQ(refusal(names_),
+              "--into: " + path_ +
+                  ": another program has it open to change it\nClose it there.");
+    EXPECT_EQ(written(kMap, {}), "another program has it open to change it");
+    close(file);
+    EXPECT_EQ(refusal(names_), "");
+    EXPECT_EQ(written(kMap, {}), "");
 }
 
 TEST_F(H5adResult, LeavesTheFileAsItIsWhereItFails) {
