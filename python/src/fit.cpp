@@ -154,7 +154,8 @@ Outcome run_fit(MatrixView<const double> points,
         std::fflush(stdout);
     }
     if (outcome.fit.report.search_became_exact) {
-        outcome.neighbours_note =
+        outcome.neighbours_note +=
+            std::string(outcome.neighbours_note.empty() ? "" : "; ") +
             "all neighbours were searched for, since rows of more than 8380 columns, or of values "
             "too large or too small, cannot be searched approximately";
     }

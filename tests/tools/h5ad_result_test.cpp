@@ -189,8 +189,7 @@ TEST_F(H5adResult, IsNotWrittenIntoAFileThatAnotherProgramChanges) {
     const int file = open(path_.c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(flock(file, LOCK_EX), 0);
     EXPECT_EQ(refusal(names_),
-              "--into: " + path_ +
-                  ": another program has it open to change it\nClose it there.");
+              "--into: " + path_ + ": another program has it open to change it\nClose it there.");
     EXPECT_EQ(written(kMap, {}), "another program has it open to change it");
     close(file);
     EXPECT_EQ(refusal(names_), "");

@@ -265,9 +265,9 @@ TEST(ParseCommandLine, TakesALearningRateOrLeavesItToTheFit) {
 TEST(ParseCommandLine, TakesAStartFromAFileThatThereIs) {
     const test::TemporaryDirectory directory;
     const std::string path = directory.file("start.tsv");
-    EXPECT_EQ(
-        refusal_of("--start", path),
-        "--start: should be random, pca, sample or FILE, not " + path + ", and there is no such file");
+    EXPECT_EQ(refusal_of("--start", path),
+              "--start: should be random, pca, sample or FILE, not " + path +
+                  ", and there is no such file");
     std::ofstream(path) << "name\tx\ty\n";
     const Options options = options_of({"--start", path});
     EXPECT_EQ(options.fit.start, StartKind::Given);

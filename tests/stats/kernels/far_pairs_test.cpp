@@ -30,8 +30,14 @@ TEST_P(FarPairsTest, SumTheTermsOfPairs) {
     std::vector<double> of_points(kFarSums * kCount, 7.0);
     // They are added to.
     std::vector<std::int64_t> of_far(kFarSums * far.size(), 1000);
-    kernels.sum(
-        x.data(), y.data(), kCount, far.data(), far.size(), kScale, of_points.data(), of_far.data());
+    kernels.sum(x.data(),
+                y.data(),
+                kCount,
+                far.data(),
+                far.size(),
+                kScale,
+                of_points.data(),
+                of_far.data());
     std::vector<double> expected(kFarSums * kCount, 0.0);
     std::vector<std::int64_t> expected_of_far(kFarSums * far.size(), 1000);
     for (std::size_t f = 0; f < far.size(); ++f) {
