@@ -13,7 +13,7 @@ namespace {
 
 TEST(CountedBuffer, GivesTheBytesAndSaysHowManyWereRead) {
     std::string bytes;
-    for (int n = 0; bytes.size() < 9'000'000; ++n) {
+    for (long n = 0; bytes.size() < 9'000'000; ++n) {
         bytes += std::to_string(n * 7919) + (n % 11 == 0 ? "\n" : "\t");
     }
     std::stringbuf packed(bytes);

@@ -25,7 +25,8 @@ class CandidateBlockTest : public testing::TestWithParam<InstructionSet> {
         points = std::move(values);
         dims = columns;
         centre.assign(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(dims));
-        scale = packing_scale(*packable_extent(points.data(), kRows, dims, euclidean_metric()));
+        scale = packing_scale(
+            packable_extent(points.data(), kRows, dims, euclidean_metric()).value_or(1.0));
         std::iota(rows.begin(), rows.end(), 0U);
         targets.pack(kernels,
                      points.data(),
