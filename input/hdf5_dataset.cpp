@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <map>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -55,11 +55,12 @@ std::string filter_name(H5Z_filter_t filter) {
     return name != kNames.end() ? name->second : "number " + std::to_string(filter);
 }
 
-/// What texts of any length may take while some of them are read: elements of a damaged file may
-/// all be the same long text.
+/// What texts of any length may take while some of them are read, for elements of a damaged file
+/// may all be the same long text; and those texts, of which the library loses some where it fails.
 struct TextMemory {
     std::size_t left = kTexts * 4096;
     bool is_spent = false;
+    std::vector<std::unique_ptr<char[]>> texts;
 };
 
 void* take_text_memory(std::size_t size, void* memory) {
@@ -68,31 +69,17 @@ void* take_text_memory(std::size_t size, void* memory) {
         budget.is_spent = true;
         return nullptr;
     }
-    budget.left -= size;
-    return std::malloc(size);
-}
-
-void give_back(void* text, void* /*memory*/) {
-    std::free(text);
-}
-
-/// Texts from `take_text_memory`, freed with the scope.
-class OwnedTexts {
-  public:
-    explicit OwnedTexts(const std::vector<char*>& texts) : texts_(texts) {}
-
-    OwnedTexts(const OwnedTexts&) = delete;
-    OwnedTexts& operator=(const OwnedTexts&) = delete;
-
-    ~OwnedTexts() {
-        for (char* const text : texts_) {
-            std::free(text);
-        }
+    try {
+        budget.texts.push_back(std::make_unique<char[]>(size));
+    } catch (const std::bad_alloc&) {
+        return nullptr;
     }
+    budget.left -= size;
+    return budget.texts.back().get();
+}
 
-  private:
-    const std::vector<char*>& texts_;
-};
+/// All are given back together.
+void give_back(void* /*text*/, void* /*memory*/) {}
 
 /// Counts what gzip'd bytes unpack to.
 class UnpackedSize {
@@ -508,7 +495,6 @@ void Dataset::readVariableTexts(const Handle& from,
                                 from.id(),
                                 transfer.id(),
                                 static_cast<void*>(texts.data()));
-    const OwnedTexts owned(texts);
     if (memory.is_spent) {
         refuse(place_, "its texts are longer than names are\nThe file may be damaged.");
     }
