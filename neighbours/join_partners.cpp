@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "util/mixed_bits.h"
-#include "util/parallel.h"
 
 namespace ovik {
 
@@ -83,30 +82,36 @@ JoinPartners::JoinPartners(NearestLists& lists, std::size_t most, std::uint64_t 
     // Each worker goes through all lists, and draws for the rows of its share.
     parallel_for(N, kRowGrain, [&](std::size_t /*worker*/, IndexRange share) {
         for (std::size_t row = 0; row < N; ++row) {
-            const bool is_own = row >= share.begin && row < share.end;
-            for (std::size_t place = 0; place < lists.count(row); ++place) {
-                const std::uint32_t other = lists.at(row, place).row;
-                Draws& draws = lists.isNew(row, place) ? fresh_ : known_;
-                if (is_own) {
-                    draws.add(row, other);
-                }
-                if (other >= share.begin && other < share.end) {
-                    draws.add(other, static_cast<std::uint32_t>(row));
-                }
-            }
+            drawFrom(lists, row, share);
         }
     });
-    parallel_for(N, kRowGrain, [&](std::size_t /*worker*/, IndexRange share) {
-        for (std::size_t row = share.begin; row < share.end; ++row) {
-            // Two rows may be new to one of them alone.
-            known_.removeAll(row, fresh_.of(row));
-            for (std::size_t place = 0; place < lists.count(row); ++place) {
-                if (lists.isNew(row, place) && fresh_.has(row, lists.at(row, place).row)) {
-                    lists.markAsOld(row, place);
-                }
-            }
+    parallel_for_each(N, kRowGrain, [&](std::size_t row) { settle(lists, row); });
+}
+
+/// Draws, of the entries of a row, for the rows of a share.
+void JoinPartners::drawFrom(const NearestLists& lists, std::size_t row, IndexRange share) {
+    const bool is_own = row >= share.begin && row < share.end;
+    for (std::size_t place = 0; place < lists.count(row); ++place) {
+        const std::uint32_t other = lists.at(row, place).row;
+        Draws& draws = lists.isNew(row, place) ? fresh_ : known_;
+        if (is_own) {
+            draws.add(row, other);
         }
-    });
+        if (other >= share.begin && other < share.end) {
+            draws.add(other, static_cast<std::uint32_t>(row));
+        }
+    }
+}
+
+/// Marks what was drawn of a row's new entries as old.
+void JoinPartners::settle(NearestLists& lists, std::size_t row) {
+    // Two rows may be new to one of them alone.
+    known_.removeAll(row, fresh_.of(row));
+    for (std::size_t place = 0; place < lists.count(row); ++place) {
+        if (lists.isNew(row, place) && fresh_.has(row, lists.at(row, place).row)) {
+            lists.markAsOld(row, place);
+        }
+    }
 }
 
 }  // namespace ovik

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "neighbours/nearest_lists.h"
+#include "util/parallel.h"
 
 namespace ovik {
 
@@ -57,6 +58,9 @@ class JoinPartners {
         /// For each row the greatest draw of a full set, before it is full the limit.
         std::vector<std::uint64_t> greatest_;
     };
+
+    void drawFrom(const NearestLists& lists, std::size_t row, IndexRange share);
+    void settle(NearestLists& lists, std::size_t row);
 
     Draws fresh_;
     Draws known_;

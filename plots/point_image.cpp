@@ -124,6 +124,23 @@ class PointCanvas {
                 pixel(place.top + place.height, image_.height)};
     }
 
+    static bool isWithin(const Window& window, std::ptrdiff_t x, std::ptrdiff_t y) {
+        return y >= window.top && y < window.bottom && x >= window.left && x < window.right;
+    }
+
+    /// Adds a share to the depth at a place.
+    ///
+    /// @return its pixel
+    std::size_t deepen(std::ptrdiff_t x, std::ptrdiff_t y, float share) {
+        const std::size_t pixel =
+            static_cast<std::size_t>(y) * image_.width + static_cast<std::size_t>(x);
+        if (depth_[pixel] == 0.0F) {
+            covered_.push_back(pixel);
+        }
+        depth_[pixel] += share;
+        return pixel;
+    }
+
     /// Adds the points of a list to the depth.
     ///
     /// @param cover  is given the number of a point, the pixel, and its share that the point covers
@@ -149,17 +166,9 @@ class PointCanvas {
             for (std::ptrdiff_t below = row - reach; below <= row + reach; ++below) {
                 for (std::ptrdiff_t right = column - reach; right <= column + reach;
                      ++right, ++stamp) {
-                    if (*stamp == 0.0F || below < window.top || below >= window.bottom ||
-                        right < window.left || right >= window.right) {
-                        continue;
+                    if (*stamp != 0.0F && isWithin(window, right, below)) {
+                        cover(point, deepen(right, below, *stamp), *stamp);
                     }
-                    const std::size_t pixel = static_cast<std::size_t>(below) * image_.width +
-                                              static_cast<std::size_t>(right);
-                    if (depth_[pixel] == 0.0F) {
-                        covered_.push_back(pixel);
-                    }
-                    depth_[pixel] += *stamp;
-                    cover(point, pixel, *stamp);
                 }
             }
         }

@@ -64,9 +64,7 @@ void FarPoints::sumPairs(const double* Y, std::size_t N) {
             x[i] = n < N ? Y[2 * n] : kNowhere;
             y[i] = n < N ? Y[2 * n + 1] : kNowhere;
         }
-        kernels.sum(x,
-                    y,
-                    kChunk,
+        kernels.sum({x, y, kChunk},
                     places_.data(),
                     size(),
                     scale_,

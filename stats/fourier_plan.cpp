@@ -71,13 +71,18 @@ FourierPlan::FourierPlan(std::size_t length) : length_(length) {
     for (const std::size_t radix : {4U, 2U, 3U, 5U}) {
         for (; rest % radix == 0; rest /= radix) {
             radices_.push_back(radix);
-            for (std::size_t p = 0; p < rest / radix; ++p) {
-                for (std::size_t j = 1; j < radix; ++j) {
-                    const UnitRoot root = unit_root(p * j, rest);
-                    roots_.push_back(root.cosine);
-                    roots_.push_back(-root.sine);
-                }
-            }
+            addRoots(rest, radix);
+        }
+    }
+}
+
+/// Adds the roots of a pass over a length.
+void FourierPlan::addRoots(std::size_t length, std::size_t radix) {
+    for (std::size_t p = 0; p < length / radix; ++p) {
+        for (std::size_t j = 1; j < radix; ++j) {
+            const UnitRoot root = unit_root(p * j, length);
+            roots_.push_back(root.cosine);
+            roots_.push_back(-root.sine);
         }
     }
 }

@@ -44,6 +44,8 @@ class FourierPlan {
     }
 
   private:
+    void addRoots(std::size_t length, std::size_t radix);
+
     std::size_t length_;
     std::vector<std::size_t> radices_;
     /// Of each pass in turn, for each p: the roots of j = 1 ... radix - 1, cosine and sine.

@@ -178,30 +178,33 @@ class JointMatrix {
         parallel_for_each(N_, kRowGrain, [this](std::size_t position) {
             const std::uint32_t row = rowAt(position);
             for (std::size_t i = position * K_; i < (position + 1) * K_; ++i) {
-                const std::uint32_t column = columns_[i];
                 // The lower one of two rows, or a row that has itself, does it for both.
-                if (column < row) {
-                    continue;
-                }
-                const std::size_t there = positionOf(column);
-                const std::size_t place = placeIn(there, row);
-                if (place == K_) {
-                    continue;
-                }
-                const std::size_t mirror = there * K_ + place;
-                is_mutual_[i] = 1;
-                if constexpr (kIsStored<Value>) {
-                    values_[i] =
-                        static_cast<Value>((double{values_[i]} + double{values_[mirror]}) * 0.5);
-                }
-                if (column != row) {
-                    is_mutual_[mirror] = 1;
-                    if constexpr (kIsStored<Value>) {
-                        values_[mirror] = values_[i];
-                    }
+                if (columns_[i] >= row) {
+                    markMutual(row, i);
                 }
             }
         });
+    }
+
+    /// The same for an entry of a row.
+    void markMutual(std::uint32_t row, std::size_t i) {
+        const std::uint32_t column = columns_[i];
+        const std::size_t there = positionOf(column);
+        const std::size_t place = placeIn(there, row);
+        if (place == K_) {
+            return;
+        }
+        const std::size_t mirror = there * K_ + place;
+        is_mutual_[i] = 1;
+        if constexpr (kIsStored<Value>) {
+            values_[i] = static_cast<Value>((double{values_[i]} + double{values_[mirror]}) * 0.5);
+        }
+        if (column != row) {
+            is_mutual_[mirror] = 1;
+            if constexpr (kIsStored<Value>) {
+                values_[mirror] = values_[i];
+            }
+        }
     }
 
     /// Halves the others, and counts the entries of every row.
@@ -243,13 +246,18 @@ class JointMatrix {
             parallel_for_each(count, kRowGrain, [&](std::size_t i) {
                 const std::size_t first = layout.firstOf(begin + i);
                 const std::size_t row = layout.rows()[begin + i] - begin;
-                for (std::size_t k = 0; k < K_; ++k) {
-                    columns_[first + k * kSliceRows] = columns[row * K_ + k];
-                    if constexpr (kIsStored<Value>) {
-                        spread_values_[first + k * kSliceRows] = values[row * K_ + k];
-                    }
+                spreadRow(columns_.get() + first, columns.data() + row * K_);
+                if constexpr (kIsStored<Value>) {
+                    spreadRow(spread_values_ + first, values.data() + row * K_);
                 }
             });
+        }
+    }
+
+    template <typename T>
+    void spreadRow(T* to, const T* from) const {
+        for (std::size_t k = 0; k < K_; ++k) {
+            to[k * kSliceRows] = from[k];
         }
     }
 

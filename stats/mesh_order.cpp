@@ -42,16 +42,19 @@ void MeshOrder::sort(const double* Y, std::size_t N, const MapBox& box, const Me
     points_.reserve(N);
     starts_.assign(keys + 1, 0);
     places_.assign(chunks * keys, 0);
+    const auto for_points = [&](IndexRange range, std::size_t* places, const auto& body) {
+        for (std::size_t n = range.begin; n < range.end; ++n) {
+            if (holds(box, Y + 2 * n)) {
+                const MeshPoint point = layout.point(Y, n);
+                body(point, places[layout.block(point)]);
+            }
+        }
+    };
     const auto for_chunks = [&](const auto& body) {
         parallel_for_each(chunks, 1, [&](std::size_t chunk) {
-            std::size_t* const places = places_.data() + chunk * keys;
-            for (std::size_t n = chunk * chunk_size; n < std::min((chunk + 1) * chunk_size, N);
-                 ++n) {
-                if (holds(box, Y + 2 * n)) {
-                    const MeshPoint point = layout.point(Y, n);
-                    body(point, places[layout.block(point)]);
-                }
-            }
+            const std::size_t begin = chunk * chunk_size;
+            for_points(
+                {begin, std::min(begin + chunk_size, N)}, places_.data() + chunk * keys, body);
         });
     };
     for_chunks([](const MeshPoint& /*point*/, std::size_t& count) { ++count; });

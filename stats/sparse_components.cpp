@@ -215,14 +215,11 @@ class Directions {
             }
         });
         parallel_for_each(rows_, kRowGrain, [&](std::size_t d) {
-            double* __restrict const w = vectors.values.data() + d * vectors.width;
+            double* const w = vectors.values.data() + d * vectors.width;
             for (std::size_t i = 0; i < blocks_.size(); ++i) {
                 const double* const v = blocks_[i].values.data() + d * blocks_[i].width;
                 for (std::size_t a = 0; a < blocks_[i].width; ++a) {
-                    const double* __restrict const part = parts[i].data() + a * vectors.width;
-                    for (std::size_t c = 0; c < vectors.width; ++c) {
-                        w[c] -= v[a] * part[c];
-                    }
+                    subtract(v[a], parts[i].data() + a * vectors.width, vectors.width, w);
                 }
             }
         });
@@ -236,14 +233,11 @@ class Directions {
                                                std::size_t count) const {
         std::vector<double> vectors(rows_ * count, 0.0);
         parallel_for_each(rows_, kRowGrain, [&](std::size_t d) {
-            double* __restrict const sums = vectors.data() + d * count;
+            double* const sums = vectors.data() + d * count;
             const double* coordinate = coordinates.data();
             for (const Block& block : blocks_) {
                 for (std::size_t a = 0; a < block.width; ++a, coordinate += count) {
-                    const double v = block.values[d * block.width + a];
-                    for (std::size_t c = 0; c < count; ++c) {
-                        sums[c] += v * coordinate[c];
-                    }
+                    add(block.values[d * block.width + a], coordinate, count, sums);
                 }
             }
         });
@@ -251,10 +245,55 @@ class Directions {
     }
 
   private:
+    static void subtract(double factor,
+                         const double* __restrict part,
+                         std::size_t count,
+                         double* __restrict from) {
+        for (std::size_t c = 0; c < count; ++c) {
+            from[c] -= factor * part[c];
+        }
+    }
+
+    static void add(double factor,
+                    const double* __restrict part,
+                    std::size_t count,
+                    double* __restrict to) {
+        for (std::size_t c = 0; c < count; ++c) {
+            to[c] += factor * part[c];
+        }
+    }
+
     std::size_t rows_;
     std::size_t size_ = 0;
     std::vector<Block> blocks_;
 };
+
+/// Takes from a column of a block what it has along another one, of length 1.
+///
+/// @return how much that was
+double make_orthogonal(Block& block, std::size_t to, std::size_t column) {
+    const std::size_t width = block.width;
+    double product = 0.0;
+    for (std::size_t i = 0; i < block.values.size(); i += width) {
+        product += block.values[i + to] * block.values[i + column];
+    }
+    for (std::size_t i = 0; i < block.values.size(); i += width) {
+        block.values[i + column] -= product * block.values[i + to];
+    }
+    return product;
+}
+
+/// Some columns of a block.
+Block columns_of(const Block& block, const std::vector<std::size_t>& columns) {
+    const std::size_t rows = block.values.size() / std::max<std::size_t>(block.width, 1);
+    Block some{columns.size(), std::vector<double>(rows * columns.size())};
+    for (std::size_t d = 0; d < rows; ++d) {
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            some.values[d * columns.size() + k] = block.values[d * block.width + columns[k]];
+        }
+    }
+    return some;
+}
 
 /// Makes the vectors of a block orthogonal to one another and of length 1, twice for rounding.
 /// Those of which next to nothing is left are left out.
@@ -270,14 +309,7 @@ std::vector<std::vector<double>> orthonormalise(Block& block, double least) {
     for (std::size_t c = 0; c < width; ++c) {
         for (int pass = 0; pass < 2; ++pass) {
             for (std::size_t k = 0; k < kept.size(); ++k) {
-                double product = 0.0;
-                for (std::size_t d = 0; d < rows; ++d) {
-                    product += block.values[d * width + kept[k]] * block.values[d * width + c];
-                }
-                for (std::size_t d = 0; d < rows; ++d) {
-                    block.values[d * width + c] -= product * block.values[d * width + kept[k]];
-                }
-                parts[c][k] += product;
+                parts[c][k] += make_orthogonal(block, kept[k], c);
             }
         }
         const double length = length_of_column(block, c);
@@ -289,13 +321,7 @@ std::vector<std::vector<double>> orthonormalise(Block& block, double least) {
             kept.push_back(c);
         }
     }
-    Block only_kept{kept.size(), std::vector<double>(rows * kept.size())};
-    for (std::size_t d = 0; d < rows; ++d) {
-        for (std::size_t k = 0; k < kept.size(); ++k) {
-            only_kept.values[d * kept.size() + k] = block.values[d * width + kept[k]];
-        }
-    }
-    block = std::move(only_kept);
+    block = columns_of(block, kept);
     return parts;
 }
 
@@ -357,13 +383,14 @@ class KrylovSpace {
             const std::size_t width = directions_.blocks()[block].width;
             std::size_t row = 0;
             for (std::size_t i = 0; i <= block; ++i) {
-                for (std::size_t a = 0; a < directions_.blocks()[i].width; ++a, ++row) {
-                    for (std::size_t c = 0; c < width; ++c) {
-                        const double part = parts_[block][i][a * width + c];
-                        covariances[row * m + column + c] = part;
-                        covariances[(column + c) * m + row] = part;
-                    }
+                const std::size_t height = directions_.blocks()[i].width;
+                for (std::size_t k = 0; k < height * width; ++k) {
+                    const std::size_t r = row + k / width;
+                    const std::size_t c = column + k % width;
+                    covariances[r * m + c] = parts_[block][i][k];
+                    covariances[c * m + r] = parts_[block][i][k];
                 }
+                row += height;
             }
             column += width;
         }

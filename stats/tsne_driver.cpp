@@ -282,6 +282,27 @@ void TSNE<T>::requireRunnable(const FitOptions& options) const {
     check_metric({X, rows, columns}, options, names.size() == rows ? names : names.first(0));
 }
 
+namespace {
+
+/// Fits by one seed, that of the process, or by several.
+FitReport fit_by(MatrixView<double> embedding,
+                 MatrixView<double> input,
+                 const FitOptions& options,
+                 const SeedManner& seeds,
+                 const FitHooks& hooks) {
+    return exiting_without_memory([&] {
+        return seeds.count > 1 ? fit_seeds_into(embedding, input, options, seeds, hooks)
+                               : fit_into(embedding,
+                                          input,
+                                          options,
+                                          hooks,
+                                          method_of(options),
+                                          &process_random_stream());
+    });
+}
+
+}  // namespace
+
 /// Fits the embedding, with the console's lines, checkpoints and the caller's own hook.
 template <typename T>
 FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
@@ -334,16 +355,8 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.on_recall = &print_recall;
     hooks.on_sample = &print_sample;
     hooks.on_components = [&](double share) { print_components(options.pca, D, share); };
-    FitReport report = exiting_without_memory([&] {
-        const MatrixView<double> input{X, embedding.rows, static_cast<std::size_t>(std::max(D, 0))};
-        return seeds > 1 ? fit_seeds_into(embedding, input, options, {seeds, seeds_at_once}, hooks)
-                         : fit_into(embedding,
-                                    input,
-                                    options,
-                                    hooks,
-                                    method_of(options),
-                                    &process_random_stream());
-    });
+    const MatrixView<double> input{X, embedding.rows, static_cast<std::size_t>(std::max(D, 0))};
+    FitReport report = fit_by(embedding, input, options, {seeds, seeds_at_once}, hooks);
     print_outcome(report, seeds);
     checkpoint_failure_ = keeper.failure();
     keepResults(report);

@@ -118,6 +118,27 @@ void check_places(const Options& options) {
     }
 }
 
+/// What a run would settle later on, so that a dry one finds what is wrong with it.
+void settle_results(Options& options, std::vector<std::string>& row_names) {
+    settle_figure(options, row_names);
+    settle_names(row_names, options.names);
+    settle_start(options, row_names);
+}
+
+/// Rows that have been columns, or are cells, are called as most of their names are.
+void settle_kind_of_names(Options& options, const LoadedMatrix& loaded) {
+    if ((options.load.transformations.transpose || loaded.matrix.rows_are_points) &&
+        !options.names_are_given) {
+        options.names = kind_of_names(loaded.matrix.row_names);
+    }
+}
+
+void tell_left_out_of_plots(const Options& options, std::size_t rows) {
+    for (const std::string& line : left_out_of_plots(options, rows)) {
+        print_info(line);
+    }
+}
+
 /// Takes the whole way from the matrix to the results.
 ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
@@ -136,10 +157,7 @@ ExitStatus embed(Options options, RunReport report) {
     settle_sparse_input(loaded, options);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
-    if ((options.load.transformations.transpose || loaded.matrix.rows_are_points) &&
-        !options.names_are_given) {
-        options.names = kind_of_names(loaded.matrix.row_names);
-    }
+    settle_kind_of_names(options, loaded);
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
@@ -155,9 +173,7 @@ ExitStatus embed(Options options, RunReport report) {
     options.seeds_at_once = seeds_at_once(size, available);
     size.seeds_at_once = options.seeds_at_once;
     if (options.dry_run) {
-        settle_figure(options, loaded.matrix.row_names);
-        settle_names(loaded.matrix.row_names, options.names);
-        settle_start(options, loaded.matrix.row_names);
+        settle_results(options, loaded.matrix.row_names);
         print_plan(options, perplexities, size, available);
     }
     if (!options.force) {
@@ -166,9 +182,7 @@ ExitStatus embed(Options options, RunReport report) {
     if (options.dry_run) {
         return Success;
     }
-    for (const std::string& line : left_out_of_plots(options, matrix.rows)) {
-        print_info(line);
-    }
+    tell_left_out_of_plots(options, matrix.rows);
     if (!options.model.empty()) {
         prepare_place(options.model);
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <string_view>
 #include <utility>
 
 #include "util/memory_text.h"
@@ -9,6 +11,14 @@
 namespace ovik::tool {
 
 namespace {
+
+std::string joined_parts(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts) {
+        text += part;
+    }
+    return text;
+}
 
 /// What a stage is called, and what is counted in it.
 struct StageWords {
@@ -115,11 +125,11 @@ std::string StageProgress::line(std::size_t room) const {
         now.seconds_left < 0.0 ? "" : ", about " + duration_text(now.seconds_left) + " left";
     const std::string shorter =
         now.seconds_left < 0.0 ? "" : ", " + duration_text(now.seconds_left);
-    for (const std::string& line :
-         {name + ": " + share + " of " + total_text(now.stage, now.total) + left,
-          name + ": " + share + left,
-          name + ": " + share + shorter,
-          share + shorter}) {
+    const std::string total = " of " + total_text(now.stage, now.total);
+    for (const std::string& line : {joined_parts({name, ": ", share, total, left}),
+                                    joined_parts({name, ": ", share, left}),
+                                    joined_parts({name, ": ", share, shorter}),
+                                    joined_parts({share, shorter})}) {
         if (line.size() <= room) {
             return line;
         }

@@ -161,6 +161,16 @@ void pack_lanes(Lanes values, const Frame& frame, std::size_t d, float* to, Lane
     squared_norms += difference * difference;
 }
 
+/// Two neighbouring coordinates of some rows.
+inline void load_columns(const double* const* rows, std::size_t d, Lanes* both) {
+    load_pairs([=](std::size_t lane) { return rows[lane] + d; }, both);
+}
+
+/// A coordinate of some rows.
+inline Lanes load_column(const double* const* rows, std::size_t d) {
+    return each_lane([=](std::size_t lane) { return rows[lane][d]; });
+}
+
 void pack(const ChosenRows& chosen,
           std::size_t stride,
           const Frame& frame,
@@ -178,15 +188,14 @@ void pack(const ChosenRows& chosen,
             float* const to = packed + d * stride + i;
             for (std::size_t v = 0; v < kPackedVectors; ++v) {
                 Lanes both[2];
-                load_pairs([&](std::size_t lane) { return rows[v * kLanes + lane] + d; }, both);
+                load_columns(rows + v * kLanes, d, both);
                 pack_lanes(both[0], frame, d, to + v * kLanes, sums[v]);
                 pack_lanes(both[1], frame, d + 1, to + stride + v * kLanes, sums[v]);
             }
         }
         for (std::size_t v = 0; v < kPackedVectors; ++v) {
             if (d < chosen.dims) {
-                const Lanes last =
-                    each_lane([&](std::size_t lane) { return rows[v * kLanes + lane][d]; });
+                const Lanes last = load_column(rows + v * kLanes, d);
                 pack_lanes(last, frame, d, packed + d * stride + i + v * kLanes, sums[v]);
             }
             store(squared_norms + i + v * kLanes, sums[v]);

@@ -25,22 +25,21 @@ inline std::int64_t lane_sum(Bits numbers) {
     return static_cast<std::int64_t>(sum);
 }
 
-void sum(const double* x,
-         const double* y,
-         std::size_t count,
+void sum(const FarTargets& points,
          const FarPlace* far,
          std::size_t far_count,
          double scale,
          double* of_points,
          std::int64_t* of_far) {
+    const std::size_t count = points.count;
     for (std::size_t i = 0; i < kFarSums * count; ++i) {
         of_points[i] = 0.0;
     }
     for (std::size_t f = 0; f < far_count; ++f) {
         Bits sums[kFarSums] = {};
         for (std::size_t i = 0; i < count; i += kLanes) {
-            const Lanes dx = load(x + i) - far[f].x;
-            const Lanes dy = load(y + i) - far[f].y;
+            const Lanes dx = load(points.x + i) - far[f].x;
+            const Lanes dy = load(points.y + i) - far[f].y;
             const Lanes q = 1.0 / (1.0 + (dx * dx + dy * dy));
             const Lanes square = q * q;
             const Lanes terms[kFarSums] = {square * dx, square * dy, q};

@@ -18,21 +18,25 @@ struct FarPlace {
     double y;
 };
 
+/// Points, by their coordinates.
+struct FarTargets {
+    const double* x;
+    const double* y;
+    /// A multiple of kFarGroup.
+    std::size_t count;
+};
+
 /// Repulsion between points and others that lie far out.
 struct FarPairs {
     /// With d the point less the far point, and q = 1 / (1 + (dx^2 + dy^2)), sums q^2 * d and q.
     ///
-    /// @param x          of the points
-    /// @param y          of the points
-    /// @param count      points, a multiple of kFarGroup
     /// @param scale      at most 2^50
-    /// @param of_points  kFarSums x count; written: for each point the sums over the far points, in
+    /// @param of_points  kFarSums x points.count; written: for each point the sums over the far
+    /// points, in
     ///                   their order
     /// @param of_far     far_count x kFarSums; to each is added, for all points, a term times
     ///                   `scale`, rounded to the nearest whole number and to even
-    void (*sum)(const double* x,
-                const double* y,
-                std::size_t count,
+    void (*sum)(const FarTargets& points,
                 const FarPlace* far,
                 std::size_t far_count,
                 double scale,

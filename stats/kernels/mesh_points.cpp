@@ -33,7 +33,7 @@ alignas(64) constexpr double kSlopeCoefficients[kSplineOrder - 1][kSplineRow] = 
 };
 
 inline Row load_row(const double* from) {
-    Row row;
+    Row row{};
     for (std::size_t v = 0; v < kVectors; ++v) {
         row.part[v] = load(from + v * kLanes);
     }
@@ -153,8 +153,8 @@ void gather(const MeshPoint* points,
         store_row(weights, polynomials(kSplineCoefficients, y.rest));
         store_row(slopes, polynomials(kSlopeCoefficients, y.rest));
         const double* row = field.cells + y.cell * field.stride + x.cell;
-        Row sums;
-        Row slope_sums;
+        Row sums{};
+        Row slope_sums{};
         for (std::size_t r = 0; r < kSplineOrder; ++r, row += field.stride) {
             const Row cells = load_row(row);
             for (std::size_t v = 0; v < kVectors; ++v) {

@@ -30,9 +30,7 @@ TEST_P(FarPairsTest, SumTheTermsOfPairs) {
     std::vector<double> of_points(kFarSums * kCount, 7.0);
     // They are added to.
     std::vector<std::int64_t> of_far(kFarSums * far.size(), 1000);
-    kernels.sum(x.data(),
-                y.data(),
-                kCount,
+    kernels.sum({x.data(), y.data(), kCount},
                 far.data(),
                 far.size(),
                 kScale,
@@ -59,7 +57,7 @@ TEST_P(FarPairsTest, SumTheTermsOfPairs) {
 TEST_P(FarPairsTest, OfNoFarPointsAreNothing) {
     const std::vector<double> x(kFarGroup, 1.0);
     std::vector<double> of_points(kFarSums * kFarGroup, 7.0);
-    kernels.sum(x.data(), x.data(), kFarGroup, nullptr, 0, 1.0, of_points.data(), nullptr);
+    kernels.sum({x.data(), x.data(), kFarGroup}, nullptr, 0, 1.0, of_points.data(), nullptr);
     EXPECT_EQ(of_points, std::vector<double>(kFarSums * kFarGroup, 0.0));
 }
 
