@@ -65,6 +65,16 @@ struct Window {
     std::ptrdiff_t bottom;
 };
 
+/// Runs `body(right, below, share)` for the pixels of a stamp, by how far they are from its middle.
+template <typename Body>
+void for_each_share(const float* stamp, std::ptrdiff_t reach, const Body& body) {
+    for (std::ptrdiff_t below = -reach; below <= reach; ++below) {
+        for (std::ptrdiff_t right = -reach; right <= reach; ++right, ++stamp) {
+            body(right, below, *stamp);
+        }
+    }
+}
+
 class PointCanvas {
   public:
     PointCanvas(const Figure& figure, const FigureLayout& layout, double scale)
@@ -163,14 +173,12 @@ class PointCanvas {
             const auto column = static_cast<std::ptrdiff_t>(std::floor(x));
             const auto row = static_cast<std::ptrdiff_t>(std::floor(y));
             const float* stamp = stamps.stamp(x - std::floor(x), y - std::floor(y));
-            for (std::ptrdiff_t below = row - reach; below <= row + reach; ++below) {
-                for (std::ptrdiff_t right = column - reach; right <= column + reach;
-                     ++right, ++stamp) {
-                    if (*stamp != 0.0F && isWithin(window, right, below)) {
-                        cover(point, deepen(right, below, *stamp), *stamp);
+            for_each_share(
+                stamp, reach, [&](std::ptrdiff_t right, std::ptrdiff_t below, float share) {
+                    if (share != 0.0F && isWithin(window, column + right, row + below)) {
+                        cover(point, deepen(column + right, row + below, share), share);
                     }
-                }
-            }
+                });
         }
     }
 
