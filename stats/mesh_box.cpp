@@ -21,14 +21,14 @@ constexpr double kPairsPerCell = 20.0;
 /// Most pairs of points in the place of a mesh.
 constexpr double kMostPairs = 84e6;
 
+constexpr std::size_t kChunk = 16384;
+
 /// What a mesh under a box costs, with some pairs of points outside of it.
 double cost_of(const MapBox& box, double pairs, std::size_t N) {
     const double cells = mesh_cells(box);
     return cells > most_mesh_cells(N) ? std::numeric_limits<double>::infinity()
                                       : kPairsPerCell * cells + pairs;
 }
-
-constexpr std::size_t kChunk = 16384;
 
 using Values = std::vector<double>;
 

@@ -13,8 +13,8 @@ constexpr std::size_t kMostBeyond = 64;
 ///
 /// That of the map, if its mesh is small. Else the one that costs least of that, of those that
 /// leave up to `kMostBeyond` points outside each side, which are taken pair by pair (`FarPoints`),
-/// and, with up to some 9000 points, of none at all: then all are. Boxes of more cells than a mesh
-/// may have are taken only if there is no other.
+/// and, with up to some 9000 points, of none at all: then all are. If all boxes have more cells
+/// than a mesh may have it is that of the map, which `mesh_grid` refuses.
 ///
 /// Follows from where the points lie alone, whatever their order.
 ///

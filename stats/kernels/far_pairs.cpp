@@ -6,13 +6,6 @@ namespace ovik::OVIK_KERNELS {
 
 namespace {
 
-/// The whole numbers nearest to numbers below 2^51.
-inline Bits whole(Lanes numbers) {
-    // Beside 1.5 * 2^52 a double's last place counts ones.
-    constexpr double kWhole = 6755399441055744.0;
-    return as_bits(numbers + kWhole) - as_bits(broadcast(kWhole));
-}
-
 inline void add(double* to, Lanes added) {
     store(to, load(to) + added);
 }
@@ -45,7 +38,7 @@ void sum(const FarTargets& points,
             const Lanes terms[kFarSums] = {square * dx, square * dy, q};
             for (std::size_t k = 0; k < kFarSums; ++k) {
                 add(of_points + k * count + i, terms[k]);
-                sums[k] += whole(terms[k] * scale);
+                sums[k] += nearest_whole(terms[k] * scale);
             }
         }
         for (std::size_t k = 0; k < kFarSums; ++k) {

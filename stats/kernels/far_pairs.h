@@ -13,6 +13,7 @@ constexpr std::size_t kFarSums = 3;
 /// Points are taken by multiples of this.
 constexpr std::size_t kFarGroup = 8;
 
+/// Where a point lies.
 struct FarPlace {
     double x;
     double y;
@@ -31,11 +32,10 @@ struct FarPairs {
     /// With d the point less the far point, and q = 1 / (1 + (dx^2 + dy^2)), sums q^2 * d and q.
     ///
     /// @param scale      at most 2^50
-    /// @param of_points  kFarSums x points.count; written: for each point the sums over the far
-    /// points, in
-    ///                   their order
-    /// @param of_far     far_count x kFarSums; to each is added, for all points, a term times
-    ///                   `scale`, rounded to the nearest whole number and to even
+    /// @param of_points  kFarSums rows, one after the other, of a number for each point; written:
+    ///                   its sums over the far points, in their order
+    /// @param of_far     kFarSums numbers for each far point; to each is added, for all points, a
+    ///                   term times `scale`, rounded to the nearest whole number and to even
     void (*sum)(const FarTargets& points,
                 const FarPlace* far,
                 std::size_t far_count,

@@ -72,12 +72,9 @@ inline Offset offset(double place) {
 
 /// Adds whole numbers nearest to charges below 2^51.
 inline void add_charges(Lanes charges, std::int64_t* cells) {
-    // Beside 1.5 * 2^52 a double's last place counts ones.
-    constexpr double kWhole = 6755399441055744.0;
-    const Bits whole = as_bits(charges + kWhole) - as_bits(broadcast(kWhole));
     Bits cell;
     __builtin_memcpy(&cell, cells, sizeof cell);
-    cell += whole;
+    cell += nearest_whole(charges);
     __builtin_memcpy(cells, &cell, sizeof cell);
 }
 

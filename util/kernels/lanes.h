@@ -142,6 +142,13 @@ inline Lanes as_lanes(Bits bits) {
     return reinterpret_cast<Lanes>(bits);
 }
 
+/// The whole numbers nearest to numbers below 2^51 in size, of two equally near ones the even one.
+inline Bits nearest_whole(Lanes numbers) {
+    // Beside 1.5 * 2^52 a double's last place counts ones.
+    constexpr double kOnes = 6755399441055744.0;
+    return as_bits(numbers + kOnes) - as_bits(broadcast(kOnes));
+}
+
 /// Bit `lane` tells of that lane.
 using Mask = unsigned int;
 
