@@ -54,8 +54,8 @@ struct RunSize {
 ///   (8 N^2) or the symmetric entries (V S + 38 N) with the tree and its forces (153 N + 44 Nd),
 ///   and from 65,536 rows on their order in memory (16 N + 8 Nd);
 /// - fitting with a particle mesh: in the place of the tree (153 N + 44 Nd) the points in their
-///   order (24 N), forces (8 N + 8 Nd) and 45 bytes for each cell, of which a map has some
-///   max(2200 sqrt(N), 16 N);
+///   order (24 N), what those far out add to each (24 N), forces (8 N + 8 Nd) and 45 bytes for each
+///   cell, of which a map has some max(2200 sqrt(N), 16 N);
 /// - results: the table and the names that the gene table did not know (160 R + 130 N), with the
 ///   chart page (330 R + 300 N in all), with W bytes of values in the page their text, in the page
 ///   and on the way to it (6 W), and the image of more than 20,000 points in a figure of the usual

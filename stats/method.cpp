@@ -171,7 +171,7 @@ MethodMemory mesh_memory(const RunSize& size) {
     // Maps of very many rows are wide while some points fly about.
     const double cells = std::max(2200.0 * std::sqrt(N), 16.0 * N);
     MethodMemory memory = neighbours_memory(size, sizeof(float));
-    memory.fitting += 32.0 * N + 8.0 * N * d + 45.0 * cells;
+    memory.fitting += 56.0 * N + 8.0 * N * d + 45.0 * cells;
     return memory;
 }
 
