@@ -2,9 +2,10 @@
 #include <exception>
 #include <vector>
 
-#include "input/load.h"
 #include "stats/centring.h"
 #include "stats/exact_objective.h"
+
+#include "bench/loaded_matrix.h"
 
 /// Prints the cost of maps over all pairs of rows: the Kullback-Leibler divergence from the
 /// affinities of perplexity 30 of all pairs, as the exact method has it, whatever a map was made
@@ -15,27 +16,15 @@ namespace {
 
 constexpr double kPerplexity = 30.0;
 
-ovik::LoadedMatrix loaded(const char* path) {
-    std::vector<ovik::Remark> remarks;
-    ovik::LoadOptions options;
-    options.missing = ovik::MissingPolicy::RowMean;
-    return ovik::load(path, options, remarks);
-}
-
-ovik::MatrixView<double> view(const ovik::LoadedMatrix& loaded) {
-    const ovik::MatrixReport& shape = loaded.matrix.report;
-    return {loaded.matrix.values.get(), shape.rows, shape.columns};
-}
-
 int print_costs(const char* matrix, char** maps, int count) {
-    const ovik::LoadedMatrix input = loaded(matrix);
-    const ovik::MatrixView<double> X = view(input);
+    const ovik::LoadedMatrix input = ovik::bench::loaded(matrix);
+    const ovik::MatrixView<double> X = ovik::bench::view(input);
     ovik::centre_and_scale(X);
     constexpr std::size_t kDims = 2;
     ovik::ExactObjective objective({X.values, X.rows, X.columns}, kDims, kPerplexity);
     for (int i = 0; i < count; ++i) {
-        const ovik::LoadedMatrix map = loaded(maps[i]);
-        const ovik::MatrixView<double> Y = view(map);
+        const ovik::LoadedMatrix map = ovik::bench::loaded(maps[i]);
+        const ovik::MatrixView<double> Y = ovik::bench::view(map);
         if (Y.rows != X.rows || Y.columns != kDims) {
             std::fprintf(stderr, "%s: no map of %s\n", maps[i], matrix);
             return 1;

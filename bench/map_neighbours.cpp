@@ -7,12 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "input/load.h"
 #include "neighbours/neighbour_search.h"
 #include "stats/centring.h"
 #include "stats/principal_components.h"
 #include "util/matrix_view.h"
 #include "util/random_stream.h"
+
+#include "bench/loaded_matrix.h"
 
 /// Prints what a map kept of the 10 nearest neighbours that rows have by their principal
 /// components, and the share of rows whose label most of their 10 nearest in the map have.
@@ -63,16 +64,6 @@ double share_of_label(const Nearest& nearest, const std::vector<unsigned char>& 
     return static_cast<double>(right) / static_cast<double>(nearest.size());
 }
 
-ovik::LoadedMatrix loaded(const char* path) {
-    std::vector<ovik::Remark> remarks;
-    return ovik::load(path, {}, remarks);
-}
-
-ovik::MatrixView<double> view(const ovik::LoadedMatrix& loaded) {
-    const ovik::MatrixReport& shape = loaded.matrix.report;
-    return {loaded.matrix.values.get(), shape.rows, shape.columns};
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -80,13 +71,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: map_neighbours MATRIX COMPONENTS MAP LABELS (a byte a row)\n");
         return 2;
     }
-    const ovik::LoadedMatrix input = loaded(argv[1]);
-    const ovik::MatrixView<double> X = view(input);
+    const ovik::LoadedMatrix input = ovik::bench::loaded(argv[1]);
+    const ovik::MatrixView<double> X = ovik::bench::view(input);
     ovik::centre_and_scale(X);
     const ovik::PrincipalComponents components = ovik::principal_components(
         {X.values, X.rows, X.columns}, std::strtoul(argv[2], nullptr, 10));
-    const ovik::LoadedMatrix map = loaded(argv[3]);
-    const ovik::MatrixView<double> Y = view(map);
+    const ovik::LoadedMatrix map = ovik::bench::loaded(argv[3]);
+    const ovik::MatrixView<double> Y = ovik::bench::view(map);
     std::ifstream file(argv[4], std::ios::binary);
     const std::vector<unsigned char> labels{std::istreambuf_iterator<char>(file), {}};
     if (Y.rows != X.rows || labels.size() != X.rows) {
