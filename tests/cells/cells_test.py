@@ -21,7 +21,7 @@ import scipy.sparse
 import scipy.sparse.linalg
 
 CELLS, GENES = 70, 40
-RUN = ["-q", "-i", "20", "-p", "8", "--no-plots"]
+RUN = ["-q", "-i", "20", "--no-plots"]
 command = pathlib.Path(sys.argv[1]).resolve()
 
 
@@ -36,8 +36,9 @@ class Place:
     def __init__(self, directory):
         self.directory = pathlib.Path(directory)
 
-    def run(self, *options, status=0):
-        done = subprocess.run([command, *RUN, *options], cwd=self.directory, capture_output=True, text=True)
+    def run(self, *options, status=0, perplexity="8"):
+        neighbours = ["-p", perplexity] if perplexity else []
+        done = subprocess.run([command, *RUN, *neighbours, *options], cwd=self.directory, capture_output=True, text=True)
         require(done.returncode == status, f"{options} ends with {status}: {done.stdout}{done.stderr}")
         return done.stderr
 
@@ -104,8 +105,15 @@ def check_writing(place, values):
         facts = data.uns["tsne"]
         require(facts["program"] == "ovik-tsne" and facts["perplexity"] == 8.0, f"facts: {facts}")
         require(facts["precision"] == precision and facts["metric"] == "euclidean", f"facts: {facts}")
+        require(facts["matrix"] == "cells.h5ad" and facts["layer"] == "obsm/X_pca", f"facts: {facts}")
         files = json.loads((place.directory / "out/t.json").read_text())["runs"][0]["files"]
         require("AnnData" in json.dumps(files), "the report has the file")
+    place.run("cells.h5ad", "--into", "cells.h5ad", "--seeds", "3", "--affinity", "uniform", "--json", "out/s.json",
+              perplexity=None)
+    facts = anndata.read_h5ad(place.directory / "cells.h5ad").uns["tsne"]
+    kept = json.loads((place.directory / "out/s.json").read_text())["runs"][0]["kept_seed"]
+    require(facts["seed"] == kept and facts["seeds"] == 3, f"facts: {facts}, the kept seed is {kept}")
+    require("perplexity" not in facts and "layer" not in facts, f"facts have what had no effect: {facts}")
     said = place.run("cells.tsv", "--into", "cells.h5ad", status=2)
     require("it has obsm/X_tsne already" in said, said)
     said = place.run("cells.h5ad", "--layer", "obsm/X_pac", status=2)

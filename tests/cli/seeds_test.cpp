@@ -116,7 +116,7 @@ TEST_F(Seeds, InterruptedKeepWhatWasReached) {
         words.insert(words.begin(), OVIK_TSNE_COMMAND);
         return words;
     }());
-    command.waitFor("Got error of");
+    command.waitFor("at iteration (20/");
     command.typeInterrupt();
     const CommandOutcome outcome = command.finish();
     EXPECT_EQ(outcome.exit_status, 130);
