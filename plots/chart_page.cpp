@@ -1,7 +1,10 @@
 #include "plots/chart_page.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <system_error>
 
 #include "plots/component_pair.h"
 #include "plots/filled_template.h"
@@ -156,6 +159,48 @@ std::string json_layout(const ChartLayout& layout) {
                         {"grid", json_text(layout.grid)}});
 }
 
+/// For each point a list of others; an empty list where there are none.
+std::string json_lists(const std::vector<std::vector<std::uint32_t>>& rows) {
+    std::vector<std::string> lists;
+    lists.reserve(rows.size());
+    for (const std::vector<std::uint32_t>& row : rows) {
+        lists.push_back(json_list_of(std::vector<std::size_t>(row.begin(), row.end())));
+    }
+    return json_list(lists);
+}
+
+/// A number to as many digits as colours and words can show.
+std::string json_rounded(double value) {
+    constexpr int kDigits = 4;
+    char text[32];
+    const auto [end, error] =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, kDigits);
+    return std::isfinite(value) && error == std::errc() ? std::string(text, end) : "null";
+}
+
+/// What is known of each point; null if nothing is.
+std::string json_reliability(const MapTrust& trust, std::size_t point_count) {
+    if (trust.rows == nullptr || trust.rows->falsely_near.size() != point_count ||
+        trust.rows->torn.size() != point_count) {
+        return "null";
+    }
+    std::vector<std::string> columns;
+    for (const RowNumbers& column : trust.rows->columns) {
+        std::vector<std::string> values;
+        for (const double value : column.values) {
+            values.push_back(json_rounded(value));
+        }
+        columns.push_back(json_object({{"name", json_text(column.name)},
+                                       {"title", json_text(column.title)},
+                                       {"values", json_list(values)}}));
+    }
+    return json_object({{"columns", json_list(columns)},
+                        {"near", json_text(trust.rows->near)},
+                        {"far", json_text(trust.rows->far)},
+                        {"falselyNear", json_lists(trust.rows->falsely_near)},
+                        {"torn", json_lists(trust.rows->torn)}});
+}
+
 /// What is known of how far the map can be trusted; null if nothing is.
 std::string json_quality(const Chart& chart, std::size_t point_count) {
     if (chart.trust == nullptr || chart.trust->numbers.empty()) {
@@ -173,7 +218,8 @@ std::string json_quality(const Chart& chart, std::size_t point_count) {
     }
     return json_object({{"numbers", json_list(numbers)},
                         {"neighbours", json_text(chart.trust->neighbours)},
-                        {"kept", json_list_of(kept)}});
+                        {"kept", json_list_of(kept)},
+                        {"reliability", json_reliability(*chart.trust, point_count)}});
 }
 
 std::string json_chart(const Chart& chart) {

@@ -27,9 +27,11 @@ class SlicedAttraction : public Attraction {
 
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
+    void rowCosts(const double* Y, double Z, double* costs) const override;
 
   private:
     [[nodiscard]] double plainCost(const double* Y, double Z) const;
+    void addEntries(const double* Y, double Z, std::size_t row, double& cost) const;
 
     SlicedMatrix P_;
     std::size_t dims_;

@@ -305,6 +305,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
     hooks.wants_neighbours = wants_neighbours;
+    hooks.wants_row_costs = wants_row_costs;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     if (options.out_dims > 0) {
         const auto dims = static_cast<std::size_t>(options.out_dims);

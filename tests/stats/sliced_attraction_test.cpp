@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "stats/row_attraction.h"
+
 #include "tests/support/printed.h"
 #include "tests/support/random_points.h"
 #include "tests/support/sparse_rows.h"
@@ -130,6 +132,20 @@ TEST(SlicedAttraction, FormsTheCostAnewWhenTheAffinitiesChange) {
         p /= 12.0;
     }
     EXPECT_NEAR(cost(), plain_cost(rows, Y, 1e3), 2e-12);
+}
+
+TEST(SlicedAttraction, TellsTheCostOfEachRow) {
+    const Rows rows{{0, 2, 2, 3}, {1, 2, 0}, {0.25, 0.5, 0.125}};
+    const std::vector<double> Y = test::random_values(6, 3);
+    const SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2);
+    std::vector<double> costs(3, 7.0);
+    attraction.rowCosts(Y.data(), 1.5, costs.data());
+    EXPECT_EQ(costs[1], 0.0);
+    EXPECT_DOUBLE_EQ(costs[0], plain_cost({{0, 2, 2, 2}, {1, 2}, {0.25, 0.5}}, Y, 1.5));
+    EXPECT_DOUBLE_EQ(costs[2], plain_cost({{0, 0, 0, 1}, {0}, {0.125}}, Y, 1.5));
+    std::vector<double> of_rows(3, 7.0);
+    RowAttraction(rows.view(), 3, 2).rowCosts(Y.data(), 1.5, of_rows.data());
+    EXPECT_EQ(of_rows, costs);
 }
 
 }  // namespace
