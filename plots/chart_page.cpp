@@ -1,10 +1,13 @@
 #include "plots/chart_page.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 #include <span>
 #include <string_view>
+#include <system_error>
 
 #include "plots/component_pair.h"
 #include "plots/html_text.h"
@@ -174,6 +177,49 @@ void write_layout(JsonStream& json, const ChartLayout& layout) {
                  {"grid", written(layout.grid)}});
 }
 
+/// A number to as many digits as colours and words can show.
+std::string json_rounded(double value) {
+    constexpr int kDigits = 4;
+    char text[32];
+    const auto [end, error] =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::general, kDigits);
+    return std::isfinite(value) && error == std::errc() ? std::string(text, end) : "null";
+}
+
+/// What is known of each point: numbers, and lists of others, empty where there are none. Null if
+/// nothing is known.
+void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t point_count) {
+    if (trust.rows == nullptr || trust.rows->falsely_near.size() != point_count ||
+        trust.rows->torn.size() != point_count) {
+        json.text("null");
+        return;
+    }
+    const RowReliability& rows = *trust.rows;
+    const auto write_columns = [&rows](JsonStream& to) {
+        to.list(rows.columns, [&to](const RowNumbers& column) {
+            to.object({{"name", written(column.name)},
+                       {"title", written(column.title)},
+                       {"values", [&column](JsonStream& values) {
+                            values.list(column.values, [&values](double value) {
+                                values.text(json_rounded(value));
+                            });
+                        }}});
+        });
+    };
+    const auto lists = [](const std::vector<std::vector<std::uint32_t>>& of_rows) {
+        return [&of_rows](JsonStream& to) {
+            to.list(of_rows, [&to](const std::vector<std::uint32_t>& row) {
+                to.list(row, [&to](std::uint32_t place) { to.value(std::size_t{place}); });
+            });
+        };
+    };
+    json.object({{"columns", write_columns},
+                 {"near", written(rows.near)},
+                 {"far", written(rows.far)},
+                 {"falselyNear", lists(rows.falsely_near)},
+                 {"torn", lists(rows.torn)}});
+}
+
 /// What is known of how far the map can be trusted; null if nothing is.
 void write_quality(JsonStream& json, const Chart& chart, std::size_t point_count) {
     if (chart.trust == nullptr || chart.trust->numbers.empty()) {
@@ -192,9 +238,11 @@ void write_quality(JsonStream& json, const Chart& chart, std::size_t point_count
         to.list(std::span(trust.kept).first(is_of_use ? point_count : 0),
                 [&to](double share) { to.value(std::round(share * 1000.0) / 1000.0); });
     };
-    json.object({{"numbers", write_numbers},
-                 {"neighbours", written(trust.neighbours)},
-                 {"kept", write_kept}});
+    json.object(
+        {{"numbers", write_numbers},
+         {"neighbours", written(trust.neighbours)},
+         {"kept", write_kept},
+         {"reliability", [&](JsonStream& to) { write_reliability(to, trust, point_count); }}});
 }
 
 void write_chart(JsonStream& json, const Chart& chart) {

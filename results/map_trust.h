@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "results/row_reliability.h"
 
 namespace ovik {
 
@@ -22,6 +25,8 @@ struct MapTrust {
     /// For each row the share of these that are among its nearest on the map; empty if it was not
     /// measured.
     std::vector<double> kept;
+    /// What else is known of each row; null for nothing.
+    std::shared_ptr<const RowReliability> rows = nullptr;
 };
 
 }  // namespace ovik

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "results/row_reliability.h"
 
 namespace ovik {
 
@@ -92,6 +95,8 @@ struct RunRecord {
     std::vector<RecordedQuality> quality;
     /// None unless they were asked for.
     std::optional<RecordedClusters> clusters;
+    /// How far each row can be trusted; null unless it was asked for.
+    std::shared_ptr<const RowReliability> reliability;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

@@ -1,5 +1,6 @@
 #include "results/run_report.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -104,6 +105,27 @@ std::string json_seconds(const RecordedSeconds& seconds) {
     return json_object(members);
 }
 
+std::string json_rows(const std::vector<std::vector<std::uint32_t>>& lists) {
+    std::vector<std::string> rows;
+    rows.reserve(lists.size());
+    for (const std::vector<std::uint32_t>& list : lists) {
+        rows.push_back(json_list_of(std::vector<std::size_t>(list.begin(), list.end())));
+    }
+    return json_list(rows);
+}
+
+/// Rows are told by their numbers, from 0.
+std::string json_reliability(const RowReliability& reliability) {
+    std::vector<std::pair<std::string, std::string>> members{{"near", json_text(reliability.near)},
+                                                             {"far", json_text(reliability.far)}};
+    for (const RowNumbers& column : reliability.columns) {
+        members.emplace_back(column.name, json_list_of(column.values));
+    }
+    members.emplace_back("false_neighbours", json_rows(reliability.falsely_near));
+    members.emplace_back("torn_neighbours", json_rows(reliability.torn));
+    return json_object(members);
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
@@ -126,6 +148,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
                              json_object({{"resolution", json_text(run.clusters->resolution)},
                                           {"modularity", json_text(run.clusters->modularity)},
                                           {"sizes", json_list_of(run.clusters->sizes)}}));
+    }
+    if (run.reliability) {
+        members.emplace_back("reliability", json_reliability(*run.reliability));
     }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());

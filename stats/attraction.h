@@ -37,6 +37,12 @@ class Attraction {
     /// @param Z  normalisation
     [[nodiscard]] virtual double cost(const double* Y, double Z) = 0;
 
+    /// What the entries of each row add to the cost of an embedding, which may be any.
+    ///
+    /// @param Z      normalisation
+    /// @param costs  one per row, written; their sum is `cost` but for rounding
+    virtual void rowCosts(const double* Y, double Z, double* costs) = 0;
+
   protected:
     Attraction(Attraction&&) = default;
     Attraction& operator=(Attraction&&) = default;

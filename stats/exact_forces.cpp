@@ -2,6 +2,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <numeric>
 
 #include "stats/point_columns.h"
 #include "util/malloc_array.h"
@@ -80,17 +81,43 @@ void exact_gradient(const double* P,
     });
 }
 
+namespace {
+
+/// The terms of a row of P in the cost.
+void fill_cost_terms(
+    const double* P, const PointColumns& columns, std::size_t n, double sum_Q, double* terms) {
+    const std::size_t N = columns.pointCount();
+    fill_similarities(columns, n, DBL_MIN, terms);
+    for (std::size_t m = 0; m < N; ++m) {
+        const double p = P[n * N + m];
+        const double Q = terms[m] / sum_Q;
+        terms[m] = p * std::log((p + DBL_MIN) / (Q + DBL_MIN));
+    }
+}
+
+}  // namespace
+
 double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims) {
     const PointColumns columns(Y, N, dims);
     const double sum_Q = sum_similarities(columns, DBL_MIN);
     return ordered_sum(0.0, N, N, [&](std::size_t n, double* terms) {
-        fill_similarities(columns, n, DBL_MIN, terms);
-        for (std::size_t m = 0; m < N; ++m) {
-            const double p = P[n * N + m];
-            const double Q = terms[m] / sum_Q;
-            terms[m] = p * std::log((p + DBL_MIN) / (Q + DBL_MIN));
-        }
+        fill_cost_terms(P, columns, n, sum_Q, terms);
         return N;
+    });
+}
+
+void exact_row_costs(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, double* costs) {
+    const PointColumns columns(Y, N, dims);
+    const double sum_Q = sum_similarities(columns, DBL_MIN);
+    const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
+    require_allocated(buffers);
+    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+        double* const terms = buffers.get() + worker * N;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            fill_cost_terms(P, columns, n, sum_Q, terms);
+            costs[n] = std::accumulate(terms, terms + N, 0.0);
+        }
     });
 }
 

@@ -45,6 +45,12 @@ inline void exact_gradient(const double* P, MatrixView<const double> Y, double* 
 /// @param Y  row-major, N x dims
 OVIK_API double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
 
+/// What each row of P adds to this cost.
+///
+/// @param costs  N values, written
+void exact_row_costs(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, double* costs);
+
 /// The same for an embedding with its shape.
 inline double exact_cost(const double* P, MatrixView<const double> Y) {
     return exact_cost(P, Y.values, Y.rows, Y.columns);

@@ -120,6 +120,13 @@ double ExactObjective::cost(const double* Y) {
     return exact_cost(P_.get(), Y, N_, out_dims_);
 }
 
+void ExactObjective::rowCosts(const double* Y, double* costs) {
+    if (in_panels_) {
+        movePIntoRows();
+    }
+    exact_row_costs(P_.get(), Y, N_, out_dims_, costs);
+}
+
 /// A cost that the quick way gave, or, where that is printed as zero, the sum in order.
 double ExactObjective::unlessZero(double cost, const double* Y) {
     if (std::fabs(cost) >= kPrintsAsZero) {

@@ -48,6 +48,7 @@ class ExactObjective : public Objective {
     void gradient(const double* Y, double* dY) override;
     double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
+    void rowCosts(const double* Y, double* costs) override;
 
     /// Gives the time in whole seconds.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;

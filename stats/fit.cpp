@@ -261,6 +261,9 @@ FitReport fit_into(MatrixView<double> Y,
     iterate(optimisation, options.max_iter, hooks, report);
     report.reached = optimisation.state().reached;
     report.final_cost = optimisation.finalCost();
+    if (hooks.wants_row_costs) {
+        report.row_costs = optimisation.rowCosts();
+    }
     report.fitting_clock = std::clock() - fitting_start;
     descent.reset();
     objective.reset();

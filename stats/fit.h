@@ -57,6 +57,8 @@ struct FitHooks {
     std::function<void(const NeighbourRecall& recall)> on_recall = {};
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
+    /// Whether the cost of each row is.
+    bool wants_row_costs = false;
 };
 
 /// What a fit comes to, beside the embedding.
@@ -68,6 +70,8 @@ struct FitReport {
     std::vector<double> costs;
     /// Of the embedding, against the affinities without exaggeration.
     double final_cost = 0.0;
+    /// What each row adds to that, by its own affinities; empty unless `wants_row_costs`.
+    std::vector<double> row_costs = {};
     /// How the input was centred and scaled; without means where it holds distances.
     InputScale scale;
     /// What is unusual about the places of a start that was given (`FitHooks::start`); mostly

@@ -37,19 +37,32 @@ std::vector<std::uint32_t> nearest_rows(MatrixView<const double> map, std::size_
     return nearest;
 }
 
+/// How many neighbours a row has in both maps.
+///
+/// @param A, B   as `nearest_rows` gives them
+/// @param begin  where those of the row begin
+std::size_t shared_of_row(const std::vector<std::uint32_t>& A,
+                          const std::vector<std::uint32_t>& B,
+                          std::size_t begin,
+                          std::size_t count) {
+    std::size_t shared = 0;
+    for (std::size_t a = begin, b = begin; a < begin + count && b < begin + count;) {
+        shared += A[a] == B[b] ? 1 : 0;
+        const bool advances_both = A[a] == B[b];
+        const bool advances_a = A[a] < B[b];
+        a += advances_both || advances_a ? 1 : 0;
+        b += advances_both || !advances_a ? 1 : 0;
+    }
+    return shared;
+}
+
 /// @param A, B  as `nearest_rows` gives them
 double shared_part(const std::vector<std::uint32_t>& A,
                    const std::vector<std::uint32_t>& B,
                    std::size_t count) {
     std::size_t shared = 0;
     for (std::size_t begin = 0; begin < A.size(); begin += count) {
-        for (std::size_t a = begin, b = begin; a < begin + count && b < begin + count;) {
-            shared += A[a] == B[b] ? 1 : 0;
-            const bool advances_both = A[a] == B[b];
-            const bool advances_a = A[a] < B[b];
-            a += advances_both || advances_a ? 1 : 0;
-            b += advances_both || !advances_a ? 1 : 0;
-        }
+        shared += shared_of_row(A, B, begin, count);
     }
     return static_cast<double>(shared) / static_cast<double>(A.size());
 }
@@ -81,6 +94,22 @@ MapAgreement map_agreement(MatrixView<const double> A,
                            std::size_t neighbours) {
     const MatrixView<const double> maps[] = {A, B};
     return mean_agreement(maps, neighbours);
+}
+
+std::vector<double> shared_neighbours(MatrixView<const double> A,
+                                      MatrixView<const double> B,
+                                      std::size_t neighbours) {
+    const MatrixView<const double> maps[] = {A, B};
+    check_maps(maps, neighbours);
+    const std::size_t count = std::min(neighbours, A.rows - 1);
+    const std::vector<std::uint32_t> of_A = nearest_rows(A, count);
+    const std::vector<std::uint32_t> of_B = nearest_rows(B, count);
+    std::vector<double> shared;
+    for (std::size_t begin = 0; begin < of_A.size(); begin += count) {
+        shared.push_back(static_cast<double>(shared_of_row(of_A, of_B, begin, count)) /
+                         static_cast<double>(count));
+    }
+    return shared;
 }
 
 MapAgreement mean_agreement(std::span<const MatrixView<const double>> maps,

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <span>
+#include <vector>
 
 #include "util/api.h"
 #include "util/matrix_view.h"
@@ -37,6 +38,11 @@ struct MapAgreement {
 OVIK_API MapAgreement map_agreement(MatrixView<const double> A,
                                     MatrixView<const double> B,
                                     std::size_t neighbours = 10);
+
+/// The share of nearest neighbours that each row has in both maps: what `map_agreement` averages.
+std::vector<double> shared_neighbours(MatrixView<const double> A,
+                                      MatrixView<const double> B,
+                                      std::size_t neighbours = 10);
 
 /// The same averaged over all pairs of several maps.
 ///

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -106,56 +107,86 @@ struct Sums {
     std::uint64_t recalled = 0;
 };
 
-/// @param kept  for each size the recall of all rows, of which that of the row is written
-void add_row(std::size_t row,
-             const Neighbours& input,
-             const Neighbours& embedding,
-             const std::vector<std::size_t>& sizes,
-             std::vector<Sums>& sums,
-             std::vector<std::vector<double>>& kept) {
+/// The sums of one row.
+std::vector<Sums> sums_of_row(const Neighbours& input,
+                              const Neighbours& embedding,
+                              const std::vector<std::size_t>& sizes) {
+    std::vector<Sums> sums(sizes.size());
     const std::vector<std::uint32_t>& nearest = embedding.nearest();
-    std::vector<std::uint64_t> recalled(sizes.size());
-    for (std::size_t map_rank = 0; map_rank < nearest.size(); ++map_rank) {
+    const std::size_t largest = sizes.empty() ? 0 : *std::max_element(sizes.begin(), sizes.end());
+    for (std::size_t map_rank = 0; map_rank < largest; ++map_rank) {
         const std::size_t rank = input.rank(nearest[map_rank]);
         for (std::size_t i = 0; i < sizes.size(); ++i) {
             if (map_rank < sizes[i]) {
-                recalled[i] += rank < sizes[i] ? 1 : 0;
+                sums[i].recalled += rank < sizes[i] ? 1 : 0;
                 sums[i].excess += rank < sizes[i] ? 0 : rank + 1 - sizes[i];
             }
         }
     }
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        sums[i].recalled += recalled[i];
-        kept[i][row] = static_cast<double>(recalled[i]) / static_cast<double>(sizes[i]);
-    }
+    return sums;
 }
 
-NeighbourhoodQuality quality_of(const Sums& sums,
-                                std::size_t N,
+/// The first `near` of some rows that are not among the first `far` of others.
+std::vector<std::uint32_t> near_but_far(const std::vector<std::uint32_t>& rows,
+                                        const std::vector<std::uint32_t>& others,
+                                        std::size_t near,
+                                        std::size_t far) {
+    const auto end = others.begin() + static_cast<std::ptrdiff_t>(far);
+    std::vector<std::uint32_t> found;
+    for (std::size_t i = 0; i < near; ++i) {
+        if (std::find(others.begin(), end, rows[i]) == end) {
+            found.push_back(rows[i]);
+        }
+    }
+    return found;
+}
+
+/// The trustworthiness for some sums over so many rows of N.
+double trustworthiness(const Sums& sums, double rows, double N, double k) {
+    return 1.0 - 2.0 * static_cast<double>(sums.excess) / (rows * k * (2.0 * N - 3.0 * k - 1.0));
+}
+
+NeighbourhoodQuality quality_of(const std::vector<std::vector<Sums>>& rows,
                                 std::size_t size,
-                                std::vector<double> kept) {
-    const auto n = static_cast<double>(N);
+                                std::size_t which) {
+    const auto N = static_cast<double>(rows.size());
     const auto k = static_cast<double>(size);
-    return {size,
-            1.0 - 2.0 * static_cast<double>(sums.excess) / (n * k * (2.0 * n - 3.0 * k - 1.0)),
-            static_cast<double>(sums.recalled) / (n * k),
-            std::move(kept)};
+    NeighbourhoodQuality quality{size};
+    Sums total;
+    for (const std::vector<Sums>& row : rows) {
+        total.excess += row[which].excess;
+        total.recalled += row[which].recalled;
+        quality.kept.push_back(static_cast<double>(row[which].recalled) / k);
+        quality.trusted.push_back(trustworthiness(row[which], 1.0, N, k));
+    }
+    quality.trustworthiness = trustworthiness(total, N, N, k);
+    quality.preservation = static_cast<double>(total.recalled) / (N * k);
+    return quality;
 }
 
 /// The quality by measures of the input and of the embedding.
 ///
-/// @param N  above 0
+/// @param N          above 0
+/// @param misplaced  null, or with the numbers of rows that are near and not far; its lists are
+/// written
 std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
                                              const RowMeasure& embedding,
                                              std::size_t N,
                                              const std::vector<std::size_t>& sizes,
-                                             const OnStage& on_stage) {
+                                             const OnStage& on_stage,
+                                             MisplacedNeighbours* misplaced = nullptr) {
     constexpr std::size_t kRowsOfTask = 32;
-    const std::size_t largest = *std::max_element(sizes.begin(), sizes.end());
+    std::size_t largest = misplaced != nullptr ? misplaced->far : 0;
+    for (const std::size_t size : sizes) {
+        largest = std::max(largest, size);
+    }
     const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
     const int workers = worker_count(tasks);
-    std::vector<std::vector<Sums>> sums(tasks, std::vector<Sums>(sizes.size()));
-    std::vector<std::vector<double>> kept(sizes.size(), std::vector<double>(N));
+    std::vector<std::vector<Sums>> sums(N);
+    if (misplaced != nullptr) {
+        misplaced->falsely_near.resize(N);
+        misplaced->torn.resize(N);
+    }
     std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
                                    Neighbours(input, N, largest));
     std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
@@ -167,18 +198,20 @@ std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
         for (std::size_t n = begin; n < end && !progress.isStopped(); ++n) {
             inputs[worker].find(n);
             embeddings[worker].find(n);
-            add_row(n, inputs[worker], embeddings[worker], sizes, sums[task], kept);
+            sums[n] = sums_of_row(inputs[worker], embeddings[worker], sizes);
+            if (misplaced != nullptr) {
+                const auto& [near, far] = std::pair(misplaced->near, misplaced->far);
+                const std::vector<std::uint32_t>& in_data = inputs[worker].nearest();
+                const std::vector<std::uint32_t>& on_map = embeddings[worker].nearest();
+                misplaced->falsely_near[n] = near_but_far(on_map, in_data, near, far);
+                misplaced->torn[n] = near_but_far(in_data, on_map, near, far);
+            }
         }
         progress.add(end - begin);
     });
     std::vector<NeighbourhoodQuality> result;
     for (std::size_t i = 0; i < sizes.size(); ++i) {
-        Sums total;
-        for (const std::vector<Sums>& of_task : sums) {
-            total.excess += of_task[i].excess;
-            total.recalled += of_task[i].recalled;
-        }
-        result.push_back(quality_of(total, N, sizes[i], std::move(kept[i])));
+        result.push_back(quality_of(sums, sizes[i], i));
     }
     return result;
 }
@@ -200,6 +233,14 @@ std::vector<NeighbourhoodQuality> quality_of_rows(MatrixView<const double> X,
                       X.rows,
                       sizes,
                       on_stage);
+}
+
+/// Gives the distances that stand in a row of a matrix.
+RowMeasure measure_by_distances(MatrixView<const double> distances) {
+    return [distances](std::size_t row, double* result) {
+        const std::span<const double> given = distances.row(row);
+        std::copy(given.begin(), given.end(), result);
+    };
 }
 
 }  // namespace
@@ -239,12 +280,39 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
         return {};
     }
     const Columns embedding(Y.values, Y.rows, Y.columns);
-    const RowMeasure of_row = [distances](std::size_t row, double* result) {
-        const std::span<const double> given = distances.row(row);
-        std::copy(given.begin(), given.end(), result);
-    };
-    return quality_by(
-        of_row, measure_of(embedding, euclidean_metric()), distances.rows, sizes, on_stage);
+    return quality_by(measure_by_distances(distances),
+                      measure_of(embedding, euclidean_metric()),
+                      distances.rows,
+                      sizes,
+                      on_stage);
+}
+
+RowNeighbourhoods row_neighbourhoods(MatrixView<const double> X,
+                                     MatrixView<const double> Y,
+                                     const std::vector<std::size_t>& sizes,
+                                     std::size_t near,
+                                     bool holds_distances,
+                                     const OnStage& on_stage) {
+    if (X.rows == 0) {
+        return {};
+    }
+    const Columns embedding(Y.values, Y.rows, Y.columns);
+    std::optional<Columns> input;
+    if (!holds_distances) {
+        require_measurable_rows(euclidean_metric(), X.values, X.rows, X.columns);
+        input.emplace(X.values, X.rows, X.columns);
+    }
+    RowNeighbourhoods result;
+    result.misplaced.near = near;
+    result.misplaced.far = std::max(near, std::min(3 * near, (X.rows - 1) / 2));
+    result.quality =
+        quality_by(input ? measure_of(*input, euclidean_metric()) : measure_by_distances(X),
+                   measure_of(embedding, euclidean_metric()),
+                   X.rows,
+                   sizes,
+                   on_stage,
+                   &result.misplaced);
+    return result;
 }
 
 }  // namespace ovik

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "util/api.h"
@@ -35,6 +36,28 @@ struct NeighbourhoodQuality {
     double preservation = 0.0;
     /// The recall of each row by itself.
     std::vector<double> kept = {};
+    /// The trustworthiness of each row by itself: 1 minus the part of its sum in the largest that
+    /// it could be. Its mean over the rows is that of the embedding.
+    std::vector<double> trusted = {};
+};
+
+/// Rows that the embedding puts elsewhere than the input has them, seen from each row.
+struct MisplacedNeighbours {
+    /// How many nearest rows are near, and beyond how many rows are far.
+    std::size_t near = 0;
+    std::size_t far = 0;
+    /// False neighbours of each row: near in the embedding, far in the input; by their rank in the
+    /// embedding.
+    std::vector<std::vector<std::uint32_t>> falsely_near = {};
+    /// Torn neighbours of each row: near in the input, far in the embedding; by their rank in the
+    /// input.
+    std::vector<std::vector<std::uint32_t>> torn = {};
+};
+
+/// What there is to say of the neighbours of each row.
+struct RowNeighbourhoods {
+    std::vector<NeighbourhoodQuality> quality;
+    MisplacedNeighbours misplaced;
 };
 
 /// The quality of an embedding for several sizes of neighbourhoods. Rows equally far count in the
@@ -80,5 +103,19 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality(const double* X,
                                                         std::size_t dims,
                                                         const std::vector<std::size_t>& sizes,
                                                         const Metric& metric);
+
+/// The quality of an embedding with the neighbours that it misplaces: near are the `near` nearest
+/// rows, far all but three times as many, or all but half of the others where that is less.
+///
+/// @param sizes  as `neighbourhood_quality` takes them; may be empty
+/// @param near   at least 1, less than N / 2
+/// @param holds_distances  whether X has, N x N, the distances of the rows
+/// @param on_stage         as of `neighbourhood_quality`
+OVIK_API RowNeighbourhoods row_neighbourhoods(MatrixView<const double> X,
+                                              MatrixView<const double> Y,
+                                              const std::vector<std::size_t>& sizes,
+                                              std::size_t near,
+                                              bool holds_distances = false,
+                                              const OnStage& on_stage = {});
 
 }  // namespace ovik

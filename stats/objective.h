@@ -32,6 +32,11 @@ class Objective {
     /// The Kullback-Leibler divergence of embedding Y, against the affinities as they stand.
     [[nodiscard]] virtual double cost(const double* Y) = 0;
 
+    /// What each point adds to the cost of embedding Y by its own row of the affinities.
+    ///
+    /// @param costs  N values, written; their sum is `cost` but for rounding
+    virtual void rowCosts(const double* Y, double* costs) = 0;
+
     /// The cost at Y, and the gradient there, which the next iteration needs.
     virtual double costAndGradient(const double* Y, double* dY) = 0;
 

@@ -70,6 +70,12 @@ double Optimisation::finalCost() {
     return objective_.cost(embedding_.values);
 }
 
+std::vector<double> Optimisation::rowCosts() {
+    std::vector<double> costs(embedding_.rows);
+    objective_.rowCosts(embedding_.values, costs.data());
+    return costs;
+}
+
 /// A coordinate that is not finite made the mean of its column so, and that the whole column: the
 /// first row shows it.
 bool Optimisation::isFinite() const {

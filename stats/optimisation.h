@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "stats/fit_state.h"
 #include "stats/gradient_descent.h"
 #include "stats/objective.h"
@@ -35,6 +37,9 @@ class Optimisation {
     /// The cost of the embedding as it stands, against the affinities without exaggeration. Ends
     /// exaggeration: no iteration may follow.
     double finalCost();
+
+    /// What each row adds to that cost, which has been asked for.
+    std::vector<double> rowCosts();
 
   private:
     [[nodiscard]] bool isFinite() const;

@@ -52,6 +52,14 @@ void RowAttraction::pass(const double* Y, IndexRange rows, double* forces, bool 
     pass_(edgesOf(Y), rows.begin, rows.end, forces, with_cost ? row_costs_.get() : nullptr);
 }
 
+void RowAttraction::rowCosts(const double* Y, double Z, double* costs) {
+    const EdgeView edges = edgesOf(Y);
+    constexpr std::size_t kGrain = 8;
+    parallel_for_each(N_, kGrain, [=](std::size_t n) {
+        costs[n] = plain_cost(edges, {n, n + 1}, Z);
+    });
+}
+
 double RowAttraction::cost(const double* Y, double Z) {
     const EdgeView edges = edgesOf(Y);
     const double log_Z = std::log(Z);

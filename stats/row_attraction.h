@@ -24,6 +24,7 @@ class RowAttraction : public Attraction {
 
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
+    void rowCosts(const double* Y, double Z, double* costs) override;
 
   private:
     [[nodiscard]] EdgeView edgesOf(const double* Y) const;

@@ -15,7 +15,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/chosen_affinities.h"
 #include "stats/method.h"
-#include "util/parallel.h"
+#include "stats/side_by_side.h"
 #include "util/stopwatch.h"
 
 namespace ovik {
@@ -170,15 +170,7 @@ FitReport fit_seeds_into(MatrixView<double> Y,
     Stopwatch watch;
     SeedFits fits(X, options, count, hooks);
     fits.runFirst();
-    const auto threads = static_cast<std::size_t>(worker_count(count));
-    const std::size_t at_once = manner.at_once == 0 ? threads : std::min(manner.at_once, threads);
-    const std::size_t in_groups = at_once < 2 ? 0 : (count - 1) - (count - 1) % at_once;
-    parallel_tasks(in_groups,
-                   static_cast<int>(at_once),
-                   [&](std::size_t i, std::size_t /*worker*/) { fits.run(1 + i); });
-    for (std::size_t i = 1 + in_groups; i < count; ++i) {
-        fits.run(i);
-    }
+    run_side_by_side(count - 1, manner.at_once, [&](std::size_t i) { fits.run(1 + i); });
     FitReport report = fits.take(Y);
     report.seconds.fitting = watch.lap() - report.seconds.similarities - report.seconds.sample;
     report.fitting_clock = std::clock() - start;

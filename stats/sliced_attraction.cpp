@@ -47,22 +47,35 @@ double SlicedAttraction::cost(const double* Y, double Z) {
     return std::fabs(cost) >= kPrintsAsZero ? cost : plainCost(Y, Z);
 }
 
+/// Adds the entries of a row one after the other.
+void SlicedAttraction::addEntries(const double* Y, double Z, std::size_t row, double& cost) const {
+    const double* const points = inOrder(Y);
+    P_.forEachEntry(row, [&, own = Y + row * dims_](std::size_t place, double p) {
+        double squared_distance = 0.0;
+        for (std::size_t d = 0; d < dims_; ++d) {
+            const double difference = own[d] - points[place + d];
+            squared_distance += difference * difference;
+        }
+        const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
+        cost += p * std::log((p + DBL_MIN) / Q);
+    });
+}
+
 /// The entries added one after the other, row by row.
 double SlicedAttraction::plainCost(const double* Y, double Z) const {
-    const double* const points = inOrder(Y);
     double cost = 0.0;
     for (std::size_t n = 0; n < P_.rowCount(); ++n) {
-        P_.forEachEntry(n, [&, own = Y + n * dims_](std::size_t place, double p) {
-            double squared_distance = 0.0;
-            for (std::size_t d = 0; d < dims_; ++d) {
-                const double difference = own[d] - points[place + d];
-                squared_distance += difference * difference;
-            }
-            const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
-            cost += p * std::log((p + DBL_MIN) / Q);
-        });
+        addEntries(Y, Z, n, cost);
     }
     return cost;
+}
+
+void SlicedAttraction::rowCosts(const double* Y, double Z, double* costs) {
+    prepare(Y);
+    parallel_for_each(P_.rowCount(), kSliceRows, [=, this](std::size_t n) {
+        costs[n] = 0.0;
+        addEntries(Y, Z, n, costs[n]);
+    });
 }
 
 }  // namespace ovik

@@ -28,6 +28,7 @@ class SlicedAttraction : public Attraction {
     void prepare(const double* Y) override;
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
+    void rowCosts(const double* Y, double Z, double* costs) override;
 
   private:
     /// The embedding in the order in which the rows of the matrix lie.
@@ -36,6 +37,7 @@ class SlicedAttraction : public Attraction {
     }
 
     [[nodiscard]] double plainCost(const double* Y, double Z) const;
+    void addEntries(const double* Y, double Z, std::size_t row, double& cost) const;
 
     SlicedMatrix P_;
     std::size_t dims_;

@@ -86,6 +86,10 @@ double SparseForces::cost(Attraction& attraction, const double* Y) {
     return attraction.cost(Y, Z);
 }
 
+void SparseForces::rowCosts(Attraction& attraction, const double* Y, double* costs) {
+    attraction.rowCosts(Y, computeForces(attraction, Y, nullptr, true), costs);
+}
+
 double SparseForces::costAndGradient(Attraction& attraction, const double* Y, double* gradient) {
     const double Z = computeForces(attraction, Y, gradient, true);
     subtractRepulsion(gradient, Z);

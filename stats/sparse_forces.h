@@ -32,6 +32,11 @@ class SparseForces {
     /// The cost of an embedding; 0.0 without points.
     [[nodiscard]] double cost(Attraction& attraction, const double* Y);
 
+    /// What each point adds to the cost of an embedding.
+    ///
+    /// @param costs  N values, written
+    void rowCosts(Attraction& attraction, const double* Y, double* costs);
+
     /// Both, in one computation of the repulsion and one pass over the entries; the same values.
     ///
     /// @param gradient  row-major, N x dims, written

@@ -30,6 +30,10 @@ double SparseObjective::cost(const double* Y) {
     return forces_.cost(attraction_, Y);
 }
 
+void SparseObjective::rowCosts(const double* Y, double* costs) {
+    forces_.rowCosts(attraction_, Y, costs);
+}
+
 double SparseObjective::costAndGradient(const double* Y, double* dY) {
     return forces_.costAndGradient(attraction_, Y, dY);
 }

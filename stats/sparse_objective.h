@@ -18,6 +18,7 @@ class SparseObjective : public Objective {
     void anneal(double factor) override;
     void gradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
+    void rowCosts(const double* Y, double* costs) override;
     double costAndGradient(const double* Y, double* dY) override;
 
     /// Gives the density of the affinity matrix, and the time with fractions of a second.

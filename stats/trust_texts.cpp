@@ -1,5 +1,6 @@
 #include "stats/trust_texts.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,33 @@ void add_quality(const NeighbourhoodQuality& quality, std::vector<TrustNumber>& 
                        rounded_text(quality.trustworthiness, 4),
                        "1 if all rows that are near one another on the map are near one another in "
                        "the data; about 0.5 for a map of random places."});
+}
+
+/// The share of near rows that some lists hold, averaged over the rows.
+std::string share_of_near(const RowReliability& rows,
+                          const std::vector<std::vector<std::uint32_t>>& lists) {
+    std::size_t count = 0;
+    for (const std::vector<std::uint32_t>& list : lists) {
+        count += list.size();
+    }
+    return percent_text(static_cast<double>(count) / static_cast<double>(rows.near * lists.size()));
+}
+
+void add_misplaced(const RowReliability& rows, std::vector<TrustNumber>& numbers) {
+    const std::string near = std::to_string(rows.near);
+    const std::string far = std::to_string(rows.far);
+    numbers.push_back({"False neighbours, of " + near,
+                       share_of_near(rows, rows.falsely_near),
+                       "So many of the " + near +
+                           " rows that are nearest to one on the map are not "
+                           "even among its " +
+                           far + " nearest in the data."});
+    numbers.push_back({"Torn neighbours, of " + near,
+                       share_of_near(rows, rows.torn),
+                       "So many of the " + near +
+                           " rows that are nearest to one in the data are not "
+                           "even among its " +
+                           far + " nearest on the map."});
 }
 
 void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
@@ -50,7 +78,8 @@ void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
 
 MapTrust map_trust(const FitReport& report,
                    std::vector<NeighbourhoodQuality> quality,
-                   const RowClusters* clusters) {
+                   const RowClusters* clusters,
+                   std::shared_ptr<const RowReliability> rows) {
     MapTrust trust;
     if (!report.seeds && quality.empty() && clusters == nullptr) {
         return trust;
@@ -62,6 +91,10 @@ MapTrust map_trust(const FitReport& report,
         trust.neighbours = quality.back().neighbours;
         trust.kept = std::move(quality.back().kept);
     }
+    if (rows != nullptr) {
+        add_misplaced(*rows, trust.numbers);
+    }
+    trust.rows = std::move(rows);
     trust.numbers.push_back({"Cost",
                              rounded_text(report.final_cost, 4),
                              "The Kullback-Leibler divergence of the map's similarities from those "

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "results/map_trust.h"
@@ -18,9 +18,11 @@ namespace ovik {
 /// @param quality  by size of the neighbourhoods, ascending; empty if it was not measured. The last
 ///                 one gives what each row keeps.
 /// @param clusters null if there are none
+/// @param rows     what is known of each row; null for nothing
 /// @return nothing if nothing but the fit was made: it has neither seeds, quality nor clusters
 MapTrust map_trust(const FitReport& report,
                    std::vector<NeighbourhoodQuality> quality,
-                   const RowClusters* clusters);
+                   const RowClusters* clusters,
+                   std::shared_ptr<const RowReliability> rows = nullptr);
 
 }  // namespace ovik

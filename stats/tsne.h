@@ -139,6 +139,8 @@ class TSNE {
     std::function<void(const FitReport&)> on_embedding;
     /// Whether that report is to hold the neighbours of the rows.
     bool wants_neighbours = false;
+    /// Whether it is to hold the cost of each row.
+    bool wants_row_costs = false;
     /// Names and values of what else chart page and figure say of the run, behind the parameters of
     /// the fit.
     std::vector<std::pair<std::string, std::string>> further_parameters;

@@ -350,6 +350,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
     hooks.wants_neighbours = wants_neighbours;
+    hooks.wants_row_costs = wants_row_costs;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;
     hooks.start = givenStart(embedding.columns);
     hooks.on_recall = &print_recall;

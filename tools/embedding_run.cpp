@@ -13,7 +13,9 @@
 #include "results/coordinate_files.h"
 #include "results/label_table.h"
 #include "results/map_model.h"
+#include "results/reliability_table.h"
 #include "stats/option_effect.h"
+#include "stats/row_reliability.h"
 #include "stats/schedule.h"
 #include "stats/trust_texts.h"
 #include "stats/tsne.h"
@@ -139,15 +141,21 @@ LookFailures look_at_map(TSNE<T>& tsne,
         failures.clusters = failure_of(
             [&] { clusters = add_clusters(tsne, options, report, label_columns, record); });
     }
-    std::vector<NeighbourhoodQuality> quality;
+    RowNeighbourhoods measured;
     if (options.quality) {
-        failures.quality =
-            failure_of([&] { quality = report_map_quality(tsne, options.fit.out_dims); });
+        failures.quality = failure_of([&] {
+            measured = report_map_quality(tsne, options.fit.out_dims, options.reliability);
+            if (options.reliability) {
+                record.reliability = std::make_shared<const RowReliability>(
+                    row_reliability(measured, report.row_costs));
+            }
+        });
     }
-    for (const NeighbourhoodQuality& one : quality) {
+    for (const NeighbourhoodQuality& one : measured.quality) {
         record.quality.push_back({one.neighbours, one.trustworthiness, one.preservation});
     }
-    tsne.trust = map_trust(report, std::move(quality), clusters ? &*clusters : nullptr);
+    tsne.trust = map_trust(
+        report, std::move(measured.quality), clusters ? &*clusters : nullptr, record.reliability);
     return failures;
 }
 
@@ -266,6 +274,11 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                 ? message_of(write_label_table(path, tsne.row_names, input.label_columns.back()))
                 : failures.clusters);
     }
+    if (record.reliability) {
+        add("Reliability",
+            reliability_path(base),
+            write_reliability_table(reliability_path(base), tsne.row_names, *record.reliability));
+    }
     if (!failures.quality.empty()) {
         files.push_back({"Quality", "", failures.quality});
         complain("Quality could not be measured (" + failures.quality + ")");
@@ -317,6 +330,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
         input.label_columns.push_back({"label", labels, {}});
     }
     tsne.wants_neighbours = options.clusters;
+    tsne.wants_row_costs = options.reliability;
     LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
         failures = look_at_map(tsne, options, report, input.label_columns, record);

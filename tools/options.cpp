@@ -202,6 +202,9 @@ void add_output_options(CLI::App& app, Options& options) {
         ->option_text("FILE");
     app.add_flag(
         "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
+    app.add_flag("--reliability",
+                 options.reliability,
+                 "Tell how far to trust the place of each row, in a table and on the chart page");
     add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
@@ -880,6 +883,7 @@ void check_fit(const CLI::App& app, Options& options) {
 }
 
 void fill_in_defaults(Options& options) {
+    options.quality = options.quality || options.reliability;
     if (options.name.empty() && !options.collected_reports.empty()) {
         options.name = "collected";
     } else if (options.name.empty()) {

@@ -126,6 +126,8 @@ struct Options {
     bool force = false;
     /// Whether the quality of the map is measured.
     bool quality = false;
+    /// Whether that is told of each row, too; it means `quality`.
+    bool reliability = false;
     /// Whether the rows are divided into clusters by their neighbours, and by what resolution.
     bool clusters = false;
     double clusters_resolution = 1.0;

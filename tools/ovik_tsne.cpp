@@ -50,6 +50,7 @@
 #include "tools/sparse_input.h"
 #include "tools/standard_streams.h"
 #include "tools/start_file.h"
+#include "tools/trust_options.h"
 
 /// The command `ovik-tsne`: checks the matrix, explains what is wrong with it, and runs the engine.
 
@@ -161,6 +162,7 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
+    check_judged_rows(options, matrix.rows);
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);

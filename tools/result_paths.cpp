@@ -82,6 +82,10 @@ std::string clusters_path(const std::string& result_base) {
     return result_base + ".clusters.tsv";
 }
 
+std::string reliability_path(const std::string& result_base) {
+    return result_base + ".reliability.tsv";
+}
+
 std::string onto_base(const Options& options) {
     return options.out_dir + options.name + "_onto" + options.suffix;
 }
@@ -111,6 +115,7 @@ std::vector<std::string> result_files(const Options& options,
         add(options.coordinates_npy, base + ".npy");
         add(options.annotated_tsv, annotated_path(base));
         add(options.clusters, clusters_path(base));
+        add(options.reliability, reliability_path(base));
         for (const char* const extension : {".gp", ".png", ".svg"}) {
             add(options.plot_cost, cost_base(base) + extension);
         }

@@ -21,6 +21,9 @@ std::string annotated_path(const std::string& result_base);
 /// The path of the table of clusters.
 std::string clusters_path(const std::string& result_base);
 
+/// The path of the table of how far each row can be trusted.
+std::string reliability_path(const std::string& result_base);
+
 /// The path of table and plots of rows that are placed on a map, without their extensions.
 std::string onto_base(const Options& options);
 

@@ -38,6 +38,13 @@ const DATA = (() => {
       ],
       neighbours: 30,
       kept: CLUSTERS.map((cluster, gene) => (cluster === 1 ? 0.1 : 0.4 + (gene % 5) / 10)),
+      reliability: {
+        columns: [{ name: 'cost', title: 'Share of the <cost>', values: CLUSTERS.map((_, gene) => gene / 1000) }],
+        near: 10,
+        far: 30,
+        falselyNear: CLUSTERS.map((_, gene) => (gene === 3 ? [100, 200] : [])),
+        torn: CLUSTERS.map((_, gene) => (gene === 3 ? [50] : [])),
+      },
     },
   });
 })();
@@ -139,7 +146,7 @@ describe('clusters', () => {
 
 describe('trust', () => {
   test('is told in numbers with sentences, by colour, and beside doubtful selections', async () => {
-    const page = await browser.open(DATA);
+    const page = await browser.open(DATA, { reducedMotion: 'reduce' });
     assert.deepEqual(await page.$$eval('#trust dt', (terms) => terms.map(({ textContent }) => textContent)), ['Neighbours kept, of 3041.2 %', 'Cost by seed11: 1.2345, 12: 1.2301', 'Modularity of the clusters0.6543']);
     assert.equal(await page.textContent('#trust dd'), 'So many of the <i>nearest</i> neighbours are kept.');
     assert.equal(await page.isVisible('.doubt'), false);
@@ -150,6 +157,20 @@ describe('trust', () => {
     assert.equal(await page.isVisible('.doubt'), false);
     await page.click('text=Colour by kept neighbours');
     assert.equal(await page.textContent('#legend h2'), 'Kept neighbours');
+
+    await page.click('#selection >> text=Clear');
+    await page.fill('#search', 'GENE3');
+    await page.keyboard.press('Enter');
+    await until(async () => (await page.textContent('#details')).includes('GENE3'));
+    const before = await inkAbove(page);
+    await page.click('text=Lines to the false and torn neighbours');
+    await until(async () => (await inkAbove(page)) > before + 200);
+    const lists = () => page.$$eval('.misplaced div .counts', (lines) => lines.map(({ textContent }) => textContent));
+    assert.deepEqual(await lists(), ['False neighbours of GENE3: GENE100, GENE200.', 'Torn neighbours of GENE3: GENE50.']);
+    await page.click('.misplaced .gene-link >> nth=2');
+    assert.match((await lists())[1], /: none\.$/);
+    await page.click('text=/Fade 60 genes that keep few of their neighbours, of 230/');
+    assert.equal(await page.isChecked('.misplaced input >> nth=0'), true);
     assert.deepEqual(page.problems, []);
     await page.context().close();
   });

@@ -6,7 +6,9 @@ import { clustersOf, medianOf, middleGene, topTerms } from '../../plots/page/src
 import { createModel } from '../../plots/page/src/model.js';
 import { createTermColours } from '../../plots/page/src/term_colours.js';
 import { createNumbers, smallData } from './support.mjs';
-import { LEAST_KEPT, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
+import { LEAST_KEPT, doubtfulGenes, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
+import { columnOf, dashes, readReliability } from '../../plots/page/src/reliability.js';
+import { listPoints } from '../../plots/page/src/layers.js';
 import { placeBoxes } from '../../plots/page/src/free_boxes.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
 
@@ -130,5 +132,50 @@ describe('how far the map can be trusted', () => {
     assert.equal(reliabilityOf(quality, [0, 1, 2, 3]).isDoubtful, false, 'half is not most');
     assert.equal(reliabilityOf(quality, [2, 3]).isDoubtful, false, 'two genes are too few');
     assert.equal(reliabilityOf(quality, []).isDoubtful, false);
+  });
+});
+
+describe('what is known of each gene', () => {
+  const raw = {
+    columns: [{ name: 'cost', title: 'Share <of> the cost', values: [0.1, null, 0.3] }],
+    near: 1,
+    far: 2,
+    falselyNear: [[1], [], [0, 1]],
+    torn: [[], [2], []],
+  };
+
+  test('is read where it is whole', () => {
+    const read = readReliability(raw, 3);
+    assert.deepEqual([...columnOf(read, 'cost')], [0.1, NaN, 0.3]);
+    assert.equal(columnOf(read, 'other'), null);
+    assert.deepEqual(read.torn, [[], [2], []]);
+    assert.equal(readReliability({ ...raw, columns: [{ name: 'cost', title: 'x', values: [1] }] }, 3).columns.length, 0);
+    for (const broken of [null, {}, { ...raw, torn: [[3], [], []] }, { ...raw, falselyNear: [[]] }, { ...raw, columns: 1 }]) {
+      assert.equal(readReliability(broken, 3), null);
+    }
+    assert.equal(readReliability(raw, 4), null);
+  });
+
+  test('says which are doubtful: against noise by their rate, else by what they keep', () => {
+    const quality = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: raw }, 3);
+    assert.deepEqual([...doubtfulGenes(quality)], [0]);
+    const columns = [{ name: 'q_cost', title: 'q', values: [0.04, 0.05, null] }];
+    const against = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: { ...raw, columns } }, 3);
+    assert.deepEqual([...doubtfulGenes(against)], [1, 2]);
+  });
+
+  test('lets faded genes step back, unless others stand out', () => {
+    const points = { x: [0, 1, 2], y: [0, 1, 2] };
+    const categories = { list: [{}], of: [0, 0, 0] };
+    const state = { shown: [1], matches: null, selection: new Int32Array(0), faded: Int32Array.of(1) };
+    const order = Int32Array.of(0, 1, 2);
+    assert.deepEqual([...listPoints(points, order, categories, state).kinds], [0, 1, 0]);
+    const chosen = { ...state, selection: Int32Array.of(1) };
+    assert.deepEqual([...listPoints(points, order, categories, chosen).kinds], [1, 1, 3]);
+  });
+
+  test('is drawn by dashes that end where the line does', () => {
+    assert.deepEqual(dashes([0, 0, 10, 0], 4, 2), [[0, 0, 4, 0], [6, 0, 10, 0]]);
+    assert.deepEqual(dashes([1, 1, 1, 1]), []);
   });
 });

@@ -125,9 +125,20 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     trust = {{{"Cost", "1.25", "<low> is good."}}, 30, {1.0 / 3.0, 0.5, 1.0}};
     EXPECT_EQ(data_of(chart_page(chart))["quality"],
               json::parse(R"({"numbers": [["Cost", "1.25", "<low> is good."]],
-                              "neighbours": 30, "kept": [0.333, 0.5, 1.0]})"));
+                              "neighbours": 30, "kept": [0.333, 0.5, 1.0], "reliability": null})"));
     trust.kept.pop_back();
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
+    RowReliability rows{
+        {{"cost", "<b>", {1.0 / 3.0, 2e-7, std::nan("")}}}, 1, 2, {{2}, {}, {0, 1}}, {{}, {}, {}}};
+    trust.rows = std::make_shared<RowReliability>(rows);
+    EXPECT_EQ(data_of(chart_page(chart))["quality"]["reliability"],
+              json::parse(R"({"columns": [{"name": "cost", "title": "<b>",
+                                           "values": [0.3333, 2e-7, null]}],
+                              "near": 1, "far": 2, "falselyNear": [[2], [], [0, 1]],
+                              "torn": [[], [], []]})"));
+    rows.torn.pop_back();
+    trust.rows = std::make_shared<RowReliability>(rows);
+    EXPECT_TRUE(data_of(chart_page(chart))["quality"]["reliability"].is_null());
 }
 
 TEST(ChartPageData, OfTooManyPointsIsASentence) {

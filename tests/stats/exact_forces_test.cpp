@@ -1,5 +1,6 @@
 #include "stats/exact_forces.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -125,6 +126,24 @@ TEST(ExactForces, TakeAnEmbeddingWithItsShape) {
     }
     EXPECT_EQ(exact_cost(positive.data(), {Y.data(), 3, 2}),
               exact_cost(positive.data(), Y.data(), 3, 2));
+}
+
+TEST(ExactRowCosts, AreWhatTheCostWouldBeOfOneRowOfAffinitiesAlone) {
+    constexpr std::size_t kCount = 23;
+    const std::vector<double> P = joint_similarities(kCount);
+    const std::vector<double> Y = test::random_values(kCount * 2, 22);
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        std::vector<double> costs(kCount, -7.0);
+        exact_row_costs(P.data(), Y.data(), kCount, 2, costs.data());
+        for (std::size_t n = 0; n < kCount; ++n) {
+            std::vector<double> alone(P.size(), 0.0);
+            std::copy_n(P.begin() + static_cast<std::ptrdiff_t>(n * kCount),
+                        kCount,
+                        alone.begin() + static_cast<std::ptrdiff_t>(n * kCount));
+            EXPECT_DOUBLE_EQ(costs[n], exact_cost(alone.data(), Y.data(), kCount, 2)) << n;
+        }
+    }
 }
 
 }  // namespace

@@ -306,6 +306,48 @@ TEST(Fit, HasNoNeighboursOfTheExactMethodOrWhereNoneAreWanted) {
     EXPECT_TRUE(graph.distances.empty());
 }
 
+TEST(Fit, TellsWhatEachRowAddsToTheCost) {
+    EXPECT_TRUE(fitted(kOptions).report.row_costs.empty());
+    FitHooks hooks;
+    hooks.wants_row_costs = true;
+    for (const double theta : {0.0, 0.5}) {
+        // With exaggeration at its end, and still exaggerated.
+        for (const int last : {30, 5}) {
+            FitOptions options = with_theta(theta);
+            options.max_iter = last;
+            const Fit result = fitted(options, hooks);
+            const std::vector<double>& costs = result.report.row_costs;
+            ASSERT_EQ(costs.size(), kRows);
+            EXPECT_NEAR(
+                std::accumulate(costs.begin(), costs.end(), 0.0), result.report.final_cost, 1e-11);
+            EXPECT_EQ(result.embedding, fitted(options).embedding);
+            for (const int threads : {1, 2, 5}) {
+                const test::ThreadCount scope(threads);
+                EXPECT_EQ(fitted(options, hooks).report.row_costs, costs) << threads;
+            }
+        }
+    }
+}
+
+TEST(Fit, TellsWhatEachRowAddsToTheCostByEveryMethodAndAffinity) {
+    FitHooks hooks;
+    hooks.wants_row_costs = true;
+    for (const MethodKind method : {MethodKind::BarnesHut, MethodKind::Mesh}) {
+        for (const AffinityKind affinity : {AffinityKind::Perplexity, AffinityKind::Uniform}) {
+            FitOptions options = kOptions;
+            options.method = method;
+            options.affinity = affinity;
+            const Fit result = fitted(options, hooks);
+            const std::vector<double>& costs = result.report.row_costs;
+            ASSERT_EQ(costs.size(), kRows);
+            EXPECT_NEAR(
+                std::accumulate(costs.begin(), costs.end(), 0.0), result.report.final_cost, 1e-11);
+            EXPECT_GT(*std::max_element(costs.begin(), costs.end()),
+                      *std::min_element(costs.begin(), costs.end()));
+        }
+    }
+}
+
 TEST(Fit, EndsWhereTheHookSaysSo) {
     for (const double theta : {0.0, 0.5}) {
         std::vector<int> seen;

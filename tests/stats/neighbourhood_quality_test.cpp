@@ -68,6 +68,35 @@ NeighbourhoodQuality plain_quality(const std::vector<double>& X,
             shared / (rows * size)};
 }
 
+MisplacedNeighbours plain_misplaced(const std::vector<double>& X,
+                                    std::size_t D,
+                                    const std::vector<double>& Y,
+                                    std::size_t dims,
+                                    std::size_t near) {
+    const std::size_t N = X.size() / D;
+    const std::size_t far = std::max(near, std::min(3 * near, (N - 1) / 2));
+    MisplacedNeighbours result{near, far};
+    const auto is_beyond = [far](const std::vector<std::size_t>& order, std::size_t row) {
+        const auto place = std::find(order.begin(), order.end(), row) - order.begin();
+        return place >= static_cast<std::ptrdiff_t>(far);
+    };
+    for (std::size_t n = 0; n < N; ++n) {
+        const auto input = plain_order(X, D, n);
+        const auto embedding = plain_order(Y, dims, n);
+        result.falsely_near.emplace_back();
+        result.torn.emplace_back();
+        for (std::size_t i = 0; i < near; ++i) {
+            if (is_beyond(input, embedding[i])) {
+                result.falsely_near[n].push_back(static_cast<std::uint32_t>(embedding[i]));
+            }
+            if (is_beyond(embedding, input[i])) {
+                result.torn[n].push_back(static_cast<std::uint32_t>(input[i]));
+            }
+        }
+    }
+    return result;
+}
+
 std::vector<double> random_points(std::size_t count, unsigned int seed) {
     std::mt19937 generator(seed);
     std::normal_distribution<double> normal;
@@ -195,6 +224,46 @@ RC_GTEST_PROP(NeighbourhoodQuality, EqualsThePlainOne, ()) {
             RC_ASSERT(std::fabs(quality[1].preservation - expected.preservation) < 1e-12);
         }
     }
+}
+
+RC_GTEST_PROP(RowNeighbourhoods, EqualThePlainOnes, ()) {
+    const auto N = *rc::gen::inRange<std::size_t>(8, 70);
+    const auto near = *rc::gen::inRange<std::size_t>(1, (N - 1) / 2 + 1);
+    // Few different values: ties and duplicates.
+    const auto value = rc::gen::map(rc::gen::inRange(-3, 4), [](int v) { return 0.5 * v; });
+    const auto X = *rc::gen::container<std::vector<double>>(N * 3, value);
+    const auto Y = *rc::gen::container<std::vector<double>>(N * 2, value);
+    const MisplacedNeighbours expected = plain_misplaced(X, 3, Y, 2, near);
+    const auto quality = neighbourhood_quality({X.data(), N, 3}, {Y.data(), N, 2}, {near});
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        const RowNeighbourhoods found =
+            row_neighbourhoods({X.data(), N, 3}, {Y.data(), N, 2}, {near}, near);
+        RC_ASSERT(found.misplaced.far == expected.far);
+        RC_ASSERT(found.misplaced.falsely_near == expected.falsely_near);
+        RC_ASSERT(found.misplaced.torn == expected.torn);
+        RC_ASSERT(found.quality[0].trustworthiness == quality[0].trustworthiness);
+        RC_ASSERT(found.quality[0].kept == quality[0].kept);
+        RC_ASSERT(found.quality[0].trusted == quality[0].trusted);
+    }
+}
+
+TEST(RowNeighbourhoods, AreThoseOfGivenDistances) {
+    const std::vector<double> X = random_points(50, 5);
+    const std::vector<double> Y = random_points(50, 6);
+    std::vector<double> distances;
+    for (const double from : X) {
+        for (const double to : X) {
+            distances.push_back(std::fabs(from - to));
+        }
+    }
+    const auto of_rows = row_neighbourhoods({X.data(), 50, 1}, {Y.data(), 50, 1}, {4}, 4);
+    const auto of_distances =
+        row_neighbourhoods({distances.data(), 50, 50}, {Y.data(), 50, 1}, {4}, 4, true);
+    EXPECT_EQ(of_distances.misplaced.falsely_near, of_rows.misplaced.falsely_near);
+    EXPECT_EQ(of_distances.misplaced.torn, of_rows.misplaced.torn);
+    EXPECT_EQ(of_distances.quality[0].trusted, of_rows.quality[0].trusted);
+    EXPECT_TRUE(row_neighbourhoods({}, {}, {}, 1).quality.empty());
 }
 
 TEST(NeighbourhoodQuality, TakesMatricesWithTheirShapes) {

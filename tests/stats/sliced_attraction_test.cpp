@@ -2,10 +2,16 @@
 
 #include <cfloat>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "stats/joint_matrix.h"
+#include "stats/row_attraction.h"
+
+#include "tests/support/malloc_copy.h"
 #include "tests/support/printed.h"
 #include "tests/support/random_points.h"
 #include "tests/support/sparse_rows.h"
@@ -130,6 +136,52 @@ TEST(SlicedAttraction, FormsTheCostAnewWhenTheAffinitiesChange) {
         p /= 12.0;
     }
     EXPECT_NEAR(cost(), plain_cost(rows, Y, 1e3), 2e-12);
+}
+
+TEST(SlicedAttraction, TellsTheCostOfEachRow) {
+    const Rows rows{{0, 2, 2, 3}, {1, 2, 0}, {0.25, 0.5, 0.125}};
+    const std::vector<double> Y = test::random_values(6, 3);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2);
+    std::vector<double> costs(3, 7.0);
+    attraction.rowCosts(Y.data(), 1.5, costs.data());
+    EXPECT_EQ(costs[1], 0.0);
+    EXPECT_DOUBLE_EQ(costs[0], plain_cost({{0, 2, 2, 2}, {1, 2}, {0.25, 0.5}}, Y, 1.5));
+    EXPECT_DOUBLE_EQ(costs[2], plain_cost({{0, 0, 0, 1}, {0}, {0.125}}, Y, 1.5));
+    std::vector<double> of_rows(3, 7.0);
+    RowAttraction(rows.view(), 3, 2).rowCosts(Y.data(), 1.5, of_rows.data());
+    EXPECT_EQ(of_rows, costs);
+}
+
+TEST(SlicedAttraction, TellsTheCostOfEachRowWhateverTheOrderInWhichTheyLie) {
+    constexpr std::size_t kPoints = 20;
+    constexpr std::size_t kNeighbours = 3;
+    std::vector<unsigned int> columns;
+    std::vector<double> values;
+    for (std::size_t i = 0; i < kPoints * kNeighbours; ++i) {
+        const std::size_t step = 1 + 2 * (i % kNeighbours);
+        columns.push_back(static_cast<unsigned int>((i / kNeighbours + step) % kPoints));
+        values.push_back(1.0 / static_cast<double>(2 + i));
+    }
+    const auto conditional = [&] {
+        ConditionalRows rows;
+        rows.rows = kPoints;
+        rows.row_length = kNeighbours;
+        rows.form = ValueForm::Double;
+        rows.columns = test::malloc_copy(columns);
+        rows.doubles = test::malloc_copy(values);
+        return rows;
+    };
+    std::vector<std::uint32_t> backwards(kPoints);
+    std::iota(backwards.rbegin(), backwards.rend(), 0U);
+    SlicedAttraction plain(joint_matrix(conditional(), 2), 2);
+    SlicedAttraction reordered(joint_matrix(conditional(), 2, test::malloc_copy(backwards)), 2);
+    ASSERT_TRUE(reordered.matrix().isReordered());
+    const std::vector<double> Y = test::random_values(2 * kPoints, 3);
+    std::vector<double> expected(kPoints);
+    std::vector<double> costs(kPoints);
+    plain.rowCosts(Y.data(), 1.5, expected.data());
+    reordered.rowCosts(Y.data(), 1.5, costs.data());
+    EXPECT_EQ(costs, expected);
 }
 
 }  // namespace

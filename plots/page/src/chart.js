@@ -15,7 +15,7 @@ const SETTLE_MILLISECONDS = 120;
 const RESIZE_MILLISECONDS = 60;
 
 /** Choices that change which points are drawn or how; the view stays. */
-const PAINTED = ['pair', 'shown', 'colouring', 'matches', 'selection', 'theme', 'coordinates', 'shading', 'contours', 'pointSize', 'pointOpacity'];
+const PAINTED = ['pair', 'shown', 'colouring', 'matches', 'selection', 'faded', 'theme', 'coordinates', 'shading', 'contours', 'pointSize', 'pointOpacity'];
 
 /** Draws the model as the viewport shows it. */
 function createPainter(element, model, store, frame, viewport) {

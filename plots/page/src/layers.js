@@ -61,10 +61,18 @@ export function drawingOrder({ x, y, placed }, categories) {
 /** How a point stands out; what the search found and what is chosen lie above the rest. */
 export const ROLES = ['plain', 'dim', 'found', 'chosen', 'both'];
 
-/** The role of each gene as a number; null when nothing stands out, so that all are plain. */
-function rolesOf({ matches, selection }, count) {
+/**
+ * The role of each gene as a number; null when nothing stands out, so that all are plain. Beside what stands out
+ * everything else is dim, so that fading shows without it alone.
+ */
+function rolesOf({ matches, selection, faded }, count) {
   const found = matches ?? new Int32Array(0);
-  if (found.length + selection.length === 0) return null;
+  if (found.length + selection.length === 0) {
+    if (!faded) return null;
+    const roles = new Uint8Array(count);
+    for (const gene of faded) roles[gene] = 1;
+    return roles;
+  }
   const roles = new Uint8Array(count).fill(1);
   for (const gene of found) roles[gene] = 2;
   for (const gene of selection) roles[gene] = roles[gene] === 2 ? 4 : 3;
@@ -82,13 +90,13 @@ export const roleOf = (kind) => ROLES[kind % ROLES.length];
  * @param {{x, y}} points coordinates of all genes
  * @param {Int32Array} order as of `drawingOrder`
  * @param {object} categories as of `findCategories`
- * @param {{shown, matches, selection}} state
+ * @param {{shown, matches, selection, faded}} state
  * @returns {{count: number, lit: number, x: Float64Array, y: Float64Array, kinds: Uint16Array,
  *   present: {back: number[], lit: number[]}}} one entry per point; from `lit` on they stand out; `present`
  *   are the kinds that occur before and from there on
  */
-export function listPoints({ x, y }, order, categories, { shown, matches, selection }) {
-  const roles = rolesOf({ matches, selection }, x.length);
+export function listPoints({ x, y }, order, categories, { shown, matches, selection, faded }) {
+  const roles = rolesOf({ matches, selection, faded }, x.length);
   const list = {
     x: new Float64Array(order.length),
     y: new Float64Array(order.length),

@@ -41,6 +41,7 @@ function firstState(model) {
   return {
     pair: 0,
     ...model.colouredBy(0),
+    faded: null,
     spotlight: -1,
     hover: -1,
     focus: -1,
@@ -104,7 +105,7 @@ function start() {
   address.follow(sets.tell);
   showExpression(part, chart, model, store, choose, say);
   showClusters(part('clusters'), chart, model, store, termColours);
-  showTrust(part('trust'), part('selection'), model, store);
+  showTrust(part('trust'), part('selection'), chart, model, store, choose);
   showHelp(part('help'));
   showFooter(part('foot'), dataset);
   fillWindow(part('stage'), part('help'), chart, () => {

@@ -1,9 +1,13 @@
 /** How far the map can be trusted, as far as the run measured it. */
 
 import { medianOf } from './cluster_facts.js';
+import { columnOf, readReliability } from './reliability.js';
 
 /** A gene is unreliable where the map keeps less than this share of its nearest neighbours. */
 export const LEAST_KEPT = 0.2;
+
+/** A gene is as good as noise where the false discovery rate of its cost is not below this. */
+export const MOST_RATE = 0.05;
 
 /** A selection of fewer genes is too small to speak of most of it. */
 const FEWEST_GENES = 3;
@@ -14,10 +18,10 @@ const isShare = (value) => typeof value === 'number' && value >= 0 && value <= 1
  * Reads what the run measured.
  *
  * @param raw `numbers`: `[name, value, sentence]` each, `neighbours`: how many were looked at, and
- *   `kept`: the share of them that each gene keeps, or none
+ *   `kept`: the share of them that each gene keeps, or none; `reliability` as of `readReliability`
  * @param {number} count of genes
  * @returns null if there is nothing; else `numbers` (`name`, `value`, `sentence`), `neighbours`, and `kept`
- *   (Float64Array, one per gene), null where it was not measured
+ *   (Float64Array, one per gene) and `reliability`, null where they were not measured
  */
 export function readQuality(raw, count) {
   if (!Array.isArray(raw?.numbers)) return null;
@@ -31,6 +35,7 @@ export function readQuality(raw, count) {
     numbers,
     neighbours: isKept ? raw.neighbours : 0,
     kept: isKept ? Float64Array.from(raw.kept) : null,
+    reliability: readReliability(raw.reliability, count),
   };
 }
 
@@ -51,4 +56,17 @@ export function reliabilityOf(quality, genes) {
     unreliable,
     isDoubtful: kept.length >= FEWEST_GENES && 2 * unreliable > kept.length,
   };
+}
+
+/**
+ * The genes whose place says little: against noise those that noise might give, else those that keep too few of their
+ * nearest neighbours.
+ *
+ * @param {object} quality as of `readQuality`, with `kept` and `reliability`
+ * @returns {Int32Array} ascending
+ */
+export function doubtfulGenes({ kept, reliability }) {
+  const rates = columnOf(reliability, 'q_cost');
+  const isDoubtful = rates ? (gene) => !(rates[gene] < MOST_RATE) : (gene) => kept !== null && kept[gene] < LEAST_KEPT;
+  return Int32Array.from(reliability.torn.keys()).filter(isDoubtful);
 }

@@ -5,6 +5,7 @@
  * @property {number} pair index of the pair of components that is drawn
  * @property {number} colouring index of what genes are coloured by
  * @property {Uint8Array} shown 1 for each category that is drawn
+ * @property {Int32Array|null} faded genes that step back, ascending; null for none
  * @property {number} spotlight the category that the reader points at in the legend, or -1
  * @property {number} hover gene under the pointer, or -1
  * @property {number} focus gene whose details are shown, or -1

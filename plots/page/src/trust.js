@@ -2,6 +2,7 @@
 
 import { button, dataText, el } from './dom.js';
 import { formatCount } from './format.js';
+import { showMisplaced } from './misplaced.js';
 import { LEAST_KEPT, reliabilityOf } from './quality.js';
 
 const percent = (share) => `${(100 * share).toFixed(0)} %`;
@@ -32,9 +33,11 @@ function selectionNote(quality, store) {
  * Fills the panel where the run measured anything.
  *
  * @param {HTMLElement} element
+ * @param {object} chart as of `createChart`
+ * @param {function(number)} choose is called for a gene that the reader picks
  * @param {HTMLElement} selection the panel of chosen genes, below whose heading the note stands
  */
-export function showTrust(element, selection, model, store) {
+export function showTrust(element, selection, chart, model, store, choose) {
   const { quality } = model.dataset;
   if (quality === null) return;
   element.append(
@@ -43,6 +46,11 @@ export function showTrust(element, selection, model, store) {
       el('dt', {}, dataText(name), el('span', { class: 'trust-value' }, dataText(value))),
       el('dd', {}, dataText(sentence))))),
   );
+  if (quality.reliability !== null) {
+    const misplaced = el('div', { class: 'misplaced' });
+    element.append(misplaced);
+    showMisplaced(misplaced, chart, model, store, choose);
+  }
   if (quality.kept === null) return;
   model.addColouring({ title: TITLE, numbers: quality.kept, diverging: false });
   element.append(

@@ -1,0 +1,174 @@
+#include "stats/map_stability.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "stats/fit.h"
+#include "stats/map_agreement.h"
+#include "stats/procrustes.h"
+#include "stats/resampling.h"
+#include "stats/side_by_side.h"
+#include "util/parallel.h"
+
+namespace ovik {
+
+namespace {
+
+double squared_distance(std::span<const double> a, std::span<const double> b) {
+    double squares = 0.0;
+    for (std::size_t d = 0; d < a.size(); ++d) {
+        squares += (a[d] - b[d]) * (a[d] - b[d]);
+    }
+    return squares;
+}
+
+/// For each row and each cluster the squared distance to the nearest other row of it.
+std::vector<double> distances_to_clusters(MatrixView<const double> map,
+                                          std::span<const std::uint32_t> clusters,
+                                          std::size_t count) {
+    std::vector<double> nearest(map.rows * count, std::numeric_limits<double>::infinity());
+    parallel_for_each(map.rows, 16, [&](std::size_t n) {
+        double* const own = nearest.data() + n * count;
+        for (std::size_t m = 0; m < map.rows; ++m) {
+            if (m != n) {
+                double& least = own[clusters[m]];
+                least = std::min(least, squared_distance(map.row(n), map.row(m)));
+            }
+        }
+    });
+    return nearest;
+}
+
+/// The separation of each pair of clusters, as a matrix of which the part above the diagonal is
+/// there.
+std::vector<double> separations(MatrixView<const double> map,
+                                std::span<const std::uint32_t> clusters,
+                                std::span<const std::size_t> sizes) {
+    const std::size_t count = sizes.size();
+    const std::vector<double> nearest = distances_to_clusters(map, clusters, count);
+    // Of each cluster the rows that lie nearer to it than to another one.
+    std::vector<double> nearer(count * count, 0.0);
+    for (std::size_t n = 0; n < map.rows; ++n) {
+        const double* const distances = nearest.data() + n * count;
+        const std::uint32_t own = clusters[n];
+        for (std::size_t other = 0; other < count; ++other) {
+            nearer[own * count + other] += distances[own] < distances[other] ? 1.0 : 0.0;
+        }
+    }
+    std::vector<double> result(count * count, 0.0);
+    for (std::size_t a = 0; a < count; ++a) {
+        for (std::size_t b = a + 1; b < count; ++b) {
+            result[a * count + b] = (nearer[a * count + b] / static_cast<double>(sizes[a]) +
+                                     nearer[b * count + a] / static_cast<double>(sizes[b])) /
+                                    2.0;
+        }
+    }
+    return result;
+}
+
+MatrixView<const double> view_of(const std::vector<double>& map, MatrixView<const double> shape) {
+    return {map.data(), shape.rows, shape.columns};
+}
+
+}  // namespace
+
+std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
+                                              const FitOptions& options,
+                                              Variation variation,
+                                              std::size_t number,
+                                              const std::function<bool()>& goes_on) {
+    FitOptions varied = options;
+    std::vector<double> values;
+    if (variation == Variation::Seeds) {
+        varied.start = StartKind::Random;
+        varied.seed += 1 + static_cast<int>(number);
+        values.assign(X.all().begin(), X.all().end());
+    } else {
+        values = bootstrapped_columns(X, options.seed, number);
+    }
+    bool is_ended = goes_on && !goes_on();
+    if (is_ended) {
+        return std::nullopt;
+    }
+    FitHooks hooks;
+    hooks.on_iteration = [&](const FitState& /*state*/) {
+        is_ended = goes_on && !goes_on();
+        return !is_ended;
+    };
+    Fit made = fit({values.data(), X.rows, X.columns}, varied, hooks);
+    if (is_ended) {
+        return std::nullopt;
+    }
+    return std::move(made.embedding);
+}
+
+std::vector<std::vector<double>> varied_maps(MatrixView<const double> X,
+                                             const FitOptions& options,
+                                             Variation variation,
+                                             std::size_t count,
+                                             std::size_t at_once,
+                                             const std::function<bool()>& goes_on) {
+    return results_side_by_side<std::vector<double>>(
+        count, at_once, goes_on, [&](std::size_t i, const std::function<bool()>& all_go_on) {
+            return varied_map(X, options, variation, i, all_go_on);
+        });
+}
+
+RowStability row_stability(MatrixView<const double> map,
+                           std::span<const std::vector<double>> others,
+                           std::size_t neighbours) {
+    RowStability stability{std::vector<double>(map.rows, 0.0), std::vector<double>(map.rows, 0.0)};
+    for (const std::vector<double>& other : others) {
+        std::vector<double> moved = other;
+        const ProcrustesMove move = procrustes_move(map, view_of(other, map));
+        move.apply({moved.data(), map.rows, map.columns});
+        const std::vector<double> shared = shared_neighbours(map, view_of(other, map), neighbours);
+        for (std::size_t n = 0; n < map.rows; ++n) {
+            stability.spread[n] += squared_distance(map.row(n), view_of(moved, map).row(n));
+            stability.shared[n] += shared[n];
+        }
+    }
+    const auto count = static_cast<double>(others.size());
+    const double radius = standardised(map).norm / std::sqrt(static_cast<double>(map.rows));
+    for (std::size_t n = 0; n < map.rows; ++n) {
+        stability.spread[n] = radius > 0.0 ? std::sqrt(stability.spread[n] / count) / radius : 0.0;
+        stability.shared[n] /= count;
+    }
+    return stability;
+}
+
+std::vector<ClusterPair> cluster_pairs(MatrixView<const double> map,
+                                       std::span<const std::vector<double>> others,
+                                       std::span<const std::uint32_t> clusters) {
+    std::vector<std::size_t> sizes;
+    for (const std::uint32_t cluster : clusters) {
+        sizes.resize(std::max<std::size_t>(sizes.size(), cluster + 1));
+        ++sizes[cluster];
+    }
+    const std::size_t count = sizes.size();
+    const std::vector<double> here = separations(map, clusters, sizes);
+    std::vector<double> apart(count * count, 0.0);
+    for (const std::vector<double>& other : others) {
+        const std::vector<double> there = separations(view_of(other, map), clusters, sizes);
+        for (std::size_t i = 0; i < apart.size(); ++i) {
+            apart[i] += there[i] >= kApart ? 1.0 : 0.0;
+        }
+    }
+    std::vector<ClusterPair> pairs;
+    for (std::uint32_t a = 0; a < count; ++a) {
+        for (std::uint32_t b = a + 1; b < count; ++b) {
+            if (sizes[a] > 1 && sizes[b] > 1) {
+                pairs.push_back({a,
+                                 b,
+                                 here[a * count + b],
+                                 apart[a * count + b] / static_cast<double>(others.size())});
+            }
+        }
+    }
+    return pairs;
+}
+
+}  // namespace ovik

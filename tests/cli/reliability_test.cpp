@@ -1,0 +1,79 @@
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/command_test.h"
+#include "tests/support/engine_run.h"
+
+/// How far each row can be trusted, by the real program.
+
+namespace ovik {
+namespace {
+
+using nlohmann::json;
+using test::CommandOutcome;
+using test::kSuccess;
+using testing::HasSubstr;
+
+class Reliability : public test::CommandTest {
+  protected:
+    CommandOutcome embed(std::vector<std::string> options) {
+        options.insert(options.begin(), {matrix_, "-o", results_, "-i", "20", "-n", "m"});
+        return run(options);
+    }
+
+    std::string matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 200);
+};
+
+TEST_F(Reliability, IsWrittenBesideTheTableWhichStaysAsItIs) {
+    ASSERT_EQ(embed({"--no-plots"}).exit_status, kSuccess);
+    const std::string table = result("m_tsne_20_0.csv");
+    const std::string file = directory_.file("report.json");
+    std::string first;
+    for (const char* const threads : {"1", "2", "5"}) {
+        const CommandOutcome outcome = embed({"--reliability", "--json", file, "-j", threads});
+        ASSERT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+        EXPECT_EQ(result("m_tsne_20_0.csv"), table);
+        const std::string reliability = result("m_tsne_20_0.reliability.tsv");
+        first = first.empty() ? reliability : first;
+        EXPECT_EQ(reliability, first) << threads;
+    }
+    EXPECT_THAT(first,
+                testing::StartsWith("name\tkept_10\tkept_30\ttrustworthiness_10\t"
+                                    "trustworthiness_30\tcost\tfalse_neighbours\t"
+                                    "torn_neighbours\n"));
+    EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 201);
+    const json run = json::parse(test::read_file(file))["runs"][0];
+    const json rows = run["reliability"];
+    const std::vector<double> costs = rows["cost"];
+    double sum = 0.0;
+    for (const double cost : costs) {
+        sum += cost;
+    }
+    EXPECT_NEAR(sum, run["final_cost"].get<double>(), 1e-10);
+    double kept = 0.0;
+    for (const double share : rows["kept_30"]) {
+        kept += std::round(30.0 * share);
+    }
+    EXPECT_DOUBLE_EQ(kept / (30.0 * 200.0), run["quality"][1]["preservation"].get<double>());
+    EXPECT_EQ(rows["false_neighbours"].size(), 200U);
+    EXPECT_EQ(rows["near"], 10);
+    EXPECT_EQ(rows["far"], 30);
+}
+
+TEST_F(Reliability, IsNotAskedOfAFewRows) {
+    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 29);
+    const CommandOutcome outcome = embed({"--reliability"});
+    EXPECT_EQ(outcome.exit_status, test::kBadInput);
+    EXPECT_THAT(outcome.err, HasSubstr("at least 30 rows, and the matrix has 29 rows\n"));
+    EXPECT_FALSE(std::filesystem::exists(results_));
+}
+
+}  // namespace
+}  // namespace ovik

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+
+#include "tools/options.h"
+
+namespace ovik::tool {
+
+/// Refuses questions about single rows that a matrix is too small for.
+///
+/// @throws InputError if there are fewer than 30 rows, and some of the command line's options are
+/// about how far each can be trusted
+void check_judged_rows(const Options& options, std::size_t rows);
+
+}  // namespace ovik::tool
