@@ -39,6 +39,17 @@ std::string paragraph(const char* style, const std::string& text) {
                         : "<p class=\"" + std::string(style) + "\">" + html_text(text) + "</p>\n";
 }
 
+std::string links_to(const Pairs& files) {
+    if (files.empty()) {
+        return "";
+    }
+    std::string links = "<p class=\"files\">";
+    for (const auto& [name, path] : files) {
+        links += link_to(path, html_text(name)) + " ";
+    }
+    return links + "</p>\n";
+}
+
 std::string item(const ComparedRun& run) {
     const std::string title = html_text(run.title);
     std::string result = "<li class=\"run card\">\n<h2>" + link_to(run.chart_page, title) +
@@ -48,14 +59,24 @@ std::string item(const ComparedRun& run) {
                   "\" class=\"picture\" alt=\"Map: " + title +
                   "\" width=\"1200\" height=\"1200\">\n";
     }
-    if (!run.files.empty()) {
-        result += "<p class=\"files\">";
-        for (const auto& [name, path] : run.files) {
-            result += link_to(path, html_text(name)) + " ";
-        }
-        result += "</p>\n";
+    return result + links_to(run.files) + "</li>\n";
+}
+
+/// The choice of a perplexity in words and as a picture, in whose place scripts put their own.
+std::string section_of_choice(const std::optional<ComparedChoice>& choice) {
+    if (!choice) {
+        return "";
     }
-    return result + "</li>\n";
+    const std::string picture =
+        choice->picture.empty()
+            ? ""
+            : "<img src=\"" + link_text(choice->picture) +
+                  "\" class=\"picture\" alt=\"Better than noise, stability and kept neighbours "
+                  "against the perplexity: the numbers stand in the table below\" width=\"1000\" "
+                  "height=\"600\">\n";
+    return "<section class=\"card\" id=\"choice\">\n<h2>Choice of perplexity</h2>\n" +
+           paragraph("recommendation", choice->sentence) + "<div class=\"choice-chart\"></div>\n" +
+           picture + links_to(choice->files) + "</section>\n";
 }
 
 std::string number_cell(const ComparedNumber& number, std::size_t run) {
@@ -160,6 +181,24 @@ std::string json_run(const ComparedRun& run) {
                         {"places", json_places(run, window)}});
 }
 
+/// Null where there is nothing to choose.
+std::string json_choice(const std::optional<ComparedChoice>& choice) {
+    if (!choice) {
+        return "null";
+    }
+    const ChoiceCurves& curves = choice->curves;
+    std::vector<std::string> list;
+    for (const ChoiceCurve& curve : curves.curves) {
+        list.push_back(json_object(
+            {{"name", json_text(curve.name)}, {"shares", json_list_of(curve.shares)}}));
+    }
+    return json_object(
+        {{"perplexities", json_list_of(curves.perplexities)},
+         {"curves", json_list(list)},
+         {"ofNoise", json_text(curves.of_noise)},
+         {"recommended", curves.recommended ? json_text(*curves.recommended) : "null"}});
+}
+
 std::string json_comparison(const Comparison& comparison) {
     const ComparedGenes& genes = comparison.genes;
     std::vector<std::string> runs;
@@ -177,6 +216,7 @@ std::string json_comparison(const Comparison& comparison) {
                         {"pointCount", json_text(genes.names.size())},
                         {"reference", json_text(comparison.reference)},
                         {"runs", json_list(runs)},
+                        {"choice", json_choice(comparison.choice)},
                         {"names", json_list_of(genes.names)},
                         {"functions", json_list_of(genes.functions)},
                         {"genes", json_list_of(genes.listed_names)},
@@ -189,6 +229,7 @@ std::string comparison_page(const Comparison& comparison) {
     return filled_template(comparison_template(),
                            {{"{{page-title}}", html_text(comparison.title)},
                             {"{{comparison-head}}", head_of(comparison)},
+                            {"{{comparison-choice}}", section_of_choice(comparison.choice)},
                             {"{{comparison-runs}}", list_of_runs(comparison)},
                             {"{{comparison-numbers}}", table_of_numbers(comparison)},
                             {"{{comparison-data}}", json_for_script(json_comparison(comparison))}});

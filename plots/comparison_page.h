@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "plots/choice_figure.h"
 #include "results/label_column.h"
 
 namespace ovik {
@@ -47,6 +49,18 @@ struct ComparedGenes {
     std::vector<LabelColumn> label_columns;
 };
 
+/// Which of the runs' perplexities to take.
+struct ComparedChoice {
+    /// What is recommended, and why.
+    std::string sentence;
+    /// One perplexity per run.
+    ChoiceCurves curves;
+    /// Path of the picture of the curves from the page's directory; empty for none.
+    std::string picture;
+    /// Names and paths of files that tell more.
+    std::vector<std::pair<std::string, std::string>> files;
+};
+
 /// Runs side by side.
 struct Comparison {
     std::string title;
@@ -61,6 +75,8 @@ struct Comparison {
     /// The run that the others were laid onto.
     std::size_t reference = 0;
     ComparedGenes genes;
+    /// None unless a perplexity is to be chosen.
+    std::optional<ComparedChoice> choice = std::nullopt;
 };
 
 /// The comparison as a page. With scripts its maps show the same genes together; without them, and

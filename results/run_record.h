@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,6 +67,27 @@ struct RecordedAgreement {
     double shared_neighbours = 0.0;
 };
 
+/// How the map of a run compares with maps of other seeds, of drawn columns and of shuffled values,
+/// all made by its options. Numbers that were not measured are NaN.
+struct RecordedTrials {
+    /// How many fits there were of each kind; the map itself is the first of the seeds.
+    std::size_t seeds = 0;
+    std::size_t columns = 0;
+    std::size_t noise = 0;
+    /// How many nearest rows on a map are compared with those on another.
+    std::size_t neighbours = 0;
+    /// The share of them that rows have on a map of another seed, of drawn columns.
+    double shared_by_seeds = std::numeric_limits<double>::quiet_NaN();
+    double shared_by_columns = std::numeric_limits<double>::quiet_NaN();
+    /// The median of how far the places of a row spread (`RowStability`).
+    double spread_by_seeds = std::numeric_limits<double>::quiet_NaN();
+    double spread_by_columns = std::numeric_limits<double>::quiet_NaN();
+    /// The share of the rows that are placed better than noise, and the largest that is to be
+    /// expected of noise itself.
+    double better_than_noise = std::numeric_limits<double>::quiet_NaN();
+    double of_noise = std::numeric_limits<double>::quiet_NaN();
+};
+
 /// What came of one run of the engine.
 struct RunRecord {
     /// NaN where the run has none.
@@ -97,6 +119,8 @@ struct RunRecord {
     std::optional<RecordedClusters> clusters;
     /// How far each row can be trusted; null unless it was asked for.
     std::shared_ptr<const RowReliability> reliability;
+    /// None unless a perplexity was to be chosen.
+    std::optional<RecordedTrials> trials;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;
@@ -109,6 +133,15 @@ struct RunRecord {
         }
         return true;
     }
+};
+
+/// What came of choosing a perplexity among those of the runs.
+struct RecordedChoice {
+    /// None if none is recommended.
+    std::optional<double> recommended;
+    /// What is recommended, and why.
+    std::string sentence;
+    std::vector<ResultFile> files;
 };
 
 /// What came of placing rows on the map of a model. Lists have an element for each row.

@@ -126,6 +126,20 @@ std::string json_reliability(const RowReliability& reliability) {
     return json_object(members);
 }
 
+/// What was not measured is null.
+std::string json_trials(const RecordedTrials& trials) {
+    return json_object({{"seeds", json_text(trials.seeds)},
+                        {"columns", json_text(trials.columns)},
+                        {"noise", json_text(trials.noise)},
+                        {"neighbours", json_text(trials.neighbours)},
+                        {"shared_by_seeds", json_text(trials.shared_by_seeds)},
+                        {"shared_by_columns", json_text(trials.shared_by_columns)},
+                        {"spread_by_seeds", json_text(trials.spread_by_seeds)},
+                        {"spread_by_columns", json_text(trials.spread_by_columns)},
+                        {"better_than_noise", json_text(trials.better_than_noise)},
+                        {"of_noise", json_text(trials.of_noise)}});
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
@@ -133,7 +147,7 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
         {"settled", json_text(run.settled)},
         {"final_cost", json_text(run.final_cost)},
         {"variance_kept", run.variance_kept ? json_text(*run.variance_kept) : "null"},
-        {"seconds", json_seconds(run.seconds)},
+        {"seconds", run.trials ? "null" : json_seconds(run.seconds)},
         {"quality", json_quality(run.quality)},
         {"files", json_files(run.files, directory)},
         {"costs", json_list_of(run.costs)}};
@@ -152,9 +166,19 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     if (run.reliability) {
         members.emplace_back("reliability", json_reliability(*run.reliability));
     }
+    if (run.trials) {
+        members.emplace_back("trials", json_trials(*run.trials));
+    }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());
     return json_object(members);
+}
+
+std::string json_choice(const RecordedChoice& choice, const std::filesystem::path& directory) {
+    return json_object(
+        {{"recommended", choice.recommended ? json_text(*choice.recommended) : "null"},
+         {"sentence", json_text(choice.sentence)},
+         {"files", json_files(choice.files, directory)}});
 }
 
 std::string json_placement(const PlacementRecord& placement,
@@ -194,6 +218,9 @@ std::string report_json(const RunReport& report, const std::string& path) {
          json_object({{"estimated", json_text(report.estimated_memory)},
                       {"peak", json_text(report.peak_memory)}})},
         {"runs", json_list(runs)}};
+    if (report.choice) {
+        members.emplace_back("choice", json_choice(*report.choice, directory));
+    }
     if (report.placement) {
         members.emplace_back("placement", json_placement(*report.placement, directory));
     }

@@ -40,6 +40,8 @@ struct RunReport {
     double estimated_memory = 0.0;
     double peak_memory = 0.0;
     std::vector<RunRecord> runs;
+    /// None unless a perplexity was to be chosen.
+    std::optional<RecordedChoice> choice;
     /// In the place of runs: rows that were placed on the map of a model.
     std::optional<PlacementRecord> placement;
     int exit_status = 0;

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -20,7 +21,9 @@
 #include "util/input_file.h"
 #include "util/whole_file.h"
 
+#include "tools/choice_results.h"
 #include "tools/comparison_numbers.h"
+#include "tools/result_files.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
 #include "tools/table_map.h"
@@ -120,6 +123,47 @@ ComparedRun compared_run(const ComparisonEntry& entry,
     return compared;
 }
 
+/// The choice with the paths of its files as they are found from the page.
+ComparedChoice compared_choice(const ChosenPerplexity& choice,
+                               const std::vector<ComparisonEntry>& entries,
+                               const std::filesystem::path& page_directory) {
+    ComparedChoice compared{
+        choice.choice.sentence, choice_curves(entries, choice.choice), "", {}};
+    for (const ResultFile& file : choice.files) {
+        if (!file.failure.empty()) {
+            continue;
+        }
+        const std::filesystem::path path(file.path);
+        const std::string found = std::filesystem::proximate(path, page_directory).string();
+        if (path.extension() == ".svg") {
+            compared.picture = found;
+        }
+        compared.files.emplace_back(file.what + " (" + path.extension().string().substr(1) + ")",
+                                    found);
+    }
+    return compared;
+}
+
+/// @throws nlohmann::json::exception if something is lacking, or of another kind
+RecordedTrials trials_of(const Json& json) {
+    RecordedTrials trials;
+    json.at("seeds").get_to(trials.seeds);
+    json.at("columns").get_to(trials.columns);
+    json.at("noise").get_to(trials.noise);
+    json.at("neighbours").get_to(trials.neighbours);
+    const auto read = [&json](const char* name, double& number) {
+        const Json& value = json.at(name);
+        number = value.is_null() ? std::nan("") : value.get<double>();
+    };
+    read("shared_by_seeds", trials.shared_by_seeds);
+    read("shared_by_columns", trials.shared_by_columns);
+    read("spread_by_seeds", trials.spread_by_seeds);
+    read("spread_by_columns", trials.spread_by_columns);
+    read("better_than_noise", trials.better_than_noise);
+    read("of_noise", trials.of_noise);
+    return trials;
+}
+
 /// @throws nlohmann::json::exception if the report lacks something, or it is of another kind
 RunRecord record_of(const Json& run) {
     RunRecord record;
@@ -127,7 +171,7 @@ RunRecord record_of(const Json& run) {
     record.perplexity = perplexity.is_null() ? std::nan("") : perplexity.get<double>();
     record.iteration = run.at("last_iteration").get<int>();
     record.final_cost = run.at("final_cost").get<double>();
-    if (const auto seconds = run.find("seconds"); seconds != run.end()) {
+    if (const auto seconds = run.find("seconds"); seconds != run.end() && !seconds->is_null()) {
         record.seconds = {seconds->at("similarities").get<double>(),
                           seconds->at("fitting").get<double>(),
                           seconds->at("results").get<double>(),
@@ -144,6 +188,9 @@ RunRecord record_of(const Json& run) {
         record.quality.push_back({quality.at("neighbours").get<std::size_t>(),
                                   quality.at("trustworthiness").get<double>(),
                                   quality.at("preservation").get<double>()});
+    }
+    if (const auto trials = run.find("trials"); trials != run.end()) {
+        record.trials = trials_of(*trials);
     }
     for (const Json& file : run.at("files")) {
         const Json& failure = file.at("failure");
@@ -241,7 +288,20 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
 
 }  // namespace
 
-bool write_comparison(const std::string& path, const std::vector<ComparisonEntry>& entries) {
+std::optional<ChosenPerplexity> tell_choice(const Options& options,
+                                            const std::vector<ComparisonEntry>& entries) {
+    std::optional<PerplexityChoice> choice = choice_among(entries);
+    if (!choice) {
+        return std::nullopt;
+    }
+    std::vector<ResultFile> files = write_choice(options, entries, *choice);
+    print_info(choice->sentence);
+    return ChosenPerplexity{std::move(*choice), std::move(files)};
+}
+
+bool write_comparison(const std::string& path,
+                      const std::vector<ComparisonEntry>& entries,
+                      const std::optional<ChosenPerplexity>& choice) {
     const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
     const bool one_title = share(entries, [](const ComparisonEntry& entry) { return entry.title; });
     const bool one_input = share(entries, &input_facts);
@@ -272,6 +332,9 @@ bool write_comparison(const std::string& path, const std::vector<ComparisonEntry
             "\" (Procrustes), which keeps its shape. Genes are matched by their names.";
     }
     comparison.genes = std::move(maps.genes);
+    if (choice) {
+        comparison.choice = compared_choice(*choice, entries, directory);
+    }
     if (const auto failure = write_whole_text(path, comparison_page(comparison))) {
         complain("Comparison could not be written: " + path + " (" + failure.message() + ")");
         return false;
@@ -293,7 +356,9 @@ ExitStatus collect_reports(const Options& options) {
                    (!std::isnan(a.run.perplexity) && std::isnan(b.run.perplexity));
         });
     prepare_directory(options.out_dir);
-    return write_comparison(comparison_path(options), entries) ? Success : FailedRun;
+    const std::optional<ChosenPerplexity> choice = tell_choice(options, entries);
+    const bool is_written = write_comparison(comparison_path(options), entries, choice);
+    return is_written && (!choice || are_there(choice->files)) ? Success : FailedRun;
 }
 
 }  // namespace ovik::tool

@@ -1,39 +1,36 @@
 #pragma once
 
-#include <cstddef>
-#include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "results/run_record.h"
-#include "stats/fit_options.h"
+#include "stats/perplexity_choice.h"
 
-#include "tools/aligned_maps.h"
+#include "tools/comparison_entry.h"
 #include "tools/exit_status.h"
 #include "tools/options.h"
 
 namespace ovik::tool {
 
-/// A run of which a page tells beside others.
-struct ComparisonEntry {
-    /// What the data are.
-    std::string title;
-    std::size_t rows = 0;
-    std::size_t columns = 0;
-    /// The options of the fit, as far as a report has them.
-    FitOptions options;
-    RunRecord run;
-    /// What the runs of equal values and names have in common; any text.
-    std::string data;
-    RunMap map;
-    /// What relative paths of the run's files start from.
-    std::filesystem::path directory;
+/// The choice among runs, and the files that tell of it.
+struct ChosenPerplexity {
+    PerplexityChoice choice;
+    std::vector<ResultFile> files;
 };
+
+/// Writes table and figure of the choice among runs, if there is one to make of them, and says what
+/// it comes to.
+std::optional<ChosenPerplexity> tell_choice(const Options& options,
+                                            const std::vector<ComparisonEntry>& entries);
 
 /// Writes the page that compares runs, and says so.
 ///
+/// @param choice  what the page tells besides; its files stand where they are
 /// @return false if it could not be written; standard error then says why
-bool write_comparison(const std::string& path, const std::vector<ComparisonEntry>& entries);
+bool write_comparison(const std::string& path,
+                      const std::vector<ComparisonEntry>& entries,
+                      const std::optional<ChosenPerplexity>& choice = std::nullopt);
 
 /// Makes such a page of the reports of earlier runs, with the maps of their result tables.
 ///

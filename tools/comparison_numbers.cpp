@@ -245,6 +245,30 @@ void add_qualities(std::vector<ComparedNumber>& numbers, const Entries& entries)
     }
 }
 
+/// Numbers of how maps compare with those of other seeds, drawn columns and noise.
+void add_trials(std::vector<ComparedNumber>& numbers, const Entries& entries) {
+    const Best best = share_data(entries) ? Best::Most : Best::None;
+    const std::string end = best == Best::Most ? "." : kDifferentData;
+    const auto add = [&](const std::string& name,
+                         const std::string& sentence,
+                         double RecordedTrials::*share) {
+        const auto values = values_of(entries, [share](const ComparisonEntry& entry) {
+            return entry.run.trials ? (*entry.run.trials).*share : kNone;
+        });
+        numbers.push_back(number(name, sentence + end, values, best, &percent_text));
+    };
+    add("Better than noise",
+        "The share of the genes that keep more of their nearest neighbours than 19 in 20 genes of "
+        "shuffled values do; of noise 5 %",
+        &RecordedTrials::better_than_noise);
+    add("Shared by seeds",
+        "The share of the nearest genes of each gene in the map that are so in maps of other seeds",
+        &RecordedTrials::shared_by_seeds);
+    add("Shared by columns",
+        "The same in maps of as many columns, drawn from those of the data with replacement",
+        &RecordedTrials::shared_by_columns);
+}
+
 /// Numbers of how far maps agree with the reference.
 void add_agreement(std::vector<ComparedNumber>& numbers, const AlignedMaps& maps) {
     std::vector<double> disparities;
@@ -287,6 +311,7 @@ std::vector<ComparedNumber> numbers_of(const std::vector<ComparisonEntry>& entri
         add_settings(numbers, entries);
         add_outcome(numbers, entries);
         add_qualities(numbers, entries);
+        add_trials(numbers, entries);
         add_agreement(numbers, maps);
     }
     std::erase_if(numbers, [](const ComparedNumber& number) {

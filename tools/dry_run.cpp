@@ -24,6 +24,21 @@ void print_file(const std::string& path, const std::string& remark) {
     print_info("  " + path + (exists ? remark : ""));
 }
 
+/// How many fits a choice of perplexity takes, and what they take on the disk.
+void print_fits(const Options& options, std::size_t perplexities, std::size_t rows) {
+    const auto fits = perplexities * static_cast<std::size_t>(options.seeds + options.stability +
+                                                              options.against_noise);
+    // Coordinates, and a number for each row of some.
+    const double bytes = 8.0 * static_cast<double>(rows) *
+                         static_cast<double>(options.fit.out_dims + 1) * static_cast<double>(fits);
+    print_info("Fits: " + std::to_string(fits) + ", each perplexity from " +
+               counted(static_cast<std::size_t>(options.seeds), "seed", "seeds") + ", of " +
+               std::to_string(options.stability) + " draws of columns and of " +
+               counted(static_cast<std::size_t>(options.against_noise), "matrix", "matrices") +
+               " of noise; kept in " + kept_runs_path(options) + " (about " + memory_text(bytes) +
+               ")");
+}
+
 }  // namespace
 
 void print_plan(const Options& options,
@@ -46,7 +61,9 @@ void print_plan(const Options& options,
                     : " (theta = " + num2string(options.fit.theta, 2) + ")") +
                ", " + neighbourhoods + ", " + std::to_string(options.fit.out_dims) +
                " dimensions, " + std::to_string(options.fit.max_iter + 1) + " iterations");
-    if (options.seeds > 1) {
+    if (options.chooses_perplexity) {
+        print_fits(options, perplexities.size(), size.rows);
+    } else if (options.seeds > 1) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));
     }
@@ -58,7 +75,9 @@ void print_plan(const Options& options,
         print_info(line);
     }
     print_info("Files:");
-    print_file(options.out_dir + options.name + ".log", " (appended to)");
+    if (!options.chooses_perplexity) {
+        print_file(options.out_dir + options.name + ".log", " (appended to)");
+    }
     for (const std::string& path : result_files(options, perplexities)) {
         print_file(path, " (replaced)");
     }

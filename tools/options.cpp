@@ -372,6 +372,20 @@ class FitOptionAdder {
     Options& options_;
 };
 
+/// Those that perplexities may have.
+OptionRange<double> range_of_perplexities() {
+    OptionRange<double> range{};
+    FitOptions fit;
+    visit_fit_options(fit, [&](const auto& option) {
+        if constexpr (requires { range = option.range; }) {
+            if (option.words.name == "perplexity") {
+                range = option.range;
+            }
+        }
+    });
+    return range;
+}
+
 /// Rows by which the help says what presets stand for.
 constexpr std::size_t kUsualRows = 6000;
 
@@ -429,6 +443,33 @@ void add_method_options(CLI::App& app, Options& options) {
     app.add_flag("--dry-run",
                  options.dry_run,
                  "Check the input, tell what a run would take and write, and stop");
+}
+
+void add_choice_options(CLI::App& app, Options& options) {
+    CLI::Option* const choose =
+        app.add_option_function<std::string>(
+               "--choose-perplexity",
+               [&options](const std::string& text) {
+                   options.perplexities =
+                       parse_numbers("--choose-perplexity", text, range_of_perplexities());
+                   std::sort(options.perplexities.begin(), options.perplexities.end());
+                   options.chooses_perplexity = true;
+               },
+               "Judge the maps of these perplexities, separated by commas, by --seeds, "
+               "--stability and --against-noise, and recommend one")
+            ->option_text("NUMBER,...");
+    app.add_option("--stability",
+                   options.stability,
+                   "Beside --choose-perplexity: fits of drawn columns of each perplexity (5)")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, 1000))
+        ->needs(choose);
+    app.add_option("--against-noise",
+                   options.against_noise,
+                   "Beside --choose-perplexity: fits of shuffled values of each perplexity (5)")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, 1000))
+        ->needs(choose);
 }
 
 void add_checkpoint_options(CLI::App& app, Options& options) {
@@ -763,6 +804,13 @@ void check_combination(const Options& options) {
     }
 }
 
+/// What says nothing where many fits are made to choose a perplexity.
+constexpr std::array<std::string_view, 19> kNotBesideChoice = {
+    "perplexity", "checkpoint",  "checkpoint-every", "resume",      "model",
+    "onto",       "into",        "coordinates",      "annotated",   "clusters",
+    "plot-cost",  "page-data",   "sets",             "figure-size", "highlight",
+    "quality",    "reliability", "neighbours-from",  "clusters-resolution"};
+
 /// Whether the command line has an option. `CLI::App::count` copies names where nothing may be
 /// thrown, and so ends the program where memory runs out.
 bool is_given(const CLI::App& app, const std::string& name) {
@@ -791,7 +839,7 @@ void check_comparison(const CLI::App& app, const Options& options) {
 
 /// @throws InputError if all seeds would start at the same places
 void check_seed_starts(const Options& options) {
-    if (options.seeds == 1 || options.fit.start == StartKind::Random ||
+    if (options.seeds == 1 || options.chooses_perplexity || options.fit.start == StartKind::Random ||
         options.fit.start == StartKind::Sample) {
         return;
     }
@@ -819,6 +867,32 @@ void check_seeds(const Options& options) {
                                    "should be at most " + std::to_string(largest) + ", so that " +
                                        std::to_string(options.seeds - 1) + " more follow it");
     }
+}
+
+/// Refuses what does not go with the choice of a perplexity, and fills in how many fits it takes.
+///
+/// @throws CLI::ValidationError
+void settle_choice(const CLI::App& app, Options& options) {
+    constexpr int kFits = 5;
+    if (!options.chooses_perplexity) {
+        return;
+    }
+    for (const std::string_view name : kNotBesideChoice) {
+        if (is_given(app, std::string(name))) {
+            throw CLI::ValidationError("--" + std::string(name),
+                                       "does not go with --choose-perplexity, which makes many "
+                                       "fits to compare\nGive it to the run of the perplexity that "
+                                       "you choose.");
+        }
+    }
+    if (options.fit.metric == MetricKind::Precomputed) {
+        throw CLI::ValidationError("--choose-perplexity",
+                                   "shuffles the values of columns, and --metric precomputed has "
+                                   "distances in their place\nGive it the values.");
+    }
+    options.seeds = is_given(app, "seeds") ? options.seeds : kFits;
+    options.stability = is_given(app, "stability") ? options.stability : kFits;
+    options.against_noise = is_given(app, "against-noise") ? options.against_noise : kFits;
 }
 
 /// The file name of a matrix without its extension, and without that of gzip.
@@ -921,12 +995,14 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
     add_output_options(app, command.options);
     add_figure_options(app, command.options);
     add_method_options(app, command.options);
+    add_choice_options(app, command.options);
     add_checkpoint_options(app, command.options);
     add_model_options(app, command.options);
     try {
         app.parse(argc, argv);
         check_placement(app, command.options);
         check_enrichment(app, command.options);
+        settle_choice(app, command.options);
         check_combination(command.options);
         check_comparison(app, command.options);
         check_fit(app, command.options);

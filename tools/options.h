@@ -52,6 +52,8 @@ struct Options {
     std::string title;
     /// One run for each. Not given: 20, or what a small matrix allows.
     std::vector<double> perplexities;
+    /// Whether one of these is to be recommended: then there are many fits of each.
+    bool chooses_perplexity = false;
     /// What the map is made by, as the command line says; the perplexity is that of one of the
     /// runs, and set for each.
     FitOptions fit;
@@ -115,6 +117,9 @@ struct Options {
     Precision precision = Precision::Double;
     /// From how many seeds each map is fitted, of which the best is kept.
     int seeds = 1;
+    /// Fits of drawn columns, and of shuffled values, of each perplexity that may be chosen.
+    int stability = 0;
+    int against_noise = 0;
     /// Most of these fits that run side by side; 0 for as many as there are threads. Not of the
     /// command line: settled by the memory that there is.
     std::size_t seeds_at_once = 0;

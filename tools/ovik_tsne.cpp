@@ -24,6 +24,7 @@
 #include "util/threads.h"
 #include "util/whole_file.h"
 
+#include "tools/choice_run.h"
 #include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
@@ -79,7 +80,7 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = options.seeds;
+    size.seeds = options.seeds + options.stability + options.against_noise;
     return size;
 }
 
@@ -163,6 +164,7 @@ ExitStatus embed(Options options, RunReport report) {
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     check_judged_rows(options, matrix.rows);
+    check_chosen_perplexities(options, matrix.rows);
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);
@@ -191,13 +193,21 @@ ExitStatus embed(Options options, RunReport report) {
     start_logging(options.quiet);
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
-    const ExitStatus status = run_perplexities(std::move(loaded),
-                                               labels,
-                                               perplexities,
-                                               neighbours,
-                                               options,
-                                               std::move(report),
-                                               since_start);
+    const ExitStatus status =
+        options.chooses_perplexity
+            ? run_choice(std::move(loaded),
+                         labels,
+                         perplexities,
+                         options,
+                         std::move(report),
+                         since_start)
+            : run_perplexities(std::move(loaded),
+                               labels,
+                               perplexities,
+                               neighbours,
+                               options,
+                               std::move(report),
+                               since_start);
     if (const std::string note = denied_threads_note(); !note.empty()) {
         complain("note: " + note);
     }

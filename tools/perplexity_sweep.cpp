@@ -77,36 +77,6 @@ RunInput input_of_run(LoadedMatrix& loaded,
     return input;
 }
 
-/// What the rows of the runs are.
-std::shared_ptr<const ComparedGenes> compared_genes(const LoadedMatrix& loaded,
-                                                    const RowGenes& genes,
-                                                    const std::vector<LabelColumn>& labels) {
-    const std::vector<std::string>& names = loaded.matrix.row_names;
-    ComparedGenes compared{names, functions_of(genes), other_names_of(genes, names), labels};
-    if (labels.empty() && !loaded.labels.empty()) {
-        compared.label_columns.push_back({"label", loaded.labels, {}});
-    }
-    return std::make_shared<const ComparedGenes>(std::move(compared));
-}
-
-/// Writes the page that compares the runs.
-bool compare(const Options& options,
-             const RunReport& report,
-             const std::shared_ptr<const ComparedGenes>& rows) {
-    std::vector<ComparisonEntry> entries;
-    for (const RunRecord& run : report.runs) {
-        entries.push_back({options.title,
-                           report.rows,
-                           report.columns,
-                           options.fit,
-                           run,
-                           "",
-                           {rows, static_cast<std::size_t>(options.fit.out_dims), run.places},
-                           std::filesystem::current_path()});
-    }
-    return write_comparison(comparison_path(options), entries);
-}
-
 /// Says what there is to say of the rows.
 void tell_of_rows(const RunReport& report, const Options& options, const RowGenes& genes) {
     if (options.names != RowNames::Other) {
@@ -144,6 +114,34 @@ void describe_input(RunReport& report, const LoadedMatrix& loaded) {
     report.duplicate_rows = count_duplicate_rows(matrix.values.get(), report.rows, report.columns);
     report.values = digest_of({matrix.values.get(), report.rows * report.columns});
     report.names = digest_of(matrix.row_names);
+}
+
+std::shared_ptr<const ComparedGenes> compared_genes(const LoadedMatrix& loaded,
+                                                    const RowGenes& genes,
+                                                    const std::vector<LabelColumn>& labels) {
+    const std::vector<std::string>& names = loaded.matrix.row_names;
+    ComparedGenes compared{names, functions_of(genes), other_names_of(genes, names), labels};
+    if (labels.empty() && !loaded.labels.empty()) {
+        compared.label_columns.push_back({"label", loaded.labels, {}});
+    }
+    return std::make_shared<const ComparedGenes>(std::move(compared));
+}
+
+std::vector<ComparisonEntry> entries_of_runs(const Options& options,
+                                             const RunReport& report,
+                                             const std::shared_ptr<const ComparedGenes>& rows) {
+    std::vector<ComparisonEntry> entries;
+    for (const RunRecord& run : report.runs) {
+        entries.push_back({options.title,
+                           report.rows,
+                           report.columns,
+                           options.fit,
+                           run,
+                           "",
+                           {rows, static_cast<std::size_t>(options.fit.out_dims), run.places},
+                           std::filesystem::current_path()});
+    }
+    return entries;
 }
 
 RowGenes settle_names(std::vector<std::string>& row_names, RowNames names) {
@@ -213,8 +211,10 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
                                    report.runs.end(),
                                    [](const RunRecord& run) { return run.isComplete(); });
     if (perplexities.size() > 1) {
+        const auto rows = compared_genes(loaded, *genes, labels);
         is_complete =
-            compare(options, report, compared_genes(loaded, *genes, labels)) && is_complete;
+            write_comparison(comparison_path(options), entries_of_runs(options, report, rows)) &&
+            is_complete;
     }
     tell_of_rows(report, options, *genes);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;

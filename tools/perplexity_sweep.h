@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "input/load.h"
+#include "plots/comparison_page.h"
 #include "results/label_column.h"
 #include "results/run_report.h"
 #include "stats/cached_neighbours.h"
 #include "util/stopwatch.h"
 
+#include "tools/comparison_entry.h"
 #include "tools/exit_status.h"
 #include "tools/options.h"
 #include "tools/row_genes.h"
@@ -21,6 +23,19 @@ RowGenes settle_names(std::vector<std::string>& row_names, RowNames names);
 
 /// Fills in what is known of the input.
 void describe_input(RunReport& report, const LoadedMatrix& loaded);
+
+/// What the rows of the runs are.
+///
+/// @param labels  as `run_perplexities` takes them
+std::shared_ptr<const ComparedGenes> compared_genes(const LoadedMatrix& loaded,
+                                                    const RowGenes& genes,
+                                                    const std::vector<LabelColumn>& labels);
+
+/// The runs of a report whose records keep the places of their maps, for the page that compares
+/// them.
+std::vector<ComparisonEntry> entries_of_runs(const Options& options,
+                                             const RunReport& report,
+                                             const std::shared_ptr<const ComparedGenes>& rows);
 
 /// The perplexities of the runs: as given, or 20, or a third of the other rows where those are few.
 /// Warns of given ones that are above that. One, of no meaning, where the run has no perplexity.

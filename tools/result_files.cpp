@@ -1,5 +1,6 @@
 #include "tools/result_files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <new>
@@ -23,6 +24,11 @@ std::string failure_of(const std::function<void()>& work) {
         return error.what();
     }
     return "";
+}
+
+bool are_there(const std::vector<ResultFile>& files) {
+    return std::all_of(
+        files.begin(), files.end(), [](const ResultFile& file) { return file.failure.empty(); });
 }
 
 void add_result(std::vector<ResultFile>& files,

@@ -20,6 +20,9 @@ std::string message_of(std::error_code failure);
 /// @return what it threw, in words; empty for nothing
 std::string failure_of(const std::function<void()>& work);
 
+/// Whether all files were written.
+bool are_there(const std::vector<ResultFile>& files);
+
 /// Lists a file, and says where it is or why it is missing.
 ///
 /// @param failure  empty if it is there

@@ -35,6 +35,28 @@ std::vector<std::pair<std::string, std::string>> read_files(const Options& optio
             {"--resume", options.resume}};
 }
 
+/// The files that a choice of perplexity writes.
+std::vector<std::string> files_of_choice(const Options& options,
+                                         const std::vector<double>& perplexities) {
+    std::vector<std::string> files;
+    for (const double perplexity : perplexities) {
+        files.push_back(result_base(options, perplexity) + ".csv");
+    }
+    if (perplexities.size() > 1) {
+        files.push_back(choice_base(options) + ".tsv");
+        files.push_back(comparison_path(options));
+    }
+    for (const char* const extension : {".gp", ".png", ".svg"}) {
+        if (options.plots && perplexities.size() > 1) {
+            files.push_back(choice_base(options) + extension);
+        }
+    }
+    if (!options.report_file.empty()) {
+        files.push_back(options.report_file);
+    }
+    return files;
+}
+
 /// The files that placing rows on a map writes.
 std::vector<std::string> onto_files(const Options& options) {
     const std::string base = onto_base(options);
@@ -94,10 +116,21 @@ std::string comparison_path(const Options& options) {
     return options.out_dir + options.name + "_tsne_comparison" + options.suffix + ".html";
 }
 
+std::string choice_base(const Options& options) {
+    return options.out_dir + options.name + "_tsne_choice" + options.suffix;
+}
+
+std::string kept_runs_path(const Options& options) {
+    return choice_base(options) + ".runs";
+}
+
 std::vector<std::string> result_files(const Options& options,
                                       const std::vector<double>& perplexities) {
     if (!options.onto.empty()) {
         return onto_files(options);
+    }
+    if (options.chooses_perplexity) {
+        return files_of_choice(options, perplexities);
     }
     std::vector<std::string> files;
     for (const double perplexity : perplexities) {

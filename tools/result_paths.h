@@ -30,6 +30,12 @@ std::string onto_base(const Options& options);
 /// The page on which runs are compared.
 std::string comparison_path(const Options& options);
 
+/// The path of table and figure of the choice of a perplexity without their extensions.
+std::string choice_base(const Options& options);
+
+/// The directory of the fits by which a perplexity is chosen.
+std::string kept_runs_path(const Options& options);
+
 /// All files that a run of each perplexity writes but for the run log, or that placing rows on a
 /// map writes.
 std::vector<std::string> result_files(const Options& options,

@@ -40,6 +40,8 @@ StageWords words_of(Stage stage) {
             return {"Map of the sample", " iterations"};
         case Stage::Iterations:
             return {"Iterations", ""};
+        case Stage::Fits:
+            return {"Fits", ""};
         case Stage::Clusters:
             return {"Clusters", ""};
         case Stage::Quality:

@@ -2,19 +2,47 @@
 
 #include <string>
 
+#include "stats/option_effect.h"
 #include "stats/row_reliability.h"
 #include "util/counted.h"
+#include "util/format.h"
 #include "util/input_error.h"
 
 namespace ovik::tool {
 
 void check_judged_rows(const Options& options, std::size_t rows) {
-    if (!options.reliability || rows >= kFewestJudgedRows) {
+    if (!(options.reliability || options.chooses_perplexity) || rows >= kFewestJudgedRows) {
         return;
     }
-    throw InputError("--reliability takes at least " + std::to_string(kFewestJudgedRows) +
+    throw InputError(std::string(options.reliability ? "--reliability" : "--choose-perplexity") +
+                     " takes at least " + std::to_string(kFewestJudgedRows) +
                      " rows, and the matrix has " + counted(rows, "row", "rows") +
                      "\nLeave it out: among so few rows nearly all are neighbours.");
+}
+
+void check_chosen_perplexities(const Options& options, std::size_t rows) {
+    if (!options.chooses_perplexity) {
+        return;
+    }
+    if (const auto bar = bar_of(options.fit, "perplexity")) {
+        throw InputError("--choose-perplexity has no effect beside --" + std::string(bar->other) +
+                         ", by which the neighbours of the rows are weighted\nLeave one of them "
+                         "out.");
+    }
+    if (options.fit.start == StartKind::Given) {
+        throw InputError("--choose-perplexity makes maps of other columns and of noise, for which "
+                         "the places of a file say nothing\nLeave --start out, or give --start "
+                         "pca.");
+    }
+    const double most = static_cast<double>(rows - 1) / 3.0;
+    for (const double perplexity : options.perplexities) {
+        if (perplexity > most) {
+            throw InputError("--choose-perplexity: " + shortest_text(perplexity) +
+                             " is too large for " + counted(rows, "row", "rows") +
+                             "\nGive at most " + num2string(most, 1) +
+                             ", a third of the others that a row has.");
+        }
+    }
 }
 
 }  // namespace ovik::tool

@@ -12,4 +12,10 @@ namespace ovik::tool {
 /// about how far each can be trusted
 void check_judged_rows(const Options& options, std::size_t rows);
 
+/// Refuses perplexities that cannot be judged.
+///
+/// @throws InputError if the options of the fit have none, start from given places, or if one is
+/// more than a third of the other rows
+void check_chosen_perplexities(const Options& options, std::size_t rows);
+
 }  // namespace ovik::tool

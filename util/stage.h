@@ -18,6 +18,8 @@ enum class Stage {
     Sample,
     /// Of iterations.
     Iterations,
+    /// Fits of one matrix, several at a time: of those that have ended.
+    Fits,
     Clusters,
     /// Of rows.
     Quality,

@@ -1,0 +1,1 @@
+#include "tools/choice_run.h"

@@ -1,0 +1,181 @@
+#include "tools/choice_results.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include "stats/option_texts.h"
+#include "util/format.h"
+#include "util/whole_file.h"
+
+#include "tools/result_files.h"
+#include "tools/result_paths.h"
+
+namespace ovik::tool {
+
+namespace {
+
+using Entries = std::vector<ComparisonEntry>;
+
+/// What runs of one choice have in common.
+std::string alike_text(const ComparisonEntry& entry) {
+    std::string text = entry.data + "\n" + std::to_string(entry.rows) + "\n" +
+                       std::to_string(entry.columns) + "\n" +
+                       std::to_string(entry.run.trials->seeds) + "\n" +
+                       std::to_string(entry.run.trials->columns) + "\n" +
+                       std::to_string(entry.run.trials->noise);
+    visit_fit_options(entry.options, [&text](const auto& option) {
+        if (option.words.name != "perplexity") {
+            text += "\n" + value_text(option);
+        }
+    });
+    return text;
+}
+
+/// The mean of those of two numbers that are there.
+double mean_of_known(double a, double b) {
+    return std::isnan(a) ? b : std::isnan(b) ? a : (a + b) / 2.0;
+}
+
+/// How well a map keeps the largest neighbourhoods that were looked at.
+double kept_of(const RunRecord& run) {
+    return run.quality.empty() ? std::nan("") : run.quality.back().preservation;
+}
+
+std::vector<PerplexityOutcome> outcomes_of(const Entries& entries) {
+    std::vector<PerplexityOutcome> outcomes;
+    for (const ComparisonEntry& entry : entries) {
+        const RecordedTrials& trials = *entry.run.trials;
+        outcomes.push_back({entry.run.perplexity,
+                            trials.better_than_noise,
+                            trials.of_noise,
+                            mean_of_known(trials.shared_by_seeds, trials.shared_by_columns),
+                            kept_of(entry.run)});
+    }
+    return outcomes;
+}
+
+/// A column of the table.
+struct TableColumn {
+    std::string name;
+    std::function<double(const RunRecord&)> number;
+};
+
+std::vector<TableColumn> quality_columns(const RunRecord& first) {
+    std::vector<TableColumn> columns;
+    for (std::size_t i = 0; i < first.quality.size(); ++i) {
+        const std::string k = std::to_string(first.quality[i].neighbours);
+        columns.push_back({"trustworthiness_" + k, [i](const RunRecord& run) {
+                               return run.quality.at(i).trustworthiness;
+                           }});
+        columns.push_back(
+            {"kept_" + k, [i](const RunRecord& run) { return run.quality.at(i).preservation; }});
+    }
+    return columns;
+}
+
+std::vector<TableColumn> trial_columns() {
+    std::vector<TableColumn> columns;
+    const auto add = [&columns](const char* name, double RecordedTrials::*number) {
+        columns.push_back({name, [number](const RunRecord& run) { return (*run.trials).*number; }});
+    };
+    const auto add_count = [&columns](const char* name, std::size_t RecordedTrials::*number) {
+        columns.push_back({name, [number](const RunRecord& run) {
+                               return static_cast<double>((*run.trials).*number);
+                           }});
+    };
+    add("better_than_noise", &RecordedTrials::better_than_noise);
+    add("of_noise", &RecordedTrials::of_noise);
+    add("shared_by_seeds", &RecordedTrials::shared_by_seeds);
+    add("shared_by_columns", &RecordedTrials::shared_by_columns);
+    add("spread_by_seeds", &RecordedTrials::spread_by_seeds);
+    add("spread_by_columns", &RecordedTrials::spread_by_columns);
+    add_count("seeds", &RecordedTrials::seeds);
+    add_count("columns", &RecordedTrials::columns);
+    add_count("noise", &RecordedTrials::noise);
+    return columns;
+}
+
+}  // namespace
+
+std::optional<PerplexityChoice> choice_among(const Entries& entries) {
+    const bool are_judged = std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return entry.run.trials.has_value() && !std::isnan(entry.run.perplexity);
+    });
+    if (entries.size() < 2 || !are_judged) {
+        return std::nullopt;
+    }
+    const std::string alike = alike_text(entries.front());
+    for (std::size_t i = 1; i < entries.size(); ++i) {
+        if (entries[i].run.perplexity <= entries[i - 1].run.perplexity ||
+            alike_text(entries[i]) != alike) {
+            return std::nullopt;
+        }
+    }
+    return choose_perplexity(outcomes_of(entries));
+}
+
+ChoiceCurves choice_curves(const Entries& entries, const PerplexityChoice& choice) {
+    ChoiceCurves curves{entries.front().title,
+                        {},
+                        {{"Better than noise", {}}, {"Stability", {}}, {"Kept neighbours", {}}},
+                        std::nan(""),
+                        std::nullopt};
+    for (const PerplexityOutcome& outcome : outcomes_of(entries)) {
+        curves.perplexities.push_back(outcome.perplexity);
+        curves.curves[0].shares.push_back(outcome.better_than_noise);
+        curves.curves[1].shares.push_back(outcome.stability);
+        curves.curves[2].shares.push_back(outcome.kept);
+        curves.of_noise = outcome.of_noise;
+    }
+    std::erase_if(curves.curves, [](const ChoiceCurve& curve) {
+        return std::all_of(curve.shares.begin(), curve.shares.end(), [](double share) {
+            return std::isnan(share);
+        });
+    });
+    if (choice.recommended) {
+        curves.recommended = curves.perplexities[*choice.recommended];
+    }
+    return curves;
+}
+
+std::string choice_table(const Entries& entries, const PerplexityChoice& choice) {
+    std::vector<TableColumn> columns = {
+        {"final_cost", [](const RunRecord& run) { return run.final_cost; }}};
+    for (std::vector<TableColumn>& more :
+         std::vector{quality_columns(entries.front().run), trial_columns()}) {
+        columns.insert(columns.end(), more.begin(), more.end());
+    }
+    std::string table = "perplexity\trecommended";
+    for (const TableColumn& column : columns) {
+        table += "\t" + column.name;
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const RunRecord& run = entries[i].run;
+        table += "\n" + shortest_text(run.perplexity) + (choice.recommended == i ? "\tyes" : "\tno");
+        for (const TableColumn& column : columns) {
+            const double number = column.number(run);
+            table += "\t" + (std::isnan(number) ? std::string() : shortest_text(number));
+        }
+    }
+    return table + "\n";
+}
+
+std::vector<ResultFile> write_choice(const Options& options,
+                                     const Entries& entries,
+                                     const PerplexityChoice& choice) {
+    std::vector<ResultFile> files;
+    const std::string base = choice_base(options);
+    const std::string table = base + ".tsv";
+    add_result(
+        files, "Choice of perplexity", table, write_whole_text(table, choice_table(entries, choice)));
+    if (options.plots) {
+        add_figure(files,
+                   "Figure of the choice",
+                   base,
+                   draw_choice_figure(base, choice_curves(entries, choice)));
+    }
+    return files;
+}
+
+}  // namespace ovik::tool
