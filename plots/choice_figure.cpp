@@ -19,6 +19,9 @@ constexpr std::chrono::milliseconds kTimeLimit{600000};
 /// Okabe and Ito's blue, vermilion and green; further curves begin anew.
 constexpr std::array<const char*, 3> kColours = {"0x0072B2", "0xD55E00", "0x009E73"};
 
+/// Gnuplot's filled circle, square and triangle.
+constexpr std::array<const char*, 3> kPointTypes = {"7", "5", "9"};
+
 /// A line per perplexity: it, and the shares in per cent.
 std::string share_block(const ChoiceCurves& curves) {
     std::string block = "$shares << END_OF_SHARES\n";
@@ -51,14 +54,17 @@ std::string marks(const ChoiceCurves& curves) {
     return marks;
 }
 
-/// Marks on the axis at the perplexities that were tried.
-std::string tics(const ChoiceCurves& curves) {
+/// The axis, with marks at the perplexities that were tried.
+std::string perplexity_axis(const ChoiceCurves& curves) {
     std::string list;
     for (const double perplexity : curves.perplexities) {
         const std::string text = shortest_text(perplexity);
         list += (list.empty() ? "'" : ", '") + text + "' " + text;
     }
-    return "set xtics (" + list + ")\n";
+    constexpr double kMargin = 1.2;
+    return "set xtics (" + list + ")\nset xrange [" +
+           shortest_text(curves.perplexities.front() / kMargin) + ":" +
+           shortest_text(curves.perplexities.back() * kMargin) + "]\n";
 }
 
 std::string draw(const std::string& terminal,
@@ -76,7 +82,7 @@ std::string plot_of(const ChoiceCurves& curves) {
     for (std::size_t i = 0; i < curves.curves.size(); ++i) {
         plot += (i == 0 ? "" : ", \\\n     ") + std::string("$shares using 1:") +
                 std::to_string(i + 2) + " with linespoints linewidth 2 pointtype " +
-                std::to_string(5 + 2 * (i % kColours.size())) + " linecolor rgb " +
+                kPointTypes[i % kColours.size()] + " linecolor rgb " +
                 kColours[i % kColours.size()] + " title " + gnuplot_text(curves.curves[i].name);
     }
     return plot + "\n";
@@ -96,15 +102,13 @@ std::string choice_figure_script(const std::string& stem, const ChoiceCurves& cu
            share_block(curves) +
            "\nset encoding utf8\nset xlabel 'perplexity'\nset ylabel 'per cent'\n"
            "set tics out nomirror scale 0.6\nset border 3\nset grid linecolor rgb 0xdddddd\n"
-           "set logscale x\nset offsets graph 0.05,graph 0.05,0,0\nset yrange [0:100]\n"
-           "set key outside below center horizontal\n" +
-           tics(curves) + marks(curves) +
+           "set logscale x\nset yrange [0:100]\nset key tmargin center horizontal samplen 2\n" +
+           perplexity_axis(curves) + marks(curves) +
            draw("pngcairo",
                 stem + ".png",
                 (has_unusual ? gnuplot_font_search() : "") + set_title,
                 plot) +
-           draw(
-               "svg", stem + ".svg", (has_unusual ? gnuplot_any_font() : "") + set_title, plot);
+           draw("svg", stem + ".svg", (has_unusual ? gnuplot_any_font() : "") + set_title, plot);
 }
 
 FigureOutcome draw_choice_figure(const std::string& base, const ChoiceCurves& curves) {

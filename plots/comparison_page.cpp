@@ -189,8 +189,8 @@ std::string json_choice(const std::optional<ComparedChoice>& choice) {
     const ChoiceCurves& curves = choice->curves;
     std::vector<std::string> list;
     for (const ChoiceCurve& curve : curves.curves) {
-        list.push_back(json_object(
-            {{"name", json_text(curve.name)}, {"shares", json_list_of(curve.shares)}}));
+        list.push_back(
+            json_object({{"name", json_text(curve.name)}, {"shares", json_list_of(curve.shares)}}));
     }
     return json_object(
         {{"perplexities", json_list_of(curves.perplexities)},

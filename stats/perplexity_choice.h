@@ -14,7 +14,8 @@ struct PerplexityOutcome {
     double better_than_noise = 0.0;
     /// The largest share that is to be expected of a matrix of noise.
     double of_noise = 0.0;
-    /// The share of the nearest rows on the map that are so on maps of other seeds and columns, too.
+    /// The share of the nearest rows on the map that are so on maps of other seeds and columns,
+    /// too.
     double stability = 0.0;
     /// The share of the nearest rows in the input that are so on the map.
     double kept = 0.0;

@@ -48,8 +48,7 @@ double share_better_than_noise(std::span<const double> kept, std::vector<double>
     std::sort(noise.begin(), noise.end());
     const auto count = std::count_if(kept.begin(), kept.end(), [&noise](double value) {
         const auto as_many = noise.end() - std::lower_bound(noise.begin(), noise.end(), value);
-        return static_cast<double>(1 + as_many) <=
-               kRate * static_cast<double>(1 + noise.size());
+        return static_cast<double>(1 + as_many) <= kRate * static_cast<double>(1 + noise.size());
     });
     return static_cast<double>(count) / static_cast<double>(kept.size());
 }

@@ -151,10 +151,11 @@ std::optional<TrialResult> run_trial(const Trial& trial,
     result.map = std::move(made.embedding);
     result.final_cost = made.report.final_cost;
     result.iteration = made.report.reached.iteration;
-    const bool is_judged = trial.kind == TrialKind::Noise ||
-                           (trial.kind == TrialKind::Seed && trial.number == 0);
+    const bool is_judged =
+        trial.kind == TrialKind::Noise || (trial.kind == TrialKind::Seed && trial.number == 0);
     if (is_judged) {
-        measure(result, {values.data(), X.rows, X.columns}, static_cast<std::size_t>(options.out_dims));
+        measure(
+            result, {values.data(), X.rows, X.columns}, static_cast<std::size_t>(options.out_dims));
     }
     return result;
 }

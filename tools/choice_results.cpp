@@ -19,11 +19,10 @@ using Entries = std::vector<ComparisonEntry>;
 
 /// What runs of one choice have in common.
 std::string alike_text(const ComparisonEntry& entry) {
-    std::string text = entry.data + "\n" + std::to_string(entry.rows) + "\n" +
-                       std::to_string(entry.columns) + "\n" +
-                       std::to_string(entry.run.trials->seeds) + "\n" +
-                       std::to_string(entry.run.trials->columns) + "\n" +
-                       std::to_string(entry.run.trials->noise);
+    std::string text =
+        entry.data + "\n" + std::to_string(entry.rows) + "\n" + std::to_string(entry.columns) +
+        "\n" + std::to_string(entry.run.trials->seeds) + "\n" +
+        std::to_string(entry.run.trials->columns) + "\n" + std::to_string(entry.run.trials->noise);
     visit_fit_options(entry.options, [&text](const auto& option) {
         if (option.words.name != "perplexity") {
             text += "\n" + value_text(option);
@@ -152,7 +151,8 @@ std::string choice_table(const Entries& entries, const PerplexityChoice& choice)
     }
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const RunRecord& run = entries[i].run;
-        table += "\n" + shortest_text(run.perplexity) + (choice.recommended == i ? "\tyes" : "\tno");
+        table +=
+            "\n" + shortest_text(run.perplexity) + (choice.recommended == i ? "\tyes" : "\tno");
         for (const TableColumn& column : columns) {
             const double number = column.number(run);
             table += "\t" + (std::isnan(number) ? std::string() : shortest_text(number));
@@ -167,8 +167,10 @@ std::vector<ResultFile> write_choice(const Options& options,
     std::vector<ResultFile> files;
     const std::string base = choice_base(options);
     const std::string table = base + ".tsv";
-    add_result(
-        files, "Choice of perplexity", table, write_whole_text(table, choice_table(entries, choice)));
+    add_result(files,
+               "Choice of perplexity",
+               table,
+               write_whole_text(table, choice_table(entries, choice)));
     if (options.plots) {
         add_figure(files,
                    "Figure of the choice",

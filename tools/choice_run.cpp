@@ -61,7 +61,9 @@ class KeptTrials {
                   "\ncolumns=" + std::to_string(report.columns) +
                   "\nvalues=" + hexadecimal(report.values) + "\n") {}
 
-    [[nodiscard]] bool has(const Trial& trial) const { return runs_.find(keyOf(trial)).has_value(); }
+    [[nodiscard]] bool has(const Trial& trial) const {
+        return runs_.find(keyOf(trial)).has_value();
+    }
 
     void keep(const Trial& trial, const TrialResult& result) const {
         runs_.keep(keyOf(trial), lists_of(result));
@@ -103,14 +105,17 @@ MatrixView<const double> values_of(const LoadedMatrix& loaded) {
 /// Makes the trials that are not kept from before.
 ///
 /// @return false if they were ended
-bool complete_trials(const LoadedMatrix& loaded, const Options& options, const KeptTrials& kept,
+bool complete_trials(const LoadedMatrix& loaded,
+                     const Options& options,
+                     const KeptTrials& kept,
                      const std::vector<Trial>& all) {
     std::vector<Trial> missing = all;
     std::erase_if(missing, [&kept](const Trial& trial) { return kept.has(trial); });
     const std::size_t before = all.size() - missing.size();
-    print_info("Fits: " + std::to_string(all.size()) +
-               (before > 0 ? ", of which " + std::to_string(before) + " are kept from before" : "") +
-               "; those that have ended are kept in " + kept_runs_path(options));
+    print_info(
+        "Fits: " + std::to_string(all.size()) +
+        (before > 0 ? ", of which " + std::to_string(before) + " are kept from before" : "") +
+        "; those that have ended are kept in " + kept_runs_path(options));
     std::atomic<std::size_t> done = before;
     TrialHooks hooks;
     hooks.keep = [&](const Trial& trial, const TrialResult& result) {
@@ -122,8 +127,8 @@ bool complete_trials(const LoadedMatrix& loaded, const Options& options, const K
     const bool is_complete =
         run_trials(values_of(loaded), options.fit, missing, options.seeds_at_once, hooks);
     if (!is_complete) {
-        complain("ended with " + std::to_string(done) + " of " + counted(all.size(), "fit", "fits") +
-                 ": the same command goes on from there");
+        complain("ended with " + std::to_string(done) + " of " +
+                 counted(all.size(), "fit", "fits") + ": the same command goes on from there");
     }
     return is_complete;
 }
@@ -159,9 +164,8 @@ RunRecord record_of(const Options& options,
     record.settled = own.iteration < options.fit.max_iter;
     record.final_cost = own.final_cost;
     for (std::size_t i = 0; i < own.sizes.size(); ++i) {
-        record.quality.push_back({static_cast<std::size_t>(own.sizes[i]),
-                                  own.trustworthiness[i],
-                                  own.preservation[i]});
+        record.quality.push_back(
+            {static_cast<std::size_t>(own.sizes[i]), own.trustworthiness[i], own.preservation[i]});
     }
     record.trials = outcome_of(trials, rows, dims);
     record.places = own.map;
@@ -193,8 +197,9 @@ bool choose(const Options& options,
             RunReport& report,
             const std::shared_ptr<const ComparedGenes>& genes) {
     if (report.runs.size() < 2) {
-        print_info("There is one perplexity, and so nothing to choose from: --collect tells of "
-                   "the reports of several");
+        print_info(
+            "There is one perplexity, and so nothing to choose from: --collect tells of "
+            "the reports of several");
         return true;
     }
     const std::vector<ComparisonEntry> entries = entries_of_runs(options, report, genes);
@@ -210,7 +215,8 @@ bool choose(const Options& options,
 /// Says what became of all fits.
 void tell_of_kept(const Options& options, const KeptTrials& kept) {
     print_info("Kept fits: " + memory_text(static_cast<double>(kept.size())) + " in " +
-               kept_runs_path(options) + ", for further perplexities, seeds or matrices of noise; "
+               kept_runs_path(options) +
+               ", for further perplexities, seeds or matrices of noise; "
                "remove the directory when the choice is made");
 }
 
@@ -236,10 +242,9 @@ ExitStatus run_choice(LoadedMatrix loaded,
     for (const double perplexity : perplexities) {
         report.runs.push_back(record_of(options, loaded, genes, kept, perplexity));
     }
-    bool is_complete =
-        std::all_of(report.runs.begin(), report.runs.end(), [](const RunRecord& run) {
-            return run.isComplete();
-        });
+    bool is_complete = std::all_of(report.runs.begin(),
+                                   report.runs.end(),
+                                   [](const RunRecord& run) { return run.isComplete(); });
     is_complete = choose(options, report, compared_genes(loaded, genes, labels)) && is_complete;
     tell_of_kept(options, kept);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;

@@ -127,8 +127,7 @@ ComparedRun compared_run(const ComparisonEntry& entry,
 ComparedChoice compared_choice(const ChosenPerplexity& choice,
                                const std::vector<ComparisonEntry>& entries,
                                const std::filesystem::path& page_directory) {
-    ComparedChoice compared{
-        choice.choice.sentence, choice_curves(entries, choice.choice), "", {}};
+    ComparedChoice compared{choice.choice.sentence, choice_curves(entries, choice.choice), "", {}};
     for (const ResultFile& file : choice.files) {
         if (!file.failure.empty()) {
             continue;

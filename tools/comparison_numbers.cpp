@@ -249,14 +249,13 @@ void add_qualities(std::vector<ComparedNumber>& numbers, const Entries& entries)
 void add_trials(std::vector<ComparedNumber>& numbers, const Entries& entries) {
     const Best best = share_data(entries) ? Best::Most : Best::None;
     const std::string end = best == Best::Most ? "." : kDifferentData;
-    const auto add = [&](const std::string& name,
-                         const std::string& sentence,
-                         double RecordedTrials::*share) {
-        const auto values = values_of(entries, [share](const ComparisonEntry& entry) {
-            return entry.run.trials ? (*entry.run.trials).*share : kNone;
-        });
-        numbers.push_back(number(name, sentence + end, values, best, &percent_text));
-    };
+    const auto add =
+        [&](const std::string& name, const std::string& sentence, double RecordedTrials::*share) {
+            const auto values = values_of(entries, [share](const ComparisonEntry& entry) {
+                return entry.run.trials ? (*entry.run.trials).*share : kNone;
+            });
+            numbers.push_back(number(name, sentence + end, values, best, &percent_text));
+        };
     add("Better than noise",
         "The share of the genes that keep more of their nearest neighbours than 19 in 20 genes of "
         "shuffled values do; of noise 5 %",

@@ -805,11 +805,25 @@ void check_combination(const Options& options) {
 }
 
 /// What says nothing where many fits are made to choose a perplexity.
-constexpr std::array<std::string_view, 19> kNotBesideChoice = {
-    "perplexity", "checkpoint",  "checkpoint-every", "resume",      "model",
-    "onto",       "into",        "coordinates",      "annotated",   "clusters",
-    "plot-cost",  "page-data",   "sets",             "figure-size", "highlight",
-    "quality",    "reliability", "neighbours-from",  "clusters-resolution"};
+constexpr std::array<std::string_view, 19> kNotBesideChoice = {"perplexity",
+                                                               "checkpoint",
+                                                               "checkpoint-every",
+                                                               "resume",
+                                                               "model",
+                                                               "onto",
+                                                               "into",
+                                                               "coordinates",
+                                                               "annotated",
+                                                               "clusters",
+                                                               "plot-cost",
+                                                               "page-data",
+                                                               "sets",
+                                                               "figure-size",
+                                                               "highlight",
+                                                               "quality",
+                                                               "reliability",
+                                                               "neighbours-from",
+                                                               "clusters-resolution"};
 
 /// Whether the command line has an option. `CLI::App::count` copies names where nothing may be
 /// thrown, and so ends the program where memory runs out.
@@ -839,8 +853,8 @@ void check_comparison(const CLI::App& app, const Options& options) {
 
 /// @throws InputError if all seeds would start at the same places
 void check_seed_starts(const Options& options) {
-    if (options.seeds == 1 || options.chooses_perplexity || options.fit.start == StartKind::Random ||
-        options.fit.start == StartKind::Sample) {
+    if (options.seeds == 1 || options.chooses_perplexity ||
+        options.fit.start == StartKind::Random || options.fit.start == StartKind::Sample) {
         return;
     }
     throw InputError("--seeds: " +

@@ -195,12 +195,8 @@ ExitStatus embed(Options options, RunReport report) {
     report.estimated_memory = estimate_memory(size).peak();
     const ExitStatus status =
         options.chooses_perplexity
-            ? run_choice(std::move(loaded),
-                         labels,
-                         perplexities,
-                         options,
-                         std::move(report),
-                         since_start)
+            ? run_choice(
+                  std::move(loaded), labels, perplexities, options, std::move(report), since_start)
             : run_perplexities(std::move(loaded),
                                labels,
                                perplexities,

@@ -30,9 +30,10 @@ void check_chosen_perplexities(const Options& options, std::size_t rows) {
                          "out.");
     }
     if (options.fit.start == StartKind::Given) {
-        throw InputError("--choose-perplexity makes maps of other columns and of noise, for which "
-                         "the places of a file say nothing\nLeave --start out, or give --start "
-                         "pca.");
+        throw InputError(
+            "--choose-perplexity makes maps of other columns and of noise, for which "
+            "the places of a file say nothing\nLeave --start out, or give --start "
+            "pca.");
     }
     const double most = static_cast<double>(rows - 1) / 3.0;
     for (const double perplexity : options.perplexities) {

@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import { describe, test } from 'node:test';
 import { colouringTitles, coloursOf, drawingOrder } from '../../plots/page/src/compare/colours.js';
+import { layoutOf, nearestTo, piecesOf, sentenceOf } from '../../plots/page/src/compare/choice_layout.js';
 import { readComparison, runsWithout } from '../../plots/page/src/compare/data.js';
 import { channelsOf, discOf, drawDisc, fillPixels } from '../../plots/page/src/compare/raster.js';
 import { shareTogether, togetherText } from '../../plots/page/src/compare/together.js';
@@ -175,5 +176,57 @@ describe('the colours of a comparison', () => {
     const places = coloursOf(read({ reference: 1, labelColumns: [] }), 0, 'dark', PALE);
     assert.deepEqual(places.colours[1], [16, 32, 48]);
     assert.ok(places.isGrey(1) && !places.isGrey(0));
+  });
+});
+
+const rawChoice = (changes = {}) => ({
+  perplexities: [5, 50],
+  curves: [{ name: 'Better than noise', shares: [0.5, null] }, { name: 'Stability', shares: [0.25, 0.75] }],
+  ofNoise: 0.06,
+  recommended: 50,
+  ...changes,
+});
+
+const choiceOf = (changes) => read({ choice: rawChoice(changes) }).choice;
+
+describe('the choice of a perplexity', () => {
+  test('is there if it is whole', () => {
+    const choice = choiceOf();
+    assert.deepEqual(choice.perplexities, [5, 50]);
+    assert.deepEqual([...choice.curves[0].shares], [0.5, NaN]);
+    assert.equal(choice.ofNoise, 0.06);
+    assert.equal(choice.recommended, 1);
+    assert.equal(choiceOf({ recommended: null }).recommended, -1);
+    assert.ok(Number.isNaN(choiceOf({ ofNoise: null }).ofNoise));
+    assert.equal(choiceOf({ curves: [{ name: 'x', shares: [1] }, { name: 'y', shares: [0, 1] }] }).curves.length, 1);
+    for (const changes of [{ perplexities: [5] }, { perplexities: [5, 'x'] }, { curves: [] }, { curves: 7 }]) {
+      assert.equal(choiceOf(changes), null);
+    }
+    assert.equal(read().choice, null);
+  });
+
+  test('lies on a logarithmic scale within its frame', () => {
+    const layout = layoutOf(choiceOf(), 400, 250);
+    const { frame, x, y, labelled } = layout;
+    assert.ok(frame.left < x[0] && x[0] < x[1] && x[1] < frame.right);
+    assert.equal(y(0), frame.bottom);
+    assert.equal(y(1), frame.top);
+    assert.deepEqual(labelled, [0, 1]);
+    const three = layoutOf({ perplexities: [5, 50, 500] }, 400, 250);
+    assert.ok(Math.abs(2 * three.x[1] - three.x[0] - three.x[2]) < 1e-9);
+    assert.deepEqual(layoutOf({ perplexities: [5, 5.1, 50] }, 400, 250).labelled, [0, 2]);
+    assert.ok(layoutOf({ perplexities: [7] }, 0, 250).x.every(Number.isFinite));
+    assert.equal(nearestTo(three, three.x[1] + 3), 1);
+    assert.equal(nearestTo(three, -9), 0);
+  });
+
+  test('has curves with gaps, and words', () => {
+    const choice = choiceOf();
+    const layout = layoutOf(choice, 400, 250);
+    assert.equal(piecesOf(choice.curves[0], layout).length, 1);
+    assert.equal(piecesOf(choice.curves[0], layout)[0].length, 1);
+    assert.equal(piecesOf({ shares: [NaN, 1] }, layout)[0][0][0], layout.x[1]);
+    assert.equal(sentenceOf(choice, 0), 'Perplexity 5: better than noise 50.0 %, stability 25.0 %.');
+    assert.equal(sentenceOf(choice, 1), 'Perplexity 50: stability 75.0 %.');
   });
 });

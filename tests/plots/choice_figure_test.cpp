@@ -15,11 +15,12 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const ChoiceCurves kCurves{"It's \"yeast\" `date`",
-                           {5.0, 12.5, 100.0},
-                           {{"Better than noise", {0.5, 0.25, NAN}}, {"Stability", {0.125, 0.2, 0.3}}},
-                           0.0625,
-                           12.5};
+const ChoiceCurves kCurves{
+    "It's \"yeast\" `date`",
+    {5.0, 12.5, 100.0},
+    {{"Better than noise", {0.5, 0.25, NAN}}, {"Stability", {0.125, 0.2, 0.3}}},
+    0.0625,
+    12.5};
 
 TEST(ChoiceFigure, IsDrawnBesideItsScript) {
     const test::TemporaryDirectory directory;

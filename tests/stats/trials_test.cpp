@@ -113,8 +113,10 @@ TEST_F(Trials, AreTheFitsOfTheirMatricesByThemselves) {
         EXPECT_EQ(result.map, made.embedding) << name_of(trial);
         EXPECT_EQ(result.final_cost, made.report.final_cost);
         EXPECT_EQ(result.iteration, 30);
-        if (trial.kind == TrialKind::Noise || (trial.kind == TrialKind::Seed && trial.number == 0)) {
-            const auto quality = neighbourhood_quality(X, {made.embedding.data(), kRows, 2}, {10, 30});
+        if (trial.kind == TrialKind::Noise ||
+            (trial.kind == TrialKind::Seed && trial.number == 0)) {
+            const auto quality =
+                neighbourhood_quality(X, {made.embedding.data(), kRows, 2}, {10, 30});
             EXPECT_EQ(result.sizes, (std::vector<double>{10.0, 30.0}));
             EXPECT_EQ(result.kept, quality[1].kept);
             EXPECT_EQ(result.preservation[0], quality[0].preservation);
@@ -167,7 +169,8 @@ TEST_F(Trials, OfFewRowsLookAtTenNeighboursAlone) {
     std::vector<double> sizes;
     TrialHooks hooks;
     hooks.keep = [&](const Trial& /*trial*/, const TrialResult& result) { sizes = result.sizes; };
-    EXPECT_TRUE(run_trials({few.data(), 40, kColumns}, options_, trials_of({5.0}, {1, 0, 0}), 0, hooks));
+    EXPECT_TRUE(
+        run_trials({few.data(), 40, kColumns}, options_, trials_of({5.0}, {1, 0, 0}), 0, hooks));
     EXPECT_EQ(sizes, (std::vector<double>{10.0}));
 }
 

@@ -70,6 +70,23 @@ function readColourings(raw, count) {
   });
 }
 
+const numberOrNone = (value) => (typeof value === 'number' ? value : NaN);
+
+/** The choice of a perplexity, one per run; null without one. */
+function readChoice(raw, runs) {
+  const perplexities = asList(raw?.perplexities).filter((value) => Number.isFinite(value) && value > 0);
+  const curves = asList(raw?.curves)
+    .map(({ name, shares }) => ({ name: asText(name), shares: Float64Array.from(asList(shares), numberOrNone) }))
+    .filter(({ shares }) => shares.length === runs);
+  if (perplexities.length !== runs || runs === 0 || curves.length === 0) return null;
+  return {
+    perplexities,
+    curves,
+    ofNoise: numberOrNone(raw.ofNoise),
+    recommended: perplexities.indexOf(raw.recommended),
+  };
+}
+
 /**
  * Reads the page's data.
  *
@@ -77,7 +94,9 @@ function readColourings(raw, count) {
  * @returns `names`, `functions` and `genes` (the name that the gene table has, where it is another),
  *   `count` long or empty; `colourings` with `labels` and, of quantities, `numbers`; `runs`, each with
  *   `title`, `x` and `y` (Float64Array, `count` long, NaN = not in this map) and `genes`, the ascending
- *   numbers of those that have a place; the `reference` among them, and the `window` that holds all maps
+ *   numbers of those that have a place; the `reference` among them, and the `window` that holds all maps;
+ *   the `choice` of a perplexity, or null: `perplexities`, one per run and ascending, `curves` with `name` and
+ *   `shares` (0 to 1, NaN = not measured), `ofNoise` (or NaN), and which run is `recommended`, or -1
  * @throws {SyntaxError} if the text is no JSON
  */
 export function readComparison(text) {
@@ -97,6 +116,7 @@ export function readComparison(text) {
     runs,
     reference,
     window: windowOf(runs),
+    choice: readChoice(raw.choice, runs.length),
   };
 }
 

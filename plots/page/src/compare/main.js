@@ -3,6 +3,7 @@
 import { createStore } from '../state.js';
 import { showSearch } from '../search.js';
 import { applyTheme, onPreferredTheme, preferredTheme } from '../theme.js';
+import { showChoice } from './choice.js';
 import { coloursOf } from './colours.js';
 import { createMap } from './map.js';
 import { followKeyboard } from './keyboard.js';
@@ -19,8 +20,9 @@ const part = (id) => document.getElementById(id);
 /** Fingers scroll the page unless the reader wants to draw. */
 const firstTool = () => (matchMedia('(pointer: coarse)').matches ? 'look' : 'lasso');
 
-function firstState() {
+function firstState({ choice }) {
   return {
+    run: choice?.recommended ?? -1,
     colouring: 0,
     hover: -1,
     focus: -1,
@@ -59,7 +61,7 @@ function printLight(maps, store) {
 function start() {
   const comparison = readComparison(part('comparison-data').textContent);
   if (comparison.count === 0) return;
-  const store = createStore(firstState());
+  const store = createStore(firstState(comparison));
   applyTheme(store.get().theme);
   store.listen(['theme'], ({ theme }) => applyTheme(theme));
   onPreferredTheme((theme) => store.set({ theme }));
@@ -79,6 +81,9 @@ function start() {
     card.dataset.drawn = 'true';
     maps.push(map);
   });
+  if (comparison.choice !== null && part('choice') !== null) {
+    showChoice(part('choice'), comparison, store, [...document.querySelectorAll('.run')]);
+  }
   showSearch(part('find'), { dataset: comparison }, store, (focus) => store.set({ focus, hover: -1 }));
   showGene(part('details'), comparison, store, say);
   showSelection(part('selection'), comparison, store, say);
