@@ -47,6 +47,34 @@ struct RecordedClusters {
     std::vector<std::size_t> sizes;
 };
 
+/// How the rows of a map compare with those of noise by one statistic.
+struct RecordedNoiseSummary {
+    /// The share of rows that are better than 95 % of noise.
+    double better = 0.0;
+    /// The share of rows that are told from noise at a false discovery rate of 5 %.
+    double told = 0.0;
+    /// The least rate of a row.
+    double least_rate = 1.0;
+    /// About what share of rows does not do as noise, whichever they are.
+    double signal = 0.0;
+};
+
+/// How the rows of a map compare with those of noise.
+struct RecordedNoise {
+    /// How many matrices of noise were embedded.
+    std::size_t matrices = 0;
+    /// How many nearest neighbours of each row were looked at.
+    std::size_t neighbours = 0;
+    /// How many groups of rows of like concentration were compared, each by itself.
+    std::size_t groups = 0;
+    /// The least chance that a row could have.
+    double least_chance = 1.0;
+    /// From how many matrices on rows could be told from noise; 0 if there were enough.
+    std::size_t needed = 0;
+    RecordedNoiseSummary kept;
+    RecordedNoiseSummary misfit;
+};
+
 /// A fit of one seed among several.
 struct RecordedSeed {
     int seed = 0;
@@ -97,6 +125,8 @@ struct RunRecord {
     std::optional<RecordedClusters> clusters;
     /// How far each row can be trusted; null unless it was asked for.
     std::shared_ptr<const RowReliability> reliability;
+    /// None unless the rows were compared with noise.
+    std::optional<RecordedNoise> noise;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

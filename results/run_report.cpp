@@ -126,6 +126,23 @@ std::string json_reliability(const RowReliability& reliability) {
     return json_object(members);
 }
 
+std::string json_noise_summary(const RecordedNoiseSummary& summary) {
+    return json_object({{"better", json_text(summary.better)},
+                        {"told", json_text(summary.told)},
+                        {"least_rate", json_text(summary.least_rate)},
+                        {"signal", json_text(summary.signal)}});
+}
+
+std::string json_noise(const RecordedNoise& noise) {
+    return json_object({{"matrices", json_text(noise.matrices)},
+                        {"neighbours", json_text(noise.neighbours)},
+                        {"groups", json_text(noise.groups)},
+                        {"least_chance", json_text(noise.least_chance)},
+                        {"needed", json_text(noise.needed)},
+                        {"kept", json_noise_summary(noise.kept)},
+                        {"misfit", json_noise_summary(noise.misfit)}});
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
@@ -151,6 +168,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     }
     if (run.reliability) {
         members.emplace_back("reliability", json_reliability(*run.reliability));
+    }
+    if (run.noise) {
+        members.emplace_back("noise", json_noise(*run.noise));
     }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());

@@ -46,6 +46,9 @@ void print_plan(const Options& options,
                     : " (theta = " + num2string(options.fit.theta, 2) + ")") +
                ", " + neighbourhoods + ", " + std::to_string(options.fit.out_dims) +
                " dimensions, " + std::to_string(options.fit.max_iter + 1) + " iterations");
+    if (options.against_noise > 0) {
+        print_info("Maps of noise: " + std::to_string(options.against_noise));
+    }
     if (options.seeds > 1) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));

@@ -79,7 +79,7 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = options.seeds;
+    size.seeds = std::max(options.seeds, 1 + options.against_noise);
     return size;
 }
 
@@ -145,6 +145,7 @@ ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
+    check_noise_options(options);
     check_places(options);
     std::optional<ConsoleSilence> silence;
     settle_manner(options, silence);

@@ -31,6 +31,12 @@ void check_use(const Options& options) {
                          ", which are compared by --metric euclidean alone\nLeave "
                          "--metric away.");
     }
+    if (options.against_noise > 0) {
+        throw InputError(
+            "--against-noise: " + reason +
+            ", which are not there to be shuffled\nLeave --against-noise away, or give "
+            "fewer columns.");
+    }
     if (!options.model.empty()) {
         throw InputError("--model: " + reason +
                          ", of which a model knows nothing\nLeave --model away, or make the map of "

@@ -12,4 +12,9 @@ namespace ovik::tool {
 /// about how far each can be trusted
 void check_judged_rows(const Options& options, std::size_t rows);
 
+/// Refuses what does not go with maps of noise.
+///
+/// @throws InputError if `--against-noise` cannot shuffle, or not embed by the same options
+void check_noise_options(const Options& options);
+
 }  // namespace ovik::tool
