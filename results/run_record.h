@@ -48,6 +48,34 @@ struct RecordedClusters {
     std::vector<std::size_t> sizes;
 };
 
+/// How the rows of a map compare with those of noise by one statistic.
+struct RecordedNoiseSummary {
+    /// The share of rows that are better than 95 % of noise.
+    double better = 0.0;
+    /// The share of rows that are told from noise at a false discovery rate of 5 %.
+    double told = 0.0;
+    /// The least rate of a row.
+    double least_rate = 1.0;
+    /// About what share of rows does not do as noise, whichever they are.
+    double signal = 0.0;
+};
+
+/// How the rows of a map compare with those of noise.
+struct RecordedNoise {
+    /// How many matrices of noise were embedded.
+    std::size_t matrices = 0;
+    /// How many nearest neighbours of each row were looked at.
+    std::size_t neighbours = 0;
+    /// How many groups of rows of like concentration were compared, each by itself.
+    std::size_t groups = 0;
+    /// The least chance that a row could have.
+    double least_chance = 1.0;
+    /// From how many matrices on rows could be told from noise; 0 if there were enough.
+    std::size_t needed = 0;
+    RecordedNoiseSummary kept;
+    RecordedNoiseSummary misfit;
+};
+
 /// A fit of one seed among several.
 struct RecordedSeed {
     int seed = 0;
@@ -67,13 +95,12 @@ struct RecordedAgreement {
     double shared_neighbours = 0.0;
 };
 
-/// How the map of a run compares with maps of other seeds, of drawn columns and of shuffled values,
-/// all made by its options. Numbers that were not measured are NaN.
+/// How the map of a run compares with maps of other seeds and of drawn columns, all made by its
+/// options. Numbers that were not measured are NaN.
 struct RecordedTrials {
     /// How many fits there were of each kind; the map itself is the first of the seeds.
     std::size_t seeds = 0;
     std::size_t columns = 0;
-    std::size_t noise = 0;
     /// How many nearest rows on a map are compared with those on another.
     std::size_t neighbours = 0;
     /// The share of them that rows have on a map of another seed, of drawn columns.
@@ -82,10 +109,6 @@ struct RecordedTrials {
     /// The median of how far the places of a row spread (`RowStability`).
     double spread_by_seeds = std::numeric_limits<double>::quiet_NaN();
     double spread_by_columns = std::numeric_limits<double>::quiet_NaN();
-    /// The share of the rows that are placed better than noise, and the largest that is to be
-    /// expected of noise itself.
-    double better_than_noise = std::numeric_limits<double>::quiet_NaN();
-    double of_noise = std::numeric_limits<double>::quiet_NaN();
 };
 
 /// What came of one run of the engine.
@@ -121,6 +144,8 @@ struct RunRecord {
     std::shared_ptr<const RowReliability> reliability;
     /// None unless a perplexity was to be chosen.
     std::optional<RecordedTrials> trials;
+    /// None unless the rows were compared with noise.
+    std::optional<RecordedNoise> noise;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

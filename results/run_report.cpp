@@ -130,14 +130,28 @@ std::string json_reliability(const RowReliability& reliability) {
 std::string json_trials(const RecordedTrials& trials) {
     return json_object({{"seeds", json_text(trials.seeds)},
                         {"columns", json_text(trials.columns)},
-                        {"noise", json_text(trials.noise)},
                         {"neighbours", json_text(trials.neighbours)},
                         {"shared_by_seeds", json_text(trials.shared_by_seeds)},
                         {"shared_by_columns", json_text(trials.shared_by_columns)},
                         {"spread_by_seeds", json_text(trials.spread_by_seeds)},
-                        {"spread_by_columns", json_text(trials.spread_by_columns)},
-                        {"better_than_noise", json_text(trials.better_than_noise)},
-                        {"of_noise", json_text(trials.of_noise)}});
+                        {"spread_by_columns", json_text(trials.spread_by_columns)}});
+}
+
+std::string json_noise_summary(const RecordedNoiseSummary& summary) {
+    return json_object({{"better", json_text(summary.better)},
+                        {"told", json_text(summary.told)},
+                        {"least_rate", json_text(summary.least_rate)},
+                        {"signal", json_text(summary.signal)}});
+}
+
+std::string json_noise(const RecordedNoise& noise) {
+    return json_object({{"matrices", json_text(noise.matrices)},
+                        {"neighbours", json_text(noise.neighbours)},
+                        {"groups", json_text(noise.groups)},
+                        {"least_chance", json_text(noise.least_chance)},
+                        {"needed", json_text(noise.needed)},
+                        {"kept", json_noise_summary(noise.kept)},
+                        {"misfit", json_noise_summary(noise.misfit)}});
 }
 
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
@@ -168,6 +182,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     }
     if (run.trials) {
         members.emplace_back("trials", json_trials(*run.trials));
+    }
+    if (run.noise) {
+        members.emplace_back("noise", json_noise(*run.noise));
     }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());

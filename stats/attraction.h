@@ -43,6 +43,12 @@ class Attraction {
     /// @param costs  one per row, written; their sum is `cost` but for rounding
     virtual void rowCosts(const double* Y, double Z, double* costs) = 0;
 
+    /// The misfit of each row on a map, which may be any (`stats/row_misfit.h`).
+    ///
+    /// @param similarity_sums  one per row, as of `row_similarity_sums`
+    /// @param misfits          one per row, written
+    virtual void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) = 0;
+
   protected:
     Attraction(Attraction&&) = default;
     Attraction& operator=(Attraction&&) = default;

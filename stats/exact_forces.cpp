@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "stats/point_columns.h"
+#include "stats/row_misfit.h"
 #include "util/malloc_array.h"
 #include "util/ordered_sum.h"
 #include "util/parallel.h"
@@ -117,6 +118,30 @@ void exact_row_costs(
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
             fill_cost_terms(P, columns, n, sum_Q, terms);
             costs[n] = std::accumulate(terms, terms + N, 0.0);
+        }
+    });
+}
+
+void exact_row_misfits(const double* P,
+                       MatrixView<const double> Y,
+                       const double* similarity_sums,
+                       double* misfits) {
+    const std::size_t N = Y.rows;
+    const PointColumns columns(Y.values, N, Y.columns);
+    const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
+    require_allocated(buffers);
+    parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
+        double* const squared_distances = buffers.get() + worker * N;
+        for (std::size_t n = rows.begin; n < rows.end; ++n) {
+            columns.squaredDistancesFrom(n, squared_distances);
+            const auto for_each_entry = [&](const auto& visit) {
+                for (std::size_t m = 0; m < N; ++m) {
+                    if (m != n) {
+                        visit(P[n * N + m], squared_distances[m]);
+                    }
+                }
+            };
+            misfits[n] = row_misfit(for_each_entry, similarity_sums[n]);
         }
     });
 }

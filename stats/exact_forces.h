@@ -51,7 +51,16 @@ OVIK_API double exact_cost(const double* P, const double* Y, std::size_t N, std:
 void exact_row_costs(
     const double* P, const double* Y, std::size_t N, std::size_t dims, double* costs);
 
-/// The same for an embedding with its shape.
+/// The misfit of each row (`stats/row_misfit.h`); the diagonal takes no part.
+///
+/// @param similarity_sums  N values, as of `row_similarity_sums`
+/// @param misfits          N values, written
+void exact_row_misfits(const double* P,
+                       MatrixView<const double> Y,
+                       const double* similarity_sums,
+                       double* misfits);
+
+/// The same cost for an embedding with its shape.
 inline double exact_cost(const double* P, MatrixView<const double> Y) {
     return exact_cost(P, Y.values, Y.rows, Y.columns);
 }

@@ -127,6 +127,13 @@ void ExactObjective::rowCosts(const double* Y, double* costs) {
     exact_row_costs(P_.get(), Y, N_, out_dims_, costs);
 }
 
+void ExactObjective::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
+    if (in_panels_) {
+        movePIntoRows();
+    }
+    exact_row_misfits(P_.get(), {Y, N_, out_dims_}, similarity_sums, misfits);
+}
+
 /// A cost that the quick way gave, or, where that is printed as zero, the sum in order.
 double ExactObjective::unlessZero(double cost, const double* Y) {
     if (std::fabs(cost) >= kPrintsAsZero) {

@@ -49,6 +49,7 @@ class ExactObjective : public Objective {
     double costAndGradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
     void rowCosts(const double* Y, double* costs) override;
+    void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) override;
 
     /// Gives the time in whole seconds.
     [[nodiscard]] std::string report(std::clock_t elapsed) const override;

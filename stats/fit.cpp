@@ -263,6 +263,7 @@ FitReport fit_into(MatrixView<double> Y,
     report.final_cost = optimisation.finalCost();
     if (hooks.wants_row_costs) {
         report.row_costs = optimisation.rowCosts();
+        report.row_misfits = optimisation.rowMisfits();
     }
     report.fitting_clock = std::clock() - fitting_start;
     descent.reset();

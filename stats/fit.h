@@ -57,7 +57,7 @@ struct FitHooks {
     std::function<void(const NeighbourRecall& recall)> on_recall = {};
     /// Whether the neighbours of the rows are wanted in the result.
     bool wants_neighbours = false;
-    /// Whether the cost of each row is.
+    /// Whether the cost and the misfit of each row are.
     bool wants_row_costs = false;
 };
 
@@ -72,6 +72,10 @@ struct FitReport {
     double final_cost = 0.0;
     /// What each row adds to that, by its own affinities; empty unless `wants_row_costs`.
     std::vector<double> row_costs = {};
+    /// How far the similarities of each row on the map are from its affinities, whatever the row
+    /// weighs in the cost; empty unless `wants_row_costs`. With both brought to the sum 1 their
+    /// Kullback-Leibler divergence, in nats: 0 where they are alike.
+    std::vector<double> row_misfits = {};
     /// How the input was centred and scaled; without means where it holds distances.
     InputScale scale;
     /// What is unusual about the places of a start that was given (`FitHooks::start`); mostly

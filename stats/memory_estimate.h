@@ -22,8 +22,9 @@ struct RunSize {
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
-    /// From how many seeds the map is fitted, and how many of these fits run side by side at most;
-    /// 0 for as many as there are threads.
+    /// From how many seeds the map is fitted, or one more than the maps of noise that are fitted
+    /// beside it, and how many of these fits run side by side at most; 0 for as many as there are
+    /// threads.
     int seeds = 1;
     std::size_t seeds_at_once = 0;
 };
@@ -72,7 +73,7 @@ struct RunSize {
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
 ///
-/// A run from R seeds has all the time what runs have that share, with A fits side by side another
+/// A run from R seeds, or with R - 1 maps of noise, has all the time what runs have that share, with A fits side by side another
 /// copy of the input for each (8 ND) and the maps (8 RNd), and A times what the stages of
 /// similarities and of fitting take.
 ///

@@ -37,6 +37,13 @@ class Objective {
     /// @param costs  N values, written; their sum is `cost` but for rounding
     virtual void rowCosts(const double* Y, double* costs) = 0;
 
+    /// The misfit of each point in embedding Y (`stats/row_misfit.h`), whatever the affinities are
+    /// multiplied by.
+    ///
+    /// @param similarity_sums  N values, as of `row_similarity_sums`
+    /// @param misfits          N values, written
+    virtual void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) = 0;
+
     /// The cost at Y, and the gradient there, which the next iteration needs.
     virtual double costAndGradient(const double* Y, double* dY) = 0;
 

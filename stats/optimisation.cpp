@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "stats/centring.h"
+#include "stats/row_misfit.h"
 
 namespace ovik {
 
@@ -74,6 +75,14 @@ std::vector<double> Optimisation::rowCosts() {
     std::vector<double> costs(embedding_.rows);
     objective_.rowCosts(embedding_.values, costs.data());
     return costs;
+}
+
+std::vector<double> Optimisation::rowMisfits() {
+    std::vector<double> sums(embedding_.rows);
+    row_similarity_sums(embedding_.values, embedding_.rows, embedding_.columns, sums.data());
+    std::vector<double> misfits(embedding_.rows);
+    objective_.rowMisfits(embedding_.values, sums.data(), misfits.data());
+    return misfits;
 }
 
 /// A coordinate that is not finite made the mean of its column so, and that the whole column: the

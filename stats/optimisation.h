@@ -41,6 +41,9 @@ class Optimisation {
     /// What each row adds to that cost, which has been asked for.
     std::vector<double> rowCosts();
 
+    /// The misfit of each row (`stats/row_misfit.h`).
+    std::vector<double> rowMisfits();
+
   private:
     [[nodiscard]] bool isFinite() const;
 

@@ -4,6 +4,8 @@
 #include <cfloat>
 #include <cmath>
 
+#include "stats/row_misfit.h"
+
 namespace ovik {
 
 namespace {
@@ -11,21 +13,32 @@ namespace {
 /// Below it the sum of rows and the sum of entries may differ in the sign of a printed zero.
 constexpr double kPrintsAsZero = 1e-6;
 
+/// Rows that one thread looks at.
+constexpr std::size_t kGrain = 8;
+
+/// Runs `visit(p, squared distance)` for the entries of a row in their order.
+template <typename Visit>
+void for_each_entry(const EdgeView& edges, std::size_t n, const Visit& visit) {
+    for (std::size_t i = edges.row_P[n]; i < edges.row_P[n + 1]; ++i) {
+        const double* const own = edges.Y + n * edges.dims;
+        const double* const other = edges.Y + edges.col_P[i] * edges.dims;
+        double squared_distance = 0.0;
+        for (std::size_t d = 0; d < edges.dims; ++d) {
+            const double difference = own[d] - other[d];
+            squared_distance += difference * difference;
+        }
+        visit(edges.val_P[i], squared_distance);
+    }
+}
+
 /// The entries of some rows, added one after the other.
 double plain_cost(const EdgeView& edges, IndexRange rows, double Z) {
     double cost = 0.0;
     for (std::size_t n = rows.begin; n < rows.end; ++n) {
-        for (std::size_t i = edges.row_P[n]; i < edges.row_P[n + 1]; ++i) {
-            const double* const own = edges.Y + n * edges.dims;
-            const double* const other = edges.Y + edges.col_P[i] * edges.dims;
-            double squared_distance = 0.0;
-            for (std::size_t d = 0; d < edges.dims; ++d) {
-                const double difference = own[d] - other[d];
-                squared_distance += difference * difference;
-            }
+        for_each_entry(edges, n, [&cost, Z](double p, double squared_distance) {
             const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
-            cost += edges.val_P[i] * std::log((edges.val_P[i] + DBL_MIN) / Q);
-        }
+            cost += p * std::log((p + DBL_MIN) / Q);
+        });
     }
     return cost;
 }
@@ -54,9 +67,16 @@ void RowAttraction::pass(const double* Y, IndexRange rows, double* forces, bool 
 
 void RowAttraction::rowCosts(const double* Y, double Z, double* costs) {
     const EdgeView edges = edgesOf(Y);
-    constexpr std::size_t kGrain = 8;
     parallel_for_each(N_, kGrain, [=](std::size_t n) {
         costs[n] = plain_cost(edges, {n, n + 1}, Z);
+    });
+}
+
+void RowAttraction::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
+    const EdgeView edges = edgesOf(Y);
+    parallel_for_each(N_, kGrain, [=](std::size_t n) {
+        misfits[n] = row_misfit([&edges, n](const auto& visit) { for_each_entry(edges, n, visit); },
+                                similarity_sums[n]);
     });
 }
 

@@ -25,6 +25,7 @@ class RowAttraction : public Attraction {
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
     void rowCosts(const double* Y, double Z, double* costs) override;
+    void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) override;
 
   private:
     [[nodiscard]] EdgeView edgesOf(const double* Y) const;

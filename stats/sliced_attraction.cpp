@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "stats/row_misfit.h"
+
 namespace ovik {
 
 namespace {
@@ -47,15 +49,27 @@ double SlicedAttraction::cost(const double* Y, double Z) {
     return std::fabs(cost) >= kPrintsAsZero ? cost : plainCost(Y, Z);
 }
 
-/// Adds the entries of a row one after the other.
-void SlicedAttraction::addEntries(const double* Y, double Z, std::size_t row, double& cost) const {
-    const double* const points = inOrder(Y);
+/// Runs `visit(p, squared distance)` for the entries of a row in their order.
+///
+/// @param points  the embedding in the order of the slices
+template <typename Visit>
+void SlicedAttraction::forEachEntry(const double* Y,
+                                    const double* points,
+                                    std::size_t row,
+                                    const Visit& visit) const {
     P_.forEachEntry(row, [&, own = Y + row * dims_](std::size_t place, double p) {
         double squared_distance = 0.0;
         for (std::size_t d = 0; d < dims_; ++d) {
             const double difference = own[d] - points[place + d];
             squared_distance += difference * difference;
         }
+        visit(p, squared_distance);
+    });
+}
+
+/// Adds the entries of a row one after the other.
+void SlicedAttraction::addEntries(const double* Y, double Z, std::size_t row, double& cost) const {
+    forEachEntry(Y, inOrder(Y), row, [&cost, Z](double p, double squared_distance) {
         const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
         cost += p * std::log((p + DBL_MIN) / Q);
     });
@@ -75,6 +89,16 @@ void SlicedAttraction::rowCosts(const double* Y, double Z, double* costs) {
     parallel_for_each(P_.rowCount(), kSliceRows, [=, this](std::size_t n) {
         costs[n] = 0.0;
         addEntries(Y, Z, n, costs[n]);
+    });
+}
+
+void SlicedAttraction::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
+    prepare(Y);
+    parallel_for_each(P_.rowCount(), kSliceRows, [=, this](std::size_t n) {
+        const auto for_each_entry = [&](const auto& visit) {
+            forEachEntry(Y, inOrder(Y), n, visit);
+        };
+        misfits[n] = row_misfit(for_each_entry, similarity_sums[n]);
     });
 }
 

@@ -29,6 +29,7 @@ class SlicedAttraction : public Attraction {
     void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) override;
     [[nodiscard]] double cost(const double* Y, double Z) override;
     void rowCosts(const double* Y, double Z, double* costs) override;
+    void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) override;
 
   private:
     /// The embedding in the order in which the rows of the matrix lie.
@@ -36,6 +37,11 @@ class SlicedAttraction : public Attraction {
         return points_ != nullptr ? points_.get() : Y;
     }
 
+    template <typename Visit>
+    void forEachEntry(const double* Y,
+                      const double* points,
+                      std::size_t row,
+                      const Visit& visit) const;
     [[nodiscard]] double plainCost(const double* Y, double Z) const;
     void addEntries(const double* Y, double Z, std::size_t row, double& cost) const;
 

@@ -34,6 +34,10 @@ void SparseObjective::rowCosts(const double* Y, double* costs) {
     forces_.rowCosts(attraction_, Y, costs);
 }
 
+void SparseObjective::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
+    attraction_.rowMisfits(Y, similarity_sums, misfits);
+}
+
 double SparseObjective::costAndGradient(const double* Y, double* dY) {
     return forces_.costAndGradient(attraction_, Y, dY);
 }

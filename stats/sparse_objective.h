@@ -19,6 +19,7 @@ class SparseObjective : public Objective {
     void gradient(const double* Y, double* dY) override;
     [[nodiscard]] double cost(const double* Y) override;
     void rowCosts(const double* Y, double* costs) override;
+    void rowMisfits(const double* Y, const double* similarity_sums, double* misfits) override;
     double costAndGradient(const double* Y, double* dY) override;
 
     /// Gives the density of the affinity matrix, and the time with fractions of a second.

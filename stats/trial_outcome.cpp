@@ -1,11 +1,12 @@
 #include "stats/trial_outcome.h"
 
-#include <algorithm>
 #include <limits>
+#include <span>
 
 #include "stats/map_stability.h"
 #include "stats/median.h"
-#include "stats/perplexity_choice.h"
+#include "stats/noise_comparison.h"
+#include "stats/noise_record.h"
 #include "util/matrix_view.h"
 
 namespace ovik {
@@ -43,37 +44,29 @@ Stability stability_of(MatrixView<const double> map, std::span<const TrialResult
 
 }  // namespace
 
-double share_better_than_noise(std::span<const double> kept, std::vector<double> noise) {
-    constexpr double kRate = 0.05;
-    std::sort(noise.begin(), noise.end());
-    const auto count = std::count_if(kept.begin(), kept.end(), [&noise](double value) {
-        const auto as_many = noise.end() - std::lower_bound(noise.begin(), noise.end(), value);
-        return static_cast<double>(1 + as_many) <= kRate * static_cast<double>(1 + noise.size());
-    });
-    return static_cast<double>(count) / static_cast<double>(kept.size());
-}
-
-RecordedTrials outcome_of(const PerplexityTrials& trials, std::size_t rows, std::size_t dims) {
-    RecordedTrials outcome;
-    outcome.seeds = trials.seeds.size();
-    outcome.columns = trials.columns.size();
-    outcome.noise = trials.noise.size();
-    outcome.neighbours = kSharedNeighbours;
+TrialOutcome outcome_of(const PerplexityTrials& trials, std::size_t rows, std::size_t dims) {
+    TrialOutcome outcome;
     const TrialResult& own = trials.seeds.front();
     const MatrixView<const double> map{own.map.data(), rows, dims};
     const Stability seeds = stability_of(map, std::span(trials.seeds).subspan(1));
     const Stability columns = stability_of(map, trials.columns);
-    outcome.shared_by_seeds = seeds.shared;
-    outcome.spread_by_seeds = seeds.spread;
-    outcome.shared_by_columns = columns.shared;
-    outcome.spread_by_columns = columns.spread;
+    outcome.trials = {trials.seeds.size(),
+                      trials.columns.size(),
+                      kSharedNeighbours,
+                      seeds.shared,
+                      columns.shared,
+                      seeds.spread,
+                      columns.spread};
     if (!trials.noise.empty()) {
-        std::vector<double> kept;
-        for (const TrialResult& noise : trials.noise) {
-            kept.insert(kept.end(), noise.kept.begin(), noise.kept.end());
+        std::vector<RowFits> noise;
+        noise.reserve(trials.noise.size());
+        for (const TrialResult& one : trials.noise) {
+            noise.push_back(one.rows);
         }
-        outcome.better_than_noise = share_better_than_noise(own.kept, std::move(kept));
-        outcome.of_noise = largest_share_of_noise(rows, trials.noise.size());
+        outcome.noise = recorded_noise(compare_with_noise(own.rows, noise),
+                                       noise.size(),
+                                       static_cast<std::size_t>(own.sizes.back()),
+                                       rows);
     }
     return outcome;
 }

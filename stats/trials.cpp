@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -15,6 +16,7 @@
 #include "stats/neighbourhood_quality.h"
 #include "stats/option_texts.h"
 #include "stats/resampling.h"
+#include "stats/row_concentration.h"
 #include "stats/side_by_side.h"
 #include "util/format.h"
 #include "util/input_error.h"
@@ -98,18 +100,24 @@ class TrialMatrices {
     std::map<Key, Place> places_;
 };
 
+/// Is thrown where a trial is to end that has no result to give.
+struct Ended {};
+
 /// Looks at how well the map of a trial keeps neighbourhoods.
 ///
 /// @param X  as the fit has left it: in the form of the metric
-void measure(TrialResult& result, MatrixView<const double> X, std::size_t dims) {
+void measure(TrialResult& result,
+             MatrixView<const double> X,
+             std::size_t dims,
+             const OnStage& on_stage) {
     std::vector<std::size_t> sizes(kSizes.begin(), kSizes.end());
     std::erase_if(sizes, [&X](std::size_t size) { return 2 * size >= X.rows; });
     for (NeighbourhoodQuality& quality :
-         neighbourhood_quality(X, {result.map.data(), X.rows, dims}, sizes)) {
+         neighbourhood_quality(X, {result.map.data(), X.rows, dims}, sizes, on_stage)) {
         result.sizes.push_back(static_cast<double>(quality.neighbours));
         result.trustworthiness.push_back(quality.trustworthiness);
         result.preservation.push_back(quality.preservation);
-        result.kept = std::move(quality.kept);
+        result.rows.kept = std::move(quality.kept);
     }
 }
 
@@ -123,39 +131,38 @@ void check_finite(const IterationReport& reached, const Trial& trial) {
     }
 }
 
-/// @return none if it was ended
-std::optional<TrialResult> run_trial(const Trial& trial,
-                                     const FitOptions& options,
-                                     MatrixView<const double> X,
-                                     const TrialMatrix& matrix,
-                                     const std::function<bool()>& goes_on) {
-    std::vector<double> values = matrix.values;
-    const MatrixView<double> input{values.data(), X.rows, X.columns};
-    bool is_ended = false;
+/// @param X  the matrix that is embedded, as it was loaded or made
+/// @throws Ended if it was ended
+TrialResult run_trial(const Trial& trial,
+                      const FitOptions& options,
+                      MatrixView<const double> X,
+                      CachedNeighbours* neighbours,
+                      const std::function<bool()>& goes_on) {
+    std::vector<double> values(X.all().begin(), X.all().end());
+    const bool is_judged =
+        trial.kind == TrialKind::Noise || (trial.kind == TrialKind::Seed && trial.number == 0);
     FitHooks hooks;
-    hooks.cached_neighbours = matrix.neighbours.get();
+    hooks.cached_neighbours = neighbours;
+    hooks.wants_row_costs = is_judged;
+    hooks.on_stage = [&](Stage /*stage*/, std::uint64_t /*done*/, std::uint64_t /*total*/) {
+        if (!goes_on()) {
+            throw Ended();
+        }
+    };
     hooks.on_iteration = [&](const FitState& state) {
         check_finite(state.reached, trial);
-        is_ended = !goes_on();
-        return !is_ended;
+        return true;
     };
-    hooks.on_sample_iteration = [&](const FitState& /*state*/) {
-        is_ended = !goes_on();
-        return !is_ended;
-    };
+    const MatrixView<double> input{values.data(), X.rows, X.columns};
     Fit made = fit(input, options_of(trial, options), hooks);
-    if (is_ended) {
-        return std::nullopt;
-    }
     TrialResult result;
     result.map = std::move(made.embedding);
     result.final_cost = made.report.final_cost;
     result.iteration = made.report.reached.iteration;
-    const bool is_judged =
-        trial.kind == TrialKind::Noise || (trial.kind == TrialKind::Seed && trial.number == 0);
     if (is_judged) {
-        measure(
-            result, {values.data(), X.rows, X.columns}, static_cast<std::size_t>(options.out_dims));
+        measure(result, input, static_cast<std::size_t>(options.out_dims), hooks.on_stage);
+        result.rows.misfit = std::move(made.report.row_misfits);
+        result.rows.concentration = row_concentrations(X);
     }
     return result;
 }
@@ -222,17 +229,20 @@ bool run_trials(MatrixView<const double> X,
         at_once,
         hooks.goes_on,
         [&](std::size_t i, const std::function<bool()>& goes_on) -> std::optional<bool> {
-            if (!goes_on()) {
+            try {
+                if (!goes_on()) {
+                    throw Ended();
+                }
+                const std::shared_ptr<const TrialMatrix> matrix = matrices.take(trials[i]);
+                const MatrixView<const double> values{
+                    matrix->values.data(), X.rows, X.columns};
+                hooks.keep(trials[i],
+                           run_trial(
+                               trials[i], options, values, matrix->neighbours.get(), goes_on));
+                return true;
+            } catch (const Ended&) {
                 return std::nullopt;
             }
-            const std::shared_ptr<const TrialMatrix> matrix = matrices.take(trials[i]);
-            const std::optional<TrialResult> result =
-                run_trial(trials[i], options, X, *matrix, goes_on);
-            if (!result) {
-                return std::nullopt;
-            }
-            hooks.keep(trials[i], *result);
-            return true;
         });
     return made.size() == trials.size();
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "stats/fit_options.h"
+#include "stats/noise_comparison.h"
 #include "util/matrix_view.h"
 
 /// Many fits of one matrix, by which maps of several perplexities are judged.
@@ -61,20 +62,20 @@ struct TrialResult {
     double final_cost = 0.0;
     /// The iteration done last.
     int iteration = -1;
-    /// Sizes of neighbourhoods, and how well the map keeps each of them; of all trials but those of
-    /// drawn columns and of further seeds.
+    /// Sizes of neighbourhoods, and how well the map keeps each of them. This and the rest are there
+    /// of the matrix as it is, by its first seed, and of noise.
     std::vector<double> sizes;
     std::vector<double> trustworthiness;
     std::vector<double> preservation;
-    /// The share of the most nearest neighbours that are looked at which the map keeps of each row.
-    std::vector<double> kept;
+    /// What is compared of the rows, with kept neighbours of the largest size.
+    RowFits rows;
 };
 
 /// What trials take from their surroundings, and give to them. Several threads may call at once.
 struct TrialHooks {
     /// Takes what a trial came to.
     std::function<void(const Trial& trial, const TrialResult& result)> keep;
-    /// Asked after each iteration; false ends all trials. May be empty.
+    /// Asked again and again; false ends all trials. May be empty.
     std::function<bool()> goes_on = {};
 };
 

@@ -1,9 +1,11 @@
 #include "stats/trust_texts.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "stats/row_reliability.h"
 #include "stats/seed_texts.h"
 #include "util/rounded.h"
 
@@ -53,6 +55,21 @@ void add_misplaced(const RowReliability& rows, std::vector<TrustNumber>& numbers
                            far + " nearest on the map."});
 }
 
+void add_noise(const RowReliability& rows,
+               const std::string& by,
+               const std::string& words,
+               std::vector<TrustNumber>& numbers) {
+    const std::optional<NoiseSummary> summary = noise_summary_of(rows, by);
+    if (summary) {
+        numbers.push_back(
+            {"Told from noise by " + words,
+             percent_text(summary->told),
+             "So many of the rows can be told from rows of shuffled values by their " + words +
+                 ", at a false discovery rate of 5 %; " + percent_text(summary->better) +
+                 " are better than 95 % of those, as 5 % of pure noise are."});
+    }
+}
+
 void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
     numbers.push_back({"Cost by seed",
                        seed_costs_text(seeds),
@@ -93,6 +110,8 @@ MapTrust map_trust(const FitReport& report,
     }
     if (rows != nullptr) {
         add_misplaced(*rows, trust.numbers);
+        add_noise(*rows, "kept", "kept neighbours", trust.numbers);
+        add_noise(*rows, "misfit", "misfit", trust.numbers);
     }
     trust.rows = std::move(rows);
     trust.numbers.push_back({"Cost",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
 
 #include "stats/option_texts.h"
 #include "util/format.h"
@@ -17,12 +18,14 @@ namespace {
 
 using Entries = std::vector<ComparisonEntry>;
 
+constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
 /// What runs of one choice have in common.
 std::string alike_text(const ComparisonEntry& entry) {
     std::string text =
         entry.data + "\n" + std::to_string(entry.rows) + "\n" + std::to_string(entry.columns) +
         "\n" + std::to_string(entry.run.trials->seeds) + "\n" +
-        std::to_string(entry.run.trials->columns) + "\n" + std::to_string(entry.run.trials->noise);
+        std::to_string(entry.run.trials->columns) + "\n" + std::to_string(entry.run.noise ? entry.run.noise->matrices : 0);
     visit_fit_options(entry.options, [&text](const auto& option) {
         if (option.words.name != "perplexity") {
             text += "\n" + value_text(option);
@@ -41,13 +44,22 @@ double kept_of(const RunRecord& run) {
     return run.quality.empty() ? std::nan("") : run.quality.back().preservation;
 }
 
+double better_than_noise(const ComparisonEntry& entry) {
+    return entry.run.noise ? entry.run.noise->kept.better : kNone;
+}
+
+/// What noise itself may reach of that.
+double share_of_noise(const ComparisonEntry& entry) {
+    return entry.run.noise ? largest_share_of_noise(entry.rows, entry.run.noise->matrices) : kNone;
+}
+
 std::vector<PerplexityOutcome> outcomes_of(const Entries& entries) {
     std::vector<PerplexityOutcome> outcomes;
     for (const ComparisonEntry& entry : entries) {
         const RecordedTrials& trials = *entry.run.trials;
         outcomes.push_back({entry.run.perplexity,
-                            trials.better_than_noise,
-                            trials.of_noise,
+                            better_than_noise(entry),
+                            share_of_noise(entry),
                             mean_of_known(trials.shared_by_seeds, trials.shared_by_columns),
                             kept_of(entry.run)});
     }
@@ -57,41 +69,66 @@ std::vector<PerplexityOutcome> outcomes_of(const Entries& entries) {
 /// A column of the table.
 struct TableColumn {
     std::string name;
-    std::function<double(const RunRecord&)> number;
+    std::function<double(const ComparisonEntry&)> number;
 };
 
-std::vector<TableColumn> quality_columns(const RunRecord& first) {
-    std::vector<TableColumn> columns;
+void add_quality_columns(std::vector<TableColumn>& columns, const RunRecord& first) {
     for (std::size_t i = 0; i < first.quality.size(); ++i) {
         const std::string k = std::to_string(first.quality[i].neighbours);
-        columns.push_back({"trustworthiness_" + k, [i](const RunRecord& run) {
-                               return run.quality.at(i).trustworthiness;
+        columns.push_back({"trustworthiness_" + k, [i](const ComparisonEntry& entry) {
+                               return entry.run.quality.at(i).trustworthiness;
                            }});
-        columns.push_back(
-            {"kept_" + k, [i](const RunRecord& run) { return run.quality.at(i).preservation; }});
+        columns.push_back({"kept_" + k, [i](const ComparisonEntry& entry) {
+                               return entry.run.quality.at(i).preservation;
+                           }});
     }
-    return columns;
 }
 
-std::vector<TableColumn> trial_columns() {
-    std::vector<TableColumn> columns;
-    const auto add = [&columns](const char* name, double RecordedTrials::*number) {
-        columns.push_back({name, [number](const RunRecord& run) { return (*run.trials).*number; }});
-    };
-    const auto add_count = [&columns](const char* name, std::size_t RecordedTrials::*number) {
-        columns.push_back({name, [number](const RunRecord& run) {
-                               return static_cast<double>((*run.trials).*number);
+void add_noise_columns(std::vector<TableColumn>& columns) {
+    const auto add = [&columns](const char* name, const auto& number) {
+        columns.push_back({name, [number](const ComparisonEntry& entry) {
+                               return entry.run.noise ? number(*entry.run.noise) : kNone;
                            }});
     };
-    add("better_than_noise", &RecordedTrials::better_than_noise);
-    add("of_noise", &RecordedTrials::of_noise);
+    add("better_than_noise", [](const RecordedNoise& noise) { return noise.kept.better; });
+    columns.push_back({"of_noise", &share_of_noise});
+    add("told_from_noise", [](const RecordedNoise& noise) { return noise.kept.told; });
+    add("better_by_misfit", [](const RecordedNoise& noise) { return noise.misfit.better; });
+    add("told_by_misfit", [](const RecordedNoise& noise) { return noise.misfit.told; });
+}
+
+void add_stability_columns(std::vector<TableColumn>& columns) {
+    const auto add = [&columns](const char* name, double RecordedTrials::*number) {
+        columns.push_back({name, [number](const ComparisonEntry& entry) {
+                               return (*entry.run.trials).*number;
+                           }});
+    };
     add("shared_by_seeds", &RecordedTrials::shared_by_seeds);
     add("shared_by_columns", &RecordedTrials::shared_by_columns);
     add("spread_by_seeds", &RecordedTrials::spread_by_seeds);
     add("spread_by_columns", &RecordedTrials::spread_by_columns);
-    add_count("seeds", &RecordedTrials::seeds);
-    add_count("columns", &RecordedTrials::columns);
-    add_count("noise", &RecordedTrials::noise);
+}
+
+void add_count_columns(std::vector<TableColumn>& columns) {
+    columns.push_back({"seeds", [](const ComparisonEntry& entry) {
+                           return static_cast<double>(entry.run.trials->seeds);
+                       }});
+    columns.push_back({"columns", [](const ComparisonEntry& entry) {
+                           return static_cast<double>(entry.run.trials->columns);
+                       }});
+    columns.push_back({"noise", [](const ComparisonEntry& entry) {
+                           return static_cast<double>(entry.run.noise ? entry.run.noise->matrices
+                                                                      : 0);
+                       }});
+}
+
+std::vector<TableColumn> table_columns(const RunRecord& first) {
+    std::vector<TableColumn> columns = {
+        {"final_cost", [](const ComparisonEntry& entry) { return entry.run.final_cost; }}};
+    add_quality_columns(columns, first);
+    add_noise_columns(columns);
+    add_stability_columns(columns);
+    add_count_columns(columns);
     return columns;
 }
 
@@ -139,22 +176,16 @@ ChoiceCurves choice_curves(const Entries& entries, const PerplexityChoice& choic
 }
 
 std::string choice_table(const Entries& entries, const PerplexityChoice& choice) {
-    std::vector<TableColumn> columns = {
-        {"final_cost", [](const RunRecord& run) { return run.final_cost; }}};
-    for (std::vector<TableColumn>& more :
-         std::vector{quality_columns(entries.front().run), trial_columns()}) {
-        columns.insert(columns.end(), more.begin(), more.end());
-    }
+    const std::vector<TableColumn> columns = table_columns(entries.front().run);
     std::string table = "perplexity\trecommended";
     for (const TableColumn& column : columns) {
         table += "\t" + column.name;
     }
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        const RunRecord& run = entries[i].run;
-        table +=
-            "\n" + shortest_text(run.perplexity) + (choice.recommended == i ? "\tyes" : "\tno");
+        table += "\n" + shortest_text(entries[i].run.perplexity) +
+                 (choice.recommended == i ? "\tyes" : "\tno");
         for (const TableColumn& column : columns) {
-            const double number = column.number(run);
+            const double number = column.number(entries[i]);
             table += "\t" + (std::isnan(number) ? std::string() : shortest_text(number));
         }
     }

@@ -37,7 +37,9 @@ NumberLists lists_of(const TrialResult& result) {
             {"sizes", result.sizes},
             {"trustworthiness", result.trustworthiness},
             {"preservation", result.preservation},
-            {"kept", result.kept}};
+            {"kept", result.rows.kept},
+            {"misfit", result.rows.misfit},
+            {"concentration", result.rows.concentration}};
 }
 
 /// @param lists  as `lists_of` made them
@@ -48,7 +50,9 @@ TrialResult result_of(NumberLists lists) {
             std::move(lists.at("sizes")),
             std::move(lists.at("trustworthiness")),
             std::move(lists.at("preservation")),
-            std::move(lists.at("kept"))};
+            {std::move(lists.at("kept")),
+             std::move(lists.at("misfit")),
+             std::move(lists.at("concentration"))}};
 }
 
 /// The fits of one matrix that have ended, in a directory.
@@ -167,7 +171,9 @@ RunRecord record_of(const Options& options,
         record.quality.push_back(
             {static_cast<std::size_t>(own.sizes[i]), own.trustworthiness[i], own.preservation[i]});
     }
-    record.trials = outcome_of(trials, rows, dims);
+    const TrialOutcome outcome = outcome_of(trials, rows, dims);
+    record.trials = outcome.trials;
+    record.noise = outcome.noise;
     record.places = own.map;
     const std::string path = result_base(options, perplexity) + ".csv";
     const MatrixView<const double> map{own.map.data(), rows, dims};

@@ -148,7 +148,6 @@ RecordedTrials trials_of(const Json& json) {
     RecordedTrials trials;
     json.at("seeds").get_to(trials.seeds);
     json.at("columns").get_to(trials.columns);
-    json.at("noise").get_to(trials.noise);
     json.at("neighbours").get_to(trials.neighbours);
     const auto read = [&json](const char* name, double& number) {
         const Json& value = json.at(name);
@@ -158,9 +157,24 @@ RecordedTrials trials_of(const Json& json) {
     read("shared_by_columns", trials.shared_by_columns);
     read("spread_by_seeds", trials.spread_by_seeds);
     read("spread_by_columns", trials.spread_by_columns);
-    read("better_than_noise", trials.better_than_noise);
-    read("of_noise", trials.of_noise);
     return trials;
+}
+
+/// @throws nlohmann::json::exception if something is lacking, or of another kind
+RecordedNoise noise_of(const Json& json) {
+    const auto summary_of = [](const Json& summary) {
+        return RecordedNoiseSummary{summary.at("better").get<double>(),
+                                    summary.at("told").get<double>(),
+                                    summary.at("least_rate").get<double>(),
+                                    summary.at("signal").get<double>()};
+    };
+    return {json.at("matrices").get<std::size_t>(),
+            json.at("neighbours").get<std::size_t>(),
+            json.at("groups").get<std::size_t>(),
+            json.at("least_chance").get<double>(),
+            json.at("needed").get<std::size_t>(),
+            summary_of(json.at("kept")),
+            summary_of(json.at("misfit"))};
 }
 
 /// @throws nlohmann::json::exception if the report lacks something, or it is of another kind
@@ -187,6 +201,9 @@ RunRecord record_of(const Json& run) {
         record.quality.push_back({quality.at("neighbours").get<std::size_t>(),
                                   quality.at("trustworthiness").get<double>(),
                                   quality.at("preservation").get<double>()});
+    }
+    if (const auto noise = run.find("noise"); noise != run.end()) {
+        record.noise = noise_of(*noise);
     }
     if (const auto trials = run.find("trials"); trials != run.end()) {
         record.trials = trials_of(*trials);

@@ -249,23 +249,27 @@ void add_qualities(std::vector<ComparedNumber>& numbers, const Entries& entries)
 void add_trials(std::vector<ComparedNumber>& numbers, const Entries& entries) {
     const Best best = share_data(entries) ? Best::Most : Best::None;
     const std::string end = best == Best::Most ? "." : kDifferentData;
-    const auto add =
-        [&](const std::string& name, const std::string& sentence, double RecordedTrials::*share) {
-            const auto values = values_of(entries, [share](const ComparisonEntry& entry) {
-                return entry.run.trials ? (*entry.run.trials).*share : kNone;
-            });
-            numbers.push_back(number(name, sentence + end, values, best, &percent_text));
+    const auto add = [&](const std::string& name, const std::string& sentence, const auto& share) {
+        numbers.push_back(
+            number(name, sentence + end, values_of(entries, share), best, &percent_text));
+    };
+    const auto of_trials = [](double RecordedTrials::*share) {
+        return [share](const ComparisonEntry& entry) {
+            return entry.run.trials ? (*entry.run.trials).*share : kNone;
         };
+    };
     add("Better than noise",
         "The share of the genes that keep more of their nearest neighbours than 19 in 20 genes of "
-        "shuffled values do; of noise 5 %",
-        &RecordedTrials::better_than_noise);
+        "shuffled values do; of noise itself 5 %",
+        [](const ComparisonEntry& entry) {
+            return entry.run.noise ? entry.run.noise->kept.better : kNone;
+        });
     add("Shared by seeds",
         "The share of the nearest genes of each gene in the map that are so in maps of other seeds",
-        &RecordedTrials::shared_by_seeds);
+        of_trials(&RecordedTrials::shared_by_seeds));
     add("Shared by columns",
         "The same in maps of as many columns, drawn from those of the data with replacement",
-        &RecordedTrials::shared_by_columns);
+        of_trials(&RecordedTrials::shared_by_columns));
 }
 
 /// Numbers of how far maps agree with the reference.

@@ -63,7 +63,10 @@ void print_plan(const Options& options,
                " dimensions, " + std::to_string(options.fit.max_iter + 1) + " iterations");
     if (options.chooses_perplexity) {
         print_fits(options, perplexities.size(), size.rows);
-    } else if (options.seeds > 1) {
+    } else if (options.against_noise > 0) {
+        print_info("Maps of noise: " + std::to_string(options.against_noise));
+    }
+    if (options.seeds > 1 && !options.chooses_perplexity) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));
     }

@@ -26,6 +26,7 @@
 #include "tools/h5ad_result.h"
 #include "tools/interruption.h"
 #include "tools/map_clusters.h"
+#include "tools/map_noise.h"
 #include "tools/map_quality.h"
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
@@ -102,6 +103,7 @@ void record_seeds(RunRecord& record, const SeedReport& seeds) {
 struct LookFailures {
     std::string clusters;
     std::string quality;
+    std::string noise;
 };
 
 /// Adds the clusters to the labels and the record of a run.
@@ -124,14 +126,43 @@ RowClusters add_clusters(TSNE<T>& tsne,
     return clusters;
 }
 
+/// Tells how far each row can be trusted. What is known by then stays if the comparison with noise
+/// fails.
+///
+/// @param values  as `look_at_map` has them
+/// @return why the rows could not be compared with noise; empty if they were, or are not to be
+template <typename T>
+std::string judge_rows(const TSNE<T>& tsne,
+                       const Options& options,
+                       const FitReport& report,
+                       const std::vector<double>& values,
+                       const RowNeighbourhoods& measured,
+                       RunRecord& record) {
+    const auto known = std::make_shared<RowReliability>(
+        row_reliability(measured, report.row_costs, report.row_misfits));
+    record.reliability = known;
+    if (options.against_noise == 0) {
+        return {};
+    }
+    FitOptions fit = options.fit;
+    fit.perplexity = tsne.perplexity;
+    const MatrixView<const double> X{
+        values.data(), static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(tsne.D)};
+    return failure_of([&] {
+        record.noise = compare_with_noise(options, fit, X, measured.quality.back(), *known);
+    });
+}
+
 /// Finds out what is asked for of a finished map, and gives it to the results. What fails costs no
 /// other result.
 ///
 /// @param label_columns  of the run, to which the clusters are added
+/// @param values         the matrix as it was loaded; empty unless it is to be shuffled
 template <typename T>
 LookFailures look_at_map(TSNE<T>& tsne,
                          const Options& options,
                          const FitReport& report,
+                         const std::vector<double>& values,
                          std::vector<LabelColumn>& label_columns,
                          RunRecord& record) {
     LookFailures failures;
@@ -146,8 +177,7 @@ LookFailures look_at_map(TSNE<T>& tsne,
         failures.quality = failure_of([&] {
             measured = report_map_quality(tsne, options.fit.out_dims, options.reliability);
             if (options.reliability) {
-                record.reliability = std::make_shared<const RowReliability>(
-                    row_reliability(measured, report.row_costs));
+                failures.noise = judge_rows(tsne, options, report, values, measured, record);
             }
         });
     }
@@ -279,6 +309,10 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
             reliability_path(base),
             write_reliability_table(reliability_path(base), tsne.row_names, *record.reliability));
     }
+    if (!failures.noise.empty()) {
+        files.push_back({"Comparison with noise", "", failures.noise});
+        complain("The rows could not be compared with noise (" + failures.noise + ")");
+    }
     if (!failures.quality.empty()) {
         files.push_back({"Quality", "", failures.quality});
         complain("Quality could not be measured (" + failures.quality + ")");
@@ -311,6 +345,11 @@ template <typename T>
 RunRecord run(const Options& options, RunInput input, double perplexity) {
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
     const auto finish = [](TSNE<T>* run) { run->finish(); };
+    // The fit brings its own input into another form.
+    std::vector<double> values;
+    if (options.against_noise > 0) {
+        values.assign(input.values.get(), input.values.get() + input.rows * input.columns);
+    }
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     RunRecord record;
@@ -333,7 +372,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.wants_row_costs = options.reliability;
     LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
-        failures = look_at_map(tsne, options, report, input.label_columns, record);
+        failures = look_at_map(tsne, options, report, values, input.label_columns, record);
         if (report.sample && report.sample->recall) {
             record.sample_recall = report.sample->recall->share;
         }

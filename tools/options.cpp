@@ -87,6 +87,9 @@ CLI::Validator whole_number(int least, int most) {
 /// Of clusters: far from where all rows are one, or each is one.
 constexpr OptionRange<double> kResolutions{.least = 0.001, .most = 1000.0};
 
+/// Matrices of noise: more say no more.
+constexpr int kMostNoiseMatrices = 1000;
+
 /// The parts of a text between its commas.
 std::vector<std::string> parts_of(const std::string& text) {
     std::vector<std::string> parts;
@@ -205,6 +208,12 @@ void add_output_options(CLI::App& app, Options& options) {
     app.add_flag("--reliability",
                  options.reliability,
                  "Tell how far to trust the place of each row, in a table and on the chart page");
+    app.add_option("--against-noise",
+                   options.against_noise,
+                   "Embed so many matrices of shuffled values, and tell for each row whether noise "
+                   "would place it as well")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, kMostNoiseMatrices));
     add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
@@ -461,12 +470,6 @@ void add_choice_options(CLI::App& app, Options& options) {
     app.add_option("--stability",
                    options.stability,
                    "Beside --choose-perplexity: fits of drawn columns of each perplexity (5)")
-        ->option_text("COUNT")
-        ->transform(whole_number(1, 1000))
-        ->needs(choose);
-    app.add_option("--against-noise",
-                   options.against_noise,
-                   "Beside --choose-perplexity: fits of shuffled values of each perplexity (5)")
         ->option_text("COUNT")
         ->transform(whole_number(1, 1000))
         ->needs(choose);
@@ -971,6 +974,7 @@ void check_fit(const CLI::App& app, Options& options) {
 }
 
 void fill_in_defaults(Options& options) {
+    options.reliability = options.reliability || options.against_noise > 0;
     options.quality = options.quality || options.reliability;
     if (options.name.empty() && !options.collected_reports.empty()) {
         options.name = "collected";

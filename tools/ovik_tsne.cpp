@@ -80,7 +80,9 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = options.seeds + options.stability + options.against_noise;
+    size.seeds = options.chooses_perplexity
+                     ? options.seeds + options.stability + options.against_noise
+                     : std::max(options.seeds, 1 + options.against_noise);
     return size;
 }
 
@@ -146,6 +148,7 @@ ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
+    check_noise_options(options);
     check_places(options);
     std::optional<ConsoleSilence> silence;
     settle_manner(options, silence);

@@ -31,6 +31,11 @@ void check_use(const Options& options) {
                          ", which are compared by --metric euclidean alone\nLeave "
                          "--metric away.");
     }
+    if (options.against_noise > 0) {
+        throw InputError(
+            (options.chooses_perplexity ? "--choose-perplexity: " : "--against-noise: ") + reason +
+            ", which are not there to be shuffled\nLeave it away, or give fewer columns.");
+    }
     if (!options.model.empty()) {
         throw InputError("--model: " + reason +
                          ", of which a model knows nothing\nLeave --model away, or make the map of "

@@ -46,6 +46,8 @@ StageWords words_of(Stage stage) {
             return {"Clusters", ""};
         case Stage::Quality:
             return {"Quality", " rows"};
+        case Stage::Noise:
+            return {"Maps of noise", " iterations"};
         case Stage::Table:
             return {"Result table", ""};
         case Stage::Page:

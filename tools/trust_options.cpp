@@ -11,11 +11,13 @@
 namespace ovik::tool {
 
 void check_judged_rows(const Options& options, std::size_t rows) {
-    if (!(options.reliability || options.chooses_perplexity) || rows >= kFewestJudgedRows) {
+    if (!options.reliability || rows >= kFewestJudgedRows) {
         return;
     }
-    throw InputError(std::string(options.reliability ? "--reliability" : "--choose-perplexity") +
-                     " takes at least " + std::to_string(kFewestJudgedRows) +
+    const std::string option = options.chooses_perplexity  ? "--choose-perplexity"
+                               : options.against_noise > 0 ? "--against-noise"
+                                                           : "--reliability";
+    throw InputError(option + " takes at least " + std::to_string(kFewestJudgedRows) +
                      " rows, and the matrix has " + counted(rows, "row", "rows") +
                      "\nLeave it out: among so few rows nearly all are neighbours.");
 }
@@ -44,6 +46,29 @@ void check_chosen_perplexities(const Options& options, std::size_t rows) {
                              ", a third of the others that a row has.");
         }
     }
+}
+
+void check_noise_options(const Options& options) {
+    if (options.against_noise == 0 || options.chooses_perplexity) {
+        return;
+    }
+    const auto refuse = [](bool is_wrong, const std::string& text) {
+        if (is_wrong) {
+            throw InputError("--against-noise " + text);
+        }
+    };
+    refuse(options.fit.metric == MetricKind::Precomputed,
+           "shuffles the values of each column, and --metric precomputed has distances in their "
+           "place\nGive the matrix that they are of, or leave --against-noise out.");
+    refuse(!options.neighbours_file.empty(),
+           "embeds matrices of shuffled values, whose neighbours --neighbours-from does not know"
+           "\nLeave one of them out.");
+    refuse(!options.start_file.empty(),
+           "would start noise at the places that a file of --start gives the rows"
+           "\nGive --start random or pca, or leave --against-noise out.");
+    refuse(options.seeds > 1,
+           "would compare the best map of several --seeds with single maps of noise"
+           "\nLeave one of them out.");
 }
 
 }  // namespace ovik::tool

@@ -18,4 +18,9 @@ void check_judged_rows(const Options& options, std::size_t rows);
 /// more than a third of the other rows
 void check_chosen_perplexities(const Options& options, std::size_t rows);
 
+/// Refuses what does not go with maps of noise.
+///
+/// @throws InputError if `--against-noise` cannot shuffle, or not embed by the same options
+void check_noise_options(const Options& options);
+
 }  // namespace ovik::tool

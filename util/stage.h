@@ -23,6 +23,8 @@ enum class Stage {
     Clusters,
     /// Of rows.
     Quality,
+    /// The fits of noise that the map is compared with: of the iterations of all of them.
+    Noise,
     Table,
     Page,
     Figure,

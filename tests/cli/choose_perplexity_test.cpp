@@ -161,7 +161,7 @@ TEST_F(ChoosePerplexityCommand, LeavesTableFigurePageAndMaps) {
     EXPECT_THAT(outcome.out, HasSubstr("-- " + sentence + "\n"));
     ASSERT_EQ(report["runs"].size(), 3U);
     EXPECT_EQ(report["runs"][0]["perplexity"], 5);
-    EXPECT_EQ(report["runs"][1]["trials"]["noise"], 1);
+    EXPECT_EQ(report["runs"][1]["noise"]["matrices"], 1);
     EXPECT_TRUE(report["runs"][1]["trials"]["shared_by_columns"].is_number());
     const std::string table = file("out/y_tsne_choice.tsv");
     EXPECT_THAT(table, StartsWith("perplexity\trecommended\tfinal_cost\ttrustworthiness_10\t"));

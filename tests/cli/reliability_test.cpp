@@ -46,7 +46,7 @@ TEST_F(Reliability, IsWrittenBesideTheTableWhichStaysAsItIs) {
     }
     EXPECT_THAT(first,
                 testing::StartsWith("name\tkept_10\tkept_30\ttrustworthiness_10\t"
-                                    "trustworthiness_30\tcost\tfalse_neighbours\t"
+                                    "trustworthiness_30\tcost\tmisfit\tfalse_neighbours\t"
                                     "torn_neighbours\n"));
     EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 201);
     const json run = json::parse(test::read_file(file))["runs"][0];
@@ -72,6 +72,65 @@ TEST_F(Reliability, IsNotAskedOfAFewRows) {
     const CommandOutcome outcome = embed({"--reliability"});
     EXPECT_EQ(outcome.exit_status, test::kBadInput);
     EXPECT_THAT(outcome.err, HasSubstr("at least 30 rows, and the matrix has 29 rows\n"));
+    EXPECT_FALSE(std::filesystem::exists(results_));
+}
+
+TEST_F(Reliability, ComparesTheRowsWithNoise) {
+    const std::string file = directory_.file("report.json");
+    ASSERT_EQ(embed({"--no-plots"}).exit_status, kSuccess);
+    const std::string table = result("m_tsne_20_0.csv");
+    std::string first;
+    for (const char* const threads : {"1", "2", "5"}) {
+        const CommandOutcome outcome =
+            embed({"--against-noise", "3", "--no-plots", "--json", file, "-j", threads});
+        ASSERT_EQ(outcome.exit_status, kSuccess) << outcome.err;
+        EXPECT_THAT(outcome.out, HasSubstr("-- Embedding 3 matrices of shuffled values\n"));
+        EXPECT_THAT(outcome.out, HasSubstr("-- By kept neighbours: "));
+        EXPECT_THAT(outcome.out, HasSubstr("-- By misfit: "));
+        EXPECT_EQ(result("m_tsne_20_0.csv"), table);
+        const std::string reliability = result("m_tsne_20_0.reliability.tsv");
+        first = first.empty() ? reliability : first;
+        EXPECT_EQ(reliability, first) << threads;
+    }
+    EXPECT_THAT(first,
+                HasSubstr("\tcost\tmisfit\tconcentration\tp_kept\tq_kept\tp_misfit\tq_misfit\t"
+                          "false_neighbours"));
+    const json run = json::parse(test::read_file(file))["runs"][0];
+    EXPECT_EQ(run["noise"]["matrices"], 3);
+    EXPECT_EQ(run["noise"]["neighbours"], 30);
+    EXPECT_EQ(run["noise"]["groups"], 3);
+    EXPECT_EQ(run["noise"]["least_chance"], 1.0 / 201.0);
+    std::size_t better = 0;
+    for (const double chance : run["reliability"]["p_kept"]) {
+        EXPECT_GE(chance, 1.0 / 201.0);
+        better += chance <= 0.05 ? 1 : 0;
+    }
+    EXPECT_DOUBLE_EQ(run["noise"]["kept"]["better"].get<double>(),
+                     static_cast<double>(better) / 200.0);
+}
+
+TEST_F(Reliability, OfNoiseGoesWithNothingThatCannotBeShuffled) {
+    const std::vector<std::vector<std::string>> kRefused = {
+        {"--against-noise", "0"},
+        {"--against-noise", "-1"},
+        {"--against-noise", "1001"},
+        {"--against-noise", "2", "--metric", "precomputed"},
+        {"--against-noise", "2", "--neighbours-from", directory_.write("graph.mtx", "")},
+        {"--against-noise", "2", "--start", directory_.write("start.tsv", "name\tx\ty\n")},
+        {"--against-noise", "2", "--seeds", "2"},
+        {"--against-noise", "2", "--onto", directory_.file("m")},
+    };
+    for (const std::vector<std::string>& options : kRefused) {
+        const CommandOutcome outcome = embed(options);
+        EXPECT_EQ(outcome.exit_status, test::kBadInput) << options.back();
+        EXPECT_THAT(outcome.err, HasSubstr("against-noise")) << options.back();
+        EXPECT_FALSE(std::filesystem::exists(results_));
+    }
+    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 29);
+    EXPECT_THAT(embed({"--against-noise", "2"}).err,
+                HasSubstr("--against-noise takes at least 30 rows"));
+    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 40);
+    EXPECT_THAT(embed({"--against-noise", "2", "-p", "40"}).err, HasSubstr("perplexity"));
     EXPECT_FALSE(std::filesystem::exists(results_));
 }
 

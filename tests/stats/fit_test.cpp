@@ -348,6 +348,23 @@ TEST(Fit, TellsWhatEachRowAddsToTheCostByEveryMethodAndAffinity) {
     }
 }
 
+TEST(Fit, TellsTheMisfitOfEachRow) {
+    EXPECT_TRUE(fitted(kOptions).report.row_misfits.empty());
+    FitHooks hooks;
+    hooks.wants_row_costs = true;
+    for (const MethodKind method : {MethodKind::Exact, MethodKind::BarnesHut, MethodKind::Mesh}) {
+        FitOptions options = kOptions;
+        options.method = method;
+        const std::vector<double> misfits = fitted(options, hooks).report.row_misfits;
+        ASSERT_EQ(misfits.size(), kRows);
+        EXPECT_GT(*std::min_element(misfits.begin(), misfits.end()), 0.0);
+        for (const int threads : {1, 2, 5}) {
+            const test::ThreadCount scope(threads);
+            EXPECT_EQ(fitted(options, hooks).report.row_misfits, misfits) << threads;
+        }
+    }
+}
+
 TEST(Fit, EndsWhereTheHookSaysSo) {
     for (const double theta : {0.0, 0.5}) {
         std::vector<int> seen;

@@ -38,6 +38,10 @@ class Bowl : public Objective {
 
     void rowCosts(const double* /*Y*/, double* /*costs*/) override { calls += "rows "; }
 
+    void rowMisfits(const double* /*Y*/, const double* /*sums*/, double* /*misfits*/) override {
+        calls += "misfits ";
+    }
+
     double costAndGradient(const double* Y, double* dY) override {
         calls += "both ";
         fill(Y, dY);

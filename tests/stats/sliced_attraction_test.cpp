@@ -182,6 +182,10 @@ TEST(SlicedAttraction, TellsTheCostOfEachRowWhateverTheOrderInWhichTheyLie) {
     plain.rowCosts(Y.data(), 1.5, expected.data());
     reordered.rowCosts(Y.data(), 1.5, costs.data());
     EXPECT_EQ(costs, expected);
+    const std::vector<double> sums(kPoints, 2.5);
+    plain.rowMisfits(Y.data(), sums.data(), expected.data());
+    reordered.rowMisfits(Y.data(), sums.data(), costs.data());
+    EXPECT_EQ(costs, expected);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "stats/fit.h"
 #include "stats/neighbourhood_quality.h"
 #include "stats/resampling.h"
+#include "stats/row_concentration.h"
 
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
@@ -64,7 +65,9 @@ void expect_equal(const TrialResult& a, const TrialResult& b) {
     EXPECT_EQ(a.sizes, b.sizes);
     EXPECT_EQ(a.trustworthiness, b.trustworthiness);
     EXPECT_EQ(a.preservation, b.preservation);
-    EXPECT_EQ(a.kept, b.kept);
+    EXPECT_EQ(a.rows.kept, b.rows.kept);
+    EXPECT_EQ(a.rows.misfit, b.rows.misfit);
+    EXPECT_EQ(a.rows.concentration, b.rows.concentration);
 }
 
 TEST_F(Trials, OfAMatrixStandTogetherTheLargestPerplexityFirst) {
@@ -108,7 +111,10 @@ TEST_F(Trials, AreTheFitsOfTheirMatricesByThemselves) {
             own.start = StartKind::Random;
         }
         const MatrixView<double> X{input.data(), kRows, kColumns};
-        const Fit made = fit(X, own);
+        const std::vector<double> concentrations = row_concentrations(X);
+        FitHooks hooks;
+        hooks.wants_row_costs = true;
+        const Fit made = fit(X, own, hooks);
         const TrialResult& result = results.at(name_of(trial));
         EXPECT_EQ(result.map, made.embedding) << name_of(trial);
         EXPECT_EQ(result.final_cost, made.report.final_cost);
@@ -118,11 +124,13 @@ TEST_F(Trials, AreTheFitsOfTheirMatricesByThemselves) {
             const auto quality =
                 neighbourhood_quality(X, {made.embedding.data(), kRows, 2}, {10, 30});
             EXPECT_EQ(result.sizes, (std::vector<double>{10.0, 30.0}));
-            EXPECT_EQ(result.kept, quality[1].kept);
+            EXPECT_EQ(result.rows.kept, quality[1].kept);
+            EXPECT_EQ(result.rows.misfit, made.report.row_misfits);
+            EXPECT_EQ(result.rows.concentration, concentrations);
             EXPECT_EQ(result.preservation[0], quality[0].preservation);
             EXPECT_EQ(result.trustworthiness[1], quality[1].trustworthiness);
         } else {
-            EXPECT_TRUE(result.kept.empty() && result.sizes.empty());
+            EXPECT_TRUE(result.rows.kept.empty() && result.sizes.empty());
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "stats/trust_texts.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,23 @@ TEST(MapTrust, HasTheSeedsAndTheClusters) {
     report.seeds->agreement.reset();
     EXPECT_EQ(value_of(map_trust(report, {}, nullptr), "Neighbours shared by the seeds"),
               "missing");
+}
+
+TEST(MapTrust, SaysHowManyRowsAreToldFromNoise) {
+    const auto rows = std::make_shared<RowReliability>();
+    rows->near = 10;
+    rows->torn = rows->falsely_near = {{}, {}};
+    EXPECT_EQ(value_of(map_trust({}, {{10, 0.9, 0.6, {0.1, 0.2}}}, nullptr, rows),
+                       "Told from noise by kept neighbours"),
+              "missing");
+    rows->columns = {{"p_kept", "", {0.01, 0.04}},
+                     {"q_kept", "", {0.02, 0.06}},
+                     {"p_misfit", "", {0.5, 0.6}},
+                     {"q_misfit", "", {0.7, 0.7}}};
+    const MapTrust trust = map_trust({}, {{10, 0.9, 0.6, {0.1, 0.2}}}, nullptr, rows);
+    EXPECT_EQ(value_of(trust, "Told from noise by kept neighbours"), "50.0 %");
+    EXPECT_EQ(value_of(trust, "Told from noise by misfit"), "0.0 %");
+    EXPECT_THAT(trust.numbers[4].sentence, HasSubstr("100.0 % are better than 95 %"));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "util/format.h"
+
 #include "tests/support/temporary_directory.h"
 #include "tools/result_paths.h"
 
@@ -26,10 +28,11 @@ ComparisonEntry entry(double perplexity, double better, double seeds, double kep
     one.run.quality = {{10, 0.75, 0.25}, {30, 0.875, kept}};
     one.run.trials.emplace();
     one.run.trials->seeds = 3;
-    one.run.trials->noise = 2;
     one.run.trials->shared_by_seeds = seeds;
-    one.run.trials->better_than_noise = better;
-    one.run.trials->of_noise = 0.0625;
+    one.run.noise.emplace();
+    one.run.noise->matrices = 2;
+    one.run.noise->kept = {better, 0.125, 0.0, 0.5};
+    one.run.noise->misfit = {0.375, 0.0, 0.0, 0.5};
     return one;
 }
 
@@ -47,7 +50,7 @@ TEST(ChoiceAmong, IsNotMadeOfOthers) {
     const std::vector<void (*)(ComparisonEntry&)> changes = {
         [](ComparisonEntry& one) { one.run.trials.reset(); },
         [](ComparisonEntry& one) { one.run.trials->seeds = 4; },
-        [](ComparisonEntry& one) { one.run.trials->noise = 0; },
+        [](ComparisonEntry& one) { one.run.noise.reset(); },
         [](ComparisonEntry& one) { one.run.perplexity = 5.0; },
         [](ComparisonEntry& one) { one.options.max_iter = 3; },
         [](ComparisonEntry& one) { one.data = "another"; },
@@ -63,13 +66,17 @@ TEST(ChoiceAmong, IsNotMadeOfOthers) {
 }
 
 TEST(ChoiceTable, HasALinePerPerplexity) {
+    const std::string of_noise = shortest_text(largest_share_of_noise(1000, 2));
     const std::vector<ComparisonEntry> all = entries();
     EXPECT_EQ(choice_table(all, *choice_among(all)),
               "perplexity\trecommended\tfinal_cost\ttrustworthiness_10\tkept_10\t"
-              "trustworthiness_30\tkept_30\tbetter_than_noise\tof_noise\tshared_by_seeds\t"
-              "shared_by_columns\tspread_by_seeds\tspread_by_columns\tseeds\tcolumns\tnoise\n"
-              "5\tno\t1.5\t0.75\t0.25\t0.875\t0.5\t0.25\t0.0625\t0.25\t\t\t\t3\t0\t2\n"
-              "12.5\tyes\t1.5\t0.75\t0.25\t0.875\t0.5\t0.5\t0.0625\t0.5\t\t\t\t3\t0\t2\n");
+              "trustworthiness_30\tkept_30\tbetter_than_noise\tof_noise\ttold_from_noise\t"
+              "better_by_misfit\ttold_by_misfit\tshared_by_seeds\tshared_by_columns\t"
+              "spread_by_seeds\tspread_by_columns\tseeds\tcolumns\tnoise\n"
+              "5\tno\t1.5\t0.75\t0.25\t0.875\t0.5\t0.25\t" +
+                  of_noise + "\t0.125\t0.375\t0\t0.25\t\t\t\t3\t0\t2\n" +
+                  "12.5\tyes\t1.5\t0.75\t0.25\t0.875\t0.5\t0.5\t" + of_noise +
+                  "\t0.125\t0.375\t0\t0.5\t\t\t\t3\t0\t2\n");
 }
 
 TEST(ChoiceCurves, AreThoseThatWereMeasured) {
@@ -78,7 +85,7 @@ TEST(ChoiceCurves, AreThoseThatWereMeasured) {
     EXPECT_THAT(curves.perplexities, ElementsAre(5.0, 12.5));
     ASSERT_EQ(curves.curves.size(), 3U);
     EXPECT_THAT(curves.curves[1].shares, ElementsAre(0.25, 0.5));
-    EXPECT_EQ(curves.of_noise, 0.0625);
+    EXPECT_EQ(curves.of_noise, largest_share_of_noise(1000, 2));
     EXPECT_EQ(curves.recommended, 12.5);
     all[0].run.trials->shared_by_columns = 0.75;
     EXPECT_EQ(choice_curves(all, {}).curves[1].shares[0], 0.5);

@@ -1,0 +1,111 @@
+#include "stats/noise_fits.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "stats/fit.h"
+#include "stats/neighbourhood_quality.h"
+#include "stats/resampling.h"
+#include "stats/row_concentration.h"
+#include "stats/side_by_side.h"
+#include "util/stage_count.h"
+
+namespace ovik {
+
+namespace {
+
+/// Is thrown where work is to end that has no result to give.
+struct Ended {};
+
+/// Iterations of a fit, at most.
+std::uint64_t iterations_of(const FitOptions& options) {
+    return static_cast<std::uint64_t>(std::max(options.max_iter, -1) + 1);
+}
+
+/// Counts the iterations of a fit among those of all, and ends it where it is to end.
+class FitProgress {
+  public:
+    FitProgress(StageCount& all, const std::function<bool()>& goes_on)
+        : all_(all),
+          goes_on_(goes_on) {}
+
+    OnStage hook() {
+        return [this](Stage stage, std::uint64_t done, std::uint64_t /*total*/) {
+            if (goes_on_ && !goes_on_()) {
+                throw Ended();
+            }
+            // Only the thread of the fit tells of iterations; rows are told of by any.
+            if (stage == Stage::Iterations) {
+                all_.add(done - std::exchange(done_, done));
+            }
+        };
+    }
+
+  private:
+    StageCount& all_;
+    const std::function<bool()>& goes_on_;
+    std::uint64_t done_ = 0;
+};
+
+RowFits fit_shuffled(MatrixView<const double> X,
+                     const FitOptions& options,
+                     std::size_t number,
+                     std::size_t neighbours,
+                     const OnStage& on_stage) {
+    std::vector<double> values(X.all().begin(), X.all().end());
+    const MatrixView<double> noise{values.data(), X.rows, X.columns};
+    shuffle_columns(noise, options.seed, number);
+    RowFits fits;
+    // Before the fit brings the values into another form.
+    fits.concentration = row_concentrations(noise);
+    FitHooks hooks;
+    hooks.wants_row_costs = true;
+    hooks.on_stage = on_stage;
+    Fit made = fit(noise, options, hooks);
+    fits.misfit = std::move(made.report.row_misfits);
+    const MatrixView<const double> map{
+        made.embedding.data(), X.rows, static_cast<std::size_t>(options.out_dims)};
+    fits.kept = std::move(neighbourhood_quality(noise, map, {neighbours}, on_stage).front().kept);
+    return fits;
+}
+
+std::optional<RowFits> noise_fit(MatrixView<const double> X,
+                                 const FitOptions& options,
+                                 std::size_t number,
+                                 std::size_t neighbours,
+                                 StageCount& progress,
+                                 const std::function<bool()>& goes_on) {
+    try {
+        FitProgress counted(progress, goes_on);
+        return fit_shuffled(X, options, number, neighbours, counted.hook());
+    } catch (const Ended&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+std::optional<RowFits> noise_fit(MatrixView<const double> X,
+                                 const FitOptions& options,
+                                 std::size_t number,
+                                 const NoiseManner& manner) {
+    StageCount progress(manner.on_stage, Stage::Noise, iterations_of(options));
+    return noise_fit(X, options, number, manner.neighbours, progress, manner.goes_on);
+}
+
+std::vector<RowFits> noise_fits(MatrixView<const double> X,
+                                const FitOptions& options,
+                                std::size_t count,
+                                const NoiseManner& manner) {
+    StageCount progress(manner.on_stage, Stage::Noise, count * iterations_of(options));
+    return results_side_by_side<RowFits>(
+        count,
+        manner.at_once,
+        manner.goes_on,
+        [&](std::size_t number, const std::function<bool()>& all_go_on) {
+            return noise_fit(X, options, number, manner.neighbours, progress, all_go_on);
+        });
+}
+
+}  // namespace ovik
