@@ -73,12 +73,30 @@ class Workplace:
         return (self.directory / name).read_text()
 
 
-def check_comparison(place):
+def check_comparison_runs(place, pictures=True):
     page = place.read("out/yeast_tsne_comparison.html")
     titles = re.findall(r"<h2>.*?(Perplexity \d+)", page)
     require(titles == [f"Perplexity {p}" for p in PERPLEXITIES], f"all runs on the page: {titles}")
-    for picture in re.findall(r'<img src="\./([^"]+)"', page):
+    shown = re.findall(r'<img src="\./([^"]+)"', page)
+    require(len(shown) == (len(PERPLEXITIES) if pictures else 1), f"pictures: {shown}")
+    for picture in shown:
         require((place.directory / "out" / picture).exists(), f"{picture} is there")
+
+
+def is_choice(text):
+    return "--choose-perplexity" in text or "choose.sh" in text
+
+
+def check_choice(place):
+    """The jobs leave what one call leaves."""
+    check_comparison_runs(place, pictures=False)
+    require("<h2>Choice of perplexity</h2>" in place.read("out/yeast_tsne_comparison.html"),
+            "the page has the choice")
+    place.run("ovik-tsne", "expression.tsv", "--choose-perplexity", ",".join(PERPLEXITIES),
+              "--out-dir", "one", "--name", "yeast", "--quiet")
+    for name in ("choice.tsv", "choice.svg", "30_0.csv"):
+        require(place.read(f"out/yeast_tsne_{name}") == place.read(f"one/yeast_tsne_{name}"),
+                f"{name} is that of one call")
 
 
 def forget_sweep(place):
@@ -131,7 +149,10 @@ def run_snakemake(place, text):
     forget_sweep(place)
     (place.directory / "Snakefile").write_text(text)
     place.run("snakemake", "--cores", "2", "--quiet")
-    check_comparison(place)
+    if is_choice(text):
+        check_choice(place)
+        return
+    check_comparison_runs(place)
     logged = place.read("out/yeast.log").count("1-1-1-0\n")
     require(logged == len(PERPLEXITIES), f"{logged} records of runs side by side")
 
@@ -139,9 +160,10 @@ def run_snakemake(place, text):
 def run_slurm(place, text):
     """What the scheduler does with an array: the script once for each task."""
     forget_sweep(place)
-    (place.directory / "tsne.sh").write_text(text)
+    script = "choose.sh" if is_choice(text) else "tsne.sh"
+    (place.directory / script).write_text(text)
     for task in range(len(PERPLEXITIES)):
-        place.run("/bin/sh", "tsne.sh", SLURM_ARRAY_TASK_ID=str(task), SLURM_CPUS_PER_TASK="2")
+        place.run("/bin/sh", script, SLURM_ARRAY_TASK_ID=str(task), SLURM_CPUS_PER_TASK="2")
 
 
 def run_sbatch(place, text):
@@ -154,7 +176,7 @@ def run_sbatch(place, text):
     )
     stand_in.chmod(0o755)
     place.run("/bin/sh", "-e", text=text)
-    check_comparison(place)
+    check_choice(place) if is_choice(text) else check_comparison_runs(place)
     reports = [json.loads(place.read(f"out/{p}.json")) for p in PERPLEXITIES]
     digests = {report["input"]["digest"]["values"] for report in reports}
     require(len(digests) == 1, "all runs had the same input")
