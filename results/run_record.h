@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "results/recorded_stability.h"
 #include "results/row_reliability.h"
 
 namespace ovik {
@@ -97,6 +98,8 @@ struct RunRecord {
     std::optional<RecordedClusters> clusters;
     /// How far each row can be trusted; null unless it was asked for.
     std::shared_ptr<const RowReliability> reliability;
+    /// How far the map stays as it is on others; null unless it was asked for.
+    std::shared_ptr<const RecordedStability> stability;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

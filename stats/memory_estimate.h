@@ -26,6 +26,9 @@ struct RunSize {
     /// 0 for as many as there are threads.
     int seeds = 1;
     std::size_t seeds_at_once = 0;
+    /// With how many other maps the map is compared (`varied_maps`); as many of their fits run side
+    /// by side as of several seeds.
+    std::size_t other_maps = 0;
 };
 
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
@@ -76,6 +79,10 @@ struct RunSize {
 /// copy of the input for each (8 ND) and the maps (8 RNd), and A times what the stages of
 /// similarities and of fitting take.
 ///
+/// A run that makes other maps has a copy of the input all the time (8 ND), and behind its fit,
+/// with A of theirs side by side, another one for each, the maps (8 Nd), the neighbours that maps
+/// of other seeds share, and A times what the stages of similarities and of fitting take.
+///
 /// S depends on the data. It is the nearer to 2 E the more columns tell the rows apart; assumed is
 /// E * (1 + 0.06 D), at most 1.6 E, as seen with random and with real matrices. What a table row
 /// takes was measured with tables of 60,000 to 360,000 rows. The peak of a run that takes more than
@@ -87,6 +94,7 @@ struct MemoryEstimate {
     double sample = 0.0;
     double fitting = 0.0;
     double clusters = 0.0;
+    double stability = 0.0;
     double results = 0.0;
 
     /// The memory of the stage that takes most.

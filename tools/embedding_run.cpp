@@ -14,6 +14,7 @@
 #include "results/label_table.h"
 #include "results/map_model.h"
 #include "results/reliability_table.h"
+#include "results/stability_table.h"
 #include "stats/option_effect.h"
 #include "stats/row_reliability.h"
 #include "stats/schedule.h"
@@ -27,6 +28,7 @@
 #include "tools/interruption.h"
 #include "tools/map_clusters.h"
 #include "tools/map_quality.h"
+#include "tools/other_maps.h"
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
 #include "tools/run_model.h"
@@ -102,6 +104,7 @@ void record_seeds(RunRecord& record, const SeedReport& seeds) {
 struct LookFailures {
     std::string clusters;
     std::string quality;
+    std::string stability;
 };
 
 /// Adds the clusters to the labels and the record of a run.
@@ -127,11 +130,13 @@ RowClusters add_clusters(TSNE<T>& tsne,
 /// Finds out what is asked for of a finished map, and gives it to the results. What fails costs no
 /// other result.
 ///
+/// @param X              the matrix as it was loaded, if the map is to be compared with others
 /// @param label_columns  of the run, to which the clusters are added
 template <typename T>
 LookFailures look_at_map(TSNE<T>& tsne,
                          const Options& options,
                          const FitReport& report,
+                         MatrixView<const double> X,
                          std::vector<LabelColumn>& label_columns,
                          RunRecord& record) {
     LookFailures failures;
@@ -154,8 +159,13 @@ LookFailures look_at_map(TSNE<T>& tsne,
     for (const NeighbourhoodQuality& one : measured.quality) {
         record.quality.push_back({one.neighbours, one.trustworthiness, one.preservation});
     }
-    tsne.trust = map_trust(
-        report, std::move(measured.quality), clusters ? &*clusters : nullptr, record.reliability);
+    const RowClusters* const found = clusters ? &*clusters : nullptr;
+    if (options.stability > 0) {
+        failures.stability = failure_of(
+            [&] { record.stability = compare_with_other_maps(tsne, options, X, report, found); });
+    }
+    tsne.trust =
+        map_trust(report, std::move(measured.quality), found, record.reliability, record.stability);
     return failures;
 }
 
@@ -279,6 +289,18 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
             reliability_path(base),
             write_reliability_table(reliability_path(base), tsne.row_names, *record.reliability));
     }
+    if (record.stability) {
+        const std::string path = stability_path(base);
+        add("Stability", path, write_stability_table(path, tsne.row_names, *record.stability));
+        if (record.stability->has_clusters) {
+            const std::string pairs = cluster_pairs_path(base);
+            add("Cluster pairs", pairs, write_cluster_pairs(pairs, *record.stability));
+        }
+    }
+    if (!failures.stability.empty()) {
+        files.push_back({"Stability", "", failures.stability});
+        complain("Stability could not be measured (" + failures.stability + ")");
+    }
     if (!failures.quality.empty()) {
         files.push_back({"Quality", "", failures.quality});
         complain("Quality could not be measured (" + failures.quality + ")");
@@ -307,9 +329,19 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     return files;
 }
 
+/// The values of a matrix, which a fit changes; none if they are not wanted.
+std::vector<double> copy_if(bool is_wanted, const RunInput& input) {
+    if (!is_wanted) {
+        return {};
+    }
+    const double* const values = input.values.get();
+    return {values, values + input.rows * input.columns};
+}
+
 template <typename T>
 RunRecord run(const Options& options, RunInput input, double perplexity) {
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
+    const std::vector<double> as_loaded = copy_if(options.stability > 0, input);
     const auto finish = [](TSNE<T>* run) { run->finish(); };
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
@@ -333,7 +365,8 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.wants_row_costs = options.reliability;
     LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
-        failures = look_at_map(tsne, options, report, input.label_columns, record);
+        const MatrixView<const double> X{as_loaded.data(), input.rows, input.columns};
+        failures = look_at_map(tsne, options, report, X, input.label_columns, record);
         if (report.sample && report.sample->recall) {
             record.sample_recall = report.sample->recall->share;
         }

@@ -80,6 +80,7 @@ RunSize size_of_runs(const Options& options,
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
     size.seeds = options.seeds;
+    size.other_maps = 2 * static_cast<std::size_t>(options.stability);
     return size;
 }
 
@@ -162,7 +163,7 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
-    check_judged_rows(options, matrix.rows);
+    check_judged_rows(options, matrix.rows, matrix.columns);
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);

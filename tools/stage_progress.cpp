@@ -44,6 +44,8 @@ StageWords words_of(Stage stage) {
             return {"Clusters", ""};
         case Stage::Quality:
             return {"Quality", " rows"};
+        case Stage::Stability:
+            return {"Stability", " iterations"};
         case Stage::Table:
             return {"Result table", ""};
         case Stage::Page:

@@ -21,6 +21,8 @@ enum class Stage {
     Clusters,
     /// Of rows.
     Quality,
+    /// Of iterations, of all maps that one is compared with.
+    Stability,
     Table,
     Page,
     Figure,
