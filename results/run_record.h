@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "results/recorded_stability.h"
 #include "results/row_reliability.h"
 
 namespace ovik {
@@ -146,6 +147,8 @@ struct RunRecord {
     std::optional<RecordedTrials> trials;
     /// None unless the rows were compared with noise.
     std::optional<RecordedNoise> noise;
+    /// How far the map stays as it is on others; null unless it was asked for.
+    std::shared_ptr<const RecordedStability> stability;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

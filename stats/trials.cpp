@@ -18,6 +18,7 @@
 #include "stats/resampling.h"
 #include "stats/row_concentration.h"
 #include "stats/side_by_side.h"
+#include "stats/varied_maps.h"
 #include "util/format.h"
 #include "util/input_error.h"
 
@@ -45,7 +46,7 @@ class TrialMatrices {
                   const FitOptions& options,
                   const std::vector<Trial>& trials)
         : X_(X),
-          seed_(options.seed) {
+          options_(options) {
         std::size_t most = 0;
         for (const Trial& trial : trials) {
             ++places_[keyOf(trial)].wanted;
@@ -81,12 +82,12 @@ class TrialMatrices {
     [[nodiscard]] TrialMatrix make(const Trial& trial) const {
         TrialMatrix made;
         if (trial.kind == TrialKind::Columns) {
-            made.values = bootstrapped_columns(X_, seed_, trial.number);
+            made.values = drawn_columns(X_, options_, trial.number);
         } else {
             made.values.assign(X_.all().begin(), X_.all().end());
         }
         if (trial.kind == TrialKind::Noise) {
-            shuffle_columns({made.values.data(), X_.rows, X_.columns}, seed_, trial.number);
+            shuffle_columns({made.values.data(), X_.rows, X_.columns}, options_.seed, trial.number);
         }
         if (most_neighbours_ > 0) {
             made.neighbours = std::make_unique<CachedNeighbours>(most_neighbours_);
@@ -95,7 +96,7 @@ class TrialMatrices {
     }
 
     MatrixView<const double> X_;
-    int seed_;
+    const FitOptions& options_;
     std::size_t most_neighbours_ = 0;
     std::map<Key, Place> places_;
 };
@@ -192,12 +193,10 @@ std::vector<Trial> trials_of(const std::vector<double>& perplexities, const Tria
 }
 
 FitOptions options_of(const Trial& trial, const FitOptions& options) {
-    FitOptions own = options;
+    FitOptions own = trial.kind == TrialKind::Seed && trial.number > 0
+                         ? varied_options(options, Variation::Seeds, trial.number - 1)
+                         : options;
     own.perplexity = trial.perplexity;
-    if (trial.kind == TrialKind::Seed && trial.number > 0) {
-        own.start = StartKind::Random;
-        own.seed += static_cast<int>(trial.number);
-    }
     return own;
 }
 
@@ -234,11 +233,10 @@ bool run_trials(MatrixView<const double> X,
                     throw Ended();
                 }
                 const std::shared_ptr<const TrialMatrix> matrix = matrices.take(trials[i]);
-                const MatrixView<const double> values{
-                    matrix->values.data(), X.rows, X.columns};
-                hooks.keep(trials[i],
-                           run_trial(
-                               trials[i], options, values, matrix->neighbours.get(), goes_on));
+                const MatrixView<const double> values{matrix->values.data(), X.rows, X.columns};
+                hooks.keep(
+                    trials[i],
+                    run_trial(trials[i], options, values, matrix->neighbours.get(), goes_on));
                 return true;
             } catch (const Ended&) {
                 return std::nullopt;

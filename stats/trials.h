@@ -15,10 +15,9 @@ namespace ovik {
 
 /// What a trial is a fit of.
 enum class TrialKind {
-    /// The matrix: number 0 by the options as they are, others from a random start of a seed of
-    /// their own.
+    /// The matrix: number 0 by the options as they are, others as `Variation::Seeds` has it.
     Seed,
-    /// As many columns, drawn from those of the matrix with replacement.
+    /// Columns drawn anew (`Variation::Columns`).
     Columns,
     /// The values of each column, shuffled over the rows.
     Noise,
@@ -62,8 +61,8 @@ struct TrialResult {
     double final_cost = 0.0;
     /// The iteration done last.
     int iteration = -1;
-    /// Sizes of neighbourhoods, and how well the map keeps each of them. This and the rest are there
-    /// of the matrix as it is, by its first seed, and of noise.
+    /// Sizes of neighbourhoods, and how well the map keeps each of them. This and the rest are
+    /// there of the matrix as it is, by its first seed, and of noise.
     std::vector<double> sizes;
     std::vector<double> trustworthiness;
     std::vector<double> preservation;

@@ -22,10 +22,11 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 /// What runs of one choice have in common.
 std::string alike_text(const ComparisonEntry& entry) {
-    std::string text =
-        entry.data + "\n" + std::to_string(entry.rows) + "\n" + std::to_string(entry.columns) +
-        "\n" + std::to_string(entry.run.trials->seeds) + "\n" +
-        std::to_string(entry.run.trials->columns) + "\n" + std::to_string(entry.run.noise ? entry.run.noise->matrices : 0);
+    std::string text = entry.data + "\n" + std::to_string(entry.rows) + "\n" +
+                       std::to_string(entry.columns) + "\n" +
+                       std::to_string(entry.run.trials->seeds) + "\n" +
+                       std::to_string(entry.run.trials->columns) + "\n" +
+                       std::to_string(entry.run.noise ? entry.run.noise->matrices : 0);
     visit_fit_options(entry.options, [&text](const auto& option) {
         if (option.words.name != "perplexity") {
             text += "\n" + value_text(option);
@@ -99,9 +100,8 @@ void add_noise_columns(std::vector<TableColumn>& columns) {
 
 void add_stability_columns(std::vector<TableColumn>& columns) {
     const auto add = [&columns](const char* name, double RecordedTrials::*number) {
-        columns.push_back({name, [number](const ComparisonEntry& entry) {
-                               return (*entry.run.trials).*number;
-                           }});
+        columns.push_back(
+            {name, [number](const ComparisonEntry& entry) { return (*entry.run.trials).*number; }});
     };
     add("shared_by_seeds", &RecordedTrials::shared_by_seeds);
     add("shared_by_columns", &RecordedTrials::shared_by_columns);

@@ -70,6 +70,10 @@ void print_plan(const Options& options,
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));
     }
+    if (options.stability > 0 && !options.chooses_perplexity) {
+        print_info("Stability: " + counted(size.other_maps, "more map", "more maps") +
+                   " of each perplexity");
+    }
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)
                     ? "; " + memory_text(available.bytes) + " are left " + available.limit

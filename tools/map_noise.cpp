@@ -48,8 +48,7 @@ std::optional<RecordedNoise> compare_with_noise(const Options& options,
                                                 const NeighbourhoodQuality& quality,
                                                 RowReliability& reliability) {
     const auto matrices = static_cast<std::size_t>(options.against_noise);
-    print_info("Embedding " + counted(matrices, "matrix", "matrices") +
-               " of shuffled values");
+    print_info("Embedding " + counted(matrices, "matrix", "matrices") + " of shuffled values");
     const NoiseManner manner{
         quality.neighbours, options.seeds_at_once, &ovik::tool::goes_on, options.on_stage};
     const std::vector<RowFits> maps = noise_fits(X, fit, matrices, manner);

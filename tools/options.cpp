@@ -214,6 +214,13 @@ void add_output_options(CLI::App& app, Options& options) {
                    "would place it as well")
         ->option_text("COUNT")
         ->transform(whole_number(1, kMostNoiseMatrices));
+    app.add_option(
+           "--stability",
+           options.stability,
+           "Make so many maps from other seeds, and so many of columns drawn anew, and tell "
+           "what of the place of each row, and of clusters, stays")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, 1000));
     add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
@@ -455,24 +462,17 @@ void add_method_options(CLI::App& app, Options& options) {
 }
 
 void add_choice_options(CLI::App& app, Options& options) {
-    CLI::Option* const choose =
-        app.add_option_function<std::string>(
-               "--choose-perplexity",
-               [&options](const std::string& text) {
-                   options.perplexities =
-                       parse_numbers("--choose-perplexity", text, range_of_perplexities());
-                   std::sort(options.perplexities.begin(), options.perplexities.end());
-                   options.chooses_perplexity = true;
-               },
-               "Judge the maps of these perplexities, separated by commas, by --seeds, "
-               "--stability and --against-noise, and recommend one")
-            ->option_text("NUMBER,...");
-    app.add_option("--stability",
-                   options.stability,
-                   "Beside --choose-perplexity: fits of drawn columns of each perplexity (5)")
-        ->option_text("COUNT")
-        ->transform(whole_number(1, 1000))
-        ->needs(choose);
+    app.add_option_function<std::string>(
+           "--choose-perplexity",
+           [&options](const std::string& text) {
+               options.perplexities =
+                   parse_numbers("--choose-perplexity", text, range_of_perplexities());
+               std::sort(options.perplexities.begin(), options.perplexities.end());
+               options.chooses_perplexity = true;
+           },
+           "Judge the maps of these perplexities, separated by commas, by --seeds, "
+           "--stability and --against-noise, and recommend one")
+        ->option_text("NUMBER,...");
 }
 
 void add_checkpoint_options(CLI::App& app, Options& options) {
@@ -912,6 +912,37 @@ void settle_choice(const CLI::App& app, Options& options) {
     options.against_noise = is_given(app, "against-noise") ? options.against_noise : kFits;
 }
 
+/// @throws CLI::ValidationError if there are not so many seeds, or maps of other columns would be
+/// the same map
+void check_stability(const Options& options) {
+    if (options.stability == 0 || options.chooses_perplexity) {
+        return;
+    }
+    const auto refuse = [](const std::string& why) {
+        throw CLI::ValidationError("--stability", why);
+    };
+    if (options.fit.metric == MetricKind::Precomputed) {
+        refuse(
+            "draws columns anew, which --metric precomputed has not\nGive the matrix of which "
+            "the distances are, or compare the maps of several seeds (--seeds).");
+    }
+    if (!options.neighbours_file.empty()) {
+        refuse(
+            "looks for neighbours by columns drawn anew, and --neighbours-from gives them"
+            "\nLeave one of them out, or compare the maps of several seeds (--seeds).");
+    }
+    if (!options.start_file.empty()) {
+        refuse("makes maps from other starts, and --start gives one\nLeave one of them out.");
+    }
+    const int more = options.seeds - 1 + options.stability;
+    if (options.fit.seed > std::numeric_limits<int>::max() - more) {
+        throw CLI::ValidationError("--seed",
+                                   "should be at most " +
+                                       std::to_string(std::numeric_limits<int>::max() - more) +
+                                       ", so that " + std::to_string(more) + " more follow it");
+    }
+}
+
 /// The file name of a matrix without its extension, and without that of gzip.
 std::string stem_of(std::filesystem::path path) {
     if (path.extension() == ".gz") {
@@ -1025,6 +1056,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         check_comparison(app, command.options);
         check_fit(app, command.options);
         check_seeds(command.options);
+        check_stability(command.options);
         fill_in_defaults(command.options);
         settle_enrichment_file(app, command.options);
     } catch (const CLI::ParseError& error) {

@@ -80,9 +80,14 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = options.chooses_perplexity
-                     ? options.seeds + options.stability + options.against_noise
-                     : std::max(options.seeds, 1 + options.against_noise);
+    size.seeds = std::max(options.seeds, 1 + options.against_noise);
+    size.other_maps = 2 * static_cast<std::size_t>(options.stability);
+    if (options.chooses_perplexity) {
+        size.seeds = 1;
+        size.other_maps =
+            static_cast<std::size_t>(options.seeds + options.stability + options.against_noise);
+        size.has_own_matrices = true;
+    }
     return size;
 }
 
@@ -166,7 +171,8 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
-    check_judged_rows(options, matrix.rows);
+    settle_drawn_columns(options, matrix.columns);
+    check_judged_rows(options, matrix.rows, matrix.columns);
     check_chosen_perplexities(options, matrix.rows);
     report.options = reported_options(options);
     if (!options.model.empty()) {

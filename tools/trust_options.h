@@ -9,8 +9,13 @@ namespace ovik::tool {
 /// Refuses questions about single rows that a matrix is too small for.
 ///
 /// @throws InputError if there are fewer than 30 rows, and some of the command line's options are
-/// about how far each can be trusted
-void check_judged_rows(const Options& options, std::size_t rows);
+/// about how far each can be trusted; if columns are to be drawn anew, and there are fewer than
+/// `kFewestDrawnColumns`, or components stand for them
+void check_judged_rows(const Options& options, std::size_t rows, std::size_t columns);
+
+/// Leaves drawn columns out where a perplexity is to be chosen and there are too few of them, and
+/// says so.
+void settle_drawn_columns(Options& options, std::size_t columns);
 
 /// Refuses perplexities that cannot be judged.
 ///

@@ -1,6 +1,7 @@
 /** The panel of the clusters: what they are, and choosing them. */
 
 import { button, dataText, el } from './dom.js';
+import { clusterNotes } from './staying.js';
 import { clustersOf, topTerms } from './cluster_facts.js';
 import { counted, formatCount } from './format.js';
 import { formatChance } from './enrichment_table.js';
@@ -66,7 +67,7 @@ function termList(terms, colourBy) {
   }))];
 }
 
-function clusterItem(cluster, { columns, range, mark, select, isolate, colourBy }) {
+function clusterItem(cluster, { columns, range, mark, notes, select, isolate, colourBy }) {
   const { name, genes, terms, profile } = cluster;
   return el('li', { class: 'cluster' },
     el('div', { class: 'cluster-head' },
@@ -75,6 +76,7 @@ function clusterItem(cluster, { columns, range, mark, select, isolate, colourBy 
       el('span', { class: 'counts' }, counted(genes.length, 'gene')),
       button('Only', isolate, { class: 'quiet', title: 'Show this cluster alone, or all again', 'aria-label': `Only ${name}` })),
     ...(profile === null ? [] : [sparkLine(profile, range, `Mean profile of ${name}: ${profileText(columns, profile)}`)]),
+    ...notes,
     ...termList(terms, colourBy));
 }
 
@@ -87,6 +89,7 @@ export function showClusters(element, chart, model, store, termColours) {
   const clusters = clustersOf(model);
   if (clusters === null) return;
   const { dataset } = model;
+  const stability = clusters.isOfRun ? dataset.quality.stability : null;
   const found = describe(dataset, clusters.list);
   const range = rangeOf(found.map(({ profile }) => profile ?? []));
   const chosen = model.colouredBy(clusters.colouring);
@@ -110,6 +113,7 @@ export function showClusters(element, chart, model, store, termColours) {
       columns: dataset.expression?.columns ?? [],
       range,
       mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
+      notes: clusterNotes(stability, cluster.label, cluster.genes),
       select: () => store.set({ selection: cluster.genes }),
       isolate: () => isolate(category),
       colourBy,
