@@ -30,7 +30,7 @@ struct PerplexityChoice {
 };
 
 /// A perplexity is near the best where none of its shares lies farther below the best one.
-constexpr double kNearTheBest = 0.05;
+constexpr double kNearTheBest = 0.02;
 
 /// Recommends a perplexity, by this rule:
 ///
