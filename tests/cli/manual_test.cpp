@@ -85,7 +85,7 @@ TEST_F(Manual, CompletionsAreParsedByAShell) {
 }
 
 TEST_F(Manual, BashCompletesValuesAndFiles) {
-    EXPECT_EQ(offers("", "--ch"), "--checkpoint\n--checkpoint-every\n");
+    EXPECT_EQ(offers("", "--ch"), "--choose-perplexity\n--checkpoint\n--checkpoint-every\n");
     EXPECT_EQ(offers("", "--log"), "--log1p\n");
     EXPECT_EQ(offers("--missing", "c"), "column-mean\n");
     EXPECT_EQ(offers("--precision", ""), "double\nfloat\n");

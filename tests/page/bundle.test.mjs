@@ -24,7 +24,7 @@ test('the page holds each placeholder once, and they stand where they belong', a
 
 test('the page that compares runs holds its placeholders once, in the order in which they are filled', async () => {
   const page = await committedPage('comparison.html');
-  const placeholders = ['page-title', 'comparison-head', 'comparison-runs', 'comparison-numbers', 'comparison-data'];
+  const placeholders = ['page-title', 'comparison-head', 'comparison-choice', 'comparison-runs', 'comparison-numbers', 'comparison-data'];
   assert.deepEqual(page.match(/\{\{[a-z-]+\}\}/g), placeholders.map((name) => `{{${name}}}`));
 });
 

@@ -52,6 +52,24 @@ nlohmann::json data_in(const std::string& page) {
     return nlohmann::json::parse(page.substr(from, page.find("</script>", from) - from));
 }
 
+TEST(ComparisonPage, ShowsTheChoiceOfAPerplexity) {
+    Comparison comparison = two_runs();
+    EXPECT_THAT(comparison_page(comparison), testing::HasSubstr("\"choice\":null"));
+    comparison.choice =
+        ComparedChoice{"5 < 10 is recommended.",
+                       {"x", {5.0, 10.0}, {{"Stability", {0.5, std::nan("")}}}, std::nan(""), 5.0},
+                       "choice.svg",
+                       {{"Choice (tsv)", "choice.tsv"}}};
+    const std::string page = comparison_page(comparison);
+    EXPECT_THAT(page, testing::HasSubstr("<p class=\"recommendation\">5 &lt; 10 is recommended."));
+    EXPECT_THAT(page, testing::HasSubstr("<img src=\"./choice.svg\""));
+    EXPECT_THAT(page, testing::HasSubstr("<a href=\"./choice.tsv\">Choice (tsv)</a>"));
+    EXPECT_THAT(page,
+                testing::HasSubstr("\"choice\":{\"perplexities\":[5,10],\"curves\":[{\"name\":"
+                                   "\"Stability\",\"shares\":[0.5,null]}],\"ofNoise\":null,"
+                                   "\"recommended\":5}"));
+}
+
 TEST(ComparisonPage, ShowsRunsAndLeadsToTheirFiles) {
     const std::string page = comparison_page(two_runs());
     EXPECT_THAT(page, HasSubstr("<title>Yeast</title>"));
