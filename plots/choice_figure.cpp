@@ -59,7 +59,7 @@ std::string perplexity_axis(const ChoiceCurves& curves) {
     std::string list;
     for (const double perplexity : curves.perplexities) {
         const std::string text = shortest_text(perplexity);
-        list += (list.empty() ? "'" : ", '") + text + "' " + text;
+        list.append(list.empty() ? "'" : ", '").append(text).append("' ").append(text);
     }
     constexpr double kMargin = 1.2;
     return "set xtics (" + list + ")\nset xrange [" +

@@ -39,6 +39,7 @@ std::vector<std::pair<std::string, std::string>> read_files(const Options& optio
 std::vector<std::string> files_of_choice(const Options& options,
                                          const std::vector<double>& perplexities) {
     std::vector<std::string> files;
+    files.reserve(perplexities.size());
     for (const double perplexity : perplexities) {
         files.push_back(result_base(options, perplexity) + ".csv");
     }
