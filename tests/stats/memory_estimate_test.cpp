@@ -164,6 +164,9 @@ TEST(EstimateMemory, CountsOtherMapsSideBySide) {
     EXPECT_EQ(estimate_memory(size).fitting, fitting + 8.0 * 100000 * 50);
     const double four = estimate_memory(size).stability;
     EXPECT_EQ(estimate_memory(size).peak(), four);
+    size.has_own_matrices = true;
+    EXPECT_GT(estimate_memory(size).stability, four + 4.0 * 8.0 * 100000 * 50);
+    size.has_own_matrices = false;
     size.seeds_at_once = 1;
     EXPECT_LT(estimate_memory(size).stability, 0.5 * four);
 }

@@ -28,6 +28,38 @@ TEST(CheckJudgedRows, RefusesToDrawFromFewColumnsOrComponents) {
     EXPECT_THROW(check_judged_rows(options, 30, 50), InputError);
 }
 
+TEST(CheckChosenPerplexities, RefusesThoseThatCannotBeJudged) {
+    Options options;
+    options.chooses_perplexity = true;
+    options.perplexities = {5.0, 9.5};
+    EXPECT_NO_THROW(check_chosen_perplexities(options, 30));
+    EXPECT_THROW(check_chosen_perplexities(options, 29), InputError);
+    EXPECT_THROW(check_judged_rows(options, 29, 2), InputError);
+    options.fit.start = StartKind::Given;
+    EXPECT_THROW(check_chosen_perplexities(options, 30), InputError);
+    options.fit.start = StartKind::Random;
+    options.fit.affinity = AffinityKind::Uniform;
+    EXPECT_THROW(check_chosen_perplexities(options, 30), InputError);
+    options.chooses_perplexity = false;
+    EXPECT_NO_THROW(check_chosen_perplexities(options, 3));
+}
+
+TEST(SettleDrawnColumns, LeavesThemOutWhereThereAreFew) {
+    Options options;
+    options.stability = 5;
+    settle_drawn_columns(options, 4);
+    EXPECT_EQ(options.stability, 5);
+    options.chooses_perplexity = true;
+    settle_drawn_columns(options, 5);
+    EXPECT_EQ(options.stability, 5);
+    testing::internal::CaptureStderr();
+    settle_drawn_columns(options, 4);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "ovik-tsne: note: no columns are drawn, of which there are 4 and should be at least "
+              "5\n");
+    EXPECT_EQ(options.stability, 0);
+}
+
 TEST(CheckNoiseOptions, RefusesWhatCannotBeShuffledOrEmbeddedAlike) {
     const std::vector<std::function<void(Options&)>> kRefused = {
         [](Options& options) { options.fit.metric = MetricKind::Precomputed; },
