@@ -6,6 +6,7 @@ import { counted, formatCount } from './format.js';
 import { formatChance } from './enrichment_table.js';
 import { extremesOf, meanProfile } from './profiles.js';
 import { isolated } from './label_legend.js';
+import { noiseOf } from './quality.js';
 import { sparkLine } from './spark_line.js';
 import { swatch } from './swatch.js';
 import { writeClusterNames } from './cluster_names.js';
@@ -66,7 +67,15 @@ function termList(terms, colourBy) {
   }))];
 }
 
-function clusterItem(cluster, { columns, range, mark, select, isolate, colourBy }) {
+/** The note of a cluster that noise would also give. */
+function noiseNote(quality, genes) {
+  const noise = quality === null ? null : noiseOf(quality, genes);
+  if (!noise?.isAsNoise) return [];
+  return [el('p', { class: 'counts noise-note', role: 'note' },
+    `Noise would also give it: ${formatCount(noise.told)} of its ${formatCount(genes.length)} genes are told from noise.`)];
+}
+
+function clusterItem(cluster, { quality, columns, range, mark, select, isolate, colourBy }) {
   const { name, genes, terms, profile } = cluster;
   return el('li', { class: 'cluster' },
     el('div', { class: 'cluster-head' },
@@ -74,6 +83,7 @@ function clusterItem(cluster, { columns, range, mark, select, isolate, colourBy 
       button(name, select, { class: 'quiet', title: 'Select its genes', 'aria-label': `${name}: select its ${counted(genes.length, 'gene')}` }),
       el('span', { class: 'counts' }, counted(genes.length, 'gene')),
       button('Only', isolate, { class: 'quiet', title: 'Show this cluster alone, or all again', 'aria-label': `Only ${name}` })),
+    ...noiseNote(quality, genes),
     ...(profile === null ? [] : [sparkLine(profile, range, `Mean profile of ${name}: ${profileText(columns, profile)}`)]),
     ...termList(terms, colourBy));
 }
@@ -107,6 +117,7 @@ export function showClusters(element, chart, model, store, termColours) {
   function itemOf(cluster) {
     const category = categories.of[cluster.genes[0]];
     return clusterItem(cluster, {
+      quality: dataset.quality,
       columns: dataset.expression?.columns ?? [],
       range,
       mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
