@@ -186,6 +186,49 @@ std::string json_rounded(double value) {
     return std::isfinite(value) && error == std::errc() ? std::string(text, end) : "null";
 }
 
+/// Columns of numbers of the points.
+void write_row_numbers(JsonStream& json, const std::vector<RowNumbers>& columns) {
+    json.list(columns, [&json](const RowNumbers& column) {
+        json.object({{"name", written(column.name)},
+                     {"title", written(column.title)},
+                     {"values", [&column](JsonStream& values) {
+                          values.list(column.values, [&values](double value) {
+                              values.text(json_rounded(value));
+                          });
+                      }}});
+    });
+}
+
+/// How far the map stays as it is on others; null if it was not compared with any. Clusters are
+/// told by their numbers, from 1.
+void write_stability(JsonStream& json, const MapTrust& trust, std::size_t point_count) {
+    const auto is_of_points = [point_count](const RowNumbers& column) {
+        return column.values.size() == point_count;
+    };
+    if (trust.stability == nullptr ||
+        !std::all_of(
+            trust.stability->columns.begin(), trust.stability->columns.end(), is_of_points)) {
+        json.text("null");
+        return;
+    }
+    const RecordedStability& stability = *trust.stability;
+    const auto write_pairs = [&stability](JsonStream& to) {
+        to.list(stability.pairs, [&to](const RecordedClusterPair& pair) {
+            to.text(json_list({json_text(std::size_t{pair.first} + 1),
+                               json_text(std::size_t{pair.second} + 1),
+                               json_rounded(pair.separation),
+                               json_rounded(pair.apart_seeds),
+                               json_rounded(pair.apart_columns),
+                               json_text(pair.stay_apart)}));
+        });
+    };
+    json.object({{"seeds", written(stability.seeds)},
+                 {"draws", written(stability.draws)},
+                 {"neighbours", written(stability.neighbours)},
+                 {"columns", [&](JsonStream& to) { write_row_numbers(to, stability.columns); }},
+                 {"pairs", write_pairs}});
+}
+
 /// What is known of each point: numbers, and lists of others, empty where there are none. Null if
 /// nothing is known.
 void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t point_count) {
@@ -195,17 +238,6 @@ void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t poin
         return;
     }
     const RowReliability& rows = *trust.rows;
-    const auto write_columns = [&rows](JsonStream& to) {
-        to.list(rows.columns, [&to](const RowNumbers& column) {
-            to.object({{"name", written(column.name)},
-                       {"title", written(column.title)},
-                       {"values", [&column](JsonStream& values) {
-                            values.list(column.values, [&values](double value) {
-                                values.text(json_rounded(value));
-                            });
-                        }}});
-        });
-    };
     const auto lists = [](const std::vector<std::vector<std::uint32_t>>& of_rows) {
         return [&of_rows](JsonStream& to) {
             to.list(of_rows, [&to](const std::vector<std::uint32_t>& row) {
@@ -213,7 +245,7 @@ void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t poin
             });
         };
     };
-    json.object({{"columns", write_columns},
+    json.object({{"columns", [&rows](JsonStream& to) { write_row_numbers(to, rows.columns); }},
                  {"near", written(rows.near)},
                  {"far", written(rows.far)},
                  {"falselyNear", lists(rows.falsely_near)},
@@ -242,6 +274,7 @@ void write_quality(JsonStream& json, const Chart& chart, std::size_t point_count
         {{"numbers", write_numbers},
          {"neighbours", written(trust.neighbours)},
          {"kept", write_kept},
+         {"stability", [&](JsonStream& to) { write_stability(to, trust, point_count); }},
          {"reliability", [&](JsonStream& to) { write_reliability(to, trust, point_count); }}});
 }
 

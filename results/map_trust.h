@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "results/recorded_stability.h"
 #include "results/row_reliability.h"
 
 namespace ovik {
@@ -27,6 +28,8 @@ struct MapTrust {
     std::vector<double> kept;
     /// What else is known of each row; null for nothing.
     std::shared_ptr<const RowReliability> rows = nullptr;
+    /// How far the map stays as it is on others; null if it was not compared with any.
+    std::shared_ptr<const RecordedStability> stability = nullptr;
 };
 
 }  // namespace ovik

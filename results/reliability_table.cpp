@@ -1,13 +1,12 @@
 #include "results/reliability_table.h"
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <vector>
 
+#include "results/row_fields.h"
 #include "results/table_field.h"
-#include "util/format.h"
 #include "util/whole_file.h"
 
 namespace ovik {
@@ -23,29 +22,19 @@ std::string names_field(const std::vector<std::uint32_t>& rows,
     return table_field(list);
 }
 
-std::string header_line(const RowReliability& reliability) {
-    std::string line = "name";
-    for (const RowNumbers& column : reliability.columns) {
-        line += "\t" + column.name;
-    }
-    return line + "\tfalse_neighbours\ttorn_neighbours\n";
-}
-
 }  // namespace
 
 std::error_code write_reliability_table(const std::string& path,
                                         std::span<const std::string> names,
                                         const RowReliability& reliability) {
     return write_whole_file(path, [&](std::FILE* stream) {
-        std::fputs(header_line(reliability).c_str(), stream);
+        const std::string header =
+            "name" + header_fields(reliability.columns) + "\tfalse_neighbours\ttorn_neighbours\n";
+        std::fputs(header.c_str(), stream);
         for (std::size_t n = 0; n < names.size(); ++n) {
-            std::string line = table_field(names[n]);
-            for (const RowNumbers& column : reliability.columns) {
-                const double value = column.values[n];
-                line += "\t" + (std::isnan(value) ? std::string() : shortest_text(value));
-            }
-            line += "\t" + names_field(reliability.falsely_near[n], names) + "\t" +
-                    names_field(reliability.torn[n], names) + "\n";
+            const std::string line = table_field(names[n]) + row_fields(reliability.columns, n) +
+                                     "\t" + names_field(reliability.falsely_near[n], names) + "\t" +
+                                     names_field(reliability.torn[n], names) + "\n";
             std::fwrite(line.data(), 1, line.size(), stream);
         }
     });

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "results/recorded_stability.h"
 #include "results/row_reliability.h"
 
 namespace ovik {
@@ -127,6 +128,8 @@ struct RunRecord {
     std::shared_ptr<const RowReliability> reliability;
     /// None unless the rows were compared with noise.
     std::optional<RecordedNoise> noise;
+    /// How far the map stays as it is on others; null unless it was asked for.
+    std::shared_ptr<const RecordedStability> stability;
     std::vector<ResultFile> files;
     /// The map, row-major, rows x dimensions; empty unless it is to be compared with others.
     std::vector<double> places;

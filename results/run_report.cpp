@@ -143,6 +143,29 @@ std::string json_noise(const RecordedNoise& noise) {
                         {"misfit", json_noise_summary(noise.misfit)}});
 }
 
+/// Clusters are told by their numbers, from 1.
+std::string json_stability(const RecordedStability& stability) {
+    std::vector<std::pair<std::string, std::string>> members{
+        {"seeds", json_text(stability.seeds)},
+        {"draws", json_text(stability.draws)},
+        {"neighbours", json_text(stability.neighbours)}};
+    for (const RowNumbers& column : stability.columns) {
+        members.emplace_back(column.name, json_list_of(column.values));
+    }
+    std::vector<std::string> pairs;
+    for (const RecordedClusterPair& pair : stability.pairs) {
+        pairs.push_back(json_object({{"clusters",
+                                      json_list({json_text(std::size_t{pair.first} + 1),
+                                                 json_text(std::size_t{pair.second} + 1)})},
+                                     {"separation", json_text(pair.separation)},
+                                     {"apart_seeds", json_text(pair.apart_seeds)},
+                                     {"apart_columns", json_text(pair.apart_columns)},
+                                     {"stay_apart", json_text(pair.stay_apart)}}));
+    }
+    members.emplace_back("cluster_pairs", stability.has_clusters ? json_list(pairs) : "null");
+    return json_object(members);
+}
+
 std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
@@ -171,6 +194,9 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
     }
     if (run.noise) {
         members.emplace_back("noise", json_noise(*run.noise));
+    }
+    if (run.stability) {
+        members.emplace_back("stability", json_stability(*run.stability));
     }
     const auto of_seeds = seed_members(run);
     members.insert(members.end(), of_seeds.begin(), of_seeds.end());

@@ -1,16 +1,13 @@
 #include "stats/map_stability.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <limits>
+#include <string>
 #include <utility>
 
-#include "stats/fit.h"
 #include "stats/map_agreement.h"
 #include "stats/procrustes.h"
-#include "stats/resampling.h"
-#include "stats/side_by_side.h"
 #include "util/parallel.h"
 
 namespace ovik {
@@ -73,49 +70,35 @@ MatrixView<const double> view_of(const std::vector<double>& map, MatrixView<cons
     return {map.data(), shape.rows, shape.columns};
 }
 
+/// Adds what one kind of maps tells of each row.
+void add_rows(RecordedStability& stability,
+              MatrixView<const double> map,
+              std::span<const std::vector<double>> others,
+              const std::string& name,
+              const std::string& title) {
+    if (others.empty()) {
+        return;
+    }
+    RowStability rows = row_stability(map, others, stability.neighbours);
+    const std::string k = std::to_string(stability.neighbours);
+    stability.columns.push_back(
+        {"shared_" + k + "_" + name, "Map neighbours that stay, " + title, std::move(rows.shared)});
+    stability.columns.push_back(
+        {"spread_" + name, "Spread of the place, " + title, std::move(rows.spread)});
+}
+
+/// On how many of some maps pairs of clusters are apart; NaN without any.
+double apart_of(std::size_t pair, const std::vector<ClusterPair>& pairs, std::size_t maps) {
+    return maps > 0 ? pairs[pair].apart : std::numeric_limits<double>::quiet_NaN();
+}
+
+/// NaN, of maps that there are not, says nothing against it.
+bool stays_apart(const RecordedClusterPair& pair) {
+    return pair.separation >= kApart && !(pair.apart_seeds < kStayApart) &&
+           !(pair.apart_columns < kStayApart);
+}
+
 }  // namespace
-
-std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
-                                              const FitOptions& options,
-                                              Variation variation,
-                                              std::size_t number,
-                                              const std::function<bool()>& goes_on) {
-    FitOptions varied = options;
-    std::vector<double> values;
-    if (variation == Variation::Seeds) {
-        varied.start = StartKind::Random;
-        varied.seed += 1 + static_cast<int>(number);
-        values.assign(X.all().begin(), X.all().end());
-    } else {
-        values = bootstrapped_columns(X, options.seed, number);
-    }
-    bool is_ended = goes_on && !goes_on();
-    if (is_ended) {
-        return std::nullopt;
-    }
-    FitHooks hooks;
-    hooks.on_iteration = [&](const FitState& /*state*/) {
-        is_ended = goes_on && !goes_on();
-        return !is_ended;
-    };
-    Fit made = fit({values.data(), X.rows, X.columns}, varied, hooks);
-    if (is_ended) {
-        return std::nullopt;
-    }
-    return std::move(made.embedding);
-}
-
-std::vector<std::vector<double>> varied_maps(MatrixView<const double> X,
-                                             const FitOptions& options,
-                                             Variation variation,
-                                             std::size_t count,
-                                             std::size_t at_once,
-                                             const std::function<bool()>& goes_on) {
-    return results_side_by_side<std::vector<double>>(
-        count, at_once, goes_on, [&](std::size_t i, const std::function<bool()>& all_go_on) {
-            return varied_map(X, options, variation, i, all_go_on);
-        });
-}
 
 RowStability row_stability(MatrixView<const double> map,
                            std::span<const std::vector<double>> others,
@@ -169,6 +152,35 @@ std::vector<ClusterPair> cluster_pairs(MatrixView<const double> map,
         }
     }
     return pairs;
+}
+
+RecordedStability map_stability(MatrixView<const double> map,
+                                std::span<const std::vector<double>> of_seeds,
+                                std::span<const std::vector<double>> of_columns,
+                                std::span<const std::uint32_t> clusters,
+                                std::size_t neighbours) {
+    RecordedStability stability;
+    stability.seeds = of_seeds.size();
+    stability.draws = of_columns.size();
+    stability.neighbours = neighbours;
+    add_rows(stability, map, of_seeds, "seeds", "other seeds");
+    add_rows(stability, map, of_columns, "columns", "other columns");
+    stability.has_clusters = !clusters.empty();
+    if (!stability.has_clusters) {
+        return stability;
+    }
+    const std::vector<ClusterPair> by_seeds = cluster_pairs(map, of_seeds, clusters);
+    const std::vector<ClusterPair> by_columns = cluster_pairs(map, of_columns, clusters);
+    for (std::size_t i = 0; i < by_seeds.size(); ++i) {
+        RecordedClusterPair pair{by_seeds[i].first,
+                                 by_seeds[i].second,
+                                 by_seeds[i].separation,
+                                 apart_of(i, by_seeds, of_seeds.size()),
+                                 apart_of(i, by_columns, of_columns.size())};
+        pair.stay_apart = stays_apart(pair);
+        stability.pairs.push_back(pair);
+    }
+    return stability;
 }
 
 }  // namespace ovik

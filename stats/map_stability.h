@@ -2,53 +2,20 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <span>
 #include <vector>
 
-#include "stats/fit_options.h"
+#include "results/recorded_stability.h"
 #include "util/api.h"
 #include "util/matrix_view.h"
 
-/// How far a map would be another one from another start, or of other columns.
+/// How far a map stays as it is beside others of the same rows.
+///
+/// Nothing here makes a map: others are given by their places, row-major, rows x dimensions as the
+/// map has them, whether they were just made (`stats/varied_maps.h`) or read from files. They may
+/// lie anywhere, in any size, turned and mirrored. Their order plays a part in rounding alone.
 
 namespace ovik {
-
-/// What is varied from map to map.
-enum class Variation {
-    /// The seed, which goes on from that of the map; every start is random.
-    Seeds,
-    /// The columns, which are drawn anew with replacement.
-    Columns,
-};
-
-/// Makes a map beside another one.
-///
-/// @param X        as it was loaded: neither centred nor prepared for a metric; copied
-/// @param options  of the map
-/// @param number   of the map beside it, from 0: what is varied follows from the seed of the
-/// options and this
-/// @param goes_on  asked after each iteration; may be empty
-/// @return the places, rows x output dimensions; none if it was ended by that
-/// @throws what `fit` throws; InputError if the metric cannot compare a row of the drawn columns
-OVIK_API std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
-                                                       const FitOptions& options,
-                                                       Variation variation,
-                                                       std::size_t number,
-                                                       const std::function<bool()>& goes_on = {});
-
-/// The maps of numbers 0 to `count` - 1, side by side as `run_side_by_side` makes them. The same
-/// for any number of threads.
-///
-/// @param goes_on  may be asked by several threads at once
-/// @return empty if they were ended
-OVIK_API std::vector<std::vector<double>> varied_maps(MatrixView<const double> X,
-                                                      const FitOptions& options,
-                                                      Variation variation,
-                                                      std::size_t count,
-                                                      std::size_t at_once = 0,
-                                                      const std::function<bool()>& goes_on = {});
 
 /// How much the place of each row varies.
 struct RowStability {
@@ -89,5 +56,19 @@ constexpr double kApart = 0.9;
 OVIK_API std::vector<ClusterPair> cluster_pairs(MatrixView<const double> map,
                                                 std::span<const std::vector<double>> others,
                                                 std::span<const std::uint32_t> clusters);
+
+/// Clusters that are apart on a map stay so where they are on so many of the others.
+constexpr double kStayApart = 0.8;
+
+/// All that is told of how far a map stays as it is.
+///
+/// @param of_seeds    maps from other seeds, may be none
+/// @param of_columns  maps of other columns, may be none
+/// @param clusters    of each row, from 0; empty for none
+OVIK_API RecordedStability map_stability(MatrixView<const double> map,
+                                         std::span<const std::vector<double>> of_seeds,
+                                         std::span<const std::vector<double>> of_columns,
+                                         std::span<const std::uint32_t> clusters = {},
+                                         std::size_t neighbours = 10);
 
 }  // namespace ovik

@@ -65,18 +65,17 @@ double sample_memory(const RunSize& size) {
            std::max(memory.similarities, memory.fitting + components_memory(sampled));
 }
 
-/// How many fits of several seeds run side by side: the first one does by itself.
-double fits_at_once(const RunSize& size) {
+/// How many of several fits run side by side.
+double fits_at_once(const RunSize& size, std::size_t fits) {
     const std::size_t allowed = size.seeds_at_once == 0 ? size.threads : size.seeds_at_once;
-    const std::size_t most =
-        std::min({allowed, size.threads, static_cast<std::size_t>(size.seeds - 1)});
+    const std::size_t most = std::min({allowed, size.threads, fits});
     return static_cast<double>(std::max<std::size_t>(most, 1));
 }
 
 }  // namespace
 
 double MemoryEstimate::peak() const {
-    return std::max({reading, similarities, sample, fitting, clusters, results});
+    return std::max({reading, similarities, sample, fitting, clusters, stability, results});
 }
 
 MemoryEstimate estimate_memory(const RunSize& size) {
@@ -93,17 +92,19 @@ MemoryEstimate estimate_memory(const RunSize& size) {
     if (size.is_shared) {
         lasting += input;
     }
+    lasting += size.other_maps > 0 ? input : 0.0;
     double at_once = 1.0;
     if (size.seeds > 1) {
-        at_once = fits_at_once(size);
+        // The first one does by itself.
+        at_once = fits_at_once(size, static_cast<std::size_t>(size.seeds - 1));
         lasting += (1.0 + at_once) * input + 8.0 * N * d * static_cast<double>(size.seeds);
     }
     if (size.is_shared || size.seeds > 1) {
         lasting += method.shared;
     }
     const double scores = 8.0 * N * static_cast<double>(std::max(size.options.pca, 0));
-    estimate.similarities =
-        lasting + at_once * std::max(components_memory(size), scores + method.similarities);
+    const double similarities = std::max(components_memory(size), scores + method.similarities);
+    estimate.similarities = lasting + at_once * similarities;
     const double fitting = 32.0 * N * d + method.fitting;
     estimate.fitting = lasting + at_once * fitting;
     if (const double sample = sample_memory(with_components(size)); sample > 0.0) {
@@ -117,6 +118,13 @@ MemoryEstimate estimate_memory(const RunSize& size) {
         }
         estimate.clusters =
             lasting + 160.0 * table_rows + 130.0 * N + 48.0 * entries + 12.0 * symmetric;
+    }
+    if (size.other_maps > 0) {
+        estimate.stability = lasting + 160.0 * table_rows + 130.0 * N + method.shared +
+                             8.0 * N * d * static_cast<double>(size.other_maps) +
+                             fits_at_once(size, size.other_maps) *
+                                 (input + std::max(similarities, scores + fitting) +
+                                  sample_memory(with_components(size)));
     }
     const double image = table_rows < kFewestImagePoints ? 0.0 : kImageBytes;
     estimate.results =

@@ -22,11 +22,13 @@ struct RunSize {
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
-    /// From how many seeds the map is fitted, or one more than the maps of noise that are fitted
-    /// beside it, and how many of these fits run side by side at most; 0 for as many as there are
-    /// threads.
+    /// From how many seeds the map is fitted, and how many of these fits run side by side at most;
+    /// 0 for as many as there are threads.
     int seeds = 1;
     std::size_t seeds_at_once = 0;
+    /// With how many other maps the map is compared (`varied_maps`, `noise_fits`); as many of their
+    /// fits run side by side as of several seeds.
+    std::size_t other_maps = 0;
 };
 
 /// Resident memory of the stages of a run, in bytes; a `double`, so that no size overflows.
@@ -73,9 +75,13 @@ struct RunSize {
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
 ///
-/// A run from R seeds, or with R - 1 maps of noise, has all the time what runs have that share, with A fits side by side another
+/// A run from R seeds has all the time what runs have that share, with A fits side by side another
 /// copy of the input for each (8 ND) and the maps (8 RNd), and A times what the stages of
 /// similarities and of fitting take.
+///
+/// A run that makes other maps has a copy of the input all the time (8 ND), and behind its fit,
+/// with A of theirs side by side, another one for each, the maps (8 Nd), the neighbours that maps
+/// of other seeds share, and A times what the stages of similarities and of fitting take.
 ///
 /// S depends on the data. It is the nearer to 2 E the more columns tell the rows apart; assumed is
 /// E * (1 + 0.06 D), at most 1.6 E, as seen with random and with real matrices. What a table row
@@ -88,6 +94,7 @@ struct MemoryEstimate {
     double sample = 0.0;
     double fitting = 0.0;
     double clusters = 0.0;
+    double stability = 0.0;
     double results = 0.0;
 
     /// The memory of the stage that takes most.

@@ -1,12 +1,16 @@
 #include "stats/trust_texts.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "stats/map_stability.h"
+#include "stats/median.h"
 #include "stats/row_reliability.h"
 #include "stats/seed_texts.h"
+#include "util/counted.h"
 #include "util/rounded.h"
 
 namespace ovik {
@@ -91,14 +95,105 @@ void add_seeds(const SeedReport& seeds, std::vector<TrustNumber>& numbers) {
                            "are together is as stable as this."});
 }
 
+/// What a column of the stability tells of all rows.
+struct ColumnSummary {
+    double mean;
+    double median;
+};
+
+ColumnSummary summary_of(const RowNumbers& column) {
+    double sum = 0.0;
+    for (const double value : column.values) {
+        sum += value;
+    }
+    std::vector<double> values = column.values;
+    return {sum / static_cast<double>(values.size()), median(values)};
+}
+
+/// The columns of one kind of maps: neighbours that stay, and the spread of the places.
+struct KindOfMaps {
+    std::string maps;
+    const RowNumbers& shared;
+    const RowNumbers& spread;
+};
+
+std::vector<KindOfMaps> kinds_of(const RecordedStability& stability) {
+    std::vector<KindOfMaps> kinds;
+    std::size_t at = 0;
+    if (stability.seeds > 0) {
+        kinds.push_back({counted(stability.seeds, "other seed", "other seeds"),
+                         stability.columns[at],
+                         stability.columns[at + 1]});
+        at += 2;
+    }
+    if (stability.draws > 0) {
+        kinds.push_back({counted(stability.draws, "draw of the columns", "draws of the columns"),
+                         stability.columns[at],
+                         stability.columns[at + 1]});
+    }
+    return kinds;
+}
+
+std::size_t pairs_that_stay(const RecordedStability& stability) {
+    return static_cast<std::size_t>(
+        std::count_if(stability.pairs.begin(), stability.pairs.end(), [](const auto& pair) {
+            return pair.stay_apart;
+        }));
+}
+
+void add_stability(const RecordedStability& stability, std::vector<TrustNumber>& numbers) {
+    const std::string k = std::to_string(stability.neighbours);
+    for (const KindOfMaps& kind : kinds_of(stability)) {
+        numbers.push_back({"Map neighbours that stay, " + kind.maps,
+                           percent_text(summary_of(kind.shared).mean),
+                           "So many of the " + k +
+                               " rows that are nearest to one on this map are so on such a map, "
+                               "averaged over rows and maps: what changes with the seed or the "
+                               "columns is no property of the data."});
+        numbers.push_back({"Spread of the places, " + kind.maps,
+                           rounded_text(summary_of(kind.spread).median, 3),
+                           "Half of the rows move by less than this when such maps are laid onto "
+                           "this one; 1 is the root mean square distance of the rows from the "
+                           "middle of the map."});
+    }
+    if (stability.has_clusters) {
+        numbers.push_back({"Pairs of clusters that stay apart",
+                           std::to_string(pairs_that_stay(stability)) + " of " +
+                               std::to_string(stability.pairs.size()),
+                           "Two clusters are apart on a map where " + percent_text(kApart) +
+                               " of their rows lie nearer to a row of their own cluster than to "
+                               "any of the other, and stay so where they are on " +
+                               percent_text(kStayApart) +
+                               " of the maps of other seeds and of other columns."});
+    }
+}
+
 }  // namespace
+
+std::vector<std::string> stability_lines(const RecordedStability& stability) {
+    std::vector<std::string> lines;
+    for (const KindOfMaps& kind : kinds_of(stability)) {
+        lines.push_back("Stability, " + kind.maps + ": " +
+                        percent_text(summary_of(kind.shared).mean) + " of the " +
+                        std::to_string(stability.neighbours) +
+                        " nearest on the map stay, median spread " +
+                        rounded_text(summary_of(kind.spread).median, 3));
+    }
+    lines.push_back(stability.has_clusters
+                        ? "Stability of clusters: " + std::to_string(pairs_that_stay(stability)) +
+                              " of " + counted(stability.pairs.size(), "pair", "pairs") +
+                              " stay apart"
+                        : "Stability of clusters: not compared without --clusters");
+    return lines;
+}
 
 MapTrust map_trust(const FitReport& report,
                    std::vector<NeighbourhoodQuality> quality,
                    const RowClusters* clusters,
-                   std::shared_ptr<const RowReliability> rows) {
+                   std::shared_ptr<const RowReliability> rows,
+                   std::shared_ptr<const RecordedStability> stability) {
     MapTrust trust;
-    if (!report.seeds && quality.empty() && clusters == nullptr) {
+    if (!report.seeds && quality.empty() && clusters == nullptr && stability == nullptr) {
         return trust;
     }
     for (const NeighbourhoodQuality& one : quality) {
@@ -122,6 +217,10 @@ MapTrust map_trust(const FitReport& report,
     if (report.seeds) {
         add_seeds(*report.seeds, trust.numbers);
     }
+    if (stability != nullptr) {
+        add_stability(*stability, trust.numbers);
+    }
+    trust.stability = std::move(stability);
     if (clusters != nullptr) {
         trust.numbers.push_back({"Modularity of the clusters",
                                  rounded_text(clusters->modularity, 4),

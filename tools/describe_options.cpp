@@ -199,7 +199,7 @@ struct PythonParameter {
     const char* preset;
 };
 
-constexpr std::array<PythonParameter, 10> kPythonAlone = {{
+constexpr std::array<PythonParameter, 11> kPythonAlone = {{
     {"random_state", "RandomState", "None"},
     {"preset", "Preset", "\"classic\""},
     {"neighbour_graph", "NeighbourGraph", "None"},
@@ -207,6 +207,7 @@ constexpr std::array<PythonParameter, 10> kPythonAlone = {{
     {"callbacks_every_iters", "int", "50"},
     {"on_interrupt", "OnInterrupt", "\"raise\""},
     {"quality", "int | None", "None"},
+    {"reliability", "bool", "False"},
     {"seeds", "int", "1"},
     {"n_jobs", "int | None", "-1"},
     {"verbose", "bool", "False"},

@@ -47,11 +47,16 @@ void print_plan(const Options& options,
                ", " + neighbourhoods + ", " + std::to_string(options.fit.out_dims) +
                " dimensions, " + std::to_string(options.fit.max_iter + 1) + " iterations");
     if (options.against_noise > 0) {
-        print_info("Maps of noise: " + std::to_string(options.against_noise));
+        print_info("Maps of noise: " + std::to_string(options.against_noise) +
+                   " of each perplexity");
     }
     if (options.seeds > 1) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));
+    }
+    if (options.stability > 0) {
+        const std::size_t maps = 2 * static_cast<std::size_t>(options.stability);
+        print_info("Stability: " + counted(maps, "more map", "more maps") + " of each perplexity");
     }
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)

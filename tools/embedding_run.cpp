@@ -14,6 +14,7 @@
 #include "results/label_table.h"
 #include "results/map_model.h"
 #include "results/reliability_table.h"
+#include "results/stability_table.h"
 #include "stats/option_effect.h"
 #include "stats/row_reliability.h"
 #include "stats/schedule.h"
@@ -28,6 +29,7 @@
 #include "tools/map_clusters.h"
 #include "tools/map_noise.h"
 #include "tools/map_quality.h"
+#include "tools/other_maps.h"
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
 #include "tools/run_model.h"
@@ -104,6 +106,7 @@ struct LookFailures {
     std::string clusters;
     std::string quality;
     std::string noise;
+    std::string stability;
 };
 
 /// Adds the clusters to the labels and the record of a run.
@@ -129,13 +132,13 @@ RowClusters add_clusters(TSNE<T>& tsne,
 /// Tells how far each row can be trusted. What is known by then stays if the comparison with noise
 /// fails.
 ///
-/// @param values  as `look_at_map` has them
+/// @param X  as `look_at_map` has it
 /// @return why the rows could not be compared with noise; empty if they were, or are not to be
 template <typename T>
 std::string judge_rows(const TSNE<T>& tsne,
                        const Options& options,
                        const FitReport& report,
-                       const std::vector<double>& values,
+                       MatrixView<const double> X,
                        const RowNeighbourhoods& measured,
                        RunRecord& record) {
     const auto known = std::make_shared<RowReliability>(
@@ -146,8 +149,6 @@ std::string judge_rows(const TSNE<T>& tsne,
     }
     FitOptions fit = options.fit;
     fit.perplexity = tsne.perplexity;
-    const MatrixView<const double> X{
-        values.data(), static_cast<std::size_t>(tsne.N), static_cast<std::size_t>(tsne.D)};
     return failure_of([&] {
         record.noise = compare_with_noise(options, fit, X, measured.quality.back(), *known);
     });
@@ -156,13 +157,13 @@ std::string judge_rows(const TSNE<T>& tsne,
 /// Finds out what is asked for of a finished map, and gives it to the results. What fails costs no
 /// other result.
 ///
+/// @param X              the matrix as it was loaded, if the map is to be compared with others
 /// @param label_columns  of the run, to which the clusters are added
-/// @param values         the matrix as it was loaded; empty unless it is to be shuffled
 template <typename T>
 LookFailures look_at_map(TSNE<T>& tsne,
                          const Options& options,
                          const FitReport& report,
-                         const std::vector<double>& values,
+                         MatrixView<const double> X,
                          std::vector<LabelColumn>& label_columns,
                          RunRecord& record) {
     LookFailures failures;
@@ -177,15 +178,20 @@ LookFailures look_at_map(TSNE<T>& tsne,
         failures.quality = failure_of([&] {
             measured = report_map_quality(tsne, options.fit.out_dims, options.reliability);
             if (options.reliability) {
-                failures.noise = judge_rows(tsne, options, report, values, measured, record);
+                failures.noise = judge_rows(tsne, options, report, X, measured, record);
             }
         });
     }
     for (const NeighbourhoodQuality& one : measured.quality) {
         record.quality.push_back({one.neighbours, one.trustworthiness, one.preservation});
     }
-    tsne.trust = map_trust(
-        report, std::move(measured.quality), clusters ? &*clusters : nullptr, record.reliability);
+    const RowClusters* const found = clusters ? &*clusters : nullptr;
+    if (options.stability > 0) {
+        failures.stability = failure_of(
+            [&] { record.stability = compare_with_other_maps(tsne, options, X, report, found); });
+    }
+    tsne.trust =
+        map_trust(report, std::move(measured.quality), found, record.reliability, record.stability);
     return failures;
 }
 
@@ -313,6 +319,18 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
         files.push_back({"Comparison with noise", "", failures.noise});
         complain("The rows could not be compared with noise (" + failures.noise + ")");
     }
+    if (record.stability) {
+        const std::string path = stability_path(base);
+        add("Stability", path, write_stability_table(path, tsne.row_names, *record.stability));
+        if (record.stability->has_clusters) {
+            const std::string pairs = cluster_pairs_path(base);
+            add("Cluster pairs", pairs, write_cluster_pairs(pairs, *record.stability));
+        }
+    }
+    if (!failures.stability.empty()) {
+        files.push_back({"Stability", "", failures.stability});
+        complain("Stability could not be measured (" + failures.stability + ")");
+    }
     if (!failures.quality.empty()) {
         files.push_back({"Quality", "", failures.quality});
         complain("Quality could not be measured (" + failures.quality + ")");
@@ -341,15 +359,21 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     return files;
 }
 
+/// The values of a matrix, which a fit changes; none if they are not wanted.
+std::vector<double> copy_if(bool is_wanted, const RunInput& input) {
+    if (!is_wanted) {
+        return {};
+    }
+    const double* const values = input.values.get();
+    return {values, values + input.rows * input.columns};
+}
+
 template <typename T>
 RunRecord run(const Options& options, RunInput input, double perplexity) {
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
+    const std::vector<double> as_loaded =
+        copy_if(options.against_noise > 0 || options.stability > 0, input);
     const auto finish = [](TSNE<T>* run) { run->finish(); };
-    // The fit brings its own input into another form.
-    std::vector<double> values;
-    if (options.against_noise > 0) {
-        values.assign(input.values.get(), input.values.get() + input.rows * input.columns);
-    }
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
     RunRecord record;
@@ -372,7 +396,8 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     tsne.wants_row_costs = options.reliability;
     LookFailures failures;
     tsne.on_embedding = [&](const FitReport& report) {
-        failures = look_at_map(tsne, options, report, values, input.label_columns, record);
+        const MatrixView<const double> X{as_loaded.data(), input.rows, input.columns};
+        failures = look_at_map(tsne, options, report, X, input.label_columns, record);
         if (report.sample && report.sample->recall) {
             record.sample_recall = report.sample->recall->share;
         }

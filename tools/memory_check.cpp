@@ -44,7 +44,7 @@ void check_memory(const RunSize& size, const AvailableMemory& available) {
 }
 
 std::size_t seeds_at_once(const RunSize& size, const AvailableMemory& available) {
-    return size.seeds == 1 || fits(size, available) ? 0 : 1;
+    return (size.seeds == 1 && size.other_maps == 0) || fits(size, available) ? 0 : 1;
 }
 
 void check_memory_of_reading(const MatrixSource& source,

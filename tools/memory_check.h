@@ -19,8 +19,8 @@ using ovik::memory_text;
 /// @throws InputError with both figures and what makes the run smaller
 void check_memory(const RunSize& size, const AvailableMemory& available);
 
-/// How many fits of several seeds may run side by side in the memory that there is: 0 for as many
-/// as there are threads, else 1.
+/// How many fits of several seeds, or of other maps, may run side by side in the memory that there
+/// is: 0 for as many as there are threads, else 1.
 std::size_t seeds_at_once(const RunSize& size, const AvailableMemory& available);
 
 /// Refuses to read a file whose values cannot fit, where its size is known beforehand.

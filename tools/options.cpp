@@ -87,8 +87,8 @@ CLI::Validator whole_number(int least, int most) {
 /// Of clusters: far from where all rows are one, or each is one.
 constexpr OptionRange<double> kResolutions{.least = 0.001, .most = 1000.0};
 
-/// Matrices of noise: more say no more.
-constexpr int kMostNoiseMatrices = 1000;
+/// Maps that one is compared with: more say no more.
+constexpr int kMostOtherMaps = 1000;
 
 /// The parts of a text between its commas.
 std::vector<std::string> parts_of(const std::string& text) {
@@ -213,7 +213,14 @@ void add_output_options(CLI::App& app, Options& options) {
                    "Embed so many matrices of shuffled values, and tell for each row whether noise "
                    "would place it as well")
         ->option_text("COUNT")
-        ->transform(whole_number(1, kMostNoiseMatrices));
+        ->transform(whole_number(1, kMostOtherMaps));
+    app.add_option(
+           "--stability",
+           options.stability,
+           "Make so many maps from other seeds, and so many of columns drawn anew, and tell "
+           "what of the place of each row, and of clusters, stays")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, kMostOtherMaps));
     add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(
@@ -830,6 +837,37 @@ void check_seeds(const Options& options) {
     }
 }
 
+/// @throws CLI::ValidationError if there are not so many seeds, or maps of other columns would be
+/// the same map
+void check_stability(const Options& options) {
+    if (options.stability == 0) {
+        return;
+    }
+    const auto refuse = [](const std::string& why) {
+        throw CLI::ValidationError("--stability", why);
+    };
+    if (options.fit.metric == MetricKind::Precomputed) {
+        refuse(
+            "draws columns anew, which --metric precomputed has not\nGive the matrix of which "
+            "the distances are, or compare the maps of several seeds (--seeds).");
+    }
+    if (!options.neighbours_file.empty()) {
+        refuse(
+            "looks for neighbours by columns drawn anew, and --neighbours-from gives them"
+            "\nLeave one of them out, or compare the maps of several seeds (--seeds).");
+    }
+    if (!options.start_file.empty()) {
+        refuse("makes maps from other starts, and --start gives one\nLeave one of them out.");
+    }
+    const int more = options.seeds - 1 + options.stability;
+    if (options.fit.seed > std::numeric_limits<int>::max() - more) {
+        throw CLI::ValidationError("--seed",
+                                   "should be at most " +
+                                       std::to_string(std::numeric_limits<int>::max() - more) +
+                                       ", so that " + std::to_string(more) + " more follow it");
+    }
+}
+
 /// The file name of a matrix without its extension, and without that of gzip.
 std::string stem_of(std::filesystem::path path) {
     if (path.extension() == ".gz") {
@@ -941,6 +979,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         check_comparison(app, command.options);
         check_fit(app, command.options);
         check_seeds(command.options);
+        check_stability(command.options);
         fill_in_defaults(command.options);
         settle_enrichment_file(app, command.options);
     } catch (const CLI::ParseError& error) {

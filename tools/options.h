@@ -115,8 +115,9 @@ struct Options {
     Precision precision = Precision::Double;
     /// From how many seeds each map is fitted, of which the best is kept.
     int seeds = 1;
-    /// Most of these fits, or of those of noise, that run side by side; 0 for as many as there are threads. Not of the
-    /// command line: settled by the memory that there is.
+    /// Most of these fits, or of those of `against_noise` or `stability`, that run side by side; 0
+    /// for as many as there are threads. Not of the command line: settled by the memory that there
+    /// is.
     std::size_t seeds_at_once = 0;
     /// Takes how far the run is; no option, but what shows it.
     OnStage on_stage = {};
@@ -131,6 +132,9 @@ struct Options {
     /// With how many matrices of noise the rows are compared, which means `reliability`; 0 for
     /// none.
     int against_noise = 0;
+    /// With how many maps of other seeds the map is compared, and with how many of other columns;
+    /// 0 for none.
+    int stability = 0;
     /// Whether the rows are divided into clusters by their neighbours, and by what resolution.
     bool clusters = false;
     double clusters_resolution = 1.0;

@@ -79,7 +79,9 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = std::max(options.seeds, 1 + options.against_noise);
+    size.seeds = options.seeds;
+    size.other_maps =
+        static_cast<std::size_t>(std::max(options.against_noise, 2 * options.stability));
     return size;
 }
 
@@ -163,7 +165,7 @@ ExitStatus embed(Options options, RunReport report) {
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
-    check_judged_rows(options, matrix.rows);
+    check_judged_rows(options, matrix.rows, matrix.columns);
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);

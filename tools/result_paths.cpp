@@ -86,6 +86,14 @@ std::string reliability_path(const std::string& result_base) {
     return result_base + ".reliability.tsv";
 }
 
+std::string stability_path(const std::string& result_base) {
+    return result_base + ".stability.tsv";
+}
+
+std::string cluster_pairs_path(const std::string& result_base) {
+    return result_base + ".cluster_pairs.tsv";
+}
+
 std::string onto_base(const Options& options) {
     return options.out_dir + options.name + "_onto" + options.suffix;
 }
@@ -116,6 +124,8 @@ std::vector<std::string> result_files(const Options& options,
         add(options.annotated_tsv, annotated_path(base));
         add(options.clusters, clusters_path(base));
         add(options.reliability, reliability_path(base));
+        add(options.stability > 0, stability_path(base));
+        add(options.stability > 0 && options.clusters, cluster_pairs_path(base));
         for (const char* const extension : {".gp", ".png", ".svg"}) {
             add(options.plot_cost, cost_base(base) + extension);
         }

@@ -24,6 +24,10 @@ std::string clusters_path(const std::string& result_base);
 /// The path of the table of how far each row can be trusted.
 std::string reliability_path(const std::string& result_base);
 
+/// The paths of the tables of how far the place of each row stays, and of clusters that stay apart.
+std::string stability_path(const std::string& result_base);
+std::string cluster_pairs_path(const std::string& result_base);
+
 /// The path of table and plots of rows that are placed on a map, without their extensions.
 std::string onto_base(const Options& options);
 

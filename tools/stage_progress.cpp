@@ -46,6 +46,8 @@ StageWords words_of(Stage stage) {
             return {"Quality", " rows"};
         case Stage::Noise:
             return {"Maps of noise", " iterations"};
+        case Stage::Stability:
+            return {"Stability", " iterations"};
         case Stage::Table:
             return {"Result table", ""};
         case Stage::Page:

@@ -3,19 +3,47 @@
 #include <string>
 
 #include "stats/row_reliability.h"
+#include "stats/varied_maps.h"
 #include "util/counted.h"
 #include "util/input_error.h"
 
 namespace ovik::tool {
 
-void check_judged_rows(const Options& options, std::size_t rows) {
-    if (!options.reliability || rows >= kFewestJudgedRows) {
-        return;
+namespace {
+
+void check_rows_of(const std::string& option, std::size_t rows) {
+    if (rows < kFewestJudgedRows) {
+        throw InputError(option + " takes at least " + std::to_string(kFewestJudgedRows) +
+                         " rows, and the matrix has " + counted(rows, "row", "rows") +
+                         "\nLeave it out: among so few rows nearly all are neighbours.");
     }
-    const std::string option = options.against_noise > 0 ? "--against-noise" : "--reliability";
-    throw InputError(option + " takes at least " + std::to_string(kFewestJudgedRows) +
-                     " rows, and the matrix has " + counted(rows, "row", "rows") +
-                     "\nLeave it out: among so few rows nearly all are neighbours.");
+}
+
+void check_drawn_columns(const Options& options, std::size_t columns) {
+    if (options.sparse_components > 0) {
+        throw InputError(
+            "--stability draws columns anew, and of this sparse matrix there are only "
+            "components\nLeave it out, or compare the maps of several seeds "
+            "(--seeds).");
+    }
+    if (columns < kFewestDrawnColumns) {
+        throw InputError("--stability draws columns anew, of at least " +
+                         std::to_string(kFewestDrawnColumns) + ", and the matrix has " +
+                         counted(columns, "column", "columns") +
+                         "\nLeave it out, or compare the maps of several seeds (--seeds).");
+    }
+}
+
+}  // namespace
+
+void check_judged_rows(const Options& options, std::size_t rows, std::size_t columns) {
+    if (options.reliability) {
+        check_rows_of(options.against_noise > 0 ? "--against-noise" : "--reliability", rows);
+    }
+    if (options.stability > 0) {
+        check_rows_of("--stability", rows);
+        check_drawn_columns(options, columns);
+    }
 }
 
 void check_noise_options(const Options& options) {

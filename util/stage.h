@@ -23,6 +23,8 @@ enum class Stage {
     Quality,
     /// The fits of noise that the map is compared with: of the iterations of all of them.
     Noise,
+    /// Of iterations, of all maps that one is compared with.
+    Stability,
     Table,
     Page,
     Figure,

@@ -14,17 +14,22 @@ from ._genes import Gene, gene_function
 from ._matrix import Matrix, MatrixNote, read_matrix
 from ._page import Page, page
 from ._plot import plot
+from ._reliability import Reliability
+from ._stability import ClusterPair, Stability, stability
 from ._tsne import TSNE
 
 __all__ = [
     "TSNE",
     "Agreement",
+    "ClusterPair",
     "EnrichedTerm",
     "Enrichment",
     "Gene",
     "Matrix",
     "MatrixNote",
     "Page",
+    "Reliability",
+    "Stability",
     "__version__",
     "agreement",
     "enrich",
@@ -33,4 +38,5 @@ __all__ = [
     "plot",
     "pp_tsne",
     "read_matrix",
+    "stability",
 ]

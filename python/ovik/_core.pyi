@@ -14,6 +14,14 @@ def settle_options(
 def read_matrix(
     path: bytes, form: dict[str, Any], missing: str
 ) -> tuple[NDArray[np.float64], list[bytes], list[bytes], list[bytes], list[bytes]]: ...
+def stability(
+    X: NDArray[np.float64],
+    embedding: NDArray[np.float64],
+    options: dict[str, Any],
+    count: int,
+    clusters: list[int],
+    threads: int,
+) -> tuple[dict[str, NDArray[np.float64]], list[tuple[int, int, float, float, float, bool]]]: ...
 def agreement(maps: list[NDArray[np.float64]], neighbours: int) -> tuple[float, float]: ...
 def split_gene_names(text: bytes) -> list[bytes]: ...
 def enrich(

@@ -55,6 +55,7 @@ class FitParameters:
         callbacks_every_iters: int = 50,
         on_interrupt: OnInterrupt = "raise",
         quality: int | None = None,
+        reliability: bool = False,
         seeds: int = 1,
         n_jobs: int | None = -1,
         verbose: bool = False,
@@ -91,6 +92,7 @@ class FitParameters:
         self.callbacks_every_iters = callbacks_every_iters
         self.on_interrupt = on_interrupt
         self.quality = quality
+        self.reliability = reliability
         self.seeds = seeds
         self.n_jobs = n_jobs
         self.verbose = verbose

@@ -192,6 +192,19 @@ def quality_neighbours(quality: Any, n_samples: int) -> int:
     return number
 
 
+FEWEST_JUDGED_ROWS = 30
+
+
+def wants_reliability(reliability: Any, n_samples: int) -> bool:
+    """Whether it is told how far to trust each row, of which there have to be enough."""
+    if reliability and n_samples < FEWEST_JUDGED_ROWS:
+        raise ValueError(
+            f"reliability takes at least {FEWEST_JUDGED_ROWS} rows, and X has {n_samples}\n"
+            "Leave it out: among so few rows nearly all are neighbours."
+        )
+    return bool(reliability)
+
+
 def one_callback(callbacks: Any) -> Callable[[int, float, NDArray[np.float64]], bool] | None:
     """One function that calls them all, and says whether one of them asks for the end."""
     if callbacks is None:

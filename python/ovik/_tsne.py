@@ -24,6 +24,7 @@ from ._matrix import Matrix
 from ._output import CONTAINERS, Container, chosen_container, contained, feature_names_out, require_fitted
 from ._parameters import DESCRIPTIONS, FitParameters
 from ._placement import warn_of_distant
+from ._reliability import Reliability
 from ._settings import (
     PRESETS,
     is_default,
@@ -34,6 +35,7 @@ from ._settings import (
     seed_of,
     start_of,
     thread_count,
+    wants_reliability,
     whole_number,
 )
 
@@ -72,6 +74,8 @@ class TSNE(FitParameters):
     quality : int, default None
         How many nearest neighbours of each row `trustworthiness_` and `knn_recall_` are about, less
         than half of n_samples. None leaves them unmeasured.
+    reliability : bool, default False
+        Whether `reliability_` tells of each row how far to trust its place, of 30 rows or more.
     seeds : int, default 1
         How many fits are made, from `seed` and the seeds that follow, on one neighbour search. The map of
         lowest cost is kept. Only with a random start, and without callbacks.
@@ -107,6 +111,9 @@ class TSNE(FitParameters):
         Whether neighbours in the embedding are neighbours in the input (Venna and Kaski, 2001), and
         the share of the neighbours in the input that are neighbours in the embedding; only with
         `quality`.
+    reliability_ : Reliability
+        Of each row what the embedding keeps of its neighbours, its share of the cost, and its false and
+        torn neighbours; only with `reliability`.
     neighbour_recall_ : float
         The share of the nearest neighbours that were found, measured on a thousand rows; only where
         `neighbour_search` is "approximate". Not there, and with a warning, where the
@@ -141,6 +148,7 @@ class TSNE(FitParameters):
     # What tells scikit-learn, and `clone`, that an output was set.
     _sklearn_output_config: dict[str, Container]
     _caption: list[tuple[str, str]]
+    _fitted_options: dict[str, Any]
     _map: dict[str, Any]
 
     embedding_: NDArray[np.float64]
@@ -151,6 +159,7 @@ class TSNE(FitParameters):
     learning_rate_: float
     trustworthiness_: float
     knn_recall_: float
+    reliability_: Reliability
     n_features_in_: int
     feature_names_in_: NDArray[np.object_]
     row_names_: NDArray[np.object_]
@@ -381,6 +390,7 @@ class TSNE(FitParameters):
             "init": start,
             "neighbours": neighbour_graph_of(self.neighbour_graph, n_samples, self.metric),
             "quality": quality_neighbours(self.quality, n_samples),
+            "reliability": wants_reliability(self.reliability, n_samples),
             "seeds": self._checked_seeds(kind_of_start),
             "callback": one_callback(self.callbacks),
             "callback_every": whole_number(
@@ -418,6 +428,7 @@ class TSNE(FitParameters):
         self._map = outcome["map"]
         if self.neighbour_graph is not None:
             self._map = {"barring": "neighbour_graph"}
+        self._fitted_options = {**options, "seed": outcome["seed"]}
         self._caption = outcome["caption"]
         self._row_keys = None if given.index is None else [str(key) for key in given.index]
         for name, value in (
@@ -426,6 +437,7 @@ class TSNE(FitParameters):
             ("neighbour_recall_", outcome["neighbour_recall"]),
             ("trustworthiness_", outcome["trustworthiness"]),
             ("knn_recall_", outcome["knn_recall"]),
+            ("reliability_", outcome["reliability"] and Reliability(*outcome["reliability"])),
             ("feature_names_in_", given.feature_names),
             ("row_names_", given.row_names),
         ):

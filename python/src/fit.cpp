@@ -13,6 +13,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/fit_console.h"
 #include "stats/given_neighbours.h"
+#include "stats/row_reliability.h"
 #include "stats/run_caption.h"
 #include "stats/schedule.h"
 #include "stats/seed_fits.h"
@@ -98,6 +99,34 @@ NeighbourhoodQuality quality_of(MatrixView<const double> X,
                : neighbourhood_quality(X, Y, {neighbours}, on_stage).front();
 }
 
+/// @param X  as of `quality_of`
+RowReliability reliability_of(MatrixView<const double> X,
+                              const Fit& fit,
+                              const FitOptions& options,
+                              const OnStage& on_stage) {
+    const MatrixView<const double> Y{
+        fit.embedding.data(), X.rows, static_cast<std::size_t>(options.out_dims)};
+    std::vector<std::size_t> sizes = {10, 30};
+    std::erase_if(sizes, [&X](std::size_t size) { return 2 * size >= X.rows; });
+    const bool holds_distances = options.metric == MetricKind::Precomputed;
+    return row_reliability(row_neighbourhoods(X, Y, sizes, kNearRows, holds_distances, on_stage),
+                           fit.report.row_costs);
+}
+
+/// Measures what is asked for of the embedding of an outcome.
+void look_at(Outcome& outcome,
+             MatrixView<const double> X,
+             const FitOptions& options,
+             const FitManner& manner,
+             const OnStage& on_stage) {
+    if (manner.quality_neighbours > 0) {
+        outcome.quality = quality_of(X, outcome.fit, options, manner.quality_neighbours, on_stage);
+    }
+    if (manner.wants_reliability) {
+        outcome.reliability = reliability_of(X, outcome.fit, options, on_stage);
+    }
+}
+
 }  // namespace
 
 Outcome run_fit(MatrixView<const double> points,
@@ -108,6 +137,7 @@ Outcome run_fit(MatrixView<const double> points,
     outcome.threads_note = set_thread_count(manner.threads);
     std::unique_ptr<double[]> X = checked_copy(points);
     FitHooks hooks;
+    hooks.wants_row_costs = manner.wants_reliability;
     hooks.start = {manner.start, points.rows, static_cast<std::size_t>(options.out_dims)};
     std::shared_ptr<CachedNeighbours> neighbours;
     if (manner.neighbours != nullptr) {
@@ -166,13 +196,7 @@ Outcome run_fit(MatrixView<const double> points,
     FitOptions kept = options;
     kept.seed = outcome.seed = seed_of(options, outcome.fit.report);
     outcome.caption = caption_parameters(kept, points.rows, points.columns, outcome.fit.report);
-    if (manner.quality_neighbours > 0) {
-        outcome.quality = quality_of({X.get(), points.rows, points.columns},
-                                     outcome.fit,
-                                     options,
-                                     manner.quality_neighbours,
-                                     hooks.on_stage);
-    }
+    look_at(outcome, {X.get(), points.rows, points.columns}, options, manner, hooks.on_stage);
     if (outcome.threads_note.empty()) {
         outcome.threads_note = denied_threads_note();
     }

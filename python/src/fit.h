@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "neighbours/neighbour_lists.h"
+#include "results/row_reliability.h"
 #include "stats/fit.h"
 #include "stats/neighbourhood_quality.h"
 
@@ -28,6 +29,8 @@ struct FitManner {
     /// How many nearest neighbours of each row the quality is measured for, less than half the
     /// rows; 0: it is not measured.
     std::size_t quality_neighbours = 0;
+    /// Whether it is told how far to trust the place of each row; of 30 rows or more.
+    bool wants_reliability = false;
     /// How many seeds, from that of the options on, are fitted to keep the map of lowest cost.
     int seeds = 1;
     /// Sees the states of some iterations and of the last one; true ends the fit. May be empty.
@@ -44,6 +47,7 @@ struct Outcome {
     std::unique_ptr<double[]> input;
     /// Of the result, if it was asked for.
     std::optional<NeighbourhoodQuality> quality;
+    std::optional<RowReliability> reliability;
     /// Whether the fit was interrupted, and its map wanted all the same.
     bool is_interrupted = false;
     /// That of the map.

@@ -33,6 +33,7 @@
 #include "python/src/options.h"
 #include "python/src/own_thread.h"
 #include "python/src/page.h"
+#include "python/src/stability.h"
 
 /// The module `ovik._core`: the engine behind the package's Python files, which check arguments.
 
@@ -126,6 +127,26 @@ py::object described_seeds(const std::optional<SeedReport>& seeds) {
                           seeds->agreement ? seeds->agreement->shared_neighbours : none);
 }
 
+/// The numbers of columns, by name.
+py::dict described_columns(const std::vector<RowNumbers>& columns) {
+    py::dict named;
+    for (const RowNumbers& column : columns) {
+        named[py::str(column.name)] =
+            Array(static_cast<py::ssize_t>(column.values.size()), column.values.data());
+    }
+    return named;
+}
+
+/// How far each row can be trusted: columns by name, then false and torn neighbours; None where
+/// that was not asked for.
+py::object described_reliability(const std::optional<RowReliability>& reliability) {
+    if (!reliability) {
+        return py::none();
+    }
+    return py::make_tuple(
+        described_columns(reliability->columns), reliability->falsely_near, reliability->torn);
+}
+
 /// What became of a fit, by name.
 ///
 /// @param outcome  its input is taken
@@ -146,6 +167,7 @@ py::dict described(Outcome& outcome, const FitOptions& options, const py::ssize_
         "is_past_exaggeration"_a = outcome.is_past_exaggeration,
         "trustworthiness"_a = quality(&NeighbourhoodQuality::trustworthiness),
         "knn_recall"_a = quality(&NeighbourhoodQuality::preservation),
+        "reliability"_a = described_reliability(outcome.reliability),
         "neighbour_recall"_a =
             report.recall ? py::float_(report.recall->share) : py::object(py::none()),
         "is_interrupted"_a = outcome.is_interrupted,
@@ -193,7 +215,8 @@ MatrixView<const double> view_of(const Array& array) {
 
 /// @param manner  by name, what `FitManner` has: threads, verbose, init (an array of the shape of
 ///                the embedding, or None), neighbours (as `given_neighbours` takes them), quality,
-///                callback (a function or None), callback_every, keeps_interrupted, seeds
+///                reliability, callback (a function or None), callback_every, keeps_interrupted,
+///                seeds
 py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner) {
     const MatrixView<const double> points = view_of(X);
     const FitOptions options = settled_options(arguments);
@@ -208,6 +231,7 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
         given_neighbours(manner["neighbours"], points.rows);
     chosen.neighbours = neighbours ? &*neighbours : nullptr;
     chosen.quality_neighbours = manner["quality"].cast<std::size_t>();
+    chosen.wants_reliability = manner["reliability"].cast<bool>();
     chosen.seeds = manner["seeds"].cast<int>();
     chosen.callback_every = manner["callback_every"].cast<int>();
     chosen.keeps_interrupted = manner["keeps_interrupted"].cast<bool>();
@@ -225,6 +249,35 @@ py::dict embed(const Array& X, const py::dict& arguments, const py::dict& manner
         },
         waiting);
     return described(outcome, options, shape);
+}
+
+/// @param arguments  options of the fit that made the embedding
+/// @param clusters   of each row, from 0; empty for none
+/// @return columns by name, and pairs of clusters: their numbers, separation, shares of the maps of
+/// other seeds and of other columns on which they are apart, and whether they stay so
+py::tuple stability(const Array& X,
+                    const Array& embedding,
+                    const py::dict& arguments,
+                    std::size_t count,
+                    const std::vector<std::uint32_t>& clusters,
+                    int threads) {
+    const MatrixView<const double> points = view_of(X);
+    const MatrixView<const double> map = view_of(embedding);
+    const FitOptions options = settled_options(arguments);
+    const RecordedStability compared = in_own_thread([&](const std::atomic<bool>& is_interrupted) {
+        set_thread_count(threads);
+        return compare_with_others(points, map, options, count, clusters, is_interrupted);
+    });
+    py::list pairs;
+    for (const RecordedClusterPair& pair : compared.pairs) {
+        pairs.append(py::make_tuple(pair.first,
+                                    pair.second,
+                                    pair.separation,
+                                    pair.apart_seeds,
+                                    pair.apart_columns,
+                                    pair.stay_apart));
+    }
+    return py::make_tuple(described_columns(compared.columns), pairs);
 }
 
 /// @param map  as `described_map` gave it
@@ -447,6 +500,14 @@ PYBIND11_MODULE(_core, module) {
                "rows"_a,
                "columns"_a);
     module.def("read_matrix", ovik::python::read_matrix, "path"_a, "form"_a, "missing"_a);
+    module.def("stability",
+               ovik::python::stability,
+               "X"_a,
+               "embedding"_a,
+               "options"_a,
+               "count"_a,
+               "clusters"_a,
+               "threads"_a);
     module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
     module.def(
         "split_gene_names",

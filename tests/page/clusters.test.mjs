@@ -45,6 +45,16 @@ const DATA = (() => {
         falselyNear: CLUSTERS.map((_, gene) => (gene === 3 ? [100, 200] : [])),
         torn: CLUSTERS.map((_, gene) => (gene === 3 ? [50] : [])),
       },
+      stability: {
+        seeds: 5,
+        draws: 5,
+        neighbours: 10,
+        columns: [
+          { name: 'shared_10_seeds', title: 'Stay with <seeds>', values: CLUSTERS.map(() => 0.9) },
+          { name: 'shared_10_columns', title: 'Stay with <columns>', values: CLUSTERS.map((cluster) => (cluster === 1 ? 0.02 : 0.3)) },
+        ],
+        pairs: [[1, 2, 0.99, 1, 1, true], [1, 3, 0.99, 1, 0.4, false], [3, 4, 0.95, 0.2, 0.4, false]],
+      },
     },
   });
 })();
@@ -165,8 +175,14 @@ describe('trust', () => {
     await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');
     assert.equal(await page.isVisible('.doubt'), true);
     assert.match(await page.textContent('.doubt'), /unreliably: for 60 of 60 it keeps less than 20 % of their 30 nearest .* \(median 10 %; of all genes 50 %\)/);
+    assert.equal(await page.textContent('.unstable'), 'These genes do not stay together with other columns: 60 of 60 keep less than 10 % of their 10 nearest on the map.');
     await page.click('.cluster:nth-child(1) button:has-text("Cluster 1")');
     assert.equal(await page.isVisible('.doubt'), false);
+    assert.deepEqual(await page.$$eval('.cluster', (items) => items.map((item) => item.querySelector('.cluster-doubt')?.textContent ?? '')), [
+      'Not reliably apart from 1 cluster: 3.', 'Does not stay together with other columns.',
+      'Not reliably apart from 2 clusters: 1, 4.', 'Not reliably apart from 1 cluster: 3.', '']);
+    await page.click('text=Colour by stability');
+    assert.equal(await page.textContent('#legend h2'), 'Stay with <columns>');
     await page.click('text=Colour by kept neighbours');
     assert.equal(await page.textContent('#legend h2'), 'Kept neighbours');
 

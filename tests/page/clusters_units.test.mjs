@@ -8,6 +8,7 @@ import { createTermColours } from '../../plots/page/src/term_colours.js';
 import { createNumbers, smallData } from './support.mjs';
 import { LEAST_KEPT, doubtfulGenes, noiseLabels, noiseOf, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
 import { columnOf, dashes, readReliability } from '../../plots/page/src/reliability.js';
+import { notApartFrom, readStability, stabilityOf, stayingOf } from '../../plots/page/src/stability.js';
 import { listPoints } from '../../plots/page/src/layers.js';
 import { placeBoxes } from '../../plots/page/src/free_boxes.js';
 import { readDataset } from '../../plots/page/src/dataset.js';
@@ -194,5 +195,38 @@ describe('what is known of each gene', () => {
   test('is drawn by dashes that end where the line does', () => {
     assert.deepEqual(dashes([0, 0, 10, 0], 4, 2), [[0, 0, 4, 0], [6, 0, 10, 0]]);
     assert.deepEqual(dashes([1, 1, 1, 1]), []);
+  });
+});
+
+describe('stability', () => {
+  const raw = {
+    seeds: 5,
+    draws: 5,
+    neighbours: 10,
+    columns: [
+      { name: 'shared_10_seeds', title: 'S', values: [1, 1, 1, 1] },
+      { name: 'shared_10_columns', title: '<b>', values: [0.05, 0.5, 0.099, 0.1] },
+    ],
+    pairs: [[1, 2, 0.99, 1, 1, true], [1, 10, 0.99, 1, 0.4, false], [1, 3, 0.5, null, 0.2, false], [2, 3, 0.5], ['1', 2, 1, 1, 1, false]],
+  };
+
+  test('is read where it is whole', () => {
+    const read = readStability(raw, 4);
+    assert.deepEqual([read.seeds, read.draws, read.neighbours, read.pairs.length], [5, 5, 10, 3]);
+    assert.deepEqual([...stayingOf(read)], raw.columns[1].values);
+    assert.deepEqual([...stayingOf(readStability({ ...raw, columns: raw.columns.slice(0, 1) }, 4))], [1, 1, 1, 1]);
+    for (const broken of [null, {}, { ...raw, pairs: null }, { ...raw, columns: [{ name: 'x', title: 'x', values: [1] }] }]) {
+      assert.equal(readStability(broken, 4), null);
+    }
+    assert.equal(readQuality({ numbers: [['Cost', '1', 'Low.']], stability: raw }, 4).stability.draws, 5);
+  });
+
+  test('tells which clusters do not stay apart, and which genes do not stay together', () => {
+    const read = readStability(raw, 4);
+    assert.deepEqual(notApartFrom(read, '1'), ['3', '10']);
+    assert.deepEqual(notApartFrom(read, '2'), []);
+    assert.deepEqual(stabilityOf(read, Int32Array.of(0, 1, 2)), { leaving: 2, isDoubtful: true });
+    assert.equal(stabilityOf(read, Int32Array.of(0, 1, 2, 3)).isDoubtful, false, 'half is not most');
+    assert.equal(stabilityOf(read, Int32Array.of(0, 2)).isDoubtful, false, 'two genes are too few');
   });
 });

@@ -125,7 +125,8 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     trust = {{{"Cost", "1.25", "<low> is good."}}, 30, {1.0 / 3.0, 0.5, 1.0}};
     EXPECT_EQ(data_of(chart_page(chart))["quality"],
               json::parse(R"({"numbers": [["Cost", "1.25", "<low> is good."]],
-                              "neighbours": 30, "kept": [0.333, 0.5, 1.0], "reliability": null})"));
+                              "neighbours": 30, "kept": [0.333, 0.5, 1.0], "stability": null,
+                              "reliability": null})"));
     trust.kept.pop_back();
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
     RowReliability rows{
@@ -139,6 +140,29 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     rows.torn.pop_back();
     trust.rows = std::make_shared<RowReliability>(rows);
     EXPECT_TRUE(data_of(chart_page(chart))["quality"]["reliability"].is_null());
+}
+
+TEST(ChartPageData, HasHowFarTheMapStaysOnOthers) {
+    Chart chart;
+    chart.x = chart.y = {1.0, 2.0};
+    RecordedStability stability;
+    stability.seeds = 5;
+    stability.draws = 4;
+    stability.neighbours = 10;
+    stability.columns = {{"spread_seeds", "<b>", {0.123456, std::nan("")}}};
+    stability.pairs = {{0, 2, 0.95, 1.0, std::nan(""), false}};
+    MapTrust trust;
+    trust.numbers = {{"Cost", "1.25", "Low is good."}};
+    trust.stability = std::make_shared<RecordedStability>(stability);
+    chart.trust = &trust;
+    EXPECT_EQ(data_of(chart_page(chart))["quality"]["stability"],
+              json::parse(R"({"seeds": 5, "draws": 4, "neighbours": 10,
+                              "columns": [{"name": "spread_seeds", "title": "<b>",
+                                           "values": [0.1235, null]}],
+                              "pairs": [[1, 3, 0.95, 1, null, false]]})"));
+    chart.x.push_back(3.0);
+    chart.y.push_back(3.0);
+    EXPECT_TRUE(data_of(chart_page(chart))["quality"]["stability"].is_null());
 }
 
 TEST(ChartPageData, OfTooManyPointsIsASentence) {

@@ -31,7 +31,7 @@ def test_parameters_have_the_commands_defaults():
         "multiscale": None, "neighbour_search": "exact", "init": "random", "schedule": "classic", "hold_iter": 125,
         "release_iter": 125, "stop_when": 0.0, "neighbour_graph": None,
         "preset": "classic", "random_state": None, "callbacks": None,
-        "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "seeds": 1,
+        "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "reliability": False, "seeds": 1,
         "n_jobs": -1, "verbose": False,
     }
 

@@ -1,12 +1,10 @@
 #include "stats/map_stability.h"
 
-#include <atomic>
 #include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "stats/fit.h"
 #include "stats/map_agreement.h"
 
 #include "tests/support/random_points.h"
@@ -16,7 +14,6 @@ namespace ovik {
 namespace {
 
 constexpr std::size_t kRows = 90;
-constexpr FitOptions kOptions{.perplexity = 7.5, .max_iter = 20, .stop_lying_iter = 8};
 
 std::vector<double> turned(const std::vector<double>& map) {
     std::vector<double> result;
@@ -26,40 +23,6 @@ std::vector<double> turned(const std::vector<double>& map) {
         result.push_back(2.0 * map[i] - 3.0);
     }
     return result;
-}
-
-TEST(VariedMap, IsTheMapOfAnotherSeed) {
-    const std::vector<double> X = test::random_values(kRows * 4, 1);
-    const MatrixView<const double> view{X.data(), kRows, 4};
-    std::vector<double> values = X;
-    FitOptions options = kOptions;
-    options.seed += 3;
-    const Fit expected = fit({values.data(), kRows, 4}, options);
-    EXPECT_EQ(varied_map(view, kOptions, Variation::Seeds, 2), expected.embedding);
-    // Every start along components is the same: other seeds start at random all the same.
-    options = kOptions;
-    options.start = StartKind::Pca;
-    EXPECT_EQ(varied_map(view, options, Variation::Seeds, 2), expected.embedding);
-}
-
-TEST(VariedMaps, AreTheSameForAnyNumberOfThreadsAndEndWhereTheyAreToldTo) {
-    const std::vector<double> X = test::random_values(kRows * 4, 1);
-    const MatrixView<const double> view{X.data(), kRows, 4};
-    for (const Variation variation : {Variation::Seeds, Variation::Columns}) {
-        std::vector<std::vector<double>> first;
-        for (const int threads : {1, 2, 5}) {
-            const test::ThreadCount scope(threads);
-            const auto maps = varied_maps(view, kOptions, variation, 3);
-            first = first.empty() ? maps : first;
-            EXPECT_EQ(maps, first) << threads;
-        }
-        ASSERT_EQ(first.size(), 3U);
-        EXPECT_NE(first[0], first[1]);
-        EXPECT_EQ(first[2], varied_map(view, kOptions, variation, 2));
-        std::atomic<int> asked = 0;
-        EXPECT_TRUE(
-            varied_maps(view, kOptions, variation, 3, 0, [&] { return ++asked < 10; }).empty());
-    }
 }
 
 TEST(RowStability, IsWholeWhereTheOthersAreTheSameMapMovedAndMirrored) {
@@ -118,6 +81,61 @@ TEST(ClusterPairs, TellWhichStayApart) {
     // A cluster of one row is left out.
     clusters[4] = 3;
     EXPECT_EQ(cluster_pairs({map.data(), kRows, 2}, others, clusters).size(), 3U);
+}
+
+TEST(MapStability, HasWhatEachKindOfMapsTells) {
+    std::vector<double> map = test::random_values(kRows * 2, 4, 0.1);
+    std::vector<std::uint32_t> clusters;
+    for (std::size_t n = 0; n < kRows; ++n) {
+        clusters.push_back(static_cast<std::uint32_t>(n % 3));
+        map[2 * n] += 10.0 * static_cast<double>(n % 3);
+    }
+    std::vector<double> joined = map;
+    for (std::size_t n = 2; n < kRows; n += 3) {
+        joined[2 * n] -= 10.0;
+    }
+    const MatrixView<const double> view{map.data(), kRows, 2};
+    const std::vector<std::vector<double>> same = {turned(map), map};
+    const std::vector<std::vector<double>> others = {map, joined, joined};
+    const RecordedStability stability = map_stability(view, same, others, clusters);
+    EXPECT_EQ(stability.seeds, 2U);
+    EXPECT_EQ(stability.draws, 3U);
+    ASSERT_EQ(stability.columns.size(), 4U);
+    EXPECT_EQ(stability.columns[0].name, "shared_10_seeds");
+    EXPECT_EQ(stability.columns[1].name, "spread_seeds");
+    EXPECT_EQ(stability.columns[0].values, std::vector<double>(kRows, 1.0));
+    EXPECT_EQ(stability.columns[2].name, "shared_10_columns");
+    EXPECT_EQ(stability.columns[3].values, row_stability(view, others).spread);
+    ASSERT_EQ(stability.pairs.size(), 3U);
+    for (const RecordedClusterPair& pair : stability.pairs) {
+        EXPECT_EQ(pair.separation, 1.0);
+        EXPECT_EQ(pair.apart_seeds, 1.0);
+        EXPECT_DOUBLE_EQ(pair.apart_columns, pair.first == 1 ? 1.0 / 3.0 : 1.0);
+        EXPECT_EQ(pair.stay_apart, pair.first == 0);
+    }
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        const RecordedStability again = map_stability(view, same, others, clusters);
+        EXPECT_EQ(again.columns[3].values, stability.columns[3].values);
+        EXPECT_EQ(again.columns[2].values, stability.columns[2].values);
+    }
+}
+
+TEST(MapStability, DoesWithoutMapsOfAKindAndWithoutClusters) {
+    const std::vector<double> map = test::random_values(kRows * 2, 4);
+    const MatrixView<const double> view{map.data(), kRows, 2};
+    const std::vector<std::vector<double>> others = {turned(map)};
+    const RecordedStability rows = map_stability(view, {}, others);
+    ASSERT_EQ(rows.columns.size(), 2U);
+    EXPECT_EQ(rows.columns[0].name, "shared_10_columns");
+    EXPECT_FALSE(rows.has_clusters);
+    EXPECT_TRUE(rows.pairs.empty());
+    std::vector<std::uint32_t> clusters(kRows, 0);
+    clusters[0] = clusters[1] = 1;
+    const RecordedStability pairs = map_stability(view, others, {}, clusters);
+    ASSERT_EQ(pairs.pairs.size(), 1U);
+    EXPECT_TRUE(std::isnan(pairs.pairs[0].apart_columns));
+    EXPECT_FALSE(std::isnan(pairs.pairs[0].apart_seeds));
 }
 
 }  // namespace

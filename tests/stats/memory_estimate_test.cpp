@@ -155,5 +155,18 @@ TEST(EstimateMemory, CountsTheFitsOfSeveralSeedsThatRunSideBySide) {
     EXPECT_GT(estimate_memory(size).peak(), one);
 }
 
+TEST(EstimateMemory, CountsOtherMapsSideBySide) {
+    RunSize size = kBarnesHut;
+    size.threads = 4;
+    EXPECT_EQ(estimate_memory(size).stability, 0.0);
+    const double fitting = estimate_memory(size).fitting;
+    size.other_maps = 10;
+    EXPECT_EQ(estimate_memory(size).fitting, fitting + 8.0 * 100000 * 50);
+    const double four = estimate_memory(size).stability;
+    EXPECT_EQ(estimate_memory(size).peak(), four);
+    size.seeds_at_once = 1;
+    EXPECT_LT(estimate_memory(size).stability, 0.5 * four);
+}
+
 }  // namespace
 }  // namespace ovik

@@ -75,5 +75,31 @@ TEST(MapTrust, SaysHowManyRowsAreToldFromNoise) {
     EXPECT_THAT(trust.numbers[4].sentence, HasSubstr("100.0 % are better than 95 %"));
 }
 
+TEST(MapTrust, HasWhatStaysOnOtherMaps) {
+    RecordedStability stability;
+    stability.seeds = 5;
+    stability.draws = 1;
+    stability.neighbours = 10;
+    stability.columns = {{"shared_10_seeds", "", {0.5, 1.0, 0.0}},
+                         {"spread_seeds", "", {0.1, 0.3, 0.2}},
+                         {"shared_10_columns", "", {0.25, 0.0, 0.05}},
+                         {"spread_columns", "", {0.4, 0.6, 0.5}}};
+    stability.has_clusters = true;
+    stability.pairs = {{0, 1, 1.0, 1.0, 1.0, true}, {0, 2, 1.0, 1.0, 0.0, false}};
+    const MapTrust trust =
+        map_trust({}, {}, nullptr, nullptr, std::make_shared<const RecordedStability>(stability));
+    EXPECT_EQ(value_of(trust, "Map neighbours that stay, 5 other seeds"), "50.0 %");
+    EXPECT_EQ(value_of(trust, "Spread of the places, 1 draw of the columns"), "0.500");
+    EXPECT_EQ(value_of(trust, "Pairs of clusters that stay apart"), "1 of 2");
+    ASSERT_NE(trust.stability, nullptr);
+    EXPECT_THAT(
+        stability_lines(stability),
+        testing::ElementsAre("Stability, 5 other seeds: 50.0 % of the 10 nearest on the map "
+                             "stay, median spread 0.200",
+                             "Stability, 1 draw of the columns: 10.0 % of the 10 nearest on "
+                             "the map stay, median spread 0.500",
+                             "Stability of clusters: 1 of 2 pairs stay apart"));
+}
+
 }  // namespace
 }  // namespace ovik

@@ -12,10 +12,20 @@ namespace {
 
 TEST(CheckJudgedRows, RefusesFewRowsWhereSingleOnesAreAskedFor) {
     Options options;
-    EXPECT_NO_THROW(check_judged_rows(options, 3));
+    EXPECT_NO_THROW(check_judged_rows(options, 3, 2));
     options.reliability = true;
-    EXPECT_THROW(check_judged_rows(options, 29), InputError);
-    EXPECT_NO_THROW(check_judged_rows(options, 30));
+    EXPECT_THROW(check_judged_rows(options, 29, 2), InputError);
+    EXPECT_NO_THROW(check_judged_rows(options, 30, 2));
+}
+
+TEST(CheckJudgedRows, RefusesToDrawFromFewColumnsOrComponents) {
+    Options options;
+    options.stability = 5;
+    EXPECT_NO_THROW(check_judged_rows(options, 30, 5));
+    EXPECT_THROW(check_judged_rows(options, 29, 5), InputError);
+    EXPECT_THROW(check_judged_rows(options, 30, 4), InputError);
+    options.sparse_components = 50;
+    EXPECT_THROW(check_judged_rows(options, 30, 50), InputError);
 }
 
 TEST(CheckNoiseOptions, RefusesWhatCannotBeShuffledOrEmbeddedAlike) {

@@ -1,6 +1,7 @@
 /** The panel of the clusters: what they are, and choosing them. */
 
 import { button, dataText, el } from './dom.js';
+import { clusterNotes } from './staying.js';
 import { clustersOf, topTerms } from './cluster_facts.js';
 import { counted, formatCount } from './format.js';
 import { formatChance } from './enrichment_table.js';
@@ -71,11 +72,11 @@ function termList(terms, colourBy) {
 function noiseNote(quality, genes) {
   const noise = quality === null ? null : noiseOf(quality, genes);
   if (!noise?.isAsNoise) return [];
-  return [el('p', { class: 'counts noise-note', role: 'note' },
+  return [el('p', { class: 'cluster-doubt noise-note', role: 'note' },
     `Noise would also give it: ${formatCount(noise.told)} of its ${formatCount(genes.length)} genes are told from noise.`)];
 }
 
-function clusterItem(cluster, { quality, columns, range, mark, select, isolate, colourBy }) {
+function clusterItem(cluster, { columns, range, mark, notes, select, isolate, colourBy }) {
   const { name, genes, terms, profile } = cluster;
   return el('li', { class: 'cluster' },
     el('div', { class: 'cluster-head' },
@@ -83,8 +84,8 @@ function clusterItem(cluster, { quality, columns, range, mark, select, isolate, 
       button(name, select, { class: 'quiet', title: 'Select its genes', 'aria-label': `${name}: select its ${counted(genes.length, 'gene')}` }),
       el('span', { class: 'counts' }, counted(genes.length, 'gene')),
       button('Only', isolate, { class: 'quiet', title: 'Show this cluster alone, or all again', 'aria-label': `Only ${name}` })),
-    ...noiseNote(quality, genes),
     ...(profile === null ? [] : [sparkLine(profile, range, `Mean profile of ${name}: ${profileText(columns, profile)}`)]),
+    ...notes,
     ...termList(terms, colourBy));
 }
 
@@ -97,6 +98,7 @@ export function showClusters(element, chart, model, store, termColours) {
   const clusters = clustersOf(model);
   if (clusters === null) return;
   const { dataset } = model;
+  const stability = clusters.isOfRun ? dataset.quality.stability : null;
   const found = describe(dataset, clusters.list);
   const range = rangeOf(found.map(({ profile }) => profile ?? []));
   const chosen = model.colouredBy(clusters.colouring);
@@ -117,10 +119,10 @@ export function showClusters(element, chart, model, store, termColours) {
   function itemOf(cluster) {
     const category = categories.of[cluster.genes[0]];
     return clusterItem(cluster, {
-      quality: dataset.quality,
       columns: dataset.expression?.columns ?? [],
       range,
       mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
+      notes: [...noiseNote(dataset.quality, cluster.genes), ...clusterNotes(stability, cluster.label, cluster.genes)],
       select: () => store.set({ selection: cluster.genes }),
       isolate: () => isolate(category),
       colourBy,

@@ -2,6 +2,7 @@
 
 import { medianOf } from './cluster_facts.js';
 import { columnOf, readReliability } from './reliability.js';
+import { readStability } from './stability.js';
 
 /** A gene is unreliable where the map keeps less than this share of its nearest neighbours. */
 export const LEAST_KEPT = 0.2;
@@ -18,10 +19,11 @@ const isShare = (value) => typeof value === 'number' && value >= 0 && value <= 1
  * Reads what the run measured.
  *
  * @param raw `numbers`: `[name, value, sentence]` each, `neighbours`: how many were looked at, and
- *   `kept`: the share of them that each gene keeps, or none; `reliability` as of `readReliability`
+ *   `kept`: the share of them that each gene keeps, or none; `reliability` as of `readReliability`, `stability`
+ *   as of `readStability`
  * @param {number} count of genes
  * @returns null if there is nothing; else `numbers` (`name`, `value`, `sentence`), `neighbours`, and `kept`
- *   (Float64Array, one per gene) and `reliability`, null where they were not measured
+ *   (Float64Array, one per gene), `reliability` and `stability`, null where they were not measured
  */
 export function readQuality(raw, count) {
   if (!Array.isArray(raw?.numbers)) return null;
@@ -36,6 +38,7 @@ export function readQuality(raw, count) {
     neighbours: isKept ? raw.neighbours : 0,
     kept: isKept ? Float64Array.from(raw.kept) : null,
     reliability: readReliability(raw.reliability, count),
+    stability: readStability(raw.stability, count),
   };
 }
 

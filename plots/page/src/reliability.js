@@ -8,6 +8,15 @@ const isColumn = (count) => (column) => typeof column?.name === 'string' && type
 const areLists = (lists, count) => Array.isArray(lists) && lists.length === count
   && lists.every((list) => Array.isArray(list) && list.every((gene) => Number.isInteger(gene) && gene >= 0 && gene < count));
 
+/** Columns of numbers of the genes: `name`, `title` and `values` as Float64Array, NaN for null. */
+export function readColumns(columns, count) {
+  return columns.filter(isColumn(count)).map(({ name, title, values }) => ({
+    name,
+    title,
+    values: Float64Array.from(values, (value) => value ?? NaN),
+  }));
+}
+
 /**
  * Reads what the run tells of each gene.
  *
@@ -19,11 +28,7 @@ const areLists = (lists, count) => Array.isArray(lists) && lists.length === coun
 export function readReliability(raw, count) {
   if (count === 0 || !areLists(raw?.falselyNear, count) || !areLists(raw.torn, count) || !Array.isArray(raw.columns)) return null;
   return {
-    columns: raw.columns.filter(isColumn(count)).map(({ name, title, values }) => ({
-      name,
-      title,
-      values: Float64Array.from(values, (value) => value ?? NaN),
-    })),
+    columns: readColumns(raw.columns, count),
     near: Number(raw.near),
     far: Number(raw.far),
     falselyNear: raw.falselyNear,
@@ -32,8 +37,8 @@ export function readReliability(raw, count) {
 }
 
 /** The numbers of a column; null if there is none of the name. */
-export function columnOf(reliability, name) {
-  return reliability.columns.find((column) => column.name === name)?.values ?? null;
+export function columnOf({ columns }, name) {
+  return columns.find((column) => column.name === name)?.values ?? null;
 }
 
 /** A line in pieces with gaps between them, as segments. */

@@ -4,6 +4,7 @@ import { button, dataText, el } from './dom.js';
 import { formatCount } from './format.js';
 import { showMisplaced } from './misplaced.js';
 import { LEAST_KEPT, NOISE_LABELS, noiseLabels, noiseOf, reliabilityOf } from './quality.js';
+import { showStability } from './staying.js';
 
 const percent = (share) => `${(100 * share).toFixed(0)} %`;
 
@@ -83,6 +84,7 @@ export function showTrust(element, selection, chart, model, store, choose) {
     element.append(misplaced);
     showMisplaced(misplaced, chart, model, store, choose);
   }
+  if (quality.stability !== null) showStability(element, selection, model, store);
   if (quality.kept === null) return;
   model.addColouring({ title: TITLE, numbers: quality.kept, diverging: false });
   element.append(

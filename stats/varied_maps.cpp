@@ -1,0 +1,152 @@
+#include "stats/varied_maps.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "stats/cached_neighbours.h"
+#include "stats/chosen_affinities.h"
+#include "stats/fit.h"
+#include "stats/method.h"
+#include "stats/resampling.h"
+#include "stats/row_metric.h"
+#include "stats/side_by_side.h"
+#include "util/input_error.h"
+#include "util/stage_count.h"
+
+namespace ovik {
+
+namespace {
+
+/// Columns drawn anew, by which the metric can compare all rows.
+///
+/// @throws InputError if none of many draws is so
+std::vector<double> drawn_columns(MatrixView<const double> X,
+                                  const FitOptions& options,
+                                  std::size_t number) {
+    constexpr std::uint64_t kMostDraws = 100;
+    for (std::uint64_t draw = 0; draw < kMostDraws; ++draw) {
+        std::vector<double> values = bootstrapped_columns(X, options.seed, number + (draw << 32U));
+        if (rows_without_direction({values.data(), X.rows, X.columns}, options.metric).empty()) {
+            return values;
+        }
+    }
+    throw InputError("each of " + std::to_string(kMostDraws) +
+                     " draws of the columns leaves a row without differing values\nRows that "
+                     "differ in a few columns alone have to go, or compare rows by --metric "
+                     "euclidean.");
+}
+
+FitOptions varied_options(FitOptions options, Variation variation, std::size_t number) {
+    if (variation == Variation::Seeds) {
+        options.seed += 1 + static_cast<int>(number);
+        if (options.start != StartKind::Sample) {
+            options.start = StartKind::Random;
+        }
+    }
+    return options;
+}
+
+/// Neighbours for the maps of all seeds; null where no method looks for any.
+std::unique_ptr<CachedNeighbours> neighbours_of_seeds(const FitOptions& options, std::size_t rows) {
+    if (!method_of(options).has_neighbours) {
+        return nullptr;
+    }
+    return std::make_unique<CachedNeighbours>(
+        static_cast<std::size_t>(std::max(affinity_neighbours(options, rows), 0)));
+}
+
+/// Counts the iterations of one map among those of all.
+class MapProgress {
+  public:
+    MapProgress(StageCount& all, int iterations)
+        : all_(all),
+          left_(static_cast<std::uint64_t>(std::max(iterations, 0))) {}
+
+    /// To be called before the first and after each iteration.
+    void step() {
+        if (has_begun_ && left_ > 0) {
+            --left_;
+            all_.add(1);
+        }
+        has_begun_ = true;
+    }
+
+    /// A map may settle early.
+    void end() { all_.add(std::exchange(left_, 0)); }
+
+  private:
+    StageCount& all_;
+    std::uint64_t left_;
+    bool has_begun_ = false;
+};
+
+}  // namespace
+
+std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
+                                              const FitOptions& options,
+                                              Variation variation,
+                                              std::size_t number,
+                                              const std::function<bool()>& goes_on,
+                                              CachedNeighbours* neighbours) {
+    bool is_ended = goes_on && !goes_on();
+    if (is_ended) {
+        return std::nullopt;
+    }
+    std::vector<double> values = variation == Variation::Columns
+                                     ? drawn_columns(X, options, number)
+                                     : std::vector<double>(X.all().begin(), X.all().end());
+    FitHooks hooks;
+    const auto is_to_go_on = [&](const FitState& /*state*/) {
+        is_ended = is_ended || (goes_on && !goes_on());
+        return !is_ended;
+    };
+    hooks.on_iteration = is_to_go_on;
+    hooks.on_sample_iteration = is_to_go_on;
+    hooks.cached_neighbours = variation == Variation::Seeds ? neighbours : nullptr;
+    Fit made =
+        fit({values.data(), X.rows, X.columns}, varied_options(options, variation, number), hooks);
+    if (is_ended) {
+        return std::nullopt;
+    }
+    if (!made.report.reached.finite) {
+        throw std::runtime_error("one of the maps got out of range");
+    }
+    return std::move(made.embedding);
+}
+
+std::optional<VariedMaps> varied_maps(MatrixView<const double> X,
+                                      const FitOptions& options,
+                                      std::size_t count,
+                                      const VariationManner& manner) {
+    if (count == 0) {
+        return VariedMaps{};
+    }
+    const auto neighbours = neighbours_of_seeds(options, X.rows);
+    const auto iterations = static_cast<std::uint64_t>(std::max(options.max_iter + 1, 0));
+    StageCount progress(manner.on_stage, Stage::Stability, 2 * count * iterations);
+    const auto make = [&](std::size_t i, const std::function<bool()>& all_go_on) {
+        MapProgress of_map(progress, options.max_iter + 1);
+        const auto goes_on = [&] {
+            of_map.step();
+            return all_go_on();
+        };
+        const auto variation = i < count ? Variation::Seeds : Variation::Columns;
+        auto map = varied_map(X, options, variation, i % count, goes_on, neighbours.get());
+        of_map.end();
+        return map;
+    };
+    std::vector<std::vector<double>> maps =
+        results_side_by_side<std::vector<double>>(2 * count, manner.at_once, manner.goes_on, make);
+    if (maps.empty()) {
+        return std::nullopt;
+    }
+    const auto middle = maps.begin() + static_cast<std::ptrdiff_t>(count);
+    return VariedMaps{{std::move_iterator(maps.begin()), std::move_iterator(middle)},
+                      {std::move_iterator(middle), std::move_iterator(maps.end())}};
+}
+
+}  // namespace ovik
