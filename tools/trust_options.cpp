@@ -46,4 +46,12 @@ void check_judged_rows(const Options& options, std::size_t rows, std::size_t col
     }
 }
 
+void check_drawn_rows(const Options& options, MatrixView<const double> X) {
+    FitOptions fit = options.fit;
+    for (int number = 0; options.stability > 0 && number < options.seeds; ++number) {
+        check_draws(X, fit, static_cast<std::size_t>(options.stability));
+        ++fit.seed;
+    }
+}
+
 }  // namespace ovik::tool

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/matrix_view.h"
+
 #include "tools/options.h"
 
 namespace ovik::tool {
@@ -12,5 +14,12 @@ namespace ovik::tool {
 /// about how far each can be trusted; if columns are to be drawn anew, and there are fewer than
 /// `kFewestDrawnColumns`, or components stand for them
 void check_judged_rows(const Options& options, std::size_t rows, std::size_t columns);
+
+/// Refuses to draw columns by which the metric cannot compare some rows, whichever seed's map is
+/// kept.
+///
+/// @param X  the matrix as it was loaded
+/// @throws InputError if so
+void check_drawn_rows(const Options& options, MatrixView<const double> X);
 
 }  // namespace ovik::tool
