@@ -229,6 +229,13 @@ void write_stability(JsonStream& json, const MapTrust& trust, std::size_t point_
                  {"pairs", write_pairs}});
 }
 
+/// For each point a list of others.
+void write_lists(JsonStream& json, const std::vector<std::vector<std::uint32_t>>& of_points) {
+    json.list(of_points, [&json](const std::vector<std::uint32_t>& others) {
+        json.list(others, [&json](std::uint32_t other) { json.value(std::size_t{other}); });
+    });
+}
+
 /// What is known of each point: numbers, and lists of others, empty where there are none. Null if
 /// nothing is known.
 void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t point_count) {
@@ -238,18 +245,11 @@ void write_reliability(JsonStream& json, const MapTrust& trust, std::size_t poin
         return;
     }
     const RowReliability& rows = *trust.rows;
-    const auto lists = [](const std::vector<std::vector<std::uint32_t>>& of_rows) {
-        return [&of_rows](JsonStream& to) {
-            to.list(of_rows, [&to](const std::vector<std::uint32_t>& row) {
-                to.list(row, [&to](std::uint32_t place) { to.value(std::size_t{place}); });
-            });
-        };
-    };
     json.object({{"columns", [&rows](JsonStream& to) { write_row_numbers(to, rows.columns); }},
                  {"near", written(rows.near)},
                  {"far", written(rows.far)},
-                 {"falselyNear", lists(rows.falsely_near)},
-                 {"torn", lists(rows.torn)}});
+                 {"falselyNear", [&rows](JsonStream& to) { write_lists(to, rows.falsely_near); }},
+                 {"torn", [&rows](JsonStream& to) { write_lists(to, rows.torn); }}});
 }
 
 /// What is known of how far the map can be trusted; null if nothing is.

@@ -166,6 +166,8 @@ ExitStatus embed(Options options, RunReport report) {
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     check_judged_rows(options, matrix.rows, matrix.columns);
+    check_drawn_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
+    check_shuffled_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);

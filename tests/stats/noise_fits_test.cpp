@@ -138,7 +138,11 @@ TEST(NoiseFits, OfRowsThatAMetricCannotCompareAreRefused) {
     }
     FitOptions options = options_of(5.0, 20);
     options.metric = MetricKind::Pearson;
+    EXPECT_THROW(check_shuffles({X.data(), 60, 2}, options, 1), InputError);
+    EXPECT_NO_THROW(check_shuffles({X.data(), 60, 2}, options, 0));
     EXPECT_THROW(noise_fits({X.data(), 60, 2}, options, 2, {.neighbours = 10}), InputError);
+    options.metric = MetricKind::Euclidean;
+    EXPECT_NO_THROW(check_shuffles({X.data(), 60, 2}, options, 1));
 }
 
 double share_at_most(const std::vector<double>& values, double bound) {
