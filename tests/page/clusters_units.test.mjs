@@ -172,9 +172,10 @@ describe('what is known of each gene', () => {
     ];
     const four = { ...raw, columns, falselyNear: [[], [], [], []], torn: [[], [], [], []] };
     const quality = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9, 0.1], reliability: four }, 4);
-    assert.deepEqual(noiseOf(quality, [0, 1, 2]), { told: 1, ofAll: 0.25, isAsNoise: true });
-    assert.equal(noiseOf(quality, [0, 0, 1, 2]).isAsNoise, false, 'half is not most');
-    assert.equal(noiseOf(quality, [1, 2]).isAsNoise, false, 'two genes are too few');
+    assert.deepEqual(noiseOf(quality, [2, 3, 3]), { better: 0, ofAll: 0.5, isAsNoise: true });
+    assert.equal(noiseOf(quality, [1, ...Array(9).fill(3)]).isAsNoise, true, 'a tenth is what noise might have');
+    assert.equal(noiseOf(quality, [1, ...Array(8).fill(3)]).isAsNoise, false);
+    assert.equal(noiseOf(quality, [2, 3]).isAsNoise, false, 'two genes are too few');
     assert.deepEqual(noiseLabels(quality), ['told from noise', 'better than 95 % of noise', 'as noise', 'as noise']);
     const without = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: raw }, 3);
     assert.equal(noiseOf(without, [0, 1, 2]), null);

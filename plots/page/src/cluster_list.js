@@ -73,7 +73,7 @@ function noiseNote(quality, genes) {
   const noise = quality === null ? null : noiseOf(quality, genes);
   if (!noise?.isAsNoise) return [];
   return [el('p', { class: 'cluster-doubt noise-note', role: 'note' },
-    `Noise would also give it: ${formatCount(noise.told)} of its ${formatCount(genes.length)} genes are told from noise.`)];
+    `Noise would also give it: ${formatCount(noise.better)} of its ${formatCount(genes.length)} genes are better than 95 % of noise.`)];
 }
 
 function clusterItem(cluster, { columns, range, mark, notes, select, isolate, colourBy }) {

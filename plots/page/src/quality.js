@@ -66,22 +66,28 @@ export const noiseRates = ({ reliability }) => (reliability === null ? null : co
 
 const isTold = (rates, gene) => rates[gene] <= MOST_FALSE;
 
+/** Of noise this share is better than 95 % of noise; a group of which no more than twice as many are is one that noise gives. */
+const MOST_OF_NOISE = 2 * MOST_FALSE;
+
+const noiseChances = ({ reliability }) => (reliability === null ? null : columnOf(reliability, 'p_kept'));
+
 /**
- * Whether noise would give some genes as well.
+ * Whether noise would give some genes as well. The chances of single genes tell: of noise 5 % are 0.05 or less, whatever else
+ * the map holds, while false discovery rates follow from all genes.
  *
  * @param {object} quality as of `readQuality`
  * @param {ArrayLike<number>} genes
- * @returns null where the run did not compare them with noise; else `told`: how many are told from it, `ofAll`: which share
- *   of all genes is, and `isAsNoise`: whether most of three genes or more are not
+ * @returns null where the run did not compare them with noise; else `better`: how many are better than 95 % of noise,
+ *   `ofAll`: which share of all genes is, and `isAsNoise`: whether no more of three genes or more are than noise might have
  */
 export function noiseOf(quality, genes) {
-  const rates = noiseRates(quality);
-  if (rates === null) return null;
-  const told = Array.from(genes).filter((gene) => isTold(rates, gene)).length;
+  const chances = noiseChances(quality);
+  if (chances === null) return null;
+  const better = Array.from(genes).filter((gene) => chances[gene] <= MOST_FALSE).length;
   return {
-    told,
-    ofAll: rates.filter((rate) => rate <= MOST_FALSE).length / rates.length,
-    isAsNoise: genes.length >= FEWEST_GENES && 2 * told < genes.length,
+    better,
+    ofAll: chances.filter((chance) => chance <= MOST_FALSE).length / chances.length,
+    isAsNoise: genes.length >= FEWEST_GENES && better <= MOST_OF_NOISE * genes.length,
   };
 }
 
@@ -91,8 +97,8 @@ export const NOISE_LABELS = ['told from noise', 'better than 95 % of noise', 'as
 /** For each gene one of these words; null where the run did not compare them with noise. */
 export function noiseLabels(quality) {
   const rates = noiseRates(quality);
-  const chances = rates === null ? null : columnOf(quality.reliability, 'p_kept');
-  if (chances === null) return null;
+  const chances = noiseChances(quality);
+  if (rates === null || chances === null) return null;
   const [told, better, asNoise] = NOISE_LABELS;
   return Array.from(rates, (_, gene) => {
     if (isTold(rates, gene)) return told;

@@ -20,9 +20,9 @@ function noteText({ median, ofAll, unreliable }, count, neighbours) {
     + `of all genes ${percent(ofAll)}). What they lie beside may be chance.`;
 }
 
-function noiseText({ told, ofAll }, count) {
-  return `Noise would place most of these genes as well: ${formatCount(told)} of ${formatCount(count)} are told from it `
-    + `(of all genes ${percent(ofAll)}).`;
+function noiseText({ better, ofAll }, count) {
+  return `Noise would place these genes as well: ${formatCount(better)} of ${formatCount(count)} are better than 95 % of noise `
+    + `(of all genes ${percent(ofAll)}, of noise 5 %).`;
 }
 
 /**
@@ -91,7 +91,7 @@ export function showTrust(element, selection, chart, model, store, choose) {
     el('div', { class: 'row trust-colours' },
       button('Colour by kept neighbours', () => store.set(model.colouredBy(model.colourings.titled(TITLE)))),
       ...noiseColours(model, store)),
-    el('p', { class: 'counts' }, `Of each gene: the share of its ${quality.neighbours} nearest neighbours in the data that are `
+    el('p', { class: 'counts' }, `Kept neighbours: of each gene the share of its ${quality.neighbours} nearest in the data that are `
       + `among its ${quality.neighbours} nearest on the map. Where it is low, the place of the gene says little.`),
   );
   selection.querySelector('.panel-head').after(...selectionTexts(quality).map((textOf) => selectionNote(textOf, store)));
