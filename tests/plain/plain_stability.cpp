@@ -59,6 +59,22 @@ double all_squares_between(const std::vector<double>& A, const std::vector<doubl
     return sum;
 }
 
+/// The squared distance of a row to the nearest other one of a cluster.
+double nearest_of(const std::vector<double>& map,
+                  const std::vector<std::uint32_t>& clusters,
+                  std::size_t n,
+                  std::uint32_t cluster) {
+    double least = std::numeric_limits<double>::infinity();
+    for (std::size_t m = 0; m < clusters.size(); ++m) {
+        const double dx = map[2 * n] - map[2 * m];
+        const double dy = map[2 * n + 1] - map[2 * m + 1];
+        if (m != n && clusters[m] == cluster) {
+            least = std::min(least, dx * dx + dy * dy);
+        }
+    }
+    return least;
+}
+
 }  // namespace
 
 std::vector<double> rows_shared(const std::vector<double>& A,
@@ -125,21 +141,12 @@ double separation(const std::vector<double>& map,
         double rows = 0.0;
         double nearer = 0.0;
         for (std::size_t n = 0; n < clusters.size(); ++n) {
-            if (clusters[n] != own) {
-                continue;
+            if (clusters[n] == own) {
+                rows += 1.0;
+                nearer += nearest_of(map, clusters, n, own) < nearest_of(map, clusters, n, other)
+                              ? 1.0
+                              : 0.0;
             }
-            double to_own = std::numeric_limits<double>::infinity();
-            double to_other = std::numeric_limits<double>::infinity();
-            for (std::size_t m = 0; m < clusters.size(); ++m) {
-                const double dx = map[2 * n] - map[2 * m];
-                const double dy = map[2 * n + 1] - map[2 * m + 1];
-                double& least = clusters[m] == own ? to_own : to_other;
-                if (m != n && (clusters[m] == own || clusters[m] == other)) {
-                    least = std::min(least, dx * dx + dy * dy);
-                }
-            }
-            rows += 1.0;
-            nearer += to_own < to_other ? 1.0 : 0.0;
         }
         shares += nearer / rows;
     }
