@@ -210,32 +210,46 @@ TEST(NoiseChances, OfNoiseWithHeavyTailsAreEvenlySpread) {
     expect_even_chances(heavy_tailed_values, 5.2);
 }
 
-/// Noise in which the first 60 rows are two clusters of 30, far from one another and tight.
-std::vector<double> planted_clusters() {
-    std::vector<double> X = test::random_values(300 * kColumns, 5);
+/// Puts two clusters of 30 rows, far from one another and tight, in the place of the first rows.
+std::vector<double> with_planted_clusters(std::vector<double> X) {
+    const std::vector<double> within = test::random_values(60 * kColumns, 6, 0.2);
     for (std::size_t n = 0; n < 60; ++n) {
         for (std::size_t d = 0; d < kColumns; ++d) {
-            const double middle = (n < 30) == (d % 2 == 0) ? 2.5 : -2.5;
-            X[n * kColumns + d] = middle + 0.2 * X[n * kColumns + d];
+            X[n * kColumns + d] =
+                ((n < 30) == (d % 2 == 0) ? 2.5 : -2.5) + within[n * kColumns + d];
         }
     }
     return X;
 }
 
+double largest_of_planted(const std::vector<double>& chances) {
+    return *std::max_element(chances.begin(), chances.begin() + 60);
+}
+
 TEST(NoiseChances, OfPlantedClustersAreSmall) {
-    const std::vector<double> X = planted_clusters();
+    const std::vector<double> X = with_planted_clusters(test::random_values(300 * kColumns, 5));
     for (const double perplexity : {10.0, 30.0}) {
         const NoiseComparison comparison = comparison_of(X, options_of(perplexity, 250), 3);
         EXPECT_EQ(comparison.groups, 4U);
         const std::vector<double>& kept = comparison.kept.p;
-        EXPECT_LT(*std::max_element(kept.begin(), kept.begin() + 60), 0.01) << perplexity;
+        EXPECT_LT(largest_of_planted(kept), 0.01) << perplexity;
         // At a perplexity far below the size of a cluster, what is within it is noise.
         if (perplexity == 30.0) {
-            const std::vector<double>& misfit = comparison.misfit.p;
-            EXPECT_LT(*std::max_element(misfit.begin(), misfit.begin() + 60), 0.01);
+            EXPECT_LT(largest_of_planted(comparison.misfit.p), 0.01);
         }
         EXPECT_LT(share_at_most({kept.begin() + 60, kept.end()}, 0.05), 0.2) << perplexity;
     }
+}
+
+TEST(NoiseChances, OfClustersPlantedAmongHeavyTailsAreSmall) {
+    // Far rows of such noise lie together and keep their neighbours better than any planted row.
+    const std::vector<double> X = with_planted_clusters(heavy_tailed_values(800 * kColumns, 5));
+    const NoiseComparison comparison = comparison_of(X, options_of(20.0, 250), 2);
+    EXPECT_EQ(comparison.groups, 5U);
+    EXPECT_LT(largest_of_planted(comparison.kept.p), 0.01);
+    EXPECT_LT(largest_of_planted(comparison.kept.q), kNoiseLevel);
+    const std::vector<double> others(comparison.kept.q.begin() + 60, comparison.kept.q.end());
+    EXPECT_LT(share_at_most(others, kNoiseLevel), 0.02);
 }
 
 }  // namespace
