@@ -122,6 +122,26 @@ void exact_row_costs(
     });
 }
 
+namespace {
+
+/// The misfit of row n by all entries but that of the diagonal.
+double misfit_of(const double* row_P,
+                 const double* squared_distances,
+                 std::size_t n,
+                 std::size_t N,
+                 double similarity_sum) {
+    const auto for_each_entry = [=](const auto& visit) {
+        for (std::size_t m = 0; m < N; ++m) {
+            if (m != n) {
+                visit(row_P[m], squared_distances[m]);
+            }
+        }
+    };
+    return row_misfit(for_each_entry, similarity_sum);
+}
+
+}  // namespace
+
 void exact_row_misfits(const double* P,
                        MatrixView<const double> Y,
                        const double* similarity_sums,
@@ -134,14 +154,7 @@ void exact_row_misfits(const double* P,
         double* const squared_distances = buffers.get() + worker * N;
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
             columns.squaredDistancesFrom(n, squared_distances);
-            const auto for_each_entry = [&](const auto& visit) {
-                for (std::size_t m = 0; m < N; ++m) {
-                    if (m != n) {
-                        visit(P[n * N + m], squared_distances[m]);
-                    }
-                }
-            };
-            misfits[n] = row_misfit(for_each_entry, similarity_sums[n]);
+            misfits[n] = misfit_of(P + n * N, squared_distances, n, N, similarity_sums[n]);
         }
     });
 }

@@ -22,13 +22,12 @@ struct RunSize {
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
-    /// From how many seeds the map is fitted, or one more than the maps of noise that are fitted
-    /// beside it, and how many of these fits run side by side at most; 0 for as many as there are
-    /// threads.
+    /// From how many seeds the map is fitted, and how many of these fits run side by side at most;
+    /// 0 for as many as there are threads.
     int seeds = 1;
     std::size_t seeds_at_once = 0;
-    /// With how many other maps the map is compared (`varied_maps`); as many of their fits run side
-    /// by side as of several seeds.
+    /// With how many other maps the map is compared (`varied_maps`, `noise_fits`); as many of their
+    /// fits run side by side as of several seeds.
     std::size_t other_maps = 0;
     /// Whether each of these may have a matrix and neighbours of its own, which several of them
     /// share (`run_trials`).
@@ -79,9 +78,9 @@ struct RunSize {
 /// Runs that share input and neighbours have, in all stages but the first, a second copy of the
 /// input (8 ND) and, with Barnes-Hut, the neighbour index and the lists (16 E + 16 N) besides.
 ///
-/// A run from R seeds, or with R - 1 maps of noise, has all the time what runs have that share,
-/// with A fits side by side another copy of the input for each (8 ND) and the maps (8 RNd), and A
-/// times what the stages of similarities and of fitting take.
+/// A run from R seeds has all the time what runs have that share, with A fits side by side another
+/// copy of the input for each (8 ND) and the maps (8 RNd), and A times what the stages of
+/// similarities and of fitting take.
 ///
 /// A run that makes other maps has a copy of the input all the time (8 ND), and behind its fit,
 /// with A of theirs side by side, another one for each, the maps (8 Nd), the neighbours that maps

@@ -5,10 +5,12 @@
 #include <utility>
 
 #include "stats/fit.h"
+#include "stats/fit_checks.h"
 #include "stats/neighbourhood_quality.h"
 #include "stats/resampling.h"
 #include "stats/row_concentration.h"
 #include "stats/side_by_side.h"
+#include "util/input_error.h"
 #include "util/stage_count.h"
 
 namespace ovik {
@@ -48,14 +50,21 @@ class FitProgress {
     std::uint64_t done_ = 0;
 };
 
+std::vector<double> shuffled(MatrixView<const double> X,
+                             const FitOptions& options,
+                             std::size_t number) {
+    std::vector<double> values(X.all().begin(), X.all().end());
+    shuffle_columns({values.data(), X.rows, X.columns}, options.seed, number);
+    return values;
+}
+
 RowFits fit_shuffled(MatrixView<const double> X,
                      const FitOptions& options,
                      std::size_t number,
                      std::size_t neighbours,
                      const OnStage& on_stage) {
-    std::vector<double> values(X.all().begin(), X.all().end());
+    std::vector<double> values = shuffled(X, options, number);
     const MatrixView<double> noise{values.data(), X.rows, X.columns};
-    shuffle_columns(noise, options.seed, number);
     RowFits fits;
     // Before the fit brings the values into another form.
     fits.concentration = row_concentrations(noise);
@@ -85,6 +94,23 @@ std::optional<RowFits> noise_fit(MatrixView<const double> X,
 }
 
 }  // namespace
+
+void check_shuffles(MatrixView<const double> X, const FitOptions& options, std::size_t count) {
+    if (options.metric == MetricKind::Euclidean) {
+        return;
+    }
+    for (std::size_t number = 0; number < count; ++number) {
+        const std::vector<double> values = shuffled(X, options, number);
+        try {
+            check_metric({values.data(), X.rows, X.columns}, options, {});
+        } catch (const InputError&) {
+            throw InputError(
+                "with the values of each column shuffled, the metric cannot compare some rows, as "
+                "where all values of a row are equal\nCompare by euclidean distances, or leave the "
+                "comparison with noise out.");
+        }
+    }
+}
 
 std::optional<RowFits> noise_fit(MatrixView<const double> X,
                                  const FitOptions& options,

@@ -27,6 +27,15 @@ struct NoiseManner {
     OnStage on_stage = {};
 };
 
+/// Refuses a matrix of which maps of noise cannot be made.
+///
+/// @param X, options  as of `noise_fit`
+/// @throws InputError if the metric cannot compare some rows of the noise of numbers 0 to
+/// `count` - 1
+OVIK_API void check_shuffles(MatrixView<const double> X,
+                             const FitOptions& options,
+                             std::size_t count);
+
 /// Shuffles a matrix, embeds it, and looks at the map.
 ///
 /// @param X        as it was loaded: neither prepared for a metric nor centred; copied

@@ -67,10 +67,11 @@ std::vector<double> drawn_columns(MatrixView<const double> X,
             return values;
         }
     }
-    throw InputError("each of " + std::to_string(kMostDraws) +
-                     " draws of the columns leaves a row without differing values\nRows that "
-                     "differ in a few columns alone have to go, or compare rows by --metric "
-                     "euclidean.");
+    throw InputError(
+        "stability: each of " + std::to_string(kMostDraws) +
+        " draws of the columns leaves a row without values that differ\nLeave out rows "
+        "that have such values in few columns, compare rows by the metric euclidean, or "
+        "do without stability.");
 }
 
 FitOptions varied_options(FitOptions options, Variation variation, std::size_t number) {
@@ -113,6 +114,12 @@ std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
         throw std::runtime_error("one of the maps got out of range");
     }
     return std::move(made.embedding);
+}
+
+void check_draws(MatrixView<const double> X, const FitOptions& options, std::size_t count) {
+    for (std::size_t number = 0; number < count && compares_directions(options.metric); ++number) {
+        drawn_columns(X, options, number);
+    }
 }
 
 std::optional<VariedMaps> varied_maps(MatrixView<const double> X,

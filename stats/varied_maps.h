@@ -58,6 +58,13 @@ OVIK_API std::optional<std::vector<double>> varied_map(MatrixView<const double> 
                                                        const std::function<bool()>& goes_on = {},
                                                        CachedNeighbours* neighbours = nullptr);
 
+/// Refuses a matrix of which maps of other columns cannot be made.
+///
+/// @param X, options  as of `varied_map`
+/// @throws InputError if the metric cannot compare rows by any columns drawn for maps 0 to
+/// `count` - 1
+OVIK_API void check_draws(MatrixView<const double> X, const FitOptions& options, std::size_t count);
+
 /// Maps of several seeds and of several draws of the columns.
 struct VariedMaps {
     std::vector<std::vector<double>> of_seeds;

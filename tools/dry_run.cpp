@@ -64,15 +64,16 @@ void print_plan(const Options& options,
     if (options.chooses_perplexity) {
         print_fits(options, perplexities.size(), size.rows);
     } else if (options.against_noise > 0) {
-        print_info("Maps of noise: " + std::to_string(options.against_noise));
+        print_info("Maps of noise: " + std::to_string(options.against_noise) +
+                   " of each perplexity");
     }
     if (options.seeds > 1 && !options.chooses_perplexity) {
         print_info("Seeds: " + std::to_string(options.fit.seed) + " to " +
                    std::to_string(options.fit.seed + options.seeds - 1));
     }
     if (options.stability > 0 && !options.chooses_perplexity) {
-        print_info("Stability: " + counted(size.other_maps, "more map", "more maps") +
-                   " of each perplexity");
+        const std::size_t maps = 2 * static_cast<std::size_t>(options.stability);
+        print_info("Stability: " + counted(maps, "more map", "more maps") + " of each perplexity");
     }
     print_info("Memory: about " + memory_text(estimate_memory(size).peak()) +
                (std::isfinite(available.bytes)

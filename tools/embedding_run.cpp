@@ -285,6 +285,43 @@ void add_h5ad(std::vector<ResultFile>& files,
                                  facts_of(tsne, options, record)));
 }
 
+/// Writes how far the places of the rows can be trusted, as far as that was asked for.
+template <typename T>
+void add_trust(std::vector<ResultFile>& files,
+               const TSNE<T>& tsne,
+               const std::string& base,
+               const RunRecord& record,
+               const LookFailures& failures) {
+    const auto add = [&files](const std::string& what,
+                              const std::string& path,
+                              std::error_code failure) { add_result(files, what, path, failure); };
+    if (record.reliability) {
+        const std::string path = reliability_path(base);
+        add("Reliability",
+            path,
+            write_reliability_table(path, tsne.row_names, *record.reliability));
+    }
+    if (!failures.noise.empty()) {
+        files.push_back({"Comparison with noise", "", failures.noise});
+        complain("The rows could not be compared with noise (" + failures.noise + ")");
+    }
+    if (record.stability) {
+        const std::string path = stability_path(base);
+        add("Stability", path, write_stability_table(path, tsne.row_names, *record.stability));
+    }
+    if (record.stability && record.stability->has_clusters) {
+        const std::string path = cluster_pairs_path(base);
+        add("Cluster pairs", path, write_cluster_pairs(path, *record.stability));
+    }
+    for (const auto& [what, failure] :
+         {std::pair{"Stability", &failures.stability}, std::pair{"Quality", &failures.quality}}) {
+        if (!failure->empty()) {
+            files.push_back({what, "", *failure});
+            complain(std::string(what) + " could not be measured (" + *failure + ")");
+        }
+    }
+}
+
 /// Writes what the engine does not, and says what became of all results.
 template <typename T>
 std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
@@ -310,31 +347,7 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
                 ? message_of(write_label_table(path, tsne.row_names, input.label_columns.back()))
                 : failures.clusters);
     }
-    if (record.reliability) {
-        add("Reliability",
-            reliability_path(base),
-            write_reliability_table(reliability_path(base), tsne.row_names, *record.reliability));
-    }
-    if (!failures.noise.empty()) {
-        files.push_back({"Comparison with noise", "", failures.noise});
-        complain("The rows could not be compared with noise (" + failures.noise + ")");
-    }
-    if (record.stability) {
-        const std::string path = stability_path(base);
-        add("Stability", path, write_stability_table(path, tsne.row_names, *record.stability));
-        if (record.stability->has_clusters) {
-            const std::string pairs = cluster_pairs_path(base);
-            add("Cluster pairs", pairs, write_cluster_pairs(pairs, *record.stability));
-        }
-    }
-    if (!failures.stability.empty()) {
-        files.push_back({"Stability", "", failures.stability});
-        complain("Stability could not be measured (" + failures.stability + ")");
-    }
-    if (!failures.quality.empty()) {
-        files.push_back({"Quality", "", failures.quality});
-        complain("Quality could not be measured (" + failures.quality + ")");
-    }
+    add_trust(files, tsne, base, record, failures);
     if (options.plots) {
         add("Chart page", base + ".html", tsne.plots().page_failure);
     }
@@ -372,7 +385,7 @@ template <typename T>
 RunRecord run(const Options& options, RunInput input, double perplexity) {
     TSNE<T> tsne(options.out_dir, options.name, options.suffix, options.title);
     const std::vector<double> as_loaded =
-        copy_if(options.stability > 0 || options.against_noise > 0, input);
+        copy_if(options.against_noise > 0 || options.stability > 0, input);
     const auto finish = [](TSNE<T>* run) { run->finish(); };
     set_up(tsne, options, input);
     const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);

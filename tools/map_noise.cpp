@@ -53,7 +53,7 @@ std::optional<RecordedNoise> compare_with_noise(const Options& options,
         quality.neighbours, options.seeds_at_once, &ovik::tool::goes_on, options.on_stage};
     const std::vector<RowFits> maps = noise_fits(X, fit, matrices, manner);
     if (maps.empty()) {
-        complain("note: the comparison with noise was interrupted, and is left out");
+        complain("The rows are not compared with noise, as the run was interrupted");
         return std::nullopt;
     }
     const RowFits fits = row_fits(X, quality, *column_of(reliability, "misfit"));

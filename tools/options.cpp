@@ -87,8 +87,8 @@ CLI::Validator whole_number(int least, int most) {
 /// Of clusters: far from where all rows are one, or each is one.
 constexpr OptionRange<double> kResolutions{.least = 0.001, .most = 1000.0};
 
-/// Matrices of noise: more say no more.
-constexpr int kMostNoiseMatrices = 1000;
+/// Maps that one is compared with: more say no more.
+constexpr int kMostOtherMaps = 1000;
 
 /// The parts of a text between its commas.
 std::vector<std::string> parts_of(const std::string& text) {
@@ -172,6 +172,28 @@ void add_cluster_options(CLI::App& app, Options& options) {
         ->needs(clusters);
 }
 
+/// What is asked of how far to trust the map.
+void add_trust_options(CLI::App& app, Options& options) {
+    app.add_flag(
+        "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
+    app.add_flag("--reliability",
+                 options.reliability,
+                 "Tell how far to trust the place of each row, in a table and on the chart page");
+    app.add_option("--against-noise",
+                   options.against_noise,
+                   "Embed so many matrices of shuffled values, and tell for each row whether noise "
+                   "would place it as well")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, kMostOtherMaps));
+    app.add_option(
+           "--stability",
+           options.stability,
+           "Make so many maps from other seeds, and so many of columns drawn anew, and tell "
+           "what of the place of each row, and of clusters, stays")
+        ->option_text("COUNT")
+        ->transform(whole_number(1, kMostOtherMaps));
+}
+
 void add_output_options(CLI::App& app, Options& options) {
     app.add_option(
            "-o,--out-dir", options.out_dir, "Directory of the results, made when missing (.)")
@@ -203,24 +225,7 @@ void add_output_options(CLI::App& app, Options& options) {
                    options.into,
                    "Write the map into this .h5ad file of the same rows, too, as obsm/X_tsne")
         ->option_text("FILE");
-    app.add_flag(
-        "--quality", options.quality, "Measure how well the map keeps the neighbours of each row");
-    app.add_flag("--reliability",
-                 options.reliability,
-                 "Tell how far to trust the place of each row, in a table and on the chart page");
-    app.add_option("--against-noise",
-                   options.against_noise,
-                   "Embed so many matrices of shuffled values, and tell for each row whether noise "
-                   "would place it as well")
-        ->option_text("COUNT")
-        ->transform(whole_number(1, kMostNoiseMatrices));
-    app.add_option(
-           "--stability",
-           options.stability,
-           "Make so many maps from other seeds, and so many of columns drawn anew, and tell "
-           "what of the place of each row, and of clusters, stays")
-        ->option_text("COUNT")
-        ->transform(whole_number(1, 1000));
+    add_trust_options(app, options);
     add_cluster_options(app, options);
     app.add_flag("--plot-cost", options.plot_cost, "Draw the cost of the iterations");
     app.add_flag_callback(

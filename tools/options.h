@@ -117,7 +117,7 @@ struct Options {
     Precision precision = Precision::Double;
     /// From how many seeds each map is fitted, of which the best is kept.
     int seeds = 1;
-    /// Most of these fits, of those of `stability` or of those of noise, that run side by side; 0
+    /// Most of these fits, or of those of `against_noise` or `stability`, that run side by side; 0
     /// for as many as there are threads. Not of the command line: settled by the memory that there
     /// is.
     std::size_t seeds_at_once = 0;

@@ -80,8 +80,9 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
-    size.seeds = std::max(options.seeds, 1 + options.against_noise);
-    size.other_maps = 2 * static_cast<std::size_t>(options.stability);
+    size.seeds = options.seeds;
+    size.other_maps =
+        static_cast<std::size_t>(std::max(options.against_noise, 2 * options.stability));
     if (options.chooses_perplexity) {
         size.seeds = 1;
         size.other_maps =
@@ -174,6 +175,8 @@ ExitStatus embed(Options options, RunReport report) {
     settle_drawn_columns(options, matrix.columns);
     check_judged_rows(options, matrix.rows, matrix.columns);
     check_chosen_perplexities(options, matrix.rows);
+    check_drawn_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
+    check_shuffled_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);

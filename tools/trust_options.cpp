@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "stats/noise_fits.h"
 #include "stats/option_effect.h"
 #include "stats/row_reliability.h"
 #include "stats/varied_maps.h"
@@ -108,6 +109,18 @@ void check_noise_options(const Options& options) {
     refuse(options.seeds > 1,
            "would compare the best map of several --seeds with single maps of noise"
            "\nLeave one of them out.");
+}
+
+void check_shuffled_rows(const Options& options, MatrixView<const double> X) {
+    check_shuffles(X, options.fit, static_cast<std::size_t>(options.against_noise));
+}
+
+void check_drawn_rows(const Options& options, MatrixView<const double> X) {
+    FitOptions fit = options.fit;
+    for (int number = 0; options.stability > 0 && number < options.seeds; ++number) {
+        check_draws(X, fit, static_cast<std::size_t>(options.stability));
+        ++fit.seed;
+    }
 }
 
 }  // namespace ovik::tool

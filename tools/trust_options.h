@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "util/matrix_view.h"
+
 #include "tools/options.h"
 
 namespace ovik::tool {
@@ -27,5 +29,18 @@ void check_chosen_perplexities(const Options& options, std::size_t rows);
 ///
 /// @throws InputError if `--against-noise` cannot shuffle, or not embed by the same options
 void check_noise_options(const Options& options);
+
+/// Refuses to shuffle columns where the metric cannot compare some rows of noise.
+///
+/// @param X  the matrix as it was loaded
+/// @throws InputError if so
+void check_shuffled_rows(const Options& options, MatrixView<const double> X);
+
+/// Refuses to draw columns by which the metric cannot compare some rows, whichever seed's map is
+/// kept.
+///
+/// @param X  the matrix as it was loaded
+/// @throws InputError if so
+void check_drawn_rows(const Options& options, MatrixView<const double> X);
 
 }  // namespace ovik::tool

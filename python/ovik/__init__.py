@@ -12,6 +12,7 @@ from ._core import __version__
 from ._enrichment import EnrichedTerm, Enrichment, enrich
 from ._genes import Gene, gene_function
 from ._matrix import Matrix, MatrixNote, read_matrix
+from ._noise import AgainstNoise, against_noise
 from ._page import Page, page
 from ._plot import plot
 from ._reliability import Reliability
@@ -20,6 +21,7 @@ from ._tsne import TSNE
 
 __all__ = [
     "TSNE",
+    "AgainstNoise",
     "Agreement",
     "ClusterPair",
     "EnrichedTerm",
@@ -31,6 +33,7 @@ __all__ = [
     "Reliability",
     "Stability",
     "__version__",
+    "against_noise",
     "agreement",
     "enrich",
     "gene_function",

@@ -22,6 +22,15 @@ def stability(
     clusters: list[int],
     threads: int,
 ) -> tuple[dict[str, NDArray[np.float64]], list[tuple[int, int, float, float, float, bool]]]: ...
+def against_noise(
+    X: NDArray[np.float64],
+    kept: list[float],
+    misfit: list[float],
+    neighbours: int,
+    options: dict[str, Any],
+    count: int,
+    threads: int,
+) -> dict[str, NDArray[np.float64]]: ...
 def agreement(maps: list[NDArray[np.float64]], neighbours: int) -> tuple[float, float]: ...
 def split_gene_names(text: bytes) -> list[bytes]: ...
 def enrich(

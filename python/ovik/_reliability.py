@@ -14,7 +14,8 @@ class Reliability(NamedTuple):
     columns: dict[str, NDArray[np.float64]]
     """``kept_10`` and ``kept_30``, the shares of its nearest neighbours in the data that are among its
     nearest in the embedding; ``trustworthiness_10`` and ``trustworthiness_30`` of those in the
-    embedding; ``cost``, what it adds to `kl_divergence_`. Below 61 rows without those of 30."""
+    embedding; ``cost``, what it adds to `kl_divergence_`; ``misfit``, how far its similarities in the
+    embedding are from its affinities, whatever it weighs in that. Below 61 rows without those of 30."""
 
     false_neighbours: list[list[int]]
     """Rows among its 10 nearest in the embedding that are not even among its 30 nearest in the data;

@@ -85,13 +85,9 @@ def stability(
     """
     require_fitted(tsne)
     options = tsne._fitted_options
-    _require_other_maps(tsne, options)
-    given = as_input(X)
-    values = columns_as_fitted(given, tsne.n_features_in_, getattr(tsne, "feature_names_in_", None))
-    check_finite(values)
+    require_other_maps(tsne, options)
+    values = values_of_fit(tsne, X)
     rows, columns = values.shape
-    if rows != len(tsne.embedding_):
-        raise ValueError(f"X has {rows} rows, and the fit had {len(tsne.embedding_)}\nGive the X of the fit.")
     if rows < FEWEST_JUDGED_ROWS or columns < _FEWEST_DRAWN_COLUMNS:
         raise ValueError(
             f"stability takes at least {FEWEST_JUDGED_ROWS} rows and {_FEWEST_DRAWN_COLUMNS} columns, and X "
@@ -111,7 +107,8 @@ def stability(
     )
 
 
-def _require_other_maps(tsne: TSNE, options: dict[str, Any]) -> None:
+def require_other_maps(tsne: TSNE, options: dict[str, Any]) -> None:
+    """Refuse a fit beside which others cannot be made of other values."""
     for hindrance, what in (
         (options["metric"] == "precomputed", "precomputed distances have no columns"),
         (tsne.neighbour_graph is not None, "neighbour_graph gives the neighbours, whatever the columns"),
@@ -119,6 +116,16 @@ def _require_other_maps(tsne: TSNE, options: dict[str, Any]) -> None:
     ):
         if hindrance:
             raise ValueError(f"{what}\nFit one without it.")
+
+
+def values_of_fit(tsne: TSNE, X: ArrayLike | Matrix) -> NDArray[np.float64]:
+    """The values that an estimator was fitted on, given once more."""
+    given = as_input(X)
+    values = columns_as_fitted(given, tsne.n_features_in_, getattr(tsne, "feature_names_in_", None))
+    check_finite(values)
+    if len(values) != len(tsne.embedding_):
+        raise ValueError(f"X has {len(values)} rows, and the fit had {len(tsne.embedding_)}\nGive the X of the fit.")
+    return values
 
 
 def _numbered(clusters: ArrayLike | None, rows: int) -> tuple[list[Any], list[int]]:

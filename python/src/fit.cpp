@@ -110,7 +110,8 @@ RowReliability reliability_of(MatrixView<const double> X,
     std::erase_if(sizes, [&X](std::size_t size) { return 2 * size >= X.rows; });
     const bool holds_distances = options.metric == MetricKind::Precomputed;
     return row_reliability(row_neighbourhoods(X, Y, sizes, kNearRows, holds_distances, on_stage),
-                           fit.report.row_costs);
+                           fit.report.row_costs,
+                           fit.report.row_misfits);
 }
 
 /// Measures what is asked for of the embedding of an outcome.

@@ -30,6 +30,7 @@
 
 #include "python/src/fit.h"
 #include "python/src/matrix_file.h"
+#include "python/src/noise.h"
 #include "python/src/options.h"
 #include "python/src/own_thread.h"
 #include "python/src/page.h"
@@ -280,6 +281,27 @@ py::tuple stability(const Array& X,
     return py::make_tuple(described_columns(compared.columns), pairs);
 }
 
+/// @param kept        of each row of the embedding: what it keeps of so many neighbours
+/// @param misfit      of each row
+/// @param arguments   options of the fit that made the embedding
+/// @return columns by name
+py::dict against_noise(const Array& X,
+                       const std::vector<double>& kept,
+                       const std::vector<double>& misfit,
+                       std::size_t neighbours,
+                       const py::dict& arguments,
+                       std::size_t count,
+                       int threads) {
+    const MatrixView<const double> points = view_of(X);
+    const FitOptions options = settled_options(arguments);
+    const RowReliability compared = in_own_thread([&](const std::atomic<bool>& is_interrupted) {
+        set_thread_count(threads);
+        return compare_with_noise(
+            points, {kept, misfit, {}}, options, neighbours, count, is_interrupted);
+    });
+    return described_columns(compared.columns);
+}
+
 /// @param map  as `described_map` gave it
 /// @return the places of the rows, rows x output dimensions, how far each is from the nearest row
 /// of the map, and whether its place is no better than one infinitely far away
@@ -507,6 +529,15 @@ PYBIND11_MODULE(_core, module) {
                "options"_a,
                "count"_a,
                "clusters"_a,
+               "threads"_a);
+    module.def("against_noise",
+               ovik::python::against_noise,
+               "X"_a,
+               "kept"_a,
+               "misfit"_a,
+               "neighbours"_a,
+               "options"_a,
+               "count"_a,
                "threads"_a);
     module.def("agreement", ovik::python::agreement, "maps"_a, "neighbours"_a);
     module.def(

@@ -151,6 +151,21 @@ TEST_F(Interruption, LeavesTheMapWithoutThoseThatItWasToBeComparedWith) {
     EXPECT_FALSE(std::filesystem::exists(directory_.file("ended") + "/y_tsne_20_0.stability.tsv"));
 }
 
+TEST_F(Interruption, LeavesTheMapWithoutTheNoiseThatItWasToBeComparedWith) {
+    const std::vector<std::string> options = {"-i", "200", "--reliability"};
+    EXPECT_EQ(run("whole", options).exit_status, 0);
+    RunningCommand running(command("ended", {"-i", "200", "--against-noise", "1000"}));
+    running.waitFor("-- Embedding 1000 matrices of shuffled values");
+    running.signal(SIGINT);
+    const CommandOutcome outcome = running.finish();
+    EXPECT_EQ(outcome.exit_status, 130);
+    EXPECT_THAT(outcome.out,
+                HasSubstr("The rows are not compared with noise, as the run was interrupted"));
+    expectSameResults("ended", "whole");
+    EXPECT_EQ(test::read_file(directory_.file("ended") + "/y_tsne_20_0.reliability.tsv"),
+              test::read_file(directory_.file("whole") + "/y_tsne_20_0.reliability.tsv"));
+}
+
 TEST_F(Interruption, LeavesASignalIgnoredThatWasIgnored) {
     std::vector<std::string> words = command("results", {"-i", kEndless, "--no-plots"});
     words.insert(words.begin(), {"/bin/sh", "-c", "trap '' INT; exec \"$0\" \"$@\""});

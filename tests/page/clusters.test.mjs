@@ -59,6 +59,18 @@ const DATA = (() => {
   });
 })();
 
+/** The same against noise: the second cluster is as noise but for five genes, the last but for one; of the first, ten are but better. */
+const AGAINST_NOISE = (() => {
+  const rates = CLUSTERS.map((cluster, gene) => ((cluster === 1 && gene >= 75) || gene >= 221 || gene < 10 ? 0.2 : 0.01));
+  const chances = CLUSTERS.map((_, gene) => (gene < 10 || rates[gene] < 0.05 ? 0.01 : 0.4));
+  const columns = [
+    ...DATA.quality.reliability.columns,
+    { name: 'p_kept', title: 'Noise: chance of keeping as many', values: chances },
+    { name: 'q_kept', title: 'Noise: false discovery rate by kept neighbours', values: rates },
+  ];
+  return { ...DATA, quality: { ...DATA.quality, reliability: { ...DATA.quality.reliability, columns } } };
+})();
+
 const PHONE = { viewport: { width: 360, height: 800 }, hasTouch: true, isMobile: true, deviceScaleFactor: 2 };
 
 let browser;
@@ -192,6 +204,27 @@ describe('trust', () => {
   });
 });
 
+test('noise that would give a selection or a cluster as well is spoken of beside it, and colours and fades', async () => {
+  const page = await browser.open(AGAINST_NOISE);
+  const notes = await page.$$eval('.cluster', (items) => items.map((item) => item.querySelector('.noise-note')?.textContent ?? ''));
+  assert.deepEqual(notes, ['', 'Noise would also give it: 5 of its 60 genes are better than 95 % of noise.', '', '', 'Noise would also give it: 1 of its 10 genes are better than 95 % of noise.']);
+  const shown = () => page.$$eval('.doubt:not([hidden])', (found) => found.map(({ textContent }) => textContent));
+  await page.click('.cluster:nth-child(5) button:has-text("Cluster 5")');
+  assert.deepEqual(await shown(), ['Noise would place these genes as well: 1 of 10 are better than 95 % of noise (of all genes 72 %, of noise 5 %).']);
+  await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');
+  assert.match((await shown()).at(1), /^Noise would place these genes as well: 5 of 60 /);
+  await page.click('.cluster:nth-child(1) button:has-text("Cluster 1")');
+  assert.deepEqual(await shown(), []);
+  await page.click('#selection >> text=Clear');
+  await page.focus('text=Colour by noise');
+  await page.keyboard.press('Enter');
+  assert.match(await page.textContent('#legend'), /Against noise.*told from noise.*156.*better than 95 % of noise.*10.*as noise.*64/s);
+  await page.click('text=/Fade 74 genes that are not told from noise, of 230/');
+  assert.equal(await page.isChecked('.misplaced input >> nth=0'), true);
+  assert.deepEqual(page.problems, []);
+  await page.context().close();
+});
+
 test('cards stand where they have room: genes beside the map, wide ones below it, all of them on paper', async () => {
   const page = await browser.open(DATA, { viewport: { width: 1440, height: 900 } });
   await page.click('.cluster:nth-child(1) button:has-text("Cluster 1")');
@@ -217,7 +250,7 @@ test('cards stand where they have room: genes beside the map, wide ones below it
 describe('the accessibility checker finds nothing', () => {
   for (const [what, settings] of [['light', {}], ['dark', { colorScheme: 'dark' }], ['on a phone', PHONE]]) {
     test(what, async () => {
-      const page = await browser.open(DATA, settings);
+      const page = await browser.open(AGAINST_NOISE, settings);
       await page.click('.cluster:nth-child(2) button:has-text("Cluster 2")');
       assert.deepEqual(await violations(page), []);
       const [width, room] = await page.evaluate(() => [document.documentElement.scrollWidth, document.documentElement.clientWidth]);

@@ -6,7 +6,7 @@ import { clustersOf, medianOf, middleGene, topTerms } from '../../plots/page/src
 import { createModel } from '../../plots/page/src/model.js';
 import { createTermColours } from '../../plots/page/src/term_colours.js';
 import { createNumbers, smallData } from './support.mjs';
-import { LEAST_KEPT, doubtfulGenes, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
+import { LEAST_KEPT, doubtfulGenes, noiseLabels, noiseOf, readQuality, reliabilityOf } from '../../plots/page/src/quality.js';
 import { columnOf, dashes, readReliability } from '../../plots/page/src/reliability.js';
 import { notApartFrom, readStability, stabilityOf, stayingOf } from '../../plots/page/src/stability.js';
 import { listPoints } from '../../plots/page/src/layers.js';
@@ -160,9 +160,27 @@ describe('what is known of each gene', () => {
   test('says which are doubtful: against noise by their rate, else by what they keep', () => {
     const quality = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: raw }, 3);
     assert.deepEqual([...doubtfulGenes(quality)], [0]);
-    const columns = [{ name: 'q_cost', title: 'q', values: [0.04, 0.05, null] }];
+    const columns = [{ name: 'q_kept', title: 'q', values: [0.05, 0.06, null] }];
     const against = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: { ...raw, columns } }, 3);
     assert.deepEqual([...doubtfulGenes(against)], [1, 2]);
+  });
+
+  test('says what noise would also give', () => {
+    const columns = [
+      { name: 'p_kept', title: 'p', values: [0.01, 0.05, 0.06, 0.9] },
+      { name: 'q_kept', title: 'q', values: [0.04, 0.06, 0.06, null] },
+    ];
+    const four = { ...raw, columns, falselyNear: [[], [], [], []], torn: [[], [], [], []] };
+    const quality = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9, 0.1], reliability: four }, 4);
+    assert.deepEqual(noiseOf(quality, [2, 3, 3]), { better: 0, ofAll: 0.5, isAsNoise: true });
+    assert.equal(noiseOf(quality, [1, ...Array(9).fill(3)]).isAsNoise, true, 'a tenth is what noise might have');
+    assert.equal(noiseOf(quality, [1, ...Array(8).fill(3)]).isAsNoise, false);
+    assert.equal(noiseOf(quality, [2, 3]).isAsNoise, false, 'two genes are too few');
+    assert.deepEqual(noiseLabels(quality), ['told from noise', 'better than 95 % of noise', 'as noise', 'as noise']);
+    const without = readQuality({ numbers: [], neighbours: 30, kept: [0.1, 0.2, 0.9], reliability: raw }, 3);
+    assert.equal(noiseOf(without, [0, 1, 2]), null);
+    assert.equal(noiseLabels(without), null);
+    assert.equal(noiseOf({ reliability: null }, [0, 1, 2]), null);
   });
 
   test('lets faded genes step back, unless others stand out', () => {

@@ -29,6 +29,7 @@ double column_median(const std::vector<double>& values, std::size_t columns, std
 /// The group of a row: how many groups begin at its concentration or below, but for the first.
 std::size_t group_of(const ComparedRow& row, const std::vector<ComparedRow>& noise) {
     std::vector<double> all;
+    all.reserve(noise.size());
     for (const ComparedRow& one : noise) {
         all.push_back(one.concentration);
     }
@@ -98,6 +99,7 @@ std::vector<double> noise_chances(const std::vector<ComparedRow>& rows,
                                   const std::vector<ComparedRow>& noise,
                                   bool by_kept) {
     std::vector<std::size_t> groups;
+    groups.reserve(noise.size());
     for (const ComparedRow& one : noise) {
         groups.push_back(group_of(one, noise));
     }

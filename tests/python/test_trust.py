@@ -1,5 +1,7 @@
 """How far to trust the place of each row, and what stays of an embedding."""
 
+import json
+
 import numpy as np
 import pytest
 
@@ -11,7 +13,7 @@ SMALL = {"perplexity": 7, "n_iter": 60}
 def test_reliability_sums_to_cost_and_quality(points):
     tsne = ovik.TSNE(**SMALL, reliability=True, quality=30).fit(points)
     columns, false_neighbours, torn_neighbours = tsne.reliability_
-    assert list(columns) == ["kept_10", "kept_30", "trustworthiness_10", "trustworthiness_30", "cost"]
+    assert list(columns) == ["kept_10", "kept_30", "trustworthiness_10", "trustworthiness_30", "cost", "misfit"]
     assert columns["cost"].sum() == pytest.approx(tsne.kl_divergence_, rel=1e-12)
     assert columns["kept_30"].mean() == pytest.approx(tsne.knn_recall_, rel=1e-12)
     assert columns["trustworthiness_30"].mean() == pytest.approx(tsne.trustworthiness_, rel=1e-12)
@@ -83,3 +85,34 @@ def test_stability_refuses_what_would_not_change(points):
         ovik.stability(ovik.TSNE(**SMALL, init=points[:, :2]).fit(points), points)
     with pytest.raises(ValueError):
         ovik.stability(ovik.TSNE(**SMALL), points)
+
+
+def test_against_noise_is_the_commands(time_courses, embed_by_command, tmp_path):
+    report = tmp_path / "report.json"
+    embed_by_command(time_courses, "-i", "30", "--against-noise", "2", "--json", report)
+    (run,) = json.loads(report.read_text())["runs"]
+    X = ovik.read_matrix(time_courses, missing="zero")
+    tsne = ovik.TSNE(n_iter=30, reliability=True).fit(X)
+    for jobs in (1, 2):
+        tsne.n_jobs = jobs
+        found = ovik.against_noise(tsne, X, 2)
+        for name, values in found._asdict().items():
+            assert list(values) == run["reliability"][name], name
+    assert np.mean(found.q_kept <= 0.05) == pytest.approx(run["noise"]["kept"]["told"])
+
+
+def test_against_noise_refuses_what_noise_cannot_be_compared_with(points):
+    tsne = ovik.TSNE(**SMALL, reliability=True).fit(points)
+    assert np.all(ovik.against_noise(tsne, points, 1).p_kept <= 1)
+    with pytest.raises(ValueError, match="count"):
+        ovik.against_noise(tsne, points, 0)
+    with pytest.raises(ValueError, match="89 rows"):
+        ovik.against_noise(tsne, points[:89])
+    with pytest.raises(ValueError, match="reliability=True"):
+        ovik.against_noise(ovik.TSNE(**SMALL).fit(points), points)
+    with pytest.raises(ValueError, match="several seeds"):
+        ovik.against_noise(ovik.TSNE(**SMALL, seeds=2, reliability=True).fit(points), points)
+    with pytest.raises(ValueError, match="start"):
+        ovik.against_noise(
+            ovik.TSNE(**SMALL, init=tsne.embedding_, reliability=True).fit(points), points
+        )

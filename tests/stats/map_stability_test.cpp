@@ -1,12 +1,16 @@
 #include "stats/map_stability.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <functional>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "stats/map_agreement.h"
 
+#include "tests/plain/plain_stability.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 
@@ -136,6 +140,45 @@ TEST(MapStability, DoesWithoutMapsOfAKindAndWithoutClusters) {
     ASSERT_EQ(pairs.pairs.size(), 1U);
     EXPECT_TRUE(std::isnan(pairs.pairs[0].apart_columns));
     EXPECT_FALSE(std::isnan(pairs.pairs[0].apart_seeds));
+}
+
+TEST(MapStability, IsThatOfThePlainFormForAnyNumberOfThreads) {
+    const std::vector<double> map = test::random_values(kRows * 2, 4);
+    std::vector<std::vector<double>> others;
+    std::vector<std::uint32_t> clusters;
+    for (std::uint32_t n = 0; n < kRows; ++n) {
+        clusters.push_back(n % 4);
+    }
+    for (const std::uint32_t seed : {5U, 6U, 7U}) {
+        std::vector<double> other = turned(map);
+        const std::vector<double> noise = test::random_values(kRows * 2, seed);
+        for (std::size_t i = 0; i < other.size(); ++i) {
+            other[i] += noise[i];
+        }
+        others.push_back(other);
+    }
+    std::vector<double> shared(kRows, 0.0);
+    for (const std::vector<double>& other : others) {
+        const std::vector<double> shares = plain::rows_shared(map, other, 10);
+        std::transform(shared.begin(), shared.end(), shares.begin(), shared.begin(), std::plus<>());
+    }
+    for (double& share : shared) {
+        share /= 3.0;
+    }
+    const std::vector<double> spread = plain::plane_spread(map, others);
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        const RecordedStability stability =
+            map_stability({map.data(), kRows, 2}, others, others, clusters);
+        EXPECT_EQ(stability.columns[0].values, shared);
+        for (std::size_t n = 0; n < kRows; ++n) {
+            EXPECT_NEAR(stability.columns[1].values[n], spread[n], 1e-12);
+        }
+        ASSERT_EQ(stability.pairs.size(), 6U);
+        for (const RecordedClusterPair& pair : stability.pairs) {
+            EXPECT_EQ(pair.separation, plain::separation(map, clusters, pair.first, pair.second));
+        }
+    }
 }
 
 }  // namespace

@@ -138,7 +138,11 @@ TEST(NoiseFits, OfRowsThatAMetricCannotCompareAreRefused) {
     }
     FitOptions options = options_of(5.0, 20);
     options.metric = MetricKind::Pearson;
+    EXPECT_THROW(check_shuffles({X.data(), 60, 2}, options, 1), InputError);
+    EXPECT_NO_THROW(check_shuffles({X.data(), 60, 2}, options, 0));
     EXPECT_THROW(noise_fits({X.data(), 60, 2}, options, 2, {.neighbours = 10}), InputError);
+    options.metric = MetricKind::Euclidean;
+    EXPECT_NO_THROW(check_shuffles({X.data(), 60, 2}, options, 1));
 }
 
 double share_at_most(const std::vector<double>& values, double bound) {
@@ -161,9 +165,10 @@ double distance_from_even(std::vector<double> chances) {
     return distance;
 }
 
-std::vector<double> heavy_tailed_values(std::size_t count, unsigned int seed) {
+/// @param freedom  degrees of it: the fewer, the heavier the tails
+std::vector<double> heavy_tailed_values(std::size_t count, unsigned int seed, double freedom) {
     std::mt19937 generator(seed);
-    std::student_t_distribution<double> student(2.5);
+    std::student_t_distribution<double> student(freedom);
     std::vector<double> values(count);
     std::generate(values.begin(), values.end(), [&] { return student(generator); });
     return values;
@@ -203,35 +208,69 @@ TEST(NoiseChances, OfNoiseAreEvenlySpread) {
 TEST(NoiseChances, OfNoiseWithHeavyTailsAreEvenlySpread) {
     // Far rows are alike on a map, or are not, together: so much was seen over 160 matrices, whose
     // chances were within 0.013 of an even spread.
-    expect_even_chances(heavy_tailed_values, 5.2);
+    expect_even_chances(
+        [](std::size_t count, unsigned int seed) { return heavy_tailed_values(count, seed, 2.5); },
+        5.2);
 }
 
-/// Noise in which the first 60 rows are two clusters of 30, far from one another and tight.
-std::vector<double> planted_clusters() {
-    std::vector<double> X = test::random_values(300 * kColumns, 5);
+/// Puts two clusters of 30 rows, far from one another and tight, in the place of the first rows.
+///
+/// @param distance  of their middles from 0 in each column
+std::vector<double> with_planted_clusters(std::vector<double> X, double distance) {
+    const std::vector<double> within = test::random_values(60 * kColumns, 6, 0.2);
     for (std::size_t n = 0; n < 60; ++n) {
         for (std::size_t d = 0; d < kColumns; ++d) {
-            const double middle = (n < 30) == (d % 2 == 0) ? 2.5 : -2.5;
-            X[n * kColumns + d] = middle + 0.2 * X[n * kColumns + d];
+            X[n * kColumns + d] =
+                ((n < 30) == (d % 2 == 0) ? distance : -distance) + within[n * kColumns + d];
         }
     }
     return X;
 }
 
+double largest_of_planted(const std::vector<double>& chances) {
+    return *std::max_element(chances.begin(), chances.begin() + 60);
+}
+
 TEST(NoiseChances, OfPlantedClustersAreSmall) {
-    const std::vector<double> X = planted_clusters();
+    const std::vector<double> X =
+        with_planted_clusters(test::random_values(300 * kColumns, 5), 2.5);
     for (const double perplexity : {10.0, 30.0}) {
         const NoiseComparison comparison = comparison_of(X, options_of(perplexity, 250), 3);
         EXPECT_EQ(comparison.groups, 4U);
         const std::vector<double>& kept = comparison.kept.p;
-        EXPECT_LT(*std::max_element(kept.begin(), kept.begin() + 60), 0.01) << perplexity;
+        EXPECT_LT(largest_of_planted(kept), 0.01) << perplexity;
         // At a perplexity far below the size of a cluster, what is within it is noise.
         if (perplexity == 30.0) {
-            const std::vector<double>& misfit = comparison.misfit.p;
-            EXPECT_LT(*std::max_element(misfit.begin(), misfit.begin() + 60), 0.01);
+            EXPECT_LT(largest_of_planted(comparison.misfit.p), 0.01);
         }
         EXPECT_LT(share_at_most({kept.begin() + 60, kept.end()}, 0.05), 0.2) << perplexity;
     }
+}
+
+/// The same rows with one concentration, which are one group.
+RowFits of_one_concentration(RowFits fits) {
+    std::fill(fits.concentration.begin(), fits.concentration.end(), 0.5);
+    return fits;
+}
+
+TEST(NoiseChances, OfClustersPlantedAmongHeavyTailsAreSmallAmongRowsOfLikeConcentration) {
+    const std::vector<double> X =
+        with_planted_clusters(heavy_tailed_values(800 * kColumns, 5, 1.5), 1.5);
+    const FitOptions options = options_of(20.0, 250);
+    const RowFits fits = fits_of(X, kColumns, options);
+    std::vector<RowFits> noise = noise_fits({X.data(), 800, kColumns}, options, 3, plain_manner());
+    const NoiseComparison comparison = compare_with_noise(fits, noise);
+    EXPECT_EQ(comparison.groups, 5U);
+    for (const NoiseChances& chances : {comparison.kept, comparison.misfit}) {
+        EXPECT_LT(largest_of_planted(chances.p), 0.01);
+        EXPECT_LT(share_at_most({chances.q.begin() + 60, chances.q.end()}, kNoiseLevel), 0.02);
+    }
+    EXPECT_LE(largest_of_planted(comparison.kept.q), kNoiseLevel);
+    // Far rows of noise lie together on the map, and fit better than the planted ones.
+    std::transform(noise.begin(), noise.end(), noise.begin(), of_one_concentration);
+    const NoiseComparison pooled = compare_with_noise(of_one_concentration(fits), noise);
+    EXPECT_GT(largest_of_planted(pooled.misfit.p), 0.05);
+    EXPECT_LT(summary_of(pooled.misfit).told, summary_of(comparison.misfit).told);
 }
 
 }  // namespace

@@ -69,12 +69,16 @@ TEST(VariedMap, DrawsOnceMoreWhereARowWouldHaveNoCorrelation) {
     }
     FitOptions options = kOptions;
     options.metric = MetricKind::Pearson;
+    EXPECT_NO_THROW(check_draws({X.data(), kRows, kColumns}, options, 8));
     for (std::size_t number = 0; number < 8; ++number) {
         EXPECT_TRUE(varied_map({X.data(), kRows, kColumns}, options, Variation::Columns, number));
     }
     X[kColumns - 1] = 1.0;
     EXPECT_THROW(varied_map({X.data(), kRows, kColumns}, options, Variation::Columns, 0),
                  InputError);
+    EXPECT_THROW(check_draws({X.data(), kRows, kColumns}, options, 1), InputError);
+    options.metric = MetricKind::Euclidean;
+    EXPECT_NO_THROW(check_draws({X.data(), kRows, kColumns}, options, 1));
 }
 
 TEST(VariedMaps, AreTheSameForAnyNumberOfThreadsAndOfMapsAtOnce) {

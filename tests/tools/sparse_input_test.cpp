@@ -69,6 +69,12 @@ TEST_F(SparseInput, HasItsComponentsInThePlaceOfColumns) {
     EXPECT_THAT(reported_options(options_), Contains(Pair("pca", "3")));
 }
 
+TEST_F(SparseInput, HasNoColumnsToShuffle) {
+    options_.against_noise = 2;
+    EXPECT_THROW(settle(), InputError);
+    testing::internal::GetCapturedStdout();
+}
+
 TEST_F(SparseInput, TellsHowFarItsComponentsAre) {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> told;
     options_.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {

@@ -1,5 +1,6 @@
 #include "tools/trust_options.h"
 
+#include <cstddef>
 #include <functional>
 #include <vector>
 
@@ -77,6 +78,36 @@ TEST(CheckNoiseOptions, RefusesWhatCannotBeShuffledOrEmbeddedAlike) {
     Options options;
     options.against_noise = 3;
     EXPECT_NO_THROW(check_noise_options(options));
+}
+
+TEST(CheckShuffledRows, RefusesRowsOfNoiseThatCannotBeCompared) {
+    // Shuffled, some rows have the same value in both columns.
+    std::vector<double> X(60 * 2);
+    for (std::size_t n = 0; n < 60; ++n) {
+        X[2 * n + n % 2] = 1.0;
+    }
+    Options options;
+    options.fit.metric = MetricKind::Pearson;
+    EXPECT_NO_THROW(check_shuffled_rows(options, {X.data(), 60, 2}));
+    options.against_noise = 2;
+    EXPECT_THROW(check_shuffled_rows(options, {X.data(), 60, 2}), InputError);
+    options.fit.metric = MetricKind::Euclidean;
+    EXPECT_NO_THROW(check_shuffled_rows(options, {X.data(), 60, 2}));
+}
+
+TEST(CheckDrawnRows, RefusesRowsThatFewColumnsTellApart) {
+    constexpr std::size_t kColumns = 30;
+    std::vector<double> X(kColumns * kColumns, 0.0);
+    for (std::size_t n = 0; n < kColumns; ++n) {
+        X[n * kColumns + n] = 1.0;
+    }
+    Options options;
+    options.fit.metric = MetricKind::Cosine;
+    EXPECT_NO_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}));
+    options.stability = 1;
+    EXPECT_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}), InputError);
+    options.fit.metric = MetricKind::Euclidean;
+    EXPECT_NO_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@ import { counted, formatCount } from './format.js';
 import { formatChance } from './enrichment_table.js';
 import { extremesOf, meanProfile } from './profiles.js';
 import { isolated } from './label_legend.js';
+import { noiseOf } from './quality.js';
 import { sparkLine } from './spark_line.js';
 import { swatch } from './swatch.js';
 import { writeClusterNames } from './cluster_names.js';
@@ -67,6 +68,14 @@ function termList(terms, colourBy) {
   }))];
 }
 
+/** The note of a cluster that noise would also give. */
+function noiseNote(quality, genes) {
+  const noise = quality === null ? null : noiseOf(quality, genes);
+  if (!noise?.isAsNoise) return [];
+  return [el('p', { class: 'cluster-doubt noise-note', role: 'note' },
+    `Noise would also give it: ${formatCount(noise.better)} of its ${formatCount(genes.length)} genes are better than 95 % of noise.`)];
+}
+
 function clusterItem(cluster, { columns, range, mark, notes, select, isolate, colourBy }) {
   const { name, genes, terms, profile } = cluster;
   return el('li', { class: 'cluster' },
@@ -113,7 +122,7 @@ export function showClusters(element, chart, model, store, termColours) {
       columns: dataset.expression?.columns ?? [],
       range,
       mark: swatch(model.stylesOf({ ...store.get(), ...chosen })[category]),
-      notes: clusterNotes(stability, cluster.label, cluster.genes),
+      notes: [...noiseNote(dataset.quality, cluster.genes), ...clusterNotes(stability, cluster.label, cluster.genes)],
       select: () => store.set({ selection: cluster.genes }),
       isolate: () => isolate(category),
       colourBy,

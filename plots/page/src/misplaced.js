@@ -1,9 +1,9 @@
 /** The false and torn neighbours of the gene that is pointed at, and fading genes whose place says little. */
 
 import { button, dataText, el } from './dom.js';
-import { columnOf, dashes } from './reliability.js';
+import { dashes } from './reliability.js';
 import { counted, formatCount } from './format.js';
-import { doubtfulGenes } from './quality.js';
+import { doubtfulGenes, noiseRates } from './quality.js';
 import { nameOf } from './dataset.js';
 
 /** Pixels of the chart that a line may reach at most, however far its end lies beyond the view. */
@@ -59,12 +59,11 @@ function showLists(element, model, store, choose) {
 function fadeSwitch(model, store) {
   const { quality } = model.dataset;
   const doubtful = doubtfulGenes(quality);
-  const isAgainstNoise = columnOf(quality.reliability, 'q_cost') !== null;
   const box = el('input', {
     type: 'checkbox',
     on: { change: () => store.set({ faded: box.checked ? doubtful : null }) },
   });
-  const what = isAgainstNoise ? 'that noise would place as well' : 'that keep few of their neighbours';
+  const what = noiseRates(quality) !== null ? 'that are not told from noise' : 'that keep few of their neighbours';
   return el('label', { class: 'switch' }, box,
     `Fade ${counted(doubtful.length, 'gene', 'genes')} ${what}, of ${formatCount(quality.reliability.torn.length)}`);
 }

@@ -7,8 +7,8 @@ import { readStability } from './stability.js';
 /** A gene is unreliable where the map keeps less than this share of its nearest neighbours. */
 export const LEAST_KEPT = 0.2;
 
-/** A gene is as good as noise where the false discovery rate of its cost is not below this. */
-export const MOST_RATE = 0.05;
+/** A gene is told from noise where its false discovery rate is no more than this, and better than noise where its chance is. */
+export const MOST_FALSE = 0.05;
 
 /** A selection of fewer genes is too small to speak of most of it. */
 const FEWEST_GENES = 3;
@@ -61,15 +61,61 @@ export function reliabilityOf(quality, genes) {
   };
 }
 
+/** The false discovery rates of the genes against noise; null where the run did not compare them with noise. */
+export const noiseRates = ({ reliability }) => (reliability === null ? null : columnOf(reliability, 'q_kept'));
+
+const isTold = (rates, gene) => rates[gene] <= MOST_FALSE;
+
+/** Of noise this share is better than 95 % of noise; a group of which no more than twice as many are is one that noise gives. */
+const MOST_OF_NOISE = 2 * MOST_FALSE;
+
+const noiseChances = ({ reliability }) => (reliability === null ? null : columnOf(reliability, 'p_kept'));
+
 /**
- * The genes whose place says little: against noise those that noise might give, else those that keep too few of their
+ * Whether noise would give some genes as well. The chances of single genes tell: of noise 5 % are 0.05 or less, whatever else
+ * the map holds, while false discovery rates follow from all genes.
+ *
+ * @param {object} quality as of `readQuality`
+ * @param {ArrayLike<number>} genes
+ * @returns null where the run did not compare them with noise; else `better`: how many are better than 95 % of noise,
+ *   `ofAll`: which share of all genes is, and `isAsNoise`: whether no more of three genes or more are than noise might have
+ */
+export function noiseOf(quality, genes) {
+  const chances = noiseChances(quality);
+  if (chances === null) return null;
+  const better = Array.from(genes).filter((gene) => chances[gene] <= MOST_FALSE).length;
+  return {
+    better,
+    ofAll: chances.filter((chance) => chance <= MOST_FALSE).length / chances.length,
+    isAsNoise: genes.length >= FEWEST_GENES && better <= MOST_OF_NOISE * genes.length,
+  };
+}
+
+/** What the genes are against noise, in the words of the legend. */
+export const NOISE_LABELS = ['told from noise', 'better than 95 % of noise', 'as noise'];
+
+/** For each gene one of these words; null where the run did not compare them with noise. */
+export function noiseLabels(quality) {
+  const rates = noiseRates(quality);
+  const chances = noiseChances(quality);
+  if (rates === null || chances === null) return null;
+  const [told, better, asNoise] = NOISE_LABELS;
+  return Array.from(rates, (_, gene) => {
+    if (isTold(rates, gene)) return told;
+    return chances[gene] <= MOST_FALSE ? better : asNoise;
+  });
+}
+
+/**
+ * The genes whose place says little: against noise those that are not told from it, else those that keep too few of their
  * nearest neighbours.
  *
  * @param {object} quality as of `readQuality`, with `kept` and `reliability`
  * @returns {Int32Array} ascending
  */
-export function doubtfulGenes({ kept, reliability }) {
-  const rates = columnOf(reliability, 'q_cost');
-  const isDoubtful = rates ? (gene) => !(rates[gene] < MOST_RATE) : (gene) => kept !== null && kept[gene] < LEAST_KEPT;
+export function doubtfulGenes(quality) {
+  const { kept, reliability } = quality;
+  const rates = noiseRates(quality);
+  const isDoubtful = rates ? (gene) => !isTold(rates, gene) : (gene) => kept !== null && kept[gene] < LEAST_KEPT;
   return Int32Array.from(reliability.torn.keys()).filter(isDoubtful);
 }
