@@ -20,6 +20,7 @@
 
 #include "tools/command_report.h"
 #include "tools/comparison.h"
+#include "tools/earlier_results.h"
 #include "tools/interruption.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/result_files.h"
@@ -184,6 +185,7 @@ RunRecord record_of(const Options& options,
                options.precision == Precision::Float
                    ? write_table<float>(path, map, names, genes)
                    : write_table<double>(path, map, names, genes));
+    tell_of_earlier_results(result_base(options, perplexity), record.files);
     return record;
 }
 

@@ -24,6 +24,7 @@
 #include "util/json_text.h"
 
 #include "tools/command_report.h"
+#include "tools/earlier_results.h"
 #include "tools/h5ad_result.h"
 #include "tools/interruption.h"
 #include "tools/map_clusters.h"
@@ -435,6 +436,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     const RunTimes& times = tsne.times();
     record.seconds = {times.similarities, times.fitting, times.results, times.sample};
     record.files = finish_results(tsne, options, input, record, failures);
+    tell_of_earlier_results(result_base(options, record.perplexity), record.files);
     if (input.keeps_places) {
         record.places.assign(tsne.Y,
                              tsne.Y + input.rows * static_cast<std::size_t>(options.fit.out_dims));
