@@ -1,11 +1,13 @@
 #include "results/kept_runs.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <memory>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -71,6 +73,29 @@ class CheckedDecoder {
     bool is_good_ = true;
 };
 
+/// The bytes of a file; none if there is no such file.
+///
+/// @throws std::runtime_error if it is there and cannot be read
+std::optional<std::string> bytes_of(const std::string& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                               &std::fclose);
+    if (file == nullptr && errno == ENOENT) {
+        return std::nullopt;
+    }
+    std::string bytes;
+    std::array<char, 65536> piece{};
+    for (std::size_t count = 1; file != nullptr && count > 0;) {
+        count = std::fread(piece.data(), 1, piece.size(), file.get());
+        bytes.append(piece.data(), count);
+    }
+    if (file == nullptr || std::ferror(file.get()) != 0) {
+        throw std::runtime_error(path + ": the finished run that is kept there cannot be read (" +
+                                 std::generic_category().message(errno) +
+                                 ")\nMake it readable; or remove it, and it is made again.");
+    }
+    return bytes;
+}
+
 /// @return none if the bytes are not those of a run of this identity
 std::optional<NumberLists> decoded(std::string_view bytes, const std::string& identity) {
     if (bytes.size() < kMagic.size() + kNumberSize || !bytes.starts_with(kMagic)) {
@@ -101,13 +126,14 @@ std::string KeptRuns::pathOf(const RunKey& run) const {
 }
 
 std::optional<NumberLists> KeptRuns::find(const RunKey& run) const {
-    std::ifstream file(pathOf(run), std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
-    return decoded(bytes, run.identity);
+    const std::optional<std::string> bytes = bytes_of(pathOf(run));
+    return bytes ? decoded(*bytes, run.identity) : std::nullopt;
 }
 
 void KeptRuns::keep(const RunKey& run, const NumberLists& lists) const {
-    std::filesystem::create_directories(directory_);
+    // Where that fails, so does writing the file, which says why.
+    std::error_code ignored;
+    std::filesystem::create_directories(directory_, ignored);
     const std::string path = pathOf(run);
     const std::string bytes = encoded(run.identity, lists);
     WholeFile file(path);
@@ -120,11 +146,14 @@ void KeptRuns::keep(const RunKey& run, const NumberLists& lists) const {
 }
 
 std::uintmax_t KeptRuns::size() const {
-    std::error_code ignored;
+    std::error_code failure;
     std::uintmax_t size = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(directory_, ignored)) {
-        if (entry.path().extension() == kExtension) {
-            size += entry.file_size(ignored);
+    std::filesystem::directory_iterator entry(directory_, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        std::error_code is_gone;
+        const std::uintmax_t bytes = entry->file_size(is_gone);
+        if (entry->path().extension() == kExtension && !is_gone) {
+            size += bytes;
         }
     }
     return size;

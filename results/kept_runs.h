@@ -39,6 +39,8 @@ class KeptRuns {
     explicit KeptRuns(std::string directory) : directory_(std::move(directory)) {}
 
     /// What a run left; none if it is not there, or its file is damaged.
+    ///
+    /// @throws std::runtime_error if its file is there and cannot be read
     [[nodiscard]] std::optional<NumberLists> find(const RunKey& run) const;
 
     /// Keeps what a run left, in the place of what is there of it.
@@ -48,7 +50,8 @@ class KeptRuns {
 
     [[nodiscard]] std::string pathOf(const RunKey& run) const;
 
-    /// Bytes of all kept runs in the directory, of whatever identity.
+    /// Bytes of all kept runs in the directory, of whatever identity. Files whose size cannot be
+    /// told, as of those that another process removes, do not count.
     [[nodiscard]] std::uintmax_t size() const;
 
   private:

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 #include "stats/option_texts.h"
 #include "util/format.h"
@@ -20,18 +22,44 @@ using Entries = std::vector<ComparisonEntry>;
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-/// What runs of one choice have in common.
-std::string alike_text(const ComparisonEntry& entry) {
-    std::string text = entry.data + "\n" + std::to_string(entry.rows) + "\n" +
-                       std::to_string(entry.columns) + "\n" +
-                       std::to_string(entry.run.trials->seeds) + "\n" +
-                       std::to_string(entry.run.trials->columns) + "\n" +
-                       std::to_string(entry.run.noise ? entry.run.noise->matrices : 0);
-    visit_fit_options(entry.options, [&text](const auto& option) {
-        if (option.words.name != "perplexity") {
-            text += "\n" + value_text(option);
+/// A fact of a run: what it is, and its value.
+using Fact = std::pair<std::string, std::string>;
+
+/// What runs of one choice have in common but for their data: the same facts of every run.
+std::vector<Fact> common_facts(const ComparisonEntry& entry) {
+    const std::size_t noise = entry.run.noise ? entry.run.noise->matrices : 0;
+    std::vector<Fact> facts = {{"number of rows", std::to_string(entry.rows)},
+                               {"number of columns", std::to_string(entry.columns)},
+                               {"--seeds", std::to_string(entry.run.trials->seeds)},
+                               {"--stability", std::to_string(entry.run.trials->columns)},
+                               {"--against-noise", std::to_string(noise)}};
+    visit_fit_options(entry.options, [&facts](const auto& option) {
+        const std::string name = long_name(option.words);
+        if (name != "perplexity") {
+            facts.emplace_back("--" + name, value_text(option));
         }
     });
+    return facts;
+}
+
+bool is_judged(const ComparisonEntry& entry) {
+    return entry.run.trials.has_value() && !std::isnan(entry.run.perplexity);
+}
+
+/// How a run differs from another one that is judged, but for the perplexity; empty if it does not.
+std::string difference_text(const ComparisonEntry& entry, const ComparisonEntry& other) {
+    if (!is_judged(entry)) {
+        return "an ordinary run, without --choose-perplexity";
+    }
+    std::string text = entry.data == other.data ? "" : "other values or names of rows";
+    const std::vector<Fact> own = common_facts(entry);
+    const std::vector<Fact> others = common_facts(other);
+    for (std::size_t i = 0; i < own.size(); ++i) {
+        if (own[i] != others[i]) {
+            text += (text.empty() ? "" : "; ") + own[i].first + " is " + own[i].second +
+                    " instead of " + others[i].second;
+        }
+    }
     return text;
 }
 
@@ -135,20 +163,41 @@ std::vector<TableColumn> table_columns(const RunRecord& first) {
 }  // namespace
 
 std::optional<PerplexityChoice> choice_among(const Entries& entries) {
-    const bool are_judged = std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
-        return entry.run.trials.has_value() && !std::isnan(entry.run.perplexity);
-    });
-    if (entries.size() < 2 || !are_judged) {
+    if (entries.size() < 2 || !is_judged(entries.front())) {
         return std::nullopt;
     }
-    const std::string alike = alike_text(entries.front());
     for (std::size_t i = 1; i < entries.size(); ++i) {
-        if (entries[i].run.perplexity <= entries[i - 1].run.perplexity ||
-            alike_text(entries[i]) != alike) {
+        if (!difference_text(entries[i], entries.front()).empty() ||
+            entries[i].run.perplexity <= entries[i - 1].run.perplexity) {
             return std::nullopt;
         }
     }
     return choose_perplexity(outcomes_of(entries));
+}
+
+std::string why_no_choice(const Entries& entries) {
+    const auto first = std::find_if(entries.begin(), entries.end(), &is_judged);
+    if (first == entries.end()) {
+        return "";
+    }
+    if (entries.size() == 1) {
+        return first->report + ": one perplexity, and so nothing to choose from";
+    }
+    for (const ComparisonEntry& entry : entries) {
+        const std::string difference = difference_text(entry, *first);
+        if (!difference.empty()) {
+            return entry.report + ": " + difference +
+                   (is_judged(entry) ? ", as in " + first->report : "");
+        }
+    }
+    const auto same = std::adjacent_find(
+        entries.begin(), entries.end(), [](const ComparisonEntry& a, const ComparisonEntry& b) {
+            return a.run.perplexity == b.run.perplexity;
+        });
+    return same == entries.end()
+               ? ""
+               : std::next(same)->report + ": perplexity " + shortest_text(same->run.perplexity) +
+                     " is there twice, in " + same->report + " too";
 }
 
 ChoiceCurves choice_curves(const Entries& entries, const PerplexityChoice& choice) {

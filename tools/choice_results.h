@@ -22,6 +22,13 @@ namespace ovik::tool {
 /// otherwise alike: of the same data, the same options and as many trials
 std::optional<PerplexityChoice> choice_among(const std::vector<ComparisonEntry>& entries);
 
+/// Why there is no choice among runs of which some were to be chosen from.
+///
+/// @param entries  of which `choice_among` makes none
+/// @return which report differs from the first of a choice, and in what; empty if no run was to be
+/// chosen from
+std::string why_no_choice(const std::vector<ComparisonEntry>& entries);
+
 /// The shares of which the choice is made, as curves.
 ChoiceCurves choice_curves(const std::vector<ComparisonEntry>& entries,
                            const PerplexityChoice& choice);

@@ -7,8 +7,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
+#include "plots/figure_drawing.h"
 #include "results/digest.h"
 #include "results/kept_runs.h"
 #include "results/result_table.h"
@@ -17,6 +19,7 @@
 #include "util/console.h"
 #include "util/counted.h"
 #include "util/memory_text.h"
+#include "util/partial_entry.h"
 
 #include "tools/command_report.h"
 #include "tools/comparison.h"
@@ -105,6 +108,29 @@ TrialCounts counts_of(const Options& options) {
 
 MatrixView<const double> values_of(const LoadedMatrix& loaded) {
     return {loaded.matrix.values.get(), loaded.matrix.report.rows, loaded.matrix.report.columns};
+}
+
+/// Makes the directories of results and of kept fits, and removes what killed processes left over
+/// in them.
+///
+/// @throws std::runtime_error, std::system_error if nothing can be put there
+void prepare_places(const Options& options) {
+    prepare_directory(options.out_dir);
+    if (!options.report_file.empty()) {
+        prepare_place(options.report_file);
+    }
+    const std::string kept = kept_runs_path(options);
+    try {
+        prepare_directory(kept);
+    } catch (const std::system_error& error) {
+        throw std::runtime_error(kept + ": fits cannot be kept there (" + error.code().message() +
+                                 ")\nRemove what stands there or make it writable, or choose "
+                                 "another place with --out-dir, --name or --suffix.");
+    }
+    const std::string base = options.out_dir + options.name;
+    remove_left_over_files(base);
+    remove_left_over_drawings(base);
+    remove_left_over_files(kept + "/" + options.name);
 }
 
 /// Makes the trials that are not kept from before.
@@ -236,10 +262,8 @@ ExitStatus run_choice(LoadedMatrix loaded,
                       const Options& options,
                       RunReport report,
                       Stopwatch since_start) {
-    prepare_directory(options.out_dir);
-    if (!options.report_file.empty()) {
-        prepare_place(options.report_file);
-    }
+    prepare_places(options);
+    promise_kept_fits();
     const RowGenes genes = settle_names(loaded.matrix.row_names, options.names);
     describe_input(report, loaded);
     const KeptTrials kept(options, report);

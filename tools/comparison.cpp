@@ -292,7 +292,8 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
                                record_of(run),
                                data_of(report),
                                {},
-                               directory});
+                               directory,
+                               path});
             entries.back().map = map_of(entries.back());
         }
     } catch (const Json::exception&) {
@@ -373,6 +374,10 @@ ExitStatus collect_reports(const Options& options) {
         });
     prepare_directory(options.out_dir);
     const std::optional<ChosenPerplexity> choice = tell_choice(options, entries);
+    if (const std::string why = choice ? "" : why_no_choice(entries); !why.empty()) {
+        complain("note: no perplexity is chosen. " + why +
+                 "\nGive reports of --choose-perplexity that differ in the perplexity alone.");
+    }
     const bool is_written = write_comparison(comparison_path(options), entries, choice);
     return is_written && (!choice || are_there(choice->files)) ? Success : FailedRun;
 }

@@ -22,6 +22,7 @@ constexpr std::int64_t kTogether = 200;
 std::atomic<std::int64_t> first_time = 0;
 std::atomic<int> first_signal = 0;
 std::atomic<bool> has_results = false;
+std::atomic<bool> has_kept_fits = false;
 static_assert(std::atomic<std::int64_t>::is_always_lock_free &&
               std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
@@ -59,10 +60,18 @@ void take_signal(int signal) {
     std::int64_t first = 0;
     if (first_time.compare_exchange_strong(first, now)) {
         first_signal = signal;
-        say("\novik-tsne: interrupted: the results of what was reached are written, then the run "
-            "ends (a second signal stops it at once)\n");
+        say(has_kept_fits
+                ? "\novik-tsne: interrupted: the fits that have ended are kept, and the same "
+                  "command "
+                  "goes on with them (a second signal stops it at once)\n"
+                : "\novik-tsne: interrupted: the results of what was reached are written, then the "
+                  "run ends (a second signal stops it at once)\n");
     } else if (now - first >= kTogether) {
-        stop("\novik-tsne: interrupted again: stopped at once, before all results were written\n",
+        stop(has_kept_fits
+                 ? "\novik-tsne: interrupted again: stopped at once; the fits that have ended are "
+                   "kept\n"
+                 : "\novik-tsne: interrupted again: stopped at once, before all results were "
+                   "written\n",
              signal);
     }
     errno = error_before;
@@ -86,6 +95,11 @@ void watch_for_interruption() {
             sigaction(signal, &action, nullptr);
         }
     }
+}
+
+void promise_kept_fits() {
+    has_kept_fits = true;
+    has_results = true;
 }
 
 bool goes_on() {

@@ -13,6 +13,10 @@ namespace ovik::tool {
 /// background of a script.
 void watch_for_interruption();
 
+/// From now on fits are kept as they end: the first signal asks those at work to end, and messages
+/// say that the others are there for the next call.
+void promise_kept_fits();
+
 /// To be called after every iteration: from the first on there are results to keep.
 ///
 /// @return whether the fit is to go on

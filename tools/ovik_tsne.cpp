@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <new>
 #include <omp.h>
 #include <optional>
@@ -149,6 +150,31 @@ void tell_left_out_of_plots(const Options& options, std::size_t rows) {
     }
 }
 
+/// Makes the maps, or those of the choice of a perplexity, with all their results.
+ExitStatus make_maps(LoadedMatrix loaded,
+                     const std::vector<LabelColumn>& labels,
+                     const std::vector<double>& perplexities,
+                     const std::shared_ptr<CachedNeighbours>& neighbours,
+                     const Options& options,
+                     RunReport report,
+                     Stopwatch since_start) {
+    const ExitStatus status =
+        options.chooses_perplexity
+            ? run_choice(
+                  std::move(loaded), labels, perplexities, options, std::move(report), since_start)
+            : run_perplexities(std::move(loaded),
+                               labels,
+                               perplexities,
+                               neighbours,
+                               options,
+                               std::move(report),
+                               since_start);
+    if (const std::string note = denied_threads_note(); !note.empty()) {
+        complain("note: " + note);
+    }
+    return status;
+}
+
 /// Takes the whole way from the matrix to the results.
 ExitStatus embed(Options options, RunReport report) {
     Stopwatch watch;
@@ -173,10 +199,7 @@ ExitStatus embed(Options options, RunReport report) {
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
     settle_drawn_columns(options, matrix.columns);
-    check_judged_rows(options, matrix.rows, matrix.columns);
-    check_chosen_perplexities(options, matrix.rows);
-    check_drawn_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
-    check_shuffled_rows(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
+    check_trust(options, {loaded.matrix.values.get(), matrix.rows, matrix.columns});
     report.options = reported_options(options);
     if (!options.model.empty()) {
         check_placing_options(options.fit);
@@ -205,21 +228,13 @@ ExitStatus embed(Options options, RunReport report) {
     start_logging(options.quiet);
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
-    const ExitStatus status =
-        options.chooses_perplexity
-            ? run_choice(
-                  std::move(loaded), labels, perplexities, options, std::move(report), since_start)
-            : run_perplexities(std::move(loaded),
-                               labels,
-                               perplexities,
-                               neighbours,
-                               options,
-                               std::move(report),
-                               since_start);
-    if (const std::string note = denied_threads_note(); !note.empty()) {
-        complain("note: " + note);
-    }
-    return status;
+    return make_maps(std::move(loaded),
+                     labels,
+                     perplexities,
+                     neighbours,
+                     options,
+                     std::move(report),
+                     since_start);
 }
 
 /// Does what the command line asks for.

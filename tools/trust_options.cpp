@@ -39,6 +39,17 @@ void check_drawn_columns(const Options& options, std::size_t columns) {
     }
 }
 
+/// Says that matrices cannot be embedded without which there is no choice.
+///
+/// @param matrices  "of columns that are drawn anew"
+[[noreturn]] void refuse_rows_of_choice(const Options& options, const std::string& matrices) {
+    throw InputError("--choose-perplexity also embeds matrices " + matrices + ", and --metric " +
+                     std::string(choice_name(options.fit.metric)) +
+                     " cannot compare some of their rows, whose values are all equal or 0\nGive "
+                     "--metric euclidean, or look at maps of several perplexities (--perplexity) "
+                     "with --quality.");
+}
+
 }  // namespace
 
 void check_judged_rows(const Options& options, std::size_t rows, std::size_t columns) {
@@ -112,15 +123,38 @@ void check_noise_options(const Options& options) {
 }
 
 void check_shuffled_rows(const Options& options, MatrixView<const double> X) {
-    check_shuffles(X, options.fit, static_cast<std::size_t>(options.against_noise));
+    try {
+        check_shuffles(X, options.fit, static_cast<std::size_t>(options.against_noise));
+    } catch (const InputError&) {
+        if (options.chooses_perplexity) {
+            refuse_rows_of_choice(options, "of shuffled values, as noise has them");
+        }
+        throw;
+    }
 }
 
 void check_drawn_rows(const Options& options, MatrixView<const double> X) {
     FitOptions fit = options.fit;
-    for (int number = 0; options.stability > 0 && number < options.seeds; ++number) {
-        check_draws(X, fit, static_cast<std::size_t>(options.stability));
-        ++fit.seed;
+    // A choice draws by the first seed alone.
+    const int seeds = options.chooses_perplexity ? 1 : options.seeds;
+    try {
+        for (int number = 0; options.stability > 0 && number < seeds; ++number) {
+            check_draws(X, fit, static_cast<std::size_t>(options.stability));
+            ++fit.seed;
+        }
+    } catch (const InputError&) {
+        if (options.chooses_perplexity) {
+            refuse_rows_of_choice(options, "of columns that are drawn anew");
+        }
+        throw;
     }
+}
+
+void check_trust(const Options& options, MatrixView<const double> X) {
+    check_judged_rows(options, X.rows, X.columns);
+    check_chosen_perplexities(options, X.rows);
+    check_drawn_rows(options, X);
+    check_shuffled_rows(options, X);
 }
 
 }  // namespace ovik::tool

@@ -43,4 +43,11 @@ void check_shuffled_rows(const Options& options, MatrixView<const double> X);
 /// @throws InputError if so
 void check_drawn_rows(const Options& options, MatrixView<const double> X);
 
+/// All that a matrix can be refused for by questions of trust.
+///
+/// @param options  after `settle_drawn_columns`
+/// @param X        the matrix as it was loaded
+/// @throws InputError as the checks above do
+void check_trust(const Options& options, MatrixView<const double> X);
+
 }  // namespace ovik::tool

@@ -78,5 +78,28 @@ TEST_F(KeptRunsTest, AreRefusedWhereTheyCannotBeWritten) {
     EXPECT_THROW(runs_.keep(kRun, kLists), std::system_error);
 }
 
+TEST_F(KeptRunsTest, AreNotTakenForMissingIfTheyCannotBeRead) {
+    // A directory in their place can be opened but not read, by root as well.
+    std::filesystem::create_directories(runs_.pathOf(kRun));
+    try {
+        const auto found = runs_.find(kRun);
+        ADD_FAILURE() << "found: " << found.has_value();
+    } catch (const std::runtime_error& error) {
+        EXPECT_THAT(error.what(), testing::StartsWith(runs_.pathOf(kRun) + ": "));
+        EXPECT_THAT(error.what(), testing::HasSubstr("cannot be read (Is a directory)\nMake it"));
+    }
+    EXPECT_THROW(KeptRuns(runs_.pathOf(kRun) + std::string(300, 'x')).find(kRun),
+                 std::runtime_error);
+}
+
+TEST_F(KeptRunsTest, HaveTheSizeOfTheFilesThatAreThere) {
+    runs_.keep(kRun, kLists);
+    const std::uintmax_t whole = runs_.size();
+    EXPECT_GT(whole, 0U);
+    std::filesystem::create_symlink("gone", directory_.file("runs/of/it/gone.run"));
+    EXPECT_EQ(runs_.size(), whole);
+    EXPECT_EQ(KeptRuns(runs_.pathOf(kRun)).size(), 0U);
+}
+
 }  // namespace
 }  // namespace ovik

@@ -1,6 +1,7 @@
 #include "tools/choice_results.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -63,6 +64,49 @@ TEST(ChoiceAmong, IsNotMadeOfOthers) {
     }
     EXPECT_FALSE(choice_among({entries()[0]}).has_value());
     EXPECT_FALSE(choice_among({}).has_value());
+}
+
+TEST(WhyNoChoice, NamesTheReportAndWhatDiffers) {
+    const std::vector<std::pair<void (*)(ComparisonEntry&), std::string>> changes = {
+        {[](ComparisonEntry& one) { one.run.trials.reset(); },
+         "b.json: an ordinary run, without --choose-perplexity"},
+        {[](ComparisonEntry& one) { one.run.trials->seeds = 4; },
+         "b.json: --seeds is 4 instead of 3, as in a.json"},
+        {[](ComparisonEntry& one) { one.run.trials->columns = 1; },
+         "b.json: --stability is 1 instead of 0, as in a.json"},
+        {[](ComparisonEntry& one) { one.run.noise.reset(); },
+         "b.json: --against-noise is 0 instead of 2, as in a.json"},
+        {[](ComparisonEntry& one) { one.run.perplexity = 5.0; },
+         "b.json: perplexity 5 is there twice, in a.json too"},
+        {[](ComparisonEntry& one) {
+             one.options.max_iter = 3;
+             one.options.seed = 7;
+         },
+         "b.json: --max-iter is 3 instead of 1000; --seed is 7 instead of 11, as in a.json"},
+        {[](ComparisonEntry& one) { one.data = "another"; },
+         "b.json: other values or names of rows, as in a.json"},
+        {[](ComparisonEntry& one) { one.rows = 7; },
+         "b.json: number of rows is 7 instead of 1000, as in a.json"},
+    };
+    std::vector<ComparisonEntry> all = entries();
+    all[0].report = "a.json";
+    all[1].report = "b.json";
+    EXPECT_EQ(why_no_choice(all), "");
+    for (const auto& [change, why] : changes) {
+        std::vector<ComparisonEntry> changed = all;
+        change(changed[1]);
+        EXPECT_FALSE(choice_among(changed).has_value());
+        EXPECT_EQ(why_no_choice(changed), why);
+    }
+    // The ordinary one may come first.
+    std::vector<ComparisonEntry> changed = all;
+    changed[0].run.trials.reset();
+    EXPECT_FALSE(choice_among(changed).has_value());
+    EXPECT_EQ(why_no_choice(changed), "a.json: an ordinary run, without --choose-perplexity");
+    changed[1].run.trials.reset();
+    EXPECT_EQ(why_no_choice(changed), "");
+    EXPECT_EQ(why_no_choice({all[1]}), "b.json: one perplexity, and so nothing to choose from");
+    EXPECT_EQ(why_no_choice({}), "");
 }
 
 TEST(ChoiceTable, HasALinePerPerplexity) {

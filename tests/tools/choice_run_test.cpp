@@ -1,8 +1,8 @@
 #include "tools/choice_run.h"
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,6 +18,7 @@ namespace ovik::tool {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class ChoiceRun : public testing::Test {
   protected:
@@ -76,8 +77,30 @@ TEST_F(ChoiceRun, SaysWhereFitsCannotBeKept) {
     std::filesystem::create_directories(options_.out_dir);
     directory_.write("out/m_tsne_choice.runs", "in its place");
     testing::internal::CaptureStdout();
-    EXPECT_THROW(run_choice(load_matrix(options_), {}, {8.0}, options_, {}, {}), std::system_error);
-    testing::internal::GetCapturedStdout();
+    try {
+        run_choice(load_matrix(options_), {}, {8.0}, options_, {}, {});
+        ADD_FAILURE() << "fits were kept in a file";
+    } catch (const std::runtime_error& error) {
+        EXPECT_THAT(error.what(), StartsWith(kept_runs_path(options_) + ": fits cannot be kept"));
+        EXPECT_THAT(error.what(), HasSubstr("\nRemove what stands there"));
+    }
+    // No fit has begun.
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(ChoiceRun, RemovesWhatKilledOnesLeftOver) {
+    // The number is larger than any of a process.
+    const std::string left = ".ovik-99999999-1.part";
+    const std::string drawing = "out/.ovik-99999999-2.part";
+    std::filesystem::create_directories(kept_runs_path(options_));
+    std::filesystem::create_directories(directory_.file(drawing));
+    directory_.write("out/" + left, "left over");
+    directory_.write("out/m_tsne_choice.runs/" + left, "left over");
+    directory_.write(drawing + "/m_tsne_choice.svg", "left over");
+    choose({8.0});
+    EXPECT_FALSE(std::filesystem::exists(directory_.file("out/" + left)));
+    EXPECT_FALSE(std::filesystem::exists(kept_runs_path(options_) + "/" + left));
+    EXPECT_FALSE(std::filesystem::exists(directory_.file(drawing)));
 }
 
 TEST_F(ChoiceRun, FailsWhereAResultCannotBeWritten) {

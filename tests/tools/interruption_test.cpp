@@ -67,6 +67,27 @@ TEST_F(InterruptionDeathTest, AsksForTheResultsOnceThereAreSome) {
     }
 }
 
+TEST_F(InterruptionDeathTest, PromisesKeptFitsBeforeTheFirstHasEnded) {
+    EXPECT_EXIT(
+        {
+            watch_for_interruption();
+            promise_kept_fits();
+            std::raise(SIGINT);
+            if (goes_on()) {
+                std::_Exit(1);
+            }
+            for (;;) {
+                std::raise(SIGINT);
+                usleep(1000);
+            }
+        },
+        testing::ExitedWithCode(Interrupted),
+        "^\novik-tsne: interrupted: the fits that have ended are kept, and the same command goes "
+        "on "
+        "with them \\(a second signal stops it at once\\)\n"
+        "\novik-tsne: interrupted again: stopped at once; the fits that have ended are kept\n$");
+}
+
 TEST_F(InterruptionDeathTest, EndsAtOnceAtALaterSignal) {
     EXPECT_EXIT(
         {

@@ -1,15 +1,37 @@
 #include "tools/trust_options.h"
 
+#include <cmath>
 #include <cstddef>
 #include <functional>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "util/input_error.h"
 
 namespace ovik::tool {
 namespace {
+
+/// Rows each of which has a value in one column.
+std::vector<double> rows_of_one_column(std::size_t columns) {
+    std::vector<double> X(columns * columns, 0.0);
+    for (std::size_t n = 0; n < columns; ++n) {
+        X[n * columns + n] = 1.0;
+    }
+    return X;
+}
+
+/// @param X  as many columns as rows
+bool is_refused(const Options& options, const std::vector<double>& X) {
+    const auto side = static_cast<std::size_t>(std::sqrt(static_cast<double>(X.size())));
+    try {
+        check_drawn_rows(options, {X.data(), side, side});
+    } catch (const InputError&) {
+        return true;
+    }
+    return false;
+}
 
 TEST(CheckJudgedRows, RefusesFewRowsWhereSingleOnesAreAskedFor) {
     Options options;
@@ -91,23 +113,50 @@ TEST(CheckShuffledRows, RefusesRowsOfNoiseThatCannotBeCompared) {
     EXPECT_NO_THROW(check_shuffled_rows(options, {X.data(), 60, 2}));
     options.against_noise = 2;
     EXPECT_THROW(check_shuffled_rows(options, {X.data(), 60, 2}), InputError);
+    options.chooses_perplexity = true;
+    options.perplexities = {5.0};
+    try {
+        check_trust(options, {X.data(), 60, 2});
+        ADD_FAILURE() << "rows of noise were taken";
+    } catch (const InputError& error) {
+        EXPECT_THAT(error.what(),
+                    testing::StartsWith("--choose-perplexity also embeds matrices of shuffled "
+                                        "values, as noise has them, and --metric pearson cannot "));
+    }
     options.fit.metric = MetricKind::Euclidean;
     EXPECT_NO_THROW(check_shuffled_rows(options, {X.data(), 60, 2}));
+    EXPECT_NO_THROW(check_trust(options, {X.data(), 60, 2}));
 }
 
 TEST(CheckDrawnRows, RefusesRowsThatFewColumnsTellApart) {
     constexpr std::size_t kColumns = 30;
-    std::vector<double> X(kColumns * kColumns, 0.0);
-    for (std::size_t n = 0; n < kColumns; ++n) {
-        X[n * kColumns + n] = 1.0;
-    }
+    const std::vector<double> X = rows_of_one_column(kColumns);
     Options options;
     options.fit.metric = MetricKind::Cosine;
     EXPECT_NO_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}));
     options.stability = 1;
     EXPECT_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}), InputError);
+    options.chooses_perplexity = true;
+    EXPECT_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}), InputError);
     options.fit.metric = MetricKind::Euclidean;
     EXPECT_NO_THROW(check_drawn_rows(options, {X.data(), kColumns, kColumns}));
+}
+
+TEST(CheckDrawnRows, LooksAtTheDrawsOfEverySeedThatIsDrawnBy) {
+    // A draw of 5 columns has all of them once in 26 times: 100 draws miss some by one seed in 50.
+    const std::vector<double> X = rows_of_one_column(5);
+    Options options;
+    options.fit.metric = MetricKind::Cosine;
+    options.stability = 1;
+    while (is_refused(options, X)) {
+        ++options.fit.seed;
+    }
+    while (!is_refused(options, X)) {
+        ++options.seeds;
+    }
+    // A choice draws columns by its own seed alone.
+    options.chooses_perplexity = true;
+    EXPECT_FALSE(is_refused(options, X));
 }
 
 }  // namespace
