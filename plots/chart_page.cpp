@@ -177,9 +177,10 @@ void write_layout(JsonStream& json, const ChartLayout& layout) {
                  {"grid", written(layout.grid)}});
 }
 
-/// A number to as many digits as colours and words can show.
+/// A number to more digits than colours and words can show, so that chances and rates stay on their
+/// side of the bounds that the page compares them with.
 std::string json_rounded(double value) {
-    constexpr int kDigits = 4;
+    constexpr int kDigits = 6;
     char text[32];
     const auto [end, error] =
         std::to_chars(text, text + sizeof text, value, std::chars_format::general, kDigits);

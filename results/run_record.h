@@ -59,6 +59,9 @@ struct RecordedNoiseSummary {
     double least_rate = 1.0;
     /// About what share of rows does not do as noise, whichever they are.
     double signal = 0.0;
+    /// From how many matrices on rows could be told from noise; 0 if there were enough, or the rows
+    /// are as noise.
+    std::size_t needed = 0;
 };
 
 /// How the rows of a map compare with those of noise.
@@ -71,8 +74,6 @@ struct RecordedNoise {
     std::size_t groups = 0;
     /// The least chance that a row could have.
     double least_chance = 1.0;
-    /// From how many matrices on rows could be told from noise; 0 if there were enough.
-    std::size_t needed = 0;
     RecordedNoiseSummary kept;
     RecordedNoiseSummary misfit;
 };

@@ -141,15 +141,17 @@ std::string json_noise_summary(const RecordedNoiseSummary& summary) {
     return json_object({{"better", json_text(summary.better)},
                         {"told", json_text(summary.told)},
                         {"least_rate", json_text(summary.least_rate)},
-                        {"signal", json_text(summary.signal)}});
+                        {"signal", json_text(summary.signal)},
+                        {"needed", json_text(summary.needed)}});
 }
 
-std::string json_noise(const RecordedNoise& noise) {
+/// @param duplicate_rows  rows that are told from noise because they are copies
+std::string json_noise(const RecordedNoise& noise, std::size_t duplicate_rows) {
     return json_object({{"matrices", json_text(noise.matrices)},
                         {"neighbours", json_text(noise.neighbours)},
                         {"groups", json_text(noise.groups)},
                         {"least_chance", json_text(noise.least_chance)},
-                        {"needed", json_text(noise.needed)},
+                        {"duplicate_rows", json_text(duplicate_rows)},
                         {"kept", json_noise_summary(noise.kept)},
                         {"misfit", json_noise_summary(noise.misfit)}});
 }
@@ -177,7 +179,10 @@ std::string json_stability(const RecordedStability& stability) {
     return json_object(members);
 }
 
-std::string json_run(const RunRecord& run, const std::filesystem::path& directory) {
+/// @param duplicate_rows  of the matrix
+std::string json_run(const RunRecord& run,
+                     std::size_t duplicate_rows,
+                     const std::filesystem::path& directory) {
     std::vector<std::pair<std::string, std::string>> members{
         {"perplexity", json_text(run.perplexity)},
         {"last_iteration", json_text(run.iteration)},
@@ -207,7 +212,7 @@ std::string json_run(const RunRecord& run, const std::filesystem::path& director
         members.emplace_back("trials", json_trials(*run.trials));
     }
     if (run.noise) {
-        members.emplace_back("noise", json_noise(*run.noise));
+        members.emplace_back("noise", json_noise(*run.noise, duplicate_rows));
     }
     if (run.stability) {
         members.emplace_back("stability", json_stability(*run.stability));
@@ -243,7 +248,7 @@ std::string report_json(const RunReport& report, const std::string& path) {
     const std::filesystem::path directory = std::filesystem::absolute(path).parent_path();
     std::vector<std::string> runs;
     for (const RunRecord& run : report.runs) {
-        runs.push_back(json_run(run, directory));
+        runs.push_back(json_run(run, report.duplicate_rows, directory));
     }
     std::vector<std::pair<std::string, std::string>> members = {
         {"report", json_text(kReportVersion)},

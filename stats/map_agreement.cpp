@@ -96,18 +96,21 @@ MapAgreement map_agreement(MatrixView<const double> A,
     return mean_agreement(maps, neighbours);
 }
 
-std::vector<double> shared_neighbours(MatrixView<const double> A,
-                                      MatrixView<const double> B,
-                                      std::size_t neighbours) {
-    const MatrixView<const double> maps[] = {A, B};
+MapNeighbours::MapNeighbours(MatrixView<const double> map, std::size_t neighbours) : map_(map) {
+    const MatrixView<const double> maps[] = {map, map};
     check_maps(maps, neighbours);
-    const std::size_t count = std::min(neighbours, A.rows - 1);
-    const std::vector<std::uint32_t> of_A = nearest_rows(A, count);
-    const std::vector<std::uint32_t> of_B = nearest_rows(B, count);
+    count_ = std::min(neighbours, map.rows - 1);
+    nearest_ = nearest_rows(map, count_);
+}
+
+std::vector<double> MapNeighbours::sharedWith(MatrixView<const double> other) const {
+    const MatrixView<const double> maps[] = {map_, other};
+    check_maps(maps, count_);
+    const std::vector<std::uint32_t> of_other = nearest_rows(other, count_);
     std::vector<double> shared;
-    for (std::size_t begin = 0; begin < of_A.size(); begin += count) {
-        shared.push_back(static_cast<double>(shared_of_row(of_A, of_B, begin, count)) /
-                         static_cast<double>(count));
+    for (std::size_t begin = 0; begin < nearest_.size(); begin += count_) {
+        shared.push_back(static_cast<double>(shared_of_row(nearest_, of_other, begin, count_)) /
+                         static_cast<double>(count_));
     }
     return shared;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -39,10 +40,24 @@ OVIK_API MapAgreement map_agreement(MatrixView<const double> A,
                                     MatrixView<const double> B,
                                     std::size_t neighbours = 10);
 
-/// The share of nearest neighbours that each row has in both maps: what `map_agreement` averages.
-std::vector<double> shared_neighbours(MatrixView<const double> A,
-                                      MatrixView<const double> B,
-                                      std::size_t neighbours = 10);
+/// The nearest neighbours of the rows of a map, found once to be compared with those on others.
+class MapNeighbours {
+  public:
+    /// @param map, neighbours  as of `map_agreement`; the map is not copied
+    /// @throws InputError as `map_agreement`
+    explicit MapNeighbours(MatrixView<const double> map, std::size_t neighbours = 10);
+
+    /// The share of nearest neighbours that each row has in both maps: what `map_agreement`
+    /// averages.
+    ///
+    /// @throws InputError as `map_agreement`
+    [[nodiscard]] std::vector<double> sharedWith(MatrixView<const double> other) const;
+
+  private:
+    MatrixView<const double> map_;
+    std::size_t count_ = 0;
+    std::vector<std::uint32_t> nearest_;
+};
 
 /// The same averaged over all pairs of several maps.
 ///

@@ -104,11 +104,12 @@ RowStability row_stability(MatrixView<const double> map,
                            std::span<const std::vector<double>> others,
                            std::size_t neighbours) {
     RowStability stability{std::vector<double>(map.rows, 0.0), std::vector<double>(map.rows, 0.0)};
+    const MapNeighbours own(map, neighbours);
     for (const std::vector<double>& other : others) {
         std::vector<double> moved = other;
         const ProcrustesMove move = procrustes_move(map, view_of(other, map));
         move.apply({moved.data(), map.rows, map.columns});
-        const std::vector<double> shared = shared_neighbours(map, view_of(other, map), neighbours);
+        const std::vector<double> shared = own.sharedWith(view_of(other, map));
         for (std::size_t n = 0; n < map.rows; ++n) {
             stability.spread[n] += squared_distance(map.row(n), view_of(moved, map).row(n));
             stability.shared[n] += shared[n];

@@ -164,7 +164,7 @@ std::size_t noise_fits_needed(const NoiseComparison& comparison,
                               const NoiseSummary& summary,
                               std::size_t rows) {
     const double threshold = kNoiseLevel * summary.better;
-    if (summary.better == 0.0 || comparison.least_chance <= threshold) {
+    if (summary.better == 0.0 || summary.told > 0.0 || comparison.least_chance <= threshold) {
         return 0;
     }
     // As many in a group give chances of no more than the threshold; groups of so few are never

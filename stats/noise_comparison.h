@@ -87,7 +87,8 @@ OVIK_API NoiseSummary summary_of(const NoiseChances& chances);
 /// as were seen.
 ///
 /// @param rows  of the matrix
-/// @return 0 if there were enough, or no row is better than noise
+/// @return 0 if there were enough, as where rows are told from noise, or no row is better than
+/// noise
 OVIK_API std::size_t noise_fits_needed(const NoiseComparison& comparison,
                                        const NoiseSummary& summary,
                                        std::size_t rows);

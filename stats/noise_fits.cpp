@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string>
 #include <utility>
 
 #include "stats/fit.h"
@@ -72,6 +73,13 @@ RowFits fit_shuffled(MatrixView<const double> X,
     hooks.wants_row_costs = true;
     hooks.on_stage = on_stage;
     Fit made = fit(noise, options, hooks);
+    if (!made.report.reached.finite) {
+        throw InputError(
+            "a map of shuffled values got out of range at iteration " +
+            std::to_string(made.report.reached.iteration) +
+            "\nBring the values of the matrix to a common scale, or leave the comparison with "
+            "noise out.");
+    }
     fits.misfit = std::move(made.report.row_misfits);
     const MatrixView<const double> map{
         made.embedding.data(), X.rows, static_cast<std::size_t>(options.out_dims)};

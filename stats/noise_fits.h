@@ -44,7 +44,8 @@ OVIK_API void check_shuffles(MatrixView<const double> X,
 /// @param number   of the noise matrix, from 0: the shuffle follows from the seed of the options
 /// and this alone (`shuffle_columns`)
 /// @return none if it was ended by `goes_on`
-/// @throws what `fit` throws; InputError if the metric cannot compare a shuffled row
+/// @throws what `fit` throws; InputError if the metric cannot compare a shuffled row, or the map is
+/// not finite
 OVIK_API std::optional<RowFits> noise_fit(MatrixView<const double> X,
                                           const FitOptions& options,
                                           std::size_t number,

@@ -1,13 +1,23 @@
 #include "stats/noise_record.h"
 
-#include <algorithm>
+#include "stats/perplexity_choice.h"
 
 namespace ovik {
 
 namespace {
 
-RecordedNoiseSummary recorded(const NoiseSummary& summary) {
-    return {summary.better, summary.told, summary.least_rate, summary.signal};
+RecordedNoiseSummary recorded(const NoiseChances& chances,
+                              const NoiseComparison& comparison,
+                              std::size_t matrices,
+                              std::size_t rows) {
+    const NoiseSummary summary = summary_of(chances);
+    // In noise no number of matrices would tell a row from it.
+    const bool is_as_noise = summary.better <= largest_share_of_noise(rows, matrices);
+    return {summary.better,
+            summary.told,
+            summary.least_rate,
+            summary.signal,
+            is_as_noise ? 0 : noise_fits_needed(comparison, summary, rows)};
 }
 
 }  // namespace
@@ -16,16 +26,12 @@ RecordedNoise recorded_noise(const NoiseComparison& comparison,
                              std::size_t matrices,
                              std::size_t neighbours,
                              std::size_t rows) {
-    const NoiseSummary kept = summary_of(comparison.kept);
-    const NoiseSummary misfit = summary_of(comparison.misfit);
     return {matrices,
             neighbours,
             comparison.groups,
             comparison.least_chance,
-            std::max(noise_fits_needed(comparison, kept, rows),
-                     noise_fits_needed(comparison, misfit, rows)),
-            recorded(kept),
-            recorded(misfit)};
+            recorded(comparison.kept, comparison, matrices, rows),
+            recorded(comparison.misfit, comparison, matrices, rows)};
 }
 
 }  // namespace ovik

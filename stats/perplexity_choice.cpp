@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "util/counted.h"
 #include "util/format.h"
 #include "util/rounded.h"
 
@@ -141,9 +142,19 @@ PerplexityChoice choose_perplexity(Outcomes outcomes) {
                 points_text(least.lag) + " in " + least.in + "; " + shares + "."};
 }
 
+std::string sentence_of_copies(std::size_t duplicate_rows) {
+    if (duplicate_rows == 0) {
+        return "";
+    }
+    return " But " + counted(duplicate_rows, "row holds", "rows hold") +
+           " the same values as an earlier one: copies stay together on a map, which shuffled "
+           "values do not, so that they count as better than noise, stable and kept because they "
+           "are copies. Leave copies out before a perplexity is chosen.";
+}
+
 double largest_share_of_noise(std::size_t rows, std::size_t matrices) {
     constexpr double kShare = 0.05;
-    constexpr double kDesignEffect = 1.8;
+    constexpr double kDesignEffect = 5.2;
     constexpr double kDeviations = 3.0;
     const auto n = static_cast<double>(rows);
     const double variance = kDesignEffect * kShare * (1.0 - kShare) *

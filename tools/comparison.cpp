@@ -166,13 +166,13 @@ RecordedNoise noise_of(const Json& json) {
         return RecordedNoiseSummary{summary.at("better").get<double>(),
                                     summary.at("told").get<double>(),
                                     summary.at("least_rate").get<double>(),
-                                    summary.at("signal").get<double>()};
+                                    summary.at("signal").get<double>(),
+                                    summary.at("needed").get<std::size_t>()};
     };
     return {json.at("matrices").get<std::size_t>(),
             json.at("neighbours").get<std::size_t>(),
             json.at("groups").get<std::size_t>(),
             json.at("least_chance").get<double>(),
-            json.at("needed").get<std::size_t>(),
             summary_of(json.at("kept")),
             summary_of(json.at("misfit"))};
 }
@@ -293,6 +293,7 @@ std::vector<ComparisonEntry> entries_of(const std::string& path) {
                                data_of(report),
                                {},
                                directory,
+                               input.value("duplicate_rows", std::size_t{0}),
                                path});
             entries.back().map = map_of(entries.back());
         }
@@ -310,6 +311,9 @@ std::optional<ChosenPerplexity> tell_choice(const Options& options,
     std::optional<PerplexityChoice> choice = choice_among(entries);
     if (!choice) {
         return std::nullopt;
+    }
+    if (entries.front().run.noise) {
+        choice->sentence += sentence_of_copies(entries.front().duplicate_rows);
     }
     std::vector<ResultFile> files = write_choice(options, entries, *choice);
     print_info(choice->sentence);

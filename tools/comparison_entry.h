@@ -25,6 +25,8 @@ struct ComparisonEntry {
     RunMap map;
     /// What relative paths of the run's files start from.
     std::filesystem::path directory;
+    /// How many rows hold the same values as an earlier one.
+    std::size_t duplicate_rows = 0;
     /// Path of the report that tells of it; empty if it has just ended.
     std::string report = {};
 };

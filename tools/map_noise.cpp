@@ -1,10 +1,10 @@
 #include "tools/map_noise.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
 
+#include "input/duplicate_rows.h"
 #include "stats/noise_fits.h"
 #include "stats/noise_record.h"
 #include "stats/row_reliability.h"
@@ -40,6 +40,26 @@ std::string told_text(const std::string& by,
            " of the rows not as noise, whichever they are";
 }
 
+/// Says by how many matrices rows could be told from noise, if these were too few.
+void note_matrices(const std::string& by, const RecordedNoiseSummary& summary) {
+    if (summary.needed > 0) {
+        complain("note: too few matrices of noise to tell single rows from it by " + by +
+                 ", where about " + percent_text(summary.better) +
+                 " are better: it takes --against-noise " + std::to_string(summary.needed));
+    }
+}
+
+/// Says that copies of rows are no signal, if there are any.
+void note_copies(MatrixView<const double> X) {
+    const std::size_t copies = count_duplicate_rows(X.values, X.rows, X.columns);
+    if (copies > 0) {
+        complain("note: " + counted(copies, "row holds", "rows hold") +
+                 " the same values as an earlier one, and shuffling parts them: copies are told "
+                 "from noise because they are copies\nLeave copies out, or read the shares without "
+                 "them.");
+    }
+}
+
 }  // namespace
 
 std::optional<RecordedNoise> compare_with_noise(const Options& options,
@@ -64,11 +84,9 @@ std::optional<RecordedNoise> compare_with_noise(const Options& options,
     const RecordedNoise noise = recorded_noise(comparison, matrices, quality.neighbours, X.rows);
     print_info(told_text("kept neighbours", kept, comparison, X.rows));
     print_info(told_text("misfit", misfit, comparison, X.rows));
-    if (noise.needed > 0) {
-        complain("note: too few matrices of noise to tell single rows from it, where about " +
-                 percent_text(std::max(kept.better, misfit.better)) +
-                 " are better: it takes --against-noise " + std::to_string(noise.needed));
-    }
+    note_matrices("kept neighbours", noise.kept);
+    note_matrices("misfit", noise.misfit);
+    note_copies(X);
     return noise;
 }
 

@@ -139,7 +139,8 @@ std::vector<ComparisonEntry> entries_of_runs(const Options& options,
                            run,
                            "",
                            {rows, static_cast<std::size_t>(options.fit.out_dims), run.places},
-                           std::filesystem::current_path()});
+                           std::filesystem::current_path(),
+                           report.duplicate_rows});
     }
     return entries;
 }

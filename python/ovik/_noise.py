@@ -58,7 +58,7 @@ def against_noise(tsne: TSNE, X: ArrayLike | Matrix, count: int = 5) -> AgainstN
     Raises
     ------
     ValueError
-        If X is of another shape than that of the fit, or the fit one that noise cannot be compared with.
+        If X is not that of the fit, or the fit one that noise cannot be compared with.
     KeyboardInterrupt
         On Ctrl-C.
     """
@@ -67,7 +67,7 @@ def against_noise(tsne: TSNE, X: ArrayLike | Matrix, count: int = 5) -> AgainstN
     require_other_maps(tsne, options)
     if not hasattr(tsne, "reliability_"):
         raise ValueError("the fit does not tell of single rows\nFit one with reliability=True.")
-    if tsne.seeds > 1:
+    if tsne._fitted_seeds > 1:
         raise ValueError(
             "the best embedding of several seeds would be compared with single ones of noise\n"
             "Fit one of a single seed."

@@ -8,7 +8,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core
-from ._input import as_input, check_finite, columns_as_fitted
+from ._input import as_input, check_finite, columns_as_fitted, digest_of
 from ._matrix import Matrix
 from ._output import require_fitted
 from ._settings import FEWEST_JUDGED_ROWS, thread_count, whole_number
@@ -78,8 +78,7 @@ def stability(
     Raises
     ------
     ValueError
-        If X is of another shape than that of the fit, or the fit one that other columns or seeds
-        would not change.
+        If X is not that of the fit, or the fit one that other columns or seeds would not change.
     KeyboardInterrupt
         On Ctrl-C.
     """
@@ -111,7 +110,7 @@ def require_other_maps(tsne: TSNE, options: dict[str, Any]) -> None:
     """Refuse a fit beside which others cannot be made of other values."""
     for hindrance, what in (
         (options["metric"] == "precomputed", "precomputed distances have no columns"),
-        (tsne.neighbour_graph is not None, "neighbour_graph gives the neighbours, whatever the columns"),
+        (tsne._fitted_by_graph, "neighbour_graph gives the neighbours, whatever the columns"),
         (options["init"] == "given", "init gives every embedding the same start"),
     ):
         if hindrance:
@@ -125,6 +124,8 @@ def values_of_fit(tsne: TSNE, X: ArrayLike | Matrix) -> NDArray[np.float64]:
     check_finite(values)
     if len(values) != len(tsne.embedding_):
         raise ValueError(f"X has {len(values)} rows, and the fit had {len(tsne.embedding_)}\nGive the X of the fit.")
+    if digest_of(values) != tsne._fitted_digest:
+        raise ValueError("X holds other values than that of the fit, or in another order\nGive the X of the fit.")
     return values
 
 

@@ -18,6 +18,7 @@ from ._input import (
     check_finite,
     check_perplexity,
     columns_as_fitted,
+    digest_of,
     refuse_sparse_distances,
 )
 from ._matrix import Matrix
@@ -149,6 +150,9 @@ class TSNE(FitParameters):
     _sklearn_output_config: dict[str, Container]
     _caption: list[tuple[str, str]]
     _fitted_options: dict[str, Any]
+    _fitted_digest: bytes
+    _fitted_seeds: int
+    _fitted_by_graph: bool
     _map: dict[str, Any]
 
     embedding_: NDArray[np.float64]
@@ -351,9 +355,13 @@ class TSNE(FitParameters):
             check_perplexity(options["perplexity"], n_samples)
         if self.verbose:
             sys.stdout.flush()
+        digest = digest_of(given.values)
         outcome = _core.embed(given.values, options, manner)
         # Warnings come last: where they are errors, the embedding is not lost.
         self._take_over(given, options, outcome)
+        self._fitted_digest = digest
+        self._fitted_seeds = manner["seeds"]
+        self._fitted_by_graph = manner["neighbours"] is not None
         for note in (outcome["note"], outcome["neighbours_note"], outcome["start_note"]):
             if note:
                 warnings.warn(note, stacklevel=3)

@@ -53,7 +53,10 @@ test('the choice is a chart that is linked to the maps, by pointer and keyboard'
 
   await choice.getByRole('button', { name: /^Perplexity 12/ }).press('Enter');
   assert.equal(await markedOf(page), 2);
-  assert.match(await choice.locator('[aria-live]').textContent(), /^Perplexity 12: better than noise .* %, stability .* %, kept neighbours .* %\.$/);
+  const announced = choice.locator('[aria-live]');
+  const said = await announced.textContent();
+  assert.match(said, /^Perplexity 12: better than noise .* %, stability .* %, kept neighbours .* %\.$/);
+  assert.equal(await choice.locator('.counts').textContent(), said);
 
   await choice.locator('.choice-frame').hover({ position: { x: 45, y: 100 } });
   assert.equal(await markedOf(page), 0);
@@ -61,6 +64,9 @@ test('the choice is a chart that is linked to the maps, by pointer and keyboard'
 
   await page.locator('.run').nth(1).hover();
   assert.equal(await choice.locator('[aria-pressed="true"]').textContent(), '6');
+  assert.match(await choice.locator('.counts').textContent(), /^Perplexity 6: /);
+  // Only what is pressed is read out.
+  assert.equal(await announced.textContent(), said);
   await assertSound(page);
   await page.locator('#theme').click();
   await assertSound(page);

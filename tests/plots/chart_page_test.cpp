@@ -130,11 +130,17 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     trust.kept.pop_back();
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
     RowReliability rows{
-        {{"cost", "<b>", {1.0 / 3.0, 2e-7, std::nan("")}}}, 1, 2, {{2}, {}, {0, 1}}, {{}, {}, {}}};
+        {{"cost", "<b>", {1.0 / 3.0, 2e-7, std::nan("")}}, {"q", "", {0.05000193, 0.5, 1.0}}},
+        1,
+        2,
+        {{2}, {}, {0, 1}},
+        {{}, {}, {}}};
     trust.rows = std::make_shared<RowReliability>(rows);
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["reliability"],
               json::parse(R"({"columns": [{"name": "cost", "title": "<b>",
-                                           "values": [0.3333, 2e-7, null]}],
+                                           "values": [0.333333, 2e-7, null]},
+                                          {"name": "q", "title": "",
+                                           "values": [0.0500019, 0.5, 1.0]}],
                               "near": 1, "far": 2, "falselyNear": [[2], [], [0, 1]],
                               "torn": [[], [], []]})"));
     rows.torn.pop_back();
@@ -158,7 +164,7 @@ TEST(ChartPageData, HasHowFarTheMapStaysOnOthers) {
     EXPECT_EQ(data_of(chart_page(chart))["quality"]["stability"],
               json::parse(R"({"seeds": 5, "draws": 4, "neighbours": 10,
                               "columns": [{"name": "spread_seeds", "title": "<b>",
-                                           "values": [0.1235, null]}],
+                                           "values": [0.123456, null]}],
                               "pairs": [[1, 3, 0.95, 1, null, false]]})"));
     chart.x.push_back(3.0);
     chart.y.push_back(3.0);

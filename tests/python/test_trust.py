@@ -87,6 +87,32 @@ def test_stability_refuses_what_would_not_change(points):
         ovik.stability(ovik.TSNE(**SMALL), points)
 
 
+def test_only_the_matrix_of_the_fit_is_taken(points):
+    tsne = ovik.TSNE(**SMALL, reliability=True).fit(points)
+    assert ovik.stability(tsne, points.tolist(), 1).pairs == []
+    for other in (points + 1, points[::-1], points[:, ::-1]):
+        with pytest.raises(ValueError, match="X holds other values than that of the fit"):
+            ovik.stability(tsne, other, 1)
+        with pytest.raises(ValueError, match="X holds other values than that of the fit"):
+            ovik.against_noise(tsne, other, 1)
+
+
+def test_parameters_count_as_they_were_at_the_fit(points):
+    tsne = ovik.TSNE(**SMALL, seeds=2, reliability=True).fit(points)
+    tsne.set_params(seeds=1)
+    with pytest.raises(ValueError, match="several seeds"):
+        ovik.against_noise(tsne, points, 1)
+    tsne.fit(points).set_params(seeds=2, neighbour_graph="none.mtx")
+    assert len(ovik.against_noise(tsne, points, 1).p_kept) == len(points)
+    assert ovik.stability(tsne, points, 1).pairs == []
+    distances = np.linalg.norm(points[:, None] - points[None], axis=2)
+    nearest = distances.argsort(axis=1, kind="stable")[:, 1:31]
+    graph = (np.take_along_axis(distances, nearest, 1).ravel(), nearest.ravel(), np.arange(0, 2701, 30))
+    by_graph = ovik.TSNE(**SMALL, neighbour_graph=graph).fit(points).set_params(neighbour_graph=None)
+    with pytest.raises(ValueError, match="neighbour_graph gives the neighbours"):
+        ovik.stability(by_graph, points, 1)
+
+
 def test_against_noise_is_the_commands(time_courses, embed_by_command, tmp_path):
     report = tmp_path / "report.json"
     embed_by_command(time_courses, "-i", "30", "--against-noise", "2", "--json", report)

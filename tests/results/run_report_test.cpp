@@ -48,6 +48,19 @@ RunReport full_report() {
     return report;
 }
 
+TEST(RunReport, TellsOfNoiseHowManyRowsAreCopiesAndWhatEachStatisticNeeds) {
+    RunReport report = full_report();
+    RecordedNoise noise;
+    noise.matrices = 5;
+    noise.kept = {0.5, 0.25, 0.01, 0.75, 0};
+    noise.misfit = {0.25, 0.0, 0.5, 0.25, 7};
+    report.runs.front().noise = noise;
+    const json told = json::parse(report_json(report, "/results/report.json"))["runs"][0]["noise"];
+    EXPECT_EQ(told["duplicate_rows"], 5);
+    EXPECT_EQ(told["kept"]["needed"], 0);
+    EXPECT_EQ(told["misfit"]["needed"], 7);
+}
+
 TEST(RunReport, IsOneLineOfJson) {
     EXPECT_EQ(
         report_json(full_report(), "/results/report.json"),

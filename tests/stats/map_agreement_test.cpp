@@ -67,6 +67,23 @@ TEST(MapAgreement, OfSeveralDimensionsCountsTheNeighboursOfThePlainProgram) {
     EXPECT_EQ(agreement(A, B, 5, 7).shared_neighbours, plain::shared_neighbours(A, B, 5, 7));
 }
 
+TEST(MapNeighbours, AreComparedWithThoseOnManyMaps) {
+    const Map A = test::random_values(400, 2);
+    const MapNeighbours own(view(A, 2), 7);
+    for (const double noise : {0.01, 0.3, 3.0}) {
+        const Map B = disturbed(A, noise);
+        const std::vector<double> shared = own.sharedWith(view(B, 2));
+        double sum = 0.0;
+        for (const double share : shared) {
+            sum += share;
+        }
+        EXPECT_EQ(shared.size(), 200U);
+        EXPECT_NEAR(sum / 200.0, agreement(A, B, 2, 7).shared_neighbours, 1e-13) << noise;
+    }
+    EXPECT_THROW(static_cast<void>(own.sharedWith(view(A, 5))), InputError);
+    EXPECT_THROW(MapNeighbours(view(A, 2), 0), InputError);
+}
+
 TEST(MapAgreement, IsFullOfMapsThatAreMovedTurnedMirroredAndScaled) {
     for (const std::size_t dims : {2U, 3U, 5U}) {
         const Map A = test::random_values(dims * 200, 3);

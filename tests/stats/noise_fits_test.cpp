@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <random>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -143,6 +144,19 @@ TEST(NoiseFits, OfRowsThatAMetricCannotCompareAreRefused) {
     EXPECT_THROW(noise_fits({X.data(), 60, 2}, options, 2, {.neighbours = 10}), InputError);
     options.metric = MetricKind::Euclidean;
     EXPECT_NO_THROW(check_shuffles({X.data(), 60, 2}, options, 1));
+}
+
+TEST(NoiseFits, OfMapsThatAreNotFiniteAreRefused) {
+    const std::vector<double> X = test::random_values(60 * 3, 9);
+    FitOptions options = options_of(5.0, 20);
+    options.learning_rate = 1e308;
+    const MatrixView<const double> view{X.data(), 60, 3};
+    try {
+        noise_fit(view, options, 0, {.neighbours = 10});
+        FAIL();
+    } catch (const InputError& error) {
+        EXPECT_EQ(std::string(error.what()).find("a map of shuffled values got out of range"), 0U);
+    }
 }
 
 double share_at_most(const std::vector<double>& values, double bound) {

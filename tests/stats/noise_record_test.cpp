@@ -1,5 +1,8 @@
 #include "stats/noise_record.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 namespace ovik {
@@ -22,7 +25,30 @@ TEST(RecordedNoise, HasWhatTheComparisonSays) {
     EXPECT_EQ(noise.misfit.better, 0.25);
     EXPECT_EQ(noise.misfit.told, 0.0);
     EXPECT_EQ(noise.misfit.least_rate, 0.08);
-    EXPECT_EQ(noise.needed, noise_fits_needed(comparison, summary_of(comparison.misfit), 4));
+}
+
+/// Chances of 1000 rows, of which some are as low as they can be in a comparison with too few.
+NoiseChances chances_with(std::size_t low, double rate) {
+    NoiseChances chances{std::vector<double>(1000, 0.9), std::vector<double>(1000, 0.9)};
+    std::fill_n(chances.p.begin(), low, 0.04);
+    std::fill_n(chances.q.begin(), low, rate);
+    return chances;
+}
+
+TEST(RecordedNoise, NeedsMoreMatricesOnlyWhereRowsAreBetterThanNoiseAndNoneIsTold) {
+    NoiseComparison comparison;
+    comparison.groups = 5;
+    comparison.least_chance = 0.04;
+    comparison.kept = chances_with(300, 0.1);
+    comparison.misfit = chances_with(60, 0.1);
+    const RecordedNoise noise = recorded_noise(comparison, 1, 30, 1000);
+    EXPECT_EQ(noise.kept.needed, noise_fits_needed(comparison, summary_of(comparison.kept), 1000));
+    EXPECT_GT(noise.kept.needed, 0U);
+    // Noise reaches 6 % by chance, and more of it would lead nowhere.
+    EXPECT_GT(noise_fits_needed(comparison, summary_of(comparison.misfit), 1000), 0U);
+    EXPECT_EQ(noise.misfit.needed, 0U);
+    comparison.misfit = chances_with(300, 0.05);
+    EXPECT_EQ(recorded_noise(comparison, 1, 30, 1000).misfit.needed, 0U);
 }
 
 }  // namespace

@@ -217,6 +217,26 @@ TEST_F(CollectReports, MakesAPageOfRunsByTheirPerplexity) {
     EXPECT_THAT(page, Not(HasSubstr("a.html")));
 }
 
+TEST_F(CollectReports, SaysOfAChoiceThatCopiesAreNoSignal) {
+    const auto judged = [this](const std::string& name, const std::string& perplexity) {
+        return directory_.write(name,
+                                R"({"input": {"rows": 600, "columns": 7, "duplicate_rows": 300},
+                "options": {"title": "Yeast"}, "runs": [{"perplexity": )" +
+                                    perplexity +
+                                    R"(, "last_iteration": 20, "final_cost": 0.5, "quality": [],
+                "noise": {"matrices": 5, "neighbours": 30, "groups": 5, "least_chance": 0.001,
+                "kept": {"better": 0.5, "told": 0.5, "least_rate": 0.01, "signal": 0.5,
+                "needed": 0}, "misfit": {"better": 0.5, "told": 0.0, "least_rate": 0.1,
+                "signal": 0.5, "needed": 9}},
+                "trials": {"seeds": 2, "columns": 0, "neighbours": 10, "shared_by_seeds": 0.5,
+                "shared_by_columns": null, "spread_by_seeds": 0.1, "spread_by_columns": null},
+                "files": []}]})");
+    };
+    EXPECT_EQ(collect({judged("a.json", "5"), judged("b.json", "30")}), Success);
+    EXPECT_THAT(test::read_file(page_),
+                HasSubstr("But 300 rows hold the same values as an earlier one"));
+}
+
 TEST_F(CollectReports, TakesTheMapsOfTheResultTables) {
     const auto table_of = [this](const std::string& name, const std::string& places) {
         directory_.write(name + ".csv",

@@ -1,5 +1,6 @@
 #include "tools/map_noise.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -24,20 +25,23 @@ class MapNoise : public testing::Test {
         options_.fit.max_iter = 10;
     }
 
-    /// @param kept, misfit  of each row
-    std::optional<RecordedNoise> compare(double kept, double misfit) {
-        rows_ = row_reliability({}, {}, std::vector<double>(kRows, misfit));
-        const NeighbourhoodQuality quality{10, 0.5, 0.5, std::vector<double>(kRows, kept)};
+    /// @param kept    of the first `count` rows; others keep nothing
+    /// @param misfit  of each row
+    std::optional<RecordedNoise> compare(double kept, double misfit, std::size_t count = kRows) {
+        rows_ = row_reliability({}, {}, std::vector<double>(row_count_, misfit));
+        NeighbourhoodQuality quality{10, 0.5, 0.5, std::vector<double>(row_count_, 0.0)};
+        std::fill_n(quality.kept.begin(), std::min(count, row_count_), kept);
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
         const auto noise =
-            compare_with_noise(options_, options_.fit, {X_.data(), kRows, 3}, quality, rows_);
+            compare_with_noise(options_, options_.fit, {X_.data(), row_count_, 3}, quality, rows_);
         out_ = testing::internal::GetCapturedStdout();
         err_ = testing::internal::GetCapturedStderr();
         return noise;
     }
 
     std::vector<double> X_ = test::random_values(kRows * 3, 4);
+    std::size_t row_count_ = kRows;
     Options options_;
     RowReliability rows_;
     std::string out_;
@@ -53,7 +57,7 @@ TEST_F(MapNoise, AddsTheChancesAndSaysWhatCameOfThem) {
     EXPECT_EQ(noise->matrices, 2U);
     EXPECT_EQ(noise->neighbours, 10U);
     EXPECT_EQ(noise->groups, 1U);
-    EXPECT_EQ(noise->needed, 0U);
+    EXPECT_EQ(noise->kept.needed, 0U);
     EXPECT_EQ(noise->kept.told, 1.0);
     EXPECT_EQ(noise->misfit.better, 1.0);
     EXPECT_DOUBLE_EQ((*column_of(rows_, "p_kept"))[7], 1.0 / 121.0);
@@ -69,7 +73,33 @@ TEST_F(MapNoise, SaysWhereNoRowIsToldFromNoise) {
                           "least rate 1, about 0.0 % of the rows not as noise, whichever they "
                           "are\n"));
     EXPECT_EQ(noise->kept.told, 0.0);
-    EXPECT_EQ(noise->needed, 0U);
+    EXPECT_EQ(noise->kept.needed, 0U);
+    EXPECT_EQ(noise->misfit.needed, 0U);
+    EXPECT_EQ(err_, "");
+}
+
+TEST_F(MapNoise, SaysByWhichStatisticThereAreTooFewMatrices) {
+    options_.against_noise = 1;
+    row_count_ = 40;
+    const auto noise = compare(1.1, 100.0, 18);
+    EXPECT_EQ(noise->kept.told, 0.0);
+    EXPECT_EQ(noise->kept.better, 0.45);
+    EXPECT_EQ(noise->kept.needed, 2U);
+    EXPECT_EQ(noise->misfit.needed, 0U);
+    EXPECT_EQ(err_,
+              "ovik-tsne: note: too few matrices of noise to tell single rows from it by kept "
+              "neighbours, "
+              "where about 45.0 % are better: it takes --against-noise 2\n");
+}
+
+TEST_F(MapNoise, SaysThatCopiesAreToldFromNoiseBecauseTheyAreCopies) {
+    std::copy_n(X_.begin(), 3 * 2, X_.begin() + 3 * 30);
+    compare(0.0, 100.0);
+    EXPECT_EQ(
+        err_,
+        "ovik-tsne: note: 2 rows hold the same values as an earlier one, and shuffling parts them: "
+        "copies are told from noise because they are copies\nLeave copies out, or read the "
+        "shares without them.\n");
 }
 
 }  // namespace

@@ -78,17 +78,23 @@ function legendOf({ curves, ofNoise }) {
  */
 export function showChoice(section, { choice }, store, cards) {
   const frame = el('div', { class: 'choice-frame' });
-  const sentence = el('p', { class: 'counts', 'aria-live': 'polite' });
+  const sentence = el('p', { class: 'counts' });
+  // What is pointed at or focused changes the sentence, too, and would be read out again and again.
+  const announced = el('p', { class: 'announced', 'aria-live': 'polite' });
   const go = (run) => {
     store.set({ run });
     cards[run].scrollIntoView({ block: 'nearest' });
   };
-  const buttons = choice.perplexities.map((perplexity, run) => button(String(perplexity), () => go(run), {
+  const announce = (run) => {
+    go(run);
+    announced.textContent = sentenceOf(choice, run);
+  };
+  const buttons = choice.perplexities.map((perplexity, run) => button(String(perplexity), () => announce(run), {
     'aria-label': `Perplexity ${perplexity}${choice.recommended === run ? ', recommended' : ''}: mark its map`,
     class: choice.recommended === run ? 'recommended' : undefined,
   }));
   section.querySelector('.choice-chart').append(legendOf(choice), frame,
-    el('div', { class: 'group choice-runs', role: 'group', 'aria-label': 'Perplexity' }, ...buttons), sentence);
+    el('div', { class: 'group choice-runs', role: 'group', 'aria-label': 'Perplexity' }, ...buttons), sentence, announced);
   section.dataset.drawn = 'true';
 
   let layout = null;
