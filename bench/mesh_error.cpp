@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "stats/mesh_box.h"
 #include "stats/mesh_grid.h"
 #include "stats/mesh_repulsion.h"
 #include "stats/tsne.h"
@@ -135,7 +136,7 @@ Errors errors_of(const std::vector<double>& Y, const Forces& actual) {
 
 void print_row(const std::vector<double>& Y) {
     const std::size_t N = Y.size() / 2;
-    const ovik::MeshGrid grid = ovik::mesh_grid(ovik::map_box(Y.data(), N), N);
+    const ovik::MeshGrid grid = ovik::mesh_grid(ovik::mesh_box(Y.data(), N), N);
     Forces forces{std::vector<double>(2 * N), std::vector<double>(N)};
     const double milliseconds = time_mesh(Y, forces);
     const Errors errors = errors_of(Y, forces);
