@@ -52,8 +52,6 @@ struct Options {
     std::string title;
     /// One run for each. Not given: 20, or what a small matrix allows.
     std::vector<double> perplexities;
-    /// Whether one of these is to be recommended: then there are many fits of each.
-    bool chooses_perplexity = false;
     /// What the map is made by, as the command line says; the perplexity is that of one of the
     /// runs, and set for each.
     FitOptions fit;
@@ -131,15 +129,17 @@ struct Options {
     bool quality = false;
     /// Whether that is told of each row, too; it means `quality`.
     bool reliability = false;
+    /// Whether one of the perplexities is to be recommended: then there are many fits of each.
+    bool chooses_perplexity = false;
     /// With how many matrices of noise the rows are compared, which means `reliability`; 0 for
     /// none.
     int against_noise = 0;
     /// With how many maps of other seeds the map is compared, and with how many of other columns;
     /// 0 for none.
     int stability = 0;
-    /// Whether the rows are divided into clusters by their neighbours, and by what resolution.
-    bool clusters = false;
+    /// By what resolution rows are divided into clusters by their neighbours, and whether they are.
     double clusters_resolution = 1.0;
+    bool clusters = false;
     /// Whether the cost of the iterations is drawn.
     bool plot_cost = false;
     /// Forms in which the coordinates are written beside the table.

@@ -86,8 +86,9 @@ RunSize size_of_runs(const Options& options,
         static_cast<std::size_t>(std::max(options.against_noise, 2 * options.stability));
     if (options.chooses_perplexity) {
         size.seeds = 1;
-        size.other_maps =
-            static_cast<std::size_t>(options.seeds + options.stability + options.against_noise);
+        size.other_maps = static_cast<std::size_t>(options.seeds) +
+                          static_cast<std::size_t>(options.stability) +
+                          static_cast<std::size_t>(options.against_noise);
         size.has_own_matrices = true;
     }
     return size;
