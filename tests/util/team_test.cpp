@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <mutex>
 #include <set>
 #include <string>
@@ -58,6 +60,26 @@ std::set<std::thread::id> participants(Team& team, std::size_t count) {
     return threads;
 }
 
+/// The threads of this process.
+std::size_t thread_count() {
+    const std::filesystem::directory_iterator threads("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(threads), end(threads)));
+}
+
+/// Ends when the helpers of its teams have. One that begins or ends may hold a lock of the
+/// memory's, which nobody would open in a process that is forked at that moment.
+class Teams : public testing::Test {
+  protected:
+    ~Teams() override {
+        while (thread_count() > threads_) {
+            std::this_thread::yield();
+        }
+    }
+
+  private:
+    std::size_t threads_ = thread_count();
+};
+
 /// The state of a thread of this process, as the system gives it: S for one that sleeps.
 char state_of(const std::string& thread) {
     std::ifstream file("/proc/self/task/" + thread + "/stat");
@@ -66,7 +88,7 @@ char state_of(const std::string& thread) {
     return stat.at(stat.rfind(')') + 2);
 }
 
-TEST(Team, DoesEachPieceOnce) {
+TEST_F(Teams, DoesEachPieceOnce) {
     Team team(kProcessors);
     for (int round = 0; round < 200; ++round) {
         for (const std::size_t threads : {1U, 2U, 3U, 8U}) {
@@ -79,7 +101,7 @@ TEST(Team, DoesEachPieceOnce) {
     EXPECT_EQ(team.denied(), 0U);
 }
 
-TEST(Team, HasNoMoreHelpersThanItsLoopsHaveWorkFor) {
+TEST_F(Teams, HasNoMoreHelpersThanItsLoopsHaveWorkFor) {
     Team team(kProcessors);
     EXPECT_EQ(team.helpers(), 0U);
     visits(team, 1, 8);
@@ -90,7 +112,7 @@ TEST(Team, HasNoMoreHelpersThanItsLoopsHaveWorkFor) {
     EXPECT_EQ(team.helpers(), 2U);
 }
 
-TEST(Team, HasNoMoreThreadsThanProcessors) {
+TEST_F(Teams, HasNoMoreThreadsThanProcessors) {
     Team team(3);
     EXPECT_THAT(visits(team, 100, 8), Each(1));
     EXPECT_EQ(team.helpers(), 2U);
@@ -100,7 +122,7 @@ TEST(Team, HasNoMoreThreadsThanProcessors) {
     EXPECT_EQ(alone.helpers(), 0U);
 }
 
-TEST(Team, WorksSideBySide) {
+TEST_F(Teams, WorksSideBySide) {
     Team team(kProcessors);
     const std::set<std::thread::id> four = participants(team, 4);
     EXPECT_THAT(four, SizeIs(4));
@@ -109,7 +131,7 @@ TEST(Team, WorksSideBySide) {
     EXPECT_THAT(participants(team, 2), SizeIs(2));
 }
 
-TEST(Team, TellsWhoIsAtWork) {
+TEST_F(Teams, TellsWhoIsAtWork) {
     Team team(kProcessors);
     EXPECT_FALSE(Team::isAtWork());
     std::vector<char> at_work(50, 0);
@@ -120,7 +142,7 @@ TEST(Team, TellsWhoIsAtWork) {
     EXPECT_FALSE(Team::isAtWork());
 }
 
-TEST(Team, LetsHelpersSleep) {
+TEST_F(Teams, LetsHelpersSleep) {
     Team team(kProcessors);
     std::string helper;
     std::atomic<int> arrived = 0;
@@ -141,9 +163,9 @@ TEST(Team, LetsHelpersSleep) {
     EXPECT_THAT(visits(team, 100, 2), Each(1));
 }
 
-TEST(Team, HasHelpersOfItsOwnInAForkedProcess) {
+TEST_F(Teams, HasHelpersOfItsOwnInAForkedProcess) {
     Team team(kProcessors);
-    visits(team, 10, 3);
+    participants(team, 3);
     const pid_t child = fork();
     if (child == 0) {
         alarm(600);  // ends a child that hangs
@@ -161,14 +183,14 @@ TEST(Team, HasHelpersOfItsOwnInAForkedProcess) {
     EXPECT_THAT(visits(team, 10, 3), Each(1));
 }
 
-TEST(Team, EndsInAForkedProcessWithoutHelpers) {
+TEST_F(Teams, EndsInAForkedProcessWithoutHelpers) {
     const pid_t child = fork();
     if (child == 0) {
         alarm(600);
         pid_t grandchild = 0;
         {
             Team team(kProcessors);
-            visits(team, 10, 3);
+            participants(team, 3);
             grandchild = fork();
         }
         int status = 0;
@@ -182,7 +204,7 @@ TEST(Team, EndsInAForkedProcessWithoutHelpers) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(Team, IsThereForEachThread) {
+TEST_F(Teams, IsThereForEachThread) {
     Team* const own = &Team::ofThisThread();
     EXPECT_EQ(own, &Team::ofThisThread());
     Team* other = nullptr;
