@@ -1,11 +1,10 @@
 #include "stats/noise_fits.h"
 
-#include <algorithm>
-#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "stats/fit.h"
+#include "stats/fit_among_many.h"
 #include "stats/fit_checks.h"
 #include "stats/neighbourhood_quality.h"
 #include "stats/resampling.h"
@@ -17,39 +16,6 @@
 namespace ovik {
 
 namespace {
-
-/// Is thrown where work is to end that has no result to give.
-struct Ended {};
-
-/// Iterations of a fit, at most.
-std::uint64_t iterations_of(const FitOptions& options) {
-    return static_cast<std::uint64_t>(std::max(options.max_iter, -1) + 1);
-}
-
-/// Counts the iterations of a fit among those of all, and ends it where it is to end.
-class FitProgress {
-  public:
-    FitProgress(StageCount& all, const std::function<bool()>& goes_on)
-        : all_(all),
-          goes_on_(goes_on) {}
-
-    OnStage hook() {
-        return [this](Stage stage, std::uint64_t done, std::uint64_t /*total*/) {
-            if (goes_on_ && !goes_on_()) {
-                throw Ended();
-            }
-            // Only the thread of the fit tells of iterations; rows are told of by any.
-            if (stage == Stage::Iterations) {
-                all_.add(done - std::exchange(done_, done));
-            }
-        };
-    }
-
-  private:
-    StageCount& all_;
-    const std::function<bool()>& goes_on_;
-    std::uint64_t done_ = 0;
-};
 
 std::vector<double> shuffled(MatrixView<const double> X,
                              const FitOptions& options,
@@ -93,12 +59,9 @@ std::optional<RowFits> noise_fit(MatrixView<const double> X,
                                  std::size_t neighbours,
                                  StageCount& progress,
                                  const std::function<bool()>& goes_on) {
-    try {
-        FitProgress counted(progress, goes_on);
-        return fit_shuffled(X, options, number, neighbours, counted.hook());
-    } catch (const Ended&) {
-        return std::nullopt;
-    }
+    return FitAmongMany(progress, goes_on).make([&](const OnStage& on_stage) {
+        return fit_shuffled(X, options, number, neighbours, on_stage);
+    });
 }
 
 }  // namespace
@@ -124,7 +87,7 @@ std::optional<RowFits> noise_fit(MatrixView<const double> X,
                                  const FitOptions& options,
                                  std::size_t number,
                                  const NoiseManner& manner) {
-    StageCount progress(manner.on_stage, Stage::Noise, iterations_of(options));
+    StageCount progress(manner.on_stage, Stage::Noise, iteration_count(options.max_iter));
     return noise_fit(X, options, number, manner.neighbours, progress, manner.goes_on);
 }
 
@@ -132,7 +95,7 @@ std::vector<RowFits> noise_fits(MatrixView<const double> X,
                                 const FitOptions& options,
                                 std::size_t count,
                                 const NoiseManner& manner) {
-    StageCount progress(manner.on_stage, Stage::Noise, count * iterations_of(options));
+    StageCount progress(manner.on_stage, Stage::Noise, count * iteration_count(options.max_iter));
     return results_side_by_side<RowFits>(
         count,
         manner.at_once,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -12,6 +11,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/chosen_affinities.h"
 #include "stats/fit.h"
+#include "stats/fit_among_many.h"
 #include "stats/method.h"
 #include "stats/neighbourhood_quality.h"
 #include "stats/option_texts.h"
@@ -21,6 +21,7 @@
 #include "stats/varied_maps.h"
 #include "util/format.h"
 #include "util/input_error.h"
+#include "util/stage_count.h"
 
 namespace ovik {
 
@@ -101,9 +102,6 @@ class TrialMatrices {
     std::map<Key, Place> places_;
 };
 
-/// Is thrown where a trial is to end that has no result to give.
-struct Ended {};
-
 /// Looks at how well the map of a trial keeps neighbourhoods.
 ///
 /// @param X  as the fit has left it: in the form of the metric
@@ -133,23 +131,18 @@ void check_finite(const IterationReport& reached, const Trial& trial) {
 }
 
 /// @param X  the matrix that is embedded, as it was loaded or made
-/// @throws Ended if it was ended
 TrialResult run_trial(const Trial& trial,
                       const FitOptions& options,
                       MatrixView<const double> X,
                       CachedNeighbours* neighbours,
-                      const std::function<bool()>& goes_on) {
+                      const OnStage& on_stage) {
     std::vector<double> values(X.all().begin(), X.all().end());
     const bool is_judged =
         trial.kind == TrialKind::Noise || (trial.kind == TrialKind::Seed && trial.number == 0);
     FitHooks hooks;
     hooks.cached_neighbours = neighbours;
     hooks.wants_row_costs = is_judged;
-    hooks.on_stage = [&](Stage /*stage*/, std::uint64_t /*done*/, std::uint64_t /*total*/) {
-        if (!goes_on()) {
-            throw Ended();
-        }
-    };
+    hooks.on_stage = on_stage;
     hooks.on_iteration = [&](const FitState& state) {
         check_finite(state.reached, trial);
         return true;
@@ -161,7 +154,7 @@ TrialResult run_trial(const Trial& trial,
     result.final_cost = made.report.final_cost;
     result.iteration = made.report.reached.iteration;
     if (is_judged) {
-        measure(result, input, static_cast<std::size_t>(options.out_dims), hooks.on_stage);
+        measure(result, input, static_cast<std::size_t>(options.out_dims), on_stage);
         result.rows.misfit = std::move(made.report.row_misfits);
         result.rows.concentration = row_concentrations(X);
     }
@@ -223,25 +216,18 @@ bool run_trials(MatrixView<const double> X,
                 std::size_t at_once,
                 const TrialHooks& hooks) {
     TrialMatrices matrices(X, options, trials);
-    const auto made = results_side_by_side<bool>(
-        trials.size(),
-        at_once,
-        hooks.goes_on,
-        [&](std::size_t i, const std::function<bool()>& goes_on) -> std::optional<bool> {
-            try {
-                if (!goes_on()) {
-                    throw Ended();
-                }
-                const std::shared_ptr<const TrialMatrix> matrix = matrices.take(trials[i]);
-                const MatrixView<const double> values{matrix->values.data(), X.rows, X.columns};
-                hooks.keep(
-                    trials[i],
-                    run_trial(trials[i], options, values, matrix->neighbours.get(), goes_on));
-                return true;
-            } catch (const Ended&) {
-                return std::nullopt;
-            }
+    StageCount progress(
+        hooks.on_stage, Stage::Fits, trials.size() * iteration_count(options.max_iter));
+    const auto make = [&](std::size_t i, const std::function<bool()>& goes_on) {
+        return FitAmongMany(progress, goes_on).make([&](const OnStage& on_stage) {
+            const std::shared_ptr<const TrialMatrix> matrix = matrices.take(trials[i]);
+            const MatrixView<const double> values{matrix->values.data(), X.rows, X.columns};
+            hooks.keep(trials[i],
+                       run_trial(trials[i], options, values, matrix->neighbours.get(), on_stage));
+            return true;
         });
+    };
+    const auto made = results_side_by_side<bool>(trials.size(), at_once, hooks.goes_on, make);
     return made.size() == trials.size();
 }
 

@@ -8,6 +8,7 @@
 #include "stats/fit_options.h"
 #include "stats/noise_comparison.h"
 #include "util/matrix_view.h"
+#include "util/stage.h"
 
 /// Many fits of one matrix, by which maps of several perplexities are judged.
 
@@ -76,6 +77,8 @@ struct TrialHooks {
     std::function<void(const Trial& trial, const TrialResult& result)> keep;
     /// Asked again and again; false ends all trials. May be empty.
     std::function<bool()> goes_on = {};
+    /// Told of `Stage::Fits`, the iterations of all trials; may be empty. An exception ends them.
+    OnStage on_stage = {};
 };
 
 /// Makes trials: side by side as `run_side_by_side` does it, the neighbours of each matrix found

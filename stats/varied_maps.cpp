@@ -10,6 +10,7 @@
 #include "stats/cached_neighbours.h"
 #include "stats/chosen_affinities.h"
 #include "stats/fit.h"
+#include "stats/fit_among_many.h"
 #include "stats/method.h"
 #include "stats/resampling.h"
 #include "stats/row_metric.h"
@@ -30,30 +31,25 @@ std::unique_ptr<CachedNeighbours> neighbours_of_seeds(const FitOptions& options,
         static_cast<std::size_t>(std::max(affinity_neighbours(options, rows), 0)));
 }
 
-/// Counts the iterations of one map among those of all.
-class MapProgress {
-  public:
-    MapProgress(StageCount& all, int iterations)
-        : all_(all),
-          left_(static_cast<std::uint64_t>(std::max(iterations, 0))) {}
-
-    /// To be called before the first and after each iteration.
-    void step() {
-        if (has_begun_ && left_ > 0) {
-            --left_;
-            all_.add(1);
-        }
-        has_begun_ = true;
+std::vector<double> fit_varied(MatrixView<const double> X,
+                               const FitOptions& options,
+                               Variation variation,
+                               std::size_t number,
+                               CachedNeighbours* neighbours,
+                               const OnStage& on_stage) {
+    std::vector<double> values = variation == Variation::Columns
+                                     ? drawn_columns(X, options, number)
+                                     : std::vector<double>(X.all().begin(), X.all().end());
+    FitHooks hooks;
+    hooks.on_stage = on_stage;
+    hooks.cached_neighbours = variation == Variation::Seeds ? neighbours : nullptr;
+    Fit made =
+        fit({values.data(), X.rows, X.columns}, varied_options(options, variation, number), hooks);
+    if (!made.report.reached.finite) {
+        throw std::runtime_error("one of the maps got out of range");
     }
-
-    /// A map may settle early.
-    void end() { all_.add(std::exchange(left_, 0)); }
-
-  private:
-    StageCount& all_;
-    std::uint64_t left_;
-    bool has_begun_ = false;
-};
+    return std::move(made.embedding);
+}
 
 }  // namespace
 
@@ -90,30 +86,11 @@ std::optional<std::vector<double>> varied_map(MatrixView<const double> X,
                                               std::size_t number,
                                               const std::function<bool()>& goes_on,
                                               CachedNeighbours* neighbours) {
-    bool is_ended = goes_on && !goes_on();
-    if (is_ended) {
-        return std::nullopt;
-    }
-    std::vector<double> values = variation == Variation::Columns
-                                     ? drawn_columns(X, options, number)
-                                     : std::vector<double>(X.all().begin(), X.all().end());
-    FitHooks hooks;
-    const auto is_to_go_on = [&](const FitState& /*state*/) {
-        is_ended = is_ended || (goes_on && !goes_on());
-        return !is_ended;
-    };
-    hooks.on_iteration = is_to_go_on;
-    hooks.on_sample_iteration = is_to_go_on;
-    hooks.cached_neighbours = variation == Variation::Seeds ? neighbours : nullptr;
-    Fit made =
-        fit({values.data(), X.rows, X.columns}, varied_options(options, variation, number), hooks);
-    if (is_ended) {
-        return std::nullopt;
-    }
-    if (!made.report.reached.finite) {
-        throw std::runtime_error("one of the maps got out of range");
-    }
-    return std::move(made.embedding);
+    const OnStage nobody;
+    StageCount progress(nobody, Stage::Stability, 0);
+    return FitAmongMany(progress, goes_on).make([&](const OnStage& on_stage) {
+        return fit_varied(X, options, variation, number, neighbours, on_stage);
+    });
 }
 
 void check_draws(MatrixView<const double> X, const FitOptions& options, std::size_t count) {
@@ -130,18 +107,13 @@ std::optional<VariedMaps> varied_maps(MatrixView<const double> X,
         return VariedMaps{};
     }
     const auto neighbours = neighbours_of_seeds(options, X.rows);
-    const auto iterations = static_cast<std::uint64_t>(std::max(options.max_iter + 1, 0));
-    StageCount progress(manner.on_stage, Stage::Stability, 2 * count * iterations);
+    StageCount progress(
+        manner.on_stage, Stage::Stability, 2 * count * iteration_count(options.max_iter));
     const auto make = [&](std::size_t i, const std::function<bool()>& all_go_on) {
-        MapProgress of_map(progress, options.max_iter + 1);
-        const auto goes_on = [&] {
-            of_map.step();
-            return all_go_on();
-        };
         const auto variation = i < count ? Variation::Seeds : Variation::Columns;
-        auto map = varied_map(X, options, variation, i % count, goes_on, neighbours.get());
-        of_map.end();
-        return map;
+        return FitAmongMany(progress, all_go_on).make([&](const OnStage& on_stage) {
+            return fit_varied(X, options, variation, i % count, neighbours.get(), on_stage);
+        });
     };
     std::vector<std::vector<double>> maps =
         results_side_by_side<std::vector<double>>(2 * count, manner.at_once, manner.goes_on, make);

@@ -46,7 +46,7 @@ FitOptions varied_options(FitOptions options, Variation variation, std::size_t n
 /// @param options     of the map; its start is not `Given`, its metric not `Precomputed`
 /// @param number      of the map beside it, from 0: what is varied follows from the seed of the
 ///                    options and this
-/// @param goes_on     asked before the first and after each iteration; may be empty
+/// @param goes_on     asked again and again, by several threads at once; may be empty
 /// @param neighbours  null, or what maps of other seeds share, as `FitHooks` has it
 /// @return the places, rows x output dimensions; none if it was ended by that
 /// @throws what `fit` throws; InputError if the metric cannot compare rows by any columns drawn;
@@ -75,7 +75,7 @@ struct VariedMaps {
 struct VariationManner {
     /// Most maps side by side; 0 for as many as there are threads.
     std::size_t at_once = 0;
-    /// Asked after each iteration, by several threads at once; may be empty.
+    /// Asked again and again, by several threads at once; may be empty.
     std::function<bool()> goes_on = {};
     /// Takes how far the iterations of all maps are; may be empty.
     OnStage on_stage = {};

@@ -151,10 +151,10 @@ bool complete_trials(const LoadedMatrix& loaded,
     TrialHooks hooks;
     hooks.keep = [&](const Trial& trial, const TrialResult& result) {
         kept.keep(trial, result);
-        tell(options.on_stage, Stage::Fits, ++done, all.size());
+        ++done;
     };
     hooks.goes_on = &goes_on;
-    tell(options.on_stage, Stage::Fits, before, all.size());
+    hooks.on_stage = options.on_stage;
     const bool is_complete =
         run_trials(values_of(loaded), options.fit, missing, options.seeds_at_once, hooks);
     if (!is_complete) {

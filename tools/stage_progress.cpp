@@ -41,7 +41,7 @@ StageWords words_of(Stage stage) {
         case Stage::Iterations:
             return {"Iterations", ""};
         case Stage::Fits:
-            return {"Fits", ""};
+            return {"Fits", " iterations"};
         case Stage::Clusters:
             return {"Clusters", ""};
         case Stage::Quality:

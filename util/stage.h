@@ -18,7 +18,7 @@ enum class Stage {
     Sample,
     /// Of iterations.
     Iterations,
-    /// Fits of one matrix, several at a time: of those that have ended.
+    /// Fits of one matrix, several at a time: of the iterations of all of them.
     Fits,
     Clusters,
     /// Of rows.

@@ -1,5 +1,6 @@
 #include "stats/trials.h"
 
+#include <algorithm>
 #include <atomic>
 #include <map>
 #include <mutex>
@@ -170,6 +171,29 @@ TEST_F(Trials, EndWhereTheyAreToldTo) {
         throw std::runtime_error("full");
     };
     EXPECT_THROW(run_trials(values(), options_, all_, 0, hooks), std::runtime_error);
+}
+
+TEST_F(Trials, TellHowFarTheIterationsOfAllAre) {
+    std::vector<std::uint64_t> told;
+    TrialHooks hooks;
+    hooks.keep = [](const Trial& /*trial*/, const TrialResult& /*result*/) {};
+    hooks.on_stage = [&told](Stage stage, std::uint64_t done, std::uint64_t total) {
+        EXPECT_EQ(stage, Stage::Fits);
+        EXPECT_EQ(total, 4U * 31U);
+        told.push_back(done);
+    };
+    const std::vector<Trial> some = {all_[0], all_[3], all_[8], all_[17]};
+    EXPECT_TRUE(run_trials(values(), options_, some, 0, hooks));
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_EQ(told.front(), 0U);
+    EXPECT_EQ(told.back(), 4U * 31U);
+    EXPECT_GT(told.size(), 31U);
+    hooks.on_stage = [](Stage, std::uint64_t done, std::uint64_t) {
+        if (done > 40) {
+            throw std::runtime_error("enough");
+        }
+    };
+    EXPECT_THROW(run_trials(values(), options_, some, 0, hooks), std::runtime_error);
 }
 
 TEST_F(Trials, OfFewRowsLookAtTenNeighboursAlone) {
