@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -45,6 +46,12 @@ struct RunReport {
     /// In the place of runs: rows that were placed on the map of a model.
     std::optional<PlacementRecord> placement;
     int exit_status = 0;
+
+    /// Whether each run has reached its end, and what it leaves is there.
+    [[nodiscard]] bool runsAreComplete() const {
+        return std::all_of(
+            runs.begin(), runs.end(), [](const RunRecord& run) { return run.isComplete(); });
+    }
 };
 
 /// The report as JSON, in one line. Bytes that are not UTF-8 become U+FFFD.

@@ -1,6 +1,5 @@
 #include "tools/choice_run.h"
 
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <memory>
@@ -274,18 +273,11 @@ ExitStatus run_choice(LoadedMatrix loaded,
     for (const double perplexity : perplexities) {
         report.runs.push_back(record_of(options, loaded, genes, kept, perplexity));
     }
-    bool is_complete = std::all_of(report.runs.begin(),
-                                   report.runs.end(),
-                                   [](const RunRecord& run) { return run.isComplete(); });
+    bool is_complete = report.runsAreComplete();
     is_complete = choose(options, report, compared_genes(loaded, genes, labels)) && is_complete;
     tell_of_kept(options, kept);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;
-    report.exit_status = status;
-    if (!options.report_file.empty()) {
-        complete_report(report, since_start);
-        is_complete = write_report(options.report_file, report) && is_complete;
-    }
-    return is_complete ? status : FailedRun;
+    return end_report(options.report_file, report, status, since_start);
 }
 
 }  // namespace ovik::tool

@@ -73,13 +73,6 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
     return report;
 }
 
-void complete_report(RunReport& report, Stopwatch since_start) {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    report.peak_memory = 1024.0 * static_cast<double>(usage.ru_maxrss);
-    report.total_seconds = since_start.lap();
-}
-
 bool write_report(const std::string& path, const RunReport& report) {
     if (const auto failure = write_run_report(path, report)) {
         complain("Report could not be written: " + path + " (" + failure.message() + ")");
@@ -87,6 +80,21 @@ bool write_report(const std::string& path, const RunReport& report) {
     }
     print_info("Report: " + path);
     return true;
+}
+
+ExitStatus end_report(const std::string& path,
+                      RunReport& report,
+                      ExitStatus status,
+                      Stopwatch since_start) {
+    report.exit_status = status;
+    if (path.empty()) {
+        return status;
+    }
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    report.peak_memory = 1024.0 * static_cast<double>(usage.ru_maxrss);
+    report.total_seconds = since_start.lap();
+    return write_report(path, report) ? status : FailedRun;
 }
 
 }  // namespace ovik::tool

@@ -392,16 +392,9 @@ ExitStatus place_onto(const Options& options, RunReport report, Stopwatch since_
     if (options.names != RowNames::Other) {
         print_info(one_line_utf8(found_genes_line(run.genes)));
     }
-    bool is_complete = std::all_of(record.files.begin(),
-                                   record.files.end(),
-                                   [](const ResultFile& file) { return file.failure.empty(); });
+    const ExitStatus status = are_there(record.files) ? Success : FailedRun;
     report.placement = std::move(record);
-    report.exit_status = is_complete ? Success : FailedRun;
-    if (!options.report_file.empty()) {
-        complete_report(report, since_start);
-        is_complete = write_report(options.report_file, report) && is_complete;
-    }
-    return is_complete ? Success : FailedRun;
+    return end_report(options.report_file, report, status, since_start);
 }
 
 }  // namespace ovik::tool

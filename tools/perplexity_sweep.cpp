@@ -208,9 +208,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
             break;
         }
     }
-    bool is_complete = std::all_of(report.runs.begin(),
-                                   report.runs.end(),
-                                   [](const RunRecord& run) { return run.isComplete(); });
+    bool is_complete = report.runsAreComplete();
     if (perplexities.size() > 1) {
         const auto rows = compared_genes(loaded, *genes, labels);
         is_complete =
@@ -219,12 +217,7 @@ ExitStatus run_perplexities(LoadedMatrix loaded,
     }
     tell_of_rows(report, options, *genes);
     const ExitStatus status = is_complete ? interruption_status() : FailedRun;
-    report.exit_status = status;
-    if (!options.report_file.empty()) {
-        complete_report(report, since_start);
-        is_complete = write_report(options.report_file, report) && is_complete;
-    }
-    return is_complete ? status : FailedRun;
+    return end_report(options.report_file, report, status, since_start);
 }
 
 }  // namespace ovik::tool

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "tests/support/temporary_directory.h"
 
@@ -79,6 +80,30 @@ TEST(WriteReport, SaysWhereItIsOrWhyNot) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "ovik-tsne: Report could not be written: " + directory.file("missing/run.json") +
                   " (No such file or directory)\n");
+}
+
+TEST(EndReport, SaysWhatTheCallCameToAndTook) {
+    const test::TemporaryDirectory directory;
+    RunReport report = begin_report(Options(), {});
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(end_report(directory.file("run.json"), report, Interrupted, Stopwatch()),
+              Interrupted);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(report.exit_status, Interrupted);
+    EXPECT_GT(report.peak_memory, 1e6);
+    EXPECT_GE(report.total_seconds, 0.0);
+    const auto written = nlohmann::json::parse(test::read_file(directory.file("run.json")));
+    EXPECT_EQ(written.at("exit_status"), static_cast<int>(Interrupted));
+}
+
+TEST(EndReport, FailsWhereItCannotBeWritten) {
+    const test::TemporaryDirectory directory;
+    RunReport report = begin_report(Options(), {});
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(end_report(directory.file("missing/run.json"), report, Success, Stopwatch()),
+              FailedRun);
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(end_report("", report, Success, Stopwatch()), Success);
 }
 
 }  // namespace
