@@ -8,8 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "tests/support/command_test.h"
-#include "tests/support/engine_run.h"
+#include "tests/support/bundled_matrix_test.h"
 
 /// Clusters of the rows, and what the chart page is told of the map, by the real program.
 
@@ -21,22 +20,9 @@ using test::CommandOutcome;
 using test::kSuccess;
 using testing::HasSubstr;
 
-class Clusters : public test::CommandTest {
+class Clusters : public test::BundledMatrixTest {
   protected:
-    CommandOutcome embed(std::vector<std::string> options) {
-        options.insert(options.begin(), {matrix_, "-o", results_, "-i", "5", "-n", "m"});
-        return run(options);
-    }
-
-    /// The data of the chart page.
-    [[nodiscard]] json page() const {
-        const std::string html = result("m_tsne_20_0.html");
-        const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
-        const std::size_t start = html.find(opening) + opening.size();
-        return json::parse(html.substr(start, html.find("</script>", start) - start));
-    }
-
-    std::string matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 300);
+    Clusters() : BundledMatrixTest(300, 5) {}
 };
 
 TEST_F(Clusters, AreWrittenShownAndReadBackAndLeaveTheMapAsItIs) {
@@ -99,9 +85,9 @@ TEST_F(Clusters, FollowTheResolutionAndStandBesideOtherLabels) {
 }
 
 TEST_F(Clusters, TakeAResolutionAboveZeroBesideThemselves) {
-    EXPECT_THAT(embed({"--clusters", "--clusters-resolution", "0"}).err,
-                HasSubstr("--clusters-resolution: should be a number"));
-    EXPECT_THAT(embed({"--clusters-resolution", "2"}).err, HasSubstr("--clusters"));
+    expectRefusal({"--clusters", "--clusters-resolution", "0"},
+                  "--clusters-resolution: should be a number");
+    expectRefusal({"--clusters-resolution", "2"}, "--clusters");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "tests/support/command_test.h"
 #include "tests/support/engine_run.h"
 #include "tests/support/gzip.h"
+#include "tests/support/page_data.h"
 
 /// Labels by name, and the annotated table, by the real program; R and Python read the table.
 
@@ -39,12 +40,7 @@ class Labels : public test::CommandTest {
     }
 
     /// The data of the chart page.
-    [[nodiscard]] json page() const {
-        const std::string html = result("m_tsne_1_6.html");
-        const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
-        const std::size_t start = html.find(opening) + opening.size();
-        return json::parse(html.substr(start, html.find("</script>", start) - start));
-    }
+    [[nodiscard]] json page() const { return test::page_data(result("m_tsne_1_6.html")); }
 
     /// What a program prints that is given the path of the annotated table.
     [[nodiscard]] std::string read_by(std::vector<std::string> command) const {

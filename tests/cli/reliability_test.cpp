@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -8,8 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "tests/support/command_test.h"
-#include "tests/support/engine_run.h"
+#include "tests/support/bundled_matrix_test.h"
 
 /// How far each row can be trusted, by the real program.
 
@@ -21,14 +19,9 @@ using test::CommandOutcome;
 using test::kSuccess;
 using testing::HasSubstr;
 
-class Reliability : public test::CommandTest {
+class Reliability : public test::BundledMatrixTest {
   protected:
-    CommandOutcome embed(std::vector<std::string> options) {
-        options.insert(options.begin(), {matrix_, "-o", results_, "-i", "20", "-n", "m"});
-        return run(options);
-    }
-
-    std::string matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 200);
+    Reliability() : BundledMatrixTest(200, 20) {}
 };
 
 TEST_F(Reliability, IsWrittenBesideTheTableWhichStaysAsItIs) {
@@ -68,11 +61,8 @@ TEST_F(Reliability, IsWrittenBesideTheTableWhichStaysAsItIs) {
 }
 
 TEST_F(Reliability, IsNotAskedOfAFewRows) {
-    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 29);
-    const CommandOutcome outcome = embed({"--reliability"});
-    EXPECT_EQ(outcome.exit_status, test::kBadInput);
-    EXPECT_THAT(outcome.err, HasSubstr("at least 30 rows, and the matrix has 29 rows\n"));
-    EXPECT_FALSE(std::filesystem::exists(results_));
+    useRows(29);
+    expectRefusal({"--reliability"}, "at least 30 rows, and the matrix has 29 rows\n");
 }
 
 TEST_F(Reliability, ComparesTheRowsWithNoise) {
@@ -121,17 +111,12 @@ TEST_F(Reliability, OfNoiseGoesWithNothingThatCannotBeShuffled) {
         {"--against-noise", "2", "--onto", directory_.file("m")},
     };
     for (const std::vector<std::string>& options : kRefused) {
-        const CommandOutcome outcome = embed(options);
-        EXPECT_EQ(outcome.exit_status, test::kBadInput) << options.back();
-        EXPECT_THAT(outcome.err, HasSubstr("against-noise")) << options.back();
-        EXPECT_FALSE(std::filesystem::exists(results_));
+        expectRefusal(options, "against-noise");
     }
-    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 29);
-    EXPECT_THAT(embed({"--against-noise", "2"}).err,
-                HasSubstr("--against-noise takes at least 30 rows"));
-    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 40);
-    EXPECT_THAT(embed({"--against-noise", "2", "-p", "40"}).err, HasSubstr("perplexity"));
-    EXPECT_FALSE(std::filesystem::exists(results_));
+    useRows(29);
+    expectRefusal({"--against-noise", "2"}, "--against-noise takes at least 30 rows");
+    useRows(40);
+    expectRefusal({"--against-noise", "2", "-p", "40"}, "perplexity");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/support/command_test.h"
+#include "tests/support/page_data.h"
 
 /// Sets of genes for the chart page, by the real program.
 
@@ -29,12 +30,7 @@ class Sets : public test::CommandTest {
     }
 
     /// The data of the chart page.
-    [[nodiscard]] json page() const {
-        const std::string html = result("m_tsne_1_6.html");
-        const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
-        const std::size_t start = html.find(opening) + opening.size();
-        return json::parse(html.substr(start, html.find("</script>", start) - start));
-    }
+    [[nodiscard]] json page() const { return test::page_data(result("m_tsne_1_6.html")); }
 };
 
 TEST_F(Sets, GoToThePageUnderTheNamesOfTheRows) {

@@ -7,8 +7,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "tests/support/command_test.h"
-#include "tests/support/engine_run.h"
+#include "tests/support/bundled_matrix_test.h"
 
 /// How far a map stays as it is with other seeds and columns, by the real program.
 
@@ -20,21 +19,9 @@ using test::CommandOutcome;
 using test::kSuccess;
 using testing::HasSubstr;
 
-class Stability : public test::CommandTest {
+class Stability : public test::BundledMatrixTest {
   protected:
-    CommandOutcome embed(std::vector<std::string> options) {
-        options.insert(options.begin(), {matrix_, "-o", results_, "-i", "30", "-n", "m"});
-        return run(options);
-    }
-
-    void expectRefusal(const std::vector<std::string>& options, const std::string& why) {
-        const CommandOutcome outcome = embed(options);
-        EXPECT_EQ(outcome.exit_status, test::kBadInput) << why;
-        EXPECT_THAT(outcome.err, HasSubstr(why));
-        EXPECT_FALSE(std::filesystem::exists(results_));
-    }
-
-    std::string matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 200);
+    Stability() : BundledMatrixTest(200, 30) {}
 };
 
 TEST_F(Stability, IsWrittenBesideTheTableWhichStaysAsItIs) {
@@ -89,7 +76,7 @@ TEST_F(Stability, IsRefusedWhereThereIsNothingToCompare) {
                   "--neighbours-from gives them\nLeave one of them out");
     expectRefusal({"--stability", "2", "--start", matrix_}, "Leave one of them out");
     expectRefusal({"--stability", "2", "--seed", "2147483646"}, "should be at most 2147483645");
-    matrix_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", 29);
+    useRows(29);
     expectRefusal({"--stability", "2"},
                   "--stability takes at least 30 rows, and the matrix has 29");
     std::string text = "name\ta\tb\tc\n";

@@ -12,20 +12,16 @@
 
 #include "plots/page_template.h"
 
+#include "tests/support/page_data.h"
+
 namespace ovik {
 
 namespace {
 
 using nlohmann::json;
+using test::page_data;
 using testing::HasSubstr;
 using testing::Not;
-
-/// The data of a page, as its script would read them.
-json data_of(const std::string& page) {
-    const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
-    const std::size_t start = page.find(opening) + opening.size();
-    return json::parse(page.substr(start, page.find("</script>", start) - start));
-}
 
 std::size_t count(const std::string& text, const std::string& part) {
     std::size_t found = 0;
@@ -57,7 +53,7 @@ TEST(ChartPageData, HasTheColumnsOfLabelsThatFitThePoints) {
     const std::vector<std::string> genes = {"CDC28", ""};
     chart.label_columns = columns;
     chart.genes = genes;
-    const json data = data_of(chart_page(chart));
+    const json data = page_data(chart_page(chart));
     EXPECT_EQ(data["labelColumns"],
               json::parse(R"([{"title": "<g>", "texts": ["a", ""], "numbers": []},
                               {"title": "n", "texts": ["1.50", ""], "numbers": [1.5, null]}])"));
@@ -74,26 +70,26 @@ TEST(ChartPageData, HasWhatGenesAreCalledBesidesAndTheSets) {
     chart.names = names;
     chart.identifiers = identifiers;
     chart.sets = sets;
-    const json data = data_of(chart_page(chart));
+    const json data = page_data(chart_page(chart));
     EXPECT_EQ(data["aliases"], json::parse(R"([["YBR160W", "S000000364", "A|B|<"], [], []])"));
     EXPECT_EQ(data["sets"], json::parse(R"([{"name": "<one>", "colour": "#102030",
                                              "genes": ["CDC28", "</script>"]},
                                             {"name": "", "colour": "", "genes": []},
                                             {"name": "beyond", "colour": "", "genes": ["x"]}])"));
     chart.identifiers = chart.identifiers.first(2);
-    EXPECT_EQ(data_of(chart_page(chart))["aliases"], json::array());
+    EXPECT_EQ(page_data(chart_page(chart))["aliases"], json::array());
 }
 
 TEST(ChartPageData, HasTheTermsOfThePoints) {
     Chart chart;
     chart.x = chart.y = {1.0, 2.0, 3.0};
-    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["terms"].is_null());
     RowTerms terms;
     chart.terms = &terms;
-    EXPECT_TRUE(data_of(chart_page(chart))["terms"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["terms"].is_null());
     terms = {
         {{"GO:1", "<folding>", 'P'}, {"GO:2", "nucleus", 'C'}}, {{0, 1}, {}, {0, 1}}, {{2, 0}}};
-    EXPECT_EQ(data_of(chart_page(chart))["terms"],
+    EXPECT_EQ(page_data(chart_page(chart))["terms"],
               json::parse(R"({"list": [["GO:1", "<folding>", "P"], ["GO:2", "nucleus", "C"]],
                               "genes": [[0, 1], [], [0, 1]], "repeated": [[2, 0]]})"));
 }
@@ -106,29 +102,29 @@ TEST(ChartPageData, HasTheValuesOfThePoints) {
     chart.x = chart.y = {1.0, 2.0};
     chart.matrix = &matrix;
     chart.metric = "pearson";
-    const json data = data_of(chart_page(chart));
+    const json data = page_data(chart_page(chart));
     EXPECT_EQ(data["matrix"],
               json::parse(R"({"columns": ["heat", "</script>"], "bits": 16, "lows": [0.0, 1.0],
                               "steps": [1.0, 3.051850947599719e-05], "values": "AAAAAP7//v8=",
                               "filled": "Ag==", "metric": "pearson"})"));
     chart.x = chart.y = {1.0};
-    EXPECT_EQ(data_of(chart_page(chart))["matrix"], nullptr);
+    EXPECT_EQ(page_data(chart_page(chart))["matrix"], nullptr);
 }
 
 TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
     Chart chart;
     chart.x = chart.y = {1.0, 2.0, 3.0};
-    EXPECT_TRUE(data_of(chart_page(chart))["quality"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["quality"].is_null());
     MapTrust trust;
     chart.trust = &trust;
-    EXPECT_TRUE(data_of(chart_page(chart))["quality"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["quality"].is_null());
     trust = {{{"Cost", "1.25", "<low> is good."}}, 30, {1.0 / 3.0, 0.5, 1.0}};
-    EXPECT_EQ(data_of(chart_page(chart))["quality"],
+    EXPECT_EQ(page_data(chart_page(chart))["quality"],
               json::parse(R"({"numbers": [["Cost", "1.25", "<low> is good."]],
                               "neighbours": 30, "kept": [0.333, 0.5, 1.0], "stability": null,
                               "reliability": null})"));
     trust.kept.pop_back();
-    EXPECT_EQ(data_of(chart_page(chart))["quality"]["kept"], json::array());
+    EXPECT_EQ(page_data(chart_page(chart))["quality"]["kept"], json::array());
     RowReliability rows{
         {{"cost", "<b>", {1.0 / 3.0, 2e-7, std::nan("")}}, {"q", "", {0.05000193, 0.5, 1.0}}},
         1,
@@ -136,7 +132,7 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
         {{2}, {}, {0, 1}},
         {{}, {}, {}}};
     trust.rows = std::make_shared<RowReliability>(rows);
-    EXPECT_EQ(data_of(chart_page(chart))["quality"]["reliability"],
+    EXPECT_EQ(page_data(chart_page(chart))["quality"]["reliability"],
               json::parse(R"({"columns": [{"name": "cost", "title": "<b>",
                                            "values": [0.333333, 2e-7, null]},
                                           {"name": "q", "title": "",
@@ -145,7 +141,7 @@ TEST(ChartPageData, HasHowFarTheMapCanBeTrusted) {
                               "torn": [[], [], []]})"));
     rows.torn.pop_back();
     trust.rows = std::make_shared<RowReliability>(rows);
-    EXPECT_TRUE(data_of(chart_page(chart))["quality"]["reliability"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["quality"]["reliability"].is_null());
 }
 
 TEST(ChartPageData, HasHowFarTheMapStaysOnOthers) {
@@ -161,14 +157,14 @@ TEST(ChartPageData, HasHowFarTheMapStaysOnOthers) {
     trust.numbers = {{"Cost", "1.25", "Low is good."}};
     trust.stability = std::make_shared<RecordedStability>(stability);
     chart.trust = &trust;
-    EXPECT_EQ(data_of(chart_page(chart))["quality"]["stability"],
+    EXPECT_EQ(page_data(chart_page(chart))["quality"]["stability"],
               json::parse(R"({"seeds": 5, "draws": 4, "neighbours": 10,
                               "columns": [{"name": "spread_seeds", "title": "<b>",
                                            "values": [0.123456, null]}],
                               "pairs": [[1, 3, 0.95, 1, null, false]]})"));
     chart.x.push_back(3.0);
     chart.y.push_back(3.0);
-    EXPECT_TRUE(data_of(chart_page(chart))["quality"]["stability"].is_null());
+    EXPECT_TRUE(page_data(chart_page(chart))["quality"]["stability"].is_null());
 }
 
 TEST(ChartPageData, OfTooManyPointsIsASentence) {
@@ -202,7 +198,7 @@ TEST(ChartPageEscapes, EveryTextForWhereItLands) {
     expect_no_markup_from_data(html);
     const std::string shown =
         "</script><img src=x onerror=alert(1)> & \" ' \xE2\x80\xA8 \xEF\xBF\xBD\n";
-    const json data = data_of(html);
+    const json data = page_data(html);
     EXPECT_EQ(data["names"][0], shown);
     EXPECT_EQ(data["functions"][0], shown);
     EXPECT_EQ(data["labels"][0], shown);
@@ -222,7 +218,7 @@ RC_GTEST_PROP(ChartPageEscapes, AnyBytes, (const std::string& text)) {
     chart.names = chart.groups = chart.functions = texts;
     const std::string html = chart_page(chart);
     expect_no_markup_from_data(html);
-    const json data = data_of(html);
+    const json data = page_data(html);
     RC_ASSERT(data["labels"].size() == 1U);
     RC_ASSERT(data["names"][0] == data["functions"][0]);
 }

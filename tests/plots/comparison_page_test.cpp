@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "tests/support/page_data.h"
+
 namespace ovik {
 namespace {
 
@@ -45,11 +47,9 @@ Comparison two_runs() {
     return comparison;
 }
 
-/// The data in a page.
+/// The data in a page that compares runs.
 nlohmann::json data_in(const std::string& page) {
-    const std::string begin = "<script type=\"application/json\" id=\"comparison-data\">";
-    const std::size_t from = page.find(begin) + begin.size();
-    return nlohmann::json::parse(page.substr(from, page.find("</script>", from) - from));
+    return test::page_data(page, "comparison-data");
 }
 
 TEST(ComparisonPage, ShowsTheChoiceOfAPerplexity) {

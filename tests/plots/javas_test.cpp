@@ -13,6 +13,7 @@
 
 #include "results/result_table.h"
 
+#include "tests/support/page_data.h"
 #include "tests/support/temporary_directory.h"
 
 namespace ovik {
@@ -20,14 +21,8 @@ namespace ovik {
 namespace {
 
 using nlohmann::json;
+using test::page_data;
 using testing::HasSubstr;
-
-/// The data of a page, as its script would read them.
-json data_of(const std::string& page) {
-    const std::string opening = "<script type=\"application/json\" id=\"chart-data\">";
-    const std::size_t start = page.find(opening) + opening.size();
-    return json::parse(page.substr(start, page.find("</script>", start) - start));
-}
 
 std::string title_of(const std::string& page) {
     const std::size_t start = page.find("<title>") + 7;
@@ -79,7 +74,7 @@ class ChartPage : public testing::Test {
 };
 
 TEST_F(ChartPage, HoldsWhatTheCallsSay) {
-    const json data = data_of(page<double>({{1.5, -2}, {0, 4}}, {"a", "b"}));
+    const json data = page_data(page<double>({{1.5, -2}, {0, 4}}, {"a", "b"}));
     EXPECT_EQ(data["type"], "scatter");
     EXPECT_EQ(data["name"], "yeast_tsne_30_0");
     EXPECT_EQ(data["title"], "yeast_tsne_30_0");
@@ -108,7 +103,7 @@ TEST_F(ChartPage, TakesNamesAndFunctionsFromTheTable) {
                {"ADE5,7", "\"x\""},
                {"Group:1:2", "Group:1:2"},
                {"Enzyme, of \"some\" kind", ""});
-    const json data = data_of(page<double>({{1.5004, -2}, {0, 4}}));
+    const json data = page_data(page<double>({{1.5004, -2}, {0, 4}}));
     EXPECT_EQ(data["names"], json({"ADE5,7", "\"x\""}));
     EXPECT_EQ(data["functions"], json({"Enzyme, of \"some\" kind", ""}));
     EXPECT_EQ(data["pairs"][0]["group"], "Group:1:2");
@@ -120,7 +115,7 @@ TEST_F(ChartPage, HasATabForEachPairOfComponents) {
                {"A", "B", "A", "B"},
                {"Group:1:2", "Group:1:2", "Group:1:3", "Group:1:3"},
                {"f", "g", "f", "g"});
-    const json data = data_of(page<double>(coordinates, {"a", "b"}));
+    const json data = page_data(page<double>(coordinates, {"a", "b"}));
     EXPECT_EQ(data["pointCount"], 2);
     EXPECT_EQ(data["names"], json({"A", "B"}));
     EXPECT_EQ(data["labels"], json({"a", "b"}));
@@ -128,14 +123,15 @@ TEST_F(ChartPage, HasATabForEachPairOfComponents) {
     EXPECT_EQ(data["pairs"][1]["yTitle"], "Component 3");
     EXPECT_EQ(data["pairs"][1]["y"], json({5.0, 6.0}));
     // A label per row is as good.
-    EXPECT_EQ(data_of(page<double>(coordinates, {"a", "b", "a", "b"}))["labels"], json({"a", "b"}));
-    EXPECT_EQ(data_of(page<double>(coordinates, {"a", "b", "c"}))["labels"], json::array());
+    EXPECT_EQ(page_data(page<double>(coordinates, {"a", "b", "a", "b"}))["labels"],
+              json({"a", "b"}));
+    EXPECT_EQ(page_data(page<double>(coordinates, {"a", "b", "c"}))["labels"], json::array());
 }
 
 TEST_F(ChartPage, DoesNotTakeTheTableOfAnotherRun) {
     writeTable({{1.5, -2}, {9, 9}}, {"A", "B"}, {"Group:1:2", "Group:1:2"}, {"f", "g"});
-    EXPECT_EQ(data_of(page<double>({{1.5, -2}, {0, 4}}))["names"], json::array());
-    EXPECT_EQ(data_of(page<double>({{1.5, -2}}))["names"], json::array());
+    EXPECT_EQ(page_data(page<double>({{1.5, -2}, {0, 4}}))["names"], json::array());
+    EXPECT_EQ(page_data(page<double>({{1.5, -2}}))["names"], json::array());
 }
 
 TEST_F(ChartPage, OfARunTakesNothingFromATable) {
@@ -147,14 +143,14 @@ TEST_F(ChartPage, OfARunTakesNothingFromATable) {
     run.names = names;
     run.groups = groups;
     run.functions = functions;
-    const json data = data_of(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &run));
+    const json data = page_data(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &run));
     EXPECT_EQ(data["names"], json(names));
     EXPECT_EQ(data["functions"], json(functions));
     EXPECT_EQ(data["pairs"].size(), 1U);
     EXPECT_EQ(data["pairs"][0]["group"], "Group:1:2");
     // A run without texts has none, whatever the table says.
     const PlottedRun<double> bare;
-    const json plain = data_of(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &bare));
+    const json plain = page_data(page<double>({{1.5, -2}, {1.5, -2}}, {}, {"false", ""}, &bare));
     EXPECT_EQ(plain["names"], json::array());
 }
 
@@ -173,8 +169,8 @@ TEST_F(ChartPage, ShowsTitleAndParametersOfARun) {
     run.parameters = parameters;
     const std::string html = page<float>({{1.5F, 2.0F}}, {}, {"false", ""}, &run);
     EXPECT_EQ(title_of(html), "Yeast &amp; &lt;friends&gt;");
-    EXPECT_EQ(data_of(html)["title"], run.title);
-    EXPECT_EQ(data_of(html)["parameters"], json::array({{"Perplexity", "30"}}));
+    EXPECT_EQ(page_data(html)["title"], run.title);
+    EXPECT_EQ(page_data(html)["parameters"], json::array({{"Perplexity", "30"}}));
 }
 
 TEST_F(ChartPage, IsTheSameForTheSameInput) {
@@ -185,21 +181,21 @@ TEST_F(ChartPage, IsTheSameForTheSameInput) {
 TEST_F(ChartPage, HasNoNumbersThatAreNone) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
-    const json data = data_of(page<double>({{nan, 1}, {inf, -inf}}));
+    const json data = page_data(page<double>({{nan, 1}, {inf, -inf}}));
     EXPECT_EQ(data["pairs"][0]["x"], json({nullptr, nullptr}));
     EXPECT_EQ(data["pairs"][0]["y"], json({1.0, nullptr}));
 }
 
 TEST_F(ChartPage, CanBeEmpty) {
-    const json data = data_of(page<double>({}));
+    const json data = page_data(page<double>({}));
     EXPECT_EQ(data["pointCount"], 0);
     EXPECT_EQ(data["pairs"], json::array());
 }
 
 TEST_F(ChartPage, ReadsItsOptions) {
-    EXPECT_EQ(data_of(page<double>({}, {}, {"true", "viridis"}))["showLabels"], true);
-    EXPECT_EQ(data_of(page<double>({}, {}, {"true", "viridis"}))["colourScheme"], "viridis");
-    EXPECT_EQ(data_of(page<double>({}, {}, {}))["showLabels"], false);
+    EXPECT_EQ(page_data(page<double>({}, {}, {"true", "viridis"}))["showLabels"], true);
+    EXPECT_EQ(page_data(page<double>({}, {}, {"true", "viridis"}))["colourScheme"], "viridis");
+    EXPECT_EQ(page_data(page<double>({}, {}, {}))["showLabels"], false);
 }
 
 TEST_F(ChartPage, IsAScatterOnly) {

@@ -29,6 +29,29 @@ std::vector<double> turned(const std::vector<double>& map) {
     return result;
 }
 
+/// Three clusters on a line, far apart.
+struct ThreeClusters {
+    std::vector<double> map;
+    /// The same with the last two at one place.
+    std::vector<double> joined;
+    /// Of each row, 0 to 2.
+    std::vector<std::uint32_t> clusters;
+};
+
+ThreeClusters three_clusters_on_a_line() {
+    ThreeClusters line;
+    line.map = test::random_values(kRows * 2, 4, 0.1);
+    for (std::size_t n = 0; n < kRows; ++n) {
+        line.clusters.push_back(static_cast<std::uint32_t>(n % 3));
+        line.map[2 * n] += 10.0 * static_cast<double>(n % 3);
+    }
+    line.joined = line.map;
+    for (std::size_t n = 2; n < kRows; n += 3) {
+        line.joined[2 * n] -= 10.0;
+    }
+    return line;
+}
+
 TEST(RowStability, IsWholeWhereTheOthersAreTheSameMapMovedAndMirrored) {
     const std::vector<double> map = test::random_values(kRows * 2, 4);
     const MatrixView<const double> view{map.data(), kRows, 2};
@@ -61,18 +84,8 @@ TEST(RowStability, IsLargeForTheRowThatMoves) {
 }
 
 TEST(ClusterPairs, TellWhichStayApart) {
-    // Three clusters on a line; on the other map the last two are one.
-    std::vector<double> map = test::random_values(kRows * 2, 4, 0.1);
-    std::vector<std::uint32_t> clusters;
-    for (std::size_t n = 0; n < kRows; ++n) {
-        clusters.push_back(static_cast<std::uint32_t>(n % 3));
-        map[2 * n] += 10.0 * static_cast<double>(n % 3);
-    }
-    std::vector<double> other = map;
-    for (std::size_t n = 2; n < kRows; n += 3) {
-        other[2 * n] -= 10.0;
-    }
-    const std::vector<std::vector<double>> others = {other, map};
+    auto [map, joined, clusters] = three_clusters_on_a_line();
+    const std::vector<std::vector<double>> others = {joined, map};
     const auto pairs = cluster_pairs({map.data(), kRows, 2}, others, clusters);
     ASSERT_EQ(pairs.size(), 3U);
     for (const ClusterPair& pair : pairs) {
@@ -80,7 +93,7 @@ TEST(ClusterPairs, TellWhichStayApart) {
         EXPECT_EQ(pair.separation, 1.0);
         EXPECT_EQ(pair.apart, pair.first == 1 ? 0.5 : 1.0);
     }
-    const auto mixed = cluster_pairs({other.data(), kRows, 2}, others, clusters);
+    const auto mixed = cluster_pairs({joined.data(), kRows, 2}, others, clusters);
     EXPECT_NEAR(mixed[2].separation, 0.5, 0.2);
     // A cluster of one row is left out.
     clusters[4] = 3;
@@ -88,16 +101,7 @@ TEST(ClusterPairs, TellWhichStayApart) {
 }
 
 TEST(MapStability, HasWhatEachKindOfMapsTells) {
-    std::vector<double> map = test::random_values(kRows * 2, 4, 0.1);
-    std::vector<std::uint32_t> clusters;
-    for (std::size_t n = 0; n < kRows; ++n) {
-        clusters.push_back(static_cast<std::uint32_t>(n % 3));
-        map[2 * n] += 10.0 * static_cast<double>(n % 3);
-    }
-    std::vector<double> joined = map;
-    for (std::size_t n = 2; n < kRows; n += 3) {
-        joined[2 * n] -= 10.0;
-    }
+    const auto [map, joined, clusters] = three_clusters_on_a_line();
     const MatrixView<const double> view{map.data(), kRows, 2};
     const std::vector<std::vector<double>> same = {turned(map), map};
     const std::vector<std::vector<double>> others = {map, joined, joined};
