@@ -8,9 +8,9 @@
 
 /// How the places of rows on a map compare with those that rows of noise get on maps of theirs.
 ///
-/// @par Source Johnson, Kath and Mani, Patterns 3:100443, 2022, who compare the misfit of rows with
-/// that of rows of noise. Here rows are compared with those of like concentration alone, and by
-/// their kept neighbours as well.
+/// @par Source The idea of holding each row against rows of noise: Johnson, Kath and Mani, Patterns
+/// 3:100443, 2022. Rows are compared with those of like concentration alone, by their misfit and by
+/// their kept neighbours.
 
 namespace ovik {
 
