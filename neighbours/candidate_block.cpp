@@ -11,15 +11,6 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// The square of a scaled distance below which underflow in single precision may count.
-constexpr double kUnderflow = 1e-30;
-
-/// Not below x.
-float rounded_up(double x) {
-    const auto rounded = static_cast<float>(x);
-    return rounded < x ? std::nextafterf(rounded, HUGE_VALF) : rounded;
-}
-
 }  // namespace
 
 /// Rounding a row of length A to single precision (unit u = 2^-24) moves its product with one of
@@ -79,14 +70,19 @@ void CandidateBlock::begin(const CandidateKernels& kernels,
     }
 }
 
-/// For a target of squared norm a and a value v, v + a (1 - e) is at most the square of the
-/// distance, if e is the error's share.
+ValueBounds CandidateBlock::boundsOf(std::size_t target) const {
+    return {targets_->squaredNorm(target), error_share_};
+}
+
 void CandidateBlock::admit(std::size_t target, double squared) {
-    const double bound = squared * (1.0 + error_share_) + kUnderflow;
+    lower(target, boundsOf(target).above(squared));
+}
+
+/// Lowers the limit of a target, if it is to be lower.
+void CandidateBlock::lower(std::size_t target, double bound) {
     if (bound < bounds_[target]) {
         bounds_[target] = bound;
-        const double least = targets_->squared_norms_[target] * (1.0 - error_share_);
-        candidates_[target].limit = rounded_up(bound - least);
+        candidates_[target].limit = boundsOf(target).limit(bound);
     }
 }
 
@@ -110,25 +106,13 @@ bool CandidateBlock::hasRoom(std::size_t target) {
 }
 
 /// Lowers the limit of a target to what still admits the nearest that are wanted.
-///
-/// For a target of squared norm a and a value v, v + a (1 - e) is at most the square of the
-/// distance, and below it by 2 e (a + b) at most, if e is the error's share and b the squared norm
-/// of the source: at most 2 a and twice the square of the distance.
 void CandidateBlock::tighten(std::size_t target) {
     Candidates& candidates = candidates_[target];
     if (candidates.count < wanted_) {
         return;
     }
-    const double value = kernels_->bound(candidates.values, candidates.count, wanted_);
-    const double norm = targets_->squared_norms_[target];
-    const double least = norm * (1.0 - error_share_);
-    const double bound =
-        (std::max(value + least, 0.0) + 7.0 * error_share_ * norm) * (1.0 + 5.0 * error_share_) +
-        kUnderflow;
-    if (bound < bounds_[target]) {
-        bounds_[target] = bound;
-        candidates.limit = rounded_up(bound - least);
-    }
+    const float value = kernels_->bound(candidates.values, candidates.count, wanted_);
+    lower(target, boundsOf(target).aboveSquaresOf(value));
     kernels_->drop(candidates);
 }
 

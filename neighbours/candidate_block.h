@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "neighbours/kernels/candidate_kernels.h"
+#include "neighbours/value_bounds.h"
 
 namespace ovik {
 
@@ -35,10 +36,13 @@ class PackedBlock {
 
     [[nodiscard]] std::size_t count() const { return count_; }
 
+    [[nodiscard]] PackedRows view() const { return {packed_.data(), starts_.data(), stride_}; }
+
+    /// The squared norm of row i of the block, relative to the frame.
+    [[nodiscard]] double squaredNorm(std::size_t i) const { return squared_norms_[i]; }
+
   private:
     friend class CandidateBlock;
-
-    [[nodiscard]] PackedRows view() const { return {packed_.data(), starts_.data(), stride_}; }
 
     std::size_t count_ = 0;
     std::size_t stride_ = 0;
@@ -102,6 +106,8 @@ class CandidateBlock {
   private:
     void collect(const PackedBlock& sources);
     bool hasRoom(std::size_t target);
+    [[nodiscard]] ValueBounds boundsOf(std::size_t target) const;
+    void lower(std::size_t target, double bound);
 
     const CandidateKernels* kernels_ = nullptr;
     const PackedBlock* targets_ = nullptr;

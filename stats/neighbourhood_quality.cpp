@@ -4,11 +4,12 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <optional>
 #include <span>
 #include <utility>
 
 #include "neighbours/metric.h"
+#include "neighbours/rank_search.h"
+#include "stats/compared_rows.h"
 #include "stats/kernels/neighbour_ranks.h"
 #include "stats/kernels/pair_kernels.h"
 #include "util/instruction_set.h"
@@ -97,123 +98,122 @@ class Neighbours {
     std::vector<double> nearest_distances_;
 };
 
-/// Sums over rows for one size k of neighbourhoods; whole numbers, so that their order is of no
-/// matter.
-struct Sums {
-    /// By how much the ranks in the input of the k nearest rows in the embedding exceed k, in all:
-    /// trustworthiness falls with it.
-    std::uint64_t excess = 0;
-    /// How many of the k nearest rows in the input are among the k nearest in the embedding.
-    std::uint64_t recalled = 0;
-};
-
-/// The sums of one row.
-std::vector<Sums> sums_of_row(const Neighbours& input,
-                              const Neighbours& embedding,
-                              const std::vector<std::size_t>& sizes) {
-    std::vector<Sums> sums(sizes.size());
-    const std::vector<std::uint32_t>& nearest = embedding.nearest();
-    const std::size_t largest = sizes.empty() ? 0 : *std::max_element(sizes.begin(), sizes.end());
-    for (std::size_t map_rank = 0; map_rank < largest; ++map_rank) {
-        const std::size_t rank = input.rank(nearest[map_rank]);
-        for (std::size_t i = 0; i < sizes.size(); ++i) {
-            if (map_rank < sizes[i]) {
-                sums[i].recalled += rank < sizes[i] ? 1 : 0;
-                sums[i].excess += rank < sizes[i] ? 0 : rank + 1 - sizes[i];
-            }
-        }
+/// Adds a row by all its distances.
+void add_measured(std::size_t row,
+                  std::span<const std::uint32_t> on_map,
+                  Neighbours& input,
+                  std::vector<std::uint32_t>& ranks,
+                  ComparedRows& rows) {
+    input.find(row);
+    ranks.clear();
+    for (const std::uint32_t other : on_map) {
+        ranks.push_back(static_cast<std::uint32_t>(input.rank(other)));
     }
-    return sums;
+    rows.add(row, {input.nearest(), on_map, ranks});
 }
 
-/// The first `near` of some rows that are not among the first `far` of others.
-std::vector<std::uint32_t> near_but_far(const std::vector<std::uint32_t>& rows,
-                                        const std::vector<std::uint32_t>& others,
-                                        std::size_t near,
-                                        std::size_t far) {
-    const auto end = others.begin() + static_cast<std::ptrdiff_t>(far);
-    std::vector<std::uint32_t> found;
-    for (std::size_t i = 0; i < near; ++i) {
-        if (std::find(others.begin(), end, rows[i]) == end) {
-            found.push_back(rows[i]);
-        }
-    }
-    return found;
-}
-
-/// The trustworthiness for some sums over so many rows of N.
-double trustworthiness(const Sums& sums, double rows, double N, double k) {
-    return 1.0 - 2.0 * static_cast<double>(sums.excess) / (rows * k * (2.0 * N - 3.0 * k - 1.0));
-}
-
-NeighbourhoodQuality quality_of(const std::vector<std::vector<Sums>>& rows,
-                                std::size_t size,
-                                std::size_t which) {
-    const auto N = static_cast<double>(rows.size());
-    const auto k = static_cast<double>(size);
-    NeighbourhoodQuality quality{size};
-    Sums total;
-    for (const std::vector<Sums>& row : rows) {
-        total.excess += row[which].excess;
-        total.recalled += row[which].recalled;
-        quality.kept.push_back(static_cast<double>(row[which].recalled) / k);
-        quality.trusted.push_back(trustworthiness(row[which], 1.0, N, k));
-    }
-    quality.trustworthiness = trustworthiness(total, N, N, k);
-    quality.preservation = static_cast<double>(total.recalled) / (N * k);
-    return quality;
-}
-
-/// The quality by measures of the input and of the embedding.
-///
-/// @param N          above 0
-/// @param misplaced  null, or with the numbers of rows that are near and not far; its lists are
-/// written
-std::vector<NeighbourhoodQuality> quality_by(const RowMeasure& input,
-                                             const RowMeasure& embedding,
-                                             std::size_t N,
-                                             const std::vector<std::size_t>& sizes,
-                                             const OnStage& on_stage,
-                                             MisplacedNeighbours* misplaced = nullptr) {
+/// Compares the rows by all their distances.
+void compare_measured(const RowMeasure& input,
+                      const RowMeasure& embedding,
+                      const OnStage& on_stage,
+                      ComparedRows& rows) {
     constexpr std::size_t kRowsOfTask = 32;
-    std::size_t largest = misplaced != nullptr ? misplaced->far : 0;
-    for (const std::size_t size : sizes) {
-        largest = std::max(largest, size);
-    }
+    const std::size_t N = rows.rowCount();
     const std::size_t tasks = (N + kRowsOfTask - 1) / kRowsOfTask;
     const int workers = worker_count(tasks);
-    std::vector<std::vector<Sums>> sums(N);
-    if (misplaced != nullptr) {
-        misplaced->falsely_near.resize(N);
-        misplaced->torn.resize(N);
-    }
-    std::vector<Neighbours> inputs(static_cast<std::size_t>(workers),
-                                   Neighbours(input, N, largest));
-    std::vector<Neighbours> embeddings(static_cast<std::size_t>(workers),
-                                       Neighbours(embedding, N, largest));
+    const auto worker_total = static_cast<std::size_t>(workers);
+    std::vector<Neighbours> inputs(worker_total, Neighbours(input, N, rows.wanted()));
+    std::vector<Neighbours> maps(worker_total, Neighbours(embedding, N, rows.wanted()));
+    std::vector<std::vector<std::uint32_t>> ranks(worker_total);
     StageCount progress(on_stage, Stage::Quality, N);
     parallel_tasks(tasks, workers, [&](std::size_t task, std::size_t worker) {
         const std::size_t begin = task * kRowsOfTask;
         const std::size_t end = std::min(begin + kRowsOfTask, N);
         for (std::size_t n = begin; n < end && !progress.isStopped(); ++n) {
-            inputs[worker].find(n);
-            embeddings[worker].find(n);
-            sums[n] = sums_of_row(inputs[worker], embeddings[worker], sizes);
-            if (misplaced != nullptr) {
-                const auto& [near, far] = std::pair(misplaced->near, misplaced->far);
-                const std::vector<std::uint32_t>& in_data = inputs[worker].nearest();
-                const std::vector<std::uint32_t>& on_map = embeddings[worker].nearest();
-                misplaced->falsely_near[n] = near_but_far(on_map, in_data, near, far);
-                misplaced->torn[n] = near_but_far(in_data, on_map, near, far);
-            }
+            maps[worker].find(n);
+            add_measured(n, maps[worker].nearest(), inputs[worker], ranks[worker], rows);
         }
         progress.add(end - begin);
     });
-    std::vector<NeighbourhoodQuality> result;
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        result.push_back(quality_of(sums, sizes[i], i));
+}
+
+/// Compares the rows without measuring most distances in the input.
+///
+/// @param search  for as many nearest rows as are looked at, with parts
+void compare_searched(const RankSearch& search,
+                      const RowMeasure& input,
+                      const RowMeasure& embedding,
+                      const OnStage& on_stage,
+                      ComparedRows& rows) {
+    const std::size_t N = rows.rowCount();
+    const int workers = worker_count(search.partCount());
+    const auto worker_total = static_cast<std::size_t>(workers);
+    std::vector<Neighbours> inputs(worker_total, Neighbours(input, N, rows.wanted()));
+    std::vector<Neighbours> maps(worker_total, Neighbours(embedding, N, rows.wanted()));
+    std::vector<RankSearch::Scratch> scratch(worker_total);
+    std::vector<std::vector<std::uint32_t>> given(worker_total);
+    std::vector<std::vector<std::uint32_t>> measured(worker_total);
+    StageCount progress(on_stage, Stage::Quality, N);
+    parallel_tasks(search.partCount(), workers, [&](std::size_t part, std::size_t worker) {
+        if (progress.isStopped()) {
+            return;
+        }
+        const IndexRange part_rows = search.rowsOf(part);
+        given[worker].clear();
+        for (std::size_t n = part_rows.begin; n < part_rows.end; ++n) {
+            maps[worker].find(n);
+            const std::vector<std::uint32_t>& nearest = maps[worker].nearest();
+            given[worker].insert(given[worker].end(), nearest.begin(), nearest.end());
+        }
+        search.search(part,
+                      given[worker],
+                      scratch[worker],
+                      [&](std::size_t n,
+                          std::span<const std::uint32_t> nearest,
+                          std::span<const std::uint32_t> ranks) {
+                          const auto on_map =
+                              std::span<const std::uint32_t>(given[worker])
+                                  .subspan((n - part_rows.begin) * rows.wanted(), rows.wanted());
+                          if (nearest.empty()) {
+                              add_measured(n, on_map, inputs[worker], measured[worker], rows);
+                          } else {
+                              rows.add(n, {nearest, on_map, ranks});
+                          }
+                      });
+        progress.add(part_rows.size());
+    });
+}
+
+/// Compares rows under a metric with those of a map.
+void compare_rows(MatrixView<const double> X,
+                  MatrixView<const double> Y,
+                  const Metric& metric,
+                  const OnStage& on_stage,
+                  ComparedRows& rows) {
+    require_measurable_rows(metric, X.values, X.rows, X.columns);
+    const Columns input(X.values, X.rows, X.columns);
+    const Columns embedding(Y.values, X.rows, Y.columns);
+    const RowMeasure in_data = measure_of(input, metric);
+    const RowMeasure on_map = measure_of(embedding, euclidean_metric());
+    const RankSearch search(X.values, X.rows, X.columns, rows.wanted(), metric);
+    if (search.partCount() > 0) {
+        compare_searched(search, in_data, on_map, on_stage, rows);
+    } else {
+        compare_measured(in_data, on_map, on_stage, rows);
     }
-    return result;
+}
+
+/// Compares the distances of rows with those of a map.
+void compare_distances(MatrixView<const double> distances,
+                       MatrixView<const double> Y,
+                       const OnStage& on_stage,
+                       ComparedRows& rows) {
+    const Columns embedding(Y.values, Y.rows, Y.columns);
+    const auto given = [distances](std::size_t row, double* result) {
+        const std::span<const double> of_row = distances.row(row);
+        std::copy(of_row.begin(), of_row.end(), result);
+    };
+    compare_measured(given, measure_of(embedding, euclidean_metric()), on_stage, rows);
 }
 
 /// The quality by distances of rows under a metric.
@@ -225,22 +225,9 @@ std::vector<NeighbourhoodQuality> quality_of_rows(MatrixView<const double> X,
     if (X.rows == 0 || sizes.empty()) {
         return {};
     }
-    require_measurable_rows(metric, X.values, X.rows, X.columns);
-    const Columns input(X.values, X.rows, X.columns);
-    const Columns embedding(Y.values, X.rows, Y.columns);
-    return quality_by(measure_of(input, metric),
-                      measure_of(embedding, euclidean_metric()),
-                      X.rows,
-                      sizes,
-                      on_stage);
-}
-
-/// Gives the distances that stand in a row of a matrix.
-RowMeasure measure_by_distances(MatrixView<const double> distances) {
-    return [distances](std::size_t row, double* result) {
-        const std::span<const double> given = distances.row(row);
-        std::copy(given.begin(), given.end(), result);
-    };
+    ComparedRows rows(X.rows, sizes, nullptr);
+    compare_rows(X, Y, metric, on_stage, rows);
+    return rows.quality();
 }
 
 }  // namespace
@@ -279,12 +266,9 @@ std::vector<NeighbourhoodQuality> neighbourhood_quality_of_distances(
     if (distances.rows == 0 || sizes.empty()) {
         return {};
     }
-    const Columns embedding(Y.values, Y.rows, Y.columns);
-    return quality_by(measure_by_distances(distances),
-                      measure_of(embedding, euclidean_metric()),
-                      distances.rows,
-                      sizes,
-                      on_stage);
+    ComparedRows rows(distances.rows, sizes, nullptr);
+    compare_distances(distances, Y, on_stage, rows);
+    return rows.quality();
 }
 
 RowNeighbourhoods row_neighbourhoods(MatrixView<const double> X,
@@ -296,22 +280,16 @@ RowNeighbourhoods row_neighbourhoods(MatrixView<const double> X,
     if (X.rows == 0) {
         return {};
     }
-    const Columns embedding(Y.values, Y.rows, Y.columns);
-    std::optional<Columns> input;
-    if (!holds_distances) {
-        require_measurable_rows(euclidean_metric(), X.values, X.rows, X.columns);
-        input.emplace(X.values, X.rows, X.columns);
-    }
     RowNeighbourhoods result;
     result.misplaced.near = near;
     result.misplaced.far = std::max(near, std::min(3 * near, (X.rows - 1) / 2));
-    result.quality =
-        quality_by(input ? measure_of(*input, euclidean_metric()) : measure_by_distances(X),
-                   measure_of(embedding, euclidean_metric()),
-                   X.rows,
-                   sizes,
-                   on_stage,
-                   &result.misplaced);
+    ComparedRows rows(X.rows, sizes, &result.misplaced);
+    if (holds_distances) {
+        compare_distances(X, Y, on_stage, rows);
+    } else {
+        compare_rows(X, Y, euclidean_metric(), on_stage, rows);
+    }
+    result.quality = rows.quality();
     return result;
 }
 

@@ -281,6 +281,49 @@ void drop(Candidates& candidates) {
     candidates.count = kept;
 }
 
+std::size_t narrow(const Candidates& candidates,
+                   float low,
+                   Candidates& fewer,
+                   std::uint32_t* uncertain) {
+    std::size_t kept = 0;
+    std::size_t unsure = 0;
+    std::size_t i = 0;
+#if OVIK_LANES == 8
+    const Floats limits = broadcast_float(fewer.limit);
+    const Floats lows = broadcast_float(low);
+    for (; i < candidates.count; i += kFloats) {
+        // There is room behind the candidates: what is read there counts for nothing.
+        const std::size_t rest = candidates.count - i;
+        const Mask there = rest < kFloats ? (1U << rest) - 1 : 0xFFFFU;
+        const Floats some = load_floats(candidates.values + i);
+        const __m512i places = _mm512_loadu_si512(candidates.positions + i);
+        const Mask mask = not_above(some, limits) & there;
+        const auto chosen = static_cast<__mmask16>(mask);
+        _mm512_storeu_ps(fewer.values + kept, _mm512_maskz_compress_ps(chosen, some));
+        _mm512_storeu_si512(fewer.positions + kept, _mm512_maskz_compress_epi32(chosen, places));
+        kept += bit_count(mask);
+        const Mask not_below = not_above(lows, some) & mask;
+        if (not_below != 0) {
+            const auto doubtful = static_cast<__mmask16>(not_below);
+            _mm512_storeu_si512(uncertain + unsure, _mm512_maskz_compress_epi32(doubtful, places));
+            unsure += bit_count(not_below);
+        }
+    }
+#endif
+    for (; i < candidates.count; ++i) {
+        const float value = candidates.values[i];
+        const std::uint32_t position = candidates.positions[i];
+        fewer.values[kept] = value;
+        fewer.positions[kept] = position;
+        uncertain[unsure] = position;
+        const bool is_near = value <= fewer.limit;
+        kept += is_near ? 1 : 0;
+        unsure += is_near && value >= low ? 1 : 0;
+    }
+    fewer.count = kept;
+    return unsure;
+}
+
 typedef std::uint32_t Rows __attribute__((vector_size(kFloats * sizeof(std::uint32_t))));
 
 constexpr std::uint32_t kRowBits = 0x7FFFFFFFU;
@@ -374,6 +417,7 @@ void rank(double* distances, std::size_t count, std::uint32_t* places) {
 }  // namespace
 
 extern const CandidateKernels kEuclideanCandidates;
-const CandidateKernels kEuclideanCandidates = {&pack, &collect, &bound, &drop, &without, &rank};
+const CandidateKernels kEuclideanCandidates = {
+    &pack, &collect, &bound, &drop, &narrow, &without, &rank};
 
 }  // namespace ovik::OVIK_KERNELS

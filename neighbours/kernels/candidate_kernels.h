@@ -86,6 +86,18 @@ struct CandidateKernels {
     /// Drops the candidates above the limit; the others keep their order.
     void (*drop)(Candidates& candidates);
 
+    /// Copies those candidates that are not above the limit of another list, and lists among them
+    /// the positions of those that are not below a number. Both in their order.
+    ///
+    /// @param low        finite
+    /// @param fewer      an empty list with room for all candidates and kPackedMultiple more
+    /// @param uncertain  room for as many; the positions are written
+    /// @return how many of them there are
+    std::size_t (*narrow)(const Candidates& candidates,
+                          float low,
+                          Candidates& fewer,
+                          std::uint32_t* uncertain);
+
     /// Writes those rows that are not in a list.
     ///
     /// @param list    list_count rows, with any highest bit

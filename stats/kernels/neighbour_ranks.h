@@ -19,6 +19,7 @@ struct RankKernels {
     /// The `count` nearest points, the nearest first; of those equally far the one of the smallest
     /// number. There are more than `count` points.
     ///
+    /// @param count              at least 1
     /// @param nearest_distances  room for `count` numbers
     void (*nearest)(const double* distances,
                     std::size_t padded_count,

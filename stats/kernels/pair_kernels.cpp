@@ -39,6 +39,34 @@ void similarities(const EmbeddingColumns& Y, std::size_t n, double* q) {
     q[n] = 0.0;
 }
 
+/// The sums of the points from `first` on, a lane each.
+template <std::size_t Dims>
+Lanes similarity_sums_of_lanes(const EmbeddingColumns& Y, std::size_t first) {
+    const Points<Dims> points(Y);
+    const std::size_t N = Y.point_count;
+    const std::size_t end = first + kLanes < N ? first + kLanes : N;
+    Lanes sum = {};
+    std::size_t m = 0;
+    for (; m < first && m < N; ++m) {
+        sum += 1.0 / points.reciprocalSimilarity(first, m);
+    }
+    for (; m < end; ++m) {
+        const Mask others = kAll ^ (1U << (m - first));
+        sum += keep(others, 1.0 / points.reciprocalSimilarity(first, m));
+    }
+    for (; m < N; ++m) {
+        sum += 1.0 / points.reciprocalSimilarity(first, m);
+    }
+    return sum;
+}
+
+template <std::size_t Dims>
+void similarity_sums(const EmbeddingColumns& Y, std::size_t panel, double* sums) {
+    for (std::size_t i = 0; i < kPanelWidth; i += kLanes) {
+        store(sums + i, similarity_sums_of_lanes<Dims>(Y, panel * kPanelWidth + i));
+    }
+}
+
 /// A running sum of rounded numbers, which is exact, and the largest rounding error.
 struct RoundedSum {
     Lanes sum;
@@ -218,6 +246,9 @@ extern const PairKernels kPairKernels;
 const PairKernels kPairKernels = {
     [](const EmbeddingColumns& Y, std::size_t n, double* q) {
         OVIK_FOR_DIMS(similarities, Y, n, q)
+    },
+    [](const EmbeddingColumns& Y, std::size_t panel, double* sums) {
+        OVIK_FOR_DIMS(similarity_sums, Y, panel, sums)
     },
     [](const EmbeddingColumns& Y,
        std::size_t panel,

@@ -86,6 +86,12 @@ struct PairKernels {
     /// @param q  padded_to_panels(point_count) values, written
     void (*similarities)(const EmbeddingColumns& Y, std::size_t n, double* q);
 
+    /// For each point of a panel the sum of its similarities to all points, in their order.
+    /// Coordinates may be of any size.
+    ///
+    /// @param sums  kPanelWidth values, written
+    void (*similarity_sums)(const EmbeddingColumns& Y, std::size_t panel, double* sums);
+
     /// Adds the rounded similarities of all pairs of a point of the panel
     /// with one of the panel or a later one: in rows and columns alike.
     void (*add_rounded_similarities)(const EmbeddingColumns& Y,

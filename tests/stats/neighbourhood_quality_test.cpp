@@ -248,6 +248,33 @@ RC_GTEST_PROP(RowNeighbourhoods, EqualThePlainOnes, ()) {
     }
 }
 
+/// Rows of which single precision tells some apart, and others not: they lie close together, or
+/// are the same.
+TEST(RowNeighbourhoods, EqualThePlainOnesWhereManyRowsAreAlike) {
+    constexpr std::size_t kRows = 301;
+    std::vector<double> X = random_points(4 * kRows, 8);
+    for (std::size_t n = 0; n < kRows; ++n) {
+        for (std::size_t d = 0; d < 4 && n % 3 != 0; ++d) {
+            X[4 * n + d] = n % 3 == 1 ? 2.0 : X[4 * n + d] * 1e-10 - 3.0;
+        }
+    }
+    const std::vector<double> Y = random_points(2 * kRows, 9);
+    const MisplacedNeighbours expected = plain_misplaced(X, 4, Y, 2, 10);
+    const NeighbourhoodQuality plain = plain_quality(X, 4, Y, 2, 30);
+    for (const InstructionSet instructions : test::available_instruction_sets()) {
+        const test::InstructionLimit limit(instructions);
+        for (const int threads : {1, 2, 5}) {
+            const test::ThreadCount scope(threads);
+            const RowNeighbourhoods found =
+                row_neighbourhoods({X.data(), kRows, 4}, {Y.data(), kRows, 2}, {30}, 10);
+            EXPECT_EQ(found.misplaced.falsely_near, expected.falsely_near);
+            EXPECT_EQ(found.misplaced.torn, expected.torn);
+            EXPECT_NEAR(found.quality[0].trustworthiness, plain.trustworthiness, 1e-12);
+            EXPECT_NEAR(found.quality[0].preservation, plain.preservation, 1e-12);
+        }
+    }
+}
+
 TEST(RowNeighbourhoods, AreThoseOfGivenDistances) {
     const std::vector<double> X = random_points(50, 5);
     const std::vector<double> Y = random_points(50, 6);

@@ -141,6 +141,27 @@ TEST(RowMisfits, AreNothingWhereTheMapIsAsTheData) {
     }
 }
 
+TEST(RowSimilaritySums, AreThoseOfAPlainLoopForAnyNumberOfThreads) {
+    constexpr std::size_t kMany = 203;
+    std::vector<double> Y = test::random_values(kMany * 2, 6, 3.0);
+    // Farther than most kernels allow.
+    Y[17] = 1e160;
+    std::vector<double> expected;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        double sum = 0.0;
+        for (std::size_t j = 0; j < kMany; ++j) {
+            const double dx = Y[2 * j] - Y[2 * i];
+            const double dy = Y[2 * j + 1] - Y[2 * i + 1];
+            sum += j == i ? 0.0 : 1.0 / (dx * dx + dy * dy + 1.0);
+        }
+        expected.push_back(sum);
+    }
+    for (const int threads : {1, 2, 5}) {
+        const test::ThreadCount scope(threads);
+        EXPECT_EQ(similarity_sums(Y, 2), expected) << threads;
+    }
+}
+
 TEST(RowMisfits, DoNotDependOnTheScaleOfAffinitiesNorOnTheWeightOfARow) {
     std::vector<double> P = joint_similarities();
     const std::vector<double> Y = map_of(2);

@@ -181,6 +181,39 @@ TEST_P(CandidateKernelsTest, DropWhatIsAboveTheLimitAndKeepTheOrder) {
     }
 }
 
+TEST_P(CandidateKernelsTest, NarrowToWhatIsNotAboveALimitAndTellWhatIsUncertain) {
+    for (std::size_t count = 0; count <= 67; ++count) {
+        std::vector<float> values = random_floats(count + kPackedMultiple, 37);
+        std::vector<std::uint32_t> positions(values.size());
+        std::vector<float> expected;
+        std::vector<std::uint32_t> expected_positions;
+        std::vector<std::uint32_t> expected_uncertain;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            positions[i] = 7 * i;
+            // The bounds themselves are not above the one and not below the other.
+            values[i] = i % 9 == 4 ? 0.5F : i % 9 == 7 ? 0.125F : values[i];
+            if (values[i] <= 0.5F) {
+                expected.push_back(values[i]);
+                expected_positions.push_back(7 * i);
+            }
+            if (values[i] <= 0.5F && values[i] >= 0.125F) {
+                expected_uncertain.push_back(7 * i);
+            }
+        }
+        std::vector<float> fewer_values(values.size());
+        std::vector<std::uint32_t> fewer_positions(values.size());
+        std::vector<std::uint32_t> uncertain(values.size());
+        Candidates fewer{fewer_values.data(), fewer_positions.data(), 0, 0.5F};
+        uncertain.resize(kernels.narrow(
+            {values.data(), positions.data(), count, 0.0F}, 0.125F, fewer, uncertain.data()));
+        fewer_values.resize(fewer.count);
+        fewer_positions.resize(fewer.count);
+        EXPECT_EQ(fewer_values, expected);
+        EXPECT_EQ(fewer_positions, expected_positions);
+        EXPECT_EQ(uncertain, expected_uncertain);
+    }
+}
+
 TEST_P(CandidateKernelsTest, RankDistancesAndEqualOnesByIndex) {
     for (std::size_t count = 0; count <= 67; ++count) {
         for (const double grid : {1.0, 1000.0}) {

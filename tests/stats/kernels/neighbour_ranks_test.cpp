@@ -66,6 +66,43 @@ TEST_P(RankKernelsTest, FindTheNearestOfEveryNumberOfPoints) {
     }
 }
 
+/// In the order of the distances a group of points has all of the nearest, or none.
+std::vector<double> ordered(std::vector<double> distances, std::size_t count, bool falls) {
+    const auto end = distances.begin() + static_cast<std::ptrdiff_t>(count);
+    std::sort(distances.begin(), end);
+    if (falls) {
+        std::reverse(distances.begin(), end);
+    }
+    return distances;
+}
+
+TEST_P(RankKernelsTest, FindTheNearestOfManyPoints) {
+    constexpr std::size_t kCount = 1203;
+    const double infinity = std::numeric_limits<double>::infinity();
+    std::vector<std::vector<double>> cases = {distances_of(kCount, false),
+                                              distances_of(kCount, true)};
+    cases.push_back(ordered(cases[0], kCount, false));
+    cases.push_back(ordered(cases[0], kCount, true));
+    cases.emplace_back(cases[0].size(), infinity);
+    std::fill_n(cases.back().begin(), 200, -0.0);
+    for (const std::vector<double>& distances : cases) {
+        const std::vector<std::uint32_t> order = plain_order(distances, kCount);
+        for (const std::size_t wanted : {1U, 30U, 64U, 65U, 199U}) {
+            std::vector<std::uint32_t> nearest(wanted);
+            std::vector<double> nearest_distances(wanted);
+            kernels.nearest(distances.data(),
+                            distances.size(),
+                            wanted,
+                            nearest.data(),
+                            nearest_distances.data());
+            for (std::size_t i = 0; i < wanted; ++i) {
+                ASSERT_EQ(nearest[i], order[i]) << i << " of " << wanted;
+                ASSERT_EQ(nearest_distances[i], distances[order[i]]);
+            }
+        }
+    }
+}
+
 TEST_P(RankKernelsTest, RankEveryPointAsSortingDoes) {
     for (const bool is_coarse : {false, true}) {
         for (std::size_t count = 1; count <= 67; ++count) {

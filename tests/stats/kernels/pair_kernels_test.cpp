@@ -227,6 +227,32 @@ TEST_P(PairKernelsTest, SimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) 
     }
 }
 
+TEST_P(PairKernelsTest, SumsOfSimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) {
+    for (std::size_t dims = 1; dims <= 4; ++dims) {
+        for (std::size_t N = 1; N <= 67; ++N) {
+            const std::vector<double> columns = embedding_columns(N, dims);
+            const std::size_t stride = padded_to_panels(N);
+            std::vector<double> sums(stride);
+            for (std::size_t panel = 0; panel * kPanelWidth < N; ++panel) {
+                kernels.similarity_sums(
+                    {columns.data(), N, dims}, panel, sums.data() + panel * kPanelWidth);
+            }
+            for (std::size_t n = 0; n < N; ++n) {
+                double sum = 0.0;
+                for (std::size_t m = 0; m < N; ++m) {
+                    double squared_distance = 0.0;
+                    for (std::size_t d = 0; d < dims; ++d) {
+                        const double difference = columns[d * stride + m] - columns[d * stride + n];
+                        squared_distance += difference * difference;
+                    }
+                    sum += m == n ? 0.0 : 1.0 / (1.0 + squared_distance);
+                }
+                ASSERT_EQ(sums[n], sum) << n << " of " << N;
+            }
+        }
+    }
+}
+
 /// What the sums over panels write for the rows of points, one after the other.
 std::vector<double> sums_of_panels(const PairKernels& kernels, std::size_t N, std::size_t dims) {
     const std::vector<double> columns = embedding_columns(N, dims);
