@@ -9,7 +9,18 @@
 namespace ovik {
 namespace {
 
+/// Whether numbers of the longer type have more places than a double: emulators such as valgrind
+/// compute them as doubles.
+bool long_doubles_are_longer() {
+    const volatile long double one = 1.0L;
+    const volatile long double sum = one + 0x1p-60L;
+    return sum != one;
+}
+
 TEST(UnitRoot, IsNearTheCosineAndSineOfTheAngle) {
+    if (!long_doubles_are_longer()) {
+        GTEST_SKIP() << "the angle is not known well enough here";
+    }
     for (const std::size_t n : {1U, 2U, 3U, 7U, 12U, 360U, 4096U, 6075U}) {
         for (std::size_t k = 0; k < n; ++k) {
             const long double angle = 2.0L * 3.14159265358979323846264338327950288L *
