@@ -2,40 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/instruction_sets.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/toy_metrics.h"
 
 namespace ovik {
 namespace {
-
-/// All rows but one, the nearest first, of those equally far the lower first.
-std::vector<std::uint32_t> plain_order(const std::vector<double>& points,
-                                       std::size_t dims,
-                                       std::size_t row) {
-    std::vector<double> squared;
-    for (std::size_t n = 0; n < points.size() / dims; ++n) {
-        double sum = 0.0;
-        for (std::size_t d = 0; d < dims; ++d) {
-            const double difference = points[n * dims + d] - points[row * dims + d];
-            sum += difference * difference;
-        }
-        squared.push_back(sum);
-    }
-    std::vector<std::uint32_t> order(squared.size());
-    std::iota(order.begin(), order.end(), 0U);
-    order.erase(order.begin() + static_cast<std::ptrdiff_t>(row));
-    std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        return squared[a] < squared[b];
-    });
-    return order;
-}
 
 class RankSearchTest : public testing::TestWithParam<InstructionSet> {
   protected:
@@ -56,7 +34,7 @@ class RankSearchTest : public testing::TestWithParam<InstructionSet> {
             std::vector<std::vector<std::uint32_t>> orders;
             std::vector<std::uint32_t> given;
             for (std::size_t row = rows.begin; row < rows.end; ++row) {
-                orders.push_back(plain_order(points, dims, row));
+                orders.push_back(test::order_of_others(points, dims, row));
                 std::vector<std::uint32_t> some = orders.back();
                 some.resize(std::min(some.size(), wanted << row % 4));
                 std::shuffle(some.begin(), some.end(), generator);

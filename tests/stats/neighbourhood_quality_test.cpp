@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <numeric>
 #include <random>
 #include <stdexcept>
 
@@ -13,34 +12,13 @@
 #include "util/input_error.h"
 
 #include "tests/support/instruction_sets.h"
+#include "tests/support/nearest_rows.h"
 #include "tests/support/random_points.h"
 #include "tests/support/threads.h"
 #include "tests/support/toy_metrics.h"
 
 namespace ovik {
 namespace {
-
-/// All other rows, the nearest first, of those equally far the first of the matrix.
-std::vector<std::size_t> plain_order(const std::vector<double>& points,
-                                     std::size_t dims,
-                                     std::size_t row) {
-    std::vector<double> distances;
-    for (std::size_t n = 0; n < points.size() / dims; ++n) {
-        double squared = 0.0;
-        for (std::size_t d = 0; d < dims; ++d) {
-            const double difference = points[n * dims + d] - points[row * dims + d];
-            squared += difference * difference;
-        }
-        distances.push_back(squared);
-    }
-    std::vector<std::size_t> order(distances.size());
-    std::iota(order.begin(), order.end(), 0U);
-    order.erase(order.begin() + static_cast<std::ptrdiff_t>(row));
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        return distances[a] < distances[b];
-    });
-    return order;
-}
 
 NeighbourhoodQuality plain_quality(const std::vector<double>& X,
                                    std::size_t D,
@@ -51,8 +29,8 @@ NeighbourhoodQuality plain_quality(const std::vector<double>& X,
     double excess = 0.0;
     double shared = 0.0;
     for (std::size_t n = 0; n < N; ++n) {
-        const auto input = plain_order(X, D, n);
-        const auto embedding = plain_order(Y, dims, n);
+        const auto input = test::order_of_others(X, D, n);
+        const auto embedding = test::order_of_others(Y, dims, n);
         for (std::size_t place = 0; place < k; ++place) {
             const auto rank =
                 std::find(input.begin(), input.end(), embedding[place]) - input.begin() + 1;
@@ -76,21 +54,21 @@ MisplacedNeighbours plain_misplaced(const std::vector<double>& X,
     const std::size_t N = X.size() / D;
     const std::size_t far = std::max(near, std::min(3 * near, (N - 1) / 2));
     MisplacedNeighbours result{near, far};
-    const auto is_beyond = [far](const std::vector<std::size_t>& order, std::size_t row) {
+    const auto is_beyond = [far](const std::vector<std::uint32_t>& order, std::uint32_t row) {
         const auto place = std::find(order.begin(), order.end(), row) - order.begin();
         return place >= static_cast<std::ptrdiff_t>(far);
     };
     for (std::size_t n = 0; n < N; ++n) {
-        const auto input = plain_order(X, D, n);
-        const auto embedding = plain_order(Y, dims, n);
+        const auto input = test::order_of_others(X, D, n);
+        const auto embedding = test::order_of_others(Y, dims, n);
         result.falsely_near.emplace_back();
         result.torn.emplace_back();
         for (std::size_t i = 0; i < near; ++i) {
             if (is_beyond(input, embedding[i])) {
-                result.falsely_near[n].push_back(static_cast<std::uint32_t>(embedding[i]));
+                result.falsely_near[n].push_back(embedding[i]);
             }
             if (is_beyond(embedding, input[i])) {
-                result.torn[n].push_back(static_cast<std::uint32_t>(input[i]));
+                result.torn[n].push_back(input[i]);
             }
         }
     }

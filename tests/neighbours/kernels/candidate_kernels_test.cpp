@@ -159,58 +159,70 @@ TEST_P(CandidateKernelsTest, FindABoundOfAsManyAsAreWanted) {
     EXPECT_EQ(kernels.bound(equal.data(), 50, 20), 2.5F);
 }
 
+/// Values of candidates and their positions.
+struct Listed {
+    std::vector<float> values;
+    std::vector<std::uint32_t> positions;
+};
+
+/// As many candidates, whose positions are multiples of 7, and room behind them.
+Listed list_of(std::size_t count) {
+    Listed list{random_floats(count + kPackedMultiple, 37), {}};
+    for (std::uint32_t i = 0; i < list.values.size(); ++i) {
+        list.positions.push_back(7 * i);
+    }
+    return list;
+}
+
+/// Those of the first `count` candidates whose values fulfil a condition.
+template <typename Condition>
+Listed chosen_of(const Listed& list, std::size_t count, const Condition& is_chosen) {
+    Listed chosen;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (is_chosen(list.values[i])) {
+            chosen.values.push_back(list.values[i]);
+            chosen.positions.push_back(list.positions[i]);
+        }
+    }
+    return chosen;
+}
+
 TEST_P(CandidateKernelsTest, DropWhatIsAboveTheLimitAndKeepTheOrder) {
     for (std::size_t count = 0; count <= 67; ++count) {
-        std::vector<float> values = random_floats(count + kPackedMultiple, 37);
-        std::vector<std::uint32_t> positions(values.size());
-        std::vector<float> expected;
-        std::vector<std::uint32_t> expected_positions;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            positions[i] = 7 * i;
-            if (values[i] <= 0.5F) {
-                expected.push_back(values[i]);
-                expected_positions.push_back(7 * i);
-            }
-        }
-        Candidates candidates{values.data(), positions.data(), count, 0.5F};
+        Listed list = list_of(count);
+        const Listed expected = chosen_of(list, count, [](float value) { return value <= 0.5F; });
+        Candidates candidates{list.values.data(), list.positions.data(), count, 0.5F};
         kernels.drop(candidates);
-        values.resize(candidates.count);
-        positions.resize(candidates.count);
-        EXPECT_EQ(values, expected);
-        EXPECT_EQ(positions, expected_positions);
+        list.values.resize(candidates.count);
+        list.positions.resize(candidates.count);
+        EXPECT_EQ(list.values, expected.values);
+        EXPECT_EQ(list.positions, expected.positions);
     }
 }
 
 TEST_P(CandidateKernelsTest, NarrowToWhatIsNotAboveALimitAndTellWhatIsUncertain) {
     for (std::size_t count = 0; count <= 67; ++count) {
-        std::vector<float> values = random_floats(count + kPackedMultiple, 37);
-        std::vector<std::uint32_t> positions(values.size());
-        std::vector<float> expected;
-        std::vector<std::uint32_t> expected_positions;
-        std::vector<std::uint32_t> expected_uncertain;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            positions[i] = 7 * i;
+        Listed list = list_of(count);
+        for (std::size_t i = 0; i < count; ++i) {
             // The bounds themselves are not above the one and not below the other.
-            values[i] = i % 9 == 4 ? 0.5F : i % 9 == 7 ? 0.125F : values[i];
-            if (values[i] <= 0.5F) {
-                expected.push_back(values[i]);
-                expected_positions.push_back(7 * i);
-            }
-            if (values[i] <= 0.5F && values[i] >= 0.125F) {
-                expected_uncertain.push_back(7 * i);
-            }
+            list.values[i] = i % 9 == 4 ? 0.5F : i % 9 == 7 ? 0.125F : list.values[i];
         }
-        std::vector<float> fewer_values(values.size());
-        std::vector<std::uint32_t> fewer_positions(values.size());
-        std::vector<std::uint32_t> uncertain(values.size());
-        Candidates fewer{fewer_values.data(), fewer_positions.data(), 0, 0.5F};
-        uncertain.resize(kernels.narrow(
-            {values.data(), positions.data(), count, 0.0F}, 0.125F, fewer, uncertain.data()));
-        fewer_values.resize(fewer.count);
-        fewer_positions.resize(fewer.count);
-        EXPECT_EQ(fewer_values, expected);
-        EXPECT_EQ(fewer_positions, expected_positions);
-        EXPECT_EQ(uncertain, expected_uncertain);
+        const Listed expected = chosen_of(list, count, [](float value) { return value <= 0.5F; });
+        const Listed expected_uncertain =
+            chosen_of(list, count, [](float value) { return value <= 0.5F && value >= 0.125F; });
+        Listed fewer{std::vector<float>(list.values.size()),
+                     std::vector<std::uint32_t>(list.values.size())};
+        std::vector<std::uint32_t> uncertain(list.values.size());
+        Candidates narrowed{fewer.values.data(), fewer.positions.data(), 0, 0.5F};
+        uncertain.resize(kernels.narrow({list.values.data(), list.positions.data(), count, 0.0F},
+                                        0.125F,
+                                        narrowed,
+                                        uncertain.data()));
+        fewer.values.resize(narrowed.count);
+        fewer.positions.resize(narrowed.count);
+        EXPECT_EQ(fewer.values, expected.values);
+        EXPECT_EQ(fewer.positions, expected.positions);
+        EXPECT_EQ(uncertain, expected_uncertain.positions);
     }
 }
 

@@ -16,6 +16,20 @@ namespace {
 
 class RankKernelsTest : public testing::TestWithParam<InstructionSet> {
   protected:
+    /// @param order  of all points, the nearest first
+    void expectNearest(const std::vector<double>& distances,
+                       const std::vector<std::uint32_t>& order,
+                       std::size_t wanted) const {
+        std::vector<std::uint32_t> nearest(wanted);
+        std::vector<double> nearest_distances(wanted);
+        kernels.nearest(
+            distances.data(), distances.size(), wanted, nearest.data(), nearest_distances.data());
+        for (std::size_t i = 0; i < wanted; ++i) {
+            ASSERT_EQ(nearest[i], order[i]) << i << " of " << wanted << " of " << order.size();
+            ASSERT_EQ(nearest_distances[i], distances[order[i]]);
+        }
+    }
+
     const RankKernels& kernels = rank_kernels(GetParam());
 };
 
@@ -50,17 +64,7 @@ TEST_P(RankKernelsTest, FindTheNearestOfEveryNumberOfPoints) {
             const std::vector<double> distances = distances_of(count, is_coarse);
             const std::vector<std::uint32_t> order = plain_order(distances, count);
             for (std::size_t wanted = 1; wanted < count; wanted += 1 + wanted / 3) {
-                std::vector<std::uint32_t> nearest(wanted);
-                std::vector<double> nearest_distances(wanted);
-                kernels.nearest(distances.data(),
-                                distances.size(),
-                                wanted,
-                                nearest.data(),
-                                nearest_distances.data());
-                for (std::size_t i = 0; i < wanted; ++i) {
-                    ASSERT_EQ(nearest[i], order[i]) << wanted << " of " << count;
-                    ASSERT_EQ(nearest_distances[i], distances[order[i]]);
-                }
+                expectNearest(distances, order, wanted);
             }
         }
     }
@@ -88,17 +92,7 @@ TEST_P(RankKernelsTest, FindTheNearestOfManyPoints) {
     for (const std::vector<double>& distances : cases) {
         const std::vector<std::uint32_t> order = plain_order(distances, kCount);
         for (const std::size_t wanted : {1U, 30U, 64U, 65U, 199U}) {
-            std::vector<std::uint32_t> nearest(wanted);
-            std::vector<double> nearest_distances(wanted);
-            kernels.nearest(distances.data(),
-                            distances.size(),
-                            wanted,
-                            nearest.data(),
-                            nearest_distances.data());
-            for (std::size_t i = 0; i < wanted; ++i) {
-                ASSERT_EQ(nearest[i], order[i]) << i << " of " << wanted;
-                ASSERT_EQ(nearest_distances[i], distances[order[i]]);
-            }
+            expectNearest(distances, order, wanted);
         }
     }
 }

@@ -206,6 +206,20 @@ std::vector<double> embedding_columns(std::size_t N, std::size_t dims) {
     return columns;
 }
 
+/// The similarity of two points that are stored coordinate by coordinate.
+double plain_similarity(const std::vector<double>& columns,
+                        std::size_t dims,
+                        std::size_t n,
+                        std::size_t m) {
+    const std::size_t stride = columns.size() / dims;
+    double squared_distance = 0.0;
+    for (std::size_t d = 0; d < dims; ++d) {
+        const double difference = columns[d * stride + n] - columns[d * stride + m];
+        squared_distance += difference * difference;
+    }
+    return 1.0 / (squared_distance + 1.0);
+}
+
 TEST_P(PairKernelsTest, SimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) {
     for (std::size_t dims = 1; dims <= 4; ++dims) {
         for (std::size_t N = 1; N <= 67; ++N) {
@@ -215,12 +229,7 @@ TEST_P(PairKernelsTest, SimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPoints) 
             for (std::size_t n = 0; n < N; ++n) {
                 kernels.similarities({columns.data(), N, dims}, n, q.data());
                 for (std::size_t m = 0; m < N; ++m) {
-                    double squared_distance = 0.0;
-                    for (std::size_t d = 0; d < dims; ++d) {
-                        const double difference = columns[d * stride + m] - columns[d * stride + n];
-                        squared_distance += difference * difference;
-                    }
-                    ASSERT_EQ(q[m], m == n ? 0.0 : 1.0 / (1.0 + squared_distance));
+                    ASSERT_EQ(q[m], m == n ? 0.0 : plain_similarity(columns, dims, n, m));
                 }
             }
         }
@@ -240,12 +249,7 @@ TEST_P(PairKernelsTest, SumsOfSimilaritiesAreThoseOfAPlainLoopForEveryNumberOfPo
             for (std::size_t n = 0; n < N; ++n) {
                 double sum = 0.0;
                 for (std::size_t m = 0; m < N; ++m) {
-                    double squared_distance = 0.0;
-                    for (std::size_t d = 0; d < dims; ++d) {
-                        const double difference = columns[d * stride + m] - columns[d * stride + n];
-                        squared_distance += difference * difference;
-                    }
-                    sum += m == n ? 0.0 : 1.0 / (1.0 + squared_distance);
+                    sum += m == n ? 0.0 : plain_similarity(columns, dims, n, m);
                 }
                 ASSERT_EQ(sums[n], sum) << n << " of " << N;
             }
@@ -331,12 +335,7 @@ double plain_force(std::size_t N, std::size_t dims, std::size_t n, std::size_t d
     const std::size_t stride = padded_to_panels(N);
     double force = 0.0;
     for (std::size_t m = 0; m < N; ++m) {
-        double squared_distance = 0.0;
-        for (std::size_t i = 0; i < dims; ++i) {
-            const double difference = columns[i * stride + n] - columns[i * stride + m];
-            squared_distance += difference * difference;
-        }
-        const double q = 1.0 / (squared_distance + 1.0);
+        const double q = plain_similarity(columns, dims, n, m);
         const double p = n == m ? 0.0 : 1e-4 * static_cast<double>((n + m) % 5);
         force += (columns[d * stride + n] - columns[d * stride + m]) * (q * (p - q / 100.0));
     }
