@@ -77,6 +77,14 @@ enum class NeighbourSearchKind {
     Approximate,
 };
 
+/// Whose exponentials and logarithms decide a fit, and what decides among rows at equal distance.
+enum class NumericsKind {
+    /// Those of the platform's C library; the way of the search.
+    Platform,
+    /// Correctly rounded ones; the lower row: the same on every machine.
+    Portable,
+};
+
 /// The names of the members of a choice, in their order: `kAll` of the specialisations.
 template <typename Kind>
 struct ChoiceNames;
@@ -115,6 +123,11 @@ struct ChoiceNames<AffinityKind> {
 template <>
 struct ChoiceNames<NeighbourSearchKind> {
     static constexpr std::array<std::string_view, 2> kAll{"exact", "approximate"};
+};
+
+template <>
+struct ChoiceNames<NumericsKind> {
+    static constexpr std::array<std::string_view, 2> kAll{"platform", "portable"};
 };
 
 /// The name of a member of a choice; empty for what is none.

@@ -49,6 +49,7 @@ struct FitOptions {
     bool automatic_rate = false;
     /// 0 for a fit that goes on to its last iteration.
     double stop_when = 0.0;
+    NumericsKind numerics = NumericsKind::Platform;
 };
 
 /// Calls `visit` with each option in turn: a `FitOption`, `FitChoice` or `FitList`.
@@ -283,6 +284,13 @@ void visit_fit_options(Options& options, Visitor&& visit) {
          .title = "Least gain",
          .sentence = "Share of the cost that 50 iterations have to gain for the fit to go on, or 0",
          .decides_states = false});
+    choice(options.numerics,
+           kPreset.numerics,
+           {.name = "numerics",
+            .python = "numerics",
+            .flags = "--numerics",
+            .title = "Numerics",
+            .sentence = "Whether the map is bound to this platform, or the same on every machine"});
 }
 
 }  // namespace ovik

@@ -42,6 +42,7 @@ FitOptions refined_options(std::size_t /*rows*/) {
     options.exaggeration = 4.0;
     options.automatic_rate = true;
     options.final_momentum = 0.95;
+    options.numerics = NumericsKind::Portable;
     return options;
 }
 
