@@ -4,11 +4,13 @@
 
 namespace ovik {
 
+using RealFunction = double (*)(double x);
+
 /// The functions beyond sums, products, quotients and roots that decide a fit.
 struct Elementary {
-    double (*log)(double x);
+    RealFunction log;
     /// log(1 + x)
-    double (*log1p)(double x);
+    RealFunction log1p;
     /// Puts e^x in the place of each x of an array.
     void (*exponentials)(double* values, std::size_t count);
 };
