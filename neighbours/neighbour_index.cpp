@@ -416,8 +416,9 @@ void NeighbourIndex::visit(
     }
     const double threshold = thresholds_[range.lower];
     const bool is_inside = distance < threshold;
-    const double reach = reachOf(queries, distance + threshold);
     for (const bool goes_left : {is_inside, !is_inside}) {
+        // The radius has shrunk when the second half is looked at.
+        const double reach = reachOf(queries, distance + threshold);
         if (goes_left && distance - reach <= threshold) {
             visit(range.left(), levels - 1, place, leftLane(levels, lane), queries);
         }
