@@ -4,7 +4,7 @@ cd "$(dirname "$0")/.."
 
 build_packages="g++ make cmake libgoogle-glog-dev libcli11-dev nlohmann-json3-dev libxxhash-dev zlib1g-dev
   libpugixml-dev libminizip-dev libhdf5-dev gnuplot-nox"
-test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev python3
+test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev libmpfr-dev python3
   chromium fonts-dejavu-core fonts-liberation2 groff-base locales poppler-utils
   pybind11-dev python3-dev python3-numpy python3-pip python3-pytest python3-setuptools python3-venv
   python3-wheel python3-yaml mypy python3-anndata python3-h5py python3-igraph python3-leidenalg

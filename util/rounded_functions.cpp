@@ -68,7 +68,7 @@ WideNumber wide_exp(const WideNumber& r) {
 /// A number with its sign.
 struct SignedWide {
     WideNumber size;
-    bool is_negative;
+    bool is_negative = false;
 };
 
 SignedWide sum(const SignedWide& a, const SignedWide& b) {

@@ -9,7 +9,7 @@ namespace ovik {
 /// of a double lies too near the middle of two doubles to be rounded.
 ///
 /// @par Source Lefevre and Muller, "Worst cases for correct rounding of the elementary functions in
-/// double precision", ARITH 15, 2001: 2^-120 of the value is enough
+/// double precision", ARITH 15, 2001: 2^-158 of the value is enough
 class WideNumber {
   public:
     static constexpr int kFractionBits = 240;
@@ -23,7 +23,8 @@ class WideNumber {
     /// A whole number below 2^16.
     static WideNumber ofWhole(std::uint64_t whole);
 
-    /// significand * 2^exponent, which is below 2^16; what lies below the last place is cut off.
+    /// significand * 2^exponent, which is below 2^16, as is 2^exponent; what lies below the last
+    /// place is cut off.
     static WideNumber ofScaled(std::uint64_t significand, int exponent);
 
     [[nodiscard]] bool isZero() const;

@@ -164,7 +164,7 @@ Sum difference(Lanes a, Lanes b) {
     return {high, (a - (high - minus_b)) - (b + minus_b)};
 }
 
-/// e^r - 1 - r for |r| <= 0.0028, to 2^-69.
+/// e^r - 1 - r for |r| <= 0.00271, to 2^-69.
 Lanes tail_of_series(Lanes r) {
     const Lanes r2 = r * r;
     const Lanes low = r * (1.0 / 6.0) + 0.5;
