@@ -30,6 +30,7 @@ tsne.matrix <- function(
   release_iter = 125,
   gains = "adaptive",
   stop_when = 0,
+  numerics = "platform",
   preset = "classic",
   labels = NULL,
   threads = NULL,
@@ -60,7 +61,8 @@ tsne.matrix <- function(
     hold_iter = hold_iter,
     release_iter = release_iter,
     gains = gains,
-    stop_when = stop_when
+    stop_when = stop_when,
+    numerics = numerics
   )
   refuse_others(...)
   embed(x, options, preset, labels, threads, verbose, match.call())
@@ -91,6 +93,7 @@ requirements <- c(
   hold_iter = "a whole number from 0 to 2147483647",
   release_iter = "a whole number from 0 to 2147483647",
   gains = "\"adaptive\" or \"constant\"",
-  stop_when = "a number at least 0, below 1"
+  stop_when = "a number at least 0, below 1",
+  numerics = "\"platform\" or \"portable\""
 )
 # end of the options of a fit

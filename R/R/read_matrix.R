@@ -28,7 +28,8 @@ read_matrix <- function(
     missing = checked_choice("missing", missing, c("zero", "row-mean", "column-mean", "drop", "error")),
     sheet = if (!is.null(sheet)) checked_text("sheet", sheet, "the name of a sheet"),
     row_names = if (!is.null(row_names)) checked_file("row_names", row_names),
-    log1p = checked_flag("log1p", log1p),
+    log1p = identical(log1p, "portable") || checked_flag("log1p", log1p),
+    is_portable = identical(log1p, "portable"),
     center = checked_choice("center", center, c("rows", "columns")),
     scale = checked_flag("scale", scale),
     transpose = checked_flag("transpose", transpose)

@@ -245,6 +245,7 @@ LoadOptions load_options(const cpp11::list& form) {
     options.sheet = text_of(form["sheet"]);
     options.row_names_file = path_of(form["row_names"]);
     options.transformations.log1p = cpp11::as_cpp<bool>(form["log1p"]);
+    options.transformations.is_portable = cpp11::as_cpp<bool>(form["is_portable"]);
     options.transformations.centre = centring_of(text_of(form["center"])).value_or(Centring::None);
     options.transformations.scale = cpp11::as_cpp<bool>(form["scale"]);
     options.transformations.transpose = cpp11::as_cpp<bool>(form["transpose"]);

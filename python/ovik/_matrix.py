@@ -45,7 +45,7 @@ def read_matrix(
     missing: str | None = None,
     sheet: str | None = None,
     row_names: str | os.PathLike[str] | None = None,
-    log1p: bool = False,
+    log1p: bool | Literal["portable"] = False,
     center: Literal["rows", "columns"] | None = None,
     scale: bool = False,
     transpose: bool = False,
@@ -84,9 +84,10 @@ def read_matrix(
         The sheet of an Excel workbook. By default the first that is not hidden.
     row_names : str or path-like, optional
         A file with the name of a row per line, for formats that have none.
-    log1p : bool, default False
-        Whether to take log(1 + x) of the values: for counts. No value may be missing for this and
-        the next two; they are done in this order.
+    log1p : bool or "portable", default False
+        Whether to take log(1 + x) of the values: for counts. "portable" takes one that is the same on
+        every machine, for ``TSNE(numerics="portable")``. No value may be missing for this and the
+        next two; they are done in this order.
     center : {None, "rows", "columns"}, optional
         Which means to subtract.
     scale : bool, default False
@@ -135,7 +136,8 @@ def read_matrix(
         "missing_signs": [_checked_sign(sign).encode(encoding) for sign in _listed(na)],
         "sheet": "" if sheet is None else sheet.encode(encoding),
         "row_names": "" if row_names is None else os.fsencode(row_names),
-        "log1p": bool(log1p),
+        "log1p": _checked_log1p(log1p),
+        "is_portable": log1p == "portable",
         "center": _checked_center(center),
         "scale": bool(scale),
         "transpose": bool(transpose),
@@ -184,6 +186,12 @@ def _checked_decimal(decimal: str | None) -> str | None:
     if decimal not in (None, ".", ","):
         raise ValueError(f"decimal should be '.' or ',', not {decimal!r}")
     return decimal
+
+
+def _checked_log1p(log1p: bool | str) -> bool:
+    if isinstance(log1p, str) and log1p != "portable":
+        raise ValueError(f'log1p should be True, False or "portable", not "{log1p}"')
+    return bool(log1p)
 
 
 def _checked_center(center: str | None) -> str:

@@ -48,6 +48,7 @@ class FitParameters:
         release_iter: int = 125,
         gains: Literal["adaptive", "constant"] = "adaptive",
         stop_when: float = 0.0,
+        numerics: Literal["platform", "portable"] = "platform",
         random_state: RandomState = None,
         preset: Preset = "classic",
         neighbour_graph: NeighbourGraph = None,
@@ -85,6 +86,7 @@ class FitParameters:
         self.release_iter = release_iter
         self.gains = gains
         self.stop_when = stop_when
+        self.numerics = numerics
         self.random_state = random_state
         self.preset = preset
         self.neighbour_graph = neighbour_graph
@@ -124,6 +126,7 @@ class FitParameters:
             "release_iter": self.release_iter,
             "gains": self.gains,
             "stop_when": self.stop_when,
+            "numerics": self.numerics,
         }
 
 
@@ -179,5 +182,7 @@ DESCRIPTIONS = """\
         Factor of each coordinate's learning rate.
     stop_when : float, default 0.0
         Share of the cost that 50 iterations have to gain for the fit to go on, or 0, at least 0, below 1.
+    numerics : {"platform", "portable"}, default "platform"
+        Whether the map is bound to this platform, or the same on every machine.
 """
 # end of the options of a fit

@@ -404,6 +404,7 @@ LoadOptions load_options(const py::dict& form) {
     options.sheet = form["sheet"].cast<std::string>();
     options.row_names_file = form["row_names"].cast<std::string>();
     options.transformations.log1p = form["log1p"].cast<bool>();
+    options.transformations.is_portable = form["is_portable"].cast<bool>();
     options.transformations.centre =
         centring_of(form["center"].cast<std::string>()).value_or(Centring::None);
     options.transformations.scale = form["scale"].cast<bool>();

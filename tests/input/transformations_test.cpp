@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "util/input_error.h"
+#include "util/rounded_functions.h"
 
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
@@ -103,6 +104,19 @@ TEST(RowTotal, IsThatOfEveryRowBeforeLogarithms) {
 TEST(Log1p, IsTheNaturalLogarithmOfOneMore) {
     EXPECT_THAT(transformed(kLog1p, 2, {0, 1, 1e-20, 1e6}),
                 ElementsAre(0.0, std::log1p(1.0), 1e-20, std::log1p(1e6)));
+}
+
+TEST(Log1p, IsCorrectlyRoundedWhereThatIsWanted) {
+    std::vector<double> values(4000);
+    std::vector<double> rounded(values.size());
+    std::vector<double> of_library(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = 0.37 * static_cast<double>(i);
+        rounded[i] = rounded_log1p(values[i]);
+        of_library[i] = std::log1p(values[i]);
+    }
+    EXPECT_EQ(transformed({.log1p = true, .is_portable = true}, 2, values), rounded);
+    EXPECT_EQ(transformed(kLog1p, 2, values), of_library);
 }
 
 TEST(Log1p, RefusesTheFirstNegativeValueByItsPlace) {

@@ -29,7 +29,7 @@ def test_parameters_have_the_commands_defaults():
         "exaggeration": 12.0, "start_spread": 0.0001, "momentum": 0.5, "final_momentum": 0.8,
         "gains": "adaptive", "metric": "euclidean", "pca": 0, "affinity": "perplexity", "neighbours": 15,
         "multiscale": None, "neighbour_search": "exact", "init": "random", "schedule": "classic", "hold_iter": 125,
-        "release_iter": 125, "stop_when": 0.0, "neighbour_graph": None,
+        "release_iter": 125, "stop_when": 0.0, "numerics": "platform", "neighbour_graph": None,
         "preset": "classic", "random_state": None, "callbacks": None,
         "callbacks_every_iters": 50, "on_interrupt": "raise", "quality": None, "reliability": False, "seeds": 1,
         "n_jobs": -1, "verbose": False,

@@ -163,6 +163,14 @@ def test_values_are_transformed_in_the_order_of_the_options(write):
     assert matrix.values == pytest.approx(expected, rel=1e-14)
 
 
+def test_logarithms_are_portable_where_that_is_wanted(write):
+    path = write("gene,a,b,c\nG1,1,2.5,0\nG2,3,400,7\nG3,0,5,2\nG4,9,1,6\n")
+    portable = ovik.read_matrix(path, log1p="portable").values
+    np.testing.assert_array_max_ulp(portable, np.log1p(ovik.read_matrix(path).values), maxulp=1)
+    with pytest.raises(ValueError, match='log1p should be True, False or "portable", not "rounded"'):
+        ovik.read_matrix(path, log1p="rounded")
+
+
 def test_columns_become_rows_at_last(write):
     text = "gene,a,b,c\nG1,1,2.5,0\nG2,3,400,7\nG3,0,5,2\n"
     expected = ovik.read_matrix(write(text), center="rows")

@@ -12,9 +12,11 @@
 #include "stats/fit.h"
 #include "stats/row_metric.h"
 #include "util/input_error.h"
+#include "util/rounded_functions.h"
 
 #include "tests/plain/plain_placement.h"
 #include "tests/support/held_out_rows.h"
+#include "tests/support/plain_functions.h"
 #include "tests/support/random_points.h"
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
@@ -36,7 +38,9 @@ struct RandomMap {
         return {{input.data(), shape[0], shape[1]},
                 scale,
                 {embedding.data(), shape[0], shape[2]},
-                perplexity};
+                perplexity,
+                MetricKind::Euclidean,
+                numerics};
     }
 
     [[nodiscard]] plain::FixedMap plainly() const {
@@ -48,6 +52,7 @@ struct RandomMap {
     std::vector<double> embedding;
     std::size_t shape[3];
     double perplexity;
+    NumericsKind numerics = NumericsKind::Platform;
     InputScale scale;
 };
 
@@ -79,6 +84,16 @@ void expect_plain_places(const RandomMap& map, const std::vector<double>& values
 
 TEST(PlaceRows, EqualsThePlainProgramBitForBit) {
     expect_plain_places(RandomMap(300, 6, 2, 12.7), test::random_values(20 * 6, 5, 7.0));
+}
+
+TEST(PlaceRows, ByPortableNumericsEqualsThePlainProgramWithRoundedFunctions) {
+    RandomMap map(300, 6, 2, 12.7);
+    const std::vector<double> values = test::random_values(60 * 6, 5, 7.0);
+    const std::vector<double> by_platform = place(map, values).embedding;
+    map.numerics = NumericsKind::Portable;
+    const test::PlainFunctions scope({&rounded_exp, &rounded_log});
+    expect_plain_places(map, values);
+    EXPECT_NE(place(map, values).embedding, by_platform);
 }
 
 TEST(PlaceRows, TakesAnyNumberOfDimensions) {

@@ -28,6 +28,7 @@ _ovik_tsne() {
       ;;
     --affinity) COMPREPLY=($(compgen -W $'perplexity\nuniform' -- "$current")) ;;
     --schedule) COMPREPLY=($(compgen -W $'classic\nannealed' -- "$current")) ;;
+    --numerics) COMPREPLY=($(compgen -W $'platform\nportable' -- "$current")) ;;
     --gains) COMPREPLY=($(compgen -W $'adaptive\nconstant' -- "$current")) ;;
     --start)
       compopt -o filenames

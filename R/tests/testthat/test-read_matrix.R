@@ -106,6 +106,8 @@ test_that("values are transformed in the order of the arguments", {
   expected <- expected - rowMeans(expected)
   expected <- sweep(expected, 2, apply(expected, 2, sd), "/")
   expect_equal(read_matrix(path, log1p = TRUE, center = "rows", scale = TRUE), expected, tolerance = 1e-14)
+  expect_equal(read_matrix(path, log1p = "portable"), log1p(read_matrix(path)), tolerance = 1e-15)
+  expect_error(read_matrix(path, log1p = "rounded"), "log1p should be")
 })
 
 test_that("columns become rows at last", {

@@ -41,6 +41,7 @@ choices <- list(
   list(perplexity = 7.5, schedule = "annealed", hold_iter = 10, release_iter = 15, learning_rate = "auto"),
   list(perplexity = 7.5, stop_when = 0.01, stop_lying_iter = 0, max_iter = 120),
   list(perplexity = 7.5, gains = "constant"),
+  list(perplexity = 7.5, numerics = "portable"),
   list(perplexity = 7.5, preset = "refined")
 )
 
