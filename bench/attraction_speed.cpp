@@ -105,7 +105,9 @@ void time_form(
     }
     const double ordering = now() - start;
     start = now();
-    ovik::SlicedAttraction attraction(ovik::joint_matrix(std::move(rows), 2, std::move(order)), 2);
+    ovik::SlicedAttraction attraction(ovik::joint_matrix(std::move(rows), 2, std::move(order)),
+                                      2,
+                                      ovik::platform_elementary().log);
     const double joining = now() - start;
     const std::size_t entries = attraction.matrix().entryCount();
     std::printf("%s, rows %s: order %.3f, joint %.3f, forces %.4f, with cost %.4f; %.1f a row\n",

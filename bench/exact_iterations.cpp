@@ -49,7 +49,7 @@ Input make_input(std::size_t N) {
 double shortest(const Input& input, const ovik::PairKernels& kernels, int threads, int repeats) {
     omp_set_num_threads(threads);
     const std::size_t N = input.diagonal.size();
-    ovik::SymmetricForces forces(N, 2, kernels);
+    ovik::SymmetricForces forces(N, 2, ovik::platform_elementary().log, kernels);
     forces.takeAffinities(input.P.data(), input.diagonal.data());
     std::vector<double> gradient(2 * N);
     double best = HUGE_VAL;

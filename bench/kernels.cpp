@@ -160,7 +160,7 @@ void barnes_hut_iteration(benchmark::State& state) {
     SlicedMatrix P({row_P.data(), col_P.data(), val_P.data()}, N, 2);
     std::vector<double> gradient(2 * N);
     limit_instruction_set(set);
-    SlicedAttraction attraction(std::move(P), 2);
+    SlicedAttraction attraction(std::move(P), 2, platform_elementary().log);
     SparseForces forces(N, 2, std::make_unique<TreeRepulsion>(N, 2, kTheta));
     for (auto _ : state) {
         benchmark::DoNotOptimize(forces.costAndGradient(attraction, Y.data(), gradient.data()));

@@ -156,10 +156,11 @@ std::string transform_sparse(const std::string& path,
     }
     if (transformations.log1p) {
         check_counts(path, spell, "log1p", matrix);
+        const RealFunction log1p = log1p_of(transformations);
         SparseRows& sparse = *matrix.sparse;
         parallel_for_each(sparse.rows, kRowGrain, [&](std::size_t n) {
             for (std::size_t i = sparse.starts[n]; i < sparse.starts[n + 1]; ++i) {
-                sparse.values[i] = std::log1p(sparse.values[i]);
+                sparse.values[i] = log1p(sparse.values[i]);
             }
         });
     }

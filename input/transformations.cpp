@@ -136,6 +136,7 @@ std::string scale_rows(const std::string& path,
 }
 
 void take_logarithms(const std::string& path,
+                     RealFunction log1p,
                      const OptionSpelling& spell,
                      InspectedMatrix& matrix) {
     check_counts(path, spell, "log1p", matrix);
@@ -143,7 +144,7 @@ void take_logarithms(const std::string& path,
     double* const values = matrix.values.get();
     parallel_for_each(matrix.report.rows, kRowGrain, [&](std::size_t n) {
         double* const row = values + n * columns;
-        std::transform(row, row + columns, row, [](double x) { return std::log1p(x); });
+        std::transform(row, row + columns, row, log1p);
     });
 }
 
@@ -345,6 +346,10 @@ std::optional<Transformations> without_totals(std::string_view names) {
 
 }  // namespace
 
+RealFunction log1p_of(const Transformations& transformations) {
+    return (transformations.is_portable ? portable_elementary() : platform_elementary()).log1p;
+}
+
 std::optional<Transformations> transformations_of(std::string_view names) {
     if (!names.starts_with(kRowTotals)) {
         return without_totals(names);
@@ -372,7 +377,7 @@ std::string transform(const std::string& path,
         totals = scale_rows(path, spell, *transformations.row_total, matrix);
     }
     if (transformations.log1p) {
-        take_logarithms(path, spell, matrix);
+        take_logarithms(path, log1p_of(transformations), spell, matrix);
     }
     KnownColumns columns;
     // What is left of equal values in a row, by rounding, is in proportion to those values.
@@ -422,7 +427,7 @@ std::string transform_alike(const std::string& path,
         scale_rows(path, spell, *transformations.row_total, matrix);
     }
     if (transformations.log1p) {
-        take_logarithms(path, spell, matrix);
+        take_logarithms(path, log1p_of(transformations), spell, matrix);
     }
     if (transformations.centre == Centring::Rows) {
         centre_rows(matrix);

@@ -11,6 +11,7 @@
 #include "input/option_spelling.h"
 #include "input/row_totals.h"
 #include "util/api.h"
+#include "util/elementary.h"
 
 namespace ovik {
 
@@ -34,6 +35,9 @@ struct Transformations {
     std::optional<RowTotal> row_total = std::nullopt;
     /// log(1 + x), the natural logarithm: for counts.
     bool log1p = false;
+    /// Whether that is correctly rounded, and so the same on every machine; else it is the C
+    /// library's.
+    bool is_portable = false;
     Centring centre = Centring::None;
     /// Each column is divided by its standard deviation, of n - 1 degrees of freedom.
     bool scale = false;
@@ -49,6 +53,9 @@ struct Transformations {
 /// Names what is done in its order: "row totals median, log1p, center columns, scale, transpose".
 /// Empty if nothing is.
 std::string names_of(const Transformations& transformations);
+
+/// The logarithm of 1 + x that is taken.
+RealFunction log1p_of(const Transformations& transformations);
 
 /// What `names_of` gave these names to; nothing for other texts.
 std::optional<Transformations> transformations_of(std::string_view names);

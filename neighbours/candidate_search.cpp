@@ -259,4 +259,9 @@ bool is_certain(std::span<const NearRow> nearest, std::size_t count, double marg
     return gap > margin && std::adjacent_find(nearest.begin(), end, are_equal) == end;
 }
 
+bool is_certain_by_row(std::span<const NearRow> nearest, std::size_t count) {
+    return nearest.size() > count &&
+           (count == 0 || nearest[count - 1].distance < nearest[count].distance);
+}
+
 }  // namespace ovik

@@ -128,4 +128,10 @@ class CandidateSearch {
 /// @param margin  that of the search
 bool is_certain(std::span<const NearRow> nearest, std::size_t count, double margin);
 
+/// Whether the first of a list are certain to be the nearest, of rows equally near the lower ones:
+/// whether the list goes on farther away.
+///
+/// @param nearest  as above
+bool is_certain_by_row(std::span<const NearRow> nearest, std::size_t count);
+
 }  // namespace ovik

@@ -303,6 +303,15 @@ void NeighbourIndex::search(const double* const* targets,
     }
 }
 
+/// Whether a neighbour comes before another.
+auto NeighbourIndex::comesBefore(NeighbourTies ties) const {
+    return [this, ties](const Neighbour& a, const Neighbour& b) {
+        return a.distance < b.distance ||
+               (ties == NeighbourTies::ByRow && a.distance == b.distance &&
+                rowAt(a.position) < rowAt(b.position));
+    };
+}
+
 void NeighbourIndex::searchCurrent(Queries& queries) const {
     auto& neighbours = queries.neighbours[queries.current];
     neighbours.clear();
@@ -317,7 +326,46 @@ void NeighbourIndex::searchCurrent(Queries& queries) const {
     if (queries.wanted > 0) {
         visit({0, items_.size()}, 0, 0, 0, queries);
     }
-    std::sort_heap(neighbours.begin(), neighbours.end());
+    std::sort_heap(neighbours.begin(), neighbours.end(), comesBefore(queries.ties));
+}
+
+/// A radius of 0, among duplicates of the target, admits nothing more, unless lower rows are
+/// nearer.
+bool NeighbourIndex::admitsNothing(const Queries& queries) {
+    return queries.ties == NeighbourTies::OfTree && queries.radius == 0.0;
+}
+
+/// The radius by which subtrees are passed over: the order of the tree goes by it as it is, others
+/// must not lose a row to rounding.
+///
+/// @param size  of the distances that it is compared with
+double NeighbourIndex::reachOf(const Queries& queries, double size) {
+    return queries.ties == NeighbourTies::OfTree
+               ? queries.radius
+               : queries.radius + kRoundingMargin * (queries.radius + size);
+}
+
+/// Takes a neighbour if it is one of the nearest so far.
+void NeighbourIndex::offer(const Neighbour& neighbour, Queries& queries) const {
+    const bool may_tie =
+        queries.ties == NeighbourTies::ByRow && neighbour.distance == queries.radius;
+    if (!(neighbour.distance < queries.radius || may_tie)) {
+        return;
+    }
+    auto& heap = queries.neighbours[queries.current];
+    const auto comes_before = comesBefore(queries.ties);
+    if (heap.size() == queries.wanted) {
+        if (may_tie && !comes_before(neighbour, heap.front())) {
+            return;
+        }
+        std::pop_heap(heap.begin(), heap.end(), comes_before);
+        heap.pop_back();
+    }
+    heap.push_back(neighbour);
+    std::push_heap(heap.begin(), heap.end(), comes_before);
+    if (heap.size() == queries.wanted) {
+        queries.radius = heap.front().distance;
+    }
 }
 
 /// The place of a block's distances, which are computed if they are not there.
@@ -345,8 +393,7 @@ std::size_t NeighbourIndex::measure(std::uint32_t block, Queries& queries) const
 /// @param lane    of the range's vantage point in it
 void NeighbourIndex::visit(
     Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const {
-    // A radius of 0, among duplicates of the target, admits nothing more.
-    if (range.size() == 0 || queries.radius == 0.0) {
+    if (range.size() == 0 || admitsNothing(queries)) {
         return;
     }
     if (levels == 0) {
@@ -363,28 +410,19 @@ void NeighbourIndex::visit(
         lane = 0;
     }
     const double distance = queries.distances[place + lane];
-    if (distance < queries.radius) {
-        auto& heap = queries.neighbours[queries.current];
-        if (heap.size() == queries.wanted) {
-            std::pop_heap(heap.begin(), heap.end());
-            heap.pop_back();
-        }
-        heap.push_back({static_cast<std::uint32_t>(range.lower), distance});
-        std::push_heap(heap.begin(), heap.end());
-        if (heap.size() == queries.wanted) {
-            queries.radius = heap.front().distance;
-        }
-    }
+    offer({static_cast<std::uint32_t>(range.lower), distance}, queries);
     if (range.size() < 2) {
         return;
     }
     const double threshold = thresholds_[range.lower];
     const bool is_inside = distance < threshold;
     for (const bool goes_left : {is_inside, !is_inside}) {
-        if (goes_left && distance - queries.radius <= threshold) {
+        // The radius has shrunk when the second half is looked at.
+        const double reach = reachOf(queries, distance + threshold);
+        if (goes_left && distance - reach <= threshold) {
             visit(range.left(), levels - 1, place, leftLane(levels, lane), queries);
         }
-        if (!goes_left && distance + queries.radius >= threshold) {
+        if (!goes_left && distance + reach >= threshold) {
             visit(range.right(), levels - 1, place, rightLane(range, levels, lane), queries);
         }
     }

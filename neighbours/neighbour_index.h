@@ -6,6 +6,7 @@
 
 #include "neighbours/kernels/pivot_bounds.h"
 #include "neighbours/metric.h"
+#include "neighbours/search_manner.h"
 #include "util/random_stream.h"
 
 namespace ovik {
@@ -26,14 +27,15 @@ class NeighbourIndex {
         /// Position in tree order.
         std::uint32_t position;
         double distance;
-
-        bool operator<(const Neighbour& other) const { return distance < other.distance; }
     };
 
     /// Queries for a few targets, best near one another. When the first of them comes to a block,
     /// its distances from all targets are computed, and kept for those that come later. Used again,
     /// it does not allocate anew.
     struct Queries {
+        /// What decides among equally near rows; the way through the tree is that of `VpTree` where
+        /// it does.
+        NeighbourTies ties = NeighbourTies::OfTree;
         /// The result for each target: nearest first.
         std::vector<Neighbour> neighbours[kTargets];
 
@@ -132,6 +134,11 @@ class NeighbourIndex {
     std::size_t measure(std::uint32_t block, Queries& queries) const;
     void visit(
         Range range, int levels, std::size_t place, std::size_t lane, Queries& queries) const;
+
+    [[nodiscard]] auto comesBefore(NeighbourTies ties) const;
+    static bool admitsNothing(const Queries& queries);
+    static double reachOf(const Queries& queries, double size);
+    void offer(const Neighbour& neighbour, Queries& queries) const;
 
     [[nodiscard]] double distanceOf(const double* a, const double* b) const {
         return metric_.distance(a, b, dims_);

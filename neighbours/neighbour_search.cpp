@@ -50,12 +50,14 @@ class TreeQueries {
                 const double* points,
                 std::size_t dims,
                 std::size_t count,
-                const NeighbourSearch::Visit& visit)
+                const NeighbourSearch::Visit& visit,
+                NeighbourTies ties)
         : tree_(tree),
           points_(points),
           dims_(dims),
           count_(count),
-          visit_(visit) {}
+          visit_(visit),
+          ties_(ties) {}
 
     /// What a worker needs.
     struct Scratch {
@@ -69,6 +71,7 @@ class TreeQueries {
         for (std::size_t t = 0; t < rows.size(); ++t) {
             targets[t] = points_ + rows[t] * dims_;
         }
+        scratch.queries.ties = ties_;
         tree_.search(targets, rows.size(), count_, scratch.queries);
         for (std::size_t t = 0; t < rows.size(); ++t) {
             scratch.nearest.clear();
@@ -85,6 +88,7 @@ class TreeQueries {
     std::size_t dims_;
     std::size_t count_;
     const NeighbourSearch::Visit& visit_;
+    NeighbourTies ties_;
 };
 
 }  // namespace
@@ -123,8 +127,22 @@ void NeighbourSearch::findAll(const double* points,
     }
     StageCount progress(manner.on_stage, Stage::Neighbours, N_);
     std::vector<char> is_found(N_);
-    findCertain(points, count, is_found, visit, progress);
-    findByTree(points, count, is_found, visit, progress);
+    const Visit in_order = visitInOrder(visit, manner.ties);
+    findCertain(points, count, is_found, in_order, manner.ties, progress);
+    findByTree(points, count, is_found, in_order, manner.ties, progress);
+}
+
+/// What visits rows with their neighbours in the order of ties.
+NeighbourSearch::Visit NeighbourSearch::visitInOrder(const Visit& visit, NeighbourTies ties) const {
+    if (ties == NeighbourTies::OfTree) {
+        return visit;
+    }
+    return [&visit, lists = std::vector<std::vector<NearRow>>(workerCount())](
+               std::size_t row, std::span<const NearRow> nearest, std::size_t worker) mutable {
+        lists[worker].assign(nearest.begin(), nearest.end());
+        order_by_row(static_cast<std::uint32_t>(row), lists[worker]);
+        visit(row, lists[worker], worker);
+    };
 }
 
 void NeighbourSearch::findApproximately(const double* points,
@@ -151,6 +169,7 @@ void NeighbourSearch::findCertain(const double* points,
                                   std::size_t count,
                                   std::vector<char>& is_found,
                                   const Visit& visit,
+                                  NeighbourTies ties,
                                   StageCount& progress) const {
     const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
@@ -162,7 +181,9 @@ void NeighbourSearch::findCertain(const double* points,
         std::size_t found = 0;
         candidates.search(
             part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
-                const bool certain = is_certain(nearest, count, candidates.margin());
+                const bool certain = ties == NeighbourTies::ByRow
+                                         ? is_certain_by_row(nearest, count)
+                                         : is_certain(nearest, count, candidates.margin());
                 patience.count(certain);
                 if (certain) {
                     visit(row, nearest.first(count), worker);
@@ -179,16 +200,18 @@ void NeighbourSearch::findOthers(const double* points,
                                  std::size_t count,
                                  const std::vector<char>& is_found,
                                  const Visit& visit,
+                                 NeighbourTies ties,
                                  const OnStage& on_stage) {
     StageCount progress(on_stage, Stage::Neighbours, N_);
     progress.add(static_cast<std::uint64_t>(std::count(is_found.begin(), is_found.end(), 1)));
-    findByTree(points, count, is_found, visit, progress);
+    findByTree(points, count, is_found, visitInOrder(visit, ties), ties, progress);
 }
 
 void NeighbourSearch::findByTree(const double* points,
                                  std::size_t count,
                                  const std::vector<char>& is_found,
                                  const Visit& visit,
+                                 NeighbourTies ties,
                                  StageCount& progress) {
     if (std::find(is_found.begin(), is_found.end(), 0) == is_found.end()) {
         return;
@@ -201,7 +224,7 @@ void NeighbourSearch::findByTree(const double* points,
             rows.push_back(tree.rowAt(position));
         }
     }
-    const TreeQueries queries(tree, points, dims_, count, visit);
+    const TreeQueries queries(tree, points, dims_, count, visit, ties);
     std::vector<TreeQueries::Scratch> scratch(workerCount());
     const std::span<const std::uint32_t> all(rows);
     const std::size_t tasks = (rows.size() + kTargetsPerTask - 1) / kTargetsPerTask;
@@ -214,6 +237,19 @@ void NeighbourSearch::findByTree(const double* points,
             progress.add(asked);
         }
     });
+}
+
+void order_by_row(std::uint32_t row, std::vector<NearRow>& nearest) {
+    if (nearest.empty()) {
+        return;
+    }
+    std::sort(nearest.begin(), nearest.end(), is_nearer);
+    const auto itself = std::find_if(
+        nearest.begin(), nearest.end(), [row](const NearRow& one) { return one.row == row; });
+    // So many rows equal it that it is not among them.
+    const auto place = itself != nearest.end() ? itself : nearest.end() - 1;
+    *place = {row, 0.0};
+    std::rotate(nearest.begin(), place, place + 1);
 }
 
 }  // namespace ovik

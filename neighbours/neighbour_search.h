@@ -45,8 +45,8 @@ class NeighbourSearch {
     [[nodiscard]] const std::vector<int>& draws() const { return draws_; }
 
     /// Visits every row with its `count` nearest, itself among them; with fewer where there are not
-    /// so many at a finite distance. An approximate search visits each with itself first, and then
-    /// others, of equally near ones the lower first.
+    /// so many at a finite distance. An approximate search, or one with ties by row, visits each
+    /// with itself first, and then others, of equally near ones the lower first.
     ///
     /// @param points  row-major, N x dims, the same in all calls
     /// @throws what the manner's `on_stage` throws
@@ -61,12 +61,14 @@ class NeighbourSearch {
     /// Visits the rows that are not found yet, by the tree.
     ///
     /// @param is_found  for each row whether it is left out
+    /// @param ties      as those of a manner
     /// @param on_stage  takes how far the search is, and may end it, as that of a manner
     /// @throws what `on_stage` throws
     void findOthers(const double* points,
                     std::size_t count,
                     const std::vector<char>& is_found,
                     const Visit& visit,
+                    NeighbourTies ties,
                     const OnStage& on_stage = {});
 
   private:
@@ -74,16 +76,19 @@ class NeighbourSearch {
                      std::size_t count,
                      std::vector<char>& is_found,
                      const Visit& visit,
+                     NeighbourTies ties,
                      StageCount& progress) const;
     void findByTree(const double* points,
                     std::size_t count,
                     const std::vector<char>& is_found,
                     const Visit& visit,
+                    NeighbourTies ties,
                     StageCount& progress);
     void findApproximately(const double* points,
                            std::size_t count,
                            const Visit& visit,
                            const OnStage& on_stage);
+    [[nodiscard]] Visit visitInOrder(const Visit& visit, NeighbourTies ties) const;
     const NeighbourIndex& index(const double* points);
 
     std::size_t N_;
@@ -94,5 +99,11 @@ class NeighbourSearch {
     std::vector<int> draws_;
     std::unique_ptr<NeighbourIndex> index_;
 };
+
+/// Brings nearest rows into the order of `NeighbourTies::ByRow`: the row itself, then the others by
+/// distance and number.
+///
+/// @param nearest  of which the last gives way to the row itself, if that is not among them
+void order_by_row(std::uint32_t row, std::vector<NearRow>& nearest);
 
 }  // namespace ovik

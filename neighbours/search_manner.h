@@ -4,6 +4,14 @@
 
 namespace ovik {
 
+/// Which of rows at equal distance are the nearer ones.
+enum class NeighbourTies {
+    /// Those that the way of a search through a vantage-point tree comes upon first.
+    OfTree,
+    /// The row itself, then the lower ones.
+    ByRow,
+};
+
 /// How neighbours are searched for.
 struct NeighbourSearchManner {
     /// Whether nearly all of the nearest will do (`find_approximately`). Where that search cannot
@@ -12,6 +20,8 @@ struct NeighbourSearchManner {
     /// Takes how far the search is, as rows of `Stage::Neighbours`; an exception that it throws
     /// ends the search. May be empty.
     OnStage on_stage = {};
+    /// Of the exact search; an approximate one has them by row.
+    NeighbourTies ties = NeighbourTies::OfTree;
 };
 
 }  // namespace ovik

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "stats/entropy_bracket.h"
+#include "util/elementary.h"
 
 namespace ovik {
 
@@ -57,6 +58,7 @@ struct CalibratedPoints {
 /// @param attempts  at least 1
 /// @param guess     about where the precision may be, above 0: saves time, without effect on
 /// results
+/// @param log       the natural logarithm
 /// @param fill      `fill(beta)` writes the unnormalised affinities of a trial:
 ///                  exp(-beta * squared distance), rounded in any way
 /// @return a guess for points like these
@@ -67,8 +69,9 @@ double calibrate_similarities(const CalibratedPoints& points,
                               double perplexity,
                               int attempts,
                               double guess,
+                              RealFunction log,
                               const Fill& fill) {
-    const double wanted_entropy = std::log(perplexity);
+    const double wanted_entropy = log(perplexity);
     double* const similarities = points.similarities;
     const std::size_t count = points.squared_distances.size();
     EntropyBracket bracket(points.squared_distances, points.left_out, wanted_entropy);
@@ -89,7 +92,7 @@ double calibrate_similarities(const CalibratedPoints& points,
             sum_P += similarities[m];
             entropy += similarities[m] * points.squared_distances[m] * beta;
         }
-        entropy = entropy / sum_P + std::log(sum_P);
+        entropy = entropy / sum_P + log(sum_P);
         if (search.accept(entropy - wanted_entropy)) {
             break;
         }

@@ -45,6 +45,7 @@ std::unique_ptr<NeighbourSearch> CachedNeighbours::begin(const double* points,
         search_ = std::move(search);
         dims_ = dims;
         points_ = digest;
+        ties_ = manner.ties;
         is_approximate_ =
             manner.is_approximate && can_be_approximate(points, N, dims, most_, euclidean_metric());
         try {
@@ -79,7 +80,7 @@ void CachedNeighbours::fillApproximateLists(const double* points, const OnStage&
             found_[row] = nearest.size();
             std::copy_n(nearest.begin(), found_[row], lists_.data() + row * (most_ + 1));
         },
-        {true, on_stage});
+        {.is_approximate = true, .on_stage = on_stage});
     recall_ = search_->recall();
 }
 
@@ -132,28 +133,44 @@ std::optional<NeighbourRecall> CachedNeighbours::findAll(const double* points,
         // A shared search would have to be asked by one run at a time.
         const std::lock_guard lock(mutex_);
         NeighbourSearch& search = own_search != nullptr ? *own_search : *search_;
-        search.findAll(points, count, visit, {true, on_stage});
+        search.findAll(points, count, visit, {.is_approximate = true, .on_stage = on_stage});
         return search.recall();
     }
     const std::size_t N = search_->rowCount();
     std::vector<char> is_found(N);
     const std::size_t listed = lists_.empty() ? 0 : N;
     parallel_for(listed, 1, [&](std::size_t worker, IndexRange rows) {
+        std::vector<NearRow> head;
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
-            const std::span<const NearRow> list(lists_.data() + n * (most_ + 1), found_[n]);
-            if (is_certain(list, count, margin_)) {
-                visit(n, list.first(count), worker);
+            if (takeHead(n, count, head)) {
+                visit(n, head, worker);
                 is_found[n] = 1;
             }
         }
     });
     if (own_search != nullptr) {
-        own_search->findOthers(points, count, is_found, visit, on_stage);
+        own_search->findOthers(points, count, is_found, visit, ties_, on_stage);
         return std::nullopt;
     }
     const std::lock_guard lock(mutex_);
-    search_->findOthers(points, count, is_found, visit, on_stage);
+    search_->findOthers(points, count, is_found, visit, ties_, on_stage);
     return std::nullopt;
+}
+
+/// Takes the first neighbours of a row over, if they are certain to be what a search finds.
+bool CachedNeighbours::takeHead(std::size_t row,
+                                std::size_t count,
+                                std::vector<NearRow>& head) const {
+    const std::span<const NearRow> list(lists_.data() + row * (most_ + 1), found_[row]);
+    const bool by_row = ties_ == NeighbourTies::ByRow;
+    if (!(by_row ? is_certain_by_row(list, count) : is_certain(list, count, margin_))) {
+        return false;
+    }
+    head.assign(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(count));
+    if (by_row) {
+        order_by_row(static_cast<std::uint32_t>(row), head);
+    }
+    return true;
 }
 
 /// Visits every row with the whole list of it.

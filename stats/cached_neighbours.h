@@ -42,7 +42,8 @@ class CachedNeighbours {
     /// Begins a run, with what a search of its own draws.
     ///
     /// @param points  row-major, N x dims
-    /// @param manner  of a search: whether it is approximate is the same for all runs
+    /// @param manner  of a search: whether it is approximate, and what decides ties, is the same
+    /// for all runs
     /// @return the search for this run's `findAll`; null for the one that runs share, or if
     /// neighbours are given
     /// @throws std::invalid_argument if the points are not those of the first call, or not as many
@@ -78,6 +79,7 @@ class CachedNeighbours {
   private:
     void fillLists(const double* points, const OnStage& on_stage);
     void fillApproximateLists(const double* points, const OnStage& on_stage);
+    bool takeHead(std::size_t row, std::size_t count, std::vector<NearRow>& head) const;
     void visitLists(std::size_t count,
                     const NeighbourSearch::Visit& visit,
                     const OnStage& on_stage) const;
@@ -97,6 +99,7 @@ class CachedNeighbours {
     Digest points_{};
     /// What the search was, not what was wanted.
     bool is_approximate_ = false;
+    NeighbourTies ties_ = NeighbourTies::OfTree;
     std::optional<NeighbourRecall> recall_;
     /// That of the search for candidates.
     double margin_ = 0.0;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "stats/method.h"
+#include "stats/numerics.h"
 
 namespace ovik {
 
@@ -43,13 +44,13 @@ std::unique_ptr<RowAffinities> chosen_rows(const FitOptions& options, std::size_
         scales.push_back(
             {perplexity, static_cast<std::size_t>(std::max(neighbour_count(perplexity, N), 0))});
     }
-    return std::make_unique<CalibratedRows>(std::move(scales));
+    return std::make_unique<CalibratedRows>(std::move(scales), elementary_of(options.numerics));
 }
 
 DenseRow chosen_dense_row(const FitOptions& options) {
     return is_uniform(options)
                ? uniform_row(static_cast<std::size_t>(std::max(options.neighbours, 0)))
-               : calibrated_row(perplexities_of(options));
+               : calibrated_row(perplexities_of(options), elementary_of(options.numerics));
 }
 
 }  // namespace ovik

@@ -24,14 +24,17 @@ constexpr int kBandwidthAttempts = 500;
 void calibrate_row(std::size_t n,
                    std::span<const double> squared_distances,
                    double perplexity,
+                   const Elementary& elementary,
                    double* row) {
-    const auto fill = [=](double beta) {
+    const auto fill = [=, &elementary](double beta) {
         for (std::size_t m = 0; m < squared_distances.size(); ++m) {
-            row[m] = std::exp((-beta) * squared_distances[m]);
+            row[m] = (-beta) * squared_distances[m];
         }
+        elementary.exponentials(row, squared_distances.size());
         row[n] = DBL_MIN;
     };
-    calibrate_similarities({squared_distances, row, n}, perplexity, kBandwidthAttempts, 1.0, fill);
+    calibrate_similarities(
+        {squared_distances, row, n}, perplexity, kBandwidthAttempts, 1.0, elementary.log, fill);
 }
 
 /// The nearest others of row n, in no order; of rows equally far the earlier ones.
@@ -71,20 +74,20 @@ void fill_rows(const double* squared_distances,
 
 }  // namespace
 
-DenseRow calibrated_row(std::vector<double> perplexities) {
+DenseRow calibrated_row(std::vector<double> perplexities, const Elementary& elementary) {
     if (perplexities.size() == 1) {
-        return [perplexity = perplexities.front()](
+        return [perplexity = perplexities.front(), &elementary](
                    std::size_t n, std::span<const double> squared_distances, double* row) {
-            calibrate_row(n, squared_distances, perplexity, row);
+            calibrate_row(n, squared_distances, perplexity, elementary, row);
         };
     }
-    return [perplexities = std::move(perplexities)](
+    return [perplexities = std::move(perplexities), &elementary](
                std::size_t n, std::span<const double> squared_distances, double* row) {
         const std::size_t count = squared_distances.size();
         std::vector<double> of_scale(count);
         std::fill_n(row, count, 0.0);
         for (const double perplexity : perplexities) {
-            calibrate_row(n, squared_distances, perplexity, of_scale.data());
+            calibrate_row(n, squared_distances, perplexity, elementary, of_scale.data());
             for (std::size_t m = 0; m < count; ++m) {
                 row[m] += of_scale[m];
             }
@@ -151,7 +154,7 @@ void dense_conditional_affinities(const double* points,
                                   double perplexity,
                                   const FitNotes& notes) {
     dense_conditional_affinities(
-        {points, point_count, dims}, P, calibrated_row({perplexity}), notes);
+        {points, point_count, dims}, P, calibrated_row({perplexity}, platform_elementary()), notes);
 }
 
 }  // namespace ovik

@@ -7,6 +7,7 @@
 
 #include "stats/fit_notes.h"
 #include "util/api.h"
+#include "util/elementary.h"
 #include "util/matrix_view.h"
 
 namespace ovik {
@@ -44,7 +45,8 @@ using DenseRow =
 /// reciprocal of their number.
 ///
 /// @param perplexities  at least one
-DenseRow calibrated_row(std::vector<double> perplexities);
+/// @param elementary    must outlive the function
+DenseRow calibrated_row(std::vector<double> perplexities, const Elementary& elementary);
 
 /// The same affinity 1 / K to the K nearest others, those of smallest squared distance; of rows
 /// equally far the earlier ones. K is `neighbour_count`, or how many others there are at a finite

@@ -136,7 +136,7 @@ void fill_in(NeighbourGraph& graph, std::size_t row, std::span<const NearRow> ne
 }
 
 /// Fills a graph of its full size in by a search among rows.
-void search_for_nearest(MatrixView<const double> X, NeighbourGraph& graph) {
+void search_for_nearest(MatrixView<const double> X, NeighbourTies ties, NeighbourGraph& graph) {
     OwnRandomStream stream;
     NeighbourSearch search(X.rows, X.columns, stream);
     search.findAll(
@@ -145,7 +145,8 @@ void search_for_nearest(MatrixView<const double> X, NeighbourGraph& graph) {
         [&graph](std::size_t row, std::span<const NearRow> nearest, std::size_t /*worker*/) {
             // The first is taken for the row itself.
             fill_in(graph, row, nearest.subspan(std::min<std::size_t>(1, nearest.size())));
-        });
+        },
+        {.ties = ties});
 }
 
 /// The same by the distances of all rows.
@@ -252,12 +253,13 @@ void start_at_places(MatrixView<double> Y,
 
 NeighbourGraph placing_neighbours(MatrixView<const double> X,
                                   MetricKind metric,
+                                  NeighbourTies ties,
                                   std::size_t count) {
     NeighbourGraph graph = graph_without_neighbours(X.rows, std::min(count, X.rows - 1));
     if (metric == MetricKind::Precomputed) {
         take_nearest_by_distance(X, graph);
     } else {
-        search_for_nearest(X, graph);
+        search_for_nearest(X, ties, graph);
     }
     return graph;
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "neighbours/neighbour_graph.h"
+#include "neighbours/search_manner.h"
 #include "stats/fit_choices.h"
 #include "stats/median_place.h"
 #include "stats/principal_components.h"
@@ -65,8 +66,10 @@ void start_at_places(MatrixView<double> Y,
 ///
 /// @param X       the rows, or, if the metric is `Precomputed`, their distances, rows x rows
 /// @param metric  others than `Precomputed` are Euclidean between rows as X has them
+/// @param ties    of rows; distances that are given have them by row
 NeighbourGraph placing_neighbours(MatrixView<const double> X,
-                                  MetricKind metric = MetricKind::Euclidean,
+                                  MetricKind metric,
+                                  NeighbourTies ties,
                                   std::size_t count = kPlacingNeighbours);
 
 }  // namespace ovik

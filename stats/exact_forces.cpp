@@ -85,30 +85,43 @@ void exact_gradient(const double* P,
 namespace {
 
 /// The terms of a row of P in the cost.
-void fill_cost_terms(
-    const double* P, const PointColumns& columns, std::size_t n, double sum_Q, double* terms) {
+void fill_cost_terms(const double* P,
+                     const PointColumns& columns,
+                     std::size_t n,
+                     double sum_Q,
+                     RealFunction log,
+                     double* terms) {
     const std::size_t N = columns.pointCount();
     fill_similarities(columns, n, DBL_MIN, terms);
     for (std::size_t m = 0; m < N; ++m) {
         const double p = P[n * N + m];
         const double Q = terms[m] / sum_Q;
-        terms[m] = p * std::log((p + DBL_MIN) / (Q + DBL_MIN));
+        terms[m] = p * log((p + DBL_MIN) / (Q + DBL_MIN));
     }
 }
 
 }  // namespace
 
 double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims) {
+    return exact_cost(P, Y, N, dims, platform_elementary().log);
+}
+
+double exact_cost(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, RealFunction log) {
     const PointColumns columns(Y, N, dims);
     const double sum_Q = sum_similarities(columns, DBL_MIN);
     return ordered_sum(0.0, N, N, [&](std::size_t n, double* terms) {
-        fill_cost_terms(P, columns, n, sum_Q, terms);
+        fill_cost_terms(P, columns, n, sum_Q, log, terms);
         return N;
     });
 }
 
-void exact_row_costs(
-    const double* P, const double* Y, std::size_t N, std::size_t dims, double* costs) {
+void exact_row_costs(const double* P,
+                     const double* Y,
+                     std::size_t N,
+                     std::size_t dims,
+                     RealFunction log,
+                     double* costs) {
     const PointColumns columns(Y, N, dims);
     const double sum_Q = sum_similarities(columns, DBL_MIN);
     const auto buffers = malloc_array<double>(static_cast<std::size_t>(worker_count(N)) * N);
@@ -116,7 +129,7 @@ void exact_row_costs(
     parallel_for(N, 1, [&](std::size_t worker, IndexRange rows) {
         double* const terms = buffers.get() + worker * N;
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
-            fill_cost_terms(P, columns, n, sum_Q, terms);
+            fill_cost_terms(P, columns, n, sum_Q, log, terms);
             costs[n] = std::accumulate(terms, terms + N, 0.0);
         }
     });
@@ -129,7 +142,8 @@ double misfit_of(const double* row_P,
                  const double* squared_distances,
                  std::size_t n,
                  std::size_t N,
-                 double similarity_sum) {
+                 double similarity_sum,
+                 RealFunction log) {
     const auto for_each_entry = [=](const auto& visit) {
         for (std::size_t m = 0; m < N; ++m) {
             if (m != n) {
@@ -137,7 +151,7 @@ double misfit_of(const double* row_P,
             }
         }
     };
-    return row_misfit(for_each_entry, similarity_sum);
+    return row_misfit(for_each_entry, similarity_sum, log);
 }
 
 }  // namespace
@@ -145,6 +159,7 @@ double misfit_of(const double* row_P,
 void exact_row_misfits(const double* P,
                        MatrixView<const double> Y,
                        const double* similarity_sums,
+                       RealFunction log,
                        double* misfits) {
     const std::size_t N = Y.rows;
     const PointColumns columns(Y.values, N, Y.columns);
@@ -154,7 +169,7 @@ void exact_row_misfits(const double* P,
         double* const squared_distances = buffers.get() + worker * N;
         for (std::size_t n = rows.begin; n < rows.end; ++n) {
             columns.squaredDistancesFrom(n, squared_distances);
-            misfits[n] = misfit_of(P + n * N, squared_distances, n, N, similarity_sums[n]);
+            misfits[n] = misfit_of(P + n * N, squared_distances, n, N, similarity_sums[n], log);
         }
     });
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "util/api.h"
+#include "util/elementary.h"
 #include "util/matrix_view.h"
 
 namespace ovik {
@@ -45,11 +46,19 @@ inline void exact_gradient(const double* P, MatrixView<const double> Y, double* 
 /// @param Y  row-major, N x dims
 OVIK_API double exact_cost(const double* P, const double* Y, std::size_t N, std::size_t dims);
 
+/// The same by another logarithm.
+double exact_cost(
+    const double* P, const double* Y, std::size_t N, std::size_t dims, RealFunction log);
+
 /// What each row of P adds to this cost.
 ///
 /// @param costs  N values, written
-void exact_row_costs(
-    const double* P, const double* Y, std::size_t N, std::size_t dims, double* costs);
+void exact_row_costs(const double* P,
+                     const double* Y,
+                     std::size_t N,
+                     std::size_t dims,
+                     RealFunction log,
+                     double* costs);
 
 /// The misfit of each row (`stats/row_misfit.h`); the diagonal takes no part.
 ///
@@ -58,6 +67,7 @@ void exact_row_costs(
 void exact_row_misfits(const double* P,
                        MatrixView<const double> Y,
                        const double* similarity_sums,
+                       RealFunction log,
                        double* misfits);
 
 /// The same cost for an embedding with its shape.

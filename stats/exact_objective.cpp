@@ -25,18 +25,24 @@ ExactObjective::ExactObjective(MatrixView<const double> X,
                                std::size_t out_dims,
                                double perplexity,
                                const FitNotes& notes)
-    : ExactObjective(X, out_dims, calibrated_row({perplexity}), notes) {}
+    : ExactObjective(X,
+                     out_dims,
+                     calibrated_row({perplexity}, platform_elementary()),
+                     platform_elementary().log,
+                     notes) {}
 
 ExactObjective::ExactObjective(MatrixView<const double> X,
                                std::size_t out_dims,
                                const DenseRow& fill_row,
+                               RealFunction log,
                                const FitNotes& notes,
                                DenseAffinities affinities)
     : N_(X.rows),
       out_dims_(out_dims),
+      log_(log),
       in_panels_(false),
       diagonal_(malloc_array<double>(X.rows)),
-      forces_(X.rows, out_dims) {
+      forces_(X.rows, out_dims, log) {
     tell(notes, FitNote::ExactMethod);
     P_ = malloc_array<double>(panel_matrix_size(N_));
     require_allocated(P_, diagonal_);
@@ -110,28 +116,28 @@ double ExactObjective::costAndGradient(const double* Y, double* dY) {
         return unlessZero(forces_.cost(dY), Y);
     }
     exact_gradient(P_.get(), Y, N_, out_dims_, dY, annealing_);
-    return exact_cost(P_.get(), Y, N_, out_dims_);
+    return exact_cost(P_.get(), Y, N_, out_dims_, log_);
 }
 
 double ExactObjective::cost(const double* Y) {
     if (takeForPanels(Y)) {
         return unlessZero(forces_.cost(nullptr), Y);
     }
-    return exact_cost(P_.get(), Y, N_, out_dims_);
+    return exact_cost(P_.get(), Y, N_, out_dims_, log_);
 }
 
 void ExactObjective::rowCosts(const double* Y, double* costs) {
     if (in_panels_) {
         movePIntoRows();
     }
-    exact_row_costs(P_.get(), Y, N_, out_dims_, costs);
+    exact_row_costs(P_.get(), Y, N_, out_dims_, log_, costs);
 }
 
 void ExactObjective::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
     if (in_panels_) {
         movePIntoRows();
     }
-    exact_row_misfits(P_.get(), {Y, N_, out_dims_}, similarity_sums, misfits);
+    exact_row_misfits(P_.get(), {Y, N_, out_dims_}, similarity_sums, log_, misfits);
 }
 
 /// A cost that the quick way gave, or, where that is printed as zero, the sum in order.
@@ -140,7 +146,7 @@ double ExactObjective::unlessZero(double cost, const double* Y) {
         return cost;
     }
     movePIntoRows();
-    return exact_cost(P_.get(), Y, N_, out_dims_);
+    return exact_cost(P_.get(), Y, N_, out_dims_, log_);
 }
 
 std::string ExactObjective::report(std::clock_t elapsed) const {

@@ -35,10 +35,12 @@ class ExactObjective : public Objective {
     /// The same with conditional affinities of any kind.
     ///
     /// @param fill_row    as `dense_conditional_affinities` takes it
+    /// @param log         the logarithm of the cost
     /// @param affinities  how conditional affinities follow from X
     ExactObjective(MatrixView<const double> X,
                    std::size_t out_dims,
                    const DenseRow& fill_row,
+                   RealFunction log,
                    const FitNotes& notes = {},
                    DenseAffinities affinities = &dense_conditional_affinities);
 
@@ -67,6 +69,7 @@ class ExactObjective : public Objective {
 
     std::size_t N_;
     std::size_t out_dims_;
+    RealFunction log_;
     double annealing_ = 1.0;
     /// The joint affinities: stored by panels with a diagonal of 0 (see `rows_to_panels`) or, for
     /// embeddings that `SymmetricForces` does not take, row-major.

@@ -13,6 +13,7 @@
 #include "stats/gradient_descent.h"
 #include "stats/method.h"
 #include "stats/normal_deviates.h"
+#include "stats/numerics.h"
 #include "stats/optimisation.h"
 #include "stats/principal_components.h"
 #include "stats/row_metric.h"
@@ -114,7 +115,11 @@ class Rows {
                                       RandomStream& random) const {
         switch (options_.start) {
             case StartKind::Random:
-                draw_initial_embedding(Y.values, Y.size(), options_.start_spread, random);
+                draw_initial_embedding(Y.values,
+                                       Y.size(),
+                                       options_.start_spread,
+                                       random,
+                                       elementary_of(options_.numerics).log);
                 break;
             case StartKind::Pca:
                 startAlongComponents(Y);
@@ -146,16 +151,21 @@ class Rows {
         tell(hooks_.on_note, FitNote::SampleBegins);
         const SampleHooks hooks{hooks_.on_stage, hooks_.on_sample_iteration};
         return graph.rows == 0
-                   ? start_from_sample(Y, view(), options_, placing_neighbours(view()), hooks)
+                   ? start_from_sample(
+                         Y, view(), options_, placingNeighbours(MetricKind::Euclidean), hooks)
                    : start_from_sample(Y, view(), options_, graph, hooks);
     }
 
     void startAtPlaces(MatrixView<double> Y, const NeighbourGraph& graph) const {
         if (needs_neighbours_ && graph.rows == 0) {
-            start_at_places(Y, places_, placing_neighbours(view(), options_.metric));
+            start_at_places(Y, places_, placingNeighbours(options_.metric));
         } else {
             start_at_places(Y, places_, graph);
         }
+    }
+
+    [[nodiscard]] NeighbourGraph placingNeighbours(MetricKind metric) const {
+        return placing_neighbours(view(), metric, ties_of(options_.numerics));
     }
 
     MatrixView<const double> X_;

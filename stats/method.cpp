@@ -18,6 +18,7 @@
 #include "stats/joint_matrix.h"
 #include "stats/mesh_repulsion.h"
 #include "stats/neighbour_order.h"
+#include "stats/numerics.h"
 #include "stats/option_effect.h"
 #include "stats/sparse_objective.h"
 #include "stats/tree_repulsion.h"
@@ -41,6 +42,7 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
     return std::make_unique<ExactObjective>(input.X,
                                             static_cast<std::size_t>(input.options.out_dims),
                                             chosen_dense_row(input.options),
+                                            elementary_of(input.options.numerics).log,
                                             input.notes,
                                             affinities);
 }
@@ -81,7 +83,9 @@ SlicedAttraction attraction_along_neighbours(const MethodInput& input, ValueForm
     if (N >= kLeastReordered) {
         order = neighbour_order(rows.columns.get(), N, rows.row_length);
     }
-    return {joint_matrix(std::move(rows), dims, std::move(order)), dims};
+    return {joint_matrix(std::move(rows), dims, std::move(order)),
+            dims,
+            elementary_of(input.options.numerics).log};
 }
 
 /// Attraction among nearest neighbours, and a repulsion that is made once the affinities are there,

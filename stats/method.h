@@ -11,6 +11,7 @@
 #include "stats/fit_notes.h"
 #include "stats/fit_options.h"
 #include "stats/memory_estimate.h"
+#include "stats/numerics.h"
 #include "stats/objective.h"
 #include "stats/sparse_affinities.h"
 #include "util/matrix_view.h"
@@ -46,7 +47,9 @@ struct MethodInput {
                 cached_neighbours,
                 graph,
                 &random,
-                {options.neighbour_search == NeighbourSearchKind::Approximate, on_stage},
+                {options.neighbour_search == NeighbourSearchKind::Approximate,
+                 on_stage,
+                 ties_of(options.numerics)},
                 recall,
                 wants_distances};
     }

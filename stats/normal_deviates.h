@@ -4,6 +4,7 @@
 
 #include "stats/fit_options.h"
 #include "util/api.h"
+#include "util/elementary.h"
 
 namespace ovik {
 
@@ -17,15 +18,16 @@ class RandomStream;
 /// SIAM Review 6:260, 1964
 OVIK_API double normal_deviate();
 
-/// The same from another stream.
-double normal_deviate(RandomStream& random);
+/// The same from another stream, by another logarithm.
+double normal_deviate(RandomStream& random, RealFunction log);
 
 /// Starts an embedding: sets every element, in index order, to a normal deviate times `spread`.
 OVIK_API void draw_initial_embedding(double* Y,
                                      std::size_t count,
                                      double spread = FitOptions().start_spread);
 
-/// The same from another stream.
-void draw_initial_embedding(double* Y, std::size_t count, double spread, RandomStream& random);
+/// The same from another stream, by another logarithm.
+void draw_initial_embedding(
+    double* Y, std::size_t count, double spread, RandomStream& random, RealFunction log);
 
 }  // namespace ovik

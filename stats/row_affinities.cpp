@@ -1,7 +1,6 @@
 #include "stats/row_affinities.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "stats/bandwidth_search.h"
@@ -14,7 +13,9 @@ constexpr int kBandwidthAttempts = 200;
 
 }  // namespace
 
-CalibratedRows::CalibratedRows(std::vector<AffinityScale> scales) : scales_(std::move(scales)) {}
+CalibratedRows::CalibratedRows(std::vector<AffinityScale> scales, const Elementary& elementary)
+    : scales_(std::move(scales)),
+      elementary_(elementary) {}
 
 void CalibratedRows::prepare(std::size_t worker_count, std::size_t most) {
     scratch_.assign(worker_count,
@@ -53,13 +54,14 @@ void CalibratedRows::calibrate(std::size_t scale,
     const auto fill = [&](double beta) {
         for (std::size_t m = 0; m < count; ++m) {
             const double distance = others[m].distance;
-            affinities[m] = std::exp(((-beta) * distance) * distance);
+            affinities[m] = ((-beta) * distance) * distance;
         }
+        elementary_.exponentials(affinities, count);
     };
     const CalibratedPoints points{{scratch.squared_distances.data(), count}, affinities, count};
     double& guess = scratch.guesses[scale];
-    guess =
-        calibrate_similarities(points, scales_[scale].perplexity, kBandwidthAttempts, guess, fill);
+    guess = calibrate_similarities(
+        points, scales_[scale].perplexity, kBandwidthAttempts, guess, elementary_.log, fill);
 }
 
 void UniformRows::prepare(std::size_t /*worker_count*/, std::size_t /*most*/) {}

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "neighbours/candidate_search.h"
+#include "util/elementary.h"
 
 namespace ovik {
 
@@ -45,7 +46,7 @@ struct AffinityScale {
 class CalibratedRows final : public RowAffinities {
   public:
     /// @param scales  at least one
-    explicit CalibratedRows(std::vector<AffinityScale> scales);
+    CalibratedRows(std::vector<AffinityScale> scales, const Elementary& elementary);
 
     void prepare(std::size_t worker_count, std::size_t most) override;
     void fill(std::span<const NearRow> others, double* affinities, std::size_t worker) override;
@@ -65,6 +66,7 @@ class CalibratedRows final : public RowAffinities {
                    Scratch& scratch) const;
 
     std::vector<AffinityScale> scales_;
+    const Elementary& elementary_;
     /// One for each worker.
     std::vector<Scratch> scratch_;
 };

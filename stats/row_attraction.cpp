@@ -76,7 +76,8 @@ void RowAttraction::rowMisfits(const double* Y, const double* similarity_sums, d
     const EdgeView edges = edgesOf(Y);
     parallel_for_each(N_, kGrain, [=](std::size_t n) {
         misfits[n] = row_misfit([&edges, n](const auto& visit) { for_each_entry(edges, n, visit); },
-                                similarity_sums[n]);
+                                similarity_sums[n],
+                                platform_elementary().log);
     });
 }
 

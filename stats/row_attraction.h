@@ -12,8 +12,8 @@ namespace ovik {
 /// Attraction along a matrix in compressed rows, for one that is passed too seldom to be sliced;
 /// after the construction, nothing is allocated.
 ///
-/// The cost is formed row by row; its logarithms are those of the vector kernels where the numbers
-/// allow it.
+/// The cost is formed row by row, with the platform's logarithms, or those of the vector
+/// kernels where the numbers allow it.
 class RowAttraction : public Attraction {
   public:
     /// @param P     N rows; has to outlive the attraction

@@ -12,6 +12,7 @@
 #include "stats/embedding_start.h"
 #include "stats/leiden.h"
 #include "stats/modularity.h"
+#include "stats/numerics.h"
 #include "stats/sparse_affinities.h"
 
 namespace ovik {
@@ -66,7 +67,7 @@ RowClusters clusters_by_neighbours(const NeighbourGraph& neighbours,
 
 NeighbourGraph neighbours_of_rows(MatrixView<const double> X, const FitOptions& options) {
     const auto count = static_cast<std::size_t>(std::max(affinity_neighbours(options, X.rows), 0));
-    return placing_neighbours(X, options.metric, count);
+    return placing_neighbours(X, options.metric, ties_of(options.numerics), count);
 }
 
 }  // namespace ovik

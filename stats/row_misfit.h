@@ -1,7 +1,8 @@
 #pragma once
 
-#include <cmath>
 #include <cstddef>
+
+#include "util/elementary.h"
 
 /// The misfit of a row: how far its similarities on the map are from its affinities, where both are
 /// brought to the sum 1,
@@ -30,15 +31,15 @@ void row_similarity_sums(const double* Y, std::size_t N, std::size_t dims, doubl
 /// @param similarity_sum  W_i
 /// @return 0 of a row without affinities
 template <typename ForEachEntry>
-double row_misfit(const ForEachEntry& for_each_entry, double similarity_sum) {
+double row_misfit(const ForEachEntry& for_each_entry, double similarity_sum, RealFunction log) {
     double weight = 0.0;
     for_each_entry([&weight](double p, double /*squared_distance*/) { weight += p; });
     double misfit = 0.0;
-    for_each_entry([&misfit, weight, similarity_sum](double p, double squared_distance) {
+    for_each_entry([&misfit, weight, similarity_sum, log](double p, double squared_distance) {
         if (p > 0.0) {
             const double share = p / weight;
             const double on_map = 1.0 / (squared_distance + 1.0) / similarity_sum;
-            misfit += share * std::log(share / on_map);
+            misfit += share * log(share / on_map);
         }
     });
     return misfit;

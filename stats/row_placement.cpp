@@ -15,6 +15,7 @@
 #include "stats/centring.h"
 #include "stats/kernels/descent_step.h"
 #include "stats/median.h"
+#include "stats/numerics.h"
 #include "stats/row_affinities.h"
 #include "stats/row_metric.h"
 #include "util/counted.h"
@@ -54,9 +55,9 @@ void find_nearest(const FinishedMap& map,
 }
 
 /// Conditional affinities to the rows that are nearest.
-std::vector<double> affinities_to(std::span<const NearRow> nearest, double perplexity) {
+std::vector<double> affinities_to(std::span<const NearRow> nearest, const FinishedMap& map) {
     std::vector<double> p(nearest.size());
-    CalibratedRows calibrated({{perplexity, nearest.size()}});
+    CalibratedRows calibrated({{map.perplexity, nearest.size()}}, elementary_of(map.numerics));
     calibrated.prepare(1, nearest.size());
     calibrated.fill(nearest, p.data(), 0);
     return p;
@@ -78,12 +79,13 @@ std::vector<double> start_amidst(std::span<const NearRow> nearest, MatrixView<co
 /// The cost of a place on the map, and its gradient.
 class PlaceCost {
   public:
-    PlaceCost(MatrixView<const double> Y, std::span<const NearRow> nearest, std::vector<double> p)
-        : Y_(Y),
+    PlaceCost(const FinishedMap& map, std::span<const NearRow> nearest, std::vector<double> p)
+        : Y_(map.embedding),
           nearest_(nearest),
           p_(std::move(p)),
-          attraction_(Y.columns),
-          repulsion_(Y.columns) {}
+          attraction_(Y_.columns),
+          repulsion_(Y_.columns),
+          log_(elementary_of(map.numerics).log) {}
 
     /// @param y         the place
     /// @param gradient  written
@@ -132,7 +134,7 @@ class PlaceCost {
             }
             // An affinity that has vanished adds nothing.
             if (p_[m] > 0.0) {
-                cost += p_[m] * std::log(p_[m] * sum_w / w);
+                cost += p_[m] * log_(p_[m] * sum_w / w);
             }
         }
         return cost;
@@ -143,6 +145,7 @@ class PlaceCost {
     std::vector<double> p_;
     std::vector<double> attraction_;
     std::vector<double> repulsion_;
+    RealFunction log_;
 };
 
 /// The smallest box that holds all points of a map.
@@ -317,7 +320,7 @@ PlacedRows place_rows(const FinishedMap& map,
         }
         const std::span<const NearRow> near(nearest);
         const std::span<const NearRow> weighed = near.first(std::min(wanted, near.size()));
-        PlaceCost cost(map.embedding, weighed, affinities_to(weighed, map.perplexity));
+        PlaceCost cost(map, weighed, affinities_to(weighed, map));
         const Place place = cheapest_place(cost, map.embedding, box, near, descent);
         placed.costs[n] = place.cost;
         std::copy(place.y.begin(),

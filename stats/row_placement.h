@@ -25,6 +25,8 @@ struct FinishedMap {
     double perplexity = 1.0;
     /// That of the map, but not `Precomputed`.
     MetricKind metric = MetricKind::Euclidean;
+    /// Those of the map.
+    NumericsKind numerics = NumericsKind::Platform;
 };
 
 /// Rows that have been given places on a finished map.

@@ -15,9 +15,10 @@ constexpr double kPrintsAsZero = 1e-6;
 
 }  // namespace
 
-SlicedAttraction::SlicedAttraction(SlicedMatrix P, std::size_t dims)
+SlicedAttraction::SlicedAttraction(SlicedMatrix P, std::size_t dims, RealFunction log)
     : P_(std::move(P)),
       dims_(dims),
+      log_(log),
       kernels_(slice_kernels(instruction_set())),
       log_sums_(malloc_array<double>(P_.sliceCount() * kSliceRows)) {
     require_allocated(log_sums_);
@@ -44,7 +45,7 @@ double SlicedAttraction::cost(const double* Y, double Z) {
     const AffinitySums& sums = P_.sums();
     const double log_sum = P_.sumOfLanes(log_sums_.get());
     const double cost = sums.entropy + kLogarithmUnit * (log_sum + kLogarithmOffset * sums.weight) +
-                        std::log(Z) * sums.weight;
+                        log_(Z) * sums.weight;
     // Not a number, if a guard may matter.
     return std::fabs(cost) >= kPrintsAsZero ? cost : plainCost(Y, Z);
 }
@@ -69,9 +70,9 @@ void SlicedAttraction::forEachEntry(const double* Y,
 
 /// Adds the entries of a row one after the other.
 void SlicedAttraction::addEntries(const double* Y, double Z, std::size_t row, double& cost) const {
-    forEachEntry(Y, inOrder(Y), row, [&cost, Z](double p, double squared_distance) {
+    forEachEntry(Y, inOrder(Y), row, [this, &cost, Z](double p, double squared_distance) {
         const double Q = 1.0 / (squared_distance + 1.0) / Z + DBL_MIN;
-        cost += p * std::log((p + DBL_MIN) / Q);
+        cost += p * log_((p + DBL_MIN) / Q);
     });
 }
 
@@ -98,7 +99,7 @@ void SlicedAttraction::rowMisfits(const double* Y, const double* similarity_sums
         const auto for_each_entry = [&](const auto& visit) {
             forEachEntry(Y, inOrder(Y), n, visit);
         };
-        misfits[n] = row_misfit(for_each_entry, similarity_sums[n]);
+        misfits[n] = row_misfit(for_each_entry, similarity_sums[n], log_);
     });
 }
 

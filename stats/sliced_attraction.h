@@ -5,6 +5,7 @@
 #include "stats/attraction.h"
 #include "stats/kernels/slice_pass.h"
 #include "stats/sliced_matrix.h"
+#include "util/elementary.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -18,8 +19,9 @@ namespace ovik {
 class SlicedAttraction : public Attraction {
   public:
     /// @param dims  of the embeddings
+    /// @param log   the logarithm of what the vector kernels leave
     /// @throws WorkMemoryError
-    SlicedAttraction(SlicedMatrix P, std::size_t dims);
+    SlicedAttraction(SlicedMatrix P, std::size_t dims, RealFunction log);
 
     [[nodiscard]] SlicedMatrix& matrix() { return P_; }
 
@@ -47,6 +49,7 @@ class SlicedAttraction : public Attraction {
 
     SlicedMatrix P_;
     std::size_t dims_;
+    RealFunction log_;
     SliceKernels kernels_;
     /// Of each row of the slices.
     MallocArray<double> log_sums_;

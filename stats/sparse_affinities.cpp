@@ -359,7 +359,8 @@ SparseMatrix neighbour_affinities(const double* points,
     if (perplexity > static_cast<double>(K)) {
         tell(hooks.notes, FitNote::PerplexityAboveNeighbours);
     }
-    CalibratedRows rows({{perplexity, static_cast<std::size_t>(std::max(K, 0))}});
+    CalibratedRows rows({{perplexity, static_cast<std::size_t>(std::max(K, 0))}},
+                        platform_elementary());
     return conditional_affinities({points, N, dims}, rows, K, hooks);
 }
 

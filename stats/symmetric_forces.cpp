@@ -14,20 +14,22 @@ namespace ovik {
 namespace {
 
 /// The term of the cost for an entry of the diagonal, where the similarity is DBL_MIN.
-double diagonal_cost(double p, double sum_Q) {
+double diagonal_cost(double p, double sum_Q, RealFunction log) {
     // Too small for any digit of the cost, and slow to compute with.
     if (p < 1e-200) {
         return 0.0;
     }
-    return p * std::log((p + DBL_MIN) / (DBL_MIN / sum_Q + DBL_MIN));
+    return p * log((p + DBL_MIN) / (DBL_MIN / sum_Q + DBL_MIN));
 }
 
 }  // namespace
 
 SymmetricForces::SymmetricForces(std::size_t point_count,
                                  std::size_t dims,
+                                 RealFunction log,
                                  const PairKernels& kernels)
-    : kernels_(kernels),
+    : log_(log),
+      kernels_(kernels),
       point_count_(point_count),
       dims_(dims),
       worker_count_(panel_worker_count(point_count)),
@@ -113,10 +115,10 @@ double SymmetricForces::totalCost(double sum_Q) const {
     const double pairs = std::accumulate(costs_.get(), costs_.get() + point_count_, 0.0);
     double diagonal = 0.0;
     for (std::size_t n = 0; n < point_count_; ++n) {
-        diagonal += diagonal_cost(diagonal_[n], sum_Q);
+        diagonal += diagonal_cost(diagonal_[n], sum_Q, log_);
     }
     return cost_terms_.entropy() + 2.0 * std::numbers::ln2 * pairs +
-           cost_terms_.sum() * std::log(sum_Q) + diagonal;
+           cost_terms_.sum() * log_(sum_Q) + diagonal;
 }
 
 }  // namespace ovik

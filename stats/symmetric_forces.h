@@ -6,6 +6,7 @@
 #include "stats/kernels/pair_kernels.h"
 #include "stats/pair_blocks.h"
 #include "stats/similarity_sum.h"
+#include "util/elementary.h"
 #include "util/malloc_array.h"
 
 namespace ovik {
@@ -20,9 +21,12 @@ namespace ovik {
 class SymmetricForces {
   public:
     /// For at least 2 points in at least 1 dimension. Throws WorkMemoryError
-    ///  if the arrays, O(point_count), do not fit in memory.
+    /// if the arrays, O(point_count), do not fit in memory.
+    ///
+    /// @param log  the logarithm of what the vector kernels leave
     SymmetricForces(std::size_t point_count,
                     std::size_t dims,
+                    RealFunction log,
                     const PairKernels& kernels = pair_kernels(instruction_set()));
 
     /// Takes affinities for the calls below, which they have to outlive.
@@ -53,6 +57,7 @@ class SymmetricForces {
     [[nodiscard]] EmbeddingColumns columns() const;
     void copyGradient(double* gradient) const;
 
+    RealFunction log_;
     const PairKernels& kernels_;
     std::size_t point_count_;
     std::size_t dims_;

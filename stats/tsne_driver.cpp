@@ -284,6 +284,12 @@ void TSNE<T>::requireRunnable(const FitOptions& options) const {
 
 namespace {
 
+/// Where a fit by one seed draws from: the process's own stream, unless numbers are to be the same on
+/// every machine; then null.
+RandomStream* stream_of(NumericsKind numerics) {
+    return numerics == NumericsKind::Platform ? &process_random_stream() : nullptr;
+}
+
 /// Fits by one seed, that of the process, or by several.
 FitReport fit_by(MatrixView<double> embedding,
                  MatrixView<double> input,
@@ -297,7 +303,7 @@ FitReport fit_by(MatrixView<double> embedding,
                                           options,
                                           hooks,
                                           method_of(options),
-                                          &process_random_stream());
+                                          stream_of(options.numerics));
     });
 }
 

@@ -78,7 +78,9 @@ Transformations transformations_for(const Options& options, const MapModel& mode
             " is asked for\nLeave --log1p, --row-totals, --center and --scale away: new rows are "
             "put through what those of the map were.");
     }
-    return *known;
+    Transformations transformations = *known;
+    transformations.is_portable = numerics_of(options.onto, model) == NumericsKind::Portable;
+    return transformations;
 }
 
 /// @throws InputError if rows are to be left out that are like any others to the map
@@ -363,7 +365,8 @@ PlacedRows place(const Options& options, const OntoRun& run) {
                            scale,
                            {model.embedding.data(), model.rows, model.out_dims},
                            model.perplexity,
-                           metric_of(options.onto, model)},
+                           metric_of(options.onto, model),
+                           numerics_of(options.onto, model)},
                           {run.loaded.matrix.values.get(), matrix.rows, matrix.columns});
     } catch (const InputError& error) {
         throw InputError(options.matrix + ": " + error.what());

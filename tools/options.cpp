@@ -1034,9 +1034,11 @@ void check_fit(const CLI::App& app, Options& options) {
         }
     });
     const OptionSource source = source_of(options);
+    const FitOptions settled =
+        with_preset(options.preset, kUsualRows, options.fit, source.is_given);
+    options.load.transformations.is_portable = settled.numerics == NumericsKind::Portable;
     try {
-        check_options_together(
-            with_preset(options.preset, kUsualRows, options.fit, source.is_given), source);
+        check_options_together(settled, source);
     } catch (const InputError& error) {
         throw CLI::ValidationError(error.what());
     }

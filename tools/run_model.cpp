@@ -31,6 +31,22 @@ void check_placing_options(const FitOptions& fit) {
     });
 }
 
+/// What the options of a model say of a choice; as preset if they say nothing.
+template <typename Kind>
+Kind choice_of(const std::string& path,
+               const MapModel& model,
+               std::string_view option,
+               Kind preset) {
+    Kind chosen = preset;
+    const FitChoice<Kind> choice{chosen, preset, {}};
+    for (const auto& [name, value] : model.options) {
+        if (name == option && !choice.set(value)) {
+            refuse_option(path, name, value);
+        }
+    }
+    return chosen;
+}
+
 void check_placing_options(const std::string& path, const MapModel& model) {
     const FitOptions presets;
     visit_fit_options(presets, [&](const auto& preset) {
@@ -44,14 +60,11 @@ void check_placing_options(const std::string& path, const MapModel& model) {
 }
 
 MetricKind metric_of(const std::string& path, const MapModel& model) {
-    FitOptions fit;
-    const FitChoice<MetricKind> metric{fit.metric, fit.metric, {}};
-    for (const auto& [name, value] : model.options) {
-        if (name == "metric" && !metric.set(value)) {
-            refuse_option(path, name, value);
-        }
-    }
-    return fit.metric;
+    return choice_of(path, model, "metric", FitOptions().metric);
+}
+
+NumericsKind numerics_of(const std::string& path, const MapModel& model) {
+    return choice_of(path, model, "numerics", FitOptions().numerics);
 }
 
 template <typename T>

@@ -27,6 +27,12 @@ void check_placing_options(const std::string& path, const MapModel& model);
 /// @throws InputError if this program does not know it
 MetricKind metric_of(const std::string& path, const MapModel& model);
 
+/// The numerics by which it was made.
+///
+/// @param path  of the model, for the message
+/// @throws InputError if this program does not know them
+NumericsKind numerics_of(const std::string& path, const MapModel& model);
+
 /// What is needed to place further rows on the map of a run.
 ///
 /// @param tsne     after `actuate`, before `finish`

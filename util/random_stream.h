@@ -1,6 +1,8 @@
 #pragma once
 
-#include <memory>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 
 namespace ovik {
 
@@ -22,21 +24,20 @@ class RandomStream {
 /// The stream of `rand` and `srand`, of which a process has one.
 RandomStream& process_random_stream();
 
-/// A stream that nothing else draws from: the numbers of `rand` after `srand` with the same seed,
-/// and after none those of the seed 1. Streams may be used by several threads, each by one.
+/// A stream that nothing else draws from: the numbers that `rand` of the GNU C library gives after
+/// `srand` with the same seed, and after none those of the seed 1, on every machine. Streams may be
+/// used by several threads, each by one.
 class OwnRandomStream final : public RandomStream {
   public:
-    /// @throws std::bad_alloc
     OwnRandomStream();
-    ~OwnRandomStream() override;
 
     void seed(unsigned int seed) override;
     int next() override;
 
   private:
-    struct State;
-
-    std::unique_ptr<State> state_;
+    /// The last ones, of which the oldest stands at `place_`.
+    std::array<std::uint32_t, 31> numbers_{};
+    std::size_t place_ = 0;
 };
 
 }  // namespace ovik

@@ -109,6 +109,7 @@ py::dict described_map(Outcome& outcome, const FitOptions& options) {
                     "factor"_a = scale.factor,
                     "perplexity"_a = options.perplexity,
                     "metric"_a = static_cast<int>(options.metric),
+                    "numerics"_a = static_cast<int>(options.numerics),
                     "barring"_a = barring);
 }
 
@@ -313,7 +314,8 @@ py::tuple place(const Array& X, const Array& embedding, const py::dict& map, int
                                scale,
                                view_of(embedding),
                                map["perplexity"].cast<double>(),
-                               static_cast<MetricKind>(map["metric"].cast<int>())};
+                               static_cast<MetricKind>(map["metric"].cast<int>()),
+                               static_cast<NumericsKind>(map["numerics"].cast<int>())};
     const MatrixView<const double> rows = view_of(X);
     const PlacedRows placed = in_own_thread([&](const std::atomic<bool>& /*is_interrupted*/) {
         set_thread_count(threads);

@@ -26,7 +26,10 @@ namespace {
 
 using test::Answers;
 
-Answers answers_of_search(const std::vector<double>& points, std::size_t dims, std::size_t count) {
+Answers answers_of_search(const std::vector<double>& points,
+                          std::size_t dims,
+                          std::size_t count,
+                          NeighbourTies ties = NeighbourTies::OfTree) {
     const std::size_t N = points.size() / dims;
     std::srand(test::kTreeSeed);
     NeighbourSearch search(N, dims, process_random_stream());
@@ -42,7 +45,8 @@ Answers answers_of_search(const std::vector<double>& points, std::size_t dims, s
                            answers.of_rows[row].rows.push_back(static_cast<int>(near.row));
                            answers.of_rows[row].distances.push_back(near.distance);
                        }
-                   });
+                   },
+                   {.ties = ties});
     EXPECT_EQ(visits, N);
     return answers;
 }
@@ -195,6 +199,68 @@ TEST(NeighbourSearch, TakesAnyMetricWithTheTriangleInequality) {
     EXPECT_EQ(visits, 300U);
 }
 
+/// Every row with itself and the nearest others, by measuring all.
+std::vector<test::Answer> nearest_by_row(const std::vector<double>& points,
+                                         std::size_t dims,
+                                         std::size_t count) {
+    std::vector<test::Answer> answers;
+    for (std::size_t n = 0; n < points.size() / dims; ++n) {
+        test::Answer answer{{static_cast<int>(n)}, {0.0}};
+        for (const NearRow& other : test::nearest_of(points, dims, n, count - 1)) {
+            answer.rows.push_back(static_cast<int>(other.row));
+            answer.distances.push_back(other.distance);
+        }
+        answers.push_back(answer);
+    }
+    return answers;
+}
+
+void expect_ties_by_row(const std::vector<double>& points, std::size_t dims, std::size_t count) {
+    const auto expected = nearest_by_row(points, dims, count);
+    for (const int threads : {1, 3}) {
+        const test::ThreadCount scope(threads);
+        for (const InstructionSet set : test::available_instruction_sets()) {
+            const test::InstructionLimit limit(set);
+            ASSERT_TRUE(answers_of_search(points, dims, count, NeighbourTies::ByRow).of_rows ==
+                        expected)
+                << threads << " threads, instruction set " << static_cast<int>(set);
+        }
+    }
+}
+
+TEST(NeighbourSearch, HasTiesByRowWhereThatIsWanted) {
+    std::vector<double> lattice = test::random_values(800 * 3, 65, 1.5);
+    for (double& value : lattice) {
+        value = std::round(value);
+    }
+    for (const std::size_t count : {1U, 12U, 90U}) {
+        expect_ties_by_row(lattice, 3, count);
+    }
+    // A few duplicates, more of them than are wanted.
+    std::vector<double> points = test::random_values(500 * 3, 66);
+    for (std::size_t row = 30; row < 60; ++row) {
+        std::copy_n(points.begin() + 3 * 42, 3, points.begin() + static_cast<int>(3 * row));
+    }
+    expect_ties_by_row(points, 3, 12);
+    expect_ties_by_row(std::vector<double>(200, 1.0), 2, 9);
+    expect_ties_by_row(test::random_values(400 * 20, 67), 20, 25);
+    EXPECT_FALSE(answers_of_search(lattice, 3, 12, NeighbourTies::ByRow).of_rows ==
+                 answers_of_search(lattice, 3, 12).of_rows);
+}
+
+TEST(NeighbourSearch, HasTiesByRowOfDistancesThatDifferInTheLastPlace) {
+    std::vector<double> points = {0.0, 0.0};
+    for (int n = 0; n < 300; ++n) {
+        points.push_back(std::cos(0.02 * n));
+        points.push_back(std::sin(0.02 * n));
+    }
+    expect_ties_by_row(points, 2, 50);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i] = 1.0 + static_cast<double>(i * 7 % 31) * std::numeric_limits<double>::epsilon();
+    }
+    expect_ties_by_row(points, 2, 50);
+}
+
 TEST(NeighbourSearch, VisitsTheRowsThatAreNotFoundYet) {
     const std::vector<double> points = test::random_values(300 * 3, 72);
     std::vector<char> is_found(300, 1);
@@ -209,7 +275,8 @@ TEST(NeighbourSearch, VisitsTheRowsThatAreNotFoundYet) {
             visited.push_back(row);
             EXPECT_EQ(nearest.size(), 5U);
             EXPECT_EQ(nearest.front(), (NearRow{static_cast<std::uint32_t>(row), 0.0}));
-        });
+        },
+        NeighbourTies::OfTree);
     std::sort(visited.begin(), visited.end());
     EXPECT_EQ(visited, (std::vector<std::size_t>{17, 200}));
 }
@@ -266,11 +333,15 @@ TEST(NeighbourSearch, TellsOfRowsThatOnlyTheTreeFinds) {
     is_found[7] = is_found[2000] = 0;
     NeighbourSearch search(3000, 3, process_random_stream());
     const auto visit = [](std::size_t, std::span<const NearRow>, std::size_t) {};
-    search.findOthers(
-        points.data(), 5, is_found, visit, [&](Stage, std::uint64_t done, std::uint64_t) {
-            first = first == 0 ? done : first;
-            last = done;
-        });
+    search.findOthers(points.data(),
+                      5,
+                      is_found,
+                      visit,
+                      NeighbourTies::OfTree,
+                      [&](Stage, std::uint64_t done, std::uint64_t) {
+                          first = first == 0 ? done : first;
+                          last = done;
+                      });
     EXPECT_EQ(first, 2998U);
     EXPECT_EQ(last, 3000U);
 }

@@ -67,7 +67,7 @@ double cost_at(const FixedMap& map,
             attraction[d] += (p[m] * w[j]) * (y[d] - map.embedding[j * dims + d]);
         }
         if (p[m] > 0.0) {
-            cost += p[m] * std::log(p[m] * Z / w[j]);
+            cost += p[m] * functions().log(p[m] * Z / w[j]);
         }
     }
     for (std::size_t d = 0; d < dims; ++d) {

@@ -244,7 +244,7 @@ double cost_with(const Repulsion& repulsion,
                 squared_distance += difference * difference;
             }
             const double q = 1.0 / (squared_distance + 1.0);
-            sum += p * std::log((p + DBL_MIN) / (q / sum_Q + DBL_MIN));
+            sum += p * functions().log((p + DBL_MIN) / (q / sum_Q + DBL_MIN));
         }
     }
     return sum;

@@ -11,6 +11,12 @@
 
 namespace plain {
 
+Functions& functions() {
+    static Functions chosen{[](double x) { return std::exp(x); },
+                            [](double x) { return std::log(x); }};
+    return chosen;
+}
+
 namespace {
 
 /// The precision of a Gaussian under search, and its bounds.
@@ -121,7 +127,7 @@ std::vector<double> conditional_similarities_by(const std::vector<double>& dista
         for (int left = 500; left > 0; --left) {
             const double beta = bandwidth.beta;
             for (std::size_t m = 0; m < N; ++m) {
-                P[n * N + m] = std::exp((-beta) * distances[n * N + m]);
+                P[n * N + m] = functions().exp((-beta) * distances[n * N + m]);
             }
             P[n * N + n] = DBL_MIN;
             sum_P = DBL_MIN;
@@ -132,8 +138,8 @@ std::vector<double> conditional_similarities_by(const std::vector<double>& dista
             for (std::size_t m = 0; m < N; ++m) {
                 H += P[n * N + m] * distances[n * N + m] * beta;
             }
-            H = H / sum_P + std::log(sum_P);
-            if (bandwidth.fits(H - std::log(perplexity))) {
+            H = H / sum_P + functions().log(sum_P);
+            if (bandwidth.fits(H - functions().log(perplexity))) {
                 break;
             }
         }
@@ -211,7 +217,7 @@ double cost(const std::vector<double>& P,
     }
     double sum = 0.0;
     for (std::size_t i = 0; i < N * N; ++i) {
-        sum += P[i] * std::log((P[i] + DBL_MIN) / (Q[i] / sum_Q + DBL_MIN));
+        sum += P[i] * functions().log((P[i] + DBL_MIN) / (Q[i] / sum_Q + DBL_MIN));
     }
     return sum;
 }
@@ -224,7 +230,7 @@ std::vector<double> similarities_to(const std::vector<double>& distances, double
     for (int left = 200; left > 0; --left) {
         const double beta = bandwidth.beta;
         for (std::size_t m = 0; m < K; ++m) {
-            P[m] = std::exp(((-beta) * distances[m]) * distances[m]);
+            P[m] = functions().exp(((-beta) * distances[m]) * distances[m]);
         }
         sum_P = DBL_MIN;
         for (std::size_t m = 0; m < K; ++m) {
@@ -234,8 +240,8 @@ std::vector<double> similarities_to(const std::vector<double>& distances, double
         for (std::size_t m = 0; m < K; ++m) {
             H += distances[m] * distances[m] * P[m] * beta;
         }
-        H = H / sum_P + std::log(sum_P);
-        if (bandwidth.fits(H - std::log(perplexity))) {
+        H = H / sum_P + functions().log(sum_P);
+        if (bandwidth.fits(H - functions().log(perplexity))) {
             break;
         }
     }
@@ -332,7 +338,7 @@ double normal_deviate() {
         y = y + y - 1.0;
         r = y * y + x * x;
     } while (r >= 1.0 || r == 0.0);
-    return x * std::sqrt((std::log(r) * -2.0) / r);
+    return x * std::sqrt((functions().log(r) * -2.0) / r);
 }
 
 double exaggeration_of(const Schedule& schedule, int iter) {

@@ -84,6 +84,15 @@ std::size_t tree_draws(std::size_t point_count);
 
 double normal_deviate();
 
+/// The exponential and logarithm by which the plain programs go.
+struct Functions {
+    double (*exp)(double);
+    double (*log)(double);
+};
+
+/// Those of the C library, unless a test puts others in their place.
+Functions& functions();
+
 /// The numbers of a run.
 struct Schedule {
     int max_iter;

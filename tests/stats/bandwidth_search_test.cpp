@@ -86,7 +86,12 @@ int expect_the_same(std::vector<double> squares,
             actual[m] = m == left_out ? DBL_MIN : std::exp(-beta * squares[m]);
         }
     };
-    calibrate_similarities({squares, actual.data(), left_out}, perplexity, attempts, guess, fill);
+    calibrate_similarities({squares, actual.data(), left_out},
+                           perplexity,
+                           attempts,
+                           guess,
+                           platform_elementary().log,
+                           fill);
     for (std::size_t m = 0; m < squares.size(); ++m) {
         EXPECT_EQ(std::bit_cast<std::uint64_t>(actual[m]),
                   std::bit_cast<std::uint64_t>(expected[m]))

@@ -124,6 +124,23 @@ TEST(CachedNeighbours, GiveRunsOfOtherSeedsWhatASearchOfTheirOwnGives) {
     }
 }
 
+TEST(CachedNeighbours, HaveTiesByRowAsASearchOfTheirOwn) {
+    Matrix lattice{{}, 2};
+    for (int n = 0; n < 600; ++n) {
+        lattice.values.insert(lattice.values.end(), {n % 23 * 1.0, n * 7 % 17 * 1.0});
+    }
+    const NeighbourSearchManner manner{.ties = NeighbourTies::ByRow};
+    for (const int threads : test::kThreadCounts) {
+        const test::ThreadCount scope(threads);
+        CachedNeighbours cached(60);
+        for (const int K : {60, 8, 24}) {
+            const Outcome expected = affinities(lattice, K, nullptr, 11, manner);
+            EXPECT_EQ(affinities(lattice, K, &cached, 11, manner), expected) << K;
+            EXPECT_NE(affinities(lattice, K, nullptr), expected) << K;
+        }
+    }
+}
+
 TEST(CachedNeighbours, GiveWhatAnApproximateSearchOfItsOwnGives) {
     // A lattice: of equally near rows the lower ones are taken, which the exact search does not do.
     Matrix matrix{{}, 3};

@@ -143,8 +143,9 @@ TEST(DenseAffinities, OfDistancesAreThoseOfThePlainProgramForAnyThreads) {
     for (const int threads : {1, 2, 5}) {
         const test::ThreadCount scope(threads);
         std::vector<double> P(kRows * kRows);
-        dense_affinities_of_distances(
-            {distances.data(), kRows, kRows}, P.data(), calibrated_row({5.0}));
+        dense_affinities_of_distances({distances.data(), kRows, kRows},
+                                      P.data(),
+                                      calibrated_row({5.0}, platform_elementary()));
         EXPECT_EQ(P, expected);
     }
 }
@@ -192,8 +193,9 @@ TEST(CalibratedRow, OfSeveralPerplexitiesEqualsThePlainProgramBitForBit) {
     for (const int threads : test::kThreadCounts) {
         const test::ThreadCount scope(threads);
         std::vector<double> P(kPoints * kPoints, -1.0);
-        dense_conditional_affinities(
-            {points.data(), kPoints, kColumns}, P.data(), calibrated_row(perplexities));
+        dense_conditional_affinities({points.data(), kPoints, kColumns},
+                                     P.data(),
+                                     calibrated_row(perplexities, platform_elementary()));
         EXPECT_EQ(P, expected) << threads << " threads";
     }
 }

@@ -94,7 +94,8 @@ TEST(StartAtPlaces, EqualsThePlainProgramBitForBit) {
         const std::vector<double> expected = plain::start_at_places(X, kRows, 4, places, dims);
         for (const int threads : test::kThreadCounts) {
             const test::ThreadCount scope(threads);
-            const NeighbourGraph graph = placing_neighbours({X.data(), kRows, 4});
+            const NeighbourGraph graph = placing_neighbours(
+                {X.data(), kRows, 4}, MetricKind::Euclidean, NeighbourTies::OfTree);
             EXPECT_EQ(start_of(places, dims, graph), expected) << threads;
         }
     }
@@ -212,19 +213,24 @@ TEST(PlacingNeighbours, AreThoseOfDistancesThatAreGiven) {
                                                  std::pow(X[3 * n + 2] - X[3 * m + 2], 2));
         }
     }
-    const NeighbourGraph graph =
-        placing_neighbours({distances.data(), kRows, kRows}, MetricKind::Precomputed);
-    EXPECT_EQ(graph.neighbours, placing_neighbours({X.data(), kRows, 3}).neighbours);
+    const NeighbourGraph graph = placing_neighbours(
+        {distances.data(), kRows, kRows}, MetricKind::Precomputed, NeighbourTies::OfTree);
+    EXPECT_EQ(graph.neighbours,
+              placing_neighbours({X.data(), kRows, 3}, MetricKind::Euclidean, NeighbourTies::OfTree)
+                  .neighbours);
     EXPECT_EQ(graph.distances[0], distances[graph.neighbours[0]]);
     // Equal distances, those of the row itself among them: the first rows come first.
     const std::vector<double> equal(9);
-    EXPECT_THAT(placing_neighbours({equal.data(), 3, 3}, MetricKind::Precomputed).neighbours,
-                ElementsAre(1, 2, 0, 2, 0, 1));
+    EXPECT_THAT(
+        placing_neighbours({equal.data(), 3, 3}, MetricKind::Precomputed, NeighbourTies::OfTree)
+            .neighbours,
+        ElementsAre(1, 2, 0, 2, 0, 1));
 }
 
 TEST(PlacingNeighbours, AreAllOthersIfThereAreFew) {
     const std::vector<double> X = {0.0, 1.0, 5.0, 5.5};
-    const NeighbourGraph graph = placing_neighbours({X.data(), 4, 1});
+    const NeighbourGraph graph =
+        placing_neighbours({X.data(), 4, 1}, MetricKind::Euclidean, NeighbourTies::OfTree);
     EXPECT_EQ(graph.neighbour_count, 3U);
     EXPECT_THAT(graph.neighbours, ElementsAre(1, 2, 3, 0, 2, 3, 3, 1, 0, 2, 1, 0));
     EXPECT_THAT(graph.distances,

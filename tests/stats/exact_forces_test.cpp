@@ -135,7 +135,7 @@ TEST(ExactRowCosts, AreWhatTheCostWouldBeOfOneRowOfAffinitiesAlone) {
     for (const int threads : {1, 2, 5}) {
         const test::ThreadCount scope(threads);
         std::vector<double> costs(kCount, -7.0);
-        exact_row_costs(P.data(), Y.data(), kCount, 2, costs.data());
+        exact_row_costs(P.data(), Y.data(), kCount, 2, platform_elementary().log, costs.data());
         for (std::size_t n = 0; n < kCount; ++n) {
             std::vector<double> alone(P.size(), 0.0);
             std::copy_n(P.begin() + static_cast<std::ptrdiff_t>(n * kCount),

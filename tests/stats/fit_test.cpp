@@ -545,7 +545,7 @@ std::unique_ptr<Objective> make_all_pairs(const MethodInput& input) {
     divide_by_sum(P.val_P.get(), P.row_P[N]);
     const auto dims = static_cast<std::size_t>(input.options.out_dims);
     return std::make_unique<SparseObjective>(
-        SlicedAttraction(SlicedMatrix(std::move(P), N, dims), dims),
+        SlicedAttraction(SlicedMatrix(std::move(P), N, dims), dims, platform_elementary().log),
         SparseForces(N, dims, std::make_unique<test::AllPairsRepulsion>(N, dims)));
 }
 

@@ -70,7 +70,7 @@ TEST(SparseForces, AllocateNothingAfterTheFirstEmbedding) {
     }
     const std::vector<double> val_P(kCount, 1.0 / kCount);
     const SparseMatrixView P{row_P.data(), col_P.data(), val_P.data()};
-    SlicedAttraction attraction(SlicedMatrix(P, kCount, 2), 2);
+    SlicedAttraction attraction(SlicedMatrix(P, kCount, 2), 2, platform_elementary().log);
     const std::vector<double> Y = test::random_values(2 * kCount, 71, 10.0);
     // Coincident points, and some too near for one grid.
     std::vector<double> other(2 * kCount, 1.0);

@@ -223,7 +223,7 @@ std::pair<std::vector<double>, double> attraction_of(SlicedMatrix matrix, std::s
     const std::size_t N = matrix.rowCount();
     const std::vector<double> Y = test::random_values(N * dims, 23, 3.0);
     std::vector<double> forces(N * dims, -7.0);
-    SlicedAttraction attraction(std::move(matrix), dims);
+    SlicedAttraction attraction(std::move(matrix), dims, platform_elementary().log);
     attraction.prepare(Y.data());
     attraction.pass(Y.data(), {0, N}, forces.data(), true);
     return {forces, attraction.cost(Y.data(), 1e3)};

@@ -3,10 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "util/rounded_functions.h"
+
 #include "tests/plain/plain_mesh.h"
 #include "tests/plain/plain_sptree.h"
 #include "tests/plain/plain_tsne.h"
 #include "tests/support/engine_run.h"
+#include "tests/support/plain_functions.h"
 #include "tests/support/threads.h"
 
 /// Runs with numbers other than the presets, against the plain program with the same.
@@ -75,7 +78,7 @@ const OtherNumber kOtherNumbers[] = {
      }},
 };
 
-class OptionRun : public testing::TestWithParam<OtherNumber> {
+class ShortRun : public testing::Test {
   protected:
     [[nodiscard]] std::vector<double> run(const FitOptions& options, double theta) const {
         return test::run_engine(path_,
@@ -92,6 +95,8 @@ class OptionRun : public testing::TestWithParam<OtherNumber> {
     std::string path_ = test::first_rows(directory_, "brauer2008_chemostat.tsv", kRows);
 };
 
+class OptionRun : public ShortRun, public testing::WithParamInterface<OtherNumber> {};
+
 TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
     FitOptions options;
     plain::Schedule schedule = kSchedule;
@@ -103,6 +108,23 @@ TEST_P(OptionRun, EqualsThePlainProgramWithTheSameNumber) {
                          : plain::embed_with_tree(input, 2, kPerplexity, theta, schedule, nullptr);
         for (const int threads : {1, 3}) {
             const test::ThreadCount scope(threads);
+            EXPECT_EQ(run(options, theta), Y) << theta << ", " << threads << " threads";
+        }
+        EXPECT_NE(run(FitOptions(), theta), Y) << theta;
+    }
+}
+
+TEST_F(ShortRun, ByPortableNumericsEqualsThePlainProgramWithRoundedFunctions) {
+    FitOptions options;
+    options.numerics = NumericsKind::Portable;
+    const plain::Matrix input = plain::read_tab_separated(path_, kRows);
+    const test::PlainFunctions scope({&rounded_exp, &rounded_log});
+    for (const double theta : {0.0, 0.5}) {
+        const std::vector<double> Y =
+            theta == 0.0 ? plain::embed_exactly(input, 2, kPerplexity, kSchedule, nullptr)
+                         : plain::embed_with_tree(input, 2, kPerplexity, theta, kSchedule, nullptr);
+        for (const int threads : {1, 3}) {
+            const test::ThreadCount threads_scope(threads);
             EXPECT_EQ(run(options, theta), Y) << theta << ", " << threads << " threads";
         }
         EXPECT_NE(run(FitOptions(), theta), Y) << theta;

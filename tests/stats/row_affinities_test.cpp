@@ -68,20 +68,20 @@ TEST(UniformRows, ShareAmongTheNeighboursThatThereAre) {
 
 TEST(CalibratedRows, OfSeveralPerplexitiesEqualThePlainProgramBitForBit) {
     const std::vector<double> points = test::random_values(kCount * kDims, 7);
-    CalibratedRows rows({{5.0, 15}, {30.5, 91}, {12.0, 36}});
+    CalibratedRows rows({{5.0, 15}, {30.5, 91}, {12.0, 36}}, platform_elementary());
     expect_rows(
         points, rows, 91, plain::multiscale_similarities(points, kCount, kDims, {5.0, 30.5, 12.0}));
 }
 
 TEST(CalibratedRows, OfEqualPerplexitiesAreThoseOfOne) {
     const std::vector<double> points = test::random_values(kCount * kDims, 8);
-    CalibratedRows twice({{10.0, 30}, {10.0, 30}});
+    CalibratedRows twice({{10.0, 30}, {10.0, 30}}, platform_elementary());
     expect_rows(points, twice, 30, plain::neighbour_similarities(points, kCount, kDims, 10.0, 30));
 }
 
 TEST(CalibratedRows, OfSeveralPerplexitiesSumToOne) {
     const std::vector<double> points = test::random_values(kCount * kDims, 9);
-    CalibratedRows rows({{2.0, 6}, {50.0, 150}});
+    CalibratedRows rows({{2.0, 6}, {50.0, 150}}, platform_elementary());
     for (const auto& row :
          rows_of(conditional_affinities({points.data(), kCount, kDims}, rows, 150), kCount)) {
         double sum = 0.0;
@@ -96,7 +96,8 @@ TEST(CalibratedRows, AreTheSameOverCachedNeighbours) {
     const std::vector<double> points = test::random_values(kCount * kDims, 10);
     CachedNeighbours cached(60);
     for (const int K : {60, 24}) {
-        CalibratedRows rows({{4.0, 12}, {K / 3.0, static_cast<std::size_t>(K)}});
+        CalibratedRows rows({{4.0, 12}, {K / 3.0, static_cast<std::size_t>(K)}},
+                            platform_elementary());
         NeighbourHooks hooks;
         hooks.cached = &cached;
         EXPECT_EQ(

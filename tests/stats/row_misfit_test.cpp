@@ -60,8 +60,11 @@ std::vector<double> misfits_of(const std::vector<double>& P,
                                const std::vector<double>& Y,
                                std::size_t dims) {
     std::vector<double> misfits(kRows);
-    exact_row_misfits(
-        P.data(), {Y.data(), kRows, dims}, similarity_sums(Y, dims).data(), misfits.data());
+    exact_row_misfits(P.data(),
+                      {Y.data(), kRows, dims},
+                      similarity_sums(Y, dims).data(),
+                      platform_elementary().log,
+                      misfits.data());
     return misfits;
 }
 
@@ -91,7 +94,8 @@ TEST(RowMisfits, AlongNeighboursAreThoseOfThePlainProgram) {
     const std::vector<double> Y = map_of(2);
     const std::vector<double> expected = plain::row_misfits(rows, Y, 2);
     RowAttraction in_rows(compressed.view(), kRows, 2);
-    SlicedAttraction in_slices(SlicedMatrix(compressed.view(), kRows, 2), 2);
+    SlicedAttraction in_slices(
+        SlicedMatrix(compressed.view(), kRows, 2), 2, platform_elementary().log);
     for (const int threads : {1, 2, 5}) {
         const test::ThreadCount scope(threads);
         const std::vector<double> sums = similarity_sums(Y, 2);
@@ -117,7 +121,7 @@ TEST(RowMisfits, AddUpToTheCostWithTheDivergenceOfTheWeights) {
     }
     EXPECT_NEAR(total, exact_cost(P.data(), {Y.data(), kRows, 2}), 1e-12);
     std::vector<double> costs(kRows);
-    exact_row_costs(P.data(), Y.data(), kRows, 2, costs.data());
+    exact_row_costs(P.data(), Y.data(), kRows, 2, platform_elementary().log, costs.data());
     const double weight = std::accumulate(P.begin(), P.begin() + kRows, 0.0);
     EXPECT_NEAR(misfits[0], costs[0] / weight - std::log(weight / (sums[0] / Z)), 1e-12);
 }

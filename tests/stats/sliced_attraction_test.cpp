@@ -23,7 +23,8 @@ using Rows = test::SparseRows;
 
 TEST(SlicedAttraction, OfNoEntriesCostsNothingWhateverTheNormalisation) {
     const unsigned int row_P[2] = {0, 0};
-    SlicedAttraction attraction(SlicedMatrix({row_P, nullptr, nullptr}, 1, 2), 2);
+    SlicedAttraction attraction(
+        SlicedMatrix({row_P, nullptr, nullptr}, 1, 2), 2, platform_elementary().log);
     const double Y[2] = {1.0, 2.0};
     double forces[2] = {7.0, 7.0};
     attraction.pass(Y, {0, 1}, forces, true);
@@ -37,7 +38,7 @@ TEST(SlicedAttraction, OfNoEntriesCostsNothingWhateverTheNormalisation) {
 TEST(SlicedAttraction, PrintsACostOfNothingWithTheSignOfThePlainSum) {
     // Two points with each other's whole similarity: p = 0.5 and q / Z = 0.5, for any distance.
     const Rows rows{{0, 1, 2}, {1, 0}, {0.5, 0.5}};
-    SlicedAttraction attraction(SlicedMatrix(rows.view(), 2, 1), 1);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 2, 1), 1, platform_elementary().log);
     for (const double distance : {0.0, 0.1, 0.3, 0.7, 1.1, 2.3, 10.0, 1234.5}) {
         const double Y[2] = {0.0, distance};
         const double q = 1.0 / (1.0 + distance * distance);
@@ -54,7 +55,7 @@ TEST(SlicedAttraction, PrintsACostOfNothingWithTheSignOfThePlainSum) {
 TEST(SlicedAttraction, PullsAlongTheEntriesInTheirOrder) {
     const Rows rows{{0, 2, 2, 3}, {1, 2, 0}, {0.25, 0.5, 0.125}};
     const std::vector<double> Y = test::random_values(6, 3);
-    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2, platform_elementary().log);
     std::vector<double> forces(6, 7.0);
     attraction.pass(Y.data(), {0, 3}, forces.data(), false);
     for (std::size_t n = 0; n < 3; ++n) {
@@ -101,7 +102,7 @@ Rows three_a_row(std::size_t N) {
 TEST(SlicedAttraction, CostsWhatTheEntriesDoWithinItsBound) {
     constexpr std::size_t kCount = 500;
     const Rows rows = three_a_row(kCount);
-    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2, platform_elementary().log);
     // The last two are beyond what the sums over the slices hold for.
     for (const double scale : {1e-4, 1.0, 100.0, 1e8, 1e90, 1e120, 1e200}) {
         const std::vector<double> Y = test::random_values(2 * kCount, 5, scale);
@@ -119,7 +120,7 @@ TEST(SlicedAttraction, CostsWhatTheEntriesDoWithinItsBound) {
 TEST(SlicedAttraction, FormsTheCostAnewWhenTheAffinitiesChange) {
     constexpr std::size_t kCount = 100;
     Rows rows = three_a_row(kCount);
-    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), kCount, 2), 2, platform_elementary().log);
     const std::vector<double> Y = test::random_values(2 * kCount, 6, 3.0);
     const auto cost = [&] {
         attraction.pass(Y.data(), {0, kCount}, nullptr, true);
@@ -141,7 +142,7 @@ TEST(SlicedAttraction, FormsTheCostAnewWhenTheAffinitiesChange) {
 TEST(SlicedAttraction, TellsTheCostOfEachRow) {
     const Rows rows{{0, 2, 2, 3}, {1, 2, 0}, {0.25, 0.5, 0.125}};
     const std::vector<double> Y = test::random_values(6, 3);
-    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2);
+    SlicedAttraction attraction(SlicedMatrix(rows.view(), 3, 2), 2, platform_elementary().log);
     std::vector<double> costs(3, 7.0);
     attraction.rowCosts(Y.data(), 1.5, costs.data());
     EXPECT_EQ(costs[1], 0.0);
@@ -173,8 +174,9 @@ TEST(SlicedAttraction, TellsTheCostOfEachRowWhateverTheOrderInWhichTheyLie) {
     };
     std::vector<std::uint32_t> backwards(kPoints);
     std::iota(backwards.rbegin(), backwards.rend(), 0U);
-    SlicedAttraction plain(joint_matrix(conditional(), 2), 2);
-    SlicedAttraction reordered(joint_matrix(conditional(), 2, test::malloc_copy(backwards)), 2);
+    SlicedAttraction plain(joint_matrix(conditional(), 2), 2, platform_elementary().log);
+    SlicedAttraction reordered(
+        joint_matrix(conditional(), 2, test::malloc_copy(backwards)), 2, platform_elementary().log);
     ASSERT_TRUE(reordered.matrix().isReordered());
     const std::vector<double> Y = test::random_values(2 * kPoints, 3);
     std::vector<double> expected(kPoints);

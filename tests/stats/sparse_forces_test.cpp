@@ -59,7 +59,8 @@ TEST(SparseForces, EqualThePlainProgramAlongRowsAndSlices) {
                 SparseForces forces(
                     kCount, dims, std::make_unique<TreeRepulsion>(kCount, dims, 0.5));
                 RowAttraction along_rows(ring.view(), kCount, dims);
-                SlicedAttraction along_slices(SlicedMatrix(ring.view(), kCount, dims), dims);
+                SlicedAttraction along_slices(
+                    SlicedMatrix(ring.view(), kCount, dims), dims, platform_elementary().log);
                 costs_of_rows.push_back(
                     expect_plain_values(forces, along_rows, Y, expected, expected_cost));
                 costs_of_slices.push_back(

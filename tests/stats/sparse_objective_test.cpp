@@ -23,7 +23,7 @@ constexpr std::size_t kCount = 200;
 
 SparseObjective objective_of(const Ring& ring, std::unique_ptr<Repulsion> repulsion) {
     const std::size_t N = ring.row_P.size() - 1;
-    return {SlicedAttraction(SlicedMatrix(ring.view(), N, 2), 2),
+    return {SlicedAttraction(SlicedMatrix(ring.view(), N, 2), 2, platform_elementary().log),
             SparseForces(N, 2, std::move(repulsion))};
 }
 

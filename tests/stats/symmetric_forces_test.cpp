@@ -71,12 +71,13 @@ void expect_exact_values(const std::vector<double>& P,
     std::vector<double> gradient(Y.size());
     exact_gradient(P.data(), Y.data(), N, dims, gradient.data());
     const double cost = exact_cost(P.data(), Y.data(), N, dims);
-    SymmetricForces portable(N, dims, pair_kernels(InstructionSet::Scalar));
+    SymmetricForces portable(
+        N, dims, platform_elementary().log, pair_kernels(InstructionSet::Scalar));
     const Result expected = result(portable, P, Y, N);
     EXPECT_EQ(expected.gradient, gradient) << N << " x " << dims;
     EXPECT_NEAR(expected.cost, cost, 1e-12) << N << " x " << dims;
     for (const PairKernels* const kernels : test::all_pair_kernels()) {
-        SymmetricForces forces(N, dims, *kernels);
+        SymmetricForces forces(N, dims, platform_elementary().log, *kernels);
         const Result actual = result(forces, P, Y, N);
         EXPECT_EQ(actual.gradient, gradient) << N << " x " << dims;
         EXPECT_EQ(actual.cost, expected.cost) << N << " x " << dims;
@@ -127,7 +128,7 @@ TEST(SymmetricForces, FollowAnEmbeddingThatMoves) {
     constexpr std::size_t kCount = 130;
     const std::vector<double> P = symmetric_matrix(kCount, 1e-308);
     for (const PairKernels* const kernels : test::all_pair_kernels()) {
-        SymmetricForces forces(kCount, 2, *kernels);
+        SymmetricForces forces(kCount, 2, platform_elementary().log, *kernels);
         for (const double scale : {1e-4, 0.3, 7.0, 90.0, 2.0, 1e-3}) {
             const std::vector<double> Y = test::random_values(kCount * 2, 66, scale);
             std::vector<double> gradient(Y.size());
@@ -138,7 +139,7 @@ TEST(SymmetricForces, FollowAnEmbeddingThatMoves) {
 }
 
 TEST(SymmetricForces, TakeNoEmbeddingOutOfRange) {
-    SymmetricForces forces(3, 2);
+    SymmetricForces forces(3, 2, platform_elementary().log);
     for (const double odd :
          {std::nan(""), HUGE_VAL, -HUGE_VAL, std::nextafter(kLargestCoordinate, HUGE_VAL)}) {
         for (std::size_t place = 0; place < 6; ++place) {
