@@ -49,7 +49,7 @@ constexpr const char* kFooter =
     "Ctrl-C ends the fit with the results of what was reached.\n"
     "\n"
     "Exit status: 0 success, 1 failed run, 2 bad usage or bad input, 3 what was to be equal\n"
-    "differs (--reproduce), 130 or 143 ended by SIGINT (Ctrl-C) or SIGTERM.\n";
+    "differs (--reproduce, --self-test), 130 or 143 ended by SIGINT (Ctrl-C) or SIGTERM.\n";
 
 /// A finite number within a range; unlike the ready-made check it refuses NaN and infinity.
 CLI::Validator check_of(const OptionRange<double>& range) {
@@ -561,6 +561,10 @@ void add_other_tasks(CLI::App& app, Options& options) {
                    "Make the maps of this report (--json) again, of MATRIX, and say whether they "
                    "are equal bit for bit; writes nothing")
         ->option_text("REPORT");
+    app.add_flag("--self-test",
+                 options.tests_itself,
+                 "Tell within seconds whether portable numbers are on this machine what they are "
+                 "on every other, and if not, in which part; instead of a run");
     app.add_option("--collect",
                    options.collected_reports,
                    "Make a page to compare runs of their reports (--json), instead of a run")
@@ -745,6 +749,21 @@ void check_placement(const CLI::App& app, const Options& options) {
     }
 }
 
+/// @throws CLI::ValidationError if the command line asks for a test of the command and for a run
+void check_self_test(const CLI::App& app, const Options& options) {
+    constexpr std::array<std::string_view, 5> kAllowed = {
+        "self-test", "help", "version", "threads", "quiet"};
+    if (!options.tests_itself) {
+        return;
+    }
+    allow_only(app, kAllowed, "--self-test, which makes no map: leave it away");
+    if (!options.matrix.empty()) {
+        throw CLI::ValidationError(
+            "--self-test",
+            "takes matrices of its own instead of a run: " + options.matrix + " would not be read");
+    }
+}
+
 /// @throws CLI::ValidationError if the command line asks for the maps of a report, and for what the
 /// report says
 void check_reproduction(const CLI::App& app, const Options& options) {
@@ -838,7 +857,7 @@ void check_model(const Options& options) {
 
 void check_combination(const Options& options) {
     if (options.matrix.empty() && options.gene.empty() && options.enrich.empty() &&
-        options.collected_reports.empty()) {
+        options.collected_reports.empty() && !options.tests_itself) {
         throw CLI::RequiredError("MATRIX");
     }
     if (!options.matrix.empty() && !options.collected_reports.empty()) {
@@ -1092,6 +1111,7 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         check_placement(app, command.options);
         check_enrichment(app, command.options);
         check_reproduction(app, command.options);
+        check_self_test(app, command.options);
         settle_choice(app, command.options);
         check_combination(command.options);
         check_comparison(app, command.options);

@@ -25,6 +25,8 @@
 #include "util/threads.h"
 #include "util/whole_file.h"
 
+#include "golden/embedded_files.h"
+#include "golden/golden_parts.h"
 #include "tools/choice_run.h"
 #include "tools/command_report.h"
 #include "tools/comparison.h"
@@ -50,6 +52,7 @@
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
+#include "tools/self_test_report.h"
 #include "tools/set_join.h"
 #include "tools/sparse_input.h"
 #include "tools/standard_streams.h"
@@ -273,6 +276,11 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     }
     if (!options.collected_reports.empty()) {
         return collect_reports(options);
+    }
+    if (options.tests_itself) {
+        std::optional<ConsoleSilence> silence;
+        settle_manner(options, silence);
+        return show_self_test(golden::all_parts(), golden::expected_parts(golden::digests_text()));
     }
     if (!options.reproduced_report.empty()) {
         return reproduce(options);

@@ -142,6 +142,7 @@ void take_fit_options(const ReportedCall& reported, Options& options) {
             options.given.emplace(option.words.name);
         }
     });
+    options.load.transformations.is_portable = options.fit.numerics == NumericsKind::Portable;
     options.perplexities.clear();
     for (const ReportedRun& run : reported.runs) {
         if (run.perplexity) {
