@@ -30,131 +30,128 @@ constexpr int kLastIteration = 999;
 constexpr Values kGenes = Values::Chemostat;
 
 /// What takes longer than a tenth of a second has fewer rows or iterations.
-const std::vector<FitCase>& fit_cases() {
-    static const std::vector<FitCase> cases = {
-        // Methods
-        {"barnes-hut", kGenes, 200, [](FitOptions&) {}, true},
-        {"exact", kGenes, 120, [](FitOptions& o) { o.theta = 0.0; }, true},
-        {"mesh",
-         kGenes,
-         200,
-         [](FitOptions& o) {
-             o.method = MethodKind::Mesh;
-             o.max_iter = 299;
-         },
-         true},
-        {"theta 0.2", kGenes, 150, [](FitOptions& o) { o.theta = 0.2; }},
-        {"missing values", Values::Timecourses, 100, [](FitOptions&) {}},
-        {"counts", Values::Counts, 200, [](FitOptions&) {}},
-        // Metrics
-        {"pearson", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Pearson; }},
-        {"cosine", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Cosine; }},
-        {"spearman", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Spearman; }},
-        {"precomputed",
-         Values::Distances,
-         200,
-         [](FitOptions& o) { o.metric = MetricKind::Precomputed; }},
-        {"exact pearson",
-         kGenes,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.metric = MetricKind::Pearson;
-         }},
-        {"exact precomputed",
-         Values::Distances,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.metric = MetricKind::Precomputed;
-         }},
-        {"principal components", kGenes, 200, [](FitOptions& o) { o.pca = 10; }},
-        // Starts
-        {"start pca", kGenes, 200, [](FitOptions& o) { o.start = StartKind::Pca; }},
-        {"start given", kGenes, 200, [](FitOptions& o) { o.start = StartKind::Given; }},
-        {"start sample",
-         Values::Between,
-         2000,
-         [](FitOptions& o) {
-             o.start = StartKind::Sample;
-             o.max_iter = 19;
-         }},
-        // Schedules
-        {"annealed", kGenes, 200, [](FitOptions& o) { o.schedule = ScheduleKind::Annealed; }, true},
-        {"exact annealed",
-         kGenes,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.schedule = ScheduleKind::Annealed;
-         }},
-        {"constant gains", kGenes, 200, [](FitOptions& o) { o.gains = GainKind::Constant; }},
-        {"automatic rate", kGenes, 200, [](FitOptions& o) { o.automatic_rate = true; }},
-        {"stop when settled", kGenes, 200, [](FitOptions& o) { o.stop_when = 0.01; }},
-        {"seed 3", kGenes, 200, [](FitOptions& o) { o.seed = 3; }},
-        {"refined",
-         kGenes,
-         200,
-         [](FitOptions& o) {
-             o.affinity = AffinityKind::Uniform;
-             o.start = StartKind::Pca;
-             o.schedule = ScheduleKind::Annealed;
-             o.exaggeration = 4.0;
-             o.automatic_rate = true;
-             o.final_momentum = 0.95;
-         },
-         true},
-        // Affinities and neighbours
-        {"uniform", kGenes, 200, [](FitOptions& o) { o.affinity = AffinityKind::Uniform; }},
-        {"exact uniform",
-         kGenes,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.affinity = AffinityKind::Uniform;
-         }},
-        {"multiscale",
-         kGenes,
-         200,
-         [](FitOptions& o) {
-             o.multiscale = {5.0, 30.0};
-         }},
-        {"exact multiscale",
-         kGenes,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.multiscale = {5.0, 30.0};
-         }},
-        {"perplexity 5", kGenes, 200, [](FitOptions& o) { o.perplexity = 5.0; }},
-        {"approximate search",
-         Values::Between,
-         2500,
-         [](FitOptions& o) {
-             o.neighbour_search = NeighbourSearchKind::Approximate;
-             o.max_iter = 19;
-         }},
-        {"many rows", Values::Between, 2500, [](FitOptions& o) { o.max_iter = 19; }, true},
-        {"many rows by mesh",
-         Values::Between,
-         2500,
-         [](FitOptions& o) {
-             o.method = MethodKind::Mesh;
-             o.max_iter = 19;
-         }},
-        // Dimensions
-        {"three dimensions", kGenes, 150, [](FitOptions& o) { o.out_dims = 3; }, true},
-        {"exact in three dimensions",
-         kGenes,
-         120,
-         [](FitOptions& o) {
-             o.theta = 0.0;
-             o.out_dims = 3;
-         }},
-        {"four dimensions", kGenes, 100, [](FitOptions& o) { o.out_dims = 4; }},
-    };
-    return cases;
-}
+constexpr FitCase kFitCases[] = {
+    // Methods
+    {"barnes-hut", kGenes, 200, [](FitOptions&) {}, true},
+    {"exact", kGenes, 120, [](FitOptions& o) { o.theta = 0.0; }, true},
+    {"mesh",
+     kGenes,
+     200,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.max_iter = 299;
+     },
+     true},
+    {"theta 0.2", kGenes, 150, [](FitOptions& o) { o.theta = 0.2; }},
+    {"missing values", Values::Timecourses, 100, [](FitOptions&) {}},
+    {"counts", Values::Counts, 200, [](FitOptions&) {}},
+    // Metrics
+    {"pearson", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Pearson; }},
+    {"cosine", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Cosine; }},
+    {"spearman", kGenes, 200, [](FitOptions& o) { o.metric = MetricKind::Spearman; }},
+    {"precomputed",
+     Values::Distances,
+     200,
+     [](FitOptions& o) { o.metric = MetricKind::Precomputed; }},
+    {"exact pearson",
+     kGenes,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.metric = MetricKind::Pearson;
+     }},
+    {"exact precomputed",
+     Values::Distances,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.metric = MetricKind::Precomputed;
+     }},
+    {"principal components", kGenes, 200, [](FitOptions& o) { o.pca = 10; }},
+    // Starts
+    {"start pca", kGenes, 200, [](FitOptions& o) { o.start = StartKind::Pca; }},
+    {"start given", kGenes, 200, [](FitOptions& o) { o.start = StartKind::Given; }},
+    {"start sample",
+     Values::Between,
+     2000,
+     [](FitOptions& o) {
+         o.start = StartKind::Sample;
+         o.max_iter = 19;
+     }},
+    // Schedules
+    {"annealed", kGenes, 200, [](FitOptions& o) { o.schedule = ScheduleKind::Annealed; }, true},
+    {"exact annealed",
+     kGenes,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.schedule = ScheduleKind::Annealed;
+     }},
+    {"constant gains", kGenes, 200, [](FitOptions& o) { o.gains = GainKind::Constant; }},
+    {"automatic rate", kGenes, 200, [](FitOptions& o) { o.automatic_rate = true; }},
+    {"stop when settled", kGenes, 200, [](FitOptions& o) { o.stop_when = 0.01; }},
+    {"seed 3", kGenes, 200, [](FitOptions& o) { o.seed = 3; }},
+    {"refined",
+     kGenes,
+     200,
+     [](FitOptions& o) {
+         o.affinity = AffinityKind::Uniform;
+         o.start = StartKind::Pca;
+         o.schedule = ScheduleKind::Annealed;
+         o.exaggeration = 4.0;
+         o.automatic_rate = true;
+         o.final_momentum = 0.95;
+     },
+     true},
+    // Affinities and neighbours
+    {"uniform", kGenes, 200, [](FitOptions& o) { o.affinity = AffinityKind::Uniform; }},
+    {"exact uniform",
+     kGenes,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.affinity = AffinityKind::Uniform;
+     }},
+    {"multiscale",
+     kGenes,
+     200,
+     [](FitOptions& o) {
+         o.multiscale = {5.0, 30.0};
+     }},
+    {"exact multiscale",
+     kGenes,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.multiscale = {5.0, 30.0};
+     }},
+    {"perplexity 5", kGenes, 200, [](FitOptions& o) { o.perplexity = 5.0; }},
+    {"approximate search",
+     Values::Between,
+     2500,
+     [](FitOptions& o) {
+         o.neighbour_search = NeighbourSearchKind::Approximate;
+         o.max_iter = 19;
+     }},
+    {"many rows", Values::Between, 2500, [](FitOptions& o) { o.max_iter = 19; }, true},
+    {"many rows by mesh",
+     Values::Between,
+     2500,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.max_iter = 19;
+     }},
+    // Dimensions
+    {"three dimensions", kGenes, 150, [](FitOptions& o) { o.out_dims = 3; }, true},
+    {"exact in three dimensions",
+     kGenes,
+     120,
+     [](FitOptions& o) {
+         o.theta = 0.0;
+         o.out_dims = 3;
+     }},
+    {"four dimensions", kGenes, 100, [](FitOptions& o) { o.out_dims = 4; }},
+};
 
 /// Places to start from: the first columns, and none for every tenth row, which then starts amidst
 /// its neighbours.
@@ -215,7 +212,7 @@ std::vector<StageDigest> stages_of(const FitCase& fit_case) {
 
 std::vector<Part> fit_parts() {
     std::vector<Part> parts;
-    for (const FitCase& fit_case : fit_cases()) {
+    for (const FitCase& fit_case : kFitCases) {
         parts.push_back(
             {fit_case.name, [&fit_case] { return stages_of(fit_case); }, fit_case.is_selected});
     }
