@@ -1,6 +1,7 @@
 #include "results/digest.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 // NOLINTNEXTLINE(readability-identifier-naming): the library's own switch, for nothing to link
@@ -29,17 +30,36 @@ class DigestStream {
     XXH3_state_t state_{};
 };
 
-}  // namespace
+/// Forms the checksum of bytes that come in pieces.
+class ChecksumStream {
+  public:
+    ChecksumStream() { XXH3_64bits_reset(&state_); }
 
-Digest digest_of(std::span<const double> values) {
+    void add(std::string_view bytes) { XXH3_64bits_update(&state_, bytes.data(), bytes.size()); }
+
+    [[nodiscard]] std::uint64_t checksum() const { return XXH3_64bits_digest(&state_); }
+
+  private:
+    XXH3_state_t state_{};
+};
+
+/// Adds values to a stream, block by block, in the form that they have in files.
+template <typename Stream>
+void add_values(Stream& stream, std::span<const double> values) {
     constexpr std::size_t kBlock = 4096;
-    DigestStream stream;
     ByteEncoder block;
     for (std::size_t first = 0; first < values.size(); first += kBlock) {
         block.clear();
         block.put(values.subspan(first, std::min(kBlock, values.size() - first)));
         stream.add(block.bytes());
     }
+}
+
+}  // namespace
+
+Digest digest_of(std::span<const double> values) {
+    DigestStream stream;
+    add_values(stream, values);
     return stream.digest();
 }
 
@@ -62,18 +82,33 @@ Digest digest_of(std::string_view bytes) {
     return stream.digest();
 }
 
+Digest digest_of(std::istream& bytes) {
+    DigestStream stream;
+    std::array<char, 65536> block{};
+    while (bytes.read(block.data(), block.size()), bytes.gcount() > 0) {
+        stream.add({block.data(), static_cast<std::size_t>(bytes.gcount())});
+    }
+    return stream.digest();
+}
+
 std::string hexadecimal(const Digest& digest) {
-    char text[40];
-    std::snprintf(text,
-                  sizeof text,
-                  "%016llx%016llx",
-                  static_cast<unsigned long long>(digest.high),
-                  static_cast<unsigned long long>(digest.low));
-    return text;
+    return hexadecimal(digest.high) + hexadecimal(digest.low);
 }
 
 std::uint64_t checksum_of(std::string_view bytes) {
     return XXH3_64bits(bytes.data(), bytes.size());
+}
+
+std::uint64_t checksum_of(std::span<const double> values) {
+    ChecksumStream stream;
+    add_values(stream, values);
+    return stream.checksum();
+}
+
+std::string hexadecimal(std::uint64_t checksum) {
+    char text[20];
+    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(checksum));
+    return text;
 }
 
 }  // namespace ovik

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <istream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,10 +25,21 @@ Digest digest_of(std::span<const std::string> texts);
 /// The fingerprint of some bytes.
 Digest digest_of(std::string_view bytes);
 
+/// The fingerprint of the bytes of a stream up to its end.
+///
+/// @throws what the stream throws where it cannot be read
+Digest digest_of(std::istream& bytes);
+
 /// A digest as text.
 std::string hexadecimal(const Digest& digest);
 
 /// XXH3 of 64 bits.
 std::uint64_t checksum_of(std::string_view bytes);
+
+/// The same of the bits of some values, the lowest byte first on any machine.
+std::uint64_t checksum_of(std::span<const double> values);
+
+/// A checksum as text, of 16 digits.
+std::string hexadecimal(std::uint64_t checksum);
 
 }  // namespace ovik

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -125,6 +126,8 @@ struct RunRecord {
     std::vector<double> costs;
     /// The cost of the map against the affinities without exaggeration.
     double final_cost = 0.0;
+    /// The checksum of the bits of the map (`checksum_of`); none where no map is left.
+    std::optional<std::uint64_t> embedding;
     /// The share of the variance that principal components keep, if they stand for the columns.
     std::optional<double> variance_kept;
     /// The share of the nearest neighbours that were found, if the search was not exact.

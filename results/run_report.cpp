@@ -45,6 +45,34 @@ std::string json_input(const RunReport& report, const std::filesystem::path& dir
                        {"names", json_text(hexadecimal(report.names))}})}});
 }
 
+std::string json_platform(const Platform& platform) {
+    return json_object({{"processor", json_text(platform.processor)},
+                        {"architecture", json_text(platform.architecture)},
+                        {"instructions", json_text(platform.instructions)},
+                        {"system", json_text(platform.system)},
+                        {"c_library", json_text(platform.c_library)},
+                        {"compiler", json_text(platform.compiler)}});
+}
+
+std::string json_given_files(const std::vector<GivenFile>& files,
+                             const std::filesystem::path& directory) {
+    std::vector<std::string> list;
+    list.reserve(files.size());
+    for (const GivenFile& file : files) {
+        const std::string digest = file.digest ? json_text(hexadecimal(*file.digest)) : "null";
+        list.push_back(json_object({{"option", json_text(file.option)},
+                                    {"path", json_text(path_from(directory, file.path))},
+                                    {"algorithm", json_text(std::string("XXH3-128"))},
+                                    {"digest", digest}}));
+    }
+    return json_list(list);
+}
+
+std::string json_embedding(std::uint64_t checksum) {
+    return json_object({{"algorithm", json_text(std::string("XXH3-64"))},
+                        {"digest", json_text(hexadecimal(checksum))}});
+}
+
 std::string json_quality(const std::vector<RecordedQuality>& qualities) {
     std::vector<std::string> list;
     list.reserve(qualities.size());
@@ -193,6 +221,9 @@ std::string json_run(const RunRecord& run,
         {"quality", json_quality(run.quality)},
         {"files", json_files(run.files, directory)},
         {"costs", json_list_of(run.costs)}};
+    if (run.embedding) {
+        members.emplace_back("embedding", json_embedding(*run.embedding));
+    }
     if (run.neighbour_recall) {
         members.emplace_back("neighbour_recall", json_text(*run.neighbour_recall));
     }
@@ -258,6 +289,8 @@ std::string report_json(const RunReport& report, const std::string& path) {
         {"started", json_text(utc_text(report.started))},
         {"options", json_object(report.options)},
         {"threads", json_text(report.threads)},
+        {"platform", json_platform(report.platform)},
+        {"given_files", json_given_files(report.given_files, directory)},
         {"input", json_input(report, directory)},
         {"seconds",
          json_object({{"reading", json_text(report.reading_seconds)},

@@ -10,8 +10,18 @@
 
 #include "results/digest.h"
 #include "results/run_record.h"
+#include "util/platform.h"
 
 namespace ovik {
+
+/// A file on which a map depends beside its matrix.
+struct GivenFile {
+    /// The option that names the file, without dashes.
+    std::string option;
+    std::string path;
+    /// The fingerprint of its bytes; none of what cannot be read twice, such as a pipe.
+    std::optional<Digest> digest;
+};
 
 /// Everything about one call of a program that ran the engine.
 struct RunReport {
@@ -23,6 +33,8 @@ struct RunReport {
     /// Names of the options, which need no escapes, and their values as JSON.
     std::vector<std::pair<std::string, std::string>> options;
     std::size_t threads = 1;
+    Platform platform;
+    std::vector<GivenFile> given_files;
     /// Path of the matrix; "-" for standard input.
     std::string input;
     /// Format of the input: "text", "npy", "matrix market" or "xlsx".

@@ -9,7 +9,9 @@
 #include "stats/row_metric.h"
 #include "util/console.h"
 #include "util/json_text.h"
+#include "util/platform.h"
 
+#include "tools/given_files.h"
 #include "tools/standard_streams.h"
 
 namespace ovik::tool {
@@ -68,6 +70,10 @@ RunReport begin_report(const Options& options, std::vector<std::string> command_
     report.started = std::time(nullptr);
     if (options.onto.empty()) {
         report.options = reported_options(options);
+    }
+    if (!options.report_file.empty()) {
+        report.platform = this_platform();
+        report.given_files = given_files(options);
     }
     report.input = options.matrix;
     return report;

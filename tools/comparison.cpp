@@ -23,6 +23,7 @@
 
 #include "tools/choice_results.h"
 #include "tools/comparison_numbers.h"
+#include "tools/reported_options.h"
 #include "tools/result_files.h"
 #include "tools/result_paths.h"
 #include "tools/standard_streams.h"
@@ -217,34 +218,10 @@ RunRecord record_of(const Json& run) {
     return record;
 }
 
-/// @throws nlohmann::json::exception if the value is of another kind
-template <typename Option>
-void read_value(const Json& json, const Option& option) {
-    if constexpr (requires { option.set(""); }) {
-        static_cast<void>(option.set(json.get<std::string>()));
-    } else if constexpr (requires { option.isAutomatic(); }) {
-        if (option.automatic != nullptr && json.is_string()) {
-            *option.automatic = true;
-        } else {
-            json.get_to(option.value);
-        }
-    } else {
-        const std::size_t count = std::min(json.size(), NumberList::kMost);
-        for (std::size_t i = 0; i < count; ++i) {
-            option.value.add(json.at(i).get<double>());
-        }
-    }
-}
-
 /// The options of a fit, as far as a report has them.
 FitOptions fit_options_of(const Json& options) {
     FitOptions fit;
-    visit_fit_options(fit, [&options](const auto& option) {
-        const auto found = options.find(std::string(option.words.name));
-        if (found != options.end() && !found->is_null()) {
-            read_value(*found, option);
-        }
-    });
+    read_reported_options(options, fit);
     return fit;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "plots/cost_figure.h"
 #include "results/annotated_table.h"
 #include "results/coordinate_files.h"
+#include "results/digest.h"
 #include "results/label_table.h"
 #include "results/map_model.h"
 #include "results/reliability_table.h"
@@ -373,6 +375,16 @@ std::vector<ResultFile> finish_results(const TSNE<T>& tsne,
     return files;
 }
 
+/// Takes over what came of the fit.
+template <typename T>
+void record_map(RunRecord& record, const TSNE<T>& tsne, const FitOptions& options) {
+    const auto count =
+        static_cast<std::size_t>(tsne.N) * static_cast<std::size_t>(options.out_dims);
+    record.embedding = checksum_of(std::span<const double>(tsne.Y, count));
+    record.costs = tsne.costs();
+    record.final_cost = tsne.finalCost();
+}
+
 /// The values of a matrix, which a fit changes; none if they are not wanted.
 std::vector<double> copy_if(bool is_wanted, const RunInput& input) {
     if (!is_wanted) {
@@ -421,8 +433,7 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
                  std::move(labels),
                  options.fit.stop_lying_iter,
                  options.fit.mom_switch_iter);
-    record.costs = tsne.costs();
-    record.final_cost = tsne.finalCost();
+    record_map(record, tsne, options.fit);
     record.variance_kept = tsne.varianceKept();
     if (tsne.neighbourRecall()) {
         record.neighbour_recall = tsne.neighbourRecall()->share;
@@ -444,6 +455,24 @@ RunRecord run(const Options& options, RunInput input, double perplexity) {
     return record;
 }
 
+template <typename T>
+RunRecord fit_alone(const Options& options, RunInput input, double perplexity, int last_iteration) {
+    TSNE<T> tsne("", "", "", "");
+    const auto finish = [](TSNE<T>* run) { run->finish(); };
+    set_up(tsne, options, input);
+    const std::unique_ptr<TSNE<T>, decltype(finish)> finished_whatever_happens(&tsne, finish);
+    RunRecord record;
+    tsne.on_iteration = [&](const IterationReport& reached) {
+        check_finite(reached);
+        record.iteration = reached.iteration;
+        return goes_on() && (options.seeds > 1 || reached.iteration < last_iteration);
+    };
+    tsne.embed(
+        options.fit.out_dims, perplexity, options.fit.stop_lying_iter, options.fit.mom_switch_iter);
+    record_map(record, tsne, options.fit);
+    return record;
+}
+
 }  // namespace
 
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity) {
@@ -453,6 +482,16 @@ RunRecord run_embedding(const Options& options, RunInput input, double perplexit
     return options.precision == Precision::Float
                ? run<float>(options, std::move(input), perplexity)
                : run<double>(options, std::move(input), perplexity);
+}
+
+RunRecord run_fit_alone(const Options& options,
+                        RunInput input,
+                        double perplexity,
+                        int last_iteration) {
+    input.genes = std::make_shared<const RowGenes>(rows_without_genes(input.rows));
+    return options.precision == Precision::Float
+               ? fit_alone<float>(options, std::move(input), perplexity, last_iteration)
+               : fit_alone<double>(options, std::move(input), perplexity, last_iteration);
 }
 
 }  // namespace ovik::tool

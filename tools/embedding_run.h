@@ -50,4 +50,14 @@ struct RunInput {
 /// @throws std::runtime_error if coordinates stop being finite: there are no results then
 RunRecord run_embedding(const Options& options, RunInput input, double perplexity);
 
+/// The same fit without any file: not one is written, and the record has the map's checksum and the
+/// costs alone.
+///
+/// @param last_iteration  where the fit ends if it has one seed
+/// @throws std::runtime_error if coordinates stop being finite
+RunRecord run_fit_alone(const Options& options,
+                        RunInput input,
+                        double perplexity,
+                        int last_iteration);
+
 }  // namespace ovik::tool

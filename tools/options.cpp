@@ -48,8 +48,8 @@ constexpr const char* kDescription =
 constexpr const char* kFooter =
     "Ctrl-C ends the fit with the results of what was reached.\n"
     "\n"
-    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input, 130 or 143 ended by SIGINT\n"
-    "(Ctrl-C) or SIGTERM.\n";
+    "Exit status: 0 success, 1 failed run, 2 bad usage or bad input, 3 what was to be equal\n"
+    "differs (--reproduce, --self-test), 130 or 143 ended by SIGINT (Ctrl-C) or SIGTERM.\n";
 
 /// A finite number within a range; unlike the ready-made check it refuses NaN and infinity.
 CLI::Validator check_of(const OptionRange<double>& range) {
@@ -556,6 +556,15 @@ void add_other_tasks(CLI::App& app, Options& options) {
                    "Matrix whose genes --enrich compares the list with (all genes)")
         ->option_text("MATRIX")
         ->needs(enrich);
+    app.add_option("--reproduce",
+                   options.reproduced_report,
+                   "Make the maps of this report (--json) again, of MATRIX, and say whether they "
+                   "are equal bit for bit; writes nothing")
+        ->option_text("REPORT");
+    app.add_flag("--self-test",
+                 options.tests_itself,
+                 "Tell within seconds whether portable numbers are on this machine what they are "
+                 "on every other, and if not, in which part; instead of a run");
     app.add_option("--collect",
                    options.collected_reports,
                    "Make a page to compare runs of their reports (--json), instead of a run")
@@ -661,6 +670,16 @@ void add_transformation_options(CLI::App& app, Options& options) {
         "Embed the columns, by their names in the header; behind all that is done to them");
 }
 
+/// Whether the command line has an option. `CLI::App::count` copies names where nothing may be
+/// thrown, and so ends the program where memory runs out.
+bool is_given(const CLI::App& app, const std::string& name) {
+    const std::vector<const CLI::Option*> list = app.get_options();
+    return std::any_of(list.begin(), list.end(), [&name](const CLI::Option* option) {
+        const std::vector<std::string>& names = option->get_lnames();
+        return option->count() > 0 && std::find(names.begin(), names.end(), name) != names.end();
+    });
+}
+
 /// Options that still say something where the map is there already: how rows are read, and where
 /// results go.
 constexpr std::array<std::string_view, 35> kOptionsOfPlacement = {
@@ -693,6 +712,18 @@ constexpr std::array<std::string_view, 18> kOptionsOfEnrichment = {"enrich",
                                                                    "row-names"};
 constexpr std::size_t kOptionsWithoutBackground = 7;
 
+/// Options that say something where the maps of a report are made again: the manner, and where
+/// files are by now.
+constexpr std::array<std::string_view, 9> kOptionsOfReproduction = {"reproduce",
+                                                                    "help",
+                                                                    "version",
+                                                                    "threads",
+                                                                    "quiet",
+                                                                    "force",
+                                                                    "row-names",
+                                                                    "neighbours-from",
+                                                                    "start"};
+
 /// @param reason  why other options do not go, for the message
 /// @throws CLI::ValidationError if the command line has others than these
 void allow_only(const CLI::App& app,
@@ -715,6 +746,37 @@ void check_placement(const CLI::App& app, const Options& options) {
         allow_only(app,
                    kOptionsOfPlacement,
                    "--onto, which places rows on the map of a model: leave it away");
+    }
+}
+
+/// @throws CLI::ValidationError if the command line asks for a test of the command and for a run
+void check_self_test(const CLI::App& app, const Options& options) {
+    constexpr std::array<std::string_view, 5> kAllowed = {
+        "self-test", "help", "version", "threads", "quiet"};
+    if (!options.tests_itself) {
+        return;
+    }
+    allow_only(app, kAllowed, "--self-test, which makes no map: leave it away");
+    if (!options.matrix.empty()) {
+        throw CLI::ValidationError(
+            "--self-test",
+            "takes matrices of its own instead of a run: " + options.matrix + " would not be read");
+    }
+}
+
+/// @throws CLI::ValidationError if the command line asks for the maps of a report, and for what the
+/// report says
+void check_reproduction(const CLI::App& app, const Options& options) {
+    if (options.reproduced_report.empty()) {
+        return;
+    }
+    allow_only(app,
+               kOptionsOfReproduction,
+               "--reproduce, which takes the options of the report: leave it away");
+    if (is_given(app, "start") && options.start_file.empty()) {
+        throw CLI::ValidationError("--start",
+                                   "beside --reproduce says where the file of the report's start "
+                                   "is by now\nGive the path of a file, or leave it away.");
     }
 }
 
@@ -795,7 +857,7 @@ void check_model(const Options& options) {
 
 void check_combination(const Options& options) {
     if (options.matrix.empty() && options.gene.empty() && options.enrich.empty() &&
-        options.collected_reports.empty()) {
+        options.collected_reports.empty() && !options.tests_itself) {
         throw CLI::RequiredError("MATRIX");
     }
     if (!options.matrix.empty() && !options.collected_reports.empty()) {
@@ -832,16 +894,6 @@ constexpr std::array<std::string_view, 19> kNotBesideChoice = {"perplexity",
                                                                "reliability",
                                                                "neighbours-from",
                                                                "clusters-resolution"};
-
-/// Whether the command line has an option. `CLI::App::count` copies names where nothing may be
-/// thrown, and so ends the program where memory runs out.
-bool is_given(const CLI::App& app, const std::string& name) {
-    const std::vector<const CLI::Option*> list = app.get_options();
-    return std::any_of(list.begin(), list.end(), [&name](const CLI::Option* option) {
-        const std::vector<std::string>& names = option->get_lnames();
-        return option->count() > 0 && std::find(names.begin(), names.end(), name) != names.end();
-    });
-}
 
 /// Refuses what does not go with the metric.
 void check_comparison(const CLI::App& app, const Options& options) {
@@ -1058,6 +1110,8 @@ ParsedCommand parse_command_line(int argc, const char* const* argv) {
         app.parse(argc, argv);
         check_placement(app, command.options);
         check_enrichment(app, command.options);
+        check_reproduction(app, command.options);
+        check_self_test(app, command.options);
         settle_choice(app, command.options);
         check_combination(command.options);
         check_comparison(app, command.options);

@@ -151,6 +151,11 @@ struct Options {
     std::string report_file;
     /// Not empty: reports of earlier runs to make an index page of, instead of a run.
     std::vector<std::string> collected_reports;
+    /// Report whose maps are made again and compared, instead of a run; empty for a run.
+    std::string reproduced_report;
+    /// Whether the command holds its parts against the digests that they have everywhere, instead
+    /// of a run.
+    bool tests_itself = false;
     /// Whether the command only tells what it would do.
     bool dry_run = false;
     bool quiet = false;

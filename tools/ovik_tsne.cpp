@@ -25,6 +25,8 @@
 #include "util/threads.h"
 #include "util/whole_file.h"
 
+#include "golden/embedded_files.h"
+#include "golden/golden_parts.h"
 #include "tools/choice_run.h"
 #include "tools/command_report.h"
 #include "tools/comparison.h"
@@ -45,9 +47,12 @@
 #include "tools/page_matrix.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/progress_display.h"
+#include "tools/reported_call.h"
+#include "tools/reproduction.h"
 #include "tools/result_paths.h"
 #include "tools/row_genes.h"
 #include "tools/run_model.h"
+#include "tools/self_test_report.h"
 #include "tools/set_join.h"
 #include "tools/sparse_input.h"
 #include "tools/standard_streams.h"
@@ -177,7 +182,9 @@ ExitStatus make_maps(LoadedMatrix loaded,
 }
 
 /// Takes the whole way from the matrix to the results.
-ExitStatus embed(Options options, RunReport report) {
+///
+/// @param reported  in the place of results, the call that is made again; null for none
+ExitStatus embed(Options options, RunReport report, const ReportedCall* reported = nullptr) {
     Stopwatch watch;
     Stopwatch since_start = watch;
     watch_for_interruption();
@@ -193,6 +200,9 @@ ExitStatus embed(Options options, RunReport report) {
     LoadedMatrix loaded = load_matrix(options);
     options.into_rows = check_h5ad_result(options, loaded.matrix.row_names);
     settle_sparse_input(loaded, options);
+    if (reported != nullptr) {
+        check_reported_values(*reported, loaded);
+    }
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
     settle_kind_of_names(options, loaded);
@@ -206,7 +216,11 @@ ExitStatus embed(Options options, RunReport report) {
         check_placing_options(options.fit);
     }
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
-    check_result_names(options, perplexities);
+    if (reported != nullptr) {
+        check_reported_options(*reported, options);
+    } else {
+        check_result_names(options, perplexities);
+    }
     const auto neighbours = load_neighbours(options, perplexities, matrix.rows);
     RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();
@@ -227,6 +241,9 @@ ExitStatus embed(Options options, RunReport report) {
         prepare_place(options.model);
     }
     start_logging(options.quiet);
+    if (reported != nullptr) {
+        return reproduce_maps(std::move(loaded), perplexities, neighbours, options, *reported);
+    }
     report.threads = size.threads;
     report.estimated_memory = estimate_memory(size).peak();
     return make_maps(std::move(loaded),
@@ -236,6 +253,17 @@ ExitStatus embed(Options options, RunReport report) {
                      options,
                      std::move(report),
                      since_start);
+}
+
+/// Makes the maps of a report again and says whether they are equal.
+ExitStatus reproduce(const Options& call) {
+    const ReportedCall reported = read_reported_call(call.reproduced_report);
+    try {
+        return embed(options_to_reproduce(reported, call), {}, &reported);
+    } catch (const DifferenceFound& difference) {
+        complain(difference.what());
+        return Different;
+    }
 }
 
 /// Does what the command line asks for.
@@ -248,6 +276,14 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     }
     if (!options.collected_reports.empty()) {
         return collect_reports(options);
+    }
+    if (options.tests_itself) {
+        std::optional<ConsoleSilence> silence;
+        settle_manner(options, silence);
+        return show_self_test(golden::all_parts(), golden::expected_parts(golden::digests_text()));
+    }
+    if (!options.reproduced_report.empty()) {
+        return reproduce(options);
     }
     RunReport report = begin_report(options, std::move(command_line));
     return options.onto.empty() ? embed(options, std::move(report))

@@ -36,19 +36,6 @@ namespace {
 
 constexpr double kDefaultPerplexity = FitOptions().perplexity;
 
-/// What several runs share.
-std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
-                                                    const Options& options,
-                                                    std::size_t rows) {
-    // Distances tell the neighbours without a search.
-    if (perplexities.size() < 2 || !method_of(options.fit).has_neighbours ||
-        options.fit.metric == MetricKind::Precomputed) {
-        return nullptr;
-    }
-    const double largest = *std::max_element(perplexities.begin(), perplexities.end());
-    return make_cached_neighbours(static_cast<std::size_t>(neighbour_count(largest, rows)));
-}
-
 /// The input of one run: a copy, since the engine scales it in place; the last run gets the values
 /// themselves.
 RunInput input_of_run(LoadedMatrix& loaded,
@@ -104,6 +91,18 @@ double default_perplexity(std::size_t rows) {
 }
 
 }  // namespace
+
+std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
+                                                    const Options& options,
+                                                    std::size_t rows) {
+    // Distances tell the neighbours without a search.
+    if (perplexities.size() < 2 || !method_of(options.fit).has_neighbours ||
+        options.fit.metric == MetricKind::Precomputed) {
+        return nullptr;
+    }
+    const double largest = *std::max_element(perplexities.begin(), perplexities.end());
+    return make_cached_neighbours(static_cast<std::size_t>(neighbour_count(largest, rows)));
+}
 
 void describe_input(RunReport& report, const LoadedMatrix& loaded) {
     const InspectedMatrix& matrix = loaded.matrix;

@@ -43,6 +43,11 @@ std::vector<ComparisonEntry> entries_of_runs(const Options& options,
 /// @throws InputError if one asks for as many neighbours as a row has others
 std::vector<double> choose_perplexities(const Options& options, std::size_t rows);
 
+/// What the runs share of their neighbours; null where each finds its own, as a single run does.
+std::shared_ptr<CachedNeighbours> shared_neighbours(const std::vector<double>& perplexities,
+                                                    const Options& options,
+                                                    std::size_t rows);
+
 /// Runs the engine once for each perplexity, on the same input and the same neighbours; writes all
 /// results, the page that compares several runs, and the report.
 ///

@@ -25,6 +25,18 @@ InstructionSet& allowed() {
 
 }  // namespace
 
+#define OVIK_RETURN_NAME(enumerator, space, ...) \
+    case InstructionSet::enumerator:             \
+        return #space;
+
+std::string_view name_of(InstructionSet instructions) {
+    switch (instructions) {
+        OVIK_INSTRUCTION_SETS(OVIK_RETURN_NAME)
+        default:
+            return "unknown";
+    }
+}
+
 InstructionSet best_instruction_set() {
     static const InstructionSet best = best_of_processor();
     return best;

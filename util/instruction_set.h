@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace ovik {
 
 /// What the vector kernels are built for, each a superset of the one before. All of them compute
@@ -40,6 +42,9 @@ enum class InstructionSet {
 constexpr InstructionSet kInstructionSets[] = {OVIK_INSTRUCTION_SETS(OVIK_ENUMERATOR)};
 
 #undef OVIK_ENUMERATOR
+
+/// What an instruction set is called, as the namespace of its kernels.
+std::string_view name_of(InstructionSet instructions);
 
 /// The best of this build that the processor has.
 InstructionSet best_instruction_set();

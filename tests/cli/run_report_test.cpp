@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "results/digest.h"
+
 #include "tests/support/command_test.h"
 
 /// The report that the real program writes of a run, and the page that it makes of reports.
@@ -76,10 +78,17 @@ TEST_F(Report, HoldsEverythingAboutTheRun) {
     for (const char* const memory : {"estimated", "peak"}) {
         EXPECT_GT(report["memory_bytes"][memory], 5e6);
     }
+    EXPECT_NE(report["platform"]["compiler"], "");
+    EXPECT_NE(report["platform"]["instructions"], "");
+    EXPECT_EQ(report["given_files"], json::array());
     ASSERT_EQ(report["runs"].size(), 1U);
     const json& only = report["runs"][0];
     EXPECT_EQ(only["perplexity"], 10.0);
     EXPECT_EQ(only["last_iteration"], 5);
+    // The file has a head of 128 bytes.
+    const std::string array = result("m_tsne_10_0.npy");
+    ASSERT_EQ(array.size(), 128U + 80U * 2U * sizeof(double));
+    EXPECT_EQ(only["embedding"]["digest"], hexadecimal(checksum_of(array.substr(128))));
     ASSERT_EQ(only["costs"].size(), 6U);
     EXPECT_GT(only["costs"][0], only["costs"][5]);
     EXPECT_EQ(only["final_cost"], only["costs"][5]);

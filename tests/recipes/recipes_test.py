@@ -46,7 +46,7 @@ class Workplace:
         wrapper = programs / "ovik-tsne"
         wrapper.write_text(
             "#!/bin/sh\n"
-            f'case " $* " in *" --collect "*) exec "{command}" "$@" ;; esac\n'
+            f'case " $* " in *" --collect "*|*" --reproduce "*) exec "{command}" "$@" ;; esac\n'
             f'exec "{command}" --max-iter {ITERATIONS} "$@"\n'
         )
         wrapper.chmod(0o755)
@@ -133,6 +133,8 @@ def run_shell(place, text):
         require(len(set(genes)) == 10 and "RPL3" not in genes, f"ten other genes: {genes}")
         said = place.run("/bin/sh", "-e", text="exec 2>&1\n" + text.replace("RPL3", "NO1"))
         require(said == "NO1 is no row of the map\n", f"a gene that is not there is missed: {said}")
+    if "--reproduce" in text:
+        require("-- Equal: the map has the bits of the report" in printed, "the map is equal")
     if "zcat" in text:
         require(len(place.read("out/without_first_column_tsne_30_0.csv").splitlines())
                 == ROWS + 1, "a row per gene from standard input")

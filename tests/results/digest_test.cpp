@@ -1,7 +1,12 @@
 #include "results/digest.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <span>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -45,6 +50,34 @@ TEST(DigestOf, ChangesWithEveryByte) {
         EXPECT_NE(digest_of(std::string_view(other)), digest_of(std::string_view(bytes))) << i;
         EXPECT_NE(checksum_of(other), checksum_of(bytes)) << i;
     }
+}
+
+TEST(DigestOf, IsThatOfTheBytesOfAStream) {
+    for (const std::size_t count : {0U, 1U, 65535U, 65536U, 65537U, 200000U}) {
+        const std::string bytes(count, 'x');
+        std::istringstream stream(bytes);
+        EXPECT_EQ(digest_of(stream), digest_of(std::string_view(bytes))) << count;
+    }
+}
+
+TEST(ChecksumOf, IsThatOfTheBytesOfTheValuesLowestFirst) {
+    // Around the length of the blocks in which they are taken.
+    for (const std::size_t count : {1U, 100U, 4095U, 4096U, 4097U, 9000U}) {
+        const std::vector<double> values = test::random_values(count, 5);
+        std::string bytes;
+        for (const double value : values) {
+            const auto bits = std::bit_cast<std::uint64_t>(value);
+            for (unsigned i = 0; i < 8; ++i) {
+                bytes += static_cast<char>(bits >> (8U * i));
+            }
+        }
+        EXPECT_EQ(checksum_of(std::span<const double>(values)), checksum_of(bytes)) << count;
+    }
+}
+
+TEST(Hexadecimal, HasAllDigits) {
+    EXPECT_EQ(hexadecimal(std::uint64_t{0x12ef}), "00000000000012ef");
+    EXPECT_EQ(hexadecimal(Digest{0x1, 0xab}), "00000000000000ab0000000000000001");
 }
 
 }  // namespace

@@ -21,6 +21,9 @@ RunReport full_report() {
     report.started = 1795287483;
     report.options = {{"theta", "0.5"}, {"title", "\"Yeast\""}};
     report.threads = 2;
+    report.platform = {"P 7", "x86_64", "avx2", "Linux", "glibc 2.36", "GCC 12.2.0"};
+    report.given_files = {{"start", "/data/s.tsv", Digest{0x3, 0xef}},
+                          {"row-names", "/data/pipe", std::nullopt}};
     report.input = "/data/m.tsv";
     report.format = "text";
     report.rows = 80;
@@ -39,6 +42,7 @@ RunReport full_report() {
     run.settled = true;
     run.costs = {2.5, std::numeric_limits<double>::quiet_NaN()};
     run.final_cost = 1.25;
+    run.embedding = 0x12ef;
     run.variance_kept = 0.5;
     run.seconds = {0.5, 1.0, 0.125};
     run.quality = {{10, 0.75, 0.5}};
@@ -67,6 +71,13 @@ TEST(RunReport, IsOneLineOfJson) {
         "{\"report\":1,\"program\":\"ovik-tsne\",\"version\":\"0.2.0\","
         "\"command_line\":[\"ovik-tsne\",\"m\\ufffd.tsv\"],\"started\":\"2026-11-21T18:58:03Z\","
         "\"options\":{\"theta\":0.5,\"title\":\"Yeast\"},\"threads\":2,"
+        "\"platform\":{\"processor\":\"P 7\",\"architecture\":\"x86_64\","
+        "\"instructions\":\"avx2\",\"system\":\"Linux\",\"c_library\":\"glibc 2.36\","
+        "\"compiler\":\"GCC 12.2.0\"},"
+        "\"given_files\":[{\"option\":\"start\",\"path\":\"../data/s.tsv\","
+        "\"algorithm\":\"XXH3-128\",\"digest\":\"00000000000000ef0000000000000003\"},"
+        "{\"option\":\"row-names\",\"path\":\"../data/pipe\",\"algorithm\":\"XXH3-128\","
+        "\"digest\":null}],"
         "\"input\":{\"path\":\"../data/m.tsv\",\"format\":\"text\",\"rows\":80,\"columns\":3,"
         "\"missing_values\":4,\"duplicate_rows\":5,\"digest\":{\"algorithm\":\"XXH3-128\","
         "\"values\":\"00000000000000ab0000000000000001\","
@@ -79,7 +90,9 @@ TEST(RunReport, IsOneLineOfJson) {
         "\"quality\":[{\"neighbours\":10,\"trustworthiness\":0.75,\"preservation\":0.5}],"
         "\"files\":[{\"what\":\"Result table\",\"path\":\"m.csv\",\"failure\":null},"
         "{\"what\":\"Run log\",\"path\":\"m.log\",\"failure\":\"full\"}],"
-        "\"costs\":[2.5,null]}],\"exit_status\":1}\n");
+        "\"costs\":[2.5,null],"
+        "\"embedding\":{\"algorithm\":\"XXH3-64\",\"digest\":\"00000000000012ef\"}}],\"exit_"
+        "status\":1}\n");
 }
 
 TEST(RunReport, HasTheSeedsOfARunFromSeveral) {

@@ -44,6 +44,18 @@ TEST(BeginReport, NamesWhatIsDoneToTheValues) {
     EXPECT_EQ(option(begin_report(options, {}), "transformations"), "\"log1p, center rows\"");
 }
 
+TEST(BeginReport, TellsThePlatformAndGivenFilesWhereAReportIsWanted) {
+    const test::TemporaryDirectory directory;
+    Options options;
+    options.start_file = directory.write("start.tsv", "name\tx\ty\n");
+    EXPECT_EQ(begin_report(options, {}).platform, Platform());
+    options.report_file = directory.file("r.json");
+    const RunReport report = begin_report(options, {});
+    EXPECT_EQ(report.platform, this_platform());
+    ASSERT_EQ(report.given_files.size(), 1U);
+    EXPECT_EQ(report.given_files[0].path, options.start_file);
+}
+
 TEST(ReportedOptions, HaveNullForWhatHasNoEffect) {
     Options options;
     options.fit.metric = MetricKind::Pearson;

@@ -47,12 +47,10 @@ TEST(InstructionSet, IsNeverBeyondTheProcessor) {
     }
 }
 
-#define OVIK_NAME(enumerator, space, ...) #space,
-
 TEST(InstructionSet, HasTheNamesThatTheBuildCompilesKernelsFor) {
     std::string names;
-    for (const std::string name : {OVIK_INSTRUCTION_SETS(OVIK_NAME)}) {
-        names += (names.empty() ? "" : " ") + name;
+    for (const InstructionSet set : kInstructionSets) {
+        names.append(names.empty() ? "" : " ").append(name_of(set));
     }
     EXPECT_EQ(names, OVIK_COMPILED_KERNELS);
 }
