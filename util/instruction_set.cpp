@@ -29,7 +29,7 @@ InstructionSet& allowed() {
     case InstructionSet::enumerator:             \
         return #space;
 
-std::string_view name_of(InstructionSet instructions) {
+const char* name_of(InstructionSet instructions) {
     switch (instructions) {
         OVIK_INSTRUCTION_SETS(OVIK_RETURN_NAME)
         default:

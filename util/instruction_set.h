@@ -1,17 +1,20 @@
 #pragma once
 
-#include <string_view>
+#include "util/double_arithmetic.h"
 
 namespace ovik {
 
-/// What the vector kernels are built for, each a superset of the one before. All of them compute
-/// the same results to the last bit.
+/// What the vector kernels are built for; of those of a build, each is a superset of the one
+/// before. All of them compute the same results to the last bit.
 enum class InstructionSet {
+    /// What every processor of its kind has, in the compiler's own vectors of two numbers.
     Scalar,
     /// With FMA.
     Avx2,
     /// Stands for AVX-512 F, DQ and VL, with FMA.
     Avx512,
+    /// Of 64-bit Arm processors: two numbers in a vector, and FMA.
+    Neon,
 };
 
 /// The instruction sets of this build, from the least to the best, as `ovik_instruction_sets` in
@@ -32,6 +35,10 @@ enum class InstructionSet {
             __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 && \
                 __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0,   \
             __VA_ARGS__)
+#elif defined(__aarch64__)
+    #define OVIK_INSTRUCTION_SETS(ROW, ...)    \
+        ROW(Scalar, scalar, true, __VA_ARGS__) \
+        ROW(Neon, neon, true, __VA_ARGS__)
 #else
     #define OVIK_INSTRUCTION_SETS(ROW, ...) ROW(Scalar, scalar, true, __VA_ARGS__)
 #endif
@@ -44,7 +51,7 @@ constexpr InstructionSet kInstructionSets[] = {OVIK_INSTRUCTION_SETS(OVIK_ENUMER
 #undef OVIK_ENUMERATOR
 
 /// What an instruction set is called, as the namespace of its kernels.
-std::string_view name_of(InstructionSet instructions);
+const char* name_of(InstructionSet instructions);
 
 /// The best of this build that the processor has.
 InstructionSet best_instruction_set();

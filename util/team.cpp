@@ -34,6 +34,9 @@ thread_local bool is_at_work = false;
 void pause() {
 #if defined(__x86_64__)
     __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    // The instruction that is called yield takes no time on most processors.
+    __asm__ volatile("isb");
 #endif
 }
 

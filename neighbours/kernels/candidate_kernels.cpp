@@ -15,7 +15,7 @@ typedef std::int32_t Choices __attribute__((vector_size(kFloats * sizeof(float))
 
 /// Targets and vectors of sources whose sums are formed side by side: what the registers hold.
 constexpr std::size_t kTileTargets = 6;
-constexpr std::size_t kTileVectors = OVIK_LANES == 8 ? 4 : 2;
+constexpr std::size_t kTileVectors = kRegisters / 8;
 
 Floats load_floats(const float* from) {
     Floats lanes;
@@ -33,6 +33,8 @@ Floats add_product(Floats a, Floats b, Floats c) {
     return _mm512_fmadd_ps(a, b, c);
 #elif OVIK_LANES == 4
     return _mm256_fmadd_ps(a, b, c);
+#elif defined(OVIK_NEON)
+    return vfmaq_f32(c, a, b);
 #else
     return a * b + c;
 #endif
@@ -46,8 +48,12 @@ Mask not_above(Floats values, Floats limit) {
     return static_cast<Mask>(_mm256_movemask_ps(_mm256_cmp_ps(values, limit, _CMP_LE_OQ)));
 #else
     const Choices choices = values <= limit;
+    #ifdef OVIK_NEON
+    return static_cast<Mask>(vaddvq_s32(choices & Choices{1, 2, 4, 8}));
+    #else
     return static_cast<Mask>((choices[0] & 1) | (choices[1] & 2) | (choices[2] & 4) |
                              (choices[3] & 8));
+    #endif
 #endif
 }
 
@@ -370,8 +376,9 @@ std::size_t without(const std::uint32_t* list,
 /// A number for each lane of doubles.
 typedef std::int64_t Counts __attribute__((vector_size(kLanes * sizeof(double))));
 
-/// Distances that are ranked side by side.
-constexpr std::size_t kRankedVectors = kPackedMultiple / kLanes / (OVIK_LANES == 2 ? 2 : 1);
+/// Distances that are ranked side by side: with their counts they take half of the registers.
+constexpr std::size_t kRankedVectors =
+    kPackedMultiple / kLanes < kRegisters / 4 ? kPackedMultiple / kLanes : kRegisters / 4;
 constexpr std::size_t kRanked = kRankedVectors * kLanes;
 
 /// Counts in each lane the distances of a range that are less, or not greater.

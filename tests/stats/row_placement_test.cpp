@@ -87,7 +87,7 @@ TEST(PlaceRows, EqualsThePlainProgramBitForBit) {
 }
 
 TEST(PlaceRows, ByPortableNumericsEqualsThePlainProgramWithRoundedFunctions) {
-    RandomMap map(300, 6, 2, 12.7);
+    RandomMap map(300, 6, 2, 90.0);
     const std::vector<double> values = test::random_values(60 * 6, 5, 7.0);
     const std::vector<double> by_platform = place(map, values).embedding;
     map.numerics = NumericsKind::Portable;

@@ -21,6 +21,8 @@ std::vector<InstructionSet> sets_of_processor() {
             sets.push_back(InstructionSet::Avx512);
         }
     }
+#elif defined(__aarch64__)
+    sets.push_back(InstructionSet::Neon);
 #endif
     return sets;
 }

@@ -15,6 +15,10 @@
 #ifdef __AVX2__
     #include <immintrin.h>
 #endif
+// Every 64-bit Arm processor has NEON: what is compiled for it is told by a macro.
+#ifdef OVIK_NEON
+    #include <arm_neon.h>
+#endif
 
 #ifndef OVIK_KERNELS
     #error "kernel sources are compiled with OVIK_KERNELS set to the name of an instruction set"
@@ -29,7 +33,7 @@
 #endif
 
 /// Whether products and sums can share a rounding.
-#if OVIK_LANES == 8 || (OVIK_LANES == 4 && defined(__FMA__))
+#if OVIK_LANES == 8 || (OVIK_LANES == 4 && defined(__FMA__)) || defined(OVIK_NEON)
     #define OVIK_FUSED 1
 #else
     #define OVIK_FUSED 0
@@ -38,6 +42,13 @@
 namespace ovik::OVIK_KERNELS {
 
 constexpr std::size_t kLanes = OVIK_LANES;
+
+/// How many vectors the processor holds at least.
+#if OVIK_LANES == 8 || defined(__aarch64__)
+constexpr std::size_t kRegisters = 32;
+#else
+constexpr std::size_t kRegisters = 16;
+#endif
 
 typedef double Lanes __attribute__((vector_size(kLanes * sizeof(double))));
 typedef std::uint64_t Bits __attribute__((vector_size(kLanes * sizeof(double))));
@@ -178,6 +189,8 @@ typedef std::int64_t Truths __attribute__((vector_size(kLanes * sizeof(double)))
 inline Mask lane_bits(Truths truths) {
     #if OVIK_LANES == 4
     return static_cast<Mask>(_mm256_movemask_pd(reinterpret_cast<Lanes>(truths)));
+    #elif defined(OVIK_NEON)
+    return static_cast<Mask>(vaddvq_s64(truths & Truths{1, 2}));
     #else
     return static_cast<Mask>((truths[0] & 1) | (truths[1] & 2));
     #endif
@@ -217,6 +230,8 @@ inline Lanes square_root(Lanes a) {
     return _mm512_sqrt_pd(a);
 #elif OVIK_LANES == 4
     return _mm256_sqrt_pd(a);
+#elif defined(OVIK_NEON)
+    return vsqrtq_f64(a);
 #else
     return each_lane([=](std::size_t lane) { return __builtin_sqrt(a[lane]); });
 #endif
@@ -228,8 +243,10 @@ inline Lanes square_root(Lanes a) {
 inline Lanes fused_sum(Lanes a, Lanes b, Lanes c) {
     #if OVIK_LANES == 8
     return _mm512_fmadd_pd(b, c, a);
-    #else
+    #elif OVIK_LANES == 4
     return _mm256_fmadd_pd(b, c, a);
+    #else
+    return vfmaq_f64(a, b, c);
     #endif
 }
 
@@ -237,8 +254,10 @@ inline Lanes fused_sum(Lanes a, Lanes b, Lanes c) {
 inline Lanes fused_difference(Lanes a, Lanes b, Lanes c) {
     #if OVIK_LANES == 8
     return _mm512_fnmadd_pd(b, c, a);
-    #else
+    #elif OVIK_LANES == 4
     return _mm256_fnmadd_pd(b, c, a);
+    #else
+    return vfmsq_f64(a, b, c);
     #endif
 }
 
@@ -252,6 +271,8 @@ inline Lanes larger_size(Lanes a, Lanes b) {
     const Lanes size = as_lanes(as_bits(b) & 0x7FFFFFFFFFFFFFFFU);
     #if OVIK_LANES == 4
     return _mm256_max_pd(a, size);
+    #elif defined(OVIK_NEON)
+    return vmaxq_f64(a, size);
     #else
     return a > size ? a : size;
     #endif
