@@ -87,13 +87,10 @@ TEST(PlaceRows, EqualsThePlainProgramBitForBit) {
 }
 
 TEST(PlaceRows, ByPortableNumericsEqualsThePlainProgramWithRoundedFunctions) {
-    RandomMap map(300, 6, 2, 90.0);
-    const std::vector<double> values = test::random_values(60 * 6, 5, 7.0);
-    const std::vector<double> by_platform = place(map, values).embedding;
+    RandomMap map(300, 6, 2, 12.7);
     map.numerics = NumericsKind::Portable;
     const test::PlainFunctions scope({&rounded_exp, &rounded_log});
-    expect_plain_places(map, values);
-    EXPECT_NE(place(map, values).embedding, by_platform);
+    expect_plain_places(map, test::random_values(60 * 6, 5, 7.0));
 }
 
 TEST(PlaceRows, TakesAnyNumberOfDimensions) {
