@@ -1,8 +1,17 @@
 #pragma once
 
+#include <cstddef>
+
 #include "util/stage.h"
 
 namespace ovik {
+
+/// One of several shares of a search, which together visit every row once. Which rows are in a
+/// share follows from the matrix; shares are about equally large.
+struct SearchShare {
+    std::size_t number = 0;
+    std::size_t count = 1;
+};
 
 /// How neighbours are searched for.
 struct NeighbourSearchManner {
@@ -12,6 +21,8 @@ struct NeighbourSearchManner {
     /// Takes how far the search is, as rows of `Stage::Neighbours`; an exception that it throws
     /// ends the search. May be empty.
     OnStage on_stage = {};
+    /// The rows that are visited.
+    SearchShare share = {};
 };
 
 }  // namespace ovik
