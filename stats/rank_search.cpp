@@ -1,8 +1,7 @@
 #include "stats/rank_search.h"
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
