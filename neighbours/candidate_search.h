@@ -74,6 +74,14 @@ class CandidateSearch {
     /// or so many that the bounds of error would not hold.
     [[nodiscard]] std::size_t partCount() const { return parts_.size(); }
 
+    /// The rows of a part.
+    [[nodiscard]] std::span<const std::uint32_t> rowsOf(std::size_t part) const {
+        const RowBlocks::Block& first = blocks_->blocks()[parts_[part].begin];
+        const RowBlocks::Block& last = blocks_->blocks()[parts_[part].end - 1];
+        return std::span(blocks_->order())
+            .subspan(first.first, last.first + last.count - first.first);
+    }
+
     /// Distances that differ by less may be told apart by one search and not by another: far above
     /// what rounding adds to distances and to the bounds of a search.
     [[nodiscard]] double margin() const { return margin_; }

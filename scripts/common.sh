@@ -12,6 +12,7 @@ test_packages="libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev libm
   r-base-core snakemake
   r-cran-cpp11 r-cran-testthat r-cran-knitr r-cran-markdown r-bioc-summarizedexperiment
   pkgconf clang-14 clang-format-14 clang-tidy-14 libomp-14-dev libclang-rt-14-dev"
+mpi_packages="libopenmpi-dev openmpi-bin"
 # A machine may have them from elsewhere than Debian.
 command -v npm >/dev/null || test_packages="$test_packages nodejs npm"
 

@@ -10,7 +10,7 @@ namespace ovik {
 ///
 /// The forces on a point, the sum of p * q * (Y_n - Y_m), are added in the order of the entries of
 /// its row. The cost does not steer the optimisation; it is the same for any number of threads and
-/// every instruction set.
+/// every instruction set. Of several ranks each passes the rows that it has, and all ask for costs.
 class Attraction {
   public:
     Attraction() = default;
@@ -27,7 +27,8 @@ class Attraction {
     /// stands for as many rows in an order that the attraction chooses.
     ///
     /// @param Y          row-major, N x dims
-    /// @param rows       begins at a multiple of 8, and ends at one or with the last row
+    /// @param rows       begins at a multiple of 8, and ends at one or with the last row; of those
+    ///                   that a rank has
     /// @param forces     row-major, N x dims; the rows are written; null if none are wanted
     /// @param with_cost  whether `cost` will be asked for this embedding
     virtual void pass(const double* Y, IndexRange rows, double* forces, bool with_cost) = 0;

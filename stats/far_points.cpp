@@ -27,14 +27,17 @@ double whole_scale(std::size_t N) {
 
 }  // namespace
 
-void FarPoints::compute(const double* Y, std::size_t N, const MapBox& box) {
-    find(Y, N, box);
-    sumPairs(Y, N);
+static_assert(RankRows::kWindowRows % kChunk == 0);
+
+void FarPoints::compute(const double* Y, const RankRows& rows, const MapBox& box) {
+    find(Y, rows, box);
+    sumPairs(Y, rows);
 }
 
-void FarPoints::find(const double* Y, std::size_t N, const MapBox& box) {
-    indices_.clear();
-    for (std::size_t n = 0; n < N; ++n) {
+void FarPoints::find(const double* Y, const RankRows& rows, const MapBox& box) {
+    clear();
+    first_ = rows.own().begin;
+    for (std::size_t n = 0; n < rows.count(); ++n) {
         if (!holds(box, Y + 2 * n)) {
             indices_.push_back(n);
         }
@@ -43,14 +46,20 @@ void FarPoints::find(const double* Y, std::size_t N, const MapBox& box) {
         return std::pair(Y[2 * a], Y[2 * a + 1]) < std::pair(Y[2 * b], Y[2 * b + 1]);
     });
     places_.clear();
-    for (const std::size_t n : indices_) {
+    for (std::size_t i = 0; i < indices_.size(); ++i) {
+        const std::size_t n = indices_[i];
         places_.push_back({Y[2 * n], Y[2 * n + 1]});
+        if (n >= rows.own().begin && n < rows.own().end) {
+            own_.push_back(i);
+        }
     }
 }
 
-void FarPoints::sumPairs(const double* Y, std::size_t N) {
+void FarPoints::sumPairs(const double* all, const RankRows& rows) {
     const FarPairs& kernels = far_pairs(instruction_set());
-    scale_ = whole_scale(N);
+    scale_ = whole_scale(rows.count());
+    const double* const Y = all + 2 * first_;
+    const std::size_t N = rows.own().size();
     const std::size_t chunks = (N + kChunk - 1) / kChunk;
     const int workers = worker_count(chunks);
     const std::size_t sums = kFarSums * size();
@@ -75,19 +84,20 @@ void FarPoints::sumPairs(const double* Y, std::size_t N) {
     for (std::size_t i = 0; i < of_workers.size(); ++i) {
         of_far_points_[i % sums] += of_workers[i];
     }
+    rows.ranks().sum(of_far_points_, Errand::Charges);
 }
 
 void FarPoints::addTo(std::size_t point, double* forces, double* z_terms) const {
     const double* const sums =
-        of_points_.get() + point / kChunk * kFarSums * kChunk + point % kChunk;
+        of_points_.get() + (point - first_) / kChunk * kFarSums * kChunk + point % kChunk;
     forces[2 * point] += sums[0];
     forces[2 * point + 1] += sums[kChunk];
     z_terms[point] += sums[2 * kChunk];
 }
 
 void FarPoints::write(std::size_t i, double* forces, double* z_terms) const {
-    const std::int64_t* const sums = of_far_points_.data() + kFarSums * i;
-    const std::size_t n = indices_[i];
+    const std::int64_t* const sums = of_far_points_.data() + kFarSums * own_[i];
+    const std::size_t n = indices_[own_[i]];
     // The pairs of a point with itself have added nothing to the force, and 1 to the last sum.
     forces[2 * n] = -static_cast<double>(sums[0]) / scale_;
     forces[2 * n + 1] = -static_cast<double>(sums[1]) / scale_;

@@ -18,8 +18,10 @@
 #include "stats/principal_components.h"
 #include "stats/row_metric.h"
 #include "stats/sample_start.h"
+#include "stats/shared_fit.h"
 #include "util/input_error.h"
 #include "util/random_stream.h"
+#include "util/ranks.h"
 #include "util/stopwatch.h"
 
 namespace ovik {
@@ -31,6 +33,14 @@ void check_resumed_state(const FitState* state, std::size_t count) {
     if (state != nullptr && (state->embedding.size() != count || state->velocity.size() != count ||
                              state->gains.size() != count)) {
         throw std::invalid_argument("the state to go on from is of an embedding of another shape");
+    }
+}
+
+/// @throws std::invalid_argument if several ranks are to share what they cannot
+void check_ranks(const Ranks& ranks, const Method& method, const FitHooks& hooks) {
+    if (ranks.areSeveral() && (!method.is_shareable || hooks.cached_neighbours != nullptr)) {
+        throw std::invalid_argument(
+            "several ranks share fits by the mesh alone, with neighbours of their own search");
     }
 }
 
@@ -149,7 +159,7 @@ class Rows {
     [[nodiscard]] SampleReport startFromSample(MatrixView<double> Y,
                                                const NeighbourGraph& graph) const {
         tell(hooks_.on_note, FitNote::SampleBegins);
-        const SampleHooks hooks{hooks_.on_stage, hooks_.on_sample_iteration};
+        const SampleHooks hooks{hooks_.on_stage, hooks_.on_sample_iteration, hooks_.ranks};
         return graph.rows == 0
                    ? start_from_sample(
                          Y, view(), options_, placingNeighbours(MetricKind::Euclidean), hooks)
@@ -182,21 +192,25 @@ std::unique_ptr<Objective> make_objective(const Method& method,
                                           const FitOptions& options,
                                           const FitHooks& hooks,
                                           RandomStream& stream,
+                                          SharedFit& shared,
                                           FitReport& report) {
     const FitNotes notes = [&](FitNote note) {
         report.search_became_exact |= note == FitNote::SearchIsExact;
         tell(hooks.on_note, note);
     };
     const bool has_graph = hooks.wants_neighbours || rows.needNeighbours();
-    std::unique_ptr<Objective> objective = method.make({rows.view(),
-                                                        options,
-                                                        notes,
-                                                        hooks.cached_neighbours,
-                                                        has_graph ? &report.neighbours : nullptr,
-                                                        stream,
-                                                        hooks.on_stage,
-                                                        &report.recall,
-                                                        hooks.wants_neighbours});
+    shared.begin(rows.view(), options, {has_graph, hooks.wants_neighbours, hooks.wants_row_costs});
+    const MethodInput input{rows.view(),
+                            options,
+                            notes,
+                            hooks.cached_neighbours,
+                            has_graph ? &report.neighbours : nullptr,
+                            stream,
+                            hooks.on_stage,
+                            &report.recall,
+                            hooks.wants_neighbours,
+                            hooks.ranks};
+    std::unique_ptr<Objective> objective = shared.together([&] { return method.make(input); });
     if (report.recall && hooks.on_recall) {
         hooks.on_recall(*report.recall);
     }
@@ -204,18 +218,43 @@ std::unique_ptr<Objective> make_objective(const Method& method,
 }
 
 /// Iterates until the last iteration, or until a hook ends the fit.
-void iterate(Optimisation& optimisation, int max_iter, const FitHooks& hooks, FitReport& report) {
+void iterate(Optimisation& optimisation,
+             int max_iter,
+             const FitHooks& hooks,
+             SharedFit& shared,
+             FitReport& report) {
     bool goes_on = true;
     const auto count = static_cast<std::uint64_t>(std::max(max_iter, -1) + 1);
     while (goes_on && !optimisation.isDone()) {
         optimisation.iterate();
         const IterationReport& reached = optimisation.state().reached;
         report.costs.push_back(reached.cost);
-        tell(hooks.on_stage,
-             Stage::Iterations,
-             reached.isLast() ? count : static_cast<std::uint64_t>(reached.iteration) + 1,
-             count);
-        goes_on = !hooks.on_iteration || hooks.on_iteration(optimisation.state());
+        goes_on = shared.alone([&] {
+            tell(hooks.on_stage,
+                 Stage::Iterations,
+                 reached.isLast() ? count : static_cast<std::uint64_t>(reached.iteration) + 1,
+                 count);
+            return !hooks.on_iteration || hooks.on_iteration(optimisation.state());
+        });
+        shared.tell(goes_on);
+    }
+}
+
+/// Iterates from a start, and tells of the map that is reached.
+void optimise(Optimisation& optimisation,
+              int max_iter,
+              const FitHooks& hooks,
+              SharedFit& shared,
+              FitReport& report) {
+    if (hooks.resumed_state != nullptr) {
+        optimisation.resume(*hooks.resumed_state);
+    }
+    iterate(optimisation, max_iter, hooks, shared, report);
+    report.reached = optimisation.state().reached;
+    report.final_cost = optimisation.finalCost();
+    if (hooks.wants_row_costs) {
+        report.row_costs = optimisation.rowCosts();
+        report.row_misfits = optimisation.rowMisfits();
     }
 }
 
@@ -230,6 +269,8 @@ FitReport fit_into(MatrixView<double> Y,
     check_resumed_state(hooks.resumed_state, Y.size());
     check_metric(X, options, {});
     check_start(options, hooks, Y);
+    Ranks& ranks = hooks.ranks != nullptr ? *hooks.ranks : one_rank();
+    check_ranks(ranks, method, hooks);
     OwnRandomStream own_stream;
     RandomStream& stream = random != nullptr ? *random : own_stream;
     stream.seed(static_cast<unsigned int>(options.seed));
@@ -243,38 +284,34 @@ FitReport fit_into(MatrixView<double> Y,
     }
     report.scale = prepare_input(X, options.metric);
     std::optional<Rows> rows(std::in_place, X, options, hooks, report);
+    SharedFit shared(ranks);
     std::unique_ptr<Objective> objective =
-        make_objective(method, *rows, options, hooks, stream, report);
+        make_objective(method, *rows, options, hooks, stream, shared, report);
     const std::clock_t similarities_end = std::clock();
     report.seconds.similarities = watch.lap();
-    if (hooks.on_similarities) {
-        hooks.on_similarities(objective->report(similarities_end - start));
-    }
     const Schedule schedule(options, X.rows);
     objective->exaggerate(schedule.exaggeration());
-    report.sample = rows->start(Y, report.neighbours, stream);
-    if (report.sample) {
-        report.seconds.sample = watch.lap();
-        if (hooks.on_sample) {
-            hooks.on_sample(*report.sample);
+    shared.alone([&] {
+        if (hooks.on_similarities) {
+            hooks.on_similarities(objective->report(similarities_end - start));
         }
-    }
+        report.sample = rows->start(Y, report.neighbours, stream);
+        if (report.sample) {
+            report.seconds.sample = watch.lap();
+            if (hooks.on_sample) {
+                hooks.on_sample(*report.sample);
+            }
+        }
+    });
     rows.reset();
     if (!hooks.wants_neighbours) {
         report.neighbours = {};
     }
     const std::clock_t fitting_start = std::clock();
+    shared.start(Y, hooks.resumed_state);
     Optimisation optimisation(*objective, *descent, Y, schedule);
-    if (hooks.resumed_state != nullptr) {
-        optimisation.resume(*hooks.resumed_state);
-    }
-    iterate(optimisation, options.max_iter, hooks, report);
-    report.reached = optimisation.state().reached;
-    report.final_cost = optimisation.finalCost();
-    if (hooks.wants_row_costs) {
-        report.row_costs = optimisation.rowCosts();
-        report.row_misfits = optimisation.rowMisfits();
-    }
+    shared.together([&] { optimise(optimisation, options.max_iter, hooks, shared, report); });
+    shared.end();
     report.fitting_clock = std::clock() - fitting_start;
     descent.reset();
     objective.reset();

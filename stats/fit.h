@@ -24,6 +24,7 @@ namespace ovik {
 class CachedNeighbours;
 struct Method;
 class RandomStream;
+class Ranks;
 
 /// What a fit takes from, and gives to, its surroundings. Nothing of it changes a number of the
 /// result but `start`, and `resumed_state`, which takes the place of any start.
@@ -59,6 +60,9 @@ struct FitHooks {
     bool wants_neighbours = false;
     /// Whether the cost and the misfit of each row are.
     bool wants_row_costs = false;
+    /// Null, or the ranks that share the fit, of which this is the first, and the others serve it
+    /// (`stats/shared_fit.h`). Then the method is the mesh, and there are no cached neighbours.
+    Ranks* ranks = nullptr;
 };
 
 /// What a fit comes to, beside the embedding.
@@ -121,8 +125,8 @@ struct Fit {
 /// @throws InputError if the metric cannot compare the rows, or X holds no distances where it is
 /// `Precomputed`
 /// @throws std::length_error if there are more than 2^32 - 1 similarities
-/// @throws std::invalid_argument if `resumed_state` is of another shape than Y, or there are to be
-/// more principal components than rows or columns
+/// @throws std::invalid_argument if `resumed_state` is of another shape than Y, there are to be
+/// more principal components than rows or columns, or several ranks are to share what they cannot
 /// @throws InputError if the start is `Given`, and `start` is of another shape than Y or not
 /// finite; if it keeps the map flat, as principal components do along which rows do not vary
 /// @par Source van der Maaten and Hinton, "Visualizing data using t-SNE", JMLR 9:2579, 2008;

@@ -382,7 +382,8 @@ SlicedMatrix make_joint(ConditionalRows& conditional,
     return matrix;
 }
 
-/// @throws std::length_error
+}  // namespace
+
 void check_coordinates(std::size_t N, std::size_t dims, ValueForm form) {
     constexpr std::size_t kPlaces = std::size_t{std::numeric_limits<std::uint32_t>::max()};
     const std::size_t most = form == ValueForm::OneOrTwo ? kPlaces / 2 : kPlaces;
@@ -390,8 +391,6 @@ void check_coordinates(std::size_t N, std::size_t dims, ValueForm form) {
         throw std::length_error("the embedding has more coordinates than can be counted");
     }
 }
-
-}  // namespace
 
 SlicedMatrix joint_matrix(ConditionalRows conditional,
                           std::size_t dims,

@@ -24,6 +24,11 @@ struct ConditionalRows {
 /// From so many rows on their order in memory is worth choosing: points of fewer are in the cache.
 constexpr std::size_t kLeastReordered = std::size_t{1} << 16U;
 
+/// Refuses embeddings with more coordinates than places of a form can count.
+///
+/// @throws std::length_error
+void check_coordinates(std::size_t N, std::size_t dims, ValueForm form);
+
 /// The joint affinities, (P(m|n) + P(n|m)) / 2 where one of the two is stored, divided by the sum
 /// of all in the order of the rows.
 ///

@@ -19,6 +19,8 @@ struct RunSize {
     /// Whether clusters are looked for.
     bool has_clusters = false;
     std::size_t threads = 1;
+    /// How many ranks share the fit; the memory is that of the first.
+    std::size_t ranks = 1;
     /// Whether this is one of several runs that share an input and its neighbours
     /// (`CachedNeighbours`), the one of the largest perplexity.
     bool is_shared = false;
@@ -66,6 +68,9 @@ struct RunSize {
 ///   chart page (330 R + 300 N in all), with W bytes of values in the page their text, in the page
 ///   and on the way to it (6 W), and the image of more than 20,000 points in a figure of the usual
 ///   size (78 MB).
+///
+/// Of several ranks (by the mesh), the first has E / ranks entries, with what they become, and
+/// takes 60 bytes for each of these while they are exchanged.
 ///
 /// Clusters take, beside the table, the neighbours (12 E, which are there throughout the fit, too),
 /// lists of them (16 E), their conditional entries with the transpose (20 E) and the symmetric ones

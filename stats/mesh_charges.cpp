@@ -30,8 +30,8 @@ double charge_scale(std::size_t N) {
     return std::ldexp(1.0, std::min(62 - kChargeBits - point_bits, 50 - kChargeBits));
 }
 
-void MeshCharges::spread(
-    const MeshOrder& order, std::size_t N, std::size_t rows, std::size_t stride, double* field) {
+/// Each band by itself.
+void MeshCharges::spreadBands(const MeshOrder& order, std::size_t N, std::size_t stride) {
     const MeshPoints& kernels = mesh_points(instruction_set());
     const double scale = charge_scale(N);
     const std::size_t bands = order.bands();
@@ -44,10 +44,39 @@ void MeshCharges::spread(
         kernels.spread(
             order.points() + points.begin, points.size(), scale, band * kBandRows, stride, cells);
     });
+}
+
+void MeshCharges::spread(
+    const MeshOrder& order, std::size_t N, std::size_t rows, std::size_t stride, double* field) {
+    spreadBands(order, N, stride);
     parallel_for_each(rows, 1, [&](std::size_t row) {
         for (std::size_t column = 0; column < stride; ++column) {
             field[row * stride + column] = static_cast<double>(sum(row, column));
         }
+    });
+}
+
+void MeshCharges::spread(const MeshOrder& order,
+                         std::size_t N,
+                         std::size_t rows,
+                         std::size_t stride,
+                         double* field,
+                         Ranks& ranks) {
+    if (!ranks.areSeveral()) {
+        spread(order, N, rows, stride, field);
+        return;
+    }
+    spreadBands(order, N, stride);
+    sums_.reserve(rows * stride);
+    std::int64_t* const sums = sums_.get();
+    parallel_for_each(rows, 1, [&](std::size_t row) {
+        for (std::size_t column = 0; column < stride; ++column) {
+            sums[row * stride + column] = sum(row, column);
+        }
+    });
+    ranks.sum({sums, rows * stride}, Errand::Charges);
+    parallel_for_each(rows * stride, std::size_t{1} << 14U, [=](std::size_t cell) {
+        field[cell] = static_cast<double>(sums[cell]);
     });
 }
 

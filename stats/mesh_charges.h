@@ -6,6 +6,7 @@
 #include "stats/kernels/mesh_points.h"
 #include "stats/mesh_order.h"
 #include "stats/work_array.h"
+#include "util/ranks.h"
 
 namespace ovik {
 
@@ -32,13 +33,28 @@ class MeshCharges {
     void spread(
         const MeshOrder& order, std::size_t N, std::size_t rows, std::size_t stride, double* field);
 
+    /// The same of several ranks, of which each has some of the points.
+    ///
+    /// @param order  of the points of this rank
+    /// @param N      points of all ranks
+    void spread(const MeshOrder& order,
+                std::size_t N,
+                std::size_t rows,
+                std::size_t stride,
+                double* field,
+                Ranks& ranks);
+
     /// Charge of a cell of the last field, without the rounding that a double may take.
     [[nodiscard]] std::int64_t sum(std::size_t row, std::size_t column) const;
 
   private:
+    void spreadBands(const MeshOrder& order, std::size_t N, std::size_t stride);
+
     std::size_t stride_ = 0;
     /// For each band, its rows and those behind them that splines of its points touch.
     WorkArray<std::int64_t> bands_;
+    /// Of all cells, where several ranks add theirs.
+    WorkArray<std::int64_t> sums_;
 };
 
 }  // namespace ovik

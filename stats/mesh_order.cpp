@@ -32,7 +32,8 @@ struct Layout {
 
 }  // namespace
 
-void MeshOrder::sort(const double* Y, std::size_t N, const MapBox& box, const MeshGrid& grid) {
+void MeshOrder::sort(const double* Y, IndexRange wanted, const MapBox& box, const MeshGrid& grid) {
+    const std::size_t N = wanted.size();
     bands_ = (grid.rows + kBandRows - 1) / kBandRows;
     blocks_ = (grid.columns + kBlockColumns - 1) / kBlockColumns;
     const Layout layout{grid, blocks_};
@@ -53,8 +54,9 @@ void MeshOrder::sort(const double* Y, std::size_t N, const MapBox& box, const Me
     const auto for_chunks = [&](const auto& body) {
         parallel_for_each(chunks, 1, [&](std::size_t chunk) {
             const std::size_t begin = chunk * chunk_size;
-            for_points(
-                {begin, std::min(begin + chunk_size, N)}, places_.data() + chunk * keys, body);
+            for_points({wanted.begin + begin, wanted.begin + std::min(begin + chunk_size, N)},
+                       places_.data() + chunk * keys,
+                       body);
         });
     };
     for_chunks([](const MeshPoint& /*point*/, std::size_t& count) { ++count; });

@@ -22,7 +22,12 @@ class MeshOrder {
     ///
     /// @param Y     row-major, N x 2
     /// @param box   that of the grid
-    void sort(const double* Y, std::size_t N, const MapBox& box, const MeshGrid& grid);
+    void sort(const double* Y, std::size_t N, const MapBox& box, const MeshGrid& grid) {
+        sort(Y, IndexRange{0, N}, box, grid);
+    }
+
+    /// The same of some of the points.
+    void sort(const double* Y, IndexRange points, const MapBox& box, const MeshGrid& grid);
 
     [[nodiscard]] const MeshPoint* points() const { return points_.get(); }
 

@@ -16,25 +16,35 @@ std::size_t MeshRepulsion::prepare(const double* Y) {
 }
 
 void MeshRepulsion::finishPreparation() {
-    const MapBox box = mesh_box(Y_, N_);
-    const MeshGrid grid = mesh_grid(box, N_);
+    const std::size_t N = rows_.count();
+    const MapBox box = mesh_box(Y_, N);
+    const MeshGrid grid = mesh_grid(box, N);
     kernels_ = mesh_points(instruction_set());
     if (grid.cells_per_unit != cells_per_unit_) {
         field_.own = own_potential(grid.cells_per_unit);
         cells_per_unit_ = grid.cells_per_unit;
     }
-    potential_.lay(grid.rows, grid.columns, grid.cells_per_unit, charge_scale(N_));
-    order_.sort(Y_, N_, box, grid);
-    charges_.spread(order_, N_, grid.rows, potential_.stride(), potential_.field());
+    potential_.lay(grid.rows, grid.columns, grid.cells_per_unit, charge_scale(N));
+    order_.sort(Y_, rows_.own(), box, grid);
+    charges_.spread(order_, N, grid.rows, potential_.stride(), potential_.field(), rows_.ranks());
     potential_.solve();
     field_.cells = potential_.field();
     field_.stride = potential_.stride();
     // By cells, and minus half of it.
     field_.force_factor = -0.5 * grid.cells_per_unit;
     far_.clear();
-    if (order_.size() < N_) {
-        far_.compute(Y_, N_, box);
+    if (hasFarPoints(box)) {
+        far_.compute(Y_, rows_, box);
     }
+}
+
+/// Whether points of any rank lie outside the box.
+bool MeshRepulsion::hasFarPoints(const MapBox& box) const {
+    if (!rows_.ranks().areSeveral()) {
+        return order_.size() < rows_.count();
+    }
+    const MapBox whole = map_box(Y_, rows_.count());
+    return !holds(box, whole.least) || !holds(box, whole.greatest);
 }
 
 /// Those on the mesh first, then those far out.

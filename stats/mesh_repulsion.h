@@ -7,6 +7,7 @@
 #include "stats/mesh_charges.h"
 #include "stats/mesh_order.h"
 #include "stats/mesh_potential.h"
+#include "stats/rank_rows.h"
 #include "stats/repulsion.h"
 
 namespace ovik {
@@ -22,7 +23,11 @@ namespace ovik {
 class MeshRepulsion : public Repulsion {
   public:
     /// @param N  points
-    explicit MeshRepulsion(std::size_t N) : N_(N) {}
+    explicit MeshRepulsion(std::size_t N) : MeshRepulsion(RankRows(N)) {}
+
+    /// The same for several ranks: each spreads the charges of the points that it has, of whose
+    /// order the ranges of points are.
+    explicit MeshRepulsion(const RankRows& rows) : rows_(rows) {}
 
     std::size_t prepare(const double* Y) override;
 
@@ -35,7 +40,9 @@ class MeshRepulsion : public Repulsion {
     void compute(IndexRange points, double* forces, double* z_terms) const override;
 
   private:
-    std::size_t N_;
+    [[nodiscard]] bool hasFarPoints(const MapBox& box) const;
+
+    RankRows rows_;
     const double* Y_ = nullptr;
     MeshOrder order_;
     MeshCharges charges_;

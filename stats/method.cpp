@@ -20,10 +20,13 @@
 #include "stats/neighbour_order.h"
 #include "stats/numerics.h"
 #include "stats/option_effect.h"
+#include "stats/rank_joint_matrix.h"
+#include "stats/rank_search.h"
 #include "stats/sparse_objective.h"
 #include "stats/tree_repulsion.h"
 #include "util/format.h"
 #include "util/input_error.h"
+#include "util/ranks.h"
 
 namespace ovik {
 
@@ -47,12 +50,18 @@ std::unique_ptr<Objective> make_exact(const MethodInput& input) {
                                             affinities);
 }
 
-/// Conditional affinities of every row to its nearest others.
-ConditionalRows sparse_affinities(const MethodInput& input, ValueForm form) {
+/// How many neighbours of each row have affinities; says so if the perplexity asks for more.
+int told_neighbours(const MethodInput& input) {
     const int K = affinity_neighbours(input.options, input.X.rows);
     if (!bar_of(input.options, "perplexity") && input.options.perplexity > static_cast<double>(K)) {
         tell(input.notes, FitNote::PerplexityAboveNeighbours);
     }
+    return K;
+}
+
+/// Conditional affinities of every row to its nearest others.
+ConditionalRows sparse_affinities(const MethodInput& input, ValueForm form) {
+    const int K = told_neighbours(input);
     const auto rows = chosen_rows(input.options, input.X.rows);
     NeighbourHooks hooks = input.neighbourHooks();
     std::optional<CachedNeighbours> nearest;
@@ -109,6 +118,32 @@ std::unique_ptr<Objective> make_barnes_hut(const MethodInput& input) {
     });
 }
 
+/// What one of several ranks does of a fit by the mesh.
+///
+/// @param form  of affinities that are not uniform
+std::unique_ptr<Objective> make_mesh_of_rank(const MethodInput& input, ValueForm form) {
+    const RankRows rank_rows(input.X.rows, *input.ranks);
+    const auto dims = static_cast<std::size_t>(input.options.out_dims);
+    const bool is_uniform = input.options.affinity == AffinityKind::Uniform;
+    const int K = told_neighbours(input);
+    if (K < 0) {
+        throw WorkMemoryError();
+    }
+    ConditionalRows rows =
+        conditional_rows_of_rank(input.X,
+                                 *chosen_rows(input.options, input.X.rows),
+                                 K,
+                                 is_uniform ? uniform_form(input.X.rows, dims) : form,
+                                 input.neighbourHooks(),
+                                 rank_rows);
+    tell(input.on_stage, Stage::Affinities, 0, 0);
+    SlicedAttraction attraction(joint_matrix_of_rank(std::move(rows), dims, rank_rows),
+                                dims,
+                                elementary_of(input.options.numerics).log);
+    SparseForces forces(rank_rows, dims, std::make_unique<MeshRepulsion>(rank_rows));
+    return std::make_unique<SparseObjective>(std::move(attraction), std::move(forces));
+}
+
 /// @throws InputError if the map is not to have two dimensions
 std::unique_ptr<Objective> make_mesh(const MethodInput& input) {
     if (input.options.out_dims != kMeshDims) {
@@ -117,7 +152,11 @@ std::unique_ptr<Objective> make_mesh(const MethodInput& input) {
                          "\nTake two dimensions, or the method barnes-hut.");
     }
     // Rounding them changes forces less than the mesh does by a factor of 1e5.
-    return make_sparse(input, ValueForm::Single, [](std::size_t N, std::size_t /*dims*/) {
+    constexpr ValueForm kForm = ValueForm::Single;
+    if (input.ranks != nullptr && input.ranks->areSeveral()) {
+        return make_mesh_of_rank(input, kForm);
+    }
+    return make_sparse(input, kForm, [](std::size_t N, std::size_t /*dims*/) {
         return std::make_unique<MeshRepulsion>(N);
     });
 }
@@ -169,12 +208,31 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
     return memory;
 }
 
+/// What one of several ranks has of joint affinities to the nearest neighbours, and takes to make
+/// them.
+MethodMemory rank_memory(const RunSize& size) {
+    const auto N = static_cast<double>(size.rows);
+    const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
+    const double entries = N * K / static_cast<double>(size.ranks);
+    const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
+    const double index = 164.0 * N + blocks * (128.0 * static_cast<double>(size.columns) + 256.0);
+    const bool is_approximate = size.options.neighbour_search == NeighbourSearchKind::Approximate;
+    const double searching =
+        is_approximate ? approximate_search_memory(size.rows, static_cast<std::size_t>(K)) : index;
+    const double graph = size.options.start == StartKind::Sample ? 4.0 * N * K : 0.0;
+    // Neighbours as they are found, and what goes to other ranks and comes from them.
+    return {graph + std::max(12.0 * entries + searching, 60.0 * entries),
+            8.0 * symmetric_share(size.columns) * entries + 38.0 * N,
+            0.0};
+}
+
 MethodMemory mesh_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const auto d = static_cast<double>(size.options.out_dims);
     // Maps of very many rows are wide while some points fly about.
     const double cells = std::max(2200.0 * std::sqrt(N), 16.0 * N);
-    MethodMemory memory = neighbours_memory(size, sizeof(float));
+    MethodMemory memory =
+        size.ranks > 1 ? rank_memory(size) : neighbours_memory(size, sizeof(float));
     memory.fitting += 56.0 * N + 8.0 * N * d + 45.0 * cells;
     return memory;
 }
@@ -219,7 +277,7 @@ constexpr Method kMethods[] = {
      &barnes_hut_memory,
      &lighter_by_neighbours,
      true},
-    {"particle-mesh", &mesh_title, &make_mesh, &mesh_memory, &lighter_by_neighbours, true},
+    {"particle-mesh", &mesh_title, &make_mesh, &mesh_memory, &lighter_by_neighbours, true, true},
 };
 
 constexpr const Method& kExact = kMethods[0];

@@ -21,6 +21,7 @@
 namespace ovik {
 
 class CachedNeighbours;
+class Ranks;
 
 /// What a method makes its objective of.
 struct MethodInput {
@@ -40,6 +41,9 @@ struct MethodInput {
     std::optional<NeighbourRecall>* recall = nullptr;
     /// Whether the graph is to have distances.
     bool wants_distances = true;
+    /// Null, or the ranks that make an objective each, for their rows; then there are no neighbours
+    /// from other runs.
+    Ranks* ranks = nullptr;
 
     /// What a search for neighbours takes of it.
     [[nodiscard]] NeighbourHooks neighbourHooks() const {
@@ -87,6 +91,8 @@ struct Method {
     std::optional<LighterFit> (*lighter)(const FitOptions& options);
     /// Whether it searches for nearest neighbours, which runs over one input may share.
     bool has_neighbours;
+    /// Whether several ranks may share a fit by it.
+    bool is_shareable = false;
 };
 
 /// All methods.

@@ -75,6 +75,7 @@ double widest_deviation(MatrixView<const double> Y) {
 FitHooks hooks_of_fit(const SampleHooks& hooks, const FitOptions& options) {
     FitHooks of_fit;
     of_fit.on_iteration = hooks.on_iteration;
+    of_fit.ranks = hooks.ranks;
     if (hooks.on_stage) {
         const auto last = static_cast<std::uint64_t>(std::max(options.max_iter, -1) + 1);
         of_fit.on_stage = [&on_stage = hooks.on_stage, last](

@@ -17,6 +17,8 @@
 
 namespace ovik {
 
+class Ranks;
+
 /// Fewer rows need no sample: one that tells of the whole would be half of them or more.
 constexpr std::size_t kLeastSampledFrom = 2000;
 
@@ -54,6 +56,8 @@ struct SampleHooks {
     OnStage on_stage = {};
     /// As `FitHooks::on_iteration`: false ends that fit, and its map is what it has reached.
     std::function<bool(const FitState&)> on_iteration = {};
+    /// As `FitHooks::ranks`.
+    Ranks* ranks = nullptr;
 };
 
 /// Starts at the map of a sample, all other rows among their neighbours (`place_among_neighbours`),

@@ -58,7 +58,8 @@ void SlicedAttraction::forEachEntry(const double* Y,
                                     const double* points,
                                     std::size_t row,
                                     const Visit& visit) const {
-    P_.forEachEntry(row, [&, own = Y + row * dims_](std::size_t place, double p) {
+    const std::size_t point = P_.rankRows().own().begin + row;
+    P_.forEachEntry(row, [&, own = Y + point * dims_](std::size_t place, double p) {
         double squared_distance = 0.0;
         for (std::size_t d = 0; d < dims_; ++d) {
             const double difference = own[d] - points[place + d];
@@ -78,29 +79,34 @@ void SlicedAttraction::addEntries(const double* Y, double Z, std::size_t row, do
 
 /// The entries added one after the other, row by row.
 double SlicedAttraction::plainCost(const double* Y, double Z) const {
-    double cost = 0.0;
-    for (std::size_t n = 0; n < P_.rowCount(); ++n) {
-        addEntries(Y, Z, n, cost);
-    }
-    return cost;
+    return P_.rankRows().ranks().addInTurn(0.0, [&](double cost) {
+        for (std::size_t n = 0; n < P_.rowCount(); ++n) {
+            addEntries(Y, Z, n, cost);
+        }
+        return cost;
+    });
 }
 
 void SlicedAttraction::rowCosts(const double* Y, double Z, double* costs) {
     prepare(Y);
+    double* const own = costs + P_.rankRows().own().begin;
     parallel_for_each(P_.rowCount(), kSliceRows, [=, this](std::size_t n) {
-        costs[n] = 0.0;
-        addEntries(Y, Z, n, costs[n]);
+        own[n] = 0.0;
+        addEntries(Y, Z, n, own[n]);
     });
+    P_.rankRows().gather(costs, 1, Errand::Gradients);
 }
 
 void SlicedAttraction::rowMisfits(const double* Y, const double* similarity_sums, double* misfits) {
     prepare(Y);
+    const std::size_t first = P_.rankRows().own().begin;
     parallel_for_each(P_.rowCount(), kSliceRows, [=, this](std::size_t n) {
         const auto for_each_entry = [&](const auto& visit) {
             forEachEntry(Y, inOrder(Y), n, visit);
         };
-        misfits[n] = row_misfit(for_each_entry, similarity_sums[n], log_);
+        misfits[first + n] = row_misfit(for_each_entry, similarity_sums[first + n], log_);
     });
+    P_.rankRows().gather(misfits, 1, Errand::Gradients);
 }
 
 }  // namespace ovik

@@ -47,6 +47,7 @@ SlicedMatrix::SlicedMatrix(SliceLayout layout,
       entries_(std::move(entries)),
       entry_count_(entry_count),
       dims_(dims),
+      rank_rows_(layout_.rowCount()),
       order_(std::move(order)),
       lane_sums_(malloc_array<double>(2 * sliceCount() * kSliceRows)),
       slice_sums_(malloc_array<double>(sliceCount())) {
@@ -54,6 +55,19 @@ SlicedMatrix::SlicedMatrix(SliceLayout layout,
     check_size(rowCount(), dims);
     if (order_ != nullptr) {
         rememberOrder();
+    }
+}
+
+SlicedMatrix::SlicedMatrix(SliceLayout layout,
+                           SliceEntries entries,
+                           std::size_t entry_count,
+                           std::size_t dims,
+                           const RankRows& rows)
+    : SlicedMatrix(std::move(layout), std::move(entries), entry_count, dims, nullptr) {
+    check_size(rows.count(), dims);
+    rank_rows_ = rows;
+    if (rows.own().begin > 0) {
+        rememberTargets();
     }
 }
 
@@ -91,6 +105,18 @@ void SlicedMatrix::rememberOrder() {
     for (std::size_t lane = 0; lane < lanes; ++lane) {
         const std::uint32_t row = plain.rows()[lane];
         plain_lanes_[lane] = row == kNoRow ? kNoRow : lane_of_row_[row];
+    }
+}
+
+/// Tells the rows of the slices from those of the ranks before.
+void SlicedMatrix::rememberTargets() {
+    const std::size_t lanes = sliceCount() * kSliceRows;
+    const auto first = static_cast<std::uint32_t>(rank_rows_.own().begin);
+    targets_ = malloc_array<std::uint32_t>(lanes);
+    require_allocated(targets_);
+    for (std::size_t lane = 0; lane < lanes; ++lane) {
+        const std::uint32_t row = layout_.rows()[lane];
+        targets_[lane] = row == kNoRow ? kNoRow : first + row;
     }
 }
 
@@ -135,10 +161,11 @@ void SlicedMatrix::takeValues(const unsigned int* row_P, const double* val_P) {
 }
 
 MatrixSlices SlicedMatrix::slices() const {
+    const std::uint32_t* const targets = targets_ != nullptr ? targets_.get() : layout_.rows();
     return {layout_.starts(),
-            layout_.rows(),
+            isReordered() ? layout_.rows() : targets,
             layout_.lengths(),
-            targets_ != nullptr ? targets_.get() : layout_.rows(),
+            targets,
             entries_.places.get(),
             entries_.form,
             entries_.values,
@@ -176,17 +203,17 @@ void SlicedMatrix::divide(double divisor) {
 }
 
 void SlicedMatrix::divideBySum() {
-    divide(plainSum());
+    divide(rank_rows_.ranks().addInTurn(0.0, [this](double start) { return plainSum(start); }));
 }
 
 /// The values added one after the other, row by row.
-double SlicedMatrix::plainSum() const {
+double SlicedMatrix::plainSum(double start) const {
     // So many rows at a time are brought into one piece.
     constexpr std::size_t kPieceRows = 512;
     const std::size_t N = rowCount();
     std::vector<std::size_t> starts(kPieceRows + 1);
     std::vector<double> values;
-    double sum = 0.0;
+    double sum = start;
     for (std::size_t begin = 0; begin < N; begin += kPieceRows) {
         const std::size_t count = std::min(kPieceRows, N - begin);
         for (std::size_t i = 0; i < count; ++i) {
@@ -225,7 +252,8 @@ double SlicedMatrix::sumOfLanes(const double* lane_values) const {
             }
             sums[slice] = sum;
         });
-    return std::accumulate(sums, sums + sliceCount(), 0.0);
+    return rank_rows_.ranks().addInTurn(
+        0.0, [&](double start) { return std::accumulate(sums, sums + sliceCount(), start); });
 }
 
 const AffinitySums& SlicedMatrix::sums() {

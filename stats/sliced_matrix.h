@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "stats/kernels/slice_pass.h"
+#include "stats/rank_rows.h"
 #include "stats/slice_layout.h"
 #include "stats/sparse_matrix.h"
 #include "util/malloc_pointer.h"
@@ -43,6 +44,9 @@ struct SliceEntries {
 /// one another are near in memory; the points of an embedding have to be brought into that order
 /// before a pass (`pointsInOrder`). Results do not depend on it.
 ///
+/// Of a matrix that several ranks share it holds the rows of one; these are counted from the first
+/// of them, and sums are those over the rows of all.
+///
 /// @par Source Monakov, Lokhmotov and Avetisyan, "Automatically tuning sparse matrix-vector
 /// multiplication for GPU architectures", HiPEAC 2010; for the windows Kreutzer et al., "A unified
 /// sparse matrix data format for efficient general sparse matrix-vector multiplication on modern
@@ -73,8 +77,23 @@ class SlicedMatrix {
                  std::size_t dims,
                  MallocArray<std::uint32_t> order);
 
+    /// The rows of a rank, in their own order.
+    ///
+    /// @param layout       of its rows
+    /// @param entry_count  of all ranks
+    /// @throws WorkMemoryError
+    SlicedMatrix(SliceLayout layout,
+                 SliceEntries entries,
+                 std::size_t entry_count,
+                 std::size_t dims,
+                 const RankRows& rows);
+
     [[nodiscard]] std::size_t rowCount() const { return layout_.rowCount(); }
 
+    /// The rows among those of all ranks.
+    [[nodiscard]] const RankRows& rankRows() const { return rank_rows_; }
+
+    /// Of all ranks.
     [[nodiscard]] std::size_t entryCount() const { return entry_count_; }
 
     [[nodiscard]] std::size_t sliceCount() const { return layout_.sliceCount(); }
@@ -143,18 +162,21 @@ class SlicedMatrix {
     template <typename Value, typename Convert>
     void fill(const unsigned int* row_P, Value* values, const Convert& convert) const;
     void rememberOrder();
-    [[nodiscard]] double plainSum() const;
+    void rememberTargets();
+    [[nodiscard]] double plainSum(double start) const;
     [[nodiscard]] AffinitySums formSums();
 
     SliceLayout layout_;
     SliceEntries entries_;
     std::size_t entry_count_;
     std::size_t dims_;
+    RankRows rank_rows_;
     /// The row at each place of the order in which they lie; null for their own, and so are the
     /// others.
     MallocArray<std::uint32_t> order_;
     MallocArray<std::uint32_t> lane_of_row_;
-    /// The rows of the slices as the matrix counts them.
+    /// The rows of the slices as the matrix, with those of all ranks, counts them; not null either
+    /// where the first rows are another rank's.
     MallocArray<std::uint32_t> targets_;
     /// Where the rows lie that would share slices in their own order; `kNoRow` for none.
     MallocArray<std::uint32_t> plain_lanes_;

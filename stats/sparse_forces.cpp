@@ -68,12 +68,14 @@ class SharedPreparation {
 
 }  // namespace
 
-SparseForces::SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion)
-    : N_(N),
+SparseForces::SparseForces(const RankRows& rows,
+                           std::size_t dims,
+                           std::unique_ptr<Repulsion> repulsion)
+    : rows_(rows),
       dims_(dims),
       repulsion_(std::move(repulsion)),
-      repulsive_forces_(malloc_array<double>(N * dims)),
-      z_terms_(malloc_array<double>(N)) {
+      repulsive_forces_(malloc_array<double>(rows.count() * dims)),
+      z_terms_(malloc_array<double>(rows.count())) {
     require_allocated(repulsive_forces_, z_terms_);
 }
 
@@ -104,11 +106,12 @@ double SparseForces::computeForces(Attraction& attraction,
                                    const double* Y,
                                    double* attractive_forces,
                                    bool with_cost) {
-    const std::size_t tasks = (N_ + kTaskRows - 1) / kTaskRows;
-    const auto rows_of = [this](std::size_t task) {
-        return IndexRange{task * kTaskRows, std::min((task + 1) * kTaskRows, N_)};
+    const std::size_t count = rows_.own().size();
+    const std::size_t tasks = (count + kTaskRows - 1) / kTaskRows;
+    const auto rows_of = [count](std::size_t task) {
+        return IndexRange{task * kTaskRows, std::min((task + 1) * kTaskRows, count)};
     };
-    const int workers = worker_count(N_, kForceGrain);
+    const int workers = worker_count(count, kForceGrain);
     const auto worker_share = static_cast<std::size_t>(workers);
     SharedTasks attractive_tasks(tasks, worker_share);
     SharedPreparation preparation(*repulsion_, Y, worker_share);
@@ -126,16 +129,27 @@ double SparseForces::computeForces(Attraction& attraction,
     parallel_tasks(tasks, workers, [&](std::size_t i, std::size_t /*worker*/) {
         repulsion_->compute(rows_of(i), repulsive_forces_.get(), z_terms_.get());
     });
-    return std::accumulate(z_terms_.get(), z_terms_.get() + N_, 0.0);
+    return normalisation();
+}
+
+/// The terms of all points, one after the other.
+double SparseForces::normalisation() const {
+    const IndexRange own = rows_.own();
+    return rows_.ranks().addInTurn(0.0, [&](double start) {
+        return std::accumulate(z_terms_.get() + own.begin, z_terms_.get() + own.end, start);
+    });
 }
 
 void SparseForces::subtractRepulsion(double* gradient, double Z) const {
     const double* const repulsion = repulsive_forces_.get();
     const double factor = annealing_;
     const double annealed_Z = factor * Z;
-    parallel_for_each(N_ * dims_, kElementwiseGrain, [=](std::size_t i) {
+    const std::size_t first = rows_.own().begin * dims_;
+    parallel_for_each(rows_.own().size() * dims_, kElementwiseGrain, [=](std::size_t of_rank) {
+        const std::size_t i = first + of_rank;
         gradient[i] = factor * (gradient[i] - repulsion[i] / annealed_Z);
     });
+    rows_.gather(gradient, dims_, Errand::Gradients);
 }
 
 }  // namespace ovik

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "stats/attraction.h"
+#include "stats/rank_rows.h"
 #include "stats/repulsion.h"
 #include "util/malloc_array.h"
 
@@ -17,11 +19,15 @@ namespace ovik {
 /// term of the normalisation Z is added in point order, and a is 1 unless `anneal` has set it.
 ///
 /// All functions take the attraction of N points, by their joint affinities, and an embedding `Y`,
-/// row-major, N x dims.
+/// row-major, N x dims. Several ranks call the same ones, and get the same.
 class SparseForces {
   public:
     /// @throws WorkMemoryError if the forces do not fit in memory
-    SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion);
+    SparseForces(std::size_t N, std::size_t dims, std::unique_ptr<Repulsion> repulsion)
+        : SparseForces(RankRows(N), dims, std::move(repulsion)) {}
+
+    /// The same of several ranks, each with the forces on the points that it has.
+    SparseForces(const RankRows& rows, std::size_t dims, std::unique_ptr<Repulsion> repulsion);
 
     /// Sets the factor by which attraction counts for more in the gradients to come.
     void anneal(double factor) { annealing_ = factor; }
@@ -48,9 +54,10 @@ class SparseForces {
                          const double* Y,
                          double* attractive_forces,
                          bool with_cost);
+    [[nodiscard]] double normalisation() const;
     void subtractRepulsion(double* gradient, double Z) const;
 
-    std::size_t N_;
+    RankRows rows_;
     std::size_t dims_;
     double annealing_ = 1.0;
     std::unique_ptr<Repulsion> repulsion_;

@@ -43,7 +43,7 @@ double SparseObjective::costAndGradient(const double* Y, double* dY) {
 }
 
 std::string SparseObjective::report(std::clock_t elapsed) const {
-    const auto rows = static_cast<double>(attraction_.matrix().rowCount());
+    const auto rows = static_cast<double>(attraction_.matrix().rankRows().count());
     const double density = static_cast<double>(attraction_.matrix().entryCount()) / (rows * rows);
     const float seconds = static_cast<float>(elapsed) / 1000000.0F;
     return "Got sparsity " + num2string(density, 6) + " for input similarities in " +

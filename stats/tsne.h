@@ -28,6 +28,7 @@
 namespace ovik {
 
 class CachedNeighbours;
+class Ranks;
 struct FitReport;
 struct QuantisedMatrix;
 struct ResultSettings;
@@ -150,6 +151,8 @@ class TSNE {
     /// for once; the results are those of separate runs. Not used by the exact method. Null: the
     /// run searches for its own. See `make_cached_neighbours`.
     std::shared_ptr<CachedNeighbours> cached_neighbours;
+    /// Null, or the ranks that share the fit (`FitHooks::ranks`).
+    Ranks* ranks = nullptr;
 
     /// Most of these fits that run side by side, each by one thread; 0 for as many as there are
     /// threads.

@@ -355,6 +355,7 @@ FitReport TSNE<T>::fitAndReport(const FitOptions& options) {
         resumed ? std::optional(state_of(*resumed)) : std::nullopt;
     hooks.resumed_state = start ? &*start : nullptr;
     hooks.cached_neighbours = cached_neighbours.get();
+    hooks.ranks = ranks;
     hooks.wants_neighbours = wants_neighbours;
     hooks.wants_row_costs = wants_row_costs;
     prepared_X_ = compares_directions(options.metric) ? X : nullptr;

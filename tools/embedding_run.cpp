@@ -77,6 +77,7 @@ void set_up(TSNE<T>& tsne, const Options& options, RunInput& input) {
     tsne.start_places = std::move(input.start_places);
     tsne.cached_neighbours = std::move(input.neighbours);
     tsne.on_stage = options.on_stage;
+    tsne.ranks = options.ranks;
     tsne.seeds = options.seeds;
     tsne.seeds_at_once = options.seeds_at_once;
     if (options.sparse_components > 0) {

@@ -15,6 +15,10 @@
 #include "stats/option_checks.h"
 #include "stats/preset.h"
 
+namespace ovik {
+class Ranks;
+}
+
 namespace ovik::tool {
 
 enum class Precision { Double, Float };
@@ -121,6 +125,8 @@ struct Options {
     std::size_t seeds_at_once = 0;
     /// Takes how far the run is; no option, but what shows it.
     OnStage on_stage = {};
+    /// The ranks that share the fit, of which this is the first; no option. Null for none.
+    Ranks* ranks = nullptr;
     /// Number of threads; 0 for all cores.
     int threads = 0;
     /// Whether a run is tried for which there seems to be too little memory.

@@ -16,8 +16,8 @@
 
 #include "results/checkpoint_path.h"
 #include "results/map_model.h"
-#include "stats/exit_without_memory.h"
 #include "stats/memory_estimate.h"
+#include "stats/shared_fit.h"
 #include "util/available_memory.h"
 #include "util/console.h"
 #include "util/input_error.h"
@@ -28,6 +28,7 @@
 #include "golden/embedded_files.h"
 #include "golden/golden_parts.h"
 #include "tools/choice_run.h"
+#include "tools/command.h"
 #include "tools/command_report.h"
 #include "tools/comparison.h"
 #include "tools/dry_run.h"
@@ -47,6 +48,7 @@
 #include "tools/page_matrix.h"
 #include "tools/perplexity_sweep.h"
 #include "tools/progress_display.h"
+#include "tools/rank_options.h"
 #include "tools/reported_call.h"
 #include "tools/reproduction.h"
 #include "tools/result_paths.h"
@@ -86,6 +88,7 @@ RunSize size_of_runs(const Options& options,
     size.has_clusters = options.clusters;
     size.threads = static_cast<std::size_t>(omp_get_max_threads());
     size.is_shared = perplexities.size() > 1;
+    size.ranks = options.ranks != nullptr ? options.ranks->count() : 1;
     size.seeds = options.seeds;
     size.other_maps =
         static_cast<std::size_t>(std::max(options.against_noise, 2 * options.stability));
@@ -113,6 +116,9 @@ void settle_manner(const Options& options, std::optional<ConsoleSilence>& silenc
     const std::string threads_note = set_thread_count(options.threads);
     if (!threads_note.empty()) {
         complain("note: " + threads_note);
+    }
+    if (options.ranks != nullptr) {
+        tell_thread_count(*options.ranks, options.threads);
     }
 }
 
@@ -285,6 +291,7 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
     if (!options.reproduced_report.empty()) {
         return reproduce(options);
     }
+    check_rank_options(options);
     RunReport report = begin_report(options, std::move(command_line));
     return options.onto.empty() ? embed(options, std::move(report))
                                 : place(options, std::move(report));
@@ -292,9 +299,10 @@ ExitStatus run(const Options& options, std::vector<std::string> command_line) {
 
 /// The whole command but for what the streams have not taken yet; what goes wrong is explained on
 /// standard error.
-int run_command(int argc, const char* const* argv) {
+int run_command(int argc, const char* const* argv, Ranks* ranks) {
     try {
-        const ParsedCommand command = parse_command_line(argc, argv);
+        ParsedCommand command = parse_command_line(argc, argv);
+        command.options.ranks = ranks;
         return command.exit_status ? *command.exit_status
                                    : run(command.options, {argv, argv + argc});
     } catch (const InputError& error) {
@@ -310,20 +318,14 @@ int run_command(int argc, const char* const* argv) {
 
 }  // namespace
 
-}  // namespace ovik::tool
-
-/// Nobody could catch an exception where globals are built, so this runs before their
-/// constructors.
-[[gnu::constructor(101)]] static void end_if_memory_runs_out_before_main() {
-    std::set_new_handler(ovik::exit_out_of_memory);
-}
-
-int main(int argc, char** argv) {
+int run_whole_command(int argc, const char* const* argv, Ranks* ranks) {
     std::set_new_handler(nullptr);
-    ovik::tool::reserve_standard_streams();
+    reserve_standard_streams();
     // A file that outgrows its limit is then reported like a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
-    const int status = ovik::tool::run_command(argc, argv);
-    const bool all_printed = ovik::tool::flush_standard_streams();
-    return all_printed || status != ovik::tool::Success ? status : ovik::tool::FailedRun;
+    const int status = run_command(argc, argv, ranks);
+    const bool all_printed = flush_standard_streams();
+    return all_printed || status != Success ? status : FailedRun;
 }
+
+}  // namespace ovik::tool

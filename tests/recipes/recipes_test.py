@@ -211,7 +211,27 @@ def run_docker(place, text):
             "a row per gene from the container")
 
 
+def run_mpi(place, text):
+    """The job anew, and once more as it goes on from its checkpoint; with stand-ins for `mpirun` and
+    `ovik-tsne-mpi`, which leaves the bytes of `ovik-tsne`."""
+    forget_sweep(place)
+    mpirun = place.directory / "programs/mpirun"
+    mpirun.write_text(
+        "#!/bin/sh\n"
+        '[ "$1 $2 $3 $4" = "--map-by ppr:1:node --bind-to none" ] || exit 9\n'
+        'shift 4; exec "$@"\n'
+    )
+    mpirun.chmod(0o755)
+    shutil.copy(place.directory / "programs/ovik-tsne", place.directory / "programs/ovik-tsne-mpi")
+    place.run("/bin/sh", "-e", text=text, SLURM_CPUS_PER_TASK="2")
+    table = place.read("out/yeast_tsne_30_0.csv")
+    require(len(table.splitlines()) == ROWS + 1, "a row per gene from several machines")
+    place.run("/bin/sh", "-e", text=text, SLURM_CPUS_PER_TASK="2")
+    require(place.read("out/yeast_tsne_30_0.csv") == table, "and the same from the checkpoint")
+
+
 RUNNERS = {
+    "mpi": run_mpi,
     "docker": run_docker,
     "r": run_r,
     "python": run_python,

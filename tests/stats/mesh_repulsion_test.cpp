@@ -14,6 +14,7 @@
 #include "tests/support/all_pairs_repulsion.h"
 #include "tests/support/instruction_sets.h"
 #include "tests/support/random_points.h"
+#include "tests/support/rank_threads.h"
 #include "tests/support/refusal.h"
 #include "tests/support/threads.h"
 
@@ -302,6 +303,29 @@ TEST(MeshRepulsion, RefusesAMapWithManyPointsFarOutAndGoesOnWithAnotherMap) {
     EXPECT_NE(test::refusal_of([&] { forces_by(repulsion, Y); }).find("too wide for a mesh"),
               std::string::npos);
     EXPECT_EQ(forces_by(repulsion, other), mesh_forces(other));
+}
+
+TEST(MeshRepulsion, IsTheSameByRanksThatHaveSomeOfThePointsEach) {
+    const std::vector<double> near = map_like(9000, 30, 90.0, 0.4);
+    // So wide that all are far points.
+    const std::vector<double> wide = test::random_values(2 * 9000, 4, 1e6);
+    for (const std::vector<double>& Y : {near, with_far_points(near), wide}) {
+        const std::size_t N = Y.size() / 2;
+        const Forces expected = mesh_forces(Y);
+        for (const std::size_t count : {std::size_t{2}, std::size_t{3}, std::size_t{5}}) {
+            Forces shared{std::vector<double>(2 * N), std::vector<double>(N)};
+            test::run_ranks(count, [&](Ranks& ranks) {
+                const RankRows rows(N, ranks);
+                MeshRepulsion repulsion(rows);
+                repulsion.prepare(Y.data());
+                repulsion.finishPreparation();
+                // Each writes what is its own.
+                repulsion.compute(
+                    {0, rows.own().size()}, shared.forces.data(), shared.z_terms.data());
+            });
+            EXPECT_EQ(shared, expected) << count << " ranks";
+        }
+    }
 }
 
 }  // namespace
