@@ -26,7 +26,7 @@ std::unique_ptr<RowAffinities> affinities_of(ValueForm form) {
         return std::make_unique<UniformRows>();
     }
     return std::make_unique<CalibratedRows>(
-        std::vector<AffinityScale>{{3.0, std::size_t{kNeighbours}}});
+        std::vector<AffinityScale>{{3.0, std::size_t{kNeighbours}}}, platform_elementary());
 }
 
 /// Holds what the ranks have of the rows to what a process by itself has of them.
