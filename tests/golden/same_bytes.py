@@ -87,7 +87,7 @@ def build(row, jobs):
     for needed in [row.get("compiler"), *row.get("launcher", [])[:1]]:
         if needed and shutil.which(needed) is None:
             return None, f"not run: {needed} is not there"
-    directory = SOURCE / "build/same-bytes" / row["name"]
+    directory = SOURCE / row.get("directory", f"build/same-bytes/{row['name']}")
     program = directory / row.get("program", "golden/golden_digests")
     for command in [
         configure(row, directory),
