@@ -50,6 +50,7 @@ echo "Following the links of the documents"
 
 echo "Running the command"
 inside ovik-tsne --version
+inside ovik-tsne-mpi --version
 inside ovik-tsne /trial/brauer2008_chemostat.tsv --perplexity 30 --quiet --out-dir /trial/results
 echo "$table_md5  $root/trial/results/brauer2008_chemostat_tsne_30_0.csv" | md5sum --check
 for plot in html png svg; do

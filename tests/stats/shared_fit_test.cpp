@@ -1,6 +1,7 @@
 #include "stats/shared_fit.h"
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <limits>
 #include <omp.h>
@@ -17,6 +18,7 @@
 
 #include "tests/support/random_points.h"
 #include "tests/support/rank_threads.h"
+#include "tests/support/refusal.h"
 
 namespace ovik {
 namespace {
@@ -295,6 +297,26 @@ TEST(SharedFit, IsRefusedOfWhatRanksCannotShare) {
         hooks.cached_neighbours = &cached;
         EXPECT_THROW(fit({rows.data(), 100, kColumns}, mesh_options(3), hooks),
                      std::invalid_argument);
+        end_service(ranks);
+    });
+}
+
+TEST(SharedFit, IsRefusedOfMachinesThatDoNotComputeTheSame) {
+    test::run_ranks(3, [](Ranks& ranks) {
+        if (!ranks.isFirst()) {
+            // One of them rounds in another way.
+            std::fesetround(ranks.rank() == 2 ? FE_UPWARD : FE_TONEAREST);
+            serve_fits(ranks);
+            return;
+        }
+        FitHooks hooks;
+        hooks.ranks = &ranks;
+        std::vector<double> rows = some_rows(100);
+        EXPECT_NE(test::refusal_of([&] {
+                      fit({rows.data(), 100, kColumns}, mesh_options(3), hooks);
+                  }).find("do not compute the same"),
+                  std::string::npos);
+        EXPECT_FALSE(ranks.hasGivenUp());
         end_service(ranks);
     });
 }
