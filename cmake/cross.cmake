@@ -1,7 +1,14 @@
 # What the toolchain files of other processors share. Each sets, beside CMAKE_SYSTEM_PROCESSOR, Debian's
 # name of the architecture, what its cross compiler begins with, and the program that emulates it.
 set(CMAKE_SYSTEM_NAME Linux)
-set(CMAKE_CXX_COMPILER ${ovik_compiler_prefix}-g++)
+option(OVIK_CROSS_CLANG "Build for another processor with Clang" OFF)
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES OVIK_CROSS_CLANG)
+if(OVIK_CROSS_CLANG)
+  set(CMAKE_CXX_COMPILER clang++-14)
+  set(CMAKE_CXX_COMPILER_TARGET ${ovik_compiler_prefix})
+else()
+  set(CMAKE_CXX_COMPILER ${ovik_compiler_prefix}-g++)
+endif()
 set(CMAKE_LIBRARY_ARCHITECTURE ${ovik_compiler_prefix})
 # Made by scripts/cross-root. Programs are those of the machine that builds.
 cmake_path(SET CMAKE_SYSROOT NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../build/root/${ovik_architecture})

@@ -141,6 +141,36 @@ constexpr FitCase kFitCases[] = {
          o.method = MethodKind::Mesh;
          o.max_iter = 19;
      }},
+    {"uniform by mesh",
+     kGenes,
+     200,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.affinity = AffinityKind::Uniform;
+         o.max_iter = 299;
+     }},
+    {"refined by mesh",
+     kGenes,
+     200,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.metric = MetricKind::Pearson;
+         o.multiscale = {5.0, 30.0};
+         o.start = StartKind::Pca;
+         o.schedule = ScheduleKind::Annealed;
+         o.exaggeration = 4.0;
+         o.automatic_rate = true;
+         o.final_momentum = 0.95;
+         o.max_iter = 299;
+     }},
+    {"start sample by mesh",
+     Values::Between,
+     2000,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.start = StartKind::Sample;
+         o.max_iter = 19;
+     }},
     // Dimensions
     {"three dimensions", kGenes, 150, [](FitOptions& o) { o.out_dims = 3; }, true},
     {"exact in three dimensions",
@@ -173,17 +203,25 @@ std::vector<double> numbers_of(const NeighbourGraph& graph) {
     return numbers;
 }
 
-/// Makes the map, and digests what its stages leave.
-std::vector<StageDigest> stages_of(const FitCase& fit_case) {
-    SmallMatrix matrix = small_matrix(fit_case.values, fit_case.rows);
+FitOptions options_of(const FitCase& fit_case) {
     FitOptions options;
     options.max_iter = kLastIteration;
     options.numerics = NumericsKind::Portable;
     fit_case.set(options);
+    return options;
+}
+
+/// Makes the map, and digests what its stages leave.
+///
+/// @param ranks  null, or those that share the fit
+std::vector<StageDigest> stages_of(const FitCase& fit_case, Ranks* ranks) {
+    SmallMatrix matrix = small_matrix(fit_case.values, fit_case.rows);
+    const FitOptions options = options_of(fit_case);
     const auto dims = static_cast<std::size_t>(options.out_dims);
     const std::vector<double> places = given_places(matrix, dims);
     std::vector<double> first;
     FitHooks hooks;
+    hooks.ranks = ranks;
     hooks.start = {places.data(), matrix.rows, dims};
     hooks.wants_neighbours = true;
     hooks.wants_row_costs = true;
@@ -213,8 +251,21 @@ std::vector<StageDigest> stages_of(const FitCase& fit_case) {
 std::vector<Part> fit_parts() {
     std::vector<Part> parts;
     for (const FitCase& fit_case : kFitCases) {
-        parts.push_back(
-            {fit_case.name, [&fit_case] { return stages_of(fit_case); }, fit_case.is_selected});
+        parts.push_back({fit_case.name,
+                         [&fit_case] { return stages_of(fit_case, nullptr); },
+                         fit_case.is_selected});
+    }
+    return parts;
+}
+
+std::vector<Part> shared_parts(Ranks& ranks) {
+    std::vector<Part> parts;
+    for (const FitCase& fit_case : kFitCases) {
+        if (options_of(fit_case).method == MethodKind::Mesh) {
+            parts.push_back({fit_case.name,
+                             [&fit_case, &ranks] { return stages_of(fit_case, &ranks); },
+                             fit_case.is_selected});
+        }
     }
     return parts;
 }

@@ -10,6 +10,10 @@
 /// Parts of the engine whose results are the same bits on every machine: with portable numerics,
 /// for any compiler, processor and number of threads. Each is small enough for a tenth of a second.
 
+namespace ovik {
+class Ranks;
+}
+
 namespace ovik::golden {
 
 /// What a stage of a part came to.
@@ -33,6 +37,11 @@ struct Part {
 
 /// All parts, the elementary ones first.
 const std::vector<Part>& all_parts();
+
+/// The parts that several processes can share: maps by the mesh.
+///
+/// @param ranks  of which this is the first, and the others serve fits; have to outlive the parts
+std::vector<Part> shared_parts(Ranks& ranks);
 
 /// What a stage came to.
 StageDigest stage_of(std::string stage, std::span<const double> values);

@@ -101,7 +101,8 @@ def build(row, jobs):
 
 
 def run(row, program, expected, instructions, threads=None, ranks=None):
-    command = [word.format(ranks=ranks) for word in row.get("launcher", [])] + [str(program)]
+    command = [word.format(ranks=ranks, source=SOURCE) for word in row.get("launcher", [])]
+    command.append(str(program))
     if threads:
         command += ["--threads", str(threads)]
     if instructions:
