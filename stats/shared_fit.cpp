@@ -1,6 +1,5 @@
 #include "stats/shared_fit.h"
 
-#include <cmath>
 #include <memory>
 #include <optional>
 #include <span>
@@ -11,6 +10,7 @@
 #include "results/digest.h"
 #include "stats/gradient_descent.h"
 #include "stats/method.h"
+#include "stats/numerics.h"
 #include "stats/optimisation.h"
 #include "util/byte_queue.h"
 #include "util/random_stream.h"
@@ -66,21 +66,22 @@ T hear_one(Ranks& ranks) {
     return value;
 }
 
-/// What the functions of the platform by which affinities are made give here.
-Digest numerics_digest() {
-    constexpr int kProbes = 4096;
-    std::vector<double> values;
-    for (int i = 1; i <= kProbes; ++i) {
-        const double x = 0.0137 * i;
-        values.push_back(std::exp(-x));
-        values.push_back(std::log(x));
+/// What the functions by which affinities are made give here.
+Digest digest_of_functions(const Elementary& elementary) {
+    constexpr std::size_t kProbes = 4096;
+    std::vector<double> values(2 * kProbes);
+    for (std::size_t i = 0; i < kProbes; ++i) {
+        const double x = 0.0137 * static_cast<double>(i + 1);
+        values[i] = -x;
+        values[kProbes + i] = elementary.log(x);
     }
+    elementary.exponentials(values.data(), kProbes);
     return digest_of(std::span<const double>(values));
 }
 
 /// Has the first rank look whether all compute the same, and tells all of them.
-bool compute_alike(Ranks& ranks) {
-    const Digest own = numerics_digest();
+bool compute_alike(Ranks& ranks, NumericsKind numerics) {
+    const Digest own = digest_of_functions(elementary_of(numerics));
     bool are_alike = true;
     ranks.collect(
         std::as_bytes(std::span(&own, 1)),
@@ -96,6 +97,8 @@ bool compute_alike(Ranks& ranks) {
 class ServedFit {
   public:
     explicit ServedFit(Ranks& ranks) : ranks_(ranks), order_(hear_one<FitOrder>(ranks)) {}
+
+    [[nodiscard]] NumericsKind numerics() const { return order_.options.numerics; }
 
     /// Makes the objective of this rank.
     void begin() {
@@ -169,7 +172,7 @@ Order serve_until(Ranks& ranks);
 /// @return the order that ended it, if it is also for what it was within
 Order serve_fit(Ranks& ranks) {
     ServedFit fit(ranks);
-    if (!compute_alike(ranks)) {
+    if (!compute_alike(ranks, fit.numerics())) {
         return Order::Leave;
     }
     try {
@@ -219,7 +222,7 @@ void SharedFit::begin(MatrixView<const double> X,
     is_shared_ = true;
     tell_one(ranks_, Order::Fit);
     tell_one(ranks_, FitOrder{X.rows, X.columns, options, wants});
-    if (!compute_alike(ranks_)) {
+    if (!compute_alike(ranks_, options.numerics)) {
         is_shared_ = false;
         throw InputError(
             "the machines do not compute the same exponentials or logarithms, so that they would "

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <set>
 #include <stdexcept>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,12 @@
 /// Parts of the engine have on this machine the digests that they have on every other.
 
 namespace ovik::golden {
+
+/// How a test prints the part that it is of.
+void PrintTo(const Part& part, std::ostream* out) {  // NOLINT(readability-identifier-naming)
+    *out << part.name;
+}
+
 namespace {
 
 const std::vector<ExpectedPart>& expected() {
