@@ -284,8 +284,8 @@ void TSNE<T>::requireRunnable(const FitOptions& options) const {
 
 namespace {
 
-/// Where a fit by one seed draws from: the process's own stream, unless numbers are to be the same on
-/// every machine; then null.
+/// Where a fit by one seed draws from: the process's own stream, unless numbers are to be the same
+/// on every machine; then null.
 RandomStream* stream_of(NumericsKind numerics) {
     return numerics == NumericsKind::Platform ? &process_random_stream() : nullptr;
 }

@@ -1,9 +1,9 @@
 #include "golden/golden_parts.h"
 
 #include <cctype>
+#include <ostream>
 #include <set>
 #include <stdexcept>
-#include <ostream>
 #include <string>
 #include <vector>
 
