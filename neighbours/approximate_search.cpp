@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "neighbours/candidate_search.h"
 #include "neighbours/join_partners.h"
 #include "neighbours/measured_recall.h"
 #include "neighbours/nearest_lists.h"
 #include "neighbours/projection_trees.h"
+#include "neighbours/row_extent.h"
 #include "neighbours/row_join.h"
 #include "util/parallel.h"
 #include "util/stage_count.h"

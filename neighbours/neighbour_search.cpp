@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <utility>
 
 #include "neighbours/approximate_search.h"
 #include "util/parallel.h"
@@ -123,11 +122,14 @@ void NeighbourSearch::findAll(const double* points,
                               const NeighbourSearchManner& manner) {
     recall_.reset();
     if (manner.is_approximate && can_be_approximate(points, N_, dims_, count, metric_)) {
-        findApproximately(points, count, visit, manner);
+        findApproximately(points, count, visit, manner.on_stage);
         return;
     }
+    StageCount progress(manner.on_stage, Stage::Neighbours, N_);
+    std::vector<char> is_found(N_);
     const Visit in_order = visitInOrder(visit, manner.ties);
-    findShare(points, count, in_order, manner);
+    findCertain(points, count, is_found, in_order, manner.ties, progress);
+    findByTree(points, count, is_found, in_order, manner.ties, progress);
 }
 
 /// What visits rows with their neighbours in the order of ties.
@@ -143,12 +145,10 @@ NeighbourSearch::Visit NeighbourSearch::visitInOrder(const Visit& visit, Neighbo
     };
 }
 
-/// The approximate search looks at all rows whatever is visited of them.
 void NeighbourSearch::findApproximately(const double* points,
                                         std::size_t count,
                                         const Visit& visit,
-                                        const NeighbourSearchManner& manner) {
-    const IndexRange wanted = static_share(N_, manner.share.count, manner.share.number);
+                                        const OnStage& on_stage) {
     std::vector<std::vector<NearRow>> nearest(workerCount());
     recall_ = find_approximately(
         points,
@@ -156,52 +156,22 @@ void NeighbourSearch::findApproximately(const double* points,
         dims_,
         count - 1,
         metric_,
-        manner.on_stage,
+        on_stage,
         [&](std::size_t row, std::span<const NearRow> neighbours, std::size_t worker) {
-            if (row < wanted.begin || row >= wanted.end) {
-                return;
-            }
             nearest[worker].assign(1, {static_cast<std::uint32_t>(row), 0.0});
             nearest[worker].insert(nearest[worker].end(), neighbours.begin(), neighbours.end());
             visit(row, nearest[worker], worker);
         });
 }
 
-/// The exact search. Rows of other shares are marked as found from the beginning.
-void NeighbourSearch::findShare(const double* points,
-                                std::size_t count,
-                                const Visit& visit,
-                                const NeighbourSearchManner& manner) {
-    std::optional<CandidateSearch> candidates(std::in_place, points, N_, dims_, count + 1, metric_);
-    const auto [number, shares] = manner.share;
-    const IndexRange parts = static_share(candidates->partCount(), shares, number);
-    std::vector<char> is_found(N_, 1);
-    if (candidates->partCount() == 0) {
-        // None of the rows has blocks to tell them apart by.
-        const IndexRange rows = static_share(N_, shares, number);
-        std::fill_n(is_found.begin() + static_cast<std::ptrdiff_t>(rows.begin), rows.size(), 0);
-    }
-    for (std::size_t part = parts.begin; part < parts.end; ++part) {
-        for (const std::uint32_t row : candidates->rowsOf(part)) {
-            is_found[row] = 0;
-        }
-    }
-    const auto wanted = std::count(is_found.begin(), is_found.end(), 0);
-    StageCount progress(manner.on_stage, Stage::Neighbours, static_cast<std::uint64_t>(wanted));
-    findCertain(*candidates, parts, count, is_found, visit, manner.ties, progress);
-    candidates.reset();
-    findByTree(points, count, is_found, visit, manner.ties, progress);
-}
-
-/// Visits the rows of some parts of which the neighbours are certain without the tree, and marks
-/// them as found.
-void NeighbourSearch::findCertain(const CandidateSearch& candidates,
-                                  IndexRange parts,
+/// Visits the rows of which the neighbours are certain without the tree, and marks them as found.
+void NeighbourSearch::findCertain(const double* points,
                                   std::size_t count,
                                   std::vector<char>& is_found,
                                   const Visit& visit,
                                   NeighbourTies ties,
                                   StageCount& progress) const {
+    const CandidateSearch candidates(points, N_, dims_, count + 1, metric_);
     std::vector<CandidateSearch::Scratch> scratch(workerCount());
     Patience patience;
     const auto search_part = [&](std::size_t part, std::size_t worker) {
@@ -209,23 +179,21 @@ void NeighbourSearch::findCertain(const CandidateSearch& candidates,
             return;
         }
         std::size_t found = 0;
-        candidates.search(parts.begin + part,
-                          scratch[worker],
-                          [&](std::size_t row, std::span<const NearRow> nearest) {
-                              const bool certain =
-                                  ties == NeighbourTies::ByRow
-                                      ? is_certain_by_row(nearest, count)
-                                      : is_certain(nearest, count, candidates.margin());
-                              patience.count(certain);
-                              if (certain) {
-                                  visit(row, nearest.first(count), worker);
-                                  is_found[row] = 1;
-                                  ++found;
-                              }
-                          });
+        candidates.search(
+            part, scratch[worker], [&](std::size_t row, std::span<const NearRow> nearest) {
+                const bool certain = ties == NeighbourTies::ByRow
+                                         ? is_certain_by_row(nearest, count)
+                                         : is_certain(nearest, count, candidates.margin());
+                patience.count(certain);
+                if (certain) {
+                    visit(row, nearest.first(count), worker);
+                    is_found[row] = 1;
+                    ++found;
+                }
+            });
         progress.add(found);
     };
-    parallel_tasks(parts.size(), worker_count(N_), search_part);
+    parallel_tasks(candidates.partCount(), worker_count(N_), search_part);
 }
 
 void NeighbourSearch::findOthers(const double* points,

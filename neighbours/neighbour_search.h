@@ -46,8 +46,7 @@ class NeighbourSearch {
 
     /// Visits every row with its `count` nearest, itself among them; with fewer where there are not
     /// so many at a finite distance. An approximate search, or one with ties by row, visits each
-    /// with itself first, and then others, of equally near ones the lower first. Of a share of the
-    /// search, only the rows of that are visited, and progress is told of them.
+    /// with itself first, and then others, of equally near ones the lower first.
     ///
     /// @param points  row-major, N x dims, the same in all calls
     /// @throws what the manner's `on_stage` throws
@@ -73,12 +72,7 @@ class NeighbourSearch {
                     const OnStage& on_stage = {});
 
   private:
-    void findShare(const double* points,
-                   std::size_t count,
-                   const Visit& visit,
-                   const NeighbourSearchManner& manner);
-    void findCertain(const CandidateSearch& candidates,
-                     IndexRange parts,
+    void findCertain(const double* points,
                      std::size_t count,
                      std::vector<char>& is_found,
                      const Visit& visit,
@@ -93,7 +87,7 @@ class NeighbourSearch {
     void findApproximately(const double* points,
                            std::size_t count,
                            const Visit& visit,
-                           const NeighbourSearchManner& manner);
+                           const OnStage& on_stage);
     [[nodiscard]] Visit visitInOrder(const Visit& visit, NeighbourTies ties) const;
     const NeighbourIndex& index(const double* points);
 

@@ -5,7 +5,7 @@
 #include <numeric>
 #include <optional>
 
-#include "neighbours/candidate_search.h"
+#include "neighbours/row_extent.h"
 #include "util/instruction_set.h"
 
 namespace ovik {

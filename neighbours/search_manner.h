@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 #include "util/stage.h"
 
 namespace ovik {
@@ -14,13 +12,6 @@ enum class NeighbourTies {
     ByRow,
 };
 
-/// One of several shares of a search, which together visit every row once. Which rows are in a
-/// share follows from the matrix; shares are about equally large.
-struct SearchShare {
-    std::size_t number = 0;
-    std::size_t count = 1;
-};
-
 /// How neighbours are searched for.
 struct NeighbourSearchManner {
     /// Whether nearly all of the nearest will do (`find_approximately`). Where that search cannot
@@ -31,8 +22,6 @@ struct NeighbourSearchManner {
     OnStage on_stage = {};
     /// Of the exact search; an approximate one has them by row.
     NeighbourTies ties = NeighbourTies::OfTree;
-    /// The rows that are visited.
-    SearchShare share = {};
 };
 
 }  // namespace ovik

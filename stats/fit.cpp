@@ -199,7 +199,10 @@ std::unique_ptr<Objective> make_objective(const Method& method,
         tell(hooks.on_note, note);
     };
     const bool has_graph = hooks.wants_neighbours || rows.needNeighbours();
-    shared.begin(rows.view(), options, {has_graph, hooks.wants_neighbours, hooks.wants_row_costs});
+    shared.begin(rows.view().rows,
+                 rows.view().columns,
+                 options,
+                 {has_graph, hooks.wants_neighbours, hooks.wants_row_costs});
     const MethodInput input{rows.view(),
                             options,
                             notes,

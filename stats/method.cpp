@@ -213,15 +213,22 @@ MethodMemory barnes_hut_memory(const RunSize& size) {
 MethodMemory rank_memory(const RunSize& size) {
     const auto N = static_cast<double>(size.rows);
     const double K = std::max(affinity_neighbours(size.options, size.rows), 0);
-    const double entries = N * K / static_cast<double>(size.ranks);
-    const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
-    const double index = 164.0 * N + blocks * (128.0 * static_cast<double>(size.columns) + 256.0);
-    const bool is_approximate = size.options.neighbour_search == NeighbourSearchKind::Approximate;
-    const double searching =
-        is_approximate ? approximate_search_memory(size.rows, static_cast<std::size_t>(K)) : index;
+    const auto ranks = static_cast<double>(size.ranks);
+    const double entries = N * K / ranks;
+    // Its part of the rows and two that come by, in blocks, and the lists of its neighbours.
+    double searching =
+        (24.0 * static_cast<double>(size.columns) + 60.0 + 16.0 * (K + 2.0)) * N / ranks;
+    if (size.options.neighbour_search == NeighbourSearchKind::Approximate) {
+        searching =
+            12.0 * entries + approximate_search_memory(size.rows, static_cast<std::size_t>(K));
+    } else if (ties_of(size.options.numerics) == NeighbourTies::OfTree) {
+        // The tree, for rows that nothing else decides.
+        const auto blocks = static_cast<double>(NeighbourIndex::blockCount(size.rows));
+        searching += 164.0 * N + blocks * (128.0 * static_cast<double>(size.columns) + 256.0);
+    }
     const double graph = size.options.start == StartKind::Sample ? 4.0 * N * K : 0.0;
-    // Neighbours as they are found, and what goes to other ranks and comes from them.
-    return {graph + std::max(12.0 * entries + searching, 60.0 * entries),
+    // Affinities, and what goes to other ranks and comes from them.
+    return {graph + std::max(searching, 50.0 * entries),
             8.0 * symmetric_share(size.columns) * entries + 38.0 * N,
             0.0};
 }

@@ -25,7 +25,7 @@ class Ranks;
 
 /// What a method makes its objective of.
 struct MethodInput {
-    /// Centred and scaled; read while the objective is made.
+    /// Centred and scaled; read while the objective is made. Of several ranks the first has values.
     MatrixView<const double> X;
     const FitOptions& options;
     FitNotes notes = {};

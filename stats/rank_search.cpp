@@ -9,25 +9,18 @@
 #include "neighbours/approximate_search.h"
 #include "neighbours/neighbour_graph.h"
 #include "neighbours/neighbour_search.h"
+#include "stats/rank_nearest.h"
 #include "stats/row_affinities.h"
 #include "util/byte_queue.h"
 #include "util/malloc_array.h"
+#include "util/parallel.h"
 
 namespace ovik {
 
 namespace {
 
-/// Rows with their neighbours as one worker has found them, each with `K` places.
-struct FoundRows {
-    std::vector<std::uint32_t> rows;
-    /// How many neighbours each has; the places behind those are not filled.
-    std::vector<std::uint32_t> counts;
-    std::vector<std::uint32_t> columns;
-    std::vector<double> doubles;
-    std::vector<float> singles;
-    /// Only for a graph with distances.
-    std::vector<double> distances;
-};
+/// Fewest rows for which another thread pays.
+constexpr std::size_t kRowGrain = 64;
 
 /// What is stored of each neighbour.
 struct Contents {
@@ -36,98 +29,19 @@ struct Contents {
     bool has_distances;
 };
 
-/// Takes what the search visits.
-class Finds {
-  public:
-    Finds(RowAffinities& affinities, std::size_t worker_count, const Contents& contents)
-        : affinities_(affinities),
-          contents_(contents),
-          of_workers_(worker_count),
-          scratch_(worker_count, std::vector<double>(contents.K)) {
-        affinities_.prepare(worker_count, contents.K);
-    }
-
-    void add(std::size_t row, std::span<const NearRow> nearest, std::size_t worker) {
-        FoundRows& found = of_workers_[worker];
-        const std::span<const NearRow> others = nearest.subspan(nearest.empty() ? 0 : 1);
-        const std::size_t K = contents_.K;
-        found.rows.push_back(static_cast<std::uint32_t>(row));
-        found.counts.push_back(static_cast<std::uint32_t>(others.size()));
-        for (const NearRow& other : others) {
-            found.columns.push_back(other.row);
-        }
-        found.columns.resize(found.rows.size() * K);
-        if (contents_.has_distances) {
-            for (const NearRow& other : others) {
-                found.distances.push_back(other.distance);
-            }
-            found.distances.resize(found.rows.size() * K);
-        }
-        if (contents_.form != ValueForm::OneOrTwo) {
-            addValues(others, worker);
-        }
-    }
-
-    /// Whether a row has fewer neighbours than there are places.
-    [[nodiscard]] bool haveGaps() const {
-        return std::any_of(of_workers_.begin(), of_workers_.end(), [&](const FoundRows& found) {
-            return std::any_of(found.counts.begin(), found.counts.end(), [&](std::uint32_t count) {
-                return count < contents_.K;
-            });
-        });
-    }
-
-    /// The rows in a range, and what has been found of them.
-    [[nodiscard]] std::vector<std::byte> packed(IndexRange rows) const {
-        ByteQueue queue;
-        const std::size_t K = contents_.K;
-        for (const FoundRows& found : of_workers_) {
-            for (std::size_t i = 0; i < found.rows.size(); ++i) {
-                if (found.rows[i] < rows.begin || found.rows[i] >= rows.end) {
-                    continue;
-                }
-                queue.put(found.rows[i]);
-                queue.put(found.counts[i]);
-                queue.putAll(std::span(found.columns).subspan(i * K, K));
-                if (!found.doubles.empty()) {
-                    queue.putAll(std::span(found.doubles).subspan(i * K, K));
-                }
-                if (!found.singles.empty()) {
-                    queue.putAll(std::span(found.singles).subspan(i * K, K));
-                }
-                if (contents_.has_distances) {
-                    queue.putAll(std::span(found.distances).subspan(i * K, K));
-                }
-            }
-        }
-        return queue.take();
-    }
-
-  private:
-    void addValues(std::span<const NearRow> others, std::size_t worker) {
-        FoundRows& found = of_workers_[worker];
-        std::vector<double>& values = scratch_[worker];
-        affinities_.fill(others, values.data(), worker);
-        std::fill(values.begin() + static_cast<std::ptrdiff_t>(others.size()), values.end(), 0.0);
-        if (contents_.form == ValueForm::Double) {
-            found.doubles.insert(found.doubles.end(), values.begin(), values.end());
-            return;
-        }
-        for (const double value : values) {
-            found.singles.push_back(static_cast<float>(value));
-        }
-    }
-
-    RowAffinities& affinities_;
-    Contents contents_;
-    std::vector<FoundRows> of_workers_;
-    std::vector<std::vector<double>> scratch_;
-};
-
 /// The rows that a rank has, as they come in.
 class OwnRows {
   public:
-    OwnRows(IndexRange own, const Contents& contents) : own_(own), contents_(contents) {
+    /// @param affinities  has to outlive the object
+    OwnRows(IndexRange own,
+            const Contents& contents,
+            RowAffinities& affinities,
+            std::size_t worker_count)
+        : own_(own),
+          contents_(contents),
+          affinities_(affinities),
+          scratch_(worker_count, std::vector<double>(contents.K)) {
+        affinities_.prepare(worker_count, contents.K);
         const std::size_t count = own.size() * contents.K;
         rows_.rows = own.size();
         rows_.row_length = contents.K;
@@ -145,25 +59,40 @@ class OwnRows {
         distances_.resize(contents.has_distances ? count : 0);
     }
 
-    void take(std::span<const std::byte> bytes) {
-        for (ByteReader reader(bytes); !reader.isAtEnd();) {
-            const auto row = reader.get<std::uint32_t>();
-            const std::size_t place = row - own_.begin;
-            const std::size_t first = place * contents_.K;
-            counts_[place] = reader.get<std::uint32_t>();
-            reader.getAll(std::span(rows_.columns.get() + first, contents_.K));
-            std::fill(rows_.columns.get() + first + counts_[place],
-                      rows_.columns.get() + first + contents_.K,
-                      row);
+    /// Takes the nearest others of a row; of several rows side by side.
+    ///
+    /// @param place  of the row among those of the rank
+    void take(std::size_t place, std::span<const NearRow> others, std::size_t worker) {
+        const std::size_t K = contents_.K;
+        std::uint32_t* const columns = rows_.columns.get() + place * K;
+        counts_[place] = static_cast<std::uint32_t>(others.size());
+        for (std::size_t k = 0; k < K; ++k) {
+            columns[k] =
+                k < others.size() ? others[k].row : static_cast<std::uint32_t>(own_.begin + place);
+        }
+        for (std::size_t k = 0; contents_.has_distances && k < others.size(); ++k) {
+            distances_[place * K + k] = others[k].distance;
+        }
+        if (contents_.form == ValueForm::OneOrTwo) {
+            return;
+        }
+        std::vector<double>& values = scratch_[worker];
+        affinities_.fill(others, values.data(), worker);
+        std::fill(values.begin() + static_cast<std::ptrdiff_t>(others.size()), values.end(), 0.0);
+        for (std::size_t k = 0; k < K; ++k) {
             if (contents_.form == ValueForm::Double) {
-                reader.getAll(std::span(rows_.doubles.get() + first, contents_.K));
-            } else if (contents_.form == ValueForm::Single) {
-                reader.getAll(std::span(rows_.singles.get() + first, contents_.K));
-            }
-            if (contents_.has_distances) {
-                reader.getAll(std::span(distances_).subspan(first, contents_.K));
+                rows_.doubles[place * K + k] = values[k];
+            } else {
+                rows_.singles[place * K + k] = static_cast<float>(values[k]);
             }
         }
+    }
+
+    /// Whether a row has fewer neighbours than there are places.
+    [[nodiscard]] bool haveGaps() const {
+        return std::any_of(counts_.begin(), counts_.end(), [&](std::uint32_t count) {
+            return count < contents_.K;
+        });
     }
 
     /// Where a row of any rank has gaps, uniform affinities are more than one number.
@@ -197,6 +126,9 @@ class OwnRows {
   private:
     IndexRange own_;
     Contents contents_;
+    RowAffinities& affinities_;
+    /// The values of a row, of each worker.
+    std::vector<std::vector<double>> scratch_;
     ConditionalRows rows_;
     std::vector<std::uint32_t> counts_;
     std::vector<double> distances_;
@@ -240,6 +172,65 @@ bool is_so_for_any(Ranks& ranks, bool is_so) {
     return count > 0;
 }
 
+/// Whether the search is to be approximate, and can be with the first rank's rows.
+bool is_approximate(MatrixView<const double> points,
+                    std::size_t K,
+                    const NeighbourHooks& hooks,
+                    Ranks& ranks) {
+    if (!hooks.manner.is_approximate) {
+        return false;
+    }
+    bool can_be =
+        ranks.isFirst() &&
+        can_be_approximate(points.values, points.rows, points.columns, K + 1, euclidean_metric());
+    ranks.hear(std::span(&can_be, 1), Errand::Orders);
+    if (!can_be) {
+        tell(hooks.notes, FitNote::SearchIsExact);
+    }
+    return can_be;
+}
+
+/// Looks at all rows, of which it gives each rank a copy, and takes what it finds for its own.
+void search_approximately(MatrixView<const double> points,
+                          NeighbourSearch& search,
+                          const NeighbourHooks& hooks,
+                          const RankRows& rows,
+                          std::size_t K,
+                          OwnRows& own) {
+    Ranks& ranks = rows.ranks();
+    std::vector<double> copy(ranks.isFirst() ? 0 : points.size());
+    if (ranks.isFirst()) {
+        ranks.tell(points.all(), Errand::Rows);
+    } else {
+        ranks.hear(std::span(copy), Errand::Rows);
+    }
+    const IndexRange wanted = rows.own();
+    search.findAll(
+        ranks.isFirst() ? points.values : copy.data(),
+        K + 1,
+        [&](std::size_t row, std::span<const NearRow> nearest, std::size_t worker) {
+            if (row >= wanted.begin && row < wanted.end) {
+                own.take(row - wanted.begin, nearest.subspan(1), worker);
+            }
+        },
+        hooks.manner);
+}
+
+/// Finds the nearest of all rows exactly, while parts of them go round.
+void search_exactly(MatrixView<const double> points,
+                    NeighbourSearch& search,
+                    const NeighbourHooks& hooks,
+                    const RankRows& rows,
+                    std::size_t K,
+                    OwnRows& own) {
+    const RankNearest nearest(points, K, search, hooks.manner, rows);
+    parallel_for(rows.own().size(), kRowGrain, [&](std::size_t worker, IndexRange places) {
+        for (std::size_t place = places.begin; place < places.end; ++place) {
+            own.take(place, nearest.of(place), worker);
+        }
+    });
+}
+
 }  // namespace
 
 ConditionalRows conditional_rows_of_rank(MatrixView<const double> points,
@@ -251,35 +242,22 @@ ConditionalRows conditional_rows_of_rank(MatrixView<const double> points,
     Ranks& ranks = rows.ranks();
     const Contents contents{
         static_cast<std::size_t>(K), form, hooks.graph != nullptr && hooks.wants_distances};
-    const std::size_t N = points.rows;
-    if (hooks.manner.is_approximate &&
-        !can_be_approximate(points.values, N, points.columns, contents.K + 1, euclidean_metric())) {
-        tell(hooks.notes, FitNote::SearchIsExact);
-    }
-    NeighbourSearch search(N, points.columns, *hooks.random);
+    const bool approximates = is_approximate(points, contents.K, hooks, ranks);
+    NeighbourSearch search(points.rows, points.columns, *hooks.random);
     tell(hooks.notes, FitNote::NeighbourIndexBuilt);
-    std::optional<Finds> finds(std::in_place, affinities, search.workerCount(), contents);
-    NeighbourSearchManner manner = hooks.manner;
-    manner.share = {ranks.rank(), ranks.count()};
-    search.findAll(
-        points.values,
-        contents.K + 1,
-        [&](std::size_t row, std::span<const NearRow> nearest, std::size_t worker) {
-            finds->add(row, nearest, worker);
-        },
-        manner);
+    OwnRows own(rows.own(), contents, affinities, search.workerCount());
+    if (approximates) {
+        search_approximately(points, search, hooks, rows, contents.K, own);
+    } else {
+        search_exactly(points, search, hooks, rows, contents.K, own);
+    }
     if (hooks.recall != nullptr) {
         *hooks.recall = search.recall();
     }
-    const bool have_gaps = is_so_for_any(ranks, finds->haveGaps());
-    OwnRows own(rows.own(), contents);
-    ranks.exchange([&](std::size_t to) { return finds->packed(rows.of(to)); },
-                   [&](std::size_t /*from*/, std::span<const std::byte> bytes) { own.take(bytes); },
-                   Errand::Neighbours);
-    finds.reset();
     if (hooks.graph != nullptr) {
         collect_graph(own, rows, contents, *hooks.graph);
     }
+    const bool have_gaps = is_so_for_any(ranks, own.haveGaps());
     if (form == ValueForm::OneOrTwo && have_gaps) {
         own.storeUniform();
     }

@@ -8,10 +8,10 @@
 namespace ovik {
 
 /// Conditional affinities of the rows that a rank has to their nearest neighbours among all rows:
-/// those that `conditional_rows` gives for all. Each rank searches for a share of the rows, and
-/// what it finds goes to whoever has the row.
+/// those that `conditional_rows` gives for all. Parts of the rows go round the ranks
+/// (`RankNearest`); of an approximate search each rank gets all of them, and makes it whole.
 ///
-/// @param points  all rows, the same for each rank
+/// @param points  all rows; their values are read of the first rank's alone
 /// @param rows    as each rank has them
 /// @param K       not negative
 /// @param hooks   without cached neighbours, and with a stream that gives the same numbers to each

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "neighbours/candidate_search.h"
+#include "neighbours/near_row.h"
 #include "util/elementary.h"
 
 namespace ovik {

@@ -102,14 +102,12 @@ class ServedFit {
 
     /// Makes the objective of this rank.
     void begin() {
-        std::vector<double> rows(order_.rows * order_.columns);
-        ranks_.hear(std::span(rows), Errand::Rows);
         OwnRandomStream stream;
         stream.seed(static_cast<unsigned int>(order_.options.seed));
         NeighbourGraph graph;
         std::optional<NeighbourRecall> recall;
         objective_ = method_of(order_.options)
-                         .make({{rows.data(), order_.rows, order_.columns},
+                         .make({{nullptr, order_.rows, order_.columns},
                                 order_.options,
                                 {},
                                 nullptr,
@@ -213,7 +211,8 @@ SharedFit::~SharedFit() {
     }
 }
 
-void SharedFit::begin(MatrixView<const double> X,
+void SharedFit::begin(std::size_t rows,
+                      std::size_t columns,
                       const FitOptions& options,
                       const SharedWants& wants) {
     if (!ranks_.areSeveral()) {
@@ -221,14 +220,13 @@ void SharedFit::begin(MatrixView<const double> X,
     }
     is_shared_ = true;
     tell_one(ranks_, Order::Fit);
-    tell_one(ranks_, FitOrder{X.rows, X.columns, options, wants});
+    tell_one(ranks_, FitOrder{rows, columns, options, wants});
     if (!compute_alike(ranks_, options.numerics)) {
         is_shared_ = false;
         throw InputError(
             "the machines do not compute the same exponentials or logarithms, so that they would "
             "not hold the same map\nRun on machines of one kind, or with --numerics portable.");
     }
-    ranks_.tell(X.all(), Errand::Rows);
 }
 
 void SharedFit::start(MatrixView<const double> Y, const FitState* resumed) {

@@ -7,9 +7,9 @@
 #include "util/ranks.h"
 
 /// A fit that several ranks share. The first rank runs `fit_into` as without others; these serve
-/// it: they get the rows, search for neighbours of their share of them, hold the affinities of the
-/// rows that they have, and add their part to forces and sums. All of them take the same steps, and
-/// have the same map after each.
+/// it: they get their part of the rows, search for the neighbours of these among all, hold their
+/// affinities, and add their part to forces and sums. All of them take the same steps, and have the
+/// same map after each.
 
 namespace ovik {
 
@@ -34,11 +34,14 @@ class SharedFit {
     SharedFit& operator=(const SharedFit&) = delete;
     ~SharedFit();
 
-    /// Has the others make their objectives while this one does.
+    /// Has the others make their objectives while this one does. They get the values of the rows
+    /// from it then.
     ///
-    /// @param X        the rows as the method sees them
     /// @throws InputError if the machines do not compute the same
-    void begin(MatrixView<const double> X, const FitOptions& options, const SharedWants& wants);
+    void begin(std::size_t rows,
+               std::size_t columns,
+               const FitOptions& options,
+               const SharedWants& wants);
 
     /// Gives the others the start, and what is resumed.
     ///

@@ -114,6 +114,28 @@ void Ranks::gather(std::span<double> values, std::span<const std::size_t> starts
     }
 }
 
+void Ranks::deal(std::span<const double> values,
+                 std::span<const std::size_t> starts,
+                 std::span<double> own,
+                 Errand errand) {
+    if (!isFirst()) {
+        swap({}, 0, std::as_writable_bytes(own), 0, errand);
+        return;
+    }
+    for (std::size_t to = 1; to < count(); ++to) {
+        const auto part = values.subspan(starts[to], starts[to + 1] - starts[to]);
+        swap(std::as_bytes(part), to, {}, 0, errand);
+    }
+}
+
+void Ranks::pass(std::span<const double> out, std::span<double> in, Errand errand) {
+    swap(std::as_bytes(out),
+         (rank() + 1) % count(),
+         std::as_writable_bytes(in),
+         (rank() + count() - 1) % count(),
+         errand);
+}
+
 /// What the ranks before have made of a number.
 double Ranks::beginTurn(double start) {
     double number = start;

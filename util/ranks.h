@@ -89,6 +89,21 @@ class Ranks {
     /// @param starts  where the part of each rank begins, and where the last one ends
     void gather(std::span<double> values, std::span<const std::size_t> starts, Errand errand);
 
+    /// Gives each its part of an array that the first one has; the first one's stays where it is.
+    ///
+    /// @param values  of the first one alone
+    /// @param starts  as `gather` has them
+    /// @param own     of the others: room for the part of this one
+    void deal(std::span<const double> values,
+              std::span<const std::size_t> starts,
+              std::span<double> own,
+              Errand errand);
+
+    /// Gives the next one round a ring what this one has, and takes what the one before has.
+    ///
+    /// @param in  written, as long as what the one before gives
+    void pass(std::span<const double> out, std::span<double> in, Errand errand);
+
     /// Adds to a number one rank after the other.
     ///
     /// @param start  of the first

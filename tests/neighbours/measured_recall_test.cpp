@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "neighbours/candidate_search.h"
+#include "neighbours/row_extent.h"
 
 #include "tests/support/instruction_sets.h"
 #include "tests/support/nearest_rows.h"

@@ -30,7 +30,10 @@ std::unique_ptr<RowAffinities> affinities_of(ValueForm form) {
 }
 
 /// Holds what the ranks have of the rows to what a process by itself has of them.
-void expect_the_same(const std::vector<double>& values, ValueForm form, std::size_t count) {
+void expect_the_same(const std::vector<double>& values,
+                     ValueForm form,
+                     std::size_t count,
+                     const NeighbourSearchManner& manner = {}) {
     const MatrixView<const double> points{values.data(), values.size() / kColumns, kColumns};
     OwnRandomStream stream;
     stream.seed(5);
@@ -38,6 +41,7 @@ void expect_the_same(const std::vector<double>& values, ValueForm form, std::siz
     NeighbourHooks hooks;
     hooks.random = &stream;
     hooks.graph = &graph;
+    hooks.manner = manner;
     const auto affinities = affinities_of(form);
     const ConditionalRows all = conditional_rows(points, *affinities, kNeighbours, form, hooks);
     test::run_ranks(count, [&](Ranks& ranks) {
@@ -47,10 +51,14 @@ void expect_the_same(const std::vector<double>& values, ValueForm form, std::siz
         NeighbourHooks own_hooks;
         own_hooks.random = &own_stream;
         own_hooks.graph = &own_graph;
+        own_hooks.manner = manner;
+        // The others have no values but what the first one gives them.
+        MatrixView<const double> own_points = points;
+        own_points.values = ranks.isFirst() ? points.values : nullptr;
         const RankRows rows(points.rows, ranks);
         const auto own_affinities = affinities_of(form);
-        const ConditionalRows own =
-            conditional_rows_of_rank(points, *own_affinities, kNeighbours, form, own_hooks, rows);
+        const ConditionalRows own = conditional_rows_of_rank(
+            own_points, *own_affinities, kNeighbours, form, own_hooks, rows);
         ASSERT_EQ(own.rows, rows.own().size());
         ASSERT_EQ(own.form, all.form);
         const std::size_t first = rows.own().begin * kNeighbours;
@@ -88,6 +96,25 @@ TEST(RankSearch, FindsTheSameWhereOnlyTheTreeTellsRowsApart) {
     });
     expect_the_same(values, ValueForm::Double, 3);
     expect_the_same(values, ValueForm::OneOrTwo, 2);
+}
+
+TEST(RankSearch, FindsTheSameWithTiesByRow) {
+    std::vector<double> values = test::random_values(kRows * kColumns, 4, 3.0);
+    NeighbourSearchManner manner;
+    manner.ties = NeighbourTies::ByRow;
+    expect_the_same(values, ValueForm::Single, 3, manner);
+    std::transform(values.begin(), values.end(), values.begin(), [](double value) {
+        return std::floor(value);
+    });
+    expect_the_same(values, ValueForm::Double, 3, manner);
+}
+
+TEST(RankSearch, FindsTheSameApproximately) {
+    NeighbourSearchManner manner;
+    manner.is_approximate = true;
+    expect_the_same(test::random_values(kRows * kColumns, 4), ValueForm::Single, 3, manner);
+    // So few that the search is exact.
+    expect_the_same(test::random_values(40 * kColumns, 4), ValueForm::Single, 2, manner);
 }
 
 // With five rows, none has nine neighbours.

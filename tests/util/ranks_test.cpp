@@ -128,6 +128,39 @@ TEST(Ranks, BringTheFirstWhatAllHaveInOrder) {
     }
 }
 
+TEST(Ranks, DealTheFirstOnesPartsAndPassThemRound) {
+    for (const std::size_t count : kCounts) {
+        test::run_ranks(count, [&](Ranks& ranks) {
+            // Rank r has r + 1 numbers; the third one has none.
+            std::vector<std::size_t> starts = {0};
+            for (std::size_t rank = 0; rank < count; ++rank) {
+                starts.push_back(starts.back() + (rank == 2 ? 0 : rank + 1));
+            }
+            const auto size_of = [&](std::size_t rank) { return starts[rank + 1] - starts[rank]; };
+            std::vector<double> all(starts.back());
+            std::iota(all.begin(), all.end(), 0.5);
+            std::vector<double> passing(size_of(ranks.rank()));
+            if (ranks.isFirst()) {
+                passing.assign(all.begin(), all.begin() + 1);
+                ranks.deal(all, starts, {}, Errand::Rows);
+            } else {
+                ranks.deal({}, starts, passing, Errand::Rows);
+            }
+            for (std::size_t step = 0; step < count; ++step) {
+                const std::size_t owner = (ranks.rank() + count - step) % count;
+                for (std::size_t i = 0; i < size_of(owner); ++i) {
+                    EXPECT_EQ(passing[i], all[starts[owner] + i]);
+                }
+                if (count > 1) {
+                    std::vector<double> next(size_of((owner + count - 1) % count));
+                    ranks.pass(passing, next, Errand::Rows);
+                    passing = next;
+                }
+            }
+        });
+    }
+}
+
 TEST(Ranks, CountWhatTheySendByErrand) {
     test::run_ranks(4, [](Ranks& ranks) {
         std::vector<std::int64_t> numbers(400, 1);
