@@ -108,9 +108,9 @@ void print(const Part& part) {
     std::fflush(stdout);
 }
 
-int check(const std::vector<Part>& parts) {
+int check(const std::vector<Part>& parts, std::string_view list) {
     const std::vector<PartOutcome> outcomes =
-        compare_parts(parts, expected_parts(digests_text()), [](const PartOutcome& outcome) {
+        compare_parts(parts, expected_parts(list), [](const PartOutcome& outcome) {
             if (!outcome.first_difference.empty()) {
                 std::printf(
                     "%s: differs in %s\n", outcome.name.c_str(), outcome.first_difference.c_str());
@@ -137,7 +137,7 @@ int run(const Wishes& wishes, Ranks* ranks) {
         return kBadUsage;
     }
     if (wishes.check) {
-        return check(parts);
+        return check(parts, ranks != nullptr ? rank_digests_text() : digests_text());
     }
     std::for_each(parts.begin(), parts.end(), &print);
     return 0;

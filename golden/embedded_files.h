@@ -15,4 +15,7 @@ std::string_view timecourses_text();
 /// What each part is to come to: a line each, with part, stage and digest between tabs.
 std::string_view digests_text();
 
+/// The same of parts that several processes share.
+std::string_view rank_digests_text();
+
 }  // namespace ovik::golden

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <limits>
 #include <vector>
 
@@ -15,19 +17,19 @@ namespace ovik::golden {
 
 namespace {
 
+constexpr Values kGenes = Values::Chemostat;
+
 /// One map: of which matrix, and what is not as preset.
 struct FitCase {
-    const char* name;
-    Values values;
-    std::size_t rows;
-    void (*set)(FitOptions& options);
+    const char* name = "";
+    Values values = kGenes;
+    std::uint32_t rows = 0;
+    void (*set)(FitOptions& options) = nullptr;
     bool is_selected = false;
 };
 
 /// The iterations of a run.
 constexpr int kLastIteration = 999;
-
-constexpr Values kGenes = Values::Chemostat;
 
 /// What takes longer than a tenth of a second has fewer rows or iterations.
 constexpr FitCase kFitCases[] = {
@@ -183,6 +185,28 @@ constexpr FitCase kFitCases[] = {
     {"four dimensions", kGenes, 100, [](FitOptions& o) { o.out_dims = 4; }},
 };
 
+/// Maps that are shared out among up to four processes, each of which has rows of its own.
+constexpr FitCase kCasesOfManyRanks[] = {
+    {"four windows of rows by mesh",
+     Values::Between,
+     14'000,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.max_iter = 9;
+     }},
+    {"four windows of rows, sample by mesh",
+     Values::Between,
+     14'000,
+     [](FitOptions& o) {
+         o.method = MethodKind::Mesh;
+         o.metric = MetricKind::Pearson;
+         o.affinity = AffinityKind::Uniform;
+         o.start = StartKind::Sample;
+         o.schedule = ScheduleKind::Annealed;
+         o.max_iter = 9;
+     }},
+};
+
 /// Places to start from: the first columns, and none for every tenth row, which then starts amidst
 /// its neighbours.
 std::vector<double> given_places(const SmallMatrix& matrix, std::size_t dims) {
@@ -260,13 +284,17 @@ std::vector<Part> fit_parts() {
 
 std::vector<Part> shared_parts(Ranks& ranks) {
     std::vector<Part> parts;
+    const auto add = [&](const FitCase& fit_case) {
+        parts.push_back({fit_case.name,
+                         [&fit_case, &ranks] { return stages_of(fit_case, &ranks); },
+                         fit_case.is_selected});
+    };
     for (const FitCase& fit_case : kFitCases) {
         if (options_of(fit_case).method == MethodKind::Mesh) {
-            parts.push_back({fit_case.name,
-                             [&fit_case, &ranks] { return stages_of(fit_case, &ranks); },
-                             fit_case.is_selected});
+            add(fit_case);
         }
     }
+    std::for_each(std::begin(kCasesOfManyRanks), std::end(kCasesOfManyRanks), add);
     return parts;
 }
 

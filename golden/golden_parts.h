@@ -38,7 +38,8 @@ struct Part {
 /// All parts, the elementary ones first.
 const std::vector<Part>& all_parts();
 
-/// The parts that several processes can share: maps by the mesh.
+/// The parts that several processes can share: maps by the mesh, and some that have rows for each
+/// of four.
 ///
 /// @param ranks  of which this is the first, and the others serve fits; have to outlive the parts
 std::vector<Part> shared_parts(Ranks& ranks);

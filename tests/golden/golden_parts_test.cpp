@@ -9,9 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include "stats/shared_fit.h"
+#include "util/ranks.h"
+
 #include "golden/embedded_files.h"
 #include "golden/self_test.h"
 #include "tests/support/instruction_sets.h"
+#include "tests/support/rank_threads.h"
 #include "tests/support/threads.h"
 
 /// Parts of the engine have on this machine the digests that they have on every other.
@@ -95,6 +99,37 @@ TEST(AllParts, AreThoseOfTheList) {
     EXPECT_EQ(listed, names);
     EXPECT_EQ(distinct.size(), names.size());
     EXPECT_GE(selected_parts().size(), 8U);
+}
+
+/// What differs of parts that several processes share; empty for nothing.
+std::string difference_of_shared(const std::vector<Part>& parts) {
+    std::string difference;
+    compare_parts(parts, expected_parts(rank_digests_text()), [&](const PartOutcome& outcome) {
+        if (!outcome.first_difference.empty()) {
+            difference += outcome.name + ": " + outcome.first_difference + '\n';
+        }
+    });
+    return difference;
+}
+
+TEST(SharedParts, HaveTheirDigestsByOneProcess) {
+    const std::vector<Part> parts = shared_parts(one_rank());
+    EXPECT_EQ(parts.size(), expected_parts(rank_digests_text()).size());
+    EXPECT_EQ(difference_of_shared(parts), "");
+}
+
+TEST(SharedParts, HaveThemByFourRanksThatAllHaveRows) {
+    test::run_ranks(4, [](Ranks& ranks) {
+        if (!ranks.isFirst()) {
+            serve_fits(ranks);
+            return;
+        }
+        std::vector<Part> parts = shared_parts(ranks);
+        std::erase_if(parts, [](const Part& part) { return !part.name.starts_with("four"); });
+        EXPECT_EQ(parts.size(), 2U);
+        EXPECT_EQ(difference_of_shared(parts), "");
+        end_service(ranks);
+    });
 }
 
 TEST(StageOf, ChangesWithEveryBit) {

@@ -2,7 +2,7 @@
 """Builds golden_digests in several ways, runs it, and writes the table of docs/same-bytes.md.
 
 What the rows are stands in builds.toml, what came of them in same_bytes.json: rows that are not
-asked for keep what they had, as long as the list of digests is the same.
+asked for keep what they had, as long as their list of digests is the same.
 """
 
 import argparse
@@ -19,6 +19,8 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 BUILDS = SOURCE / "tests/golden/builds.toml"
 RESULTS = SOURCE / "tests/golden/same_bytes.json"
 LIST = SOURCE / "golden/digests.tsv"
+# Of what several processes share.
+RANK_LIST = SOURCE / "golden/rank_digests.tsv"
 DOCUMENT = SOURCE / "docs/same-bytes.md"
 THREADS = [1, 2, 5]
 # By which the program tells that the processor has not got the instructions.
@@ -172,16 +174,19 @@ def document_with(text, inner):
     return before + begin + inner + end + after
 
 
-def list_name():
-    return hashlib.sha256(LIST.read_bytes()).hexdigest()[:16]
+def list_of(row):
+    return RANK_LIST if "ranks" in row else LIST
 
 
-def kept_results():
-    """What is known of rows by the list as it is."""
-    if not RESULTS.exists():
-        return {}
-    kept = json.loads(RESULTS.read_text())
-    return kept["rows"] if kept["list"] == list_name() else {}
+def list_name(row):
+    return hashlib.sha256(list_of(row).read_bytes()).hexdigest()[:16]
+
+
+def kept_results(all_rows):
+    """What is known of rows by their lists as these are."""
+    kept = json.loads(RESULTS.read_text()) if RESULTS.exists() else {}
+    return {row["name"]: kept[row["name"]] for row in all_rows
+            if kept.get(row["name"], {}).get("list") == list_name(row)}
 
 
 def main():
@@ -201,18 +206,18 @@ def main():
     unknown = set(wishes.names) - {row["name"] for row in all_rows}
     if unknown:
         parser.error(f"no such row: {', '.join(sorted(unknown))}")
-    results = kept_results()
+    results = kept_results(all_rows)
     text = DOCUMENT.read_text()
     if wishes.check:
         if document_with(text, tables(all_rows, results)) != text:
             print("docs/same-bytes.md has another table: call scripts/same-bytes")
             return 1
         return 0
-    expected = digests_of(LIST.read_text())
     for row in all_rows:
         if not wishes.table and (not wishes.names or row["name"] in wishes.names):
-            results[row["name"]] = measure(row, expected, wishes.jobs)
-    RESULTS.write_text(json.dumps({"list": list_name(), "rows": results}, indent=1) + "\n")
+            expected = digests_of(list_of(row).read_text())
+            results[row["name"]] = {"list": list_name(row), **measure(row, expected, wishes.jobs)}
+    RESULTS.write_text(json.dumps(results, indent=1) + "\n")
     DOCUMENT.write_text(document_with(text, tables(all_rows, results)))
     cells = [cell for row in results.values() for line in row["lines"]
              for cell in line["cells"].values()]
