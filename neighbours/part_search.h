@@ -53,7 +53,7 @@ class PartSearch {
     /// A part that comes by.
     struct Visitors {
         MatrixView<const double> rows;
-        std::size_t first;
+        std::size_t first = 0;
         const RowBlocks& blocks;
     };
 

@@ -187,6 +187,34 @@ ExitStatus make_maps(LoadedMatrix loaded,
     return status;
 }
 
+/// Reads the matrix, and settles what follows from it at once.
+///
+/// @param reported  null, or the call whose values it has to have
+LoadedMatrix read_matrix(Options& options, const ReportedCall* reported) {
+    LoadedMatrix loaded = load_matrix(options);
+    options.into_rows = check_h5ad_result(options, loaded.matrix.row_names);
+    settle_sparse_input(loaded, options);
+    if (reported != nullptr) {
+        check_reported_values(*reported, loaded);
+    }
+    settle_kind_of_names(options, loaded);
+    return loaded;
+}
+
+/// Refuses runs that are not those of a report, or whose results would stand in one another's
+/// place.
+///
+/// @param reported  null for runs that are not made again
+void check_runs(const Options& options,
+                const std::vector<double>& perplexities,
+                const ReportedCall* reported) {
+    if (reported != nullptr) {
+        check_reported_options(*reported, options);
+    } else {
+        check_result_names(options, perplexities);
+    }
+}
+
 /// Takes the whole way from the matrix to the results.
 ///
 /// @param reported  in the place of results, the call that is made again; null for none
@@ -203,15 +231,9 @@ ExitStatus embed(Options options, RunReport report, const ReportedCall* reported
     if (!options.checkpoint.empty() && is_written_in_place(options.checkpoint)) {
         tell_of_writing_in_place(options.checkpoint);
     }
-    LoadedMatrix loaded = load_matrix(options);
-    options.into_rows = check_h5ad_result(options, loaded.matrix.row_names);
-    settle_sparse_input(loaded, options);
-    if (reported != nullptr) {
-        check_reported_values(*reported, loaded);
-    }
+    LoadedMatrix loaded = read_matrix(options, reported);
     report.reading_seconds = watch.lap();
     const MatrixReport& matrix = loaded.matrix.report;
-    settle_kind_of_names(options, loaded);
     const std::vector<LabelColumn> labels = settle_labels(loaded, options);
     options.sets = settle_sets(loaded.matrix.row_names, options);
     settle_fit_options(options, matrix.rows, matrix.columns);
@@ -222,11 +244,7 @@ ExitStatus embed(Options options, RunReport report, const ReportedCall* reported
         check_placing_options(options.fit);
     }
     const std::vector<double> perplexities = choose_perplexities(options, matrix.rows);
-    if (reported != nullptr) {
-        check_reported_options(*reported, options);
-    } else {
-        check_result_names(options, perplexities);
-    }
+    check_runs(options, perplexities, reported);
     const auto neighbours = load_neighbours(options, perplexities, matrix.rows);
     RunSize size = size_of_runs(options, matrix, perplexities);
     const AvailableMemory available = available_memory();

@@ -55,7 +55,7 @@ class Reproduction {
           start_places_(settle_start(options, loaded.matrix.row_names)) {}
 
     /// Fits one map anew and says whether it is equal; where a signal ended it, nothing.
-    bool isEqual(const ReportedRun& expected, double perplexity) const {
+    [[nodiscard]] bool isEqual(const ReportedRun& expected, double perplexity) const {
         const RunRecord now = run_fit_alone(options_, input(), perplexity, expected.last_iteration);
         if (interruption_status() != Success) {
             return false;
@@ -140,10 +140,11 @@ void check_reported_options(const ReportedCall& reported, const Options& options
         known.insert(name);
         const auto found = expected.find(name);
         if (found != expected.end() && !shapes_no_map(name) && *found != Json::parse(value)) {
-            throw DifferenceFound("differs: the option " + name + " of the report is " +
-                                  found->dump() + ", and comes to " + value +
-                                  " here\nThe report is of version " + reported.version +
-                                  ", this is " OVIK_VERSION ".");
+            std::string difference = "differs: the option " + name + " of the report is ";
+            difference +=
+                found->dump() + ", and comes to " + value + " here\nThe report is of version ";
+            difference += reported.version + ", this is " OVIK_VERSION ".";
+            throw DifferenceFound(difference);
         }
     }
     for (const auto& [name, value] : expected.items()) {
