@@ -15,6 +15,7 @@
 #include "stats/sparse_affinities.h"
 #include "stats/sparse_forces.h"
 #include "stats/tree_repulsion.h"
+#include "util/elementary.h"
 #include "util/instruction_set.h"
 #include "util/number_field.h"
 
@@ -126,6 +127,31 @@ void logarithms(benchmark::State& state) {
 }
 
 BENCHMARK(logarithms)->ArgName("set")->DenseRange(0, 2);
+
+/// Exponentials as affinities are made of, by the C library or the same everywhere.
+void exponentials(benchmark::State& state) {
+    const auto set = static_cast<InstructionSet>(state.range(0));
+    if (!has_set(state, set)) {
+        return;
+    }
+    limit_instruction_set(set);
+    std::vector<double> arguments(1000);
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        arguments[i] = -0.0137 * static_cast<double>(i);
+    }
+    const Elementary& elementary =
+        state.range(1) != 0 ? portable_elementary() : platform_elementary();
+    std::vector<double> values(arguments.size());
+    for (auto _ : state) {
+        values = arguments;
+        elementary.exponentials(values.data(), values.size());
+        benchmark::DoNotOptimize(values.data());
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(values.size()));
+    limit_instruction_set(best_instruction_set());
+}
+
+BENCHMARK(exponentials)->ArgNames({"set", "portable"})->ArgsProduct({{0, 1, 2}, {0, 1}});
 
 void build_tree(benchmark::State& state) {
     const auto N = static_cast<std::size_t>(state.range(0));
